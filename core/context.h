@@ -35,6 +35,15 @@ struct NetworkState {
   bool moreFragments;
 };
 
+// The TCP segment of the current frame (the innermost of tunnelled ones), for the host's history of segments.
+struct TcpSegment {
+  const uint8_t* payload;
+  int32_t length;        // payload bytes captured
+  uint32_t sequence;
+  uint32_t flags;        // FIN = 1
+  bool here;
+};
+
 // What the decoders of the current frame leave for later ones and for the view's commands; cleared for each frame.
 struct PacketState {
   const FrameRecord* frame;
@@ -45,6 +54,7 @@ struct PacketState {
   AddressSlot source, destination;
   uint16_t sourcePort, destinationPort;
   NetworkState network;
+  TcpSegment segment;
   const uint8_t* payload;    // of the application protocol
   int32_t payloadLength;
   int32_t payloadOffset;

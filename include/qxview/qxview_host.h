@@ -71,8 +71,10 @@ typedef struct QxHost {
   void (*learn)(void *user, uint32_t transport, int32_t identifier, const AddressSlot *address, uint16_t port,
                 int32_t port2, int32_t port3, const DynamicRecord *extra);
 
-  /* The data segment `back` (from 1) before the current packet in its TCP connection and direction; 1 when there. */
-  int32_t (*earlierSegment)(void *user, int32_t back, QxSegment *out);
+  /* The data segment `back` (from 1) before the current packet from this source to this destination (TCP); 1 when there
+   * is one. The bytes stay good until the next packet is decoded. */
+  int32_t (*earlierSegment)(void *user, const AddressSlot *source, uint16_t sourcePort,
+                            const AddressSlot *destination, uint16_t destinationPort, int32_t back, QxSegment *out);
   /* 1 when the MIB has an entry for the dotted identifier. */
   int32_t (*findMibEntry)(void *user, const char *dotted, QxMibEntry *out);
 } QxHost;
