@@ -1,9 +1,8 @@
 #!/bin/bash
 # bridge.pcap: what a bridge says on its ports. Spanning tree (802.1D over LLC) of two bridges with two cables between
-# them, so that one port gets blocked, the topology change when a station joins, and LLDP.
+# them, so that one port gets blocked, and the topology change when a station joins.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
-need lldpd
 
 lay_cable
 ip link add second netns "$left" address 02:00:00:00:00:03 type veth peer name second netns "$right" address 02:00:00:00:00:04
@@ -32,9 +31,4 @@ on "$right" ip link set port master bridge
 on "$right" ip link set port up
 on "$right" ip link set station up
 sleep 14
-
-# A station on the cable announces itself; no other daemon's socket is touched.
-mkdir -m 755 "$work/lldpd"
-start_on "$right" lldpd -d -r -M 1 -I cable -C cable -u "$work/lldpd.socket" -p "$work/lldpd.pid" -S "qxview test station"
-sleep 6
 keep_as bridge.pcap

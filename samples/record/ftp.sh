@@ -6,7 +6,7 @@
 need vsftpd curl
 
 mkdir "$work/site" "$work/empty"
-chmod 755 "$work" "$work/site" "$work/empty"
+chmod 755 "$work/site" "$work/empty"
 echo 'A file to be fetched.' >"$work/site/hello.txt"
 touch -d '2026-01-02 03:04:05 UTC' "$work/site/hello.txt"
 cat >"$work/vsftpd.conf" <<CONFIG

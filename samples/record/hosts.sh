@@ -11,6 +11,7 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
 samples=$(dirname "$here")
 work=$(mktemp -d)
+chmod 755 "$work"   # servers that give up root read in it
 left=qxleft$$
 right=qxright$$
 started=()
@@ -93,7 +94,7 @@ record() {
   started+=("$recorder")
   local tries
   for ((tries = 0; tries < 50; tries++)); do
-    grep -q 'listening on' "$work/tcpdump.log" && return
+    grep -qs 'listening on' "$work/tcpdump.log" && return
     sleep 0.1
   done
   echo "$0: tcpdump did not start" >&2

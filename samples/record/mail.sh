@@ -6,7 +6,6 @@
 need aiosmtpd swaks dovecot curl
 
 mkdir -p "$work/mail/new" "$work/mail/cur" "$work/mail/tmp" "$work/run"
-chmod 755 "$work"
 printf 'From: left@example.test\r\nTo: right@example.test\r\nSubject: Hello\r\nDate: Fri, 02 Jan 2026 03:04:05 +0000\r\n' \
   >"$work/mail/new/1.sample"
 printf '\r\nA short message.\r\n.A line that begins with a dot.\r\n' >>"$work/mail/new/1.sample"
@@ -54,6 +53,7 @@ record cable tcp
 on "$left" swaks --server 192.0.2.2 --ehlo left.example.test --from left@example.test --to right@example.test \
   --header 'Subject: Hello' --body 'A short message.' >>"$work/log"
 # What no client does: a sender before the greeting, an unknown command, a recipient before the sender.
+# shellcheck disable=SC2016  # the other shell expands it
 on "$left" bash -c 'exec 3<>/dev/tcp/192.0.2.2/25; for line in "MAIL FROM:<left@example.test>" "HELO left.example.test" \
   BOGUS "RCPT TO:<right@example.test>" QUIT; do read -r -t 2 _ <&3; printf "%s\r\n" "$line" >&3; done; read -r -t 2 _ <&3'
 get() { on "$left" curl -sS -o /dev/null "$@"; }

@@ -6,7 +6,7 @@
 need nginx curl gzip
 
 mkdir "$work/site" "$work/body"
-chmod 755 "$work" "$work/site"
+chmod 755 "$work/site"
 # A page like a long table: about 100 KB of text that shrinks to some 20 KB, always the same.
 awk 'BEGIN {
   print "<!DOCTYPE html>\n<html><head><title>Stations</title></head><body><table>"
