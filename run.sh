@@ -6,6 +6,6 @@ root=$(cd "$(dirname "$(readlink -f "$0")")" && pwd -P)
 "$root/scripts/setup.sh" build
 "$root/scripts/build.sh" release qxview libqxview.so
 if [ $# -eq 0 ]; then
-  set -- decode "$root/samples/dns.pcap"
+  set -- decode "$root/samples/vlan.pcap"
 fi
 exec "$root/build/qxview" "$@"

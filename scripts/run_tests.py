@@ -124,6 +124,8 @@ def count_script(output, status):
         bad = sum(int(n) for n in re.findall(r"(?:failures|errors|unexpected successes)=(\d+)", output))
         skipped = sum(int(n) for n in re.findall(r"skipped=(\d+)", output))
         result = Result(max(0, int(unit[-1]) - bad - skipped), bad)
+        if int(unit[-1]) == 0:
+            result.failed = 1
     else:
         result = Result(1, 0) if status == 0 else Result(0, 1)
     if status != 0 and result.failed == 0:
