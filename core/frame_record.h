@@ -13,9 +13,9 @@
 //   24  8  packet number
 //   32  4  length of the frame on the wire, with whatever check sequence the capture holds
 //   36  2  link type of the capture (the pcap LINKTYPE number), 0 when the medium says all
-//   38  1  bytes of check sequence that the captured bytes end with (0, 2 or 4)
+//   38  1  bytes of check sequence that the captured bytes end with (0 to 4: a cut frame may hold a part)
 //   39  1  raw frames: bytes in front of the network header
-//   40  2  raw frames: Ethertype of what starts there; 0 for frames with a medium header
+//   40  2  raw frames: Ethertype (or RawProtocol) of what starts there; 0 for frames with a medium header
 //   42  2  link number of WAN frames
 //   44  4  zero
 //   48     extension blocks, each: tag (2), length of the whole block (2), data; to the data offset
@@ -34,7 +34,7 @@ enum class Medium : uint8_t {
 
 enum ReceiveError : uint32_t {
   kReceiveAlignment = 0x01, kReceiveCrc = 0x02, kReceiveTooSmall = 0x04, kReceiveTooBig = 0x08,
-  kReceiveAbort = 0x40, kReceiveRBit = 0x80,
+  kReceiveOther = 0x10, kReceiveAbort = 0x40, kReceiveRBit = 0x80,
 };
 
 enum class LinkDirection : uint8_t { kUnknown = 0, kReceived = 1, kSent = 2 };
@@ -45,8 +45,15 @@ enum RecordFlag : uint16_t {
 
 enum ExtensionTag : uint16_t {
   kExtensionOriginalNumber = 1,  // 8 bytes: the frame's number in the buffer it was captured in
-  kExtensionMedium = 258,        // media 3, 4, 9 and 14: link direction and number, radio header
-  kExtensionAtm = 264,           // medium 6: cell information
+  kExtensionMedium = 258,        // media 3, 4, 9 and 14: link direction and number, radio header as it was captured
+  kExtensionAtm = 264,           // medium 6: cell information, the four bytes of a SunATM header as captured
+};
+
+// What a raw frame holds where it has no Ethertype.
+enum RawProtocol : uint16_t {
+  kRawNovell = 0x0001,    // IPX directly behind an 802.3 length
+  kRawLlc = 0x0004,       // an 802.2 header
+  kRawUnknown = 0xFFFF,   // nothing is known of it
 };
 
 constexpr int32_t kBareRecordHeader = 32;
@@ -109,5 +116,22 @@ inline const uint8_t* FindExtension(const FrameRecord* record, uint16_t tag, int
   }
   return nullptr;
 }
+
+// Bytes that the capture held in front of the frame and that stand in an extension block now (radio and cell headers):
+// the lengths a capture file gives are the record's plus these.
+inline int32_t MovedHeaderLength(const FrameRecord* record) {
+  int32_t length = 0;
+  if (record->mediaType == static_cast<uint8_t>(Medium::kWireless)) FindExtension(record, kExtensionMedium, &length);
+  if (record->mediaType == static_cast<uint8_t>(Medium::kAtm)) FindExtension(record, kExtensionAtm, &length);
+  return length;
+}
+
+// Whether the frame has no medium header: raw IP, loopback and cooked captures.
+inline bool IsRawFrame(const FrameRecord* record) { return HasFullHeader(record) && record->rawEthertype != 0; }
+
+// The name of the frame's medium as programs read it: "Ethernet", "RawIP", ...; "Medium5" and the like, composed in
+// `scratch`, for numbers without a decoder.
+constexpr int32_t kMediumNameScratch = 12;
+const char* MediumName(const FrameRecord* record, char* scratch);
 
 }  // namespace qxview
