@@ -33,8 +33,12 @@ def run(command, log, **environment):
     """Runs a command in the root folder with its output appended to the log; its exit status, negative for a signal."""
     log.write("$ " + " ".join(command) + "\n")
     log.flush()
-    process = subprocess.Popen(command, cwd=ROOT, stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT,
-                               env={**os.environ, **environment}, start_new_session=True)
+    try:
+        process = subprocess.Popen(command, cwd=ROOT, stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT,
+                                   env={**os.environ, **environment}, start_new_session=True)
+    except OSError as error:
+        log.write(f"{error}\n")
+        return 127
     try:
         return process.wait(STEP_SECONDS)
     except subprocess.TimeoutExpired:
