@@ -1,0 +1,68 @@
+#include "core/bits.h"
+
+#include <bit>
+#include <cstring>
+
+namespace qxview {
+namespace {
+
+// Eight bits as eight bytes of 0 or 1, the most significant bit in the byte that is first in memory.
+inline uint64_t SpreadBits(uint32_t octet) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  constexpr uint64_t kOneBitEach =
+      std::endian::native == std::endian::little ? 0x0102040810204080 : 0x8040201008040201;
+  return ((octet * kOnes & kOneBitEach) + 0x7F * kOnes) >> 7 & kOnes;
+}
+
+// One octet's eight positions: digits where `mask` has a bit, full stops elsewhere.
+inline void DrawOctet(uint32_t octet, uint32_t mask, char* picture) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  static_assert('0' - '.' == 2 && '1' - '0' == 1);
+  const uint64_t drawn = '.' * kOnes + SpreadBits(mask) * 2 + SpreadBits(octet & mask);
+  std::memcpy(picture, &drawn, sizeof drawn);
+}
+
+}  // namespace
+
+uint32_t FormatBits(uint32_t value, int32_t width, char* picture, int32_t firstBit, int32_t bitCount) {
+  if (firstBit < 0) firstBit = 0;
+  if (firstBit > width) firstBit = width;
+  if (bitCount < 0) bitCount = 0;
+  if (bitCount > width - firstBit) bitCount = width - firstBit;
+  const uint64_t field = ((uint64_t{1} << bitCount) - 1) << (width - firstBit - bitCount);
+  char* at = picture;
+  for (int32_t shift = width - 8; shift >= 0; shift -= 8) {
+    if (at != picture) *at++ = ' ';
+    DrawOctet(value >> shift & 0xFF, static_cast<uint32_t>(field >> shift) & 0xFF, at);
+    at += 8;
+  }
+  *at = 0;
+  return static_cast<uint32_t>((value & field) >> (width - firstBit - bitCount));
+}
+
+uint32_t FormatBitField8(uint32_t value, char* picture, int32_t firstBit, int32_t bitCount) {
+  if (firstBit >= 0 && bitCount >= 0 && firstBit + bitCount <= 8) {
+    return FormatBits(value & 0xFF, 8, picture, firstBit, bitCount);
+  }
+  constexpr int32_t kMostPositions = 64;
+  if (firstBit < 0) firstBit = 0;
+  if (firstBit > kMostPositions) firstBit = kMostPositions;
+  if (bitCount < 0) bitCount = 0;
+  if (bitCount > kMostPositions - firstBit) bitCount = kMostPositions - firstBit;
+  const int32_t positions = firstBit + bitCount > 8 ? firstBit + bitCount : 8;
+  uint32_t field = 0;
+  for (int32_t i = 0; i < positions; ++i) {
+    const uint32_t bit = i < 8 ? value >> (7 - i) & 1 : 0;   // what lies past the byte is not there
+    const bool inField = i >= firstBit && i < firstBit + bitCount;
+    picture[i] = !inField ? '.' : bit ? '1' : '0';
+    if (inField) field = field << 1 | bit;
+  }
+  picture[positions] = 0;
+  return field;
+}
+
+uint32_t FormatBitField32(uint32_t value, char* picture, int32_t firstBit, int32_t bitCount) {
+  return FormatBits(value, 32, picture, firstBit, bitCount);
+}
+
+}  // namespace qxview

@@ -1,0 +1,159 @@
+#include "core/bounded_text.h"
+
+#include "core/digits.h"
+
+namespace qxview {
+
+char* CopyTextN(char* destination, int32_t size, const char* source, int32_t count) {
+  if (!source || !destination) return nullptr;
+  if (size < 1) return destination;
+  if (count > size - 1) count = size - 1;
+  if (count > 0) std::memcpy(destination, source, static_cast<size_t>(count));
+  destination[count > 0 ? count : 0] = 0;
+  return destination;
+}
+
+char* CopyBounded(char* destination, int32_t size, const char* source, int32_t length) {
+  if (!destination || size < 1) return nullptr;
+  if (!source) destination[0] = 0;
+  return CopyTextN(destination, size, source, length);
+}
+
+char* CopyString(char* destination, int32_t size, const char* source) {
+  const int32_t length = source ? static_cast<int32_t>(std::strlen(source)) : 0;
+  char* copied = CopyBounded(destination, size, source, length);
+  return length == 0 ? nullptr : copied;
+}
+
+char* AppendBounded(char* destination, int32_t size, const char* source, int32_t length) {
+  if (!destination || !source) return nullptr;
+  if (size < 1 || length < 1) return destination;
+  const int32_t used = static_cast<int32_t>(strnlen(destination, static_cast<size_t>(size)));
+  if (used >= size - 1) return destination;
+  CopyTextN(destination + used, size - used, source, static_cast<int32_t>(strnlen(source, static_cast<size_t>(length))));
+  return destination;
+}
+
+char* AppendString(char* destination, int32_t size, const char* source) {
+  if (!source || !source[0]) return nullptr;
+  return AppendBounded(destination, size, source, static_cast<int32_t>(std::strlen(source)));
+}
+
+void ByteHexToString(const uint8_t* bytes, int32_t count, TextBuffer* out) {
+  if (!out || !out->text || out->capacity < 1) return;
+  if (out->capacity < 3 * static_cast<int64_t>(count)) count = out->capacity / 3;
+  char* at = out->text;
+  for (int32_t i = 0; bytes && i < count; ++i) {
+    if (i > 0) *at++ = ' ';
+    std::memcpy(at, kHexPairs + 2 * bytes[i], 2);
+    at += 2;
+  }
+  *at = 0;
+}
+
+int32_t FormatIPv4(const uint8_t* address, char* out) {
+  char* at = out;
+  for (int32_t i = 0; i < 4; ++i) {
+    if (i > 0) *at++ = '.';
+    char digits[4];
+    char* const end = digits + sizeof digits;
+    char* first = WriteDecimal(end, address[i]);
+    while (first < end) *at++ = *first++;
+  }
+  *at = 0;
+  return static_cast<int32_t>(at - out);
+}
+
+namespace {
+
+// Two upper-case digits a byte with ':' between them; `at` stands behind an earlier digit when `led` is set.
+int32_t FormatColonBytes(const uint8_t* bytes, int32_t count, bool led, char* at) {
+  char* const start = at;
+  for (int32_t i = 0; i < count; ++i) {
+    if (i > 0 || led) *at++ = ':';
+    std::memcpy(at, kHexPairs + 2 * bytes[i], 2);
+    at += 2;
+  }
+  *at = 0;
+  return static_cast<int32_t>(at - start);
+}
+
+}  // namespace
+
+int32_t FormatMac(const uint8_t* address, char* out) { return FormatColonBytes(address, 6, false, out); }
+
+int32_t FormatOui(const uint8_t* oui, char* out) {
+  for (int32_t i = 0; i < 3; ++i) std::memcpy(out + 2 * i, kHexPairs + 2 * oui[i], 2);
+  out[6] = 0;
+  return 6;
+}
+
+int32_t FormatEightByteAddress(const uint8_t* address, char* out) {
+  out[0] = kHexUpper[address[0] & 15];
+  return 1 + FormatColonBytes(address + 1, 7, true, out + 1);
+}
+
+int32_t FormatIPv6(const uint8_t* address, char* out) {
+  uint32_t groups[8];
+  for (int32_t i = 0; i < 8; ++i) groups[i] = static_cast<uint32_t>(address[2 * i] << 8 | address[2 * i + 1]);
+  int32_t gapAt = -1, gapLength = 1;   // the longest run of two or more zero groups, the first of equals
+  for (int32_t i = 0; i < 8;) {
+    int32_t run = 0;
+    while (i + run < 8 && groups[i + run] == 0) ++run;
+    if (run > gapLength) {
+      gapAt = i;
+      gapLength = run;
+    }
+    i += run > 0 ? run : 1;
+  }
+  // IPv4-mapped addresses (::ffff:0:0/96) keep their last 32 bits dotted (RFC 5952, section 5).
+  const bool mapped = gapAt == 0 && gapLength == 5 && groups[5] == 0xFFFF;
+  char* at = out;
+  for (int32_t i = 0; i < 8;) {
+    if (i == gapAt) {
+      *at++ = ':';
+      *at++ = ':';
+      i += gapLength;
+      continue;
+    }
+    if (i > 0 && at[-1] != ':') *at++ = ':';
+    if (mapped && i == 6) return static_cast<int32_t>(at - out) + FormatIPv4(address + 12, at);
+    char digits[8];
+    char* const end = digits + sizeof digits;
+    char* first = WriteHex(end, groups[i], kHexLower);
+    while (first < end) *at++ = *first++;
+    ++i;
+  }
+  *at = 0;
+  return static_cast<int32_t>(at - out);
+}
+
+ShortText<kIPv4TextSize> IPv4Text(const uint8_t* address) {
+  ShortText<kIPv4TextSize> made;
+  if (!address) return made.text[0] = 0, made;
+  FormatIPv4(address, made.text);
+  return made;
+}
+
+ShortText<kMacTextSize> MacText(const uint8_t* address) {
+  ShortText<kMacTextSize> made;
+  if (!address) return made.text[0] = 0, made;
+  FormatMac(address, made.text);
+  return made;
+}
+
+ShortText<kOuiTextSize> OuiText(const uint8_t* oui) {
+  ShortText<kOuiTextSize> made;
+  if (!oui) return made.text[0] = 0, made;
+  FormatOui(oui, made.text);
+  return made;
+}
+
+ShortText<kIPv6TextSize> IPv6Text(const uint8_t* address) {
+  ShortText<kIPv6TextSize> made;
+  if (!address) return made.text[0] = 0, made;
+  FormatIPv6(address, made.text);
+  return made;
+}
+
+}  // namespace qxview

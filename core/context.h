@@ -1,0 +1,109 @@
+// The decode context of a packet view, and the view that owns it.
+#pragma once
+#include <cstdint>
+
+#include "core/byte_range.h"
+#include "core/frame_record.h"
+#include "qxview/qxview_types.h"
+#include "view/decode_tree.h"
+
+namespace qxview {
+
+using ::AddressSlot;
+
+struct Engine;
+struct OutputFile;
+
+constexpr char kDisplayMode = '9';
+constexpr char kPrintMode = '7';
+constexpr char kSaveMode = '8';
+constexpr char kFindMode = ':';
+
+// What add-line gives in every mode but display, so that decoders pass it on as a parent unchanged.
+constexpr LineHandle kLineOutsideDisplay = 1000;
+
+// The bounds of one frame. Nesting counts every decoder call that a decoder makes on carried data.
+constexpr int32_t kMostNesting = 64;
+constexpr int32_t kMostLines = 1000000;
+
+// How the current frame's network layer carries its transport: set by IPv4 and IPv6 for TCP, UDP and SCTP.
+struct NetworkState {
+  uint32_t pseudoHead;       // one's-complement sum of the pseudo-header, as PseudoHead gives it
+  uint32_t fragmentOffset;   // bytes
+  int32_t totalLength;       // bytes of the transport's data that the network header declares
+  bool fragmented;           // a fragment, the first included
+  bool moreFragments;
+};
+
+// The TCP segment of the current frame (the innermost of tunnelled ones), for the host's history of segments.
+struct TcpSegment {
+  const uint8_t* payload;
+  int32_t length;        // payload bytes captured
+  uint32_t sequence;
+  uint32_t flags;        // FIN = 1
+  bool here;
+};
+
+// What the decoders of the current frame leave for later ones and for the view's commands; cleared for each frame.
+struct PacketState {
+  const FrameRecord* frame;
+  uint32_t userParam1, userParam2;
+  uint32_t scratch[2];
+  uint32_t ipHeaderSeen;
+  uint8_t ipProtocol;
+  AddressSlot source, destination;
+  uint16_t sourcePort, destinationPort;
+  NetworkState network;
+  TcpSegment segment;
+  const uint8_t* payload;    // of the application protocol
+  int32_t payloadLength;
+  int32_t payloadOffset;
+  uint32_t matchedSource;    // TCP: the protocol's definition matched the source side
+  int32_t nesting;
+  int32_t linesLeft;
+  bool limitReached;
+};
+
+struct DecodeContext {
+  int64_t packetNumber;
+  char outputMode;
+  OutputFile* outputFile;
+  char findText[1024];
+  uint32_t findFound;
+  char findLine[256];
+  int64_t findPacketNumber;
+  int32_t findLineIndex;
+  int32_t findLineLimit;
+  int32_t findLineCounter;
+  uint32_t findBounded;
+  LineHandle foundLineHandle;
+  ByteRange* rangeTable;
+  uint32_t rangeCapacity;
+  uint32_t rangeCount;
+  int32_t rangeFilterStart;
+  int32_t rangeFilterLength;
+  uint32_t rangeFilterOn;
+  uint32_t customWord;       // the word that user decoder libraries pass on; stays with the view
+  PacketState packet;
+};
+
+constexpr uint32_t kFirstRangeCapacity = 512;
+
+struct View {
+  DecodeContext* context;
+  DecodeTree* tree;
+  Engine* engine;
+  uint32_t expansionMask;        // by range kind: top-level lines of these kinds are expanded
+  int32_t selectionPath[3];      // indexes of the selected line, its parent's first; a negative one ends the path
+  int32_t currentTopKind;
+  const uint8_t* characterTable; // 256 characters for hex dumps when character translation is on
+};
+
+// Zero-filled context in display mode with an empty range table of 512 entries; null when there is no memory.
+DecodeContext* CreateDecodeContext();
+void DestroyDecodeContext(DecodeContext* context);
+
+// The number of the packet shown; -1 when the view is missing or has no context.
+int64_t CurrentPacketNumber(const View* view);
+
+}  // namespace qxview

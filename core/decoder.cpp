@@ -1,0 +1,46 @@
+#include "core/decoder.h"
+
+namespace qxview {
+namespace detail {
+
+LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
+                        const FormatPiece* pieces, const FormatArgument* arguments) {
+  char line[kLineSize];
+  const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
+  return AddDecodeLineOf(at.view, at.parent, line, length, image, at.tree,
+                         MakeByteRange(kFieldKind, field.offset, field.length));
+}
+
+void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
+                     const FormatArgument* arguments) {
+  char added[kLineSize];
+  FormatPieces(added, at.lineSize, text, pieces, arguments);
+  AppendToDecodeLine(at.view, at.tree, line, added);
+}
+
+void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
+                  const FormatArgument* arguments) {
+  char made[kLineSize];
+  FormatPieces(made, at.lineSize, text, pieces, arguments);
+  SetDecodeLineText(at.view, at.tree, line, made);
+}
+
+}  // namespace detail
+
+int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
+  PacketState& packet = PacketOf(at);
+  if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
+  ++packet.nesting;
+  c.begin = c.offset;   // a decoder covers what it takes itself
+  const int32_t result = decode(at, c);
+  --packet.nesting;
+  return result;
+}
+
+int32_t CallDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
+  const int32_t result = decode ? TryDecoder(at, c, decode, title) : 0;
+  if (result != 0 || !title) return result;
+  return AddRawRest(at, c, title);
+}
+
+}  // namespace qxview

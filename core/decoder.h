@@ -1,0 +1,129 @@
+// What decoders are written with: a Cursor over the bytes and a Place for the lines.
+//
+//   int32_t DecodeThing(const Place& at, Cursor c) {
+//     if (Left(c) < 4) return 0;
+//     const Place in = Under(at, AddLine(at, Ahead(c, 4), "Thing:"));
+//     const Field kind = TakeU8(c);
+//     AddLine(in, kind, "Kind: %u = %s", kind.value, LookupName(kKindNames, kind.value));
+//     ...
+//
+// A field that is not here, or a dead place, adds nothing.
+#pragma once
+#include "core/blocks.h"
+#include "core/bounded_text.h"
+#include "core/cursor.h"
+#include "core/dispatch.h"
+#include "core/engine.h"
+#include "core/lines.h"
+#include "core/name_table.h"
+
+namespace qxview {
+
+constexpr int32_t kLineSize = 512;        // the buffer that lines are formatted in
+constexpr int32_t kShortLineSize = 300;   // the one of decoders that have always used the smaller buffer
+
+// Where lines go: under `parent`, with the image of `level`.
+struct Place {
+  View* view;
+  DecodeTree* tree;
+  LineHandle parent;
+  int16_t level;
+  int16_t lineSize;
+  bool dead;   // the parent could not be added: its children must not surface at the top level
+};
+
+inline Place TopLevel(View* view, int32_t level) {
+  return {view, view->tree, 0, static_cast<int16_t>(level), kLineSize, false};
+}
+
+// The place for a line's children, one level deeper.
+inline Place Under(const Place& at, LineHandle line) {
+  return {at.view, at.tree, line, static_cast<int16_t>(NextLevel(at.level)), at.lineSize, line == 0 || at.dead};
+}
+
+// The place for another protocol's top-level lines, one level deeper.
+inline Place Deeper(const Place& at) {
+  return {at.view, at.tree, 0, static_cast<int16_t>(NextLevel(at.level)), kLineSize, false};
+}
+
+inline PacketState& PacketOf(const Place& at) { return at.view->context->packet; }
+inline bool Displaying(const Place& at) { return at.view->context->outputMode == kDisplayMode; }
+
+// Whether a decoder should go on: loops over many small elements ask it, so that the bound of lines ends their work.
+inline bool MoreAt(const Place& at, const Cursor& c, Loop& loop) { return !PacketOf(at).limitReached && More(c, loop); }
+
+namespace detail {
+LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
+                        const FormatPiece* pieces, const FormatArgument* arguments);
+void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
+                     const FormatArgument* arguments);
+void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
+                  const FormatArgument* arguments);
+}  // namespace detail
+
+// Adds a line over the field's bytes. Result: the parent for its children, 0 when nothing was added.
+template <class... Args>
+LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
+                   const Args&... args) {
+  if (!field.here || at.dead) return 0;
+  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
+  return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments);
+}
+
+// A bit-field detail line: the fixed image of bit fields, over the whole field that the bits are of.
+template <class... Args>
+LineHandle AddBitLine(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
+                      const Args&... args) {
+  if (!field.here || at.dead) return 0;
+  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
+  return detail::AddFormatted(at, field, kBitFieldImage, text.text, text.pieces, arguments);
+}
+
+// Appends to the text of a line that this decoder added. Seen in the tree alone, as all edits are.
+template <class... Args>
+void AppendToLine(const Place& at, LineHandle line, FormatText<std::type_identity_t<Args>...> text,
+                  const Args&... args) {
+  if (!Displaying(at) || !line) return;
+  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
+  detail::AppendFormatted(at, line, text.text, text.pieces, arguments);
+}
+
+// The same for the line that `at` is the place under, when the field is here.
+template <class... Args>
+void AppendToParent(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
+                    const Args&... args) {
+  if (!field.here || at.dead || !Displaying(at)) return;
+  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
+  detail::AppendFormatted(at, at.parent, text.text, text.pieces, arguments);
+}
+
+// Replaces the text of a line.
+template <class... Args>
+void SetLine(const Place& at, LineHandle line, FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
+  if (!Displaying(at) || !line) return;
+  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
+  detail::SetFormatted(at, line, text.text, text.pieces, arguments);
+}
+
+// The range of a line; of the line that `at` is the place under: all bytes that the cursor took.
+inline void SetRange(const Place& at, LineHandle line, int32_t offset, int32_t length) {
+  SetDecodeLineRange(at.view, at.tree, line, MakeByteRange(kFieldKind, offset, length));
+}
+inline void CoverBytes(const Place& at, const Cursor& c) {
+  if (!at.dead) SetRange(at, at.parent, c.begin, Taken(c));
+}
+
+// A titled dump of the field under the place's line, in the image of the place's level. Nothing for an empty field.
+inline LineHandle AddBlock(const Place& at, const Field& field, const char* title) {
+  if (!field.here || at.dead) return 0;
+  return AddDataBlock(at.view, at.parent, field.bytes, field.offset, field.bytes ? field.length : 0, title,
+                      LevelImage(at.level));
+}
+
+// The rest of the cursor as a top-level raw data block. Result 1, or 0 when nothing is left.
+inline int32_t AddRawRest(const Place& at, Cursor& c, const char* title) {
+  const Field rest = Rest(c);
+  return rest.here ? AddRawData(at.view, rest.bytes, rest.offset, rest.length, title) : 0;
+}
+
+}  // namespace qxview

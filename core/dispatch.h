@@ -1,0 +1,64 @@
+// The look-ups of every dispatch table. decoders/registry.cpp defines them over its rows, so that core calls decoders
+// without including one.
+#pragma once
+#include <cstdint>
+
+#include "core/cursor.h"
+
+namespace qxview {
+
+struct Engine;
+struct Place;
+
+// Decodes what the cursor stands on into lines at the place. Result: 0 when the data is too short or not of the
+// protocol, otherwise 1 or the result of the next decoder; the structured decoders also give 2 for truncated data.
+using DecoderFunction = int32_t (*)(const Place& at, Cursor c);
+
+struct DecoderRow {
+  uint32_t key;
+  const char* name;
+  DecoderFunction decode;
+};
+
+const DecoderRow* FindMedium(uint8_t mediaType);
+const DecoderRow* FindEthertype(uint16_t ethertype);
+const DecoderRow* FindIpProtocol(uint8_t protocol);
+const DecoderRow* FindIPv6NextHeader(uint8_t nextHeader);
+const DecoderRow* FindBuiltinDecoder(uint32_t index);   // the low 16 bits of a protocol identifier
+
+// Encapsulations and variants that a link decoder chooses itself.
+constexpr uint32_t kIslKey = 1, kAtmArpKey = 2;
+const DecoderRow* FindLinkEncapsulation(uint32_t key);
+
+struct RowSpan {
+  const DecoderRow* rows;
+  int32_t count;
+};
+// Every table in turn, for tests and listings; empty past the last.
+RowSpan RegistryTable(int32_t number, const char** name);
+
+// The names of Ethertypes; null for one that has none.
+const char* EthertypeName(uint16_t ethertype);
+
+// The decoders' state of an engine; false when there is no memory.
+bool CreateDecoderStates(Engine* engine);
+void DestroyDecoderStates(Engine* engine);
+
+// Calls a decoder on carried data and counts the nesting. At the bound, and when the decoder declines with 0, the
+// caller's fallback is shown: a top-level raw data block with `title`; none for a null title. Result: the decoder's,
+// or 1 when the fallback was shown in its place.
+int32_t CallDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title);
+
+// The same without the fallback on 0: for callers that have a fallback of their own.
+int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title);
+
+// Link headers that more than one medium carries: a MAC header with its addresses, the type/length field and what
+// follows, and the 802.2 header.
+int32_t DecodeMacHeader(const Place& at, Cursor c);
+int32_t DecodeEthernetHeader(const Place& at, Cursor c);
+int32_t DecodeLlc(const Place& at, Cursor c);
+
+// Dispatches a payload by its Ethertype. Fewer than 4 bytes: nothing, result 0.
+int32_t DispatchEthertype(const Place& at, Cursor c, uint16_t ethertype);
+
+}  // namespace qxview

@@ -1,0 +1,34 @@
+#include "core/engine.h"
+
+#include <cstddef>
+#include <cstdlib>
+
+#include "core/custom_libraries.h"
+#include "core/dispatch.h"
+
+namespace qxview {
+
+Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader) {
+  auto* engine = static_cast<Engine*>(std::calloc(1, sizeof(Engine)));
+  if (!engine) return nullptr;
+  engine->host = host;
+  SettingsSource source{};
+  if (host) source = {host->user, QXVIEW_HOST_FUNCTION(host, readSetting)};
+  engine->unreadableSettings = ReadSettings(&engine->settings, source);
+  engine->libraries.loader = loader;
+  LoadCustomLibraries(engine);
+  if (!CreateDecoderStates(engine)) {
+    DestroyEngine(engine);
+    return nullptr;
+  }
+  return engine;
+}
+
+void DestroyEngine(Engine* engine) {
+  if (!engine) return;
+  DestroyDecoderStates(engine);
+  UnloadCustomLibraries(engine);
+  std::free(engine);
+}
+
+}  // namespace qxview

@@ -1,0 +1,109 @@
+#include "core/formatter.h"
+
+#include "core/digits.h"
+
+namespace qxview {
+namespace {
+
+struct Output {
+  char* at;
+  char* end;   // the terminator's place when the buffer is full
+};
+
+inline void PutBytes(Output& out, const char* text, size_t length) {
+  const size_t room = static_cast<size_t>(out.end - out.at);
+  if (length > room) length = room;
+  CopyShort(out.at, text, length);
+  out.at += length;
+}
+
+inline void PutFill(Output& out, char fill, int32_t count) {
+  for (; count > 0 && out.at < out.end; --count) *out.at++ = fill;
+}
+
+void PutNumber(Output& out, const FormatPiece& piece, uint64_t value) {
+  char digits[64];
+  char* const end = digits + sizeof digits;
+  char* at = end;
+  bool negative = false;
+  switch (static_cast<Conversion>(piece.conversion)) {
+    case Conversion::kSigned: {
+      const int64_t number = piece.wide ? static_cast<int64_t>(value) : static_cast<int32_t>(value);
+      negative = number < 0;
+      at = WriteDecimal(end, negative ? 0 - static_cast<uint64_t>(number) : static_cast<uint64_t>(number));
+      break;
+    }
+    case Conversion::kUnsigned:
+      if (value < 10 && piece.minimumDigits < 2 && piece.width == 0) {
+        return PutFill(out, static_cast<char>('0' + value), 1);
+      }
+      at = WriteDecimal(end, piece.wide ? value : static_cast<uint32_t>(value));
+      break;
+    default:
+      at = WriteHex(end, piece.wide ? value : static_cast<uint32_t>(value),
+                    static_cast<Conversion>(piece.conversion) == Conversion::kHexUpper ? kHexUpper : kHexLower);
+  }
+  const int32_t wanted = static_cast<int32_t>(piece.minimumDigits);
+  while (end - at < wanted) *--at = '0';
+  if (piece.width == 0) {
+    if (negative) *--at = '-';
+    PutBytes(out, at, static_cast<size_t>(end - at));
+    return;
+  }
+  const int32_t fill = static_cast<int32_t>(piece.width) - static_cast<int32_t>(end - at) - (negative ? 1 : 0);
+  if (!piece.zeroFill) PutFill(out, ' ', fill);
+  if (negative) PutFill(out, '-', 1);
+  if (piece.zeroFill) PutFill(out, '0', fill);
+  PutBytes(out, at, static_cast<size_t>(end - at));
+}
+
+void PutHexSlice(Output& out, const FormatArgument& argument) {
+  const uint8_t* bytes = reinterpret_cast<const uint8_t*>(static_cast<uintptr_t>(argument.value));
+  const char separator = static_cast<char>(argument.form >> 8);
+  for (int32_t i = 0; i < argument.length && out.at < out.end; ++i) {
+    if (i > 0 && separator != 0) PutFill(out, separator, 1);
+    PutBytes(out, kHexPairs + 2 * bytes[i], 2);
+  }
+}
+
+inline void PutText(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
+  const char* text = reinterpret_cast<const char*>(static_cast<uintptr_t>(argument.value));
+  if (!text) return;
+  const uint32_t form = argument.form & 0xFF;
+  if (form == FormatArgument::kHex) return PutHexSlice(out, argument);
+  size_t length = 0;
+  if (form == FormatArgument::kTerminated) {
+    length = std::strlen(text);
+  } else if (argument.length > 0) {
+    length = strnlen(text, static_cast<size_t>(argument.length));
+  }
+  if (piece.width > length) PutFill(out, ' ', static_cast<int32_t>(piece.width - length));
+  PutBytes(out, text, length);
+}
+
+}  // namespace
+
+int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiece* pieces,
+                     const FormatArgument* arguments) {
+  Output to{out, out + size - 1};
+  for (;; ++pieces, ++arguments) {
+    const FormatPiece piece = *pieces;
+    PutBytes(to, text, piece.literalLength);
+    text += piece.literalLength + piece.conversionLength;
+    switch (static_cast<Conversion>(piece.conversion)) {
+      case Conversion::kNone:
+        *to.at = 0;
+        return static_cast<int32_t>(to.at - out);
+      case Conversion::kText:
+        PutText(to, piece, *arguments);
+        break;
+      case Conversion::kCharacter:
+        PutFill(to, static_cast<char>(arguments->value), 1);
+        break;
+      default:
+        PutNumber(to, piece, arguments->value);
+    }
+  }
+}
+
+}  // namespace qxview

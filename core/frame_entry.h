@@ -1,0 +1,32 @@
+// The frame entry: one captured frame into lines.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+// Decodes the frame by its medium. In display mode the tree is then expanded as the settings say and the selection put
+// back on the line that was selected in the packet before. Result: 1, a medium decoder's own result, or 0 for a medium
+// that has no decoder. Outside forced decoding the caller has cleared the tree. `skipBytes` leading bytes of the frame
+// are passed over.
+int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, uint32_t userParam2,
+                    int32_t skipBytes);
+
+// The bracketed note of the receive errors; empty for a good frame.
+const char* ReceiveErrorNote(uint32_t receiveErrors);
+
+// A frame's first lines: the summary with the receive-error note. Result: the place for its children.
+Place AddFrameSummary(const Place& at, const Cursor& c);
+
+// The size lines under the summary that media share: "Saved partial packet size" for a partial record.
+void AddPartialSize(const Place& in, const Cursor& c);
+
+// The number in the buffer the frame was captured in, where the record carries it.
+bool OriginalPacketNumber(const FrameRecord* record, uint64_t* number);
+
+// Wire length with the check sequence, which captures mostly leave out.
+uint32_t SizeWithCheckSequence(const FrameRecord* record, uint32_t checkSequenceLength);
+
+// An address with the user's name for it: "name [address]", or the address alone.
+ShortText<80> CheckAlias(const View* view, uint32_t kind, const uint8_t* address);
+
+}  // namespace qxview

@@ -1,0 +1,246 @@
+#include "core/lines.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "core/engine.h"
+#include "core/output_file.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kMostJoinedText = 300;
+
+bool InDisplay(const View* view, const DecodeTree* tree) {
+  return view && view->context && tree && view->context->outputMode == kDisplayMode;
+}
+
+// The table is grown before it is full, so that the entry at `rangeCount` always exists.
+bool GrowRangeTable(DecodeContext* context) {
+  const uint32_t capacity = context->rangeCapacity * 2;
+  auto* grown = static_cast<ByteRange*>(std::realloc(context->rangeTable, size_t{capacity} * sizeof(ByteRange)));
+  if (!grown) return context->rangeCount < context->rangeCapacity;
+  std::memset(grown + context->rangeCapacity, 0, size_t{capacity - context->rangeCapacity} * sizeof(ByteRange));
+  context->rangeTable = grown;
+  context->rangeCapacity = capacity;
+  return true;
+}
+
+LineHandle ShowLine(DecodeContext* context, LineHandle parent, const char* text, int32_t length, int32_t image,
+                    DecodeTree* tree, ByteRange range) {
+  if (context->rangeCount + 1 >= context->rangeCapacity && !GrowRangeTable(context)) return 0;
+  context->rangeTable[context->rangeCount] = range;
+  const bool selected = context->findFound && std::strcmp(text, context->findLine) == 0;
+  const LineHandle line = tree->Append({parent, text, length, image, context->rangeCount, selected});
+  if (!line) return 0;
+  ++context->rangeCount;
+  if (selected) context->foundLineHandle = line;
+  return line;
+}
+
+bool OutsideRangeFilter(const DecodeContext* context, ByteRange range) {
+  if (!context->rangeFilterOn) return false;
+  const int64_t offset = RangeOffset(range);
+  return offset < context->rangeFilterStart ||
+         offset >= int64_t{context->rangeFilterStart} + context->rangeFilterLength;
+}
+
+// A line in the print or the text file: nested lines are indented by four blanks whatever their depth.
+void WriteTextLine(Engine* engine, OutputFile* file, const char* text, int32_t length, bool nested) {
+  ++engine->textLinesWritten;
+  if (length == 0) return;
+  if (file) {
+    if (nested) WriteOutput(file, "    ", 4);
+    WriteOutput(file, text, length);
+    WriteOutput(file, "\r\n", 2);
+  }
+  if (engine->trackWrittenBytes) engine->bytesSinceMark += static_cast<uint32_t>(length + 2 + (nested ? 4 : 0));
+}
+
+void SearchLine(DecodeContext* context, const char* text) {
+  if (context->findText[0] && std::strstr(text, context->findText)) {
+    const int32_t counter = context->findLineCounter;
+    const bool wanted = context->findBounded
+                            ? context->findLineIndex < counter && counter < context->findLineLimit
+                            : !context->findFound && counter > context->findLineIndex;
+    if (wanted) {
+      context->findFound = 1;
+      const size_t kept = strnlen(text, sizeof context->findLine - 1);
+      std::memcpy(context->findLine, text, kept);
+      context->findLine[kept] = 0;
+      context->findPacketNumber = context->packetNumber;
+      context->findLineIndex = counter;
+    }
+  }
+  if ((context->findBounded || !context->findFound) && context->findLineCounter < INT32_MAX) {
+    ++context->findLineCounter;
+  }
+}
+
+void EmitTextLine(View* view, const char* text, int32_t length, LineHandle parentLine) {
+  DecodeContext* context = view->context;
+  if (context->outputMode == kFindMode) {
+    SearchLine(context, text);
+  } else {
+    WriteTextLine(view->engine, context->outputFile, text, length, parentLine != 0);
+  }
+}
+
+// Outside display the line goes on to the file or the find, unless the range filter drops it.
+LineHandle RouteLine(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
+                     DecodeTree* tree, ByteRange range) {
+  DecodeContext* context = view->context;
+  if (context->outputMode == kDisplayMode) return ShowLine(context, parentLine, text, length, image, tree, range);
+  if (!OutsideRangeFilter(context, range)) EmitTextLine(view, text, length, parentLine);
+  return kLineOutsideDisplay;
+}
+
+LineHandle ReachLimit(View* view, LineHandle parentLine, int32_t image, DecodeTree* tree, ByteRange range) {
+  PacketState& packet = view->context->packet;
+  if (packet.limitReached) return 0;
+  packet.limitReached = true;
+  RouteLine(view, parentLine, "Decode limit reached", 20, image, tree, range);
+  return 0;
+}
+
+}  // namespace
+
+DecodeContext* CreateDecodeContext() {
+  auto* context = static_cast<DecodeContext*>(std::calloc(1, sizeof(DecodeContext)));
+  if (!context) return nullptr;
+  context->rangeTable = static_cast<ByteRange*>(std::calloc(kFirstRangeCapacity, sizeof(ByteRange)));
+  if (!context->rangeTable) {
+    std::free(context);
+    return nullptr;
+  }
+  context->rangeCapacity = kFirstRangeCapacity;
+  context->outputMode = kDisplayMode;
+  context->packet.linesLeft = kMostLines;
+  return context;
+}
+
+void DestroyDecodeContext(DecodeContext* context) {
+  if (!context) return;
+  std::free(context->rangeTable);
+  std::free(context);
+}
+
+int64_t CurrentPacketNumber(const View* view) { return view && view->context ? view->context->packetNumber : -1; }
+
+LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
+                           DecodeTree* tree, ByteRange range) {
+  if (!view || !view->context || !tree || !text) return 0;
+  if (--view->context->packet.linesLeft < 0) {
+    view->context->packet.linesLeft = 0;
+    return ReachLimit(view, parentLine, image, tree, range);
+  }
+  return RouteLine(view, parentLine, text, length, image, tree, range);
+}
+
+LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, int32_t image, DecodeTree* tree,
+                         ByteRange range) {
+  if (!text) return 0;
+  return AddDecodeLineOf(view, parentLine, text, static_cast<int32_t>(std::strlen(text)), image, tree, range);
+}
+
+void AppendToDecodeLine(View* view, DecodeTree* tree, LineHandle line, const char* text) {
+  if (!InDisplay(view, tree) || !line || !text || !text[0]) return;
+  char joined[kMostJoinedText + 1];
+  const int32_t used = tree->GetText(line, joined, sizeof joined);
+  size_t added = std::strlen(text);
+  if (static_cast<size_t>(used) + added > kMostJoinedText) {
+    if (used >= kMostJoinedText - 1) return;
+    added = static_cast<size_t>(kMostJoinedText - 1 - used);
+  }
+  std::memcpy(joined + used, text, added);
+  joined[static_cast<size_t>(used) + added] = 0;
+  tree->SetText(line, joined, used + static_cast<int32_t>(added));
+}
+
+void SetDecodeLineText(View* view, DecodeTree* tree, LineHandle line, const char* text) {
+  if (!InDisplay(view, tree) || !line || !text) return;
+  tree->SetText(line, text, static_cast<int32_t>(std::strlen(text)));
+}
+
+int32_t GetDecodeLineText(View* view, DecodeTree* tree, LineHandle line, char* buffer, int32_t bufferLength) {
+  if (!buffer || bufferLength < 1) return 0;
+  buffer[0] = 0;
+  return InDisplay(view, tree) ? tree->GetText(line, buffer, bufferLength) : 0;
+}
+
+void SetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange range) {
+  if (!InDisplay(view, tree) || !line) return;
+  const uint32_t index = tree->RangeIndex(line);
+  if (index < view->context->rangeCount) view->context->rangeTable[index] = range;
+}
+
+ByteRange ExtendDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, int32_t extraLength) {
+  if (!InDisplay(view, tree) || !line || extraLength == 0) return 0;
+  const uint32_t index = tree->RangeIndex(line);
+  if (index >= view->context->rangeCount) return 0;
+  ByteRange& stored = view->context->rangeTable[index];
+  stored = MakeByteRange(RangeKind(stored), RangeOffset(stored),
+                         static_cast<int32_t>(RangeLength(stored) + static_cast<uint32_t>(extraLength)));
+  return stored;
+}
+
+int32_t GetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange* out) {
+  if (out) *out = 0;
+  if (!InDisplay(view, tree) || !line || !out) return 0;
+  const uint32_t index = tree->RangeIndex(line);
+  if (index == 0 || index >= view->context->rangeCount) return 0;
+  *out = view->context->rangeTable[index];
+  return 1;
+}
+
+LineHandle GetLastDecodeLine(View* view, DecodeTree* tree) {
+  if (!InDisplay(view, tree)) return 0;
+  LineHandle line = tree->LastChild(0);
+  while (line) {
+    const LineHandle child = tree->LastChild(line);
+    if (!child) break;
+    line = child;
+  }
+  return line;
+}
+
+int32_t GetLastDecodeLineRange(View* view, DecodeTree* tree, ByteRange* out) {
+  return GetDecodeLineRange(view, tree, GetLastDecodeLine(view, tree), out);
+}
+
+int32_t CountTopLevelLines(View* view, DecodeTree* tree) {
+  if (!InDisplay(view, tree)) return 0;
+  int32_t count = 1;
+  for (LineHandle line = tree->FirstChild(0); line && count < 14; line = tree->NextSibling(line)) ++count;
+  return count;
+}
+
+void DeleteDecodeLine(View* view, DecodeTree* tree, LineHandle line) {
+  if (!view || !view->context) return;
+  if (view->context->outputMode == kSaveMode) {
+    Engine* engine = view->engine;
+    if (view->context->outputFile) MoveOutputBack(view->context->outputFile, engine->bytesSinceMark);
+    engine->bytesSinceMark = 0;
+    return;
+  }
+  if (InDisplay(view, tree) && line) tree->Delete(line);
+}
+
+void DeleteDecodeChildren(View* view, DecodeTree* tree, LineHandle line) {
+  if (!InDisplay(view, tree)) return;
+  while (LineHandle child = tree->FirstChild(line)) tree->Delete(child);
+  if (line) tree->Delete(line);
+}
+
+void ClearDecodeTree(View* view, DecodeTree* tree, bool fast) {
+  if (!view || !view->context) return;
+  view->context->rangeCount = 0;
+  if (!InDisplay(view, tree)) return;
+  if (fast) {
+    tree->Clear();
+  } else {
+    DeleteDecodeChildren(view, tree, 0);
+  }
+}
+
+}  // namespace qxview

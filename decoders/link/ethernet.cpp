@@ -1,0 +1,96 @@
+// Ethernet frames (IEEE 802.3): Ethernet II and 802.3 with 802.2 or without.
+//
+//   0            6            12           14
+//   destination  source       type/length  payload
+//
+// A type/length of at most 1500 is the length of an 802.2 payload; anything above is an Ethertype.
+#include "core/custom_libraries.h"
+#include "core/frame_entry.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kAddressLength = 6;
+constexpr uint16_t kMostLength = 1500;
+constexpr uint16_t kEthertypeVlan = 0x8100, kEthertypeVnTag = 0x8926, kEthertypeIpx = 0x8137;
+constexpr uint32_t kNovellRaw = 0xFFFF;   // IPX without an 802.2 header starts with a checksum of all ones
+
+// ISL trunks address their frames to 01-00-0C-00-00 or 03-00-0C-00-00; the sixth byte is not looked at.
+bool IsIslFrame(const Cursor& c) {
+  constexpr uint8_t kTail[] = {0x00, 0x0C, 0x00, 0x00};
+  constexpr uint8_t kSnap[] = {0xAA, 0xAA, 0x03};
+  return Left(c) > 25 && (c.at[0] == 1 || c.at[0] == 3) && std::memcmp(c.at + 1, kTail, sizeof kTail) == 0 &&
+         std::memcmp(c.at + 14, kSnap, sizeof kSnap) == 0;
+}
+
+// Tagged frames are named by the type behind their tags.
+const char* NameFrameType(const Cursor& c) {
+  int32_t at = 2 * kAddressLength;
+  const auto typeAt = [&](int32_t place) { return place + 2 <= Left(c) ? ReadU16(c.at + place) : 0; };
+  if (typeAt(at) == kEthertypeVnTag) at += 6;
+  if (typeAt(at) == kEthertypeVlan) at += 4;
+  if (at + 2 > Left(c)) return kUnknown;
+  if (typeAt(at) > kMostLength) return "Ethernet II";
+  const uint32_t saps = typeAt(at + 2);
+  return saps == kNovellRaw ? "Novell-EtherFrame" : saps == 0xAAAA ? "IEEE 802.3 SNAP" : "IEEE 802.3";
+}
+
+// Top-level lines of another protocol behind a header whose fields stand at `in`.
+Place NetworkPlace(const Place& in) {
+  Place network = in;
+  network.parent = 0;
+  network.dead = false;
+  return network;
+}
+
+}  // namespace
+
+int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
+  if (Left(c) < 2) return 0;
+  const Field type = TakeU16(c);
+  const Place network = NetworkPlace(in);
+  if (type.value > kMostLength) {
+    const char* name = EthertypeName(static_cast<uint16_t>(type.value));
+    AddLine(in, type, "Ethertype: 0x%.04X = %s", type.value, name ? name : kUnknown);
+    if (Left(c) < 4) return 1;
+    const int32_t handled = DispatchEthertype(network, c, static_cast<uint16_t>(type.value));
+    return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
+  }
+  AddLine(in, type, "Length: %u", type.value);
+  Cursor payload = TakeCursor(c, type.value);
+  if (Left(payload) >= 2 && ReadU16(payload.at) == kNovellRaw) {
+    return CallDecoder(network, payload, FindEthertype(kEthertypeIpx)->decode, "Raw Data");
+  }
+  return CallDecoder(network, payload, DecodeLlc, "Raw Data");
+}
+
+int32_t DecodeMacHeader(const Place& at, Cursor c) {
+  if (Left(c) < 2 * kAddressLength) return 0;
+  const LineHandle top =
+      AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",
+              CheckAlias(at.view, 0, c.at + kAddressLength), CheckAlias(at.view, 0, c.at));
+  const Place in = Under(at, top);
+  const Field destination = TakeBytes(c, kAddressLength);
+  AddLine(in, destination, "Destination: %s", CheckAlias(at.view, 0, destination.bytes));
+  const Field source = TakeBytes(c, kAddressLength);
+  AddLine(in, source, "Source: %s", CheckAlias(at.view, 0, source.bytes));
+  DecodeEthernetHeader(in, c);
+  return 1;
+}
+
+int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
+  const FrameRecord* record = PacketOf(at).frame;
+  constexpr uint32_t kUnsafeToOffer = kReceiveAlignment | kReceiveCrc;
+  if (!(record->receiveErrors & kUnsafeToOffer) && Left(c) >= 4 && OfferFrame(at, c)) return 1;
+  if (record->receiveErrors == 0 && IsIslFrame(c)) return TryDecoder(at, c, FindLinkEncapsulation(kIslKey)->decode, nullptr);
+
+  const Place in = AddFrameSummary(at, c);
+  const Field frame = Ahead(c, Left(c));
+  AddLine(in, frame, "Network: Ethernet,  Frame type:  %s", NameFrameType(c));
+  AddLine(in, frame, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
+  AddPartialSize(in, c);
+  DecodeMacHeader(at, c);
+  return 1;
+}
+
+}  // namespace qxview

@@ -1,0 +1,79 @@
+// Multiprotocol label switching (RFC 3032): a stack of labels, then a payload that nothing names.
+//
+//   0  label (20 bits), traffic class (3), bottom of stack (1), time to live (8)
+//
+// What follows the stack is told by its first nibble: 4 and 6 are IP; a control word (nibble 0, RFC 4385) or a MAC
+// header stands in front of a carried Ethernet frame.
+#include "core/decoder.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint16_t kEthertypeIPv4 = 0x0800, kEthertypeIPv6 = 0x86DD;
+constexpr int32_t kMacHeaderLength = 14, kControlWordLength = 4;
+
+constexpr auto kReservedLabels = SortedNames({{0, "IPv4 Explicit NULL"}, {1, "Router Alert"},
+                                              {2, "IPv6 Explicit NULL"}, {3, "Implicit NULL"}, {7, "Entropy Label"},
+                                              {13, "GAL"}, {14, "OAM Alert"}, {15, "Extension"}});
+
+enum class Carried { kNothing = -1, kUnknown = 0, kEthernet = 1, kIPv4 = 4, kIPv6 = 6 };
+
+bool LooksLikeMacHeader(const uint8_t* bytes, int32_t left) {
+  if (left < kMacHeaderLength) return false;
+  const uint32_t type = ReadU16(bytes + 12);
+  return FindEthertype(static_cast<uint16_t>(type)) != nullptr || (type <= 1500 && static_cast<int32_t>(type) <= left - kMacHeaderLength);
+}
+
+// One label's lines; false behind the bottom of the stack or when the bytes end.
+bool DecodeLabel(const Place& at, Cursor& c) {
+  const Field entry = TakeU32(c);
+  if (!entry.here) return false;
+  const BitPicture label = BitsOf(entry, 0, 20), trafficClass = BitsOf(entry, 20, 3), bottom = BitsOf(entry, 23, 1);
+  const BitPicture timeToLive = BitsOf(entry, 24, 8);
+  const char* reserved = LookupName(kReservedLabels, label.value, nullptr);
+  const Place in = Under(at, AddLine(at, entry, "MPLS:  Label = %u, TTL = %u%s", label.value, timeToLive.value,
+                                     bottom.value ? ", Bottom of Stack" : ""));
+  if (reserved) {
+    AddBitLine(in, entry, "%s: Label = %u (%s)", label.picture, label.value, reserved);
+  } else {
+    AddBitLine(in, entry, "%s: Label = %u", label.picture, label.value);
+  }
+  AddBitLine(in, entry, "%s: Traffic Class = %u", trafficClass.picture, trafficClass.value);
+  AddBitLine(in, entry, "%s: Bottom of Stack = %s", bottom.picture, bottom.value ? "True" : "False");
+  AddBitLine(in, entry, "%s: Time to Live = %u", timeToLive.picture, timeToLive.value);
+  return bottom.value == 0;
+}
+
+Carried TellPayload(const Cursor& c) {
+  if (Left(c) < 1) return Carried::kNothing;
+  const uint32_t nibble = c.at[0] >> 4u;
+  if (nibble == 4) return Carried::kIPv4;
+  if (nibble == 6) return Carried::kIPv6;
+  const bool control = nibble == 0 && Left(c) > kControlWordLength &&
+                       LooksLikeMacHeader(c.at + kControlWordLength, Left(c) - kControlWordLength);
+  return control || LooksLikeMacHeader(c.at, Left(c)) ? Carried::kEthernet : Carried::kUnknown;
+}
+
+}  // namespace
+
+int32_t DecodeMpls(const Place& at, Cursor c) {
+  if (Left(c) < 4) return 0;
+  Loop loop;
+  while (MoreAt(at, c, loop) && DecodeLabel(at, c)) {
+  }
+  const Place network = Deeper(at);
+  switch (TellPayload(c)) {
+    case Carried::kNothing: return 1;
+    case Carried::kIPv4: return CallDecoder(network, c, FindEthertype(kEthertypeIPv4)->decode, "Raw Data");
+    case Carried::kIPv6: return CallDecoder(network, c, FindEthertype(kEthertypeIPv6)->decode, "Raw Data");
+    case Carried::kUnknown: return CallDecoder(network, c, nullptr, "Raw Data");
+    case Carried::kEthernet: break;
+  }
+  if (!LooksLikeMacHeader(c.at, Left(c)) || (c.at[0] >> 4 == 0 && LooksLikeMacHeader(c.at + 4, Left(c) - 4))) {
+    const Field control = TakeU32(c);
+    AddLine(network, control, "Pseudowire Control Word: Sequence Number = %u", control.value & 0xFFFF);
+  }
+  return CallDecoder(network, c, DecodeMacHeader, "Raw Data");
+}
+
+}  // namespace qxview

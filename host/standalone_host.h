@@ -1,0 +1,40 @@
+// The stand-alone host: what the module asks of its host when no analyzer lends it packets and settings.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/alias_table.h"
+#include "host/settings_store.h"
+#include "qxview/qxview_host.h"
+
+namespace qxview {
+
+struct HostOptions {
+  std::string settingsFile;               // empty: the user's own, which need not be there
+  bool settingsFileNamed = false;         // naming one that is missing is an error
+  std::vector<std::string> settings;      // NAME=VALUE, over the file's
+  std::vector<std::string> definitions;   // as --decode-as takes them, over the file's
+  std::string applicationDirectory;
+};
+
+class StandaloneHost {
+ public:
+  // Null with a message that names what is wrong and where; *fileFault tells a file's fault from the command line's.
+  static std::unique_ptr<StandaloneHost> Create(const HostOptions& options, std::string* message, bool* fileFault);
+
+  const QxHost* Record() const { return &record_; }
+  const SettingsStore& Settings() const { return settings_; }
+  const AliasTable& Aliases() const { return aliases_; }
+
+ private:
+  StandaloneHost() = default;
+  void FillRecord();
+
+  QxHost record_{};
+  SettingsStore settings_;
+  AliasTable aliases_;
+  std::string applicationDirectory_;
+};
+
+}  // namespace qxview

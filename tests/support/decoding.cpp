@@ -1,0 +1,268 @@
+#include "tests/support/decoding.h"
+
+#include <cstring>
+#include <new>
+
+#include "core/output_file.h"
+
+namespace {
+thread_local uint64_t allocations = 0;
+}
+
+void* operator new(size_t size) {
+  ++allocations;
+  if (void* made = std::malloc(size ? size : 1)) return made;
+  throw std::bad_alloc();
+}
+void operator delete(void* held) noexcept { std::free(held); }
+void operator delete(void* held, size_t) noexcept { std::free(held); }
+
+namespace qxview::testing {
+
+uint64_t CountAllocations() { return allocations; }
+
+Bytes Hex(const std::string& text) {
+  Bytes bytes;
+  int high = -1;
+  bool comment = false;
+  for (const char c : text) {
+    if (c == '#') comment = true;
+    if (c == '\n') comment = false;
+    if (comment || !std::isxdigit(static_cast<unsigned char>(c))) continue;
+    const int digit = std::isdigit(static_cast<unsigned char>(c)) ? c - '0' : (c | 0x20) - 'a' + 10;
+    if (high < 0) {
+      high = digit;
+    } else {
+      bytes.push_back(static_cast<uint8_t>(high << 4 | digit));
+      high = -1;
+    }
+  }
+  EXPECT_LT(high, 0) << "an odd number of digits: " << text;
+  return bytes;
+}
+
+Bytes operator+(const Bytes& a, const Bytes& b) {
+  Bytes joined = a;
+  joined.insert(joined.end(), b.begin(), b.end());
+  return joined;
+}
+
+Bytes Repeat(const Bytes& bytes, size_t times) {
+  Bytes repeated;
+  for (size_t i = 0; i < times; ++i) repeated.insert(repeated.end(), bytes.begin(), bytes.end());
+  return repeated;
+}
+
+Bytes Ethernet(uint16_t ethertype, const Bytes& payload) {
+  Bytes header = Hex("02 00 00 00 00 01  02 00 00 00 00 02");
+  header.push_back(static_cast<uint8_t>(ethertype >> 8));
+  header.push_back(static_cast<uint8_t>(ethertype));
+  return header + payload;
+}
+
+Bytes IPv4(uint8_t protocol, const Bytes& payload) {
+  Bytes header = Hex("45 00 00 00 00 01 40 00 40 00 00 00 0A 00 00 01 0A 00 00 02");
+  const size_t total = header.size() + payload.size();
+  header[2] = static_cast<uint8_t>(total >> 8);
+  header[3] = static_cast<uint8_t>(total);
+  header[9] = protocol;
+  uint32_t sum = 0;
+  for (size_t i = 0; i < header.size(); i += 2) sum += ReadU16(header.data() + i);
+  while (sum > 0xFFFF) sum = (sum & 0xFFFF) + (sum >> 16);
+  header[10] = static_cast<uint8_t>(~sum >> 8);
+  header[11] = static_cast<uint8_t>(~sum);
+  return header + payload;
+}
+
+Bytes Udp(uint16_t sourcePort, uint16_t destinationPort, const Bytes& payload) {
+  const size_t length = payload.size() + 8;
+  const uint16_t words[] = {sourcePort, destinationPort, static_cast<uint16_t>(length), 0};
+  Bytes header;
+  for (const uint16_t word : words) {
+    header.push_back(static_cast<uint8_t>(word >> 8));
+    header.push_back(static_cast<uint8_t>(word));
+  }
+  return header + payload;
+}
+
+Record::Record(const Bytes& frame, uint8_t mediaType) : bytes_(sizeof(FrameRecord) + frame.size()) {
+  FrameRecord* record = get();
+  record->capturedLength = static_cast<uint16_t>(frame.size());
+  record->dataOffset = kRecordHeader;
+  record->recordLength = static_cast<uint16_t>(bytes_.size());
+  record->mediaType = mediaType;
+  record->layout = 1;
+  record->packetNumber = 1;
+  record->wireLength = static_cast<uint32_t>(frame.size());
+  if (!frame.empty()) std::memcpy(bytes_.data() + kRecordHeader, frame.data(), frame.size());
+}
+
+TestHost::TestHost() {
+  host.size = sizeof host;
+  host.user = this;
+  host.readSetting = [](void* user, const char* name, char* out, int32_t outSize) -> int32_t {
+    for (const auto& [key, value] : static_cast<TestHost*>(user)->settings) {
+      if (key == name) return CopyBounded(out, outSize, value.c_str(), static_cast<int32_t>(value.size())) ? 1 : 0;
+    }
+    return 0;
+  };
+}
+
+TestView::TestView(TestHost* host) : ownHost_(host ? nullptr : new TestHost), host_(host ? host : ownHost_.get()) {}
+
+View& TestView::view() {
+  if (!view_.context) {
+    view_.context = CreateDecodeContext();
+    view_.tree = &tree_;
+    view_.engine = CreateEngine(&host_->host, loader);
+    view_.expansionMask = 1;
+    view_.selectionPath[0] = -1;
+  }
+  return view_;
+}
+
+TestView::~TestView() {
+  DestroyDecodeContext(view_.context);
+  DestroyEngine(view_.engine);
+}
+
+int32_t TestView::Decode(const Bytes& frame, uint8_t mediaType) {
+  Record record(frame, mediaType);
+  return Decode(record);
+}
+
+int32_t TestView::Decode(Record& record, int32_t skipBytes) {
+  ClearDecodeTree(&view(), &tree_, true);
+  return DecodeFrame(&view(), record.get(), 0, 0, skipBytes);
+}
+
+int32_t TestView::Run(DecoderFunction decode, const Bytes& bytes, int32_t level) {
+  // A heap copy of the exact size: a read past the end is the sanitizer's.
+  const std::unique_ptr<uint8_t[]> exact(new uint8_t[bytes.size() + 1 - (bytes.empty() ? 0 : 1)]);
+  if (!bytes.empty()) std::memcpy(exact.get(), bytes.data(), bytes.size());
+  Record record({}, 0);
+  View& v = view();
+  ClearDecodeTree(&v, &tree_, true);
+  v.context->packet = PacketState{};
+  v.context->packet.frame = record.get();
+  v.context->packet.linesLeft = kMostLines;
+  const int32_t result = decode(TopLevel(&v, level), MakeCursor(exact.get(), 0, static_cast<int32_t>(bytes.size())));
+  v.context->packet.frame = nullptr;
+  return result;
+}
+
+std::string TestView::Text(bool dumps) const {
+  std::string out;
+  const std::function<void(LineHandle, int)> add = [&](LineHandle parent, int depth) {
+    for (LineHandle line = tree_.FirstChild(parent); line; line = tree_.NextSibling(line)) {
+      const ByteRange range = view_.context->rangeTable[tree_.RangeIndex(line)];
+      const bool dump = tree_.Image(line) == kBitFieldImage && RangeKind(range) == kRawDataKind;
+      if (!dump || dumps) {
+        out += std::string(static_cast<size_t>(2 * depth), ' ') + tree_.TextOf(line) + " {";
+        if (RangeKind(range) != 0) out += std::to_string(RangeKind(range)) + ":";
+        out += std::to_string(RangeOffset(range)) + "+" + std::to_string(RangeLength(range)) + "}\n";
+      }
+      add(line, depth + 1);
+    }
+  };
+  add(0, 0);
+  return out;
+}
+
+namespace {
+
+int32_t AppendToString(void* handle, const char* bytes, int32_t length) {
+  static_cast<std::string*>(handle)->append(bytes, static_cast<size_t>(length));
+  return 1;
+}
+int32_t CutString(void* handle, int64_t bytes) {
+  auto* text = static_cast<std::string*>(handle);
+  text->resize(text->size() - static_cast<size_t>(bytes));
+  return 1;
+}
+
+}  // namespace
+
+std::string TestView::Printed(const Bytes& frame, char mode, uint8_t mediaType) {
+  std::string out;
+  auto file = std::make_unique<OutputFile>();
+  OpenOutput(file.get(), {&out, AppendToString, CutString, -1});
+  Record record(frame, mediaType);
+  View& v = view();
+  v.context->outputMode = mode;
+  v.context->outputFile = file.get();
+  DecodeFrame(&v, record.get(), 0, 0, 0);
+  FlushOutput(file.get());
+  v.context->outputFile = nullptr;
+  v.context->outputMode = kDisplayMode;
+  return out;
+}
+
+std::string TreeOf(const Bytes& frame, uint8_t mediaType) {
+  TestView view;
+  view.Decode(frame, mediaType);
+  return view.Text();
+}
+
+std::string TreeOfRun(DecoderFunction decode, const Bytes& bytes, int32_t level) {
+  TestView view;
+  view.Run(decode, bytes, level);
+  return view.Text();
+}
+
+namespace {
+
+using RunOnce = std::function<void(TestView&, const Bytes&)>;
+
+void CheckRanges(TestView& view, const Bytes& bytes, bool statedRanges) {
+  const DecodeContext& context = view.context();
+  for (uint32_t i = 0; i < context.rangeCount; ++i) {
+    const ByteRange range = context.rangeTable[i];
+    ASSERT_LE(RangeOffset(range), static_cast<int64_t>(bytes.size()));
+    if (!statedRanges) {
+      ASSERT_LE(int64_t{RangeOffset(range)} + RangeLength(range), static_cast<int64_t>(bytes.size()))
+          << "line " << i << " of\n" << view.Text();
+    }
+  }
+}
+
+void CheckOne(TestView& view, const Bytes& bytes, bool statedRanges, const RunOnce& run) {
+  Engine* engine = view.view().engine;
+  view.context().outputMode = kDisplayMode;
+  run(view, bytes);
+  const uint32_t shown = view.context().rangeCount;
+  CheckRanges(view, bytes, statedRanges);
+  engine->textLinesWritten = 0;
+  view.context().outputMode = kPrintMode;
+  run(view, bytes);
+  EXPECT_EQ(shown, engine->textLinesWritten);
+}
+
+void CheckAll(const Bytes& bytes, bool statedRanges, const RunOnce& run) {
+  TestView view;
+  for (size_t length = 0; length <= bytes.size() && !::testing::Test::HasFailure(); ++length) {
+    CheckOne(view, Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(length)), statedRanges, run);
+  }
+  for (size_t at = 0; at < bytes.size() && !::testing::Test::HasFailure(); ++at) {
+    for (const uint8_t value : {0x00, 0x01, 0x80, 0xFF}) {
+      Bytes changed = bytes;
+      changed[at] = value;
+      CheckOne(view, changed, statedRanges, run);
+    }
+  }
+}
+
+}  // namespace
+
+void CheckProperties(DecoderFunction decode, const Bytes& bytes, bool statedRanges) {
+  CheckAll(bytes, statedRanges, [&](TestView& view, const Bytes& input) { view.Run(decode, input); });
+}
+
+void CheckFrameProperties(const Bytes& frame, uint8_t mediaType, bool statedRanges) {
+  CheckAll(frame, statedRanges, [&](TestView& view, const Bytes& input) {
+    Record record(input, mediaType);
+    view.Decode(record);
+  });
+}
+
+}  // namespace qxview::testing

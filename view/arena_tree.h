@@ -1,0 +1,61 @@
+// The stand-alone decode tree: lines in one array, texts in another, both cleared in constant time. A line's handle is
+// its index plus one, so handles stay good while the arrays grow.
+#pragma once
+#include "view/decode_tree.h"
+
+namespace qxview {
+
+class ArenaTree final : public DecodeTree {
+ public:
+  ArenaTree() = default;
+  ~ArenaTree();
+  ArenaTree(const ArenaTree&) = delete;
+  ArenaTree& operator=(const ArenaTree&) = delete;
+
+  LineHandle Append(const NewLine& line) override;
+  int32_t GetText(LineHandle line, char* out, int32_t outSize) const override;
+  void SetText(LineHandle line, const char* text, int32_t length) override;
+  uint32_t RangeIndex(LineHandle line) const override;
+  void SetRangeIndex(LineHandle line, uint32_t index) override;
+  int32_t Image(LineHandle line) const override;
+  LineHandle FirstChild(LineHandle line) const override;
+  LineHandle LastChild(LineHandle line) const override;
+  LineHandle NextSibling(LineHandle line) const override;
+  LineHandle Parent(LineHandle line) const override;
+  void Delete(LineHandle line) override;
+  void Clear() override;
+  void Expand(LineHandle line, bool expanded) override;
+  void Select(LineHandle line) override { selected_ = line; }
+  void ScrollToTop() override {}
+  void HoldRedraw(bool) override {}
+
+  // The text in place, terminated; good until the tree changes.
+  const char* TextOf(LineHandle line) const { return text_ + nodes_[line - 1].textOffset; }
+  int32_t TextLength(LineHandle line) const { return static_cast<int32_t>(nodes_[line - 1].textLength); }
+  bool IsExpanded(LineHandle line) const { return nodes_[line - 1].expanded; }
+  LineHandle Selected() const { return selected_; }
+  uint32_t LineCount() const { return nodeCount_; }   // deleted lines included
+
+ private:
+  struct Node {
+    uint32_t textOffset;
+    uint32_t textLength;
+    uint32_t textRoom;      // bytes at textOffset, terminator included
+    uint32_t rangeIndex;
+    uint32_t parent, previous, next, firstChild, lastChild;   // handles
+    uint8_t image;
+    bool expanded;
+  };
+
+  bool IsLine(LineHandle line) const { return line >= 1 && line <= nodeCount_; }
+  bool ReserveText(uint32_t length);
+
+  Node* nodes_ = nullptr;
+  uint32_t nodeCount_ = 0, nodeCapacity_ = 0;
+  char* text_ = nullptr;
+  uint32_t textUsed_ = 0, textCapacity_ = 0;
+  uint32_t firstTop_ = 0, lastTop_ = 0;
+  LineHandle selected_ = 0;
+};
+
+}  // namespace qxview
