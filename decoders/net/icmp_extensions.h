@@ -1,0 +1,14 @@
+// What ICMP error messages carry behind the datagram that they quote.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+// Shows an extension structure with its objects under the place's line.
+void DecodeIcmpExtensions(const Place& in, Cursor c);
+
+// Whether the bytes are an extension structure with a good checksum: how one is told from quoted bytes where a sender
+// does not say how long its quote is.
+bool LooksLikeIcmpExtensions(const uint8_t* bytes, int32_t length);
+
+}  // namespace qxview
