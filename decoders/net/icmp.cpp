@@ -59,10 +59,10 @@ void AddIdentifiers(const Place& in, Cursor& c) {
 void DecodeQuote(const Message& message, Cursor& c, int32_t declared) {
   constexpr int32_t kOldQuoteLength = 128;   // of senders that extend messages but do not say where
   int32_t quoted = Left(c);
-  if (declared > 0 && declared < quoted) {
-    quoted = declared;
+  if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(c.at + declared, quoted - declared)) {
+    quoted = declared;   // some senders leave anything in the byte: the length counts if the rest bears it out
   } else if (declared == 0 && quoted > kOldQuoteLength &&
-             LooksLikeIcmpExtensions(c.at + kOldQuoteLength, quoted - kOldQuoteLength)) {
+             HasSummedIcmpExtensions(c.at + kOldQuoteLength, quoted - kOldQuoteLength)) {
     quoted = kOldQuoteLength;
   }
   Cursor quote = TakeCursor(c, quoted);

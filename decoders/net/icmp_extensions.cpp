@@ -129,9 +129,12 @@ bool DecodeObject(const Place& in, Cursor& c, uint32_t number) {
 
 }  // namespace
 
-bool LooksLikeIcmpExtensions(const uint8_t* bytes, int32_t length) {
-  if (length < kStructureHeader || bytes[0] >> 4 != kVersion) return false;
-  return ReadU16(bytes + 2) != 0 && SumWords(0, bytes, length) == 0xFFFF;
+bool HasIcmpExtensionVersion(const uint8_t* bytes, int32_t length) {
+  return length >= kStructureHeader && bytes[0] >> 4 == kVersion;
+}
+
+bool HasSummedIcmpExtensions(const uint8_t* bytes, int32_t length) {
+  return HasIcmpExtensionVersion(bytes, length) && ReadU16(bytes + 2) != 0 && SumWords(0, bytes, length) == 0xFFFF;
 }
 
 void DecodeIcmpExtensions(const Place& in, Cursor c) {
@@ -146,7 +149,10 @@ void DecodeIcmpExtensions(const Place& in, Cursor c) {
   const bool good = SumWords(0, whole.bytes, whole.length) == 0xFFFF;
   AddLine(under, checksum, "Checksum: 0x%.04X (%s)", checksum.value,
           checksum.value == 0 ? "Not Present" : good ? "Good" : "BAD");
-  if (version.value != kVersion) return;
+  if (version.value != kVersion) {
+    AddBlock(under, Rest(c), "Extension Data");
+    return;
+  }
   Loop loop;
   for (uint32_t number = 1; MoreAt(under, c, loop) && DecodeObject(under, c, number); ++number) {
   }

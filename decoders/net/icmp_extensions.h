@@ -7,8 +7,9 @@ namespace qxview {
 // Shows an extension structure with its objects under the place's line.
 void DecodeIcmpExtensions(const Place& in, Cursor c);
 
-// Whether the bytes are an extension structure with a good checksum: how one is told from quoted bytes where a sender
-// does not say how long its quote is.
-bool LooksLikeIcmpExtensions(const uint8_t* bytes, int32_t length);
+// Whether the bytes can be an extension structure: by the version alone, or by a good checksum too. The second tells one
+// from quoted bytes where a sender does not say how long its quote is.
+bool HasIcmpExtensionVersion(const uint8_t* bytes, int32_t length);
+bool HasSummedIcmpExtensions(const uint8_t* bytes, int32_t length);
 
 }  // namespace qxview

@@ -120,7 +120,8 @@ bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
   header.checksumGood = AddChecksum(in, TakeU16(c), header);
   const Field addresses = TakeBytes(c, 8);
   const auto source = IPv4Text(addresses.bytes), destination = IPv4Text(addresses.bytes + 4);
-  const Place both = Under(in, AddLine(in, addresses, "IP Addresses: Source = %s,  Destination = %s", source, destination));
+  const Place both =
+      Under(in, AddLine(in, addresses, "IP Addresses: Source = %s,  Destination = %s", source, destination));
   AddLine(both, Slice(addresses, 0, 4), "Source: %s", source);
   AddLine(both, Slice(addresses, 4, 4), "Destination: %s", destination);
   if (header.length > kFixedLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kFixedLength));

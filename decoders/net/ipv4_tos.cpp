@@ -24,7 +24,8 @@ const char* AddPrecedence(const Place& in, const Field& service) {
 
 void AddClassicService(const Place& in, const Field& service) {
   AddPrecedence(in, service);
-  const BitPicture delay = BitsOf(service, 3, 1), throughput = BitsOf(service, 4, 1), reliability = BitsOf(service, 5, 1);
+  const BitPicture delay = BitsOf(service, 3, 1), throughput = BitsOf(service, 4, 1);
+  const BitPicture reliability = BitsOf(service, 5, 1);
   const char* delayName = delay.value ? "Low" : "Normal";
   const char* throughputName = throughput.value ? "High" : "Normal";
   const char* reliabilityName = reliability.value ? "High" : "Normal";
