@@ -80,7 +80,9 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   const FrameRecord* record = PacketOf(at).frame;
   constexpr uint32_t kUnsafeToOffer = kReceiveAlignment | kReceiveCrc;
   if (!(record->receiveErrors & kUnsafeToOffer) && Left(c) >= 4 && OfferFrame(at, c)) return 1;
-  if (record->receiveErrors == 0 && IsIslFrame(c)) return TryDecoder(at, c, FindLinkEncapsulation(kIslKey)->decode, nullptr);
+  if (record->receiveErrors == 0 && IsIslFrame(c)) {
+    return TryDecoder(at, c, FindLinkEncapsulation(kIslKey)->decode, nullptr);
+  }
 
   const Cursor frame = c;
   const Field checkSequence = CutCheckSequence(at, c);

@@ -47,8 +47,8 @@ const char* NameProtocol(Cursor c) {
 
 void AddControlLines(const Place& in, const Field& control) {
   AddLine(in, control, "Frame Control: 0x%.02X = %s", control.value, TypeOf(control.value).name);
-  const BitPicture synchronous = BitsOf(control, 0, 1), length = BitsOf(control, 1, 1), format = BitsOf(control, 2, 2);
-  const BitPicture detail = BitsOf(control, 4, 4);
+  const BitPicture synchronous = BitsOf(control, 0, 1), length = BitsOf(control, 1, 1);
+  const BitPicture format = BitsOf(control, 2, 2), detail = BitsOf(control, 4, 4);
   AddBitLine(in, control, "%s: Class = %s", synchronous.picture, synchronous.value ? "Synchronous" : "Asynchronous");
   AddBitLine(in, control, "%s: Address Length = %s", length.picture, length.value ? "48 bits" : "16 bits");
   AddBitLine(in, control, "%s: Format = %s", format.picture, LookupName(kFormats, format.value));

@@ -4,8 +4,8 @@
 //   R_CTL  destination  CS_CTL   source     type  frame control  SEQ_ID  DF_CTL  SEQ_CNT   OX_ID  RX_ID  parameter
 //   (1)    (3)          (1)      (3)        (1)   (3)            (1)     (1)     (2)       (2)    (2)    (4)
 //
-// Extended headers may stand in front, optional ones (DF_CTL) behind. Captures with delimiters hold the ordered sets of
-// the start (4 bytes) and the end (4), and the check sequence (4) in front of the end.
+// Extended headers may stand in front, optional ones (DF_CTL) behind. Captures with delimiters hold the ordered sets
+// of the start (4 bytes) and the end (4), and the check sequence (4) in front of the end.
 #include "decoders/link/fibre_channel_names.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
@@ -47,8 +47,8 @@ void DecodeExtendedHeaders(const Place& at, Cursor& c) {
   while (MoreAt(at, c, loop) && (c.at[0] == kVirtualFabric || c.at[0] == kInterFabric)) {
     if (Left(c) < 8) return;
     const bool virtualFabric = c.at[0] == kVirtualFabric;
-    const Place in = Under(at, AddLine(at, Ahead(c, 8), "%s",
-                                       virtualFabric ? "Virtual Fabric Tagging Header" : "Inter-Fabric Routing Header"));
+    const char* title = virtualFabric ? "Virtual Fabric Tagging Header" : "Inter-Fabric Routing Header";
+    const Place in = Under(at, AddLine(at, Ahead(c, 8), "%s", title));
     const Field head = TakeU32(c);
     const Field tail = TakeU32(c);
     AddLine(in, Slice(head, 0, 1), "R_CTL: 0x%.02X", head.value >> 24);
@@ -99,12 +99,6 @@ FrameHeader AddHeaderLines(const Place& in, Cursor& c) {
   return {routing.value, type.value, control.value, dataControl.value, count.value};
 }
 
-// A name of eight bytes in the network header: its first four bits tell its format, the last six bytes hold a MAC
-// address in the common one.
-void AddPortName(const Place& in, const Field& name, const char* label) {
-  AddLine(in, name, "%s: %s", label, HexText(name));
-}
-
 void DecodeOptionalHeaders(const Place& in, Cursor& c, uint32_t dataControl) {
   if (dataControl & kSecurityHeader) {
     const Field security = TakeU32(c);
@@ -113,8 +107,10 @@ void DecodeOptionalHeaders(const Place& in, Cursor& c, uint32_t dataControl) {
     AddLine(in, sequence, "Security Sequence Number: %u", sequence.value);
   }
   if (dataControl & kNetworkHeader) {
-    AddPortName(in, TakeBytes(c, 8), "Network Destination");
-    AddPortName(in, TakeBytes(c, 8), "Network Source");
+    const Field destination = TakeBytes(c, 8);
+    AddLine(in, destination, "Network Destination: %s", HexText(destination));
+    const Field source = TakeBytes(c, 8);
+    AddLine(in, source, "Network Source: %s", HexText(source));
   }
   if (dataControl & kAssociationHeader) AddBlock(in, TakeBytes(c, 32), "Association Header");
   constexpr int32_t kDeviceHeader[] = {0, 16, 32, 64};
@@ -126,8 +122,9 @@ int32_t DecodeHeader(const Place& at, Cursor c) {
   DecodeExtendedHeaders(at, c);
   if (Left(c) < kHeaderLength) return CallDecoder(at, c, nullptr, "Raw Data");
   c.begin = c.offset;
-  const LineHandle top = AddLine(at, Ahead(c, kHeaderLength), "Fibre Channel Header:  %.02X.%.02X.%.02X -> %.02X.%.02X.%.02X",
-                                 c.at[5], c.at[6], c.at[7], c.at[1], c.at[2], c.at[3]);
+  const LineHandle top = AddLine(at, Ahead(c, kHeaderLength),
+                                 "Fibre Channel Header:  %.02X.%.02X.%.02X -> %.02X.%.02X.%.02X", c.at[5], c.at[6],
+                                 c.at[7], c.at[1], c.at[2], c.at[3]);
   const Place in = Under(at, top);
   const FrameHeader header = AddHeaderLines(in, c);
   DecodeOptionalHeaders(in, c, header.dataControl);

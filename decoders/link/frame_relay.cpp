@@ -31,7 +31,12 @@ bool TakeAddress(Cursor& c, Address* address) {
     switch (address->count) {
       case 1: address->dlci = byte.value >> 2; break;
       case 2: address->dlci = address->dlci << 4 | byte.value >> 4; break;
-      case 3: address->dlci = last ? address->dlci << 6 | byte.value >> 2 : address->dlci << 7 | byte.value >> 1; break;
+      case 3:
+        if (!last) {
+          address->dlci = address->dlci << 7 | byte.value >> 1;
+          break;
+        }
+        [[fallthrough]];
       default: address->dlci = address->dlci << 6 | byte.value >> 2; break;
     }
     if (last) return address->count >= 2;
@@ -72,18 +77,25 @@ void AddAddressLines(const Place& in, const Address& address) {
   }
 }
 
+// An information or supervisory control field (LAPF) instead of an Ethertype: no Ethertype has this number, and an
+// identifier follows.
+bool IsNumbered(const Cursor& c) {
+  if (Left(c) < 3 || (c.at[0] & 3) == 3 || EthertypeName(static_cast<uint16_t>(ReadU16(c.at)))) return false;
+  return NlpidName(c.at[2]) != kUnknown;
+}
+
 // What follows the address; the header's lines go under `in`.
 int32_t DecodePayload(const Place& in, const Place& network, Cursor c) {
   if (Left(c) < 1) return 1;
-  if (c.at[0] != kUnnumberedInformation) {
+  const bool numbered = IsNumbered(c);
+  if (c.at[0] != kUnnumberedInformation && !numbered) {
     const Field ethertype = TakeU16(c);
     if (!ethertype.here) return 1;
     const char* name = EthertypeName(static_cast<uint16_t>(ethertype.value));
     AddLine(in, ethertype, "Ethertype: 0x%.04X = %s", ethertype.value, name ? name : kUnknown);
     return DispatchSnap(network, c, static_cast<uint16_t>(ethertype.value));
   }
-  const Field control = TakeU8(c);
-  AddLine(in, control, "Control: 0x%.02X = Unnumbered Information", control.value);
+  AddControlLine(in, numbered ? TakeU16(c) : TakeU8(c));
   if (Left(c) >= 1 && c.at[0] == 0) {
     const Field pad = TakeU8(c);
     AddLine(in, pad, "Padding: 0x%.02X", pad.value);

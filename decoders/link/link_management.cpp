@@ -12,9 +12,7 @@ constexpr uint32_t kLmiDiscriminator = 0x09;
 
 constexpr auto kDiscriminators = SortedNames({{0x08, "Q.931"}, {0x09, "LMI"}});
 
-constexpr auto kMessages = SortedNames({
-    {0x05, "Setup"}, {0x07, "Connect"}, {0x45, "Disconnect"}, {0x4D, "Release"}, {0x5A, "Release Complete"},
-    {0x75, "Status Enquiry"}, {0x7B, "Update Status"}, {0x7D, "Status"}});
+constexpr auto kMessages = SortedNames({{0x75, "Status Enquiry"}, {0x7B, "Update Status"}, {0x7D, "Status"}});
 
 // The elements of Q.933 have numbers of their own; the meaning is that of the older ones.
 enum Element : uint32_t { kReportType = 0x01, kKeepalive = 0x03, kCircuitStatus = 0x07 };
@@ -84,17 +82,17 @@ void DecodeElement(const Place& at, Cursor& c, bool lmi) {
 }  // namespace
 
 int32_t DecodeLinkManagement(const Place& at, Cursor c) {
-  if (Left(c) < 3) return 0;
-  const uint32_t message = c.at[2];
-  const Place in = Under(at, AddLine(at, Ahead(c, 3), "Q.931 LMI Status Message - Control Type %s",
-                                     LookupName(kMessages, message)));
+  if (Left(c) < 3 || c.at[1] != 0) return 0;   // status has no call to refer to
+  const char* message = LookupName(kMessages, c.at[2], nullptr);
+  if (!message) return 0;
+  const Place in = Under(at, AddLine(at, Ahead(c, 3), "Q.931 LMI Status Message - Control Type %s", message));
   const Field discriminator = TakeU8(c);
   AddLine(in, discriminator, "Protocol Discriminator: 0x%.02X = %s", discriminator.value,
           LookupName(kDiscriminators, discriminator.value));
   const Field reference = TakeU8(c);
   AddLine(in, reference, "Call Reference: 0x%.02X", reference.value);
   const Field type = TakeU8(c);
-  AddLine(in, type, "Message Type: 0x%.02X = %s", type.value, LookupName(kMessages, type.value));
+  AddLine(in, type, "Message Type: 0x%.02X = %s", type.value, message);
   Loop loop;
   while (MoreAt(at, c, loop)) DecodeElement(in, c, discriminator.value == kLmiDiscriminator);
   CoverBytes(in, c);

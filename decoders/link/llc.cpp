@@ -28,21 +28,6 @@ struct Sap {
   Field dsap, ssap, control;
 };
 
-// The control field's line: its format and what it says.
-void AddControlLine(const Place& in, const Field& control) {
-  const uint32_t first = control.length == 2 ? control.value >> 8 : control.value;
-  if ((first & 1) == 0) {
-    AddLine(in, control, "Control: 0x%.04X = Information, N(S) = %u, N(R) = %u", control.value, first >> 1,
-            control.value >> 1 & 0x7F);
-  } else if ((first & 3) == 1) {
-    AddLine(in, control, "Control: 0x%.04X = Supervisory, %s, N(R) = %u", control.value,
-            LookupName(kSupervisoryNames, first >> 2 & 3), control.value >> 1 & 0x7F);
-  } else {
-    AddLine(in, control, "Control: 0x%.02X = Unnumbered, %s", control.value,
-            LookupName(kUnnumberedNames, first & 0xEF));
-  }
-}
-
 void AddSapLines(const Place& in, const Sap& sap) {
   AddLine(in, sap.dsap, "DSAP: 0x%.02X = %s%s", sap.dsap.value, LookupName(kSapNames, sap.dsap.value & 0xFE),
           sap.dsap.value & 1 ? " (Group)" : "");
@@ -89,6 +74,20 @@ LlcService ChooseService(const Sap& sap, const Cursor& c) {
 }
 
 }  // namespace
+
+void AddControlLine(const Place& in, const Field& control) {
+  const uint32_t first = control.length == 2 ? control.value >> 8 : control.value;
+  if ((first & 1) == 0) {
+    AddLine(in, control, "Control: 0x%.04X = Information, N(S) = %u, N(R) = %u", control.value, first >> 1,
+            control.value >> 1 & 0x7F);
+  } else if ((first & 3) == 1) {
+    AddLine(in, control, "Control: 0x%.04X = Supervisory, %s, N(R) = %u", control.value,
+            LookupName(kSupervisoryNames, first >> 2 & 3), control.value >> 1 & 0x7F);
+  } else {
+    AddLine(in, control, "Control: 0x%.02X = Unnumbered, %s", control.value,
+            LookupName(kUnnumberedNames, first & 0xEF));
+  }
+}
 
 LlcService OsiService(uint32_t nlpid) {
   switch (nlpid) {

@@ -14,6 +14,9 @@ const DecoderRow* FindLlcService(LlcService service);   // null for kNone
 // The service of an OSI network-layer identifier.
 LlcService OsiService(uint32_t nlpid);
 
+// The line of a control field of one or two bytes: its format and what it says.
+void AddControlLine(const Place& in, const Field& control);
+
 // The organizational code and the protocol of a SNAP header, under `in`. `top` is the header's line: the protocol's
 // name is appended to it. The rest at `network`.
 int32_t DecodeSnapFields(const Place& in, LineHandle top, const Place& network, Cursor c);

@@ -8,7 +8,8 @@ namespace qxview {
 
 constexpr int32_t kMacAddressLength = 6;
 
-// Takes the check sequence that the record's bytes end with off the cursor's end. Not here when the capture holds none.
+// Takes the check sequence that the record's bytes end with off the cursor's end. Not here when the capture holds
+// none.
 Field CutCheckSequence(const Place& at, Cursor& c);
 
 // The last lines under a frame's summary: the saved size of a partial frame, its number in the buffer it was captured

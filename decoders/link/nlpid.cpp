@@ -1,6 +1,6 @@
 // Network-layer protocol identifiers (ISO/IEC TR 9577), one byte in front of the payload: how Frame Relay (RFC 2427),
-// ATM (RFC 2684) and OSI over HDLC name what they carry. The identifier of an OSI protocol is the first byte of its own
-// header; all others are passed over.
+// ATM (RFC 2684) and OSI over HDLC name what they carry. The identifier of an OSI protocol is the first byte of its
+// own header; all others are passed over.
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -36,7 +36,7 @@ int32_t DispatchNlpid(const Place& in, const Place& network, Cursor c) {
   switch (nlpid.value) {
     case kSnap: return DecodeEncapsulatedSnap(in, network, c, 0);
     case kQ933:
-    case kCiscoLmi: return CallDecoder(network, whole, DecodeLinkManagement, "Raw Data");
+    case kCiscoLmi: return CallDecoder(network, whole, DecodeLinkManagement, "Q.931 Data");
     case kClnp:
     case kEsIs:
     case kIsIs: return CallDecoder(network, whole, FindLlcService(OsiService(nlpid.value))->decode, "Raw Data");

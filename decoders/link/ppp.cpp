@@ -3,8 +3,8 @@
 //   0     1     2
 //   0xFF  0x03  protocol (1 or 2)   payload
 //
-// Address and control may be left out, and the first byte of a protocol below 256: the byte that ends a protocol is odd,
-// all others are even.
+// Address and control may be left out, and the first byte of a protocol below 256: the byte that ends a protocol is
+// odd, all others are even.
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -84,8 +84,8 @@ int32_t DecodeBridging(const Place& in, const Place& network, Cursor c) {
   }
 }
 
-// Fragments of a bundle (RFC 1990); the long sequence form, which is the one in use. What a fragment carries cannot be
-// told unless it is a whole packet.
+// Fragments of a bundle (RFC 1990); the long sequence form, which is the one in use. What a fragment carries cannot
+// be told unless it is a whole packet.
 int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
   const Field head = TakeU32(c);
   const BitPicture begin = BitsOf(head, 0, 1), end = BitsOf(head, 1, 1), sequence = BitsOf(head, 8, 24);

@@ -1,8 +1,8 @@
 // The radio headers that 802.11 captures hold in front of a frame: what the receiver measured. They stand in the
 // record's extension block, so their lines have no bytes of the frame.
 //
-//   radiotap   0  version   2  length   4  fields present (bit 31: another such word), then the fields in order of their
-//              bits, each aligned to its size; little-endian
+//   radiotap   0  version   2  length   4  fields present (bit 31: another such word), then the fields in order of
+//              their bits, each aligned to its size; little-endian
 //   PPI        0  version   2  length   4  link type, then fields: type (2), length (2), data; little-endian
 //   AVS        0  magic   4  length   8  MAC time   16  host time   24  type   28  channel   32  rate   36  antenna
 //              40  priority   44  signal type   48  signal   52  noise ...; big-endian

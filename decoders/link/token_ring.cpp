@@ -3,9 +3,9 @@
 //   0               1              2            8       14
 //   access control  frame control  destination  source  routing information (2 to 30), 802.2 or MAC frame
 //
-// The source's first bit says that routing information follows: a control field of two bytes, which holds the length of
-// all, and route designators of a ring (12 bits) and a bridge (4). MAC frames: length (2), classes (1), vector (1), then
-// subvectors: length (1), type (1), data.
+// The source's first bit says that routing information follows: a control field of two bytes, which holds the length
+// of all, and route designators of a ring (12 bits) and a bridge (4). MAC frames: length (2), classes (1), vector,
+// then subvectors: length (1), type (1), data.
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -86,8 +86,8 @@ void AddSource(const Place& in, const Field& source) {
 void DecodeRouting(const Place& in, Cursor c) {
   const Place routing = Under(in, AddLine(in, Ahead(c, Left(c)), "Routing Information:"));
   const Field control = TakeU16(c);
-  const BitPicture broadcast = BitsOf(control, 0, 3), length = BitsOf(control, 3, 5), direction = BitsOf(control, 8, 1);
-  const BitPicture largest = BitsOf(control, 9, 3);
+  const BitPicture broadcast = BitsOf(control, 0, 3), length = BitsOf(control, 3, 5);
+  const BitPicture direction = BitsOf(control, 8, 1), largest = BitsOf(control, 9, 3);
   AddLine(routing, control, "Routing Control: 0x%.04X", control.value);
   AddBitLine(routing, control, "%s: Broadcast = %s", broadcast.picture, LookupName(kBroadcasts, broadcast.value));
   AddBitLine(routing, control, "%s: Length = %u", length.picture, length.value);

@@ -3,9 +3,9 @@
 //   0              2         4          10         16         22        then, as the frame control says
 //   frame control  duration  address 1  address 2  address 3  sequence  address 4, QoS control (2), HT control (4)
 //
-// Numbers are little-endian. What the addresses are depends on whether the frame goes to or comes from the wired side;
-// control frames have one or two. Data frames carry an 802.2 header, or several frames with headers of their own
-// (A-MSDU: destination, source, length, filled up to a multiple of four).
+// Numbers are little-endian. What the addresses are depends on whether the frame goes to or comes from the wired
+// side; control frames have one or two. Data frames carry an 802.2 header, or several frames with headers of their
+// own (A-MSDU: destination, source, length, filled up to a multiple of four).
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -40,7 +40,8 @@ constexpr auto kSubtypes = SortedNames({
     {0x2C, "QoS Null"}, {0x2E, "QoS CF-Poll"}, {0x2F, "QoS CF-Ack + CF-Poll"}, {0x30, "DMG Beacon"},
     {0x31, "S1G Beacon"}});
 
-constexpr auto kAckPolicies = SortedNames({{0, "Normal Ack"}, {1, "No Ack"}, {2, "No Explicit Ack"}, {3, "Block Ack"}});
+constexpr auto kAckPolicies = SortedNames({{0, "Normal Ack"}, {1, "No Ack"}, {2, "No Explicit Ack"},
+                                           {3, "Block Ack"}});
 
 struct FrameControl {
   uint32_t type, subtype, flags;
@@ -103,22 +104,22 @@ struct WirelessHeader {
 void AddSequence(const Place& in, Cursor& c, uint32_t* fragment) {
   const Field control = TakeLittleU16(c);
   const BitPicture sequence = BitsOf(control, 0, 12), part = BitsOf(control, 12, 4);
-  AddLine(in, control, "Sequence Control: 0x%.04X", control.value);
-  AddBitLine(in, control, "%s: Sequence Number = %u", sequence.picture, sequence.value);
-  AddBitLine(in, control, "%s: Fragment Number = %u", part.picture, part.value);
+  const Place bits = Under(in, AddLine(in, control, "Sequence Control: 0x%.04X", control.value));
+  AddBitLine(bits, control, "%s: Sequence Number = %u", sequence.picture, sequence.value);
+  AddBitLine(bits, control, "%s: Fragment Number = %u", part.picture, part.value);
   *fragment = part.value;
 }
 
 uint32_t AddQosControl(const Place& in, Cursor& c) {
   const Field qos = TakeLittleU16(c);
-  AddLine(in, qos, "QoS Control: 0x%.04X", qos.value);
+  const Place bits = Under(in, AddLine(in, qos, "QoS Control: 0x%.04X", qos.value));
   const BitPicture rest = BitsOf(qos, 0, 8), aggregate = BitsOf(qos, 8, 1), policy = BitsOf(qos, 9, 2);
   const BitPicture service = BitsOf(qos, 11, 1), traffic = BitsOf(qos, 12, 4);
-  AddBitLine(in, qos, "%s: TXOP or Queue Size = %u", rest.picture, rest.value);
-  AddBitLine(in, qos, "%s: A-MSDU Present = %s", aggregate.picture, aggregate.value ? "True" : "False");
-  AddBitLine(in, qos, "%s: Ack Policy = %s", policy.picture, LookupName(kAckPolicies, policy.value));
-  AddBitLine(in, qos, "%s: End of Service Period = %u", service.picture, service.value);
-  AddBitLine(in, qos, "%s: Traffic Identifier = %u", traffic.picture, traffic.value);
+  AddBitLine(bits, qos, "%s: TXOP or Queue Size = %u", rest.picture, rest.value);
+  AddBitLine(bits, qos, "%s: A-MSDU Present = %s", aggregate.picture, aggregate.value ? "True" : "False");
+  AddBitLine(bits, qos, "%s: Ack Policy = %s", policy.picture, LookupName(kAckPolicies, policy.value));
+  AddBitLine(bits, qos, "%s: End of Service Period = %u", service.picture, service.value);
+  AddBitLine(bits, qos, "%s: Traffic Identifier = %u", traffic.picture, traffic.value);
   return qos.value;
 }
 
@@ -184,8 +185,9 @@ void DecodeAggregate(const Place& at, Cursor c) {
       return;
     }
     const int32_t before = c.offset;
-    const Place in = Under(at, AddLine(at, Ahead(c, kSubframeHeader), "A-MSDU Subframe:  %s -> %s",
-                                       CheckAlias(at.view, 0, c.at + kMacAddressLength), CheckAlias(at.view, 0, c.at)));
+    const auto source = CheckAlias(at.view, 0, c.at + kMacAddressLength);
+    const Place in = Under(at, AddLine(at, Ahead(c, kSubframeHeader), "A-MSDU Subframe:  %s -> %s", source,
+                                       CheckAlias(at.view, 0, c.at)));
     AddAddress(in, TakeBytes(c, kMacAddressLength), "Destination");
     AddAddress(in, TakeBytes(c, kMacAddressLength), "Source");
     const Field length = TakeU16(c);
