@@ -243,8 +243,8 @@ void ProtocolDefinitions::Unlock(void* table) noexcept {
 
 void ProtocolDefinitions::Learn(uint32_t transport, int32_t identifier, const AddressSlot* address, uint16_t port,
                                 const DynamicRecord* extra) noexcept {
-  if (!address || identifier < 1 || (transport != kLearntTcp && transport != kLearntUdp)) return;
-  DefinitionTable& table = tables_[transport == kLearntTcp ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
+  if (!address || identifier < 1 || !(transport & (QX_OVER_TCP | QX_OVER_UDP))) return;
+  DefinitionTable& table = tables_[transport & QX_OVER_TCP ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
   const TableLockHolder held(table.lock);
   table.learnt.Learn({{*address, port}, identifier, extra ? *extra : DynamicRecord{}});
 }
@@ -265,7 +265,7 @@ void ProtocolDefinitions::ForgetLearnt() noexcept {
 }
 
 size_t ProtocolDefinitions::CountLearnt(uint32_t transport) noexcept {
-  DefinitionTable& table = tables_[transport == kLearntTcp ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
+  DefinitionTable& table = tables_[transport & QX_OVER_TCP ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
   const TableLockHolder held(table.lock);
   return table.learnt.Count();
 }

@@ -21,7 +21,6 @@
 namespace qxview {
 
 constexpr int32_t kBuiltinProtocol = 0x10000;
-constexpr uint32_t kLearntTcp = 0x1000000, kLearntUdp = 0x2000000;
 
 // A built-in decoder as the `protocols` command lists it.
 struct DefinedProtocol {
@@ -51,7 +50,7 @@ class ProtocolDefinitions {
   static int32_t FindAddress(void* table, const AddressSlot* address, uint16_t port, int32_t* identifier) noexcept;
   static void Lock(void* table) noexcept;
   static void Unlock(void* table) noexcept;
-  // Takes the table's lock itself.
+  // transport: QxTransport. Takes the table's lock itself.
   void Learn(uint32_t transport, int32_t identifier, const AddressSlot* address, uint16_t port,
              const DynamicRecord* extra) noexcept;
   // The name of a built-in decoder, whichever further bits the identifier has; 0 and an empty text for others.

@@ -177,15 +177,15 @@ TEST(Definitions, LearntEndsAnswerBehindTheUsersWord) {
   ProtocolDefinitions definitions;
   const AddressSlot host = V4(0xC0000201);
   const DynamicRecord record{1, 2, 3};
-  definitions.Learn(kLearntTcp, 0x1010065, &host, 4000, nullptr);
-  definitions.Learn(kLearntUdp, 0x2050059, &host, 4000, &record);
+  definitions.Learn(QX_OVER_TCP, 0x1010065, &host, 4000, nullptr);
+  definitions.Learn(QX_OVER_UDP, 0x2050059, &host, 4000, &record);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, host, 4000), 0x1010065);
   EXPECT_EQ(AddressOf(definitions, QX_UDP_ADDRESSES, host, 4000), 0x2050059);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, host, 4001), 0);
-  definitions.Learn(kLearntTcp, 0x1010065, &host, 0, nullptr);
+  definitions.Learn(QX_OVER_TCP, 0x1010065, &host, 0, nullptr);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, host, 0), 0) << "it would claim every port of the address";
   definitions.Learn(0, 0x1010065, &host, 5000, nullptr);
-  definitions.Learn(kLearntTcp, 0, &host, 5000, nullptr);
+  definitions.Learn(QX_OVER_TCP, 0, &host, 5000, nullptr);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, host, 5000), 0);
   definitions.AddDefinition("tcp:192.0.2.1:4000=HTTP");
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, host, 4000), 0x10004);
@@ -199,9 +199,9 @@ TEST(Definitions, AMillionConversationsStayInsideTheBound) {
   const uint32_t kept = ConversationTable::kCapacity;
   for (uint32_t i = 0; i < kMany; ++i) {
     const AddressSlot host = V4(i / 8);
-    definitions.Learn(kLearntUdp, 0x2050059, &host, static_cast<uint16_t>(1 + i % 8), nullptr);
+    definitions.Learn(QX_OVER_UDP, 0x2050059, &host, static_cast<uint16_t>(1 + i % 8), nullptr);
   }
-  EXPECT_EQ(definitions.CountLearnt(kLearntUdp), kept);
+  EXPECT_EQ(definitions.CountLearnt(QX_OVER_UDP), kept);
   const auto knows = [&](uint32_t i) {
     return AddressOf(definitions, QX_UDP_ADDRESSES, V4(i / 8), static_cast<uint16_t>(1 + i % 8)) != 0;
   };
