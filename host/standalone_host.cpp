@@ -3,6 +3,8 @@
 #include <cstring>
 #include <fstream>
 
+#include "host/session.h"
+
 namespace qxview {
 namespace {
 
@@ -27,6 +29,13 @@ int32_t AddressAlias(void* user, uint32_t kind, const uint8_t* address, char* ou
   return name ? GiveText(*name, out, outSize) : 0;
 }
 
+ProtocolDefinitions& DefinitionsOf(void* user) { return HostOf(user)->Definitions(); }
+
+int32_t EarlierSegment(void* user, const AddressSlot* source, uint16_t sourcePort, const AddressSlot* destination,
+                       uint16_t destinationPort, int32_t back, QxSegment* out) {
+  return HostOf(user)->History().Find(*source, sourcePort, *destination, destinationPort, back, out) ? 1 : 0;
+}
+
 }  // namespace
 
 void StandaloneHost::FillRecord() {
@@ -37,11 +46,18 @@ void StandaloneHost::FillRecord() {
     return GiveText(HostOf(user)->applicationDirectory_, out, outSize);
   };
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
+  record_.earlierSegment = EarlierSegment;
+  LendDefinitions<DefinitionsOf>(&record_);
 }
 
-void StandaloneHost::StartPacket() {}
-
-void StandaloneHost::FinishPacket() {}
+void StandaloneHost::FinishPacket() {
+  if (!session_) return;
+  const PacketState& packet = session_->Context().packet;
+  if (packet.segment.here) {
+    history_.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
+                    session_->Context().packetNumber);
+  }
+}
 
 std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& options, std::string* message,
                                                        bool* fileFault) {
@@ -53,6 +69,18 @@ std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& option
   *fileFault = false;
   for (const std::string& assignment : options.settings) {
     if (!host->settings_.Set(assignment, message)) return nullptr;
+  }
+  *fileFault = true;
+  for (const SettingsLine& line : host->settings_.ProtocolLines()) {
+    if (const auto fault = host->definitions_.AddDefinition(line.text)) {
+      return *message = line.place + ": " + *fault, nullptr;
+    }
+  }
+  *fileFault = false;
+  for (const std::string& definition : options.definitions) {
+    if (const auto fault = host->definitions_.AddDefinition(definition)) {
+      return *message = "--decode-as " + definition + ": " + *fault, nullptr;
+    }
   }
   *fileFault = true;
   const std::string* aliasFile = host->settings_.Find("AliasFile");
