@@ -10,6 +10,8 @@ namespace {
 
 StandaloneHost* HostOf(void* user) { return static_cast<StandaloneHost*>(user); }
 
+ProtocolDefinitions& DefinitionsOf(void* user) { return HostOf(user)->Definitions(); }
+
 int32_t GiveText(const std::string& text, char* out, int32_t outSize) {
   if (!out || outSize < 1) return 0;
   const size_t length = std::min(text.size(), static_cast<size_t>(outSize - 1));
@@ -29,7 +31,6 @@ int32_t AddressAlias(void* user, uint32_t kind, const uint8_t* address, char* ou
   return name ? GiveText(*name, out, outSize) : 0;
 }
 
-ProtocolDefinitions& DefinitionsOf(void* user) { return HostOf(user)->Definitions(); }
 
 int32_t EarlierSegment(void* user, const AddressSlot* source, uint16_t sourcePort, const AddressSlot* destination,
                        uint16_t destinationPort, int32_t back, QxSegment* out) {
@@ -47,7 +48,20 @@ void StandaloneHost::FillRecord() {
   };
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
   record_.earlierSegment = EarlierSegment;
-  LendDefinitions<DefinitionsOf>(&record_);
+  LendDefinitions<&DefinitionsOf>(&record_);
+}
+
+bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, std::string* message,
+                                    bool* fileFault) {
+  *fileFault = true;
+  for (const SettingsLine& line : settings_.ProtocolLines()) {
+    if (const auto wrong = definitions_.AddDefinition(line.text)) return *message = line.place + ": " + *wrong, false;
+  }
+  *fileFault = false;
+  for (const std::string& definition : overrides) {
+    if (auto wrong = definitions_.AddDefinition(definition)) return *message = *wrong, false;
+  }
+  return true;
 }
 
 void StandaloneHost::FinishPacket() {
@@ -70,18 +84,7 @@ std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& option
   for (const std::string& assignment : options.settings) {
     if (!host->settings_.Set(assignment, message)) return nullptr;
   }
-  *fileFault = true;
-  for (const SettingsLine& line : host->settings_.ProtocolLines()) {
-    if (const auto fault = host->definitions_.AddDefinition(line.text)) {
-      return *message = line.place + ": " + *fault, nullptr;
-    }
-  }
-  *fileFault = false;
-  for (const std::string& definition : options.definitions) {
-    if (const auto fault = host->definitions_.AddDefinition(definition)) {
-      return *message = "--decode-as " + definition + ": " + *fault, nullptr;
-    }
-  }
+  if (!host->AddDefinitions(options.definitions, message, fileFault)) return nullptr;
   *fileFault = true;
   const std::string* aliasFile = host->settings_.Find("AliasFile");
   if (aliasFile && !aliasFile->empty() && !host->aliases_.ReadFile(*aliasFile, message)) return nullptr;

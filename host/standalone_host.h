@@ -42,6 +42,7 @@ class StandaloneHost {
  private:
   StandaloneHost() = default;
   void FillRecord();
+  bool AddDefinitions(const std::vector<std::string>& overrides, std::string* message, bool* fileFault);
 
   QxHost record_{};
   Session* session_ = nullptr;
