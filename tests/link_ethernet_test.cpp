@@ -12,14 +12,17 @@ const Bytes kArp = Hex("0001 0800 06 04 0001  02 00 00 00 00 02  0A 00 00 01  00
 
 // An 802.3 frame: the length is that of the payload.
 Bytes Ieee(const Bytes& payload) {
-  return kAddresses + Bytes{static_cast<uint8_t>(payload.size() >> 8), static_cast<uint8_t>(payload.size())} + payload;
+  return kAddresses + Bytes{static_cast<uint8_t>(payload.size() >> 8), static_cast<uint8_t>(payload.size())} +
+         payload;
 }
 
 TEST(Ethernet, TheTypeFieldIsALengthUpTo1500) {
   const Bytes payload = Hex("42 42 03") + Bytes(2000);
-  ExpectInOrder(TreeOf(kAddresses + Hex("05DC") + payload),
-                {"Length: 1500 {12+2}", "802.2 Header: Protocol = Spanning Tree BPDU {14+3}", "Raw Data {8:17+1497}"});
-  ExpectInOrder(TreeOf(kAddresses + Hex("05DD") + payload), {"Ethertype: 0x05DD = Unknown {12+2}", "Raw Packet {8:14"});
+  ExpectInOrder(
+      TreeOf(kAddresses + Hex("05DC") + payload),
+      {"Length: 1500 {12+2}", "802.2 Header: Protocol = Spanning Tree BPDU {14+3}", "Raw Data {8:17+1497}"});
+  ExpectInOrder(TreeOf(kAddresses + Hex("05DD") + payload),
+                {"Ethertype: 0x05DD = Unknown {12+2}", "Raw Packet {8:14"});
   // A length beyond the bytes takes what is there; one within them leaves the padding out.
   ExpectInOrder(TreeOf(kAddresses + Hex("0100 42 42 03 01 02")), {"Length: 256", "Raw Data {8:17+2}"});
   ExpectInOrder(TreeOf(kAddresses + Hex("0005 42 42 03 01 02 00 00 00")), {"Length: 5", "Raw Data {8:17+2}"});
@@ -29,7 +32,7 @@ TEST(Ethernet, TheTypeFieldIsALengthUpTo1500) {
 TEST(Ethernet, ShortFramesShowWhatTheyHold) {
   ExpectInOrder(TreeOf(Hex("02 00 00 00 00 01 02 00 00 00 00")), {"Frame type:  Unknown", "Raw Data {8:0+11}"});
   ExpectInOrder(TreeOf(kAddresses), {"Ethernet Header:", "{0+12}", "Source: 02:00:00:00:00:02 {6+6}"});
-  const std::string three = TreeOf(kAddresses + Hex("0800 45 00 00"));   // too few for any network header
+  const std::string three = TreeOf(kAddresses + Hex("0800 45 00 00"));  // too few for any network header
   ExpectInOrder(three, {"Ethertype: 0x0800 = IP {12+2}"});
   EXPECT_EQ(three.find("Raw"), std::string::npos) << three;
 }
@@ -147,8 +150,9 @@ TEST(Mpls, TellsThePayloadByItsFirstBytes) {
                  "00000000 00000010 0000.... ........: Label = 32 {18+4}"});
   const Bytes carried = Ethernet(0x0806, kArp);
   ExpectInOrder(TreeOf(Ethernet(0x8848, stack + carried)), {"Ethernet Header:", "{22+14}", "ARP: Request"});
-  ExpectInOrder(TreeOf(Ethernet(0x8847, stack + Hex("0000 0009") + carried)),
-                {"Pseudowire Control Word: Sequence Number = 9 {22+4}", "Ethernet Header:", "{26+14}", "ARP: Request"});
+  ExpectInOrder(
+      TreeOf(Ethernet(0x8847, stack + Hex("0000 0009") + carried)),
+      {"Pseudowire Control Word: Sequence Number = 9 {22+4}", "Ethernet Header:", "{26+14}", "ARP: Request"});
   ExpectInOrder(TreeOf(Ethernet(0x8847, stack + Bytes(40))), {"Bottom of Stack", "Raw Data {8:22+40}"});
 }
 
@@ -172,10 +176,11 @@ Bytes Isl(const std::string& destinationAndType, const Bytes& carried, uint16_t 
 TEST(Isl, CarriesWholeFrames) {
   const Bytes carried = Hex("0000") + Ethernet(0x0806, kArp);
   const Bytes frame = Isl("01 00 0C 00 00 00", carried + Hex("DEADBEEF"), static_cast<uint16_t>(carried.size() + 10));
-  ExpectInOrder(TreeOf(frame), {"Network: Ethernet,  Frame type:  ISL", "Encapsulation: ISL {0+26}",
-                                "0000....: Type = 0 (Ethernet) {5+1}", "Source: 02:00:00:00:00:09 {6+6}",
-                                "Length: 54 {12+2}", "00000000 0110010.: VLAN ID = 50 {20+2}",
-                                "Spanning Tree or Discovery = True {20+2}", "Ethernet Header:", "{26+14}", "ARP: Request"});
+  ExpectInOrder(
+      TreeOf(frame),
+      {"Network: Ethernet,  Frame type:  ISL", "Encapsulation: ISL {0+26}", "0000....: Type = 0 (Ethernet) {5+1}",
+       "Source: 02:00:00:00:00:09 {6+6}", "Length: 54 {12+2}", "00000000 0110010.: VLAN ID = 50 {20+2}",
+       "Spanning Tree or Discovery = True {20+2}", "Ethernet Header:", "{26+14}", "ARP: Request"});
   // Token Ring frames start in the reserved bytes.
   const Bytes ring = Hex("10 40 02 00 00 00 00 01 02 00 00 00 00 02 AA AA 03 00 00 00 08 06") + kArp;
   ExpectInOrder(TreeOf(Isl("03 00 0C 00 00 10", ring, static_cast<uint16_t>(ring.size() + 10))),
@@ -184,7 +189,7 @@ TEST(Isl, CarriesWholeFrames) {
 }
 
 TEST(Isl, IsToldByItsAddressAndItsSnapHeader) {
-  const Bytes frame = Isl("01 00 0C 00 00 55", Hex("0000"), 12);   // the sixth byte is not looked at
+  const Bytes frame = Isl("01 00 0C 00 00 55", Hex("0000"), 12);  // the sixth byte is not looked at
   ASSERT_EQ(frame.size(), 26u);
   EXPECT_NE(TreeOf(frame).find("Encapsulation: ISL"), std::string::npos);
   const Bytes cut(frame.begin(), frame.end() - 1);
@@ -212,22 +217,25 @@ double DecodeOnSmallStack(const Bytes& frame, std::string* tree) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
 #if defined(__SANITIZE_ADDRESS__)
-  pthread_attr_setstacksize(&attributes, 2 << 20);   // red zones make frames several times as large
+  pthread_attr_setstacksize(&attributes, 2 << 20);  // red zones make frames several times as large
 #else
   pthread_attr_setstacksize(&attributes, 256 << 10);
 #endif
   pthread_t thread;
-  pthread_create(&thread, &attributes, [](void* argument) -> void* {
-    Run& r = *static_cast<Run*>(argument);
-    Record record(r.frame);
-    for (int i = 0; i < 5; ++i) {   // the least of five: other programs share the machine
-      const auto start = std::chrono::steady_clock::now();
-      r.view.Decode(record);
-      const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
-      if (taken.count() < r.milliseconds) r.milliseconds = taken.count();
-    }
-    return nullptr;
-  }, &run);
+  pthread_create(
+      &thread, &attributes,
+      [](void* argument) -> void* {
+        Run& r = *static_cast<Run*>(argument);
+        Record record(r.frame);
+        for (int i = 0; i < 5; ++i) {  // the least of five: other programs share the machine
+          const auto start = std::chrono::steady_clock::now();
+          r.view.Decode(record);
+          const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
+          if (taken.count() < r.milliseconds) r.milliseconds = taken.count();
+        }
+        return nullptr;
+      },
+      &run);
   pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
   *tree = run.view.Text();
