@@ -1,13 +1,16 @@
 #include "decoders/states.h"
 
 #include "core/dispatch.h"
+#include "decoders/app/http_message.h"
+#include "decoders/net/window_scales.h"
 
 namespace qxview {
 namespace {
 
 // A row a decoder with state: {slot, create, destroy}.
 constexpr StateRow kStates[] = {
-    {DecoderState::kCount, nullptr, nullptr},
+    {DecoderState::kWindowScales, CreateWindowScales, DestroyWindowScales},
+    {DecoderState::kHttp, CreateHttpState, DestroyHttpState},
 };
 
 }  // namespace
