@@ -1,14 +1,25 @@
 #include "core/bits.h"
 
+#include <bit>
+#include <cstring>
+
 namespace qxview {
 namespace {
 
-// One octet's eight positions: digits where `mask` (most significant bit first) has a bit, full stops elsewhere.
+// Eight bits as eight bytes of 0 or 1, the most significant bit in the byte that is first in memory.
+inline uint64_t SpreadBits(uint32_t octet) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  constexpr uint64_t kOneBitEach =
+      std::endian::native == std::endian::little ? 0x0102040810204080 : 0x8040201008040201;
+  return ((octet * kOnes & kOneBitEach) + 0x7F * kOnes) >> 7 & kOnes;
+}
+
+// One octet's eight positions: digits where `mask` has a bit, full stops elsewhere.
 inline void DrawOctet(uint32_t octet, uint32_t mask, char* picture) {
-  for (int32_t i = 0; i < 8; ++i) {
-    const uint32_t bit = 0x80u >> i;
-    picture[i] = !(mask & bit) ? '.' : octet & bit ? '1' : '0';
-  }
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  static_assert('0' - '.' == 2 && '1' - '0' == 1);
+  const uint64_t drawn = '.' * kOnes + SpreadBits(mask) * 2 + SpreadBits(octet & mask);
+  std::memcpy(picture, &drawn, sizeof drawn);
 }
 
 }  // namespace

@@ -34,6 +34,9 @@ void PutNumber(Output& out, const FormatPiece& piece, uint64_t value) {
       break;
     }
     case Conversion::kUnsigned:
+      if (value < 10 && piece.minimumDigits < 2 && piece.width == 0) {
+        return PutFill(out, static_cast<char>('0' + value), 1);
+      }
       at = WriteDecimal(end, piece.wide ? value : static_cast<uint32_t>(value));
       break;
     default:

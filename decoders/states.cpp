@@ -1,12 +1,14 @@
 #include "decoders/states.h"
 
 #include "core/dispatch.h"
+#include "decoders/app/http_message.h"
 
 namespace qxview {
 namespace {
 
 // A row a decoder with state: {slot, create, destroy}.
 constexpr StateRow kStates[] = {
+    {DecoderState::kHttp, CreateHttpState, DestroyHttpState},
     {DecoderState::kCount, nullptr, nullptr},
 };
 

@@ -24,6 +24,8 @@ Bytes Repeat(const Bytes& bytes, size_t times);
 Bytes Ethernet(uint16_t ethertype, const Bytes& payload);
 // An IPv4 header with a good checksum in front of the payload; ports and checksum (none) for UDP.
 Bytes IPv4(uint8_t protocol, const Bytes& payload);
+// An IPv6 header from fe80::1 to ff02::2 with the payload's length, in front of the payload.
+Bytes IPv6(uint8_t nextHeader, const Bytes& payload);
 Bytes Udp(uint16_t sourcePort, uint16_t destinationPort, const Bytes& payload);
 
 // A record with the frame inside it, as a capture buffer lends it.
@@ -84,7 +86,7 @@ void CheckProperties(DecoderFunction decode, const Bytes& bytes, bool statedRang
 // The same for whole frames.
 void CheckFrameProperties(const Bytes& frame, uint8_t mediaType = 0, bool statedRanges = false);
 
-// Allocations (operator new and malloc family from the engine) since the program started; counted in this thread.
+// Allocations of this thread so far (malloc, calloc, realloc, operator new); always 0 where they cannot be counted.
 uint64_t CountAllocations();
 
 }  // namespace qxview::testing

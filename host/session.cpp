@@ -1,0 +1,53 @@
+#include "host/session.h"
+
+#include "host/character_sets.h"
+
+namespace qxview {
+
+std::unique_ptr<Session> Session::Create(const QxHost* host, const LibraryLoader& loader) {
+  std::unique_ptr<Session> session(new Session);
+  View& view = session->view_;
+  view.tree = &session->tree_;
+  view.context = CreateDecodeContext();
+  view.engine = CreateEngine(host, loader);
+  if (!view.context || !view.engine) return nullptr;
+  const Settings& settings = view.engine->settings;
+  view.context->rangeFilterOn = settings.rangeFilterOn;
+  view.context->rangeFilterStart = settings.rangeFilterStart;
+  view.context->rangeFilterLength = settings.rangeFilterLength;
+  view.characterTable = kEbcdicCharacters;
+  view.expansionMask = BitMask(kFieldKind);
+  view.selectionPath[0] = view.selectionPath[1] = view.selectionPath[2] = -1;
+  return session;
+}
+
+Session::~Session() {
+  DestroyDecodeContext(view_.context);
+  DestroyEngine(view_.engine);
+}
+
+void Session::SetOutput(char mode, OutputFile* file) {
+  view_.context->outputMode = mode;
+  view_.context->outputFile = file;
+}
+
+int32_t Session::Decode(const FrameRecord* record, uint32_t userParam1, uint32_t userParam2, int32_t skipBytes) {
+  if (view_.context->outputMode == kDisplayMode) ClearDecodeTree(&view_, &tree_, true);
+  return DecodeFrame(&view_, record, userParam1, userParam2, skipBytes);
+}
+
+void Session::Pass(const FrameRecord* record) {
+  // A find for no text takes the lines without keeping any; its counters are put back.
+  DecodeContext& context = *view_.context;
+  const char mode = context.outputMode;
+  const char firstCharacter = context.findText[0];
+  const int32_t counter = context.findLineCounter;
+  context.outputMode = kFindMode;
+  context.findText[0] = 0;
+  DecodeFrame(&view_, record, 0, 0, 0);
+  context.findText[0] = firstCharacter;
+  context.findLineCounter = counter;
+  context.outputMode = mode;
+}
+
+}  // namespace qxview

@@ -1,0 +1,146 @@
+#include "host/settings_store.h"
+
+#include <cstdlib>
+#include <fstream>
+
+#include "host/text.h"
+
+namespace qxview {
+namespace {
+
+enum class Kind { kText, kNumber };
+
+struct KnownSetting {
+  const char* name;
+  Kind kind;
+  int64_t most;   // of a number; the least is 0
+};
+
+constexpr int64_t kAny = 0xFFFFFFFF;
+constexpr KnownSetting kKnown[] = {
+    {"CustomLibrary0", Kind::kText, 0},           {"CustomLibrary1", Kind::kText, 0},
+    {"CustomLibrary2", Kind::kText, 0},           {"CustomLibrary3", Kind::kText, 0},
+    {"CustomLibrary4", Kind::kText, 0},           {"CustomLibrary5", Kind::kText, 0},
+    {"CustomLibrary6", Kind::kText, 0},           {"CustomLibrary7", Kind::kText, 0},
+    {"TypeOfServiceMode", Kind::kNumber, kAny},   {"TypeOfServiceFieldMask", Kind::kNumber, 255},
+    {"TypeOfServiceFieldName0", Kind::kText, 0},  {"TypeOfServiceFieldName1", Kind::kText, 0},
+    {"TypeOfServiceFieldName2", Kind::kText, 0},  {"TypeOfServiceFieldName3", Kind::kText, 0},
+    {"TypeOfServiceFieldName4", Kind::kText, 0},  {"TypeOfServiceFieldName5", Kind::kText, 0},
+    {"TypeOfServiceFieldName6", Kind::kText, 0},  {"TypeOfServiceFieldName7", Kind::kText, 0},
+    {"DynamicDetection", Kind::kNumber, kAny},    {"DetectionFlags", Kind::kNumber, kAny},
+    {"DetectionFlags2", Kind::kNumber, kAny},     {"TdsDetectionOff", Kind::kNumber, kAny},
+    {"ForcedDecoding", Kind::kNumber, kAny},      {"ForcedStartProtocol", Kind::kNumber, kAny},
+    {"ForcedProtocolChoice", Kind::kNumber, kAny}, {"ForcedSkipBytes", Kind::kNumber, 65535},
+    {"Expand2ndLevel", Kind::kNumber, kAny},      {"Expand3rdLevel", Kind::kNumber, kAny},
+    {"Expand4thLevel", Kind::kNumber, kAny},      {"RangeFilterOn", Kind::kNumber, kAny},
+    {"RangeFilterStart", Kind::kNumber, 0x7FFFFFFF}, {"RangeFilterLength", Kind::kNumber, 0x7FFFFFFF},
+    {"ExternalDecoder", Kind::kText, 0},          {"ExternalDecoderPort", Kind::kNumber, 65535},
+    {"CleanText", Kind::kNumber, kAny},           {"AliasFile", Kind::kText, 0},
+    {"CharacterSet", Kind::kNumber, kAny},        {"MibPath", Kind::kText, 0},
+    {"MibModules", Kind::kText, 0},
+};
+
+const KnownSetting* FindKnown(const std::string& name) {
+  for (const KnownSetting& known : kKnown) {
+    if (EqualsIgnoringCase(name, known.name)) return &known;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+bool SettingsStore::Check(const std::string& name, const std::string& value, const std::string& place,
+                          std::string* message) const {
+  const KnownSetting* known = FindKnown(name);
+  if (!known) {
+    *message = place + ": there is no setting \"" + name + "\"";
+    return false;
+  }
+  int64_t number = 0;
+  if (known->kind == Kind::kNumber && !value.empty() && !ParseNumber(value, &number)) {
+    *message = place + ": " + known->name + " wants a number (decimal, or hexadecimal after 0x), not \"" + value + "\"";
+    return false;
+  }
+  if (known->kind == Kind::kNumber && (number < 0 || number > known->most)) {
+    *message = place + ": " + known->name + " is at most " + std::to_string(known->most) + ", not " + value;
+    return false;
+  }
+  return true;
+}
+
+void SettingsStore::Put(const std::string& name, const std::string& value) {
+  for (Value& held : values_) {
+    if (EqualsIgnoringCase(held.name, name)) {
+      held.value = value;
+      return;
+    }
+  }
+  values_.push_back({name, value});
+}
+
+bool SettingsStore::ReadFile(const std::string& path, std::string* message) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    *message = path + ": cannot open the settings file";
+    return false;
+  }
+  std::vector<Value> values;
+  std::vector<SettingsLine> protocols;
+  std::string line, section;
+  for (int number = 1; std::getline(file, line); ++number) {
+    const std::string place = path + ", line " + std::to_string(number);
+    const std::string text = Trim(line);
+    if (text.empty() || text[0] == ';' || text[0] == '#') continue;
+    if (text[0] == '[') {
+      if (text.back() != ']') return *message = place + ": the section \"" + text + "\" has no closing bracket", false;
+      section = Trim(text.substr(1, text.size() - 2));
+      if (!EqualsIgnoringCase(section, "View") && !EqualsIgnoringCase(section, "Protocols")) {
+        return *message = place + ": there is no section \"" + section + "\"", false;
+      }
+      continue;
+    }
+    if (EqualsIgnoringCase(section, "Protocols")) {
+      protocols.push_back({text, place});
+      continue;
+    }
+    const size_t equals = text.find('=');
+    if (section.empty()) return *message = place + ": \"" + text + "\" stands in front of the first section", false;
+    if (equals == std::string::npos) return *message = place + ": \"" + text + "\" is not Name = Value", false;
+    const std::string name = Trim(text.substr(0, equals)), value = Trim(text.substr(equals + 1));
+    if (!Check(name, value, place, message)) return false;
+    values.push_back({name, value});
+  }
+  if (file.bad()) return *message = path + ": the settings file cannot be read", false;
+  for (const Value& value : values) Put(value.name, value.value);
+  protocolLines_.insert(protocolLines_.end(), protocols.begin(), protocols.end());
+  return true;
+}
+
+bool SettingsStore::Set(const std::string& assignment, std::string* message) {
+  const size_t equals = assignment.find('=');
+  if (equals == std::string::npos) {
+    *message = "--set " + assignment + ": is not NAME=VALUE";
+    return false;
+  }
+  const std::string name = Trim(assignment.substr(0, equals)), value = Trim(assignment.substr(equals + 1));
+  if (!Check(name, value, "--set " + assignment, message)) return false;
+  Put(name, value);
+  return true;
+}
+
+const std::string* SettingsStore::Find(const std::string& name) const {
+  for (const Value& held : values_) {
+    if (EqualsIgnoringCase(held.name, name)) return &held.value;
+  }
+  return nullptr;
+}
+
+std::string DefaultSettingsPath() {
+  if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && config[0]) {
+    return std::string(config) + "/vantrell/view.ini";
+  }
+  if (const char* home = std::getenv("HOME"); home && home[0]) return std::string(home) + "/.config/vantrell/view.ini";
+  return {};
+}
+
+}  // namespace qxview

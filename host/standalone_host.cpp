@@ -1,0 +1,65 @@
+#include "host/standalone_host.h"
+
+#include <cstring>
+#include <fstream>
+
+namespace qxview {
+namespace {
+
+StandaloneHost* HostOf(void* user) { return static_cast<StandaloneHost*>(user); }
+
+int32_t GiveText(const std::string& text, char* out, int32_t outSize) {
+  if (!out || outSize < 1) return 0;
+  const size_t length = std::min(text.size(), static_cast<size_t>(outSize - 1));
+  std::memcpy(out, text.data(), length);
+  out[length] = 0;
+  return 1;
+}
+
+int32_t ReadSetting(void* user, const char* name, char* out, int32_t outSize) {
+  const std::string* value = HostOf(user)->Settings().Find(name);
+  return value ? GiveText(*value, out, outSize) : 0;
+}
+
+int32_t AddressAlias(void* user, uint32_t kind, const uint8_t* address, char* out, int32_t outSize) {
+  if (kind > 2 || !address) return 0;
+  const std::string* name = HostOf(user)->Aliases().Find(static_cast<AliasKind>(kind), address);
+  return name ? GiveText(*name, out, outSize) : 0;
+}
+
+}  // namespace
+
+void StandaloneHost::FillRecord() {
+  record_.size = sizeof record_;
+  record_.user = this;
+  record_.readSetting = ReadSetting;
+  record_.applicationDirectory = [](void* user, char* out, int32_t outSize) {
+    return GiveText(HostOf(user)->applicationDirectory_, out, outSize);
+  };
+  if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
+}
+
+void StandaloneHost::StartPacket() {}
+
+void StandaloneHost::FinishPacket() {}
+
+std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& options, std::string* message,
+                                                       bool* fileFault) {
+  std::unique_ptr<StandaloneHost> host(new StandaloneHost);
+  *fileFault = true;
+  const std::string path = options.settingsFileNamed ? options.settingsFile : DefaultSettingsPath();
+  const bool present = !path.empty() && std::ifstream(path).good();
+  if ((options.settingsFileNamed || present) && !host->settings_.ReadFile(path, message)) return nullptr;
+  *fileFault = false;
+  for (const std::string& assignment : options.settings) {
+    if (!host->settings_.Set(assignment, message)) return nullptr;
+  }
+  *fileFault = true;
+  const std::string* aliasFile = host->settings_.Find("AliasFile");
+  if (aliasFile && !aliasFile->empty() && !host->aliases_.ReadFile(*aliasFile, message)) return nullptr;
+  host->applicationDirectory_ = options.applicationDirectory;
+  host->FillRecord();
+  return host;
+}
+
+}  // namespace qxview

@@ -1,0 +1,50 @@
+// The stand-alone host: what the module asks of its host when no analyzer lends it packets and settings.
+#pragma once
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/alias_table.h"
+#include "host/settings_store.h"
+#include "qxview/qxview_host.h"
+
+namespace qxview {
+
+class Session;
+
+struct HostOptions {
+  std::string settingsFile;               // empty: the user's own, which need not be there
+  bool settingsFileNamed = false;         // naming one that is missing is an error
+  std::vector<std::string> settings;      // NAME=VALUE, over the file's
+  std::vector<std::string> definitions;   // as --decode-as takes them, over the file's
+  std::string applicationDirectory;
+};
+
+class StandaloneHost {
+ public:
+  // Null with a message that names what is wrong and where; *fileFault tells a file's fault from the command line's.
+  static std::unique_ptr<StandaloneHost> Create(const HostOptions& options, std::string* message, bool* fileFault);
+
+  const QxHost* Record() const { return &record_; }
+
+  // The session whose packets this host serves.
+  void Attach(Session* session) { session_ = session; }
+  // Around the decoding of each packet.
+  void StartPacket();
+  void FinishPacket();
+
+  const SettingsStore& Settings() const { return settings_; }
+  const AliasTable& Aliases() const { return aliases_; }
+
+ private:
+  StandaloneHost() = default;
+  void FillRecord();
+
+  QxHost record_{};
+  Session* session_ = nullptr;
+  SettingsStore settings_;
+  AliasTable aliases_;
+  std::string applicationDirectory_;
+};
+
+}  // namespace qxview

@@ -1,0 +1,201 @@
+#!/usr/bin/env python3
+"""Runs the whole test suite and adds it up; the last line is `N passed, N failed`.
+
+  scripts/run_tests.py [--list] [STEP...]
+
+Every step runs even when one before it failed. A step that cannot be built, crashes, hangs or runs no test at all counts
+as one failure on top of the cases that failed in it. The output of a step stands in build/test-logs/STEP.log, and its end
+is shown when the step failed.
+"""
+import glob
+import json
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+LOGS = os.path.join(ROOT, "build", "test-logs")
+STEP_SECONDS = 1500     # a step that takes longer hangs
+SHOWN_LINES = 60        # of the log of a step that failed
+
+
+class Result:
+    """What a step found: cases passed, cases failed, and the lines to show for it."""
+
+    def __init__(self, passed=0, failed=0, note=""):
+        self.passed, self.failed, self.note = passed, failed, note
+
+
+def run(command, log, **environment):
+    """Runs a command in the root folder with its output appended to the log; its exit status, negative for a signal."""
+    log.write("$ " + " ".join(command) + "\n")
+    log.flush()
+    try:
+        process = subprocess.Popen(command, cwd=ROOT, stdin=subprocess.DEVNULL, stdout=log, stderr=subprocess.STDOUT,
+                                   env={**os.environ, **environment}, start_new_session=True)
+    except OSError as error:
+        log.write(f"{error}\n")
+        return 127
+    try:
+        return process.wait(STEP_SECONDS)
+    except subprocess.TimeoutExpired:
+        os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
+        log.write(f"stopped after {STEP_SECONDS} s\n")
+        return -signal.SIGKILL
+
+
+def build(preset, log, *targets):
+    """Configures afresh (a package may have come since) and builds; true when that went well."""
+    return run(["scripts/build.sh", preset, *targets], log, QXVIEW_CONFIGURE="always") == 0
+
+
+def count_cases(report, status):
+    """The cases in a GoogleTest report. None when the program ended before it wrote one."""
+    try:
+        with open(report, encoding="utf-8") as file:
+            cases = [case for suite in json.load(file)["testsuites"] for case in suite["testsuite"]]
+    except (OSError, ValueError, KeyError):
+        return None
+    ran = [case for case in cases if case.get("status") == "RUN" and case.get("result") != "SKIPPED"]
+    failed = sum(1 for case in ran if case.get("failures"))
+    result = Result(len(ran) - failed, failed)
+    if len(cases) > len(ran):
+        result.note = f"{len(cases) - len(ran)} skipped"
+    if not ran:
+        result.failed, result.note = 1, "no test ran"
+    elif status != 0 and failed == 0:
+        result.failed, result.note = 1, f"exit status {status} after the last test"
+    return result
+
+
+def run_cases(folder, log, log_name):
+    """The C++ tests of a build folder."""
+    report = os.path.join(LOGS, f"{folder}.json")
+    if os.path.exists(report):
+        os.remove(report)
+    status = run([os.path.join(ROOT, folder, "qxview_tests"), "--gtest_brief=0", f"--gtest_output=json:{report}"], log,
+                 ASAN_OPTIONS="detect_stack_use_after_return=1:strict_string_checks=1",
+                 UBSAN_OPTIONS="print_stacktrace=1")
+    result = count_cases(report, status)
+    if result:
+        return result
+    # It crashed: what had passed by then counts, and the rest is one failure.
+    with open(log_name, encoding="utf-8", errors="replace") as file:
+        passed = len(re.findall(r"^\[       OK \] ", file.read(), re.M))
+    return Result(passed, 1, f"crashed or was stopped (status {status})")
+
+
+def step_native(log, log_name):
+    """the optimised build and the C++ tests"""
+    return run_cases("build", log, log_name) if build("release", log) else Result(0, 1, "the build failed")
+
+
+def step_asan(log, log_name):
+    """the same under AddressSanitizer and UndefinedBehaviorSanitizer, and the samples decoded there"""
+    if not build("asan", log):
+        return Result(0, 1, "the build failed")
+    result = run_cases("build-asan", log, log_name)
+    for sample in sorted(glob.glob(os.path.join(ROOT, "samples", "*.pcap*"))):
+        if run([os.path.join(ROOT, "build-asan", "qxview"), "decode", "--ranges", "-x", sample], log) == 0:
+            result.passed += 1
+        else:
+            result.failed += 1
+    return result
+
+
+def step_win32(log, _):
+    """the portable part of the tree, cross-built for 32-bit Windows"""
+    return Result(1, 0) if build("win32", log, "portable") else Result(0, 1, "the build failed")
+
+
+def step_layers(log, _):
+    """who includes whom, and whether that check can fail"""
+    checks = [run([sys.executable, "scripts/check_layers.py", *option], log) == 0 for option in ([], ["--self-test"])]
+    return Result(checks.count(True), checks.count(False))
+
+
+def count_script(output, status):
+    """What a script in tests/ found: its closing line, or unittest's, or else its exit status as one check."""
+    plain = re.findall(r"^(\d+) passed, (\d+) failed", output, re.M)
+    unit = re.findall(r"^Ran (\d+) tests? in ", output, re.M)
+    if plain:
+        result = Result(int(plain[-1][0]), int(plain[-1][1]))
+    elif unit:
+        bad = sum(int(n) for n in re.findall(r"(?:failures|errors|unexpected successes)=(\d+)", output))
+        skipped = sum(int(n) for n in re.findall(r"skipped=(\d+)", output))
+        result = Result(max(0, int(unit[-1]) - bad - skipped), bad)
+        if int(unit[-1]) == 0:
+            result.failed = 1
+    else:
+        result = Result(1, 0) if status == 0 else Result(0, 1)
+    if status != 0 and result.failed == 0:
+        result.failed = 1
+    return result
+
+
+def step_scripts(log, log_name):
+    """the Python tests in tests/, over the built program and library"""
+    total = Result()
+    for script in sorted(glob.glob(os.path.join(ROOT, "tests", "*.py"))):
+        if os.path.basename(script).startswith("_"):
+            continue
+        log.flush()
+        start = os.path.getsize(log_name)
+        status = run([sys.executable, script], log, QXVIEW=os.path.join(ROOT, "build", "qxview"),
+                     QXVIEW_LIBRARY=os.path.join(ROOT, "build", "libqxview.so"), PYTHONDONTWRITEBYTECODE="1")
+        with open(log_name, "rb") as file:
+            file.seek(start)
+            result = count_script(file.read().decode("utf-8", "replace"), status)
+        total.passed += result.passed
+        total.failed += result.failed
+        if result.failed:
+            total.note += f" {os.path.basename(script)}: {result.failed} failed;"
+    return total
+
+
+STEPS = {"layers": step_layers, "native": step_native, "scripts": step_scripts, "win32": step_win32, "asan": step_asan}
+
+
+def perform(name):
+    """Runs one step and says how it went."""
+    log_name = os.path.join(LOGS, name + ".log")
+    started = time.monotonic()
+    with open(log_name, "w+", encoding="utf-8") as log:
+        try:
+            result = STEPS[name](log, log_name)
+        except Exception as error:      # a step that breaks must not take the total with it
+            result = Result(0, 1, f"{type(error).__name__}: {error}")
+    if result.passed + result.failed == 0:
+        result = Result(0, 1, "no check was made")
+    if result.failed:
+        with open(log_name, encoding="utf-8", errors="replace") as log:
+            for line in log.read().splitlines()[-SHOWN_LINES:]:
+                print("    " + line)
+    note = f" ({result.note.strip()})" if result.note else ""
+    print(f"{'FAIL' if result.failed else 'ok  '} {name}: {result.passed} of {result.passed + result.failed}{note}, "
+          f"{time.monotonic() - started:.0f} s", flush=True)
+    return result
+
+
+def main(arguments):
+    if "--list" in arguments:
+        for name, step in STEPS.items():
+            print(f"{name:8} {step.__doc__}")
+        return 0
+    unknown = [name for name in arguments if name not in STEPS]
+    if unknown:
+        print(f"no such step: {' '.join(unknown)} (--list names them)", file=sys.stderr)
+        return 2
+    os.makedirs(LOGS, exist_ok=True)
+    results = [perform(name) for name in arguments or STEPS]
+    passed, failed = sum(r.passed for r in results), sum(r.failed for r in results)
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

@@ -1,0 +1,84 @@
+#!/usr/bin/env python3
+"""The scripts around the program: run.sh is quiet and works from anywhere, and the test run never adds up wrongly."""
+import importlib.util
+import json
+import os
+import subprocess
+import tempfile
+import time
+import unittest
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+
+
+def run(*command, folder="/"):
+    return subprocess.run(command, cwd=folder, capture_output=True, text=True, timeout=600, check=False)
+
+
+def load_run_tests():
+    where = importlib.util.spec_from_file_location("run_tests", os.path.join(ROOT, "scripts", "run_tests.py"))
+    module = importlib.util.module_from_spec(where)
+    where.loader.exec_module(module)
+    return module
+
+
+class RunScript(unittest.TestCase):
+    def test_passes_arguments_and_status_on(self):
+        own = run(os.path.join(ROOT, "build", "qxview"), "--version")
+        for folder in ("/", ROOT):
+            through = run(os.path.join(ROOT, "run.sh"), "--version", folder=folder)
+            self.assertEqual((through.returncode, through.stdout, through.stderr), (0, own.stdout, own.stderr))
+        with tempfile.TemporaryDirectory() as folder:
+            link = os.path.join(folder, "run")
+            os.symlink(os.path.join(ROOT, "run.sh"), link)
+            self.assertEqual(run(link, "--version", folder=folder).stdout, own.stdout)
+        self.assertEqual(run(os.path.join(ROOT, "run.sh"), "decode", "/no/such/file").returncode, 3)
+
+    def test_decodes_a_sample_without_arguments(self):
+        through = run(os.path.join(ROOT, "run.sh"))
+        self.assertEqual((through.returncode, through.stderr), (0, ""))
+        self.assertIn("ARP", through.stdout)
+
+
+class Setup(unittest.TestCase):
+    def test_is_silent_and_quick_when_all_is_there(self):
+        started = time.monotonic()
+        done = run(os.path.join(ROOT, "scripts", "setup.sh"), "build", "test")
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
+        self.assertLess(time.monotonic() - started, 3)      # asks no package server; 0.02 s on an idle machine
+        self.assertEqual(run(os.path.join(ROOT, "scripts", "setup.sh"), "nonsense").returncode, 2)
+
+
+class Totals(unittest.TestCase):
+    def setUp(self):
+        self.module = load_run_tests()
+
+    def test_of_scripts(self):
+        for output, status, expected in (
+                ("5 passed, 2 failed\n", 1, (5, 2)),
+                ("5 passed, 0 failed\n", 1, (5, 1)),
+                ("..\nRan 7 tests in 0.1s\n\nFAILED (failures=1, errors=2, skipped=1)\n", 1, (3, 3)),
+                ("Ran 7 tests in 0.1s\n\nOK\n", 0, (7, 0)),
+                ("Ran 0 tests in 0.0s\n\nOK\n", 0, (0, 1)),
+                ("fine\n", 0, (1, 0)),
+                ("Ran 2 tests in 0.1s\n\nOK\n", -11, (2, 1)),
+                ("Traceback\n", 1, (0, 1))):
+            result = self.module.count_script(output, status)
+            self.assertEqual((result.passed, result.failed), expected, output)
+
+    def test_of_cases(self):
+        def case(**more):
+            return {"name": "a", "status": "RUN", "result": "COMPLETED", **more}
+        failed, skipped = case(failures=[{}]), case(result="SKIPPED")
+        for cases, status, expected in (([case(), case(), failed, skipped], 1, (2, 1)), ([case()], 0, (1, 0)),
+                                        ([case()], -6, (1, 1)), ([], 0, (0, 1)), ([skipped], 0, (0, 1))):
+            with tempfile.NamedTemporaryFile("w", suffix=".json") as report:
+                json.dump({"testsuites": [{"testsuite": cases}]}, report)
+                report.flush()
+                result = self.module.count_cases(report.name, status)
+            self.assertEqual((result.passed, result.failed), expected, cases)
+        self.assertIsNone(self.module.count_cases("/no/such/report", -11))
+
+
+if __name__ == "__main__":
+    unittest.main()
