@@ -96,7 +96,7 @@ inline bool HasFullHeader(const FrameRecord* record) {
 
 // Length on the wire; the captured length when the record does not say.
 inline uint32_t WireLength(const FrameRecord* record) {
-  return HasFullHeader(record) && record->wireLength ? record->wireLength : record->capturedLength;
+  return HasFullHeader(record) ? record->wireLength : record->capturedLength;
 }
 
 // The data of the first extension block with this tag (the block's start plus 4) and its length; null when there is none.

@@ -39,6 +39,10 @@ void StandaloneHost::FillRecord() {
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
 }
 
+void StandaloneHost::StartPacket() {}
+
+void StandaloneHost::FinishPacket() {}
+
 std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& options, std::string* message,
                                                        bool* fileFault) {
   std::unique_ptr<StandaloneHost> host(new StandaloneHost);

@@ -10,6 +10,8 @@
 
 namespace qxview {
 
+class Session;
+
 struct HostOptions {
   std::string settingsFile;               // empty: the user's own, which need not be there
   bool settingsFileNamed = false;         // naming one that is missing is an error
@@ -24,6 +26,13 @@ class StandaloneHost {
   static std::unique_ptr<StandaloneHost> Create(const HostOptions& options, std::string* message, bool* fileFault);
 
   const QxHost* Record() const { return &record_; }
+
+  // The session whose packets this host serves.
+  void Attach(Session* session) { session_ = session; }
+  // Around the decoding of each packet.
+  void StartPacket();
+  void FinishPacket();
+
   const SettingsStore& Settings() const { return settings_; }
   const AliasTable& Aliases() const { return aliases_; }
 
@@ -32,6 +41,7 @@ class StandaloneHost {
   void FillRecord();
 
   QxHost record_{};
+  Session* session_ = nullptr;
   SettingsStore settings_;
   AliasTable aliases_;
   std::string applicationDirectory_;

@@ -19,6 +19,7 @@ LAYERS = {
     "files":                 ["include/qxview", "core", "files"],
     "host":                  ["include/qxview", "core", "view", "files", "host"],
     "platform":              ["*"],
+    "exports":               ["*"],
     "app":                   ["*"],
     "tests":                 ["*"],
     "fuzz":                  ["*"],
@@ -26,7 +27,7 @@ LAYERS = {
     "samples":               ["include/qxview"],
 }
 # Layers that "*" reaches into only from themselves, and from one another where a pair is named here.
-PRIVATE = {"platform": ["platform", "app", "tests", "bench", "fuzz"], "app": ["app", "tests"],
+PRIVATE = {"platform": ["platform", "exports", "app", "tests", "bench", "fuzz"], "app": ["app", "tests"], "exports": ["exports", "tests"],
            "tests": ["tests", "fuzz", "bench"], "fuzz": ["fuzz", "tests"], "bench": ["bench"], "samples": ["samples"]}
 
 # System headers that a layer does without: it is built without exceptions, allocates nothing, and knows no platform.

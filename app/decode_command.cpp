@@ -1,0 +1,91 @@
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <map>
+
+#include "app/commands.h"
+#include "app/json_writer.h"
+#include "app/packet_run.h"
+#include "app/tree_writer.h"
+#include "platform/platform.h"
+
+namespace qxview {
+namespace {
+
+enum class Format { kTree, kText, kJson };
+
+struct DecodeOptions {
+  ReadingOptions reading;
+  Format format = Format::kTree;
+  bool ranges = false;
+  bool bytes = false;
+};
+
+bool UsesColor(ColorChoice choice) {
+  if (choice != ColorChoice::kAuto) return choice == ColorChoice::kAlways;
+  return IsTerminal(StandardOutputFile()) && !std::getenv("NO_COLOR");
+}
+
+int Decode(const DecodeOptions& options) {
+  PacketRun run;
+  if (!run.Open(options.reading)) return run.Status();
+  auto out = std::make_unique<Output>();
+  Session& session = run.GetSession();
+  if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
+  TreeStyle style;
+  style.colors = options.format == Format::kTree && UsesColor(options.reading.color);
+  style.ranges = options.ranges;
+  bool first = true;
+  const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
+    if (options.format == Format::kJson) {
+      WriteJson(*out, session, record, frame.number, handled);
+    } else if (options.format == Format::kTree) {
+      if (!first) out->Put('\n');
+      first = false;
+      WriteTree(*out, session, style);
+      if (options.bytes) WriteFrameBytes(*out, record);
+    }
+    if (options.reading.flushEachPacket) out->Flush();
+    return !out->Failed();
+  });
+  out->Flush();
+  return out->Failed() ? OutputFault() : status;
+}
+
+}  // namespace
+
+int OutputFault() {
+  Tell("standard output: cannot be written");
+  return kFileFault;
+}
+
+void AddDecodeCommand(CLI::App* app, int* status) {
+  auto options = std::make_shared<DecodeOptions>();
+  CLI::App* command = app->add_subcommand("decode", "the decode tree of every packet");
+  AddReadingOptions(command, &options->reading);
+  command->add_option("--format", options->format, "tree, text (as the save-as-text mode writes) or json")
+      ->type_name("FORMAT")
+      ->transform(CLI::CheckedTransformer(
+          std::map<std::string, Format>{
+              {"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
+          CLI::ignore_case))
+      ->option_text("FORMAT (tree|text|json)");
+  command->add_flag("--ranges", options->ranges, "each line's byte range behind it (tree)");
+  command->add_flag("-x", options->bytes, "the frame's bytes behind its tree (tree)");
+  command->footer(
+      "Examples:\n"
+      "  qxview decode capture.pcap\n"
+      "  qxview decode --packets 3-9 --ranges -x capture.pcapng.gz\n"
+      "  qxview decode -d tcp:8080=HTTP --format json capture.pcap\n"
+      "  tcpdump -w - | qxview decode -l -");
+  command->callback([options, status] {
+    std::string message;
+    if (!FinishReadingOptions(&options->reading, &message)) {
+      Tell(message);
+      *status = kUsage;
+      return;
+    }
+    *status = Decode(*options);
+  });
+}
+
+}  // namespace qxview

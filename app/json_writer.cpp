@@ -1,0 +1,104 @@
+#include "app/json_writer.h"
+
+#include "core/digits.h"
+#include "host/time_text.h"
+
+namespace qxview {
+namespace {
+
+void PutNumber(Output& out, int64_t number) {
+  char digits[24];
+  char* const end = digits + sizeof digits;
+  char* at = WriteDecimal(end, number < 0 ? 0 - static_cast<uint64_t>(number) : static_cast<uint64_t>(number));
+  if (number < 0) *--at = '-';
+  out.Put({at, static_cast<size_t>(end - at)});
+}
+
+void PutString(Output& out, std::string_view text) {
+  out.Put('"');
+  size_t plain = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const uint8_t c = static_cast<uint8_t>(text[i]);
+    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
+    out.Put(text.substr(plain, i - plain));
+    plain = i + 1;
+    char scratch[8];
+    if (c == '"' || c == '\\') {
+      out.Put('\\');
+      out.Put(static_cast<char>(c));
+    } else if (c < 0x20 || c == 0x7F) {
+      out.Put("\\u00");
+      out.Put({kHexPairs + 2 * c, 2});
+    } else {
+      out.Put(Utf8Of(c, scratch));
+    }
+  }
+  out.Put(text.substr(plain));
+  out.Put('"');
+}
+
+void PutLineHead(Output& out, Session& session, LineHandle line) {
+  const ArenaTree& tree = session.Tree();
+  int32_t kind, offset;
+  uint32_t length;
+  const ByteRange range = session.Context().rangeTable[tree.RangeIndex(line)];
+  SplitByteRange(&range, &kind, &offset, &length);
+  out.Put("{\"text\":");
+  PutString(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
+  out.Put(",\"offset\":");
+  PutNumber(out, offset);
+  out.Put(",\"length\":");
+  PutNumber(out, length);
+  out.Put(",\"kind\":");
+  PutNumber(out, kind);
+  out.Put(",\"image\":");
+  PutNumber(out, tree.Image(line));
+}
+
+void PutLines(Output& out, Session& session) {
+  const ArenaTree& tree = session.Tree();
+  for (LineHandle line = tree.FirstChild(0); line;) {
+    PutLineHead(out, session, line);
+    if (const LineHandle child = tree.FirstChild(line)) {
+      out.Put(",\"lines\":[");
+      line = child;
+      continue;
+    }
+    out.Put('}');
+    while (line && !tree.NextSibling(line)) {
+      line = tree.Parent(line);
+      if (line) out.Put("]}");
+    }
+    if (!line) break;
+    out.Put(',');
+    line = tree.NextSibling(line);
+  }
+}
+
+}  // namespace
+
+void WriteJson(Output& out, Session& session, const FrameRecord* record, uint64_t packetNumber, int32_t handled) {
+  char scratch[40];
+  out.Put("{\"schema\":1,\"packet\":");
+  PutNumber(out, static_cast<int64_t>(packetNumber));
+  out.Put(",\"time\":\"");
+  FormatUtcTime(record->nanoseconds, scratch, sizeof scratch);
+  out.Put(scratch);
+  out.Put("\",\"length\":");
+  PutNumber(out, WireLength(record) + MovedHeaderLength(record));
+  out.Put(",\"captured\":");
+  PutNumber(out, record->capturedLength + MovedHeaderLength(record));
+  out.Put(",\"media\":\"");
+  out.Put(MediumName(record, scratch));
+  out.Put("\",\"handled\":");
+  PutNumber(out, handled);
+  if (session.Tree().FirstChild(0)) {
+    out.Put(",\"lines\":[");
+    PutLines(out, session);
+    out.Put("]}\n");
+  } else {
+    out.Put("}\n");
+  }
+}
+
+}  // namespace qxview

@@ -1,0 +1,40 @@
+// The command line: qxview COMMAND [OPTIONS] FILE.
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+
+#include "app/commands.h"
+#include "qxview/version.h"
+
+namespace qxview {
+namespace {
+
+int Run(int argc, char** argv) {
+  CLI::App app("Decodes captured packets layer by layer into a tree of lines, each tied to its bytes.", "qxview");
+  app.set_version_flag("--version", "qxview " QXVIEW_VERSION_TEXT);
+  app.require_subcommand(1);
+  app.failure_message(CLI::FailureMessage::simple);
+  app.footer("Every command has --help with examples.");
+  int status = kDone;
+  AddDecodeCommand(&app, &status);
+  AddProtocolsCommand(&app, &status);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
+    std::fprintf(stderr, "qxview: %s\n", error.what());
+    std::fprintf(stderr, "qxview --help tells the commands, qxview COMMAND --help their options.\n");
+    return kUsage;
+  }
+  return status;
+}
+
+}  // namespace
+}  // namespace qxview
+
+int main(int argc, char** argv) {
+#ifdef SIGPIPE
+  std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
+#endif
+  return qxview::Run(argc, argv);
+}

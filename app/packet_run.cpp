@@ -1,0 +1,96 @@
+#include "app/packet_run.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "platform/bpf_filter.h"
+#include "platform/platform.h"
+
+namespace qxview {
+
+void Tell(const std::string& text) { std::fprintf(stderr, "qxview: %s\n", text.c_str()); }
+
+PacketRun::PacketRun() = default;
+PacketRun::~PacketRun() = default;
+
+bool PacketRun::Open(const ReadingOptions& options) {
+  options_ = &options;
+  std::string message;
+  bool fileFault = false;
+  host_ = StandaloneHost::Create(options.host, &message, &fileFault);
+  if (!host_) {
+    status_ = fileFault ? kFileFault : kUsage;
+    return Tell(message), false;
+  }
+  if (!options.filter.empty()) {
+    filter_ = BpfFilter::Create(options.filter, &message);
+    if (!filter_) return status_ = kUsage, Tell(message), false;
+  }
+  reader_ = OpenCapture(options.file.c_str(), &message);
+  if (!reader_) return status_ = kFileFault, Tell(message), false;
+  session_ = Session::Create(host_->Record(), PlatformLibraryLoader());
+  if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
+  host_->Attach(session_.get());
+  builder_ = std::make_unique<RecordBuilder>();
+  showsProgress_ = StandardErrorIsTerminal() && !IsTerminal(StandardOutputFile());
+  return true;
+}
+
+bool PacketRun::Matches(const CaptureFrame& frame) {
+  if (!options_->selection.Holds(frame.number)) return false;
+  return !filter_ || filter_->Matches(frame.linkType, frame.data, frame.dataLength, frame.wireLength);
+}
+
+// A link type without a decoder is told once: its packets are an empty decode.
+void PacketRun::TellLinkType(uint16_t linkType) {
+  if (std::find(toldLinkTypes_.begin(), toldLinkTypes_.end(), linkType) != toldLinkTypes_.end()) return;
+  toldLinkTypes_.push_back(linkType);
+  Tell(options_->file + ": link type " + std::to_string(linkType) + " (" + LinkTypeName(linkType) +
+       ") has no decoder; its packets are not decoded");
+}
+
+void PacketRun::TellProgress() {
+  const int percent = reader_->Percent();
+  if (percent == shownPercent_ || percent < 0) return;
+  shownPercent_ = percent;
+  std::fprintf(stderr, "\r%d%%", percent);
+}
+
+void PacketRun::TellEnd(ReadResult result) {
+  if (showsProgress_ && shownPercent_ >= 0) std::fprintf(stderr, "\r    \r");
+  if (result == ReadResult::kDamaged) {
+    status_ = kFileFault;
+    Tell(reader_->Message());
+  }
+  if (builder_->CutFrames() > 0) {
+    Tell(options_->file + ": " + std::to_string(builder_->CutFrames()) +
+         " packets are longer than a record holds and were cut");
+  }
+}
+
+int PacketRun::ForEach(const Handler& handle) {
+  CaptureFrame frame;
+  ReadResult result = ReadResult::kEnd;
+  uint64_t handled = 0, seen = 0;
+  const uint64_t last = options_->selection.Last();
+  while (handled < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
+    if (showsProgress_ && (++seen & 0x3FF) == 0) TellProgress();
+    if (frame.number > last) break;
+    const FrameRecord* record = builder_->Build(frame);
+    host_->StartPacket();
+    if (!Matches(frame)) {
+      session_->Pass(record);
+      host_->FinishPacket();
+      continue;
+    }
+    if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame.linkType);
+    ++handled;
+    const bool goOn = handle(record, frame, session_->Decode(record));
+    host_->FinishPacket();
+    if (!goOn) break;
+  }
+  TellEnd(result);
+  return status_;
+}
+
+}  // namespace qxview

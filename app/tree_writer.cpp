@@ -1,0 +1,107 @@
+#include "app/tree_writer.h"
+
+#include "core/digits.h"
+
+namespace qxview {
+namespace {
+
+// Top-level lines stand out, levels cycle through quiet colours, dumps and bit fields are dim.
+const char* ColorOf(int32_t image, bool topLevel) {
+  if (topLevel) return "\033[1m";
+  switch (image) {
+    case LevelImage(2): return "\033[36m";
+    case LevelImage(3): return "\033[32m";
+    case LevelImage(4): return "\033[33m";
+    case LevelImage(5): return "\033[35m";
+    case kBitFieldImage: return "\033[2m";
+    default: return "";
+  }
+}
+
+void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, const TreeStyle& style) {
+  const ArenaTree& tree = session.Tree();
+  if (style.markColumn) out.Put(line == style.marked ? '>' : ' ');
+  for (int32_t i = 0; i < depth; ++i) out.Put("  ");
+  const char* color = style.colors ? ColorOf(tree.Image(line), depth == 0) : "";
+  out.Put(color);
+  PutSafeText(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
+  if (color[0]) out.Put("\033[0m");
+  if (style.ranges) {
+    int32_t kind, offset;
+    uint32_t length;
+    const ByteRange range = session.Context().rangeTable[tree.RangeIndex(line)];
+    SplitByteRange(&range, &kind, &offset, &length);
+    char text[48];
+    FormatInto(text, sizeof text, "  [%d, %u]", offset, length);
+    out.Put(text);
+  }
+  out.Put('\n');
+}
+
+}  // namespace
+
+void PutSafeText(Output& out, std::string_view text) {
+  size_t plain = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const uint8_t c = static_cast<uint8_t>(text[i]);
+    if (c >= 0x20 && c < 0x7F) continue;
+    out.Put(text.substr(plain, i - plain));
+    plain = i + 1;
+    char scratch[8];
+    const std::string_view shown = Utf8Of(c, scratch);
+    const bool control = c < 0x20 || c == 0x7F || (shown.size() == 2 && static_cast<uint8_t>(shown[0]) == 0xC2 &&
+                                                   static_cast<uint8_t>(shown[1]) < 0xA0);
+    if (control) {
+      out.Put("\\x");
+      out.Put({kHexPairs + 2 * c, 2});
+    } else {
+      out.Put(shown);
+    }
+  }
+  out.Put(text.substr(plain));
+}
+
+void WriteTree(Output& out, Session& session, const TreeStyle& style) {
+  const ArenaTree& tree = session.Tree();
+  int32_t depth = 0;
+  for (LineHandle line = tree.FirstChild(0); line;) {
+    PutLine(out, session, line, depth, style);
+    if (const LineHandle child = tree.FirstChild(line)) {
+      line = child;
+      ++depth;
+      continue;
+    }
+    while (line && !tree.NextSibling(line)) {
+      line = tree.Parent(line);
+      --depth;
+    }
+    if (line) line = tree.NextSibling(line);
+  }
+}
+
+void WriteFrameBytes(Output& out, const FrameRecord* record) {
+  const uint8_t* data = FrameData(record);
+  for (int32_t at = 0; at < record->capturedLength; at += 16) {
+    const int32_t count = std::min<int32_t>(16, record->capturedLength - at);
+    char row[80];
+    int32_t length = FormatInto(row, sizeof row, "%.04X  ", at);
+    char characters[17];
+    for (int32_t i = 0; i < 16; ++i) {
+      if (i == 8) row[length++] = ' ';
+      if (i < count) {
+        std::memcpy(row + length, kHexPairs + 2 * data[at + i], 2);
+        characters[i] = data[at + i] >= 0x20 && data[at + i] < 0x7F ? static_cast<char>(data[at + i]) : '.';
+      } else {
+        row[length] = row[length + 1] = ' ';
+      }
+      row[length + 2] = ' ';
+      length += 3;
+    }
+    out.Put({row, static_cast<size_t>(length)});
+    out.Put("  ");
+    out.Put({characters, static_cast<size_t>(count)});
+    out.Put('\n');
+  }
+}
+
+}  // namespace qxview

@@ -1,0 +1,25 @@
+// The decode tree as indented text.
+#pragma once
+#include "app/output.h"
+#include "host/session.h"
+
+namespace qxview {
+
+struct TreeStyle {
+  bool colors = false;
+  bool ranges = false;      // each line's byte range behind it
+  LineHandle marked = 0;    // a line shown with '>' in column 0
+  bool markColumn = false;  // a column in front for the mark
+};
+
+// Writes every line of the session's tree, two blanks a depth. Control characters are written as \xNN, the others as
+// UTF-8: what a line holds never reaches the terminal as a command.
+void WriteTree(Output& out, Session& session, const TreeStyle& style);
+
+// The frame's bytes as a hex dump.
+void WriteFrameBytes(Output& out, const FrameRecord* record);
+
+// A line's text for a terminal.
+void PutSafeText(Output& out, std::string_view text);
+
+}  // namespace qxview

@@ -1,0 +1,82 @@
+// Bytes of a capture in order, from a file, a pipe or a compressed stream.
+//
+// A source shows a window of its bytes: Peek makes the next ones contiguous, Skip moves on. The window is bounded, so
+// memory does not grow with what is read. A pointer from Peek stays valid until the next Peek or Skip beyond the
+// window.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace qxview {
+
+class ByteSource {
+ public:
+  static constexpr size_t kLargestPeek = 1u << 20;
+
+  ByteSource() = default;
+  ByteSource(const ByteSource&) = delete;
+  ByteSource& operator=(const ByteSource&) = delete;
+  virtual ~ByteSource() = default;
+
+  // The next `wanted` bytes (at most kLargestPeek), or null when fewer are left; Remaining() then tells how many.
+  const uint8_t* Peek(size_t wanted) {
+    if (Remaining() < wanted) Refill(wanted);
+    return Remaining() >= wanted ? cursor_ : nullptr;
+  }
+
+  // Bytes of the window that are not yet consumed.
+  size_t Remaining() const { return static_cast<size_t>(limit_ - cursor_); }
+
+  // Moves on by `count` bytes; false when the data end before, which leaves the source at its end.
+  bool Skip(uint64_t count);
+
+  // Offset of the next byte in the data that the source shows.
+  uint64_t Position() const { return windowOffset_ + static_cast<uint64_t>(cursor_ - window_); }
+
+  // Why the data ended; empty when that was their regular end.
+  const std::string& Failure() const { return failure_; }
+
+  // How far the underlying file is read and its size in bytes; size 0 when unknown (pipes).
+  virtual uint64_t FilePosition() const { return Position(); }
+  virtual uint64_t FileSize() const { return 0; }
+
+  // True when Position counts bytes that do not stand in the file as they are.
+  virtual bool IsCompressed() const { return false; }
+
+ protected:
+  // Makes at least `wanted` bytes from the cursor on contiguous, or as many as there are.
+  virtual void Refill(size_t wanted) = 0;
+
+  const uint8_t* window_ = nullptr;  // first byte of the window,
+  const uint8_t* cursor_ = nullptr;  // the next one to consume,
+  const uint8_t* limit_ = nullptr;   // and the end
+  uint64_t windowOffset_ = 0;        // offset of the first byte
+  std::string failure_;
+};
+
+// A source that fills a buffer of its own, piece by piece.
+class BufferedSource : public ByteSource {
+ protected:
+  void Refill(size_t wanted) override;
+
+  // Reads up to `size` bytes (at least 1 is asked for), waiting only while there are none; 0 at the end. A failure
+  // sets failure_ and returns 0.
+  virtual size_t ReadSome(uint8_t* out, size_t size) = 0;
+
+ private:
+  bool Reserve(size_t wanted);
+
+  std::unique_ptr<uint8_t[]> buffer_;
+  size_t capacity_ = 0;
+  bool ended_ = false;
+};
+
+// The bytes of a file, or of standard input for "-", as they stand. Null with a reason when it cannot be opened.
+std::unique_ptr<ByteSource> OpenFileSource(const char* path, std::string* reason);
+
+// The decompressed bytes of a gzip stream of one or more members.
+std::unique_ptr<ByteSource> MakeGzipSource(std::unique_ptr<ByteSource> compressed, std::string* reason);
+
+}  // namespace qxview

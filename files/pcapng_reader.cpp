@@ -1,0 +1,276 @@
+// Reader of pcapng files.
+//
+//    every block: 0 4 type | 4 4 total length | body | total length again      in the byte order of its section
+//    section header   0x0A0D0D0A: 8 4 byte-order magic | 12 4 version | 16 8 section length | options
+//    interface            1: 8 2 link type | 12 4 snapshot length | options
+//    enhanced packet      6: 8 4 interface | 12 8 ticks, high word first | 20 4 captured | 24 4 wire | data | options
+//    simple packet        3: 8 4 wire | data; always of interface 0, without a time
+//    packet (obsolete)    2: 8 2 interface | 10 2 drops | 12 8 ticks | 20 4 captured | 24 4 wire | data | options
+//    option: 0 2 code | 2 2 length | value, padded to 4; code 0 ends them
+//
+// Data and options are padded to 4 bytes. Every other block is passed over.
+#include <new>
+#include <vector>
+
+#include "files/capture_formats.h"
+
+namespace qxview {
+
+namespace {
+
+enum BlockType : uint32_t {
+  kSectionHeader = 0x0A0D0D0A,
+  kInterface = 1,
+  kObsoletePacket = 2,
+  kSimplePacket = 3,
+  kEnhancedPacket = 6,
+};
+constexpr uint32_t kByteOrderMagic = 0x1A2B3C4D;
+constexpr uint32_t kSmallestBlock = 12;
+constexpr uint32_t kLargestBlock = kLargestMessageFrame + (1u << 20);
+constexpr uint32_t kMostInterfaces = 65536;
+
+struct Interface {
+  uint16_t linkType;
+  uint8_t checkSequenceLength = 0;
+  uint32_t snapLength;
+  TickScale scale;
+};
+
+// A span of options; visits each.
+template <typename Visit>
+void ForEachOption(const FileOrder& order, const uint8_t* at, const uint8_t* end, Visit visit) {
+  while (end - at >= 4) {
+    uint16_t code = order.Load16(at);
+    uint16_t length = order.Load16(at + 2);
+    if (code == 0 || end - at - 4 < length) return;
+    visit(code, length, at + 4);
+    size_t step = 4 + ((size_t{length} + 3) & ~size_t{3});
+    if (static_cast<size_t>(end - at) < step) return;
+    at += step;
+  }
+}
+
+// Writers give the length of the check sequence in bytes or in bits.
+uint8_t CheckSequenceBytes(uint8_t length) {
+  if (length == 16 || length == 32) return length / 8;
+  return length <= 4 ? length : 0;
+}
+
+uint32_t ReceiveErrorsOf(uint32_t flags) {
+  uint32_t errors = 0;
+  if (flags & 1u << 24) errors |= kReceiveCrc;
+  if (flags & 1u << 25) errors |= kReceiveTooBig;
+  if (flags & 1u << 26) errors |= kReceiveTooSmall;
+  if (flags & 1u << 28) errors |= kReceiveAlignment;
+  if (flags & (1u << 27 | 7u << 29)) errors |= kReceiveOther;  // gap, start delimiter, preamble, symbol
+  return errors;
+}
+
+class PcapngReader : public CaptureReader {
+ public:
+  using CaptureReader::CaptureReader;
+
+ protected:
+  ReadResult ReadFrame(CaptureFrame* frame) override {
+    for (;;) {
+      if (!CloseBlock()) return ReadResult::kDamaged;
+      start_ = source_->Position();
+      const uint8_t* head = source_->Peek(8);
+      if (!head) {
+        if (source_->Remaining() == 0 && source_->Failure().empty()) return ReadResult::kEnd;
+        return CutShort(start_, "a block header");
+      }
+      // The type of a section header reads alike in both orders: it comes before its own order is known.
+      uint32_t type = order_.Load32(head);
+      ReadResult result = type == kSectionHeader ? ReadSection() : ReadBlock(type, frame);
+      if (result != ReadResult::kEnd) return result;
+    }
+  }
+
+ private:
+  // The functions below give kFrame for a packet, kDamaged, and kEnd when the block held no packet.
+
+  ReadResult ReadSection() {
+    const uint8_t* block = source_->Peek(16);
+    if (!block) return CutShort(start_, "a section header");
+    order_.swapped = false;
+    if (order_.Load32(block + 8) != kByteOrderMagic) {
+      order_.swapped = true;
+      if (order_.Load32(block + 8) != kByteOrderMagic) {
+        return Damaged(start_, "a section header without a byte-order magic");
+      }
+    }
+    uint16_t major = order_.Load16(block + 12);
+    if (major != 1) return Damaged(start_, "pcapng version %u.%u is not known", major, order_.Load16(block + 14));
+    interfaces_.clear();
+    return PassBlock(LoadLength(block + 4), 28, "a section header");
+  }
+
+  ReadResult ReadBlock(uint32_t type, CaptureFrame* frame) {
+    uint32_t length = LoadLength(source_->Peek(8) + 4);
+    switch (type) {
+      case kInterface:
+        return ReadInterface(length);
+      case kEnhancedPacket:
+        return ReadPacket(length, false, frame);
+      case kObsoletePacket:
+        return ReadPacket(length, true, frame);
+      case kSimplePacket:
+        return ReadSimplePacket(length, frame);
+      default:
+        return PassBlock(length, kSmallestBlock, "a block");
+    }
+  }
+
+  // Blocks are padded to 4 bytes, also where their writer did not count the padding.
+  uint32_t LoadLength(const uint8_t* at) const { return (order_.Load32(at) + 3) & ~3u; }
+
+  // Checks the length of the block at the cursor and that the start of it, up to a window, is there; null after
+  // damage.
+  const uint8_t* OpenBlock(uint32_t length, uint32_t least, const char* what) {
+    if (length < least || length > kLargestBlock) {
+      Damaged(start_, "%s with a length of %u bytes", what, length);
+      return nullptr;
+    }
+    shown_ = length < ByteSource::kLargestPeek ? length : ByteSource::kLargestPeek;
+    const uint8_t* block = source_->Peek(shown_);
+    if (!block) {
+      CutShort(start_, what);
+      return nullptr;
+    }
+    if (shown_ == length && !CheckClosingLength(block + length - 4, length)) return nullptr;
+    open_ = length;
+    return block;
+  }
+
+  bool CheckClosingLength(const uint8_t* at, uint32_t length) {
+    if (LoadLength(at) == length) return true;
+    Damaged(start_, "a block begins with a length of %u bytes and ends with one of %u", length, LoadLength(at));
+    return false;
+  }
+
+  // Moves behind the open block. Only here is the end of a block seen that is longer than the window.
+  bool CloseBlock() {
+    uint32_t length = open_;
+    open_ = 0;
+    if (length <= shown_) return source_->Skip(length);
+    const uint8_t* closing = source_->Skip(length - 4) ? source_->Peek(4) : nullptr;
+    if (!closing) CutShort(start_, "a block");
+    return closing && CheckClosingLength(closing, length) && source_->Skip(4);
+  }
+
+  ReadResult PassBlock(uint32_t length, uint32_t least, const char* what) {
+    return OpenBlock(length, least, what) ? ReadResult::kEnd : ReadResult::kDamaged;
+  }
+
+  ReadResult ReadInterface(uint32_t length) {
+    const uint8_t* block = OpenBlock(length, 20, "an interface description");
+    if (!block) return ReadResult::kDamaged;
+    if (interfaces_.size() == kMostInterfaces) return Damaged(start_, "more than %u interfaces", kMostInterfaces);
+    Interface added{NormalizeLinkType(order_.Load16(block + 8)), 0, order_.Load32(block + 12), {}};
+    ForEachOption(order_, block + 16, OptionsEnd(block, length),
+                  [&](uint16_t code, uint16_t size, const uint8_t* at) {
+                    if (code == 9 && size == 1) added.scale.resolution = *at;
+                    if (code == 13 && size == 1) added.checkSequenceLength = CheckSequenceBytes(*at);
+                    if (code == 14 && size == 8) added.scale.offsetSeconds = static_cast<int64_t>(order_.Load64(at));
+                  });
+    interfaces_.push_back(added);
+    return ReadResult::kEnd;
+  }
+
+  ReadResult ReadPacket(uint32_t length, bool obsolete, CaptureFrame* frame) {
+    const uint8_t* block = OpenBlock(length, 32, "a packet block");
+    if (!block) return ReadResult::kDamaged;
+    uint32_t index = obsolete ? order_.Load16(block + 8) : order_.Load32(block + 8);
+    const Interface* from = FindInterface(index);
+    if (!from) return ReadResult::kDamaged;
+    uint32_t captured = order_.Load32(block + 20);
+    if (!FillData(block, 28, captured, length - 32, *from, frame)) return ReadResult::kDamaged;
+    frame->interfaceIndex = index;
+    frame->wireLength = order_.Load32(block + 24);
+    uint64_t ticks = uint64_t{order_.Load32(block + 12)} << 32 | order_.Load32(block + 16);
+    frame->nanoseconds = TicksToNanoseconds(ticks, from->scale);
+    const uint8_t* end = OptionsEnd(block, length);
+    size_t padded = 28 + ((size_t{captured} + 3) & ~size_t{3});
+    if (padded < static_cast<size_t>(end - block)) {
+      ForEachOption(order_, block + padded, end, [&](uint16_t code, uint16_t size, const uint8_t* at) {
+        if (code == 2 && size == 4) UsePacketFlags(order_.Load32(at), frame);
+      });
+    }
+    return ReadResult::kFrame;
+  }
+
+  ReadResult ReadSimplePacket(uint32_t length, CaptureFrame* frame) {
+    const uint8_t* block = OpenBlock(length, 16, "a simple packet block");
+    if (!block) return ReadResult::kDamaged;
+    const Interface* from = FindInterface(0);
+    if (!from) return ReadResult::kDamaged;
+    uint32_t wire = order_.Load32(block + 8);
+    uint32_t captured = from->snapLength && from->snapLength < wire ? from->snapLength : wire;
+    if (!FillData(block, 12, captured, length - 16, *from, frame)) return ReadResult::kDamaged;
+    frame->interfaceIndex = 0;
+    frame->wireLength = wire;
+    frame->nanoseconds = 0;
+    return ReadResult::kFrame;
+  }
+
+  // Sets the fields that every kind of packet block shares; `room` is what its block has for data.
+  bool FillData(const uint8_t* block, size_t at, uint32_t captured, uint32_t room, const Interface& from,
+                CaptureFrame* frame) {
+    if (captured > LargestFrame(from.linkType)) {
+      Damaged(start_, "a captured length of %u bytes is more than the %u a packet can have", captured,
+              LargestFrame(from.linkType));
+      return false;
+    }
+    if (captured > room) {
+      Damaged(start_, "a captured length of %u bytes in a block with room for %u", captured, room);
+      return false;
+    }
+    frame->capturedLength = captured;
+    frame->data = block + at;
+    frame->dataLength = captured < shown_ - at ? captured : static_cast<uint32_t>(shown_ - at);
+    frame->linkType = from.linkType;
+    frame->direction = LinkDirection::kUnknown;
+    frame->receiveErrors = 0;
+    frame->checkSequenceLength = from.checkSequenceLength;
+    return true;
+  }
+
+  void UsePacketFlags(uint32_t flags, CaptureFrame* frame) {
+    if ((flags & 3) == 1) frame->direction = LinkDirection::kReceived;
+    if ((flags & 3) == 2) frame->direction = LinkDirection::kSent;
+    uint8_t checkSequence = flags >> 5 & 15;
+    if (checkSequence && checkSequence <= 4) frame->checkSequenceLength = checkSequence;
+    frame->receiveErrors = ReceiveErrorsOf(flags);
+  }
+
+  const Interface* FindInterface(uint32_t index) {
+    if (index < interfaces_.size()) return &interfaces_[index];
+    Damaged(start_, "a packet of interface %u in a section with %u", index,
+            static_cast<uint32_t>(interfaces_.size()));
+    return nullptr;
+  }
+
+  // The end of what is shown of a block, without its closing length.
+  const uint8_t* OptionsEnd(const uint8_t* block, uint32_t length) const {
+    return block + (shown_ == length ? length - 4 : shown_);
+  }
+
+  FileOrder order_;
+  std::vector<Interface> interfaces_;  // of the current section
+  uint64_t start_ = 0;                 // of the current block
+  size_t shown_ = 0;                   // how much of it stands in the window
+  uint32_t open_ = 0;                  // its length, until it is left
+};
+
+}  // namespace
+
+std::unique_ptr<CaptureReader> MakePcapngReader(std::unique_ptr<ByteSource> source, const char* fileName,
+                                                std::string* message) {
+  std::unique_ptr<CaptureReader> reader(new (std::nothrow) PcapngReader(std::move(source), fileName));
+  if (!reader) *message = std::string(fileName) + ": out of memory";
+  return reader;
+}
+
+}  // namespace qxview

@@ -1,0 +1,110 @@
+#ifndef _WIN32
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "platform/platform.h"
+#include "tests/support/decoding.h"
+
+namespace qxview::testing {
+namespace {
+
+// Libraries are built beside the tests: QXVIEW_PLUGIN_DIR holds recorder_a.so (takes 0xAA), recorder_b.so (takes 0xBB)
+// and lamp_decoder.so (the sample).
+const std::string kDirectory = QXVIEW_PLUGIN_DIR;
+
+class CustomLibraryHooks : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    host_.host.applicationDirectory = [](void*, char* out, int32_t outSize) -> int32_t {
+      return CopyString(out, outSize, kDirectory.c_str()) ? 1 : 0;
+    };
+    offers_ = ::testing::TempDir() + "qxview_offers";
+    std::remove(offers_.c_str());
+    setenv("QXVIEW_TEST_OFFERS", offers_.c_str(), 1);
+  }
+  void Load(std::vector<std::pair<std::string, std::string>> settings) {
+    host_.settings = std::move(settings);
+    view_ = std::make_unique<TestView>(&host_);
+    view_->loader = PlatformLibraryLoader();
+    view_->view();
+  }
+  std::string Offers() {
+    std::ifstream file(offers_);
+    std::stringstream all;
+    all << file.rdbuf();
+    std::remove(offers_.c_str());
+    return all.str();
+  }
+  TestHost host_;
+  std::string offers_;
+  std::unique_ptr<TestView> view_;
+};
+
+TEST_F(CustomLibraryHooks, FirstInLoadOrderThatAcceptsTakesTheFrame) {
+  Load({{"CustomLibrary0", "recorder_a.so"}, {"CustomLibrary1", "missing.so"}, {"CustomLibrary2", "recorder_b.so"}});
+  EXPECT_EQ(view_->view().engine->libraries.count, 2) << "a failed load leaves no gap and does not end the loading";
+  const Bytes rest(59);
+  EXPECT_EQ(view_->Decode(Hex("AA") + rest), 1);
+  EXPECT_EQ(view_->Text(), "taken by a {5+3}\n");
+  EXPECT_EQ(Offers(), "a CustomDecodeFrame 60 0\n");
+  view_->Decode(Hex("BB") + rest);
+  EXPECT_EQ(view_->Text(), "taken by b {5+3}\n");
+  EXPECT_EQ(Offers(), "a CustomDecodeFrame 60 100\nb CustomDecodeFrame 60 100\n") << "word 3 is kept on acceptance alone";
+  view_->Decode(Hex("CC") + rest);
+  EXPECT_EQ(view_->Text().find("Packet 1:"), 0u);
+  EXPECT_EQ(Offers(), "a CustomDecodeFrame 60 200\nb CustomDecodeFrame 60 200\n");
+}
+
+TEST_F(CustomLibraryHooks, DamagedAndShortFramesAreNotOffered) {
+  Load({{"CustomLibrary0", "recorder_a.so"}});
+  for (const uint32_t errors : {kReceiveAlignment, kReceiveCrc}) {
+    Record record(Hex("AA") + Bytes(59));
+    record->receiveErrors = errors;
+    view_->Decode(record);
+  }
+  view_->Decode(Hex("AA 00 00"));
+  EXPECT_EQ(Offers(), "");
+  Record record(Hex("AA") + Bytes(59));
+  record->receiveErrors = kReceiveTooBig;
+  view_->Decode(record);
+  EXPECT_EQ(Offers(), "a CustomDecodeFrame 60 0\n");
+}
+
+TEST_F(CustomLibraryHooks, ScanStopsAtTheFirstMissingValue) {
+  Load({{"CustomLibrary0", "recorder_a.so"}, {"CustomLibrary2", "recorder_b.so"}});
+  EXPECT_EQ(view_->view().engine->libraries.count, 1);
+}
+
+TEST_F(CustomLibraryHooks, RangeTableGrownByALibraryIsTheModules) {
+  Load({{"CustomLibrary0", "recorder_a.so"}});
+  const Bytes frame = Hex("AA") + Bytes(59);
+  Record record(frame);
+  for (int i = 0; i < 600; ++i) DecodeFrame(&view_->view(), record.get(), 0, 0, 0);   // no clear between them
+  EXPECT_EQ(view_->context().rangeCount, 600u);
+  EXPECT_EQ(view_->context().rangeCapacity, 1024u);
+}
+
+TEST_F(CustomLibraryHooks, SampleShowsItsLinesInEveryMode) {
+  Load({{"CustomLibrary0", "lamp_decoder.so"}});
+  const Bytes frame = Ethernet(0x88B5, Hex("4C414D50 01 07 0032") + Bytes(38));
+  view_->Decode(frame);
+  EXPECT_EQ(view_->Text(),
+            "LAMP: Lamp Control Message {14+8}\n"
+            "  Version: 1 {18+1}\n"
+            "  Lamp: 7 {19+1}\n"
+            "  Brightness: 50 % {20+2}\n");
+  const std::string text = "LAMP: Lamp Control Message\r\n    Version: 1\r\n    Lamp: 7\r\n    Brightness: 50 %\r\n";
+  EXPECT_EQ(view_->Printed(frame, kPrintMode), text);
+  EXPECT_EQ(view_->Printed(frame, kSaveMode), text);
+  CopyString(view_->context().findText, sizeof view_->context().findText, "Bright");
+  view_->context().findLineIndex = -1;
+  view_->Printed(frame, kFindMode);
+  EXPECT_STREQ(view_->context().findLine, "Brightness: 50 %");
+  EXPECT_EQ(view_->context().findLineIndex, 3);
+}
+
+}  // namespace
+}  // namespace qxview::testing
+#endif

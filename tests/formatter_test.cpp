@@ -1,0 +1,170 @@
+#include "core/formatter.h"
+
+#include <cinttypes>
+#include <cstdarg>
+#include <cstdio>
+#include <random>
+
+#include "core/bits.h"
+#include "core/bounded_text.h"
+#include "core/levels.h"
+#include "core/name_table.h"
+#include "tests/support/decoding.h"
+
+namespace qxview::testing {
+namespace {
+
+template <class... Args>
+std::string Formatted(FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
+  char out[600];
+  const int32_t length = FormatInto(out, sizeof out, text, args...);
+  EXPECT_EQ(static_cast<size_t>(length), std::strlen(out));
+  return out;
+}
+
+std::string ByLibrary(const char* format, ...) {
+  char out[600];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(out, sizeof out, format, arguments);
+  va_end(arguments);
+  return out;
+}
+
+TEST(Formatter, AgreesWithTheLibraryWhereBothReadAlike) {
+  std::mt19937 random(1);
+  for (int i = 0; i < 20000; ++i) {
+    const uint32_t number = random() >> (random() % 32);
+    const int32_t sign = static_cast<int32_t>(number);
+    const uint64_t wide = uint64_t{random()} << 32 | number;
+    EXPECT_EQ(Formatted("%u|%d|%X|%x|%c", number, sign, number, number, 'A' + i % 26),
+              ByLibrary("%u|%d|%X|%x|%c", number, sign, number, number, 'A' + i % 26));
+    EXPECT_EQ(Formatted("%.02X|%.04X|%04X|%08x|%.2d|%.01d", number, number, number, number, sign, sign),
+              ByLibrary("%.02X|%.04X|%04X|%08x|%.2d|%.01d", number, number, number, number, sign, sign));
+    EXPECT_EQ(Formatted("%4u|%2d|%12d|%08d|%10X|", number, sign, sign, sign, number),
+              ByLibrary("%4u|%2d|%12d|%08d|%10X|", number, sign, sign, sign, number));
+    EXPECT_EQ(Formatted("%I64u|%I64d|%I64X", wide, static_cast<int64_t>(wide), wide),
+              ByLibrary("%" PRIu64 "|%" PRId64 "|%" PRIX64, wide, wide, wide));
+  }
+  EXPECT_EQ(Formatted("%12s|%s|", "right", ""), "       right||");
+}
+
+TEST(Formatter, ReadsTheSizesAlikeOnEveryPlatform) {
+  EXPECT_EQ(Formatted("%lu %.01lu %4lu %ld", 4294967295u, 7u, 12u, -1), "4294967295 7   12 -1");
+  EXPECT_EQ(Formatted("%d %u", uint8_t{200}, int16_t{-1}), "200 4294967295") << "an argument's own signedness is kept";
+  EXPECT_EQ(Formatted("0x%.02X.02X.02X", 0xABu), "0xAB.02X.02X") << "one conversion, the rest is text";
+}
+
+TEST(Formatter, TakesTextsOfAllKinds) {
+  const uint8_t bytes[] = {0x00, 0x7F, 0xFF};
+  EXPECT_EQ(Formatted("%s", HexSlice{bytes, 3, ' '}), "00 7F FF");
+  EXPECT_EQ(Formatted("%s", HexSlice{bytes, 3, 0}), "007FFF");
+  EXPECT_EQ(Formatted("[%s]", TextSlice{"ab\0cd", 5}), "[ab]") << "a text ends at its first zero byte";
+  EXPECT_EQ(Formatted("[%s]", TextSlice{"abcd", 2}), "[ab]");
+  EXPECT_EQ(Formatted("[%s]", static_cast<const char*>(nullptr)), "[]");
+}
+
+TEST(Formatter, NeverPassesItsBuffer) {
+  const uint8_t address[] = {255, 255, 255, 255};
+  for (int32_t size = 1; size < 60; ++size) {
+    std::vector<char> out(static_cast<size_t>(size) + 1, '#');
+    const int32_t length = FormatInto(out.data(), size, "Text %s of %u and %12d, %s", "name", 4000000000u, -5,
+                                      IPv4Text(address));
+    EXPECT_EQ(out[static_cast<size_t>(length)], 0);
+    EXPECT_EQ(out[static_cast<size_t>(size)], '#');
+    EXPECT_EQ(std::string(out.data()),
+              std::string("Text name of 4000000000 and           -5, 255.255.255.255").substr(0, static_cast<size_t>(length)));
+  }
+  EXPECT_EQ(FormatInto(nullptr, 5, "x"), 0);
+  char full[4] = "abc";
+  EXPECT_EQ(AppendFormat(full, sizeof full, "%u", 1u), 3);
+}
+
+TEST(Names, BinaryLookUpAgreesWithALinearOne) {
+  std::mt19937 random(2);
+  for (int32_t count = 0; count < 40; ++count) {
+    std::vector<NameTableEntry> rows;
+    uint32_t code = 0;
+    for (int32_t i = 0; i < count; ++i) rows.push_back({code += 1 + random() % 3, "name"});
+    for (uint32_t wanted = 0; wanted < code + 3; ++wanted) {
+      EXPECT_EQ(LookupName(rows.data(), wanted, count, "none"), FindName(rows.data(), wanted, count, "none"));
+    }
+  }
+  const NameTableEntry twice[] = {{7, "first"}, {7, "second"}, {0xFFFFFFFF, "last"}};
+  EXPECT_STREQ(FindName(twice, 7, 3, ""), "first");
+  EXPECT_STREQ(FindName(twice, 0xFFFFFFFF, 3, ""), "last");
+  EXPECT_STREQ(FindName(twice, 7, 0, "none"), "none");
+}
+
+TEST(BitPictures, DrawTheFieldAndGiveItsValue) {
+  char picture[80];
+  EXPECT_EQ(FormatBitField8(0xA5, picture, 2, 3), 4u);
+  EXPECT_STREQ(picture, "..100...");
+  EXPECT_EQ(FormatBitField8(0xFF, picture, 6, 4), 0xCu) << "what runs past the byte is not there";
+  EXPECT_STREQ(picture, "......1100");
+  EXPECT_EQ(FormatBitField32(0x80000001, picture, 0, 32), 0x80000001u);
+  EXPECT_STREQ(picture, "10000000 00000000 00000000 00000001");
+  EXPECT_EQ(FormatBits(0x4001, 16, picture, 1, 9), 0x100u);
+  EXPECT_STREQ(picture, ".1000000 00......");
+  for (int32_t first = 0; first <= 8; ++first) {
+    for (int32_t count = 0; first + count <= 8; ++count) {
+      for (uint32_t value = 0; value < 256; value += 5) {
+        EXPECT_EQ(FormatBitField8(value, picture, first, count), value >> (8 - first - count) & ((1u << count) - 1));
+        for (int32_t i = 0; i < 8; ++i) {
+          EXPECT_EQ(picture[i], i < first || i >= first + count ? '.' : value >> (7 - i) & 1 ? '1' : '0');
+        }
+      }
+    }
+  }
+}
+
+TEST(Levels, Cycle) {
+  EXPECT_EQ(NextLevel(5), 2);
+  EXPECT_EQ(NextLevel(8), 2);
+  EXPECT_EQ(PrevLevel(2), 5);
+  EXPECT_EQ(BitMask(15), 0x8000u);
+  EXPECT_EQ(BitMask(16), 0u);
+  EXPECT_EQ(Log2Floor(1), 0);
+  EXPECT_EQ(Log2Floor(8), 3);
+}
+
+TEST(BoundedText, KeepsItsBounds) {
+  char out[4] = "zz";
+  EXPECT_EQ(CopyTextN(out, 4, nullptr, 2), nullptr);
+  EXPECT_STREQ(out, "zz") << "a null source leaves the destination alone";
+  CopyTextN(out, 4, "abcdef", 6);
+  EXPECT_STREQ(out, "abc");
+  EXPECT_EQ(CopyBounded(out, 4, nullptr, 2), nullptr);
+  EXPECT_STREQ(out, "") << "a null source empties it";
+  EXPECT_EQ(CopyString(out, 4, ""), nullptr);
+  CopyString(out, 4, "a");
+  AppendBounded(out, 4, "bcdef", 5);
+  EXPECT_STREQ(out, "abc");
+  AppendString(out, 4, "g");
+  EXPECT_STREQ(out, "abc");
+  EXPECT_EQ(AppendString(out, 4, nullptr), nullptr);
+  const uint8_t bytes[10] = {0xAB};
+  char hex[20];
+  TextBuffer buffer{20, hex};
+  ByteHexToString(bytes, 10, &buffer);
+  EXPECT_STREQ(hex, "AB 00 00 00 00 00") << "a capacity of 20 takes six bytes";
+  ByteHexToString(bytes, 0, &buffer);
+  EXPECT_STREQ(hex, "");
+}
+
+TEST(Addresses, AreWrittenAsTheirStandardsSay) {
+  const auto ipv6 = [](const std::string& hex) { return std::string(IPv6Text(Hex(hex).data()).text); };
+  EXPECT_EQ(ipv6("00000000000000000000000000000000"), "::");
+  EXPECT_EQ(ipv6("00000000000000000000000000000001"), "::1");
+  EXPECT_EQ(ipv6("20010db8000000000001000000000001"), "2001:db8::1:0:0:1") << "the first of equal runs is shortened";
+  EXPECT_EQ(ipv6("20010db8000000010001000100010001"), "2001:db8:0:1:1:1:1:1") << "a single group is not";
+  EXPECT_EQ(ipv6("20010db8000000000000000000000000"), "2001:db8::");
+  EXPECT_EQ(ipv6("00000000000000000000ffffc0000201"), "::ffff:192.0.2.1");
+  EXPECT_EQ(ipv6("fe8000000000000002aabbfffeccddee"), "fe80::2aa:bbff:fecc:ddee");
+  char out[24];
+  FormatEightByteAddress(Hex("A1 00 01 02 03 04 05 FF").data(), out);
+  EXPECT_STREQ(out, "1:00:01:02:03:04:05:FF");
+}
+
+}  // namespace
+}  // namespace qxview::testing
