@@ -26,7 +26,8 @@ constexpr LineHandle kLineOutsideDisplay = 1000;
 constexpr int32_t kMostNesting = 64;
 constexpr int32_t kMostLines = 1000000;
 
-// How the current frame's network layer carries its transport: set by IPv4 and IPv6 for TCP, UDP and SCTP.
+// How the current frame's network layer carries its transport: set by IPv4 and IPv6 for TCP, UDP and SCTP. Of tunnelled
+// datagrams it is the innermost one's, as are the addresses and ports below.
 struct NetworkState {
   uint32_t pseudoHead;       // one's-complement sum of the pseudo-header, as PseudoHead gives it
   uint32_t fragmentOffset;   // bytes
@@ -62,7 +63,16 @@ struct PacketState {
   int32_t nesting;
   int32_t linesLeft;
   bool limitReached;
+  bool quoted;               // an error message quotes this datagram: of another frame, cut anywhere; learn nothing
 };
+
+// A datagram starts: what an outer one left for its own transport is none of this one's.
+inline void BeginDatagram(PacketState& packet) {
+  packet.ipHeaderSeen = 1;
+  packet.sourcePort = packet.destinationPort = 0;
+  packet.network = NetworkState{};
+  packet.segment = TcpSegment{};
+}
 
 struct DecodeContext {
   int64_t packetNumber;

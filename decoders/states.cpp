@@ -1,13 +1,14 @@
 #include "decoders/states.h"
 
 #include "core/dispatch.h"
+#include "decoders/net/window_scales.h"
 
 namespace qxview {
 namespace {
 
 // A row a decoder with state: {slot, create, destroy}.
 constexpr StateRow kStates[] = {
-    {DecoderState::kCount, nullptr, nullptr},
+    {DecoderState::kWindowScales, CreateWindowScales, DestroyWindowScales},
 };
 
 }  // namespace

@@ -84,7 +84,7 @@ void CheckProperties(DecoderFunction decode, const Bytes& bytes, bool statedRang
 // The same for whole frames.
 void CheckFrameProperties(const Bytes& frame, uint8_t mediaType = 0, bool statedRanges = false);
 
-// Allocations (operator new and malloc family from the engine) since the program started; counted in this thread.
+// Allocations of this thread so far (malloc, calloc, realloc, operator new); always 0 where they cannot be counted.
 uint64_t CountAllocations();
 
 }  // namespace qxview::testing

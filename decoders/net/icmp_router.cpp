@@ -1,0 +1,81 @@
+// ICMP router advertisements (RFC 1256) with the extensions of mobility agents (RFC 5944).
+//
+//   0  number of addresses   1  words an address entry   2  lifetime   4  entries: address, preference level
+//   an extension:  0  type   1  length of what follows   2  data;  type 0 is a padding byte alone
+#include "decoders/net/icmp_router.h"
+
+namespace qxview {
+namespace {
+
+enum ExtensionType : uint32_t { kPadding = 0, kMobilityAgent = 16, kPrefixLengths = 19 };
+
+void AddMobilityAgent(const Place& in, Cursor c) {
+  constexpr const char* kFlagNames[] = {"Registration Required", "Busy", "Home Agent", "Foreign Agent",
+                                        "Minimal Encapsulation", "GRE Encapsulation", "Reserved", "Reverse Tunneling",
+                                        "UDP Tunneling", "Revocation Support"};
+  const Field sequence = TakeU16(c);
+  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
+  const Field lifetime = TakeU16(c);
+  AddLine(in, lifetime, "Registration Lifetime: %u seconds", lifetime.value);
+  const Field flags = TakeU16(c);
+  const Place bits = Under(in, AddLine(in, flags, "Flags: 0x%.04X", flags.value));
+  int32_t bit = 0;
+  for (const char* name : kFlagNames) {
+    const BitPicture flag = BitsOf(flags, bit++, 1);
+    AddBitLine(bits, flags, "%s: %s = %s", flag.picture, name, flag.value ? "True" : "False");
+  }
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    const Field address = TakeBytes(c, 4);
+    if (address.here) AddLine(in, address, "Care-of Address: %s", IPv4Text(address.bytes));
+  }
+}
+
+void DecodeAgentExtensions(const Place& in, Cursor& c) {
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    const int32_t declared = c.at[0] == kPadding ? 1 : Left(c) > 1 ? 2 + c.at[1] : 1;
+    Cursor extension = TakeCursor(c, declared);
+    const Field cover = Ahead(extension, Left(extension));
+    const Field type = TakeU8(extension);
+    if (type.value == kPadding) {
+      AddLine(in, type, "One-byte Padding");
+      continue;
+    }
+    const char* name = type.value == kMobilityAgent   ? "Mobility Agent Advertisement"
+                       : type.value == kPrefixLengths ? "Prefix-Lengths"
+                                                      : "Unknown";
+    const Place under = Under(in, AddLine(in, cover, "Extension: %u = %s", type.value, name));
+    const Field length = TakeU8(extension);
+    AddLine(under, length, "Length: %u", length.value);
+    if (type.value == kMobilityAgent) {
+      AddMobilityAgent(under, extension);
+    } else {
+      AddBlock(under, Rest(extension), type.value == kPrefixLengths ? "Prefix Lengths" : "Extension Data");
+    }
+  }
+}
+
+}  // namespace
+
+void DecodeRouterAdvertisement(const Place& in, Cursor& c) {
+  const Field count = TakeU8(c), words = TakeU8(c), lifetime = TakeU16(c);
+  AddLine(in, count, "Number of Addresses: %u", count.value);
+  AddLine(in, words, "Address Entry Size: %u * 4 = %u bytes", words.value, words.value * 4);
+  AddLine(in, lifetime, "Lifetime: %u seconds", lifetime.value);
+  if (!lifetime.here || words.value < 2) return;
+  Loop loop;
+  for (uint32_t number = 1; number <= count.value && MoreAt(in, c, loop); ++number) {
+    Cursor entry = TakeCursor(c, words.value * 4);
+    const Field cover = Ahead(entry, Left(entry));
+    const Field address = TakeBytes(entry, 4), preference = TakeU32(entry);
+    if (!address.here) return;
+    const Place under = Under(in, AddLine(in, cover, "Router %u: %s", number, IPv4Text(address.bytes)));
+    AddLine(under, address, "Router Address: %s", IPv4Text(address.bytes));
+    AddLine(under, preference, "Preference Level: %d", static_cast<int32_t>(preference.value));
+    AddBlock(under, Rest(entry), "Entry Data");
+  }
+  DecodeAgentExtensions(in, c);
+}
+
+}  // namespace qxview

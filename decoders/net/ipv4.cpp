@@ -1,0 +1,204 @@
+// Internet Protocol, version 4 (RFC 791): datagrams between hosts, and the entry of both IP versions.
+//
+//   0  version (4 bits), header length in words (4)   1  type of service      2  total length
+//   4  identification                                 6  reserved, do not fragment, more fragments, offset (13 bits)
+//   8  time to live   9  protocol   10  header checksum   12  source   16  destination   20  options, payload
+#include "decoders/net/ipv4.h"
+
+#include <cstring>
+
+#include "core/custom_libraries.h"
+#include "core/internet_checksum.h"
+#include "decoders/net/ah.h"
+#include "decoders/net/ip_protocol_names.h"
+#include "decoders/net/ipv4_parts.h"
+#include "decoders/net/pseudo_head.h"
+#include "decoders/net/quoted.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kFixedLength = 20;
+constexpr uint16_t kEthertypeIPv6 = 0x86DD;
+constexpr uint8_t kProtocolAh = 51;
+
+// What the header says to its payload.
+struct Header {
+  const uint8_t* bytes;
+  int32_t length;            // as declared: less than the fixed header's 20 bytes when it lies
+  int32_t payloadLength;     // as declared; 0 or less when the total length leaves nothing
+  uint32_t fragmentOffset;   // bytes
+  uint8_t protocol;
+  bool moreFragments;
+  bool checksumGood;
+};
+
+Header ReadHeader(const uint8_t* bytes) {
+  Header header{};
+  header.bytes = bytes;
+  header.length = (bytes[0] & 15) * 4;
+  const int32_t start = header.length > kFixedLength ? header.length : kFixedLength;
+  header.payloadLength = static_cast<int32_t>(ReadU16(bytes + 2)) - start;
+  header.moreFragments = (bytes[6] & 0x20) != 0;
+  header.fragmentOffset = (ReadU16(bytes + 6) & 0x1FFF) * 8;
+  header.protocol = bytes[9];
+  return header;
+}
+
+void RecordAddress(AddressSlot& slot, const uint8_t* address) {
+  slot = AddressSlot{};
+  std::memcpy(slot.address + 12, address, 4);
+  slot.kind = 1;
+}
+
+void RecordDatagram(PacketState& packet, const Header& header) {
+  BeginDatagram(packet);
+  packet.ipProtocol = header.protocol;
+  RecordAddress(packet.source, header.bytes + 12);
+  RecordAddress(packet.destination, header.bytes + 16);
+}
+
+int32_t ShowUnknownVersion(const Place& at, Cursor c) {
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "IP - Unknown Version"));
+  const Field status = TakeU8(c);
+  AddLine(in, status, "Status: Version = %u (Unknown), IP Header Length = %d Bytes", status.value >> 4,
+          (status.value & 15) * 4);
+  AddRawRest(at, c, "Unknown Data");
+  return 0;
+}
+
+void AddStatus(const Place& in, const Field& status) {
+  const BitPicture version = BitsOf(status, 0, 4), words = BitsOf(status, 4, 4);
+  const Place bits = Under(in, AddLine(in, status, "Status: Version = %u, IP Header Length = %d Bytes", version.value,
+                                       words.value * 4));
+  AddBitLine(bits, status, "%s: Version = %u", version.picture, version.value);
+  AddBitLine(bits, status, "%s: IP Header Length = [%u] 32 Bit Words = %u Bytes", words.picture, words.value,
+             words.value * 4);
+}
+
+void AddFragment(const Place& in, const Field& fragment) {
+  const BitPicture reserved = BitsOf(fragment, 0, 1), whole = BitsOf(fragment, 1, 1), more = BitsOf(fragment, 2, 1);
+  const BitPicture offset = BitsOf(fragment, 3, 13);
+  const Place bits = Under(in, AddLine(in, fragment, "Fragment:"));
+  AddBitLine(bits, fragment, "%s: Reserved", reserved.picture);
+  AddBitLine(bits, fragment, "%s: Do Not Fragment = %s", whole.picture, whole.value ? "True" : "False");
+  AddBitLine(bits, fragment, "%s: More Fragments = %s", more.picture, more.value ? "True" : "False");
+  AddBitLine(bits, fragment, "%s: Fragment Offset [%u] * 8 = %u Bytes", offset.picture, offset.value,
+             offset.value * 8);
+  if (!whole.value && (more.value || offset.value)) {
+    const char* place = !more.value ? "Last" : offset.value ? "Middle" : "First";
+    AppendToParent(bits, fragment, " %s Fragment, Offset = %u", place, offset.value * 8);
+  } else {
+    // Said of every datagram in one piece, whether or not it forbids fragments.
+    AppendToParent(bits, fragment, " Fragmentation Not Allowed");
+  }
+}
+
+// Whether the header's own words agree with its checksum; none counts as agreement.
+bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
+  const bool good = SumWords(0, header.bytes, header.length) == 0xFFFF;
+  AddLine(in, checksum, "Header checksum: 0x%.04X (%s)", checksum.value,
+          checksum.value == 0 ? "Not Present" : good ? "Good" : "BAD");
+  return good || checksum.value == 0;
+}
+
+// The lines under the top line. False when the header is longer than the bytes; the cursor stands behind it otherwise.
+bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
+  const bool cut = header.length > Left(c);
+  AddStatus(in, TakeU8(c));
+  AddTypeOfService(in, TakeU8(c));
+  const Field total = TakeU16(c);
+  AddLine(in, total, "Total IP length: %u", total.value);
+  const Field identification = TakeU16(c);
+  AddLine(in, identification, "ID: 0x%.04X (%d)", identification.value, identification.value);
+  AddFragment(in, TakeU16(c));
+  const Field timeToLive = TakeU8(c);
+  AddLine(in, timeToLive, "Time to live: %d", timeToLive.value);
+  const Field protocol = TakeU8(c);
+  AddLine(in, protocol, "Protocol: %d = %s", protocol.value, IpProtocolName(protocol.value));
+  if (cut) return false;
+  header.checksumGood = AddChecksum(in, TakeU16(c), header);
+  const Field addresses = TakeBytes(c, 8);
+  const auto source = IPv4Text(addresses.bytes), destination = IPv4Text(addresses.bytes + 4);
+  const Place both =
+      Under(in, AddLine(in, addresses, "IP Addresses: Source = %s,  Destination = %s", source, destination));
+  AddLine(both, Slice(addresses, 0, 4), "Source: %s", source);
+  AddLine(both, Slice(addresses, 4, 4), "Destination: %s", destination);
+  if (header.length > kFixedLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kFixedLength));
+  return true;
+}
+
+int32_t ShowFragment(const Place& at, Cursor c, const Header& header) {
+  char title[80];
+  FormatInto(title, sizeof title, "%s Fragment, Offset %u, %s", IpProtocolName(header.protocol), header.fragmentOffset,
+             header.moreFragments ? "More Fragments to Follow" : "Last Fragment");
+  AddRawRest(at, c, title);
+  return 1;
+}
+
+void RecordNetwork(PacketState& packet, const Header& header) {
+  NetworkState& network = packet.network;
+  network.pseudoHead = PseudoHead(header.bytes);
+  network.fragmentOffset = header.fragmentOffset;
+  network.totalLength = header.payloadLength;
+  network.moreFragments = header.moreFragments;
+  network.fragmented = header.moreFragments || header.fragmentOffset > 0;
+}
+
+// Authentication headers stand in front of the transport and are none of its data: its pseudo-header has its own
+// protocol and length. False when nothing may follow.
+bool DecodeAuthentication(const Place& at, Cursor& c, const Header& header, uint8_t& protocol) {
+  NetworkState& network = PacketOf(at).network;
+  while (protocol == kProtocolAh && !PacketOf(at).limitReached) {
+    const int32_t before = Left(c);
+    if (!DecodeAh(at, c, &protocol) || Left(c) < 1) return false;
+    network.totalLength -= before - Left(c);
+    network.pseudoHead = PseudoHeadOf(header.bytes, protocol, static_cast<uint32_t>(network.totalLength) & 0xFFFF);
+  }
+  return true;
+}
+
+int32_t DecodePayload(const Place& at, Cursor c, const Header& header) {
+  PacketState& packet = PacketOf(at);
+  // Routers change headers that they quote and leave the checksum as it was.
+  if (!header.checksumGood && !packet.quoted) {
+    AddRawRest(at, c, "IP Data: (Bad IP Checksum)");
+    return 1;
+  }
+  Cursor payload = TakeCursor(c, header.payloadLength);
+  if (Left(payload) < 1) return 1;
+  payload.begin = payload.offset;
+  if (header.fragmentOffset > 0) return ShowFragment(at, payload, header);
+  RecordNetwork(packet, header);
+  if (!packet.quoted && OfferPayload(at, PayloadHook::kIp, payload)) return 1;
+  uint8_t protocol = header.protocol;
+  const Place deeper = Deeper(at);
+  if (!DecodeAuthentication(deeper, payload, header, protocol)) return 1;
+  if (packet.quoted && ShowQuotedTransport(deeper, payload, protocol)) return 1;
+  const DecoderRow* row = FindIpProtocol(protocol);
+  return CallDecoder(deeper, payload, row ? row->decode : nullptr, "Data");
+}
+
+}  // namespace
+
+int32_t DecodeIPv6InIPv4(const Place& at, Cursor c) { return FindEthertype(kEthertypeIPv6)->decode(at, c); }
+
+int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
+  constexpr int32_t kVersion4 = 4, kVersion6 = 6;
+  if (Left(c) < kFixedLength) return 0;
+  const int32_t version = c.at[0] >> 4;
+  if (version == kVersion6) return DecodeIPv6InIPv4(at, c);
+  if (version != kVersion4) return ShowUnknownVersion(at, c);
+  Header header = ReadHeader(c.at);
+  RecordDatagram(PacketOf(at), header);
+  const LineHandle top = AddLine(at, Ahead(c, header.length), "IP:    %s -> %s", IPv4Text(header.bytes + 12),
+                                 IPv4Text(header.bytes + 16));
+  if (!DecodeHeader(Under(at, top), c, header)) return 0;
+  const int32_t result = DecodePayload(at, c, header);
+  if (label && label[0]) AppendToLine(at, top, " %s", label);
+  return result;
+}
+
+int32_t DecodeIPv4(const Place& at, Cursor c) { return DecodeIpDatagram(at, c, nullptr); }
+
+}  // namespace qxview

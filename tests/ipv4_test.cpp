@@ -1,0 +1,493 @@
+#include <pthread.h>
+
+#include <chrono>
+
+#include "core/internet_checksum.h"
+#include "decoders/net/ip_protocol_names.h"
+#include "decoders/net/ipv4.h"
+#include "decoders/net/pseudo_head.h"
+#include "qxview/custom_decoder.h"
+#include "tests/support/decoding.h"
+
+namespace qxview::testing {
+namespace {
+
+// An IPv4 header of these options (padded to words) without a checksum, then the payload.
+Bytes HeaderWith(const Bytes& options, uint8_t protocol = 253, const Bytes& payload = {}) {
+  const size_t words = 5 + (options.size() + 3) / 4;
+  Bytes header = Hex("40 00 0000 0001 0000 40 00 0000 0A000001 0A000002") + options;
+  header.resize(words * 4);
+  header[0] = static_cast<uint8_t>(header[0] | words);
+  header[2] = static_cast<uint8_t>((header.size() + payload.size()) >> 8);
+  header[3] = static_cast<uint8_t>(header.size() + payload.size());
+  header[9] = protocol;
+  return header + payload;
+}
+
+// The lines of a tree from the first one that starts with `from` up to the first one that starts with `to`.
+std::string Between(const std::string& tree, const std::string& from, const std::string& to) {
+  const size_t start = ("\n" + tree).find("\n" + from);
+  if (start == std::string::npos) return "no such line in\n" + tree;
+  const size_t end = tree.find("\n" + to, start);
+  return tree.substr(start, end == std::string::npos ? end : end + 1 - start);
+}
+
+std::string OptionsOf(const Bytes& options) {
+  return Between(TreeOfRun(DecodeIPv4, HeaderWith(options, 253, Hex("CA"))), "  Option", "Data");
+}
+
+bool Has(const std::string& tree, const std::string& line) { return tree.find(line) != std::string::npos; }
+
+TEST(Ipv4, ShowsEveryFieldAndCutsThePaddingOfTheFrame) {
+  Bytes datagram = IPv4(253, Hex("0102"));
+  datagram[1] = 0xB8;
+  datagram[10] = datagram[11] = 0;
+  EXPECT_EQ(TreeOfRun(DecodeIPv4, datagram + Bytes(24)), R"(IP:    10.0.0.1 -> 10.0.0.2 {0+20}
+  Status: Version = 4, IP Header Length = 20 Bytes {0+1}
+    0100....: Version = 4 {0+1}
+    ....0101: IP Header Length = [5] 32 Bit Words = 20 Bytes {0+1}
+  Type of Service: CRITIC/ECP Precedence, Low Delay, High Throughput, Normal Reliability, ECN (0x00) = Not ECT {1+1}
+    101.....: Precedence = CRITIC/ECP {1+1}
+    ...1....: Delay = Low {1+1}
+    ....1...: Throughput = High {1+1}
+    .....0..: Reliability = Normal {1+1}
+    ......0.: ECN-Capable Transport (ECT) (0) {1+1}
+    .......0: ECN-CE (0) {1+1}
+  Total IP length: 22 {2+2}
+  ID: 0x0001 (1) {4+2}
+  Fragment: Fragmentation Not Allowed {6+2}
+    0....... ........: Reserved {6+2}
+    .1...... ........: Do Not Fragment = True {6+2}
+    ..0..... ........: More Fragments = False {6+2}
+    ...00000 00000000: Fragment Offset [0] * 8 = 0 Bytes {6+2}
+  Time to live: 64 {8+1}
+  Protocol: 253 = Unassigned {9+1}
+  Header checksum: 0x0000 (Not Present) {10+2}
+  IP Addresses: Source = 10.0.0.1,  Destination = 10.0.0.2 {12+8}
+    Source: 10.0.0.1 {12+4}
+    Destination: 10.0.0.2 {16+4}
+Data {8:20+2}
+)");
+}
+
+TEST(Ipv4, TypeOfServiceHasFourReadings) {
+  struct {
+    const char* mode;
+    uint8_t service;
+    const char* lines;
+  } const cases[] = {
+      {"0", 0xE2, "  Type of Service: NetworkControl Precedence, Normal Delay, Normal Throughput, Normal Reliability, "
+                  "ECN (0x02) = Not ECT(1) {1+1}\n"},
+      {"9", 0x07, "  Type of Service: Routine Precedence, Normal Delay, Normal Throughput, High Reliability, "
+                  "ECN (0x03) = EC {1+1}\n"},
+      {"1", 0x5A, "  Type of Service: Immediate Precedence {1+1}\n    010.....: Precedence = Immediate {1+1}\n"
+                  "    ...110.. : OSPF V2 = 6 {1+1}\n    ......1. : Cost = 1 {1+1}\n    .......0 : Reserved = 0 {1+1}\n"},
+      {"2", 0xC0, "  Type of Service: DSCP = 48 ,  ECN = (0) Not Used  {1+1}\n    110000..: CS6 (Precedence 6) {1+1}\n"
+                  "    ......00 : Explicit Congestion Notification  (ECN) = Not Used {1+1}\n"},
+      {"2", 0x4A, "  Type of Service: DSCP = 18 ,  ECN = (2) ECT(0)  {1+1}\n"
+                  "    010010..: AF21 Class 2 Low Drop Prec {1+1}\n"
+                  "    ......10 : Explicit Congestion Notification  (ECN) = ECT(0) {1+1}\n"},
+      {"2", 0xBB, "  Type of Service: DSCP = 46 ,  ECN = (3) CE - Congestion  {1+1}\n"
+                  "    101110..: Unknown/User defined Assured Forwarding {1+1}\n"
+                  "    ......11 : Explicit Congestion Notification  (ECN) = CE - Congestion {1+1}\n"},
+      {"2", 0x05, "  Type of Service: DSCP = 1 ,  ECN = (1) ECT(1)  {1+1}\n"
+                  "    000001..: Unknown/User defined Assured Forwarding {1+1}\n"},
+      {"3", 0xB9, "  Type of Service: {1+1}\n    101..... : Class = 5 {1+1}\n    ...1100. : Colour = 12 {1+1}\n"
+                  "    .......1 :  = 1 {1+1}\n"},
+  };
+  for (const auto& one : cases) {
+    TestHost host;
+    host.settings = {{"TypeOfServiceMode", one.mode}, {"TypeOfServiceFieldMask", "0x91"},
+                     {"TypeOfServiceFieldName0", "Class"}, {"TypeOfServiceFieldName3", "Colour"}};
+    TestView view(&host);
+    Bytes datagram = HeaderWith({});
+    datagram[1] = one.service;
+    view.Run(DecodeIPv4, datagram);
+    EXPECT_TRUE(Has(view.Text(), one.lines)) << one.lines << view.Text();
+  }
+}
+
+TEST(Ipv4, FragmentsBehindTheFirstAreNotDecoded) {
+  struct {
+    uint16_t word;
+    const char* text;
+    const char* block;
+  } const cases[] = {
+      {0x0000, "Fragmentation Not Allowed {6+2}", ""},
+      {0x60B9, "Fragmentation Not Allowed {6+2}", "UDP Fragment, Offset 1480, More Fragments to Follow {8:20+8}"},
+      {0x2000, "First Fragment, Offset = 0 {6+2}", ""},
+      {0x20B9, "Middle Fragment, Offset = 1480 {6+2}", "UDP Fragment, Offset 1480, More Fragments to Follow {8:20+8}"},
+      {0x00B9, "Last Fragment, Offset = 1480 {6+2}", "UDP Fragment, Offset 1480, Last Fragment {8:20+8}"},
+  };
+  for (const auto& one : cases) {
+    Bytes datagram = HeaderWith({}, 17, Udp(1, 2, {}));
+    datagram[6] = static_cast<uint8_t>(one.word >> 8);
+    datagram[7] = static_cast<uint8_t>(one.word);
+    const std::string tree = TreeOfRun(DecodeIPv4, datagram);
+    EXPECT_TRUE(Has(tree, std::string("  Fragment: ") + one.text)) << tree;
+    EXPECT_EQ(Has(tree, "Fragment, Offset 1480"), *one.block != 0) << tree;
+    EXPECT_TRUE(Has(tree, one.block)) << tree;
+  }
+}
+
+TEST(Ipv4, ABadChecksumStopsThePayload) {
+  Bytes datagram = IPv4(4, IPv4(253, Hex("01")));
+  EXPECT_TRUE(Has(TreeOfRun(DecodeIPv4, datagram), " (Good) {10+2}"));
+  datagram[8] ^= 1;
+  TestView view;
+  EXPECT_EQ(view.Run(DecodeIPv4, datagram + Bytes(3)), 1);
+  EXPECT_EQ(Between(view.Text(), "  Header", "  IP"), "  Header checksum: 0x26CE (BAD) {10+2}\n");
+  EXPECT_TRUE(Has(view.Text(), "IP Data: (Bad IP Checksum) {8:20+24}\n")) << view.Text();
+  EXPECT_EQ(view.context().packet.destination.address[15], 2);
+}
+
+TEST(Ipv4, OptionsOfRoutesAndSecurity) {
+  EXPECT_EQ(OptionsOf(Hex(R"(
+    82 0B F135 0007 0008 AABBCC
+    83 08 04 01020304 FF        # a route of an address and a quarter
+    07 0B 08 0B000001 00000000
+    88 04 0BAD
+    01  00 AAAA
+  )")), R"(  Option: Security, Class  = Control {20+11}
+    Option-Type: {20+1}
+      1.......: Copied = True {20+1}
+      .00.....: Class  = Control {20+1}
+      ...00010: Number = 2 {20+1}
+    Option Length: 11 {21+1}
+    Security: Confidential {22+2}
+    Compartments: 7 {24+2}
+    Handling Restrictions: 8 {26+2}
+    Transmission Control Code: 0xAA.02X.02X {28+3}
+  Option: Loose Source Routing, Class  = Control {31+8}
+    Option-Type: {31+1}
+      1.......: Copied = True {31+1}
+      .00.....: Class  = Control {31+1}
+      ...00011: Number = 3 {31+1}
+    Option Length: 8 {32+1}
+    Pointer: 4 {33+1}
+    Address Data {34+5}
+      Route Address #1: 1.2.3.4 {34+4}
+  Option: Record Route, Class  = Control {39+11}
+    Option-Type: {39+1}
+      0.......: Copied = False {39+1}
+      .00.....: Class  = Control {39+1}
+      ...00111: Number = 7 {39+1}
+    Option Length: 11 {40+1}
+    Pointer: 8 {41+1}
+    Address Data {42+8}
+      Route Address #1: 11.0.0.1 {42+4}
+      Route Address #2: 0.0.0.0 (Next available address position as indicated by pointer offset) {46+4}
+  Option: Stream ID, Class  = Control {50+4}
+    Option-Type: {50+1}
+      1.......: Copied = True {50+1}
+      .00.....: Class  = Control {50+1}
+      ...01000: Number = 8 {50+1}
+    Option Length: 4 {51+1}
+    Stream ID: 0x0BAD {52+2}
+  Option: No Operation, Class  = Control {54+1}
+    Option-Type: {54+1}
+      0.......: Copied = False {54+1}
+      .00.....: Class  = Control {54+1}
+      ...00001: Number = 1 {54+1}
+  Option: End of Options List, Class  = Control {55+1}
+    Option-Type: {55+1}
+      0.......: Copied = False {55+1}
+      .00.....: Class  = Control {55+1}
+      ...00000: Number = 0 {55+1}
+    Option Padding {56+4}
+)");
+}
+
+// The lines of options without those of their type bytes.
+std::string BodiesOf(const Bytes& options) {
+  std::string out, tree = OptionsOf(options);
+  for (size_t at = 0, end; (end = tree.find('\n', at)) != std::string::npos; at = end + 1) {
+    const std::string line = tree.substr(at, end + 1 - at);
+    if (!Has(line, "Option-Type") && !Has(line, ": Copied") && !Has(line, ": Class  =") && !Has(line, ": Number =")) out += line;
+  }
+  return out;
+}
+
+TEST(Ipv4, OptionsOfTimesAndUnknownOnes) {
+  EXPECT_EQ(BodiesOf(Hex(R"(
+    44 0C 0D 13 0A000001 00000005   44 06 05 02 AABB   44 09 05 00 00000009 AA
+    94 04 0000   0A 03 77   F7 05 010203
+  )")), R"(  Option: Internet Timestamp, Class  = Debugging {20+12}
+    Option Length: 12 {21+1}
+    Pointer: 13 {22+1}
+    Status: Overflow = 1, Prespecified {23+1}
+      0001....: Overflow = 1 {23+1}
+      ....0011: 3 = Prespecified {23+1}
+    Timestamp Data {24+8}
+      IP Address: 10.0.0.1 {24+4}
+      Timestamp: 5 ms {28+4}
+  Option: Internet Timestamp, Class  = Debugging {32+6}
+    Option Length: 6 {33+1}
+    Pointer: 5 {34+1}
+    Status: Overflow = 0 {35+1}
+      0000....: Overflow = 0 {35+1}
+      ....0010: 2 = Undefined {35+1}
+    Timestamp Data {36+2}
+  Option: Internet Timestamp, Class  = Debugging {38+9}
+    Option Length: 9 {39+1}
+    Pointer: 5 {40+1}
+    Status: Overflow = 0, Time Stamps Only {41+1}
+      0000....: Overflow = 0 {41+1}
+      ....0000: 0 = Time Stamps Only {41+1}
+    Timestamp Data {42+5}
+      Timestamp: 9 ms {42+4}
+  Option: IP Router Alert, Class  = Control (Examine Packet) {47+4}
+    Option Length: 4 {48+1}
+    Alert Status: 0 = Router Shall Examine Packet {49+2}
+  Option: Experimental Measurement, Class  = Control {51+3}
+    Option Length: 3 {52+1}
+    Option Data {53+1}
+  Option: Undefined, Class  = Reserved {54+5}
+    Option Data {56+3}
+  Option: End of Options List, Class  = Control {59+1}
+)");
+}
+
+TEST(Ipv4, CommercialSecurityTagsEndAtALengthThatLeadsNowhere) {
+  EXPECT_EQ(BodiesOf(Hex(R"(
+    86 26 00000007
+    01 06 00 03 F00F   02 08 00 01 0009 0102   05 0A 00 02 0005 0001 0008   07 05 112233   01 01 FF
+    81 85
+  )")), R"(  Option: Commercial IP Security, Class  = Control {20+38}
+    Option Length: 38 {21+1}
+    Domain ID: 7 {22+4}
+    Bit Mapped Tag {26+6}
+      Tag Type: 1 = Bit Mapped {26+1}
+      Length: 6 {27+1}
+      Allignment Octet: 0x00 {28+1}
+      Sensitivity Level: 3 {29+1}
+      Bit Map Data {30+2}
+    Enumerated Tag {32+8}
+      Tag Type: 2 = Enumerated {32+1}
+      Length: 8 {33+1}
+      Allignment Octet: 0x00 {34+1}
+      Sensitivity Level: 1 {35+1}
+      Enumerated Category 1: 9 {36+2}
+      Enumerated Category 2: 258 {38+2}
+    Range Tag {40+10}
+      Tag Type: 5 = Range {40+1}
+      Length: 10 {41+1}
+      Allignment Octet: 0x00 {42+1}
+      Sensitivity Level: 2 {43+1}
+      Category Range 1: {44+4}
+        High Category: 5 {44+2}
+        Low Category: 1 {46+2}
+      Category Range 2: {48+2}
+        High Category: 8 {48+2}
+    Reserved Tag {50+5}
+      Tag Type: 7 = Reserved {50+1}
+      Length: 5 {51+1}
+      Reserved Data {52+3}
+    Bit Mapped Tag {55+2}
+      Tag Type: 1 = Bit Mapped {55+1}
+      Length: 1 {56+1}
+  Option: No Operation, Class  = Control {58+1}
+  Option: DoD Extended Security, Class  = Control {59+1}
+)");
+}
+
+TEST(Ipv4, OptionLengthsThatLieEndQuietly) {
+  EXPECT_EQ(BodiesOf(Hex("83 00 04 05")), "  Option: Loose Source Routing, Class  = Control {20+2}\n"
+                                          "    Option Length: 0 {21+1}\n");
+  EXPECT_EQ(BodiesOf(Hex("83 01 01 01")), "  Option: Loose Source Routing, Class  = Control {20+1}\n"
+                                          "    Option Length: 1 {21+1}\n"
+                                          "  Option: No Operation, Class  = Control {21+1}\n"
+                                          "  Option: No Operation, Class  = Control {22+1}\n"
+                                          "  Option: No Operation, Class  = Control {23+1}\n");
+  EXPECT_EQ(BodiesOf(Hex("89 FF 04 01")), "  Option: Strict Source Routing, Class  = Control {20+4}\n"
+                                          "    Option Length: 255 {21+1}\n    Pointer: 4 {22+1}\n"
+                                          "    Address Data {23+1}\n");
+}
+
+TEST(Ipv4, VersionsAndHeadersThatAreNone) {
+  TestView view;
+  EXPECT_EQ(view.Run(DecodeIPv4, Bytes(19, 0x45)), 0);
+  EXPECT_EQ(view.Text(), "");
+  Bytes datagram = HeaderWith({}, 253, Hex("AA"));
+  datagram[0] = 0x57;
+  EXPECT_EQ(view.Run(DecodeIPv4, datagram), 0);
+  EXPECT_EQ(view.Text(), "IP - Unknown Version {0+21}\n"
+                         "  Status: Version = 5 (Unknown), IP Header Length = 28 Bytes {0+1}\nUnknown Data {8:1+20}\n");
+  EXPECT_EQ(view.context().packet.ipHeaderSeen, 0u);
+  datagram[0] = 0x46;   // longer than what is there: up to the checksum
+  EXPECT_EQ(view.Run(DecodeIPv4, datagram), 0);
+  EXPECT_TRUE(Has(view.Text(), "IP:    10.0.0.1 -> 10.0.0.2 {0+24}\n")) << view.Text();
+  EXPECT_TRUE(Has(view.Text(), "Protocol: 253")) << view.Text();
+  EXPECT_FALSE(Has(view.Text(), "checksum")) << view.Text();
+  datagram[0] = 0x43;   // shorter than the fixed header: the payload follows that
+  EXPECT_EQ(view.Run(DecodeIPv4, datagram), 1);
+  EXPECT_TRUE(Has(view.Text(), "Data {8:20+1}\n")) << view.Text();
+}
+
+TEST(Ipv4, TotalLengthsThatLie) {
+  for (const uint8_t total : {0, 19, 20}) {
+    Bytes datagram = HeaderWith({}, 253, Hex("AA"));
+    datagram[3] = total;
+    EXPECT_FALSE(Has(TreeOfRun(DecodeIPv4, datagram), "\nData")) << total;
+  }
+  Bytes datagram = HeaderWith({}, 253, Hex("AABB"));
+  datagram[2] = 0xFF;
+  TestView view;
+  view.Run(DecodeIPv4, datagram);
+  EXPECT_TRUE(Has(view.Text(), "\nData {8:20+2}\n")) << view.Text();
+  EXPECT_EQ(view.context().packet.network.totalLength, 0xFF16 - 20);
+}
+
+TEST(Ipv4, ATunnelLeavesTheInnermostDatagramsState) {
+  TestView view;
+  Bytes inner = HeaderWith({}, 17, Udp(53, 53, Hex("01")));
+  inner[15] = 9;
+  inner[6] = 0x20;
+  view.Run(DecodeIPv4, HeaderWith({}, 4, inner));
+  const PacketState& packet = view.context().packet;
+  EXPECT_EQ(packet.source.address[15], 9);
+  EXPECT_EQ(packet.source.kind, 1u);
+  EXPECT_EQ(packet.ipProtocol, 17);
+  EXPECT_TRUE(packet.network.fragmented && packet.network.moreFragments);
+  EXPECT_EQ(packet.network.totalLength, 9);
+  EXPECT_EQ(packet.nesting, 0);
+}
+
+TEST(Ipv4, AuthenticationHeadersAreDecodedInPlace) {
+  const Bytes ah = Hex("06 04 0000 00000101 00000007") + Bytes(12, 0xEE);
+  Bytes segment = Hex("0050 1234 00000001 00000002 5002 1000 0000 0000");
+  TestView view;
+  view.Run(DecodeIPv4, HeaderWith({}, 51, ah + segment));
+  EXPECT_TRUE(Has(view.Text(), R"(
+AH - Authentication Header: 24 bytes, SPI = 0x00000101, Sequence Number = 7 {20+24}
+  Next Header: 6 = TCP {20+1}
+  Payload Length: 4 (24 bytes) {21+1}
+  Reserved: 0x0000 {22+2}
+  Security Parameters Index (SPI): 0x00000101 (257) {24+4}
+  Sequence Number: 7 {28+4}
+  Integrity Check Value (ICV) {32+12}
+)")) << view.Text();
+  // The transport's sum starts from what the transport is told, as if the header in front were not there.
+  const NetworkState network = view.context().packet.network;
+  EXPECT_EQ(network.totalLength, 20);
+  const Bytes plain = HeaderWith({}, 6, segment);
+  EXPECT_EQ(network.pseudoHead, PseudoHead(plain.data()));
+  const uint32_t right = RightChecksum(SumWords(network.pseudoHead, segment.data(), 20), 0);
+  segment[16] = static_cast<uint8_t>(right >> 8);
+  segment[17] = static_cast<uint8_t>(right);
+  EXPECT_EQ(SumWords(network.pseudoHead, segment.data(), 20), 0xFFFFu);
+
+  for (const char* bad : {"06 00 0000 00000101 00000007", "06", "06 04 0000 0000"}) {
+    const std::string tree = TreeOfRun(DecodeIPv4, HeaderWith({}, 51, Hex(bad)));
+    EXPECT_FALSE(Has(tree, "\nTCP") || Has(tree, "\nData")) << tree;
+  }
+  CheckProperties(DecodeIPv4, HeaderWith({}, 51, ah + segment), true);
+}
+
+int32_t TakeAll(QxLine, const uint8_t*, int32_t length, int32_t, int32_t, uint32_t, void*, uint32_t*, uint32_t*,
+                uint64_t**, CustomDecodeBlock*) {
+  return length == 8;
+}
+
+TEST(Ipv4, UserLibrariesAreOfferedWholePayloadsFirst) {
+  TestHost host;
+  host.settings = {{"CustomLibrary0", "/library"}};
+  TestView view(&host);
+  view.loader.load = [](const char*) -> void* { return reinterpret_cast<void*>(&TakeAll); };
+  view.loader.find = [](void*, const char* name) -> void* {
+    return std::string(name) == "CustomDecodeIP" ? reinterpret_cast<void*>(&TakeAll) : nullptr;
+  };
+  view.loader.release = [](void*) {};
+  Bytes datagram = HeaderWith({}, 253, Bytes(8));
+  EXPECT_EQ(view.Run(DecodeIPv4, datagram + Bytes(5)), 1);
+  EXPECT_FALSE(Has(view.Text(), "\nData")) << view.Text();
+  view.Run(DecodeIPv4, HeaderWith({}, 253, Bytes(9)));
+  EXPECT_TRUE(Has(view.Text(), "\nData {8:20+9}")) << view.Text();
+  datagram[7] = 1;
+  view.Run(DecodeIPv4, datagram);
+  EXPECT_TRUE(Has(view.Text(), "Fragment, Offset 8, Last Fragment {8:20+8}")) << view.Text();
+}
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr double kSlowest = 200;   // milliseconds
+#else
+constexpr double kSlowest = 10;
+#endif
+
+// Decodes on a thread with a stack of 256 KB; the best of three runs in milliseconds.
+double TimeOnSmallStack(const Bytes& datagram) {
+  struct Job {
+    const Bytes* datagram;
+    double best;
+  } job{&datagram, 1e9};
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 256 * 1024);
+  pthread_t thread;
+  const auto run = [](void* given) -> void* {
+    Job* own = static_cast<Job*>(given);
+    TestView view;
+    for (int i = 0; i < 3; ++i) {
+      const auto start = std::chrono::steady_clock::now();
+      view.Run(DecodeIPv4, *own->datagram);
+      const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+      own->best = std::min(own->best, took.count());
+    }
+    return nullptr;
+  };
+  EXPECT_EQ(pthread_create(&thread, &attributes, run, &job), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+  return job.best;
+}
+
+// `count` headers inside each other. The lengths of outer ones lie where the datagram is longer than they can tell.
+Bytes Nested(size_t count, const Bytes& options) {
+  const Bytes header = HeaderWith(options, 4);
+  Bytes nested = Repeat(header, count);
+  for (size_t at = 0; at < nested.size(); at += header.size()) {
+    nested[at + 2] = static_cast<uint8_t>((nested.size() - at) >> 8);
+    nested[at + 3] = static_cast<uint8_t>(nested.size() - at);
+  }
+  return nested;
+}
+
+TEST(Ipv4, NestingIsBoundedInTimeAndStack) {
+  const Bytes options = Hex("44 24 25 01") + Bytes(32) + Hex("83 04 04 FF");
+  const double deep = TimeOnSmallStack(Nested(3000, {})), full = TimeOnSmallStack(Nested(64, options));
+  const double noOperations = TimeOnSmallStack(Nested(64, Bytes(40, 1)));
+  RecordProperty("nested60000Microseconds", static_cast<int>(deep * 1000));
+  RecordProperty("nestedOptionsMicroseconds", static_cast<int>(full * 1000));
+  RecordProperty("nestedNoOperationsMicroseconds", static_cast<int>(noOperations * 1000));
+  EXPECT_LT(deep, kSlowest);
+  EXPECT_LT(full, kSlowest);
+  EXPECT_LT(noOperations, kSlowest);
+  TestView view;
+  view.Run(DecodeIPv4, Nested(3000, {}));
+  EXPECT_TRUE(Has(view.Text(), "Data {8:1300+58700}")) << "the decoder that is run and 64 more";
+}
+
+TEST(Ipv4, PseudoHeadSumsWhatTheTransportIsToldAndLeavesTheHeader) {
+  const Bytes header = Hex("46 00 0028 0001 4000 40 06 BEEF C0A80001 C0A80002 01010100");
+  uint32_t sum = 0x0006 + (0x28 - 24) + 0xC0A8 + 0x0001 + 0xC0A8 + 0x0002;
+  sum = (sum & 0xFFFF) + (sum >> 16);
+  const uint16_t words[] = {static_cast<uint16_t>(PseudoHead(header.data()))};
+  EXPECT_EQ(ReadU16(reinterpret_cast<const uint8_t*>(words)), sum);
+}
+
+TEST(Ipv4, ProtocolNames) {
+  EXPECT_STREQ(IpProtocolName(134), "RSVP-E2E-IGNORE");
+  EXPECT_STREQ(IpProtocolName(135), "Unassigned");
+  EXPECT_STREQ(IpProtocolName(255), "Reserved");
+  EXPECT_STREQ(NextHeaderName(133), "FC");
+  EXPECT_STREQ(NextHeaderName(134), "unknown header type");
+  EXPECT_STREQ(NextHeaderName(255), "unknown header type");
+}
+
+TEST(Ipv4, Properties) {
+  CheckProperties(DecodeIPv4, HeaderWith(Hex("86 0E 00000007 01 08 00 03 F00F AABB  44 0C 0D 13 0A000001 00000005"
+                                             " 07 07 04 01020304"), 4, HeaderWith({}, 253, Hex("01"))), true);
+}
+
+}  // namespace
+}  // namespace qxview::testing
