@@ -3,10 +3,14 @@
 #include <cstring>
 #include <fstream>
 
+#include "host/session.h"
+
 namespace qxview {
 namespace {
 
 StandaloneHost* HostOf(void* user) { return static_cast<StandaloneHost*>(user); }
+
+ProtocolDefinitions& DefinitionsOf(void* user) { return HostOf(user)->Definitions(); }
 
 int32_t GiveText(const std::string& text, char* out, int32_t outSize) {
   if (!out || outSize < 1) return 0;
@@ -27,6 +31,12 @@ int32_t AddressAlias(void* user, uint32_t kind, const uint8_t* address, char* ou
   return name ? GiveText(*name, out, outSize) : 0;
 }
 
+
+int32_t EarlierSegment(void* user, const AddressSlot* source, uint16_t sourcePort, const AddressSlot* destination,
+                       uint16_t destinationPort, int32_t back, QxSegment* out) {
+  return HostOf(user)->History().Find(*source, sourcePort, *destination, destinationPort, back, out) ? 1 : 0;
+}
+
 }  // namespace
 
 void StandaloneHost::FillRecord() {
@@ -37,11 +47,31 @@ void StandaloneHost::FillRecord() {
     return GiveText(HostOf(user)->applicationDirectory_, out, outSize);
   };
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
+  record_.earlierSegment = EarlierSegment;
+  LendDefinitions<&DefinitionsOf>(&record_);
 }
 
-void StandaloneHost::StartPacket() {}
+bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, std::string* message,
+                                    bool* fileFault) {
+  *fileFault = true;
+  for (const SettingsLine& line : settings_.ProtocolLines()) {
+    if (const auto wrong = definitions_.AddDefinition(line.text)) return *message = line.place + ": " + *wrong, false;
+  }
+  *fileFault = false;
+  for (const std::string& definition : overrides) {
+    if (auto wrong = definitions_.AddDefinition(definition)) return *message = *wrong, false;
+  }
+  return true;
+}
 
-void StandaloneHost::FinishPacket() {}
+void StandaloneHost::FinishPacket() {
+  if (!session_) return;
+  const PacketState& packet = session_->Context().packet;
+  if (packet.segment.here) {
+    history_.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
+                    session_->Context().packetNumber);
+  }
+}
 
 std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& options, std::string* message,
                                                        bool* fileFault) {
@@ -54,6 +84,7 @@ std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& option
   for (const std::string& assignment : options.settings) {
     if (!host->settings_.Set(assignment, message)) return nullptr;
   }
+  if (!host->AddDefinitions(options.definitions, message, fileFault)) return nullptr;
   *fileFault = true;
   const std::string* aliasFile = host->settings_.Find("AliasFile");
   if (aliasFile && !aliasFile->empty() && !host->aliases_.ReadFile(*aliasFile, message)) return nullptr;

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "host/alias_table.h"
+#include "host/protocol_definitions.h"
+#include "host/segment_history.h"
 #include "host/settings_store.h"
 #include "qxview/qxview_host.h"
 
@@ -29,21 +31,25 @@ class StandaloneHost {
 
   // The session whose packets this host serves.
   void Attach(Session* session) { session_ = session; }
-  // Around the decoding of each packet.
-  void StartPacket();
+  // Behind the decoding of each packet: keeps what later ones may ask for.
   void FinishPacket();
 
   const SettingsStore& Settings() const { return settings_; }
   const AliasTable& Aliases() const { return aliases_; }
+  ProtocolDefinitions& Definitions() { return definitions_; }
+  SegmentHistory& History() { return history_; }
 
  private:
   StandaloneHost() = default;
   void FillRecord();
+  bool AddDefinitions(const std::vector<std::string>& overrides, std::string* message, bool* fileFault);
 
   QxHost record_{};
   Session* session_ = nullptr;
   SettingsStore settings_;
   AliasTable aliases_;
+  ProtocolDefinitions definitions_;
+  SegmentHistory history_;
   std::string applicationDirectory_;
 };
 
