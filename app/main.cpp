@@ -17,6 +17,8 @@ int Run(int argc, char** argv) {
   app.footer("Every command has --help with examples.");
   int status = kDone;
   AddDecodeCommand(&app, &status);
+  AddFindCommand(&app, &status);
+  AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
   try {
     app.parse(argc, argv);

@@ -8,7 +8,8 @@ namespace qxview {
 
 class Output {
  public:
-  Output();
+  Output();                                  // standard output
+  explicit Output(const OutputSink& sink) { OpenOutput(&file_, sink); }
   void Put(std::string_view text) { WriteOutput(&file_, text.data(), static_cast<int32_t>(text.size())); }
   void Put(char c) { WriteOutput(&file_, &c, 1); }
   void Flush() { FlushOutput(&file_); }

@@ -1,6 +1,7 @@
 #include "decoders/states.h"
 
 #include "core/dispatch.h"
+#include "decoders/app/http_message.h"
 #include "decoders/net/window_scales.h"
 
 namespace qxview {
@@ -9,6 +10,7 @@ namespace {
 // A row a decoder with state: {slot, create, destroy}.
 constexpr StateRow kStates[] = {
     {DecoderState::kWindowScales, CreateWindowScales, DestroyWindowScales},
+    {DecoderState::kHttp, CreateHttpState, DestroyHttpState},
 };
 
 }  // namespace

@@ -4,16 +4,15 @@
 //   destination  source       type/length  payload
 //
 // A type/length of at most 1500 is the length of an 802.2 payload; anything above is an Ethertype.
-#include "core/custom_libraries.h"
-#include "core/frame_entry.h"
+#include "decoders/link/medium.h"
 
 namespace qxview {
 namespace {
 
-constexpr int32_t kAddressLength = 6;
 constexpr uint16_t kMostLength = 1500;
 constexpr uint16_t kEthertypeVlan = 0x8100, kEthertypeVnTag = 0x8926, kEthertypeIpx = 0x8137;
 constexpr uint32_t kNovellRaw = 0xFFFF;   // IPX without an 802.2 header starts with a checksum of all ones
+constexpr int32_t kIpxHeaderLength = 30;
 
 // ISL trunks address their frames to 01-00-0C-00-00 or 03-00-0C-00-00; the sixth byte is not looked at.
 bool IsIslFrame(const Cursor& c) {
@@ -25,7 +24,7 @@ bool IsIslFrame(const Cursor& c) {
 
 // Tagged frames are named by the type behind their tags.
 const char* NameFrameType(const Cursor& c) {
-  int32_t at = 2 * kAddressLength;
+  int32_t at = 2 * kMacAddressLength;
   const auto typeAt = [&](int32_t place) { return place + 2 <= Left(c) ? ReadU16(c.at + place) : 0; };
   if (typeAt(at) == kEthertypeVnTag) at += 6;
   if (typeAt(at) == kEthertypeVlan) at += 4;
@@ -59,21 +58,20 @@ int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
   AddLine(in, type, "Length: %u", type.value);
   Cursor payload = TakeCursor(c, type.value);
   if (Left(payload) >= 2 && ReadU16(payload.at) == kNovellRaw) {
-    return CallDecoder(network, payload, FindEthertype(kEthertypeIpx)->decode, "Raw Data");
+    const bool whole = Left(payload) >= kIpxHeaderLength;
+    return CallDecoder(network, payload, whole ? FindEthertype(kEthertypeIpx)->decode : nullptr, "Raw Data");
   }
   return CallDecoder(network, payload, DecodeLlc, "Raw Data");
 }
 
 int32_t DecodeMacHeader(const Place& at, Cursor c) {
-  if (Left(c) < 2 * kAddressLength) return 0;
+  if (Left(c) < 2 * kMacAddressLength) return 0;
   const LineHandle top =
       AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",
-              CheckAlias(at.view, 0, c.at + kAddressLength), CheckAlias(at.view, 0, c.at));
+              CheckAlias(at.view, 0, c.at + kMacAddressLength), CheckAlias(at.view, 0, c.at));
   const Place in = Under(at, top);
-  const Field destination = TakeBytes(c, kAddressLength);
-  AddLine(in, destination, "Destination: %s", CheckAlias(at.view, 0, destination.bytes));
-  const Field source = TakeBytes(c, kAddressLength);
-  AddLine(in, source, "Source: %s", CheckAlias(at.view, 0, source.bytes));
+  AddAddress(in, TakeBytes(c, kMacAddressLength), "Destination");
+  AddAddress(in, TakeBytes(c, kMacAddressLength), "Source");
   DecodeEthernetHeader(in, c);
   return 1;
 }
@@ -82,14 +80,18 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   const FrameRecord* record = PacketOf(at).frame;
   constexpr uint32_t kUnsafeToOffer = kReceiveAlignment | kReceiveCrc;
   if (!(record->receiveErrors & kUnsafeToOffer) && Left(c) >= 4 && OfferFrame(at, c)) return 1;
-  if (record->receiveErrors == 0 && IsIslFrame(c)) return TryDecoder(at, c, FindLinkEncapsulation(kIslKey)->decode, nullptr);
+  if (record->receiveErrors == 0 && IsIslFrame(c)) {
+    return TryDecoder(at, c, FindLinkEncapsulation(kIslKey)->decode, nullptr);
+  }
 
-  const Place in = AddFrameSummary(at, c);
-  const Field frame = Ahead(c, Left(c));
-  AddLine(in, frame, "Network: Ethernet,  Frame type:  %s", NameFrameType(c));
-  AddLine(in, frame, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
-  AddPartialSize(in, c);
-  DecodeMacHeader(at, c);
+  const Cursor frame = c;
+  const Field checkSequence = CutCheckSequence(at, c);
+  const Place in = AddFrameSummary(at, frame);
+  const Field whole = Ahead(frame, Left(frame));
+  AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", NameFrameType(c));
+  AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
+  AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
+  if (!DecodeMacHeader(at, c)) AddRawRest(at, c, "Raw Data");
   return 1;
 }
 

@@ -1,21 +1,15 @@
-// 802.2 logical link control (IEEE 802.2) and SNAP (IEEE 802, RFC 1042).
+// 802.2 logical link control (IEEE 802.2).
 //
-//   0     1     2                 3              6
-//   DSAP  SSAP  control (1 or 2)  SNAP: OUI (3)  protocol (2)
+//   0     1     2                 3 or 4
+//   DSAP  SSAP  control (1 or 2)  payload; AA AA 03 is followed by a SNAP header
 //
 // Information and supervisory control fields have two bytes, unnumbered ones one.
-#include "core/decoder.h"
 #include "decoders/link/llc.h"
 
 namespace qxview {
 namespace {
 
 constexpr uint32_t kSnapSap = 0xAA, kUnnumberedInformation = 0x03;
-constexpr uint32_t kBridgedLanOui = 0x0080C2;
-constexpr uint16_t kAppleTalk = 0x809B;
-
-constexpr auto kOuiNames = SortedNames({{0x000000, "Default"}, {0x00000C, "Cisco"}, {0x00000F, "NeXT"},
-                                        {0x000010, "Sytek"}, {0x00001D, "Cabletron"}, {0x000020, "DIAB"}});
 
 constexpr auto kSapNames = SortedNames({{0x00, "Null"}, {0x02, "LLC Sublayer Management"}, {0x04, "SNA"},
                                         {0x06, "IP"}, {0x0E, "PROWAY"}, {0x42, "Spanning Tree BPDU"},
@@ -34,7 +28,53 @@ struct Sap {
   Field dsap, ssap, control;
 };
 
-// The control field's line: its format and what it says.
+void AddSapLines(const Place& in, const Sap& sap) {
+  AddLine(in, sap.dsap, "DSAP: 0x%.02X = %s%s", sap.dsap.value, LookupName(kSapNames, sap.dsap.value & 0xFE),
+          sap.dsap.value & 1 ? " (Group)" : "");
+  AddLine(in, sap.ssap, "SSAP: 0x%.02X = %s%s", sap.ssap.value, LookupName(kSapNames, sap.ssap.value & 0xFE),
+          sap.ssap.value & 1 ? " (Response)" : " (Command)");
+  if (sap.control.here) AddControlLine(in, sap.control);
+}
+
+bool IsSnap(const Sap& sap) {
+  return sap.control.here && sap.dsap.value == kSnapSap && sap.ssap.value == kSnapSap &&
+         sap.control.value == kUnnumberedInformation;
+}
+
+// The two SAPs and the control field; the control is not here when the bytes end.
+Sap TakeSap(Cursor& c) {
+  Sap sap;
+  sap.dsap = TakeU8(c);
+  sap.ssap = TakeU8(c);
+  const bool unnumbered = Left(c) >= 1 && (c.at[0] & 3) == 3;
+  sap.control = unnumbered ? TakeU8(c) : TakeU16(c);
+  return sap;
+}
+
+int32_t DecodeSnap(const Place& at, const Sap& sap, const Cursor& c) {
+  const LineHandle top = AddLine(at, Stated(sap.dsap.offset, Left(c) < 5 ? 3 + Left(c) : 8), "802.2 SNAP Header:");
+  const Place in = Under(at, top);
+  AddSapLines(in, sap);
+  return DecodeSnapFields(in, top, Deeper(at), c);
+}
+
+// Which service the SAPs and the control field name; first match wins. The cursor stands on the payload.
+LlcService ChooseService(const Sap& sap, const Cursor& c) {
+  const uint32_t dsap = sap.dsap.value, ssap = sap.ssap.value;
+  const uint32_t control = sap.control.length == 1 ? sap.control.value & 0xEF : 0;
+  const int32_t next = Left(c) >= 1 ? c.at[0] : -1;
+  if (control == 0xAF || control == 0xE3) return LlcService::kXidTest;
+  if (dsap == 0xFE && ssap == 0xFE) return next < 0 ? LlcService::kOsiOther : OsiService(static_cast<uint32_t>(next));
+  if (dsap == 0xE0 && ssap == 0xE0) return Left(c) >= 30 ? LlcService::kIpx : LlcService::kNone;
+  if (dsap == 0xF0 || ssap == 0xF0) return LlcService::kNetBios;
+  if (dsap == 0xBC && ssap == 0xBC) return next == 0xBA ? LlcService::kVinesBa : LlcService::kVines;
+  if (dsap == 0x42 && ssap == 0x42) return LlcService::kSpanningTree;
+  if (dsap == 0x04 || ssap == 0x04) return LlcService::kSna;
+  return LlcService::kNone;
+}
+
+}  // namespace
+
 void AddControlLine(const Place& in, const Field& control) {
   const uint32_t first = control.length == 2 ? control.value >> 8 : control.value;
   if ((first & 1) == 0) {
@@ -49,105 +89,40 @@ void AddControlLine(const Place& in, const Field& control) {
   }
 }
 
-void AddSapLines(const Place& in, const Sap& sap) {
-  AddLine(in, sap.dsap, "DSAP: 0x%.02X = %s%s", sap.dsap.value, LookupName(kSapNames, sap.dsap.value & 0xFE),
-          sap.dsap.value & 1 ? " (Group)" : "");
-  AddLine(in, sap.ssap, "SSAP: 0x%.02X = %s%s", sap.ssap.value, LookupName(kSapNames, sap.ssap.value & 0xFE),
-          sap.ssap.value & 1 ? " (Response)" : " (Command)");
-  if (sap.control.here) AddControlLine(in, sap.control);
-}
-
-Place NetworkPlace(const Place& at) { return Deeper(at); }
-
-int32_t DispatchSnap(const Place& at, const Cursor& c, uint16_t protocol) {
-  if (protocol == kAppleTalk) return CallDecoder(at, c, FindEthertype(kAppleTalk)->decode, "Raw Data");
-  const int32_t handled = DispatchEthertype(at, c, protocol);
-  return handled ? handled : CallDecoder(at, c, nullptr, "Raw Data");
-}
-
-// Frames of another LAN behind the OUI of bridged traffic: the carried MAC header is passed over.
-int32_t DecodeBridgedLan(const Place& at, const Place& in, const Field& oui, Cursor c) {
-  AddLine(in, oui, "Organizational Code: 0x%.06X = Routed LAN Traffic", oui.value);
-  const Field type = TakeU16(c);
-  const char* medium = nullptr;
-  switch (type.value) {
-    case 1: case 7: medium = "Ethernet"; break;
-    case 3: case 9: medium = "Token Ring"; break;
-    case 4: case 10: medium = "FDDI"; break;
-    default: break;
+LlcService OsiService(uint32_t nlpid) {
+  switch (nlpid) {
+    case 0x00: return LlcService::kOsiNull;
+    case 0x81: return LlcService::kClnp;
+    case 0x82: return LlcService::kEsIs;
+    case 0x83: return LlcService::kIsIs;
+    default: return LlcService::kOsiOther;
   }
-  if (!medium) return CallDecoder(at, c, nullptr, "Raw Data");
-  AddLine(in, type, "Network Type: 0x%.04X - %s", type.value, medium);
-  TakeBytes(c, 16);
-  const Field ethertype = TakeU16(c);
-  if (!ethertype.here) return 1;
-  return DispatchSnap(at, c, static_cast<uint16_t>(ethertype.value));
 }
 
-int32_t DecodeSnap(const Place& at, const Sap& sap, Cursor c) {
-  const LineHandle top = AddLine(at, Stated(sap.dsap.offset, Left(c) < 5 ? 3 + Left(c) : 8), "802.2 SNAP Header:");
-  const Place in = Under(at, top);
-  AddSapLines(in, sap);
-  const Field oui = TakeU24(c);
-  if (oui.here && oui.value == kBridgedLanOui) return DecodeBridgedLan(NetworkPlace(at), in, oui, c);
-  AddLine(in, oui, "Organizational Code: 0x%.06X = %s", oui.value,
-          LookupName(kOuiNames, oui.value, "Vendor Specific"));
-  const Field protocol = TakeU16(c);
-  if (!protocol.here) return 1;
-  if (const char* name = EthertypeName(static_cast<uint16_t>(protocol.value))) {
-    AddLine(in, protocol, "Ethertype: [0x%.04X] = %s", protocol.value, name);
-    AppendToLine(at, top, " Ethertype = %s", name);
-  } else {
-    AddLine(in, protocol, "Protocol: 0x%.04X", protocol.value);
-  }
-  DispatchSnap(NetworkPlace(at), c, static_cast<uint16_t>(protocol.value));
-  return 1;
-}
-
-// Which service the SAPs and the control field name; first match wins. `next` is the byte at offset 3.
-LlcService ChooseService(const Sap& sap, const Cursor& c) {
-  const uint32_t dsap = sap.dsap.value, ssap = sap.ssap.value;
-  const uint32_t control = sap.control.length == 1 ? sap.control.value & 0xEF : 0;
-  const int32_t next = Left(c) >= 1 ? c.at[0] : -1;
-  if (control == 0xAF || control == 0xE3) return LlcService::kXidTest;
-  if (dsap == 0xFE && ssap == 0xFE) {
-    switch (next) {
-      case 0x00: return LlcService::kOsiNull;
-      case 0x81: return LlcService::kClnp;
-      case 0x82: return LlcService::kEsIs;
-      case 0x83: return LlcService::kIsIs;
-      default: return LlcService::kOsiOther;
-    }
-  }
-  if (dsap == 0xE0 && ssap == 0xE0) return Left(c) >= 30 ? LlcService::kIpx : LlcService::kNone;
-  if (dsap == 0xF0 || ssap == 0xF0) return LlcService::kNetBios;
-  if (dsap == 0xBC && ssap == 0xBC) return next == 0xBA ? LlcService::kVinesBa : LlcService::kVines;
-  if (dsap == 0x42 && ssap == 0x42) return LlcService::kSpanningTree;
-  if (dsap == 0x04 || ssap == 0x04) return LlcService::kSna;
-  return LlcService::kNone;
-}
-
-}  // namespace
-
-int32_t DecodeLlc(const Place& at, Cursor c) {
-  Sap sap;
-  const Cursor start = c;
-  sap.dsap = TakeU8(c);
-  sap.ssap = TakeU8(c);
-  if (!sap.ssap.here) return 0;
-  const bool unnumbered = Left(c) >= 1 && (c.at[0] & 3) == 3;
-  sap.control = unnumbered ? TakeU8(c) : TakeU16(c);
-  if (sap.control.here && sap.dsap.value == kSnapSap && sap.ssap.value == kSnapSap &&
-      sap.control.value == kUnnumberedInformation) {
-    return DecodeSnap(at, sap, c);
+const char* NameLlcPayload(Cursor c) {
+  const Sap sap = TakeSap(c);
+  if (!sap.control.here) return kUnknown;
+  if (IsSnap(sap)) {
+    TakeU24(c);
+    const Field protocol = TakeU16(c);
+    const char* name = protocol.here ? EthertypeName(static_cast<uint16_t>(protocol.value)) : nullptr;
+    return name ? name : "SNAP";
   }
   const DecoderRow* service = FindLlcService(ChooseService(sap, c));
-  const char* name = service ? service->name : nullptr;
+  return service ? service->name : LookupName(kSapNames, sap.dsap.value & 0xFE);
+}
+
+int32_t DecodeLlc(const Place& at, Cursor c) {
+  const Cursor start = c;
+  if (Left(c) < 2) return 0;
+  const Sap sap = TakeSap(c);
+  if (IsSnap(sap)) return DecodeSnap(at, sap, c);
+  const DecoderRow* service = FindLlcService(ChooseService(sap, c));
   const Field header = Ahead(start, Taken(c));
-  const Place in = Under(at, name ? AddLine(at, header, "802.2 Header: Protocol = %s", name)
-                                  : AddLine(at, header, "802.2 Header"));
+  const Place in = Under(at, service ? AddLine(at, header, "802.2 Header: Protocol = %s", service->name)
+                                     : AddLine(at, header, "802.2 Header"));
   AddSapLines(in, sap);
-  if (sap.control.here && Left(c) > 0) CallDecoder(NetworkPlace(at), c, service ? service->decode : nullptr, "Raw Data");
+  if (Left(c) > 0) CallDecoder(Deeper(at), c, service ? service->decode : nullptr, "Raw Data");
   return 1;
 }
 

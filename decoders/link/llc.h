@@ -1,6 +1,7 @@
-// What an 802.2 header can carry beside SNAP: the keys of the registry's table of LLC services.
+// 802.2 headers: what they can carry beside SNAP, which are the keys of the registry's table of LLC services, and the
+// parts of their decoder.
 #pragma once
-#include "core/dispatch.h"
+#include "core/decoder.h"
 
 namespace qxview {
 
@@ -9,5 +10,26 @@ enum class LlcService : uint32_t {
 };
 
 const DecoderRow* FindLlcService(LlcService service);   // null for kNone
+
+// The service of an OSI network-layer identifier.
+LlcService OsiService(uint32_t nlpid);
+
+// The line of a control field of one or two bytes: its format and what it says.
+void AddControlLine(const Place& in, const Field& control);
+
+// The organizational code and the protocol of a SNAP header, under `in`. `top` is the header's line: the protocol's
+// name is appended to it. The rest at `network`.
+int32_t DecodeSnapFields(const Place& in, LineHandle top, const Place& network, Cursor c);
+
+// The line of an OUI, and of the Ethertype or other protocol behind it; the protocol's name, null when it has none.
+void AddOrganization(const Place& in, const Field& oui);
+const char* AddSnapProtocol(const Place& in, const Field& protocol);
+
+// Dispatches the payload of a SNAP header.
+int32_t DispatchSnap(const Place& network, const Cursor& c, uint16_t protocol);
+
+// The name of what an 802.2 header carries: the Ethertype's behind a SNAP header, else the service's; "Unknown" when
+// nothing names it.
+const char* NameLlcPayload(Cursor c);
 
 }  // namespace qxview

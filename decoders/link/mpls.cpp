@@ -10,7 +10,7 @@ namespace qxview {
 namespace {
 
 constexpr uint16_t kEthertypeIPv4 = 0x0800, kEthertypeIPv6 = 0x86DD;
-constexpr int32_t kMacHeaderLength = 14, kControlWordLength = 4;
+constexpr int32_t kMacHeaderLength = 14, kControlWordLength = 4, kMacAddressLength = 6;
 
 constexpr auto kReservedLabels = SortedNames({{0, "IPv4 Explicit NULL"}, {1, "Router Alert"},
                                               {2, "IPv6 Explicit NULL"}, {3, "Implicit NULL"}, {7, "Entropy Label"},
@@ -18,10 +18,13 @@ constexpr auto kReservedLabels = SortedNames({{0, "IPv4 Explicit NULL"}, {1, "Ro
 
 enum class Carried { kNothing = -1, kUnknown = 0, kEthernet = 1, kIPv4 = 4, kIPv6 = 6 };
 
+// A type that has a decoder or a length that fits, and a source that is a station: groups send nothing.
 bool LooksLikeMacHeader(const uint8_t* bytes, int32_t left) {
-  if (left < kMacHeaderLength) return false;
-  const uint32_t type = ReadU16(bytes + 12);
-  return FindEthertype(static_cast<uint16_t>(type)) != nullptr || (type <= 1500 && static_cast<int32_t>(type) <= left - kMacHeaderLength);
+  if (left < kMacHeaderLength || (bytes[kMacAddressLength] & 1)) return false;
+  constexpr int32_t kLeastLlc = 3, kMostLength = 1500;
+  const int32_t type = static_cast<int32_t>(ReadU16(bytes + 2 * kMacAddressLength));
+  if (type <= kMostLength) return type >= kLeastLlc && type <= left - kMacHeaderLength;
+  return FindEthertype(static_cast<uint16_t>(type)) != nullptr;
 }
 
 // One label's lines; false behind the bottom of the stack or when the bytes end.
@@ -44,36 +47,59 @@ bool DecodeLabel(const Place& at, Cursor& c) {
   return bottom.value == 0;
 }
 
-Carried TellPayload(const Cursor& c) {
-  if (Left(c) < 1) return Carried::kNothing;
+struct Payload {
+  Carried carried;
+  bool controlWord;
+};
+
+Payload TellPayload(const Cursor& c) {
+  if (Left(c) < 1) return {Carried::kNothing, false};
   const uint32_t nibble = c.at[0] >> 4u;
-  if (nibble == 4) return Carried::kIPv4;
-  if (nibble == 6) return Carried::kIPv6;
-  const bool control = nibble == 0 && Left(c) > kControlWordLength &&
-                       LooksLikeMacHeader(c.at + kControlWordLength, Left(c) - kControlWordLength);
-  return control || LooksLikeMacHeader(c.at, Left(c)) ? Carried::kEthernet : Carried::kUnknown;
+  if (nibble == 4) return {Carried::kIPv4, false};
+  if (nibble == 6) return {Carried::kIPv6, false};
+  if (nibble == 0 && Left(c) > kControlWordLength &&
+      LooksLikeMacHeader(c.at + kControlWordLength, Left(c) - kControlWordLength)) {
+    return {Carried::kEthernet, true};
+  }
+  return {LooksLikeMacHeader(c.at, Left(c)) ? Carried::kEthernet : Carried::kUnknown, false};
+}
+
+int32_t DecodePayload(const Place& network, Cursor c) {
+  const Payload payload = TellPayload(c);
+  if (payload.controlWord) {
+    const Field word = TakeU32(c);
+    AddLine(network, word, "Pseudowire Control Word: Sequence Number = %u", word.value & 0xFFFF);
+  }
+  switch (payload.carried) {
+    case Carried::kNothing: return 1;
+    case Carried::kIPv4: return CallDecoder(network, c, FindEthertype(kEthertypeIPv4)->decode, "Raw Data");
+    case Carried::kIPv6: return CallDecoder(network, c, FindEthertype(kEthertypeIPv6)->decode, "Raw Data");
+    case Carried::kEthernet: return CallDecoder(network, c, DecodeMacHeader, "Raw Data");
+    case Carried::kUnknown: break;
+  }
+  return CallDecoder(network, c, nullptr, "Raw Data");
 }
 
 }  // namespace
 
 int32_t DecodeMpls(const Place& at, Cursor c) {
   if (Left(c) < 4) return 0;
+  // Every label is a header that carries the next one: it counts as a decoder that is called on carried data.
+  int32_t& nesting = PacketOf(at).nesting;
+  const int32_t outerNesting = nesting;
+  bool more = true;
   Loop loop;
-  while (MoreAt(at, c, loop) && DecodeLabel(at, c)) {
+  while (more && nesting < kMostNesting && MoreAt(at, c, loop)) {
+    more = DecodeLabel(at, c);
+    ++nesting;
   }
-  const Place network = Deeper(at);
-  switch (TellPayload(c)) {
-    case Carried::kNothing: return 1;
-    case Carried::kIPv4: return CallDecoder(network, c, FindEthertype(kEthertypeIPv4)->decode, "Raw Data");
-    case Carried::kIPv6: return CallDecoder(network, c, FindEthertype(kEthertypeIPv6)->decode, "Raw Data");
-    case Carried::kUnknown: return CallDecoder(network, c, nullptr, "Raw Data");
-    case Carried::kEthernet: break;
+  if (more) {
+    CallDecoder(Deeper(at), c, nullptr, "Raw Data");
+  } else {
+    DecodePayload(Deeper(at), c);
   }
-  if (!LooksLikeMacHeader(c.at, Left(c)) || (c.at[0] >> 4 == 0 && LooksLikeMacHeader(c.at + 4, Left(c) - 4))) {
-    const Field control = TakeU32(c);
-    AddLine(network, control, "Pseudowire Control Word: Sequence Number = %u", control.value & 0xFFFF);
-  }
-  return CallDecoder(network, c, DecodeMacHeader, "Raw Data");
+  nesting = outerNesting;
+  return 1;
 }
 
 }  // namespace qxview

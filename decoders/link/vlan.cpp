@@ -12,8 +12,7 @@ namespace {
 
 int32_t DecodeTag(const Place& at, Cursor c, const char* title) {
   if (Left(c) < 4) return 0;
-  const LineHandle top = AddLine(at, Ahead(c, 4), "%s", title);
-  const Place in = Under(at, top);
+  const Place in = Under(at, AddLine(at, Ahead(c, 4), "%s", title));
   const Field tag = TakeU16(c);
   const BitPicture priority = BitsOf(tag, 0, 3);
   AddBitLine(in, tag, "%s: Priority = %u", priority.picture, priority.value);
@@ -21,7 +20,6 @@ int32_t DecodeTag(const Place& at, Cursor c, const char* title) {
   AddBitLine(in, tag, "%s: Drop Eligible = %s", drop.picture, drop.value ? "True" : "False");
   const BitPicture identifier = BitsOf(tag, 4, 12);
   AddBitLine(in, tag, "%s: VLAN ID = %u", identifier.picture, identifier.value);
-  AppendToLine(at, top, ": ID = %u", identifier.value);
   return DecodeEthernetHeader(in, c);
 }
 

@@ -90,6 +90,15 @@ Bytes IPv4(uint8_t protocol, const Bytes& payload) {
   return header + payload;
 }
 
+Bytes IPv6(uint8_t nextHeader, const Bytes& payload) {
+  Bytes header = Hex("60 00 00 00 00 00 00 40  FE80 0000 0000 0000 0000 0000 0000 0001  FF02 0000 0000 0000 0000 "
+                     "0000 0000 0002");
+  header[4] = static_cast<uint8_t>(payload.size() >> 8);
+  header[5] = static_cast<uint8_t>(payload.size());
+  header[6] = nextHeader;
+  return header + payload;
+}
+
 Bytes Udp(uint16_t sourcePort, uint16_t destinationPort, const Bytes& payload) {
   const size_t length = payload.size() + 8;
   const uint16_t words[] = {sourcePort, destinationPort, static_cast<uint16_t>(length), 0};

@@ -24,6 +24,8 @@ Bytes Repeat(const Bytes& bytes, size_t times);
 Bytes Ethernet(uint16_t ethertype, const Bytes& payload);
 // An IPv4 header with a good checksum in front of the payload; ports and checksum (none) for UDP.
 Bytes IPv4(uint8_t protocol, const Bytes& payload);
+// An IPv6 header from fe80::1 to ff02::2 with the payload's length, in front of the payload.
+Bytes IPv6(uint8_t nextHeader, const Bytes& payload);
 Bytes Udp(uint16_t sourcePort, uint16_t destinationPort, const Bytes& payload);
 
 // A record with the frame inside it, as a capture buffer lends it.

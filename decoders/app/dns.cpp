@@ -1,0 +1,254 @@
+// DNS payloads and messages: the framing of TCP, the loop over messages, headers and sections.
+#include "decoders/app/dns.h"
+
+#include <cstring>
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kTcp = 6;
+constexpr uint16_t kDnsPort = 53;
+constexpr uint32_t kHighestOperation = 5, kHighestResult = 10;
+constexpr uint32_t kUpdateDispatch = 5, kHighestStandardDispatch = 2;
+constexpr const char* kLeftoverTitle = "DNS Data";
+constexpr const char* kContinuationTitle = "DNS Continuation Data";
+
+// The names of the four counts.
+constexpr const char* kStandardCounts[] = {"Question Record", "Answer Record", "Authority Record",
+                                           "Additional Record"};
+constexpr const char* kUpdateCounts[] = {"Zone Entry", "Prerequisite Record", "Update Record", "Additional Record"};
+
+// A flag of one bit: a letter for it in the "Flags:" text, and its own line over its octet.
+void AddFlag(const Place& in, const Field& octet, int32_t bit, const char* code, const char* name,
+             const char* equals = "=") {
+  const auto [picture, value] = BitsOf(octet, bit, 1);
+  AddBitLine(in, octet, "%s: (%s) %s = %s", picture, code, name, value ? "True" : "False");
+  AppendToParent(in, octet, ", %s%s%s", code, equals, value ? "T" : "F");
+}
+
+void AddReserved(const Place& in, const Field& octet, int32_t firstBit, int32_t bitCount) {
+  AddBitLine(in, octet, "%s: Reserved", BitsOf(octet, firstBit, bitCount).picture);
+}
+
+// The flags, each over the octet that holds it. Both multicast protocols use LLMNR's layout.
+void AddFlagLines(const Place& at, const Field& flags, DnsMessage& message, bool multicastLayout) {
+  const Place in = Under(at, AddLine(at, flags, "Flags:"));
+  Cursor octets = CursorOver(flags);
+  const Field high = TakeU8(octets), low = TakeU8(octets);
+
+  const auto [queryPicture, isResponse] = BitsOf(high, 0, 1);
+  message.isResponse = isResponse != 0;
+  const char* kind = isResponse ? "Response" : "Query";
+  if (high.here) AppendToLine(at, message.topLine, " %s", kind);
+  AppendToParent(in, high, " QR=%s", kind);
+  AddBitLine(in, high, "%s: (QR) Query/Response = %s", queryPicture, kind);
+
+  const auto [operationPicture, operation] = BitsOf(high, 1, 4);
+  const char* operationName = LookupName(kDnsOperationNames, operation, kUndefined);
+  AppendToParent(in, high, ", OPCODE=%s", operationName);
+  AddBitLine(in, high, "%s: (OPCODE) Operation Code [%u] = %s", operationPicture, operation, operationName);
+
+  if (multicastLayout) {
+    AddFlag(in, high, 5, "C", "Conflict", " = ");   // the blanks have always set this one apart
+    AddFlag(in, high, 6, "TC", "Truncation");
+    AddFlag(in, high, 7, "T", "Tentative");
+    AddReserved(in, low, 0, 4);
+  } else {
+    AddFlag(in, high, 5, "AA", "Authoritative Answer");
+    AddFlag(in, high, 6, "TC", "Truncation");
+    AddFlag(in, high, 7, "RD", "Recursion Desired");
+    AddFlag(in, low, 0, "RA", "Recursion Available");
+    AddReserved(in, low, 1, 3);
+  }
+
+  const auto [resultPicture, result] = BitsOf(low, 4, 4);
+  const char* resultName = LookupName(kDnsResultNames, result, kUndefined);
+  AppendToParent(in, low, ", RCODE=%s", resultName);
+  AddBitLine(in, low, "%s: (RCODE) Result Code [%u] = %s", resultPicture, result, resultName);
+}
+
+struct SectionCounts {
+  uint32_t entries[4];
+};
+
+SectionCounts DecodeHeader(const Place& at, Cursor& c, DnsMessage& message, bool multicastLayout,
+                           const char* const (&countNames)[4]) {
+  const Field identifier = TakeU16(c);
+  AddLine(at, identifier, "Transaction ID: 0x%04X", identifier.value);
+  AddFlagLines(at, TakeU16(c), message, multicastLayout);
+  SectionCounts counts{};
+  for (int32_t i = 0; i < 4; ++i) {
+    const Field count = TakeU16(c);
+    AddLine(at, count, "%s Count: %d", countNames[i], count.value);
+    counts.entries[i] = count.value;
+  }
+  return counts;
+}
+
+// The entries of a section, each on a cursor of its own: one that fails is not stepped over, nor is one that has fewer
+// than `shortest` bytes, whose lines stay. One that ran short leaves the message's cursor short, so that the sections
+// behind it stay empty.
+template <class DecodeEntry>
+int32_t DecodeSection(const Place& at, Cursor& c, uint32_t count, int32_t shortest, DecodeEntry decodeEntry) {
+  for (uint32_t number = 1; number <= count && Left(c) > 0 && !PacketOf(at).limitReached; ++number) {
+    Cursor entry = c;
+    if (!decodeEntry(entry, number)) return 0;
+    if (c.left < shortest) {
+      c.ranShort = true;
+      break;
+    }
+    if (entry.offset <= c.offset) break;
+    c = entry;
+  }
+  return 1;
+}
+
+int32_t DecodeQuestions(const Place& at, Cursor& c, DnsMessage& message, uint32_t count, const char* section) {
+  return DecodeSection(at, c, count, 1, [&](Cursor& entry, uint32_t number) {
+    return DecodeDnsQuestion(at, entry, message, section, number);
+  });
+}
+
+int32_t DecodeRecords(const Place& at, Cursor& c, DnsMessage& message, uint32_t count, const char* section) {
+  return DecodeSection(at, c, count, 1, [&](Cursor& entry, uint32_t number) {
+    return DecodeDnsResourceRecord(at, entry, message, section, number, false);
+  });
+}
+
+// Answers have a least size, and those of a response are repeated on the message's top line.
+int32_t DecodeAnswers(const Place& at, Cursor& c, DnsMessage& message, uint32_t count) {
+  constexpr int32_t kShortestAnswer = 6;
+  return DecodeSection(at, c, count, kShortestAnswer, [&](Cursor& entry, uint32_t number) {
+    return DecodeDnsResourceRecord(at, entry, message, "Answer", number, message.isResponse);
+  });
+}
+
+int32_t DecodeSections(const Place& at, Cursor& c, DnsMessage& message, const SectionCounts& counts,
+                       const char* questionSection) {
+  if (Left(c) < 2) return 1;
+  return DecodeQuestions(at, c, message, counts.entries[0], questionSection) &&
+         DecodeAnswers(at, c, message, counts.entries[1]) &&
+         DecodeRecords(at, c, message, counts.entries[2], "Authority") &&
+         DecodeRecords(at, c, message, counts.entries[3], "Additional");
+}
+
+}  // namespace
+
+const char* DnsTitle(int32_t variant) {
+  return variant == kDnsLinkLocal ? "Microsoft LLMNR:" : variant == kDnsMulticast ? "Multicast DNS:" : "DNS:";
+}
+
+int32_t DecodeDnsMessage(const Place& at, Cursor& c, DnsMessage& message, int32_t variant) {
+  const bool multicastLayout = variant == kDnsLinkLocal || variant == kDnsMulticast;
+  return DecodeSections(at, c, message, DecodeHeader(at, c, message, multicastLayout, kStandardCounts), "Question");
+}
+
+// Prerequisite and update records keep the labels of answers and authority records.
+int32_t DecodeDnsUpdateMessage(const Place& at, Cursor& c, DnsMessage& message) {
+  return DecodeSections(at, c, message, DecodeHeader(at, c, message, false, kUpdateCounts), "Zone");
+}
+
+namespace {
+
+// Whether a TCP segment starts a message: later segments of a long one must not be read as headers.
+bool StartsTcpMessage(const Place& at, const Cursor& c) {
+  constexpr uint32_t kRecursionDesired = 0x0100, kRecursionAvailable = 0x0080;
+  if (c.left < 6) return false;
+  const uint32_t prefix = ReadU16(c.at), flags = ReadU16(c.at + 4);
+  const PacketState& packet = PacketOf(at);
+  const uint16_t clientPort = flags & 0x8000 ? packet.destinationPort : packet.sourcePort;
+  if (clientPort == kDnsPort || (flags >> 11 & 15) > kHighestOperation || (flags & 15) > kHighestResult) return false;
+  return prefix <= static_cast<uint32_t>(c.left) || ((flags & kRecursionDesired) && (flags & kRecursionAvailable));
+}
+
+// The state of a payload's message loop.
+struct PayloadWalk {
+  Place at;               // of top lines
+  Cursor c;               // behind the last message that was taken
+  LineHandle topLine;     // the last one
+  int32_t topOffset;
+  int32_t hopsLeft;
+  int32_t failedUpdates;
+};
+
+// The 12 bytes that the top line starts with count again among what the message took: the highlight has always reached
+// that far.
+void ExtendTopLine(const PayloadWalk& walk, int32_t taken) {
+  ExtendDecodeLineRange(walk.at.view, walk.at.tree, walk.topLine, taken);
+}
+
+// A message that the dispatch value knows nothing of, to the payload's end.
+void DumpMessage(PayloadWalk& walk) {
+  const Field data = Rest(walk.c);
+  AddDataBlock(walk.at.view, walk.topLine, data.bytes, data.offset, data.length, kLeftoverTitle,
+               LevelImage(walk.at.level));
+  SetRange(walk.at, walk.topLine, walk.topOffset, data.length);
+}
+
+// One message, its top line first. Result: whether the loop goes on.
+bool DecodeNextMessage(PayloadWalk& walk, int32_t transport, int32_t variant) {
+  Cursor& c = walk.c;
+  const LineHandle topLine = AddLine(walk.at, Ahead(c, kDnsHeaderSize), "%s", DnsTitle(variant));
+  if (!topLine) return false;
+  walk.topLine = topLine;
+  walk.topOffset = c.offset;
+  if (walk.at.level > 3) walk.at.level = kFirstLevel;
+  const Place in = Under(walk.at, topLine);
+  if (transport == kTcp && c.left >= 2) {
+    const Field length = TakeU16(c);
+    AddLine(in, length, "DNS Length: %u", length.value);
+  }
+  if (c.left < kDnsHeaderSize) return false;
+
+  const uint32_t kind = DnsDispatchValue(c.at);
+  if (kind > kHighestStandardDispatch && kind != kUpdateDispatch) {
+    DumpMessage(walk);
+    return false;
+  }
+  DnsMessage message{c.at, c.left, topLine, false, &walk.hopsLeft};
+  Cursor rest = MakeCursor(c.at, c.offset, c.left);
+  const bool isUpdate = kind == kUpdateDispatch;
+  const int32_t result = isUpdate ? DecodeDnsUpdateMessage(in, rest, message)
+                                  : DecodeDnsMessage(in, rest, message, variant);
+  ExtendTopLine(walk, Taken(rest));
+  if (!result && (!isUpdate || ++walk.failedUpdates > kMostFailedDnsUpdates)) return false;
+  c = MakeCursor(rest.at, rest.offset, rest.left);
+  return Taken(rest) > 0;
+}
+
+}  // namespace
+
+int32_t DecodeDnsPayload(View* view, const uint8_t* payload, int32_t frameOffset, int32_t length, int32_t level,
+                         int32_t transport, int32_t variant) {
+  if (!view || !view->context || !payload) return 1;
+  PayloadWalk walk{TopLevel(view, level), MakeCursor(payload, frameOffset, length), 0, frameOffset, kMostDnsNameHops,
+                   0};
+  walk.at.lineSize = kShortLineSize;
+  if (transport != kTcp || StartsTcpMessage(walk.at, walk.c)) {
+    while (walk.c.left > 0 && DecodeNextMessage(walk, transport, variant)) {
+    }
+  }
+  const Field leftover = Rest(walk.c);
+  if (!leftover.here) return 1;
+  if (walk.topLine) {
+    AddDataBlock(view, walk.topLine, leftover.bytes, leftover.offset, leftover.length, kLeftoverTitle,
+                 LevelImage(walk.at.level));
+  } else {
+    AddRawData(view, leftover.bytes, leftover.offset, leftover.length, kContinuationTitle);
+  }
+  return 1;
+}
+
+namespace {
+
+int32_t DecodeVariant(const Place& at, const Cursor& c, DnsVariant variant) {
+  return DecodeDnsPayload(at.view, c.at, c.offset, Left(c), at.level, PacketOf(at).ipProtocol, variant);
+}
+
+}  // namespace
+
+int32_t DecodeDns(const Place& at, Cursor c) { return DecodeVariant(at, c, kDnsStandard); }
+int32_t DecodeLlmnr(const Place& at, Cursor c) { return DecodeVariant(at, c, kDnsLinkLocal); }
+int32_t DecodeMdns(const Place& at, Cursor c) { return DecodeVariant(at, c, kDnsMulticast); }
+
+}  // namespace qxview

@@ -1,0 +1,138 @@
+// Point-to-Point Protocol (RFC 1661), also in HDLC-like framing (RFC 1662).
+//
+//   0     1     2
+//   0xFF  0x03  protocol (1 or 2)   payload
+//
+// Address and control may be left out, and the first byte of a protocol below 256: the byte that ends a protocol is
+// odd, all others are even.
+#include "decoders/link/llc.h"
+#include "decoders/link/medium.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kAllStations = 0xFF, kUnnumberedInformation = 0x03;
+constexpr uint32_t kOsi = 0x0023, kBridging = 0x0031, kMultilink = 0x003D;
+
+constexpr auto kProtocolNames = SortedNames({
+    {0x0001, "Padding"}, {0x0003, "ROHC Small CID"}, {0x0005, "ROHC Large CID"}, {0x0021, "IP"}, {0x0023, "OSI"},
+    {0x0025, "XNS IDP"}, {0x0027, "DECnet Phase IV"}, {0x0029, "AppleTalk"}, {0x002B, "NetWare IPX"},
+    {0x002D, "Van Jacobson Compressed TCP/IP"}, {0x002F, "Van Jacobson Uncompressed TCP/IP"},
+    {0x0031, "Bridging PDU"}, {0x0033, "Stream Protocol"}, {0x0035, "VINES"}, {0x003D, "Multilink"},
+    {0x003F, "NetBIOS"}, {0x004B, "SNA over 802.2"}, {0x004D, "SNA"}, {0x004F, "IPv6 Header Compression"},
+    {0x0053, "Encrypted Data"}, {0x0055, "Link Encrypted Data"}, {0x0057, "IPv6"}, {0x0059, "PPP Mux"},
+    {0x0061, "RTP Full Header"}, {0x0063, "RTP Compressed TCP"}, {0x0065, "RTP Compressed Non-TCP"},
+    {0x0067, "RTP Compressed UDP 8"}, {0x0069, "RTP Compressed RTP 8"}, {0x00FB, "Link Compressed Data"},
+    {0x00FD, "Compressed Data"}, {0x0201, "802.1D Hello"}, {0x0203, "IBM Source Routing BPDU"},
+    {0x0205, "DEC LAN Bridge"}, {0x0207, "CDP"}, {0x0281, "MPLS Unicast"}, {0x0283, "MPLS Multicast"},
+    {0x2063, "RTP Compressed TCP No Delta"}, {0x2065, "RTP Context State"}, {0x2067, "RTP Compressed UDP 16"},
+    {0x2069, "RTP Compressed RTP 16"}, {0x4021, "Stacker LZS"}, {0x8021, "IPCP"}, {0x8023, "OSINLCP"},
+    {0x8025, "XNSCP"}, {0x8027, "DNCP"}, {0x8029, "ATCP"}, {0x802B, "IPXCP"}, {0x8031, "BCP"}, {0x8033, "SDCP"},
+    {0x8035, "BVCP"}, {0x803D, "MLCP"}, {0x803F, "NBFCP"}, {0x804B, "SNA802CP"}, {0x804D, "SNACP"},
+    {0x804F, "IP6HCCP"}, {0x8053, "ECP"}, {0x8055, "ILECP"}, {0x8057, "IPV6CP"}, {0x8059, "MUXCP"},
+    {0x80FB, "ILCCP"}, {0x80FD, "CCP"}, {0x8207, "CDPCP"}, {0x8281, "MPLSCP"}, {0xC021, "LCP"}, {0xC023, "PAP"},
+    {0xC025, "LQR"}, {0xC027, "SPAP"}, {0xC029, "CBCP"}, {0xC02B, "BACP"}, {0xC02D, "BAP"}, {0xC223, "CHAP"},
+    {0xC225, "RSA Authentication"}, {0xC227, "EAP"}});
+
+// Network protocols that have an Ethertype.
+struct NetworkProtocol {
+  uint16_t protocol, ethertype;
+};
+constexpr NetworkProtocol kNetworkProtocols[] = {
+    {0x0021, 0x0800}, {0x0025, 0x0600}, {0x0027, 0x6003}, {0x0029, 0x809B}, {0x002B, 0x8137}, {0x0035, 0x0BAD},
+    {0x0057, 0x86DD}, {0x0207, 0x2000}, {0x0281, 0x8847}, {0x0283, 0x8848}};
+
+struct PppHeader {
+  Field address, control, protocol;
+};
+
+PppHeader TakeHeader(Cursor& c) {
+  PppHeader header{};
+  if (Left(c) >= 2 && c.at[0] == kAllStations && c.at[1] == kUnnumberedInformation) {
+    header.address = TakeU8(c);
+    header.control = TakeU8(c);
+  }
+  header.protocol = Left(c) >= 1 && (c.at[0] & 1) ? TakeU8(c) : TakeU16(c);
+  return header;
+}
+
+// Bridged frames (RFC 3518): flags and pad count, the medium, an identifier of the LAN when the flags say so.
+int32_t DecodeBridging(const Place& in, const Place& network, Cursor c) {
+  constexpr uint32_t kEthernet = 1, kTokenRing = 3, kFddi = 4;
+  constexpr auto kMedia = SortedNames({{1, "Ethernet"}, {2, "Token Bus"}, {3, "Token Ring"}, {4, "FDDI"}});
+  const Field flags = TakeU8(c);
+  const BitPicture checked = BitsOf(flags, 0, 1), identified = BitsOf(flags, 1, 1), filled = BitsOf(flags, 2, 1);
+  AddBitLine(in, flags, "%s: LAN Check Sequence = %s", checked.picture, checked.value ? "Present" : "Absent");
+  AddBitLine(in, flags, "%s: LAN Identifier = %s", identified.picture, identified.value ? "Present" : "Absent");
+  AddBitLine(in, flags, "%s: Zero Filled = %s", filled.picture, filled.value ? "True" : "False");
+  const BitPicture pads = BitsOf(flags, 4, 4);
+  AddBitLine(in, flags, "%s: Pad Bytes = %u", pads.picture, pads.value);
+  const Field medium = TakeU8(c);
+  AddLine(in, medium, "MAC Type: %u = %s", medium.value, LookupName(kMedia, medium.value));
+  if (flags.here && identified.value) {
+    const Field lan = TakeU32(c);
+    AddLine(in, lan, "LAN Identifier: %u", lan.value);
+  }
+  switch (medium.value) {
+    case kEthernet: return CallDecoder(network, c, DecodeMacHeader, "Raw Data");
+    case kTokenRing: return CallDecoder(network, c, DecodeTokenRingHeader, "Raw Data");
+    case kFddi: {
+      TakeU8(c);   // the byte that Token Ring's access control stands in
+      return CallDecoder(network, c, DecodeFddiHeader, "Raw Data");
+    }
+    default: return CallDecoder(network, c, nullptr, "Raw Data");
+  }
+}
+
+// Fragments of a bundle (RFC 1990); the long sequence form, which is the one in use. What a fragment carries cannot
+// be told unless it is a whole packet.
+int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
+  const Field head = TakeU32(c);
+  const BitPicture begin = BitsOf(head, 0, 1), end = BitsOf(head, 1, 1), sequence = BitsOf(head, 8, 24);
+  AddBitLine(in, head, "%s: Beginning Fragment = %s", begin.picture, begin.value ? "True" : "False");
+  AddBitLine(in, head, "%s: Ending Fragment = %s", end.picture, end.value ? "True" : "False");
+  AddBitLine(in, head, "%s: Sequence Number = %u", sequence.picture, sequence.value);
+  if (head.here && begin.value && end.value) return CallDecoder(network, c, DecodePpp, "Raw Data");
+  return CallDecoder(network, c, nullptr, "Multilink Fragment Data");
+}
+
+int32_t DispatchProtocol(const Place& in, const Place& network, Cursor c, uint32_t protocol) {
+  for (const NetworkProtocol& row : kNetworkProtocols) {
+    if (row.protocol != protocol) continue;
+    const int32_t handled = DispatchEthertype(network, c, row.ethertype);
+    return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
+  }
+  if (protocol == kOsi) return DispatchNlpid(in, network, c);
+  if (protocol == kBridging) return DecodeBridging(in, network, c);
+  if (protocol == kMultilink) return DecodeMultilink(in, network, c);
+  const char* name = LookupName(kProtocolNames, protocol, nullptr);
+  if (!name) return CallDecoder(network, c, nullptr, "Raw Data");
+  ShortText<64> title;
+  FormatInto(title.text, sizeof title.text, "%s Data", name);
+  return CallDecoder(network, c, nullptr, title.text);
+}
+
+}  // namespace
+
+bool LooksLikePpp(const Cursor& c) {
+  if (Left(c) < 2) return false;
+  if (c.at[0] == kAllStations && c.at[1] == kUnnumberedInformation) return true;
+  const uint32_t protocol = ReadU16(c.at);
+  return (protocol & 0x0101) == 1 && LookupName(kProtocolNames, protocol, nullptr) != nullptr;
+}
+
+int32_t DecodePpp(const Place& at, Cursor c) {
+  const Cursor start = c;
+  const PppHeader header = TakeHeader(c);
+  if (!header.protocol.here) return 0;
+  const uint32_t protocol = header.protocol.value;
+  const char* name = LookupName(kProtocolNames, protocol);
+  const Place in = Under(at, AddLine(at, Ahead(start, Taken(c)), "PPP Header:  Protocol = %s", name));
+  AddLine(in, header.address, "Address: 0x%.02X = All Stations", header.address.value);
+  AddLine(in, header.control, "Control: 0x%.02X = Unnumbered Information", header.control.value);
+  AddLine(in, header.protocol, "Protocol: 0x%.04X = %s", protocol, name);
+  DispatchProtocol(in, Deeper(at), c, protocol);
+  return 1;
+}
+
+}  // namespace qxview

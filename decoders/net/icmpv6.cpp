@@ -1,0 +1,255 @@
+// Internet Control Message Protocol for IPv6 (RFC 4443): errors about packets, echo, and the messages by which the
+// nodes of a link find each other, their routers and their multicast groups.
+//
+//   0  type (8)   code (8)   checksum (16)     4  body
+//
+// Types below 128 are errors: a word of their own, then as much of the packet they are about as fits.
+#include "decoders/net/icmpv6.h"
+
+#include "core/internet_checksum.h"
+#include "decoders/net/quoted.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kDestinationUnreachable = 1, kTimeExceeded = 3, kParameterProblem = 4, kRplControl = 155;
+
+constexpr auto kUnreachableCodes = SortedNames({
+    {0, "No Route to Destination"}, {1, "Communication Administratively Prohibited"},
+    {2, "Beyond Scope of Source Address"}, {3, "Address Unreachable"}, {4, "Port Unreachable"},
+    {5, "Source Address Failed Ingress/Egress Policy"}, {6, "Reject Route to Destination"},
+    {7, "Error in Source Routing Header"}, {8, "Headers Too Long"}});
+constexpr auto kTimeExceededCodes = SortedNames({
+    {0, "Hop Limit Exceeded in Transit"}, {1, "Fragment Reassembly Time Exceeded"}});
+constexpr auto kParameterProblemCodes = SortedNames({
+    {0, "Erroneous Header Field"}, {1, "Unrecognized Next Header"}, {2, "Unrecognized IPv6 Option"},
+    {3, "First Fragment Has Incomplete Header Chain"}, {4, "Upper-Layer Header Error"},
+    {5, "Unrecognized Next Header at Intermediate Node"}, {6, "Extension Header Too Big"},
+    {7, "Extension Header Chain Too Long"}, {8, "Too Many Extension Headers"},
+    {9, "Too Many Options in Extension Header"}, {10, "Option Too Big"}});
+constexpr auto kRplCodes = SortedNames({
+    {0x00, "DODAG Information Solicitation"}, {0x01, "DODAG Information Object"},
+    {0x02, "Destination Advertisement Object"}, {0x03, "Destination Advertisement Object Acknowledgement"},
+    {0x80, "Secure DODAG Information Solicitation"}, {0x81, "Secure DODAG Information Object"},
+    {0x82, "Secure Destination Advertisement Object"},
+    {0x83, "Secure Destination Advertisement Object Acknowledgement"}, {0x8A, "Consistency Check"}});
+
+const char* CodeName(uint32_t type, uint32_t code) {
+  switch (type) {
+    case kDestinationUnreachable: return LookupName(kUnreachableCodes, code);
+    case kTimeExceeded: return LookupName(kTimeExceededCodes, code);
+    case kParameterProblem: return LookupName(kParameterProblemCodes, code);
+    case kRplControl: return LookupName(kRplCodes, code);
+    default: return nullptr;
+  }
+}
+
+// The packet that an error is about, and behind a length of it (RFC 4884) what the error adds to it.
+void TakeQuotedPacket(const Place& in, Cursor& c, Icmpv6Message& message, uint32_t length) {
+  if (Left(c) < 1) return;
+  message.quoted = TakeCursor(c, length > 0 ? static_cast<int32_t>(length) : Left(c));
+  AddLine(in, Ahead(message.quoted, Left(message.quoted)), "Quoted Packet: %u bytes", Left(message.quoted));
+  AddBlock(in, Rest(c), "Extension Structure");
+}
+
+void DecodeExtensibleError(const Place& in, Cursor& c, Icmpv6Message& message) {
+  const Field length = TakeU8(c);
+  AddLine(in, length, "Quoted Packet Length: %u * 8 = %u bytes", length.value, length.value * 8);
+  const Field unused = TakeU24(c);
+  AddLine(in, unused, "Unused: 0x%.06X", unused.value);
+  TakeQuotedPacket(in, c, message, length.value * 8);
+}
+
+void DecodePacketTooBig(const Place& in, Cursor& c, Icmpv6Message& message) {
+  const Field mtu = TakeU32(c);
+  AddLine(in, mtu, "MTU: %u", mtu.value);
+  AppendToParent(in, mtu, ", MTU = %u", mtu.value);
+  TakeQuotedPacket(in, c, message, 0);
+}
+
+void DecodeParameterProblem(const Place& in, Cursor& c, Icmpv6Message& message) {
+  const Field pointer = TakeU32(c);
+  AddLine(in, pointer, "Pointer: %u", pointer.value);
+  TakeQuotedPacket(in, c, message, 0);
+}
+
+void DecodeEcho(const Place& in, Cursor& c, Icmpv6Message&) {
+  const Field identifier = TakeU16(c);
+  AddLine(in, identifier, "Identifier: 0x%.04X (%u)", identifier.value, identifier.value);
+  const Field sequence = TakeU16(c);
+  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
+  AppendToParent(in, sequence, ", Identifier = 0x%.04X, Sequence = %u", identifier.value, sequence.value);
+  AddBlock(in, Rest(c), "Echo Data");
+}
+
+// Extended echo (RFC 8335): the identifier, a byte of sequence and a byte of flags or state.
+void DecodeExtendedEcho(const Place& in, Cursor& c, Icmpv6Message&) {
+  const Field identifier = TakeU16(c);
+  AddLine(in, identifier, "Identifier: 0x%.04X (%u)", identifier.value, identifier.value);
+  const Field sequence = TakeU8(c);
+  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
+  const Field flags = TakeU8(c);
+  AddLine(in, flags, "Flags: 0x%.02X", flags.value);
+}
+
+// Node information (RFC 4620): names and addresses of a node, asked of the node itself.
+void DecodeNodeInformation(const Place& in, Cursor& c, Icmpv6Message& message) {
+  constexpr auto kQueryNames = SortedNames({{0, "NOOP"}, {2, "Node Name"}, {3, "Node Addresses"},
+                                            {4, "IPv4 Addresses"}});
+  constexpr uint32_t kQuery = 139, kSubjectIsIPv6 = 0;
+  const Field query = TakeU16(c);
+  AddLine(in, query, "Query Type: %u = %s", query.value, LookupName(kQueryNames, query.value));
+  AppendToParent(in, query, ", %s", LookupName(kQueryNames, query.value));
+  const Field flags = TakeU16(c);
+  AddLine(in, flags, "Flags: 0x%.04X", flags.value);
+  const WideField nonce = TakeU64(c);
+  AddLine(in, nonce, "Nonce: 0x%.016I64X", nonce.wide);
+  if (message.type == kQuery && message.code == kSubjectIsIPv6 && Left(c) >= 16) AddAddress(in, c, "Subject");
+  AddBlock(in, Rest(c), "Node Information Data");
+}
+
+// Home agents of a mobile node's prefix (RFC 6275).
+void DecodeHomeAgentDiscovery(const Place& in, Cursor& c, Icmpv6Message&) {
+  const Field identifier = TakeU16(c);
+  AddLine(in, identifier, "Identifier: 0x%.04X (%u)", identifier.value, identifier.value);
+  const Field reserved = TakeU16(c);
+  AddLine(in, reserved, "Reserved: 0x%.04X", reserved.value);
+  for (Loop loop; Left(c) >= 16 && MoreAt(in, c, loop);) AddAddress(in, c, "Home Agent Address");
+}
+
+void DecodeRpl(const Place& in, Cursor& c, Icmpv6Message&) { AddBlock(in, Rest(c), "RPL Data"); }
+
+struct MessageRow {
+  uint32_t type;
+  const char* name;
+  Icmpv6Body decode;   // null: the body is shown as data
+};
+
+// In the order of the types.
+constexpr MessageRow kMessages[] = {
+    {1, "Destination Unreachable", DecodeExtensibleError},
+    {2, "Packet Too Big", DecodePacketTooBig},
+    {3, "Time Exceeded", DecodeExtensibleError},
+    {4, "Parameter Problem", DecodeParameterProblem},
+    {128, "Echo Request", DecodeEcho},
+    {129, "Echo Reply", DecodeEcho},
+    {130, "Multicast Listener Query", DecodeListenerQuery},
+    {131, "Multicast Listener Report", DecodeListenerReport},
+    {132, "Multicast Listener Done", DecodeListenerReport},
+    {133, "Router Solicitation", DecodeRouterSolicitation},
+    {134, "Router Advertisement", DecodeRouterAdvertisement},
+    {135, "Neighbor Solicitation", DecodeNeighborSolicitation},
+    {136, "Neighbor Advertisement", DecodeNeighborAdvertisement},
+    {137, "Redirect", DecodeRedirect},
+    {138, "Router Renumbering", nullptr},
+    {139, "Node Information Query", DecodeNodeInformation},
+    {140, "Node Information Response", DecodeNodeInformation},
+    {141, "Inverse Neighbor Discovery Solicitation", DecodeInverseDiscovery},
+    {142, "Inverse Neighbor Discovery Advertisement", DecodeInverseDiscovery},
+    {143, "Multicast Listener Report Version 2", DecodeListenerReport2},
+    {144, "Home Agent Address Discovery Request", DecodeHomeAgentDiscovery},
+    {145, "Home Agent Address Discovery Reply", DecodeHomeAgentDiscovery},
+    {146, "Mobile Prefix Solicitation", DecodeMobilePrefixSolicitation},
+    {147, "Mobile Prefix Advertisement", DecodeMobilePrefixAdvertisement},
+    {148, "Certification Path Solicitation", nullptr},
+    {149, "Certification Path Advertisement", nullptr},
+    {150, "Experimental Mobility", nullptr},
+    {151, "Multicast Router Advertisement", DecodeMulticastRouterAdvertisement},
+    {152, "Multicast Router Solicitation", nullptr},
+    {153, "Multicast Router Termination", nullptr},
+    {154, "Fast Handover", DecodeFastHandover},
+    {155, "RPL Control", DecodeRpl},
+    {156, "ILNPv6 Locator Update", nullptr},
+    {157, "Duplicate Address Request", nullptr},
+    {158, "Duplicate Address Confirmation", nullptr},
+    {159, "MPL Control", nullptr},
+    {160, "Extended Echo Request", DecodeExtendedEcho},
+    {161, "Extended Echo Reply", DecodeExtendedEcho},
+};
+
+const MessageRow* FindMessage(uint32_t type) {
+  for (const MessageRow& row : kMessages) {
+    if (row.type == type) return &row;
+  }
+  return nullptr;
+}
+
+// The checksum covers the whole message: one that is cut, as in a capture or a quotation, cannot be checked.
+void ShowChecksum(const Place& in, Cursor& c, const Cursor& message, int32_t declared) {
+  const Field checksum = TakeU16(c);
+  const PacketState& packet = PacketOf(in);
+  if (packet.quoted || declared != Left(message)) {
+    AddLine(in, checksum, "Checksum: 0x%.04X (Not Checked)", checksum.value);
+    return;
+  }
+  const uint32_t sum = SumWords(packet.network.pseudoHead, message.at, Left(message));
+  if (sum == 0xFFFF) {
+    AddLine(in, checksum, "Checksum: 0x%.04X (Good)", checksum.value);
+    return;
+  }
+  AddLine(in, checksum, "Checksum: 0x%.04X (BAD should be 0x%.04X)", checksum.value,
+          RightChecksum(sum, checksum.value));
+  AppendToParent(in, checksum, " (Bad Checksum)");
+}
+
+}  // namespace
+
+void AddReservedWord(const Place& in, Cursor& c) {
+  const Field reserved = TakeU32(c);
+  AddLine(in, reserved, "Reserved: 0x%.08X", reserved.value);
+}
+
+Field AddAddress(const Place& in, Cursor& c, const char* label) {
+  const Field address = TakeBytes(c, 16);
+  if (address.here) AddLine(in, address, "%s: %s", label, IPv6Text(address.bytes));
+  return address;
+}
+
+Field AddLifetime(const Place& in, Cursor& c, const char* label) {
+  constexpr uint32_t kForever = 0xFFFFFFFF;
+  const Field lifetime = TakeU32(c);
+  AddLine(in, lifetime, "%s: %u seconds%s", label, lifetime.value, lifetime.value == kForever ? " (infinite)" : "");
+  return lifetime;
+}
+
+void AddFlag(const Place& in, const Field& flags, int32_t bit, const char* name) {
+  const BitPicture picture = BitsOf(flags, bit, 1);
+  AddBitLine(in, flags, "%s: %s = %s", picture.picture, name, picture.value ? "True" : "False");
+}
+
+void AddPreference(const Place& in, const Field& flags) {
+  constexpr const char* kPreferences[] = {"Medium", "High", "Reserved", "Low"};
+  const BitPicture preference = BitsOf(flags, 3, 2);
+  AddBitLine(in, flags, "%s: Router Preference = %s", preference.picture, kPreferences[preference.value]);
+}
+
+int32_t DecodeIcmpv6(const Place& at, Cursor c) {
+  const int32_t declared = PacketOf(at).network.totalLength;
+  Cursor body = TakeCursor(c, declared > 0 ? declared : Left(c));
+  if (Left(body) < 4) return 0;
+  const Cursor message = body;
+  const MessageRow* row = FindMessage(message.at[0]);
+  const char* name = row ? row->name : kUnknown;
+  const Place in = Under(at, AddLine(at, Ahead(body, Left(body)), "ICMPv6: %s", name));
+
+  const Field type = TakeU8(body);
+  AddLine(in, type, "Type: %u = %s", type.value, name);
+  const Field code = TakeU8(body);
+  if (const char* codeName = CodeName(type.value, code.value)) {
+    AddLine(in, code, "Code: %u = %s", code.value, codeName);
+    AppendToParent(in, code, ", %s", codeName);
+  } else {
+    AddLine(in, code, "Code: %u", code.value);
+  }
+  ShowChecksum(in, body, message, declared);
+
+  Icmpv6Message shown{type.value, code.value, MakeCursor(nullptr, body.offset, 0)};
+  if (row && row->decode) row->decode(in, body, shown);
+  body.ranShort = false;   // what a body could not use is still shown
+  AddBlock(in, Rest(body), "ICMPv6 Data");
+  if (Left(shown.quoted) > 0) DecodeQuotedDatagram(Deeper(at), shown.quoted);
+  AddRawRest(at, c, "Trailing Data");   // behind the packet's declared end
+  return 1;
+}
+
+}  // namespace qxview

@@ -1,0 +1,44 @@
+// The bodies of ICMPv6 messages: what the families of messages give to the decoder of the header that they share.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+// What a message's decoder knows and leaves.
+struct Icmpv6Message {
+  uint32_t type, code;
+  Cursor quoted;   // a packet that the message quotes; decoded behind the message's own lines
+};
+
+// Shows a message's body, the bytes behind the checksum, under the message's line; summaries go on `in.parent`.
+// What is left in the cursor is shown by the caller as data.
+using Icmpv6Body = void (*)(const Place& in, Cursor& c, Icmpv6Message& message);
+
+// Neighbour discovery (icmpv6_neighbour.cpp).
+void DecodeRouterSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeRouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeNeighborSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeNeighborAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeRedirect(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeInverseDiscovery(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeFastHandover(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeMobilePrefixSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeMobilePrefixAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+
+// The options of neighbour discovery (icmpv6_options.cpp): all that is left in the cursor.
+void DecodeNeighborOptions(const Place& in, Cursor& c, Icmpv6Message& message);
+
+// Multicast listeners and routers (icmpv6_mld.cpp).
+void DecodeListenerQuery(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeListenerReport(const Place& in, Cursor& c, Icmpv6Message& message);   // and done
+void DecodeListenerReport2(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeMulticastRouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+
+// Lines that several families share.
+void AddReservedWord(const Place& in, Cursor& c);
+Field AddAddress(const Place& in, Cursor& c, const char* label);                    // an IPv6 address of 16 bytes
+Field AddLifetime(const Place& in, Cursor& c, const char* label);                   // 32 bits of seconds
+void AddFlag(const Place& in, const Field& flags, int32_t bit, const char* name);   // counted from the highest bit
+void AddPreference(const Place& in, const Field& flags);                            // of a router (RFC 4191)
+
+}  // namespace qxview
