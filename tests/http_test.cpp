@@ -100,6 +100,8 @@ TEST(Http, HeadersThatAreOdd) {
     Value: text/html {31+9}
   Encoded Http Data {42+12}
 )");
+  const std::string nameless = TreeOfText("HTTP/1.1 200 OK\r\n: x\r\n\r\n");
+  EXPECT_EQ(nameless.find("Header"), std::string::npos) << nameless;
   const std::string words = "Cookie: " + std::string(70, 'a') + "bcdef " + std::string(90, 'c');
   EXPECT_EQ(TreeOfText("HTTP/1.1 200 OK\r\n" + words + "\r\n\r\n"),
             R"(HTTP - Response {0+195}
@@ -213,6 +215,14 @@ TEST(Http, ContinuationsAskTheEarlierSegments) {
   body.Sent(Ascii("HTTP/1.1 200 OK\r\nServer: x\r\n\r\nContent-Type: text/plain\r\n"));
   EXPECT_EQ(TreeAfter(body, Ascii(data)), "HTTP - Continuation Data {0+8}\n  Encoded Http Data {0+8}\n")
       << "a header line in a body is none";
+}
+
+TEST(Http, WhatFollowsAChunkBelongsToItsOwnMessage) {
+  HttpHost earlier;
+  earlier.Sent(Ascii("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n"));
+  const std::string tree =
+      TreeAfter(earlier, Ascii("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\na\r\n0\r\n\r\n"));
+  EXPECT_NE(tree.find("Last Chunk: Size = 0 Bytes"), std::string::npos) << tree;
 }
 
 TEST(Http, TheSearchIsBounded) {
