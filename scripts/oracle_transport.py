@@ -187,7 +187,9 @@ def compare_udp(table, own, peer, where, fragment, cut):
     table.compare("UDP checksum verdict", verdict, theirs, where,
                   verdict if verdict in ("not used", "data fragment - not able to check",
                                          "partial packet - not able to check") else
-                  "what tshark saw more of was cut to fit a record" if cut else None)
+                  "what tshark saw more of was cut to fit a record" if cut else
+                  "the sum covers all captured bytes, whatever shorter length the datagram claims"
+                  if int(peer.udp_length) != int(peer.ip_len) - int(peer.ip_hdr_len) else None)
 
 
 def compare_file(table, path, qxview):
