@@ -2,14 +2,15 @@
 
 #include "core/dispatch.h"
 #include "decoders/app/http_message.h"
+#include "decoders/net/window_scales.h"
 
 namespace qxview {
 namespace {
 
 // A row a decoder with state: {slot, create, destroy}.
 constexpr StateRow kStates[] = {
+    {DecoderState::kWindowScales, CreateWindowScales, DestroyWindowScales},
     {DecoderState::kHttp, CreateHttpState, DestroyHttpState},
-    {DecoderState::kCount, nullptr, nullptr},
 };
 
 }  // namespace

@@ -22,6 +22,9 @@ enum QxDefinitionTable {
   QX_TCP_PORTS = 0, QX_UDP_PORTS = 1, QX_TCP_ADDRESSES = 2, QX_UDP_ADDRESSES = 3
 };
 
+/* The transport of what is learnt; learnt identifiers carry it too. */
+enum QxTransport { QX_OVER_TCP = 0x1000000, QX_OVER_UDP = 0x2000000 };
+
 /* A data segment of the current packet's TCP connection and direction. The bytes stay the host's. */
 typedef struct QxSegment {
   uint32_t size;            /* of this record, set by the caller */
@@ -66,8 +69,8 @@ typedef struct QxHost {
   /* Taken around look-ups in an address table; null when no lock is in use. */
   void (*lockTable)(void *user, void *table);
   void (*unlockTable)(void *user, void *table);
-  /* Records that this address and port carry this protocol. transport: 0x1000000 TCP, 0x2000000 UDP; port2 and port3
-   * are -1; extra may be null. */
+  /* Records that this address and port carry this protocol. transport: QxTransport; port2 and port3 are -1; extra may
+   * be null. */
   void (*learn)(void *user, uint32_t transport, int32_t identifier, const AddressSlot *address, uint16_t port,
                 int32_t port2, int32_t port3, const DynamicRecord *extra);
 

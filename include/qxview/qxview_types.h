@@ -27,6 +27,25 @@ typedef struct AddressSlot {
   uint32_t kind;
 } AddressSlot;
 
+/* Which heuristics the detection of protocols on unknown ports may use. */
+typedef struct DetectionSettings {
+  uint32_t flags;            /* bit 0 RTP, 1 RTCP, 3 MSRPC, 4 FIX */
+  uint32_t flags2;           /* bit 10 GIOP */
+  int32_t tdsDetectionOff;   /* not 0: no TDS */
+} DetectionSettings;
+
+/* A format that was negotiated for a stream: its RTP payload type, SDP encoding name and clock rate in Hz. */
+typedef struct RtpMedia {
+  int32_t payloadType;
+  const char *encodingName;
+  uint32_t clockRate;
+} RtpMedia;
+
+typedef struct RtpStream {
+  int32_t count;
+  const RtpMedia *media;
+} RtpStream;
+
 #ifdef __cplusplus
 }
 #endif

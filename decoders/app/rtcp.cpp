@@ -1,0 +1,226 @@
+// RTP Control Protocol (RFC 3550; feedback RFC 4585, extended reports RFC 3611): how well a stream is received, and by
+// whom. A datagram carries a compound of packets, each a multiple of four bytes.
+//
+//   0                     1     2                     4
+//   V(2) P(1) count(5)    type  length in words - 1   source, then by type
+//
+// Report block: source (4), fraction lost (1), packets lost (3), highest sequence (4), jitter (4), last report (4),
+// delay since (4).
+#include "decoders/app/rtcp.h"
+
+#include "core/decoder.h"
+
+namespace qxview {
+namespace {
+
+constexpr auto kItemNames = SortedNames({{0, "END"}, {1, "CNAME"}, {2, "NAME"}, {3, "EMAIL"}, {4, "PHONE"}, {5, "LOC"},
+                                         {6, "TOOL"}, {7, "NOTE"}, {8, "PRIV"}});
+constexpr auto kTransportFeedbackNames = SortedNames({{1, "Generic NACK"}, {3, "TMMBR"}, {4, "TMMBN"}, {5, "RTCP-SR-REQ"},
+                                                      {6, "RAMS"}, {7, "TLLEI"}, {8, "RTCP-ECN-FB"},
+                                                      {9, "PAUSE-RESUME"}, {10, "DBI"}, {15, "Transport-Wide"}});
+constexpr auto kPayloadFeedbackNames = SortedNames({{1, "PLI"}, {2, "SLI"}, {3, "RPSI"}, {4, "FIR"}, {5, "TSTR"},
+                                                    {6, "TSTN"}, {7, "VBCM"}, {8, "PSLEI"}, {9, "ROI"},
+                                                    {15, "Application Layer Feedback"}});
+constexpr auto kReportNames = SortedNames({{1, "Loss RLE"}, {2, "Duplicate RLE"}, {3, "Packet Receipt Times"},
+                                           {4, "Receiver Reference Time"}, {5, "DLRR"}, {6, "Statistics Summary"},
+                                           {7, "VoIP Metrics"}});
+
+uint32_t Millionths(uint32_t fraction) { return static_cast<uint32_t>(uint64_t{fraction} * 1000000 >> 32); }
+
+void AddSource(const Place& in, Cursor& c, const char* who) {
+  const Field source = TakeU32(c);
+  AddLine(in, source, "%s: 0x%.08X (%u)", who, source.value, source.value);
+}
+
+void DecodeSenderInformation(const Place& in, Cursor& c) {
+  const Field time = TakeBytes(c, 8);
+  if (time.here) {
+    const uint32_t seconds = ReadU32(time.bytes), fraction = ReadU32(time.bytes + 4);
+    AddLine(in, time, "NTP Time: %u.%.06u seconds (0x%.08X %.08X)", seconds, Millionths(fraction), seconds, fraction);
+  }
+  const Field timestamp = TakeU32(c);
+  AddLine(in, timestamp, "RTP Timestamp: %u", timestamp.value);
+  const Field packets = TakeU32(c);
+  AddLine(in, packets, "Sender's Packet Count: %u", packets.value);
+  const Field octets = TakeU32(c);
+  AddLine(in, octets, "Sender's Octet Count: %u", octets.value);
+}
+
+void DecodeReportBlock(const Place& at, Cursor c, uint32_t number) {
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Report Block %u:", number));
+  AddSource(in, c, "SSRC");
+  const Field fraction = TakeU8(c);
+  AddLine(in, fraction, "Fraction Lost: %u / 256", fraction.value);
+  const Field lost = TakeU24(c);
+  const int32_t signedLost = static_cast<int32_t>(lost.value << 8) >> 8;   // duplicates make it negative
+  AddLine(in, lost, "Cumulative Packets Lost: %d", signedLost);
+  const Field highest = TakeU32(c);
+  AddLine(in, highest, "Extended Highest Sequence: %u (Cycles: %u, Sequence: %u)", highest.value, highest.value >> 16,
+          highest.value & 0xFFFF);
+  const Field jitter = TakeU32(c);
+  AddLine(in, jitter, "Interarrival Jitter: %u", jitter.value);
+  const Field last = TakeU32(c);
+  AddLine(in, last, "Last Sender Report Timestamp: 0x%.08X", last.value);
+  const Field delay = TakeU32(c);
+  AddLine(in, delay, "Delay Since Last Sender Report: %u (%u.%.06u seconds)", delay.value, delay.value >> 16,
+          Millionths(delay.value << 16));
+}
+
+void DecodeReport(const Place& in, Cursor& c, const RtcpHeader& header) {
+  const bool sender = header.type == kRtcpSenderReport;
+  AddSource(in, c, "Sender SSRC");
+  if (sender) DecodeSenderInformation(in, c);
+  Loop loop;
+  for (uint32_t i = 1; i <= header.count && MoreAt(in, c, loop); ++i) {
+    DecodeReportBlock(in, TakeCursor(c, kRtcpReportBlock), i);
+  }
+  AddBlock(in, Rest(c), "Profile-Specific Extension");
+}
+
+// A chunk's items; the zero one that ends it is filled up to the next word.
+void DecodeChunk(const Place& at, Cursor& c, uint32_t number) {
+  const int32_t start = c.offset;
+  const Place in = Under(at, AddLine(at, Ahead(c, 0), "Chunk %u:", number));
+  AddSource(in, c, "SSRC");
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    const Cursor item = c;
+    const Field type = TakeU8(c);
+    if (type.value == 0) {
+      const int32_t filling = -(c.offset - start) & 3;
+      TakeBytes(c, filling < Left(c) ? filling : Left(c));
+      AddLine(in, Ahead(item, Taken(c) - Taken(item)), "Item: 0 = END");
+      break;
+    }
+    const Field length = TakeU8(c);
+    const Field text = TakeBytes(c, length.value);
+    if (text.here) {
+      AddLine(in, Ahead(item, 2 + text.length), "Item: %u = %s, \"%s\"", type.value,
+              LookupName(kItemNames, type.value), Text(text));
+    }
+  }
+  if (!in.dead) SetRange(in, in.parent, start, c.offset - start);
+}
+
+void DecodeSourceDescription(const Place& in, Cursor& c, uint32_t chunks) {
+  Loop loop;
+  for (uint32_t i = 1; i <= chunks && MoreAt(in, c, loop); ++i) DecodeChunk(in, c, i);
+}
+
+void DecodeGoodbye(const Place& in, Cursor& c, uint32_t sources) {
+  Loop loop;
+  for (uint32_t i = 0; i < sources && MoreAt(in, c, loop); ++i) AddSource(in, c, "SSRC");
+  if (Left(c) < 1) return;
+  const Cursor reason = c;
+  const Field text = TakeBytes(c, TakeU8(c).value);
+  if (text.here) AddLine(in, Ahead(reason, 1 + text.length), "Reason: \"%s\"", Text(text));
+  if (text.here && Left(c) < 4) TakeBytes(c, Left(c));   // up to the next word
+}
+
+void DecodeApplication(const Place& in, Cursor& c) {
+  AddSource(in, c, "SSRC");
+  const Field name = TakeBytes(c, 4);
+  if (name.here) AddLine(in, name, "Name: %s", Text(name));
+  AddBlock(in, Rest(c), "Application Data");
+}
+
+void DecodeFeedback(const Place& in, Cursor& c) {
+  AddSource(in, c, "Sender SSRC");
+  AddSource(in, c, "Media Source SSRC");
+  AddBlock(in, Rest(c), "Feedback Control Information");
+}
+
+void DecodeExtendedReport(const Place& in, Cursor& c) {
+  AddSource(in, c, "SSRC");
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    const int32_t words = Left(c) >= 4 ? static_cast<int32_t>(ReadU16(c.at + 2)) : 0;
+    Cursor block = TakeCursor(c, 4 + 4 * words);
+    const LineHandle line = AddLine(in, Ahead(block, Left(block)), "Report Block: %u = %s, %u bytes", block.at[0],
+                                    LookupName(kReportNames, block.at[0]), Left(block));
+    AddBlock(Under(in, line), Rest(block), "Report Block Data");
+  }
+}
+
+const char* CountName(uint32_t type) {
+  switch (type) {
+    case kRtcpSenderReport:
+    case kRtcpReceiverReport: return "Reception Report Count";
+    case kRtcpSourceDescription:
+    case kRtcpGoodbye: return "Source Count";
+    case kRtcpApplication: return "Subtype";
+    case kRtcpTransportFeedback:
+    case kRtcpPayloadFeedback: return "Feedback Message Type";
+    default: return "Reserved";
+  }
+}
+
+const char* FeedbackName(const RtcpHeader& header) {
+  if (header.type == kRtcpTransportFeedback) return LookupName(kTransportFeedbackNames, header.count);
+  if (header.type == kRtcpPayloadFeedback) return LookupName(kPayloadFeedbackNames, header.count);
+  return nullptr;
+}
+
+void AddHeaderLines(const Place& in, Cursor& c, const RtcpHeader& header) {
+  const Field first = TakeU8(c);
+  const Place bits = Under(in, AddLine(in, first, "Header: 0x%.02X", first.value));
+  const auto version = BitsOf(first, 0, 2), padding = BitsOf(first, 2, 1), count = BitsOf(first, 3, 5);
+  AddBitLine(bits, first, "%s : Version = %u", version.picture, version.value);
+  AddBitLine(bits, first, "%s : Padding = %s", padding.picture, padding.value ? "Set" : "Not Set");
+  if (const char* feedback = FeedbackName(header)) {
+    AddBitLine(bits, first, "%s : %s = %u = %s", count.picture, CountName(header.type), count.value, feedback);
+  } else {
+    AddBitLine(bits, first, "%s : %s = %u", count.picture, CountName(header.type), count.value);
+  }
+  const Field type = TakeU8(c);
+  const char* name = RtcpTypeName(type.value);
+  AddLine(in, type, "Packet Type: %u = %s", type.value, name ? name : kUnknown);
+  const Field length = TakeU16(c);
+  AddLine(in, length, "Length: %u words (%u bytes)", length.value, header.length);
+}
+
+void DecodeBody(const Place& in, Cursor& c, const RtcpHeader& header) {
+  switch (header.type) {
+    case kRtcpSenderReport:
+    case kRtcpReceiverReport: DecodeReport(in, c, header); break;
+    case kRtcpSourceDescription: DecodeSourceDescription(in, c, header.count); break;
+    case kRtcpGoodbye: DecodeGoodbye(in, c, header.count); break;
+    case kRtcpApplication: DecodeApplication(in, c); break;
+    case kRtcpTransportFeedback:
+    case kRtcpPayloadFeedback: DecodeFeedback(in, c); break;
+    case kRtcpExtendedReport: DecodeExtendedReport(in, c); break;
+    default: break;
+  }
+  AddBlock(in, Rest(c), "Packet Data");
+}
+
+// One packet of the compound; its padding is counted by its last byte.
+void DecodePacket(const Place& at, Cursor c, const RtcpHeader& header) {
+  const char* name = RtcpTypeName(header.type);
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "RTCP: %s", name ? name : kUnknown));
+  const bool whole = Left(c) == header.length;
+  AddHeaderLines(in, c, header);
+  const int32_t padding = header.padding && whole && Left(c) > 0 ? c.at[Left(c) - 1] : 0;
+  Cursor body = TakeCursor(c, padding <= Left(c) ? Left(c) - padding : Left(c));
+  DecodeBody(in, body, header);
+  AddBlock(in, Rest(c), "Padding");
+}
+
+// Types 192 to 223 are RTCP's (RFC 5761).
+bool IsRtcpHeader(const RtcpHeader& header) { return header.version == 2 && header.type >= 192 && header.type <= 223; }
+
+}  // namespace
+
+int32_t DecodeRtcp(const Place& at, Cursor c) {
+  RtcpHeader header;
+  if (!ReadRtcpHeader(c, &header) || !IsRtcpHeader(header)) return 0;
+  Loop loop;
+  while (MoreAt(at, c, loop)) {
+    if (!ReadRtcpHeader(c, &header) || !IsRtcpHeader(header)) break;
+    DecodePacket(at, TakeCursor(c, header.length), header);
+  }
+  AddRawRest(at, c, "RTCP Data");
+  return 1;
+}
+
+}  // namespace qxview

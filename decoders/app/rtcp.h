@@ -1,0 +1,39 @@
+// RTP Control Protocol (RFC 3550): the parser of compound packets, which detection and summaries share with the decoder.
+#pragma once
+#include <cstdint>
+
+#include "core/cursor.h"
+
+namespace qxview {
+
+constexpr uint8_t kRtcpSenderReport = 200, kRtcpReceiverReport = 201, kRtcpSourceDescription = 202, kRtcpGoodbye = 203,
+                  kRtcpApplication = 204, kRtcpTransportFeedback = 205, kRtcpPayloadFeedback = 206,
+                  kRtcpExtendedReport = 207;
+constexpr int32_t kRtcpReportBlock = 24;
+
+struct RtcpHeader {
+  uint8_t version;
+  bool padding;
+  uint8_t count;      // of reports, chunks or sources; or a subtype
+  uint8_t type;
+  int32_t length;     // bytes that the packet declares, header included
+};
+
+// The four bytes that every packet starts with; false when they are not all there.
+bool ReadRtcpHeader(const Cursor& c, RtcpHeader* out);
+
+struct RtcpCompound {
+  uint8_t firstType;
+  uint8_t reportBlocks;       // of the first packet, when that is a sender or receiver report
+  uint16_t highestSequence;   // among these blocks: the greatest low half of the highest sequence number received
+  uint32_t greatestJitter;
+};
+
+// Whether `length` bytes are a compound packet and nothing else: each packet of version 2 with room for what it counts,
+// the first of types 200 to 204, padding on the last alone.
+bool ParseRtcp(const uint8_t* data, int32_t length, RtcpCompound* out);
+
+// "Sender Report" for 200 and so on; null for a type that has no name.
+const char* RtcpTypeName(uint32_t type);
+
+}  // namespace qxview

@@ -1,0 +1,113 @@
+#include "decoders/net/detection.h"
+
+#include "core/custom_libraries.h"
+#include "core/decoder.h"
+#include "decoders/net/dynamic_udp.h"
+#include "decoders/net/learn.h"
+#include "decoders/net/port_dispatch.h"
+#include "decoders/net/recognisers.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kLearntOncRpc = 0x201008E;
+constexpr uint32_t kMsrpcDetection = 8, kFixDetection = 16;   // of the first word of settings
+constexpr uint32_t kGiopDetection = 0x400;                    // of the second
+
+// A payload that is looked at, and between which ports it was carried.
+struct Offered {
+  const Settings& settings;
+  uint16_t sourcePort, destinationPort;
+};
+
+// The settings and ports that a row of the table asks for.
+using Condition = bool (*)(const Offered& offered);
+bool Always(const Offered&) { return true; }
+bool MsrpcIsOn(const Offered& offered) { return offered.settings.detection.flags & kMsrpcDetection; }
+bool FixIsOn(const Offered& offered) { return offered.settings.detection.flags & kFixDetection; }
+bool GiopIsOn(const Offered& offered) { return offered.settings.detection.flags2 & kGiopDetection; }
+bool TdsIsOn(const Offered& offered) { return !offered.settings.detection.tdsOff; }
+bool IsExternalPort(const Offered& offered) {
+  const uint16_t port = offered.settings.externalDecoderPort;
+  return port != 0 && (offered.sourcePort == port || offered.destinationPort == port);
+}
+
+struct DetectionRow {
+  Recogniser recognise;   // null: the external plug-in, which tells by decoding
+  Condition applies;
+  int32_t identifier;     // learnt; its low 16 bits are the decoder's index
+};
+
+// Over TCP. The first row that recognises the payload has it, so the order is behaviour.
+constexpr DetectionRow kOverTcp[] = {
+    {LooksLikeMsrpc, MsrpcIsOn, 0x1050080},
+    {LooksLikeSmb, Always, 0x1010065},
+    {LooksLikeTds, TdsIsOn, 0x1030061},
+    {LooksLikeTns, Always, 0x1030060},
+    {LooksLikeOncRpcRecord, Always, 0x1010063},
+    {LooksLikeFix, FixIsOn, 0x105009A},
+    {LooksLikeSip, Always, 0x1010064},
+    {nullptr, IsExternalPort, 0},
+    {LooksLikeGiop, GiopIsOn, 0x10500B1},
+    {LooksLikeFcip, Always, 0x1010070},
+    {LooksLikeBitTorrent, Always, 0x101007E},
+};
+
+// The decoder behind the identifier, or, where it has none or declines, a block under the protocol's display name.
+void DecodeRecognised(const Place& at, const Cursor& c, int32_t identifier) {
+  const DecoderRow* row = FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF);
+  const auto known = ProtocolName(at.view, identifier);
+  const char* name = known.text[0] || !row ? known.text : row->name;
+  char title[kProtocolNameSize + 8];
+  FormatInto(title, sizeof title, "%s Data", name);
+  CallDecoder(Deeper(at), c, row ? row->decode : nullptr, title);
+}
+
+int32_t DetectOverTcp(const Place& at, const Cursor& c, const Offered& offered) {
+  for (const DetectionRow& row : kOverTcp) {
+    if (!row.applies(offered)) continue;
+    if (!row.recognise) {
+      if (OfferExternal(Deeper(at), c)) return 1;
+      continue;
+    }
+    if (!row.recognise(c)) continue;
+    const AddressSlot source = PacketOf(at).source;   // a carried datagram would put its own in its place
+    DecodeRecognised(at, c, row.identifier);
+    Learn(at.view, QX_OVER_TCP, row.identifier, source, offered.sourcePort, -1, -1, nullptr);
+    return 1;
+  }
+  return 0;
+}
+
+int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) {
+  const DetectionSettingsWords& words = offered.settings.detection;
+  const DetectionSettings settings{words.flags, words.flags2, words.tdsOff ? 1 : 0};
+  const AddressSlot source = PacketOf(at).source;
+  const uint16_t sourcePort = PacketOf(at).sourcePort;
+  if (LooksLikeOncRpc(c)) {
+    DecodeRecognised(at, c, kLearntOncRpc);
+    Learn(at.view, QX_OVER_UDP, kLearntOncRpc, source, sourcePort, -1, -1, nullptr);
+    return 1;
+  }
+  uint32_t identifier;
+  DynamicRecord record;
+  if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
+                                   nullptr, nullptr, &record)) {
+    return 0;
+  }
+  // Learnt first: the record belongs to the stream whatever its decoder makes of the payload.
+  Learn(at.view, QX_OVER_UDP, static_cast<int32_t>(identifier), source, sourcePort, -1, -1, &record);
+  DecodeRecognised(at, c, static_cast<int32_t>(identifier));
+  return 1;
+}
+
+}  // namespace
+
+int32_t DetectDynamicProtocol(const Place& at, Cursor c, uint16_t sourcePort, uint16_t destinationPort,
+                              uint8_t ipProtocol) {
+  if (Left(c) < 1) return 0;
+  const Offered offered{at.view->engine->settings, sourcePort, destinationPort};
+  return ipProtocol == kIpProtocolTcp ? DetectOverTcp(at, c, offered) : DetectOverUdp(at, c, offered);
+}
+
+}  // namespace qxview

@@ -1,0 +1,141 @@
+#include "decoders/net/port_dispatch.h"
+
+#include <cstddef>
+
+#include "core/decoder.h"
+#include "decoders/net/detection.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kNoProtocol = -1;
+constexpr int32_t kBuiltinProtocol = 0x10000;   // the low 16 bits of the identifier are the decoder's index
+constexpr uint32_t kIPv4 = 1, kIPv6 = 2;
+
+bool IsEmpty(const AddressSlot& slot) {
+  const int32_t first = slot.kind == kIPv4 ? 12 : slot.kind == kIPv6 ? 0 : 16;
+  for (int32_t i = first; i < 16; ++i) {
+    if (slot.address[i]) return false;
+  }
+  return true;
+}
+
+// The look-ups in one address table, under its lock while this lives.
+class AddressTable {
+ public:
+  AddressTable(const QxHost* host, void* table)
+      : host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)) {
+    if (const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable)) lock(host->user, table);
+  }
+  ~AddressTable() {
+    if (const auto unlock = QXVIEW_HOST_FUNCTION(host_, unlockTable)) unlock(host_->user, table_);
+  }
+  AddressTable(const AddressTable&) = delete;
+  AddressTable& operator=(const AddressTable&) = delete;
+
+  bool Find(const AddressSlot& address, uint16_t port, int32_t* identifier) const {
+    return find_ && find_(host_->user, table_, &address, port, identifier) != 0;
+  }
+
+ private:
+  const QxHost* host_;
+  void* table_;
+  decltype(QxHost::hashFindGenericIPPort) find_;
+};
+
+// Address definitions; a port of 0 stands for any port of the address. False when none matches.
+bool ResolveByAddress(const QxHost* host, void* table, const AddressSlot& source, uint16_t sourcePort,
+                      const AddressSlot& destination, uint16_t destinationPort, int32_t* identifier,
+                      bool* matchedSource) {
+  const AddressTable addresses(host, table);
+  *matchedSource = (!IsEmpty(source) && addresses.Find(source, 0, identifier)) ||
+                   (sourcePort != 0 && addresses.Find(source, sourcePort, identifier));
+  if (*matchedSource) return true;
+  if (IsEmpty(destination)) return false;
+  return addresses.Find(destination, 0, identifier) ||
+         (destinationPort != 0 && addresses.Find(destination, destinationPort, identifier));
+}
+
+// Port definitions: the lower port, which is the service's more often than not, is tried first.
+int32_t ResolveByPort(const QxHost* host, void* table, uint16_t sourcePort, uint16_t destinationPort,
+                      bool* matchedSource) {
+  const auto hashFind = QXVIEW_HOST_FUNCTION(host, hashFind);
+  if (!hashFind) return kNoProtocol;
+  int32_t identifier = 0;
+  const auto has = [&](uint16_t port) { return port != 0 && hashFind(host->user, table, port, &identifier) != 0; };
+  const bool sourceFirst = sourcePort < destinationPort;
+  if (!sourceFirst && has(destinationPort)) return identifier;
+  if (has(sourcePort)) {
+    *matchedSource = true;
+    return identifier;
+  }
+  return sourceFirst && has(destinationPort) ? identifier : kNoProtocol;
+}
+
+void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
+  packet.payload = c.at;
+  packet.payloadLength = Left(c);
+  packet.payloadOffset = c.offset;
+  packet.matchedSource = matchedSource ? 1 : 0;
+}
+
+int32_t DispatchPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource, uint8_t ipProtocol) {
+  PacketState& packet = PacketOf(at);
+  const char* unnamed = ipProtocol == kIpProtocolTcp ? "TCP Data" : "UDP Data";
+  StorePayload(packet, c, matchedSource);
+  c.begin = c.offset;
+  if (identifier < 1) {
+    if (!at.view->engine->settings.detection.on ||
+        !DetectDynamicProtocol(at, c, packet.sourcePort, packet.destinationPort, ipProtocol)) {
+      AddRawRest(at, c, unnamed);
+    }
+    return 1;
+  }
+  const auto name = ProtocolName(at.view, identifier);
+  char title[kProtocolNameSize + 8];
+  FormatInto(title, sizeof title, "%s Data", name);
+  // Indices past the last built-in decoder have no row, nor have the holes of the table.
+  const DecoderRow* row =
+      identifier & kBuiltinProtocol ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+  CallDecoder(Deeper(at), c, row ? row->decode : nullptr, name.text[0] ? title : unnamed);
+  return 1;
+}
+
+}  // namespace
+
+int32_t ResolveProtocol(const View* view, uint8_t ipProtocol, const AddressSlot& source, uint16_t sourcePort,
+                        const AddressSlot& destination, uint16_t destinationPort, bool* matchedSource) {
+  *matchedSource = false;
+  const QxHost* host = view->engine->host;
+  const auto definitionTable = QXVIEW_HOST_FUNCTION(host, definitionTable);
+  if (!definitionTable) return kNoProtocol;
+  const bool tcp = ipProtocol == kIpProtocolTcp;
+  void* addresses = definitionTable(host->user, tcp ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES);
+  int32_t identifier = kNoProtocol;
+  if (addresses && ResolveByAddress(host, addresses, source, sourcePort, destination, destinationPort, &identifier,
+                                    matchedSource)) {
+    return identifier;
+  }
+  void* ports = definitionTable(host->user, tcp ? QX_TCP_PORTS : QX_UDP_PORTS);
+  return ports ? ResolveByPort(host, ports, sourcePort, destinationPort, matchedSource) : kNoProtocol;
+}
+
+ShortText<kProtocolNameSize> ProtocolName(const View* view, int32_t identifier) {
+  ShortText<kProtocolNameSize> name;
+  name.text[0] = 0;
+  const QxHost* host = view->engine->host;
+  const auto displayName = QXVIEW_HOST_FUNCTION(host, protocolDisplayName);
+  if (identifier < 1 || !displayName) return name;
+  if (displayName(host->user, identifier, name.text, sizeof name.text) != 1) name.text[0] = 0;
+  return name;
+}
+
+int32_t DispatchTcpPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource) {
+  return DispatchPayload(at, c, identifier, matchedSource, kIpProtocolTcp);
+}
+
+int32_t DispatchUdpPayload(const Place& at, Cursor c, int32_t identifier) {
+  return DispatchPayload(at, c, identifier, false, kIpProtocolUdp);
+}
+
+}  // namespace qxview

@@ -1,0 +1,255 @@
+// Transmission Control Protocol (RFC 9293).
+//
+//   0            2                 4         8                12           13     14      16        18        20
+//   source port  destination port  sequence  acknowledgement  data offset  flags  window  checksum  urgent p.  options
+//
+// Data offset: the header's length in words of 4 bytes, in the high four bits of byte 12.
+#include "decoders/net/tcp.h"
+
+#include "core/custom_libraries.h"
+#include "core/decoder.h"
+#include "decoders/net/port_dispatch.h"
+#include "decoders/net/tcp_options.h"
+#include "decoders/net/window_scales.h"
+#include "decoders/net/word_sum.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kPorts = 4, kThroughFlags = 14, kFixedHeader = 20;
+constexpr uint32_t kFin = 1, kSyn = 2, kRst = 4, kPsh = 8, kAck = 16, kUrg = 32, kEce = 64, kCwr = 128;
+
+enum class Verdict { kNone, kPartialCapture, kGood, kNotCalculated, kNotChecked, kBad };
+
+// The segment as its parts learn of it.
+struct Segment {
+  Cursor start;
+  const NetworkState* network;
+  bool strictCheck;
+  int32_t dataOffset;      // words
+  int32_t headerLength;    // bytes; at least the fixed header
+  uint32_t flags;
+  uint32_t sequence;
+  LineHandle topLine;
+  int32_t protocol;
+  bool matchedSource;
+  ShortText<kProtocolNameSize> sourceName, destinationName;   // of the side that matched; the other is empty
+  Verdict verdict;
+};
+
+const char* WordOf(const Segment& segment, uint32_t flag, const char* word) {
+  return segment.flags & flag ? word : "";
+}
+
+const char* SetText(uint32_t bit) { return bit ? "Set" : "Not Set"; }
+
+// Whose protocol it is, by the definitions, and beside which port its name stands.
+void ResolveSegment(const Place& at, Segment& segment) {
+  const PacketState& packet = PacketOf(at);
+  segment.protocol = ResolveProtocol(at.view, kIpProtocolTcp, packet.source, packet.sourcePort, packet.destination,
+                                     packet.destinationPort, &segment.matchedSource);
+  segment.sourceName.text[0] = segment.destinationName.text[0] = 0;
+  (segment.matchedSource ? segment.sourceName : segment.destinationName) = ProtocolName(at.view, segment.protocol);
+}
+
+LineHandle AddTopLine(const Place& at, const Segment& segment) {
+  const PacketState& packet = PacketOf(at);
+  const int32_t left = Left(segment.start);
+  const Field header = Ahead(segment.start, segment.headerLength < left ? segment.headerLength : left);
+  // The first place is for a note on the whole segment; there is none so far.
+  return AddLine(at, header, "TCP %s%s%s%s%s%s%s,   [%u] %s -> [%u] %s", "", WordOf(segment, kFin, " FIN"),
+                 WordOf(segment, kSyn, " SYN"), WordOf(segment, kRst, " RST"), WordOf(segment, kPsh, " PSH"),
+                 WordOf(segment, kAck, " ACK"), WordOf(segment, kUrg, " URG"), packet.sourcePort,
+                 segment.sourceName, packet.destinationPort, segment.destinationName);
+}
+
+void AddPorts(const Place& in, Cursor& c, const Segment& segment) {
+  const PacketState& packet = PacketOf(in);
+  const Place ports =
+      Under(in, AddLine(in, Ahead(c, kPorts), "Ports: Source port [%u] %s, Destination port [%u] %s",
+                        packet.sourcePort, segment.sourceName, packet.destinationPort, segment.destinationName));
+  const bool matched = segment.protocol > 0;
+  const Field source = TakeU16(c);
+  if (matched && segment.matchedSource) {
+    AddLine(ports, source, "Source Port : %u = %s", source.value, segment.sourceName);
+  } else {
+    AddLine(ports, source, "Source Port : %u ", source.value);
+  }
+  const Field destination = TakeU16(c);
+  if (matched && !segment.matchedSource) {
+    AddLine(ports, destination, "Destination Port : %u = %s", destination.value, segment.destinationName);
+  } else {
+    AddLine(ports, destination, "Destination Port : %u", destination.value);
+  }
+}
+
+void AddFlags(const Place& in, Cursor& c, const Segment& segment) {
+  const Field word = TakeU16(c);
+  const int32_t words = segment.dataOffset, bytes = 4 * words;
+  const Place at = Under(
+      in, AddLine(in, word, "TCP flags: %s%s%s%s%s%s   Header length: [%d]*4 bytes = %d bytes",
+                  WordOf(segment, kFin, " FIN"), WordOf(segment, kSyn, " SYN"), WordOf(segment, kRst, " RST"),
+                  WordOf(segment, kPsh, " PSH"), WordOf(segment, kAck, " ACK"), WordOf(segment, kUrg, " URG"),
+                  words, bytes));
+  AddBitLine(at, word, "%s : TCP header length (Data Offset) [%d]*4 bytes = %d (0x%.01X) bytes",
+             BitsOf(word, 0, 4).picture, words, bytes, bytes);
+  AddBitLine(at, word, "%s : Reserved", BitsOf(word, 4, 4).picture);
+  const auto bit = [&](uint32_t flag, int32_t position) {
+    BitPicture made = BitsOf(word, position, 1);
+    made.value = segment.flags & flag;
+    return made;
+  };
+  const BitPicture cwr = bit(kCwr, 8), ece = bit(kEce, 9), urg = bit(kUrg, 10), ack = bit(kAck, 11);
+  const BitPicture psh = bit(kPsh, 12), rst = bit(kRst, 13), syn = bit(kSyn, 14), fin = bit(kFin, 15);
+  AddBitLine(at, word, "%s : Congestion Window Reduced (CWR) = %s", cwr.picture, SetText(cwr.value));
+  AddBitLine(at, word, "%s : ECN-Echo = %s", ece.picture, SetText(ece.value));
+  AddBitLine(at, word, "%s : Urgent pointer field %ssignificant", urg.picture, urg.value ? "" : "not ");
+  AddBitLine(at, word, "%s : Acknowledgment field %ssignificant", ack.picture, ack.value ? "" : "not ");
+  AddBitLine(at, word, "%s : Push function %s", psh.picture, SetText(psh.value));
+  AddBitLine(at, word, "%s : Reset the connection %s", rst.picture, SetText(rst.value));
+  AddBitLine(at, word, "%s : Synchronize sequence numbers %s", syn.picture, SetText(syn.value));
+  AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
+}
+
+void AddWindow(const Place& in, Cursor& c, const Segment& segment) {
+  const Field window = TakeU16(c);
+  // The window of a SYN segment itself is never scaled (RFC 7323 section 2.2).
+  const int32_t exponent = segment.flags & kSyn ? kNoWindowScale : FindWindowScale(in);
+  if (exponent == kNoWindowScale) {
+    AddLine(in, window, "Window:                   %d", window.value);
+  } else {
+    AddLine(in, window, "Window: (%u * %u) = %u", window.value, 1u << exponent, window.value << exponent);
+  }
+}
+
+// Judges the checksum field; for a bad one `expected` is what it should hold.
+Verdict JudgeChecksum(const Segment& segment, const Field& checksum, uint32_t* expected) {
+  const NetworkState& network = *segment.network;
+  const int32_t captured = Left(segment.start);
+  if (network.fragmented) return Verdict::kNone;
+  if (network.totalLength > captured) return Verdict::kPartialCapture;
+  const uint32_t sum = ContinueSum(network.pseudoHead, segment.start.at, captured);
+  if (sum == 0xFFFF) return Verdict::kGood;
+  const uint32_t stored = MachineWord(checksum.bytes);
+  if (!segment.strictCheck) {
+    if (stored == network.pseudoHead) return stored ? Verdict::kNotCalculated : Verdict::kNotChecked;
+  }
+  *expected = WireNumber(FoldSum((~sum & 0xFFFF) + stored));
+  return Verdict::kBad;
+}
+
+void AddChecksum(const Place& in, Cursor& c, Segment& segment) {
+  const Field checksum = TakeU16(c);
+  if (!checksum.here) return;
+  uint32_t expected = 0;
+  segment.verdict = JudgeChecksum(segment, checksum, &expected);
+  const char* verdict = "";
+  switch (segment.verdict) {
+    case Verdict::kNone:
+      AddLine(in, checksum, "Checksum:                 0x%.04X", checksum.value);
+      AppendToLine(in, segment.topLine, "(fragment, offset %u, %s)", segment.network->fragmentOffset,
+                   segment.network->moreFragments ? "more fragments to follow" : "last fragment");
+      return;
+    case Verdict::kBad:
+      AddLine(in, checksum, "Checksum:                 0x%.04X (BAD should be 0x%.04X)", checksum.value, expected);
+      AppendToLine(in, segment.topLine, "(Bad Checksum)");
+      return;
+    case Verdict::kPartialCapture: verdict = "Not Checked - Partial Capture"; break;
+    case Verdict::kGood: verdict = "Good"; break;
+    case Verdict::kNotCalculated: verdict = "Not Calculated"; break;
+    case Verdict::kNotChecked: verdict = "Not Checked"; break;
+  }
+  AddLine(in, checksum, "Checksum:                 0x%.04X (%s)", checksum.value, verdict);
+}
+
+// What follows from the header: lines over the fields that they are calculated from.
+void AddCalculatedLines(const Place& in, const Segment& segment, int32_t dataLength) {
+  const Field offsetByte = Stated(segment.start.offset + 12, 1), sequence = Stated(segment.start.offset + 4, 4);
+  AddLine(in, offsetByte, "TCP data length:          %u (calculated from Data Offset)", dataLength);
+  if (segment.flags & kSyn) {
+    AddLine(in, sequence, "Expected Acknowledgement: %4lu (Calculated from Sequence Number)", segment.sequence + 1);
+  }
+  if (dataLength > 0) {
+    AddLine(in, sequence, "Expected Acknowledgement: %4lu (Calculated from Sequence Number and Data Length)",
+            segment.sequence + static_cast<uint32_t>(dataLength));
+  }
+}
+
+void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
+  const int32_t declared = segment.headerLength - kFixedHeader;
+  const bool whole = declared <= Left(c);
+  const Cursor area = TakeCursor(c, declared);
+  int32_t exponent = kNoWindowScale;
+  if (Left(area) > 0) {
+    exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area);
+  }
+  if ((segment.flags & kSyn) && whole && segment.verdict != Verdict::kBad) {
+    RecordSynSegment(in, segment.sequence, segment.flags & kAck, exponent);
+  }
+}
+
+int32_t DecodePayload(const Place& at, Cursor c, const Segment& segment) {
+  if (segment.verdict == Verdict::kBad) {
+    AddRawRest(at, c, "TCP Data: (Bad TCP Checksum)");
+    return 1;
+  }
+  // A SYN takes the first number for itself, so its data start one behind.
+  const uint32_t dataSequence = segment.sequence + (segment.flags & kSyn ? 1 : 0);
+  PacketOf(at).segment = {c.at, Left(c), dataSequence, segment.flags, true};
+  if (Left(c) == 0 || OfferPayload(Deeper(at), PayloadHook::kTcp, c)) return 1;
+  return DispatchTcpPayload(at, c, segment.protocol, segment.matchedSource);
+}
+
+// Peeks at what the top line tells of; false for fewer bytes than that takes.
+bool ReadSegment(const Cursor& c, const NetworkState& network, bool strictCheck, Segment& segment) {
+  if (Left(c) < kThroughFlags) return false;
+  segment.start = c;
+  segment.network = &network;
+  segment.strictCheck = strictCheck;
+  segment.dataOffset = c.at[12] >> 4;
+  segment.headerLength = 4 * segment.dataOffset < kFixedHeader ? kFixedHeader : 4 * segment.dataOffset;
+  segment.flags = c.at[13];
+  segment.sequence = ReadU32(c.at + 4);
+  segment.verdict = Verdict::kNone;
+  return true;
+}
+
+}  // namespace
+
+int32_t DecodeTcpSegment(const Place& at, Cursor c, const NetworkState& network, bool strictCheck) {
+  if (Left(c) < kPorts) return 0;
+  PacketState& packet = PacketOf(at);
+  packet.sourcePort = static_cast<uint16_t>(ReadU16(c.at));
+  packet.destinationPort = static_cast<uint16_t>(ReadU16(c.at + 2));
+  if (network.fragmented && network.fragmentOffset > 0) return AddRawRest(at, c, "Fragment data");
+  Segment segment;
+  if (!ReadSegment(c, network, strictCheck, segment)) return 0;
+  ResolveSegment(at, segment);
+  segment.topLine = AddTopLine(at, segment);
+
+  const Place in = Under(at, segment.topLine);
+  AddPorts(in, c, segment);
+  const Field sequence = TakeU32(c);
+  AddLine(in, sequence, "Sequence number:          %4lu", sequence.value);
+  const Field acknowledgement = TakeU32(c);
+  AddLine(in, acknowledgement, "Acknowledgement:          %4lu", acknowledgement.value);
+  AddFlags(in, c, segment);
+  AddWindow(in, c, segment);
+  AddChecksum(in, c, segment);
+  const Field urgent = TakeU16(c);
+  AddLine(in, urgent, "Urgent Pointer:           %d - %ssignificant", urgent.value,
+          segment.flags & kUrg ? "" : "not ");
+  if (!urgent.here) return 1;   // the header is cut
+
+  const int32_t behind = Left(segment.start) - segment.headerLength;
+  AddCalculatedLines(in, segment, behind > 0 ? behind : 0);
+  AddOptions(in, c, segment);
+  return behind >= 0 ? DecodePayload(at, c, segment) : 1;
+}
+
+int32_t DecodeTcp(const Place& at, Cursor c) {
+  const NetworkState network = PacketOf(at).network;
+  return DecodeTcpSegment(at, c, network, false);
+}
+
+}  // namespace qxview

@@ -1,0 +1,67 @@
+// User Datagram Protocol (RFC 768).
+//
+//   0            2                 4       6         8
+//   source port  destination port  length  checksum  data
+#include "core/custom_libraries.h"
+#include "core/decoder.h"
+#include "decoders/net/port_dispatch.h"
+#include "decoders/net/word_sum.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kHeader = 8;
+
+// `sum` is of the pseudo-header and all captured bytes; it is not looked at where they are not the whole datagram.
+const char* ChecksumVerdict(uint32_t stored, const NetworkState& network, bool partial, uint32_t sum) {
+  if (stored == 0) return "not used";
+  if (network.fragmented) return "data fragment - not able to check";
+  if (partial) return "partial packet - not able to check";
+  return sum == 0xFFFF ? "Good" : "BAD";
+}
+
+void AddHeaderLines(const Place& in, Cursor& c) {
+  const NetworkState& network = PacketOf(in).network;
+  const Cursor datagram = c;
+  const Field source = TakeU16(c);
+  AddLine(in, source, "Source port: [%u]", source.value);
+  const Field destination = TakeU16(c);
+  AddLine(in, destination, "Destination port: [%u]", destination.value);
+
+  const Field length = TakeU16(c);
+  const bool partial = static_cast<int32_t>(length.value) > Left(datagram);
+  if (partial || network.fragmented) {
+    AddLine(in, length, "UDP length: %.2d,  captured: %.2d; partial capture or fragmented packet ", length.value,
+            Left(datagram));
+  } else {
+    AddLine(in, length, "UDP length: %.2d", length.value);
+  }
+  const uint32_t sum = network.fragmented ? 0 : ContinueSum(network.pseudoHead, datagram.at, Left(datagram));
+  const Field checksum = TakeU16(c);
+  AddLine(in, checksum, "Checksum:  0x%.4X (%s)", checksum.value,
+          ChecksumVerdict(checksum.value, network, partial, sum));
+}
+
+}  // namespace
+
+int32_t DecodeUdp(const Place& at, Cursor c) {
+  if (Left(c) < kHeader) return 0;
+  PacketState& packet = PacketOf(at);
+  packet.sourcePort = static_cast<uint16_t>(ReadU16(c.at));
+  packet.destinationPort = static_cast<uint16_t>(ReadU16(c.at + 2));
+
+  bool matchedSource;
+  const int32_t identifier = ResolveProtocol(at.view, kIpProtocolUdp, packet.source, packet.sourcePort,
+                                             packet.destination, packet.destinationPort, &matchedSource);
+  const auto name = ProtocolName(at.view, identifier);
+  const Place in = Under(at, AddLine(at, Ahead(c, kHeader), "UDP%s, [%u] %s -> [%u] %s",
+                                     packet.network.fragmented ? " First Fragment" : "", packet.sourcePort,
+                                     matchedSource ? name.text : "", packet.destinationPort,
+                                     matchedSource ? "" : name.text));
+  AddHeaderLines(in, c);
+  if (Left(c) == 0) return 1;
+  if (OfferPayload(Deeper(at), PayloadHook::kUdp, c)) return 1;
+  return DispatchUdpPayload(at, c, identifier);
+}
+
+}  // namespace qxview

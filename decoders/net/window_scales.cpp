@@ -1,0 +1,136 @@
+#include "decoders/net/window_scales.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "core/decoder.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kSets = 4096, kWays = 4;
+constexpr int32_t kHighestExponent = 14;   // RFC 7323 section 2.3: more is taken as this
+
+// Both ends of a connection, the lower one first, so that both directions find it.
+struct ConnectionKey {
+  uint8_t addresses[2][16];
+  uint16_t ports[2];
+  uint8_t kinds[2];
+  uint8_t unused[2];
+};
+static_assert(sizeof(ConnectionKey) == 40, "compared and hashed as bytes");
+
+struct Direction {
+  uint32_t synSequence;
+  int8_t exponent;
+  bool synSeen;
+};
+
+struct Connection {
+  ConnectionKey key;
+  Direction directions[2];   // from the first end, from the second
+  uint32_t lastUsed;         // by the table's clock; 0 for a place that was never used
+};
+
+struct WindowScales {
+  uint32_t clock;
+  Connection connections[kSets][kWays];
+};
+
+void PutEnd(ConnectionKey& key, int32_t end, const AddressSlot& address, uint16_t port) {
+  std::memcpy(key.addresses[end], address.address, sizeof address.address);
+  key.ports[end] = port;
+  key.kinds[end] = static_cast<uint8_t>(address.kind);
+}
+
+// The key of the current packet's connection; `direction` is the side that the packet came from.
+ConnectionKey KeyOf(const PacketState& packet, int32_t* direction) {
+  const int32_t order = std::memcmp(packet.source.address, packet.destination.address, 16);
+  const bool sourceFirst = order < 0 || (order == 0 && packet.sourcePort <= packet.destinationPort);
+  *direction = sourceFirst ? 0 : 1;
+  ConnectionKey key{};
+  PutEnd(key, *direction, packet.source, packet.sourcePort);
+  PutEnd(key, 1 - *direction, packet.destination, packet.destinationPort);
+  return key;
+}
+
+Connection* SetOf(WindowScales* scales, const ConnectionKey& key) {
+  uint64_t mixed = 0;
+  uint64_t words[sizeof key / 8];
+  std::memcpy(words, &key, sizeof key);
+  for (const uint64_t word : words) {
+    mixed = (mixed ^ word) * 0x9E3779B97F4A7C15u;
+    mixed ^= mixed >> 32;
+  }
+  return scales->connections[mixed % kSets];
+}
+
+Connection* FindConnection(WindowScales* scales, const ConnectionKey& key) {
+  Connection* set = SetOf(scales, key);
+  for (int32_t i = 0; i < kWays; ++i) {
+    if (set[i].lastUsed && std::memcmp(&set[i].key, &key, sizeof key) == 0) return &set[i];
+  }
+  return nullptr;
+}
+
+Connection* AddConnection(WindowScales* scales, const ConnectionKey& key) {
+  Connection* set = SetOf(scales, key);
+  Connection* oldest = &set[0];
+  for (int32_t i = 1; i < kWays; ++i) {
+    if (set[i].lastUsed < oldest->lastUsed) oldest = &set[i];
+  }
+  *oldest = Connection{};
+  oldest->key = key;
+  return oldest;
+}
+
+// The clock has gone round: all ages start again.
+void RestartAges(WindowScales* scales) {
+  for (auto& set : scales->connections) {
+    for (Connection& connection : set) connection.lastUsed = connection.lastUsed ? 1 : 0;
+  }
+  scales->clock = 1;
+}
+
+void MarkUsed(WindowScales* scales, Connection* connection) {
+  if (++scales->clock == 0) RestartAges(scales);
+  connection->lastUsed = scales->clock;
+}
+
+}  // namespace
+
+void* CreateWindowScales() { return std::calloc(1, sizeof(WindowScales)); }
+void DestroyWindowScales(void* state) { std::free(state); }
+
+void RecordSynSegment(const Place& at, uint32_t sequence, bool acknowledges, int32_t exponent) {
+  auto* scales = StateOf<WindowScales>(at.view->engine, DecoderState::kWindowScales);
+  if (!scales) return;
+  int32_t from;
+  const ConnectionKey key = KeyOf(PacketOf(at), &from);
+  Connection* connection = FindConnection(scales, key);
+  if (!connection) connection = AddConnection(scales, key);
+  MarkUsed(scales, connection);
+  Direction& own = connection->directions[from];
+  const bool repeated = own.synSeen && own.synSequence == sequence;
+  if (!acknowledges && !repeated) connection->directions[1 - from] = Direction{};
+  own.synSeen = true;
+  own.synSequence = sequence;
+  own.exponent = static_cast<int8_t>(exponent > kHighestExponent ? kHighestExponent : exponent);
+}
+
+int32_t FindWindowScale(const Place& at) {
+  auto* scales = StateOf<WindowScales>(at.view->engine, DecoderState::kWindowScales);
+  if (!scales) return kNoWindowScale;
+  int32_t from;
+  const ConnectionKey key = KeyOf(PacketOf(at), &from);
+  Connection* connection = FindConnection(scales, key);
+  if (!connection) return kNoWindowScale;
+  MarkUsed(scales, connection);
+  const Direction* directions = connection->directions;
+  for (int32_t i = 0; i < 2; ++i) {
+    if (!directions[i].synSeen || directions[i].exponent < 0) return kNoWindowScale;
+  }
+  return directions[from].exponent;
+}
+
+}  // namespace qxview

@@ -1,0 +1,57 @@
+#include "host/hash_key.h"
+
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <random>
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kIPv4 = 1, kIPv6 = 2;
+
+uint64_t DrawSeed() noexcept {
+  // The clock and an address back the device up where it has no entropy.
+  static const int here = 0;
+  uint64_t seed = static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) ^
+                  reinterpret_cast<uintptr_t>(&here);
+  try {
+    std::random_device device;
+    seed ^= static_cast<uint64_t>(device()) << 32 | device();
+  } catch (const std::exception&) {
+  }
+  return seed;
+}
+
+const uint64_t kSeed = DrawSeed();
+
+// Two words of address bytes as the kind uses them.
+void PackAddress(const AddressSlot& address, uint64_t* words) {
+  words[0] = words[1] = 0;
+  if (address.kind == kIPv6) std::memcpy(words, address.address, 16);
+  if (address.kind == kIPv4) std::memcpy(words, address.address + 12, 4);
+}
+
+}  // namespace
+
+HashKey MakeHashKey(HashKeyForm form, const NetworkEnd& first, const NetworkEnd& second, uint8_t attribute) {
+  HashKey key;
+  key.words[0] = static_cast<uint64_t>(form) | static_cast<uint64_t>(attribute) << 8 |
+                 static_cast<uint64_t>(first.port) << 16 | static_cast<uint64_t>(second.port) << 32 |
+                 static_cast<uint64_t>(first.address.kind & 0xFF) << 48 |
+                 static_cast<uint64_t>(second.address.kind & 0xFF) << 56;
+  PackAddress(first.address, &key.words[1]);
+  PackAddress(second.address, &key.words[3]);
+  return key;
+}
+
+size_t HashKeyHash::operator()(const HashKey& key) const noexcept {
+  uint64_t mixed = kSeed;
+  for (const uint64_t word : key.words) {
+    mixed = (mixed ^ word) * 0x9E3779B97F4A7C15u;
+    mixed ^= mixed >> 29;
+  }
+  return static_cast<size_t>(mixed ^ mixed >> 32);
+}
+
+}  // namespace qxview

@@ -1,0 +1,273 @@
+#include "host/protocol_definitions.h"
+
+#include <algorithm>
+#include <charconv>
+#include <new>
+
+#include "core/bounded_text.h"
+#include "core/dispatch.h"
+#include "host/address_text.h"
+#include "host/default_definitions_table.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kIPv6 = 2;
+
+RowSpan BuiltinRows() {
+  const char* name = nullptr;
+  for (int32_t i = 0;; ++i) {
+    const RowSpan rows = RegistryTable(i, &name);
+    if (rows.count == 0 || std::string_view(name) == "application") return rows;
+  }
+}
+
+char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
+bool SameIgnoringCase(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](char x, char y) { return LowerCase(x) == LowerCase(y); });
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const size_t first = text.find_first_not_of(kBlanks);
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+// The identifier of a built-in decoder by its name; 0 when there is none. ONC RPC has two decoders under one name,
+// since TCP carries it behind record markers: the first is TCP's, the last UDP's.
+int32_t FindProtocol(std::string_view name, bool overUdp) {
+  int32_t found = 0;
+  const RowSpan rows = BuiltinRows();
+  for (int32_t i = 0; i < rows.count; ++i) {
+    if (!SameIgnoringCase(rows.rows[i].name, name)) continue;
+    if (found && !overUdp) break;
+    found = kBuiltinProtocol | static_cast<int32_t>(rows.rows[i].key);
+  }
+  return found;
+}
+
+struct ParsedDefinition {
+  bool overUdp = false;
+  bool hasAddress = false;
+  AddressSlot address{};
+  uint16_t port = 0;
+  int32_t identifier = 0;
+};
+
+// The texts of a definition, before they are read.
+struct DefinitionParts {
+  std::string_view transport, address, port, name;
+  bool hasAddress = false, bracketed = false;
+};
+
+// `before`, the text in quotation marks, `behind`.
+std::string Quote(std::string_view before, std::string_view text, std::string_view behind) {
+  std::string quoted(before);
+  quoted.append("\"").append(text).append("\"").append(behind);
+  return quoted;
+}
+
+std::optional<std::string> SplitDefinition(std::string_view text, DefinitionParts* parts) {
+  const size_t equals = text.find('='), colon = text.find(':');
+  if (equals == text.npos) return "it has no \"=\" and protocol name";
+  if (colon == text.npos || colon > equals) return "it has no transport (tcp or udp) and \":\" in front";
+  parts->transport = TrimBlanks(text.substr(0, colon));
+  parts->name = TrimBlanks(text.substr(equals + 1));
+  std::string_view end = TrimBlanks(text.substr(colon + 1, equals - colon - 1));
+  parts->port = end;
+  if (end.starts_with('[')) {
+    const size_t close = end.find(']');
+    if (close == end.npos) return Quote("the bracket of the address ", end, " is not closed");
+    parts->address = end.substr(1, close - 1);
+    end = TrimBlanks(end.substr(close + 1));
+    if (!end.starts_with(':')) return Quote("no port follows the address ", parts->address, "");
+    parts->hasAddress = parts->bracketed = true;
+    parts->port = TrimBlanks(end.substr(1));
+  } else if (const size_t last = end.rfind(':'); last != end.npos) {
+    parts->hasAddress = true;
+    parts->address = TrimBlanks(end.substr(0, last));
+    parts->port = TrimBlanks(end.substr(last + 1));
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> ReadAddress(const DefinitionParts& parts, AddressSlot* out) {
+  if (parts.bracketed) {
+    if (ParseIPv6Address(parts.address, out)) return std::nullopt;
+    return Quote("address ", parts.address, " is not an IPv6 address");
+  }
+  if (ParseIPv4Address(parts.address, out)) return std::nullopt;
+  std::string wrong = Quote("address ", parts.address, " is not an IPv4 address");
+  if (parts.address.find(':') != parts.address.npos) wrong += "; an IPv6 address stands in brackets";
+  return wrong;
+}
+
+std::optional<std::string> ReadPort(const DefinitionParts& parts, uint16_t* out) {
+  const uint32_t lowest = parts.hasAddress ? 0 : 1;
+  uint32_t number = 0;
+  const char* const last = parts.port.data() + parts.port.size();
+  const auto [end, error] = std::from_chars(parts.port.data(), last, number);
+  if (parts.port.empty() || error != std::errc() || end != last || number > 65535 || number < lowest) {
+    return Quote("port ", parts.port,
+                 parts.hasAddress ? " is not a number from 0 to 65535" : " is not a number from 1 to 65535");
+  }
+  *out = static_cast<uint16_t>(number);
+  return std::nullopt;
+}
+
+std::optional<std::string> ParseDefinition(std::string_view text, ParsedDefinition* out) {
+  DefinitionParts parts;
+  if (auto wrong = SplitDefinition(text, &parts)) return wrong;
+  out->overUdp = SameIgnoringCase(parts.transport, "udp");
+  if (!out->overUdp && !SameIgnoringCase(parts.transport, "tcp")) {
+    return Quote("transport ", parts.transport, " is neither tcp nor udp");
+  }
+  out->hasAddress = parts.hasAddress;
+  if (parts.hasAddress) {
+    if (auto wrong = ReadAddress(parts, &out->address)) return wrong;
+  }
+  if (auto wrong = ReadPort(parts, &out->port)) return wrong;
+  out->identifier = FindProtocol(parts.name, out->overUdp);
+  if (out->identifier) return std::nullopt;
+  return Quote("protocol ", parts.name, " is unknown; the command protocols lists the names");
+}
+
+std::string EndText(int32_t which, const HashEntry& entry) {
+  std::string text = which == QX_TCP_PORTS || which == QX_TCP_ADDRESSES ? "tcp:" : "udp:";
+  if (entry.form == HashKeyForm::kAddressPort) {
+    char notation[kIPv6TextSize];
+    if (entry.first.address.kind == kIPv6) {
+      FormatIPv6(entry.first.address.address, notation);
+      text.append("[").append(notation).append("]:");
+    } else {
+      FormatIPv4(entry.first.address.address + 12, notation);
+      text.append(notation).append(":");
+    }
+  }
+  return text.append(std::to_string(entry.first.port));
+}
+
+}  // namespace
+
+ProtocolDefinitions::ProtocolDefinitions() {
+  for (DefinitionTable& table : tables_) {
+    table.hash.reset(HashCreate());
+    if (!table.hash) throw std::bad_alloc();
+  }
+  for (const DefaultDefinition& row : kDefaultDefinitions) {
+    for (const bool overUdp : {false, true}) {
+      if (!(row.transport & (overUdp ? kOverUdp : kOverTcp))) continue;
+      HashTable* ports = tables_[overUdp ? QX_UDP_PORTS : QX_TCP_PORTS].hash.get();
+      if (!HashInsert(ports, row.port, FindProtocol(row.name, overUdp))) throw std::bad_alloc();
+    }
+  }
+}
+
+std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view definition) {
+  ParsedDefinition parsed;
+  if (auto wrong = ParseDefinition(definition, &parsed)) {
+    return Quote("protocol definition ", TrimBlanks(definition), ": ").append(*wrong);
+  }
+  const int32_t ports = parsed.overUdp ? QX_UDP_PORTS : QX_TCP_PORTS;
+  const int32_t addresses = parsed.overUdp ? QX_UDP_ADDRESSES : QX_TCP_ADDRESSES;
+  DefinitionTable& table = tables_[parsed.hasAddress ? addresses : ports];
+  const TableLockHolder held(table.lock);
+  const HashEntry* added =
+      parsed.hasAddress
+          ? HashInsertGenericIPPort(table.hash.get(), parsed.address, parsed.port, parsed.identifier)
+          : HashInsert(table.hash.get(), parsed.port, parsed.identifier);
+  if (!added) throw std::bad_alloc();
+  return std::nullopt;
+}
+
+std::vector<DefinedProtocol> ProtocolDefinitions::List() {
+  std::vector<DefinedProtocol> list;
+  const RowSpan rows = BuiltinRows();
+  for (int32_t i = 0; i < rows.count; ++i) {
+    list.push_back({kBuiltinProtocol | static_cast<int32_t>(rows.rows[i].key), rows.rows[i].name, {}});
+  }
+  for (const int32_t which : {QX_TCP_PORTS, QX_UDP_PORTS, QX_TCP_ADDRESSES, QX_UDP_ADDRESSES}) {
+    DefinitionTable& table = tables_[which];
+    const TableLockHolder held(table.lock);
+    std::vector<const HashEntry*> entries;
+    HashIterator* walk = HashIteratorCreate(table.hash.get());
+    if (!walk) throw std::bad_alloc();
+    const std::unique_ptr<HashIterator, decltype(&HashIteratorDestroy)> owned(walk, HashIteratorDestroy);
+    while (const HashEntry* entry = HashIteratorNext(walk)) entries.push_back(entry);
+    const auto byPort = [](const HashEntry* a, const HashEntry* b) { return a->first.port < b->first.port; };
+    if (which == QX_TCP_PORTS || which == QX_UDP_PORTS) std::stable_sort(entries.begin(), entries.end(), byPort);
+    for (const HashEntry* entry : entries) {
+      for (DefinedProtocol& protocol : list) {
+        if (protocol.identifier == entry->identifier) protocol.definitions.push_back(EndText(which, *entry));
+      }
+    }
+  }
+  return list;
+}
+
+void* ProtocolDefinitions::Table(int32_t which) noexcept {
+  return which >= QX_TCP_PORTS && which <= QX_UDP_ADDRESSES ? &tables_[which] : nullptr;
+}
+
+int32_t ProtocolDefinitions::FindPort(void* table, uint16_t port, int32_t* identifier) noexcept {
+  if (!table) return 0;
+  const HashEntry* entry = HashFind(static_cast<DefinitionTable*>(table)->hash.get(), port);
+  if (entry && identifier) *identifier = entry->identifier;
+  return entry ? 1 : 0;
+}
+
+int32_t ProtocolDefinitions::FindAddress(void* table, const AddressSlot* address, uint16_t port,
+                                         int32_t* identifier) noexcept {
+  if (!table || !address) return 0;
+  auto* definitions = static_cast<DefinitionTable*>(table);
+  int32_t found = 0;
+  if (const HashEntry* entry = HashFindGenericIPPort(definitions->hash.get(), *address, port)) {
+    found = entry->identifier;   // the user's word before what was learnt
+  } else if (const LearntEnd* learnt = definitions->learnt.Find(*address, port)) {
+    found = learnt->identifier;
+  }
+  if (found && identifier) *identifier = found;
+  return found ? 1 : 0;
+}
+
+void ProtocolDefinitions::Lock(void* table) noexcept {
+  if (table) static_cast<DefinitionTable*>(table)->lock.Lock();
+}
+
+void ProtocolDefinitions::Unlock(void* table) noexcept {
+  if (table) static_cast<DefinitionTable*>(table)->lock.Unlock();
+}
+
+void ProtocolDefinitions::Learn(uint32_t transport, int32_t identifier, const AddressSlot* address, uint16_t port,
+                                const DynamicRecord* extra) noexcept {
+  if (!address || identifier < 1 || !(transport & (QX_OVER_TCP | QX_OVER_UDP))) return;
+  DefinitionTable& table = tables_[transport & QX_OVER_TCP ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
+  const TableLockHolder held(table.lock);
+  table.learnt.Learn({{*address, port}, identifier, extra ? *extra : DynamicRecord{}});
+}
+
+int32_t ProtocolDefinitions::DisplayName(int32_t identifier, char* out, int32_t outSize) noexcept {
+  if (!out || outSize < 1) return 0;
+  out[0] = 0;
+  if (identifier < 1 || !(identifier & kBuiltinProtocol)) return 0;
+  const DecoderRow* row = FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF);
+  return row && CopyString(out, outSize, row->name) ? 1 : 0;
+}
+
+void ProtocolDefinitions::ForgetLearnt() noexcept {
+  for (DefinitionTable& table : tables_) {
+    const TableLockHolder held(table.lock);
+    table.learnt.Clear();
+  }
+}
+
+size_t ProtocolDefinitions::CountLearnt(uint32_t transport) noexcept {
+  DefinitionTable& table = tables_[transport & QX_OVER_TCP ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
+  const TableLockHolder held(table.lock);
+  return table.learnt.Count();
+}
+
+}  // namespace qxview

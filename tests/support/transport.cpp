@@ -1,0 +1,104 @@
+#include "tests/support/transport.h"
+
+#include <pthread.h>
+
+#include <chrono>
+
+#include "decoders/net/word_sum.h"
+
+namespace qxview {
+int32_t DecodeTcp(const Place& at, Cursor c);
+int32_t DecodeUdp(const Place& at, Cursor c);
+
+namespace testing {
+namespace {
+
+uint32_t PseudoSum(uint8_t ipProtocol, int32_t length) {
+  const uint8_t rest[] = {0, ipProtocol, static_cast<uint8_t>(length >> 8), static_cast<uint8_t>(length)};
+  uint32_t sum = ContinueSum(0, testNetwork.source.address, 16);
+  sum = ContinueSum(sum, testNetwork.destination.address, 16);
+  return ContinueSum(sum, rest, sizeof rest);
+}
+
+void SetNetwork(const Place& at, const Cursor& c, uint8_t ipProtocol) {
+  PacketState& packet = PacketOf(at);
+  packet.source = testNetwork.source;
+  packet.destination = testNetwork.destination;
+  const int32_t total = Left(c) + testNetwork.missing;
+  packet.network = {testNetwork.withPseudoHead ? PseudoSum(ipProtocol, total) : 0, testNetwork.fragmentOffset, total,
+                    testNetwork.fragmented, testNetwork.moreFragments};
+}
+
+void Put(Bytes& bytes, uint32_t number, int width) {
+  for (int i = width - 1; i >= 0; --i) bytes.push_back(static_cast<uint8_t>(number >> 8 * i));
+}
+
+}  // namespace
+
+TestNetwork testNetwork;
+
+AddressSlot IPv4Slot(uint32_t address) {
+  AddressSlot slot{{}, 1};
+  for (int i = 0; i < 4; ++i) slot.address[12 + i] = static_cast<uint8_t>(address >> (24 - 8 * i));
+  return slot;
+}
+
+int32_t DecodeTcpOverNetwork(const Place& at, Cursor c) {
+  SetNetwork(at, c, 6);
+  return DecodeTcp(at, c);
+}
+
+int32_t DecodeUdpOverNetwork(const Place& at, Cursor c) {
+  SetNetwork(at, c, 17);
+  return DecodeUdp(at, c);
+}
+
+Bytes Tcp(const TcpParts& parts) {
+  Bytes options = parts.options;
+  while (options.size() % 4) options.push_back(0);
+  Bytes segment;
+  Put(segment, parts.sourcePort, 2);
+  Put(segment, parts.destinationPort, 2);
+  Put(segment, parts.sequence, 4);
+  Put(segment, parts.acknowledgement, 4);
+  Put(segment, static_cast<uint32_t>(5 + options.size() / 4) << 12 | parts.flags, 2);
+  Put(segment, parts.window, 2);
+  Put(segment, 0, 4);
+  segment = segment + options + parts.payload;
+  SetChecksum(segment, 16, 6);
+  return segment;
+}
+
+void SetChecksum(Bytes& data, size_t place, uint8_t ipProtocol) {
+  data[place] = data[place + 1] = 0;
+  const int32_t length = static_cast<int32_t>(data.size());
+  const uint32_t checksum = WireNumber(~ContinueSum(PseudoSum(ipProtocol, length), data.data(), length) & 0xFFFF);
+  data[place] = static_cast<uint8_t>(checksum >> 8);
+  data[place + 1] = static_cast<uint8_t>(checksum);
+}
+
+double RunOnSmallStack(const std::function<void()>& work) {
+  struct Job {
+    const std::function<void()>* work;
+    double milliseconds;
+  } job{&work, 0};
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 256 * 1024);
+  pthread_t thread;
+  const auto run = [](void* held) -> void* {
+    auto* mine = static_cast<Job*>(held);
+    const auto start = std::chrono::steady_clock::now();
+    (*mine->work)();
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    mine->milliseconds = took.count();
+    return nullptr;
+  };
+  EXPECT_EQ(pthread_create(&thread, &attributes, run, &job), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+  return job.milliseconds;
+}
+
+}  // namespace testing
+}  // namespace qxview
