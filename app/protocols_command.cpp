@@ -1,20 +1,45 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
+#include <memory>
 
 #include "app/commands.h"
-#include "core/dispatch.h"
+#include "app/packet_run.h"
 
 namespace qxview {
+namespace {
+
+// A line a decoder: identifier, name, and what is defined for it.
+int ListProtocols(const HostOptions& options) {
+  std::string message;
+  bool fileFault = false;
+  const auto host = StandaloneHost::Create(options, &message, &fileFault);
+  if (!host) return Tell(message), fileFault ? kFileFault : kUsage;
+  const std::vector<DefinedProtocol> protocols = host->Definitions().List();
+  size_t width = 0;
+  for (const DefinedProtocol& protocol : protocols) width = std::max(width, protocol.name.size());
+  for (const DefinedProtocol& protocol : protocols) {
+    std::string line = protocol.name;
+    if (!protocol.definitions.empty()) line.resize(width, ' ');
+    for (size_t i = 0; i < protocol.definitions.size(); ++i) line += (i ? " " : "  ") + protocol.definitions[i];
+    std::printf("0x%05X  %s\n", static_cast<uint32_t>(protocol.identifier), line.c_str());
+  }
+  return kDone;
+}
+
+}  // namespace
 
 void AddProtocolsCommand(CLI::App* app, int* status) {
   CLI::App* command = app->add_subcommand("protocols", "the built-in decoders, their identifiers, names and ports");
+  auto options = std::make_shared<HostOptions>();
+  command->add_option("-d,--decode-as", options->definitions, "a protocol definition, may be repeated")
+      ->type_name("SPEC")
+      ->allow_extra_args(false);
+  command->add_option("--settings", options->settingsFile, "settings file instead of the user's own")->type_name("FILE");
   command->footer("Example:\n  qxview protocols");
-  command->callback([status] {
-    const RowSpan rows = RegistryTable(6, nullptr);
-    for (int32_t i = 0; i < rows.count; ++i) {
-      std::printf("0x%05X  %s\n", 0x10000u | rows.rows[i].key, rows.rows[i].name);
-    }
-    *status = kDone;
+  command->callback([options, status] {
+    options->settingsFileNamed = !options->settingsFile.empty();
+    *status = ListProtocols(*options);
   });
 }
 

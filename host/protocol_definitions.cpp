@@ -6,8 +6,9 @@
 
 #include "core/bounded_text.h"
 #include "core/dispatch.h"
-#include "host/address_text.h"
+#include "host/alias_table.h"
 #include "host/default_definitions_table.h"
+#include "host/text.h"
 
 namespace qxview {
 namespace {
@@ -22,27 +23,13 @@ RowSpan BuiltinRows() {
   }
 }
 
-char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-
-bool SameIgnoringCase(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return LowerCase(x) == LowerCase(y); });
-}
-
-std::string_view TrimBlanks(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const size_t first = text.find_first_not_of(kBlanks);
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 // The identifier of a built-in decoder by its name; 0 when there is none. ONC RPC has two decoders under one name,
 // since TCP carries it behind record markers: the first is TCP's, the last UDP's.
 int32_t FindProtocol(std::string_view name, bool overUdp) {
   int32_t found = 0;
   const RowSpan rows = BuiltinRows();
   for (int32_t i = 0; i < rows.count; ++i) {
-    if (!SameIgnoringCase(rows.rows[i].name, name)) continue;
+    if (!EqualsIgnoringCase(rows.rows[i].name, name)) continue;
     if (found && !overUdp) break;
     found = kBuiltinProtocol | static_cast<int32_t>(rows.rows[i].key);
   }
@@ -59,7 +46,7 @@ struct ParsedDefinition {
 
 // The texts of a definition, before they are read.
 struct DefinitionParts {
-  std::string_view transport, address, port, name;
+  std::string transport, address, port, name;
   bool hasAddress = false, bracketed = false;
 };
 
@@ -74,32 +61,43 @@ std::optional<std::string> SplitDefinition(std::string_view text, DefinitionPart
   const size_t equals = text.find('='), colon = text.find(':');
   if (equals == text.npos) return "it has no \"=\" and protocol name";
   if (colon == text.npos || colon > equals) return "it has no transport (tcp or udp) and \":\" in front";
-  parts->transport = TrimBlanks(text.substr(0, colon));
-  parts->name = TrimBlanks(text.substr(equals + 1));
-  std::string_view end = TrimBlanks(text.substr(colon + 1, equals - colon - 1));
+  parts->transport = Trim(text.substr(0, colon));
+  parts->name = Trim(text.substr(equals + 1));
+  std::string end = Trim(text.substr(colon + 1, equals - colon - 1));
   parts->port = end;
   if (end.starts_with('[')) {
     const size_t close = end.find(']');
     if (close == end.npos) return Quote("the bracket of the address ", end, " is not closed");
     parts->address = end.substr(1, close - 1);
-    end = TrimBlanks(end.substr(close + 1));
+    end = Trim(end.substr(close + 1));
     if (!end.starts_with(':')) return Quote("no port follows the address ", parts->address, "");
     parts->hasAddress = parts->bracketed = true;
-    parts->port = TrimBlanks(end.substr(1));
+    parts->port = Trim(end.substr(1));
   } else if (const size_t last = end.rfind(':'); last != end.npos) {
     parts->hasAddress = true;
-    parts->address = TrimBlanks(end.substr(0, last));
-    parts->port = TrimBlanks(end.substr(last + 1));
+    parts->address = Trim(end.substr(0, last));
+    parts->port = Trim(end.substr(last + 1));
   }
   return std::nullopt;
 }
 
+// An address of this kind and no other.
+bool ParseSlot(const std::string& text, AliasKind wanted, AddressSlot* out) {
+  AliasKind kind;
+  std::array<uint8_t, 16> address;
+  if (!ParseAddress(text, &kind, &address) || kind != wanted) return false;
+  *out = {{}, static_cast<uint32_t>(kind)};
+  const size_t length = kind == AliasKind::kIPv4 ? 4 : 16;
+  std::copy_n(address.begin(), length, out->address + 16 - length);
+  return true;
+}
+
 std::optional<std::string> ReadAddress(const DefinitionParts& parts, AddressSlot* out) {
   if (parts.bracketed) {
-    if (ParseIPv6Address(parts.address, out)) return std::nullopt;
+    if (ParseSlot(parts.address, AliasKind::kIPv6, out)) return std::nullopt;
     return Quote("address ", parts.address, " is not an IPv6 address");
   }
-  if (ParseIPv4Address(parts.address, out)) return std::nullopt;
+  if (ParseSlot(parts.address, AliasKind::kIPv4, out)) return std::nullopt;
   std::string wrong = Quote("address ", parts.address, " is not an IPv4 address");
   if (parts.address.find(':') != parts.address.npos) wrong += "; an IPv6 address stands in brackets";
   return wrong;
@@ -121,8 +119,8 @@ std::optional<std::string> ReadPort(const DefinitionParts& parts, uint16_t* out)
 std::optional<std::string> ParseDefinition(std::string_view text, ParsedDefinition* out) {
   DefinitionParts parts;
   if (auto wrong = SplitDefinition(text, &parts)) return wrong;
-  out->overUdp = SameIgnoringCase(parts.transport, "udp");
-  if (!out->overUdp && !SameIgnoringCase(parts.transport, "tcp")) {
+  out->overUdp = EqualsIgnoringCase(parts.transport, "udp");
+  if (!out->overUdp && !EqualsIgnoringCase(parts.transport, "tcp")) {
     return Quote("transport ", parts.transport, " is neither tcp nor udp");
   }
   out->hasAddress = parts.hasAddress;
@@ -169,7 +167,7 @@ ProtocolDefinitions::ProtocolDefinitions() {
 std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view definition) {
   ParsedDefinition parsed;
   if (auto wrong = ParseDefinition(definition, &parsed)) {
-    return Quote("protocol definition ", TrimBlanks(definition), ": ").append(*wrong);
+    return Quote("protocol definition ", Trim(definition), ": ").append(*wrong);
   }
   const int32_t ports = parsed.overUdp ? QX_UDP_PORTS : QX_TCP_PORTS;
   const int32_t addresses = parsed.overUdp ? QX_UDP_ADDRESSES : QX_TCP_ADDRESSES;

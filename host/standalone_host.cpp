@@ -8,6 +8,8 @@ namespace {
 
 StandaloneHost* HostOf(void* user) { return static_cast<StandaloneHost*>(user); }
 
+ProtocolDefinitions& DefinitionsOf(void* user) { return HostOf(user)->Definitions(); }
+
 int32_t GiveText(const std::string& text, char* out, int32_t outSize) {
   if (!out || outSize < 1) return 0;
   const size_t length = std::min(text.size(), static_cast<size_t>(outSize - 1));
@@ -37,6 +39,20 @@ void StandaloneHost::FillRecord() {
     return GiveText(HostOf(user)->applicationDirectory_, out, outSize);
   };
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
+  LendDefinitions<&DefinitionsOf>(&record_);
+}
+
+bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, std::string* message,
+                                    bool* fileFault) {
+  *fileFault = true;
+  for (const SettingsLine& line : settings_.ProtocolLines()) {
+    if (const auto wrong = definitions_.AddDefinition(line.text)) return *message = line.place + ": " + *wrong, false;
+  }
+  *fileFault = false;
+  for (const std::string& definition : overrides) {
+    if (auto wrong = definitions_.AddDefinition(definition)) return *message = *wrong, false;
+  }
+  return true;
 }
 
 void StandaloneHost::StartPacket() {}
@@ -54,6 +70,7 @@ std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& option
   for (const std::string& assignment : options.settings) {
     if (!host->settings_.Set(assignment, message)) return nullptr;
   }
+  if (!host->AddDefinitions(options.definitions, message, fileFault)) return nullptr;
   *fileFault = true;
   const std::string* aliasFile = host->settings_.Find("AliasFile");
   if (aliasFile && !aliasFile->empty() && !host->aliases_.ReadFile(*aliasFile, message)) return nullptr;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/alias_table.h"
+#include "host/protocol_definitions.h"
 #include "host/settings_store.h"
 #include "qxview/qxview_host.h"
 
@@ -35,15 +36,18 @@ class StandaloneHost {
 
   const SettingsStore& Settings() const { return settings_; }
   const AliasTable& Aliases() const { return aliases_; }
+  ProtocolDefinitions& Definitions() { return definitions_; }
 
  private:
   StandaloneHost() = default;
   void FillRecord();
+  bool AddDefinitions(const std::vector<std::string>& overrides, std::string* message, bool* fileFault);
 
   QxHost record_{};
   Session* session_ = nullptr;
   SettingsStore settings_;
   AliasTable aliases_;
+  ProtocolDefinitions definitions_;
   std::string applicationDirectory_;
 };
 

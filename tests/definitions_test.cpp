@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "core/dispatch.h"
-#include "host/address_text.h"
+#include "host/alias_table.h"
 #include "host/default_definitions_table.h"
 
 namespace qxview {
@@ -17,9 +17,22 @@ AddressSlot V4(uint32_t address) {
   return slot;
 }
 
-AddressSlot V6(const char* text) {
-  AddressSlot slot{};
-  EXPECT_TRUE(ParseIPv6Address(text, &slot)) << text;
+// The kind and bytes of an address text; "none" for a text that is no address.
+std::string Parsed(const std::string& text) {
+  AliasKind kind;
+  std::array<uint8_t, 16> address;
+  if (!ParseAddress(text, &kind, &address)) return "none";
+  std::string shown = std::to_string(static_cast<int>(kind));
+  for (int i = 0; i < (kind == AliasKind::kHardware ? 6 : kind == AliasKind::kIPv4 ? 4 : 16); ++i) {
+    shown += (i ? "." : ": ") + std::to_string(address[static_cast<size_t>(i)]);
+  }
+  return shown;
+}
+
+AddressSlot V6(uint16_t first, uint16_t second, uint8_t last) {
+  AddressSlot slot{{static_cast<uint8_t>(first >> 8), static_cast<uint8_t>(first), static_cast<uint8_t>(second >> 8),
+                    static_cast<uint8_t>(second)}, 2};
+  slot.address[15] = last;
   return slot;
 }
 
@@ -80,25 +93,19 @@ TEST(HashTables, WalksStandRemovals) {
 }
 
 TEST(AddressText, ReadsEveryNotationAndNothingElse) {
-  AddressSlot slot{};
-  EXPECT_TRUE(ParseIPv4Address("192.0.2.255", &slot));
-  EXPECT_EQ(slot.address[12], 192);
-  EXPECT_EQ(slot.address[15], 255);
+  EXPECT_EQ(Parsed("192.0.2.255"), "1: 192.0.2.255");
+  EXPECT_EQ(Parsed("::"), "2: 0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.0");
+  EXPECT_EQ(Parsed("::1"), "2: 0.0.0.0.0.0.0.0.0.0.0.0.0.0.0.1");
+  EXPECT_EQ(Parsed("2001:DB8::5"), "2: 32.1.13.184.0.0.0.0.0.0.0.0.0.0.0.5");
+  EXPECT_EQ(Parsed("1::"), "2: 0.1.0.0.0.0.0.0.0.0.0.0.0.0.0.0");
+  EXPECT_EQ(Parsed("1:2:3:4:5:6:7:8"), "2: 0.1.0.2.0.3.0.4.0.5.0.6.0.7.0.8");
+  EXPECT_EQ(Parsed("1:2:3:4:5:6:192.0.2.7"), "2: 0.1.0.2.0.3.0.4.0.5.0.6.192.0.2.7");
+  EXPECT_EQ(Parsed("::ffff:192.0.2.7"), "2: 0.0.0.0.0.0.0.0.0.0.255.255.192.0.2.7");
   for (const char* wrong :
-       {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "1.2..4", "1.2.3.4 ", "+1.2.3.4", "a.b.c.d", "1.2.3.0004"}) {
-    EXPECT_FALSE(ParseIPv4Address(wrong, &slot)) << wrong;
-  }
-  EXPECT_EQ(V6("::").address[15], 0);
-  EXPECT_EQ(V6("::1").address[15], 1);
-  EXPECT_EQ(V6("1::").address[1], 1);
-  EXPECT_EQ(V6("2001:DB8::5").address[0], 0x20);
-  EXPECT_EQ(V6("1:2:3:4:5:6:7:8").address[15], 8);
-  EXPECT_EQ(V6("1:2:3:4:5:6:192.0.2.7").address[12], 192);
-  EXPECT_EQ(V6("::ffff:192.0.2.7").address[10], 0xFF);
-  for (const char* wrong :
-       {"", ":", ":::", "1::2::3", "1:2:3:4:5:6:7", "1:2:3:4:5:6:7:8:9", "1:2:3:4::5:6:7:8", "12345::", "g::", "1:", ":1",
-        "1::2:", "::1%eth0", "1.2.3.4", "1:2:3:4:5:6:7:1.2.3.4", "1.2.3.4::"}) {
-    EXPECT_FALSE(ParseIPv6Address(wrong, &slot)) << wrong;
+       {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "1.2..4", "1.2.3.4 ", "+1.2.3.4", "a.b.c.d", "1.2.3.0004", ":", ":::",
+        "1::2::3", "1:2:3:4:5:6:7", "1:2:3:4:5:6:7:8:9", "1:2:3:4::5:6:7:8", "12345::", "g::", "1:", ":1", "1::2:",
+        "::1%eth0", "1:2:3:4:5:6:7:1.2.3.4", "1.2.3.4::"}) {
+    EXPECT_EQ(Parsed(wrong), "none") << wrong;
   }
 }
 
@@ -131,7 +138,7 @@ TEST(Definitions, TakesEveryFormAndOverrides) {
   EXPECT_EQ(AddressOf(definitions, QX_UDP_ADDRESSES, V4(0x0A000001), 5000), 0x10006);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, V4(0x0A000001), 5000), 0);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, V4(0x0A000001), 0), 0x10004);
-  EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, V6("2001:db8::1"), 80), 0x10004);
+  EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, V6(0x2001, 0xDB8, 1), 80), 0x10004);
   EXPECT_EQ(PortOf(definitions, QX_TCP_PORTS, 80), 0x1000B) << "over the built-in one";
   EXPECT_EQ(PortOf(definitions, QX_UDP_PORTS, 700), 0x1008E);
   const auto list = definitions.List();

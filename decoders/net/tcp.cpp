@@ -6,12 +6,14 @@
 // Data offset: the header's length in words of 4 bytes, in the high four bits of byte 12.
 #include "decoders/net/tcp.h"
 
+#include <cstring>
+
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
+#include "core/internet_checksum.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/tcp_options.h"
 #include "decoders/net/window_scales.h"
-#include "decoders/net/word_sum.h"
 
 namespace qxview {
 namespace {
@@ -128,13 +130,14 @@ Verdict JudgeChecksum(const Segment& segment, const Field& checksum, uint32_t* e
   const int32_t captured = Left(segment.start);
   if (network.fragmented) return Verdict::kNone;
   if (network.totalLength > captured) return Verdict::kPartialCapture;
-  const uint32_t sum = ContinueSum(network.pseudoHead, segment.start.at, captured);
+  const uint32_t sum = SumWords(network.pseudoHead, segment.start.at, captured);
   if (sum == 0xFFFF) return Verdict::kGood;
-  const uint32_t stored = MachineWord(checksum.bytes);
-  if (!segment.strictCheck) {
-    if (stored == network.pseudoHead) return stored ? Verdict::kNotCalculated : Verdict::kNotChecked;
+  uint16_t stored;   // as the machine reads it, as the sums are
+  std::memcpy(&stored, checksum.bytes, sizeof stored);
+  if (!segment.strictCheck && stored == network.pseudoHead) {
+    return stored ? Verdict::kNotCalculated : Verdict::kNotChecked;
   }
-  *expected = WireNumber(FoldSum((~sum & 0xFFFF) + stored));
+  *expected = RightChecksum(sum, checksum.value);
   return Verdict::kBad;
 }
 
@@ -183,7 +186,7 @@ void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
   if (Left(area) > 0) {
     exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area);
   }
-  if ((segment.flags & kSyn) && whole && segment.verdict != Verdict::kBad) {
+  if ((segment.flags & kSyn) && whole && segment.verdict != Verdict::kBad && !PacketOf(in).quoted) {
     RecordSynSegment(in, segment.sequence, segment.flags & kAck, exponent);
   }
 }
@@ -195,8 +198,9 @@ int32_t DecodePayload(const Place& at, Cursor c, const Segment& segment) {
   }
   // A SYN takes the first number for itself, so its data start one behind.
   const uint32_t dataSequence = segment.sequence + (segment.flags & kSyn ? 1 : 0);
-  PacketOf(at).segment = {c.at, Left(c), dataSequence, segment.flags, true};
-  if (Left(c) == 0 || OfferPayload(Deeper(at), PayloadHook::kTcp, c)) return 1;
+  PacketState& packet = PacketOf(at);
+  packet.segment = {c.at, Left(c), dataSequence, segment.flags, true};
+  if (Left(c) == 0 || (!packet.quoted && OfferPayload(at, PayloadHook::kTcp, c))) return 1;
   return DispatchTcpPayload(at, c, segment.protocol, segment.matchedSource);
 }
 

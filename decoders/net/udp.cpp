@@ -4,8 +4,8 @@
 //   source port  destination port  length  checksum  data
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
+#include "core/internet_checksum.h"
 #include "decoders/net/port_dispatch.h"
-#include "decoders/net/word_sum.h"
 
 namespace qxview {
 namespace {
@@ -36,7 +36,7 @@ void AddHeaderLines(const Place& in, Cursor& c) {
   } else {
     AddLine(in, length, "UDP length: %.2d", length.value);
   }
-  const uint32_t sum = network.fragmented ? 0 : ContinueSum(network.pseudoHead, datagram.at, Left(datagram));
+  const uint32_t sum = network.fragmented ? 0 : SumWords(network.pseudoHead, datagram.at, Left(datagram));
   const Field checksum = TakeU16(c);
   AddLine(in, checksum, "Checksum:  0x%.4X (%s)", checksum.value,
           ChecksumVerdict(checksum.value, network, partial, sum));
@@ -60,7 +60,7 @@ int32_t DecodeUdp(const Place& at, Cursor c) {
                                      matchedSource ? "" : name.text));
   AddHeaderLines(in, c);
   if (Left(c) == 0) return 1;
-  if (OfferPayload(Deeper(at), PayloadHook::kUdp, c)) return 1;
+  if (!packet.quoted && OfferPayload(at, PayloadHook::kUdp, c)) return 1;
   return DispatchUdpPayload(at, c, identifier);
 }
 

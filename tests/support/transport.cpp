@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-#include "decoders/net/word_sum.h"
+#include "core/internet_checksum.h"
 
 namespace qxview {
 int32_t DecodeTcp(const Place& at, Cursor c);
@@ -15,9 +15,9 @@ namespace {
 
 uint32_t PseudoSum(uint8_t ipProtocol, int32_t length) {
   const uint8_t rest[] = {0, ipProtocol, static_cast<uint8_t>(length >> 8), static_cast<uint8_t>(length)};
-  uint32_t sum = ContinueSum(0, testNetwork.source.address, 16);
-  sum = ContinueSum(sum, testNetwork.destination.address, 16);
-  return ContinueSum(sum, rest, sizeof rest);
+  uint32_t sum = SumWords(0, testNetwork.source.address, 16);
+  sum = SumWords(sum, testNetwork.destination.address, 16);
+  return SumWords(sum, rest, sizeof rest);
 }
 
 void SetNetwork(const Place& at, const Cursor& c, uint8_t ipProtocol) {
@@ -72,7 +72,7 @@ Bytes Tcp(const TcpParts& parts) {
 void SetChecksum(Bytes& data, size_t place, uint8_t ipProtocol) {
   data[place] = data[place + 1] = 0;
   const int32_t length = static_cast<int32_t>(data.size());
-  const uint32_t checksum = WireNumber(~ContinueSum(PseudoSum(ipProtocol, length), data.data(), length) & 0xFFFF);
+  const uint32_t checksum = RightChecksum(SumWords(PseudoSum(ipProtocol, length), data.data(), length), 0);
   data[place] = static_cast<uint8_t>(checksum >> 8);
   data[place + 1] = static_cast<uint8_t>(checksum);
 }
