@@ -77,7 +77,6 @@ int PacketRun::ForEach(const Handler& handle) {
     if (showsProgress_ && (++seen & 0x3FF) == 0) TellProgress();
     if (frame.number > last) break;
     const FrameRecord* record = builder_->Build(frame);
-    host_->StartPacket();
     if (!Matches(frame)) {
       session_->Pass(record);
       host_->FinishPacket();

@@ -36,7 +36,6 @@ bool EndOutput(ExportedView* view) {
 
 int32_t DecodeRecord(ExportedView* view, const FrameRecord* record, uint32_t userParam1, uint32_t userParam2,
                      int32_t skipBytes) {
-  if (view->ownHost) view->ownHost->StartPacket();
   const int32_t handled = view->session->Decode(record, userParam1, userParam2, skipBytes);
   if (view->ownHost) view->ownHost->FinishPacket();
   return handled;

@@ -14,7 +14,7 @@ namespace qxview {
 class SegmentHistory {
  public:
   static constexpr size_t kMostSegments = 100;            // of one connection and direction
-  static constexpr size_t kMostMemory = 64u << 20;        // bytes in all, bookkeeping included
+  static constexpr size_t kMostMemory = 10u << 20;        // bytes in all, bookkeeping included
 
   explicit SegmentHistory(size_t mostMemory = kMostMemory) : mostMemory_(mostMemory) {}
 

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <fstream>
 
+#include "host/session.h"
+
 namespace qxview {
 namespace {
 
@@ -29,6 +31,12 @@ int32_t AddressAlias(void* user, uint32_t kind, const uint8_t* address, char* ou
   return name ? GiveText(*name, out, outSize) : 0;
 }
 
+
+int32_t EarlierSegment(void* user, const AddressSlot* source, uint16_t sourcePort, const AddressSlot* destination,
+                       uint16_t destinationPort, int32_t back, QxSegment* out) {
+  return HostOf(user)->History().Find(*source, sourcePort, *destination, destinationPort, back, out) ? 1 : 0;
+}
+
 }  // namespace
 
 void StandaloneHost::FillRecord() {
@@ -39,6 +47,7 @@ void StandaloneHost::FillRecord() {
     return GiveText(HostOf(user)->applicationDirectory_, out, outSize);
   };
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
+  record_.earlierSegment = EarlierSegment;
   LendDefinitions<&DefinitionsOf>(&record_);
 }
 
@@ -55,9 +64,14 @@ bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, s
   return true;
 }
 
-void StandaloneHost::StartPacket() {}
-
-void StandaloneHost::FinishPacket() {}
+void StandaloneHost::FinishPacket() {
+  if (!session_) return;
+  const PacketState& packet = session_->Context().packet;
+  if (packet.segment.here) {
+    history_.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
+                    session_->Context().packetNumber);
+  }
+}
 
 std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& options, std::string* message,
                                                        bool* fileFault) {

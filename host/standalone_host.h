@@ -6,6 +6,7 @@
 
 #include "host/alias_table.h"
 #include "host/protocol_definitions.h"
+#include "host/segment_history.h"
 #include "host/settings_store.h"
 #include "qxview/qxview_host.h"
 
@@ -30,13 +31,13 @@ class StandaloneHost {
 
   // The session whose packets this host serves.
   void Attach(Session* session) { session_ = session; }
-  // Around the decoding of each packet.
-  void StartPacket();
+  // Behind the decoding of each packet: keeps what later ones may ask for.
   void FinishPacket();
 
   const SettingsStore& Settings() const { return settings_; }
   const AliasTable& Aliases() const { return aliases_; }
   ProtocolDefinitions& Definitions() { return definitions_; }
+  SegmentHistory& History() { return history_; }
 
  private:
   StandaloneHost() = default;
@@ -48,6 +49,7 @@ class StandaloneHost {
   SettingsStore settings_;
   AliasTable aliases_;
   ProtocolDefinitions definitions_;
+  SegmentHistory history_;
   std::string applicationDirectory_;
 };
 

@@ -125,13 +125,13 @@ TEST_F(TcpTest, ChecksumVerdicts) {
   std::memcpy(&segment[16], &pseudoHead, sizeof pseudoHead);   // both are words as the machine reads them
   Tree(segment);
   EXPECT_NE(Line("Checksum:").find("(Not Calculated)"), std::string::npos) << Line("Checksum:");
-  EXPECT_EQ(Line("HTTP Data"), "HTTP Data") << "it counts as good";
+  EXPECT_EQ(Line("HTTP - "), "HTTP - Continuation Data") << "it counts as good";
 
   testNetwork.missing = 1;
   Tree(segment);
   EXPECT_NE(Line("Checksum:").find("(Not Checked - Partial Capture)"), std::string::npos);
   EXPECT_EQ(Line("TCP data"), "TCP data length:          3 (calculated from Data Offset)");
-  EXPECT_EQ(Line("HTTP Data"), "HTTP Data");
+  EXPECT_EQ(Line("HTTP - "), "HTTP - Continuation Data");
 
   testNetwork = {.withPseudoHead = false};
   segment[16] = segment[17] = 0;
@@ -147,7 +147,7 @@ TEST_F(TcpTest, Fragments) {
   Tree(segment);
   EXPECT_EQ(Line("TCP  "), "TCP  PSH ACK,   [1025]  -> [80] HTTP(fragment, offset 0, more fragments to follow)");
   EXPECT_EQ(Line("Checksum:").size(), std::string("Checksum:                 0x0000").size());
-  EXPECT_EQ(Line("HTTP Data"), "HTTP Data");
+  EXPECT_EQ(Line("HTTP - "), "HTTP - Continuation Data");
   testNetwork.fragmentOffset = 1480;
   EXPECT_EQ(Tree(segment), "Fragment data {8:0+22}\n");
   EXPECT_EQ(result_, 1);
@@ -225,7 +225,7 @@ TEST_F(TcpTest, LyingOptionLengthsEndTheOptionsAlone) {
     Tree(Tcp({.options = Hex(std::string("01 08 ") + length + " 01  02 04 05 B4"), .payload = Hex("AA")}));
     EXPECT_EQ(Line("Option #2"), "Option #2: Timestamps") << length;
     EXPECT_EQ(Line("Option #3"), "") << length;
-    EXPECT_EQ(Line("HTTP Data"), "HTTP Data") << "the payload is still dispatched";
+    EXPECT_EQ(Line("HTTP - "), "HTTP - Continuation Data") << "the payload is still dispatched";
   }
   Tree(Tcp({.options = Hex("08 04 0102  03 02  01 01")}));   // shorter than its values
   EXPECT_EQ(Line("TSval") + Line("Scale"), "");
