@@ -53,6 +53,19 @@ TextSlice Spoken(const TextSlice& value, const char* const (&names)[kRows], char
   return {names[index], static_cast<int32_t>(std::strlen(names[index]))};
 }
 
+// Where the first message starts; a segment may start inside an earlier one. -1 when none does.
+int32_t FindMessage(const uint8_t* data, int32_t length) {
+  constexpr char kStart[] = "8=FIX";
+  constexpr int32_t kStartLength = 5;
+  for (int32_t at = 0; at + kStartLength <= length; ++at) {
+    const void* found = std::memchr(data + at, '8', static_cast<size_t>(length - kStartLength + 1 - at));
+    if (!found) break;
+    at = static_cast<int32_t>(static_cast<const uint8_t*>(found) - data);
+    if (std::memcmp(data + at, kStart, kStartLength) == 0) return at;
+  }
+  return -1;
+}
+
 }  // namespace
 
 int32_t DescribeFix(const uint8_t* data, int32_t length, char* out, uint16_t outSize) {
@@ -60,8 +73,9 @@ int32_t DescribeFix(const uint8_t* data, int32_t length, char* out, uint16_t out
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   TextSlice type{nullptr, 0};
   TextSlice values[kShownCount] = {};
-  Cursor c = MakeCursor(data, 0, length);
-  const bool starts = length >= 2 && data[0] == '8' && data[1] == '=';
+  const int32_t start = FindMessage(data, length);
+  const bool starts = start >= 0;
+  Cursor c = starts ? MakeCursor(data + start, start, length - start) : MakeCursor(data, 0, 0);
   for (int32_t i = 0; starts && i < kMostFields && Left(c) > 0; ++i) {
     TextSlice value;
     const int32_t tag = TakeField(c, &value);
