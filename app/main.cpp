@@ -21,6 +21,7 @@ int Run(int argc, char** argv) {
   AddListCommand(&app, &status);
   AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
+  AddSaveCommand(&app, &status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

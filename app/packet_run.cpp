@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "platform/bpf_filter.h"
 #include "platform/platform.h"
@@ -38,7 +39,15 @@ bool PacketRun::Open(const ReadingOptions& options) {
 
 bool PacketRun::Matches(const CaptureFrame& frame) {
   if (!options_->selection.Holds(frame.number)) return false;
-  return !filter_ || filter_->Matches(frame.linkType, frame.data, frame.dataLength, frame.wireLength);
+  if (!filter_) return true;
+  if (!frame.record) return filter_->Matches(frame.linkType, frame.data, frame.dataLength, frame.wireLength);
+  // A record has the radio or cell header that was captured in front of the frame in an extension block.
+  capturedBytes_.resize(static_cast<size_t>(MovedHeaderLength(frame.record)) + frame.dataLength);
+  const size_t moved = capturedBytes_.size() - frame.dataLength;
+  if (moved > 0) std::memcpy(capturedBytes_.data(), MovedHeader(frame.record), moved);
+  if (frame.dataLength > 0) std::memcpy(capturedBytes_.data() + moved, frame.data, frame.dataLength);
+  return filter_->Matches(frame.linkType, capturedBytes_.data(), static_cast<uint32_t>(capturedBytes_.size()),
+                          frame.wireLength + static_cast<uint32_t>(moved));
 }
 
 // A link type without a decoder is told once: its packets are an empty decode.
@@ -74,29 +83,42 @@ void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst) {
   timeNow_ = nanoseconds;
 }
 
-int PacketRun::ForEach(const Handler& handle) {
+int PacketRun::Pass(const std::function<bool(const FrameRecord*, const CaptureFrame&, bool selected)>& handle) {
   CaptureFrame frame;
   ReadResult result = ReadResult::kEnd;
-  uint64_t handled = 0, seen = 0;
+  uint64_t selectedPackets = 0, seen = 0;
   const uint64_t last = options_->selection.Last();
-  while (handled < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
+  while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
     if (showsProgress_ && (seen & 0x3FF) == 0x3FF) TellProgress();
     if (frame.number > last) break;
-    const FrameRecord* record = builder_->Build(frame);
+    const FrameRecord* record = frame.record ? frame.record : builder_->Build(frame);
     NoteTime(record->nanoseconds, ++seen == 1);
-    if (!Matches(frame)) {
-      session_->Pass(record);
-      host_->FinishPacket();
-      continue;
-    }
-    if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame.linkType);
-    ++handled;
-    const bool goOn = handle(record, frame, session_->Decode(record));
-    host_->FinishPacket();
-    if (!goOn) break;
+    const bool selected = Matches(frame);
+    selectedPackets += selected;
+    if (!handle(record, frame, selected)) break;
   }
   TellEnd(result);
   return status_;
+}
+
+int PacketRun::ForEach(const Handler& handle) {
+  return Pass([&](const FrameRecord* record, const CaptureFrame& frame, bool selected) {
+    bool goOn = true;
+    if (!selected) {
+      session_->Pass(record);
+    } else {
+      if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame.linkType);
+      goOn = handle(record, frame, session_->Decode(record));
+    }
+    host_->FinishPacket();
+    return goOn;
+  });
+}
+
+int PacketRun::ForEachRecord(const RecordHandler& handle) {
+  return Pass([&](const FrameRecord* record, const CaptureFrame& frame, bool selected) {
+    return !selected || handle(record, frame);
+  });
 }
 
 }  // namespace qxview

@@ -27,6 +27,10 @@ class PacketRun {
   // exit status.
   int ForEach(const Handler& handle);
 
+  // The same without decoding: for commands that keep packets as they are.
+  using RecordHandler = std::function<bool(const FrameRecord* record, const CaptureFrame& frame)>;
+  int ForEachRecord(const RecordHandler& handle);
+
   Session& GetSession() { return *session_; }
   StandaloneHost& Host() { return *host_; }
   int Status() const { return status_; }
@@ -37,6 +41,7 @@ class PacketRun {
   int64_t TimeBefore() const { return timeBefore_; }
 
  private:
+  int Pass(const std::function<bool(const FrameRecord*, const CaptureFrame&, bool selected)>& handle);
   bool Matches(const CaptureFrame& frame);
   void TellLinkType(uint16_t linkType);
   void NoteTime(int64_t nanoseconds, bool isFirst);
@@ -49,6 +54,7 @@ class PacketRun {
   std::unique_ptr<CaptureReader> reader_;
   std::unique_ptr<RecordBuilder> builder_;
   std::unique_ptr<BpfFilter> filter_;
+  std::vector<uint8_t> capturedBytes_;   // of a record, as they were captured
   std::vector<uint16_t> toldLinkTypes_;
   int status_ = kDone;
   int64_t firstTime_ = 0, timeBefore_ = 0, timeNow_ = 0;

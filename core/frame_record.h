@@ -117,13 +117,22 @@ inline const uint8_t* FindExtension(const FrameRecord* record, uint16_t tag, int
   return nullptr;
 }
 
-// Bytes that the capture held in front of the frame and that stand in an extension block now (radio and cell headers):
-// the lengths a capture file gives are the record's plus these.
+// What the capture held in front of the frame and stands in an extension block now (radio and cell headers): the lengths
+// that a capture file gives are the record's plus its length. Null when there is none.
+inline const uint8_t* FindMovedHeader(const FrameRecord* record, int32_t* length) {
+  *length = 0;
+  if (record->mediaType == static_cast<uint8_t>(Medium::kWireless)) return FindExtension(record, kExtensionMedium, length);
+  if (record->mediaType == static_cast<uint8_t>(Medium::kAtm)) return FindExtension(record, kExtensionAtm, length);
+  return nullptr;
+}
 inline int32_t MovedHeaderLength(const FrameRecord* record) {
-  int32_t length = 0;
-  if (record->mediaType == static_cast<uint8_t>(Medium::kWireless)) FindExtension(record, kExtensionMedium, &length);
-  if (record->mediaType == static_cast<uint8_t>(Medium::kAtm)) FindExtension(record, kExtensionAtm, &length);
+  int32_t length;
+  FindMovedHeader(record, &length);
   return length;
+}
+inline const uint8_t* MovedHeader(const FrameRecord* record) {
+  int32_t length;
+  return FindMovedHeader(record, &length);
 }
 
 // Whether the frame has no medium header: raw IP, loopback and cooked captures.

@@ -52,5 +52,7 @@ std::unique_ptr<CaptureReader> MakePcapReader(std::unique_ptr<ByteSource> source
                                               std::string* message);
 std::unique_ptr<CaptureReader> MakePcapngReader(std::unique_ptr<ByteSource> source, const char* fileName,
                                                 std::string* message);
+std::unique_ptr<CaptureReader> MakeCaptureBufferReader(std::unique_ptr<ByteSource> source, const char* fileName,
+                                                       std::string* message);
 
 }  // namespace qxview

@@ -24,6 +24,7 @@ constexpr CaptureFormat kFormats[] = {
     {4, "\x34\xCD\xB2\xA1", MakePcapReader},  // microseconds, longer packet headers
     {4, "\xA1\xB2\xCD\x34", MakePcapReader},
     {4, "\x0A\x0D\x0D\x0A", MakePcapngReader},
+    {25, "VantrellPktBufferVersion=", MakeCaptureBufferReader},
 };
 
 bool StartsWith(ByteSource* source, const char* magic, size_t length) {

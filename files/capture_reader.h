@@ -29,6 +29,7 @@ struct CaptureFrame {
   uint32_t interfaceIndex;  // pcapng: the interface's place in its section; 0 elsewhere
   LinkDirection direction;
   uint32_t receiveErrors;       // ReceiveError bits
+  const FrameRecord* record;   // capture buffer files: the frame's record as it stands; null elsewhere
   uint8_t checkSequenceLength;  // bytes of check sequence that wireLength counts at the frame's end: 0 to 4
 };
 

@@ -90,6 +90,7 @@ class PcapReader : public CaptureReader {
     frame->interfaceIndex = packetHeader_ == 24 ? order_.Load32(header + 16) : 0;
     frame->direction = LinkDirection::kUnknown;
     frame->receiveErrors = 0;
+    frame->record = nullptr;
     frame->checkSequenceLength = checkSequenceLength_;
     return ReadResult::kFrame;
   }

@@ -233,6 +233,7 @@ class PcapngReader : public CaptureReader {
     frame->linkType = from.linkType;
     frame->direction = LinkDirection::kUnknown;
     frame->receiveErrors = 0;
+    frame->record = nullptr;
     frame->checkSequenceLength = from.checkSequenceLength;
     return true;
   }

@@ -59,7 +59,7 @@ def decode(qxview, path, ports, packets):
     with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as running:
         for line in running.stdout:
             packet = json.loads(line)
-            yield packet["packet"], packet["lines"]
+            yield packet["packet"], packet.get("lines", [])
 
 
 def last(text):

@@ -72,6 +72,22 @@ TEST_F(CustomLibraryHooks, DamagedAndShortFramesAreNotOffered) {
   EXPECT_EQ(Offers(), "a CustomDecodeFrame 60 0\n");
 }
 
+TEST_F(CustomLibraryHooks, EveryMediumHasItsEntryPoint) {
+  Load({{"CustomLibrary0", "recorder_a.so"}});
+  const char* offers[] = {"a CustomDecodeFrame 9 0\n",  // Ethernet
+                          "a CustomDecodeFrame 9 0\n",  // Token Ring
+                          "a CustomDecodeFrame 9 0\n",  // FDDI
+                          "a CustomDecodeFrameWan 9 0\n",
+                          "",  // WAN frames that are not offered
+                          "", "", "", "", "a CustomDecodeFrameWireless 9 0\n"};
+  for (uint8_t medium = 0; medium < 10; ++medium) {
+    view_->Decode(Hex("01") + Bytes(8), medium);
+    EXPECT_EQ(Offers(), offers[medium]) << int{medium};
+  }
+  view_->Decode(Hex("AA") + Bytes(8), 9);
+  EXPECT_EQ(view_->Text(), "") << "a frame that was taken gets no lines";
+}
+
 TEST_F(CustomLibraryHooks, ScanStopsAtTheFirstMissingValue) {
   Load({{"CustomLibrary0", "recorder_a.so"}, {"CustomLibrary2", "recorder_b.so"}});
   EXPECT_EQ(view_->view().engine->libraries.count, 1);

@@ -100,6 +100,8 @@ TEST(Http, HeadersThatAreOdd) {
     Value: text/html {31+9}
   Encoded Http Data {42+12}
 )");
+  const std::string nameless = TreeOfText("HTTP/1.1 200 OK\r\n: x\r\n\r\n");
+  EXPECT_EQ(nameless.find("Header"), std::string::npos) << nameless;
   const std::string words = "Cookie: " + std::string(70, 'a') + "bcdef " + std::string(90, 'c');
   EXPECT_EQ(TreeOfText("HTTP/1.1 200 OK\r\n" + words + "\r\n\r\n"),
             R"(HTTP - Response {0+195}
@@ -215,6 +217,14 @@ TEST(Http, ContinuationsAskTheEarlierSegments) {
       << "a header line in a body is none";
 }
 
+TEST(Http, WhatFollowsAChunkBelongsToItsOwnMessage) {
+  HttpHost earlier;
+  earlier.Sent(Ascii("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n"));
+  const std::string tree =
+      TreeAfter(earlier, Ascii("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\na\r\n0\r\n\r\n"));
+  EXPECT_NE(tree.find("Last Chunk: Size = 0 Bytes"), std::string::npos) << tree;
+}
+
 TEST(Http, TheSearchIsBounded) {
   const Bytes headers = Ascii("HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\n");
   for (const int32_t between : {0, 99, 100, 101}) {
@@ -278,7 +288,7 @@ TEST(HttpSummary, Texts) {
             "HTTP Reply Status=200 OK");
   EXPECT_EQ(Described(Ascii("HTTP/1.1 20 OK\r\n\r\n"), 3), "HTTP Continuation");
   EXPECT_EQ(Described(Ascii("\r\nx"), 0), "HTTP ");
-  EXPECT_EQ(Described(Hex("16 03 01 00 02 01 00"), 1, 1), "SSL/TLS");
+  EXPECT_EQ(Described(Hex("16 03 01 00 02 01 00"), 1, 1), "SSL/TLS, TLS 1.0, Handshake");
   EXPECT_EQ(Described(Ascii("GET / HTTP/1.1\r\n\r\n"), 1, 1), "HTTP GET /");
   char out[1] = {'x'};
   EXPECT_EQ(DescribeHttp(nullptr, 5, out, 1, 0), 0);

@@ -105,7 +105,7 @@ TEST(Recognisers, OracleTns) {
     0000000000000000 0000000000000000 00000000 00000000)") + Ascii("(DESCRIPTION");
   CheckMessage(LooksLikeTns, connect, 70,
                {{0, "0047", "length"}, {2, "0001", "checksum"}, {4, "14", "type"}, {6, "0001", "header checksum"},
-                {8, "0001", "version"}, {10, "0200", "a compatible version above it"}, {24, "000D", "data length"},
+                {8, "0100", "version"}, {10, "0200", "a compatible version above it"}, {24, "000D", "data length"},
                 {26, "0010", "data inside the header"}});
   EXPECT_TRUE(Asks(LooksLikeTns, Hex("0008 0000 0B 00 0000"))) << "resend";
   EXPECT_FALSE(Asks(LooksLikeTns, Hex("0009 0000 0B 00 0000 00"))) << "resend has no body";
@@ -202,7 +202,9 @@ const std::vector<std::pair<const char*, Recogniser>> kAll = {
     {"FCIP", LooksLikeFcip}, {"BitTorrent", LooksLikeBitTorrent}, {"ONC RPC", LooksLikeOncRpc},
     {"RTCP", [](const Cursor& c) {
        const DetectionSettings rtcpAlone{2, 0, 0};
-       return DetermineDynamicUDPPrototol(&rtcpAlone, 5000, 5002, c.at, Left(c), nullptr, nullptr, nullptr, nullptr) == 1;
+       uint32_t identifier;
+       return DetermineDynamicUDPPrototol(&rtcpAlone, 5000, 5002, c.at, Left(c), &identifier, nullptr, nullptr,
+                                          nullptr) == 1;
      }}};
 
 // Random bytes, and the same dressed as what detection sees most: TLS records, words of a small counter, zero runs.

@@ -14,13 +14,13 @@ const Bytes kRtp = Hex("80 88 6FAE 000004D8 3796CB71 D5D5D5D5");
 TEST(Rtp, ShowsTheFixedHeaderAndThePayload) {
   EXPECT_EQ(TreeOfRun(DecodeRtp, kRtp), R"(RTP: PCMA(G.711), Sequence: 28590, Time: 1240, SSRC: 932629361 {0+12}
   Header: 0x80 {0+1}
-    10.. .... : Version = 2 {0+1}
-    ..0. .... : Padding = Not Set {0+1}
-    ...0 .... : Extension = Not Set {0+1}
-    .... 0000 : CSRC Count = 0 {0+1}
-  Payload Type: 136 = PCMA(G.711) {1+1}
-    1... .... : Marker = Set {1+1}
-    .000 1000 : Payload Type = 8 {1+1}
+    10...... : Version = 2 {0+1}
+    ..0..... : Padding = Not Set {0+1}
+    ...0.... : Extension = Not Set {0+1}
+    ....0000 : CSRC Count = 0 {0+1}
+  Payload Type: 8 = PCMA(G.711) {1+1}
+    1....... : Marker = Set {1+1}
+    .0001000 : Payload Type = 8 {1+1}
   Sequence: 28590 {2+2}
   Time: 1240 {4+4}
   SSRC: 0x3796CB71 (932629361) {8+4}
@@ -50,7 +50,8 @@ RTP Payload {8:32+2}
   const std::string two = TreeOfRun(DecodeRtp, Extended("1003 0002  0500 0702 1122 0001"));
   EXPECT_NE(two.find("    Element: ID 5, 0 bytes:  {24+2}\n    Element: ID 7, 2 bytes: 11 22 {26+4}\n"),
             std::string::npos) << two;
-  EXPECT_NE(TreeOfRun(DecodeRtp, Extended("0001 0001 01020304")).find("    Extension Data {24+4}\n"), std::string::npos);
+  const std::string other = TreeOfRun(DecodeRtp, Extended("0001 0001 01020304"));
+  EXPECT_NE(other.find("    Extension Data {24+4}\n"), std::string::npos) << other;
   EXPECT_EQ(TreeOfRun(DecodeRtp, Extended("BEDE 0001 F0112233")).find("Element"), std::string::npos)
       << "15 ends the list";
 }
@@ -71,14 +72,14 @@ TEST(Rtp, Properties) {
 const Bytes kSenderReport = Hex(R"(
   81 C8 000C 5D931534  DD3AC170 80000000 00007D00 00000005 00000320
   01932DB4 40 FFFFFE 0001BEC2 00000007 C1704D61 0004051C)");
-const Bytes kDescription = Hex("81 CA 0004 5D931534 01 03 612E62 02 01 63 00 00");
+const Bytes kDescription = Hex("81 CA 0004 5D931534 01 03 612E62 02 01 63 00000000");
 
 TEST(Rtcp, SenderReportAndDescription) {
   EXPECT_EQ(TreeOfRun(DecodeRtcp, kSenderReport + kDescription), R"(RTCP: Sender Report {0+52}
   Header: 0x81 {0+1}
-    10.. .... : Version = 2 {0+1}
-    ..0. .... : Padding = Not Set {0+1}
-    ...0 0001 : Reception Report Count = 1 {0+1}
+    10...... : Version = 2 {0+1}
+    ..0..... : Padding = Not Set {0+1}
+    ...00001 : Reception Report Count = 1 {0+1}
   Packet Type: 200 = Sender Report {1+1}
   Length: 12 words (52 bytes) {2+2}
   Sender SSRC: 0x5D931534 (1569920308) {4+4}
@@ -96,9 +97,9 @@ TEST(Rtcp, SenderReportAndDescription) {
     Delay Since Last Sender Report: 263452 (4.019958 seconds) {48+4}
 RTCP: Source Description {52+20}
   Header: 0x81 {52+1}
-    10.. .... : Version = 2 {52+1}
-    ..0. .... : Padding = Not Set {52+1}
-    ...0 0001 : Source Count = 1 {52+1}
+    10...... : Version = 2 {52+1}
+    ..0..... : Padding = Not Set {52+1}
+    ...00001 : Source Count = 1 {52+1}
   Packet Type: 202 = Source Description {53+1}
   Length: 4 words (20 bytes) {54+2}
   Chunk 1: {56+16}

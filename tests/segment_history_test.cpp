@@ -72,6 +72,7 @@ TEST(SegmentHistory, ForgetsTheConnectionsThatWereSilentLongest) {
     history.Send(1, port, port % 2 ? std::string(3000, 'x') : "y", port);
     history.Send(1, 1, "kept alive", port);
     ASSERT_LE(history.MemoryUsed(), kBound);
+    ASSERT_EQ(history.Earlier(1, port, 1), port % 2 ? std::string(3000, 'x') : "y");
   }
   EXPECT_EQ(history.Earlier(1, 1, 50), "kept alive");
   EXPECT_EQ(history.Earlier(1, 2, 1), "none");

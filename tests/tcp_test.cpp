@@ -282,6 +282,12 @@ TEST_F(TcpTest, WindowScalesHoldForAConnectionWhenBothSidesSentThem) {
   send(true, kSyn, {}, 7000);
   send(false, kSyn | kAck, scale2, 8000);
   EXPECT_EQ(send(false, kAck, {}), "Window:                   100") << "one side cannot";
+  send(true, kSyn, scale7, 9000);
+  EXPECT_EQ(send(true, kAck, {}), "Window:                   100");
+  testNetwork.destination = testNetwork.source = IPv4Slot(0x0A000009);   // a connection whose SYN was not captured
+  Tree(Tcp({.flags = kSyn | kAck, .options = scale2}));
+  Tree(Tcp({.window = 5}));
+  EXPECT_EQ(Line("Window:"), "Window: (5 * 4) = 20") << "an answer has the option only where the SYN had";
 }
 
 TEST_F(TcpTest, WindowScalesStayBounded) {

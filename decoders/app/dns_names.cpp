@@ -20,25 +20,25 @@ struct BoundedName {
 
 bool IsFull(const BoundedName& name) { return name.used >= name.size - 1; }
 
+void Terminate(const BoundedName& name) {
+  if (name.size > 0) name.out[name.used] = 0;
+}
+
+// Byte by byte: labels are short, and this is the innermost step of a message built to be slow.
 void Append(BoundedName& name, const char* text, int32_t length) {
-  if (IsFull(name) || length < 1) return;
-  const int32_t room = name.size - 1 - name.used;
-  const size_t added = strnlen(text, static_cast<size_t>(length < room ? length : room));
-  CopyShort(name.out + name.used, text, added);
-  name.used += static_cast<int32_t>(added);
-  name.out[name.used] = 0;
+  for (int32_t i = 0; i < length && text[i] != 0 && !IsFull(name); ++i) name.out[name.used++] = text[i];
+  Terminate(name);
 }
 
 void AppendDot(BoundedName& name) {
-  if (IsFull(name)) return;
-  name.out[name.used++] = '.';
-  name.out[name.used] = 0;
+  if (!IsFull(name)) name.out[name.used++] = '.';
+  Terminate(name);
 }
 
 BoundedName OpenName(char* out, int32_t size, bool append) {
   if (!out || size < 1) return {nullptr, 0, 0};
   if (!append) out[0] = 0;
-  return {out, size, static_cast<int32_t>(strnlen(out, static_cast<size_t>(size)))};
+  return {out, size, append ? static_cast<int32_t>(strnlen(out, static_cast<size_t>(size))) : 0};
 }
 
 uint32_t PointerTarget(const uint8_t* pointer) { return ReadU16(pointer) & 0x3FFF; }

@@ -151,7 +151,6 @@ int32_t InflateOnce(HttpInflater& inflater, const ByteChain& chain, int32_t posi
     stream.next_in = const_cast<Bytef*>(run.bytes + first);   // zlib does not write to it
     stream.avail_in = static_cast<uInt>(last - first);
     result = inflate(&stream, Z_SYNC_FLUSH);
-    if (result == Z_BUF_ERROR) result = Z_OK;   // this segment gave no output: the next one may
   }
   inflateEnd(&stream);
   return kInflatedSize - static_cast<int32_t>(stream.avail_out);

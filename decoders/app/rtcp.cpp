@@ -15,9 +15,10 @@ namespace {
 
 constexpr auto kItemNames = SortedNames({{0, "END"}, {1, "CNAME"}, {2, "NAME"}, {3, "EMAIL"}, {4, "PHONE"}, {5, "LOC"},
                                          {6, "TOOL"}, {7, "NOTE"}, {8, "PRIV"}});
-constexpr auto kTransportFeedbackNames = SortedNames({{1, "Generic NACK"}, {3, "TMMBR"}, {4, "TMMBN"}, {5, "RTCP-SR-REQ"},
-                                                      {6, "RAMS"}, {7, "TLLEI"}, {8, "RTCP-ECN-FB"},
-                                                      {9, "PAUSE-RESUME"}, {10, "DBI"}, {15, "Transport-Wide"}});
+constexpr auto kTransportFeedbackNames = SortedNames({{1, "Generic NACK"}, {3, "TMMBR"}, {4, "TMMBN"},
+                                                      {5, "RTCP-SR-REQ"}, {6, "RAMS"}, {7, "TLLEI"},
+                                                      {8, "RTCP-ECN-FB"}, {9, "PAUSE-RESUME"}, {10, "DBI"},
+                                                      {15, "Transport-Wide"}});
 constexpr auto kPayloadFeedbackNames = SortedNames({{1, "PLI"}, {2, "SLI"}, {3, "RPSI"}, {4, "FIR"}, {5, "TSTR"},
                                                     {6, "TSTN"}, {7, "VBCM"}, {8, "PSLEI"}, {9, "ROI"},
                                                     {15, "Application Layer Feedback"}});
@@ -138,6 +139,7 @@ void DecodeExtendedReport(const Place& in, Cursor& c) {
     Cursor block = TakeCursor(c, 4 + 4 * words);
     const LineHandle line = AddLine(in, Ahead(block, Left(block)), "Report Block: %u = %s, %u bytes", block.at[0],
                                     LookupName(kReportNames, block.at[0]), Left(block));
+    TakeU32(block);
     AddBlock(Under(in, line), Rest(block), "Report Block Data");
   }
 }

@@ -1,4 +1,4 @@
-// RTP Control Protocol (RFC 3550): the parser of compound packets, which detection and summaries share with the decoder.
+// RTP Control Protocol (RFC 3550): the parser of compound packets, which detection and summaries share with it.
 #pragma once
 #include <cstdint>
 

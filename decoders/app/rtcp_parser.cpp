@@ -13,19 +13,22 @@ constexpr auto kTypeNames = SortedNames({{kRtcpSenderReport, "Sender Report"},
                                          {kRtcpPayloadFeedback, "Payload-Specific Feedback"},
                                          {kRtcpExtendedReport, "Extended Report"}});
 
+// Up to three zero bytes that fill the last word.
+bool IsFilling(const Field& filling) {
+  if (!filling.here || filling.length > 3) return false;
+  for (int32_t i = 0; i < filling.length; ++i) {
+    if (filling.bytes[i] != 0) return false;
+  }
+  return true;
+}
+
 // A chunk: its source, items up to a zero one, zero bytes up to the next word.
 bool TakeChunk(Cursor& c) {
   const int32_t start = c.offset;
   TakeU32(c);
   Loop loop;
   while (More(c, loop)) {
-    if (TakeU8(c).value == 0) {
-      const Field filling = TakeBytes(c, -(c.offset - start) & 3);
-      for (int32_t i = 0; i < filling.length; ++i) {
-        if (filling.bytes[i] != 0) return false;
-      }
-      return filling.here;
-    }
+    if (TakeU8(c).value == 0) return IsFilling(TakeBytes(c, -(c.offset - start) & 3));
     TakeBytes(c, TakeU8(c).value);
   }
   return false;
@@ -42,7 +45,7 @@ bool IsGoodbye(Cursor c, uint32_t sources) {
   if (!TakeBytes(c, 4 * sources).here) return false;
   if (Left(c) == 0) return sources > 0;
   const Field length = TakeU8(c);
-  return TakeBytes(c, length.value).here && Left(c) < 4;
+  return length.value > 0 && TakeBytes(c, length.value).here && IsFilling(TakeBytes(c, Left(c)));
 }
 
 bool IsApplication(Cursor c) {

@@ -114,10 +114,10 @@ void DescribeHandshake(SummaryText& text, Cursor c, uint32_t recordLength) {
     const uint32_t length = TakeU24(c).value;
     const char* name = LookupName(kHandshakeNames, type, nullptr);
     if (!name || (i > 0 && length > recordLength)) {
-      if (i == 0) Add(text, "Encrypted Message");
+      if (i == 0) Add(text, ": Encrypted Message");
       return;
     }
-    if (i > 0) Add(text, ", ");
+    Add(text, i == 0 ? ": " : ", ");
     Add(text, name);
     const Cursor body = TakeCursor(c, length);
     if (type != kClientHello && type != kServerHello) continue;
@@ -136,7 +136,7 @@ void DescribeAlert(SummaryText& text, Cursor c, uint32_t recordLength) {
 
 void DescribeRecord(SummaryText& text, const Cursor& fragment, uint32_t type, uint32_t recordLength, int32_t port) {
   if (type == kHandshake) {
-    Add(text, "Handshake: ");
+    Add(text, "Handshake");
     DescribeHandshake(text, fragment, recordLength);
   } else if (type == kAlert) {
     DescribeAlert(text, fragment, recordLength);

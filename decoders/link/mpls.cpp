@@ -57,11 +57,12 @@ Payload TellPayload(const Cursor& c) {
   const uint32_t nibble = c.at[0] >> 4u;
   if (nibble == 4) return {Carried::kIPv4, false};
   if (nibble == 6) return {Carried::kIPv6, false};
-  if (nibble == 0 && Left(c) > kControlWordLength &&
-      LooksLikeMacHeader(c.at + kControlWordLength, Left(c) - kControlWordLength)) {
-    return {Carried::kEthernet, true};
-  }
-  return {LooksLikeMacHeader(c.at, Left(c)) ? Carried::kEthernet : Carried::kUnknown, false};
+  const bool bare = LooksLikeMacHeader(c.at, Left(c));
+  const bool behindWord = nibble == 0 && Left(c) > kControlWordLength &&
+                          LooksLikeMacHeader(c.at + kControlWordLength, Left(c) - kControlWordLength);
+  // Where both fit: the control word of a carried Ethernet frame starts with reserved bits, which are zero.
+  if (behindWord && (!bare || ReadU16(c.at) == 0)) return {Carried::kEthernet, true};
+  return {bare ? Carried::kEthernet : Carried::kUnknown, false};
 }
 
 int32_t DecodePayload(const Place& network, Cursor c) {

@@ -69,7 +69,7 @@ int32_t DetectOverTcp(const Place& at, const Cursor& c, const Offered& offered) 
   for (const DetectionRow& row : kOverTcp) {
     if (!row.applies(offered)) continue;
     if (!row.recognise) {
-      if (OfferExternal(Deeper(at), c)) return 1;
+      if (!PacketOf(at).quoted && OfferExternal(Deeper(at), c)) return 1;
       continue;
     }
     if (!row.recognise(c)) continue;

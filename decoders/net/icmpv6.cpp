@@ -7,6 +7,7 @@
 #include "decoders/net/icmpv6.h"
 
 #include "core/internet_checksum.h"
+#include "decoders/net/icmp_extensions.h"
 #include "decoders/net/quoted.h"
 
 namespace qxview {
@@ -45,11 +46,15 @@ const char* CodeName(uint32_t type, uint32_t code) {
 }
 
 // The packet that an error is about, and behind a length of it (RFC 4884) what the error adds to it.
-void TakeQuotedPacket(const Place& in, Cursor& c, Icmpv6Message& message, uint32_t length) {
+void TakeQuotedPacket(const Place& in, Cursor& c, Icmpv6Message& message, int32_t declared) {
   if (Left(c) < 1) return;
-  message.quoted = TakeCursor(c, length > 0 ? static_cast<int32_t>(length) : Left(c));
-  AddLine(in, Ahead(message.quoted, Left(message.quoted)), "Quoted Packet: %u bytes", Left(message.quoted));
-  AddBlock(in, Rest(c), "Extension Structure");
+  int32_t quoted = Left(c);
+  if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(c.at + declared, quoted - declared)) {
+    quoted = declared;   // some senders leave anything in the byte: the length counts if the rest bears it out
+  }
+  message.quoted = TakeCursor(c, quoted);
+  AddLine(in, Ahead(message.quoted, quoted), "Quoted Packet: %d bytes", quoted);
+  if (Left(c) > 0) DecodeIcmpExtensions(in, TakeCursor(c, Left(c)));
 }
 
 void DecodeExtensibleError(const Place& in, Cursor& c, Icmpv6Message& message) {
@@ -57,7 +62,7 @@ void DecodeExtensibleError(const Place& in, Cursor& c, Icmpv6Message& message) {
   AddLine(in, length, "Quoted Packet Length: %u * 8 = %u bytes", length.value, length.value * 8);
   const Field unused = TakeU24(c);
   AddLine(in, unused, "Unused: 0x%.06X", unused.value);
-  TakeQuotedPacket(in, c, message, length.value * 8);
+  TakeQuotedPacket(in, c, message, static_cast<int32_t>(length.value) * 8);
 }
 
 void DecodePacketTooBig(const Place& in, Cursor& c, Icmpv6Message& message) {
@@ -78,7 +83,7 @@ void DecodeEcho(const Place& in, Cursor& c, Icmpv6Message&) {
   AddLine(in, identifier, "Identifier: 0x%.04X (%u)", identifier.value, identifier.value);
   const Field sequence = TakeU16(c);
   AddLine(in, sequence, "Sequence Number: %u", sequence.value);
-  AppendToParent(in, sequence, ", Identifier = 0x%.04X, Sequence = %u", identifier.value, sequence.value);
+  AppendToParent(in, sequence, ", Identifier = %u, Sequence Number = %u", identifier.value, sequence.value);
   AddBlock(in, Rest(c), "Echo Data");
 }
 
@@ -136,8 +141,8 @@ constexpr MessageRow kMessages[] = {
     {130, "Multicast Listener Query", DecodeListenerQuery},
     {131, "Multicast Listener Report", DecodeListenerReport},
     {132, "Multicast Listener Done", DecodeListenerReport},
-    {133, "Router Solicitation", DecodeRouterSolicitation},
-    {134, "Router Advertisement", DecodeRouterAdvertisement},
+    {133, "Router Solicitation", DecodeIPv6RouterSolicitation},
+    {134, "Router Advertisement", DecodeIPv6RouterAdvertisement},
     {135, "Neighbor Solicitation", DecodeNeighborSolicitation},
     {136, "Neighbor Advertisement", DecodeNeighborAdvertisement},
     {137, "Redirect", DecodeRedirect},
@@ -174,22 +179,20 @@ const MessageRow* FindMessage(uint32_t type) {
   return nullptr;
 }
 
-// The checksum covers the whole message: one that is cut, as in a capture or a quotation, cannot be checked.
-void ShowChecksum(const Place& in, Cursor& c, const Cursor& message, int32_t declared) {
+// `whole` is the message from its type on; the checksum of one that was cut cannot be checked.
+void ShowChecksum(const Place& in, Cursor& c, const Cursor& whole) {
+  const NetworkState& network = PacketOf(in).network;
   const Field checksum = TakeU16(c);
-  const PacketState& packet = PacketOf(in);
-  if (packet.quoted || declared != Left(message)) {
-    AddLine(in, checksum, "Checksum: 0x%.04X (Not Checked)", checksum.value);
-    return;
-  }
-  const uint32_t sum = SumWords(packet.network.pseudoHead, message.at, Left(message));
-  if (sum == 0xFFFF) {
+  const uint32_t sum = SumWords(network.pseudoHead, whole.at, Left(whole));
+  if (network.totalLength > Left(whole)) {
+    AddLine(in, checksum, "Checksum: 0x%.04X (Not Checked - Partial Capture)", checksum.value);
+  } else if (sum == 0xFFFF) {
     AddLine(in, checksum, "Checksum: 0x%.04X (Good)", checksum.value);
-    return;
+  } else {
+    AddLine(in, checksum, "Checksum: 0x%.04X (BAD should be 0x%.04X)", checksum.value,
+            RightChecksum(sum, checksum.value));
+    AppendToParent(in, checksum, " (Bad Checksum)");
   }
-  AddLine(in, checksum, "Checksum: 0x%.04X (BAD should be 0x%.04X)", checksum.value,
-          RightChecksum(sum, checksum.value));
-  AppendToParent(in, checksum, " (Bad Checksum)");
 }
 
 }  // namespace
@@ -227,8 +230,8 @@ int32_t DecodeIcmpv6(const Place& at, Cursor c) {
   const int32_t declared = PacketOf(at).network.totalLength;
   Cursor body = TakeCursor(c, declared > 0 ? declared : Left(c));
   if (Left(body) < 4) return 0;
-  const Cursor message = body;
-  const MessageRow* row = FindMessage(message.at[0]);
+  const Cursor whole = body;
+  const MessageRow* row = FindMessage(whole.at[0]);
   const char* name = row ? row->name : kUnknown;
   const Place in = Under(at, AddLine(at, Ahead(body, Left(body)), "ICMPv6: %s", name));
 
@@ -241,13 +244,13 @@ int32_t DecodeIcmpv6(const Place& at, Cursor c) {
   } else {
     AddLine(in, code, "Code: %u", code.value);
   }
-  ShowChecksum(in, body, message, declared);
+  ShowChecksum(in, body, whole);
 
-  Icmpv6Message shown{type.value, code.value, MakeCursor(nullptr, body.offset, 0)};
-  if (row && row->decode) row->decode(in, body, shown);
+  Icmpv6Message message{type.value, code.value, MakeCursor(nullptr, body.offset, 0)};
+  if (row && row->decode) row->decode(in, body, message);
   body.ranShort = false;   // what a body could not use is still shown
   AddBlock(in, Rest(body), "ICMPv6 Data");
-  if (Left(shown.quoted) > 0) DecodeQuotedDatagram(Deeper(at), shown.quoted);
+  if (Left(message.quoted) > 0) DecodeQuotedDatagram(Deeper(at), message.quoted);
   AddRawRest(at, c, "Trailing Data");   // behind the packet's declared end
   return 1;
 }

@@ -15,8 +15,8 @@ struct Icmpv6Message {
 using Icmpv6Body = void (*)(const Place& in, Cursor& c, Icmpv6Message& message);
 
 // Neighbour discovery (icmpv6_neighbour.cpp).
-void DecodeRouterSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
-void DecodeRouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeIPv6RouterSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeIPv6RouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeNeighborSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeNeighborAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeRedirect(const Place& in, Cursor& c, Icmpv6Message& message);

@@ -10,12 +10,12 @@
 
 namespace qxview {
 
-void DecodeRouterSolicitation(const Place& in, Cursor& c, Icmpv6Message& message) {
+void DecodeIPv6RouterSolicitation(const Place& in, Cursor& c, Icmpv6Message& message) {
   AddReservedWord(in, c);
   DecodeNeighborOptions(in, c, message);
 }
 
-void DecodeRouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message) {
+void DecodeIPv6RouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message) {
   const Field hopLimit = TakeU8(c);
   AddLine(in, hopLimit, "Hop Limit: %u%s", hopLimit.value, hopLimit.value == 0 ? " (unspecified)" : "");
   const Field flags = TakeU8(c);

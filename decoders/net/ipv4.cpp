@@ -58,7 +58,9 @@ void RecordDatagram(PacketState& packet, const Header& header) {
   RecordAddress(packet.destination, header.bytes + 16);
 }
 
-int32_t ShowUnknownVersion(const Place& at, Cursor c) {
+// Datagrams inside each other stand on the stack together: the functions that make lines are kept out of line, so that
+// each holds little.
+[[gnu::noinline]] int32_t ShowUnknownVersion(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "IP - Unknown Version"));
   const Field status = TakeU8(c);
   AddLine(in, status, "Status: Version = %u (Unknown), IP Header Length = %d Bytes", status.value >> 4,
@@ -102,8 +104,13 @@ bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
   return good || checksum.value == 0;
 }
 
+[[gnu::noinline]] LineHandle AddTopLine(const Place& at, const Cursor& c, const Header& header) {
+  return AddLine(at, Ahead(c, header.length), "IP:    %s -> %s", IPv4Text(header.bytes + 12),
+                 IPv4Text(header.bytes + 16));
+}
+
 // The lines under the top line. False when the header is longer than the bytes; the cursor stands behind it otherwise.
-bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
+[[gnu::noinline]] bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
   const bool cut = header.length > Left(c);
   AddStatus(in, TakeU8(c));
   AddTypeOfService(in, TakeU8(c));
@@ -128,7 +135,7 @@ bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
   return true;
 }
 
-int32_t ShowFragment(const Place& at, Cursor c, const Header& header) {
+[[gnu::noinline]] int32_t ShowFragment(const Place& at, Cursor c, const Header& header) {
   ReachLayer(at, DispatchTable::kIpFragment, header.protocol | header.fragmentOffset << 8, c);
   char title[80];
   FormatInto(title, sizeof title, "%s Fragment, Offset %u, %s", IpProtocolName(header.protocol), header.fragmentOffset,
@@ -148,7 +155,7 @@ void RecordNetwork(PacketState& packet, const Header& header) {
 
 // Authentication headers stand in front of the transport and are none of its data: its pseudo-header has its own
 // protocol and length. False when nothing may follow.
-bool DecodeAuthentication(const Place& at, Cursor& c, const Header& header, uint8_t& protocol) {
+[[gnu::noinline]] bool DecodeAuthentication(const Place& at, Cursor& c, const Header& header, uint8_t& protocol) {
   NetworkState& network = PacketOf(at).network;
   while (protocol == kProtocolAh && !PacketOf(at).limitReached) {
     const int32_t before = Left(c);
@@ -193,8 +200,7 @@ int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
   if (version != kVersion4) return ShowUnknownVersion(at, c);
   Header header = ReadHeader(c.at);
   RecordDatagram(PacketOf(at), header);
-  const LineHandle top = AddLine(at, Ahead(c, header.length), "IP:    %s -> %s", IPv4Text(header.bytes + 12),
-                                 IPv4Text(header.bytes + 16));
+  const LineHandle top = AddTopLine(at, c, header);
   if (!DecodeHeader(Under(at, top), c, header)) return 0;
   const int32_t result = DecodePayload(at, c, header);
   if (label && label[0]) AppendToLine(at, top, " %s", label);

@@ -10,7 +10,7 @@ using Recogniser = bool (*)(const Cursor& c);
 
 // Over TCP: the payload starts with a message of the protocol. The message may end in a later segment.
 bool LooksLikeMsrpc(const Cursor& c);         // DCE RPC, connection-oriented, version 5
-bool LooksLikeSmb(const Cursor& c);           // SMB/CIFS behind a session or direct-TCP header; SMB 2 is another protocol
+bool LooksLikeSmb(const Cursor& c);           // SMB/CIFS behind a session or direct-TCP header; SMB 2 is not of it
 bool LooksLikeTds(const Cursor& c);           // the first packet of a message
 bool LooksLikeTns(const Cursor& c);
 bool LooksLikeOncRpcRecord(const Cursor& c);  // ONC RPC behind a record marker

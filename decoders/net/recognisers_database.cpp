@@ -34,7 +34,9 @@ bool IsPrelogin(Cursor c) {
 }
 
 // The encryption of a login is negotiated inside prelogin packets: a TLS record's start.
-bool IsTlsRecord(const Cursor& c) { return Left(c) >= 3 && c.at[0] >= 20 && c.at[0] <= 23 && c.at[1] == 3 && c.at[2] <= 4; }
+bool IsTlsRecord(const Cursor& c) {
+  return Left(c) >= 3 && c.at[0] >= 20 && c.at[0] <= 23 && c.at[1] == 3 && c.at[2] <= 4;
+}
 
 // Tokens that a reply may start with.
 bool IsReplyToken(uint32_t token) {
@@ -103,8 +105,13 @@ bool IsLogin(const Cursor& c) {
 
 bool IsSecurityToken(const Cursor& c) {
   constexpr char kNtlm[] = "NTLMSSP";
-  return Left(c) >= 8 && (std::memcmp(c.at, kNtlm, sizeof kNtlm) == 0 || ((c.at[0] == 0x60 || c.at[0] == 0xA1) && c.at[1] >= 0x30));
+  if (Left(c) < 8) return false;
+  const bool negotiation = (c.at[0] == 0x60 || c.at[0] == 0xA1) && c.at[1] >= 0x30;   // of mechanisms
+  return negotiation || std::memcmp(c.at, kNtlm, sizeof kNtlm) == 0;
 }
+
+// The tokens that requests of version 5 start with.
+bool IsCommandToken(uint32_t token) { return token == 0x21 || token == 0xE2 || token == 0xE6 || token == 0xE7; }
 
 // The start of a message by its type; `whole` when all of the packet was captured.
 bool IsTdsMessage(uint32_t type, const Cursor& c, bool whole) {
@@ -116,7 +123,7 @@ bool IsTdsMessage(uint32_t type, const Cursor& c, bool whole) {
     case kTdsAttention: return Left(c) == 0;
     case kTdsBulk: return Left(c) >= 3 && c.at[0] == 0x81;
     case kTdsTransaction: return HasRequestHeaders(c);
-    case kTdsCommand: return whole && Left(c) >= 5 && (c.at[0] == 0x21 || c.at[0] == 0xE6 || c.at[0] == 0xE7 || c.at[0] == 0xE2);
+    case kTdsCommand: return whole && Left(c) >= 5 && IsCommandToken(c.at[0]);
     case kTdsLogin: return IsLogin(c);
     case kTdsNegotiation: return IsSecurityToken(c);
     case kTdsPrelogin: return IsPrelogin(c) || IsTlsRecord(c);
@@ -126,7 +133,7 @@ bool IsTdsMessage(uint32_t type, const Cursor& c, bool whole) {
 
 constexpr uint32_t kTnsConnect = 1, kTnsAccept = 2, kTnsRefuse = 4, kTnsRedirect = 5, kTnsData = 6, kTnsNull = 7,
                    kTnsResend = 11, kTnsMarker = 12;
-constexpr uint32_t kTnsHeader = 8, kOldestTns = 100, kNewestTns = 400;
+constexpr uint32_t kTnsHeader = 8, kOldestTns = 300, kNewestTns = 330;
 
 bool IsTnsVersion(uint32_t version) { return version >= kOldestTns && version <= kNewestTns; }
 

@@ -24,6 +24,7 @@ struct Direction {
   uint32_t synSequence;
   int8_t exponent;
   bool synSeen;
+  bool answers;   // the SYN was an answer
 };
 
 struct Connection {
@@ -114,6 +115,7 @@ void RecordSynSegment(const Place& at, uint32_t sequence, bool acknowledges, int
   const bool repeated = own.synSeen && own.synSequence == sequence;
   if (!acknowledges && !repeated) connection->directions[1 - from] = Direction{};
   own.synSeen = true;
+  own.answers = acknowledges;
   own.synSequence = sequence;
   own.exponent = static_cast<int8_t>(exponent > kHighestExponent ? kHighestExponent : exponent);
 }
@@ -126,11 +128,12 @@ int32_t FindWindowScale(const Place& at) {
   Connection* connection = FindConnection(scales, key);
   if (!connection) return kNoWindowScale;
   MarkUsed(scales, connection);
-  const Direction* directions = connection->directions;
-  for (int32_t i = 0; i < 2; ++i) {
-    if (!directions[i].synSeen || directions[i].exponent < 0) return kNoWindowScale;
-  }
-  return directions[from].exponent;
+  const Direction& own = connection->directions[from];
+  const Direction& other = connection->directions[1 - from];
+  if (!own.synSeen || own.exponent < 0) return kNoWindowScale;
+  // An answer holds the option only where the SYN did, so that a SYN from before the capture is known of too.
+  const bool otherSent = other.synSeen ? other.exponent >= 0 : own.answers;
+  return otherSent ? own.exponent : kNoWindowScale;
 }
 
 }  // namespace qxview

@@ -43,3 +43,10 @@ ENTRY int32_t CustomDecodeFrameWan(const uint8_t *frame, const void *extension, 
   (void)extension, (void)zero, (void)expansionMask, (void)tree, (void)rangeCount, (void)rangeCapacity, (void)rangeTable;
   return Note("CustomDecodeFrameWan", frame, length, block);
 }
+
+ENTRY int32_t CustomDecodeFrameWireless(const uint8_t *frame, const void *extension, int32_t length, int32_t zero,
+                                        uint32_t expansionMask, void *tree, uint32_t *rangeCount,
+                                        uint32_t *rangeCapacity, uint64_t **rangeTable, CustomDecodeBlock *block) {
+  (void)extension, (void)zero, (void)expansionMask, (void)tree, (void)rangeCount, (void)rangeCapacity, (void)rangeTable;
+  return Note("CustomDecodeFrameWireless", frame, length, block);
+}

@@ -110,16 +110,22 @@ Bytes Udp(uint16_t sourcePort, uint16_t destinationPort, const Bytes& payload) {
   return header + payload;
 }
 
-Record::Record(const Bytes& frame, uint8_t mediaType) : bytes_(sizeof(FrameRecord) + frame.size()) {
+Record::Record(const Bytes& frame, uint8_t mediaType, uint16_t tag, const Bytes& extension)
+    : bytes_(sizeof(FrameRecord) + (tag ? 4 + extension.size() : 0) + frame.size()) {
   FrameRecord* record = get();
   record->capturedLength = static_cast<uint16_t>(frame.size());
-  record->dataOffset = kRecordHeader;
+  record->dataOffset = static_cast<uint16_t>(bytes_.size() - frame.size());
+  if (tag) {
+    const uint16_t head[] = {tag, static_cast<uint16_t>(4 + extension.size())};
+    std::memcpy(bytes_.data() + kRecordHeader, head, sizeof head);
+    std::copy(extension.begin(), extension.end(), bytes_.begin() + kRecordHeader + 4);
+  }
   record->recordLength = static_cast<uint16_t>(bytes_.size());
   record->mediaType = mediaType;
   record->layout = 1;
   record->packetNumber = 1;
   record->wireLength = static_cast<uint32_t>(frame.size());
-  if (!frame.empty()) std::memcpy(bytes_.data() + kRecordHeader, frame.data(), frame.size());
+  std::copy(frame.begin(), frame.end(), bytes_.begin() + record->dataOffset);
 }
 
 TestHost::TestHost() {
@@ -229,6 +235,21 @@ std::string TreeOf(const Bytes& frame, uint8_t mediaType) {
   return view.Text();
 }
 
+std::string TreeOf(Record record) {
+  TestView view;
+  view.Decode(record);
+  return view.Text();
+}
+
+void ExpectInOrder(const std::string& tree, const std::vector<std::string>& texts) {
+  size_t from = 0;
+  for (const std::string& text : texts) {
+    const size_t found = tree.find(text, from);
+    ASSERT_NE(found, std::string::npos) << "no \"" << text << "\" from its place on in\n" << tree;
+    from = found + text.size();
+  }
+}
+
 std::string TreeOfRun(DecoderFunction decode, const Bytes& bytes, int32_t level) {
   TestView view;
   view.Run(decode, bytes, level);
@@ -286,6 +307,13 @@ void CheckProperties(DecoderFunction decode, const Bytes& bytes, bool statedRang
 void CheckFrameProperties(const Bytes& frame, uint8_t mediaType, bool statedRanges) {
   CheckAll(frame, statedRanges, [&](TestView& view, const Bytes& input) {
     Record record(input, mediaType);
+    view.Decode(record);
+  });
+}
+
+void CheckFrameProperties(const Bytes& frame, const std::function<Record(const Bytes&)>& recordOf) {
+  CheckAll(frame, false, [&](TestView& view, const Bytes& input) {
+    Record record = recordOf(input);
     view.Decode(record);
   });
 }

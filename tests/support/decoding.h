@@ -28,10 +28,10 @@ Bytes IPv4(uint8_t protocol, const Bytes& payload);
 Bytes IPv6(uint8_t nextHeader, const Bytes& payload);
 Bytes Udp(uint16_t sourcePort, uint16_t destinationPort, const Bytes& payload);
 
-// A record with the frame inside it, as a capture buffer lends it.
+// A record with the frame inside it, as a capture buffer lends it; with an extension block when `tag` is not 0.
 class Record {
  public:
-  explicit Record(const Bytes& frame, uint8_t mediaType = 0);
+  explicit Record(const Bytes& frame, uint8_t mediaType = 0, uint16_t tag = 0, const Bytes& extension = {});
   FrameRecord* operator->() { return get(); }
   FrameRecord* get() { return reinterpret_cast<FrameRecord*>(bytes_.data()); }
 
@@ -76,6 +76,9 @@ class TestView {
 
 // The tree of a frame decoded alone.
 std::string TreeOf(const Bytes& frame, uint8_t mediaType = 0);
+std::string TreeOf(Record record);
+// Expects the texts in the tree, each behind the one before it.
+void ExpectInOrder(const std::string& tree, const std::vector<std::string>& texts);
 // The tree of one decoder run alone.
 std::string TreeOfRun(DecoderFunction decode, const Bytes& bytes, int32_t level = 3);
 
@@ -85,6 +88,8 @@ std::string TreeOfRun(DecoderFunction decode, const Bytes& bytes, int32_t level 
 void CheckProperties(DecoderFunction decode, const Bytes& bytes, bool statedRanges = false);
 // The same for whole frames.
 void CheckFrameProperties(const Bytes& frame, uint8_t mediaType = 0, bool statedRanges = false);
+// The same for frames whose record says more than the medium.
+void CheckFrameProperties(const Bytes& frame, const std::function<Record(const Bytes&)>& recordOf);
 
 // Allocations of this thread so far (malloc, calloc, realloc, operator new); always 0 where they cannot be counted.
 uint64_t CountAllocations();

@@ -64,9 +64,9 @@ int main() {
     unsigned source = 0, destination = 0;
     words >> transport >> source >> destination >> hex;
     const auto payload = qxview::BytesOf(hex);
+    const auto from = static_cast<uint16_t>(source), to = static_cast<uint16_t>(destination);
     const std::string claims =
-        transport == "tcp" ? qxview::ClaimsOverTcp(payload)
-                           : qxview::ClaimsOverUdp(static_cast<uint16_t>(source), static_cast<uint16_t>(destination), payload);
+        transport == "tcp" ? qxview::ClaimsOverTcp(payload) : qxview::ClaimsOverUdp(from, to, payload);
     std::cout << (claims.empty() ? "-" : claims.substr(1)) << '\n';
   }
   return 0;

@@ -1,0 +1,117 @@
+#include <CLI/CLI.hpp>
+#include <ctime>
+
+#include "app/commands.h"
+#include "app/packet_run.h"
+#include "files/capture_buffer.h"
+#include "platform/existing_file.h"
+#include "platform/new_file.h"
+#include "platform/platform.h"
+
+namespace qxview {
+namespace {
+
+struct SaveOptions {
+  ReadingOptions reading;
+  std::string out, name;
+  bool append = false;
+  int32_t partialBytes = -1;
+};
+
+// The code's message on standard error; the exit status for it.
+int TellResult(const std::string& file, SaveResult result, const std::string& why) {
+  char text[600] = "";
+  if (const SaveMessage message = SaveResultMessage(result); message.text) {
+    std::snprintf(text, sizeof text, message.text, file.c_str());
+  }
+  for (char* at = text; *at; ++at) *at = *at == '\n' ? ' ' : *at;
+  Tell(file + ": " + text + (why.empty() ? "" : " (" + why + ")"));
+  return kFileFault;
+}
+
+// Where a save writes: a new file that is moved into its place at the end, or the end of an existing one, which is cut
+// back to what it was when the save fails.
+class SaveTarget {
+ public:
+  SaveResult Open(const SaveOptions& options, std::string* why) {
+    append_ = options.append;
+    if (!append_) return fresh_.Create(options.out, why) ? kSaved : kCannotOpenForWriting;
+    return existing_.Open(options.out, why) ? kSaved : kCannotOpenForAppending;
+  }
+  BufferFile File() {
+    return append_ ? existing_.File()
+                   : BufferFile{this, nullptr, [](void* target, const uint8_t* bytes, int32_t length) {
+                       const OutputSink sink = static_cast<SaveTarget*>(target)->fresh_.Sink();
+                       return sink.write(sink.handle, reinterpret_cast<const char*>(bytes), length);
+                     }};
+  }
+  bool Keep(std::string* why) { return append_ ? existing_.Keep(why) : fresh_.Keep(why); }
+
+ private:
+  bool append_ = false;
+  NewFile fresh_;
+  ExistingFile existing_;
+};
+
+int Save(const SaveOptions& options) {
+  std::string why;
+  PacketRun run;
+  if (!run.Open(options.reading)) return run.Status();
+  SaveTarget target;
+  SaveResult result = target.Open(options, &why);
+  if (result != kSaved) return TellResult(options.out, result, why);
+
+  const std::time_t now = std::time(nullptr);
+  SaveRequest request{};
+  request.file = target.File();
+  request.append = options.append;
+  request.partial = options.partialBytes >= 0;
+  request.partialBytes = static_cast<uint16_t>(options.partialBytes);
+  request.name = options.name.c_str();
+  request.localTime = std::asctime(std::localtime(&now));
+  request.firstNumber = 1;
+  CaptureBufferWriter writer;
+  result = writer.Begin(request);
+  if (result != kSaved) return TellResult(options.out, result, "");
+  const int status = run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame&) {
+    result = writer.Add(record);
+    return result == kSaved;
+  });
+  if (result == kSaved && writer.Written() == 0) result = kNoPackets;
+  if (result == kSaved) result = writer.Finish();
+  if (result == kSaved && !target.Keep(&why)) result = kLastWriteFailed;
+  return result == kSaved ? status : TellResult(options.out, result, why);
+}
+
+}  // namespace
+
+void AddSaveCommand(CLI::App* app, int* status) {
+  auto options = std::make_shared<SaveOptions>();
+  CLI::App* command = app->add_subcommand("save", "packets to a capture buffer file");
+  AddReadingOptions(command, &options->reading);
+  command->add_option("OUT", options->out, "the capture buffer file")->required();
+  command->add_flag("--append", options->append, "add the packets to the end of an existing file");
+  command->add_option("--partial", options->partialBytes, "cut packets to this many bytes")
+      ->type_name("BYTES")
+      ->check(CLI::Range(0, 65535));
+  command->add_option("--name", options->name, "the name kept in the file, at most 260 characters")
+      ->type_name("TEXT")
+      ->check([](const std::string& text) {
+        return text.size() > kLongestBufferName ? "--name: at most 260 characters" : std::string();
+      }, "");
+  command->footer(
+      "Examples:\n"
+      "  qxview save capture.pcap packets.bfr\n"
+      "  qxview save --append --packets 10-20 --partial 64 more.pcapng packets.bfr");
+  command->callback([options, status] {
+    std::string message;
+    if (!FinishReadingOptions(&options->reading, &message)) {
+      Tell(message);
+      *status = kUsage;
+      return;
+    }
+    *status = Save(*options);
+  });
+}
+
+}  // namespace qxview

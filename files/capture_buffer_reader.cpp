@@ -1,0 +1,117 @@
+// Reader of capture buffer files (docs/capture-file.md).
+//
+//    fixed header                                    information elements, up to the first record
+//    0  32  version text, zero-padded                0  2  type
+//   32   2  offset of the first record               2  2  length of the whole element
+//   34   1  a byte of the saving program's           4     data
+//   35   1  number of information elements
+//
+// Records follow one another, each as core/frame_record.h has it.
+#include <new>
+
+#include "files/capture_buffer.h"
+#include "files/capture_formats.h"
+
+namespace qxview {
+namespace {
+
+class CaptureBufferReader : public CaptureReader {
+ public:
+  using CaptureReader::CaptureReader;
+
+  bool ReadFileHeader() {
+    const uint8_t* header = source_->Peek(kBufferHeader);
+    if (!header) return CutShort(0, "the file header"), false;
+    const char* version = reinterpret_cast<const char*>(header) + kBufferMagic;
+    if (std::memcmp(version, kBufferVersion + kBufferMagic, sizeof kBufferVersion - 1 - kBufferMagic) != 0) {
+      Damaged(kBufferMagic, "capture buffer version \"%.6s\" is not known", version);
+      return false;
+    }
+    const uint32_t start = header[kVersionField] | static_cast<uint32_t>(header[kVersionField + 1]) << 8;
+    const uint32_t elements = header[35];
+    if (start < static_cast<uint32_t>(kBufferHeader)) {
+      Damaged(kVersionField, "the first record cannot stand at byte %u, inside the file header", start);
+      return false;
+    }
+    source_->Skip(kBufferHeader);
+    return WalkElements(start, elements);
+  }
+
+ protected:
+  ReadResult ReadFrame(CaptureFrame* frame) override {
+    const uint64_t position = source_->Position();
+    const uint8_t* bytes = source_->Peek(kBareRecordHeader);
+    if (!bytes) {
+      if (source_->Remaining() > 0 || !source_->Failure().empty()) return CutShort(position, "a record header");
+      return elementFault_.empty() ? ReadResult::kEnd : Damaged(elementPosition_, "%s", elementFault_.c_str());
+    }
+    FrameRecord head{};
+    std::memcpy(&head, bytes, kBareRecordHeader);
+    if (head.dataOffset < kBareRecordHeader || head.dataOffset + head.capturedLength > head.recordLength) {
+      return Damaged(position, "a record of %u bytes cannot hold a header of %u and %u captured bytes",
+                     head.recordLength, head.dataOffset, head.capturedLength);
+    }
+    bytes = source_->Peek(head.recordLength);
+    if (!bytes) return CutShort(position, "a record");
+    std::memcpy(record_, bytes, head.recordLength);
+    source_->Skip(head.recordLength);
+    Describe(frame);
+    return ReadResult::kFrame;
+  }
+
+ private:
+  // The elements are passed over; what is wrong with them is told when the records have been read.
+  bool WalkElements(uint32_t start, uint32_t elements) {
+    uint32_t at = kBufferHeader, seen = 0;
+    for (; at < start && elementFault_.empty(); ++seen) {
+      const uint8_t* element = start - at >= 4 ? source_->Peek(4) : nullptr;
+      const uint32_t length = element ? element[2] | static_cast<uint32_t>(element[3]) << 8 : 0;
+      if (length < 4 || length > start - at || !source_->Skip(length)) {
+        Fault(at, "an information element does not fit in front of the first record");
+        break;
+      }
+      at += length;
+    }
+    if (elementFault_.empty() && seen != elements) {
+      Fault(35, "the header counts other information elements than there are");
+    }
+    if (at < start && !source_->Skip(start - at)) return CutShort(source_->Position(), "the file header"), false;
+    return true;
+  }
+
+  void Fault(uint64_t position, const char* what) {
+    elementPosition_ = position;
+    elementFault_ = what;
+  }
+
+  void Describe(CaptureFrame* frame) {
+    const auto* record = reinterpret_cast<const FrameRecord*>(record_);
+    *frame = CaptureFrame{};
+    frame->record = record;
+    frame->nanoseconds = record->nanoseconds;
+    frame->capturedLength = record->capturedLength;
+    frame->wireLength = WireLength(record);
+    frame->data = FrameData(record);
+    frame->dataLength = record->capturedLength;
+    frame->linkType = HasFullHeader(record) ? record->linkType : 0;
+    frame->receiveErrors = record->receiveErrors;
+    frame->direction = static_cast<LinkDirection>(record->direction);
+  }
+
+  alignas(8) uint8_t record_[kMaxRecord + 1];
+  std::string elementFault_;
+  uint64_t elementPosition_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<CaptureReader> MakeCaptureBufferReader(std::unique_ptr<ByteSource> source, const char* fileName,
+                                                       std::string* message) {
+  std::unique_ptr<CaptureBufferReader> reader(new (std::nothrow) CaptureBufferReader(std::move(source), fileName));
+  if (!reader) return *message = std::string(fileName) + ": out of memory", nullptr;
+  if (reader->ReadFileHeader()) return reader;
+  *message = reader->Message();
+  return nullptr;
+}
+
+}  // namespace qxview

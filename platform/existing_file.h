@@ -1,0 +1,27 @@
+// A file that is added to at its end. Unless it is kept, it is cut back to the length it had.
+#pragma once
+#include <string>
+
+#include "files/capture_buffer.h"
+
+namespace qxview {
+
+class ExistingFile {
+ public:
+  ExistingFile() = default;
+  ~ExistingFile();   // cuts back what was not kept
+  ExistingFile(const ExistingFile&) = delete;
+  ExistingFile& operator=(const ExistingFile&) = delete;
+
+  // False with a reason. The file stands at its start.
+  bool Open(const std::string& path, std::string* why);
+  BufferFile File();
+  // Writes through to the disk.
+  bool Keep(std::string* why);
+
+ private:
+  int64_t file_ = -1;
+  int64_t lengthBefore_ = 0;
+};
+
+}  // namespace qxview
