@@ -18,6 +18,7 @@ int Run(int argc, char** argv) {
   int status = kDone;
   AddDecodeCommand(&app, &status);
   AddFindCommand(&app, &status);
+  AddListCommand(&app, &status);
   AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
   AddSaveCommand(&app, &status);

@@ -97,6 +97,7 @@ int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
 }
 
 int32_t DispatchProtocol(const Place& in, const Place& network, Cursor c, uint32_t protocol) {
+  ReachLayer(network, DispatchTable::kPpp, protocol, c);
   for (const NetworkProtocol& row : kNetworkProtocols) {
     if (row.protocol != protocol) continue;
     const int32_t handled = DispatchEthertype(network, c, row.ethertype);
