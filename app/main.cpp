@@ -22,6 +22,11 @@ int Run(int argc, char** argv) {
   AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
   AddSaveCommand(&app, &status);
+  if (argc > 1 && argv[1][0] != '-' && !app.get_subcommand_no_throw(argv[1])) {
+    std::fprintf(stderr, "qxview: there is no command \"%s\"\n", argv[1]);
+    std::fprintf(stderr, "qxview --help tells the commands.\n");
+    return kUsage;
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
