@@ -1,0 +1,157 @@
+// The types whose value is a number or a short text of its own.
+#include "decoders/asn1/ber_element.h"
+
+namespace qxview {
+namespace {
+
+// An element whose value line is its number.
+int32_t DecodeNumber(const AsnPlace& at, const Cursor& c, const char* typeName, AsnResult& out) {
+  const AsnElement element = OpenElement(at, c, typeName, out);
+  if (!element.contents.here) return element.status;
+  out.number = NumberOf(element.contents);
+  FormatInto(out.text, out.textSize, "%u", out.number);
+  AddLine(element.lines, element.contents, "ASN Value : %u", out.number);
+  return kAsnDecoded;
+}
+
+int32_t DecodeNumberOf(const AsnPlace& at, const Cursor& c, uint32_t identifier, const char* typeName,
+                       AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, identifier);
+  return met == kAsnDecoded ? DecodeNumber(at, c, typeName, out) : met;
+}
+
+// Octets as eight digits each; whole octets and "..." when there is no room for all.
+void FormatBits(const Field& contents, char* text, int32_t size) {
+  constexpr int32_t kWidth = 9;
+  if (!text || size < 1) return;
+  const bool isCut = contents.length > size / kWidth;
+  const int32_t count = isCut ? (size - 3) / kWidth : contents.length;
+  char* out = text;
+  for (int32_t i = 0; i < count; ++i) {
+    if (i > 0) *out++ = ' ';
+    for (int32_t bit = 7; bit >= 0; --bit) *out++ = static_cast<char>('0' + (contents.bytes[i] >> bit & 1));
+  }
+  *out = 0;
+  if (isCut) AppendString(text, size, "...");
+}
+
+}  // namespace
+
+int32_t DecodeAsnBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnBoolean);
+  if (met != kAsnDecoded) return met;
+  const AsnElement element = OpenElement(at, c, "BOOL", out);
+  if (!element.contents.here) return element.status;
+  out.number = NumberOf(element.contents);
+  const char* meaning = out.number == 0 ? "False" : out.number <= 0x7FFFFFFF ? "True" : kUndefined;
+  FormatInto(out.text, out.textSize, "[%u] = %s", out.number, meaning);
+  AddLine(element.lines, element.contents, "ASN Value : [%u] = %s", out.number, meaning);
+  return kAsnDecoded;
+}
+
+int32_t DecodeAsnInteger(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return DecodeNumberOf(at, c, kAsnInteger, "INTEGER", out);
+}
+int32_t DecodeAsnNull(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return DecodeNumberOf(at, c, kAsnNull, "NULL", out);
+}
+int32_t DecodeAsnCounter(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return DecodeNumberOf(at, c, kAsnCounter, "COUNTER", out);
+}
+int32_t DecodeAsnGauge(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return DecodeNumberOf(at, c, kAsnGauge, "GAUGE", out);
+}
+int32_t DecodeAsnUnsigned32(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return DecodeNumberOf(at, c, kAsnUnsigned32, "UNSIGNED32", out);
+}
+
+int32_t DecodeAsnException(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  if (Left(c) < 1) return kAsnTruncated;
+  switch (c.at[0]) {
+    case kAsnNoSuchObject: return DecodeNumber(at, c, "NO SUCH OBJECT", out);
+    case kAsnNoSuchInstance: return DecodeNumber(at, c, "NO SUCH INSTANCE", out);
+    case kAsnEndOfMibView: return DecodeNumber(at, c, "END OF MIBVIEW", out);
+    default: return kAsnNotThisType;
+  }
+}
+
+int32_t DecodeAsnEnumerated(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnEnumerated);
+  if (met != kAsnDecoded) return met;
+  const AsnElement element = OpenElement(at, c, "ENUMERATION", out);
+  if (!element.contents.here) return element.status;
+  out.number = NumberOf(element.contents);
+  char digits[11];
+  FormatInto(digits, sizeof digits, "%u", out.number);
+  CopyString(out.text, out.textSize, digits);
+  AddLine(element.lines, element.contents, "Enumeration: %s", static_cast<const char*>(digits));
+  return kAsnDecoded;
+}
+
+int32_t DecodeAsnCounter64(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnCounter64);
+  if (met != kAsnDecoded) return met;
+  const AsnElement element = OpenElement(at, c, "COUNTER64", out);
+  if (!element.contents.here) return element.status;
+  uint64_t number = 0;
+  for (int32_t i = 0; i < element.contents.length; ++i) number = number << 8 | element.contents.bytes[i];
+  out.number = static_cast<uint32_t>(number);
+  FormatInto(out.text, out.textSize, "%I64u", number);
+  AddLine(element.lines, element.contents, "ASN Value : %I64u", number);
+  return kAsnDecoded;
+}
+
+int32_t DecodeAsnBitString(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnBitString);
+  if (met != kAsnDecoded) return met;
+  const AsnElement element = OpenElement(at, c, "BIT STREAM", out);
+  if (!element.contents.here) return element.status;
+  FormatBits(element.contents, out.text, out.textSize);
+  AddLine(element.lines, element.contents, "ASN Value : %s", static_cast<const char*>(out.text));
+  return kAsnDecoded;
+}
+
+int32_t DecodeAsnNetworkAddress(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnNetworkAddress);
+  if (met != kAsnDecoded) return met;
+  const AsnElement element = OpenElement(at, c, "NetworkAddress", out);
+  const Field& octets = element.contents;
+  if (!octets.here) return element.status;
+  int32_t used = FormatInto(out.text, out.textSize, "%u", octets.bytes[0]);
+  for (int32_t i = 1; i < octets.length && used < out.textSize - 1; ++i) {
+    used += FormatInto(out.text + used, out.textSize - used, ".%u", octets.bytes[i]);
+  }
+  AddLine(element.lines, octets, "ASN Value : %s", static_cast<const char*>(out.text));
+  return kAsnDecoded;
+}
+
+int32_t DecodeAsnTimeTicks(const AsnPlace& at, const Cursor& c, char* longText, int32_t longSize, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnTimeTicks);
+  if (met != kAsnDecoded) return met;
+  CopyString(longText, longSize, "");
+  const AsnElement element = OpenElement(at, c, "TimeTicks", out);
+  if (element.status == kAsnDecoded) CopyString(longText, longSize, out.text);
+  if (!element.contents.here) return element.status;
+  out.number = NumberOf(element.contents);
+  const int32_t ticks = static_cast<int32_t>(out.number);
+  const int32_t days = ticks / 8640000, hours = ticks % 8640000 / 360000, minutes = ticks % 360000 / 6000;
+  const int32_t seconds = ticks % 6000 / 100, hundredths = ticks % 100;
+  char words[128];
+  FormatInto(words, sizeof words, "%.01lu days, %.01lu hours, %.01lu minutes, %lu.%.02lu seconds", days, hours,
+             minutes, seconds, hundredths);
+  CopyString(longText, longSize, words);
+  FormatInto(out.text, out.textSize, "%.01lu:%.01lu:%.01lu:%lu.%.02lu", days, hours, minutes, seconds, hundredths);
+  AddLine(element.lines, element.contents, "ASN Value : [%u] = %s", out.number, static_cast<const char*>(words));
+  return kAsnDecoded;
+}
+
+int32_t DecodeAsnUndefined(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  if (Left(c) < 1) return kAsnTruncated;
+  const AsnElement element = OpenElement(at, c, kUndefined, out);
+  if (!element.contents.here) return element.status;
+  CopyString(out.text, out.textSize, kUndefined);
+  AddBlock(element.lines, element.contents, "Undefined Data");
+  return kAsnDecoded;
+}
+
+}  // namespace qxview

@@ -1,0 +1,241 @@
+// Protocol data units and their variable bindings: the same in every version.
+#include "decoders/asn1/snmp.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kTrap = 164, kGetBulk = 165;
+
+constexpr auto kPduNames = SortedNames({
+    {160, "Get Request"}, {161, "Get Next Request"}, {162, "Response"}, {163, "Set Request"}, {164, "Trap"},
+    {165, "Get Bulk Request"}, {166, "Inform Request"}, {167, "SNMPv2 Trap"}, {168, "Report"}});
+
+// "Inconsistant" is the spelling that users search for.
+constexpr auto kErrorNames = SortedNames({
+    {0, "No Error"}, {1, "Too Big"}, {2, "No Such Name"}, {3, "Bad Value"}, {4, "Read Only"}, {5, "Gen Error"},
+    {6, "No Access"}, {7, "Wrong Type"}, {8, "Wrong Length"}, {9, "Wrong Encoding"}, {10, "Wrong Value"},
+    {11, "No Creation"}, {12, "Inconsistant Value"}, {13, "Resource Unavailable"}, {14, "Commit Failed"},
+    {15, "Undo Failed"}, {16, "Authorization Error"}, {17, "Not Writeable"}, {18, "Inconsistant Name"}});
+
+constexpr auto kTrapNames = SortedNames({
+    {0, "Cold Start"}, {1, "Warm Start"}, {2, "Link Down"}, {3, "Link Up"}, {4, "Authentication Failure"},
+    {5, "EGP Neighbor Loss"}, {6, "Enterprise Specific"}});
+
+// An object identifier under a titled line. Result: 1 also for one that the MIB does not know.
+int32_t StepObjectId(SnmpWalk& walk, const char* title, AsnObjectNames& names, LineHandle& line) {
+  if (Left(walk.c) < 1) return kAsnTruncated;
+  const Place lines = LinesOf(walk);
+  line = AddLine(lines, Ahead(walk.c, 0), "%s", title);
+  AsnResult out{};
+  const int32_t status = DecodeAsnObjectId(Beneath(walk.at, line), walk.c, names, out);
+  SetRange(lines, line, walk.c.offset, out.consumed);
+  TakeBytes(walk.c, out.consumed);
+  return status == kAsnUnnamed ? kAsnDecoded : status;
+}
+
+int32_t DecodeRequestFields(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  SnmpStep step;
+  int32_t status = StepNumber(walk, "Request ID:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", ID=%u", step.value.number);
+
+  status = StepNumber(walk, "Error Status:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  const char* error = LookupName(kErrorNames, step.value.number, kUndefined);
+  AppendToLine(in, step.line, " [%u] = %s", step.value.number, error);
+  AppendToLine(in, walk.root, ", %s", error);
+
+  status = StepNumber(walk, "Error Index:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", EI=%u", step.value.number);
+  return kAsnDecoded;
+}
+
+int32_t DecodeBulkFields(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  SnmpStep step;
+  int32_t status = StepNumber(walk, "Request ID:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", ID=%u", step.value.number);
+
+  status = StepNumber(walk, "Non-Repeaters:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", NR=%s", static_cast<const char*>(step.text));
+
+  status = StepNumber(walk, "Max-Repetitions:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", MR=%u", step.value.number);
+  return kAsnDecoded;
+}
+
+// What a trap of version 1 is about: who sent it.
+int32_t DecodeTrapSender(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  AsnObjectNames names;
+  LineHandle line = 0;
+  int32_t status = StepObjectId(walk, "Enterprise:", names, line);
+  if (status != kAsnDecoded) return status;
+  const char* dotted = names.dotted;
+  const char* name = names.name;
+  if (name[0]) {
+    AppendToLine(in, line, " [%s] = %s", dotted, name);
+    AppendToLine(in, walk.root, ", E=%s", name);
+  } else {
+    AppendToLine(in, line, " %s", dotted);
+    AppendToLine(in, walk.root, ", E=%s", dotted);
+  }
+  SnmpStep step;
+  status = StepNumber(walk, "Agent Address:", DecodeAsnNetworkAddress, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %s", static_cast<const char*>(step.text));
+  AppendToLine(in, walk.root, ", A=%s", static_cast<const char*>(step.text));
+  return kAsnDecoded;
+}
+
+int32_t DecodeTicks(SnmpWalk& walk, SnmpStep& step) {
+  if (Left(walk.c) < 1) return kAsnTruncated;
+  const Place lines = LinesOf(walk);
+  step.text[0] = step.longText[0] = 0;
+  step.value = {kAsnNoValue, step.text, sizeof step.text, 0};
+  step.line = AddLine(lines, Ahead(walk.c, 0), "Time Ticks:");
+  const int32_t status = DecodeAsnTimeTicks(Beneath(walk.at, step.line), walk.c, step.longText, sizeof step.longText,
+                                            step.value);
+  SetRange(lines, step.line, walk.c.offset, step.value.consumed);
+  TakeBytes(walk.c, step.value.consumed);
+  return status;
+}
+
+int32_t DecodeTrapFields(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  int32_t status = DecodeTrapSender(walk);
+  if (status != kAsnDecoded) return status;
+  SnmpStep step;
+  status = StepNumber(walk, "Generic Trap:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  const char* generic = LookupName(kTrapNames, step.value.number, kUndefined);
+  AppendToLine(in, step.line, " [%u] = %s", step.value.number, generic);
+  AppendToLine(in, walk.root, ", GT=%s", generic);
+
+  status = StepNumber(walk, "Specific Trap:", DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", ST=%u", step.value.number);
+
+  status = DecodeTicks(walk, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " [%u] = %s", step.value.number, static_cast<const char*>(step.longText));
+  return kAsnDecoded;
+}
+
+int32_t DecodeBindings(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  const Field marker = TakeU8(walk.c);
+  if (!marker.here) return kAsnTruncated;
+  AddLine(in, marker, "ASN Sequence Identifier: 0x%.02X (SNMP binding)", marker.value);
+  if (const int32_t status = StepLength(walk, "Binding Sequence Length:"); status != kAsnDecoded) return status;
+  Loop loop;
+  for (uint32_t number = 1; MoreAt(in, walk.c, loop) && walk.c.at[0] == kAsnSequence; ++number) {
+    const int32_t status = DecodeSnmpVarBind(walk, number);
+    if (status != kAsnDecoded && status != kAsnUnnamed) return status;
+  }
+  return kAsnDecoded;
+}
+
+// The element of a binding's value. What the list of types does not name is "Undefined", also where the encoding
+// knows it.
+int32_t DecodeBindingValue(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  char shortText[kAsnShortTextSize];
+  const AsnStringForm form{nullptr, shortText, sizeof shortText, false};
+  switch (c.at[0]) {
+    case kAsnBoolean: return DecodeAsnBoolean(at, c, out);
+    case kAsnInteger: return DecodeAsnInteger(at, c, out);
+    case kAsnOctetString: return DecodeAsnOctetString(at, c, form, out);
+    case kAsnNull: return DecodeAsnNull(at, c, out);
+    case kAsnObjectId: {
+      AsnObjectNames names;
+      const int32_t status = DecodeAsnObjectId(at, c, names, out);
+      if (names.name[0]) {
+        FormatInto(out.text, out.textSize, "%s (%s)", static_cast<const char*>(names.dotted),
+                   static_cast<const char*>(names.name));
+      }
+      return status;
+    }
+    case kAsnNetworkAddress: return DecodeAsnNetworkAddress(at, c, out);
+    case kAsnCounter: return DecodeAsnCounter(at, c, out);
+    case kAsnGauge: return DecodeAsnGauge(at, c, out);
+    case kAsnTimeTicks: return DecodeAsnTimeTicks(at, c, nullptr, 0, out);
+    case kAsnOpaque: return DecodeAsnOpaque(at, c, form, out);
+    case kAsnCounter64: return DecodeAsnCounter64(at, c, out);
+    case kAsnUnsigned32: return DecodeAsnUnsigned32(at, c, out);
+    case kAsnNoSuchObject:
+    case kAsnNoSuchInstance:
+    case kAsnEndOfMibView: return DecodeAsnException(at, c, out);
+    default: return DecodeAsnUndefined(at, c, out);
+  }
+}
+
+int32_t DecodeBindingParts(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  const Field marker = TakeU8(walk.c);
+  AddLine(in, marker, "Sequence Marker: 0x%.02X (ASN Object)", marker.value);
+  if (const int32_t status = StepLength(walk, "Sequence Length:"); status != kAsnDecoded) return status;
+
+  {
+    AsnObjectNames names;
+    LineHandle line = 0;
+    const int32_t status = StepObjectId(walk, "Object Name  :", names, line);
+    if (status != kAsnDecoded) return status;
+    const char* dotted = names.dotted;
+    const char* name = names.name;
+    if (name[0]) {
+      AppendToLine(in, line, " %s (%s)", dotted, name);
+    } else {
+      AppendToLine(in, line, " %s", dotted);
+    }
+  }
+  if (Left(walk.c) < 1) return kAsnTruncated;
+  SnmpStep step;
+  const int32_t status = StepNumber(walk, "Object Value :", DecodeBindingValue, step);
+  if (status != kAsnDecoded && status != kAsnUnnamed) return status;
+  AppendToLine(in, step.line, " %s", static_cast<const char*>(step.text));
+  AppendToLine(in, walk.root, " = %s", static_cast<const char*>(step.text));
+  return kAsnDecoded;
+}
+
+}  // namespace
+
+int32_t DecodeSnmpVarBind(SnmpWalk& walk, uint32_t number) {
+  const Place in = LinesOf(walk);
+  const LineHandle line = AddLine(in, Ahead(walk.c, 0), "Sequence #%u:", number);
+  SnmpWalk binding{Beneath(walk.at, line), line, walk.c};
+  const int32_t start = walk.c.offset;
+  const int32_t status = DecodeBindingParts(binding);
+  walk.c = binding.c;
+  SetRange(in, line, start, walk.c.offset - start);
+  return status;
+}
+
+int32_t DecodeSnmpPdu(SnmpWalk& walk) {
+  const Place in = LinesOf(walk);
+  const Field type = TakeU8(walk.c);
+  if (!type.here) return kAsnTruncated;
+  const char* name = LookupName(kPduNames, type.value, kUndefined);
+  const LineHandle line = AddLine(in, type, "PDU:");
+  AppendToLine(in, walk.root, ", %s", name);
+  AppendToLine(in, line, " %s", name);
+  AddLine(LinesOf(Beneath(walk.at, line)), type, "PDU Type: [0x%.02X] = %s", type.value, name);
+  if (const int32_t status = StepLength(walk, "PDU Length:"); status != kAsnDecoded) return status;
+  if (type.value < 160 || type.value > 168) return kAsnNotThisType;
+  const int32_t status = type.value == kTrap ? DecodeTrapFields(walk)
+                         : type.value == kGetBulk ? DecodeBulkFields(walk)
+                                                  : DecodeRequestFields(walk);
+  return status == kAsnDecoded ? DecodeBindings(walk) : status;
+}
+
+}  // namespace qxview
