@@ -21,6 +21,7 @@ int Run(int argc, char** argv) {
   AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
   AddSaveCommand(&app, &status);
+  AddXmlCommand(&app, &status);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -38,6 +39,9 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
 #ifdef SIGPIPE
   std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
+#endif
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);   // a file at its size limit is a write that fails, with its message
 #endif
   return qxview::Run(argc, argv);
 }

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,6 +32,10 @@ bool ExistingFile::Open(const std::string& path, std::string* why) {
   if (!S_ISREG(present.st_mode)) {
     close(file);
     return *why = "not a regular file", false;
+  }
+  if (flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    close(file);
+    return *why = "File is currently being used by Vantrell or another program.", false;
   }
   file_ = file;
   lengthBefore_ = present.st_size;
