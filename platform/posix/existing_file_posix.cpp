@@ -45,11 +45,7 @@ bool ExistingFile::Open(const std::string& path, std::string* why) {
 BufferFile ExistingFile::File() {
   return {this,
           [](void* handle, uint8_t* out, int32_t length) {
-            const int file = static_cast<int>(static_cast<ExistingFile*>(handle)->file_);
-            ssize_t got;
-            do got = read(file, out, static_cast<size_t>(length));
-            while (got < 0 && errno == EINTR);
-            return static_cast<int32_t>(got);
+            return ReadFileBytes(static_cast<ExistingFile*>(handle)->file_, out, length);
           },
           [](void* handle, const uint8_t* bytes, int32_t length) {
             const OutputSink sink = FileSink(static_cast<ExistingFile*>(handle)->file_);
