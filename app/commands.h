@@ -6,6 +6,7 @@ namespace qxview {
 
 void AddDecodeCommand(CLI::App* app, int* status);
 void AddFindCommand(CLI::App* app, int* status);
+void AddListCommand(CLI::App* app, int* status);
 void AddPrintCommand(CLI::App* app, int* status);
 void AddProtocolsCommand(CLI::App* app, int* status);
 void AddSaveCommand(CLI::App* app, int* status);

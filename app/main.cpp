@@ -1,5 +1,6 @@
 // The command line: qxview COMMAND [OPTIONS] FILE.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 
@@ -18,10 +19,18 @@ int Run(int argc, char** argv) {
   int status = kDone;
   AddDecodeCommand(&app, &status);
   AddFindCommand(&app, &status);
+  AddListCommand(&app, &status);
   AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
   AddSaveCommand(&app, &status);
   AddXmlCommand(&app, &status);
+  const auto named = [&](const CLI::App* command) { return command->get_name() == argv[1]; };
+  const std::vector<CLI::App*> commands = app.get_subcommands(nullptr);
+  if (argc > 1 && argv[1][0] != '-' && std::none_of(commands.begin(), commands.end(), named)) {
+    std::fprintf(stderr, "qxview: there is no command \"%s\"\n", argv[1]);
+    std::fprintf(stderr, "qxview --help tells the commands.\n");
+    return kUsage;
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -77,15 +77,22 @@ void PacketRun::TellEnd(ReadResult result) {
   }
 }
 
+void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst) {
+  if (isFirst) firstTime_ = timeNow_ = nanoseconds;
+  timeBefore_ = timeNow_;
+  timeNow_ = nanoseconds;
+}
+
 int PacketRun::Pass(const std::function<bool(const FrameRecord*, const CaptureFrame&, bool selected)>& handle) {
   CaptureFrame frame;
   ReadResult result = ReadResult::kEnd;
   uint64_t selectedPackets = 0, seen = 0;
   const uint64_t last = options_->selection.Last();
   while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
-    if (showsProgress_ && (++seen & 0x3FF) == 0) TellProgress();
+    if (showsProgress_ && (seen & 0x3FF) == 0x3FF) TellProgress();
     if (frame.number > last) break;
     const FrameRecord* record = frame.record ? frame.record : builder_->Build(frame);
+    NoteTime(record->nanoseconds, ++seen == 1);
     const bool selected = Matches(frame);
     selectedPackets += selected;
     if (!handle(record, frame, selected)) break;

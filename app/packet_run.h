@@ -35,10 +35,16 @@ class PacketRun {
   StandaloneHost& Host() { return *host_; }
   int Status() const { return status_; }
 
+  // Times in nanoseconds, for the handler: of the capture's first packet, and of the one before the current packet (of
+  // the first packet for itself), selected or not.
+  int64_t FirstTime() const { return firstTime_; }
+  int64_t TimeBefore() const { return timeBefore_; }
+
  private:
   int Pass(const std::function<bool(const FrameRecord*, const CaptureFrame&, bool selected)>& handle);
   bool Matches(const CaptureFrame& frame);
   void TellLinkType(uint16_t linkType);
+  void NoteTime(int64_t nanoseconds, bool isFirst);
   void TellProgress();
   void TellEnd(ReadResult result);
 
@@ -51,6 +57,7 @@ class PacketRun {
   std::vector<uint8_t> capturedBytes_;   // of a record, as they were captured
   std::vector<uint16_t> toldLinkTypes_;
   int status_ = kDone;
+  int64_t firstTime_ = 0, timeBefore_ = 0, timeNow_ = 0;
   bool showsProgress_ = false;
   int shownPercent_ = -1;
 };

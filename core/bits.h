@@ -17,8 +17,11 @@ uint32_t FormatBitField32(uint32_t value, char* picture, int32_t firstBit, int32
 // The same for the `width` (8, 16, 24 or 32) low bits of the value, high octet first.
 uint32_t FormatBits(uint32_t value, int32_t width, char* picture, int32_t firstBit, int32_t bitCount);
 
+constexpr int32_t kBitPictureSize = 36;   // of up to 32 bits
+
+// Some bits of a field: their picture, an argument of a line's text, and their value.
 struct BitPicture {
-  ShortText<36> picture;
+  BitSlice picture;
   uint32_t value;
 };
 

@@ -55,7 +55,7 @@ Span TrimToRangeFilter(const DecodeContext* context, int32_t offset, int32_t len
 
 void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const uint8_t* data, int32_t offset,
                      int32_t length) {
-  if (!view || !view->context || !data || length < 1) return;
+  if (!view || !view->context || view->context->silent || !data || length < 1) return;
   if (length > kMostDumped) length = kMostDumped;
   const uint8_t* translation = view->engine->settings.characterSet ? view->characterTable : nullptr;
   const Span span = TrimToRangeFilter(view->context, offset, length);

@@ -128,31 +128,10 @@ int32_t FormatIPv6(const uint8_t* address, char* out) {
   return static_cast<int32_t>(at - out);
 }
 
-ShortText<kIPv4TextSize> IPv4Text(const uint8_t* address) {
-  ShortText<kIPv4TextSize> made;
-  if (!address) return made.text[0] = 0, made;
-  FormatIPv4(address, made.text);
-  return made;
-}
-
-ShortText<kMacTextSize> MacText(const uint8_t* address) {
-  ShortText<kMacTextSize> made;
-  if (!address) return made.text[0] = 0, made;
-  FormatMac(address, made.text);
-  return made;
-}
-
 ShortText<kOuiTextSize> OuiText(const uint8_t* oui) {
   ShortText<kOuiTextSize> made;
   if (!oui) return made.text[0] = 0, made;
   FormatOui(oui, made.text);
-  return made;
-}
-
-ShortText<kIPv6TextSize> IPv6Text(const uint8_t* address) {
-  ShortText<kIPv6TextSize> made;
-  if (!address) return made.text[0] = 0, made;
-  FormatIPv6(address, made.text);
   return made;
 }
 

@@ -44,10 +44,10 @@ int32_t FormatOui(const uint8_t* oui, char* out);                   // "%.2X%.2X
 int32_t FormatEightByteAddress(const uint8_t* address, char* out);  // the first byte's low four bits, then ":%.2X"
 int32_t FormatIPv6(const uint8_t* address, char* out);              // RFC 5952
 
-// The same as arguments of a line's text.
-ShortText<kIPv4TextSize> IPv4Text(const uint8_t* address);
-ShortText<kMacTextSize> MacText(const uint8_t* address);
+// The same as arguments of a line's text. The bytes of an address must last until the line is formatted.
+inline AddressBytes<AddressForm::kIPv4> IPv4Text(const uint8_t* address) { return {address}; }
+inline AddressBytes<AddressForm::kMac> MacText(const uint8_t* address) { return {address}; }
+inline AddressBytes<AddressForm::kIPv6> IPv6Text(const uint8_t* address) { return {address}; }
 ShortText<kOuiTextSize> OuiText(const uint8_t* oui);
-ShortText<kIPv6TextSize> IPv6Text(const uint8_t* address);
 
 }  // namespace qxview

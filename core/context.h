@@ -45,6 +45,27 @@ struct TcpSegment {
   bool here;
 };
 
+// The table that a layer's payload was looked up in, with the key, and the payload itself: what a frame carries when no
+// decoder shows it. The innermost layer's stays.
+enum class DispatchTable : uint8_t {
+  kNone,
+  kEthertype,
+  kLlc,           // LlcService; without one the destination SAP above bit 8
+  kPpp,           // protocol numbers of RFC 1661
+  kIpProtocol,    // by IPv4 and IPv6 alike
+  kIpFragment,    // a fragment that is not the first: the IP protocol, the fragment's offset in bytes above bit 8
+  kApplication,   // the index of a built-in decoder; kNoApplication when ports and payload tell of none
+};
+constexpr uint32_t kNoApplication = 0xFFFFFFFF;
+constexpr uint32_t kSlarpKey = 0x18035;   // Cisco HDLC's own protocol, whose number is an Ethertype of another
+
+struct ReachedLayer {
+  DispatchTable table;
+  uint32_t key;
+  const uint8_t* bytes;
+  int32_t length;
+};
+
 // What the decoders of the current frame leave for later ones and for the view's commands; cleared for each frame.
 struct PacketState {
   const FrameRecord* frame;
@@ -60,6 +81,8 @@ struct PacketState {
   int32_t payloadLength;
   int32_t payloadOffset;
   uint32_t matchedSource;    // TCP: the protocol's definition matched the source side
+  ReachedLayer reached;
+  ReachedLayer carrier;      // what IP carries, header included; behind it `reached` may be the application
   int32_t nesting;
   int32_t linesLeft;
   bool limitReached;
@@ -77,6 +100,8 @@ inline void BeginDatagram(PacketState& packet) {
 struct DecodeContext {
   int64_t packetNumber;
   char outputMode;
+  bool silent;               // outside display mode: lines are counted and not even formatted
+  bool headersOnly;          // application payloads are resolved and detected, not decoded
   OutputFile* outputFile;
   char findText[1024];
   uint32_t findFound;

@@ -166,10 +166,14 @@ inline HexSlice HexDigits(const Field& field) { return {field.bytes, field.bytes
 
 // The picture of `bitCount` bits of a field of 1 to 4 bytes, counted from its most significant bit, and their value.
 inline BitPicture BitsOf(const Field& field, int32_t firstBit, int32_t bitCount) {
-  BitPicture made;
   const int32_t width = field.length < 1 ? 8 : field.length > 4 ? 32 : 8 * field.length;
-  made.value = FormatBits(field.value, width, made.picture.text, firstBit, bitCount);
-  return made;
+  if (firstBit < 0) firstBit = 0;
+  if (firstBit > width) firstBit = width;
+  if (bitCount < 0) bitCount = 0;
+  if (bitCount > width - firstBit) bitCount = width - firstBit;
+  const uint64_t above = uint64_t{field.value} >> (width - firstBit - bitCount);
+  return {{field.value, static_cast<uint8_t>(width), static_cast<uint8_t>(firstBit), static_cast<uint8_t>(bitCount)},
+          static_cast<uint32_t>(above & ((uint64_t{1} << bitCount) - 1))};
 }
 
 }  // namespace qxview

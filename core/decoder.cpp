@@ -3,6 +3,10 @@
 namespace qxview {
 namespace detail {
 
+LineHandle CountSilentLine(const Place& at) {
+  return AddDecodeLineOf(at.view, at.parent, "", 0, kBitFieldImage, at.tree, 0);
+}
+
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments) {
   char line[kLineSize];

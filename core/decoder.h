@@ -47,12 +47,22 @@ inline Place Deeper(const Place& at) {
 }
 
 inline PacketState& PacketOf(const Place& at) { return at.view->context->packet; }
+inline bool Silent(const Place& at) { return at.view->context->silent; }
+
+// Leaves what the payload was looked up by.
+inline void ReachLayer(const Place& at, DispatchTable table, uint32_t key, const Cursor& c) {
+  PacketState& packet = PacketOf(at);
+  packet.reached = {table, key, c.at, Left(c)};
+  if (table == DispatchTable::kIpProtocol) packet.carrier = packet.reached;
+}
+
 inline bool Displaying(const Place& at) { return at.view->context->outputMode == kDisplayMode; }
 
 // Whether a decoder should go on: loops over many small elements ask it, so that the bound of lines ends their work.
 inline bool MoreAt(const Place& at, const Cursor& c, Loop& loop) { return !PacketOf(at).limitReached && More(c, loop); }
 
 namespace detail {
+LineHandle CountSilentLine(const Place& at);   // towards the frame's bound; the handle of every mode but display
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments);
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
@@ -66,6 +76,7 @@ template <class... Args>
 LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
                    const Args&... args) {
   if (!field.here || at.dead) return 0;
+  if (Silent(at)) return detail::CountSilentLine(at);
   const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
   return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments);
 }
@@ -75,6 +86,7 @@ template <class... Args>
 LineHandle AddBitLine(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
                       const Args&... args) {
   if (!field.here || at.dead) return 0;
+  if (Silent(at)) return detail::CountSilentLine(at);
   const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
   return detail::AddFormatted(at, field, kBitFieldImage, text.text, text.pieces, arguments);
 }

@@ -1,5 +1,7 @@
 #include "core/formatter.h"
 
+#include "core/bits.h"
+#include "core/bounded_text.h"
 #include "core/digits.h"
 
 namespace qxview {
@@ -66,11 +68,38 @@ void PutHexSlice(Output& out, const FormatArgument& argument) {
   }
 }
 
+void PutFilled(Output& out, const FormatPiece& piece, const char* text, int32_t length) {
+  PutFill(out, ' ', static_cast<int32_t>(piece.width) - length);
+  PutBytes(out, text, static_cast<size_t>(length));
+}
+
+void PutAddress(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
+  const uint8_t* address = reinterpret_cast<const uint8_t*>(static_cast<uintptr_t>(argument.value));
+  char text[kIPv6TextSize];
+  int32_t length = 0;
+  switch (static_cast<AddressForm>(argument.form >> 8)) {
+    case AddressForm::kIPv4: length = FormatIPv4(address, text); break;
+    case AddressForm::kMac: length = FormatMac(address, text); break;
+    case AddressForm::kIPv6: length = FormatIPv6(address, text); break;
+  }
+  PutFilled(out, piece, text, length);
+}
+
+void PutBits(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
+  char picture[kBitPictureSize];
+  const int32_t width = argument.form >> 8 & 0xFF;
+  FormatBits(static_cast<uint32_t>(argument.value), width, picture, argument.form >> 16 & 0xFF,
+             argument.form >> 24 & 0xFF);
+  PutFilled(out, piece, picture, width + width / 8 - 1);
+}
+
 inline void PutText(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
   const char* text = reinterpret_cast<const char*>(static_cast<uintptr_t>(argument.value));
-  if (!text) return;
   const uint32_t form = argument.form & 0xFF;
+  if (form == FormatArgument::kBits) return PutBits(out, piece, argument);
+  if (!text) return;
   if (form == FormatArgument::kHex) return PutHexSlice(out, argument);
+  if (form == FormatArgument::kAddress) return PutAddress(out, piece, argument);
   size_t length = 0;
   if (form == FormatArgument::kTerminated) {
     length = std::strlen(text);

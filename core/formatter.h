@@ -23,6 +23,19 @@ struct HexSlice {
   char separator;
 };
 
+// An address of the frame, written in its notation when the line is formatted; an empty text for null.
+enum class AddressForm : uint32_t { kIPv4, kMac, kIPv6 };
+template <AddressForm kForm>
+struct AddressBytes {
+  const uint8_t* bytes;
+};
+
+// The picture of some bits of a value, drawn when the line is formatted.
+struct BitSlice {
+  uint32_t value;
+  uint8_t width, firstBit, bitCount;
+};
+
 // Short texts that are made while a line is formatted: they hold their characters themselves.
 template <int32_t kSize>
 struct ShortText {
@@ -30,10 +43,10 @@ struct ShortText {
 };
 
 struct FormatArgument {
-  enum Form : uint32_t { kNumber, kTerminated, kSlice, kHex };
+  enum Form : uint32_t { kNumber, kTerminated, kSlice, kHex, kAddress, kBits };
   uint64_t value;   // the number, or the address of the text
   int32_t length;   // of a slice
-  uint32_t form;    // Form in the low byte, a hex slice's separator in the next
+  uint32_t form;    // Form in the low byte; above it a separator, an AddressForm, or width, first bit and count of bits
 };
 
 template <class T>
@@ -50,6 +63,16 @@ inline FormatArgument ArgumentOf(const TextSlice& slice) {
 inline FormatArgument ArgumentOf(const HexSlice& slice) {
   return {reinterpret_cast<uintptr_t>(slice.bytes), slice.length,
           FormatArgument::kHex | static_cast<uint32_t>(static_cast<uint8_t>(slice.separator)) << 8};
+}
+template <AddressForm kForm>
+FormatArgument ArgumentOf(const AddressBytes<kForm>& address) {
+  return {reinterpret_cast<uintptr_t>(address.bytes), 0,
+          FormatArgument::kAddress | static_cast<uint32_t>(kForm) << 8};
+}
+inline FormatArgument ArgumentOf(const BitSlice& bits) {
+  const uint32_t place = static_cast<uint32_t>(bits.width) | static_cast<uint32_t>(bits.firstBit) << 8 |
+                         static_cast<uint32_t>(bits.bitCount) << 16;
+  return {bits.value, 0, FormatArgument::kBits | place << 8};
 }
 template <int32_t kSize>
 FormatArgument ArgumentOf(const ShortText<kSize>& made) {

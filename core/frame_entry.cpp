@@ -152,6 +152,8 @@ uint32_t SizeWithCheckSequence(const FrameRecord* record, uint32_t checkSequence
 
 ShortText<80> CheckAlias(const View* view, uint32_t kind, const uint8_t* address) {
   ShortText<80> made;
+  made.text[0] = 0;
+  if (view->context->silent) return made;
   char notation[kIPv6TextSize];
   if (kind == 0) {
     FormatMac(address, notation);

@@ -99,7 +99,7 @@ LineHandle ReachLimit(View* view, LineHandle parentLine, int32_t image, DecodeTr
   PacketState& packet = view->context->packet;
   if (packet.limitReached) return 0;
   packet.limitReached = true;
-  RouteLine(view, parentLine, "Decode limit reached", 20, image, tree, range);
+  if (!view->context->silent) RouteLine(view, parentLine, "Decode limit reached", 20, image, tree, range);
   return 0;
 }
 
@@ -134,6 +134,7 @@ LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, 
     view->context->packet.linesLeft = 0;
     return ReachLimit(view, parentLine, image, tree, range);
   }
+  if (view->context->silent) return kLineOutsideDisplay;
   return RouteLine(view, parentLine, text, length, image, tree, range);
 }
 

@@ -29,6 +29,7 @@ Session::~Session() {
 void Session::SetOutput(char mode, OutputFile* file) {
   view_.context->outputMode = mode;
   view_.context->outputFile = file;
+  view_.context->silent = view_.context->headersOnly = false;
 }
 
 int32_t Session::Decode(const FrameRecord* record, uint32_t userParam1, uint32_t userParam2, int32_t skipBytes) {
@@ -36,17 +37,19 @@ int32_t Session::Decode(const FrameRecord* record, uint32_t userParam1, uint32_t
   return DecodeFrame(&view_, record, userParam1, userParam2, skipBytes);
 }
 
+void Session::DecodeHeadersOnly() {
+  SetOutput(kFindMode, nullptr);
+  view_.context->silent = view_.context->headersOnly = true;
+}
+
 void Session::Pass(const FrameRecord* record) {
-  // A find for no text takes the lines without keeping any; its counters are put back.
   DecodeContext& context = *view_.context;
   const char mode = context.outputMode;
-  const char firstCharacter = context.findText[0];
-  const int32_t counter = context.findLineCounter;
+  const bool silent = context.silent;
   context.outputMode = kFindMode;
-  context.findText[0] = 0;
+  context.silent = true;
   DecodeFrame(&view_, record, 0, 0, 0);
-  context.findText[0] = firstCharacter;
-  context.findLineCounter = counter;
+  context.silent = silent;
   context.outputMode = mode;
 }
 

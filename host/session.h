@@ -25,6 +25,10 @@ class Session {
   // Clears the tree (display mode) and decodes the frame.
   int32_t Decode(const FrameRecord* record, uint32_t userParam1 = 0, uint32_t userParam2 = 0, int32_t skipBytes = 0);
 
+  // From now on Decode leaves what the headers of a frame tell in the context's packet state and shows nothing; what
+  // carries an application's payload is resolved and learnt from as ever.
+  void DecodeHeadersOnly();
+
   // Passes the frame through for what later frames need of it (learning, window scales): nothing is shown or written.
   void Pass(const FrameRecord* record);
 

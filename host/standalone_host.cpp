@@ -67,7 +67,8 @@ bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, s
 void StandaloneHost::FinishPacket() {
   if (!session_) return;
   const PacketState& packet = session_->Context().packet;
-  if (packet.segment.here) {
+  // Only application decoders ask for earlier segments.
+  if (packet.segment.here && !session_->Context().headersOnly) {
     history_.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
                     session_->Context().packetNumber);
   }

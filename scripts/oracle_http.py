@@ -146,27 +146,40 @@ def is_first_line(payload):
     return len(version) > 5 and version.startswith(b"HTTP/") and re.fullmatch(rb"[0-9]{3}", tokens[1]) is not None
 
 
-def why_lines_differ(segment, payload, lines, ours, theirs):
-    """The reason of a difference that is ordered; None when there is none."""
+# Links that carry datagrams and have no decoder.
+UNDECODED_LINKS = {"pppoes": "PPPoE", "arcnet": "ARCNET"}
+
+
+def why_not_reached(segment, lines):
+    """Why the payload was never given to the HTTP decoder; None when that is not known."""
     titles = [line["text"] for line in lines]
     if any("(Bad TCP Checksum)" in title for title in titles):
-        return "a bad TCP checksum keeps the payload from being decoded"
-    if segment.tcp_checksum_status == "0":
-        return "a bad TCP checksum, which tshark reads on behind"
-    if theirs and not ours:
-        if not is_first_line(payload):
-            if payload.startswith(b"\r\n"):
-                return "an empty line in front of the message: it starts none here"
-            return "no version of HTTP behind the URI, or no code of three digits: continuation data here"
-        if not http_lines(lines):
-            return None
-    if ours and not theirs:
-        if is_first_line(payload) and "http" not in segment.frame_protocols.split(":"):
+        return "a bad TCP checksum: the payload is shown and not decoded"
+    if any("(Bad IP Checksum)" in title for title in titles):
+        return "a bad IP checksum: the payload is shown and not decoded"
+    if any(value_of(children(line), "Total IP length: ") == "0" for line in lines):
+        return "a total length of 0, which offloading leaves: nothing is left to decode"
+    for protocol, name in UNDECODED_LINKS.items():
+        if protocol in segment.frame_protocols.split(":"):
+            return f"carried by {name}, which has no decoder"
+    return None
+
+
+def why_lines_differ(segment, payload, lines, ours, theirs):
+    """The reason of a difference that is ordered; None when there is none."""
+    if not http_lines(lines):
+        return why_not_reached(segment, lines)
+    line = payload.split(b"\r\n")[0]
+    if theirs and not ours and not is_first_line(payload):
+        if not line:
+            return "an empty line in front of the message: it starts none here"
+        return "no version of HTTP behind the URI, or no code of three digits: continuation data here"
+    if ours and not theirs and is_first_line(payload):
+        if "http" not in segment.frame_protocols.split(":"):
             return "tshark gives the segment to another protocol of its ports"
-        if is_first_line(payload):
-            return "any word is a method here; tshark knows a list"
-    if ours and theirs and payload.split(b"\r\n")[0].count(b" ") != 2 and ours[0] == theirs[0]:
-        return "blanks within the line: the third part runs to the line's end here"
+        return "any word is a method here; tshark knows a list"
+    if ours and theirs and ours[0] == theirs[0] and b"  " in line:
+        return "a run of blanks parts two words here; tshark ends a word at each blank"
     return None
 
 
@@ -244,7 +257,7 @@ def body_of(history, segment, payload):
     data = b"".join(joined)[len(headers) + 4:]
     magic = data.find(b"\x1f\x8b")
     if magic < 0:
-        return Body(b"", "no gzip magic in the body so far") if data else None
+        return Body(b"", "no gzip magic in the body so far: its start was lost, comes later or is not sent yet") if data else None
     size = re.fullmatch(rb"([0-9A-Fa-f]+)[ \t]*(?:[;=].*)?\r\n", data[:magic])
     data = data[magic:]
     return Body(data[:int(size.group(1), 16)] if size else data, None)

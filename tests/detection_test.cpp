@@ -302,7 +302,9 @@ TEST(AddDynamicFtpDataPort, ReadsSixNumbersBehindTheFirstParenthesis) {
     }
     EXPECT_EQ(slot.kind, 1u);
     for (int i = 0; i < 12; ++i) EXPECT_EQ(slot.address[i], 0);
-    std::string made = IPv4Text(slot.address + 12).text;
+    char address[kIPv4TextSize];
+    FormatIPv4(slot.address + 12, address);
+    std::string made = address;
     return made.append(":").append(std::to_string(port));
   };
   EXPECT_EQ(read("227 Entering Passive Mode (10,0,0,1,4,1).\r\n"), "10.0.0.1:1025");

@@ -26,7 +26,8 @@ struct Expansion {
   int32_t type;             // -1: left alone
 };
 
-constexpr const char* kNames = "03 777777 02 6162 00 0001 0001  C010 0005 0001 00";   // www.ab at 12, ab at 16, pointer at 24
+// "www.ab" at 12, its "ab" at 16, a pointer to that at 24.
+constexpr const char* kNames = "03 777777 02 6162 00 0001 0001  C010 0005 0001 00";
 
 const Expansion kExpansions[] = {
     {"labels, type and class", kNames, 12, 0, 1, "www.ab", 12, 1},

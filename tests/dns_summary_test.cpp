@@ -24,7 +24,8 @@ Bytes Response(const char* answer, uint8_t secondFlags = 0x80) {
 TEST(DnsSummary, Queries) {
   EXPECT_EQ(Summary(kQuery), "DNS Query: Standard Query - www.ab, QU=1 AN=0 AU=0 AD=0");
   EXPECT_EQ(Summary(kQuery, 1), "Microsoft LLMNR: Standard Query - www.ab, QU=1 AN=0 AU=0 AD=0");
-  EXPECT_EQ(Summary(Hex("0000 0000 0001 0000 0000 0000 0134 0133 0132 0131 07696E2D61646472 0461727061 00 000C 0001"), 2),
+  EXPECT_EQ(Summary(Hex("0000 0000 0001 0000 0000 0000") +
+                        Hex("0134 0133 0132 0131 07696E2D61646472 0461727061 00 000C 0001"), 2),
             "Multicast DNS: Standard Query - arpa.in-addr.1.2.3.4, QU=1 AN=0 AU=0 AD=0");
   EXPECT_EQ(Summary(Hex("0000 0004 0000 0000 0000 0000")), "DNS Query: Bad Operation Code - , QU=0 AN=0 AU=0 AD=0");
   EXPECT_EQ(Summary(Hex("0000 0010 0000 0000 0000 0000")), "DNS Query: Server Status Query - , QU=0 AN=0 AU=0 AD=0")

@@ -201,7 +201,9 @@ TEST(Dns, ShortUnknownAndFollowingMessages) {
 
 TEST(Dns, EndsQuietlyWhereTheBytesEnd) {
   const auto cut = [](size_t length) {
-    return EntriesOf(TreeOfRun(DecodeDns, Bytes(kResponse.begin(), kResponse.begin() + static_cast<ptrdiff_t>(length))));
+    Bytes bytes = kResponse;
+    bytes.resize(length);
+    return EntriesOf(TreeOfRun(DecodeDns, bytes));
   };
   const auto expect = [](const std::string& tree, const char* part) {
     EXPECT_NE(tree.find(part), std::string::npos) << part << " in\n" << tree;
@@ -217,13 +219,13 @@ TEST(Dns, EndsQuietlyWhereTheBytesEnd) {
 }
 
 TEST(Dns, TimeToLiveIsReadFromTheFrameBeyondTheMessage) {
-  const Bytes cut = Hex("0001 8180 0000 0001 0000 0000  00 0001 0001 0102");
-  const auto decodeTwoLess = [](const Place& at, Cursor c) { return DecodeDns(at, MakeCursor(c.at, c.offset, c.left - 2)); };
+  const Bytes message = Hex("0001 8180 0000 0001 0000 0000  00 0001 0001 0102");
+  Record record(message + Hex("0304"));
   TestView view;
-  Record record(cut + Hex("0304"));
   view.Run([](const Place&, Cursor) { return 1; }, {});
   view.context().packet.frame = record.get();
-  decodeTwoLess(TopLevel(&view.view(), 3), MakeCursor(FrameData(record.get()), 0, static_cast<int32_t>(cut.size()) + 2));
+  const int32_t length = static_cast<int32_t>(message.size());
+  DecodeDns(TopLevel(&view.view(), 3), MakeCursor(FrameData(record.get()), 0, length));
   EXPECT_NE(view.Text().find("TTL: 16909060 Seconds {17+4}"), std::string::npos) << view.Text();
 }
 
@@ -240,7 +242,8 @@ TEST(Dns, RejectedPointers) {
       Name Section: a {12+2}
   DNS Data {0+20}
 )");
-  const std::string record = TreeOfRun(DecodeDns, kQuery + Hex("0001 8180 0000 0001 0000 0000 C00C 0001 0001 00000000 0000"));
+  const Bytes response = Hex("0001 8180 0000 0001 0000 0000  C00C 0001 0001 00000000 0000");
+  const std::string record = TreeOfRun(DecodeDns, kQuery + response);
   EXPECT_NE(record.find("\n  Answer Record #1: {45+6}\n  DNS Data {33+24}\n"), std::string::npos) << record;
   EXPECT_EQ(record.find("Malformed"), std::string::npos);
   // An update that fails is stepped over: the next message starts behind its header.
@@ -253,7 +256,8 @@ TEST(Dns, TcpFramingAndContinuation) {
     return Bytes{static_cast<uint8_t>(length >> 8), static_cast<uint8_t>(length)} + message;
   };
   const std::string tree = TreeOfRun(DecodeDnsOverTcp, framed(33, kQuery) + framed(33, kQuery));
-  EXPECT_EQ(tree.find("DNS: Query, www.example.com {0+45}\n  DNS Length: 33 {0+2}\n  Transaction ID: 0x1234 {2+2}\n"), 0u);
+  EXPECT_EQ(tree.find("DNS: Query, www.example.com {0+45}\n  DNS Length: 33 {0+2}\n  Transaction ID: 0x1234 {2+2}\n"),
+            0u) << tree;
   EXPECT_NE(tree.find("\nDNS: Query, www.example.com {35+45}\n  DNS Length: 33 {35+2}\n"), std::string::npos) << tree;
 
   const std::string whole = "DNS Continuation Data {8:0+35}\n";
@@ -294,7 +298,8 @@ TEST(Dns, LevelsAndImages) {
 TEST(Dns, Properties) {
   CheckProperties(DecodeDns, kResponse, true);
   CheckProperties(DecodeDnsOverTcp, Hex("0021") + kQuery, true);
-  CheckProperties(DecodeMdns, Hex("0000 8428 0001 0001 0000 0000 01 61 00 000C 8001 C00C 000C 0001 00000001 0002 C00C"), true);
+  const Bytes update = Hex("0000 8428 0001 0001 0000 0000  01 61 00 000C 8001  C00C 000C 0001 00000001 0002 C00C");
+  CheckProperties(DecodeMdns, update, true);
 }
 
 }  // namespace

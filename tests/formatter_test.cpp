@@ -153,7 +153,12 @@ TEST(BoundedText, KeepsItsBounds) {
 }
 
 TEST(Addresses, AreWrittenAsTheirStandardsSay) {
-  const auto ipv6 = [](const std::string& hex) { return std::string(IPv6Text(Hex(hex).data()).text); };
+  const auto ipv6 = [](const std::string& hex) {
+    char out[64];
+    const Bytes bytes = Hex(hex);
+    FormatInto(out, sizeof out, "%s", IPv6Text(bytes.data()));
+    return std::string(out);
+  };
   EXPECT_EQ(ipv6("00000000000000000000000000000000"), "::");
   EXPECT_EQ(ipv6("00000000000000000000000000000001"), "::1");
   EXPECT_EQ(ipv6("20010db8000000000001000000000001"), "2001:db8::1:0:0:1") << "the first of equal runs is shortened";

@@ -288,7 +288,7 @@ TEST(HttpSummary, Texts) {
             "HTTP Reply Status=200 OK");
   EXPECT_EQ(Described(Ascii("HTTP/1.1 20 OK\r\n\r\n"), 3), "HTTP Continuation");
   EXPECT_EQ(Described(Ascii("\r\nx"), 0), "HTTP ");
-  EXPECT_EQ(Described(Hex("16 03 01 00 02 01 00"), 1, 1), "SSL/TLS");
+  EXPECT_EQ(Described(Hex("16 03 01 00 02 01 00"), 1, 1), "SSL/TLS, TLS 1.0, Handshake");
   EXPECT_EQ(Described(Ascii("GET / HTTP/1.1\r\n\r\n"), 1, 1), "HTTP GET /");
   char out[1] = {'x'};
   EXPECT_EQ(DescribeHttp(nullptr, 5, out, 1, 0), 0);

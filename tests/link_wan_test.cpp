@@ -98,9 +98,11 @@ Frame Relay Header:  DLCI = 302 {0+2}
 ARP: Request)"});
   ExpectInOrder(TreeOf(Linked(Hex("80EA9D 0800 45"), kLinkFrameRelay)),
                 {"DLCI = 33703 {0+3}", "Control Indication (D/C) = 0"});
-  ExpectInOrder(TreeOf(Linked(Hex("04100207 0800 45"), kLinkFrameRelay)),
+  ExpectInOrder(TreeOf(Linked(Hex("04100205 0800 45"), kLinkFrameRelay)),
                 {"DLCI = 139329 {0+4}", "0000001.: Third DLCI = 1 {2+1}", "000001..: Lower DLCI = 1 {3+1}",
-                 "Control Indication (D/C) = 1"});
+                 "Control Indication (D/C) = 0"});
+  ExpectInOrder(TreeOf(Linked(Hex("04100207 0800 45"), kLinkFrameRelay)),
+                {"DLCI = 2177 {0+4}", "000001..: DL-CORE Control = 1 {3+1}", "Control Indication (D/C) = 1"});
   ExpectInOrder(TreeOf(Linked(Hex("00000000 01"), kLinkFrameRelay)), {"Raw Data {8:0+5}"});
 }
 

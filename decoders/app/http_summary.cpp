@@ -5,6 +5,7 @@
 
 #include "core/bounded_text.h"
 #include "decoders/app/http_message.h"
+#include "decoders/app/summaries.h"
 #include "decoders/app/tls_record.h"
 
 namespace qxview {
@@ -90,10 +91,8 @@ int32_t DescribeHttp(const uint8_t* data, int32_t length, char* out, int32_t out
   out[0] = 0;
   if (!data || length < 1) return 0;
   const Summary summary{out, outSize};
-  if (isTls && StartsTlsRecord(data, length)) {
-    Add(summary, "SSL/TLS");
-    return 1;
-  }
+  constexpr int32_t kHttpsPort = 443;
+  if (isTls && StartsTlsRecord(data, length)) return DescribeTls(data, length, out, outSize, kHttpsPort, nullptr);
   Add(summary, "HTTP ");
   const HttpFirstLine first = SplitHttpFirstLine(data, length);
   if (first.length == 0) return 0;

@@ -75,6 +75,7 @@ int32_t DecodeCiscoHdlc(const Place& at, Cursor c) {
   const Place network = Deeper(at);
   if (Left(c) == 0) return 1;
   if (ethertype == kSlarp) {
+    ReachLayer(network, DispatchTable::kEthertype, kSlarpKey, c);
     CallDecoder(network, c, DecodeSlarp, "SLARP Data");
   } else if (ethertype == kOsi) {
     DispatchOsi(in, network, c);

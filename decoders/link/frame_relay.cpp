@@ -5,6 +5,8 @@
 //     DLCI (4)  FECN  BECN  DE  0 or 1                     0x00, optional
 //     DLCI (7)  0 or 1                                     NLPID
 //     DLCI (6)  D/C   1                                    payload
+//
+// With the D/C bit set, the last six bits are a control indication (DL-CORE) and not of the DLCI.
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -18,6 +20,7 @@ struct Address {
   Field bytes[kMostAddressBytes];
   int32_t count;
   uint32_t dlci;
+  bool control;   // the last byte of three or four holds a control indication
 };
 
 // False when no byte of four ends the address, or when the bytes end.
@@ -31,13 +34,14 @@ bool TakeAddress(Cursor& c, Address* address) {
     switch (address->count) {
       case 1: address->dlci = byte.value >> 2; break;
       case 2: address->dlci = address->dlci << 4 | byte.value >> 4; break;
-      case 3:
+      default:
         if (!last) {
           address->dlci = address->dlci << 7 | byte.value >> 1;
           break;
         }
-        [[fallthrough]];
-      default: address->dlci = address->dlci << 6 | byte.value >> 2; break;
+        address->control = byte.value & 2;
+        if (!address->control) address->dlci = address->dlci << 6 | byte.value >> 2;
+        break;
     }
     if (last) return address->count >= 2;
   }
@@ -71,7 +75,12 @@ void AddAddressLines(const Place& in, const Address& address) {
   AddExtension(in, bytes[1]);
   for (int32_t i = 2; i < address.count; ++i) {
     const bool last = i == address.count - 1;
-    AddDlciPart(in, bytes[i], last ? 6 : 7, last ? "Lower " : "Third ");
+    if (last && address.control) {
+      const BitPicture control = BitsOf(bytes[i], 0, 6);
+      AddBitLine(in, bytes[i], "%s: DL-CORE Control = %u", control.picture, control.value);
+    } else {
+      AddDlciPart(in, bytes[i], last ? 6 : 7, last ? "Lower " : "Third ");
+    }
     if (last) AddFlag(in, bytes[i], 6, "Control Indication (D/C)");
     AddExtension(in, bytes[i]);
   }

@@ -118,6 +118,7 @@ int32_t DecodeLlc(const Place& at, Cursor c) {
   const Sap sap = TakeSap(c);
   if (IsSnap(sap)) return DecodeSnap(at, sap, c);
   const DecoderRow* service = FindLlcService(ChooseService(sap, c));
+  ReachLayer(at, DispatchTable::kLlc, service ? service->key : sap.dsap.value << 8, c);
   const Field header = Ahead(start, Taken(c));
   const Place in = Under(at, service ? AddLine(at, header, "802.2 Header: Protocol = %s", service->name)
                                      : AddLine(at, header, "802.2 Header"));

@@ -39,7 +39,9 @@ int32_t DispatchNlpid(const Place& in, const Place& network, Cursor c) {
     case kCiscoLmi: return CallDecoder(network, whole, DecodeLinkManagement, "Q.931 Data");
     case kClnp:
     case kEsIs:
-    case kIsIs: return CallDecoder(network, whole, FindLlcService(OsiService(nlpid.value))->decode, "Raw Data");
+    case kIsIs:
+      ReachLayer(network, DispatchTable::kLlc, static_cast<uint32_t>(OsiService(nlpid.value)), whole);
+      return CallDecoder(network, whole, FindLlcService(OsiService(nlpid.value))->decode, "Raw Data");
     case kIPv6: return DispatchNetwork(network, c, kEthertypeIPv6);
     case kIPv4: return DispatchNetwork(network, c, kEthertypeIPv4);
     case kPpp: return CallDecoder(network, c, DecodePpp, "Raw Data");

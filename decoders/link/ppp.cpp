@@ -48,7 +48,7 @@ struct PppHeader {
 
 PppHeader TakeHeader(Cursor& c) {
   PppHeader header{};
-  if (Left(c) >= 2 && c.at[0] == kAllStations && c.at[1] == kUnnumberedInformation) {
+  if (Left(c) >= 2 && c.at[0] == kAllStations) {   // no protocol has this number, so that it cannot be one
     header.address = TakeU8(c);
     header.control = TakeU8(c);
   }
@@ -97,6 +97,7 @@ int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
 }
 
 int32_t DispatchProtocol(const Place& in, const Place& network, Cursor c, uint32_t protocol) {
+  ReachLayer(network, DispatchTable::kPpp, protocol, c);
   for (const NetworkProtocol& row : kNetworkProtocols) {
     if (row.protocol != protocol) continue;
     const int32_t handled = DispatchEthertype(network, c, row.ethertype);
@@ -129,7 +130,8 @@ int32_t DecodePpp(const Place& at, Cursor c) {
   const char* name = LookupName(kProtocolNames, protocol);
   const Place in = Under(at, AddLine(at, Ahead(start, Taken(c)), "PPP Header:  Protocol = %s", name));
   AddLine(in, header.address, "Address: 0x%.02X = All Stations", header.address.value);
-  AddLine(in, header.control, "Control: 0x%.02X = Unnumbered Information", header.control.value);
+  AddLine(in, header.control, "Control: 0x%.02X = %s", header.control.value,
+          header.control.value == kUnnumberedInformation ? "Unnumbered Information" : kUnknown);
   AddLine(in, header.protocol, "Protocol: 0x%.04X = %s", protocol, name);
   DispatchProtocol(in, Deeper(at), c, protocol);
   return 1;

@@ -55,6 +55,8 @@ constexpr DetectionRow kOverTcp[] = {
 
 // The decoder behind the identifier, or, where it has none or declines, a block under the protocol's display name.
 void DecodeRecognised(const Place& at, const Cursor& c, int32_t identifier) {
+  ReachLayer(at, DispatchTable::kApplication, static_cast<uint32_t>(identifier) & 0xFFFF, c);
+  if (at.view->context->headersOnly) return;
   const DecoderRow* row = FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF);
   const auto known = ProtocolName(at.view, identifier);
   const char* name = known.text[0] || !row ? known.text : row->name;

@@ -136,6 +136,7 @@ bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
 }
 
 [[gnu::noinline]] int32_t ShowFragment(const Place& at, Cursor c, const Header& header) {
+  ReachLayer(at, DispatchTable::kIpFragment, header.protocol | header.fragmentOffset << 8, c);
   char title[80];
   FormatInto(title, sizeof title, "%s Fragment, Offset %u, %s", IpProtocolName(header.protocol), header.fragmentOffset,
              header.moreFragments ? "More Fragments to Follow" : "Last Fragment");
@@ -182,6 +183,7 @@ int32_t DecodePayload(const Place& at, Cursor c, const Header& header) {
   const Place deeper = Deeper(at);
   if (!DecodeAuthentication(deeper, payload, header, protocol)) return 1;
   if (packet.quoted && ShowQuotedTransport(deeper, payload, protocol)) return 1;
+  ReachLayer(at, DispatchTable::kIpProtocol, protocol, payload);
   const DecoderRow* row = FindIpProtocol(protocol);
   return CallDecoder(deeper, payload, row ? row->decode : nullptr, "Data");
 }

@@ -60,6 +60,7 @@ void DispatchPayload(const Place& at, const Cursor& c, const HeaderChain& chain,
     if (atOnce) carried.level = kIcmpv6Level;
   }
   if (packet.quoted && ShowQuotedTransport(carried, c, packet.ipProtocol)) return;
+  ReachLayer(at, DispatchTable::kIpProtocol, packet.ipProtocol, c);
   const DecoderRow* row = FindIPv6NextHeader(packet.ipProtocol);
   CallDecoder(carried, c, row ? row->decode : nullptr, "IPv6 Data");
 }

@@ -181,12 +181,14 @@ bool DecodeFragmentHeader(const Place& at, Cursor& c, HeaderChain& chain) {
     network.fragmentOffset = offset.value * 8;
     network.moreFragments = more.value != 0;
     PacketOf(at).ipProtocol = static_cast<uint8_t>(chain.nextHeader);
+    ReachLayer(at, DispatchTable::kIpFragment, (chain.nextHeader & 0xFF) | network.fragmentOffset << 8, c);
   }
   AddRawRest(at, c, "Fragment Data");
   return false;
 }
 
 bool DecodeEspHeader(const Place& at, Cursor& c) {
+  ReachLayer(at, DispatchTable::kIpProtocol, kEspHeader, c);
   const Place in = Under(at, AddLine(at, CapturedPart(c, 8), "IPv6 Encapsulating Security Payload (ESP)"));
   const Field index = TakeU32(c);
   AddLine(in, index, "Security Parameters Index (SPI): %u", index.value);

@@ -275,6 +275,7 @@ void DecodeMessage(const Place& in, Cursor& c, uint32_t type) {
 }  // namespace
 
 bool DecodeMobilityHeader(const Place& at, Cursor& c, HeaderChain& chain) {
+  ReachLayer(at, DispatchTable::kIpProtocol, kMobilityHeader, c);
   const int32_t size = DeclaredHeaderSize(c);
   if (size == 0) return EndChain(at, c);
   const LineHandle top = AddLine(at, CapturedPart(c, size), "IPv6 Mobility Header: %u bytes", size);

@@ -84,6 +84,8 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t identifier, bool matc
   const char* unnamed = ipProtocol == kIpProtocolTcp ? "TCP Data" : "UDP Data";
   StorePayload(packet, c, matchedSource);
   c.begin = c.offset;
+  const bool builtin = identifier >= 1 && (identifier & kBuiltinProtocol);
+  ReachLayer(at, DispatchTable::kApplication, builtin ? static_cast<uint32_t>(identifier) & 0xFFFF : kNoApplication, c);
   if (identifier < 1) {
     if (!at.view->engine->settings.detection.on ||
         !DetectDynamicProtocol(at, c, packet.sourcePort, packet.destinationPort, ipProtocol)) {
@@ -91,12 +93,12 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t identifier, bool matc
     }
     return 1;
   }
+  if (at.view->context->headersOnly) return 1;
   const auto name = ProtocolName(at.view, identifier);
   char title[kProtocolNameSize + 8];
   FormatInto(title, sizeof title, "%s Data", name);
   // Indices past the last built-in decoder have no row, nor have the holes of the table.
-  const DecoderRow* row =
-      identifier & kBuiltinProtocol ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+  const DecoderRow* row = builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
   CallDecoder(Deeper(at), c, row ? row->decode : nullptr, name.text[0] ? title : unnamed);
   return 1;
 }

@@ -26,6 +26,126 @@ QXVIEW_EXPORT uint32_t GetQxViewVersion(void);
 QXVIEW_EXPORT const char *GetNameDescriptorPlus(const NameTableEntry *table, uint32_t code, int32_t count,
                                                 const char *defaultName);
 
+/* ---- Addresses, ports and checksums ---- */
+
+/* The one's-complement sum of the pseudo-header that TCP and UDP checksums cover, over an IPv4 header of at least 20
+ * bytes: both addresses, the protocol and the total length less the header length. In words as this machine reads them,
+ * folded to 16 bits, so that it can be continued over the segment's bytes in memory. 0 for a null header. */
+QXVIEW_EXPORT uint32_t PseudoHead(uint8_t *ipv4Header);
+
+/* The same over an IPv6 header of 40 bytes: both addresses, Payload Length and Next Header. The two bytes of the result
+ * in memory are the sum, high byte first. 0 for a null header. */
+QXVIEW_EXPORT uint16_t CalculateIPv6PseudoChecksum(const uint8_t *ipv6Header);
+
+/* Reads the address and port of a passive-mode reply, "(h1,h2,h3,h4,p1,p2)": six decimal numbers of a byte each behind
+ * the first parenthesis. 1, or 0 with nothing written. */
+QXVIEW_EXPORT int32_t AddDynamicFtpDataPort(const char *text, int32_t length, AddressSlot *slot, uint16_t *port);
+
+/* What a UDP payload on ports without a definition is, as far as the settings let it be looked for. identifier:
+ * 0x2050059 RTP (subType: the payload type) or 0x205005A RTCP (subType: the first packet's type), else 0 with subType
+ * 0xFFFF; zero: 0; record: the stream's numbers. Any output may be null; null settings look for nothing. 1 when it is
+ * one of them, else 0. The misspelt name is the one that programs link to. */
+QXVIEW_EXPORT int32_t DetermineDynamicUDPPrototol(const DetectionSettings *settings, uint16_t sourcePort,
+                                                  uint16_t destinationPort, const uint8_t *data, int32_t length,
+                                                  uint32_t *identifier, uint16_t *subType, uint16_t *zero,
+                                                  DynamicRecord *record);
+
+/* ---- Summaries: one line of text for a packet list, from an application payload alone ----
+ *
+ * All take the payload and its length in bytes, then the output. Most write into a character buffer `out` of `outSize`
+ * bytes; GetDNSDescription, GetMGCPDescription and GetGIOPDescription into a TextBuffer, whose last byte is always 0.
+ * The output is emptied first, text that does not fit is cut, and it is always terminated.
+ *
+ * Result: 0 when the payload or the output is missing, when a size is below 1, when a text protocol's first line is empty
+ * and where told below; otherwise 1. Nothing is kept between calls; they may be made on any thread. */
+
+/* transport: 6 for TCP, 17 otherwise. lengthHint: on TCP the length prefix is taken for one when it is at most
+ * lengthHint - 4. variant: 0 DNS, 1 LLMNR, 2 multicast DNS. A capacity of 0 takes nothing. */
+QXVIEW_EXPORT int32_t GetDNSDescription(const uint8_t *data, int32_t length, TextBuffer *summary, int32_t transport,
+                                        uint16_t lengthHint, int32_t variant);
+
+/* 1 request, 2 reply, 3 continuation. isTls: a TLS record is summarised as one, with result 1. */
+QXVIEW_EXPORT int32_t GetHTTPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                         int32_t isTls);
+
+/* port: names what application data carry (443 HTTP, ...). pending may be null; on entry the bytes that an earlier record
+ * of this direction still lacks (0 for none), on return the bytes that the last record of this payload lacks. */
+QXVIEW_EXPORT int32_t GetSSLTLSDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                           int32_t port, int32_t *pending);
+
+/* messageLimit: characters of a reply's message; 0 none, negative what fits. isDataConnection: not 0 gives "FTP Data ". */
+QXVIEW_EXPORT int32_t GetFTPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                        int32_t messageLimit, int32_t isDataConnection);
+
+/* messageLimit: characters of the text behind a code or command; 0 none, negative 300. */
+QXVIEW_EXPORT int32_t GetSMTPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                         int32_t messageLimit);
+
+QXVIEW_EXPORT int32_t GetPOP3Description(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* commandLimit: commands shown, -1 for all. dataLimit: characters of text shown; 0 none, negative what fits.
+ * printableOnly: not 0 leaves unprintable characters out while the user's setting CleanText is on. */
+QXVIEW_EXPORT int32_t GetTelnetDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                           int32_t commandLimit, int32_t dataLimit, int32_t printableOnly);
+
+/* flag: not 0 adds the numbers of the server process and the packet. */
+QXVIEW_EXPORT int32_t GetTDSDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize, int32_t flag);
+
+QXVIEW_EXPORT int32_t GetTNSDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* stream: the formats negotiated for this stream, for dynamic payload types; may be null. showSsrc: not 0 adds the SSRC.
+ * 0 for what is no RTP packet of version 2 with a known payload type. */
+QXVIEW_EXPORT int32_t GetRTPDescription(const uint8_t *data, int32_t length, const RtpStream *stream, int32_t showSsrc,
+                                        char *out, int32_t outSize);
+
+/* The display name of an RTP payload type; an empty text when it has none. Never null; the text is the module's. */
+QXVIEW_EXPORT const char *GetRtpCodecDescription(int32_t payloadType);
+
+/* 0 for what is no RTCP packet. */
+QXVIEW_EXPORT int32_t GetRTCPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+QXVIEW_EXPORT int32_t GetRTSPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* flag: not 0 adds the call's identifier. 0 for what is no SIP message. */
+QXVIEW_EXPORT int32_t GetSIPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize, int32_t flag);
+
+QXVIEW_EXPORT int32_t GetSCCPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+QXVIEW_EXPORT int32_t GetMGCPDescription(const uint8_t *data, int32_t length, TextBuffer *summary);
+QXVIEW_EXPORT int32_t GetMegacoH248Description(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* context: the caller's own, not looked at; may be null. */
+QXVIEW_EXPORT int32_t GetSNMPDescription(void *context, const uint8_t *data, int32_t length, char *out,
+                                         int32_t outSize);
+
+QXVIEW_EXPORT int32_t GetLDAPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+QXVIEW_EXPORT int32_t GetH323HostCallDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* flag: not 0 adds the request's number. */
+QXVIEW_EXPORT int32_t GetH323GatekeeperDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                                   int32_t flag);
+
+QXVIEW_EXPORT int32_t GetH245Description(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* directTcp: not 0 when a session header of 4 bytes stands in front. continuationAllowed: a payload without the protocol's
+ * marker is "SMB/CIFS Continuation"; without the flag the result is 0. */
+QXVIEW_EXPORT int32_t GetSMBDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                        int32_t directTcp, int32_t continuationAllowed);
+
+QXVIEW_EXPORT int32_t GetCGPDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+QXVIEW_EXPORT int32_t GetIAX2Description(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+QXVIEW_EXPORT int32_t GetBitTorrentDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+QXVIEW_EXPORT int32_t GetCiscoWIDSDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+QXVIEW_EXPORT int32_t GetFixDescription(const uint8_t *data, int32_t length, char *out, uint16_t outSize);
+QXVIEW_EXPORT int32_t GetGIOPDescription(const uint8_t *data, int32_t length, TextBuffer *summary);
+QXVIEW_EXPORT int32_t GetLpdLprDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize);
+
+/* flag: not 0 adds the payload's length. */
+QXVIEW_EXPORT int32_t GetMinetDescription(const uint8_t *data, int32_t length, char *out, int32_t outSize,
+                                          int32_t flag);
+
+QXVIEW_EXPORT int32_t GetUNIStimDescriptionPublicDecode(const uint8_t *data, int32_t length, char *out,
+                                                        int32_t outSize);
+
 /* ---- Embedding: a view over a decode tree of its own ----
  *
  * A view is an opaque pointer. Lines are opaque values, 0 for none; they are good until the next packet is decoded. */

@@ -1,0 +1,45 @@
+// How many bytes the last TLS record of each connection and direction still lacks, for the packet list's summaries.
+#pragma once
+#include <cstdint>
+#include <cstring>
+#include <unordered_map>
+
+#include "core/context.h"
+
+namespace qxview {
+
+class TlsPending {
+ public:
+  // The count of the current packet's connection and direction; 0 for a new one. Good until the next call.
+  int32_t* Find(const PacketState& packet) {
+    if (counts_.size() >= kMostConnections) counts_.clear();
+    return &counts_[Key{packet.source, packet.destination, packet.sourcePort, packet.destinationPort}];
+  }
+
+ private:
+  static constexpr size_t kMostConnections = 65536;
+
+  struct Key {
+    AddressSlot source, destination;
+    uint16_t sourcePort, destinationPort;
+    bool operator==(const Key& other) const {
+      return sourcePort == other.sourcePort && destinationPort == other.destinationPort &&
+             std::memcmp(&source, &other.source, sizeof source) == 0 &&
+             std::memcmp(&destination, &other.destination, sizeof destination) == 0;
+    }
+  };
+  struct Hash {
+    size_t operator()(const Key& key) const {
+      uint64_t parts[5];
+      std::memcpy(parts, key.source.address, 16);
+      std::memcpy(parts + 2, key.destination.address, 16);
+      parts[4] = static_cast<uint64_t>(key.sourcePort) << 16 | key.destinationPort;
+      uint64_t mixed = 0;
+      for (uint64_t part : parts) mixed = (mixed ^ part) * 0x9E3779B97F4A7C15u + (mixed >> 29);
+      return static_cast<size_t>(mixed ^ mixed >> 32);
+    }
+  };
+  std::unordered_map<Key, int32_t, Hash> counts_;
+};
+
+}  // namespace qxview

@@ -1,0 +1,168 @@
+// The packet list's text for protocols with a place in the dispatch but no exported summary: ONC RPC (RFC 5531), DCE RPC
+// (MSRPC), Kerberos (RFC 4120), NetBIOS over TCP (RFC 1002), FCIP (RFC 3821).
+#include "decoders/app/ber_reader.h"
+#include "decoders/app/packet_summaries.h"
+#include "decoders/app/summaries.h"
+#include "decoders/app/summary_text.h"
+
+namespace qxview {
+namespace {
+
+constexpr auto kProgramNames = SortedNames({
+    {100000, "Portmapper"}, {100001, "RSTAT"}, {100002, "RUSERS"}, {100003, "NFS"}, {100004, "YPSERV"},
+    {100005, "MOUNT"}, {100007, "YPBIND"}, {100009, "YPPASSWD"}, {100011, "RQUOTA"}, {100012, "SPRAY"},
+    {100021, "NLM"}, {100024, "STAT"}, {100026, "BOOTPARAM"}, {100227, "NFSACL"}, {150001, "PCNFSD"},
+});
+
+constexpr auto kDcePacketNames = SortedNames({
+    {0, "Request"}, {1, "Ping"}, {2, "Response"}, {3, "Fault"}, {4, "Working"}, {5, "No Call"}, {6, "Reject"},
+    {7, "Ack"}, {8, "Cancel"}, {9, "Fack"}, {10, "Cancel Ack"}, {11, "Bind"}, {12, "Bind Ack"}, {13, "Bind Nak"},
+    {14, "Alter Context"}, {15, "Alter Context Response"}, {16, "Auth3"}, {17, "Shutdown"}, {18, "Cancel"},
+    {19, "Orphaned"},
+});
+
+constexpr auto kKerberosNames = SortedNames({
+    {0x6A, "AS-REQ"}, {0x6B, "AS-REP"}, {0x6C, "TGS-REQ"}, {0x6D, "TGS-REP"}, {0x6E, "AP-REQ"}, {0x6F, "AP-REP"},
+    {0x74, "KRB-SAFE"}, {0x75, "KRB-PRIV"}, {0x76, "KRB-CRED"}, {0x7E, "KRB-ERROR"},
+});
+
+constexpr auto kNameOperations = SortedNames({
+    {0, "Query"}, {5, "Registration"}, {6, "Release"}, {7, "Wait"}, {8, "Refresh"}, {9, "Refresh"},
+    {15, "Multi-Homed Registration"},
+});
+
+constexpr auto kDatagramNames = SortedNames({
+    {0x10, "Direct Unique Datagram"}, {0x11, "Direct Group Datagram"}, {0x12, "Broadcast Datagram"},
+    {0x13, "Datagram Error"}, {0x14, "Query Request"}, {0x15, "Positive Query Response"},
+    {0x16, "Negative Query Response"},
+});
+
+// A name of NetBIOS: 32 letters that stand for 16 bytes, of which the last is the kind of name.
+void AddNetBiosName(SummaryText& text, Cursor c) {
+  constexpr uint32_t kEncoded = 32;
+  if (TakeU8(c).value != kEncoded) return;
+  const Field name = TakeBytes(c, kEncoded);
+  if (!name.here) return;
+  char decoded[16];
+  int32_t length = 0;
+  for (int32_t i = 0; i < 16; ++i) {
+    const int32_t high = name.bytes[2 * i] - 'A', low = name.bytes[2 * i + 1] - 'A';
+    if (high < 0 || high > 15 || low < 0 || low > 15) return;
+    const char c16 = static_cast<char>(high << 4 | low);
+    decoded[i] = IsPrintable(static_cast<uint8_t>(c16)) ? c16 : '.';
+    if (i < 15 && decoded[i] != ' ') length = i + 1;
+    if (i == 15) Add(text, ", Name: %s<%.02X>", TextSlice{decoded, length}, static_cast<uint32_t>(high << 4 | low));
+  }
+}
+
+}  // namespace
+
+int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize) {
+  enum Kind : uint32_t { kCall = 0, kReply = 1 };
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Cursor c = MakeCursor(in.data, 0, in.length);
+  Add(text, "ONC RPC");
+  if (in.isTcp) TakeU32(c);   // the record marker
+  const Field transaction = TakeU32(c), kind = TakeU32(c);
+  if (!kind.here || kind.value > kReply) return Add(text, " Continuation"), 1;
+  Add(text, kind.value == kCall ? " Call" : " Reply");
+  if (kind.value == kCall) {
+    TakeU32(c);
+    const Field program = TakeU32(c), version = TakeU32(c), procedure = TakeU32(c);
+    const char* name = program.here ? LookupName(kProgramNames, program.value, nullptr) : nullptr;
+    if (name) {
+      Add(text, ", Program: %s", name);
+    } else if (program.here) {
+      Add(text, ", Program: %u", program.value);
+    }
+    if (procedure.here) Add(text, ", Version: %u, Procedure: %u", version.value, procedure.value);
+  } else {
+    const Field status = TakeU32(c);
+    if (status.here) Add(text, status.value == 0 ? ", Accepted" : ", Denied");
+  }
+  Add(text, ", XID: 0x%.08X", transaction.value);
+  return 1;
+}
+
+int32_t DescribeMsrpc(const SummaryInput& in, char* out, int32_t outSize) {
+  constexpr uint32_t kRequest = 0, kLittle = 0x10;
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Cursor c = MakeCursor(in.data, 0, in.length);
+  const Field version = TakeU8(c);
+  TakeU8(c);
+  const Field kind = TakeU8(c);
+  TakeU8(c);   // flags
+  const Field representation = TakeU8(c);
+  TakeBytes(c, 3);
+  const bool little = (representation.value & kLittle) != 0;
+  const Field length = little ? TakeLittleU16(c) : TakeU16(c);
+  TakeU16(c);  // authentication
+  const Field call = little ? TakeLittleU32(c) : TakeU32(c);
+  Add(text, "MSRPC");
+  const char* name = call.here && version.value == 5 ? LookupName(kDcePacketNames, kind.value, nullptr) : nullptr;
+  if (!name) return Add(text, " Continuation"), 1;
+  Add(text, " %s, Call ID: %u, Length: %u", name, call.value, length.value);
+  if (kind.value != kRequest) return 1;
+  TakeU32(c);  // size hint
+  const Field context = little ? TakeLittleU16(c) : TakeU16(c), operation = little ? TakeLittleU16(c) : TakeU16(c);
+  if (operation.here) Add(text, ", Context: %u, Operation: %u", context.value, operation.value);
+  return 1;
+}
+
+int32_t DescribeKerberos(const SummaryInput& in, char* out, int32_t outSize) {
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Cursor c = MakeCursor(in.data, 0, in.length);
+  if (in.isTcp) TakeU32(c);   // the message's length
+  const BerElement message = TakeBer(c);
+  const char* name = message.here ? LookupName(kKerberosNames, message.tag, nullptr) : nullptr;
+  Add(text, "Kerberos %s", name ? name : "Data");
+  return 1;
+}
+
+int32_t DescribeNetBiosName(const SummaryInput& in, char* out, int32_t outSize) {
+  constexpr uint32_t kResponse = 0x8000;
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Cursor c = MakeCursor(in.data, 0, in.length);
+  const Field transaction = TakeU16(c), flags = TakeU16(c);
+  TakeBytes(c, 8);
+  Add(text, "NetBIOS Name Service");
+  if (!flags.here) return 1;
+  Add(text, " %s %s", LookupName(kNameOperations, flags.value >> 11 & 15),
+      flags.value & kResponse ? "Response" : "Request");
+  if (flags.value & kResponse && flags.value & 15) Add(text, ", Result: %u", flags.value & 15);
+  AddNetBiosName(text, c);
+  Add(text, ", ID: 0x%.04X", transaction.value);
+  return 1;
+}
+
+int32_t DescribeNetBiosDatagram(const SummaryInput& in, char* out, int32_t outSize) {
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Cursor c = MakeCursor(in.data, 0, in.length);
+  const Field kind = TakeU8(c);
+  TakeBytes(c, 13);
+  Add(text, "NetBIOS Datagram Service %s", LookupName(kDatagramNames, kind.value));
+  AddNetBiosName(text, c);
+  return 1;
+}
+
+int32_t DescribeNetBiosSession(const SummaryInput& in, char* out, int32_t outSize) {
+  if (DescribeSmb(in.data, in.length, out, outSize, 1, 0)) return 1;
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Add(text, "NetBIOS Session Service Data, %d bytes", in.length);
+  return 1;
+}
+
+int32_t DescribeFcip(const SummaryInput& in, char* out, int32_t outSize) {
+  SummaryText text;
+  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
+  Add(text, "FCIP Frame, %d bytes", in.length);
+  return 1;
+}
+
+}  // namespace qxview

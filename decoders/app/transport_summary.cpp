@@ -1,0 +1,74 @@
+// The packet list's text for TCP (RFC 9293), UDP (RFC 768) and SCTP (RFC 9260) segments whose payload has no summary of
+// its own: ports with the names of the services on them, and what the header says.
+#include "decoders/app/layer_summaries.h"
+#include "decoders/app/service_names.h"
+
+namespace qxview {
+namespace {
+
+// "Port: 51000 -> 179 (BGP)": the service's name stands with its port.
+void AddPorts(SummaryText& text, uint32_t source, uint32_t destination, bool isUdp) {
+  const char* sourceName = ServiceName(source, isUdp);
+  const char* destinationName = ServiceName(destination, isUdp);
+  Add(text, ", Port: %u", source);
+  if (sourceName && (!destinationName || source < destination)) Add(text, " (%s)", sourceName);
+  Add(text, " -> %u", destination);
+  if (destinationName && (!sourceName || destination <= source)) Add(text, " (%s)", destinationName);
+}
+
+constexpr auto kChunkNames = SortedNames({
+    {0, "DATA"}, {1, "INIT"}, {2, "INIT ACK"}, {3, "SACK"}, {4, "HEARTBEAT"}, {5, "HEARTBEAT ACK"}, {6, "ABORT"},
+    {7, "SHUTDOWN"}, {8, "SHUTDOWN ACK"}, {9, "ERROR"}, {10, "COOKIE ECHO"}, {11, "COOKIE ACK"}, {12, "ECNE"},
+    {13, "CWR"}, {14, "SHUTDOWN COMPLETE"}, {15, "AUTH"}, {64, "I-DATA"}, {128, "ASCONF-ACK"}, {130, "RE-CONFIG"},
+    {132, "PAD"}, {192, "FORWARD TSN"}, {193, "ASCONF"}, {194, "I-FORWARD TSN"},
+});
+
+}  // namespace
+
+void DescribeTcp(SummaryText& text, Cursor c, const PacketState&) {
+  static constexpr const char* kFlagNames[] = {"FIN", "SYN", "RST", "PSH", "ACK", "URG", "ECE", "CWR"};
+  constexpr uint32_t kAck = 0x10;
+  const Cursor start = c;
+  const Field source = TakeU16(c), destination = TakeU16(c);
+  const Field sequence = TakeU32(c), acknowledgement = TakeU32(c);
+  const Field offset = TakeU8(c), flags = TakeU8(c), window = TakeU16(c);
+  Add(text, "TCP");
+  for (int32_t bit = 0; bit < 8 && flags.here; ++bit) {
+    if (flags.value >> bit & 1) Add(text, " %s", kFlagNames[bit]);
+  }
+  if (destination.here) AddPorts(text, source.value, destination.value, false);
+  if (sequence.here) Add(text, ", Sequence: %u", sequence.value);
+  if (flags.here && flags.value & kAck) Add(text, ", Acknowledgement: %u", acknowledgement.value);
+  if (window.here) Add(text, ", Window: %u", window.value);
+  const int32_t header = offset.here ? static_cast<int32_t>(offset.value >> 4) * 4 : Left(start);
+  Add(text, ", Length: %d", Left(start) > header ? Left(start) - header : 0);
+}
+
+void DescribeUdp(SummaryText& text, Cursor c, const PacketState&) {
+  constexpr uint32_t kHeader = 8;
+  const Field source = TakeU16(c), destination = TakeU16(c), length = TakeU16(c);
+  Add(text, "UDP");
+  if (destination.here) AddPorts(text, source.value, destination.value, true);
+  if (length.here) Add(text, ", Length: %u", length.value > kHeader ? length.value - kHeader : 0);
+}
+
+void DescribeSctp(SummaryText& text, Cursor c, const PacketState&) {
+  constexpr int32_t kMostChunks = 8;
+  const Field source = TakeU16(c), destination = TakeU16(c);
+  const Field tag = TakeU32(c);
+  TakeU32(c);   // checksum
+  Add(text, "SCTP");
+  for (int32_t i = 0; i < kMostChunks && Left(c) >= 4; ++i) {
+    const uint32_t chunk = TakeU8(c).value;
+    TakeU8(c);
+    const uint32_t length = TakeU16(c).value;
+    Add(text, i == 0 ? " " : " + ");
+    Add(text, LookupName(kChunkNames, chunk));
+    if (length < 4) break;
+    TakeCursor(c, (length + 3) / 4 * 4 - 4);   // chunks are padded to words
+  }
+  if (destination.here) AddPorts(text, source.value, destination.value, false);
+  if (tag.here) Add(text, ", Tag: 0x%.08X", tag.value);
+}
+
+}  // namespace qxview
