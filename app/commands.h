@@ -10,6 +10,7 @@ void AddListCommand(CLI::App* app, int* status);
 void AddPrintCommand(CLI::App* app, int* status);
 void AddProtocolsCommand(CLI::App* app, int* status);
 void AddSaveCommand(CLI::App* app, int* status);
+void AddXmlCommand(CLI::App* app, int* status);
 
 // Says that standard output could not be written; the exit status for it.
 int OutputFault();

@@ -23,6 +23,7 @@ int Run(int argc, char** argv) {
   AddPrintCommand(&app, &status);
   AddProtocolsCommand(&app, &status);
   AddSaveCommand(&app, &status);
+  AddXmlCommand(&app, &status);
   const auto named = [&](const CLI::App* command) { return command->get_name() == argv[1]; };
   const std::vector<CLI::App*> commands = app.get_subcommands(nullptr);
   if (argc > 1 && argv[1][0] != '-' && std::none_of(commands.begin(), commands.end(), named)) {
@@ -47,6 +48,9 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
 #ifdef SIGPIPE
   std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
+#endif
+#ifdef SIGXFSZ
+  std::signal(SIGXFSZ, SIG_IGN);   // a file at its size limit is a write that fails, with its message
 #endif
   return qxview::Run(argc, argv);
 }

@@ -1,7 +1,7 @@
 // The source and destination columns of the packet list.
 #pragma once
-#include "host/alias_table.h"
 #include "core/context.h"
+#include "host/alias_table.h"
 
 namespace qxview {
 

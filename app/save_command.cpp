@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <ctime>
+#include <filesystem>
 
 #include "app/commands.h"
 #include "app/packet_run.h"
@@ -35,6 +36,12 @@ class SaveTarget {
  public:
   SaveResult Open(const SaveOptions& options, std::string* why) {
     append_ = options.append;
+    std::error_code ignored;
+    const std::string input = options.reading.file == "-" ? "/dev/stdin" : options.reading.file;
+    if (append_ && std::filesystem::equivalent(input, options.out, ignored)) {
+      // Reading would follow the growing file for as long as the disk has room.
+      return *why = "it is the file that is read", kCannotOpenForAppending;
+    }
     if (!append_) return fresh_.Create(options.out, why) ? kSaved : kCannotOpenForWriting;
     return existing_.Open(options.out, why) ? kSaved : kCannotOpenForAppending;
   }

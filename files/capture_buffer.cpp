@@ -8,6 +8,7 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kBufferSize = 1 << 20;
+constexpr int32_t kElementHead = 4;  // type and length
 constexpr int32_t kTimeText = 48;   // the most that is taken of the local time
 
 void PutU16(uint8_t* at, size_t value) {
@@ -30,6 +31,12 @@ int32_t PutComment(uint8_t* at, int32_t source, const char* localTime) {
   std::snprintf(text, sizeof text, "Packet Capture file created (from %s) on %.*s.", from, kTimeText,
                 localTime ? localTime : "");
   return PutTextElement(at, 2, text);
+}
+
+// Of the host's element with its head, as it says itself; one without room for its own head is no element.
+int32_t OptionalLength(const SaveRequest& request) {
+  const uint8_t* element = request.optionalElement;
+  return element ? element[2] | element[3] << 8 : 0;
 }
 
 // Reads exactly `length` bytes; how many came, -1 on failure.
@@ -77,11 +84,12 @@ bool CaptureBufferWriter::WriteHeader() {
   std::memset(at, 0, kBufferHeader);
   std::memcpy(at, kBufferVersion, sizeof kBufferVersion - 1);
   if (request_.headerByte <= 254) at[34] = static_cast<uint8_t>(request_.headerByte);
-  at[35] = request_.optionalElement ? 4 : 3;
+  const bool hasOptional = OptionalLength(request_) >= kElementHead;
+  at[35] = hasOptional ? 4 : 3;
   int32_t length = kBufferHeader;
   length += PutComment(at + length, request_.source, request_.localTime);
-  if (request_.optionalElement) {
-    const int32_t element = request_.optionalElement[2] | request_.optionalElement[3] << 8;
+  if (hasOptional) {
+    const int32_t element = OptionalLength(request_);
     std::memcpy(at + length, request_.optionalElement, static_cast<size_t>(element));
     length += element;
   }
@@ -143,9 +151,13 @@ SaveResult CaptureBufferWriter::Begin(const SaveRequest& request) {
 }
 
 SaveResult CaptureBufferWriter::Add(const FrameRecord* record) {
+  // What a host lends must hold together: nothing outside the record is copied, and the file can be read back.
+  if (record->dataOffset < kBareRecordHeader || record->dataOffset + record->capturedLength > record->recordLength) {
+    return kCaptureBusy;
+  }
   const bool cut = request_.partial && record->capturedLength > request_.partialBytes;
   const int32_t dataLength = cut ? request_.partialBytes : record->capturedLength;
-  const int32_t length = record->dataOffset + dataLength;
+  const int32_t length = cut ? record->dataOffset + dataLength : record->recordLength;
   if (used_ + length > kBufferSize) {
     if (request_.file.write(request_.file.handle, buffer_.get(), used_) != 1) return kBufferWriteFailed;
     used_ = 0;
@@ -154,7 +166,12 @@ SaveResult CaptureBufferWriter::Add(const FrameRecord* record) {
   std::memcpy(at, record, static_cast<size_t>(length));
   PutU16(at + 8, static_cast<size_t>(dataLength));
   PutU16(at + 14, static_cast<size_t>(length));
-  if (cut) at[17] = 1;
+  if (cut) {
+    at[17] = 1;
+    // A check sequence at the frame's end goes first.
+    const int32_t lost = record->capturedLength - dataLength;
+    if (HasFullHeader(record)) at[38] = static_cast<uint8_t>(at[38] > lost ? at[38] - lost : 0);
+  }
   std::memcpy(at + 24, &nextNumber_, sizeof nextNumber_);
   ++nextNumber_;
   ++written_;

@@ -56,7 +56,7 @@ struct SaveRequest {
 };
 
 // Writes one save: Begin, Add for each packet, Finish. The first result that is not kSaved ends it; what was written
-// stays as it is.
+// stays as it is. Add gives kCaptureBusy for a record whose lengths contradict each other.
 class CaptureBufferWriter {
  public:
   CaptureBufferWriter();

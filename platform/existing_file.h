@@ -1,4 +1,5 @@
-// A file that is added to at its end. Unless it is kept, it is cut back to the length it had.
+// A file that is added to at its end. Unless it is kept, it is cut back to the length it had. It is locked against other
+// programs that add to it.
 #pragma once
 #include <string>
 

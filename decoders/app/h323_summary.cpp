@@ -119,7 +119,7 @@ int32_t DescribeH323HostCall(const uint8_t* data, int32_t length, char* out, int
 
 int32_t DescribeH323Gatekeeper(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t flag) {
   constexpr int32_t kChoiceBits = 5;
-  constexpr uint32_t kRoots = 25;
+  constexpr uint32_t kRoots = 25, kInfoRequestResponse = 22;
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "H.225.0/H.323 Gatekeeper");
@@ -129,7 +129,9 @@ int32_t DescribeH323Gatekeeper(const uint8_t* data, int32_t length, char* out, i
   if (!name) return Add(text, " Data"), 1;
   Add(text, " %s", name);
   if (!flag || message >= kRoots) return 1;   // an extension's message stands in a field of its own length
-  TakeBits(bits, 1 + kRasOptionalFields[message]);
+  TakeBits(bits, 1);   // extensions
+  const uint32_t optional = TakeBits(bits, kRasOptionalFields[message]);
+  if (message == kInfoRequestResponse && optional & 4) return 1;   // its nonStandardData stand before the number
   const int32_t at = (bits.used + 7) / 8;
   if (at + 2 <= length) Add(text, ", Request Number: %u", ReadU16(data + at) + 1);
   return 1;

@@ -1,6 +1,7 @@
 #include "decoders/app/layer_summaries.h"
 
 #include "core/dispatch.h"
+#include "core/internet_checksum.h"
 #include "decoders/link/llc.h"
 #include "decoders/net/ip_protocol_names.h"
 
@@ -43,7 +44,7 @@ constexpr auto kEthertypeNames = SortedNames({
     {0x8870, "Jumbo"}, {0x887B, "HomePlug"}, {0x88A2, "ATA over Ethernet"}, {0x88A4, "EtherCAT"},
     {0x88B8, "GOOSE"}, {0x88BA, "Sampled Values"}, {0x88CA, "TIPC"}, {0x88CD, "SERCOS III"}, {0x88E1, "HomePlug AV"},
     {0x88E5, "MACsec"}, {0x88E7, "Provider Backbone Bridge"}, {0x88F7, "PTP"}, {0x88FB, "PRP"},
-    {0x8906, "FCoE"}, {0x8914, "FIP"}, {0x892F, "HSR"}, {0x893F, "E-Tag"}, {0x9100, "VLAN"}, {kSlarpKey, "SLARP"},
+    {0x8906, "FCoE"}, {0x8914, "FIP"}, {0x892F, "HSR"}, {0x893F, "E-Tag"}, {0x8947, "GeoNetworking"}, {0x9100, "VLAN"}, {kSlarpKey, "SLARP"},
 });
 
 constexpr auto kSapNames = SortedNames({
@@ -61,10 +62,19 @@ LayerSummary FindLayer(const LayerRow (&rows)[kRows], uint32_t key) {
 
 void AddLength(SummaryText& text, const Cursor& c) { Add(text, ", %d bytes", Left(c)); }
 
+// Whether an IPv4 header is all there and its checksum fails; the decode does not go on behind such a one.
+bool HasBadChecksum(const Cursor& c) {
+  if (Left(c) < 1) return false;
+  const int32_t header = (c.at[0] & 15) * 4;
+  if (header < 20 || header > Left(c) || ReadU16(c.at + 10) == 0) return false;
+  return SumWords(0, c.at, header) != 0xFFFF;
+}
+
 // An IP header without a payload that was reached: cut, damaged or empty.
 void DescribeIpAlone(SummaryText& text, const Cursor& c, bool isFour) {
   Add(text, isFour ? "IPv4" : "IPv6");
   if (isFour && Left(c) >= 10) Add(text, " %s", IpProtocolName(c.at[9]));
+  if (isFour && HasBadChecksum(c)) Add(text, ", Bad Header Checksum");
   if (!isFour && Left(c) >= 7) Add(text, " %s", NextHeaderName(c.at[6]));
   AddLength(text, c);
 }

@@ -36,7 +36,10 @@ inline constexpr auto kSccpMessageNames = SortedNames({
     {0x011E, "User To Device Data"}, {0x011F, "Feature Status"}, {0x0120, "Display Priority Notify"},
     {0x0121, "Clear Priority Notify"}, {0x0122, "Start Announcement"}, {0x0123, "Stop Announcement"},
     {0x0124, "Announcement Finish"}, {0x0127, "Notify DTMF Tone"}, {0x0128, "Send DTMF Tone"},
-    {0x012F, "Service URL Status"}, {0x0130, "Call Select Status"},
+    {0x012F, "Service URL Status"}, {0x0130, "Call Select Status"}, {0x0142, "Configuration Status v2"},
+    {0x0143, "Display Notify v2"}, {0x0144, "Display Priority Notify v2"}, {0x0145, "Display Prompt Status v2"},
+    {0x0146, "Feature Status v2"}, {0x0147, "Line Status v2"}, {0x0148, "Service URL Status v2"},
+    {0x0149, "Speed Dial Status v2"}, {0x014A, "Call Information v2"}, {0x0154, "Start Media Transmission Ack"},
 });
 
 }  // namespace qxview

@@ -66,7 +66,7 @@ TextSlice FirstLine(const uint8_t* data, int32_t length) {
   return TextOf(data, length);
 }
 
-TextSlice FirstWord(const TextSlice& text, TextSlice* rest) {
+TextSlice FirstWord(TextSlice text, TextSlice* rest) {
   int32_t length = 0;
   while (length < text.length && text.text[length] != ' ') ++length;
   int32_t next = length;

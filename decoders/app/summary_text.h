@@ -68,7 +68,7 @@ inline TextSlice TextOf(const uint8_t* data, int32_t length) { return {reinterpr
 TextSlice FirstLine(const uint8_t* data, int32_t length);
 
 // The first word of a text, up to a blank; *rest becomes what follows the blanks behind it.
-TextSlice FirstWord(const TextSlice& text, TextSlice* rest);
+TextSlice FirstWord(TextSlice text, TextSlice* rest);
 
 // The value of a header line "Name: value" behind the first line, case ignored; `shortName` is its one-letter form, or 0.
 // Empty when there is none. The search ends with the empty line behind the headers.

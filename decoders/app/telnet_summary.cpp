@@ -54,12 +54,14 @@ void DescribeData(SummaryText& text, const uint8_t* data, int32_t length, int32_
   constexpr const char* kLabel = "TELNET Data: ";
   const int32_t most = dataLimit < 0 || dataLimit > length ? length : dataLimit;
   Add(text, kLabel);
-  const int32_t labelled = text.used;
   if (!clean) return AddPrintable(text, data, most, most);
-  for (int32_t i = 0; i < most && text.used < text.size - 1; ++i) {
-    if (IsPrintable(data[i])) text.out[text.used++] = static_cast<char>(data[i]);
+  bool any = false;
+  for (int32_t i = 0; i < most && !(any && text.used == text.size - 1); ++i) {
+    if (!IsPrintable(data[i])) continue;
+    any = true;
+    if (text.used < text.size - 1) text.out[text.used++] = static_cast<char>(data[i]);
   }
-  if (text.used == labelled) text.used = 0;
+  if (!any) text.used = 0;
   text.out[text.used] = 0;
 }
 

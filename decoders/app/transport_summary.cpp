@@ -1,5 +1,6 @@
 // The packet list's text for TCP (RFC 9293), UDP (RFC 768) and SCTP (RFC 9260) segments whose payload has no summary of
 // its own: ports with the names of the services on them, and what the header says.
+#include "core/internet_checksum.h"
 #include "decoders/app/layer_summaries.h"
 #include "decoders/app/service_names.h"
 
@@ -16,6 +17,13 @@ void AddPorts(SummaryText& text, uint32_t source, uint32_t destination, bool isU
   if (destinationName && (!sourceName || destination <= source)) Add(text, " (%s)", destinationName);
 }
 
+// Whether a segment's checksum fails, which is why its payload was not looked at.
+bool HasBadChecksum(const Cursor& segment, const PacketState& packet) {
+  const NetworkState& network = packet.network;
+  if (packet.reached.table == DispatchTable::kApplication || network.fragmented) return false;
+  return Left(segment) == network.totalLength && SumWords(network.pseudoHead, segment.at, Left(segment)) != 0xFFFF;
+}
+
 constexpr auto kChunkNames = SortedNames({
     {0, "DATA"}, {1, "INIT"}, {2, "INIT ACK"}, {3, "SACK"}, {4, "HEARTBEAT"}, {5, "HEARTBEAT ACK"}, {6, "ABORT"},
     {7, "SHUTDOWN"}, {8, "SHUTDOWN ACK"}, {9, "ERROR"}, {10, "COOKIE ECHO"}, {11, "COOKIE ACK"}, {12, "ECNE"},
@@ -25,7 +33,7 @@ constexpr auto kChunkNames = SortedNames({
 
 }  // namespace
 
-void DescribeTcp(SummaryText& text, Cursor c, const PacketState&) {
+void DescribeTcp(SummaryText& text, Cursor c, const PacketState& packet) {
   static constexpr const char* kFlagNames[] = {"FIN", "SYN", "RST", "PSH", "ACK", "URG", "ECE", "CWR"};
   constexpr uint32_t kAck = 0x10;
   const Cursor start = c;
@@ -41,7 +49,9 @@ void DescribeTcp(SummaryText& text, Cursor c, const PacketState&) {
   if (flags.here && flags.value & kAck) Add(text, ", Acknowledgement: %u", acknowledgement.value);
   if (window.here) Add(text, ", Window: %u", window.value);
   const int32_t header = offset.here ? static_cast<int32_t>(offset.value >> 4) * 4 : Left(start);
-  Add(text, ", Length: %d", Left(start) > header ? Left(start) - header : 0);
+  const int32_t length = Left(start) > header ? Left(start) - header : 0;
+  Add(text, ", Length: %d", length);
+  if (length > 0 && HasBadChecksum(start, packet)) Add(text, ", Bad Checksum");
 }
 
 void DescribeUdp(SummaryText& text, Cursor c, const PacketState&) {

@@ -194,6 +194,48 @@ QXVIEW_EXPORT int64_t GetCurrentPacketNumber(void *view);
 /* Removes every line of the view. */
 QXVIEW_EXPORT void ClearDecodeLists(void *view);
 
+/* ---- Capture buffer files (docs/capture-file.md) ---- */
+
+/* A save. The caller sets size and zeroes what it does not use. */
+typedef struct QxSaveRecord {
+  uint32_t size;                /* of this record */
+  int32_t append;               /* not 0: behind the packets of an existing file, numbered on from its last one */
+  intptr_t file;                /* a descriptor, on Windows a handle, at the file's start; open for writing, to append for
+                                   reading too. It stays the caller's */
+  uint64_t firstPacket;         /* the range, both included */
+  uint64_t lastPacket;
+  uint64_t firstNumber;         /* a new file: the number that its first packet gets; 0 is taken as 1 */
+  int32_t savePartial;          /* not 0: packets are cut to partialBytes */
+  uint16_t partialBytes;
+  uint16_t zero;
+  int32_t source;               /* 0 the decode window, 1 session decryption, 2 a probe */
+  uint32_t headerByte;          /* a byte for the file's header, left out when it is above 254 */
+  int32_t useOptionalElement;   /* not 0: the host is asked for its information element */
+  int32_t tellDecompressed;     /* not 0: success tells how many packets were decompressed */
+  const char *name;             /* kept in a new file, at most 260 characters */
+  const char *fileName;         /* for messages */
+} QxSaveRecord;
+
+/* Saves a range, or the packets of a list in its order (the record's range is not used), from the host's capture buffer.
+ * decompressed: gets how many packets were decompressed meanwhile; may be null. The result: 1 done; 3 a full buffer or 5
+ * the last one could not be written; 8 too short, 9 of an older format or 10 of another kind to append to; 11 nothing to
+ * save; 12 the host did not answer, or a packet is not there any more; 13 the header could not be written. After a failure
+ * the file is left as written so far. */
+QXVIEW_EXPORT int32_t SaveCaptureBuffer(const QxHost *host, const QxSaveRecord *save, uint32_t *decompressed);
+QXVIEW_EXPORT int32_t QxView_SavePackets(const QxHost *host, const QxSaveRecord *save, const uint64_t *packets,
+                                         int32_t count, uint32_t *decompressed);
+
+/* Shows the message of a result code: a message box, off Windows a line on standard error. 6 and 7 are for a caller that
+ * could not open the file for writing or for appending. window: the box's owner or null. 1 when the code has a message. */
+QXVIEW_EXPORT int32_t DisplaySaveBufferResultMsg(void *window, const QxSaveRecord *save, int32_t result,
+                                                 uint32_t count);
+
+/* The dialogs that ask for a capture buffer file: 1 with the name in fileName (terminated within size bytes, on entry the
+ * name to offer), 0 when cancelled, which off Windows they always are. */
+QXVIEW_EXPORT int32_t DisplaySaveBufferDialog(void *window, int32_t fromProbe, char *fileName, int32_t size);
+QXVIEW_EXPORT int32_t GetLoadBufferFileName(void *window, int32_t skipDuplicates, char *fileName, int32_t size);
+QXVIEW_EXPORT int32_t QxView_OpenCaptureFileDlg(void *window, int32_t skipDuplicates, char *fileName, int32_t size);
+
 #ifdef __cplusplus
 }
 #endif

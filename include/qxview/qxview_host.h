@@ -45,6 +45,12 @@ typedef struct QxMibEntry {
   char access[32];
 } QxMibEntry;
 
+/* The capture buffer, as its window answers for it. */
+typedef struct QxCaptureBufferState {
+  uint32_t size;            /* of this record, set by the caller */
+  uint64_t packetCount;     /* packets that it holds */
+} QxCaptureBufferState;
+
 typedef struct QxHost {
   uint32_t size;            /* of this record */
   void *user;               /* handed back with every call */
@@ -80,6 +86,19 @@ typedef struct QxHost {
                             const AddressSlot *destination, uint16_t destinationPort, int32_t back, QxSegment *out);
   /* 1 when the MIB has an entry for the dotted identifier. */
   int32_t (*findMibEntry)(void *user, const char *dotted, QxMibEntry *out);
+
+  /* ---- The capture buffer that packets are saved from; called on the thread that saves ---- */
+
+  /* 1 when the capture window answers with the buffer's state. */
+  int32_t (*captureBufferState)(void *user, QxCaptureBufferState *out);
+  /* The record of a packet (docs/capture-file.md), good until the next call, its record length readable; null when the
+   * packet is not in the buffer any more. */
+  const void *(*lendPacket)(void *user, uint64_t packetNumber);
+  /* A ready-made information element for the file's header: type and length of the whole element (16 bits each, little-
+   * endian), then its data; null for none. */
+  const uint8_t *(*optionalElement)(void *user);
+  /* How many packets compressed with FRF.9 were decompressed since the state was last asked for. */
+  uint32_t (*decompressedPackets)(void *user);
 } QxHost;
 
 #ifdef __cplusplus

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,6 +33,10 @@ bool ExistingFile::Open(const std::string& path, std::string* why) {
     close(file);
     return *why = "not a regular file", false;
   }
+  if (flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    close(file);
+    return *why = "File is currently being used by Vantrell or another program.", false;
+  }
   file_ = file;
   lengthBefore_ = present.st_size;
   return true;
@@ -40,11 +45,7 @@ bool ExistingFile::Open(const std::string& path, std::string* why) {
 BufferFile ExistingFile::File() {
   return {this,
           [](void* handle, uint8_t* out, int32_t length) {
-            const int file = static_cast<int>(static_cast<ExistingFile*>(handle)->file_);
-            ssize_t got;
-            do got = read(file, out, static_cast<size_t>(length));
-            while (got < 0 && errno == EINTR);
-            return static_cast<int32_t>(got);
+            return ReadFileBytes(static_cast<ExistingFile*>(handle)->file_, out, length);
           },
           [](void* handle, const uint8_t* bytes, int32_t length) {
             const OutputSink sink = FileSink(static_cast<ExistingFile*>(handle)->file_);

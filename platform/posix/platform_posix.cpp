@@ -48,6 +48,13 @@ OutputSink FileSink(int64_t file) {
   return {reinterpret_cast<void*>(static_cast<intptr_t>(file)), WriteDescriptor, MoveDescriptorBack, file};
 }
 
+int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {
+  ssize_t got;
+  do got = read(static_cast<int>(file), out, static_cast<size_t>(length));
+  while (got < 0 && errno == EINTR);
+  return static_cast<int32_t>(got);
+}
+
 int64_t StandardOutputFile() { return STDOUT_FILENO; }
 bool IsTerminal(int64_t file) { return isatty(static_cast<int>(file)) == 1; }
 bool StandardErrorIsTerminal() { return isatty(STDERR_FILENO) == 1; }

@@ -1,0 +1,105 @@
+#include <CLI/CLI.hpp>
+#include <ctime>
+
+#include "app/commands.h"
+#include "app/packet_run.h"
+#include "core/bounded_text.h"
+#include "files/xml_export.h"
+#include "platform/new_file.h"
+#include "platform/platform.h"
+
+namespace qxview {
+namespace {
+
+struct XmlOptions {
+  ReadingOptions reading;
+  std::string out;
+};
+
+// Days from 1970-01-01 to a date; years that start in March.
+int64_t DayOfDate(int64_t year, int64_t month, int64_t day) {
+  year -= month <= 2 ? 1 : 0;
+  const int64_t era = (year >= 0 ? year : year - 399) / 400;
+  const int64_t yearOfEra = year - era * 400;
+  const int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
+}
+
+// What this machine's zone adds to UTC then; 0 for times that it cannot tell.
+int64_t LocalOffset(int64_t utcSeconds) {
+  const std::time_t time = static_cast<std::time_t>(utcSeconds);
+  const std::tm* local = std::localtime(&time);
+  if (!local) return 0;
+  return DayOfDate(local->tm_year + 1900LL, local->tm_mon + 1, local->tm_mday) * 86400 + local->tm_hour * 3600 +
+         local->tm_min * 60 + local->tm_sec - utcSeconds;
+}
+
+// The aliases as the document takes them; the texts of addresses stand in `texts`.
+std::vector<XmlAlias> CollectAliases(const AliasTable& table, std::vector<std::string>* texts) {
+  std::vector<XmlAlias> aliases;
+  texts->reserve(table.Entries().size());   // the records point into it
+  for (const Alias& entry : table.Entries()) {
+    if (table.Find(entry.kind, entry.address.data()) != &entry.name) continue;   // a later line named it anew
+    XmlAlias alias{nullptr, nullptr, nullptr, entry.name.c_str(), entry.comment.empty() ? nullptr : entry.comment.c_str()};
+    char text[kIPv6TextSize] = "";
+    if (entry.kind == AliasKind::kHardware) {
+      alias.hardware = entry.address.data();
+    } else if (entry.kind == AliasKind::kIPv4) {
+      FormatIPv4(entry.address.data(), text);
+    } else {
+      FormatIPv6(entry.address.data(), text);
+    }
+    texts->push_back(text);
+    if (entry.kind == AliasKind::kIPv4) alias.ipv4 = texts->back().c_str();
+    if (entry.kind == AliasKind::kIPv6) alias.ipv6 = texts->back().c_str();
+    aliases.push_back(alias);
+  }
+  return aliases;
+}
+
+int ExportXml(const XmlOptions& options) {
+  PacketRun run;
+  if (!run.Open(options.reading)) return run.Status();
+  const bool toStandardOutput = options.out == "-";
+  NewFile target;
+  std::string message;
+  if (!toStandardOutput && !target.Create(options.out, &message)) return Tell(message), kFileFault;
+  const auto document = std::make_unique<XmlExport>(
+      toStandardOutput ? FileSink(StandardOutputFile()) : target.Sink(), LocalOffset);
+  document->Begin();
+  const int status = run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame& frame) {
+    document->AddFrame(frame.number, record);
+    return !document->Failed();
+  });
+  std::vector<std::string> texts;
+  const std::vector<XmlAlias> aliases = CollectAliases(run.Host().Aliases(), &texts);
+  const bool good = document->Finish(aliases.data(), aliases.size(), 0);
+  if (toStandardOutput) return good ? status : OutputFault();
+  if (good && target.Keep(&message)) return status;
+  Tell(good ? message : options.out + ": cannot be written");
+  return kFileFault;
+}
+
+}  // namespace
+
+void AddXmlCommand(CLI::App* app, int* status) {
+  auto options = std::make_shared<XmlOptions>();
+  CLI::App* command = app->add_subcommand("xml", "packets as an XML document");
+  AddReadingOptions(command, &options->reading);
+  command->add_option("OUT", options->out, "the document, \"-\" for standard output")->required();
+  command->footer(
+      "Examples:\n"
+      "  qxview xml capture.pcap packets.xml\n"
+      "  qxview xml --packets 10-20 --set AliasFile=names.txt packets.bfr - | less");
+  command->callback([options, status] {
+    std::string message;
+    if (!FinishReadingOptions(&options->reading, &message)) {
+      Tell(message);
+      *status = kUsage;
+      return;
+    }
+    *status = ExportXml(*options);
+  });
+}
+
+}  // namespace qxview

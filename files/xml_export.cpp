@@ -1,0 +1,272 @@
+#include "files/xml_export.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "core/digits.h"
+
+namespace qxview {
+namespace {
+
+constexpr int64_t kPerSecond = 1000000000;
+constexpr int64_t kSecondsPerDay = 86400;
+// Zones change their offset at multiples of a quarter of an hour.
+constexpr int64_t kOffsetSpan = 900;
+
+int64_t DivideDown(int64_t value, int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
+
+struct Date {
+  int64_t year;
+  uint32_t month, day;   // month from 0
+};
+
+// The Gregorian date of a day counted from 1970-01-01, in years that start in March.
+Date DateOfDay(int64_t day) {
+  day += 719468;
+  const int64_t era = DivideDown(day, 146097);
+  const uint32_t dayOfEra = static_cast<uint32_t>(day - era * 146097);
+  const uint32_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const uint32_t shifted = (5 * dayOfYear + 2) / 153;
+  const uint32_t month = shifted < 10 ? shifted + 2 : shifted - 10;
+  return {static_cast<int64_t>(yearOfEra) + era * 400 + (month <= 1 ? 1 : 0), month,
+          dayOfYear - (153 * shifted + 2) / 5 + 1};
+}
+
+// In the order in which a frame's receive errors are told in its decode.
+const char* StatusName(uint32_t errors) {
+  constexpr uint32_t kBoth = kReceiveAlignment | kReceiveCrc;
+  if (errors == 0) return "Normal";
+  if ((errors & kBoth) == kBoth) return "Alignment+CRC";
+  if (errors & kReceiveAlignment) return "Alignment";
+  if (errors & kReceiveCrc) return "CRC";
+  if (errors & kReceiveTooSmall) return "Frame Too Small";
+  if (errors & kReceiveTooBig) return "Frame Too Big";
+  if (errors & kReceiveAbort) return "Abort Error";
+  if (errors & kReceiveRBit) return "RBit Error";
+  return "Data Error";
+}
+
+// Readers of the document know three names.
+const char* NetworkName(const FrameRecord* record) {
+  if (record->mediaType == static_cast<uint8_t>(Medium::kTokenRing)) return "TokenRing";
+  if (record->mediaType == static_cast<uint8_t>(Medium::kFddi)) return "FDDI";
+  return "Ethernet";
+}
+
+// Length of the UTF-8 character at the text's start; 0 when it is none, or one that XML does not take.
+size_t Utf8Length(std::string_view text) {
+  const auto byte = [&](size_t i) { return i < text.size() ? static_cast<uint8_t>(text[i]) : 0u; };
+  const uint32_t lead = byte(0);
+  const size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+  if (length < 2) return length;
+  uint32_t point = lead & (0xFFu >> (length + 1));
+  for (size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+    point = point << 6 | (byte(i) & 0x3F);
+  }
+  constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool taken = point >= kSmallest[length] && point <= 0x10FFFF && (point < 0xD800 || point > 0xDFFF) &&
+                     point != 0xFFFE && point != 0xFFFF;
+  return taken ? length : 0;
+}
+
+bool IsUtf8(std::string_view text) {
+  for (size_t length; !text.empty(); text.remove_prefix(length)) {
+    if ((length = Utf8Length(text)) == 0) return false;
+  }
+  return true;
+}
+
+// Windows-1252's code points of 0x80 to 0x9F; those that it leaves open are controls.
+constexpr uint16_t kHighCodePoints[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D,
+    0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A,
+    0x0153, 0x009D, 0x017E, 0x0178};
+
+}  // namespace
+
+XmlExport::XmlExport(const OutputSink& sink, LocalOffsetFunction offset) : offset_(offset) {
+  OpenOutput(&file_, sink);
+}
+
+void XmlExport::Put(std::string_view text) {
+  WriteOutput(&file_, text.data(), static_cast<int32_t>(text.size()));
+}
+
+void XmlExport::PutNumber(uint64_t number) {
+  char digits[24];
+  char* const end = digits + sizeof digits;
+  const char* start = WriteDecimal(end, number);
+  Put({start, static_cast<size_t>(end - start)});
+}
+
+void XmlExport::PutAttribute(std::string_view nameAndEquals, uint64_t value) {
+  Put(nameAndEquals);
+  Put("\"");
+  PutNumber(value);
+  Put("\" ");
+}
+
+void XmlExport::PutTextAttribute(std::string_view nameAndEquals, const char* text) {
+  Put(nameAndEquals);
+  Put("\"");
+  PutEscaped(text ? text : "");
+  Put("\" ");
+}
+
+void XmlExport::PutEscaped(std::string_view text) {
+  const bool utf8 = IsUtf8(text);
+  for (const char c : text) {
+    const uint8_t value = static_cast<uint8_t>(c);
+    if (c == '&') {
+      Put("&amp;");
+    } else if (c == '<') {
+      Put("&lt;");
+    } else if (c == '>') {
+      Put("&gt;");
+    } else if (c == '"') {
+      Put("&quot;");
+    } else if (c == '\t' || c == '\n' || c == '\r') {   // a reader turns them into blanks unless they are escaped
+      Put("&#");
+      PutNumber(value);
+      Put(";");
+    } else if (value < 0x20) {
+      Put("?");   // XML has no way to say it
+    } else if (value < 0x80 || utf8) {
+      Put({&c, 1});
+    } else {
+      Put("&#");
+      PutNumber(value < 0xA0 ? kHighCodePoints[value - 0x80] : value);
+      Put(";");
+    }
+  }
+}
+
+void XmlExport::PutTime(int64_t nanoseconds) {
+  static constexpr char kDays[] = "ThuFriSatSunMonTueWed";   // the epoch's first day was a Thursday
+  static constexpr char kMonths[] = "JanFebMarAprMayJunJulAugSepOctNovDec";
+  const int64_t utcSeconds = DivideDown(nanoseconds, kPerSecond);
+  if (const int64_t span = DivideDown(utcSeconds, kOffsetSpan); span != offsetSpan_) {
+    offsetSpan_ = span;
+    offsetSeconds_ = offset_(utcSeconds);
+  }
+  const int64_t micros = DivideDown(nanoseconds, 1000) + offsetSeconds_ * 1000000;
+  const int64_t seconds = DivideDown(micros, 1000000);
+  const int64_t day = DivideDown(seconds, kSecondsPerDay);
+  const uint32_t ofDay = static_cast<uint32_t>(seconds - day * kSecondsPerDay);
+  const uint32_t fraction = static_cast<uint32_t>(micros - seconds * 1000000);
+  const Date date = DateOfDay(day);
+  Put("Date=\"");
+  Put({kDays + 3 * (day - 7 * DivideDown(day, 7)), 3});
+  Put(" ");
+  Put({kMonths + 3 * date.month, 3});
+  Put(" ");
+  PutNumber(date.day);
+  Put(" ");
+  PutNumber(static_cast<uint64_t>(date.year));
+  Put("\" ");
+  PutAttribute("Day=", static_cast<uint64_t>(day));
+  Put("Time=\"");
+  PutNumber(ofDay / 3600);
+  Put("h:");
+  PutNumber(ofDay / 60 % 60);
+  Put("m ");
+  PutNumber(ofDay % 60);
+  char digits[8] = ".000000";
+  for (uint32_t at = 6, rest = fraction; rest > 0; --at, rest /= 10) digits[at] = static_cast<char>('0' + rest % 10);
+  Put({digits, 7});
+  Put("s\" ");
+  PutAttribute("Mks=", static_cast<uint64_t>(micros));
+}
+
+void XmlExport::PutHex(const uint8_t* bytes, size_t length) {
+  char digits[8192];
+  while (length > 0) {
+    const size_t now = std::min(length, sizeof digits / 2);
+    for (size_t i = 0; i < now; ++i) std::memcpy(digits + 2 * i, kHexPairs + 2 * bytes[i], 2);
+    Put({digits, 2 * now});
+    bytes += now;
+    length -= now;
+  }
+}
+
+void XmlExport::Begin() {
+  Put("<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\"?>\r\n"
+      "<VantrellPacketCapture version=\"9.0\">\r\n"
+      " <PacketCapture>\r\n"
+      "  <Packets>\r\n");
+}
+
+void XmlExport::Count(uint64_t number) {
+  if (packets_++ == 0) first_ = number;
+  last_ = number;
+}
+
+void XmlExport::AddFrame(uint64_t number, const FrameRecord* record) {
+  Count(number);
+  const char* const network = NetworkName(record);
+  if (!networkType_) networkType_ = network;
+  int32_t movedLength;
+  const uint8_t* const moved = FindMovedHeader(record, &movedLength);
+  const uint64_t before = static_cast<uint64_t>(movedLength);
+  Put("   <Packet ");
+  PutAttribute("Number=", number);
+  Put("Type=\"");
+  Put(StatusName(record->receiveErrors));
+  Put("\" ");
+  PutTime(record->nanoseconds);
+  PutAttribute("FrameSize=", WireLength(record) + before);
+  PutAttribute("CapturedSize=", record->capturedLength + before);
+  Put("NetworkType=\"");
+  Put(network);
+  Put("\" RawPacket=\"");
+  if (moved) PutHex(moved, static_cast<size_t>(movedLength));
+  PutHex(FrameData(record), record->capturedLength);
+  Put("\"/>\r\n");
+}
+
+void XmlExport::AddAnalysis(uint64_t number, int64_t nanoseconds, const char* source, const char* destination) {
+  Count(number);
+  Put("   <Packet ");
+  PutAttribute("Number=", number);
+  Put("Type=\"ExpertPacket\" ");
+  PutTime(nanoseconds);
+  PutTextAttribute("Src=", source);
+  PutTextAttribute("Dst=", destination);
+  Put(">\r\n   </Packet>\r\n");
+}
+
+void XmlExport::PutAlias(uint64_t number, const XmlAlias& alias) {
+  Put("   <Entry ");
+  PutAttribute("Number=", number);
+  if (alias.hardware) {
+    Put("Addr=\"");
+    for (int i = 0; i < 6; ++i) {
+      if (i > 0) Put(":");
+      PutHex(alias.hardware + i, 1);
+    }
+    Put("\" ");
+  }
+  if (alias.ipv4) PutTextAttribute("IP=", alias.ipv4);
+  if (alias.ipv6) PutTextAttribute("IPv6=", alias.ipv6);
+  if (alias.name) PutTextAttribute("Alias=", alias.name);
+  if (alias.comment) PutTextAttribute("Comment=", alias.comment);
+  Put("/>\r\n");
+}
+
+bool XmlExport::Finish(const XmlAlias* aliases, size_t count, uint64_t speed) {
+  Put("  </Packets>\r\n  <Summary>\r\n   <SummaryData ");
+  PutAttribute("Packets=", packets_);
+  PutAttribute("FirstPacket=", first_);
+  PutAttribute("LastPacket=", last_);
+  PutTextAttribute("NetworkType=", networkType_ ? networkType_ : "Ethernet");
+  PutAttribute("NetworkSpeed=", speed);
+  Put("/>\r\n  </Summary>\r\n  <AliasList>\r\n");
+  for (size_t i = 0; i < count; ++i) PutAlias(i + 1, aliases[i]);
+  Put("  </AliasList>\r\n </PacketCapture>\r\n</VantrellPacketCapture>\r\n");
+  FlushOutput(&file_);
+  return !file_.failed;
+}
+
+}  // namespace qxview
