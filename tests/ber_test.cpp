@@ -35,7 +35,7 @@ Outcome RunElement(const Bytes& bytes, Decode decode, TestHost* host = nullptr, 
   return outcome;
 }
 
-Outcome Run(ElementDecoder decode, const Bytes& bytes, bool silent = false) {
+Outcome RunPlain(ElementDecoder decode, const Bytes& bytes, bool silent = false) {
   return RunElement(bytes, [&](auto& at, const Cursor& c, AsnResult& out, std::string&) { return decode(at, c, out); },
                     nullptr, silent);
 }
@@ -67,7 +67,7 @@ Outcome RunValue(const Bytes& bytes, const char* label = nullptr) {
 Bytes TextBytes(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
 TEST(Ber, ElementIsTypeLengthAndValue) {
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 01 FF  05 00")).tree, R"(Element {0+0}
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 01 FF  05 00")).tree, R"(Element {0+0}
   ASN Type  : [Universal 2] = INTEGER {0+1}
     00......:  Class [0] = Universal {0+1}
     ..0.....: Constructed = False {0+1}
@@ -77,7 +77,7 @@ TEST(Ber, ElementIsTypeLengthAndValue) {
     .0000001: Length = 1 Bytes {1+1}
   ASN Value : 255 {2+1}
 )");
-  EXPECT_EQ(Run(DecodeAsnException, Hex("81 82 0000")).tree, R"(Element {0+0}
+  EXPECT_EQ(RunPlain(DecodeAsnException, Hex("81 82 0000")).tree, R"(Element {0+0}
   ASN Type: [Context-Specific 1] = NO SUCH INSTANCE {0+1}
     10......: Class [2] = Context-Specific {0+1}
     ..0.....: Constructed = False {0+1}
@@ -91,53 +91,53 @@ TEST(Ber, ElementIsTypeLengthAndValue) {
 }
 
 TEST(Ber, NumbersKeepTheirLastOctetsWithoutASign) {
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 01 FF")).number, 255u);
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 05 0100000002")).text, "2");
-  EXPECT_EQ(Run(DecodeAsnCounter64, Hex("46 09 01FFFFFFFFFFFFFFFE")).text, "18446744073709551614");
-  const Outcome empty = Run(DecodeAsnCounter, Hex("41 00 FF"));
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 01 FF")).number, 255u);
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 05 0100000002")).text, "2");
+  EXPECT_EQ(RunPlain(DecodeAsnCounter64, Hex("46 09 01FFFFFFFFFFFFFFFE")).text, "18446744073709551614");
+  const Outcome empty = RunPlain(DecodeAsnCounter, Hex("41 00 FF"));
   EXPECT_EQ(empty.status, 1);
   EXPECT_EQ(empty.number, kAsnNoValue);
   EXPECT_EQ(empty.text, "<NULL>");
   EXPECT_EQ(empty.consumed, 2);
-  EXPECT_EQ(Run(DecodeAsnBoolean, Hex("01 01 00")).text, "[0] = False");
-  EXPECT_EQ(Run(DecodeAsnBoolean, Hex("01 04 7FFFFFFF")).text, "[2147483647] = True");
-  EXPECT_EQ(Run(DecodeAsnBoolean, Hex("01 04 80000000")).text, "[2147483648] = Undefined");
-  EXPECT_EQ(Run(DecodeAsnNull, Hex("05 01 07")).text, "7");
-  EXPECT_NE(Run(DecodeAsnEnumerated, Hex("0A 01 03")).tree.find("  Enumeration: 3 {2+1}"), std::string::npos);
-  EXPECT_EQ(Run(DecodeAsnNetworkAddress, Hex("40 05 0A000001FF")).text, "10.0.0.1.255");
-  const std::string address = Run(DecodeAsnNetworkAddress, Hex("40 82 0200") + Bytes(512, 255)).text;
+  EXPECT_EQ(RunPlain(DecodeAsnBoolean, Hex("01 01 00")).text, "[0] = False");
+  EXPECT_EQ(RunPlain(DecodeAsnBoolean, Hex("01 04 7FFFFFFF")).text, "[2147483647] = True");
+  EXPECT_EQ(RunPlain(DecodeAsnBoolean, Hex("01 04 80000000")).text, "[2147483648] = Undefined");
+  EXPECT_EQ(RunPlain(DecodeAsnNull, Hex("05 01 07")).text, "7");
+  EXPECT_NE(RunPlain(DecodeAsnEnumerated, Hex("0A 01 03")).tree.find("  Enumeration: 3 {2+1}"), std::string::npos);
+  EXPECT_EQ(RunPlain(DecodeAsnNetworkAddress, Hex("40 05 0A000001FF")).text, "10.0.0.1.255");
+  const std::string address = RunPlain(DecodeAsnNetworkAddress, Hex("40 82 0200") + Bytes(512, 255)).text;
   EXPECT_EQ(address.size(), 1023u) << "cut to the buffer";
 }
 
 TEST(Ber, ShortAndLyingElements) {
-  EXPECT_EQ(Run(DecodeAsnInteger, {}).status, 2);
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("04 01 00")).tree, "Element {0+0}\n") << "not this type: nothing is added";
-  const Outcome alone = Run(DecodeAsnInteger, Hex("02"));
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, {}).status, 2);
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("04 01 00")).tree, "Element {0+0}\n") << "not this type: nothing is added";
+  const Outcome alone = RunPlain(DecodeAsnInteger, Hex("02"));
   EXPECT_EQ(alone.status, 1);
   EXPECT_EQ(alone.consumed, 1);
   EXPECT_EQ(alone.number, kAsnNoValue);
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 02 01")).status, 2);
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 82 01")).status, 2);
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 84 FFFFFFFF 00")).status, 0) << "negative before too long";
-  EXPECT_EQ(Run(DecodeAsnInteger, Hex("02 84 7FFFFFFF 00")).status, 2);
-  const Outcome silent = Run(DecodeAsnInteger, Hex("02 01 2A"), true);
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 02 01")).status, 2);
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 82 01")).status, 2);
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 84 FFFFFFFF 00")).status, 0) << "negative before too long";
+  EXPECT_EQ(RunPlain(DecodeAsnInteger, Hex("02 84 7FFFFFFF 00")).status, 2);
+  const Outcome silent = RunPlain(DecodeAsnInteger, Hex("02 01 2A"), true);
   EXPECT_EQ(silent.number, 42u);
   EXPECT_EQ(silent.tree, "Element {0+0}\n");
 }
 
 TEST(Ber, LengthForms) {
-  const Outcome two = Run(DecodeAsnLength, Hex("82 0100"));
+  const Outcome two = RunPlain(DecodeAsnLength, Hex("82 0100"));
   EXPECT_EQ(two.number, 256u);
   EXPECT_EQ(two.consumed, 3);
-  const Outcome many = Run(DecodeAsnLength, Hex("86 0102 00000007"));
+  const Outcome many = RunPlain(DecodeAsnLength, Hex("86 0102 00000007"));
   EXPECT_EQ(many.number, 7u) << "the first octets are pushed out";
   EXPECT_EQ(many.consumed, 7);
-  EXPECT_EQ(Run(DecodeAsnLength, Hex("80")).status, 2);
-  const Outcome indefinite = Run(DecodeAsnLength, Hex("80 05"));
+  EXPECT_EQ(RunPlain(DecodeAsnLength, Hex("80")).status, 2);
+  const Outcome indefinite = RunPlain(DecodeAsnLength, Hex("80 05"));
   EXPECT_EQ(indefinite.status, 1);
   EXPECT_EQ(indefinite.number, 5u);
   EXPECT_EQ(indefinite.consumed, 1);
-  EXPECT_NE(Run(DecodeAsnInteger, Hex("02 80 02 09")).tree.find("ASN Value : 521 {2+2}"), std::string::npos)
+  EXPECT_NE(RunPlain(DecodeAsnInteger, Hex("02 80 02 09")).tree.find("ASN Value : 521 {2+2}"), std::string::npos)
       << "the contents start at the octet that was read as the length";
 }
 
@@ -182,8 +182,8 @@ TEST(Ber, StringsAtTheirLimits) {
 }
 
 TEST(Ber, BitStringsAndTicks) {
-  EXPECT_EQ(Run(DecodeAsnBitString, Hex("03 02 05A0")).text, "00000101 10100000");
-  const std::string bits = Run(DecodeAsnBitString, Hex("03 81 80") + Bytes(128, 1)).text;
+  EXPECT_EQ(RunPlain(DecodeAsnBitString, Hex("03 02 05A0")).text, "00000101 10100000");
+  const std::string bits = RunPlain(DecodeAsnBitString, Hex("03 81 80") + Bytes(128, 1)).text;
   EXPECT_EQ(bits.substr(bits.size() - 12), " 00000001...");
   EXPECT_LT(bits.size(), static_cast<size_t>(kAsnTextSize));
   const auto ticks = [](const Bytes& bytes) {
@@ -247,7 +247,8 @@ TEST(Ber, ValuesAreChosenByTheirIdentifier) {
   const Outcome element = RunElement(Hex("A1 03 02 01 07"), [](auto& at, const Cursor& c, AsnResult& out, auto&) {
     return DecodeAsnElement(at, c, "Kind", out);
   });
-  ExpectInOrder(element.tree, {"  Kind Type: {0+1}\n", "    ..1.....: Constructed = True", "  Kind Length: 3 Bytes {1+1}\n",
+  ExpectInOrder(element.tree, {"  Kind Type: {0+1}\n", "    ..1.....: Constructed = True",
+                               "  Kind Length: 3 Bytes {1+1}\n",
                                "  Kind:  {2+3}\n", "    ASN Value : 7 {4+1}\n"});
   EXPECT_EQ(element.consumed, 5);
 }

@@ -131,20 +131,24 @@ TEST(Snmp, Version3) {
   ExpectInOrder(Tree(V3("04", scoped)), {
       "SNMPv3:, Report, ID=42, No Error, EI=0 {0+", "  ASN Sequence Identifier: 0x30 (SNMP Message) {0+1}\n",
       "  SNMP Sequence Length: ", "  SNMP Version: 3 {2+3}\n",
-      "  ASN Sequence Identifier: 0x30 (Gloabal Data Message) {5+1}\n", "  Global Data Sequence Length: 13 Bytes {6+1}\n",
+      "  ASN Sequence Identifier: 0x30 (Gloabal Data Message) {5+1}\n",
+      "  Global Data Sequence Length: 13 Bytes {6+1}\n",
       "  Message ID: 7 {7+3}\n", "  Message Max Size: 1500 {10+4}\n",
       "  Flags: Reportable = True, Privacy = False, Authorization = False {14+3}\n", "    ASN Value : \x04 {16+1}\n",
       "    00000...: Reserved {16+1}\n", "    .....1..: Reportable = True {16+1}\n",
       "    ......0.: Privacy = False {16+1}\n", "    .......0: Authorization = False {16+1}\n",
-      "  Security Model: [3] = USM {17+3}\n", "  Security Parameters: {20+", "    Storage Type: [0x04] = OCTET STRING {20+1}\n",
+      "  Security Model: [3] = USM {17+3}\n", "  Security Parameters: {20+",
+      "    Storage Type: [0x04] = OCTET STRING {20+1}\n",
       "    Security Parameters Length: ", "    ASN Sequence Identifier: 0x30 (User Security Management) {22+1}\n",
       "    User Security Management Sequence Length: ", "    Authoritative Engine ID: {24+7}\n",
-      "    Authoritative Engine Boots: 2 {31+3}\n", "    Authoritative Engine Time: 256 {34+4}\n", "    Name: bob {38+5}\n",
+      "    Authoritative Engine Boots: 2 {31+3}\n", "    Authoritative Engine Time: 256 {34+4}\n",
+      "    Name: bob {38+5}\n",
       "    Authentication Parameters: {43+2}\n", "    Privacy Parameters: {45+2}\n",
       "  ASN Sequence Identifier: 0x30 (Parameters) {47+1}\n", "  Parameters Sequence Length: ",
       "  Context Engine ID: {49+4}\n", "  Name: ctx {53+5}\n", "  PDU: Report {58+1}\n"});
   const std::string secret = Tree(V3("03", Wrap(0x04, Hex("DEADBEEF"))));
-  ExpectInOrder(secret, {"Privacy = True, Authorization = True {", "  ASN Sequence Identifier: 0x04 (Parameters) {47+1}\n",
+  ExpectInOrder(secret, {"Privacy = True, Authorization = True {",
+                         "  ASN Sequence Identifier: 0x04 (Parameters) {47+1}\n",
                          "  Parameters Sequence Length: 4 Bytes {48+1}\n", "  Encrypted SNMP Data {49+4}\n"});
   EXPECT_EQ(secret.find("Context"), std::string::npos);
 }
@@ -170,16 +174,17 @@ TEST(Snmp, WhatIsNotSnmp) {
   EXPECT_EQ(ResultOf(Message("00", {})), 2);
 }
 
-TEST(Snmp, IsReachedByPortAndEthertype) {
+TEST(Snmp, IsReachedAsABuiltinAndByEthertype) {
   const Bytes payload = Message("00", Request(0xA0, Binding(Hex("05 00"))));
-  EXPECT_NE(TreeOf(Ethernet(0x0800, IPv4(17, Udp(4000, 161, payload)))).find("\nSNMPv1: public,"), std::string::npos);
+  EXPECT_EQ(FindBuiltinDecoder(0x06)->decode, &DecodeSnmpPayload);
   EXPECT_NE(TreeOf(Ethernet(0x814C, payload)).find("\nSNMPv1: public,"), std::string::npos);
   const Bytes snap = Hex("020000000001 020000000002 0030  AAAA03 000000 814C") + payload;
   EXPECT_NE(TreeOf(snap).find("\nSNMPv1: public,"), std::string::npos);
 }
 
 TEST(Snmp, Properties) {
-  CheckProperties(DecodeSnmpPayload, Message("01", Request(0xA2, Binding(Hex("04 03 616263")) + Binding(Hex("46 01 07")))));
+  const Bytes values = Binding(Hex("04 03 616263")) + Binding(Hex("46 01 07"));
+  CheckProperties(DecodeSnmpPayload, Message("01", Request(0xA2, values)));
   CheckProperties(DecodeSnmpPayload, Message("00", Wrap(0xA4, Hex("06 03 2B0601  40 04 0A000005  02 01 06  02 01 11"
                                                                   "43 01 05") + Wrap(0x30, Binding(Hex("0A 01 05"))))));
   CheckProperties(DecodeSnmpPayload, V3("04", Wrap(0x30, Hex("04 02 8001  04 03 637478") + Request(0xA8, {}))));

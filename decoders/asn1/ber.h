@@ -39,7 +39,7 @@ constexpr int32_t kAsnShortTextSize = 64;         // texts for parent lines
 constexpr int32_t kAsnClassTextSize = 23;         // "[Context-Specific 31]", and one to spare
 constexpr int32_t kAsnDepths = 13;                // depths that have an image
 
-// Where an element's lines go: under parents[depth], which become lines of depth + 1 with the image of base + depth + 1.
+// Where an element's lines go: under parents[depth], as lines of depth + 1 with the image of level base + depth + 1.
 // Decoders enter the lines of deeper depths themselves. Without parents nothing is added and the outputs are all; the
 // view is needed all the same.
 struct AsnPlace {
@@ -82,7 +82,7 @@ int32_t DecodeAsnIdentifier(const AsnPlace& at, const Cursor& c, AsnResult& out)
 // to the contents.
 int32_t DecodeAsnLength(const AsnPlace& at, const Cursor& c, AsnResult& out);
 
-// A titled line over the length octets with their fields under it, " %u Bytes" appended; 0 for a length of 2^31 and more.
+// A titled line over the length octets with their fields under it, " %u Bytes" appended; 0 for a length from 2^31 on.
 int32_t DecodeAsnLengthLine(const AsnPlace& at, const Cursor& c, const char* title, AsnResult& out);
 
 // Identifier and length of a constructed element whose contents the caller walks; `number` is the length. The label
