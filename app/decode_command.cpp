@@ -78,13 +78,7 @@ void AddDecodeCommand(CLI::App* app, int* status) {
       "  qxview decode -d tcp:8080=HTTP --format json capture.pcap\n"
       "  tcpdump -w - | qxview decode -l -");
   command->callback([options, status] {
-    std::string message;
-    if (!FinishReadingOptions(&options->reading, &message)) {
-      Tell(message);
-      *status = kUsage;
-      return;
-    }
-    *status = Decode(*options);
+    *status = FinishReadingOptions(&options->reading) ? Decode(*options) : kUsage;
   });
 }
 

@@ -109,13 +109,7 @@ void AddFindCommand(CLI::App* app, int* status) {
       "  qxview find capture.pcap 'Name Does Not Exist'\n"
       "  qxview find --backward capture.pcap.gz 'RST'");
   command->callback([options, status] {
-    std::string message;
-    if (!FinishReadingOptions(&options->reading, &message)) {
-      Tell(message);
-      *status = kUsage;
-      return;
-    }
-    *status = Find(*options);
+    *status = FinishReadingOptions(&options->reading) ? Find(*options) : kUsage;
   });
 }
 

@@ -122,13 +122,7 @@ void AddListCommand(CLI::App* app, int* status) {
       "  qxview list --set AliasFile=names.txt --packets 1-100 capture.pcap\n"
       "  tcpdump -w - | qxview list -l -");
   command->callback([options, status] {
-    std::string message;
-    if (!FinishReadingOptions(&options->reading, &message)) {
-      Tell(message);
-      *status = kUsage;
-      return;
-    }
-    *status = List(*options);
+    *status = FinishReadingOptions(&options->reading) ? List(*options) : kUsage;
   });
 }
 

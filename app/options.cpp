@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "app/packet_run.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -82,10 +83,13 @@ void AddReadingOptions(CLI::App* command, ReadingOptions* options) {
       ->option_text("WHEN (auto|always|never)");
 }
 
-bool FinishReadingOptions(ReadingOptions* options, std::string* message) {
+bool FinishReadingOptions(ReadingOptions* options) {
   options->host.settingsFileNamed = !options->host.settingsFile.empty();
   options->host.applicationDirectory = ExecutableDirectory();
-  return options->packets.empty() || options->selection.Parse(options->packets, message);
+  std::string message;
+  if (options->packets.empty() || options->selection.Parse(options->packets, &message)) return true;
+  Tell(message);
+  return false;
 }
 
 }  // namespace qxview

@@ -43,7 +43,7 @@ struct ReadingOptions {
 // Adds FILE and the options that every reading command takes.
 void AddReadingOptions(CLI::App* command, ReadingOptions* options);
 
-// Reads what the command line gave as texts; false with a message.
-bool FinishReadingOptions(ReadingOptions* options, std::string* message);
+// Reads what the command line gave as texts; false when that is wrong, which is told then.
+bool FinishReadingOptions(ReadingOptions* options);
 
 }  // namespace qxview

@@ -48,13 +48,7 @@ void AddPrintCommand(CLI::App* app, int* status) {
       "  qxview print --packets 1-100 -o decode.txt capture.pcap\n"
       "  qxview print --set RangeFilterOn=1 --set RangeFilterStart=14 --set RangeFilterLength=20 capture.pcap");
   command->callback([options, status] {
-    std::string message;
-    if (!FinishReadingOptions(&options->reading, &message)) {
-      Tell(message);
-      *status = kUsage;
-      return;
-    }
-    *status = Print(*options);
+    *status = FinishReadingOptions(&options->reading) ? Print(*options) : kUsage;
   });
 }
 

@@ -111,13 +111,7 @@ void AddSaveCommand(CLI::App* app, int* status) {
       "  qxview save capture.pcap packets.bfr\n"
       "  qxview save --append --packets 10-20 --partial 64 more.pcapng packets.bfr");
   command->callback([options, status] {
-    std::string message;
-    if (!FinishReadingOptions(&options->reading, &message)) {
-      Tell(message);
-      *status = kUsage;
-      return;
-    }
-    *status = Save(*options);
+    *status = FinishReadingOptions(&options->reading) ? Save(*options) : kUsage;
   });
 }
 

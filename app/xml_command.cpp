@@ -92,13 +92,7 @@ void AddXmlCommand(CLI::App* app, int* status) {
       "  qxview xml capture.pcap packets.xml\n"
       "  qxview xml --packets 10-20 --set AliasFile=names.txt packets.bfr - | less");
   command->callback([options, status] {
-    std::string message;
-    if (!FinishReadingOptions(&options->reading, &message)) {
-      Tell(message);
-      *status = kUsage;
-      return;
-    }
-    *status = ExportXml(*options);
+    *status = FinishReadingOptions(&options->reading) ? ExportXml(*options) : kUsage;
   });
 }
 
