@@ -61,7 +61,7 @@ REASONS = {
     "TLS": "TLS on ports without a definition, which tshark recognises on any port; bad checksums; inside VXLAN",
     "HTTP": "HTTP on ports without a definition; bad checksums",
     "DNS": "inside VXLAN, on link types without a decoder, bad checksums", "ICMP": "inside GRE; ARCNET; bad checksums",
-    "ARP": "ARCNET, which has no decoder here", "VNC": "port 6900, which is not VNC's",
+    "ARP": "ARCNET, which has no decoder here", "CHDLC": "frames of a header alone: the medium is named", "VNC": "port 6900, which is not VNC's",
     "QUIC": "ports that are not QUIC's: tshark recognises the payload",
     "STUN": "ports that are not STUN's: tshark recognises the payload",
     "RTCP": "a profile of feedback packets behind STUN; tshark follows the conversation",
