@@ -4,6 +4,7 @@
 
 #include "host/session.h"
 #include "host/standalone_host.h"
+#include "platform/mib_modules.h"
 #include "platform/platform.h"
 #include "qxview/qxview.h"
 #include "qxview/version.h"
@@ -59,6 +60,7 @@ void* QxView_CreateView(const QxHost* host) try {
     bool fileFault;
     HostOptions options;
     options.applicationDirectory = ExecutableDirectory();
+    options.readMibModules = ReadMibModules;
     view->ownHost = StandaloneHost::Create(options, &message, &fileFault);
     if (!view->ownHost) {
       std::fprintf(stderr, "qxview: %s\n", message.c_str());
