@@ -59,7 +59,7 @@ class Modules(unittest.TestCase):
             os.remove(os.path.join(self.folder.name, name))
             self.assertEqual((status, words), (0, ""))
             self.assertIn("Object Name  : 1.3.6.1.4.1.8072.2.3.2.1 "
-                          "(private.enterprises.netSnmp.heartMIB.3.heartObjects.heartRate)\n", text)
+                          "(private.enterprises.netSnmp.heartMIB.netSnmpExampleNotifications.heartObjects.heartRate)\n", text)
             self.assertIn(".heartRate, Integer32, read-write (1.3.6.1.4.1.8072.2.3.2.1)\n", text)
 
     def test_says_what_is_wrong_and_where(self):
