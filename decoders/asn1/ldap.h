@@ -92,6 +92,7 @@ void DescribeAttribute(const LdapElement& element, char* out, int32_t size);   /
 void DescribeAttributes(const LdapElement& element, char* out, int32_t size);  // their names: "cn, sn"
 void DescribeAssertion(const LdapElement& element, char* out, int32_t size);   // "cn=Ann"
 void DescribeFilter(const LdapElement& element, char* out, int32_t size);      // RFC 4515: "(&(cn=A*)(!(sn=B)))"
+void DescribeExtension(const LdapElement& element, char* out, int32_t size);   // "1.3.6.1.1.8 = Cancel"
 void DescribeUuid(const LdapElement& element, char* out, int32_t size);        // 16 octets as they stand (RFC 4122)
 void DescribeGuid(const LdapElement& element, char* out, int32_t size);        // first three numbers low octet first
 void DescribeSid(const LdapElement& element, char* out, int32_t size);         // "S-1-5-21-..."

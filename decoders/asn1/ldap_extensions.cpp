@@ -25,13 +25,30 @@ constexpr LdapGrammar kPaged = Fields(kPagedFields);
 constexpr LdapField kSortKeyFields[] = {Text(kString, "Attribute"), Text(0x80, "Ordering Rule"),
                                         Flag(0x81, "Reverse Order")};
 constexpr LdapGrammar kSortKey = Fields(kSortKeyFields);
-constexpr LdapField kSortFields[] = {Group(kAsnSequence, "Sort Key", DescribeTexts, &kSortKey)};
+void DescribeSortKey(const LdapElement& key, char* out, int32_t size) {
+  constexpr uint32_t kReverse = 0x81;
+  LdapText text(out, size);
+  Cursor c = key.body;
+  for (LdapElement part = PeekElement(c); part.here; part = PeekElement(c)) {
+    if (!text.IsEmpty()) text.Put(", ");
+    if (part.identifier == kReverse) {
+      text.Put(NumberIn(part) ? "Reverse" : "Forward");
+    } else {
+      text.PutValue(part.body);
+    }
+    TakeBytes(c, Left(part.whole));
+  }
+}
+constexpr LdapField kSortFields[] = {Group(kAsnSequence, "Sort Key", DescribeSortKey, &kSortKey)};
 constexpr LdapGrammar kSort = Repeated(kSortFields);
 constexpr LdapField kSortResultFields[] = {Number(kAsnEnumerated, "Sort Result", LdapResultName),
                                            Text(0x80, "Attribute")};
 constexpr LdapGrammar kSortResult = Fields(kSortResultFields);
 
 // Virtual list views (draft-ietf-ldapext-ldapv3-vlv-09).
+const char* ViewResultName(uint32_t result) {
+  return result == 77 ? "Virtual List View Control Error" : LdapResultName(result);
+}
 constexpr LdapField kOffsetFields[] = {Number(kAsnInteger, "Offset"), Number(kAsnInteger, "Content Count")};
 constexpr LdapGrammar kByOffset = Fields(kOffsetFields);
 constexpr LdapField kViewFields[] = {
@@ -40,7 +57,7 @@ constexpr LdapField kViewFields[] = {
 constexpr LdapGrammar kView = Fields(kViewFields);
 constexpr LdapField kViewResultFields[] = {
     Number(kAsnInteger, "Target Position"), Number(kAsnInteger, "Content Count"),
-    Number(kAsnEnumerated, "Virtual List View Result", LdapResultName), Text(kString, "Context ID")};
+    Number(kAsnEnumerated, "Virtual List View Result", ViewResultName), Text(kString, "Context ID")};
 constexpr LdapGrammar kViewResult = Fields(kViewResultFields);
 
 // Content synchronization (RFC 4533).
@@ -237,19 +254,10 @@ const LdapExtension* Find(const LdapExtension (&rows)[kRows], const Cursor& oid)
   return nullptr;
 }
 
-void DescribeName(const LdapElement& element, char* out, int32_t size) {
-  LdapText text(out, size);
-  text.PutValue(element.body);
-  if (const char* name = ExtensionName(element.body)) {
-    text.Put(" = ");
-    text.Put(name);
-  }
-}
-
 void DescribeControl(const LdapElement& control, char* out, int32_t size) {
   Cursor c = control.body;
   const LdapElement oid = PeekElement(c);
-  DescribeName(oid, out, size);
+  DescribeExtension(oid, out, size);
   TakeBytes(c, Left(oid.whole));
   const LdapElement criticality = PeekElement(c);
   if (criticality.identifier == kAsnBoolean && NumberIn(criticality)) AppendString(out, size, ", Critical");
@@ -278,8 +286,17 @@ const char* ExtensionName(const Cursor& oid) {
   return found ? found->name : nullptr;
 }
 
+void DescribeExtension(const LdapElement& element, char* out, int32_t size) {
+  LdapText text(out, size);
+  text.PutValue(element.body);
+  if (const char* name = ExtensionName(element.body)) {
+    text.Put(" = ");
+    text.Put(name);
+  }
+}
+
 void StepExtensionName(LdapWalk& walk, uint32_t identifier, const char* title) {
-  StepField(walk, Text(identifier, title, DescribeName));
+  StepField(walk, Text(identifier, title, DescribeExtension));
 }
 
 void StepExtensionValue(LdapWalk& walk, uint32_t identifier, const char* title, const LdapValue& value) {

@@ -102,6 +102,8 @@ void SummarizeOperation(LdapText& text, const LdapElement& operation) {
       text.Put(", ");
       return text.PutValue(operation.body);
     case kLdapSearchEntry:
+      if (Left(PeekElement(c).body) < 1 && PeekElement(c).here) return text.Put(", Root DSE");
+      return AddNext(text, c);
     case kLdapSearchReference:
     case kLdapModifyRequest:
     case kLdapAddRequest: return AddNext(text, c);

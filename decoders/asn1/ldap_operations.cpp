@@ -19,10 +19,11 @@ bool NameIs(const LdapElement& name, const char* wanted) {
   return !wanted[i] && i == Left(name.body);
 }
 
-// Attributes whose values are known octets.
+// Attributes whose values say more than their characters.
 LdapDescribe DescriptionOf(const LdapElement& name) {
   if (NameIs(name, "objectGUID") || NameIs(name, "schemaIDGUID")) return DescribeGuid;
   if (NameIs(name, "objectSid") || NameIs(name, "securityIdentifier")) return DescribeSid;
+  if (NameIs(name, "supportedControl") || NameIs(name, "supportedExtension")) return DescribeExtension;
   return nullptr;
 }
 
