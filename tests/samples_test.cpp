@@ -10,7 +10,7 @@
 namespace qxview::testing {
 namespace {
 
-constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "lan", "mail", "telnet", "vlan"};
+constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "lan", "ldap", "mail", "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:

@@ -43,8 +43,10 @@ void PutSubstrings(LdapText& text, Cursor c) {
 // "cn:dn:2.4.6.8.10:=value"
 void PutExtensible(LdapText& text, Cursor c) {
   constexpr uint32_t kRule = 0x81, kType = 0x82, kValue = 0x83, kAttributes = 0x84;
-  LdapElement parts[4]{};
-  for (LdapElement part = PeekElement(c); part.here; part = PeekElement(c)) {
+  constexpr int32_t kMostParts = 4;   // the filters around it are written with it again
+  LdapElement parts[kMostParts]{};
+  for (int32_t i = 0; i < kMostParts; ++i) {
+    const LdapElement part = PeekElement(c);
     if (part.identifier >= kRule && part.identifier <= kAttributes) parts[part.identifier - kRule] = part;
     TakeBytes(c, Left(part.whole));
   }
