@@ -11,8 +11,8 @@ namespace {
 constexpr uint32_t kTlsBuiltin = 0x1E;
 constexpr const char* kContinuationTitle = "LDAP Continuation Data";
 
-// Whether a whole message head starts here whose lengths agree with one another, as they do nowhere inside a message but
-// by design: the operation ends where the message does, or its controls do.
+// Whether a whole message head starts here whose lengths agree with one another, as they do nowhere inside a message
+// but by design: the operation ends where the message does, or its controls do.
 bool IsMessageHead(const Cursor& c) {
   LdapElement message;
   if (c.at[0] != kAsnSequence || !StartsMessage(c, message)) return false;
@@ -49,7 +49,7 @@ int32_t DecodeLdap(const Place& at, Cursor c) {
   Loop loop;
   while (MoreAt(at, c, loop)) {
     const int32_t start = c.offset;
-    if (!ShowMessages(at, c, &elementsLeft)) return kAsnTruncated;
+    if (!ShowLdapMessages(at, c, &elementsLeft)) return kAsnTruncated;
     while (ShowSaslBuffer(at, c, &elementsLeft)) {
     }
     if (c.offset > start) {

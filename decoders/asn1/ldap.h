@@ -109,9 +109,9 @@ bool StartsMessage(const Cursor& c, LdapElement& message);
 // What one line says of a message: operation, ID, names, result.
 void DescribeMessage(const LdapElement& message, char* out, int32_t size);
 // The message's top line and all lines under it.
-void ShowMessage(const Place& at, const LdapElement& message, int32_t* elementsLeft);
+void ShowLdapMessage(const Place& at, const LdapElement& message, int32_t* elementsLeft);
 // The messages one behind the other from the cursor on, which then stands behind the last; false when that is cut.
-bool ShowMessages(const Place& at, Cursor& c, int32_t* elementsLeft);
+bool ShowLdapMessages(const Place& at, Cursor& c, int32_t* elementsLeft);
 
 // A buffer of a security layer at the cursor, with the messages in it that are not encrypted. False, and nothing is
 // taken, for anything else.
@@ -129,9 +129,9 @@ struct LdapExtension {
   LdapValue request;    // of controls both ways
   LdapValue response;
 };
-const LdapExtension* FindExtension(const Cursor& oid);                    // of an extended operation; null for none
+const LdapExtension* FindLdapExtension(const Cursor& oid);                    // of an extended operation; null for none
 const LdapExtension* FindPasswordModify();
-const char* ExtensionName(const Cursor& oid);                             // null for unknown ones
+const char* LdapExtensionName(const Cursor& oid);                             // null for unknown ones
 void StepExtensionName(LdapWalk& walk, uint32_t identifier, const char* title);
 void StepExtensionValue(LdapWalk& walk, uint32_t identifier, const char* title, const LdapValue& value);
 void WalkControls(LdapWalk& walk);
@@ -139,8 +139,8 @@ void WalkControls(LdapWalk& walk);
 // The value of the attribute that a domain controller answers a UDP search with: which one it is and of what domain.
 void ShowNetlogon(LdapWalk& walk);
 
-// A whole payload: messages, SASL buffers, the middle of a message. Result: 1; 0 for bytes that are none of them; 2 when
-// the last message goes on behind the payload.
+// A whole payload: messages, SASL buffers, the middle of a message. Result: 1; 0 for bytes that are none of them; 2
+// when the last message goes on behind the payload.
 int32_t DecodeLdap(const Place& at, Cursor c);
 
 }  // namespace qxview

@@ -51,9 +51,9 @@ const char* ViewResultName(uint32_t result) {
 }
 constexpr LdapField kOffsetFields[] = {Number(kAsnInteger, "Offset"), Number(kAsnInteger, "Content Count")};
 constexpr LdapGrammar kByOffset = Fields(kOffsetFields);
-constexpr LdapField kViewFields[] = {
-    Number(kAsnInteger, "Before Count"), Number(kAsnInteger, "After Count"), Group(0xA0, "By Offset", nullptr, &kByOffset),
-    Text(0x81, "Greater Than Or Equal"), Text(kString, "Context ID")};
+constexpr LdapField kViewFields[] = {Number(kAsnInteger, "Before Count"), Number(kAsnInteger, "After Count"),
+                                     Group(0xA0, "By Offset", nullptr, &kByOffset),
+                                     Text(0x81, "Greater Than Or Equal"), Text(kString, "Context ID")};
 constexpr LdapGrammar kView = Fields(kViewFields);
 constexpr LdapField kViewResultFields[] = {
     Number(kAsnInteger, "Target Position"), Number(kAsnInteger, "Content Count"),
@@ -83,9 +83,9 @@ constexpr LdapGrammar kUuids = Repeated(kUuidFields);
 constexpr LdapField kIdSetFields[] = {Text(kString, "Cookie"), Flag(kAsnBoolean, "Refresh Deletes"),
                                       Group(kLdapSet, "Entries", nullptr, &kUuids)};
 constexpr LdapGrammar kIdSet = Fields(kIdSetFields);
-constexpr LdapField kSyncInfoFields[] = {
-    Text(0x80, "New Cookie"), Group(0xA1, "Refresh Delete", nullptr, &kRefresh),
-    Group(0xA2, "Refresh Present", nullptr, &kRefresh), Group(0xA3, "Sync ID Set", nullptr, &kIdSet)};
+constexpr LdapField kSyncInfoFields[] = {Text(0x80, "New Cookie"), Group(0xA1, "Refresh Delete", nullptr, &kRefresh),
+                                         Group(0xA2, "Refresh Present", nullptr, &kRefresh),
+                                         Group(0xA3, "Sync ID Set", nullptr, &kIdSet)};
 constexpr LdapGrammar kSyncInfo = Fields(kSyncInfoFields);
 
 // Assertion (RFC 4528), matched values (RFC 3876), reads before and after (RFC 4527), subentries (RFC 3672).
@@ -98,10 +98,11 @@ constexpr LdapGrammar kSubentries = Fields(kVisibility);
 
 // Password policy (draft-behera-ldap-password-policy-10).
 const char* PolicyErrorName(uint32_t error) {
-  constexpr const char* kNames[] = {"Password Expired", "Account Locked", "Change After Reset",
-                                    "Password Modification Not Allowed", "Must Supply Old Password",
-                                    "Insufficient Password Quality", "Password Too Short", "Password Too Young",
-                                    "Password In History", "Password Too Long"};
+  constexpr const char* kNames[] = {"Password Expired",         "Account Locked",
+                                    "Change After Reset",       "Password Modification Not Allowed",
+                                    "Must Supply Old Password", "Insufficient Password Quality",
+                                    "Password Too Short",       "Password Too Young",
+                                    "Password In History",      "Password Too Long"};
   return error < 10 ? kNames[error] : kUnknown;
 }
 constexpr LdapField kWarningFields[] = {Number(0x80, "Seconds Before Expiration"), Number(0x81, "Grace Logins Left")};
@@ -134,7 +135,8 @@ constexpr LdapField kSessionFields[] = {Text(kString, "Source Address"), Text(kS
                                         Text(kString, "Format"), Text(kString, "Identifier")};
 constexpr LdapGrammar kSession = Fields(kSessionFields);
 
-// Password modify (RFC 3062), cancel (RFC 3909), turn (RFC 4531), dynamic entries (RFC 2589), transactions (RFC 5805).
+// Password modify (RFC 3062), cancel (RFC 3909), turn (RFC 4531), dynamic entries (RFC 2589), transactions (RFC
+// 5805).
 constexpr LdapField kPasswordFields[] = {Text(0x80, "User Identity"), Text(0x81, "Old Password"),
                                          Text(0x82, "New Password")};
 constexpr LdapGrammar kPassword = Fields(kPasswordFields);
@@ -277,11 +279,11 @@ constexpr LdapField kControlList = Group(kLdapControls, "Controls", nullptr, &kC
 
 }  // namespace
 
-const LdapExtension* FindExtension(const Cursor& oid) { return Find(kOperations, oid); }
+const LdapExtension* FindLdapExtension(const Cursor& oid) { return Find(kOperations, oid); }
 const LdapExtension* FindPasswordModify() { return &kOperations[1]; }
 
-const char* ExtensionName(const Cursor& oid) {
-  const LdapExtension* found = FindExtension(oid);
+const char* LdapExtensionName(const Cursor& oid) {
+  const LdapExtension* found = FindLdapExtension(oid);
   if (!found) found = Find(kControlsTable, oid);
   return found ? found->name : nullptr;
 }
@@ -289,7 +291,7 @@ const char* ExtensionName(const Cursor& oid) {
 void DescribeExtension(const LdapElement& element, char* out, int32_t size) {
   LdapText text(out, size);
   text.PutValue(element.body);
-  if (const char* name = ExtensionName(element.body)) {
+  if (const char* name = LdapExtensionName(element.body)) {
     text.Put(" = ");
     text.Put(name);
   }

@@ -130,8 +130,8 @@ bool ShowFilter(LdapWalk& walk, const LdapElement& filter, const char* title, Ld
   LdapWalk parts = under;
   const FilterKind* kind = KindOf(filter.identifier);
   if (!kind) {
-    const LdapField present{filter.identifier, LdapField::kText, filter.identifier == kPresent ? "Present" : kUndefined};
-    StepField(parts, present);
+    const char* name = filter.identifier == kPresent ? "Present" : kUndefined;
+    StepField(parts, {filter.identifier, LdapField::kText, name});
     return false;
   }
   if (!StepHeader(parts, kind->label, inner)) return false;

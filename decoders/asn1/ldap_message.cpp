@@ -73,7 +73,7 @@ void SummarizeExtension(LdapText& text, Cursor c, uint32_t nameIdentifier) {
     if (!element.here) return;
     if (element.identifier != nameIdentifier) continue;
     text.Put(", ");
-    if (const char* name = ExtensionName(element.body)) return text.Put(name);
+    if (const char* name = LdapExtensionName(element.body)) return text.Put(name);
     return text.PutValue(element.body);
   }
 }
@@ -140,7 +140,7 @@ void DescribeMessage(const LdapElement& message, char* out, int32_t size) {
   if (const LdapElement operation = PeekElement(c); operation.here) SummarizeOperation(text, operation);
 }
 
-void ShowMessage(const Place& at, const LdapElement& message, int32_t* elementsLeft) {
+void ShowLdapMessage(const Place& at, const LdapElement& message, int32_t* elementsLeft) {
   char text[kShortLineSize];
   DescribeMessage(message, text, sizeof text);
   const char* shown = text;
@@ -160,7 +160,7 @@ void ShowMessage(const Place& at, const LdapElement& message, int32_t* elementsL
   ShowUnexplained(fields);
 }
 
-bool ShowMessages(const Place& at, Cursor& c, int32_t* elementsLeft) {
+bool ShowLdapMessages(const Place& at, Cursor& c, int32_t* elementsLeft) {
   Loop loop;
   LdapElement message;
   while (MoreAt(at, c, loop) && StartsMessage(c, message)) {
@@ -168,7 +168,7 @@ bool ShowMessages(const Place& at, Cursor& c, int32_t* elementsLeft) {
       AddRawRest(at, c, "More LDAP Messages");
       return true;
     }
-    ShowMessage(at, message, elementsLeft);
+    ShowLdapMessage(at, message, elementsLeft);
     TakeBytes(c, Left(message.whole));
     if (IsCut(message)) return false;
   }

@@ -25,8 +25,8 @@ inline constexpr auto kLdapOperationNames = SortedNames({
     {kLdapExtendedResponse, "Extended Response"}, {kLdapIntermediate, "Intermediate Response"},
 });
 
-// RFC 4511 Appendix A, with those of version 2 (9), of the drafts in use (60, 61, 70, 76), of clients' own libraries (81 to
-// 97), of RFC 3909 (118 to 121), RFC 4528 (122), RFC 4370 (123) and RFC 4533 (4096).
+// RFC 4511 Appendix A, with those of version 2 (9), of the drafts in use (60, 61, 70, 76), of clients' own libraries
+// (81 to 97), of RFC 3909 (118 to 121), RFC 4528 (122), RFC 4370 (123) and RFC 4533 (4096).
 inline constexpr auto kLdapResultNames = SortedNames({
     {0, "Success"}, {1, "Operations Error"}, {2, "Protocol Error"}, {3, "Time Limit Exceeded"},
     {4, "Size Limit Exceeded"}, {5, "Compare False"}, {6, "Compare True"}, {7, "Auth Method Not Supported"},

@@ -69,8 +69,8 @@ bool TakeName(const Cursor& value, Cursor& c, char* out, int32_t size) {
 }
 
 bool AddNames(const Place& in, const Cursor& value, Cursor& c) {
-  constexpr const char* kTitles[] = {"Forest", "Domain", "Host", "NetBIOS Domain", "NetBIOS Host", "User", "Server Site",
-                                     "Client Site"};
+  constexpr const char* kTitles[] = {"Forest", "Domain",      "Host",       "NetBIOS Domain", "NetBIOS Host",
+                                     "User",   "Server Site", "Client Site"};
   for (const char* title : kTitles) {
     const Cursor start = c;
     char text[kLdapTextSize];

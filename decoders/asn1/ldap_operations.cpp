@@ -153,8 +153,8 @@ Cursor ContentsOf(Cursor c, uint32_t identifier) {
   return MakeCursor(nullptr, 0, 0);
 }
 
-// Servers leave the name out of what answers a request to modify a password; the one value of that answer, a password in
-// a sequence, looks like no other.
+// Servers leave the name out of what answers a request to modify a password; the one value of that answer, a password
+// in a sequence, looks like no other.
 bool IsGeneratedPassword(const Cursor& value) {
   const LdapElement sequence = PeekElement(value);
   const LdapElement password = PeekElement(sequence.body);
@@ -163,14 +163,14 @@ bool IsGeneratedPassword(const Cursor& value) {
 }
 
 void WalkExtendedRequest(LdapWalk& walk) {
-  const LdapExtension* extension = FindExtension(ContentsOf(walk.c, 0x80));
+  const LdapExtension* extension = FindLdapExtension(ContentsOf(walk.c, 0x80));
   StepExtensionName(walk, 0x80, "Request Name");
   StepExtensionValue(walk, 0x81, "Request Value", extension ? extension->request : LdapValue{});
 }
 
 void WalkExtendedResponse(LdapWalk& walk) {
   const Cursor name = ContentsOf(walk.c, 0x8A), value = ContentsOf(walk.c, 0x8B);
-  const LdapExtension* extension = FindExtension(name);
+  const LdapExtension* extension = FindLdapExtension(name);
   if (!extension && IsGeneratedPassword(value)) extension = FindPasswordModify();
   for (const LdapField& field : kResultFields) StepField(walk, field);
   StepExtensionName(walk, 0x8A, "Response Name");
@@ -178,7 +178,7 @@ void WalkExtendedResponse(LdapWalk& walk) {
 }
 
 void WalkIntermediate(LdapWalk& walk) {
-  const LdapExtension* extension = FindExtension(ContentsOf(walk.c, 0x80));
+  const LdapExtension* extension = FindLdapExtension(ContentsOf(walk.c, 0x80));
   StepExtensionName(walk, 0x80, "Response Name");
   StepExtensionValue(walk, 0x81, "Response Value", extension ? extension->response : LdapValue{});
 }

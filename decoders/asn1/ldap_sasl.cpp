@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t kGssToken = 0x60, kKerberosWrap = 0x0504, kGssWrap = 0x0201;
 constexpr uint32_t kNtlmVersion = 0x01000000;
-constexpr uint32_t kMostBuffer = 0xFFFFFF;   // what a mechanism can agree on
+constexpr uint32_t kMostBuffer = 0xFFFFFF;  // what a mechanism can agree on
 constexpr int32_t kLengthSize = 4;
 
 const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
@@ -22,7 +22,7 @@ const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
 // What is left of the data: messages in the clear, or a dump.
 void ShowData(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft, const char* title) {
   LdapElement message;
-  if (StartsMessage(c, message)) ShowMessages(at, c, elementsLeft);
+  if (StartsMessage(c, message)) ShowLdapMessages(at, c, elementsLeft);
   AddBlock(in, Rest(c), title);
 }
 
@@ -100,7 +100,7 @@ void ShowNtlm(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft
 }
 
 void ShowDigest(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft) {
-  ShowMessages(at, c, elementsLeft);
+  ShowLdapMessages(at, c, elementsLeft);
   constexpr int32_t kCode = 10, kTrailer = kCode + 6;
   if (Left(c) != kTrailer) {
     AddBlock(in, Rest(c), "Signature");
@@ -146,11 +146,21 @@ bool ShowSaslBuffer(const Place& at, Cursor& c, int32_t* elementsLeft) {
   AddLine(in, length, "SASL Buffer Length: %u Bytes", length.value);
   c = ahead;
   switch (token) {
-    case Token::kKerberos: ShowKerberos(at, in, data, elementsLeft); break;
-    case Token::kGss: ShowGss(at, in, data, elementsLeft); break;
-    case Token::kNtlm: ShowNtlm(at, in, data, elementsLeft); break;
-    case Token::kDigest: ShowDigest(at, in, data, elementsLeft); break;
-    case Token::kNone: AddBlock(in, Rest(data), "Encrypted Data"); break;
+    case Token::kKerberos:
+      ShowKerberos(at, in, data, elementsLeft);
+      break;
+    case Token::kGss:
+      ShowGss(at, in, data, elementsLeft);
+      break;
+    case Token::kNtlm:
+      ShowNtlm(at, in, data, elementsLeft);
+      break;
+    case Token::kDigest:
+      ShowDigest(at, in, data, elementsLeft);
+      break;
+    case Token::kNone:
+      AddBlock(in, Rest(data), "Encrypted Data");
+      break;
   }
   return true;
 }

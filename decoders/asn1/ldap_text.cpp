@@ -10,7 +10,7 @@ namespace {
 
 struct Character {
   uint32_t code;
-  int32_t octets;   // 0 for what is no UTF-8
+  int32_t octets;  // 0 for what is no UTF-8
 };
 
 // The character at the octets, of which there is at least one (RFC 3629: shortest form, no surrogates).

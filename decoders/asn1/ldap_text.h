@@ -1,7 +1,8 @@
 // Bounded texts of LDAP's elements in the lines' character set, Windows-1252.
 //
-// A string of the directory is UTF-8 (RFC 4511 4.1.2), the value of an attribute may be anything. Characters without a
-// place in the line are escaped octet by octet, "\E2\82\B9", as distinguished names and filters are (RFC 4514, RFC 4515).
+// A string of the directory is UTF-8 (RFC 4511 4.1.2), the value of an attribute may be anything. Characters without
+// a place in the line are escaped octet by octet, "\E2\82\B9", as distinguished names and filters are (RFC 4514, RFC
+// 4515).
 #pragma once
 #include "core/decoder.h"
 

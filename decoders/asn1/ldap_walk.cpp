@@ -60,17 +60,17 @@ void ShowInside(LdapWalk& walk, const LdapField& field, const LdapElement& eleme
 LdapElement PeekElement(const Cursor& c) {
   LdapElement element{};
   element.whole = element.body = MakeCursor(c.at, c.offset, 0);
-  if (Left(c) < 2 || c.at[1] == 0x80) return element;
-  Cursor body = c;
-  const Field identifier = TakeU8(body);
-  AsnResult length{};
-  if (DecodeAsnLength(AsnPlace{}, body, length) != kAsnDecoded || length.number > 0x7FFFFFFF) return element;
-  TakeBytes(body, length.consumed);
-  element.identifier = identifier.value;
-  element.body = TakeCursor(body, length.number);
-  element.size = 1 + int64_t{length.consumed} + length.number;
-  element.whole = MakeCursor(c.at, c.offset, body.offset - c.offset);
-  element.here = true;
+  Cursor rest = c;
+  AsnSpan span;
+  if (Left(c) < 2 || c.at[1] == 0x80 || !(span = TakeAsnElement(rest)).here) return element;
+  element = {span.identifier, span.whole, span.contents, Left(span.whole), true};
+  if (span.cut) {
+    Cursor length = c;
+    TakeBytes(length, 1);
+    AsnResult declared{};
+    DecodeAsnLength(AsnPlace{}, length, declared);
+    element.size = 1 + int64_t{declared.consumed} + declared.number;
+  }
   return element;
 }
 
@@ -107,12 +107,21 @@ bool StepField(LdapWalk& walk, const LdapField& field) {
   if (!element.here || *walk.elementsLeft < 1) return false;
   if (element.identifier != field.identifier && field.kind != LdapField::kFilter) return false;
   switch (field.kind) {
-    case LdapField::kFilter: return StepFilter(walk, field.title);
+    case LdapField::kFilter:
+      return StepFilter(walk, field.title);
     case LdapField::kGroup:
-    case LdapField::kShown: ShowInside(walk, field, element); return true;
-    case LdapField::kText: ShowText(walk, field, element); break;
-    case LdapField::kNumber: ShowNumber(walk, field, element); break;
-    case LdapField::kFlag: ShowFlag(walk, field, element); break;
+    case LdapField::kShown:
+      ShowInside(walk, field, element);
+      return true;
+    case LdapField::kText:
+      ShowText(walk, field, element);
+      break;
+    case LdapField::kNumber:
+      ShowNumber(walk, field, element);
+      break;
+    case LdapField::kFlag:
+      ShowFlag(walk, field, element);
+      break;
   }
   --*walk.elementsLeft;
   TakeBytes(walk.c, Left(element.whole));
