@@ -299,6 +299,13 @@ constexpr double kMostMilliseconds = 10;
 constexpr double kMostMilliseconds = 1000;
 #endif
 
+TEST(Ldap, WhatIsPastTheBoundIsDumped) {
+  const std::string names = Outline(Message(Wrap(0x73, Repeat(Str("ldap://a/"), kMostLdapElements))));
+  EXPECT_NE(names.find("  URI: ldap://a/\n  More Elements\n"), std::string::npos);
+  const std::string messages = Outline(Repeat(Message(kUnbind), kMostLdapElements));
+  EXPECT_NE(messages.find("\nMore LDAP Messages\n"), std::string::npos);
+}
+
 TEST(Ldap, HostilePayloadsAreBounded) {
   const auto times = [](const Bytes& what, size_t size) { return Repeat(what, size / what.size()); };
   constexpr size_t kSize = 60000;
