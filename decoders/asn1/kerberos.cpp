@@ -106,7 +106,7 @@ void AppendPrincipal(char* out, int32_t outSize, const char* label, const Cursor
 void DescribeMessage(const KrbType& message, const Cursor& c, char* out, int32_t outSize) {
   const Cursor fields = ContentsOf(ContentsOf(c, message.identifier), kAsnSequence);
   FormatInto(out, outSize, "%s", message.label);
-  if (message.identifier == kError) {
+  if (message.identifier == kError && Left(FindKrbField(fields, 6)) > 0) {
     AppendFormat(out, outSize, ", %s", LookupName(kKrbErrorNames, KrbCodeOf(fields, 6), kUndefined));
   }
   const Parties parties = FindParties(message.identifier, fields);
@@ -114,12 +114,17 @@ void DescribeMessage(const KrbType& message, const Cursor& c, char* out, int32_t
   AppendPrincipal(out, outSize, "Server", parties.server, parties.serverRealm);
 }
 
+Place TopOf(const Payload& payload) {
+  Place top = payload.at;
+  if (top.level > kDeepestBase) top.level = kDeepestBase;
+  return top;
+}
+
 // The message at the cursor, which was seen to start one; the record mark in front of it may be none.
 void ShowMessage(Payload& payload, const Field& mark) {
   const KrbType& message = *FindKrbMessage(payload.c.at[0]);
   const AsnSpan span = TakeAsnElement(payload.c);
-  Place top = payload.at;
-  if (top.level > kDeepestBase) top.level = kDeepestBase;
+  const Place top = TopOf(payload);
   LineHandle parents[kAsnDepths];
   const int32_t start = mark.here ? mark.offset : span.whole.offset;
   {
@@ -130,49 +135,58 @@ void ShowMessage(Payload& payload, const Field& mark) {
   }
   const AsnPlace at{top.view, top.tree, parents, top.level, 0};
   AddLine(LinesOf(at), mark, "Message Length: %u Bytes", mark.value);
+  --payload.walk.elementsLeft;
   payload.walk.isReply = message.identifier == kAsReply || message.identifier == kTgsReply ||
                          message.identifier == kError;
   uint32_t code = 0;
   ShowKrbElement(payload.walk, at, span.whole, message, code);
 }
 
+void DescribePassword(const Cursor& c, char* out, int32_t outSize) {
+  constexpr uint32_t kSet = 0xFF80;
+  const bool isRequest = Left(c) > kPasswordHeaderSize && c.at[kPasswordHeaderSize] == kApRequest;
+  FormatInto(out, outSize, "%s Password %s", ReadU16(c.at + 2) == kSet ? "Set" : "Change",
+             isRequest ? "Request" : "Reply");
+}
+
 // A change-password message: its header, and the messages that it holds under top lines of their own.
 void ShowPassword(Payload& payload, const Field& mark) {
-  constexpr uint32_t kSet = 0xFF80;
   Cursor& c = payload.c;
   const int32_t start = mark.here ? mark.offset : c.offset;
-  Place top = payload.at;
-  if (top.level > kDeepestBase) top.level = kDeepestBase;
-  const bool isRequest = Left(c) > kPasswordHeaderSize && c.at[kPasswordHeaderSize] == kApRequest;
+  const Place top = TopOf(payload);
+  char title[kAsnShortTextSize];
+  DescribePassword(c, title, sizeof title);
   const int32_t end = c.offset + kPasswordHeaderSize;
   const Field length = TakeU16(c), version = TakeU16(c), ticket = TakeU16(c);
-  const char* kind = version.value == kSet ? "Set Password" : "Change Password";
-  const Place in = Under(top, AddLine(top, Stated(start, end - start), "Kerberos: %s %s", kind,
-                                      isRequest ? "Request" : "Reply"));
+  const Place in = Under(top, AddLine(top, Stated(start, end - start), "Kerberos: %s",
+                                      static_cast<const char*>(title)));
   AddLine(in, mark, "Record Length: %u Bytes", mark.value);
   AddLine(in, length, "Message Length: %u Bytes", length.value);
-  AddLine(in, version, "Protocol Version: 0x%.04X = %s", version.value, kind);
-  AddLine(in, ticket, "%s Length: %u Bytes", isRequest ? "AP-REQ" : "AP-REP", ticket.value);
-  if (Left(c) < static_cast<int32_t>(length.value) - kPasswordHeaderSize) payload.walk.isCut = true;
+  AddLine(in, version, "Protocol Version: 0x%.04X", version.value);
+  AddLine(in, ticket, "%s Length: %u Bytes", StartsMessage(c) && c.at[0] == kApRequest ? "AP-REQ" : "AP-REP",
+          ticket.value);
+  const int32_t bodySize = static_cast<int32_t>(length.value) - kPasswordHeaderSize;
+  if (Left(c) < bodySize) payload.walk.isCut = true;
 
   payload.walk.isPassword = true;
   const Field none{};
-  Cursor body = TakeCursor(c, static_cast<int32_t>(length.value) - kPasswordHeaderSize);
+  const Cursor body = TakeCursor(c, bodySize);
   const Cursor behind = c;
   c = body;
-  while (StartsMessage(c)) ShowMessage(payload, none);
+  while (StartsMessage(c) && payload.walk.elementsLeft > 0) ShowMessage(payload, none);
   AddRawRest(payload.at, c, "Kerberos Data");
   c = behind;
   payload.walk.isPassword = false;
 }
 
+// What stands at the cursor; false when it is neither.
 bool ShowNext(Payload& payload, const Field& mark) {
-  if (StartsMessage(payload.c)) {
-    ShowMessage(payload, mark);
-  } else if (StartsPassword(payload.c)) {
+  const bool isPassword = StartsPassword(payload.c);
+  if (!isPassword && !StartsMessage(payload.c)) return false;
+  if (isPassword) {
     ShowPassword(payload, mark);
   } else {
-    return false;
+    ShowMessage(payload, mark);
   }
   return true;
 }
@@ -190,7 +204,7 @@ bool StartsRecord(Cursor c) {
 void ShowSegment(Payload& payload) {
   Cursor& c = payload.c;
   Loop loop;
-  while (MoreAt(payload.at, c, loop) && StartsRecord(c)) {
+  while (MoreAt(payload.at, c, loop) && payload.walk.elementsLeft > 0 && StartsRecord(c)) {
     const Field mark = TakeU32(c);
     if (Left(c) < 1) {
       const Place in = Under(payload.at, AddLine(payload.at, mark, "Kerberos: Record Mark"));
@@ -203,7 +217,7 @@ void ShowSegment(Payload& payload) {
     if (c.offset < end && Left(c) < 1) payload.walk.isCut = true;
   }
   // The mark came in a segment of its own.
-  if (c.offset == c.begin && StartsMessage(c) && StatedSize(c) == Left(c)) ShowMessage(payload, Field{});
+  if (Taken(c) == 0 && StartsMessage(c) && StatedSize(c) == Left(c)) ShowMessage(payload, Field{});
   AddRawRest(payload.at, c, kContinuationTitle);
 }
 
@@ -225,6 +239,16 @@ int32_t DecodeKerberos(const Place& at, Cursor c) {
     AddRawRest(at, payload.c, "Kerberos Data");
   }
   return payload.walk.isCut ? kAsnTruncated : kAsnDecoded;
+}
+
+void DescribeKerberosPayload(Cursor c, bool isTcp, char* out, int32_t outSize) {
+  FormatInto(out, outSize, "Data");
+  if (isTcp && StartsRecord(c)) TakeU32(c);
+  if (StartsPassword(c)) {
+    DescribePassword(c, out, outSize);
+  } else if (StartsMessage(c)) {
+    DescribeMessage(*FindKrbMessage(c.at[0]), c, out, outSize);
+  }
 }
 
 }  // namespace qxview

@@ -53,7 +53,7 @@ inline constexpr auto kKrbPaNames = SortedNames({
     {103, "TD-KRB-REALM"}, {104, "TD-TRUSTED-CERTIFIERS"}, {105, "TD-CERTIFICATE-INDEX"},
     {106, "TD-APP-DEFINED-ERROR"}, {107, "TD-REQ-NONCE"}, {108, "TD-REQ-SEQ"}, {109, "TD-DH-PARAMETERS"},
     {111, "TD-CMS-DIGEST-ALGORITHMS"}, {112, "TD-CERT-DIGEST-ALGORITHMS"}, {128, "PA-PAC-REQUEST"},
-    {129, "PA-FOR-USER"}, {130, "PA-S4U-X509-USER"}, {131, "PA-FOR-CHECK-DUPS"}, {132, "PA-AS-CHECKSUM"},
+    {129, "PA-FOR-USER"}, {130, "PA-FOR-X509-USER"}, {131, "PA-FOR-CHECK-DUPS"}, {132, "PA-AS-CHECKSUM"},
     {133, "PA-FX-COOKIE"}, {134, "PA-AUTHENTICATION-SET"}, {135, "PA-AUTH-SET-SELECTED"}, {136, "PA-FX-FAST"},
     {137, "PA-FX-ERROR"}, {138, "PA-ENCRYPTED-CHALLENGE"}, {141, "PA-OTP-CHALLENGE"}, {142, "PA-OTP-REQUEST"},
     {143, "PA-OTP-CONFIRM"}, {144, "PA-OTP-PIN-CHANGE"}, {145, "PA-EPAK-AS-REQ"}, {146, "PA-EPAK-AS-REP"},
@@ -81,7 +81,8 @@ inline constexpr auto kKrbLastRequestNames = SortedNames({
 
 inline constexpr auto kKrbTransitedNames = SortedNames({{0, "None"}, {1, "DOMAIN-X500-COMPRESS"}});
 inline constexpr auto kKrbArmorNames = SortedNames({{1, "FX-FAST-ARMOR-AP-REQUEST"}});
-inline constexpr auto kKrbSpakeGroupNames = SortedNames({{1, "edwards25519"}, {2, "P-256"}, {3, "P-384"}, {4, "P-521"}});
+inline constexpr auto kKrbSpakeGroupNames = SortedNames({
+    {1, "edwards25519"}, {2, "P-256"}, {3, "P-384"}, {4, "P-521"}});
 inline constexpr auto kKrbSpakeFactorNames = SortedNames({{1, "SF-NONE"}});
 inline constexpr auto kKrbErrorDataNames = SortedNames({{1, "Clock Skew"}, {2, "Skew Recovery"}, {3, "Extended"}});
 inline constexpr auto kKrbPasswordResultNames = SortedNames({

@@ -14,9 +14,14 @@ constexpr auto kStatusNames = SortedNames({
     {0xC000015B, "Logon Type Not Granted"}, {0xC000018B, "No Trust SAM Account"}, {0xC0000193, "Account Expired"},
     {0xC0000224, "Password Must Change"}, {0xC0000234, "Account Locked Out"}, {0xC0000413, "Authentication Firewall"}});
 
-constexpr const char* kEncryptionSet[] = {
-    "des-cbc-crc", "des-cbc-md5", "rc4-hmac", "aes128-cts-hmac-sha1-96", "aes256-cts-hmac-sha1-96",
-    "aes256-cts-hmac-sha1-96 for session keys"};
+struct SetBit {
+  int32_t bit;
+  const char* name;
+};
+constexpr SetBit kEncryptionSet[] = {
+    {0, "des-cbc-crc"}, {1, "des-cbc-md5"}, {2, "rc4-hmac"}, {3, "aes128-cts-hmac-sha1-96"},
+    {4, "aes256-cts-hmac-sha1-96"}, {5, "aes256-cts-hmac-sha1-96 for Session Keys"}, {16, "FAST"},
+    {17, "Compound Identity"}, {18, "Claims"}, {19, "Resource SID Compression Disabled"}};
 
 void DescribeCode(const NameTableEntry* names, int32_t count, const Cursor& fields, uint32_t tag, char* out,
                   int32_t outSize) {
@@ -82,7 +87,8 @@ void DescribeAuthorization(const Cursor& fields, char* out, int32_t outSize) {
 
 void ShowPasswordResult(const Place& at, Cursor c) {
   const Field result = TakeU16(c);
-  AddLine(at, result, "Result Code: [%u] = %s", result.value, LookupName(kKrbPasswordResultNames, result.value, kUndefined));
+  AddLine(at, result, "Result Code: [%u] = %s", result.value,
+          LookupName(kKrbPasswordResultNames, result.value, kUndefined));
   const Field text = Rest(c);
   bool isText = true;
   for (int32_t i = 0; i < text.length; ++i) isText = isText && text.bytes[i] != 0;
@@ -94,11 +100,10 @@ void ShowPasswordResult(const Place& at, Cursor c) {
 }
 
 void ShowEncryptionSet(const Place& at, Cursor c) {
-  constexpr int32_t kBits = static_cast<int32_t>(sizeof kEncryptionSet / sizeof kEncryptionSet[0]);
   const Field set = TakeLittleU32(c);
-  for (int32_t bit = 0; bit < kBits; ++bit) {
-    const BitPicture one = BitsOf(set, 31 - bit, 1);
-    AddBitLine(at, set, "%s: %s = %s", one.picture, kEncryptionSet[bit], one.value ? "True" : "False");
+  for (const SetBit& row : kEncryptionSet) {
+    const BitPicture one = BitsOf(set, 31 - row.bit, 1);
+    AddBitLine(at, set, "%s: %s = %s", one.picture, row.name, one.value ? "True" : "False");
   }
   AddBlock(at, Rest(c), "Undefined Data");
 }

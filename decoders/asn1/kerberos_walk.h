@@ -13,7 +13,7 @@ struct KrbWalk {
   bool isCut;             // an element ran past its span
 };
 
-constexpr int32_t kMostKrbElements = 6000;   // ten times what the largest of real messages hold
+constexpr int32_t kMostKrbElements = 4000;   // ten times what the largest of real messages hold
 
 // Shows the element at the cursor, which ends where the element's span does: its header, and what is inside of it by
 // the type. `code` is the last code of the record that it stands in; an element that is a code leaves itself there.
