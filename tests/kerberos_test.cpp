@@ -152,6 +152,7 @@ TEST(Kerberos, PreAuthenticationData) {
       {"0B", Sequence(Sequence(Tag(0, Number("03")) + Tag(1, Octets(Hex("53414C54"))))),
        {"[11] = PA-ETYPE-INFO {", "ETYPE-INFO #1: [3] = des-cbc-md5 {", "Salt: SALT {"}},
       {"03", Hex("53414C54"), {"[3] = PA-PW-SALT {", "Data Value: SALT {"}},
+      {"03", Hex("340200C0 00000000 01000000"), {"[3] = PA-PW-SALT {", "Status: [0xC0000234] = Account Locked Out {"}},
       {"0080", Sequence(Tag(0, Wrap(0x01, Hex("FF")))), {"[128] = PA-PAC-REQUEST {", "Include PAC: True {"}},
       {"14", Sequence(Tag(0, Realm("B.TEST")) + Tag(1, Name("user"))),
        {"[20] = PA-SVR-REFERRAL-INFO {", "Referred Realm: B.TEST {", "Referred Name: user {"}},
@@ -262,6 +263,7 @@ TEST(Kerberos, HostilePayloadsAreBounded) {
   };
   Bytes nested;   // authorization data of authorization data, the innermost first
   for (int i = 0; i < 3000; ++i) nested = Sequence(Sequence(Tag(0, Number("01")) + Tag(1, Octets(nested))));
+  EXPECT_NE(OutlineOf(Wrap(0x62, Sequence(Tag(8, nested)))).find("Nested Data {"), std::string::npos);
   const char* error = "7E 82 FFF8 30 82 FFF0";
   const struct {
     const char* what;

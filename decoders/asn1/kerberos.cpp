@@ -8,7 +8,6 @@ namespace {
 
 constexpr int32_t kDeepestBase = 2;   // all depths of a message still have an image of their own
 constexpr uint32_t kTcp = 6;
-constexpr int32_t kMarkSize = 4;
 constexpr int32_t kPasswordHeaderSize = 6;
 constexpr const char* kContinuationTitle = "Kerberos Continuation Data";
 

@@ -308,6 +308,9 @@ constexpr KrbType kIssued = Record(kIssuedFields);
 constexpr KrbField kAndOrFields[] = {{0, "Condition Count", &kNumber}, {1, "Elements", &kKrbAuthorizationData}};
 constexpr KrbType kAndOr = Record(kAndOrFields);
 
+// Some KDCs put a status of their own where errors have the salt: its second word is 0, which no salt holds.
+bool IsExtendedError(const Cursor& contents) { return Left(contents) == 12 && ReadU32(contents.at + 4) == 0; }
+
 }  // namespace
 
 const KrbType* FindKrbMessage(uint32_t identifier) {
@@ -323,6 +326,7 @@ const KrbType* ChoosePaValue(const KrbWalk& walk, uint32_t code, const Cursor& c
     case 2:
     case 138:
     case 147: return &kEncrypted;
+    case 3: return IsExtendedError(contents) ? &kExtendedErrorRaw : nullptr;
     case 11: return &kInfos;
     case 19: return &kInfos2;
     case 20: return &kReferral;
