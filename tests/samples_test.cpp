@@ -10,7 +10,8 @@
 namespace qxview::testing {
 namespace {
 
-constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "mail", "telnet", "vlan"};
+constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "ldap", "mail",
+                                    "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:

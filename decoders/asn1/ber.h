@@ -125,6 +125,12 @@ int32_t DecodeAsnGeneralizedTime(const AsnPlace& at, const Cursor& c, const AsnS
 int32_t DecodeAsnGeneralString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
 int32_t DecodeAsnOpaque(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
 
+// Under an implicit tag the identifier is the message's own and tells nothing of the type, so any is taken. The type
+// line names the type that the message's definition gives.
+int32_t DecodeAsnImplicitInteger(const AsnPlace& at, const Cursor& c, AsnResult& out);
+int32_t DecodeAsnImplicitBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out);
+int32_t DecodeAsnImplicitString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
+
 // `out.text` is the name with its instance, or the dotted number without an entry in the MIB.
 int32_t DecodeAsnObjectId(const AsnPlace& at, const Cursor& c, AsnObjectNames& names, AsnResult& out);
 
