@@ -1,5 +1,5 @@
-// What object identifiers are called: the objects of the standard management trees, which are always known, and those of
-// further MIB modules.
+// What object identifiers are called: the objects of the standard management trees, which are always known, and those
+// of further MIB modules.
 //
 // An identifier is named by the deepest object that it starts with; what follows is the instance. So that a name tells
 // something, that object stands at or below "internet" (1.3.6.1), or is the identifier itself.

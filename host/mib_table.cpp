@@ -21,7 +21,8 @@ const MibRow* FindMibChild(const MibRow& row, uint32_t arc) {
   // Arcs mostly follow one another.
   const uint32_t distance = arc - first->arc;
   if (distance < row.childCount && first[distance].arc == arc) return first + distance;
-  const MibRow* found = std::lower_bound(first, end, arc, [](const MibRow& child, uint32_t a) { return child.arc < a; });
+  const auto isBefore = [](const MibRow& child, uint32_t a) { return child.arc < a; };
+  const MibRow* found = std::lower_bound(first, end, arc, isBefore);
   return found != end && found->arc == arc ? found : nullptr;
 }
 

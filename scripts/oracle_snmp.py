@@ -3,10 +3,11 @@
 
 usage: oracle_snmp.py CAPTURE... [--mibs DIRECTORY[:...]] [--qxview build/qxview] [--jobs 2] [--verbose]
 
-CAPTURE is a file or a directory of capture files. Of every packet that tshark shows SNMP in, each element that it names is
-looked up where it stands: version, community, PDU type, request identifier, error status with its name, error index, the
-counts of a bulk request, a trap's fields, the header and the security parameters of version 3, and of each binding the
-object identifier and the value. Type, value, place and title of ours have to be the same, and there may be no more of ours.
+CAPTURE is a file or a directory of capture files. Of every packet that tshark shows SNMP in, each element that it names
+is looked up where it stands: version, community, PDU type, request identifier, error status with its name, error index,
+the counts of a bulk request, a trap's fields, the header and the security parameters of version 3, and of each binding
+the object identifier and the value. Type, value, place and title of ours have to be the same, and there may be no more
+of ours.
 
 --mibs names the directories of MIB modules that snmptranslate reads; names of objects are then compared with its names,
 as far as the modules there name them.
@@ -24,21 +25,23 @@ from oracle_support import (Tally, capture_paths, children, decoded_packets, exi
                             print_others, tshark_command, walk, windows_1252)
 
 # tshark's field: our type, the title that it stands under.
-NUMBERS = {"version": "SNMP Version", "msgVersion": "SNMP Version", "request_id": "Request ID", "error_status": "Error Status",
-           "error_index": "Error Index", "non_repeaters": "Non-Repeaters", "max_repetitions": "Max-Repetitions",
+NUMBERS = {"version": "SNMP Version", "msgVersion": "SNMP Version", "request_id": "Request ID",
+           "error_status": "Error Status", "error_index": "Error Index", "non_repeaters": "Non-Repeaters", "max_repetitions": "Max-Repetitions",
            "generic_trap": "Generic Trap", "specific_trap": "Specific Trap", "msgID": "Message ID",
            "msgMaxSize": "Message Max Size", "msgSecurityModel": "Security Model",
            "msgAuthoritativeEngineBoots": "Authoritative Engine Boots",
            "msgAuthoritativeEngineTime": "Authoritative Engine Time"}
-STRINGS = {"community": "(SNMP Community )?Name", "msgFlags": "Flags", "msgAuthoritativeEngineID": "Authoritative Engine ID|ID",
-           "msgUserName": "User Name|Name", "msgAuthenticationParameters": "Authentication Parameters|Parameters",
+STRINGS = {"community": "(SNMP Community )?Name", "msgFlags": "Flags",
+           "msgAuthoritativeEngineID": "Authoritative Engine ID|ID", "msgUserName": "User Name|Name",
+           "msgAuthenticationParameters": "Authentication Parameters|Parameters",
            "msgPrivacyParameters": "Privacy Parameters|Parameters", "contextEngineID": "Context Engine ID|ID",
            "contextName": "Context Name|Name"}
-VALUES = {"value.int": "INTEGER", "value.octets": "OCTET STRING", "value.oid": "OBJECT IDENTIFIER", "value.null": "NULL",
-          "value.ipv4": "NetworkAddress", "value.counter": "COUNTER(64)?", "value.g32": "GAUGE", "value.u32": "UNSIGNED32",
-          "value.timeticks": "TimeTicks", "value.opaque": "OPAQUE", "noSuchObject": "NO SUCH OBJECT",
-          "noSuchInstance": "NO SUCH INSTANCE", "endOfMibView": "END OF MIBVIEW", "unSpecified": "NULL"}
-EXPECTED = {**{f: ("INTEGER", t) for f, t in NUMBERS.items()}, **{f: ("OCTET STRING", t) for f, t in STRINGS.items()},
+VALUES = {"value.int": "INTEGER", "value.octets": "OCTET STRING", "value.oid": "OBJECT IDENTIFIER",
+          "value.null": "NULL", "value.ipv4": "NetworkAddress", "value.counter": "COUNTER(64)?", "value.g32": "GAUGE",
+          "value.u32": "UNSIGNED32", "value.timeticks": "TimeTicks", "value.opaque": "OPAQUE",
+          "noSuchObject": "NO SUCH OBJECT", "noSuchInstance": "NO SUCH INSTANCE", "endOfMibView": "END OF MIBVIEW", "unSpecified": "NULL"}
+EXPECTED = {**{f: ("INTEGER", t) for f, t in NUMBERS.items()},
+            **{f: ("OCTET STRING", t) for f, t in STRINGS.items()},
             **{f: (t, "Object Value") for f, t in VALUES.items()}, "name": ("OBJECT IDENTIFIER", "Object Name"),
             "enterprise": ("OBJECT IDENTIFIER", "Enterprise"), "agent_addr": ("NetworkAddress", "Agent Address"),
             "time_stamp": ("TimeTicks", "Time Ticks")}
@@ -63,9 +66,8 @@ def read_peer(path):
                 if element.tag == "packet":
                     number = int(element.find("proto[@name='geninfo']/field[@name='num']").get("show"))
                     protos = element.findall("proto[@name='snmp']")
-                    damaged = any(proto.get("name").startswith("_ws.") for proto in element.iter("proto")) or \
-                        any(field.get("name", "").startswith("_ws.malformed") or "BER Error" in field.get("showname", "")
-                            for field in element.iter("field"))
+                    damaged = any(part.get("name", "").startswith("_ws.malformed") or
+                                  "BER Error" in part.get("showname", "") for part in element.iter())
                     packets[number] = ([peer for proto in protos for peer in fields_of(proto)], damaged)
                     element.clear()
         except xml.etree.ElementTree.ParseError:
@@ -144,7 +146,8 @@ def compare_value(peer, own):
 def same_words(ours, theirs):
     """Names of errors, whose spelling is each one's own."""
     def plain(text):
-        return re.sub("[^a-z]", "", text.lower()).replace("inconsistant", "inconsistent").replace("writeable", "writable")
+        letters = re.sub("[^a-z]", "", text.lower())
+        return letters.replace("inconsistant", "inconsistent").replace("writeable", "writable")
     return plain(ours) == plain(theirs)
 
 
@@ -184,10 +187,10 @@ def compare_packet(peers, damaged, packet, tally, where):
     elements = {}
     for element in elements_of(messages):
         elements.setdefault((element.at, element.size > 0), element)
-    left = len(elements)
+    left, texts = len(elements), [line["text"] for line in lines]
     for peer in peers:
         if peer.field == "data":
-            own = next((int(line["text"][11:15], 16) - 160 for line in lines if line["text"].startswith("PDU Type: [")), None)
+            own = next((int(text[11:15], 16) - 160 for text in texts if text.startswith("PDU Type: [")), None)
             if own == int(peer.show):
                 tally.agree("PDU type")
             else:

@@ -27,7 +27,8 @@ IMPORTS MODULE-IDENTITY, OBJECT-TYPE, enterprises, Integer32 FROM SNMPv2-SMI;
 heartMIB MODULE-IDENTITY LAST-UPDATED "202601010000Z" ORGANIZATION "x" CONTACT-INFO "x" DESCRIPTION "x"
   REVISION "202601010000Z" DESCRIPTION "x" ::= { enterprises 8072 2 }
 heartObjects OBJECT IDENTIFIER ::= { heartMIB 3 2 }
-heartRate OBJECT-TYPE SYNTAX Integer32 (0..100) MAX-ACCESS read-write STATUS current DESCRIPTION "x" ::= { heartObjects 1 }
+heartRate OBJECT-TYPE SYNTAX Integer32 (0..100) MAX-ACCESS read-write STATUS current DESCRIPTION "x"
+  ::= { heartObjects 1 }
 END
 """
 
@@ -58,8 +59,8 @@ class Modules(unittest.TestCase):
             status, text, words = self.decode(" HEART-MIB ,")
             os.remove(os.path.join(self.folder.name, name))
             self.assertEqual((status, words), (0, ""))
-            self.assertIn("Object Name  : 1.3.6.1.4.1.8072.2.3.2.1 "
-                          "(private.enterprises.netSnmp.heartMIB.netSnmpExampleNotifications.heartObjects.heartRate)\n", text)
+            name = "private.enterprises.netSnmp.heartMIB.netSnmpExampleNotifications.heartObjects.heartRate"
+            self.assertIn(f"Object Name  : 1.3.6.1.4.1.8072.2.3.2.1 ({name})\n", text)
             self.assertIn(".heartRate, Integer32, read-write (1.3.6.1.4.1.8072.2.3.2.1)\n", text)
 
     def test_says_what_is_wrong_and_where(self):

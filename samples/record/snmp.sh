@@ -91,7 +91,8 @@ ask snmptrap '-v1 -c public' $agent '' 192.0.2.1 0 0 42                         
 ask snmptrap '-v1 -c public' $agent '' 192.0.2.1 2 0 8640001 $interfaces.2.1.1.2 i 2      # link down
 ask snmptrap '-v1 -c public' $agent 1.3.6.1.4.1.8072.2.3 192.0.2.1 6 17 99 1.3.6.1.4.1.8072.2.3.2.1 i 123456
 ask snmptrap '-v2c -c public' $agent 42 1.3.6.1.6.3.1.1.5.4 $interfaces.2.1.1.2 i 2 $interfaces.2.1.7.2 i 1
-ask snmpinform '-v2c -c public' $agent 43 1.3.6.1.6.3.1.1.5.1 1.3.6.1.2.1.4.20.1.1 a 192.0.2.1 $system.2.0 o 1.3.6.1.4.1.8072.3.2.10
+ask snmpinform '-v2c -c public' $agent 43 1.3.6.1.6.3.1.1.5.1 1.3.6.1.2.1.4.20.1.1 a 192.0.2.1 \
+  $system.2.0 o 1.3.6.1.4.1.8072.3.2.10
 ask snmptrap "$priv -e 0x8000000001020304" $agent 44 1.3.6.1.6.3.1.1.5.3
 ask snmpinform "$priv" $agent 45 1.3.6.1.6.3.1.1.5.3 $interfaces.2.1.1.2 i 2
 keep_as snmp.pcap
