@@ -26,9 +26,9 @@ from oracle_support import (Tally, capture_paths, children, decoded_packets, exi
 
 # tshark's field: our type, the title that it stands under.
 NUMBERS = {"version": "SNMP Version", "msgVersion": "SNMP Version", "request_id": "Request ID",
-           "error_status": "Error Status", "error_index": "Error Index", "non_repeaters": "Non-Repeaters", "max_repetitions": "Max-Repetitions",
-           "generic_trap": "Generic Trap", "specific_trap": "Specific Trap", "msgID": "Message ID",
-           "msgMaxSize": "Message Max Size", "msgSecurityModel": "Security Model",
+           "error_status": "Error Status", "error_index": "Error Index", "non_repeaters": "Non-Repeaters",
+           "max_repetitions": "Max-Repetitions", "generic_trap": "Generic Trap", "specific_trap": "Specific Trap",
+           "msgID": "Message ID", "msgMaxSize": "Message Max Size", "msgSecurityModel": "Security Model",
            "msgAuthoritativeEngineBoots": "Authoritative Engine Boots",
            "msgAuthoritativeEngineTime": "Authoritative Engine Time"}
 STRINGS = {"community": "(SNMP Community )?Name", "msgFlags": "Flags",
@@ -39,7 +39,8 @@ STRINGS = {"community": "(SNMP Community )?Name", "msgFlags": "Flags",
 VALUES = {"value.int": "INTEGER", "value.octets": "OCTET STRING", "value.oid": "OBJECT IDENTIFIER",
           "value.null": "NULL", "value.ipv4": "NetworkAddress", "value.counter": "COUNTER(64)?", "value.g32": "GAUGE",
           "value.u32": "UNSIGNED32", "value.timeticks": "TimeTicks", "value.opaque": "OPAQUE",
-          "noSuchObject": "NO SUCH OBJECT", "noSuchInstance": "NO SUCH INSTANCE", "endOfMibView": "END OF MIBVIEW", "unSpecified": "NULL"}
+          "noSuchObject": "NO SUCH OBJECT", "noSuchInstance": "NO SUCH INSTANCE", "endOfMibView": "END OF MIBVIEW",
+          "unSpecified": "NULL"}
 EXPECTED = {**{f: ("INTEGER", t) for f, t in NUMBERS.items()},
             **{f: ("OCTET STRING", t) for f, t in STRINGS.items()},
             **{f: (t, "Object Value") for f, t in VALUES.items()}, "name": ("OBJECT IDENTIFIER", "Object Name"),
