@@ -8,7 +8,7 @@ import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
-TRAP = "248"   # the packet of samples/snmp.pcap with a trap of the agent's example objects
+TRAP = "136"   # the packet of samples/snmp.pcap with a trap of the agent's example objects
 
 # As much of the base module as the example needs.
 BASE = """SNMPv2-SMI DEFINITIONS ::= BEGIN

@@ -60,10 +60,11 @@ for version in "$v1" "$v2"; do
 done
 ask snmpget "$v2" $agent $system.1.7                              # no such instance
 ask snmpget '-v2c -c wrong' $agent $system.1.0                    # silence
-ask snmpwalk "$v2" $agent $system
+ask snmpwalk "$v2" $agent $system.9.1.2
 ask snmpbulkwalk "$v2 -Cr25" $agent $interfaces
 ask snmpbulkget "$v2 -Cn2 -Cr3" $agent $system.1 $system.3 1.3.6.1.2.1.31.1.1.1 1.3.6.1.2.1.4.20
-ask snmpbulkwalk "$v2 -Cr12" $agent 1.3.6.1.2.1.4
+ask snmpbulkwalk "$v2 -Cr12" $agent 1.3.6.1.2.1.4.20
+ask snmpbulkwalk "$v2 -Cr12" $agent 1.3.6.1.2.1.4.32
 ask snmpbulkwalk "$v2 -Cr20" $agent 1.3.6.1.2.1.7
 ask snmpget "$v2" $agent 1.3.6.1.2.1.31.1.1.1.6.2 1.3.6.1.2.1.25.1.1.0 1.3.6.1.2.1.25.1.2.0 1.3.6.1.4.1.2021.10.1.6.1
 ask snmpget '-v2c -c public' 'udp6:[2001:db8::2]' $system.5.0
