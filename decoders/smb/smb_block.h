@@ -33,7 +33,18 @@ struct SmbBlock {
   Cursor words;          // of AndX commands behind the AndX group
   uint32_t byteCount;    // as stated
   Cursor data;           // empty until the words are done
+  Field allWords;        // the words from the first on, for what stands in the data bytes
 };
+
+// The words of a block by number, the first is 0 (of AndX commands the first of the AndX group); 0 for one that is not
+// there. SmbLong is two of them. Offsets of odd fields are SmbByte's.
+uint32_t SmbByte(const SmbBlock& block, int32_t offset);
+inline uint32_t SmbWord(const SmbBlock& block, int32_t number) {
+  return SmbByte(block, 2 * number) | SmbByte(block, 2 * number + 1) << 8;
+}
+inline uint32_t SmbLong(const SmbBlock& block, int32_t number) {
+  return SmbWord(block, number) | SmbWord(block, number + 1) << 16;
+}
 
 using SmbPart = void (*)(SmbBlock& block);
 
@@ -78,6 +89,7 @@ enum SmbForm : uint8_t {
   kSmbOemText,         // one byte a character whatever the message says
   kSmbFormattedText,   // a buffer format byte, then text
   kSmbFormattedOem,
+  kSmbSigned16, kSmbSigned32,   // "Label: -5"
 };
 
 struct SmbField {
@@ -100,7 +112,8 @@ void SmbData(SmbBlock& block) { AddSmbFields(block, block.data, kFields); }
 
 // --- texts ---
 
-enum class SmbCharacters { kMessage, kOem, kUnicode };   // as flags 2 say, one byte each, two bytes each
+// As flags 2 say, one byte each, two bytes each, as flags 2 say but wherever the text starts.
+enum class SmbCharacters { kMessage, kOem, kUnicode, kUnaligned };
 
 constexpr int32_t kSmbTextSize = 260;
 struct SmbString {
@@ -117,6 +130,9 @@ LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, c
 LineHandle AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
                          SmbCharacters characters = SmbCharacters::kMessage);
 void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t alignment, const char* label = "Pad");
+// The padding in front of what stands at an offset from the header's first byte; nothing for one that is behind the
+// cursor or past its end.
+void AddSmbPadTo(const SmbMessage& message, const Place& in, Cursor& c, uint32_t offset, const char* label = "Pad");
 
 // Times as texts, UTC: "2026-01-02 03:04:05". "Not set" for 0 and all ones.
 using SmbTime = ShortText<40>;
