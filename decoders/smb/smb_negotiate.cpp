@@ -9,7 +9,7 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kLanManagerWords = 13, kNtWords = 17, kExtendedSecurity = 0x80000000;
+constexpr uint32_t kLanManagerWords = 13, kNtWords = 17, kExtendedSecurity = 0x80000000, kUnicode = 0x4;
 constexpr uint8_t kDialectFormat = 2;
 
 constexpr auto kSecurityModeBits = SortedNames({
@@ -36,10 +36,16 @@ constexpr SmbField kNt[] = {
 
 constexpr SmbField kGuid[] = {{kSmbBytes, "Server GUID", {}, 16}};
 
-bool HasExtendedSecurity(const SmbBlock& block) {
-  const uint32_t capabilities = SmbByte(block, 19) | SmbByte(block, 20) << 8 | SmbByte(block, 21) << 16 |
-                                SmbByte(block, 22) << 24;
-  return (capabilities & kExtendedSecurity) != 0;
+uint32_t CapabilitiesOf(const SmbBlock& block) {
+  return SmbByte(block, 19) | SmbByte(block, 20) << 8 | SmbByte(block, 21) << 16 | SmbByte(block, 22) << 24;
+}
+
+// Servers that can do Unicode answer in it before flags 2 say so, and the names stand where they fall.
+void AddServerNames(SmbBlock& block) {
+  SmbMessage message = *block.message;
+  if (CapabilitiesOf(block) & kUnicode) message.isUnicode = true;
+  AddSmbString(message, block.in, block.data, "Primary Domain", SmbCharacters::kUnaligned);
+  AddSmbString(message, block.in, block.data, "Server Name", SmbCharacters::kUnaligned);
 }
 
 }  // namespace
@@ -69,15 +75,13 @@ void NegotiateResponseWords(SmbBlock& block) {
 
 void NegotiateResponseData(SmbBlock& block) {
   Cursor& c = block.data;
-  if (block.wordCount == kNtWords && HasExtendedSecurity(block)) {
+  if (block.wordCount == kNtWords && (CapabilitiesOf(block) & kExtendedSecurity)) {
     AddSmbFields(block, c, kGuid);
     AddSecurityBlob(block.in, Ahead(c, Left(c)));
     Rest(c);
   } else if (block.wordCount == kNtWords) {
     AddSmbBytes(block.in, c, SmbByte(block, 33), "Encryption Key");
-    // These names stand where they fall, of two bytes a character too.
-    AddSmbString(*block.message, block.in, c, "Primary Domain", SmbCharacters::kUnaligned);
-    AddSmbString(*block.message, block.in, c, "Server Name", SmbCharacters::kUnaligned);
+    AddServerNames(block);
   } else if (block.wordCount == kLanManagerWords) {
     AddSmbBytes(block.in, c, SmbWord(block, 11), "Encryption Key");
     AddSmbString(*block.message, block.in, c, "Primary Domain", SmbCharacters::kOem);

@@ -61,7 +61,11 @@ constexpr SmbField kName[] = {{kSmbText, "File Name"}};
 }  // namespace
 
 void NtCreateRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kRequest); }
-void NtCreateRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kName); }
+// Clients round the bytes behind the name up.
+void NtCreateRequestData(SmbBlock& block) {
+  AddSmbFields(block, block.data, kName);
+  AddSmbBytes(block.in, block.data, Left(block.data), "Pad");
+}
 void NtCreateResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kResponse); }
 
 }  // namespace qxview

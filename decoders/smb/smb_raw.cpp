@@ -63,7 +63,14 @@ void ReadRawRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kRe
 void ReadMpxRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadPieces); }
 void ReadMpxResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadMpxResult); }
 void ReadMpxResponseData(SmbBlock& block) { AddSmbFileDataAt(block, SmbWord(block, 7), SmbWord(block, 6)); }
-void WriteRawRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteRaw); }
+// A server that asks for the rest does so in a message that is no response by its flags.
+void WriteRawRequestWords(SmbBlock& block) {
+  if (block.wordCount == 1) {
+    AddSmbFields(block, block.words, kWriteRawResult);
+  } else {
+    AddSmbFields(block, block.words, kWriteRaw);
+  }
+}
 void WriteRawRequestData(SmbBlock& block) { AddSmbFileDataAt(block, SmbWord(block, 11), SmbWord(block, 10)); }
 void WriteRawResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteRawResult); }
 void WriteMpxRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteMpx); }

@@ -17,6 +17,8 @@ constexpr SmbField kEcho[] = {{kSmbNumber16, "Echo Count"}};
 constexpr SmbField kEchoResult[] = {{kSmbNumber16, "Sequence Number"}};
 
 constexpr SmbField kConnect[] = {
+    {kSmbFormattedText, "Path"}, {kSmbFormattedText, "Password"}, {kSmbFormattedText, "Service"}};
+constexpr SmbField kConnectOem[] = {
     {kSmbFormattedOem, "Path"}, {kSmbFormattedOem, "Password"}, {kSmbFormattedOem, "Service"}};
 constexpr SmbField kConnectResult[] = {{kSmbNumber16, "Maximum Buffer Size"}, {kSmbHex16, "TID"}};
 
@@ -32,7 +34,14 @@ constexpr SmbField kConnectAndXService[] = {{kSmbOemText, "Service"}, {kSmbText,
 void EchoRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kEcho); }
 void EchoResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kEchoResult); }
 void EchoData(SmbBlock& block) { AddBlock(block.in, Rest(block.data), "Data Bytes"); }
-void TreeConnectRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kConnect); }
+
+// Clients write the texts of one byte a character even in messages that have Unicode: the path's backslashes tell.
+void TreeConnectRequestData(SmbBlock& block) {
+  const Cursor& c = block.data;
+  const bool wide = Left(c) >= 4 && (c.at[2] == 0 || c.at[3] == 0);
+  AddSmbFields(block, block.data, wide ? std::span(kConnect) : std::span(kConnectOem));
+}
+
 void TreeConnectResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kConnectResult); }
 void TreeConnectAndXRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kConnectAndX); }
 
