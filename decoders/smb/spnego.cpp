@@ -74,14 +74,15 @@ OidText TextOfOid(const Cursor& body) {
   out.text[0] = 0;
   uint32_t number = 0;
   bool first = true;
-  for (int32_t i = 0; i < Left(body); ++i) {
+  int32_t length = 0;
+  for (int32_t i = 0; i < Left(body) && length < kOidSize - 1; ++i) {
     number = number << 7 | (body.at[i] & 0x7F);
     if (body.at[i] & 0x80) continue;
     if (first) {
       const uint32_t top = number < 80 ? number / 40 : 2;
-      AppendFormat(out.text, kOidSize, "%u.%u", top, number - 40 * top);
+      length = AppendFormat(out.text, kOidSize, "%u.%u", top, number - 40 * top);
     } else {
-      AppendFormat(out.text, kOidSize, ".%u", number);
+      length = AppendFormat(out.text, kOidSize, ".%u", number);
     }
     first = false;
     number = 0;
