@@ -157,6 +157,7 @@ int32_t DecodeBlock(const Place& under, Cursor& c, uint32_t code, SmbBlock& bloc
   const bool hasWords = command && !(isAndX && wordCount.value < 2);
   const SmbPart words = !hasWords ? nullptr : message.isResponse ? command->responseWords : command->requestWords;
   if (words) words(block);
+  block.words.ranShort = false;   // what no field had room for is here all the same
   AddBlock(block.in, Rest(block.words), "Word Data");
 
   const Field byteCount = TakeLittleU16(c);
@@ -165,6 +166,7 @@ int32_t DecodeBlock(const Place& under, Cursor& c, uint32_t code, SmbBlock& bloc
   block.data = TakeCursor(c, byteCount.value);
   const SmbPart data = !command ? nullptr : message.isResponse ? command->responseData : command->requestData;
   if (data) data(block);
+  block.data.ranShort = false;
   AddBlock(block.in, Rest(block.data), "Byte Data");
   if (block.data.offset > c.offset) TakeBytes(c, block.data.offset - c.offset);
   return kSmbDecoded;

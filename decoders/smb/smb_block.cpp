@@ -160,11 +160,15 @@ void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t al
 void AddSmbPadTo(const SmbMessage& message, const Place& in, Cursor& c, uint32_t offset, const char* label) {
   const int64_t ahead = static_cast<int64_t>(offset) - SmbOffset(message, c);
   if (ahead < 1 || ahead > Left(c)) return;
-  const Field pad = TakeBytes(c, ahead);
-  if (ahead > kSmbShownBytes) {
-    AddBlock(in, pad, label);
-  } else {
-    AddLine(in, pad, "%s: %s", label, HexText(pad));
+  AddSmbBytes(in, c, ahead, label);
+}
+
+void AddSmbBytes(const Place& in, Cursor& c, int64_t length, const char* label) {
+  const Field bytes = TakeBytes(c, length < Left(c) ? length : Left(c));
+  if (bytes.length > kSmbShownBytes) {
+    AddBlock(in, bytes, label);
+  } else if (bytes.length > 0) {
+    AddLine(in, bytes, "%s: %s", label, HexText(bytes));
   }
 }
 

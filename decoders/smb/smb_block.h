@@ -8,6 +8,7 @@
 #include <span>
 
 #include "decoders/smb/smb.h"
+#include "decoders/smb/smb_names.h"
 
 namespace qxview {
 
@@ -68,14 +69,6 @@ inline int32_t SmbOffset(const SmbMessage& message, const Cursor& c) { return c.
 
 // --- fields ---
 
-struct SmbNames {
-  const NameTableEntry* rows = nullptr;
-  int32_t count = 0;
-  constexpr SmbNames() = default;
-  template <size_t kRows>
-  constexpr SmbNames(const NameTable<kRows>& table) : rows(table.rows), count(kRows) {}   // NOLINT: implicit by design
-};
-
 enum SmbForm : uint8_t {
   kSmbNumber8, kSmbNumber16, kSmbNumber32, kSmbNumber64,   // "Label: 5"
   kSmbHex8, kSmbHex16, kSmbHex32, kSmbHex64,               // "Label: 0x0005"
@@ -103,6 +96,8 @@ struct SmbField {
 uint32_t AddSmbFields(SmbBlock& block, Cursor& c, std::span<const SmbField> fields);
 uint32_t AddSmbFields(const SmbMessage& message, const Place& in, Cursor& c, std::span<const SmbField> fields);
 Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const SmbField& field);
+// Up to `length` bytes as they are: "Label: 00 01", or a dump when they are too many for a line. Nothing for none.
+void AddSmbBytes(const Place& in, Cursor& c, int64_t length, const char* label);
 
 // Parts that are one table.
 template <const auto& kFields>
@@ -139,12 +134,6 @@ using SmbTime = ShortText<40>;
 SmbTime SmbUnixTime(uint32_t seconds);
 SmbTime SmbFileTimeText(uint64_t ticks);
 SmbTime SmbDosTimeText(uint32_t date, uint32_t time);
-
-// --- names that several commands share (smb_names.cpp) ---
-
-extern const SmbNames kSmbAttributeBits;       // 16 and 32 bits of file attributes
-extern const SmbNames kSmbAccessMaskBits;      // of NT opens
-extern const SmbNames kSmbBufferFormatNames;
 
 const char* SmbNtStatusName(uint32_t status);                        // "Undefined" for one that has none
 const char* SmbDosClassName(uint32_t errorClass);
