@@ -40,8 +40,8 @@ void PutText(SmbString& out, int32_t width) {
 }
 
 int32_t WidthOf(const SmbMessage& message, SmbCharacters characters) {
-  if (characters == SmbCharacters::kMessage) return message.isUnicode ? 2 : 1;
-  return characters == SmbCharacters::kUnicode ? 2 : 1;
+  if (characters == SmbCharacters::kOem) return 1;
+  return characters == SmbCharacters::kUnicode || message.isUnicode ? 2 : 1;
 }
 
 LineHandle AddText(const Place& in, const char* label, const SmbString& string) {
@@ -80,7 +80,8 @@ constexpr SmbTime kNotSet{"Not set"};
 
 SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters characters) {
   const int32_t width = WidthOf(message, characters);
-  if (width == 2 && SmbOffset(message, c) % 2 != 0 && Left(c) > 0) TakeU8(c);
+  const bool aligned = width == 2 && characters != SmbCharacters::kUnaligned;
+  if (aligned && SmbOffset(message, c) % 2 != 0 && Left(c) > 0) TakeU8(c);
   SmbString out;
   out.field = TakeBytes(c, LengthOfText(c.at, Left(c), width));
   PutText(out, width);
@@ -90,7 +91,7 @@ SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters char
 LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
                         SmbCharacters characters) {
   if (Left(c) < 1) return 0;
-  if (WidthOf(message, characters) == 2) AddSmbPad(message, in, c, 2);
+  if (WidthOf(message, characters) == 2 && characters != SmbCharacters::kUnaligned) AddSmbPad(message, in, c, 2);
   return AddText(in, label, TakeSmbString(message, c, characters));
 }
 
