@@ -75,7 +75,7 @@ void TemporaryNameData(SmbBlock& block) {
   constexpr uint8_t kAsciiFormat = 4;
   constexpr SmbField kBareName[] = {{kSmbText, "File Name"}};
   const bool formatted = Left(block.data) > 0 && *block.data.at == kAsciiFormat;
-  AddSmbFields(block, block.data, formatted ? std::span<const SmbField>(kFileName) : std::span<const SmbField>(kBareName));
+  AddSmbFields(block, block.data, formatted ? std::span(kFileName) : std::span(kBareName));
 }
 
 }  // namespace qxview
