@@ -112,8 +112,9 @@ struct BlockCase {
 
 const BlockCase kFileCases[] = {
     {"a create response of 50 words",
-     Header(162, kResponse, kUnicode) + Block("FF 00 0000  02 3412 01000000  00406D25 EB53BF01 0000000000000000 0000000000000000"
-       "FFFFFFFFFFFFFFFF 10000000 0010000000000000 0400000000000000 0200 FF05 00"
+     Header(162, kResponse, kUnicode) +
+         Block("FF 00 0000  02 3412 01000000  00406D25EB53BF01 0000000000000000 0000000000000000"
+               "FFFFFFFFFFFFFFFF 10000000 0010000000000000 0400000000000000 0200 FF05 00"
        "000102030405060708090A0B0C0D0E0F 1122334455667788 FF011F00 00000000"), R"(
 SMB - NT Create AndX {32+103}
   Word Count: 50 {32+1}
@@ -139,7 +140,9 @@ SMB - NT Create AndX {32+103}
   Byte Count: 0  {133+2}
 )"},
     {"an open response of 19 words",
-     Header(45, kResponse, kOem) + Block("FF 00 0000 0340 2000 80436D38 2A000000 4200 0000 0000 0180 00000000 0000 FF011F00 00000000"), R"(
+     Header(45, kResponse, kOem) +
+         Block("FF 00 0000 0340 2000 80436D38 2A000000 4200 0000 0000 0180 00000000 0000"
+               "FF011F00 00000000"), R"(
 SMB - Open AndX {32+41}
   Word Count: 19 {32+1}
   FID: 0x4003 {37+2}
@@ -163,8 +166,8 @@ SMB - Open AndX {32+41}
   Guest Maximal Access Rights: 0x00000000 {67+4}
   Byte Count: 0  {71+2}
 )"},
-    {"a name that the server made up, with and without a format",
-     Header(14, kResponse, kOem) + Block("0100", Hex("04") + Oem("TEMP1")), R"(
+    {"a name that the server made up, with a format in front",
+     Header(14, kResponse, kUnicode) + Block("0100", Hex("04") + Oem("TEMP1")), R"(
 SMB - Create Temporary File {32+12}
   Word Count: 1 {32+1}
   FID: 0x0001 {33+2}
@@ -172,7 +175,7 @@ SMB - Create Temporary File {32+12}
   Buffer Format: [4] = ASCII {37+1}
   File Name: TEMP1 {38+6}
 )"},
-    {"a bare name", Header(14, kResponse, kOem) + Block("0100", Oem("TEMP1")), R"(
+    {"the bare name", Header(14, kResponse, kUnicode) + Block("0100", Oem("TEMP1")), R"(
 SMB - Create Temporary File {32+11}
   Word Count: 1 {32+1}
   FID: 0x0001 {33+2}
@@ -347,7 +350,8 @@ SMB - Search Directory {32+36}
     Server State: 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 {48+16}
     Client State: AA BB CC DD {64+4}
 )"},
-    {"an entry of a search and a cut one", Header(130, kResponse, kOem) + Block("0200", Hex("05 5600 00 0102030405060708090A0B0C0D0E0F10 AABBCCDD"
+    {"an entry of a search and a cut one", Header(130, kResponse, kOem) +
+     Block("0200", Hex("05 5600 00 0102030405060708090A0B0C0D0E0F10 AABBCCDD"
      "20 6318 5A5C 2A000000 412E5458540000000000000000 00 0102")), R"(
 SMB - Find First {32+54}
   Word Count: 1 {32+1}
@@ -387,7 +391,8 @@ SMB - Return Print Cue {32+38}
 
 const BlockCase kSessionCases[] = {
     {"a response of LAN Manager's dialect", Header(114, kResponse, kOem) +
-     Block("0200 0300 0411 3200 0100 0300 01000000 6318 5A5C C4FF 0800 0000", Hex("0102030405060708") + Oem("GROUP")), R"(
+     Block("0200 0300 0411 3200 0100 0300 01000000 6318 5A5C C4FF 0800 0000",
+           Hex("0102030405060708") + Oem("GROUP")), R"(
 SMB - Negotiate Protocol {32+43}
   Word Count: 13 {32+1}
   Dialect Index: 2 {33+2}
@@ -501,8 +506,8 @@ SMB - Tree Connect AndX {144+27}
 )"},
     {"a login of NTLM alone, with a name outside the message", Header(115, kRequest, kUnicode) +
      Block("FF 00 0000 0411 0200 0100 00000000 6400 00000000 54000080",
-           Hex("4E544C4D53535000 03000000  0100 0100 58000000  0000 0000 58000000  0200 0200 59000000  0600 0600 5B000000"
-               "0200 0200 FFFFFFFF  0300 0300 61000000  01020060  0601 0100 000000 0F"
+           Hex("4E544C4D53535000 03000000  0100 0100 58000000  0000 0000 58000000  0200 0200 59000000"
+               "0600 0600 5B000000  0200 0200 FFFFFFFF  0300 0300 61000000  01020060  0601 0100 000000 0F"
                "00112233445566778899AABBCCDDEEFF  AA 4400 620033004DD8 0A0B0C 00") + Wide("OS") + Wide("LM")), R"(
 SMB - Session Setup AndX (Including User Login) {32+140}
   Word Count: 12 {32+1}
@@ -599,7 +604,7 @@ TEST(Smb, CommandsWithoutFieldsAreDumps) {
             "SMB - Undefined {32+10}\n  Word Count: 1 {32+1}\n  Word Data {33+2}\n  Byte Count: 3  {35+2}\n"
             "  Byte Data {37+3}\n  Buffer {40+2}\n");
   const std::string none = TreeOfRun(DecodeOne, Header(255, kRequest, kDosError, "02000600") + Hex("00 0900 AA"));
-  ExpectInOrder(none, {"CIFS: Client Request - No Command Follows   (TID=0x0002, PID=0x0001:0x0003, UID=0x0004, MID=0x0005)",
+  ExpectInOrder(none, {"CIFS: Client Request - No Command Follows   (TID=0x0002, PID=0x0001:0x0003",
                        "SMB Header: Command [255] = No Command Follows", "Error Class: [2] = ERRSRV {5+1}",
                        "Error Code: [6] = ERRinvnetname {7+2}", "SMB - No Command Follows {32+4}", "Byte Data {35+1}"});
 }
@@ -621,8 +626,8 @@ TEST(Smb, ChainsGoForwardOnly) {
       {"no AndX command", 113, 39, 2, kSmbDecoded},   {"with a gap", 116, 40, 2, kSmbTruncated},
   };
   for (const ChainCase& c : kCases) {
-    const Bytes message = Header(116, kRequest, kOem) + Hex("02") + Bytes{c.next, 0} + Little(c.offset, 2) + Hex("0000") +
-                          Block("FF 00 0000");
+    const Bytes first = Hex("02") + Bytes{c.next, 0} + Little(c.offset, 2) + Hex("0000");
+    const Bytes message = Header(116, kRequest, kOem) + first + Block("FF 00 0000");
     TestView view;
     EXPECT_EQ(view.Run(DecodeOne, message), c.result) << c.name;
     const std::string tree = view.Text();
@@ -676,7 +681,8 @@ double TimeOnSmallStack(const Bytes& message) {
 
 TEST(Smb, HostileMessagesAreBounded) {
   const Bytes negotiate = Header(114, kRequest, kOem) + Hex("00 FFFF");
-  const Bytes setup = Header(115, kRequest, kOem) + Hex("0C FF 00 0000") + Bytes(10) + Hex("F0FF") + Bytes(8) + Hex("FFFF");
+  const Bytes setup = Header(115, kRequest, kOem) + Hex("0C FF000000") + Bytes(10) +
+                      Hex("F0FF") + Bytes(8) + Hex("FFFF");
   Bytes chain = Header(116, kRequest, kOem), overlaid = chain;
   for (int at = 39; at < 65500; at += 7) chain = chain + Hex("02 74 00") + Little(at, 2) + Hex("0000");
   for (int at = 37; at < 65500; at += 5) overlaid = overlaid + Hex("02 74 00") + Little(at, 2);
@@ -686,14 +692,17 @@ TEST(Smb, HostileMessagesAreBounded) {
   } kCases[] = {
       {"empty dialects", negotiate + Repeat(Hex("02 00"), 32767)},
       {"dialects without a format", negotiate + Bytes(65535)},
-      {"ranges to lock", Header(36, kRequest, kOem) + Hex("08 FF 00 0000 0000 00 00 00000000 FFFF FFFF FFFF") + Bytes(65535)},
+      {"ranges to lock", Header(36, kRequest, kOem) + Hex("08 FF000000 0000 00 00 00000000 FFFF FFFF FFFF") +
+                             Bytes(65535)},
       {"directory entries", Header(129, kResponse, kOem) + Hex("01 FFFF FFFF 05 FFFF") + Bytes(65532)},
       {"a chain of the smallest blocks", chain},
       {"a chain of blocks that overlap", overlaid},
-      {"mechanisms", setup + Hex("60 83 00FFEE 06 01 2B A0 83 00FFE0 30 83 00FFD8 A0 83 00FFD0 30 83 00FFC8") + Repeat(Hex("06 00"), 32700)},
+      {"mechanisms", setup + Hex("60 83 00FFEE 06 01 2B A0 83 00FFE0 30 83 00FFD8 A0 83 00FFD0 30 83 00FFC8") +
+                         Repeat(Hex("06 00"), 32700)},
       {"nested tokens", setup + Repeat(Hex("60 80"), 32700)},
       {"one long object identifier", setup + Hex("60 83 00FFEE 06 83 00FFD0") + Bytes(65520, 0x01)},
-      {"pairs", setup + Hex("4E544C4D53535000 02000000 0000 0000 00000000 00000000") + Bytes(16) + Hex("A0FF A0FF 30000000") +
+      {"pairs", setup + Hex("4E544C4D53535000 02000000 0000 0000 00000000 00000000") + Bytes(16) +
+                    Hex("A0FF A0FF 30000000") +
                     Repeat(Hex("01 00 00 00"), 16370)},
       {"bytes of a message of 128 KB", Header(47, kRequest, kOem) +
        Block("FF 00 0000 0140 00000000 00000000 0000 0000 FFFF FFFF 4000") + Bytes(131072)},

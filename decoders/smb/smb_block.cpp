@@ -110,7 +110,8 @@ Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const S
     case kSmbSigned16:
     case kSmbSigned32: {
       const Field field = TakeNumber(c, row.form == kSmbSigned16 ? 2 : 4);
-      const int32_t value = row.form == kSmbSigned16 ? static_cast<int16_t>(field.value) : static_cast<int32_t>(field.value);
+      const int32_t wide = static_cast<int32_t>(field.value);
+      const int32_t value = row.form == kSmbSigned16 ? static_cast<int16_t>(wide) : wide;
       AddLine(in, field, "%s: %d", row.label, value);
       return field;
     }

@@ -4,6 +4,7 @@
 // The older commands have their data behind a format and a length. The AndX ones say in their words where it stands,
 // counted from the header, and how long it is; it can be longer than the byte count has bits for.
 #include "decoders/smb/smb_commands.h"
+#include "decoders/smb/smb_pipe.h"
 
 namespace qxview {
 namespace {
@@ -40,7 +41,7 @@ constexpr SmbField kWriteAndXResult[] = {
 
 }  // namespace
 
-void AddSmbFileData(SmbBlock& block, Cursor data) { AddBlock(block.in, Rest(data), "Data Bytes"); }
+void AddSmbFileData(SmbBlock& block, Cursor data) { AddSmbPipeData(block.in, data, "Data Bytes"); }
 
 void AddSmbFileDataAt(SmbBlock& block, uint32_t offset, uint32_t length) {
   AddSmbPadTo(*block.message, block.in, block.data, offset);

@@ -6,8 +6,9 @@ namespace {
 
 // What Windows-1252 has at 0x80 to 0x9F; 0 where it has nothing.
 constexpr uint16_t kHighCharacters[32] = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0, 0x017D, 0,
-    0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0, 0x017E, 0x0178,
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,
+    0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A,
+    0x0153, 0,      0x017E, 0x0178,
 };
 
 char CharacterOf(uint32_t unit) {
@@ -111,7 +112,8 @@ SmbTime SmbFileTimeText(uint64_t ticks) {
   constexpr uint64_t kTicksASecond = 10000000;
   if (ticks == 0 || ticks >= uint64_t{1} << 63) return kNotSet;
   SmbTime out = TextOfSeconds(static_cast<int64_t>(ticks / kTicksASecond) - kSecondsTo1970);
-  if (ticks % kTicksASecond) AppendFormat(out.text, sizeof out.text, ".%.07u", static_cast<uint32_t>(ticks % kTicksASecond));
+  const uint32_t fraction = static_cast<uint32_t>(ticks % kTicksASecond);
+  if (fraction) AppendFormat(out.text, sizeof out.text, ".%.07u", fraction);
   return out;
 }
 
