@@ -166,8 +166,8 @@ SMB - Open AndX {32+41}
   Guest Maximal Access Rights: 0x00000000 {67+4}
   Byte Count: 0  {71+2}
 )"},
-    {"a name that the server made up, with and without a format",
-     Header(14, kResponse, kOem) + Block("0100", Hex("04") + Oem("TEMP1")), R"(
+    {"a name that the server made up, with a format in front",
+     Header(14, kResponse, kUnicode) + Block("0100", Hex("04") + Oem("TEMP1")), R"(
 SMB - Create Temporary File {32+12}
   Word Count: 1 {32+1}
   FID: 0x0001 {33+2}
@@ -175,7 +175,7 @@ SMB - Create Temporary File {32+12}
   Buffer Format: [4] = ASCII {37+1}
   File Name: TEMP1 {38+6}
 )"},
-    {"a bare name", Header(14, kResponse, kOem) + Block("0100", Oem("TEMP1")), R"(
+    {"the bare name", Header(14, kResponse, kUnicode) + Block("0100", Oem("TEMP1")), R"(
 SMB - Create Temporary File {32+11}
   Word Count: 1 {32+1}
   FID: 0x0001 {33+2}

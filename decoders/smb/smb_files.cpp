@@ -70,12 +70,13 @@ void CopyRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kCopyNam
 void CopyResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kCopyResult); }
 void CopyResponseData(SmbBlock& block) { AddSmbFields(block, block.data, kCopyError); }
 
-// Servers differ on whether the name that they made up has a format in front of it.
+// The name that the server made up is of one byte a character whatever flags 2 say, and servers differ on whether it has
+// a format in front of it.
 void TemporaryNameData(SmbBlock& block) {
   constexpr uint8_t kAsciiFormat = 4;
-  constexpr SmbField kBareName[] = {{kSmbText, "File Name"}};
+  constexpr SmbField kFormatted[] = {{kSmbFormattedOem, "File Name"}}, kBare[] = {{kSmbOemText, "File Name"}};
   const bool formatted = Left(block.data) > 0 && *block.data.at == kAsciiFormat;
-  AddSmbFields(block, block.data, formatted ? std::span(kFileName) : std::span(kBareName));
+  AddSmbFields(block, block.data, formatted ? std::span(kFormatted) : std::span(kBare));
 }
 
 }  // namespace qxview
