@@ -107,6 +107,8 @@ constexpr SmbLevel kQueryLevels[] = {
     {0x102, "Query File Standard Info", kStandard, nullptr},
     {0x103, "Query File EA Info", kEa, nullptr},
     {0x104, "Query File Name Info", kName, AddFileName},
+    {0x105, "Query File Allocation Info", kAllocationSize, nullptr},
+    {0x106, "Query File End Of File Info", kEndOfFile, nullptr},
     {0x107, "Query File All Info", kAll, AddFileName},
     {0x108, "Query File Alternate Name Info", kName, AddFileName},
     {0x109, "Query File Stream Info", {}, AddStreams},
@@ -137,7 +139,8 @@ constexpr SmbLevel kQueryLevels[] = {
     {1025, "File Pipe Remote Information", kPipeRemote, nullptr},
     {1028, "File Compression Information", kCompression, nullptr},
     {1034, "File Network Open Information", kNetworkOpen, nullptr},
-    {1035, "File Attribute Tag Information", kAttributeTag, nullptr}};
+    {1035, "File Attribute Tag Information", kAttributeTag, nullptr},
+    {0xFFFF, "None", {}, nullptr}};
 
 constexpr SmbLevel kSetLevels[] = {
     {0x001, "Info Standard", kSetDated, nullptr},

@@ -14,7 +14,7 @@ constexpr auto kShareTypes = SortedNames({{0, "Disk"}, {1, "Print Queue"}, {2, "
 struct Buffer {
   Cursor whole;
   uint32_t converter;
-  int32_t end;   // frame offset behind the last text that a field pointed to
+  int32_t begin, end;   // frame offsets of the first and behind the last text that a field pointed to
 };
 
 int32_t SizeOf(const RapItem& item) {
@@ -62,6 +62,8 @@ void AddPointer(const SmbMessage& message, const Place& in, Cursor& c, Buffer& b
   } else if (item.code == 'b') {
     AddRapBytes(message, in, there, item.count, label);
   }
+  const int32_t start = buffer.whole.offset + static_cast<int32_t>(offset);
+  if (start < buffer.begin) buffer.begin = start;
   if (there.offset > buffer.end) buffer.end = there.offset;
 }
 
@@ -192,7 +194,7 @@ void AddRapText(const SmbMessage& message, const Place& in, Cursor& c, const Rap
 
 void AddRapStructures(SmbTransaction& t, const Place& in, Cursor& c, uint32_t count, uint32_t converter) {
   const int32_t size = SizeOf(t.request.data), auxiliarySize = SizeOf(t.request.auxiliary);
-  Buffer buffer{c, converter, c.offset};
+  Buffer buffer{c, converter, INT32_MAX, c.offset};
   const char* labels = RapStructureLabels(t.request.data);
   const char* auxiliaryLabels = RapStructureLabels(t.request.auxiliary);
   Loop loop;
@@ -203,7 +205,10 @@ void AddRapStructures(SmbTransaction& t, const Place& in, Cursor& c, uint32_t co
       AddStructure(t.message, in, c, buffer, t.request.auxiliary, auxiliaryLabels, "Auxiliary Entry");
     }
   }
-  if (buffer.end > c.offset) TakeBytes(c, buffer.end - c.offset);
+  if (buffer.end <= c.offset) return;
+  Cursor unused = TakeCursor(c, buffer.begin > c.offset ? buffer.begin - c.offset : 0);
+  AddSmbFiller(in, unused);
+  TakeBytes(c, buffer.end - c.offset);
 }
 
 }  // namespace qxview

@@ -203,7 +203,8 @@ constexpr RapStructure kStructures[] = {
 
 constexpr auto kStatusNames = SortedNames({
     {0, "Success"}, {1, "Invalid Function"}, {2, "File Not Found"}, {3, "Path Not Found"}, {5, "Access Denied"},
-    {6, "Invalid Handle"}, {8, "Not Enough Memory"}, {50, "Not Supported"}, {52, "Duplicate Name"},
+    {6, "Invalid Handle"}, {8, "Not Enough Memory"}, {12, "Invalid Access"},
+    {32, "Sharing Violation"}, {50, "Not Supported"}, {52, "Duplicate Name"},
     {53, "Bad Network Path"}, {54, "Network Busy"}, {58, "Bad Network Response"}, {59, "Unexpected Network Error"},
     {65, "Network Access Denied"}, {67, "Bad Network Name"}, {71, "Request Not Accepted"}, {86, "Invalid Password"},
     {87, "Invalid Parameter"}, {123, "Invalid Name"}, {124, "Invalid Level"}, {183, "Already Exists"},

@@ -2,7 +2,6 @@
 // which; the setup words of the first two name the function and the file or the priority.
 #include "decoders/smb/smb_commands.h"
 #include "decoders/smb/smb_mailslot.h"
-#include "decoders/smb/smb_pipe.h"
 #include "decoders/smb/smb_rap.h"
 #include "decoders/smb/smb_transaction.h"
 
@@ -23,21 +22,19 @@ constexpr SmbField kPeek[] = {
     {kSmbFlags16, "Named Pipe State", kPipeStateBits}};
 constexpr SmbField kWritten[] = {{kSmbNumber16, "Bytes Written"}};
 
-void PipeData(SmbTransaction&, const Place& in, Cursor& c) { AddSmbPipeData(in, c, "Data Bytes"); }
-
 constexpr uint32_t kWaitPipe = 0x53, kCallPipe = 0x54;
 constexpr SmbFunction kPipeFunctions[] = {
     {0x01, "Set Named Pipe State", SmbTransactionFields<kPipeState>, nullptr, nullptr, nullptr},
-    {0x11, "Raw Read Named Pipe", nullptr, nullptr, nullptr, PipeData},
+    {0x11, "Raw Read Named Pipe", nullptr, nullptr, nullptr, SmbPipePart},
     {0x21, "Query Named Pipe State", nullptr, nullptr, SmbTransactionFields<kPipeState>, nullptr},
     {0x22, "Query Named Pipe Info", SmbTransactionFields<kPipeLevel>, nullptr, nullptr, SmbTransactionFields<kPipeInfo>},
-    {0x23, "Peek Named Pipe", nullptr, nullptr, SmbTransactionFields<kPeek>, PipeData},
-    {0x26, "Transact Named Pipe", nullptr, PipeData, nullptr, PipeData},
-    {0x31, "Raw Write Named Pipe", nullptr, PipeData, SmbTransactionFields<kWritten>, nullptr},
-    {0x36, "Read Named Pipe", nullptr, nullptr, nullptr, PipeData},
-    {0x37, "Write Named Pipe", nullptr, PipeData, SmbTransactionFields<kWritten>, nullptr},
+    {0x23, "Peek Named Pipe", nullptr, nullptr, SmbTransactionFields<kPeek>, SmbPipePart},
+    {0x26, "Transact Named Pipe", nullptr, SmbPipePart, nullptr, SmbPipePart},
+    {0x31, "Raw Write Named Pipe", nullptr, SmbPipePart, SmbTransactionFields<kWritten>, nullptr},
+    {0x36, "Read Named Pipe", nullptr, nullptr, nullptr, SmbPipePart},
+    {0x37, "Write Named Pipe", nullptr, SmbPipePart, SmbTransactionFields<kWritten>, nullptr},
     {kWaitPipe, "Wait Named Pipe", nullptr, nullptr, nullptr, nullptr},
-    {kCallPipe, "Call Named Pipe", nullptr, PipeData, nullptr, PipeData},
+    {kCallPipe, "Call Named Pipe", nullptr, SmbPipePart, nullptr, SmbPipePart},
 };
 
 constexpr auto kMailslotFunctions = SortedNames({{1, "Write Mailslot"}});

@@ -8,7 +8,7 @@ namespace {
 constexpr auto kSearchBits = SortedNames({
     {0x0001, "Close After Request"}, {0x0002, "Close At End Of Search"}, {0x0004, "Return Resume Keys"},
     {0x0008, "Continue From Last"}, {0x0010, "Backup Intent"}});
-constexpr auto kStorageTypes = SortedNames({{0x01, "Directory File"}, {0x40, "Non-Directory File"}});
+constexpr auto kStorageTypes = SortedNames({{0x00, "Any File"}, {0x01, "Directory File"}, {0x40, "Non-Directory File"}});
 constexpr auto kOpenFlags = SortedNames({
     {0x0001, "Return Attributes"}, {0x0002, "Exclusive Oplock"}, {0x0004, "Batch Oplock"}, {0x0008, "Return EA Length"}});
 constexpr auto kAccessModes = SortedNames({

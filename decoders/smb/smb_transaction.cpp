@@ -2,6 +2,7 @@
 #include "decoders/smb/smb_transaction.h"
 
 #include "decoders/smb/smb_commands.h"
+#include "decoders/smb/smb_pipe.h"
 
 namespace qxview {
 namespace {
@@ -48,6 +49,10 @@ void AddPiece(SmbTransaction& t, const Place& in, Cursor& c, SmbTransactionPart 
   if (Left(c) < 1) return;
   if (!part) {
     AddBlock(in, Rest(c), title);
+    return;
+  }
+  if (part == SmbPipePart) {
+    part(t, in, c);
     return;
   }
   const Place under = Under(in, AddLine(in, Ahead(c, c.left), "%s", title));
@@ -123,6 +128,8 @@ void AddTransactionBytes(SmbTransaction& t, const SmbFunction* function) {
   AddPiece(t, in, data, dataPart, "Data Bytes");
   if (Left(bytes) <= kFillerSize) AddSmbFiller(in, bytes, "Pad1");
 }
+
+void SmbPipePart(SmbTransaction&, const Place& in, Cursor& c) { AddSmbPipeData(in, c, "Data Bytes"); }
 
 void AddSmbFiller(const Place& in, Cursor& c, const char* label) {
   const Field rest = Rest(c);

@@ -55,6 +55,10 @@ void AddSetupData(SmbBlock& block);
 // request is learnt once its parameters were read.
 void AddTransactionBytes(SmbTransaction& t, const SmbFunction* function);
 
+// The part for data of named pipes: it has no heading of its own, for the lines of a protocol that it carries stand at the
+// top.
+void SmbPipePart(SmbTransaction& t, const Place& in, Cursor& c);
+
 // Up to 7 bytes as "Pad: %s", more as a dump.
 void AddSmbFiller(const Place& in, Cursor& c, const char* label = "Pad");
 

@@ -6,7 +6,7 @@ namespace {
 
 constexpr auto kFileTypes = SortedNames({
     {0, "File"}, {1, "Directory"}, {2, "Symbolic Link"}, {3, "Character Device"}, {4, "Block Device"}, {5, "FIFO"},
-    {6, "Socket"}});
+    {6, "Socket"}, {0xFFFFFFFF, "No Change"}});
 constexpr auto kAclTags = SortedNames({
     {0x01, "User Object"}, {0x02, "User"}, {0x04, "Group Object"}, {0x08, "Group"}, {0x10, "Mask"}, {0x20, "Other"}});
 constexpr auto kAclPermissions = SortedNames({{0x01, "Execute"}, {0x02, "Write"}, {0x04, "Read"}});
