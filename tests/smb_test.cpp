@@ -224,6 +224,24 @@ SMB - Write AndX {32+36}
   Pad: EE {63+1}
   Data Bytes {64+4}
 )"},
+    {"the first piece of a pipe's raw message", Header(47, kRequest, kUnicode) +
+     Block("FF 00 0000 0140 00000000 00000000 0C00 0000 0000 0500 4000 00000000", Hex("EE 0300 414243")), R"(
+SMB - Write AndX {32+37}
+  Word Count: 14 {32+1}
+  FID: 0x4001 {37+2}
+  Offset: 0 {39+4}
+  Timeout: 0 {43+4}
+  Write Mode: 0x000C {47+2}
+  Remaining: 0 {49+2}
+  Data Length High: 0 {51+2}
+  Data Length: 5 {53+2}
+  Data Offset: 64 {55+2}
+  Offset High: 0 {57+4}
+  Byte Count: 6  {61+2}
+  Pad: EE {63+1}
+  Message Length: 3 {64+2}
+  Data Bytes {66+3}
+)"},
     {"data in front of where the words end", Header(46, kResponse, kUnicode) +
      Block("FF 00 0000 0000 0000 0000 0400 0100 0000 0000000000000000", Hex("41424344 45")), R"(
 SMB - Read AndX {32+32}

@@ -15,9 +15,9 @@ constexpr uint32_t kDelimiter = 0xEFFF, kFirstSessionCommand = 0x14;
 constexpr int32_t kHeaderSize = 12;
 
 enum Command : uint32_t {
-  kStatusQuery = 0x03, kDatagram = 0x08, kBroadcast = 0x09, kNameQuery = 0x0A, kAddNameResponse = 0x0D,
-  kNameRecognized = 0x0E, kStatusResponse = 0x0F, kDataFirst = 0x15, kDataLast = 0x16, kSessionConfirm = 0x17,
-  kSessionEnd = 0x18, kSessionInitialize = 0x19, kNoReceive = 0x1A, kReceiveOutstanding = 0x1B
+  kAddGroupName = 0x00, kAddName = 0x01, kStatusQuery = 0x03, kDatagram = 0x08, kBroadcast = 0x09, kNameQuery = 0x0A,
+  kAddNameResponse = 0x0D, kNameRecognized = 0x0E, kStatusResponse = 0x0F, kDataFirst = 0x15, kDataLast = 0x16,
+  kSessionConfirm = 0x17, kSessionEnd = 0x18, kSessionInitialize = 0x19, kNoReceive = 0x1A, kReceiveOutstanding = 0x1B
 };
 
 constexpr auto kCommandNames = SortedNames({
@@ -116,12 +116,17 @@ int32_t DecodePieceOfSmb(const Place& at, Cursor c) {
 
 void AddAddresses(const Place& in, Cursor& c, uint32_t command) {
   if (command < kFirstSessionCommand) {
+    const bool addsName = command == kAddGroupName || command == kAddName;   // the destination means nothing then
     const NetBiosName destination = TakePlainNetBiosName(c);
-    AddNetBiosNameLine(in, "Destination Name", destination, command == 0);
+    if (addsName) {
+      AddLine(in, destination.field, "Destination Name: not used");
+    } else {
+      AddNetBiosNameLine(in, "Destination Name", destination);
+    }
     const NetBiosName source = TakePlainNetBiosName(c);
-    AddNetBiosNameLine(in, "Source Name", source);
-    AppendToParent(in, source.field, ", %s ->", source.text);
-    AppendToParent(in, destination.field, " %s", destination.text);
+    AddNetBiosNameLine(in, "Source Name", source, command == kAddGroupName);
+    AppendToParent(in, source.field, ", %s", source.text);
+    if (!addsName) AppendToParent(in, destination.field, " -> %s", destination.text);
   } else {
     const Field destination = TakeU8(c), source = TakeU8(c);
     AddLine(in, destination, "Destination Session Number: %u", destination.value);

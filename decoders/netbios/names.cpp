@@ -5,7 +5,8 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kEncodedLength = 2 * kNetBiosNameLength, kLongestLabel = 63;
-constexpr int32_t kMostHops = 8;   // names have one pointer; this bounds what a chain of them costs
+constexpr int32_t kMostHops = 8;   // names have one pointer; this bounds what a chain of them costs, as does the next
+constexpr int32_t kMostPointedLabels = 40;
 
 constexpr auto kSuffixNames = SortedNames({
     {0x00, "Workstation/Redirector"}, {0x01, "Messenger Service"}, {0x02, "Forwarded Name"},
@@ -27,12 +28,11 @@ constexpr auto kGroupSuffixNames = SortedNames({
 
 template <int32_t kSize>
 struct TextBuilder {
-  ShortText<kSize>& made;
+  ShortText<kSize>& made;   // all zeros at first, so that the text is always terminated
   int32_t used;
 
   void Add(char c) {
     if (used < kSize - 1) made.text[used++] = c;
-    made.text[used] = 0;
   }
   void AddByte(uint8_t byte) {
     constexpr char kDigits[] = "0123456789ABCDEF";
@@ -124,7 +124,7 @@ NetBiosName TakeNetBiosName(Cursor& c, const Field& message) {
   NameText text{name.text, 0};
   const Cursor start = c;
   Cursor at = c;
-  int32_t hops = 0, lowest = c.offset - message.offset;
+  int32_t hops = 0, pointedLabels = 0, lowest = c.offset - message.offset;
   bool isFirst = true;
   for (;;) {
     const Field length = TakeU8(at);
@@ -146,7 +146,7 @@ NetBiosName TakeNetBiosName(Cursor& c, const Field& message) {
     if (!label.here || length.value == 0) break;
     AddLabel(text, name, label, isFirst);
     isFirst = false;
-    if (hops > 0 && text.used >= kNetBiosTextSize - 1) break;   // what is pointed to can add nothing more
+    if (hops > 0 && ++pointedLabels == kMostPointedLabels) break;
   }
   if (!c.ranShort) name.field = {start.at, start.offset, c.offset - start.offset, 0, true};
   return name;

@@ -13,6 +13,8 @@ constexpr auto kWriteModeBits = SortedNames({
     {0x0001, "Write Through"}, {0x0002, "Return Bytes Available"}, {0x0004, "Raw Named Pipe"},
     {0x0008, "Start of Message"}});
 
+constexpr uint32_t kRawMessageStart = 0x000C;   // the message's length stands in front of its data
+
 constexpr SmbField kRead[] = {
     {kSmbHex16, "FID"}, {kSmbNumber16, "Count"}, {kSmbNumber32, "Offset"}, {kSmbNumber16, "Remaining"}};
 constexpr SmbField kReadResult[] = {{kSmbNumber16, "Count"}, {kSmbBytes, "Reserved", {}, 8}};
@@ -36,19 +38,26 @@ constexpr SmbField kWriteAndX[] = {
     {kSmbFlags16, "Write Mode", kWriteModeBits}, {kSmbNumber16, "Remaining"}, {kSmbNumber16, "Data Length High"},
     {kSmbNumber16, "Data Length"}, {kSmbNumber16, "Data Offset"}, {kSmbNumber32, "Offset High"}};
 
+constexpr SmbField kMessageLength[] = {{kSmbNumber16, "Message Length"}};
+
 constexpr SmbField kWriteAndXResult[] = {
     {kSmbNumber16, "Count"}, {kSmbNumber16, "Remaining"}, {kSmbNumber16, "Count High"}, {kSmbHex16, "Reserved"}};
+
+// The bytes at an offset from the header; the padding in front of them is taken and shown.
+Cursor TakeSmbDataAt(SmbBlock& block, uint32_t offset, uint32_t length) {
+  AddSmbPadTo(*block.message, block.in, block.data, offset);
+  if (length > static_cast<uint32_t>(Left(block.data)) && length > UINT16_MAX) {
+    block.data = SmbCursor(*block.message, static_cast<uint32_t>(SmbOffset(*block.message, block.data)), length);
+  }
+  return TakeCursor(block.data, length);
+}
 
 }  // namespace
 
 void AddSmbFileData(SmbBlock& block, Cursor data) { AddSmbPipeData(block.in, data, "Data Bytes"); }
 
 void AddSmbFileDataAt(SmbBlock& block, uint32_t offset, uint32_t length) {
-  AddSmbPadTo(*block.message, block.in, block.data, offset);
-  if (length > static_cast<uint32_t>(Left(block.data)) && length > UINT16_MAX) {
-    block.data = SmbCursor(*block.message, static_cast<uint32_t>(SmbOffset(*block.message, block.data)), length);
-  }
-  AddSmbFileData(block, TakeCursor(block.data, length));
+  AddSmbFileData(block, TakeSmbDataAt(block, offset, length));
 }
 
 void DataBlockData(SmbBlock& block) {
@@ -81,7 +90,9 @@ void ReadAndXResponseData(SmbBlock& block) {
 
 void WriteAndXRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteAndX); }
 void WriteAndXRequestData(SmbBlock& block) {
-  AddSmbFileDataAt(block, SmbWord(block, 11), SmbWord(block, 10) | SmbWord(block, 9) << 16);
+  Cursor data = TakeSmbDataAt(block, SmbWord(block, 11), SmbWord(block, 10) | SmbWord(block, 9) << 16);
+  if ((SmbWord(block, 7) & kRawMessageStart) == kRawMessageStart) AddSmbFields(block, data, kMessageLength);
+  AddSmbFileData(block, data);
 }
 void WriteAndXResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteAndXResult); }
 

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "decoders/asn1/kerberos.h"
 #include "decoders/smb/ntlmssp.h"
 #include "decoders/smb/smb_block.h"
 
@@ -113,7 +114,7 @@ void AddElementBytes(const Place& in, const Element& element, const char* label)
 void AddKerberos(const Place& in, Cursor& c) {
   const Field token = TakeU16(c);
   AddLine(in, token, "Token: [0x%.04X] = %s", token.value, LookupName(kKerberosTokens, token.value, kUndefined));
-  AddBlock(in, Rest(c), "Kerberos Message");
+  if (in.dead || TryDecoder(in, c, DecodeKerberosMessage, nullptr) == 0) AddBlock(in, Rest(c), "Kerberos Message");
 }
 
 // A token of a mechanism: inside SPNEGO it is never SPNEGO again, so this does not nest.
