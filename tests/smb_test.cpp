@@ -1,51 +1,16 @@
-#include "decoders/smb/smb.h"
-
-#include <pthread.h>
-
-#include <chrono>
 #include <span>
 
-#include "tests/support/decoding.h"
+#include "tests/support/smb_messages.h"
 
 namespace qxview::testing {
 namespace {
 
-int32_t DecodeOne(const Place& at, Cursor c) { return DecodeSmb(at, c.at, Left(c), c.offset, false); }
 int32_t DecodeOrContinue(const Place& at, Cursor c) { return DecodeSmb(at, c.at, Left(c), c.offset, true); }
-
-enum Way { kRequest = 0x00, kResponse = 0x80 };
-enum Flags2 { kOem = 0x4001, kUnicode = 0xC001, kDosError = 0x0001 };
-
-Bytes Header(int command, Way way, Flags2 flags2, const char* status = "00000000") {
-  Bytes bytes = Hex("FF534D42 00") + Hex(status) + Hex("00 0000 0100 1122334455667788 0000 0200 0300 0400 0500");
-  bytes[4] = static_cast<uint8_t>(command);
-  bytes[9] = static_cast<uint8_t>(way | 0x08);
-  bytes[10] = static_cast<uint8_t>(flags2);
-  bytes[11] = static_cast<uint8_t>(flags2 >> 8);
-  return bytes;
-}
-
-Bytes Little(size_t value, int size) {
-  Bytes bytes;
-  for (int i = 0; i < size; ++i) bytes.push_back(static_cast<uint8_t>(value >> 8 * i));
-  return bytes;
-}
-// A block with its two counts.
-Bytes Block(const std::string& words, const Bytes& data = {}) {
-  const Bytes taken = Hex(words);
-  return Little(taken.size() / 2, 1) + taken + Little(data.size(), 2) + data;
-}
-Bytes Wide(const std::string& text) {
-  Bytes bytes;
-  for (const char c : text) bytes = bytes + Bytes{static_cast<uint8_t>(c), 0};
-  return bytes + Bytes(2);
-}
-Bytes Oem(const std::string& text) { return Bytes(text.begin(), text.end()) + Bytes(1); }
 
 // The blocks of a message's tree; of flags and AndX groups only the line itself, so that a case fits on a
 // page.
 std::string BlocksOf(const Bytes& message) {
-  const std::string tree = TreeOfRun(DecodeOne, message);
+  const std::string tree = TreeOfRun(DecodeOneSmb, message);
   std::string out;
   bool inBlock = false;
   for (size_t at = 0; at < tree.size();) {
@@ -63,7 +28,7 @@ std::string BlocksOf(const Bytes& message) {
 TEST(Smb, ShowsTheHeader) {
   const Bytes message = Header(115, kResponse, kUnicode, "6D0000C0") + Block("");
   // The marker's first byte is shown as it is.
-  EXPECT_EQ(std::string("\n").append(TreeOfRun(DecodeOne, message)), R"(
+  EXPECT_EQ(std::string("\n").append(TreeOfRun(DecodeOneSmb, message)), R"(
 CIFS: Server Response - Session Setup AndX (Including User Login)   (TID=0x0002, PID=0x0001:0x0003, UID=0x0004, MID=0x0005) {0+32}
   SMB Header: Command [115] = Session Setup AndX (Including User Login) {0+32}
     CIFS Protocol Marker: )" "\xFF" R"(SMB = SMB {0+4}
@@ -598,7 +563,7 @@ SMB - Tree Connect {32+19}
 void ExpectBlocks(std::span<const BlockCase> cases) {
   for (const BlockCase& c : cases) {
     EXPECT_EQ(BlocksOf(c.message), c.blocks + 1) << c.name;
-    CheckProperties(DecodeOne, c.message);
+    CheckProperties(DecodeOneSmb, c.message);
   }
 }
 
@@ -609,19 +574,19 @@ TEST(Smb, Sessions) { ExpectBlocks(kSessionCases); }
 TEST(Smb, RefusesWhatIsNoMessage) {
   TestView view;
   const Bytes header = Header(43, kRequest, kOem);
-  EXPECT_EQ(view.Run(DecodeOne, header), kSmbTruncated) << "one byte short of a block";
+  EXPECT_EQ(view.Run(DecodeOneSmb, header), kSmbTruncated) << "one byte short of a block";
   EXPECT_EQ(view.Text(), "");
-  EXPECT_EQ(view.Run(DecodeOne, Bytes(40, 0x41)), kSmbNotDecoded);
+  EXPECT_EQ(view.Run(DecodeOneSmb, Bytes(40, 0x41)), kSmbNotDecoded);
   EXPECT_EQ(view.Run(DecodeOrContinue, Bytes(40, 0x41)), kSmbDecoded);
   EXPECT_EQ(view.Text(), "CIFS: Continuation Data, 40 bytes {0+40}\n  SMB Continuation Data {0+40}\n");
-  EXPECT_EQ(view.Run(DecodeOne, header + Hex("0A") + Bytes(15)), kSmbTruncated) << "ten words in 15 bytes";
+  EXPECT_EQ(view.Run(DecodeOneSmb, header + Hex("0A") + Bytes(15)), kSmbTruncated) << "ten words in 15 bytes";
 }
 
 TEST(Smb, CommandsWithoutFieldsAreDumps) {
   EXPECT_EQ(BlocksOf(Header(96, kRequest, kOem) + Hex("01 1122 0300 AABBCC DDEE")),
             "SMB - Undefined {32+10}\n  Word Count: 1 {32+1}\n  Word Data {33+2}\n  Byte Count: 3  {35+2}\n"
             "  Byte Data {37+3}\n  Buffer {40+2}\n");
-  const std::string none = TreeOfRun(DecodeOne, Header(255, kRequest, kDosError, "02000600") + Hex("00 0900 AA"));
+  const std::string none = TreeOfRun(DecodeOneSmb, Header(255, kRequest, kDosError, "02000600") + Hex("00 0900 AA"));
   ExpectInOrder(none, {"CIFS: Client Request - No Command Follows   (TID=0x0002, PID=0x0001:0x0003",
                        "SMB Header: Command [255] = No Command Follows", "Error Class: [2] = ERRSRV {5+1}",
                        "Error Code: [6] = ERRinvnetname {7+2}", "SMB - No Command Follows {32+4}", "Byte Data {35+1}"});
@@ -647,12 +612,12 @@ TEST(Smb, ChainsGoForwardOnly) {
     const Bytes first = Hex("02") + Bytes{c.next, 0} + Little(c.offset, 2) + Hex("0000");
     const Bytes message = Header(116, kRequest, kOem) + first + Block("FF 00 0000");
     TestView view;
-    EXPECT_EQ(view.Run(DecodeOne, message), c.result) << c.name;
+    EXPECT_EQ(view.Run(DecodeOneSmb, message), c.result) << c.name;
     const std::string tree = view.Text();
     int headings = 0;
     for (size_t at = tree.find("  SMB - "); at != std::string::npos; at = tree.find("  SMB - ", at + 1)) ++headings;
     EXPECT_EQ(headings, c.headings) << c.name << "\n" << tree;
-    CheckProperties(DecodeOne, message);
+    CheckProperties(DecodeOneSmb, message);
   }
 }
 
@@ -668,33 +633,6 @@ TEST(Smb, SegmentsHoldMessagesBehindTheirLength) {
   EXPECT_EQ(view.Run(DecodeSmbOverTcp, Hex("01 00 0026") + echo), kSmbNotDecoded);
   EXPECT_EQ(view.Run(DecodeSmbOverTcp, Hex("00 00 0020") + Header(43, kRequest, kOem)), kSmbTruncated);
   CheckProperties(DecodeSmbOverTcp, framed + framed);
-}
-
-// The best of three decodes on a thread with a stack of 256 KB, in milliseconds.
-double TimeOnSmallStack(const Bytes& message) {
-  struct Work {
-    const Bytes* message;
-    double best;
-  } work{&message, 1e9};
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 * 1024);
-  pthread_t thread;
-  pthread_create(&thread, &attributes, [](void* argument) -> void* {
-    Work& w = *static_cast<Work*>(argument);
-    TestView view;
-    for (int i = 0; i < 3; ++i) {
-      ClearDecodeTree(&view.view(), &view.tree(), true);
-      const auto start = std::chrono::steady_clock::now();
-      view.Run(DecodeOne, *w.message);
-      const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-      if (took.count() < w.best) w.best = took.count();
-    }
-    return nullptr;
-  }, &work);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  return work.best;
 }
 
 TEST(Smb, HostileMessagesAreBounded) {
@@ -727,7 +665,7 @@ TEST(Smb, HostileMessagesAreBounded) {
   };
   constexpr double kMost = 200;   // milliseconds: far above what any takes, far below what a quadratic walk would
   for (const auto& c : kCases) {
-    const double took = TimeOnSmallStack(c.message);
+    const double took = TimeOnSmallStack({c.message});
     EXPECT_LT(took, kMost) << c.name;
     RecordProperty(c.name, std::to_string(took));
   }

@@ -20,7 +20,8 @@ constexpr SmbField kProximity[] = {{kSmbNumber32, "Proximity"}};
 constexpr SmbField kTimeToLive[] = {{kSmbNumber32, "Time To Live"}};
 
 // An offset from the entry's start, and the text that it leads to.
-void AddText(const SmbMessage& message, const Place& in, Cursor& c, const Cursor& entry, const char* label, int32_t* end) {
+void AddText(const SmbMessage& message, const Place& in, Cursor& c, const Cursor& entry, const char* label,
+             int32_t* end) {
   const Field offset = TakeLittleU16(c);
   AddLine(in, offset, "%s Offset: %u", label, offset.value);
   if (!offset.here || offset.value == 0 || static_cast<int32_t>(offset.value) >= Left(entry)) return;

@@ -1,5 +1,6 @@
 // Information levels of files, asked for or set by path or by FID.
 #include "decoders/smb/smb_info_levels.h"
+#include "decoders/smb/smb_open_names.h"
 
 namespace qxview {
 namespace {
@@ -10,34 +11,36 @@ constexpr auto kPipeConfigurations = SortedNames({{0, "Inbound"}, {1, "Outbound"
 constexpr auto kPipeStates = SortedNames({{1, "Disconnected"}, {2, "Listening"}, {3, "Connected"}, {4, "Closing"}});
 constexpr auto kFlagWords = SortedNames({{0x0001, "Directory"}});
 
-const SmbField kDated[] = {
+constexpr SmbField kDated[] = {
     {kSmbDosDateTime, "Creation Date and Time"}, {kSmbDosDateTime, "Last Access Date and Time"},
     {kSmbDosDateTime, "Last Write Date and Time"}, {kSmbNumber32, "File Data Size"},
     {kSmbNumber32, "Allocation Size"}, {kSmbFlags16, "Attributes", kSmbAttributeBits}, {kSmbNumber32, "EA Size"}};
 constexpr SmbField kSetDated[] = {
     {kSmbDosDateTime, "Creation Date and Time"}, {kSmbDosDateTime, "Last Access Date and Time"},
     {kSmbDosDateTime, "Last Write Date and Time"}, {kSmbBytes, "Reserved", {}, 10}};
-const SmbField kBasic[] = {
+constexpr SmbField kBasic[] = {
     {kSmbFileTime, "Creation Time"}, {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"},
-    {kSmbFileTime, "Last Change Time"}, {kSmbFlags32, "File Attributes", kSmbAttributeBits},
+    {kSmbFileTime, "Change Time"}, {kSmbFlags32, "File Attributes", kSmbAttributeBits},
     {kSmbNumber32, "Reserved"}};
 constexpr SmbField kStandard[] = {
-    {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End Of File"}, {kSmbNumber32, "Number Of Links"},
-    {kSmbNumber8, "Delete Pending"}, {kSmbNumber8, "Directory"}, {kSmbNumber16, "Reserved"}};
+    {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End of File"}, {kSmbNumber32, "Number Of Links"},
+    {kSmbName8, "Delete Pending", kSmbFalseTrueNames}, {kSmbName8, "Directory", kSmbFalseTrueNames},
+    {kSmbNumber16, "Reserved"}};
 constexpr SmbField kEa[] = {{kSmbNumber32, "EA Size"}};
 constexpr SmbField kName[] = {{kSmbNumber32, "File Name Length"}};
-const SmbField kAll[] = {
+constexpr SmbField kAll[] = {
     {kSmbFileTime, "Creation Time"}, {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"},
-    {kSmbFileTime, "Last Change Time"}, {kSmbFlags32, "File Attributes", kSmbAttributeBits},
-    {kSmbNumber32, "Reserved"}, {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End Of File"},
-    {kSmbNumber32, "Number Of Links"}, {kSmbNumber8, "Delete Pending"}, {kSmbNumber8, "Directory"},
+    {kSmbFileTime, "Change Time"}, {kSmbFlags32, "File Attributes", kSmbAttributeBits},
+    {kSmbNumber32, "Reserved"}, {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End of File"},
+    {kSmbNumber32, "Number Of Links"}, {kSmbName8, "Delete Pending", kSmbFalseTrueNames},
+    {kSmbName8, "Directory", kSmbFalseTrueNames},
     {kSmbNumber16, "Reserved"}, {kSmbNumber32, "EA Size"}, {kSmbNumber32, "File Name Length"}};
 constexpr SmbField kCompression[] = {
     {kSmbNumber64, "Compressed File Size"}, {kSmbName16, "Compression Format", kCompressionNames},
     {kSmbNumber8, "Compression Unit Shift"}, {kSmbNumber8, "Chunk Shift"}, {kSmbNumber8, "Cluster Shift"},
     {kSmbBytes, "Reserved", {}, 3}};
 constexpr SmbField kInternal[] = {{kSmbHex64, "Index Number"}};
-const SmbField kAccess[] = {{kSmbFlags32, "Access Flags", kSmbAccessMaskBits}};
+constexpr SmbField kAccess[] = {{kSmbFlags32, "Access Flags", kSmbAccessMaskBits}};
 constexpr SmbField kPosition[] = {{kSmbNumber64, "Current Byte Offset"}};
 constexpr SmbField kMode[] = {{kSmbHex32, "Mode"}};
 constexpr SmbField kAlignment[] = {{kSmbHex32, "Alignment Requirement"}};
@@ -49,14 +52,14 @@ constexpr SmbField kPipeLocal[] = {
     {kSmbNumber32, "Read Data Available"}, {kSmbNumber32, "Outbound Quota"}, {kSmbNumber32, "Write Quota Available"},
     {kSmbName32, "Named Pipe State", kPipeStates}, {kSmbNumber32, "Named Pipe End"}};
 constexpr SmbField kPipeRemote[] = {{kSmbFileTime, "Collect Data Time"}, {kSmbNumber32, "Maximum Collection Count"}};
-const SmbField kNetworkOpen[] = {
+constexpr SmbField kNetworkOpen[] = {
     {kSmbFileTime, "Creation Time"}, {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"},
-    {kSmbFileTime, "Last Change Time"}, {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End Of File"},
+    {kSmbFileTime, "Change Time"}, {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End of File"},
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber32, "Reserved"}};
-const SmbField kAttributeTag[] = {{kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbHex32, "Reparse Tag"}};
-constexpr SmbField kDisposition[] = {{kSmbNumber8, "Delete Pending"}};
+constexpr SmbField kAttributeTag[] = {{kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbHex32, "Reparse Tag"}};
+constexpr SmbField kDisposition[] = {{kSmbName8, "Delete Pending", kSmbFalseTrueNames}};
 constexpr SmbField kAllocationSize[] = {{kSmbNumber64, "Allocation Size"}};
-constexpr SmbField kEndOfFile[] = {{kSmbNumber64, "End Of File"}};
+constexpr SmbField kEndOfFile[] = {{kSmbNumber64, "End of File"}};
 constexpr SmbField kValidDataLength[] = {{kSmbNumber64, "Valid Data Length"}};
 constexpr SmbField kRename[] = {
     {kSmbNumber8, "Replace If Exists"}, {kSmbBytes, "Reserved", {}, 3}, {kSmbHex32, "Root Directory"},
@@ -119,7 +122,7 @@ constexpr SmbLevel kQueryLevels[] = {
     {0x103, "Query File EA Info", kEa, nullptr},
     {0x104, "Query File Name Info", kName, AddFileName},
     {0x105, "Query File Allocation Info", kAllocationSize, nullptr},
-    {0x106, "Query File End Of File Info", kEndOfFile, nullptr},
+    {0x106, "Query File End of File Info", kEndOfFile, nullptr},
     {0x107, "Query File All Info", kAll, AddFileName},
     {0x108, "Query File Alternate Name Info", kName, AddFileName},
     {0x109, "Query File Stream Info", {}, AddStreams},
@@ -160,7 +163,7 @@ constexpr SmbLevel kSetLevels[] = {
     {0x101, "Set File Basic Info", kBasic, nullptr},
     {0x102, "Set File Disposition Info", kDisposition, nullptr},
     {0x103, "Set File Allocation Info", kAllocationSize, nullptr},
-    {0x104, "Set File End Of File Info", kEndOfFile, nullptr},
+    {0x104, "Set File End of File Info", kEndOfFile, nullptr},
     {0x200, "Set File UNIX Basic", {}, AddSmbUnixBasic},
     {0x201, "Set File UNIX Link", kLinkTarget, nullptr},
     {0x203, "Set File UNIX Hard Link", kLinkTarget, nullptr},
@@ -179,7 +182,7 @@ constexpr SmbLevel kSetLevels[] = {
     {1015, "File Full EA Information", {}, AddSmbFullEas},
     {1016, "File Mode Information", kMode, nullptr},
     {1019, "File Allocation Information", kAllocationSize, nullptr},
-    {1020, "File End Of File Information", kEndOfFile, nullptr},
+    {1020, "File End of File Information", kEndOfFile, nullptr},
     {1023, "File Pipe Information", kPipe, nullptr},
     {1025, "File Pipe Remote Information", kPipeRemote, nullptr},
     {1039, "File Valid Data Length Information", kValidDataLength, nullptr},

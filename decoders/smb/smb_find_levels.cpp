@@ -20,7 +20,7 @@ constexpr auto kFindLevelNames = SortedNames({
     {kIdFullDirectory, "Find File ID Full Directory Info"}, {kIdBothDirectory, "Find File ID Both Directory Info"},
     {kUnix, "Find File UNIX"}, {kUnixInfo2, "Find File UNIX Info 2"}});
 
-const SmbField kDatedFields[] = {
+constexpr SmbField kDatedFields[] = {
     {kSmbDosDateTime, "Creation Date and Time"}, {kSmbDosDateTime, "Last Access Date and Time"},
     {kSmbDosDateTime, "Last Write Date and Time"}, {kSmbNumber32, "File Data Size"},
     {kSmbNumber32, "Allocation Size"}, {kSmbFlags16, "Attributes", kSmbAttributeBits}};
@@ -29,9 +29,9 @@ constexpr SmbField kEaSizeField = {kSmbNumber32, "EA Size"};
 constexpr int32_t kShortNameSize = 24;
 
 constexpr SmbField kEntryFields[] = {{kSmbNumber32, "Next Entry Offset"}, {kSmbNumber32, "File Index"}};
-const SmbField kTimedFields[] = {
+constexpr SmbField kTimedFields[] = {
     {kSmbFileTime, "Creation Time"}, {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"},
-    {kSmbFileTime, "Last Change Time"}, {kSmbNumber64, "End Of File"}, {kSmbNumber64, "Allocation Size"},
+    {kSmbFileTime, "Change Time"}, {kSmbNumber64, "End of File"}, {kSmbNumber64, "Allocation Size"},
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}};
 constexpr SmbField kNameLength = {kSmbNumber32, "File Name Length"};
 constexpr SmbField kFileId[] = {{kSmbHex64, "File ID"}};
@@ -51,15 +51,15 @@ int32_t SmallestEntry(uint32_t level) {
   }
 }
 
-// A name whose length is one byte. In two-byte characters it starts at an even place, of some servers right behind the
-// length: a zero byte is the padding, for a name does not start with one.
-void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c) {
+// A name whose length is one byte, not counting its terminator. In two-byte characters it starts at an even place; at
+// the levels with extended attributes servers put it right behind its length, and one byte ends it.
+void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level) {
   const Field length = AddSmbField(message, in, c, {kSmbNumber8, "File Name Length"});
   if (!length.here) return;
-  if (message.isUnicode && Left(c) > 0 && c.at[0] == 0) AddSmbPad(message, in, c, 2);
+  const bool isAligned = message.isUnicode && level == kStandard;
+  if (isAligned) AddSmbPad(message, in, c, 2);
   AddSmbCounted(message, in, c, length.value, "File Name");
-  // The terminator is not counted.
-  const int32_t terminator = message.isUnicode ? 2 : 1;
+  const int32_t terminator = isAligned ? 2 : 1;
   if (Left(c) >= terminator && c.at[0] == 0 && c.at[terminator - 1] == 0) {
     const Field pad = TakeBytes(c, terminator);
     AddLine(in, pad, "Pad: %s", HexText(pad));
@@ -74,7 +74,7 @@ void AddDatedEntry(const SmbMessage& message, const Place& at, Cursor& c, uint32
   AddSmbFields(message, in, c, kDatedFields);
   if (level == kEaSize) AddSmbField(message, in, c, kEaSizeField);
   if (level == kEasFromList) AddSmbEaList(message, in, c);
-  AddDatedName(message, in, c);
+  AddDatedName(message, in, c, level);
   SetRange(at, line, start, c.offset - start);
 }
 

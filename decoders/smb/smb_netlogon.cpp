@@ -1,5 +1,5 @@
-// Finding a logon server by mailslot (MS-ADTS 6.3.1 to 6.3.5): requests to \MAILSLOT\NET\NETLOGON, answers to a mailslot
-// that the request names. Texts end in a zero; those in two-byte characters are aligned to the data's start.
+// Finding a logon server by mailslot (MS-ADTS 6.3.1 to 6.3.5): requests to \MAILSLOT\NET\NETLOGON, answers to a
+// mailslot that the request names. Texts end in a zero; those in two-byte characters are aligned to the data's start.
 #include "decoders/smb/smb_info_levels.h"
 #include "decoders/smb/smb_mailslot.h"
 
@@ -43,7 +43,7 @@ constexpr SmbField kChange[] = {
 constexpr SmbField kDatabase[] = {
     {kSmbNumber32, "Database Index"}, {kSmbNumber64, "Large Serial Number"}, {kSmbFileTime, "Date and Time"}};
 constexpr SmbField kRequestCount[] = {{kSmbNumber16, "Request Count"}};
-const SmbField kSamMailslot[] = {{kSmbOemText, "Mailslot Name"}, {kSmbHex32, "Allowable Account Control Bits"}};
+constexpr SmbField kSamMailslot[] = {{kSmbOemText, "Mailslot Name"}, {kSmbHex32, "Allowable Account Control Bits"}};
 constexpr SmbField kSidSize[] = {{kSmbNumber32, "Domain SID Size"}};
 constexpr SmbField kServerFlags[] = {{kSmbFlags32, "Flags", kServerBits}};
 

@@ -2,6 +2,7 @@
 // descriptors, file system controls, notification of changes, quotas.
 #include "decoders/smb/smb_commands.h"
 #include "decoders/smb/smb_info_levels.h"
+#include "decoders/smb/smb_open_names.h"
 
 namespace qxview {
 namespace {
@@ -10,29 +11,6 @@ enum Function : uint32_t {
   kCreate = 1, kIoctl, kSetSecurity, kNotifyChange, kRename, kQuerySecurity, kQueryQuota, kSetQuota,
 };
 
-constexpr auto kCreateFlags = SortedNames({
-    {0x02, "Request Oplock"}, {0x04, "Request Batch Oplock"}, {0x08, "Open Target Directory"},
-    {0x10, "Request Extended Response"}});
-constexpr auto kShareBits = SortedNames({{0x1, "Share Read"}, {0x2, "Share Write"}, {0x4, "Share Delete"}});
-constexpr auto kDispositions = SortedNames({
-    {0, "Supersede"}, {1, "Open"}, {2, "Create"}, {3, "Open If"}, {4, "Overwrite"}, {5, "Overwrite If"}});
-constexpr auto kCreateOptions = SortedNames({
-    {0x000001, "Directory File"}, {0x000002, "Write Through"}, {0x000004, "Sequential Only"},
-    {0x000008, "No Intermediate Buffering"}, {0x000010, "Synchronous I/O Alert"},
-    {0x000020, "Synchronous I/O Non-Alert"}, {0x000040, "Non-Directory File"}, {0x000080, "Create Tree Connection"},
-    {0x000100, "Complete If Oplocked"}, {0x000200, "No EA Knowledge"}, {0x000400, "Open For Recovery"},
-    {0x000800, "Random Access"}, {0x001000, "Delete On Close"}, {0x002000, "Open By File ID"},
-    {0x004000, "Open For Backup Intent"}, {0x008000, "No Compression"}, {0x100000, "Reserve Opfilter"},
-    {0x200000, "Open Reparse Point"}, {0x400000, "Open No Recall"}, {0x800000, "Open For Free Space Query"}});
-constexpr auto kImpersonation = SortedNames({
-    {0, "Anonymous"}, {1, "Identification"}, {2, "Impersonation"}, {3, "Delegation"}});
-constexpr auto kSecurityFlags = SortedNames({{0x1, "Context Tracking"}, {0x2, "Effective Only"}});
-constexpr auto kOplockLevels = SortedNames({{0, "None"}, {1, "Exclusive"}, {2, "Batch"}, {3, "Level II"}});
-constexpr auto kCreateActions = SortedNames({
-    {0, "Superseded"}, {1, "Opened"}, {2, "Created"}, {3, "Overwritten"}, {4, "Exists"}, {5, "Does Not Exist"}});
-constexpr auto kResourceTypes = SortedNames({
-    {0, "Disk File"}, {1, "Byte-Mode Named Pipe"}, {2, "Message-Mode Named Pipe"}, {3, "Printer"},
-    {4, "Communication Device"}});
 constexpr auto kInformationBits = SortedNames({
     {0x1, "Owner"}, {0x2, "Group"}, {0x4, "DACL"}, {0x8, "SACL"}, {0x10, "Label"}});
 constexpr auto kFilterBits = SortedNames({
@@ -56,22 +34,25 @@ constexpr SmbField kPartFields[] = {
 constexpr SmbField kSetupCount[] = {{kSmbNumber8, "Setup Count"}};
 constexpr SmbField kReserved8[] = {{kSmbNumber8, "Reserved"}};
 
-const SmbField kCreateRequest[] = {
-    {kSmbFlags32, "Flags", kCreateFlags}, {kSmbHex32, "Root Directory FID"},
+constexpr SmbField kCreateRequest[] = {
+    {kSmbFlags32, "Flags", kSmbNtOpenFlagBits}, {kSmbHex32, "Root Directory FID"},
     {kSmbFlags32, "Desired Access", kSmbAccessMaskBits}, {kSmbNumber64, "Allocation Size"},
-    {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbFlags32, "Share Access", kShareBits},
-    {kSmbName32, "Create Disposition", kDispositions}, {kSmbFlags32, "Create Options", kCreateOptions},
+    {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbFlags32, "Share Access", kSmbShareAccessBits},
+    {kSmbName32, "Create Disposition", kSmbDispositionNames}, {kSmbFlags32, "Create Options", kSmbCreateOptionBits},
     {kSmbNumber32, "Security Descriptor Length"}, {kSmbNumber32, "EA Length"}, {kSmbNumber32, "Name Length"},
-    {kSmbName32, "Impersonation Level", kImpersonation}, {kSmbFlags8, "Security Flags", kSecurityFlags}};
+    {kSmbName32, "Impersonation Level", kSmbImpersonationNames},
+    {kSmbFlags8, "Security Flags", kSmbSecurityFlagBits}};
 constexpr int32_t kDescriptorLengthAt = 36, kNameLengthAt = 44;
-const SmbField kCreateReply[] = {
-    {kSmbName8, "Oplock Level", kOplockLevels}, {kSmbNumber8, "Reserved"}, {kSmbHex16, "FID"},
-    {kSmbName32, "Create Action", kCreateActions}, {kSmbNumber32, "EA Error Offset"}, {kSmbFileTime, "Creation Time"},
-    {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"}, {kSmbFileTime, "Last Change Time"},
+constexpr SmbField kCreateReply[] = {
+    {kSmbName8, "Opportunistic Lock Level", kSmbOplockLevelNames}, {kSmbNumber8, "Reserved"}, {kSmbHex16, "FID"},
+    {kSmbName32, "Create Action", kSmbCreateActionNames}, {kSmbNumber32, "EA Error Offset"},
+    {kSmbFileTime, "Creation Time"},
+    {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"}, {kSmbFileTime, "Change Time"},
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber64, "Allocation Size"},
-    {kSmbNumber64, "End Of File"}, {kSmbName16, "Resource Type", kResourceTypes}, {kSmbHex16, "Named Pipe Status"},
-    {kSmbNumber8, "Directory"}};
-const SmbField kCreateExtended[] = {
+    {kSmbNumber64, "End of File"}, {kSmbName16, "File Type", kSmbFileTypeNames}, 
+    {kSmbFlags16, "Pipe State", kSmbPipeStateBits},
+    {kSmbName8, "Directory", kSmbFalseTrueNames}};
+constexpr SmbField kCreateExtended[] = {
     {kSmbBytes, "Volume GUID", {}, 16}, {kSmbHex64, "File ID"},
     {kSmbFlags32, "Maximal Access Rights", kSmbAccessMaskBits},
     {kSmbFlags32, "Guest Maximal Access Rights", kSmbAccessMaskBits}};
@@ -146,7 +127,8 @@ void QuotaRequestData(SmbTransaction& t, const Place& in, Cursor& c) {
 constexpr SmbFunction kFunctions[] = {
     {kCreate, "NT Transact Create", CreateRequest, CreateData, CreateReply, nullptr},
     {kIoctl, "NT Transact IOCTL", nullptr, SmbIoctlRequest, nullptr, SmbIoctlReply},
-    {kSetSecurity, "NT Transact Set Security Descriptor", SmbTransactionFields<kSecurityRequest>, SecurityData, nullptr,
+    {kSetSecurity, "NT Transact Set Security Descriptor", SmbTransactionFields<kSecurityRequest>, SecurityData,
+     nullptr,
      nullptr},
     {kNotifyChange, "NT Transact Notify Change", nullptr, nullptr, NotifyReply, nullptr},
     {kRename, "NT Transact Rename", SmbTransactionFields<kRenameRequest>, nullptr, nullptr, nullptr},

@@ -41,14 +41,16 @@ constexpr SmbField kDescriptorFields[] = {
 constexpr SmbField kAclFields[] = {
     {kSmbNumber8, "Revision"}, {kSmbNumber8, "Reserved"}, {kSmbNumber16, "ACL Size"}, {kSmbNumber16, "ACE Count"},
     {kSmbNumber16, "Reserved"}};
-const SmbField kAceFields[] = {
+constexpr SmbField kAceFields[] = {
     {kSmbName8, "ACE Type", kAceTypes}, {kSmbFlags8, "ACE Flags", kAceFlagBits}, {kSmbNumber16, "ACE Size"},
     {kSmbFlags32, "Access Mask", kSmbAccessMaskBits}};
 constexpr SmbField kObjectFlags[] = {{kSmbFlags32, "Object Flags", kObjectBits}};
 
 constexpr SmbMessage kNoMessage{};   // no field here has text
 
-bool IsObjectAce(uint32_t type) { return (type >= 5 && type <= 8) || type == 11 || type == 12 || type == 15 || type == 16; }
+bool IsObjectAce(uint32_t type) {
+  return (type >= 5 && type <= 8) || type == 11 || type == 12 || type == 15 || type == 16;
+}
 
 void AddAce(const Place& in, Cursor& c) {
   const uint32_t type = c.at[0];

@@ -8,18 +8,14 @@
 namespace qxview {
 namespace {
 
-constexpr auto kPipeStateBits = SortedNames({
-    {0x00FF, "Maximum Instances"}, {0x0300, "Read Mode (0 Bytes, 1 Messages)"},
-    {0x0C00, "Pipe Type (0 Bytes, 1 Messages)"}, {0x4000, "Server End"}, {0x8000, "Non-Blocking"}});
-
-constexpr SmbField kPipeState[] = {{kSmbFlags16, "Pipe State", kPipeStateBits}};
+constexpr SmbField kPipeState[] = {{kSmbFlags16, "Pipe State", kSmbPipeStateBits}};
 constexpr SmbField kPipeLevel[] = {{kSmbNumber16, "Level"}};
 constexpr SmbField kPipeInfo[] = {
     {kSmbNumber16, "Output Buffer Size"}, {kSmbNumber16, "Input Buffer Size"}, {kSmbNumber8, "Maximum Instances"},
     {kSmbNumber8, "Current Instances"}, {kSmbNumber8, "Pipe Name Length"}, {kSmbText, "Pipe Name"}};
 constexpr SmbField kPeek[] = {
     {kSmbNumber16, "Read Data Available"}, {kSmbNumber16, "Message Bytes Length"},
-    {kSmbFlags16, "Named Pipe State", kPipeStateBits}};
+    {kSmbFlags16, "Pipe State", kSmbPipeStateBits}};
 constexpr SmbField kWritten[] = {{kSmbNumber16, "Bytes Written"}};
 
 constexpr uint32_t kWaitPipe = 0x53, kCallPipe = 0x54;
@@ -27,7 +23,8 @@ constexpr SmbFunction kPipeFunctions[] = {
     {0x01, "Set Named Pipe State", SmbTransactionFields<kPipeState>, nullptr, nullptr, nullptr},
     {0x11, "Raw Read Named Pipe", nullptr, nullptr, nullptr, SmbPipePart},
     {0x21, "Query Named Pipe State", nullptr, nullptr, SmbTransactionFields<kPipeState>, nullptr},
-    {0x22, "Query Named Pipe Info", SmbTransactionFields<kPipeLevel>, nullptr, nullptr, SmbTransactionFields<kPipeInfo>},
+    {0x22, "Query Named Pipe Info", SmbTransactionFields<kPipeLevel>, nullptr, nullptr,
+     SmbTransactionFields<kPipeInfo>},
     {0x23, "Peek Named Pipe", nullptr, nullptr, SmbTransactionFields<kPeek>, SmbPipePart},
     {0x26, "Transact Named Pipe", nullptr, SmbPipePart, nullptr, SmbPipePart},
     {0x31, "Raw Write Named Pipe", nullptr, SmbPipePart, SmbTransactionFields<kWritten>, nullptr},
@@ -40,7 +37,8 @@ constexpr SmbFunction kPipeFunctions[] = {
 constexpr auto kMailslotFunctions = SortedNames({{1, "Write Mailslot"}});
 constexpr auto kMailslotClasses = SortedNames({{1, "Reliable"}, {2, "Unreliable"}});
 constexpr SmbField kMailslotSetup[] = {
-    {kSmbName16, "Function", kMailslotFunctions}, {kSmbNumber16, "Priority"}, {kSmbName16, "Class", kMailslotClasses}};
+    {kSmbName16, "Function", kMailslotFunctions}, {kSmbNumber16, "Priority"},
+    {kSmbName16, "Class", kMailslotClasses}};
 constexpr SmbField kPipeFid[] = {{kSmbHex16, "FID"}};
 constexpr SmbField kPipePriority[] = {{kSmbNumber16, "Priority"}};
 

@@ -1,6 +1,7 @@
 // Trans2 (MS-CIFS 2.2.6): searches, and the information levels of files and file systems.
 #include "decoders/smb/smb_commands.h"
 #include "decoders/smb/smb_info_levels.h"
+#include "decoders/smb/smb_open_names.h"
 
 namespace qxview {
 namespace {
@@ -8,34 +9,23 @@ namespace {
 constexpr auto kSearchBits = SortedNames({
     {0x0001, "Close After Request"}, {0x0002, "Close At End Of Search"}, {0x0004, "Return Resume Keys"},
     {0x0008, "Continue From Last"}, {0x0010, "Backup Intent"}});
-constexpr auto kStorageTypes = SortedNames({{0x00, "Any File"}, {0x01, "Directory File"}, {0x40, "Non-Directory File"}});
-constexpr auto kOpenFlags = SortedNames({
-    {0x0001, "Return Attributes"}, {0x0002, "Exclusive Oplock"}, {0x0004, "Batch Oplock"}, {0x0008, "Return EA Length"}});
-constexpr auto kAccessModes = SortedNames({
-    {0x0007, "Access (0 Read, 1 Write, 2 Read and Write, 3 Execute)"},
-    {0x0070, "Sharing (0 Compatible, 1 Deny All, 2 Deny Write, 3 Deny Read, 4 Deny None)"},
-    {0x0700, "Locality"}, {0x1000, "No Cache"}, {0x4000, "Write Through"}});
-constexpr auto kOpenModes = SortedNames({
-    {0x0003, "If It Exists (0 Fail, 1 Open, 2 Truncate)"}, {0x0010, "Create If It Does Not Exist"}});
-constexpr auto kActions = SortedNames({
-    {0x0003, "Action (1 Opened, 2 Created, 3 Truncated)"}, {0x8000, "Opportunistic Lock"}});
-constexpr auto kResourceTypes = SortedNames({
-    {0, "Disk File"}, {1, "Byte-Mode Named Pipe"}, {2, "Message-Mode Named Pipe"}, {3, "Printer"},
-    {4, "Communication Device"}});
-
-const SmbField kOpenRequest[] = {
-    {kSmbFlags16, "Flags", kOpenFlags}, {kSmbFlags16, "Access Mode", kAccessModes},
-    {kSmbFlags16, "Search Attributes", kSmbAttributeBits}, {kSmbFlags16, "File Attributes", kSmbAttributeBits},
-    {kSmbTime32, "Creation Time"}, {kSmbFlags16, "Open Mode", kOpenModes}, {kSmbNumber32, "Allocation Size"},
-    {kSmbBytes, "Reserved", {}, 10}, {kSmbText, "File Name"}};
-const SmbField kOpenReply[] = {
+constexpr auto kStorageTypes = SortedNames({
+    {0x00, "Any File"}, {0x01, "Directory File"}, {0x40, "Non-Directory File"}});
+constexpr SmbField kOpenFlags[] = {{kSmbFlags16, "Flags", kSmbOpenFlagBits}};
+constexpr SmbField kOpenAttributes[] = {
+    {kSmbFlags16, "Search Attributes", kSmbSearchBits}, {kSmbFlags16, "File Attributes", kSmbAttributeBits},
+    {kSmbTime32, "Creation Time"}};
+constexpr SmbField kOpenRest[] = {
+    {kSmbNumber32, "Allocation Size"}, {kSmbBytes, "Reserved", {}, 10}, {kSmbText, "File Name"}};
+constexpr SmbField kOpened[] = {
     {kSmbHex16, "FID"}, {kSmbFlags16, "File Attributes", kSmbAttributeBits}, {kSmbTime32, "Creation Time"},
-    {kSmbNumber32, "File Data Size"}, {kSmbFlags16, "Access Mode", kAccessModes},
-    {kSmbName16, "Resource Type", kResourceTypes}, {kSmbHex16, "Named Pipe Status"},
-    {kSmbFlags16, "Action Taken", kActions}, {kSmbNumber32, "Server File ID"}, {kSmbNumber16, "EA Error Offset"},
-    {kSmbNumber32, "EA Length"}};
-const SmbField kFindFirst[] = {
-    {kSmbFlags16, "Search Attributes", kSmbAttributeBits}, {kSmbNumber16, "Search Count"},
+    {kSmbNumber32, "File Size"}};
+constexpr SmbField kOpenedType[] = {
+    {kSmbName16, "File Type", kSmbFileTypeNames}, {kSmbFlags16, "Pipe State", kSmbPipeStateBits}};
+constexpr SmbField kOpenedRest[] = {
+    {kSmbHex32, "Server FID"}, {kSmbNumber16, "EA Error Offset"}, {kSmbNumber32, "EA Length"}};
+constexpr SmbField kFindFirst[] = {
+    {kSmbFlags16, "Search Attributes", kSmbSearchBits}, {kSmbNumber16, "Search Count"},
     {kSmbFlags16, "Flags", kSearchBits}};
 constexpr SmbField kFindFirstName[] = {{kSmbName32, "Search Storage Type", kStorageTypes}, {kSmbText, "File Name"}};
 constexpr SmbField kFindNext[] = {{kSmbHex16, "SID"}, {kSmbNumber16, "Search Count"}};
@@ -50,8 +40,8 @@ constexpr SmbField kEaErrorOffset[] = {{kSmbNumber16, "EA Error Offset"}};
 constexpr SmbField kPath[] = {{kSmbNumber32, "Reserved"}, {kSmbText, "File Name"}};
 constexpr SmbField kReserved[] = {{kSmbNumber16, "Reserved"}};
 constexpr SmbField kDirectory[] = {{kSmbNumber32, "Reserved"}, {kSmbText, "Directory Name"}};
-const SmbField kNotifyFirst[] = {
-    {kSmbFlags16, "Search Attributes", kSmbAttributeBits}, {kSmbNumber16, "Change Count"}};
+constexpr SmbField kNotifyFirst[] = {
+    {kSmbFlags16, "Search Attributes", kSmbSearchBits}, {kSmbNumber16, "Change Count"}};
 constexpr SmbField kNotifyPath[] = {{kSmbNumber32, "Reserved"}, {kSmbText, "Path Name"}};
 constexpr SmbField kNotifyNext[] = {{kSmbHex16, "Monitor Handle"}, {kSmbNumber16, "Change Count"}};
 constexpr SmbField kNotifyFirstReply[] = {
@@ -64,6 +54,22 @@ constexpr SmbField kDfsName[] = {{kSmbText, "Request File Name"}};
 constexpr uint32_t kEasFromList = 3;
 
 void AddEas(SmbTransaction& t, const Place& in, Cursor& c) { AddSmbEaList(t.message, in, c); }
+
+void OpenRequest(SmbTransaction& t, const Place& in, Cursor& c) {
+  AddSmbFields(t.message, in, c, kOpenFlags);
+  AddSmbBits(in, c, "Access Mode", kSmbAccessModeBits);
+  AddSmbFields(t.message, in, c, kOpenAttributes);
+  AddSmbBits(in, c, "Open Function", kSmbOpenFunctionBits);
+  AddSmbFields(t.message, in, c, kOpenRest);
+}
+
+void OpenReply(SmbTransaction& t, const Place& in, Cursor& c) {
+  AddSmbFields(t.message, in, c, kOpened);
+  AddSmbBits(in, c, "Access Mode", kSmbAccessModeBits);
+  AddSmbFields(t.message, in, c, kOpenedType);
+  AddSmbBits(in, c, "Open Results", kSmbOpenResultBits);
+  AddSmbFields(t.message, in, c, kOpenedRest);
+}
 
 // --- searches ---
 
@@ -150,7 +156,7 @@ void NotifyFirstRequest(SmbTransaction& t, const Place& in, Cursor& c) {
 }
 
 constexpr SmbFunction kFunctions[] = {
-    {0x00, "Open2", SmbTransactionFields<kOpenRequest>, AddEas, SmbTransactionFields<kOpenReply>, nullptr},
+    {0x00, "Open2", OpenRequest, AddEas, OpenReply, nullptr},
     {0x01, "Find First2", FindFirstRequest, FindRequestData, FindFirstReply, FindReplyData},
     {0x02, "Find Next2", FindNextRequest, FindRequestData, SmbTransactionFields<kFindNextReply>, FindReplyData},
     {0x03, "Query FS Information", QueryFsRequest, nullptr, nullptr, QueryFsReply},
@@ -166,7 +172,8 @@ constexpr SmbFunction kFunctions[] = {
     {0x0B, "Find Notify First", NotifyFirstRequest, nullptr, SmbTransactionFields<kNotifyFirstReply>, nullptr},
     {0x0C, "Find Notify Next", SmbTransactionFields<kNotifyNext>, nullptr, SmbTransactionFields<kNotifyNextReply>,
      nullptr},
-    {0x0D, "Create Directory", SmbTransactionFields<kDirectory>, AddEas, SmbTransactionFields<kEaErrorOffset>, nullptr},
+    {0x0D, "Create Directory", SmbTransactionFields<kDirectory>, AddEas, SmbTransactionFields<kEaErrorOffset>,
+     nullptr},
     {0x0E, "Session Setup", nullptr, nullptr, nullptr, nullptr},
     {0x10, "Get DFS Referral", SmbTransactionFields<kDfsRequest>, nullptr, nullptr, AddSmbDfsReferrals},
     {0x11, "Report DFS Inconsistency", SmbTransactionFields<kDfsName>, AddSmbDfsReferral, nullptr, nullptr},

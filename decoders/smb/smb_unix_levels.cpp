@@ -20,7 +20,7 @@ constexpr auto kCreateActions = SortedNames({
 constexpr auto kGuestBits = SortedNames({{0x1, "Guest"}});
 
 constexpr SmbField kBasicFields[] = {
-    {kSmbNumber64, "End Of File"}, {kSmbNumber64, "Number Of Bytes"}, {kSmbFileTime, "Last Status Change"},
+    {kSmbNumber64, "End of File"}, {kSmbNumber64, "Number Of Bytes"}, {kSmbFileTime, "Last Status Change"},
     {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Modification Time"}, {kSmbNumber64, "User ID"},
     {kSmbNumber64, "Group ID"}, {kSmbName32, "File Type", kFileTypes}, {kSmbNumber64, "Device Major"},
     {kSmbNumber64, "Device Minor"}, {kSmbHex64, "Unique ID"}, {kSmbHex64, "Permissions"},
