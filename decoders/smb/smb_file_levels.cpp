@@ -88,11 +88,22 @@ void AddStreams(const SmbMessage& message, const Place& in, Cursor& c, uint32_t)
   }
 }
 
-// FILE_ALL_INFORMATION: the fields of several of the levels above, one behind the other.
+// FILE_ALL_INFORMATION: the fields of several of the levels above, one behind the other. Some servers leave out those
+// that the older level of all information lacks; the length of the name, which is the last field, tells.
 void AddAllInformation(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
+  constexpr int32_t kNameLengthAt = 96;
+  const bool isWhole = Left(c) >= kNameLengthAt + 4 &&
+                       ReadLittleU32(c.at + kNameLengthAt) <= static_cast<uint32_t>(Left(c) - kNameLengthAt - 4);
   AddSmbFields(message, in, c, kBasic);
   AddSmbFields(message, in, c, kStandard);
+  if (isWhole) AddSmbFields(message, in, c, kInternal);
   AddSmbFields(message, in, c, kEa);
+  if (isWhole) {
+    AddSmbFields(message, in, c, kAccess);
+    AddSmbFields(message, in, c, kPosition);
+    AddSmbFields(message, in, c, kMode);
+    AddSmbFields(message, in, c, kAlignment);
+  }
   const uint32_t length = AddSmbFields(message, in, c, kName);
   AddFileName(message, in, c, length);
 }

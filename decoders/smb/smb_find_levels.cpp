@@ -51,11 +51,12 @@ int32_t SmallestEntry(uint32_t level) {
   }
 }
 
-// A name whose length is one byte; in two-byte characters it starts at an even place.
+// A name whose length is one byte. In two-byte characters it starts at an even place, of some servers right behind the
+// length: a zero byte is the padding, for a name does not start with one.
 void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c) {
   const Field length = AddSmbField(message, in, c, {kSmbNumber8, "File Name Length"});
   if (!length.here) return;
-  if (message.isUnicode) AddSmbPad(message, in, c, 2);
+  if (message.isUnicode && Left(c) > 0 && c.at[0] == 0) AddSmbPad(message, in, c, 2);
   AddSmbCounted(message, in, c, length.value, "File Name");
   // The terminator is not counted.
   const int32_t terminator = message.isUnicode ? 2 : 1;

@@ -15,6 +15,7 @@ struct Buffer {
   Cursor whole;
   uint32_t converter;
   int32_t begin, end;   // frame offsets of the first and behind the last text that a field pointed to
+  int32_t room;         // bytes of text that may still be shown: fields may all point to the same ones
 };
 
 int32_t SizeOf(const RapItem& item) {
@@ -51,10 +52,10 @@ void AddPointer(const SmbMessage& message, const Place& in, Cursor& c, Buffer& b
   }
   // Only the low half says where; the null pointer's is 0, and no converter is.
   const uint32_t offset = (pointer.value - buffer.converter) & 0xFFFF;
-  if (!pointer.here || pointer.value == 0 || offset >= static_cast<uint32_t>(Left(buffer.whole))) return;
+  const bool isThere = pointer.here && pointer.value != 0 && offset < static_cast<uint32_t>(Left(buffer.whole));
+  if (!isThere || buffer.room < 1) return;
   Cursor there = buffer.whole;
   TakeBytes(there, offset);
-  // Many may point to the same place: only so much of it is shown.
   const int32_t most = item.code == 'z' ? kSmbTextSize - 1 : kShownBytes;
   if (there.left > most) there.left = most;
   if (item.code == 'z') {
@@ -63,6 +64,7 @@ void AddPointer(const SmbMessage& message, const Place& in, Cursor& c, Buffer& b
     AddRapBytes(message, in, there, item.count, label);
   }
   const int32_t start = buffer.whole.offset + static_cast<int32_t>(offset);
+  buffer.room -= there.offset - start;
   if (start < buffer.begin) buffer.begin = start;
   if (there.offset > buffer.end) buffer.end = there.offset;
 }
@@ -194,7 +196,7 @@ void AddRapText(const SmbMessage& message, const Place& in, Cursor& c, const Rap
 
 void AddRapStructures(SmbTransaction& t, const Place& in, Cursor& c, uint32_t count, uint32_t converter) {
   const int32_t size = SizeOf(t.request.data), auxiliarySize = SizeOf(t.request.auxiliary);
-  Buffer buffer{c, converter, INT32_MAX, c.offset};
+  Buffer buffer{c, converter, INT32_MAX, c.offset, 2 * Left(c)};
   const char* labels = RapStructureLabels(t.request.data);
   const char* auxiliaryLabels = RapStructureLabels(t.request.auxiliary);
   Loop loop;

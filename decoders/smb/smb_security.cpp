@@ -9,6 +9,8 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kMostSubAuthorities = 15;
+constexpr uint32_t kMostAces = 1024;   // with lines of their own; real lists hold a few dozen
+constexpr uint32_t kSmallestAce = 16;
 
 constexpr auto kControlBits = SortedNames({
     {0x0001, "Owner Defaulted"}, {0x0002, "Group Defaulted"}, {0x0004, "DACL Present"}, {0x0008, "DACL Defaulted"},
@@ -69,12 +71,12 @@ void AddAcl(const Place& at, const Cursor& descriptor, uint32_t offset, const ch
   const Place in = Under(at, AddLine(at, Ahead(acl, acl.left), "%s", title));
   AddSmbFields(kNoMessage, in, acl, kAclFields);
   Loop loop;
-  for (uint32_t i = 0; i < count && MoreAt(in, acl, loop) && Left(acl) >= 4; ++i) {
+  for (uint32_t i = 0; i < count && i < kMostAces && MoreAt(in, acl, loop) && Left(acl) >= 4; ++i) {
     const uint32_t aceSize = ReadLittleU16(acl.at + 2);
-    Cursor ace = TakeCursor(acl, aceSize < 8 ? acl.left : aceSize);
+    Cursor ace = TakeCursor(acl, aceSize < kSmallestAce ? acl.left : aceSize);
     AddAce(Under(in, AddLine(in, Ahead(ace, ace.left), "ACE")), ace);
   }
-  AddSmbFiller(in, acl);
+  AddSmbFiller(in, acl, "ACL Data");
   if (c.offset > *end) *end = c.offset;
 }
 
