@@ -56,10 +56,11 @@ int32_t SmallestEntry(uint32_t level) {
 void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c) {
   const Field length = AddSmbField(message, in, c, {kSmbNumber8, "File Name Length"});
   if (!length.here) return;
-  if (message.isUnicode && Left(c) > 0 && c.at[0] == 0) AddSmbPad(message, in, c, 2);
+  const bool isAligned = message.isUnicode && Left(c) > 0 && c.at[0] == 0;
+  if (isAligned) AddSmbPad(message, in, c, 2);
   AddSmbCounted(message, in, c, length.value, "File Name");
-  // The terminator is not counted.
-  const int32_t terminator = message.isUnicode ? 2 : 1;
+  // The terminator is not counted, and behind a name without padding it has one byte.
+  const int32_t terminator = isAligned ? 2 : 1;
   if (Left(c) >= terminator && c.at[0] == 0 && c.at[terminator - 1] == 0) {
     const Field pad = TakeBytes(c, terminator);
     AddLine(in, pad, "Pad: %s", HexText(pad));
