@@ -5,11 +5,11 @@ usage: oracle_smb.py CAPTURE... [--qxview build/qxview] [--jobs 2] [--verbose]
 
 CAPTURE is a file or a directory of capture files. Every field of tshark's that stands in the tables below (commands,
 statuses, TIDs, UIDs, PIDs, MIDs, names of files and shares, offsets, lengths and counts, levels and subcommands; names,
-operations and addresses of NetBIOS) must be said by a line of qxview's over the same bytes: numbers as such, in decimal or
-hexadecimal, texts at their place. tshark looks at segments as they stand, as qxview does (reassembly is switched off).
+operations and addresses of NetBIOS) must be said by a line of qxview's over the same bytes: numbers as such, in decimal
+or hexadecimal, texts at their place. tshark looks at segments as they stand, as qxview does (reassembly is off).
 
-What differs by order stands in the table with its reason. Exit status 1 when anything else differs; --verbose names every
-field of it.
+What differs by order stands in the table with its reason. Exit status 1 when anything else differs; --verbose names
+every field of it.
 """
 import collections
 import itertools
@@ -21,7 +21,8 @@ from oracle_support import (Tally, children, decoded_packets, define, exit_with,
                             read_options, tshark_command, walk)
 
 CARRIERS = ("nbss", "nbns", "nbdgm", "netbios", "smb")
-COMPARED = (*CARRIERS, "smb_pipe", "lanman", "mailslot", "browser")   # the second version of SMB has fields of SMB's, too
+# The second version of SMB has fields of SMB's, too.
+COMPARED = (*CARRIERS, "smb_pipe", "lanman", "mailslot", "browser")
 WANTED = " || ".join(CARRIERS)
 PREFERENCES = [f"{name}:FALSE" for name in (
     "tcp.desegment_tcp_streams", "ip.defragment", "ipv6.defragment", "smb.trans_reassembly", "smb.dcerpc_reassembly",
@@ -167,7 +168,8 @@ def compare_field(peer, at):
         peer = peer._replace(offset=peer.offset + 1, length=2)
     if peer.name in NUMBERS:
         if peer.name in HALVES:
-            peer = peer._replace(length=HALVES[peer.name], value=str(int.from_bytes(peer.raw[:HALVES[peer.name]], "little")))
+            size = HALVES[peer.name]
+            peer = peer._replace(length=size, value=str(int.from_bytes(peer.raw[:size], "little")))
         lines = [line["text"] for line in at[peer.offset] if line["length"] == peer.length]
         return None if any(says_number(text, peer) for text in lines) else lines
     lines = [line["text"] for offset in range(peer.offset - 1, peer.offset + 2) for line in at[offset]
@@ -190,8 +192,8 @@ ORDERED = [
      "an extended NT Create response has more words than its count says; qxview goes by the count"),
     ("smb.bcc", lambda peer, titles: any("NT Transaction (Secondary" in title for title in titles),
      "tshark looks for the byte count of a secondary NT Transaction a byte too late"),
-    ("smb.file", lambda peer, titles: len(peer.raw) == 11 and any(re.search(r"Search Directory|Find (First|Unique)", title)
-                                                                  for title in titles),
+    ("smb.file", lambda peer, titles: len(peer.raw) == 11 and any(
+        re.search(r"Search Directory|Find (First|Unique)", title) for title in titles),
      "tshark shows what Samba keeps in the server's part of a resume key, which is the server's own affair"),
     ("smb.service", lambda peer, titles: peer.raw[:1] == b"\x04" or b"\x04" in peer.raw,
      "tshark takes the format octet of a core tree connect into the service"),

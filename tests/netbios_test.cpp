@@ -48,7 +48,8 @@ TEST(NetBios, NamesAreDecodedWithScopeSuffixAndPointers) {
   ExpectInOrder(query(Encoded("SERVER", 0x1B) + Hex("03 6F7267 00")),
                 {"Question: SERVER<1B>.org, NB {12+42}", "Name: SERVER<1B>.org = Domain Master Browser {12+38}",
                  "Label Length: 32 {12+1}", "Name: SERVER {13+30}", "Suffix: <1B> = Domain Master Browser {43+2}",
-                 "Label Length: 3 {45+1}", "Scope Label: org {46+3}", "End of Name {49+1}", "Type: 0x0020 = NB {50+2}"});
+                 "Label Length: 3 {45+1}", "Scope Label: org {46+3}", "End of Name {49+1}",
+                 "Type: 0x0020 = NB {50+2}"});
   EXPECT_NE(top(Encoded(std::string("*\0", 2) + std::string(13, 0), 0)).find(", *<00>"), std::string::npos);
   EXPECT_NE(top(Encoded("\x01\x02__MSBROWSE__\x02", 0x01)).find(", <01><02>__MSBROWSE__<02><01>"), std::string::npos);
   EXPECT_NE(query(Hex("20") + Bytes(32, 'x') + Hex("00")).find("(not in first-level encoding)"), std::string::npos);
@@ -90,7 +91,8 @@ TEST(NetBios, DatagramsHandTheirDataOn) {
                 "CIFS: Client Request - Negotiate Protocol   (TID=0x0000, PID=0x0000:0x0001, UID=0x0000, MID=0x0000) "
                 "{82+32}"}));
   // A later fragment, data that is no SMB, and a length that lies.
-  for (const Bytes& message : {datagram("0200", kSmb), datagram("0000", Bytes(40, 'x')), datagram("0000", Hex("FF53"))}) {
+  for (const Bytes& message :
+       {datagram("0200", kSmb), datagram("0000", Bytes(40, 'x')), datagram("0000", Hex("FF53"))}) {
     ExpectInOrder(TreeOfRun(DecodeNetBiosDatagram, message), {"Destination Name: SERVER<20>", "User Data {82"});
     EXPECT_EQ(Tops(TreeOfRun(DecodeNetBiosDatagram, message)).size(), 1u);
     CheckProperties(DecodeNetBiosDatagram, message, true);
@@ -137,7 +139,7 @@ TEST(NetBios, FramesWithoutANetworkLayer) {
       {"2C00 FFEF 00 00 0000 0000 0100", {"Add Group Name Query, CLIENT<00> {", "Domain/Workgroup"}},
       {"2C00 FFEF 0A 00 0500 0000 0700", {"Name Query, CLIENT<00> -> SERVER<20>", "Local Session Number = 5"}},
       {"2C00 FFEF 0F 02 1080 0000 0700", {"Names Sent So Far", "Frame Too Short for Status = True", "Data = 16"}},
-      {"0E00 FFEF 17 81 B505 0100 0200 0304", {"Session Confirm, Session 4 -> 3", "Version 2.00", "1461 = Largest User"}},
+      {"0E00 FFEF 17 81 B505 0100 0200 0304", {"Session Confirm, Session 4 -> 3", "Version 2.00", "1461 = Largest"}},
       {"0E00 FFEF 18 00 0100 0000 0000 0304", {"Session End", "1 = Abnormal End"}},
       {"0E00 FFEF 19 8F 0001 0000 0000 0304", {"Largest Frame Value = 7", "Source Session Number: 4"}},
       {"0E00 FFEF 16 0C 0000 0000 0000 0304", {"Data Only Last", "Acknowledgement with Data Allowed = True"}},

@@ -13,7 +13,9 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kHeaderSize = 10;
-enum Type : uint32_t { kDirectUnique = 0x10, kBroadcast = 0x12, kError = 0x13, kQuery = 0x14, kNegativeResponse = 0x16 };
+enum Type : uint32_t {
+  kDirectUnique = 0x10, kBroadcast = 0x12, kError = 0x13, kQuery = 0x14, kNegativeResponse = 0x16
+};
 
 constexpr auto kTypeNames = SortedNames({
     {0x10, "Direct Unique Datagram"}, {0x11, "Direct Group Datagram"}, {0x12, "Broadcast Datagram"},

@@ -1,5 +1,5 @@
-// The NetBIOS name service (RFC 1002 4.2): names are registered, refreshed, released and asked for, by broadcast or at a
-// name server. Messages have the form of DNS.
+// The NetBIOS name service (RFC 1002 4.2): names are registered, refreshed, released and asked for, by broadcast or at
+// a name server. Messages have the form of DNS.
 //
 //   0               2       4           6         8                   10                  12
 //   transaction ID  flags   questions   answers   authority records   additional records  questions, records
@@ -201,8 +201,8 @@ LineHandle AddMessageLine(const Place& at, const Field& message, Cursor c) {
   if (Left(c) > 0) name = TakeNetBiosName(c, message);
   const char* result = flags & kResponse && flags & 15 ? NetBiosResultName(flags & 15) : "";
   return AddLine(at, message, "NetBIOS Name Service: %s %s%s%s%s%s", NetBiosOperationName(OperationOf(flags)),
-                 flags & kResponse ? "Response" : "Request", name.field.here ? ", " : "", name.text, result[0] ? ", " : "",
-                 result);
+                 flags & kResponse ? "Response" : "Request", name.field.here ? ", " : "", name.text,
+                 result[0] ? ", " : "", result);
 }
 
 }  // namespace

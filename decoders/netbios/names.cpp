@@ -64,7 +64,8 @@ void AddSuffix(NameText& text, uint8_t suffix) {
 // Letters to bytes; false when one is not of the encoding.
 bool DecodeLetters(const uint8_t* letters, uint8_t* name) {
   for (int32_t i = 0; i < kNetBiosNameLength; ++i) {
-    const uint32_t high = static_cast<uint32_t>(letters[2 * i] - 'A'), low = static_cast<uint32_t>(letters[2 * i + 1] - 'A');
+    const uint32_t high = static_cast<uint32_t>(letters[2 * i] - 'A');
+    const uint32_t low = static_cast<uint32_t>(letters[2 * i + 1] - 'A');
     if (high > 15 || low > 15) return false;
     name[i] = static_cast<uint8_t>(high << 4 | low);
   }

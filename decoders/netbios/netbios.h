@@ -21,7 +21,7 @@ struct NetBiosName {
   ShortText<kNetBiosTextSize> text;
   Field field;        // its bytes where it stands, a pointer's included; not here when the bytes end within it
   uint8_t suffix;
-  enum Form : uint8_t { kLabels, kEncoded, kPlain } form;   // of kLabels there is no suffix: not in first-level encoding
+  enum Form : uint8_t { kLabels, kEncoded, kPlain } form;   // kLabels: not in first-level encoding, without a suffix
 };
 
 // The next name of a message. Pointers count from the message's first byte and are followed backwards only.

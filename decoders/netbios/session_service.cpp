@@ -1,4 +1,5 @@
-// The NetBIOS session service (RFC 1002 4.3): calls from name to name over TCP, then messages until the connection ends.
+// The NetBIOS session service (RFC 1002 4.3): calls from name to name over TCP, then messages until the connection
+// ends.
 //
 //   0      1                      2
 //   type   0 (7 bits), E (1 bit)  length (16 bits, E is their seventeenth)   ...

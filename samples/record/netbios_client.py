@@ -3,9 +3,10 @@
 
 usage: netbios_client.py OWN-ADDRESS SERVER
 
-To the name server: a name registered, refreshed, claimed for another host (which makes the server ask for time), queried
-in a scope, released, and demanded in error. To the datagram service: a direct unique datagram, a query and an error. To
-the session service: keep-alives, calls for names that cannot be, a request in two segments, two messages in one.
+To the name server: a name registered, refreshed, claimed for another host (which makes the server ask for time),
+queried in a scope, released, and demanded in error. To the datagram service: a direct unique datagram, a query and
+an error. To the session service: keep-alives, calls for names that cannot be, a request in two segments, two messages
+in one.
 """
 import socket
 import struct
@@ -60,7 +61,8 @@ def use_datagrams(own, server):
     # Names are answered where datagrams are sent from: the port of the header is what counts.
     head = struct.pack(">BBH4sH", 0x10, 0x02, 77, socket.inet_aton(own), 138)
     s.sendto(head + struct.pack(">HH", len(names) + 5, 0) + names + b"Hello", (server, 138))
-    s.sendto(struct.pack(">BBH4sH", 0x14, 0x02, 78, socket.inet_aton(own), 138) + encode("QXSERVER", 0x20), (server, 138))
+    query = struct.pack(">BBH4sH", 0x14, 0x02, 78, socket.inet_aton(own), 138)
+    s.sendto(query + encode("QXSERVER", 0x20), (server, 138))
     s.sendto(struct.pack(">BBH4sHB", 0x13, 0x02, 79, socket.inet_aton(own), 138, 0x82), (server, 138))
 
 

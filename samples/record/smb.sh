@@ -1,6 +1,6 @@
 #!/bin/bash
-# netbios.pcap and smb.pcap: smbd and nmbd, asked by Samba's own clients and by a small client of ours (smb_client.py, netbios_client.py)
-# for the commands that none of them sends any more.
+# netbios.pcap and smb.pcap: smbd and nmbd, asked by Samba's own clients and by small ones of ours (smb_client.py,
+# netbios_client.py) for the commands that none of them sends any more.
 # netbios.pcap: names registered, refreshed and released, queries, node status, browser announcements and an election; a
 # session on port 139 that is set up and one that is refused.
 # smb.pcap: SMB over port 445: listings, files, locks, attributes, printing, shares, remote administration, POSIX
@@ -103,11 +103,24 @@ start_named() {
   # shellcheck disable=SC2016
   start_on "$host" unshare --uts bash -c 'hostname "$0.example.test"; exec "$@"' "$name" "$@"
 }
-ask() { local program=$1; shift; on "$left" unshare --uts bash -c 'hostname qxclient.example.test; exec "$@"' - timeout 20 "$program" "$client" "$@" >>"$work/log" 2>&1 || true; }
+ask() {
+  local program=$1; shift
+  # shellcheck disable=SC2016
+  on "$left" unshare --uts bash -c 'hostname qxclient.example.test; exec "$@"' - \
+    timeout 20 "$program" "$client" "$@" >>"$work/log" 2>&1 || true
+}
 as_alice=(-U 'alice%secret')
 
 # Samba's own helpers outlive it, and its servers take their time.
-trap 'for host in "$left" "$right"; do kill -KILL $(ip netns pids "$host") 2>/dev/null || true; done; take_down' EXIT
+end_all() {
+  local host
+  for host in "$left" "$right"; do
+    # shellcheck disable=SC2046
+    kill -KILL $(ip netns pids "$host") 2>/dev/null || true
+  done
+  take_down 2>/dev/null
+}
+trap end_all EXIT
 connect_hosts
 # Smaller recordings: no time stamps, and of SMB no bare acknowledgements.
 on "$left" sysctl -q net.ipv4.tcp_timestamps=0
@@ -141,7 +154,8 @@ ask smbclient //QXSERVER/files "${as_alice[@]}" -c "lcd $work; ls; get hello.txt
 rename sent.txt kept.txt; setmode kept.txt +rh; allinfo kept.txt; altname kept.txt; setmode kept.txt -rh; \
 utimes kept.txt -1 -1 -1 2026:02:03-04:05:06; hardlink kept.txt second.txt; mkdir new; cd new; cd ..; rmdir new; \
 scopy hello.txt copied.txt; del copied.txt; del kept.txt; du; volume; ls nothing; get nothing; \
-setea hello.txt user.colour green; geteas hello.txt; showacls; ls hello.txt; notify nowhere; mkdir gone; mkdir gone/too; deltree gone; logoff"
+setea hello.txt user.colour green; geteas hello.txt; showacls; ls hello.txt; notify nowhere; mkdir gone; \
+mkdir gone/too; deltree gone; logoff"
 ask smbclient //QXSERVER/files "${as_alice[@]}" -c "posix; posix_whoami; stat hello.txt; getfacl hello.txt; \
 posix_open made.txt 0644; lock 1 w 0 10; unlock 1 0 10; close 1; chmod 0600 made.txt; chown 0 0 made.txt; \
 symlink hello.txt pointer; readlink pointer; link hello.txt hard; posix_mkdir made 0755; posix_rmdir made; \

@@ -3,9 +3,10 @@
 
 usage: smb_client.py SERVER
 
-It asks a server that takes guests for the share "files" (and "printer", "IPC$"), first in NT LM 0.12 with Unicode names and
-NT status codes, then with OEM names and DOS errors, then as a client of LANMAN 1.0 and of the core protocol. Answers are
-read for what the next request needs of them (TID, UID, FID) and otherwise let be: refusals are as welcome as successes.
+It asks a server that takes guests for the share "files" (and "printer", "IPC$"), first in NT LM 0.12 with Unicode names
+and NT status codes, then with OEM names and DOS errors, then as a client of LANMAN 1.0 and of the core protocol.
+Answers are read for what the next request needs of them (TID, UID, FID) and otherwise let be: refusals are as welcome
+as successes.
 """
 import socket
 import struct
@@ -54,7 +55,7 @@ class Session:
         return b"\0" * (at & 1) + (text + "\0").encode("utf-16-le")
 
     def ask(self, command, words=b"", data=b"", *chain, answer=True):
-        """Sends one message, the further (command, words, data) chained behind it; gives the words and data of the answer."""
+        """Sends a message, further (command, words, data) chained behind it; gives the words and data of the answer."""
         blocks = [(command, words, data), *chain]
         message = self.head(command)
         for place, (this, words, data) in enumerate(blocks):
@@ -125,8 +126,8 @@ class Session:
         sent = len(data) - split
         first = at + pad
         second = first + len(parameters) + after
-        words = struct.pack("<HHHHBBHIHHHHHBB", len(parameters), len(data), *most, 0, 0, 0, 0, 0, len(parameters), first,
-                            sent, second, len(setup) // 2, 0) + setup
+        words = struct.pack("<HHHHBBHIHHHHHBB", len(parameters), len(data), *most, 0, 0, 0, 0, 0, len(parameters),
+                            first, sent, second, len(setup) // 2, 0) + setup
         reply = self.ask(command, words, lead + b"\0" * pad + parameters + b"\0" * after + data[:sent],
                          answer=answer and not split)
         if split:
@@ -142,7 +143,8 @@ class Session:
 
     def remote(self, call, parameters, **more):
         """A call of remote administration."""
-        return self.transact(0x25, b"", struct.pack("<H", call) + parameters, name="\\PIPE\\LANMAN", most=(8, 1000), **more)
+        parameters = struct.pack("<H", call) + parameters
+        return self.transact(0x25, b"", parameters, name="\\PIPE\\LANMAN", most=(8, 1000), **more)
 
     def nt_trans(self, function, setup=b"", parameters=b"", data=b"", answer=True, split=0):
         at = 32 + 1 + 38 + len(setup) + 2
@@ -153,12 +155,13 @@ class Session:
         sent = len(data) - split
         words = struct.pack("<BHIIIIIIIIBH", 4, 0, len(parameters), len(data), 64, 4000, len(parameters), first, sent,
                             second, len(setup) // 2, function) + setup
-        reply = self.ask(0xA0, words, b"\0" * pad + parameters + b"\0" * after + data[:sent], answer=answer and not split)
+        reply = self.ask(0xA0, words, b"\0" * pad + parameters + b"\0" * after + data[:sent],
+                         answer=answer and not split)
         if split:
             self.answer()
             self.mid -= 1
-            words = b"\0\0\0" + struct.pack("<IIIIIIIIB", len(parameters), len(data), 0, 0, 0, split, 32 + 1 + 36 + 2 + 1,
-                                            sent, 0)
+            words = b"\0\0\0" + struct.pack("<IIIIIIIIB", len(parameters), len(data), 0, 0, 0, split,
+                                            32 + 1 + 36 + 2 + 1, sent, 0)
             reply = self.ask(0xA1, words, b"\0" + data[sent:])
         return reply
 
@@ -202,7 +205,8 @@ def use_core_commands(s):
     s.path(0x0F, struct.pack("<HI", 0x22, 0), "core.txt")              # make new: it is there already
     name = s.text("core.txt")
     opened = struct.pack("<HHHHIHIII", 7, 0x42, 0x16, 0x20, 0, 0x11, 0, 0, 0)
-    words, _ = s.ask(0x2D, opened, b"\0" * s.unicode_names + name, (0x2E, struct.pack("<HIHHIH", 0, 0, 16, 0, 0, 0), b""))
+    reading = (0x2E, struct.pack("<HIHHIH", 0, 0, 16, 0, 0, 0), b"")
+    words, _ = s.ask(0x2D, opened, b"\0" * s.unicode_names + name, reading)
     s.open("core.txt")                                                 # has the server take the oplock back
     for fid in (struct.pack("<H", s.fid), words[4:6]):
         s.ask(0x04, fid + b"\xFF" * 4)
@@ -245,8 +249,8 @@ def use_transactions(s):
             s.ask(0x35, struct.pack("<H", handle))
     for level in (1, 2, 0x100, 0x101, 0x102, 0x103, 0x104, 0x105, 0x200, 0x3EF):
         s.trans2(3, struct.pack("<H", level))
-    levels = (1, 2, 3, 4, 6, 0x101, 0x102, 0x103, 0x104, 0x106, 0x107, 0x108, 0x109, 0x10B, 0x200, 0x201, 1004, 1005, 1006,
-              1007, 1008, 1009, 1016, 1017, 1018, 1021, 1022, 1028, 1034, 1035)
+    levels = (1, 2, 3, 4, 6, 0x101, 0x102, 0x103, 0x104, 0x106, 0x107, 0x108, 0x109, 0x10B, 0x200, 0x201, 1004, 1005,
+              1006, 1007, 1008, 1009, 1016, 1017, 1018, 1021, 1022, 1028, 1034, 1035)
     for level in levels:
         eas = struct.pack("<I", 4) if level == 3 else b""
         s.trans2(5, struct.pack("<HI", level, 0) + s.text("hello.txt"), eas)
@@ -264,7 +268,8 @@ def use_transactions(s):
 def set_levels(s):
     tick = 133800000000000000
     levels = [(1, struct.pack("<HHHHHHIIH", 0x5C22, 0x1862, 0x5C22, 0x1862, 0x5C22, 0x1862, 0, 0, 0x20)),
-              (2, struct.pack("<IBBH", 16, 0, 4, 3) + b"note\0new"), (0x101, struct.pack("<QQQQII", *[tick] * 4, 0x80, 0)),
+              (2, struct.pack("<IBBH", 16, 0, 4, 3) + b"note\0new"),
+              (0x101, struct.pack("<QQQQII", *[tick] * 4, 0x80, 0)),
               (0x102, b"\0"), (0x103, struct.pack("<Q", 64)), (0x104, struct.pack("<Q", 20)),
               (1004, struct.pack("<QQQQII", 0, 0, tick, 0, 0x20, 0)), (1019, struct.pack("<Q", 64)),
               (1020, struct.pack("<Q", 10)), (0x200, struct.pack("<QQQQQQQIQQQQQ", 10, *[2**64 - 1] * 6, 2**32 - 1,
@@ -288,15 +293,16 @@ def use_nt_commands(s):
           struct.pack("<HHIIII", 4711, 0, 1, 0, 0, 10))
     s.ask(0x24, fid + struct.pack("<BBIHH", 0x11, 0, 0, 0, 1), struct.pack("<HHIIII", 4711, 0, 0, 5, 0, 1))
     s.nt_trans(6, b"", fid + b"\0\0" + struct.pack("<I", 7))           # query security descriptor
-    descriptor = bytes.fromhex("0100048000000000000000000000000014000000020030000200000000001400ff011f0001010000000000010000"
-                               "0000 00001400 89001200 0101000000000005 07000000")
+    descriptor = bytes.fromhex("0100048000000000000000000000000014000000 0200300002000000"
+                               "00001400ff011f0001010000000000010000 0000 00001400 89001200 0101000000000005 07000000")
     s.nt_trans(3, b"", fid + b"\0\0" + struct.pack("<I", 4), descriptor, split=16)
     s.nt_trans(2, struct.pack("<IHBB", 0x900C4, s.fid, 1, 0), b"", b"")           # get object identifier
     s.nt_trans(2, struct.pack("<IHBB", 0x144064, s.fid, 1, 0), b"", b"")          # shadow copies
     s.nt_trans(5, b"", fid + b"\0\0")                                  # rename
     s.nt_trans(7, b"", fid + struct.pack("<BBII", 0, 1, 0, 0))         # quota
     name = s.text("by transaction.txt")[:-2]
-    s.nt_trans(1, b"", struct.pack("<IIIQIIIIIIIIB", 0x10, 0, 0x2019F, 0, 0x80, 7, 3, 0x40, 0, 0, len(name), 2, 0) + name)
+    creation = struct.pack("<IIIQIIIIIIIIB", 0x10, 0, 0x2019F, 0, 0x80, 7, 3, 0x40, 0, 0, len(name), 2, 0)
+    s.nt_trans(1, b"", creation + name)
     s.ask(0x04, fid + struct.pack("<I", 0))
     folder = s.create("folder", access=0x120089, options=1, disposition=1)
     s.nt_trans(4, struct.pack("<IHBB", 0x17, folder, 1, 0), answer=False)   # notify change
@@ -316,13 +322,14 @@ def use_pipes_and_calls(s):
     s.connect("IPC$")
     s.create("\\srvsvc", disposition=1, options=0)
     fid = struct.pack("<H", s.fid)
-    bind = bytes.fromhex("05000b03100000004800000001000000b810b8100000000001000000000001 00c84f324b7016d30112785a47bf6ee188"
-                         "03000000045d888aeb1cc9119fe808002b10486002000000".replace(" ", ""))
+    bind = bytes.fromhex("05000b03100000004800000001000000b810b8100000000001000000 00000100"
+                         "c84f324b7016d30112785a47bf6ee18803000000 045d888aeb1cc9119fe808002b10486002000000")
     s.transact(0x25, struct.pack("<HH", 0x01, s.fid), struct.pack("<H", 0x4100), name="\\PIPE\\")
     s.transact(0x25, struct.pack("<HH", 0x26, s.fid), b"", bind, name="\\PIPE\\")
     for function in (0x21, 0x22, 0x23, 0x11, 0x31, 0x36):
         parameters = struct.pack("<H", 1) if function == 0x22 else b""
-        s.transact(0x25, struct.pack("<HH", function, s.fid), parameters, b"x" if function == 0x31 else b"", name="\\PIPE\\")
+        data = b"x" if function == 0x31 else b""
+        s.transact(0x25, struct.pack("<HH", function, s.fid), parameters, data, name="\\PIPE\\")
     s.transact(0x25, struct.pack("<HH", 0x53, 0), name="\\PIPE\\srvsvc")
     s.transact(0x25, struct.pack("<HH", 0x54, 0), b"", bind, name="\\PIPE\\srvsvc")
     s.ask(0x2F, fid + struct.pack("<IIHHHHHI", 0, 0, 8, len(bind), 0, len(bind), 64, 0), b"\0" + bind)
@@ -408,7 +415,8 @@ def be_a_client_of_the_first_day(server):
 
 
 def main():
-    for client in (be_a_client_of_today, be_a_client_of_yesterday, be_a_client_of_lan_manager, be_a_client_of_the_first_day):
+    for client in (be_a_client_of_today, be_a_client_of_yesterday, be_a_client_of_lan_manager,
+                   be_a_client_of_the_first_day):
         try:
             client(sys.argv[1])
         except (ConnectionError, TimeoutError) as problem:
