@@ -219,11 +219,19 @@ void AddBody(const Place& in, Fragment& f, const Cursor& whole, uint32_t type, u
   AddBlock(in, Rest(f.body), "Body Data");
 }
 
+// Strict, for payloads come here by a guess too: the data form's last two bytes are 0, the parts fit the fragment, and
+// where a rare form is named the payload holds all of it.
 bool StartsFragment(const Cursor& c) {
   if (Left(c) < kHeaderSize) return false;
   const uint8_t* b = c.at;
-  const uint32_t length = b[4] & kLittleEndian ? ReadLittleU16(b + 8) : ReadU16(b + 8);
-  return b[0] == 5 && b[1] <= 1 && b[2] <= kLastType && (b[4] & 0xEE) == 0 && b[5] <= 3 && length >= kHeaderSize;
+  const bool isLittle = (b[4] & kLittleEndian) != 0;
+  const uint32_t length = isLittle ? ReadLittleU16(b + 8) : ReadU16(b + 8);
+  const uint32_t authLength = isLittle ? ReadLittleU16(b + 10) : ReadU16(b + 10);
+  const uint32_t needed = kHeaderSize + (authLength > 0 ? kAuthHeaderSize + authLength : 0);
+  const bool knownForm = (b[4] & 0xEE) == 0 && b[5] <= 3 && b[6] == 0 && b[7] == 0;
+  const bool isUsual = (b[4] & 0x0F) == 0 && b[5] == 0;
+  const bool fits = length >= needed && (isUsual || length <= static_cast<uint32_t>(Left(c)));
+  return b[0] == 5 && b[1] <= 1 && b[2] <= kLastType && knownForm && fits;
 }
 
 // The header's fields; the body's cursor and its authentication are left to the caller.
