@@ -12,7 +12,7 @@ namespace qxview::testing {
 namespace {
 
 constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "ldap", "mail",
-                                    "snmp", "telnet", "vlan"};
+                                    "netbios", "smb", "snmp", "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:
