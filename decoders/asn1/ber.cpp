@@ -15,11 +15,11 @@ struct OctetText {
   int32_t length;
 };
 
-consteval void Put(OctetText& made, const char* text) {
+constexpr void Put(OctetText& made, const char* text) {
   while (*text) made.text[made.length++] = *text++;
 }
 
-consteval OctetText MakeText(uint32_t bits, int32_t firstBit, int32_t bitCount, const char* behind) {
+constexpr OctetText MakeText(uint32_t bits, int32_t firstBit, int32_t bitCount, const char* behind) {
   OctetText made{};
   for (int32_t bit = 0; bit < 8; ++bit) {
     const bool shown = bit >= firstBit && bit < firstBit + bitCount;
@@ -35,7 +35,7 @@ struct NumberTexts {
   OctetText of[1 << kBitCount];
 };
 template <int32_t kFirstBit, int32_t kBitCount>
-consteval NumberTexts<kFirstBit, kBitCount> MakeNumberTexts(const char* behind, const char* unit) {
+constexpr NumberTexts<kFirstBit, kBitCount> MakeNumberTexts(const char* behind, const char* unit) {
   NumberTexts<kFirstBit, kBitCount> made{};
   for (uint32_t value = 0; value < 1u << kBitCount; ++value) {
     OctetText& text = made.of[value] = MakeText(value, kFirstBit, kBitCount, behind);
