@@ -65,8 +65,7 @@ bool StandaloneHost::LoadMibModules(MibModuleReader read, std::string* message) 
     const size_t first = name.find_first_not_of(" \t");
     if (first != std::string::npos) modules.push_back(name.substr(first, name.find_last_not_of(" \t") + 1 - first));
   }
-  if (modules.empty()) return true;
-  if (!read) return *message = "MibModules: module " + modules.front() + ": modules cannot be loaded here", false;
+  if (modules.empty() || !read) return true;
   std::vector<MibObject> objects;
   if (!read(path ? *path : "", modules, &objects, message)) return false;
   mib_.Add(objects);

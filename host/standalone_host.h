@@ -21,7 +21,7 @@ struct HostOptions {
   std::vector<std::string> settings;      // NAME=VALUE, over the file's
   std::vector<std::string> definitions;   // as --decode-as takes them, over the file's
   std::string applicationDirectory;
-  MibModuleReader readMibModules = nullptr;   // where there is none, no module can be loaded
+  MibModuleReader readMibModules = nullptr;   // null where no packets are decoded
 };
 
 class StandaloneHost {

@@ -79,6 +79,13 @@ class Modules(unittest.TestCase):
             self.assertRegex(words, f"^{expected}$", modules)
 
 
+    def test_are_not_read_where_nothing_is_decoded(self):
+        self.write("view.ini", "[View]\nMibModules = NOWHERE-MIB\n")
+        done = subprocess.run([QXVIEW, "protocols", "--settings", os.path.join(self.folder.name, "view.ini")],
+                              capture_output=True, check=False)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+
 class Table(unittest.TestCase):
     def test_is_made_from_the_list(self):
         script = os.path.join(ROOT, "scripts", "make_mib_table.py")
