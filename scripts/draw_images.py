@@ -4,9 +4,9 @@
   scripts/draw_images.py             writes them (and the list of them, resources/images.rc)
   scripts/draw_images.py --check     exit status 1 when a file differs from what would be written
 
-Every style is told by its shape and its colour alike. Images 9 to 12 are the nesting levels 2 to 5, which packets go through
-from the link header to the application; 6 are raw data and 13 bit fields and dump rows. The others are free for decoder
-libraries: 7, 8 and 14 to 17 are bolder, 0 to 5 and 18 to 21 plainer.
+Every style is told by its shape and its colour alike. Images 9 to 12 are the nesting levels 2 to 5, which packets go
+through from the link header to the application; 6 are raw data and 13 bit fields and dump rows. The others are free for
+decoder libraries: 7, 8 and 14 to 17 are bolder, 0 to 5 and 18 to 21 plainer.
 """
 import os
 import struct
@@ -46,7 +46,7 @@ def cross(x, y, size):
 
 
 def draw(shape, size, line, fill, core=None):
-    """Rows of colour letters: the shape outlined and filled, with a smaller one of it in its middle when it has a core."""
+    """Rows of colour letters: the shape outlined and filled, with a smaller one in its middle when it has a core."""
     def pixel(x, y):
         if not shape(x, y, size):
             return "."
