@@ -60,6 +60,7 @@ void* QxView_CreateView(const QxHost* host) try {
     std::string message;
     bool fileFault;
     HostOptions options;
+    options.userSettings = FindUserSettings();
     options.applicationDirectory = ExecutableDirectory();
     view->ownHost = StandaloneHost::Create(options, &message, &fileFault);
     if (!view->ownHost) {
