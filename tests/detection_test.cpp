@@ -65,10 +65,10 @@ class Detection : public ::testing::Test {
   std::string Tail(int32_t result) {
     EXPECT_EQ(result, 1);
     std::string tail;
-    const ArenaTree& tree = View().tree();
+    const DecodeTree& tree = View().tree();
     for (LineHandle line = tree.NextSibling(tree.FirstChild(0)); line; line = tree.NextSibling(line)) {
       if (!tail.empty()) tail += '|';
-      tail += tree.TextOf(line);
+      tail += View().LineText(line);
     }
     return tail;
   }
