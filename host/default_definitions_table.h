@@ -33,6 +33,7 @@ inline constexpr DefaultDefinition kDefaultDefinitions[] = {
     {"LDAP", kOverBoth, 389},
     {"HTTPS", kOverTcp, 443},
     {"SMB", kOverTcp, 445},
+    {"Kerberos", kOverBoth, 464},   // changing passwords
     {"TLS", kOverTcp, 465},      // submission over TLS
     {"LPD", kOverTcp, 515},
     {"RTSP", kOverTcp, 554},

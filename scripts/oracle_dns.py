@@ -10,17 +10,17 @@ that it finds the protocols on are defined for qxview.
 
 What differs by order stands in the table with its reason. Exit status 1 when anything else differs.
 """
-import argparse
 import collections
-import concurrent.futures
 import ipaddress
 import itertools
 import json
 import os
 import re
 import subprocess
-import sys
 import xml.etree.ElementTree
+
+from oracle_support import (KINDS, Tally, children, exit_with, for_each_capture, json_lines, print_others, read_options,
+                            tshark_command, value_of, windows_1252)
 
 PROTOCOLS = ("dns", "mdns", "llmnr")
 PORTS = {"53", "5353", "5355"}
@@ -88,8 +88,8 @@ def packet_of(element):
 
 def read_peer(path):
     """{number: Packet} of the packets that tshark shows one of the protocols in."""
-    command = ["tshark", "-n", "-r", path, "-Y", " or ".join(PROTOCOLS), "-T", "pdml", "-J", "dns mdns llmnr udp tcp icmp",
-               *itertools.chain(*(("-o", o) for o in TSHARK_OPTIONS))]
+    command = tshark_command(path, "-T", "pdml", "-J", "dns mdns llmnr udp tcp icmp", preferences=TSHARK_OPTIONS,
+                             wanted=" or ".join(PROTOCOLS))
     packets = {}
     with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as running:
         try:
@@ -117,21 +117,6 @@ def definitions(packets):
 
 # --- qxview ---
 
-def children(line):
-    return line.get("lines", [])
-
-
-def value_of(lines, label):
-    for line in lines:
-        if line["text"].startswith(label):
-            return line["text"][len(label):]
-    return None
-
-
-def windows_1252(text):
-    return b"".join(bytes([ord(c)]) if ord(c) < 256 else c.encode("cp1252", "replace") for c in text)
-
-
 def our_entry(line):
     """The entry that a line shows; None when the line is none, or ends before its type."""
     found = re.match(r"(Question|Zone|Answer|Authority|Additional) Record #", line["text"])
@@ -148,16 +133,14 @@ def our_entry(line):
 def read_ours(qxview, path, numbers, options=()):
     """{number: Ours} of the packets asked for and of all that show such a message."""
     decoded = {}
-    with subprocess.Popen([qxview, "decode", "--format", "json", *options, path], stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL) as running:
-        for line in running.stdout:
-            number = int(re.search(rb'"packet":(\d+)', line).group(1))
-            if number not in numbers and not re.search(rb'"text":"(DNS|Microsoft LLMNR|Multicast DNS):', line):
-                continue
-            lines = json.loads(line).get("lines", [])
-            messages = [([e for e in map(our_entry, children(top)) if e], [child["text"] for child in children(top)])
-                        for top in lines if top["text"].startswith(TITLES)]
-            decoded[number] = Ours([top["text"] for top in lines], messages)
+    for line in json_lines(qxview, path, *options):
+        number = int(re.search(rb'"packet":(\d+)', line).group(1))
+        if number not in numbers and not re.search(rb'"text":"(DNS|Microsoft LLMNR|Multicast DNS):', line):
+            continue
+        lines = json.loads(line).get("lines", [])
+        messages = [([e for e in map(our_entry, children(top)) if e], [child["text"] for child in children(top)])
+                    for top in lines if top["text"].startswith(TITLES)]
+        decoded[number] = Ours([top["text"] for top in lines], messages)
     return decoded
 
 
@@ -283,40 +266,26 @@ def compare(qxview, path):
     return count, packets, others
 
 
-def print_table(counter, packets):
+def print_table(tally, packets):
     print("entries  packets")
-    for kind, heading in (("agreed", "agree"), ("ordered", "differ by order"), ("other", "differ otherwise")):
-        print(f"{sum(n for (k, _), n in counter.items() if k == kind):7}           {heading}")
-        for (found, key), count in sorted(counter.items(), key=lambda item: -item[1]):
-            if found == kind:
-                print(f"{count:7}  {packets[found, key]:7}    {key}")
+    for kind, heading in KINDS:
+        print(f"{tally.total(kind):7}           {heading}")
+        for key, count in tally.rows(kind):
+            print(f"{count:7}  {packets[kind, key]:7}    {key}")
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("captures", nargs="+")
-    parser.add_argument("--qxview", default="build/qxview")
-    parser.add_argument("--jobs", type=int, default=2)
-    options = parser.parse_args()
-    paths = []
-    for given in options.captures:
-        if os.path.isdir(given):
-            paths += [os.path.join(given, name) for name in sorted(os.listdir(given)) if not name.endswith(".tsv")]
-        else:
-            paths.append(given)
-    counter, packets, others, files = collections.Counter(), collections.Counter(), [], 0
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        for count, holders, found in pool.map(lambda path: compare(options.qxview, path), paths):
-            files += bool(count)
-            counter += count
-            packets += holders
-            others += found
-    print(f"{len(paths)} captures, {files} with questions or records")
-    print_table(counter, packets)
-    for other in others:
-        print(f"OTHER: {other}")
-    return 1 if others else 0
+    options = read_options(__doc__)
+    tally, packets, files = Tally(), collections.Counter(), 0
+    for _, (count, holders, found) in for_each_capture(options, compare):
+        files += bool(count)
+        tally.counts += count
+        tally.others += found
+        packets += holders
+    print(f"{len(options.paths)} captures, {files} with questions or records")
+    print_table(tally, packets)
+    return print_others(tally.others)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    exit_with(main)

@@ -14,16 +14,15 @@ CAPTURE is a file or a directory of capture files. Two tables are printed:
 
 What differs by order stands in the table with its reason. Exit status 1 when anything else differs.
 """
-import argparse
 import collections
-import concurrent.futures
-import itertools
-import json
 import os
 import re
 import subprocess
 import sys
 import zlib
+
+from oracle_support import (AGGREGATOR, Tally, children, decoded_packets, define, exit_with, for_each_capture,
+                            print_others, read_options, tshark_fields, value_of, windows_1252)
 
 METHODS = (b"GET", b"HEAD", b"POST", b"PUT", b"DELETE", b"TRACE", b"CONNECT", b"HTTP/")
 MOST_SEGMENTS = 100
@@ -42,33 +41,23 @@ Segment = collections.namedtuple("Segment", [f.replace(".", "_") for f in FIELDS
 
 def read_peer(path):
     """The TCP data segments of the capture as tshark sees them, in the order of the frames."""
-    command = ["tshark", "-n", "-r", path, "-Y", "tcp.payload", "-T", "fields", "-E", "separator=/t",
-               "-E", "aggregator=\x01", *itertools.chain(*(("-o", o) for o in TSHARK_OPTIONS)),
-               *itertools.chain(*(("-e", f) for f in FIELDS))]
-    done = subprocess.run(command, capture_output=True)
-    for line in done.stdout.split(b"\n"):
-        values = line.decode("latin-1").split("\t")
-        if len(values) == len(FIELDS):
-            yield Segment(*values)
+    for values in tshark_fields(path, FIELDS, TSHARK_OPTIONS, "tcp.payload"):
+        yield Segment(*values)
 
 
 def decode(qxview, path, ports, packets):
     """What qxview shows of the packets: {number: list of top-level lines}."""
-    command = [qxview, "decode", "--format", "json", "--packets", packets,
-               *itertools.chain(*(("-d", f"tcp:{port}=HTTP") for port in ports)), path]
-    with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as running:
-        for line in running.stdout:
-            packet = json.loads(line)
-            yield packet["packet"], packet.get("lines", [])
+    for packet in decoded_packets(qxview, path, "--packets", packets, *define(f"tcp:{port}=HTTP" for port in ports)):
+        yield packet["packet"], packet.get("lines", [])
 
 
 def last(text):
     """Of a field that tunnels repeat, the innermost."""
-    return text.split("\x01")[-1]
+    return text.split(AGGREGATOR)[-1]
 
 
 def first(text):
-    return text.split("\x01")[0]
+    return text.split(AGGREGATOR)[0]
 
 
 def payload_of(segment):
@@ -89,17 +78,6 @@ def line_of_peer(segment):
     if segment.http_response_code:
         return ("status", first(segment.http_response_version), first(segment.http_response_code),
                 first(segment.http_response_phrase))
-    return None
-
-
-def children(line):
-    return line.get("lines", [])
-
-
-def value_of(lines, label):
-    for line in lines:
-        if line["text"].startswith(label):
-            return line["text"][len(label):]
     return None
 
 
@@ -204,10 +182,6 @@ def shown_lines(lines):
             elif child["text"] == "Blank Line : ":
                 found.append(None)
     return found
-
-
-def windows_1252(text):
-    return b"".join(bytes([ord(c)]) if ord(c) < 256 else c.encode("cp1252", "replace") for c in text)
 
 
 def gunzip(data):
@@ -320,46 +294,21 @@ def compare(qxview, path):
     return first_lines, bodies, others
 
 
-def print_table(title, counter):
-    print(f"\n{title}")
-    for kind, heading in (("agreed", "agree"), ("ordered", "differ by order"), ("other", "differ otherwise")):
-        print(f"  {heading}: {sum(n for (k, _), n in counter.items() if k == kind)}")
-        for (found, key), count in sorted(counter.items(), key=lambda item: -item[1]):
-            if found == kind:
-                print(f"    {count:7}  {key}")
-
-
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("captures", nargs="+")
-    parser.add_argument("--qxview", default="build/qxview")
-    parser.add_argument("--jobs", type=int, default=2)
-    parser.add_argument("--verbose", action="store_true", help="name the captures as they are compared")
-    options = parser.parse_args()
-    paths = []
-    for given in options.captures:
-        if os.path.isdir(given):
-            names = sorted(os.listdir(given))
-            paths += [os.path.join(given, n) for n in names if re.search(r"\.(p?cap|pcapng|cap)$", n)]
-        else:
-            paths.append(given)
-    first_lines, bodies, others = collections.Counter(), collections.Counter(), []
-    files = 0
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        for path, found in zip(paths, pool.map(lambda p: compare(options.qxview, p), paths)):
-            if options.verbose:
-                print(path, dict(found[0]), dict(found[1]), file=sys.stderr)
-            files += bool(found[0])
-            first_lines += found[0]
-            bodies += found[1]
-            others += found[2]
-    print(f"{len(paths)} captures, {files} with HTTP")
-    print_table("request and status lines", first_lines)
-    print_table("inflated bodies", bodies)
-    for other in others:
-        print(f"OTHER: {other}")
-    return 1 if others else 0
+    options = read_options(__doc__, verbose="name the captures as they are compared")
+    first_lines, bodies, files = Tally(), Tally(), 0
+    for path, (lines, inflated, others) in for_each_capture(options, compare):
+        if options.verbose:
+            print(path, dict(lines), dict(inflated), file=sys.stderr)
+        files += bool(lines)
+        first_lines.counts += lines
+        bodies.counts += inflated
+        bodies.others += others
+    print(f"{len(options.paths)} captures, {files} with HTTP")
+    first_lines.print("request and status lines")
+    bodies.print("inflated bodies")
+    return print_others(bodies.others)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    exit_with(main)

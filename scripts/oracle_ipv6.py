@@ -8,14 +8,12 @@ FIELDS are compared: header fields, addresses, the chain of next headers, option
 verdicts, and what neighbour discovery and listener reports tell. What differs by order stands in the table of reasons.
 Exit status 1 when anything else differs.
 """
-import argparse
 import collections
-import concurrent.futures
-import itertools
 import os
 import re
 import subprocess
-import sys
+
+from oracle_support import exit_with, for_each_capture, read_options, tshark_fields
 
 # tshark's field, the top line that ours stands under, its depth, its text.
 FIELDS = [
@@ -42,17 +40,15 @@ FIELDS = [
     ("icmpv6.mldr.mar.multicast_address", "ICMPv6", 2, r"Multicast Address: (\S+)"),
 ]
 PATTERNS = [(name, re.compile(top), depth, re.compile(text)) for name, top, depth, text in FIELDS]
+FRAME = ["frame.number", "frame.len", "frame.cap_len"]
 VERDICTS = {"BAD": "0", "Good": "1", "Not": "2"}
 
 
 def read_peer(path):
-    command = ["tshark", "-n", "-r", path, "-o", "ipv6.defragment:FALSE", "-Y", "ipv6", "-T", "fields", "-E",
-               "occurrence=a", "-E", "aggregator=,", "-e", "frame.number", "-e", "frame.len", "-e", "frame.cap_len",
-               *itertools.chain(*(("-e", f[0]) for f in FIELDS))]
     frames = {}
-    for line in subprocess.run(command, capture_output=True, text=True, errors="replace").stdout.splitlines():
-        number, wire, captured, *values = line.split("\t")
-        fields = {name[0]: [plain(v) for v in text.split(",")] if text else [] for name, text in zip(FIELDS, values)}
+    for number, wire, captured, *values in tshark_fields(path, FRAME + [name for name, *_ in FIELDS],
+                                                         ["ipv6.defragment:FALSE"], "ipv6", aggregator=","):
+        fields = {name: [plain(v) for v in text.split(",")] if text else [] for (name, *_), text in zip(FIELDS, values)}
         frames[int(number)] = (int(captured) < int(wire), fields)
     return frames
 
@@ -111,25 +107,15 @@ def compare(qxview, path):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("captures", nargs="+")
-    parser.add_argument("--qxview", default="build/qxview")
-    parser.add_argument("--jobs", type=int, default=2)
-    parser.add_argument("--verbose", action="store_true", help="every field that differs")
-    options = parser.parse_args()
-    paths = []
-    for given in options.captures:
-        inside = [os.path.join(given, n) for n in sorted(os.listdir(given))] if os.path.isdir(given) else [given]
-        paths += [p for p in inside if not p.endswith(".tsv")]
+    options = read_options(__doc__, verbose="every field that differs")
     agreed, reasons, differing = 0, collections.Counter(), 0
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        for path, (same, why, found) in zip(paths, pool.map(lambda p: compare(options.qxview, p), paths)):
-            agreed += same
-            reasons += why
-            differing += len(found)
-            for number, differences in found if options.verbose else found[:3]:
-                name, mine, theirs = differences[0]
-                print(f"DIFFERS: {os.path.basename(path)} frame {number}: {name} ours {mine}, tshark {theirs}")
+    for path, (same, why, found) in for_each_capture(options, compare):
+        agreed += same
+        reasons += why
+        differing += len(found)
+        for number, differences in found if options.verbose else found[:3]:
+            name, mine, theirs = differences[0]
+            print(f"DIFFERS: {os.path.basename(path)} frame {number}: {name} ours {mine}, tshark {theirs}")
     print(f"{agreed:7} frames agree in every field")
     for why, count in reasons.most_common():
         print(f"{count:7} {why}")
@@ -138,4 +124,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    exit_with(main)

@@ -141,6 +141,21 @@ TEST(Ber, LengthForms) {
       << "the contents start at the octet that was read as the length";
 }
 
+TEST(Ber, ImplicitTagsHideTheType) {
+  const Outcome number = RunPlain(DecodeAsnImplicitInteger, Hex("50 01 05"));
+  EXPECT_EQ(number.number, 5u);
+  EXPECT_NE(number.tree.find("ASN Type: [Application 16] = INTEGER {0+1}"), std::string::npos);
+  EXPECT_EQ(RunPlain(DecodeAsnImplicitBoolean, Hex("84 01 FF")).text, "[255] = True");
+  const auto decode = [](auto& at, const Cursor& c, AsnResult& out, std::string&) {
+    return DecodeAsnImplicitString(at, c, {}, out);
+  };
+  EXPECT_NE(RunElement(Hex("87 02 636E"), decode).tree.find("ASN Type: [Context-Specific 7] = OCTET STRING {0+1}"),
+            std::string::npos);
+  EXPECT_EQ(RunElement({}, decode).status, 2);
+  EXPECT_EQ(RunPlain(DecodeAsnImplicitInteger, {}).status, 2);
+  EXPECT_EQ(RunPlain(DecodeAsnImplicitBoolean, Hex("84 02 01")).status, 2);
+}
+
 TEST(Ber, IdentifierNeedsRoomForItsText) {
   char text[kAsnClassTextSize];
   const auto decode = [&](int32_t size) {

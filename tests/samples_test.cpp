@@ -5,12 +5,13 @@
 
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
-#include "tests/support/decoding.h"
+#include "tests/support/transport.h"
 
 namespace qxview::testing {
 namespace {
 
-constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "lan", "mail", "telnet", "vlan"};
+constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "ldap", "mail",
+                                    "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:
@@ -29,7 +30,8 @@ class Samples : public ::testing::TestWithParam<const char*> {
 Bytes FrameOf(const FrameRecord* record) { return Bytes(FrameData(record), FrameData(record) + record->capturedLength); }
 
 TEST_P(Samples, DecodeAtEveryLength) {
-  TestView view;
+  DefinitionsHost host;   // so that payloads reach the decoders of their ports
+  TestView view(&host);
   ForEachRecord([&](const FrameRecord* record) {
     const Bytes frame = FrameOf(record);
     for (size_t length = 0; length <= frame.size(); ++length) {
@@ -42,7 +44,8 @@ TEST_P(Samples, DecodeAtEveryLength) {
 }
 
 TEST_P(Samples, DecodeWithDamagedBytes) {
-  TestView view;
+  DefinitionsHost host;
+  TestView view(&host);
   uint32_t random = 12345;
   ForEachRecord([&](const FrameRecord* record) {
     const Bytes frame = FrameOf(record);
@@ -59,7 +62,8 @@ TEST_P(Samples, DecodeWithDamagedBytes) {
 }
 
 TEST_P(Samples, PrintAsManyLinesAsTheyShowAndAllocateNothing) {
-  TestView view;
+  DefinitionsHost host;
+  TestView view(&host);
   Engine* engine = view.view().engine;
   ForEachRecord([&](const FrameRecord* record) {
     ClearDecodeTree(&view.view(), &view.tree(), true);

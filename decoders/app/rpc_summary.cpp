@@ -1,9 +1,9 @@
 // The packet list's text for protocols with a place in the dispatch but no exported summary: ONC RPC (RFC 5531), DCE RPC
 // (MSRPC), Kerberos (RFC 4120), NetBIOS over TCP (RFC 1002), FCIP (RFC 3821).
-#include "decoders/app/ber_reader.h"
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
+#include "decoders/asn1/kerberos.h"
 
 namespace qxview {
 namespace {
@@ -19,11 +19,6 @@ constexpr auto kDcePacketNames = SortedNames({
     {7, "Ack"}, {8, "Cancel"}, {9, "Fack"}, {10, "Cancel Ack"}, {11, "Bind"}, {12, "Bind Ack"}, {13, "Bind Nak"},
     {14, "Alter Context"}, {15, "Alter Context Response"}, {16, "Auth3"}, {17, "Shutdown"}, {18, "Cancel"},
     {19, "Orphaned"},
-});
-
-constexpr auto kKerberosNames = SortedNames({
-    {0x6A, "AS-REQ"}, {0x6B, "AS-REP"}, {0x6C, "TGS-REQ"}, {0x6D, "TGS-REP"}, {0x6E, "AP-REQ"}, {0x6F, "AP-REP"},
-    {0x74, "KRB-SAFE"}, {0x75, "KRB-PRIV"}, {0x76, "KRB-CRED"}, {0x7E, "KRB-ERROR"},
 });
 
 constexpr auto kNameOperations = SortedNames({
@@ -114,11 +109,9 @@ int32_t DescribeMsrpc(const SummaryInput& in, char* out, int32_t outSize) {
 int32_t DescribeKerberos(const SummaryInput& in, char* out, int32_t outSize) {
   SummaryText text;
   if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  Cursor c = MakeCursor(in.data, 0, in.length);
-  if (in.isTcp) TakeU32(c);   // the message's length
-  const BerElement message = TakeBer(c);
-  const char* name = message.here ? LookupName(kKerberosNames, message.tag, nullptr) : nullptr;
-  Add(text, "Kerberos %s", name ? name : "Data");
+  char message[kKerberosTextSize];
+  DescribeKerberosPayload(MakeCursor(in.data, 0, in.length), in.isTcp, message, sizeof message);
+  Add(text, "Kerberos %s", static_cast<const char*>(message));
   return 1;
 }
 

@@ -87,6 +87,25 @@ int32_t DecodeAsnLength(const AsnPlace& at, const Cursor& c, AsnResult& out) {
   return kAsnDecoded;
 }
 
+AsnSpan TakeAsnElement(Cursor& c) {
+  AsnSpan element{0, c, {}, false, false};
+  Cursor rest = c;
+  element.identifier = TakeU8(rest).value;
+  AsnResult length{};
+  element.here = DecodeAsnLength(AsnPlace{}, rest, length) == kAsnDecoded && !IsNegative(length.number);
+  if (!element.here) {
+    TakeCursor(c, Left(c));
+    element.contents = c;
+    return element;
+  }
+  TakeBytes(rest, length.consumed);
+  element.cut = static_cast<int32_t>(length.number) > Left(rest);
+  element.contents = TakeCursor(rest, length.number);
+  element.contents.begin = element.contents.offset;
+  element.whole = TakeCursor(c, rest.offset - c.offset);
+  return element;
+}
+
 int32_t DecodeAsnLengthLine(const AsnPlace& at, const Cursor& c, const char* title, AsnResult& out) {
   out.consumed = 0;
   if (Left(c) < 1) return kAsnTruncated;

@@ -82,6 +82,16 @@ int32_t DecodeAsnIdentifier(const AsnPlace& at, const Cursor& c, AsnResult& out)
 // to the contents.
 int32_t DecodeAsnLength(const AsnPlace& at, const Cursor& c, AsnResult& out);
 
+// An element taken without lines, to look ahead and to walk the contents of.
+struct AsnSpan {
+  uint32_t identifier;
+  Cursor whole, contents;   // from the identifier and from behind the length on, to the end of what is there of it
+  bool here;                // identifier and length are there, and the length is below 2^31
+  bool cut;                 // the contents run past the span
+};
+// The cursor goes on behind the element; to its end for an element that is not here.
+AsnSpan TakeAsnElement(Cursor& c);
+
 // A titled line over the length octets with their fields under it, " %u Bytes" appended; 0 for a length from 2^31 on.
 int32_t DecodeAsnLengthLine(const AsnPlace& at, const Cursor& c, const char* title, AsnResult& out);
 
@@ -114,6 +124,12 @@ int32_t DecodeAsnOctetString(const AsnPlace& at, const Cursor& c, const AsnStrin
 int32_t DecodeAsnGeneralizedTime(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
 int32_t DecodeAsnGeneralString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
 int32_t DecodeAsnOpaque(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
+
+// Under an implicit tag the identifier is the message's own and tells nothing of the type, so any is taken. The type
+// line names the type that the message's definition gives.
+int32_t DecodeAsnImplicitInteger(const AsnPlace& at, const Cursor& c, AsnResult& out);
+int32_t DecodeAsnImplicitBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out);
+int32_t DecodeAsnImplicitString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out);
 
 // `out.text` is the name with its instance, or the dotted number without an entry in the MIB.
 int32_t DecodeAsnObjectId(const AsnPlace& at, const Cursor& c, AsnObjectNames& names, AsnResult& out);

@@ -75,6 +75,9 @@ int32_t DecodeString(const AsnPlace& at, const Cursor& c, uint32_t identifier, c
 int32_t DecodeAsnOctetString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
   return DecodeString(at, c, kAsnOctetString, "OCTET STRING", form, out);
 }
+int32_t DecodeAsnImplicitString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
+  return DecodeString(at, c, Left(c) < 1 ? 0 : c.at[0], "OCTET STRING", form, out);
+}
 int32_t DecodeAsnGeneralizedTime(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
   return DecodeString(at, c, kAsnGeneralizedTime, "GENERALIZED TIME", form, out);
 }

@@ -35,11 +35,7 @@ void FormatBits(const Field& contents, char* text, int32_t size) {
   if (isCut) AppendString(text, size, "...");
 }
 
-}  // namespace
-
-int32_t DecodeAsnBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out) {
-  const int32_t met = MeetIdentifier(c, kAsnBoolean);
-  if (met != kAsnDecoded) return met;
+int32_t DecodeTruth(const AsnPlace& at, const Cursor& c, AsnResult& out) {
   const AsnElement element = OpenElement(at, c, "BOOL", out);
   if (!element.contents.here) return element.status;
   out.number = NumberOf(element.contents);
@@ -49,6 +45,18 @@ int32_t DecodeAsnBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out) {
   return kAsnDecoded;
 }
 
+}  // namespace
+
+int32_t DecodeAsnBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  const int32_t met = MeetIdentifier(c, kAsnBoolean);
+  return met == kAsnDecoded ? DecodeTruth(at, c, out) : met;
+}
+int32_t DecodeAsnImplicitBoolean(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return Left(c) < 1 ? kAsnTruncated : DecodeTruth(at, c, out);
+}
+int32_t DecodeAsnImplicitInteger(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+  return Left(c) < 1 ? kAsnTruncated : DecodeNumber(at, c, "INTEGER", out);
+}
 int32_t DecodeAsnInteger(const AsnPlace& at, const Cursor& c, AsnResult& out) {
   return DecodeNumberOf(at, c, kAsnInteger, "INTEGER", out);
 }

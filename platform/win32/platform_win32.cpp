@@ -29,7 +29,8 @@ int32_t WriteHandle(void* handle, const char* bytes, int32_t length) {
     DWORD written = 0;
     if (!WriteFile(handle, bytes, static_cast<DWORD>(length), &written, nullptr)) {
       const DWORD error = GetLastError();
-      const bool closed = error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA;
+      const bool closed =
+          error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
       if (closed && endsOnClosedPipe && handle == GetStdHandle(STD_OUTPUT_HANDLE)) ExitProcess(0);
       return 0;
     }

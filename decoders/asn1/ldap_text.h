@@ -1,0 +1,41 @@
+// Bounded texts of LDAP's elements in the lines' character set, Windows-1252.
+//
+// A string of the directory is UTF-8 (RFC 4511 4.1.2), the value of an attribute may be anything. Characters without
+// a place in the line are escaped octet by octet, "\E2\82\B9", as distinguished names and filters are (RFC 4514, RFC
+// 4515).
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+// Text that ends in "..." when it does not fit.
+class LdapText {
+ public:
+  LdapText(char* out, int32_t size) : out_(out), room_(size - 1) {
+    if (size > 0) out[0] = 0;
+  }
+  bool IsFull() const { return full_; }
+  bool IsEmpty() const { return used_ == 0; }
+  void Put(const char* text);
+  // UTF-8 without control characters but tabs and line ends as a text; anything else as hexadecimal.
+  void PutValue(const Cursor& octets);
+  // Characters, with those of `escaped` and every octet that is no UTF-8 escaped.
+  void PutCharacters(const Cursor& octets, const char* escaped);
+  template <class... Args>
+  void PutFormat(FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
+    char piece[64];
+    FormatInto(piece, sizeof piece, text, args...);
+    Put(piece);
+  }
+
+ private:
+  void PutBytes(const char* bytes, int32_t count);
+  void PutEscaped(const uint8_t* octets, int32_t count);
+
+  char* out_;
+  int32_t room_;
+  int32_t used_ = 0;
+  bool full_ = false;
+};
+
+}  // namespace qxview
