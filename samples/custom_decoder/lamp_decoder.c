@@ -5,6 +5,7 @@
  *   LAMP  version  lamp  brightness (2)
  *
  * Build:   cc -shared -fPIC -I include -o lamp_decoder.so samples/custom_decoder/lamp_decoder.c
+ *          i686-w64-mingw32-gcc -shared -I include -o lamp_decoder.dll samples/custom_decoder/lamp_decoder.c
  * Use:     qxview decode --set CustomLibrary0=/path/to/lamp_decoder.so capture.pcap
  */
 #include <stdio.h>
@@ -13,6 +14,9 @@
 #include "qxview/custom_decoder.h"
 
 #if defined(_WIN32)
+#include <windows.h>
+/* Behind windows.h, whose types it uses. */
+#include <commctrl.h>
 #define ENTRY __declspec(dllexport)
 #else
 #define ENTRY __attribute__((visibility("default")))
@@ -22,34 +26,74 @@ enum { kMessageLength = 8, kTopImage = 9, kFieldImage = 10 };
 
 static uint64_t Range(int32_t offset, uint32_t length) { return (uint64_t)offset << 10 | (uint64_t)length << 37; }
 
-/* Shows one message through the tree's add-line function, which serves display, print, save and find alike. */
-static int32_t ShowMessage(QxTree *tree, const uint8_t *data, int32_t length, int32_t offset) {
+/* Where lines go: what an entry point is given. */
+typedef struct Lines {
+  void *tree;
+  uint32_t *rangeCount;
+  const uint32_t *rangeCapacity;
+  uint64_t **rangeTable;
+  const CustomDecodeBlock *block;
+} Lines;
+
+#if defined(_WIN32)
+/* A view with a window: items of its tree view control, and text of our own in the print and save files. */
+static QxLine AddItem(const Lines *lines, QxLine parent, const char *text, int32_t image, uint64_t range) {
+  TVINSERTSTRUCTA insert = {0};
+  if (lines->block->outputMode != QX_MODE_DISPLAY) {
+    char line[80];
+    DWORD written;
+    const int length = snprintf(line, sizeof line, "%s%s\r\n", parent ? "    " : "", text);
+    if (lines->block->outputFile) WriteFile((HANDLE)(uintptr_t)lines->block->outputFile, line, length, &written, NULL);
+    return 1000;
+  }
+  if (*lines->rangeCount + 1 >= *lines->rangeCapacity) return 0;   /* a full table is left as it is */
+  insert.hParent = parent ? (HTREEITEM)parent : TVI_ROOT;
+  insert.hInsertAfter = TVI_LAST;
+  insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
+  insert.item.pszText = (char *)text;
+  insert.item.iImage = insert.item.iSelectedImage = image;
+  insert.item.lParam = (LPARAM)*lines->rangeCount;
+  (*lines->rangeTable)[(*lines->rangeCount)++] = range;
+  return (QxLine)SendMessageA((HWND)lines->tree, TVM_INSERTITEMA, 0, (LPARAM)&insert);
+}
+#endif
+
+/* Everywhere else the tree's add-line function serves display, print, save and find alike. */
+static QxLine AddLine(const Lines *lines, QxLine parent, const char *text, int32_t image, uint64_t range) {
+#if defined(_WIN32)
+  if (IsWindow((HWND)lines->tree)) return AddItem(lines, parent, text, image, range);
+#endif
+  return ((QxTree *)lines->tree)->addLine((QxTree *)lines->tree, parent, text, image, range);
+}
+
+static int32_t ShowMessage(const Lines *lines, const uint8_t *data, int32_t length, int32_t offset) {
   char text[64];
   QxLine top;
   if (length < kMessageLength || memcmp(data, "LAMP", 4) != 0) return 0;
-  top = tree->addLine(tree, 0, "LAMP: Lamp Control Message", kTopImage, Range(offset, kMessageLength));
+  top = AddLine(lines, 0, "LAMP: Lamp Control Message", kTopImage, Range(offset, kMessageLength));
   snprintf(text, sizeof text, "Version: %u", data[4]);
-  tree->addLine(tree, top, text, kFieldImage, Range(offset + 4, 1));
+  AddLine(lines, top, text, kFieldImage, Range(offset + 4, 1));
   snprintf(text, sizeof text, "Lamp: %u", data[5]);
-  tree->addLine(tree, top, text, kFieldImage, Range(offset + 5, 1));
+  AddLine(lines, top, text, kFieldImage, Range(offset + 5, 1));
   snprintf(text, sizeof text, "Brightness: %u %%", data[6] << 8 | data[7]);
-  tree->addLine(tree, top, text, kFieldImage, Range(offset + 6, 2));
+  AddLine(lines, top, text, kFieldImage, Range(offset + 6, 2));
   return 1;
 }
 
 ENTRY int32_t CustomDecodeFrame(const uint8_t *frame, const void *record, int32_t length, uint32_t userParam1,
                                 int32_t zero, uint32_t expansionMask, void *tree, uint32_t *rangeCount,
                                 uint32_t *rangeCapacity, uint64_t **rangeTable, CustomDecodeBlock *block) {
+  const Lines lines = {tree, rangeCount, rangeCapacity, rangeTable, block};
   (void)record, (void)userParam1, (void)zero, (void)expansionMask;
-  (void)rangeCount, (void)rangeCapacity, (void)rangeTable, (void)block;
   if (length < 14 || frame[12] != 0x88 || frame[13] != 0xB5) return 0;
-  return ShowMessage(tree, frame + 14, length - 14, 14);
+  return ShowMessage(&lines, frame + 14, length - 14, 14);
 }
 
 ENTRY int32_t CustomDecodeUDP(QxLine parentLine, const uint8_t *payload, int32_t length, int32_t frameOffset,
                               int32_t depth, uint32_t expansionMask, void *tree, uint32_t *rangeCount,
                               uint32_t *rangeCapacity, uint64_t **rangeTable, CustomDecodeBlock *block) {
-  (void)parentLine, (void)depth, (void)expansionMask, (void)rangeCount, (void)rangeCapacity, (void)rangeTable;
+  const Lines lines = {tree, rangeCount, rangeCapacity, rangeTable, block};
+  (void)parentLine, (void)depth, (void)expansionMask;
   ++block->freeWord;   /* kept with the view when the message is accepted: the number of messages seen */
-  return ShowMessage(tree, payload, length, frameOffset);
+  return ShowMessage(&lines, payload, length, frameOffset);
 }

@@ -158,7 +158,43 @@ TEST(Settings, NameUserDecoderLibraries) {
   registry.Set("View", "CustomLibrary1", "plugins\\missing.dll");
   View view(library);
   view.Decode(kLamp);
-  EXPECT_EQ(view.Text(), "LAMP: Lamp Control Message\n  Version: 1\n  Lamp: 7\n  Brightness: 50 %\n");
+  const std::string lamp = "LAMP: Lamp Control Message\n  Version: 1\n  Lamp: 7\n  Brightness: 50 %\n";
+  EXPECT_EQ(view.Text(), lamp);
+  ASSERT_TRUE(FIND(library, CreateViewWindow)(view.Get(), nullptr, 0, 0, 300, 200));
+  view.Decode(kLamp);
+  EXPECT_EQ(view.Text(), lamp) << "with items that the library puts into the tree view control itself";
+  int32_t offset;
+  uint32_t length;
+  const uintptr_t version = FIND(library, QxView_FirstChild)(view.Get(), FIND(library, QxView_FirstLine)(view.Get()));
+  EXPECT_EQ(FIND(library, QxView_LineRange)(view.Get(), version, &offset, &length, nullptr), 1);
+  EXPECT_EQ(offset, 18);
+  EXPECT_EQ(length, 1u);
+}
+
+TEST(Windows, ShowTheLinesOfTheirView) {
+  const Library library;
+  Registry registry;
+  View view(library);
+  EXPECT_EQ(FIND(library, CorrectView)(view.Get()), 0);
+  EXPECT_EQ(FIND(library, SetFocusOnDecodeList)(view.Get()), 0);
+  view.Decode(kDatagram);
+  const std::string lines = view.Text();
+  const HWND parent = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
+  ASSERT_TRUE(FIND(library, CreateViewWindow)(view.Get(), parent, 0, 0, 0, 0));
+  EXPECT_EQ(view.Text(), "");
+  view.Decode(kDatagram);
+  EXPECT_EQ(view.Text(), std::string(lines).replace(7, 1, "2")) << "the second packet";
+  const uintptr_t top = FIND(library, QxView_FirstLine)(view.Get());
+  EXPECT_EQ(FIND(library, QxView_LineImage)(view.Get(), top), 9);
+  EXPECT_EQ(FIND(library, QxView_LineImage)(view.Get(), 1000), -1);
+  EXPECT_EQ(FIND(library, QxView_LineRange)(view.Get(), 0, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(FIND(library, CorrectView)(view.Get()), 1);
+  EXPECT_EQ(FIND(library, SetFocusOnDecodeList)(view.Get()), 1);
+  FIND(library, ClearDecodeLists)(view.Get());
+  EXPECT_EQ(view.Text(), "");
+  DestroyWindow(parent);
+  view.Decode(kDatagram);
+  EXPECT_EQ(view.Text(), std::string(lines).replace(7, 1, "3")) << "back in memory";
 }
 
 // A new file in the folder for temporary files; its name goes with it.
