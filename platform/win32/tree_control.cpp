@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include <cstring>
+#include <type_traits>
 
 #include "core/levels.h"
 
@@ -158,41 +159,73 @@ void TreeControl::HoldRedraw(bool held) {
 
 namespace {
 
+// What is taken from the system's common controls. They are loaded with the first tree: that takes many times as long
+// as loading this module, which most programs want no window of.
+struct CommonControls {
+  decltype(&InitCommonControlsEx) init;
+  decltype(&ImageList_Create) createList;
+  decltype(&ImageList_AddMasked) addMasked;
+  decltype(&ImageList_GetImageCount) countImages;
+  decltype(&ImageList_Destroy) destroyList;
+
+  bool Load() {
+    const HMODULE library = LoadLibraryW(L"comctl32.dll");
+    if (!library) return false;
+    const auto find = [library](auto& function, const char* name) {
+      const FARPROC found = GetProcAddress(library, name);
+      function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(reinterpret_cast<void*>(found));
+      return found != nullptr;
+    };
+    return find(init, "InitCommonControlsEx") && find(createList, "ImageList_Create") &&
+           find(addMasked, "ImageList_AddMasked") && find(countImages, "ImageList_GetImageCount") &&
+           find(destroyList, "ImageList_Destroy");
+  }
+};
+
+// Null when they are not there.
+const CommonControls* FindCommonControls() {
+  static CommonControls controls;
+  static const bool loaded = controls.Load();
+  return loaded ? &controls : nullptr;
+}
+
 // The images of the levels from the resources of the module that this code is in; null when one is missing.
-HIMAGELIST LoadLevelImages() {
+HIMAGELIST LoadLevelImages(const CommonControls& controls) {
   HMODULE module;
   if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                           reinterpret_cast<LPCSTR>(&kBitmapCount), &module)) {
     return nullptr;
   }
-  const HIMAGELIST images = ImageList_Create(kImageWidth, kImageHeight, ILC_COLOR24 | ILC_MASK, kImageCount, 0);
+  const HIMAGELIST images = controls.createList(kImageWidth, kImageHeight, ILC_COLOR24 | ILC_MASK, kImageCount, 0);
   if (!images) return nullptr;
   for (int image = 0; image < kImageCount; ++image) {
     char name[8];
     wsprintfA(name, "TR%.01lu", static_cast<unsigned long>(image % kBitmapCount));
     const HBITMAP bitmap = LoadBitmapA(module, name);
     if (!bitmap) continue;
-    ImageList_AddMasked(images, bitmap, kTransparent);
+    controls.addMasked(images, bitmap, kTransparent);
     DeleteObject(bitmap);
   }
-  if (ImageList_GetImageCount(images) >= kImageCount) return images;
-  ImageList_Destroy(images);
+  if (controls.countImages(images) >= kImageCount) return images;
+  controls.destroyList(images);
   return nullptr;
 }
 
 }  // namespace
 
 void* CreateTreeControl(void* parent) {
-  INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES};
-  InitCommonControlsEx(&classes);
-  const HIMAGELIST images = LoadLevelImages();
+  const CommonControls* controls = FindCommonControls();
+  if (!controls) return nullptr;
+  const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES};
+  controls->init(&classes);
+  const HIMAGELIST images = LoadLevelImages(*controls);
   if (!images) return nullptr;
   const DWORD style = WS_CHILD | WS_VISIBLE | WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
                       TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
   const HWND control = CreateWindowExA(0, WC_TREEVIEWA, "", style, 0, 0, 0, 0, WindowOf(parent), nullptr,
                                        GetModuleHandleA(nullptr), nullptr);
   if (!control) {
-    ImageList_Destroy(images);
+    controls->destroyList(images);
     return nullptr;
   }
   Send(control, TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images));
@@ -202,7 +235,7 @@ void* CreateTreeControl(void* parent) {
 void DestroyTreeControl(void* control) {
   const auto images = reinterpret_cast<HIMAGELIST>(Send(control, TVM_GETIMAGELIST, TVSIL_NORMAL, 0));
   DestroyWindow(WindowOf(control));
-  ImageList_Destroy(images);
+  if (const CommonControls* controls = FindCommonControls()) controls->destroyList(images);
 }
 
 }  // namespace qxview
