@@ -160,6 +160,16 @@ class Symbols(unittest.TestCase):
         self.assertEqual(summaries - set(MEMBERS), {"GetRtpCodecDescription"}, "every summary is tested")
 
 
+class Windows(unittest.TestCase):
+    def test_there_are_none_off_windows(self):
+        LIB.QxView_CreateView.restype = LIB.CreateViewWindow.restype = ctypes.c_void_p
+        for view in (None, LIB.QxView_CreateView(None)):
+            at = ctypes.c_void_p(view)
+            self.assertIsNone(LIB.CreateViewWindow(at, None, 0, 0, 0, 0))
+            self.assertEqual((LIB.CorrectView(at), LIB.SetFocusOnDecodeList(at)), (0, 0))
+            LIB.QxView_DestroyView(at)
+
+
 class Summaries(unittest.TestCase):
     def test_texts(self):
         for name, (_, _, message, text) in MEMBERS.items():

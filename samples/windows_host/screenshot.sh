@@ -16,7 +16,7 @@ if [ -z "${INSIDE_XVFB:-}" ]; then
   INSIDE_XVFB=1 exec timeout 120 xvfb-run -a -s "-screen 0 ${size}x24" "$0" "$built" "$picture"
 fi
 
-export WINEDEBUG=-all WINEPREFIX=${WINEPREFIX:-$built/wine} WINEDLLOVERRIDES=mscoree,mshtml=
+export WINEARCH=win32 WINEDEBUG=-all WINEPREFIX=${WINEPREFIX:-$built/wine} WINEDLLOVERRIDES=mscoree,mshtml=
 wineboot -i >/dev/null 2>&1   # sets Wine up, which shows a window of its own
 wineserver -w
 folder=$(mktemp -d)
