@@ -4,6 +4,7 @@ import importlib.util
 import json
 import os
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -16,6 +17,7 @@ def run(*command, folder="/"):
 
 
 def load_run_tests():
+    sys.path.insert(0, os.path.join(ROOT, "scripts"))   # where it has its own modules
     where = importlib.util.spec_from_file_location("run_tests", os.path.join(ROOT, "scripts", "run_tests.py"))
     module = importlib.util.module_from_spec(where)
     where.loader.exec_module(module)

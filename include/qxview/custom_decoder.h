@@ -7,11 +7,13 @@
  *
  * How a library adds lines:
  *  - on every platform as the module does: append the line with the range-table index *rangeCount as its tag, store
- *    the range at (*rangeTable)[*rangeCount], add 1 to *rangeCount, and double the table when it is full;
- *  - where the tree is a record, simply with tree->addLine, which does all of that, and serves the print, save and
- *    find modes too.
- * On Windows `tree` is the handle of the tree view control of the view's window, and items are added to it with its
- * messages; for a view without a window it is the record, as off Windows, which IsWindow tells apart.
+ *    the range at (*rangeTable)[*rangeCount], add 1 to *rangeCount, and double the table when it is full (with the C
+ *    library's realloc, on Windows that of msvcrt.dll);
+ *  - where the tree is a record (QxTree), simply with tree->addLine, which does all of that, and serves the print, save
+ *    and find modes too.
+ * On Windows `tree` is the handle of the tree view control when lines are shown in a view's window, and they are added
+ * with the control's messages; in the other modes, and for a view without a window, it is the record as off Windows.
+ * IsWindow tells which.
  */
 #ifndef QXVIEW_CUSTOM_DECODER_H
 #define QXVIEW_CUSTOM_DECODER_H

@@ -5,7 +5,7 @@
  *   LAMP  version  lamp  brightness (2)
  *
  * Build:   cc -shared -fPIC -I include -o lamp_decoder.so samples/custom_decoder/lamp_decoder.c
- *          i686-w64-mingw32-gcc -shared -I include -o lamp_decoder.dll samples/custom_decoder/lamp_decoder.c
+ *          i686-w64-mingw32-gcc -shared -static -I include -o lamp_decoder.dll samples/custom_decoder/lamp_decoder.c
  * Use:     qxview decode --set CustomLibrary0=/path/to/lamp_decoder.so capture.pcap
  */
 #include <stdio.h>
@@ -15,8 +15,8 @@
 
 #if defined(_WIN32)
 #include <windows.h>
-/* Behind windows.h, whose types it uses. */
 #include <commctrl.h>
+#include <stdlib.h>
 #define ENTRY __declspec(dllexport)
 #else
 #define ENTRY __attribute__((visibility("default")))
@@ -26,44 +26,45 @@ enum { kMessageLength = 8, kTopImage = 9, kFieldImage = 10 };
 
 static uint64_t Range(int32_t offset, uint32_t length) { return (uint64_t)offset << 10 | (uint64_t)length << 37; }
 
-/* Where lines go: what an entry point is given. */
+/* Where an entry point's lines go. */
 typedef struct Lines {
   void *tree;
-  uint32_t *rangeCount;
-  const uint32_t *rangeCapacity;
-  uint64_t **rangeTable;
-  const CustomDecodeBlock *block;
+  uint32_t *count, *capacity;
+  uint64_t **ranges;
 } Lines;
 
 #if defined(_WIN32)
-/* A view with a window: items of its tree view control, and text of our own in the print and save files. */
+/* Into the tree view control of a view's window: an item whose tag is the index of its range in the module's table. */
 static QxLine AddItem(const Lines *lines, QxLine parent, const char *text, int32_t image, uint64_t range) {
-  TVINSERTSTRUCTA insert = {0};
-  if (lines->block->outputMode != QX_MODE_DISPLAY) {
-    char line[80];
-    DWORD written;
-    const int length = snprintf(line, sizeof line, "%s%s\r\n", parent ? "    " : "", text);
-    if (lines->block->outputFile) WriteFile((HANDLE)(uintptr_t)lines->block->outputFile, line, length, &written, NULL);
-    return 1000;
+  TVINSERTSTRUCTA item;
+  QxLine line;
+  if (*lines->count + 1 >= *lines->capacity) {
+    uint64_t *grown = realloc(*lines->ranges, sizeof(uint64_t) * 2 * *lines->capacity);
+    if (!grown) return 0;
+    *lines->ranges = grown;
+    *lines->capacity *= 2;
   }
-  if (*lines->rangeCount + 1 >= *lines->rangeCapacity) return 0;   /* a full table is left as it is */
-  insert.hParent = parent ? (HTREEITEM)parent : TVI_ROOT;
-  insert.hInsertAfter = TVI_LAST;
-  insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
-  insert.item.pszText = (char *)text;
-  insert.item.iImage = insert.item.iSelectedImage = image;
-  insert.item.lParam = (LPARAM)*lines->rangeCount;
-  (*lines->rangeTable)[(*lines->rangeCount)++] = range;
-  return (QxLine)SendMessageA((HWND)lines->tree, TVM_INSERTITEMA, 0, (LPARAM)&insert);
+  memset(&item, 0, sizeof item);
+  item.hParent = parent ? (HTREEITEM)parent : TVI_ROOT;
+  item.hInsertAfter = TVI_LAST;
+  item.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE | TVIF_PARAM;
+  item.item.pszText = (char *)text;
+  item.item.iImage = item.item.iSelectedImage = image;
+  item.item.lParam = (LPARAM)*lines->count;
+  (*lines->ranges)[*lines->count] = range;
+  line = (QxLine)SendMessageA((HWND)lines->tree, TVM_INSERTITEMA, 0, (LPARAM)&item);
+  if (line) ++*lines->count;
+  return line;
 }
 #endif
 
-/* Everywhere else the tree's add-line function serves display, print, save and find alike. */
+/* Adds a line where the tree is a record with its add-line function, which serves display, print, save and find alike. */
 static QxLine AddLine(const Lines *lines, QxLine parent, const char *text, int32_t image, uint64_t range) {
+  QxTree *record = lines->tree;
 #if defined(_WIN32)
   if (IsWindow((HWND)lines->tree)) return AddItem(lines, parent, text, image, range);
 #endif
-  return ((QxTree *)lines->tree)->addLine((QxTree *)lines->tree, parent, text, image, range);
+  return record->addLine(record, parent, text, image, range);
 }
 
 static int32_t ShowMessage(const Lines *lines, const uint8_t *data, int32_t length, int32_t offset) {
@@ -83,8 +84,8 @@ static int32_t ShowMessage(const Lines *lines, const uint8_t *data, int32_t leng
 ENTRY int32_t CustomDecodeFrame(const uint8_t *frame, const void *record, int32_t length, uint32_t userParam1,
                                 int32_t zero, uint32_t expansionMask, void *tree, uint32_t *rangeCount,
                                 uint32_t *rangeCapacity, uint64_t **rangeTable, CustomDecodeBlock *block) {
-  const Lines lines = {tree, rangeCount, rangeCapacity, rangeTable, block};
-  (void)record, (void)userParam1, (void)zero, (void)expansionMask;
+  const Lines lines = {tree, rangeCount, rangeCapacity, rangeTable};
+  (void)record, (void)userParam1, (void)zero, (void)expansionMask, (void)block;
   if (length < 14 || frame[12] != 0x88 || frame[13] != 0xB5) return 0;
   return ShowMessage(&lines, frame + 14, length - 14, 14);
 }
@@ -92,7 +93,7 @@ ENTRY int32_t CustomDecodeFrame(const uint8_t *frame, const void *record, int32_
 ENTRY int32_t CustomDecodeUDP(QxLine parentLine, const uint8_t *payload, int32_t length, int32_t frameOffset,
                               int32_t depth, uint32_t expansionMask, void *tree, uint32_t *rangeCount,
                               uint32_t *rangeCapacity, uint64_t **rangeTable, CustomDecodeBlock *block) {
-  const Lines lines = {tree, rangeCount, rangeCapacity, rangeTable, block};
+  const Lines lines = {tree, rangeCount, rangeCapacity, rangeTable};
   (void)parentLine, (void)depth, (void)expansionMask;
   ++block->freeWord;   /* kept with the view when the message is accepted: the number of messages seen */
   return ShowMessage(&lines, payload, length, frameOffset);

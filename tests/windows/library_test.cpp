@@ -88,6 +88,36 @@ class Registry {
   HKEY own_;
 };
 
+// A new file in the folder for temporary files; its name goes with it.
+class TemporaryFile {
+ public:
+  TemporaryFile() {
+    char folder[MAX_PATH - 14];
+    GetTempPathA(sizeof folder, folder);
+    GetTempFileNameA(folder, "qxv", 0, name_);
+    handle_ = CreateFileA(name_, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  }
+  ~TemporaryFile() {
+    CloseHandle(handle_);
+    DeleteFileA(name_);
+  }
+  intptr_t Handle() const { return reinterpret_cast<intptr_t>(handle_); }
+  const char* Name() const { return name_; }
+  void Rewind() { SetFilePointer(handle_, 0, nullptr, FILE_BEGIN); }
+  std::string Read() {
+    Rewind();
+    std::string text(1 << 16, 0);
+    DWORD got = 0;
+    if (!ReadFile(handle_, text.data(), static_cast<DWORD>(text.size()), &got, nullptr)) got = 0;
+    text.resize(got);
+    return text;
+  }
+
+ private:
+  char name_[MAX_PATH];
+  HANDLE handle_;
+};
+
 class View {
  public:
   explicit View(const Library& library) : library_(library), view_(FIND(library, QxView_CreateView)(nullptr)) {}
@@ -158,17 +188,23 @@ TEST(Settings, NameUserDecoderLibraries) {
   registry.Set("View", "CustomLibrary1", "plugins\\missing.dll");
   View view(library);
   view.Decode(kLamp);
-  const std::string lamp = "LAMP: Lamp Control Message\n  Version: 1\n  Lamp: 7\n  Brightness: 50 %\n";
-  EXPECT_EQ(view.Text(), lamp);
-  ASSERT_TRUE(FIND(library, CreateViewWindow)(view.Get(), nullptr, 0, 0, 300, 200));
+  const std::string lines = "LAMP: Lamp Control Message\n  Version: 1\n  Lamp: 7\n  Brightness: 50 %\n";
+  EXPECT_EQ(view.Text(), lines);
+  void* window = FIND(library, CreateViewWindow)(view.Get(), nullptr, 0, 0, 300, 200);
+  ASSERT_NE(window, nullptr);
   view.Decode(kLamp);
-  EXPECT_EQ(view.Text(), lamp) << "with items that the library puts into the tree view control itself";
+  EXPECT_EQ(view.Text(), lines) << "in a window the library adds items to the tree view control";
   int32_t offset;
   uint32_t length;
-  const uintptr_t version = FIND(library, QxView_FirstChild)(view.Get(), FIND(library, QxView_FirstLine)(view.Get()));
-  EXPECT_EQ(FIND(library, QxView_LineRange)(view.Get(), version, &offset, &length, nullptr), 1);
-  EXPECT_EQ(offset, 18);
-  EXPECT_EQ(length, 1u);
+  EXPECT_EQ(FIND(library, QxView_LineRange)(view.Get(), FIND(library, QxView_FirstLine)(view.Get()), &offset, &length,
+                                            nullptr), 1);
+  EXPECT_EQ(offset, 14);
+  EXPECT_EQ(length, 8u);
+  TemporaryFile file;
+  ASSERT_EQ(FIND(library, QxView_SetOutput)(view.Get(), QXVIEW_SAVE, file.Handle()), 1);
+  view.Decode(kLamp);
+  FIND(library, QxView_SetOutput)(view.Get(), QXVIEW_DISPLAY, 0);
+  EXPECT_EQ(file.Read(), "LAMP: Lamp Control Message\r\n    Version: 1\r\n    Lamp: 7\r\n    Brightness: 50 %\r\n");
 }
 
 TEST(Windows, ShowTheLinesOfTheirView) {
@@ -196,36 +232,6 @@ TEST(Windows, ShowTheLinesOfTheirView) {
   view.Decode(kDatagram);
   EXPECT_EQ(view.Text(), std::string(lines).replace(7, 1, "3")) << "back in memory";
 }
-
-// A new file in the folder for temporary files; its name goes with it.
-class TemporaryFile {
- public:
-  TemporaryFile() {
-    char folder[MAX_PATH - 14];
-    GetTempPathA(sizeof folder, folder);
-    GetTempFileNameA(folder, "qxv", 0, name_);
-    handle_ = CreateFileA(name_, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  }
-  ~TemporaryFile() {
-    CloseHandle(handle_);
-    DeleteFileA(name_);
-  }
-  intptr_t Handle() const { return reinterpret_cast<intptr_t>(handle_); }
-  const char* Name() const { return name_; }
-  void Rewind() { SetFilePointer(handle_, 0, nullptr, FILE_BEGIN); }
-  std::string Read() {
-    Rewind();
-    std::string text(1 << 16, 0);
-    DWORD got = 0;
-    if (!ReadFile(handle_, text.data(), static_cast<DWORD>(text.size()), &got, nullptr)) got = 0;
-    text.resize(got);
-    return text;
-  }
-
- private:
-  char name_[MAX_PATH];
-  HANDLE handle_;
-};
 
 TEST(Files, LinesAreWrittenToAHandle) {
   const Library library;
