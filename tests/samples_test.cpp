@@ -11,7 +11,7 @@ namespace qxview::testing {
 namespace {
 
 constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "ldap", "mail",
-                                    "telnet", "vlan"};
+                                    "netbios", "smb", "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:
