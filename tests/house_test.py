@@ -4,6 +4,7 @@ import importlib.util
 import json
 import os
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -18,6 +19,7 @@ def run(*command, folder="/"):
 def load_run_tests():
     where = importlib.util.spec_from_file_location("run_tests", os.path.join(ROOT, "scripts", "run_tests.py"))
     module = importlib.util.module_from_spec(where)
+    sys.path.insert(0, os.path.join(ROOT, "scripts"))   # where its own modules are
     where.loader.exec_module(module)
     return module
 
