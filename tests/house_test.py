@@ -17,7 +17,6 @@ def run(*command, folder="/"):
 
 
 def load_run_tests():
-    sys.path.insert(0, os.path.join(ROOT, "scripts"))   # where it has its own modules
     where = importlib.util.spec_from_file_location("run_tests", os.path.join(ROOT, "scripts", "run_tests.py"))
     module = importlib.util.module_from_spec(where)
     sys.path.insert(0, os.path.join(ROOT, "scripts"))   # where its own modules are
