@@ -3,6 +3,7 @@
 #include "core/dispatch.h"
 #include "decoders/app/http_message.h"
 #include "decoders/net/window_scales.h"
+#include "decoders/smb/smb_requests.h"
 
 namespace qxview {
 namespace {
@@ -11,6 +12,7 @@ namespace {
 constexpr StateRow kStates[] = {
     {DecoderState::kWindowScales, CreateWindowScales, DestroyWindowScales},
     {DecoderState::kHttp, CreateHttpState, DestroyHttpState},
+    {DecoderState::kSmbRequests, CreateSmbRequests, DestroySmbRequests},
 };
 
 }  // namespace

@@ -102,7 +102,6 @@ TEST_F(Detection, EveryRowOverTcpLearnsItsIdentifier) {
 }
 
 TEST_F(Detection, PayloadsWithoutDecoderAreOneBlockUnderTheirName) {
-  EXPECT_EQ(OverTcp(kMsrpc, 40001), "MSRPC Data");
   EXPECT_EQ(OverTcp(kTns, 40003), "Oracle TNS Data");
   EXPECT_EQ(OverTcp(Bytes(20), 40005), "TCP Data");
   EXPECT_EQ(OverUdp(kReply, 40006), "ONC RPC Data");

@@ -92,7 +92,7 @@ MEMBERS = {
                                      "H.225.0/H.323 Gatekeeper registrationRequest, Request Number: 2"),
     "GetH245Description": ("A", [], bytes.fromhex("0300000802700106"), "H.245 Request: terminalCapabilitySet"),
     "GetSMBDescription": ("A", [INT(0), INT(0)], bytes.fromhex("ff534d427200000000180128") + bytes(12) +
-                          bytes.fromhex("0100feff02000300"), "SMB/CIFS Negotiate Request, TID: 1, UID: 2, MID: 3"),
+                          bytes.fromhex("0100feff02000300"), "SMB/CIFS Negotiate Protocol Request, TID: 1, UID: 2, MID: 3"),
     "GetCGPDescription": ("A", [], b"\x1aCGP/01", "Citrix CGP Hello, Version: 01 [Partial: 7 bytes of 27 pending]"),
     "GetIAX2Description": ("A", [], bytes.fromhex("00010014aabb"), "IAX2 Mini Voice, Source Call: 1, Time: 20, 2 bytes"),
     "GetBitTorrentDescription": ("A", [], bytes.fromhex("0000000502"), "BitTorrent Data: Interested"),
@@ -158,6 +158,16 @@ class Symbols(unittest.TestCase):
             self.assertLessEqual(imported, SYSTEM_LIBRARIES, "nothing that not every Windows has")
         summaries = {name for name in declared if re.search(r"Description(PublicDecode)?$", name)}
         self.assertEqual(summaries - set(MEMBERS), {"GetRtpCodecDescription"}, "every summary is tested")
+
+
+class Windows(unittest.TestCase):
+    def test_there_are_none_off_windows(self):
+        LIB.QxView_CreateView.restype = LIB.CreateViewWindow.restype = ctypes.c_void_p
+        for view in (None, LIB.QxView_CreateView(None)):
+            at = ctypes.c_void_p(view)
+            self.assertIsNone(LIB.CreateViewWindow(at, None, 0, 0, 0, 0))
+            self.assertEqual((LIB.CorrectView(at), LIB.SetFocusOnDecodeList(at)), (0, 0))
+            LIB.QxView_DestroyView(at)
 
 
 class Summaries(unittest.TestCase):

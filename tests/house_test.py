@@ -51,6 +51,12 @@ class Setup(unittest.TestCase):
         self.assertEqual(run(os.path.join(ROOT, "scripts", "setup.sh"), "nonsense").returncode, 2)
 
 
+class Images(unittest.TestCase):
+    def test_are_as_they_are_drawn(self):
+        checked = run(os.path.join(ROOT, "scripts", "draw_images.py"), "--check")
+        self.assertEqual((checked.returncode, checked.stdout), (0, ""))
+
+
 class Totals(unittest.TestCase):
     def setUp(self):
         self.module = load_run_tests()

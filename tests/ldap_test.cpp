@@ -178,7 +178,7 @@ TEST(Ldap, ValuesOfControlsAndExtendedOperations) {
             "        State: [2] = Modify\n"
             "        Entry UUID: 00112233-4455-6677-8899-aabbccddeeff\n");
   const struct {
-    const char* oid;
+    std::string oid;
     Bytes value;
     std::vector<std::string> lines;
   } kCases[] = {
@@ -191,6 +191,7 @@ TEST(Ldap, ValuesOfControlsAndExtendedOperations) {
       {"1.2.840.113556.1.4.841", Wrap(0x30, Hex("020101 020102 0400 0500")), {"Cookie: <NULL>\n", "Undefined Data\n"}},
       {"2.16.840.1.113730.3.4.18", TextBytes("u:ann"), {"= Proxied Authorization\n", "Control Value: u:ann\n"}},
       {"1.2.3.4.5", Wrap(0x30, Hex("020101")), {"Control: 1.2.3.4.5\n", "Control Value: 30 03 02 01 01\n"}},
+      {std::string("1.3.6.1.1.12\0\0\0\0\0\0\0\0\0\0\0\0", 24), Hex("30"), {"Control: 31 2E 33"}},
       {"1.2.840.113556.1.4.319", Hex("30"), {"= Paged Results\n", "Control Value: 0\n"}},
   };
   for (const auto& test : kCases) ExpectInOrder(outlineOf(test.oid, test.value), test.lines);
@@ -298,6 +299,13 @@ constexpr double kMostMilliseconds = 10;
 #else
 constexpr double kMostMilliseconds = 1000;
 #endif
+
+TEST(Ldap, WhatIsPastTheBoundIsDumped) {
+  const std::string names = Outline(Message(Wrap(0x73, Repeat(Str("ldap://a/"), kMostLdapElements))));
+  EXPECT_NE(names.find("  URI: ldap://a/\n  More Elements\n"), std::string::npos);
+  const std::string messages = Outline(Repeat(Message(kUnbind), kMostLdapElements));
+  EXPECT_NE(messages.find("\nMore LDAP Messages\n"), std::string::npos);
+}
 
 TEST(Ldap, HostilePayloadsAreBounded) {
   const auto times = [](const Bytes& what, size_t size) { return Repeat(what, size / what.size()); };

@@ -11,7 +11,7 @@ namespace qxview::testing {
 namespace {
 
 constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "ldap", "mail",
-                                    "telnet", "vlan"};
+                                    "netbios", "smb", "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:
@@ -78,6 +78,19 @@ TEST_P(Samples, PrintAsManyLinesAsTheyShowAndAllocateNothing) {
     EXPECT_EQ(engine->textLinesWritten, shown) << view.Text();
   });
 }
+
+#ifdef _WIN32
+TEST_P(Samples, ShowTheSameInATreeControl) {
+  TestView arena, control(nullptr, TreeKind::kControl);
+  ForEachRecord([&](const FrameRecord* record) {
+    for (TestView* view : {&arena, &control}) {
+      ClearDecodeTree(&view->view(), &view->tree(), true);
+      DecodeFrame(&view->view(), record, 0, 0, 0);
+    }
+    EXPECT_EQ(control.Text(true), arena.Text(true));
+  });
+}
+#endif
 
 INSTANTIATE_TEST_SUITE_P(All, Samples, ::testing::ValuesIn(kSamples), [](const auto& info) {
   std::string name = info.param;

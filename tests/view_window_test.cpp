@@ -28,7 +28,7 @@ LRESULT CALLBACK TakeNotes(HWND window, UINT message, WPARAM what, LPARAM value)
 class ViewWindows : public ::testing::Test {
  protected:
   void SetUp() override {
-    parent_ = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 500, 400, nullptr, nullptr, nullptr, nullptr);
+    parent_ = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 500, 400, nullptr, nullptr, nullptr, nullptr);
     SetWindowLongPtrA(parent_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(TakeNotes));
     notes.clear();
     session_ = Session::Create(&host_.host, {});

@@ -1,5 +1,5 @@
 // The packet list's text for protocols with a place in the dispatch but no exported summary: ONC RPC (RFC 5531), DCE RPC
-// (MSRPC), Kerberos (RFC 4120), NetBIOS over TCP (RFC 1002), FCIP (RFC 3821).
+// (MSRPC), Kerberos (RFC 4120), FCIP (RFC 3821).
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
@@ -20,35 +20,6 @@ constexpr auto kDcePacketNames = SortedNames({
     {14, "Alter Context"}, {15, "Alter Context Response"}, {16, "Auth3"}, {17, "Shutdown"}, {18, "Cancel"},
     {19, "Orphaned"},
 });
-
-constexpr auto kNameOperations = SortedNames({
-    {0, "Query"}, {5, "Registration"}, {6, "Release"}, {7, "Wait"}, {8, "Refresh"}, {9, "Refresh"},
-    {15, "Multi-Homed Registration"},
-});
-
-constexpr auto kDatagramNames = SortedNames({
-    {0x10, "Direct Unique Datagram"}, {0x11, "Direct Group Datagram"}, {0x12, "Broadcast Datagram"},
-    {0x13, "Datagram Error"}, {0x14, "Query Request"}, {0x15, "Positive Query Response"},
-    {0x16, "Negative Query Response"},
-});
-
-// A name of NetBIOS: 32 letters that stand for 16 bytes, of which the last is the kind of name.
-void AddNetBiosName(SummaryText& text, Cursor c) {
-  constexpr uint32_t kEncoded = 32;
-  if (TakeU8(c).value != kEncoded) return;
-  const Field name = TakeBytes(c, kEncoded);
-  if (!name.here) return;
-  char decoded[16];
-  int32_t length = 0;
-  for (int32_t i = 0; i < 16; ++i) {
-    const int32_t high = name.bytes[2 * i] - 'A', low = name.bytes[2 * i + 1] - 'A';
-    if (high < 0 || high > 15 || low < 0 || low > 15) return;
-    const char c16 = static_cast<char>(high << 4 | low);
-    decoded[i] = IsPrintable(static_cast<uint8_t>(c16)) ? c16 : '.';
-    if (i < 15 && decoded[i] != ' ') length = i + 1;
-    if (i == 15) Add(text, ", Name: %s<%.02X>", TextSlice{decoded, length}, static_cast<uint32_t>(high << 4 | low));
-  }
-}
 
 }  // namespace
 
@@ -112,42 +83,6 @@ int32_t DescribeKerberos(const SummaryInput& in, char* out, int32_t outSize) {
   char message[kKerberosTextSize];
   DescribeKerberosPayload(MakeCursor(in.data, 0, in.length), in.isTcp, message, sizeof message);
   Add(text, "Kerberos %s", static_cast<const char*>(message));
-  return 1;
-}
-
-int32_t DescribeNetBiosName(const SummaryInput& in, char* out, int32_t outSize) {
-  constexpr uint32_t kResponse = 0x8000;
-  SummaryText text;
-  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  Cursor c = MakeCursor(in.data, 0, in.length);
-  const Field transaction = TakeU16(c), flags = TakeU16(c);
-  TakeBytes(c, 8);
-  Add(text, "NetBIOS Name Service");
-  if (!flags.here) return 1;
-  Add(text, " %s %s", LookupName(kNameOperations, flags.value >> 11 & 15),
-      flags.value & kResponse ? "Response" : "Request");
-  if (flags.value & kResponse && flags.value & 15) Add(text, ", Result: %u", flags.value & 15);
-  AddNetBiosName(text, c);
-  Add(text, ", ID: 0x%.04X", transaction.value);
-  return 1;
-}
-
-int32_t DescribeNetBiosDatagram(const SummaryInput& in, char* out, int32_t outSize) {
-  SummaryText text;
-  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  Cursor c = MakeCursor(in.data, 0, in.length);
-  const Field kind = TakeU8(c);
-  TakeBytes(c, 13);
-  Add(text, "NetBIOS Datagram Service %s", LookupName(kDatagramNames, kind.value));
-  AddNetBiosName(text, c);
-  return 1;
-}
-
-int32_t DescribeNetBiosSession(const SummaryInput& in, char* out, int32_t outSize) {
-  if (DescribeSmb(in.data, in.length, out, outSize, 1, 0)) return 1;
-  SummaryText text;
-  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  Add(text, "NetBIOS Session Service Data, %d bytes", in.length);
   return 1;
 }
 

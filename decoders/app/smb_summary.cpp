@@ -7,6 +7,8 @@
 #include "decoders/app/smb_summary_names.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
+#include "decoders/netbios/netbios.h"
+#include "decoders/smb/smb_block.h"
 
 namespace qxview {
 namespace {
@@ -15,7 +17,8 @@ constexpr uint32_t kMarker1 = 0xFF534D42, kMarker2 = 0xFE534D42, kMarkerEncrypte
 
 void AddStatus(SummaryText& text, uint32_t status) {
   if (status == 0) return Add(text, ", Status: Success");
-  if (const char* name = LookupName(kNtStatusNames, status, nullptr)) return Add(text, ", Status: %s", name);
+  const char* name = SmbNtStatusName(status);
+  if (name != kUndefined) return Add(text, ", Status: %s", name);
   Add(text, ", Status: 0x%.08X", status);
 }
 
@@ -29,14 +32,16 @@ void DescribeFirstVersion(SummaryText& text, Cursor c) {
   const Field tree = TakeLittleU16(c);
   TakeBytes(c, 2);    // process
   const Field user = TakeLittleU16(c), multiplex = TakeLittleU16(c);
-  Add(text, " %s %s", LookupName(kSmbCommandNames, command), flags & kResponse ? "Response" : "Request");
+  Add(text, " %s %s", SmbCommandName(command), flags & kResponse ? "Response" : "Request");
   if (flags2.here && flags & kResponse) {
     if (flags2.value & kNtStatus) {
       AddStatus(text, status.value);
     } else if (status.value == 0) {
       Add(text, ", Status: Success");
     } else {
-      Add(text, ", Error Class: %u, Code: %u", status.value & 0xFF, status.value >> 16);
+      const uint32_t errorClass = status.value & 0xFF, code = status.value >> 16;
+      Add(text, ", Error Class: %u = %s, Code: %u = %s", errorClass, SmbDosClassName(errorClass), code,
+          SmbDosErrorName(errorClass, code));
     }
   }
   if (multiplex.here) Add(text, ", TID: %u, UID: %u, MID: %u", tree.value, user.value, multiplex.value);
@@ -62,10 +67,12 @@ void DescribeSecondVersion(SummaryText& text, Cursor c) {
   if (message.here) Add(text, ", Message ID: %I64u", message.wide);
 }
 
-constexpr auto kSessionNames = SortedNames({
-    {0x81, "Session Request"}, {0x82, "Positive Session Response"}, {0x83, "Negative Session Response"},
-    {0x84, "Retarget Session Response"}, {0x85, "Session Keep-Alive"},
-});
+// The name of a message of the session service other than data; null for data.
+const char* SessionControlName(const uint8_t* data) {
+  constexpr uint8_t kFirst = 0x81, kLast = 0x85;
+  constexpr uint32_t kTooLong = 0x20000;
+  return data[0] >= kFirst && data[0] <= kLast && ReadU24(data + 1) < kTooLong ? NetBiosSessionTypeName(data[0]) : nullptr;
+}
 
 }  // namespace
 
@@ -76,7 +83,7 @@ int32_t DescribeSmb(const uint8_t* data, int32_t length, char* out, int32_t outS
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Cursor c = MakeCursor(data, 0, length);
   if (directTcp && length >= kSessionHeader) {
-    if (const char* session = LookupName(kSessionNames, data[0], nullptr); session && ReadU24(data + 1) < 0x20000) {
+    if (const char* session = SessionControlName(data)) {
       Add(text, "SMB/CIFS %s", session);
       return 1;
     }

@@ -123,8 +123,15 @@ struct LdapValue {
   const LdapGrammar* sequence = nullptr;
   const LdapGrammar* other = nullptr;
 };
+struct LdapOid {
+  template <size_t kSize>
+  constexpr LdapOid(const char (&dotted)[kSize])   // NOLINT: implicit by design
+      : text(dotted), length(static_cast<int32_t>(kSize) - 1) {}
+  const char* text;
+  int32_t length;
+};
 struct LdapExtension {
-  const char* oid;
+  LdapOid oid;
   const char* name;
   LdapValue request;    // of controls both ways
   LdapValue response;

@@ -246,12 +246,9 @@ constexpr LdapExtension kControlsTable[] = {
 
 template <size_t kRows>
 const LdapExtension* Find(const LdapExtension (&rows)[kRows], const Cursor& oid) {
-  constexpr int32_t kShortest = 5, kLongest = 48;
-  if (Left(oid) < kShortest || Left(oid) > kLongest) return nullptr;
-  const char* text = reinterpret_cast<const char*>(oid.at);
-  const size_t count = static_cast<size_t>(Left(oid));
   for (const LdapExtension& row : rows) {
-    if (std::strncmp(row.oid, text, count) == 0 && row.oid[count] == 0) return &row;
+    if (row.oid.length == Left(oid) && std::memcmp(row.oid.text, oid.at, static_cast<size_t>(Left(oid))) == 0)
+      return &row;
   }
   return nullptr;
 }

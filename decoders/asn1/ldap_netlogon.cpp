@@ -30,11 +30,11 @@ struct Flag {
   const char* name;
 };
 constexpr Flag kFlags[] = {
-    {0, "Primary Domain Controller"}, {2, "Global Catalog"}, {3, "LDAP Server"}, {4, "Directory Service"},
-    {5, "Key Distribution Center"}, {6, "Time Server"}, {7, "In Client's Site"}, {8, "Writable"},
-    {9, "Good Time Server"}, {10, "Only Application Directory"}, {11, "Read Only With Selected Secrets"},
-    {12, "Full Secrets"}, {13, "Web Services"}, {14, "2012 Or Later"}, {15, "2012 R2 Or Later"},
-    {16, "2016 Or Later"}, {29, "DNS Host Name"}, {30, "DNS Domain Name"}, {31, "DNS Forest Name"}};
+    {31, "DNS Forest Name"}, {30, "DNS Domain Name"}, {29, "DNS Host Name"}, {16, "2016 Or Later"},
+    {15, "2012 R2 Or Later"}, {14, "2012 Or Later"}, {13, "Web Services"}, {12, "Full Secrets"},
+    {11, "Read Only With Selected Secrets"}, {10, "Only Application Directory"}, {9, "Good Time Server"},
+    {8, "Writable"}, {7, "In Client's Site"}, {6, "Time Server"}, {5, "Key Distribution Center"},
+    {4, "Directory Service"}, {3, "LDAP Server"}, {2, "Global Catalog"}, {0, "Primary Domain Controller"}};
 
 // The name at the cursor, which then stands behind it. False when it does not end as names do.
 bool TakeName(const Cursor& value, Cursor& c, char* out, int32_t size) {

@@ -4,21 +4,13 @@
 #include <cstring>
 
 #include "core/decoder.h"
+#include "decoders/net/connection_key.h"
 
 namespace qxview {
 namespace {
 
 constexpr int32_t kSets = 4096, kWays = 4;
 constexpr int32_t kHighestExponent = 14;   // RFC 7323 section 2.3: more is taken as this
-
-// Both ends of a connection, the lower one first, so that both directions find it.
-struct ConnectionKey {
-  uint8_t addresses[2][16];
-  uint16_t ports[2];
-  uint8_t kinds[2];
-  uint8_t unused[2];
-};
-static_assert(sizeof(ConnectionKey) == 40, "compared and hashed as bytes");
 
 struct Direction {
   uint32_t synSequence;
@@ -38,32 +30,8 @@ struct WindowScales {
   Connection connections[kSets][kWays];
 };
 
-void PutEnd(ConnectionKey& key, int32_t end, const AddressSlot& address, uint16_t port) {
-  std::memcpy(key.addresses[end], address.address, sizeof address.address);
-  key.ports[end] = port;
-  key.kinds[end] = static_cast<uint8_t>(address.kind);
-}
-
-// The key of the current packet's connection; `direction` is the side that the packet came from.
-ConnectionKey KeyOf(const PacketState& packet, int32_t* direction) {
-  const int32_t order = std::memcmp(packet.source.address, packet.destination.address, 16);
-  const bool sourceFirst = order < 0 || (order == 0 && packet.sourcePort <= packet.destinationPort);
-  *direction = sourceFirst ? 0 : 1;
-  ConnectionKey key{};
-  PutEnd(key, *direction, packet.source, packet.sourcePort);
-  PutEnd(key, 1 - *direction, packet.destination, packet.destinationPort);
-  return key;
-}
-
 Connection* SetOf(WindowScales* scales, const ConnectionKey& key) {
-  uint64_t mixed = 0;
-  uint64_t words[sizeof key / 8];
-  std::memcpy(words, &key, sizeof key);
-  for (const uint64_t word : words) {
-    mixed = (mixed ^ word) * 0x9E3779B97F4A7C15u;
-    mixed ^= mixed >> 32;
-  }
-  return scales->connections[mixed % kSets];
+  return scales->connections[HashKey(&key, sizeof key) % kSets];
 }
 
 Connection* FindConnection(WindowScales* scales, const ConnectionKey& key) {
@@ -107,7 +75,7 @@ void RecordSynSegment(const Place& at, uint32_t sequence, bool acknowledges, int
   auto* scales = StateOf<WindowScales>(at.view->engine, DecoderState::kWindowScales);
   if (!scales) return;
   int32_t from;
-  const ConnectionKey key = KeyOf(PacketOf(at), &from);
+  const ConnectionKey key = ConnectionOf(PacketOf(at), &from);
   Connection* connection = FindConnection(scales, key);
   if (!connection) connection = AddConnection(scales, key);
   MarkUsed(scales, connection);
@@ -124,7 +92,7 @@ int32_t FindWindowScale(const Place& at) {
   auto* scales = StateOf<WindowScales>(at.view->engine, DecoderState::kWindowScales);
   if (!scales) return kNoWindowScale;
   int32_t from;
-  const ConnectionKey key = KeyOf(PacketOf(at), &from);
+  const ConnectionKey key = ConnectionOf(PacketOf(at), &from);
   Connection* connection = FindConnection(scales, key);
   if (!connection) return kNoWindowScale;
   MarkUsed(scales, connection);

@@ -140,58 +140,64 @@ NextBlock TakeAndX(const Place& in, Cursor& words) {
 }
 
 // One block of a command, known or not. The cursor ends behind its bytes.
-int32_t DecodeBlock(const SmbMessage& message, const Place& under, Cursor& c, uint32_t code, NextBlock& next) {
-  const SmbCommand* command = FindSmbCommand(code);
-  const LineHandle line = AddLine(under, Ahead(c, 0), "SMB - %s", SmbCommandName(code));
-  SmbBlock block{&message, command, Under(under, line), line, 0, {}, 0, {}};
-  const int32_t start = c.offset;
+int32_t DecodeBlock(const Place& under, Cursor& c, uint32_t code, SmbBlock& block, NextBlock& next) {
+  const SmbMessage& message = *block.message;
+  const SmbCommand* command = block.command = FindSmbCommand(code);
+  block.line = AddLine(under, Ahead(c, 0), "SMB - %s", SmbCommandName(code));
+  block.in = Under(under, block.line);
 
   const Field wordCount = TakeU8(c);
   AddLine(block.in, wordCount, "Word Count: %u", wordCount.value);
   block.wordCount = wordCount.value;
-  int32_t status = kSmbTruncated;
-  if (static_cast<int64_t>(wordCount.value) * 2 <= Left(c)) {
-    status = kSmbDecoded;
-    block.words = TakeCursor(c, static_cast<int64_t>(wordCount.value) * 2);
-    const bool hasAndX = command && command->isAndX && wordCount.value >= 2;
-    if (hasAndX) next = TakeAndX(block.in, block.words);
-    const bool broken = command && command->isAndX && wordCount.value == 1;
-    const SmbPart words = !command || broken ? nullptr : message.isResponse ? command->responseWords : command->requestWords;
-    if (words) words(block);
-    AddBlock(block.in, Rest(block.words), "Word Data");
+  if (static_cast<int64_t>(wordCount.value) * 2 > Left(c)) return kSmbTruncated;
+  block.words = TakeCursor(c, static_cast<int64_t>(wordCount.value) * 2);
+  block.allWords = Ahead(block.words, block.words.left);
+  const bool isAndX = command && command->isAndX;
+  if (isAndX && wordCount.value >= 2) next = TakeAndX(block.in, block.words);
+  const bool hasWords = command && !(isAndX && wordCount.value < 2);
+  const SmbPart words = !hasWords ? nullptr : message.isResponse ? command->responseWords : command->requestWords;
+  if (words) words(block);
+  block.words.ranShort = false;   // what no field had room for is here all the same
+  AddBlock(block.in, Rest(block.words), "Word Data");
 
-    const Field byteCount = TakeLittleU16(c);
-    AddLine(block.in, byteCount, "Byte Count: %u ", byteCount.value);
-    block.byteCount = byteCount.value;
-    block.data = TakeCursor(c, byteCount.value);
-    const SmbPart data = !command ? nullptr : message.isResponse ? command->responseData : command->requestData;
-    if (data) data(block);
-    AddBlock(block.in, Rest(block.data), "Byte Data");
-  }
-  SetRange(under, line, start, c.offset - start);
-  return status;
+  const Field byteCount = TakeLittleU16(c);
+  AddLine(block.in, byteCount, "Byte Count: %u ", byteCount.value);
+  block.byteCount = byteCount.value;
+  block.data = TakeCursor(c, byteCount.value);
+  const SmbPart data = !command ? nullptr : message.isResponse ? command->responseData : command->requestData;
+  if (data) data(block);
+  block.data.ranShort = false;
+  AddBlock(block.in, Rest(block.data), "Byte Data");
+  if (block.data.offset > c.offset) TakeBytes(c, block.data.offset - c.offset);
+  return kSmbDecoded;
 }
 
 // The blocks of a chain, each at an offset beyond the one before it. Blocks may overlap; a chain that would read its
 // message more than twice over ends.
 int32_t DecodeBlocks(const SmbMessage& message, const Place& under, Cursor c) {
   uint32_t code = message.command;
-  int32_t room = 2 * (message.whole.left < 0x20000000 ? message.whole.left : 0x20000000);
+  int64_t room = 2 * static_cast<int64_t>(message.whole.left);
   for (;;) {
     NextBlock next;
-    const int32_t offset = SmbOffset(message, c), begin = c.offset;
-    const int32_t status = DecodeBlock(message, under, c, code, next);
+    SmbBlock block{&message, nullptr, under, 0, 0, {}, 0, {}, {}};
+    const int32_t begin = c.offset;
+    const uint32_t start = static_cast<uint32_t>(SmbOffset(message, c));
+    const int32_t status = DecodeBlock(under, c, code, block, next);
+    SetRange(under, block.line, begin, c.offset - begin);
     if (status != kSmbDecoded) return status;
+    const bool goesOn = next.command != kNoCommand && next.offset > start && room > 0 &&
+                        next.offset < static_cast<uint32_t>(message.whole.left) && !PacketOf(under).limitReached;
+    if (goesOn) {
+      AddSmbPadTo(message, block.in, c, next.offset);
+    } else {
+      AddBlock(block.in, Rest(c), "Buffer");
+    }
+    SetRange(under, block.line, begin, c.offset - begin);
     room -= c.offset - begin;
-    const int32_t advance = static_cast<int32_t>(next.offset) - offset;
-    const bool goesOn = next.command != kNoCommand && advance > 0 && room > 0 &&
-                        static_cast<int32_t>(next.offset) < message.whole.left && !PacketOf(under).limitReached;
-    if (!goesOn) break;
+    if (!goesOn) return kSmbDecoded;
     code = next.command;
     c = SmbCursor(message, next.offset, UINT32_MAX);
   }
-  AddBlock(under, Rest(c), "Buffer");
-  return kSmbDecoded;
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 namespace qxview {
 namespace {
 
+constexpr int32_t kSmbShownBytes = 64;   // in one line; more is a dump
+
 const char* NameOf(const SmbNames& names, uint32_t value) {
   return names.rows ? LookupName(names.rows, value, names.count, kUndefined) : kUndefined;
 }
@@ -105,6 +107,14 @@ Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const S
       AddFlags(in, field, row);
       return field;
     }
+    case kSmbSigned16:
+    case kSmbSigned32: {
+      const Field field = TakeNumber(c, row.form == kSmbSigned16 ? 2 : 4);
+      const int32_t wide = static_cast<int32_t>(field.value);
+      const int32_t value = row.form == kSmbSigned16 ? static_cast<int16_t>(wide) : wide;
+      AddLine(in, field, "%s: %d", row.label, value);
+      return field;
+    }
     case kSmbTime32: {
       const Field field = TakeLittleU32(c);
       AddLine(in, field, "%s: %s", row.label, SmbUnixTime(field.value));
@@ -119,6 +129,7 @@ Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const S
     case kSmbDosDateTime: return AddTimeDate(in, c, row);
     case kSmbBytes: {
       const Field field = TakeBytes(c, row.size);
+      if (row.size < 1) return field;
       AddLine(in, field, "%s: %s", row.label, HexText(field));
       return field;
     }
@@ -145,6 +156,25 @@ void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t al
   const int32_t wanted = alignment - beyond;
   const Field pad = TakeBytes(c, wanted < Left(c) ? wanted : Left(c));
   AddLine(in, pad, "%s: %s", label, HexText(pad));
+}
+
+void AddSmbPadTo(const SmbMessage& message, const Place& in, Cursor& c, uint32_t offset, const char* label) {
+  const int64_t ahead = static_cast<int64_t>(offset) - SmbOffset(message, c);
+  if (ahead < 1 || ahead > Left(c)) return;
+  AddSmbBytes(in, c, ahead, label);
+}
+
+void AddSmbBytes(const Place& in, Cursor& c, int64_t length, const char* label) {
+  const Field bytes = TakeBytes(c, length < Left(c) ? length : Left(c));
+  if (bytes.length > kSmbShownBytes) {
+    AddBlock(in, bytes, label);
+  } else if (bytes.length > 0) {
+    AddLine(in, bytes, "%s: %s", label, HexText(bytes));
+  }
+}
+
+uint32_t SmbByte(const SmbBlock& block, int32_t offset) {
+  return block.allWords.here && offset < block.allWords.length ? block.allWords.bytes[offset] : 0;
 }
 
 }  // namespace qxview

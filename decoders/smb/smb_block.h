@@ -8,6 +8,7 @@
 #include <span>
 
 #include "decoders/smb/smb.h"
+#include "decoders/smb/smb_names.h"
 
 namespace qxview {
 
@@ -33,7 +34,18 @@ struct SmbBlock {
   Cursor words;          // of AndX commands behind the AndX group
   uint32_t byteCount;    // as stated
   Cursor data;           // empty until the words are done
+  Field allWords;        // the words from the first on, for what stands in the data bytes
 };
+
+// The words of a block by number, the first is 0 (of AndX commands the first of the AndX group); 0 for one that is not
+// there. SmbLong is two of them. Offsets of odd fields are SmbByte's.
+uint32_t SmbByte(const SmbBlock& block, int32_t offset);
+inline uint32_t SmbWord(const SmbBlock& block, int32_t number) {
+  return SmbByte(block, 2 * number) | SmbByte(block, 2 * number + 1) << 8;
+}
+inline uint32_t SmbLong(const SmbBlock& block, int32_t number) {
+  return SmbWord(block, number) | SmbWord(block, number + 1) << 16;
+}
 
 using SmbPart = void (*)(SmbBlock& block);
 
@@ -57,14 +69,6 @@ inline int32_t SmbOffset(const SmbMessage& message, const Cursor& c) { return c.
 
 // --- fields ---
 
-struct SmbNames {
-  const NameTableEntry* rows = nullptr;
-  int32_t count = 0;
-  constexpr SmbNames() = default;
-  template <size_t kRows>
-  constexpr SmbNames(const NameTable<kRows>& table) : rows(table.rows), count(kRows) {}   // NOLINT: implicit by design
-};
-
 enum SmbForm : uint8_t {
   kSmbNumber8, kSmbNumber16, kSmbNumber32, kSmbNumber64,   // "Label: 5"
   kSmbHex8, kSmbHex16, kSmbHex32, kSmbHex64,               // "Label: 0x0005"
@@ -78,6 +82,7 @@ enum SmbForm : uint8_t {
   kSmbOemText,         // one byte a character whatever the message says
   kSmbFormattedText,   // a buffer format byte, then text
   kSmbFormattedOem,
+  kSmbSigned16, kSmbSigned32,   // "Label: -5"
 };
 
 struct SmbField {
@@ -91,6 +96,8 @@ struct SmbField {
 uint32_t AddSmbFields(SmbBlock& block, Cursor& c, std::span<const SmbField> fields);
 uint32_t AddSmbFields(const SmbMessage& message, const Place& in, Cursor& c, std::span<const SmbField> fields);
 Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const SmbField& field);
+// Up to `length` bytes as they are: "Label: 00 01", or a dump when they are too many for a line. Nothing for none.
+void AddSmbBytes(const Place& in, Cursor& c, int64_t length, const char* label);
 
 // Parts that are one table.
 template <const auto& kFields>
@@ -100,7 +107,8 @@ void SmbData(SmbBlock& block) { AddSmbFields(block, block.data, kFields); }
 
 // --- texts ---
 
-enum class SmbCharacters { kMessage, kOem, kUnicode };   // as flags 2 say, one byte each, two bytes each
+// As flags 2 say, one byte each, two bytes each, as flags 2 say but wherever the text starts.
+enum class SmbCharacters { kMessage, kOem, kUnicode, kUnaligned };
 
 constexpr int32_t kSmbTextSize = 260;
 struct SmbString {
@@ -117,18 +125,15 @@ LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, c
 LineHandle AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
                          SmbCharacters characters = SmbCharacters::kMessage);
 void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t alignment, const char* label = "Pad");
+// The padding in front of what stands at an offset from the header's first byte; nothing for one that is behind the
+// cursor or past its end.
+void AddSmbPadTo(const SmbMessage& message, const Place& in, Cursor& c, uint32_t offset, const char* label = "Pad");
 
 // Times as texts, UTC: "2026-01-02 03:04:05". "Not set" for 0 and all ones.
 using SmbTime = ShortText<40>;
 SmbTime SmbUnixTime(uint32_t seconds);
 SmbTime SmbFileTimeText(uint64_t ticks);
 SmbTime SmbDosTimeText(uint32_t date, uint32_t time);
-
-// --- names that several commands share (smb_names.cpp) ---
-
-extern const SmbNames kSmbAttributeBits;       // 16 and 32 bits of file attributes
-extern const SmbNames kSmbAccessMaskBits;      // of NT opens
-extern const SmbNames kSmbBufferFormatNames;
 
 const char* SmbNtStatusName(uint32_t status);                        // "Undefined" for one that has none
 const char* SmbDosClassName(uint32_t errorClass);

@@ -16,11 +16,12 @@ constexpr auto kDosNames = SortedNames({
     {12, "ERRbadaccess"}, {13, "ERRbaddata"}, {15, "ERRbaddrive"}, {16, "ERRremcd"}, {17, "ERRdiffdevice"},
     {18, "ERRnofiles"}, {31, "ERRgeneral"}, {32, "ERRbadshare"}, {33, "ERRlock"}, {38, "ERReof"}, {50, "ERRunsup"},
     {64, "ERRnetnamedeleted"}, {67, "ERRnosuchshare"}, {80, "ERRfilexists"}, {87, "ERRinvalidparam"},
-    {110, "ERRcannotopen"}, {111, "ERRbufferoverflow"}, {112, "ERRdiskfull"}, {122, "ERRinsufficientbuffer"},
-    {123, "ERRinvalidname"}, {124, "ERRunknownlevel"}, {145, "ERRdirnotempty"}, {158, "ERRnotlocked"},
-    {183, "ERRalreadyexists"}, {230, "ERRbadpipe"}, {231, "ERRpipebusy"}, {232, "ERRpipeclosing"},
-    {233, "ERRnotconnected"}, {234, "ERRmoredata"}, {255, "ERRbadealist"}, {275, "ERReasunsupported"},
-    {282, "ERRunsupportedEAs"}, {1022, "ERRnotifyenumdir"}, {2401, "ERRopenfiles"}});
+    {110, "ERRcannotopen"}, {111, "ERRbufferoverflow"}, {112, "ERRdiskfull"},
+    {113, "ERROR_NO_MORE_SEARCH_HANDLES"}, {122, "ERRinsufficientbuffer"}, {123, "ERRinvalidname"},
+    {124, "ERRunknownlevel"}, {131, "ERRinvalidseek"}, {145, "ERRdirnotempty"}, {158, "ERRnotlocked"},
+    {173, "ERROR_CANCEL_VIOLATION"}, {174, "ERROR_ATOMIC_LOCKS_NOT_SUPPORTED"}, {183, "ERRalreadyexists"}, {230, "ERRbadpipe"}, {231, "ERRpipebusy"}, {232, "ERRpipeclosing"},
+    {233, "ERRnotconnected"}, {234, "ERRmoredata"}, {255, "ERRbadealist"}, {266, "ERROR_CANNOT_COPY"},
+    {275, "ERROR_EAS_DIDNT_FIT"}, {282, "ERROR_EAS_NOT_SUPPORTED"}, {994, "ERROR_EA_ACCESS_DENIED"}, {1022, "ERRnotifyenumdir"}, {2401, "ERRopenfiles"}});
 
 constexpr auto kServerNames = SortedNames({
     {0, "SUCCESS"}, {1, "ERRerror"}, {2, "ERRbadpw"}, {3, "ERRbadpath"}, {4, "ERRaccess"}, {5, "ERRinvtid"},
@@ -29,7 +30,7 @@ constexpr auto kServerNames = SortedNames({
     {65, "ERRsrverror"}, {66, "ERRbadBID"}, {67, "ERRfilespecs"}, {68, "ERRbadLink"}, {69, "ERRbadpermits"},
     {70, "ERRbadPID"}, {71, "ERRsetattrmode"}, {81, "ERRpaused"}, {82, "ERRmsgoff"}, {83, "ERRnoroom"},
     {87, "ERRrmuns"}, {88, "ERRtimeout"}, {89, "ERRnoresource"}, {90, "ERRtoomanyuids"}, {91, "ERRbaduid"},
-    {250, "ERRusempx"}, {251, "ERRusestd"}, {252, "ERRcontmpx"}, {2239, "ERRaccountExpired"}, {2240, "ERRbadClient"},
+    {233, "ERRnotconnected"}, {250, "ERRusempx"}, {251, "ERRusestd"}, {252, "ERRcontmpx"}, {2239, "ERRaccountExpired"}, {2240, "ERRbadClient"},
     {2241, "ERRbadLogonTime"}, {2242, "ERRpasswordExpired"}, {0xFFFF, "ERRnosupport"}});
 
 constexpr auto kHardwareNames = SortedNames({

@@ -6,8 +6,9 @@ namespace {
 
 // What Windows-1252 has at 0x80 to 0x9F; 0 where it has nothing.
 constexpr uint16_t kHighCharacters[32] = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0, 0x017D, 0,
-    0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0, 0x017E, 0x0178,
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,
+    0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A,
+    0x0153, 0,      0x017E, 0x0178,
 };
 
 char CharacterOf(uint32_t unit) {
@@ -40,8 +41,8 @@ void PutText(SmbString& out, int32_t width) {
 }
 
 int32_t WidthOf(const SmbMessage& message, SmbCharacters characters) {
-  if (characters == SmbCharacters::kMessage) return message.isUnicode ? 2 : 1;
-  return characters == SmbCharacters::kUnicode ? 2 : 1;
+  if (characters == SmbCharacters::kOem) return 1;
+  return characters == SmbCharacters::kUnicode || message.isUnicode ? 2 : 1;
 }
 
 LineHandle AddText(const Place& in, const char* label, const SmbString& string) {
@@ -80,7 +81,8 @@ constexpr SmbTime kNotSet{"Not set"};
 
 SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters characters) {
   const int32_t width = WidthOf(message, characters);
-  if (width == 2 && SmbOffset(message, c) % 2 != 0 && Left(c) > 0) TakeU8(c);
+  const bool aligned = width == 2 && characters != SmbCharacters::kUnaligned;
+  if (aligned && SmbOffset(message, c) % 2 != 0 && Left(c) > 0) TakeU8(c);
   SmbString out;
   out.field = TakeBytes(c, LengthOfText(c.at, Left(c), width));
   PutText(out, width);
@@ -90,7 +92,7 @@ SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters char
 LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
                         SmbCharacters characters) {
   if (Left(c) < 1) return 0;
-  if (WidthOf(message, characters) == 2) AddSmbPad(message, in, c, 2);
+  if (WidthOf(message, characters) == 2 && characters != SmbCharacters::kUnaligned) AddSmbPad(message, in, c, 2);
   return AddText(in, label, TakeSmbString(message, c, characters));
 }
 
@@ -110,7 +112,8 @@ SmbTime SmbFileTimeText(uint64_t ticks) {
   constexpr uint64_t kTicksASecond = 10000000;
   if (ticks == 0 || ticks >= uint64_t{1} << 63) return kNotSet;
   SmbTime out = TextOfSeconds(static_cast<int64_t>(ticks / kTicksASecond) - kSecondsTo1970);
-  if (ticks % kTicksASecond) AppendFormat(out.text, sizeof out.text, ".%.07u", static_cast<uint32_t>(ticks % kTicksASecond));
+  const uint32_t fraction = static_cast<uint32_t>(ticks % kTicksASecond);
+  if (fraction) AppendFormat(out.text, sizeof out.text, ".%.07u", fraction);
   return out;
 }
 

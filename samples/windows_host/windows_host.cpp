@@ -56,8 +56,9 @@ void* DefinitionTable(void*, int32_t which) {
 
 int32_t HashFind(void*, void*, uint16_t port, int32_t* identifier) {
   for (const PortRow& row : kPorts) {
-    if (row.port == port) *identifier = row.identifier;
-    if (row.port == port) return 1;
+    if (row.port != port) continue;
+    *identifier = row.identifier;
+    return 1;
   }
   return 0;
 }

@@ -49,7 +49,7 @@ struct TestHost {
 // A view over a tree with an engine of its own. The engine reads its settings when the first frame is decoded.
 class TestView {
  public:
-  explicit TestView(TestHost* host = nullptr, TreeKind kind = DefaultTreeKind());
+  explicit TestView(TestHost* host = nullptr, TreeKind kind = TreeKind::kArena);
   ~TestView();
   View& view();
   DecodeTree& tree() { return *tree_; }

@@ -40,7 +40,7 @@ struct Job {
 };
 
 // How much of painted memory was written, from its upper end down.
-size_t Unpainted(const volatile uint8_t* low, size_t size) {
+[[maybe_unused]] size_t Unpainted(const volatile uint8_t* low, size_t size) {
   size_t untouched = 0;
   while (untouched < size && low[untouched] == kPaint) ++untouched;
   return size - untouched;

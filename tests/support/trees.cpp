@@ -1,7 +1,6 @@
 #include "tests/support/trees.h"
 
 #include <cstdlib>
-#include <cstring>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -55,11 +54,6 @@ TestTree::~TestTree() = default;
 
 std::string TreeName(const ::testing::TestParamInfo<TreeKind>& kind) {
   return kind.param == TreeKind::kArena ? "Arena" : "Control";
-}
-
-TreeKind DefaultTreeKind() {
-  const char* named = std::getenv("QXVIEW_TEST_TREE");
-  return named && std::strcmp(named, "control") == 0 ? TreeKinds().back() : TreeKind::kArena;
 }
 
 std::string TestTree::Text(LineHandle line) const {

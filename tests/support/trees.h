@@ -16,9 +16,6 @@ enum class TreeKind { kArena, kControl };
 std::vector<TreeKind> TreeKinds();
 std::string TreeName(const ::testing::TestParamInfo<TreeKind>& kind);
 
-// Tests that name no kind run over the arena, or over the control when QXVIEW_TEST_TREE is "control".
-TreeKind DefaultTreeKind();
-
 class TestTree {
  public:
   explicit TestTree(TreeKind kind);

@@ -207,6 +207,32 @@ TEST(Settings, NameUserDecoderLibraries) {
   EXPECT_EQ(file.Read(), "LAMP: Lamp Control Message\r\n    Version: 1\r\n    Lamp: 7\r\n    Brightness: 50 %\r\n");
 }
 
+TEST(Windows, ShowTheLinesOfTheirView) {
+  const Library library;
+  Registry registry;
+  View view(library);
+  EXPECT_EQ(FIND(library, CorrectView)(view.Get()), 0);
+  EXPECT_EQ(FIND(library, SetFocusOnDecodeList)(view.Get()), 0);
+  view.Decode(kDatagram);
+  const std::string lines = view.Text();
+  const HWND parent = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
+  ASSERT_TRUE(FIND(library, CreateViewWindow)(view.Get(), parent, 0, 0, 0, 0));
+  EXPECT_EQ(view.Text(), "");
+  view.Decode(kDatagram);
+  EXPECT_EQ(view.Text(), std::string(lines).replace(7, 1, "2")) << "the second packet";
+  const uintptr_t top = FIND(library, QxView_FirstLine)(view.Get());
+  EXPECT_EQ(FIND(library, QxView_LineImage)(view.Get(), top), 9);
+  EXPECT_EQ(FIND(library, QxView_LineImage)(view.Get(), 1000), -1);
+  EXPECT_EQ(FIND(library, QxView_LineRange)(view.Get(), 0, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(FIND(library, CorrectView)(view.Get()), 1);
+  EXPECT_EQ(FIND(library, SetFocusOnDecodeList)(view.Get()), 1);
+  FIND(library, ClearDecodeLists)(view.Get());
+  EXPECT_EQ(view.Text(), "");
+  DestroyWindow(parent);
+  view.Decode(kDatagram);
+  EXPECT_EQ(view.Text(), std::string(lines).replace(7, 1, "3")) << "back in memory";
+}
+
 TEST(Files, LinesAreWrittenToAHandle) {
   const Library library;
   Registry registry;
