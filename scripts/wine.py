@@ -39,6 +39,7 @@ class Session:
 
     def __init__(self):
         self.environment = {**os.environ, "WINEPREFIX": PREFIX, "WINEARCH": "win32", "WINEDEBUG": "-all",
+                            "LC_ALL": "C.UTF-8",   # which file names are read in, too
                             "WINEDLLOVERRIDES": "mscoree,mshtml,winemenubuilder.exe="}
         self.screen = self.lock = None
 

@@ -89,7 +89,7 @@ class RoundTrip(Folder):
         lines = run("decode", "--format", "json", self.out).stdout.splitlines()
         self.assertEqual([int(re.search(rb'"packet":(\d+)', line)[1]) for line in lines], [1, 2, 3, 4, 5])
         self.assertEqual([b'"captured":20,' in line for line in lines], [False] * 3 + [True] * 2)
-        again = os.path.join(self.folder, "again.bfr")
+        again = os.path.join(self.folder, "wieder Ж€.bfr")
         self.assertEqual(run("save", self.out, again).returncode, 0)
         self.assertEqual(run("decode", "--format", "json", again).stdout.splitlines(), lines)
 

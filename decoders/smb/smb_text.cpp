@@ -45,8 +45,8 @@ int32_t WidthOf(const SmbMessage& message, SmbCharacters characters) {
   return characters == SmbCharacters::kUnicode || message.isUnicode ? 2 : 1;
 }
 
-LineHandle AddText(const Place& in, const char* label, const SmbString& string) {
-  return AddLine(in, string.field, "%s: %s", label, string.text[0] ? string.text : "<null string>");
+void AddText(const Place& in, const char* label, const SmbString& string) {
+  AddLine(in, string.field, "%s: %s", label, string.text[0] ? string.text : "<null string>");
 }
 
 constexpr int64_t kSecondsTo1970 = 11644473600;   // from 1601
@@ -89,19 +89,26 @@ SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters char
   return out;
 }
 
-LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
-                        SmbCharacters characters) {
-  if (Left(c) < 1) return 0;
+SmbString AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
+                       SmbCharacters characters) {
+  if (Left(c) < 1) return {};
   if (WidthOf(message, characters) == 2 && characters != SmbCharacters::kUnaligned) AddSmbPad(message, in, c, 2);
-  return AddText(in, label, TakeSmbString(message, c, characters));
+  const SmbString string = TakeSmbString(message, c, characters);
+  AddText(in, label, string);
+  return string;
 }
 
-LineHandle AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
-                         SmbCharacters characters) {
+SmbString AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
+                        SmbCharacters characters) {
   SmbString out;
   out.field = TakeBytes(c, length < Left(c) ? length : Left(c));
   PutText(out, WidthOf(message, characters));
-  return AddText(in, label, out);
+  AddText(in, label, out);
+  return out;
+}
+
+void NameSmbEntry(const Place& in, const SmbString& name) {
+  if (name.text[0]) AppendToParent(in, name.field, ": %s", name.text);
 }
 
 SmbTime SmbUnixTime(uint32_t seconds) {
