@@ -19,12 +19,6 @@ namespace qxview::testing {
 namespace {
 
 constexpr uint8_t kPaint = 0xA7;
-#ifdef __SANITIZE_ADDRESS__   // whose marks over the frames of a thread stay when it has ended
-[[maybe_unused]] constexpr bool kMeasured = false;
-#else
-[[maybe_unused]] constexpr bool kMeasured = true;
-#endif
-
 size_t deepest = 0;
 
 struct Job {
@@ -91,7 +85,9 @@ void RunOnThread(Job* job) {
   ASSERT_EQ(pthread_create(&thread, &attributes, RunPlain, job), 0);
   pthread_join(thread, nullptr);
   pthread_attr_destroy(&attributes);
-  if (kMeasured) job->stackBytes = Unpainted(memory + kGuard, kSmallStack);
+#ifndef __SANITIZE_ADDRESS__   // whose marks over the frames of a thread stay when it has ended
+  job->stackBytes = Unpainted(memory + kGuard, kSmallStack);
+#endif
   munmap(memory, kGuard + kSmallStack);
 }
 #endif

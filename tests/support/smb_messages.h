@@ -39,18 +39,18 @@ inline Bytes Wide(const std::string& text) {
 }
 inline Bytes Oem(const std::string& text) { return Bytes(text.begin(), text.end()) + Bytes(1); }
 
-// The best of three decodes of the last message, on a thread with a small stack, in milliseconds.
+// The best of three decodes of the last message behind the others, on a small stack, in milliseconds.
 inline double TimeOnSmallStack(const std::vector<Bytes>& messages) {
   double best = 1e9;
   RunOnSmallStack([&] {
     TestView view;
     for (int i = 0; i < 3; ++i) {
+      double last = 0;
       for (const Bytes& message : messages) {
         ClearDecodeTree(&view.view(), &view.tree(), true);
-        const double start = ThreadMilliseconds();
-        view.Run(DecodeOneSmb, message);
-        if (&message == &messages.back()) best = std::min(best, ThreadMilliseconds() - start);
+        last = BestMilliseconds([&] { view.Run(DecodeOneSmb, message); }, 1);
       }
+      best = std::min(best, last);
     }
   });
   return best;
