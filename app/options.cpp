@@ -85,7 +85,7 @@ void AddReadingOptions(CLI::App* command, ReadingOptions* options) {
 }
 
 bool FinishReadingOptions(ReadingOptions* options) {
-  options->host.settingsFileNamed = !options->host.settingsFile.empty();
+  options->host.userSettings = FindUserSettings();
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;
   std::string message;
