@@ -24,9 +24,13 @@ std::string ResolveLink(const std::string& path) {
 }
 
 // A device or a pipe, which is written in place.
+HANDLE OpenDevice(const std::wstring& path) {
+  return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                     FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
 bool IsDevice(const std::wstring& path) {
-  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  const HANDLE file = OpenDevice(path);
   if (file == INVALID_HANDLE_VALUE) return false;
   const bool device = GetFileType(file) != FILE_TYPE_DISK;
   CloseHandle(file);
@@ -61,9 +65,7 @@ bool NewFile::Create(const std::string& path, std::string* message) {
   }
   direct_ = IsDevice(WidePathOf(path));
   path_ = there && !direct_ ? ResolveLink(path) : path;
-  const HANDLE file = direct_ ? CreateFileW(WidePathOf(path_).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                            nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)
-                              : CreateBeside(path_, &temporary_);
+  const HANDLE file = direct_ ? OpenDevice(WidePathOf(path_)) : CreateBeside(path_, &temporary_);
   if (file != INVALID_HANDLE_VALUE) {
     file_ = reinterpret_cast<intptr_t>(file);
     return true;
