@@ -16,7 +16,7 @@ class ListTime {
   int32_t Format(int64_t nanoseconds, int64_t first, int64_t before, char* out);
 
  private:
-  int64_t LocalOffset(int64_t seconds);
+  int64_t OffsetAt(int64_t seconds);
 
   TimeForm form_;
   int64_t offsetFrom_ = 0, offsetUntil_ = 0;   // the span of seconds that localOffset_ is good for

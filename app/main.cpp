@@ -1,10 +1,10 @@
 // The command line: qxview COMMAND [OPTIONS] FILE.
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 
 #include "app/commands.h"
+#include "platform/platform.h"
 #include "qxview/version.h"
 
 namespace qxview {
@@ -13,6 +13,7 @@ namespace {
 int Run(int argc, char** argv) {
   CLI::App app("Decodes captured packets layer by layer into a tree of lines, each tied to its bytes.", "qxview");
   app.set_version_flag("--version", "qxview " QXVIEW_VERSION_TEXT);
+  app.allow_windows_style_options(false);   // "/x" is a path there, too
   app.require_subcommand(1);
   app.failure_message(CLI::FailureMessage::simple);
   app.footer("Every command has --help with examples.");
@@ -46,11 +47,8 @@ int Run(int argc, char** argv) {
 }  // namespace qxview
 
 int main(int argc, char** argv) {
-#ifdef SIGPIPE
-  std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
-#endif
-#ifdef SIGXFSZ
-  std::signal(SIGXFSZ, SIG_IGN);   // a file at its size limit is a write that fails, with its message
-#endif
-  return qxview::Run(argc, argv);
+  std::vector<std::string> words = qxview::StartProgram(argc, argv);
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  return qxview::Run(static_cast<int>(pointers.size()), pointers.data());
 }

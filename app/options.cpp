@@ -84,7 +84,7 @@ void AddReadingOptions(CLI::App* command, ReadingOptions* options) {
 }
 
 bool FinishReadingOptions(ReadingOptions* options) {
-  options->host.settingsFileNamed = !options->host.settingsFile.empty();
+  options->host.userSettings = FindUserSettings();
   options->host.applicationDirectory = ExecutableDirectory();
   std::string message;
   if (options->packets.empty() || options->selection.Parse(options->packets, &message)) return true;

@@ -5,6 +5,7 @@
 
 #include "app/commands.h"
 #include "app/packet_run.h"
+#include "platform/platform.h"
 
 namespace qxview {
 namespace {
@@ -38,7 +39,7 @@ void AddProtocolsCommand(CLI::App* app, int* status) {
   command->add_option("--settings", options->settingsFile, "settings file instead of the user's own")->type_name("FILE");
   command->footer("Example:\n  qxview protocols");
   command->callback([options, status] {
-    options->settingsFileNamed = !options->settingsFile.empty();
+    options->userSettings = FindUserSettings();
     *status = ListProtocols(*options);
   });
 }

@@ -1,10 +1,9 @@
 #include <CLI/CLI.hpp>
-#include <ctime>
-#include <filesystem>
 
 #include "app/commands.h"
 #include "app/packet_run.h"
 #include "files/capture_buffer.h"
+#include "host/time_text.h"
 #include "platform/existing_file.h"
 #include "platform/new_file.h"
 #include "platform/platform.h"
@@ -36,9 +35,7 @@ class SaveTarget {
  public:
   SaveResult Open(const SaveOptions& options, std::string* why) {
     append_ = options.append;
-    std::error_code ignored;
-    const std::string input = options.reading.file == "-" ? "/dev/stdin" : options.reading.file;
-    if (append_ && std::filesystem::equivalent(input, options.out, ignored)) {
+    if (append_ && IsSameFile(options.reading.file, options.out)) {
       // Reading would follow the growing file for as long as the disk has room.
       return *why = "it is the file that is read", kCannotOpenForAppending;
     }
@@ -68,14 +65,16 @@ int Save(const SaveOptions& options) {
   SaveResult result = target.Open(options, &why);
   if (result != kSaved) return TellResult(options.out, result, why);
 
-  const std::time_t now = std::time(nullptr);
+  const int64_t now = CurrentTime();
+  char localTime[kAscTimeSize];
+  FormatAscTime(now + LocalOffset(now), localTime);
   SaveRequest request{};
   request.file = target.File();
   request.append = options.append;
   request.partial = options.partialBytes >= 0;
   request.partialBytes = static_cast<uint16_t>(options.partialBytes);
   request.name = options.name.c_str();
-  request.localTime = std::asctime(std::localtime(&now));
+  request.localTime = localTime;
   request.firstNumber = 1;
   CaptureBufferWriter writer;
   result = writer.Begin(request);

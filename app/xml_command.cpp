@@ -1,5 +1,4 @@
 #include <CLI/CLI.hpp>
-#include <ctime>
 
 #include "app/commands.h"
 #include "app/packet_run.h"
@@ -15,24 +14,6 @@ struct XmlOptions {
   ReadingOptions reading;
   std::string out;
 };
-
-// Days from 1970-01-01 to a date; years that start in March.
-int64_t DayOfDate(int64_t year, int64_t month, int64_t day) {
-  year -= month <= 2 ? 1 : 0;
-  const int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const int64_t yearOfEra = year - era * 400;
-  const int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
-// What this machine's zone adds to UTC then; 0 for times that it cannot tell.
-int64_t LocalOffset(int64_t utcSeconds) {
-  const std::time_t time = static_cast<std::time_t>(utcSeconds);
-  const std::tm* local = std::localtime(&time);
-  if (!local) return 0;
-  return DayOfDate(local->tm_year + 1900LL, local->tm_mon + 1, local->tm_mday) * 86400 + local->tm_hour * 3600 +
-         local->tm_min * 60 + local->tm_sec - utcSeconds;
-}
 
 // The aliases as the document takes them; the texts of addresses stand in `texts`.
 std::vector<XmlAlias> CollectAliases(const AliasTable& table, std::vector<std::string>* texts) {

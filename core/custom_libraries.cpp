@@ -103,7 +103,8 @@ int32_t Offer(const Place& at, void* const* handles, int32_t count, const char* 
   if (count == 0) return 0;
   DecodeContext* context = at.view->context;
   QxTree record = TreeRecord(at.view);
-  void* native = at.tree->NativeHandle();
+  // A control shows lines and knows nothing of files and finds: for these there is the record.
+  void* native = context->outputMode == kDisplayMode ? at.tree->NativeHandle() : nullptr;
   for (int32_t i = 0; i < count; ++i) {
     void* found = libraries.loader.find(handles[i], entryPoint);
     if (!found) continue;

@@ -1,10 +1,10 @@
 // The exports over capture buffer files: saves, their messages, and the dialogs that ask for files.
 #include <cstddef>
 #include <cstdio>
-#include <ctime>
 
 #include "core/context.h"
 #include "files/capture_buffer.h"
+#include "host/time_text.h"
 #include "platform/dialogs.h"
 #include "platform/platform.h"
 #include "qxview/qxview.h"
@@ -53,10 +53,11 @@ SaveResult Save(const QxHost* host, const QxSaveRecord* save, uint64_t count, Nu
     return kCaptureBusy;
   }
   if (count == 0 || state.packetCount == 0) return kNoPackets;
-  const std::time_t now = std::time(nullptr);
-  const std::tm* local = std::localtime(&now);
+  const int64_t now = CurrentTime();
+  char localTime[kAscTimeSize];
+  FormatAscTime(now + LocalOffset(now), localTime);
   CaptureBufferWriter writer;
-  SaveResult result = writer.Begin(RequestOf(host, save, local ? std::asctime(local) : ""));
+  SaveResult result = writer.Begin(RequestOf(host, save, localTime));
   for (uint64_t i = 0; i < count && result == kSaved; ++i) {
     const void* record = lend(host->user, numberOf(i));
     result = record ? writer.Add(static_cast<const FrameRecord*>(record)) : kCaptureBusy;

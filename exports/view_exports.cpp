@@ -5,6 +5,7 @@
 #include "host/session.h"
 #include "host/standalone_host.h"
 #include "platform/platform.h"
+#include "platform/view_window.h"
 #include "qxview/qxview.h"
 #include "qxview/version.h"
 
@@ -41,7 +42,8 @@ int32_t DecodeRecord(ExportedView* view, const FrameRecord* record, uint32_t use
   return handled;
 }
 
-bool IsLine(ExportedView* view, uintptr_t line) { return line >= 1 && line <= view->session->Tree().LineCount(); }
+// Where the lines are: in memory, or in the view's window.
+DecodeTree& TreeOf(void* view) { return *ViewOf(view)->session->GetView()->tree; }
 
 }  // namespace
 
@@ -58,6 +60,7 @@ void* QxView_CreateView(const QxHost* host) try {
     std::string message;
     bool fileFault;
     HostOptions options;
+    options.userSettings = FindUserSettings();
     options.applicationDirectory = ExecutableDirectory();
     view->ownHost = StandaloneHost::Create(options, &message, &fileFault);
     if (!view->ownHost) {
@@ -77,6 +80,7 @@ void* QxView_CreateView(const QxHost* host) try {
 void QxView_DestroyView(void* view) {
   if (!view) return;
   EndOutput(ViewOf(view));
+  CloseViewWindow(ViewOf(view)->session.get());
   delete ViewOf(view);
 }
 
@@ -120,35 +124,36 @@ int32_t QxView_DecodeBytes(void* view, int32_t mediaType, const uint8_t* data, i
   return DecodeRecord(exported, record, 0, 0, 0);
 }
 
-uintptr_t QxView_FirstLine(void* view) { return view ? ViewOf(view)->session->Tree().FirstChild(0) : 0; }
+uintptr_t QxView_FirstLine(void* view) { return view ? TreeOf(view).FirstChild(0) : 0; }
 
 uintptr_t QxView_NextLine(void* view, uintptr_t line) {
-  return view && line ? ViewOf(view)->session->Tree().NextSibling(line) : 0;
+  return view && line ? TreeOf(view).NextSibling(line) : 0;
 }
 
 uintptr_t QxView_FirstChild(void* view, uintptr_t line) {
-  return view && line ? ViewOf(view)->session->Tree().FirstChild(line) : 0;
+  return view && line ? TreeOf(view).FirstChild(line) : 0;
 }
 
 int32_t QxView_LineText(void* view, uintptr_t line, char* out, int32_t outSize) {
   if (!out || outSize < 1) return 0;
   out[0] = 0;
-  return view ? ViewOf(view)->session->Tree().GetText(line, out, outSize) : 0;
+  return view ? TreeOf(view).GetText(line, out, outSize) : 0;
 }
 
 int32_t QxView_LineRange(void* view, uintptr_t line, int32_t* offset, uint32_t* length, int32_t* kind) {
-  if (!view || !IsLine(ViewOf(view), line)) {
-    SplitByteRange(nullptr, kind, offset, length);
-    return 0;
+  const bool held = view && TreeOf(view).Holds(line);
+  const uint32_t index = held ? TreeOf(view).RangeIndex(line) : 0;
+  // A line that a user decoder library added may have any index.
+  const ByteRange* range = nullptr;
+  if (held && index < ViewOf(view)->session->Context().rangeCount) {
+    range = &ViewOf(view)->session->Context().rangeTable[index];
   }
-  Session& session = *ViewOf(view)->session;
-  const ByteRange range = session.Context().rangeTable[session.Tree().RangeIndex(line)];
-  SplitByteRange(&range, kind, offset, length);
-  return 1;
+  SplitByteRange(range, kind, offset, length);
+  return range != nullptr;
 }
 
 int32_t QxView_LineImage(void* view, uintptr_t line) {
-  return view && IsLine(ViewOf(view), line) ? ViewOf(view)->session->Tree().Image(line) : -1;
+  return view && TreeOf(view).Holds(line) ? TreeOf(view).Image(line) : -1;
 }
 
 int64_t GetCurrentPacketNumber(void* view) {
@@ -156,5 +161,15 @@ int64_t GetCurrentPacketNumber(void* view) {
 }
 
 void ClearDecodeLists(void* view) {
-  if (view) ClearDecodeTree(ViewOf(view)->session->GetView(), &ViewOf(view)->session->Tree(), true);
+  if (view) ClearDecodeTree(ViewOf(view)->session->GetView(), &TreeOf(view), true);
 }
+
+void* CreateViewWindow(void* view, void* parent, int32_t left, int32_t top, int32_t width, int32_t height) try {
+  return view ? OpenViewWindow(ViewOf(view)->session.get(), parent, {left, top, width, height}) : nullptr;
+} catch (...) {
+  return nullptr;
+}
+
+int32_t CorrectView(void* view) { return view && FitViewWindow(ViewOf(view)->session.get()) ? 1 : 0; }
+
+int32_t SetFocusOnDecodeList(void* view) { return view && FocusViewWindow(ViewOf(view)->session.get()) ? 1 : 0; }

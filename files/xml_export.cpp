@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/civil_date.h"
 #include "core/digits.h"
 
 namespace qxview {
@@ -14,24 +15,6 @@ constexpr int64_t kSecondsPerDay = 86400;
 constexpr int64_t kOffsetSpan = 900;
 
 int64_t DivideDown(int64_t value, int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
-
-struct Date {
-  int64_t year;
-  uint32_t month, day;   // month from 0
-};
-
-// The Gregorian date of a day counted from 1970-01-01, in years that start in March.
-Date DateOfDay(int64_t day) {
-  day += 719468;
-  const int64_t era = DivideDown(day, 146097);
-  const uint32_t dayOfEra = static_cast<uint32_t>(day - era * 146097);
-  const uint32_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const uint32_t shifted = (5 * dayOfYear + 2) / 153;
-  const uint32_t month = shifted < 10 ? shifted + 2 : shifted - 10;
-  return {static_cast<int64_t>(yearOfEra) + era * 400 + (month <= 1 ? 1 : 0), month,
-          dayOfYear - (153 * shifted + 2) / 5 + 1};
-}
 
 // In the order in which a frame's receive errors are told in its decode.
 const char* StatusName(uint32_t errors) {
@@ -156,11 +139,11 @@ void XmlExport::PutTime(int64_t nanoseconds) {
   const int64_t day = DivideDown(seconds, kSecondsPerDay);
   const uint32_t ofDay = static_cast<uint32_t>(seconds - day * kSecondsPerDay);
   const uint32_t fraction = static_cast<uint32_t>(micros - seconds * 1000000);
-  const Date date = DateOfDay(day);
+  const CivilDate date = DateOfDay(day);
   Put("Date=\"");
   Put({kDays + 3 * (day - 7 * DivideDown(day, 7)), 3});
   Put(" ");
-  Put({kMonths + 3 * date.month, 3});
+  Put({kMonths + 3 * (date.month - 1), 3});
   Put(" ");
   PutNumber(date.day);
   Put(" ");

@@ -1,9 +1,9 @@
 #include "host/alias_table.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "host/text.h"
+#include "host/text_file.h"
 
 namespace qxview {
 namespace {
@@ -103,8 +103,9 @@ AliasTable::Key AliasTable::MakeKey(AliasKind kind, const uint8_t* address) {
 }
 
 bool AliasTable::ReadFile(const std::string& path, std::string* message) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return *message = path + ": cannot open the alias file", false;
+  std::istringstream file;
+  std::string reason;
+  if (!ReadTextFile(path, &file, &reason)) return *message = path + ": the alias file: " + reason, false;
   std::string line;
   for (int number = 1; std::getline(file, line); ++number) {
     const size_t hash = line.find('#');

@@ -26,6 +26,13 @@ Session::~Session() {
   DestroyEngine(view_.engine);
 }
 
+void Session::ShowIn(DecodeTree* tree) {
+  view_.tree->Clear();
+  view_.tree = tree ? tree : &tree_;
+  view_.tree->Clear();
+  view_.context->rangeCount = 0;
+}
+
 void Session::SetOutput(char mode, OutputFile* file) {
   view_.context->outputMode = mode;
   view_.context->outputFile = file;
@@ -33,7 +40,7 @@ void Session::SetOutput(char mode, OutputFile* file) {
 }
 
 int32_t Session::Decode(const FrameRecord* record, uint32_t userParam1, uint32_t userParam2, int32_t skipBytes) {
-  if (view_.context->outputMode == kDisplayMode) ClearDecodeTree(&view_, &tree_, true);
+  if (view_.context->outputMode == kDisplayMode) ClearDecodeTree(&view_, view_.tree, true);
   return DecodeFrame(&view_, record, userParam1, userParam2, skipBytes);
 }
 

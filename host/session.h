@@ -19,6 +19,10 @@ class Session {
   DecodeContext& Context() { return *view_.context; }
   Engine* GetEngine() { return view_.engine; }
 
+  // Lines go into this tree from now on, into the own one again with null. Both start empty; the tree must stay good
+  // until it is taken away or the session ends.
+  void ShowIn(DecodeTree* tree);
+
   // Where the print and save modes write; null ends them and goes back to display.
   void SetOutput(char mode, OutputFile* file);
 

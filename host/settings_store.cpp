@@ -1,9 +1,8 @@
 #include "host/settings_store.h"
 
-#include <cstdlib>
-#include <fstream>
 
 #include "host/text.h"
+#include "host/text_file.h"
 
 namespace qxview {
 namespace {
@@ -69,7 +68,7 @@ bool SettingsStore::Check(const std::string& name, const std::string& value, con
 }
 
 void SettingsStore::Put(const std::string& name, const std::string& value) {
-  for (Value& held : values_) {
+  for (NamedValue& held : values_) {
     if (EqualsIgnoringCase(held.name, name)) {
       held.value = value;
       return;
@@ -79,12 +78,10 @@ void SettingsStore::Put(const std::string& name, const std::string& value) {
 }
 
 bool SettingsStore::ReadFile(const std::string& path, std::string* message) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    *message = path + ": cannot open the settings file";
-    return false;
-  }
-  std::vector<Value> values;
+  std::istringstream file;
+  std::string reason;
+  if (!ReadTextFile(path, &file, &reason)) return *message = path + ": the settings file: " + reason, false;
+  std::vector<NamedValue> values;
   std::vector<SettingsLine> protocols;
   std::string line, section;
   for (int number = 1; std::getline(file, line); ++number) {
@@ -110,9 +107,18 @@ bool SettingsStore::ReadFile(const std::string& path, std::string* message) {
     if (!Check(name, value, place, message)) return false;
     values.push_back({name, value});
   }
-  if (file.bad()) return *message = path + ": the settings file cannot be read", false;
-  for (const Value& value : values) Put(value.name, value.value);
+  for (const NamedValue& value : values) Put(value.name, value.value);
   protocolLines_.insert(protocolLines_.end(), protocols.begin(), protocols.end());
+  return true;
+}
+
+bool SettingsStore::Take(const UserSettings& settings, std::string* message) {
+  for (const NamedValue& value : settings.values) {
+    if (!FindKnown(value.name)) continue;
+    if (!Check(value.name, value.value, settings.place, message)) return false;
+    Put(value.name, value.value);
+  }
+  protocolLines_.insert(protocolLines_.end(), settings.protocols.begin(), settings.protocols.end());
   return true;
 }
 
@@ -129,18 +135,10 @@ bool SettingsStore::Set(const std::string& assignment, std::string* message) {
 }
 
 const std::string* SettingsStore::Find(const std::string& name) const {
-  for (const Value& held : values_) {
+  for (const NamedValue& held : values_) {
     if (EqualsIgnoringCase(held.name, name)) return &held.value;
   }
   return nullptr;
-}
-
-std::string DefaultSettingsPath() {
-  if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && config[0]) {
-    return std::string(config) + "/vantrell/view.ini";
-  }
-  if (const char* home = std::getenv("HOME"); home && home[0]) return std::string(home) + "/.config/vantrell/view.ini";
-  return {};
 }
 
 }  // namespace qxview

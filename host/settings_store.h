@@ -12,11 +12,27 @@ struct SettingsLine {
   std::string place;   // "FILE, line N"
 };
 
+struct NamedValue {
+  std::string name, value;
+};
+
+// Where the user's own settings are: in a file, which need not be there, or already read from a store of the platform's.
+struct UserSettings {
+  std::string file;
+  std::string place;                  // of the values, for messages
+  std::vector<NamedValue> values;
+  std::vector<SettingsLine> protocols;
+};
+
 class SettingsStore {
  public:
   // Reads a settings file; false with a message that names the file and the line. Nothing of a file that cannot be
   // read wholly is taken.
   bool ReadFile(const std::string& path, std::string* message);
+
+  // Takes values that the platform read; false with a message for one that is not of its kind. Names that are no
+  // settings are passed over: the analyzer keeps values of its own in that place.
+  bool Take(const UserSettings& settings, std::string* message);
 
   // One setting as "NAME=VALUE"; false with a message for an unknown name or a value that is not of its kind.
   bool Set(const std::string& assignment, std::string* message);
@@ -27,18 +43,11 @@ class SettingsStore {
   const std::vector<SettingsLine>& ProtocolLines() const { return protocolLines_; }
 
  private:
-  struct Value {
-    std::string name, value;
-  };
   bool Check(const std::string& name, const std::string& value, const std::string& place, std::string* message) const;
   void Put(const std::string& name, const std::string& value);
 
-  std::vector<Value> values_;
+  std::vector<NamedValue> values_;
   std::vector<SettingsLine> protocolLines_;
 };
-
-// The user's own settings file: $XDG_CONFIG_HOME/vantrell/view.ini, or .config/vantrell/view.ini under $HOME. Empty
-// when neither is set.
-std::string DefaultSettingsPath();
 
 }  // namespace qxview

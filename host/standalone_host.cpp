@@ -1,8 +1,8 @@
 #include "host/standalone_host.h"
 
 #include <cstring>
-#include <fstream>
 
+#include "files/byte_source.h"
 #include "host/session.h"
 
 namespace qxview {
@@ -51,6 +51,15 @@ void StandaloneHost::FillRecord() {
   LendDefinitions<&DefinitionsOf>(&record_);
 }
 
+bool StandaloneHost::ReadSettings(const HostOptions& options, std::string* message) {
+  if (!options.settingsFile.empty()) return settings_.ReadFile(options.settingsFile, message);
+  const UserSettings& own = options.userSettings;
+  std::string ignored;
+  const bool present = !own.file.empty() && OpenFileSource(own.file.c_str(), &ignored);
+  if (present) return settings_.ReadFile(own.file, message);
+  return settings_.Take(own, message);
+}
+
 bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, std::string* message,
                                     bool* fileFault) {
   *fileFault = true;
@@ -78,9 +87,7 @@ std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& option
                                                        bool* fileFault) {
   std::unique_ptr<StandaloneHost> host(new StandaloneHost);
   *fileFault = true;
-  const std::string path = options.settingsFileNamed ? options.settingsFile : DefaultSettingsPath();
-  const bool present = !path.empty() && std::ifstream(path).good();
-  if ((options.settingsFileNamed || present) && !host->settings_.ReadFile(path, message)) return nullptr;
+  if (!host->ReadSettings(options, message)) return nullptr;
   *fileFault = false;
   for (const std::string& assignment : options.settings) {
     if (!host->settings_.Set(assignment, message)) return nullptr;

@@ -15,8 +15,8 @@ namespace qxview {
 class Session;
 
 struct HostOptions {
-  std::string settingsFile;               // empty: the user's own, which need not be there
-  bool settingsFileNamed = false;         // naming one that is missing is an error
+  std::string settingsFile;               // instead of the user's own settings; one that is missing is an error
+  UserSettings userSettings;              // the user's own
   std::vector<std::string> settings;      // NAME=VALUE, over the file's
   std::vector<std::string> definitions;   // as --decode-as takes them, over the file's
   std::string applicationDirectory;
@@ -42,6 +42,7 @@ class StandaloneHost {
  private:
   StandaloneHost() = default;
   void FillRecord();
+  bool ReadSettings(const HostOptions& options, std::string* message);
   bool AddDefinitions(const std::vector<std::string>& overrides, std::string* message, bool* fileFault);
 
   QxHost record_{};

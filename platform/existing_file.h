@@ -4,6 +4,7 @@
 #include <string>
 
 #include "files/capture_buffer.h"
+#include "platform/platform.h"
 
 namespace qxview {
 
@@ -24,5 +25,16 @@ class ExistingFile {
   int64_t file_ = -1;
   int64_t lengthBefore_ = 0;
 };
+
+inline BufferFile ExistingFile::File() {
+  return {this,
+          [](void* handle, uint8_t* out, int32_t length) {
+            return ReadFileBytes(static_cast<ExistingFile*>(handle)->file_, out, length);
+          },
+          [](void* handle, const uint8_t* bytes, int32_t length) {
+            const OutputSink sink = FileSink(static_cast<ExistingFile*>(handle)->file_);
+            return sink.write(sink.handle, reinterpret_cast<const char*>(bytes), length);
+          }};
+}
 
 }  // namespace qxview

@@ -1,16 +1,33 @@
 // What the command line and the exports take from the platform.
 #pragma once
 #include <string>
+#include <vector>
 
 #include "core/engine.h"
 #include "core/output_file.h"
+#include "host/settings_store.h"
 
 namespace qxview {
+
+// What a command line program does first: a reader of its output that goes away ends it quietly, output is bytes as
+// they are. Gives the command line's words, on Windows in UTF-8, which all paths are held in there.
+std::vector<std::string> StartProgram(int argc, char** argv);
 
 LibraryLoader PlatformLibraryLoader();
 
 // The directory of the running executable; user decoder libraries are named relative to it.
 std::string ExecutableDirectory();
+
+// The user's own settings: a file, or on Windows what the registry holds.
+UserSettings FindUserSettings();
+
+// Whether both paths lead to one file that is there; "-" is standard input.
+bool IsSameFile(const std::string& a, const std::string& b);
+
+// Seconds since 1970-01-01T00:00:00Z, and what this machine's zone adds to UTC at such a time; 0 for times that it
+// cannot tell.
+int64_t CurrentTime();
+int64_t LocalOffset(int64_t utcSeconds);
 
 // A sink over an open file of the platform (a descriptor; on Windows a handle).
 OutputSink FileSink(int64_t file);

@@ -16,9 +16,13 @@ import subprocess
 import sys
 import time
 
+import wine
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 LOGS = os.path.join(ROOT, "build", "test-logs")
-STEP_SECONDS = 1500     # a step that takes longer hangs
+STEP_SECONDS = 1500     # a command that takes longer hangs
+WINE_SECONDS = 300      # the same for one under Wine
+WINDOWS_SCRIPTS = ["golden", "command_line", "list", "schema", "capture_files"]   # what drives the program alone
 SHOWN_LINES = 60        # of the log of a step that failed
 
 
@@ -28,8 +32,15 @@ class Result:
     def __init__(self, passed=0, failed=0, note=""):
         self.passed, self.failed, self.note = passed, failed, note
 
+    def add(self, other, name):
+        """Takes another one's cases in; which of them failed is noted."""
+        self.passed += other.passed
+        self.failed += other.failed
+        if other.failed:
+            self.note += f" {name}: {other.failed} failed{', ' + other.note if other.note else ''};"
 
-def run(command, log, **environment):
+
+def run(command, log, seconds=STEP_SECONDS, **environment):
     """Runs a command in the root folder with its output appended to the log; its exit status, negative for a signal."""
     log.write("$ " + " ".join(command) + "\n")
     log.flush()
@@ -40,11 +51,11 @@ def run(command, log, **environment):
         log.write(f"{error}\n")
         return 127
     try:
-        return process.wait(STEP_SECONDS)
+        return process.wait(seconds)
     except subprocess.TimeoutExpired:
         os.killpg(process.pid, signal.SIGKILL)
         process.wait()
-        log.write(f"stopped after {STEP_SECONDS} s\n")
+        log.write(f"stopped after {seconds} s\n")
         return -signal.SIGKILL
 
 
@@ -72,44 +83,43 @@ def count_cases(report, status):
     return result
 
 
-def run_cases(folder, log, log_name):
-    """The C++ tests of a build folder."""
-    report = os.path.join(LOGS, f"{folder}.json")
+def run_cases(program, log, log_name, seconds=STEP_SECONDS, **environment):
+    """The C++ tests of a program, named by its path from the root; a Windows program's run under Wine."""
+    report = os.path.join(LOGS, program.replace("/", "-") + ".json")
     if os.path.exists(report):
         os.remove(report)
-    status = run([os.path.join(ROOT, folder, "qxview_tests"), "--gtest_brief=0", f"--gtest_output=json:{report}"], log,
+    log.flush()
+    start = os.path.getsize(log_name)
+    under, drive = (["wine"], "Z:") if program.endswith(".exe") else ([], "")
+    status = run([*under, os.path.join(ROOT, program), f"--gtest_output=json:{drive}{report}"], log, seconds,
                  ASAN_OPTIONS="detect_stack_use_after_return=1:strict_string_checks=1",
-                 UBSAN_OPTIONS="print_stacktrace=1")
+                 UBSAN_OPTIONS="print_stacktrace=1", **environment)
     result = count_cases(report, status)
     if result:
         return result
     # It crashed: what had passed by then counts, and the rest is one failure.
     with open(log_name, encoding="utf-8", errors="replace") as file:
+        file.seek(start)
         passed = len(re.findall(r"^\[       OK \] ", file.read(), re.M))
     return Result(passed, 1, f"crashed or was stopped (status {status})")
 
 
 def step_native(log, log_name):
     """the optimised build and the C++ tests"""
-    return run_cases("build", log, log_name) if build("release", log) else Result(0, 1, "the build failed")
+    return run_cases("build/qxview_tests", log, log_name) if build("release", log) else Result(0, 1, "the build failed")
 
 
 def step_asan(log, log_name):
     """the same under AddressSanitizer and UndefinedBehaviorSanitizer, and the samples decoded there"""
     if not build("asan", log):
         return Result(0, 1, "the build failed")
-    result = run_cases("build-asan", log, log_name)
+    result = run_cases("build-asan/qxview_tests", log, log_name)
     for sample in sorted(glob.glob(os.path.join(ROOT, "samples", "*.pcap*"))):
         if run([os.path.join(ROOT, "build-asan", "qxview"), "decode", "--ranges", "-x", sample], log) == 0:
             result.passed += 1
         else:
             result.failed += 1
     return result
-
-
-def step_win32(log, _):
-    """the portable part of the tree, cross-built for 32-bit Windows"""
-    return Result(1, 0) if build("win32", log, "portable") else Result(0, 1, "the build failed")
 
 
 def step_layers(log, _):
@@ -137,23 +147,55 @@ def count_script(output, status):
     return result
 
 
+def run_script(script, log, log_name, seconds=STEP_SECONDS, **environment):
+    """A Python script, named by its path from the root with its arguments."""
+    log.flush()
+    start = os.path.getsize(log_name)
+    environment = {"QXVIEW": os.path.join(ROOT, "build", "qxview"), "PYTHONDONTWRITEBYTECODE": "1",
+                   "QXVIEW_LIBRARY": os.path.join(ROOT, "build", "libqxview.so"), **environment}
+    status = run([sys.executable, *script.split()], log, seconds, **environment)
+    with open(log_name, "rb") as file:
+        file.seek(start)
+        return count_script(file.read().decode("utf-8", "replace"), status)
+
+
 def step_scripts(log, log_name):
     """the Python tests in tests/, over the built program and library"""
     total = Result()
     for script in sorted(glob.glob(os.path.join(ROOT, "tests", "*.py"))):
-        if os.path.basename(script).startswith("_"):
-            continue
-        log.flush()
-        start = os.path.getsize(log_name)
-        status = run([sys.executable, script], log, QXVIEW=os.path.join(ROOT, "build", "qxview"),
-                     QXVIEW_LIBRARY=os.path.join(ROOT, "build", "libqxview.so"), PYTHONDONTWRITEBYTECODE="1")
-        with open(log_name, "rb") as file:
-            file.seek(start)
-            result = count_script(file.read().decode("utf-8", "replace"), status)
-        total.passed += result.passed
-        total.failed += result.failed
-        if result.failed:
-            total.note += f" {os.path.basename(script)}: {result.failed} failed;"
+        name = os.path.basename(script)
+        if not name.startswith("_"):
+            total.add(run_script("tests/" + name, log, log_name), name)
+    return total
+
+
+def run_windows_tests(total, log, log_name):
+    """What was built for Windows, under Wine: the C++ tests, the library's, the scripts that drive the program, and what
+    it gives beside this system's program."""
+    wrapper = os.path.join(wine.FOLDER, "qxview")
+    with open(wrapper, "w", encoding="utf-8") as file:
+        file.write(f'#!/bin/sh\nexec wine "{wrapper}.exe" "$@"\n')
+    os.chmod(wrapper, 0o755)
+    with wine.Session() as session:
+        for name in ("qxview_tests.exe", "qxview_library_tests.exe"):
+            total.add(run_cases("build-win32/" + name, log, log_name, WINE_SECONDS, **session.environment), name)
+        for name in WINDOWS_SCRIPTS:
+            total.add(run_script(f"tests/{name}_test.py", log, log_name, WINE_SECONDS, **{
+                **session.environment, "QXVIEW": wrapper, "QXVIEW_PLATFORM": "windows"}), name)
+    total.add(run_script("scripts/compare_windows.py", log, log_name, WINE_SECONDS), "compare_windows")
+
+
+def step_win32(log, log_name):
+    """the same for 32-bit Windows, cross-built, and run under Wine where that can be installed"""
+    if not build("release", log, "libqxview", "qxview") or not build("win32", log):
+        return Result(0, 1, "the build failed")
+    total = Result(1, 0)
+    total.add(run_script("tests/exports_test.py Symbols", log, log_name,
+                         QXVIEW_DLL=os.path.join(wine.FOLDER, "qxview.dll")), "exports")
+    if run(["scripts/setup.sh", "wine"], log) == 0 and wine.is_here():
+        run_windows_tests(total, log, log_name)
+    else:
+        total.note += " WINE COULD NOT BE INSTALLED: what was built for Windows has NOT been run"
     return total
 
 

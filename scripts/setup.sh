@@ -10,8 +10,8 @@ set -eu
 needed_by() {
   case $1 in
     build) echo "g++ cmake ninja-build pkg-config zlib1g-dev libpcap-dev libcli11-dev libsmi2-dev" ;;
-    test) echo "libgtest-dev python3 python3-jsonschema g++-mingw-w64-i686 libz-mingw-w64-dev" ;;
-    wine) echo "wine wine32:i386 xvfb xauth" ;;
+    test) echo "libgtest-dev googletest python3 python3-jsonschema g++-mingw-w64-i686 libz-mingw-w64-dev" ;;
+    wine) echo "wine wine32:i386 xvfb" ;;
     *) echo "setup: no group is called '$1' (build, test, wine)" >&2; exit 2 ;;
   esac
 }
@@ -81,7 +81,9 @@ case " $missing" in *:i386*) as_root dpkg --add-architecture i386 ;; esac
 # A list that could not be fetched afresh may still do; whether it does, the installation tells.
 apt_quiet update || echo "setup: apt-get update failed, going on with the package lists that are there" >&2
 # shellcheck disable=SC2086
-apt_quiet install --no-install-recommends $missing || true
+apt_quiet install --no-install-recommends $missing ||
+  # Where another suite's packages of one architecture are newer than the other's, one release alone has them all.
+  apt_quiet install --no-install-recommends -t "$(. /etc/os-release && echo "${VERSION_CODENAME:-stable}")" $missing || true
 # shellcheck disable=SC2086
 left=$(missing_of $needed | tr '\n' ' ')
 [ -z "$left" ] || fail "could not install: $left"

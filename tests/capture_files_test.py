@@ -19,6 +19,7 @@ import xml.etree.ElementTree
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
+WINDOWS = os.environ.get("QXVIEW_PLATFORM") == "windows"   # the program runs under Wine
 SAMPLES = sorted(glob.glob(os.path.join(ROOT, "samples", "*.pcap*")))
 LAN = os.path.join(ROOT, "samples", "lan.pcap")
 
@@ -88,7 +89,7 @@ class RoundTrip(Folder):
         lines = run("decode", "--format", "json", self.out).stdout.splitlines()
         self.assertEqual([int(re.search(rb'"packet":(\d+)', line)[1]) for line in lines], [1, 2, 3, 4, 5])
         self.assertEqual([b'"captured":20,' in line for line in lines], [False] * 3 + [True] * 2)
-        again = os.path.join(self.folder, "again.bfr")
+        again = os.path.join(self.folder, "wieder Ж€.bfr")
         self.assertEqual(run("save", self.out, again).returncode, 0)
         self.assertEqual(run("decode", "--format", "json", again).stdout.splitlines(), lines)
 
@@ -117,8 +118,9 @@ class Faults(Folder):
         self.fails(b"Cannot open file for appending.", "--append", LAN, missing)
         self.fails(b"Cannot open file for appending.", "--append", LAN, self.folder)
         self.fails(b"Cannot open file for appending.", "--append", self.out, self.out)
-        with open(self.out, "rb") as same:
-            self.fails(b"Cannot open file for appending.", "--append", "-", self.out, stdin=same)
+        if not WINDOWS:   # Wine tells nothing of a file that it inherits from another system
+            with open(self.out, "rb") as same:
+                self.fails(b"Cannot open file for appending.", "--append", "-", self.out, stdin=same)
         self.fails(b"Unable to save packet buffer: /dev/full.", LAN, "/dev/full")
         self.fails(b"No packets to save.", "--packets", "70000-", LAN, self.out)
         self.fails(b"The packet capture file cannot be appended to.", "--append", LAN, self.capture)
@@ -126,6 +128,7 @@ class Faults(Folder):
         self.files = sorted(os.listdir(self.folder))
         self.fails(b"Select an existing file for appending.", "--append", LAN, short)
 
+    @unittest.skipIf(WINDOWS, "is about this system's users")
     def test_no_permission(self):
         if os.getuid() == 0:   # nothing is refused to root
             options = {"user": 65534, "cwd": "/"}
@@ -139,6 +142,7 @@ class Faults(Folder):
         self.fails(b"Cannot open file for writing.", LAN, self.out, **options)
         self.fails(b"Cannot open file for appending.", "--append", LAN, self.out, **options)
 
+    @unittest.skipIf(WINDOWS, "the limit ends Wine itself")
     def test_a_disk_that_fills_up(self):
         # The limit stands at the header, within records, between two writes and at the very end.
         whole = os.path.join(self.folder, "whole.bfr")
@@ -216,6 +220,8 @@ class Xml(Folder):
     def test_selections_and_failures(self):
         document = run("xml", "--packets", "3-4", LAN, "-").stdout
         self.assertIn(b'<SummaryData Packets="2" FirstPacket="3" LastPacket="4" ', document)
+        if WINDOWS:
+            return
         out = self.write("there.xml", b"what was there")
         limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (3000, 3000))
         failed = run("xml", LAN, out, preexec_fn=limit)

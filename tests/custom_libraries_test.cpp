@@ -1,4 +1,3 @@
-#ifndef _WIN32
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -10,9 +9,17 @@
 namespace qxview::testing {
 namespace {
 
-// Libraries are built beside the tests: QXVIEW_PLUGIN_DIR holds recorder_a.so (takes 0xAA), recorder_b.so (takes 0xBB)
-// and lamp_decoder.so (the sample).
+// Libraries are built beside the tests: QXVIEW_PLUGIN_DIR holds recorder_a (takes 0xAA), recorder_b (takes 0xBB) and
+// lamp_decoder (the sample).
 const std::string kDirectory = QXVIEW_PLUGIN_DIR;
+
+void SetVariable(const char* name, const char* value) {
+#ifdef _WIN32
+  _putenv_s(name, value);
+#else
+  setenv(name, value, 1);
+#endif
+}
 
 class CustomLibraryHooks : public ::testing::Test {
  protected:
@@ -22,7 +29,7 @@ class CustomLibraryHooks : public ::testing::Test {
     };
     offers_ = ::testing::TempDir() + "qxview_offers";
     std::remove(offers_.c_str());
-    setenv("QXVIEW_TEST_OFFERS", offers_.c_str(), 1);
+    SetVariable("QXVIEW_TEST_OFFERS", offers_.c_str());
   }
   void Load(std::vector<std::pair<std::string, std::string>> settings) {
     host_.settings = std::move(settings);
@@ -34,6 +41,7 @@ class CustomLibraryHooks : public ::testing::Test {
     std::ifstream file(offers_);
     std::stringstream all;
     all << file.rdbuf();
+    file.close();
     std::remove(offers_.c_str());
     return all.str();
   }
@@ -43,7 +51,7 @@ class CustomLibraryHooks : public ::testing::Test {
 };
 
 TEST_F(CustomLibraryHooks, FirstInLoadOrderThatAcceptsTakesTheFrame) {
-  Load({{"CustomLibrary0", "recorder_a.so"}, {"CustomLibrary1", "missing.so"}, {"CustomLibrary2", "recorder_b.so"}});
+  Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}, {"CustomLibrary1", "missing.so"}, {"CustomLibrary2", "recorder_b" QXVIEW_PLUGIN_SUFFIX}});
   EXPECT_EQ(view_->view().engine->libraries.count, 2) << "a failed load leaves no gap and does not end the loading";
   const Bytes rest(59);
   EXPECT_EQ(view_->Decode(Hex("AA") + rest), 1);
@@ -58,7 +66,7 @@ TEST_F(CustomLibraryHooks, FirstInLoadOrderThatAcceptsTakesTheFrame) {
 }
 
 TEST_F(CustomLibraryHooks, DamagedAndShortFramesAreNotOffered) {
-  Load({{"CustomLibrary0", "recorder_a.so"}});
+  Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}});
   for (const uint32_t errors : {kReceiveAlignment, kReceiveCrc}) {
     Record record(Hex("AA") + Bytes(59));
     record->receiveErrors = errors;
@@ -73,7 +81,7 @@ TEST_F(CustomLibraryHooks, DamagedAndShortFramesAreNotOffered) {
 }
 
 TEST_F(CustomLibraryHooks, EveryMediumHasItsEntryPoint) {
-  Load({{"CustomLibrary0", "recorder_a.so"}});
+  Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}});
   const char* offers[] = {"a CustomDecodeFrame 9 0\n",  // Ethernet
                           "a CustomDecodeFrame 9 0\n",  // Token Ring
                           "a CustomDecodeFrame 9 0\n",  // FDDI
@@ -89,12 +97,12 @@ TEST_F(CustomLibraryHooks, EveryMediumHasItsEntryPoint) {
 }
 
 TEST_F(CustomLibraryHooks, ScanStopsAtTheFirstMissingValue) {
-  Load({{"CustomLibrary0", "recorder_a.so"}, {"CustomLibrary2", "recorder_b.so"}});
+  Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}, {"CustomLibrary2", "recorder_b" QXVIEW_PLUGIN_SUFFIX}});
   EXPECT_EQ(view_->view().engine->libraries.count, 1);
 }
 
 TEST_F(CustomLibraryHooks, RangeTableGrownByALibraryIsTheModules) {
-  Load({{"CustomLibrary0", "recorder_a.so"}});
+  Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}});
   const Bytes frame = Hex("AA") + Bytes(59);
   Record record(frame);
   for (int i = 0; i < 600; ++i) DecodeFrame(&view_->view(), record.get(), 0, 0, 0);   // no clear between them
@@ -103,7 +111,7 @@ TEST_F(CustomLibraryHooks, RangeTableGrownByALibraryIsTheModules) {
 }
 
 TEST_F(CustomLibraryHooks, SampleShowsItsLinesInEveryMode) {
-  Load({{"CustomLibrary0", "lamp_decoder.so"}});
+  Load({{"CustomLibrary0", "lamp_decoder" QXVIEW_PLUGIN_SUFFIX}});
   const Bytes frame = Ethernet(0x88B5, Hex("4C414D50 01 07 0032") + Bytes(38));
   view_->Decode(frame);
   EXPECT_EQ(view_->Text(),
@@ -123,4 +131,3 @@ TEST_F(CustomLibraryHooks, SampleShowsItsLinesInEveryMode) {
 
 }  // namespace
 }  // namespace qxview::testing
-#endif

@@ -1,9 +1,7 @@
 #include <cstring>
 
 #include "decoders/net/dynamic_udp.h"
-#ifndef _WIN32
 #include "platform/platform.h"
-#endif
 #include "tests/support/transport.h"
 
 namespace qxview::testing {
@@ -52,9 +50,7 @@ class Detection : public ::testing::Test {
   TestView& View() {
     if (!view_) {
       view_ = std::make_unique<TestView>(&host_);
-#ifndef _WIN32
       view_->loader = PlatformLibraryLoader();
-#endif
     }
     return *view_;
   }
@@ -69,10 +65,10 @@ class Detection : public ::testing::Test {
   std::string Tail(int32_t result) {
     EXPECT_EQ(result, 1);
     std::string tail;
-    const ArenaTree& tree = View().tree();
+    const DecodeTree& tree = View().tree();
     for (LineHandle line = tree.NextSibling(tree.FirstChild(0)); line; line = tree.NextSibling(line)) {
       if (!tail.empty()) tail += '|';
-      tail += tree.TextOf(line);
+      tail += View().LineText(line);
     }
     return tail;
   }
@@ -166,9 +162,8 @@ TEST_F(Detection, WhatWasLearntResolvesWithoutDetection) {
   EXPECT_EQ(OverUdp(otherVersion, 7000, 5004), "RTP Data") << "the way back";
 }
 
-#ifndef _WIN32
 TEST_F(Detection, TheExternalPluginIsAskedOnItsPortInItsPlace) {
-  const std::string plugin = std::string(QXVIEW_PLUGIN_DIR) + "/external_decoder.so";
+  const std::string plugin = std::string(QXVIEW_PLUGIN_DIR) + "/external_decoder" QXVIEW_PLUGIN_SUFFIX;
   host_.settings = {{"ExternalDecoder", plugin}, {"ExternalDecoderPort", "4242"}};
   const Bytes own = Hex("EE 01 02");
   EXPECT_EQ(OverTcp(own, 4242, 40000), "External: 3 bytes, depth 4, 4242 -> 40000");
@@ -183,7 +178,6 @@ TEST_F(Detection, TheExternalPluginIsAskedOnItsPortInItsPlace) {
   host_.settings[0].second = "missing.so";
   EXPECT_EQ(OverTcp(own, 4243, 4242), "TCP Data");
 }
-#endif
 
 struct Determined {
   int32_t result;

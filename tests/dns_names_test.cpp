@@ -1,13 +1,10 @@
 // Names: expansion against results worked out by hand, the small text functions, and messages built to be slow.
-#include <pthread.h>
-
 #include <algorithm>
-#include <ctime>
-#include <functional>
 
 #include "decoders/app/dns.h"
 #include "decoders/app/summaries.h"
 #include "tests/support/decoding.h"
+#include "tests/support/small_stack.h"
 
 namespace qxview {
 int32_t DecodeDns(const Place& at, Cursor c);
@@ -138,43 +135,6 @@ Bytes ChainMessage(size_t end, size_t size) {
   return message + Repeat(record, (size - message.size()) / record.size());
 }
 
-void RunOnSmallStack(const std::function<void()>& work) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 * 1024);
-  pthread_t thread;
-  const auto enter = [](void* argument) -> void* {
-    (*static_cast<const std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, enter, const_cast<std::function<void()>*>(&work)), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
-
-double ThreadMilliseconds() {
-  timespec now;
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return 1e3 * static_cast<double>(now.tv_sec) + 1e-6 * static_cast<double>(now.tv_nsec);
-}
-
-// This thread's own time and the best of several runs: other work of the machine is not what is measured.
-double Milliseconds(const std::function<void()>& work) {
-  double best = 1e9;
-  for (int run = 0; run < 7; ++run) {
-    const double start = ThreadMilliseconds();
-    work();
-    best = std::min(best, ThreadMilliseconds() - start);
-  }
-  return best;
-}
-
-#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__)
-constexpr double kMostMilliseconds = 10;
-#else
-constexpr double kMostMilliseconds = 1000;
-#endif
-
 TEST(DnsNames, MessagesBuiltToBeSlow) {
   constexpr size_t kSize = 65535;
   const Bytes query = Hex("0001 0100 FFFF 0000 0000 0000"), response = Hex("0001 8100 FFFF FFFF 0000 0000");
@@ -201,11 +161,11 @@ TEST(DnsNames, MessagesBuiltToBeSlow) {
     RunOnSmallStack([&] {
       TestView view;
       view.Run(DecodeDns, payload);   // the tree's memory is made once, as in a run over a capture
-      EXPECT_LT(Milliseconds([&] { view.Run(DecodeDns, payload); }), kMostMilliseconds) << slow.what;
+      EXPECT_LT(BestMilliseconds([&] { view.Run(DecodeDns, payload); }), kMostMilliseconds) << slow.what;
       EXPECT_LT(view.context().rangeCount, 100000u) << slow.what;
       char text[512];
       TextBuffer summary{sizeof text, text};
-      EXPECT_LT(Milliseconds([&] { DescribeDns(payload.data(), kSize, &summary, 17, 0, 0); }), kMostMilliseconds)
+      EXPECT_LT(BestMilliseconds([&] { DescribeDns(payload.data(), kSize, &summary, 17, 0, 0); }), kMostMilliseconds)
           << slow.what;
     });
   }

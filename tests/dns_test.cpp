@@ -283,7 +283,7 @@ TEST(Dns, TcpFramingAndContinuation) {
 TEST(Dns, LevelsAndImages) {
   TestView view;
   view.Run(DecodeDns, kQuery + kQuery, 5);
-  const ArenaTree& tree = view.tree();
+  const DecodeTree& tree = view.tree();
   const LineHandle first = tree.FirstChild(0), second = tree.NextSibling(first);
   EXPECT_EQ(tree.Image(first), LevelImage(5));
   EXPECT_EQ(tree.Image(tree.FirstChild(first)), LevelImage(3));

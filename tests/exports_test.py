@@ -9,6 +9,8 @@ import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 LIBRARY = os.environ.get("QXVIEW_LIBRARY", os.path.join(ROOT, "build", "libqxview.so"))
+DLL = os.environ.get("QXVIEW_DLL")      # checked where it has been built
+SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "gdi32.dll", "comctl32.dll", "comdlg32.dll", "advapi32.dll", "msvcrt.dll"}
 os.environ["XDG_CONFIG_HOME"] = os.path.join(ROOT, "tests", "no-such-folder")   # the defaults, whoever runs this
 LIB = ctypes.CDLL(LIBRARY)
 LIBC = ctypes.CDLL(None, use_errno=True)
@@ -129,15 +131,43 @@ def describe(name, message, size=512):
     return result, raw.split(b"\0")[0].decode("cp1252") if b"\0" in raw else None
 
 
+def names_in(path, pattern):
+    with open(os.path.join(ROOT, path), encoding="utf-8") as file:
+        return re.findall(pattern, file.read(), re.M)
+
+
+def what_a_dll_names(dll, start, pattern):
+    """The names in a table of a DLL's headers."""
+    told = subprocess.run(["i686-w64-mingw32-objdump", "-p", dll], capture_output=True, text=True, check=True).stdout
+    return re.findall(pattern, told[told.index(start):], re.M)
+
+
 class Symbols(unittest.TestCase):
     def test_are_those_of_the_header(self):
-        with open(os.path.join(ROOT, "include", "qxview", "qxview.h"), encoding="utf-8") as file:
-            declared = set(re.findall(r"^QXVIEW_EXPORT\s[^;]*?\b(\w+)\(", file.read(), re.M))
+        declared = names_in("include/qxview/qxview.h", r"^QXVIEW_EXPORT\s[^;]*?\b(\w+)\(")
+        for path, pattern in (("exports/libqxview.map", r"^    (\w+);"), ("exports/qxview.def", r"^    (\w+)$")):
+            self.assertEqual(names_in(path, pattern), sorted(declared), path)
         listed = subprocess.run(["nm", "-D", "--defined-only", LIBRARY], capture_output=True, text=True, check=True)
+        declared = set(declared)
         self.assertEqual({line.split()[-1] for line in listed.stdout.splitlines()}, declared)
         self.assertTrue(set(MEMBERS) < declared)
+        if DLL:
+            exported = what_a_dll_names(DLL, "[Ordinal/Name Pointer] Table", r"^\t\[ *\d+\] (\S+)$")
+            self.assertEqual(set(exported), declared, "by their plain names")
+            imported = {name.lower() for name in what_a_dll_names(DLL, "Import Tables", r"^\tDLL Name: (\S+)$")}
+            self.assertLessEqual(imported, SYSTEM_LIBRARIES, "nothing that not every Windows has")
         summaries = {name for name in declared if re.search(r"Description(PublicDecode)?$", name)}
         self.assertEqual(summaries - set(MEMBERS), {"GetRtpCodecDescription"}, "every summary is tested")
+
+
+class Windows(unittest.TestCase):
+    def test_there_are_none_off_windows(self):
+        LIB.QxView_CreateView.restype = LIB.CreateViewWindow.restype = ctypes.c_void_p
+        for view in (None, LIB.QxView_CreateView(None)):
+            at = ctypes.c_void_p(view)
+            self.assertIsNone(LIB.CreateViewWindow(at, None, 0, 0, 0, 0))
+            self.assertEqual((LIB.CorrectView(at), LIB.SetFocusOnDecodeList(at)), (0, 0))
+            LIB.QxView_DestroyView(at)
 
 
 class Summaries(unittest.TestCase):

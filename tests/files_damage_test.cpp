@@ -167,14 +167,12 @@ TEST(GzipCapture, EveryCutAndABadChecksumAreDamage) {
 TEST(OpenCapture, SaysWhatIsNoCapture) {
   std::string message;
   EXPECT_EQ(OpenCapture("no/such/file", &message), nullptr);
-  EXPECT_EQ(message, "no/such/file: No such file or directory");
+  EXPECT_EQ(message.find("no/such/file: "), 0u) << message << ", and what the system says";
   EXPECT_EQ(ReadAll({}).message, "t.cap: the file is empty");
   EXPECT_EQ(ReadAll({'P', 'K', 3, 4}).message, "t.cap: not a capture file");
   EXPECT_EQ(ReadAll(Gzip({'x'})).message, "t.cap: not a capture file");
-#ifndef _WIN32
   EXPECT_EQ(OpenCapture(".", &message), nullptr);
   EXPECT_EQ(message, ".: Is a directory");
-#endif
 }
 
 #ifndef _WIN32

@@ -77,13 +77,17 @@ TEST(ForcedDecoding, StartsWhereTheSettingSays) {
   EXPECT_NE(frames.Text().find("Ethertype: 0x0806 = ARP {14+2}"), std::string::npos) << frames.Text();
 }
 
-TEST(Expansion, FollowsTheMaskAndTheOptions) {
+// What is expanded and selected is the tree's matter.
+class Shown : public ::testing::TestWithParam<TreeKind> {};
+INSTANTIATE_TEST_SUITE_P(Trees, Shown, ::testing::ValuesIn(TreeKinds()), TreeName);
+
+TEST_P(Shown, ExpansionFollowsTheMaskAndTheOptions) {
   TestHost host;
   host.settings = {{"Expand2ndLevel", "0"}, {"Expand3rdLevel", "1"}};
-  TestView view(&host);
+  TestView view(&host, GetParam());
   view.view().expansionMask = BitMask(kFieldKind);
   view.Decode(Ethernet(0x8100, Hex("0001 1234") + Bytes(40)));
-  const ArenaTree& tree = view.tree();
+  const DecodeTree& tree = view.tree();
   const LineHandle summary = tree.FirstChild(0);
   EXPECT_TRUE(tree.IsExpanded(summary));
   EXPECT_FALSE(tree.IsExpanded(tree.FirstChild(summary)));
@@ -91,15 +95,15 @@ TEST(Expansion, FollowsTheMaskAndTheOptions) {
   EXPECT_FALSE(tree.IsExpanded(block)) << "a line of the second level";
 }
 
-TEST(Selection, IsKeptFromPacketToPacket) {
-  TestView view;
+TEST_P(Shown, SelectionIsKeptFromPacketToPacket) {
+  TestView view(nullptr, GetParam());
   view.Decode(Ethernet(0x0806, Hex("0001 0800 06 04 0001") + Bytes(38)));
   EXPECT_EQ(view.view().selectionPath[0], 0) << "the first packet starts the path";
   view.view().selectionPath[0] = 2;
   view.view().selectionPath[1] = 1;
   view.view().selectionPath[2] = -1;
   view.Decode(Ethernet(0x0806, Hex("0001 0800 06 04 0002") + Bytes(38)));
-  EXPECT_STREQ(view.tree().TextOf(view.tree().Selected()), "Protocol Type: 0x0800 = IP");
+  EXPECT_EQ(view.LineText(view.tree().Selected()), "Protocol Type: 0x0800 = IP");
   view.Decode(Ethernet(0x9999, Bytes(2)));
   EXPECT_EQ(view.tree().Selected(), 0u) << "a tree with fewer lines selects nothing";
 }

@@ -4,6 +4,7 @@ import importlib.util
 import json
 import os
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -18,6 +19,7 @@ def run(*command, folder="/"):
 def load_run_tests():
     where = importlib.util.spec_from_file_location("run_tests", os.path.join(ROOT, "scripts", "run_tests.py"))
     module = importlib.util.module_from_spec(where)
+    sys.path.insert(0, os.path.join(ROOT, "scripts"))   # where its own modules are
     where.loader.exec_module(module)
     return module
 
@@ -47,6 +49,12 @@ class Setup(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
         self.assertLess(time.monotonic() - started, 3)      # asks no package server; 0.02 s on an idle machine
         self.assertEqual(run(os.path.join(ROOT, "scripts", "setup.sh"), "nonsense").returncode, 2)
+
+
+class Images(unittest.TestCase):
+    def test_are_as_they_are_drawn(self):
+        checked = run(os.path.join(ROOT, "scripts", "draw_images.py"), "--check")
+        self.assertEqual((checked.returncode, checked.stdout), (0, ""))
 
 
 class Totals(unittest.TestCase):

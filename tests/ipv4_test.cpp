@@ -1,13 +1,10 @@
-#include <pthread.h>
-
-#include <chrono>
-
 #include "core/internet_checksum.h"
 #include "decoders/net/ip_protocol_names.h"
 #include "decoders/net/ipv4.h"
 #include "decoders/net/pseudo_head.h"
 #include "qxview/custom_decoder.h"
 #include "tests/support/decoding.h"
+#include "tests/support/small_stack.h"
 
 namespace qxview::testing {
 namespace {
@@ -411,37 +408,14 @@ TEST(Ipv4, UserLibrariesAreOfferedWholePayloadsFirst) {
   EXPECT_TRUE(Has(view.Text(), "Fragment, Offset 8, Last Fragment {8:20+8}")) << view.Text();
 }
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr double kSlowest = 200;   // milliseconds
-#else
-constexpr double kSlowest = 10;
-#endif
-
-// Decodes on a thread with a stack of 256 KB; the best of three runs in milliseconds.
+// Decodes on a small stack; the best of three runs in milliseconds.
 double TimeOnSmallStack(const Bytes& datagram) {
-  struct Job {
-    const Bytes* datagram;
-    double best;
-  } job{&datagram, 1e9};
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 * 1024);
-  pthread_t thread;
-  const auto run = [](void* given) -> void* {
-    Job* own = static_cast<Job*>(given);
+  double best = 0;
+  RunOnSmallStack([&] {
     TestView view;
-    for (int i = 0; i < 3; ++i) {
-      const auto start = std::chrono::steady_clock::now();
-      view.Run(DecodeIPv4, *own->datagram);
-      const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-      own->best = std::min(own->best, took.count());
-    }
-    return nullptr;
-  };
-  EXPECT_EQ(pthread_create(&thread, &attributes, run, &job), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  return job.best;
+    best = BestMilliseconds([&] { view.Run(DecodeIPv4, datagram); }, 3);
+  });
+  return best;
 }
 
 // `count` headers inside each other. The lengths of outer ones lie where the datagram is longer than they can tell.
@@ -462,9 +436,9 @@ TEST(Ipv4, NestingIsBoundedInTimeAndStack) {
   RecordProperty("nested60000Microseconds", static_cast<int>(deep * 1000));
   RecordProperty("nestedOptionsMicroseconds", static_cast<int>(full * 1000));
   RecordProperty("nestedNoOperationsMicroseconds", static_cast<int>(noOperations * 1000));
-  EXPECT_LT(deep, kSlowest);
-  EXPECT_LT(full, kSlowest);
-  EXPECT_LT(noOperations, kSlowest);
+  EXPECT_LT(deep, kMostMilliseconds);
+  EXPECT_LT(full, kMostMilliseconds);
+  EXPECT_LT(noOperations, kMostMilliseconds);
   TestView view;
   view.Run(DecodeIPv4, Nested(3000, {}));
   EXPECT_TRUE(Has(view.Text(), "Data {8:1300+58700}")) << "the decoder that is run and 64 more";

@@ -294,12 +294,6 @@ TEST(Ldap, Properties) {
       )))))));
 }
 
-#if defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__)
-constexpr double kMostMilliseconds = 10;
-#else
-constexpr double kMostMilliseconds = 1000;
-#endif
-
 TEST(Ldap, WhatIsPastTheBoundIsDumped) {
   const std::string names = Outline(Message(Wrap(0x73, Repeat(Str("ldap://a/"), kMostLdapElements))));
   EXPECT_NE(names.find("  URI: ldap://a/\n  More Elements\n"), std::string::npos);

@@ -23,7 +23,7 @@ TEST(ByteRanges, PackAndReadBack) {
   EXPECT_EQ(kind, 0);
 }
 
-class Lines : public ::testing::Test {
+class Lines : public ::testing::TestWithParam<TreeKind> {
  protected:
   View* view() { return &view_.view(); }
   DecodeContext& context() { return view_.context(); }
@@ -31,10 +31,11 @@ class Lines : public ::testing::Test {
     return AddDecodeLine(view(), parent, text, 9, &view_.tree(), MakeByteRange(0, offset, length));
   }
   void SetUp() override { view(); }
-  TestView view_;
+  TestView view_{nullptr, GetParam()};
 };
+INSTANTIATE_TEST_SUITE_P(Trees, Lines, ::testing::ValuesIn(TreeKinds()), TreeName);
 
-TEST_F(Lines, TableGrowsBeforeItIsFullAndTheFirstLineHasNoRange) {
+TEST_P(Lines, TableGrowsBeforeItIsFullAndTheFirstLineHasNoRange) {
   const LineHandle first = Add(0, "first", 5);
   for (int i = 1; i < 511; ++i) Add(first, "line", i);
   EXPECT_EQ(context().rangeCapacity, 512u);
@@ -54,24 +55,24 @@ TEST_F(Lines, TableGrowsBeforeItIsFullAndTheFirstLineHasNoRange) {
   EXPECT_EQ(CurrentPacketNumber(nullptr), -1);
 }
 
-TEST_F(Lines, AppendedTextsAreCappedAndLongLinesKept) {
+TEST_P(Lines, AppendedTextsAreCappedAndLongLinesKept) {
   const LineHandle line = Add(0, std::string(290, 'a').c_str());
   AppendToDecodeLine(view(), &view_.tree(), line, "0123456789");
-  EXPECT_EQ(view_.tree().TextLength(line), 300) << "a joined text of exactly 300 is whole";
+  EXPECT_EQ(view_.LineText(line).size(), 300u) << "a joined text of exactly 300 is whole";
   AppendToDecodeLine(view(), &view_.tree(), line, "x");
-  EXPECT_EQ(view_.tree().TextLength(line), 300) << "no room is left";
+  EXPECT_EQ(view_.LineText(line).size(), 300u) << "no room is left";
   const LineHandle other = Add(0, std::string(290, 'b').c_str());
   AppendToDecodeLine(view(), &view_.tree(), other, "01234567890");
-  EXPECT_EQ(view_.tree().TextLength(other), 299);
+  EXPECT_EQ(view_.LineText(other).size(), 299u);
   const LineHandle longer = Add(0, std::string(1100, 'c').c_str());
-  EXPECT_EQ(view_.tree().TextLength(longer), 1100);
+  EXPECT_EQ(view_.LineText(longer).size(), 1100u);
   char text[16];
   SetDecodeLineText(view(), &view_.tree(), line, "short");
   EXPECT_EQ(GetDecodeLineText(view(), &view_.tree(), line, text, sizeof text), 5);
   EXPECT_STREQ(text, "short");
 }
 
-TEST_F(Lines, AreDeletedWithTheirChildren) {
+TEST_P(Lines, AreDeletedWithTheirChildren) {
   const LineHandle a = Add(0, "a"), b = Add(0, "b"), c = Add(0, "c");
   Add(b, "b1");
   Add(Add(b, "b2"), "b21");
@@ -119,7 +120,7 @@ struct Written {
   std::unique_ptr<OutputFile> file;
 };
 
-TEST_F(Lines, GoToTheFileByteForByte) {
+TEST_P(Lines, GoToTheFileByteForByte) {
   Written written(context());
   for (const char mode : {kPrintMode, kSaveMode}) {
     context().outputMode = mode;
@@ -133,7 +134,7 @@ TEST_F(Lines, GoToTheFileByteForByte) {
   }
 }
 
-TEST_F(Lines, RangeFilterDropsLinesOutsideDisplayAlone) {
+TEST_P(Lines, RangeFilterDropsLinesOutsideDisplayAlone) {
   Written written(context());
   context().rangeFilterOn = 1;
   context().rangeFilterStart = 14;
@@ -146,7 +147,7 @@ TEST_F(Lines, RangeFilterDropsLinesOutsideDisplayAlone) {
   EXPECT_EQ(view_.Text(), "13 {13+1}\n");
 }
 
-TEST_F(Lines, SaveModeTakesBackWhatCameSinceTheMark) {
+TEST_P(Lines, SaveModeTakesBackWhatCameSinceTheMark) {
   Written written(context());
   context().outputMode = kSaveMode;
   Add(0, "kept");
@@ -162,7 +163,7 @@ TEST_F(Lines, SaveModeTakesBackWhatCameSinceTheMark) {
   EXPECT_EQ(written.Take(), "kept\r\nbehind\r\n");
 }
 
-TEST_F(Lines, FindTakesTheFirstForwardAndTheLastInABound) {
+TEST_P(Lines, FindTakesTheFirstForwardAndTheLastInABound) {
   const auto pass = [&](bool bounded, int32_t start, int32_t limit) {
     context().outputMode = kFindMode;
     CopyString(context().findText, sizeof context().findText, "match");
@@ -194,7 +195,7 @@ TEST_F(Lines, FindTakesTheFirstForwardAndTheLastInABound) {
   EXPECT_EQ(view_.tree().Selected(), found);
 }
 
-TEST_F(Lines, AreBoundedInAFrame) {
+TEST_P(Lines, AreBoundedInAFrame) {
   context().packet.linesLeft = 3;
   const LineHandle parent = Add(0, "parent");
   Add(parent, "child");
@@ -204,7 +205,7 @@ TEST_F(Lines, AreBoundedInAFrame) {
   EXPECT_EQ(view_.Text(), "parent {0+1}\n  child {0+1}\n  child {0+1}\n  Decode limit reached {0+1}\n");
 }
 
-TEST_F(Lines, HexDumpsHaveTheirColumns) {
+TEST_P(Lines, HexDumpsHaveTheirColumns) {
   Bytes data;
   for (int i = 0; i < 35; ++i) data.push_back(static_cast<uint8_t>(i + 0x1A));
   EXPECT_EQ(AddDataBlock(view(), 0, data.data(), 0, 35, "no parent", 9), 0u);
@@ -222,7 +223,7 @@ TEST_F(Lines, HexDumpsHaveTheirColumns) {
   EXPECT_EQ(AddRawData(view(), large.data(), 0, 0, "Raw Data"), 0);
 }
 
-TEST_F(Lines, RangeFilterTrimsDumpsToRows) {
+TEST_P(Lines, RangeFilterTrimsDumpsToRows) {
   const Bytes data(100);
   const auto rows = [&](int32_t start, int32_t length, int32_t blockOffset) {
     context().rangeFilterOn = 1;
@@ -232,7 +233,7 @@ TEST_F(Lines, RangeFilterTrimsDumpsToRows) {
     AddHexDumpLines(view(), &view_.tree(), 0, data.data(), blockOffset, 100);
     std::string seen;
     for (LineHandle line = view_.tree().FirstChild(0); line; line = view_.tree().NextSibling(line)) {
-      seen += std::string(view_.tree().TextOf(line), 4) + "+" +
+      seen += view_.LineText(line).substr(0, 4) + "+" +
               std::to_string(RangeLength(context().rangeTable[view_.tree().RangeIndex(line)])) + " ";
     }
     return seen;
@@ -244,7 +245,7 @@ TEST_F(Lines, RangeFilterTrimsDumpsToRows) {
   EXPECT_EQ(rows(0, 5, 10), "0000+1 ");
 }
 
-TEST_F(Lines, BitRowsAndWrappedTextsCarryTheirOwnSlices) {
+TEST_P(Lines, BitRowsAndWrappedTextsCarryTheirOwnSlices) {
   const LineHandle parent = Add(0, "p");
   const Bytes data(40, 0xAB);
   AddBitRows(view(), parent, data.data(), 7, 3, "Key", 4);
@@ -263,7 +264,7 @@ TEST_F(Lines, BitRowsAndWrappedTextsCarryTheirOwnSlices) {
                           "  Value: short {9+5}\n");
 }
 
-TEST_F(Lines, CountedStringsShowThreeCharacters) {
+TEST_P(Lines, CountedStringsShowThreeCharacters) {
   const LineHandle parent = Add(0, "p");
   char value[40];
   const auto run = [&](const std::string& hex, CountedCharacters characters = CountedCharacters::kSingleByte) {

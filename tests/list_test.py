@@ -9,6 +9,7 @@ import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
+WINDOWS = os.environ.get("QXVIEW_PLATFORM") == "windows"   # the program runs under Wine
 START = 1700000000   # 2023-11-14 22:13:20 UTC
 
 
@@ -86,7 +87,8 @@ class List(unittest.TestCase):
     def test_selection(self):
         self.assertEqual([row.split()[0] for row in self.list("--packets", "1,3-")], ["1", "3", "4"])
         self.assertEqual([row.split()[0] for row in self.list("-c", "2")], ["1", "2"])
-        self.assertEqual([row.split()[0] for row in self.list("-f", "port 53")], ["2"])
+        if not WINDOWS:
+            self.assertEqual([row.split()[0] for row in self.list("-f", "port 53")], ["2"])
         rows = self.list("-d", "udp:9999=Syslog", status=2)
         self.assertEqual(rows, [])
         self.assertIn("FTP Data ", self.list("-d", "udp:9999=FTP Data")[2])

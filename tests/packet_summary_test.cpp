@@ -162,7 +162,7 @@ TEST(PacketSummaries, HeadersAloneStillLearn) {
   EXPECT_EQ(view.context().packet.reached.table, DispatchTable::kApplication);
   EXPECT_EQ(view.context().packet.reached.key, 0x9Au);
   EXPECT_EQ(view.context().rangeCount, 0u);
-  EXPECT_EQ(view.tree().LineCount(), 0u);
+  EXPECT_EQ(view.tree().FirstChild(0), 0u);
 }
 
 }  // namespace

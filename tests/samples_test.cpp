@@ -79,6 +79,19 @@ TEST_P(Samples, PrintAsManyLinesAsTheyShowAndAllocateNothing) {
   });
 }
 
+#ifdef _WIN32
+TEST_P(Samples, ShowTheSameInATreeControl) {
+  TestView arena, control(nullptr, TreeKind::kControl);
+  ForEachRecord([&](const FrameRecord* record) {
+    for (TestView* view : {&arena, &control}) {
+      ClearDecodeTree(&view->view(), &view->tree(), true);
+      DecodeFrame(&view->view(), record, 0, 0, 0);
+    }
+    EXPECT_EQ(control.Text(true), arena.Text(true));
+  });
+}
+#endif
+
 INSTANTIATE_TEST_SUITE_P(All, Samples, ::testing::ValuesIn(kSamples), [](const auto& info) {
   std::string name = info.param;
   std::erase(name, '-');

@@ -342,7 +342,7 @@ SMB - Find First {32+54}
   Byte Count: 49  {35+2}
   Buffer Format: [5] = Variable Block {37+1}
   Data Length: 86 {38+2}
-  Directory Entry {40+43}
+  Directory Entry: A.TXT {40+43}
     Resume Key {40+21}
       Reserved: 0x00 {40+1}
       Server State: 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 {41+16}

@@ -225,14 +225,14 @@ TEST(SmbTransactions, EntriesGoAsFarAsTheirOffsetsCanBeTrusted) {
   const auto entries = [&](uint32_t next) {
     const std::string tree = BytesOf({request, Trans2Reply(Bytes(10), entry(next, "ab") + entry(0, "cd"))});
     size_t count = 0;
-    for (size_t at = tree.find("Entry {"); at != std::string::npos; at = tree.find("Entry {", at + 1)) ++count;
+    for (size_t at = tree.find("Entry: "); at != std::string::npos; at = tree.find("Entry: ", at + 1)) ++count;
     return count;
   };
   EXPECT_EQ(entries(16), 2u);
   for (const uint32_t next : {0u, 1u, 11u, 32u, 33u, 0x80000000u, 0xFFFFFFF0u}) EXPECT_EQ(entries(next), 1u) << next;
   ExpectInOrder(BytesOf({request, Trans2Reply(Bytes(10), entry(16, "ab") + entry(0, "cd"))}),
-                {"Data Bytes {68+32}", "Entry {68+16}", "Next Entry Offset: 16 {68+4}", "File Name: ab {80+4}",
-                 "Entry {84+16}", "File Name: cd {96+4}"});
+                {"Data Bytes {68+32}", "Entry: ab {68+16}", "Next Entry Offset: 16 {68+4}", "File Name: ab {80+4}",
+                 "Entry: cd {84+16}", "File Name: cd {96+4}"});
 }
 
 TEST(SmbTransactions, RemoteAdministrationFollowsItsDescriptors) {
@@ -249,13 +249,13 @@ TEST(SmbTransactions, RemoteAdministrationFollowsItsDescriptors) {
         Entries Returned: 2 {60+2}
         Entries Available: 3 {62+2}
       Data Bytes {64+42}
-        Entry {64+20}
+        Entry: files {64+20}
           Network Name: files {64+13}
           Pad: 0 {77+1}
           Type: [0] = Disk {78+2}
           Remark Offset: 286326840 {80+4}
           Remark: A {104+2}
-        Entry {84+20}
+        Entry: files {84+20}
           Network Name: files {84+13}
           Pad: 0 {97+1}
           Type: [0] = Disk {98+2}

@@ -1,10 +1,7 @@
 #include "decoders/asn1/snmp.h"
 
-#include <pthread.h>
-
-#include <chrono>
-
 #include "tests/support/decoding.h"
+#include "tests/support/small_stack.h"
 
 namespace qxview {
 int32_t DecodeSnmpPayload(const Place& at, Cursor c);
@@ -191,31 +188,17 @@ TEST(Snmp, Properties) {
   CheckProperties(DecodeSnmpPayload, V3("03", Wrap(0x04, Hex("DEADBEEF"))));
 }
 
-// Runs on a thread with a small stack; the microseconds of one decode.
+// The microseconds of one decode on a small stack.
 double TimeOnSmallStack(const Bytes& payload) {
-  struct Work {
-    const Bytes* payload;
-    double best;
-  } work{&payload, 1e9};
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 * 1024);
-  pthread_t thread;
-  pthread_create(&thread, &attributes, [](void* argument) -> void* {
-    Work& w = *static_cast<Work*>(argument);
+  double best = 0;
+  RunOnSmallStack([&] {
     TestView view;
-    for (int i = 0; i < 3; ++i) {
+    best = BestMilliseconds([&] {
       ClearDecodeTree(&view.view(), &view.tree(), true);
-      const auto start = std::chrono::steady_clock::now();
-      view.Run(DecodeSnmpPayload, *w.payload);
-      const std::chrono::duration<double, std::micro> took = std::chrono::steady_clock::now() - start;
-      if (took.count() < w.best) w.best = took.count();
-    }
-    return nullptr;
-  }, &work);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  return work.best;
+      view.Run(DecodeSnmpPayload, payload);
+    }, 3);
+  });
+  return 1000 * best;
 }
 
 TEST(Snmp, HostilePayloadsAreBounded) {

@@ -1,5 +1,9 @@
 // The summaries of the packet list: their texts, and that they stay inside every buffer and every payload.
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/mman.h>
+#endif
 
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/summaries.h"
@@ -7,16 +11,26 @@
 
 namespace qxview::testing {
 
-Bytes Ascii(const std::string& text) { return Bytes(text.begin(), text.end()); }
-
 GuardedBytes::GuardedBytes(size_t size) {
   constexpr size_t kPage = 4096;
   mapped_ = (size + kPage - 1) / kPage * kPage + kPage;
+#ifdef _WIN32
+  base_ = static_cast<uint8_t*>(VirtualAlloc(nullptr, mapped_, MEM_RESERVE, PAGE_NOACCESS));
+  VirtualAlloc(base_, mapped_ - kPage, MEM_COMMIT, PAGE_READWRITE);
+#else
   base_ = static_cast<uint8_t*>(mmap(nullptr, mapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  mprotect(base_ + mapped_ - kPage, kPage, PROT_NONE);
+#endif
   end_ = base_ + mapped_ - kPage;
-  mprotect(end_, kPage, PROT_NONE);
 }
-GuardedBytes::~GuardedBytes() { munmap(base_, mapped_); }
+
+GuardedBytes::~GuardedBytes() {
+#ifdef _WIN32
+  VirtualFree(base_, 0, MEM_RELEASE);
+#else
+  munmap(base_, mapped_);
+#endif
+}
 
 namespace {
 

@@ -40,7 +40,7 @@ bool ArenaTree::ReserveText(uint32_t length) {
 
 LineHandle ArenaTree::Append(const NewLine& line) {
   const uint32_t length = line.length > 0 ? static_cast<uint32_t>(line.length) : 0;
-  if (line.parent != 0 && !IsLine(line.parent)) return 0;
+  if (line.parent != 0 && !Holds(line.parent)) return 0;
   if (nodeCount_ == nodeCapacity_ && !Grow(nodes_, nodeCapacity_, nodeCount_ + 1, kFirstNodes)) return 0;
   if (!ReserveText(length + 1)) return 0;
   const uint32_t handle = ++nodeCount_;
@@ -64,7 +64,7 @@ LineHandle ArenaTree::Append(const NewLine& line) {
 
 int32_t ArenaTree::GetText(LineHandle line, char* out, int32_t outSize) const {
   if (outSize < 1) return 0;
-  const uint32_t length = IsLine(line) ? nodes_[line - 1].textLength : 0;
+  const uint32_t length = Holds(line) ? nodes_[line - 1].textLength : 0;
   const uint32_t room = static_cast<uint32_t>(outSize - 1);
   const uint32_t copied = length < room ? length : room;
   if (copied) CopyShort(out, TextOf(line), copied);
@@ -73,7 +73,7 @@ int32_t ArenaTree::GetText(LineHandle line, char* out, int32_t outSize) const {
 }
 
 void ArenaTree::SetText(LineHandle line, const char* text, int32_t length) {
-  if (!IsLine(line) || length < 0) return;
+  if (!Holds(line) || length < 0) return;
   Node& node = nodes_[line - 1];
   const uint32_t wanted = static_cast<uint32_t>(length) + 1;
   if (wanted > node.textRoom) {
@@ -90,28 +90,30 @@ void ArenaTree::SetText(LineHandle line, const char* text, int32_t length) {
   node.textLength = static_cast<uint32_t>(length);
 }
 
-uint32_t ArenaTree::RangeIndex(LineHandle line) const { return IsLine(line) ? nodes_[line - 1].rangeIndex : 0; }
+uint32_t ArenaTree::RangeIndex(LineHandle line) const { return Holds(line) ? nodes_[line - 1].rangeIndex : 0; }
 void ArenaTree::SetRangeIndex(LineHandle line, uint32_t index) {
-  if (IsLine(line)) nodes_[line - 1].rangeIndex = index;
+  if (Holds(line)) nodes_[line - 1].rangeIndex = index;
 }
-int32_t ArenaTree::Image(LineHandle line) const { return IsLine(line) ? nodes_[line - 1].image : 0; }
+int32_t ArenaTree::Image(LineHandle line) const { return Holds(line) ? nodes_[line - 1].image : 0; }
 LineHandle ArenaTree::FirstChild(LineHandle line) const {
-  return line == 0 ? firstTop_ : IsLine(line) ? nodes_[line - 1].firstChild : 0;
+  return line == 0 ? firstTop_ : Holds(line) ? nodes_[line - 1].firstChild : 0;
 }
 LineHandle ArenaTree::LastChild(LineHandle line) const {
-  return line == 0 ? lastTop_ : IsLine(line) ? nodes_[line - 1].lastChild : 0;
+  return line == 0 ? lastTop_ : Holds(line) ? nodes_[line - 1].lastChild : 0;
 }
-LineHandle ArenaTree::NextSibling(LineHandle line) const { return IsLine(line) ? nodes_[line - 1].next : 0; }
-LineHandle ArenaTree::Parent(LineHandle line) const { return IsLine(line) ? nodes_[line - 1].parent : 0; }
+LineHandle ArenaTree::NextSibling(LineHandle line) const { return Holds(line) ? nodes_[line - 1].next : 0; }
+LineHandle ArenaTree::Parent(LineHandle line) const { return Holds(line) ? nodes_[line - 1].parent : 0; }
 
 void ArenaTree::Delete(LineHandle line) {
-  if (!IsLine(line)) return;
+  if (!Holds(line)) return;
   const Node& node = nodes_[line - 1];
   uint32_t& first = node.parent ? nodes_[node.parent - 1].firstChild : firstTop_;
   uint32_t& last = node.parent ? nodes_[node.parent - 1].lastChild : lastTop_;
   (node.previous ? nodes_[node.previous - 1].next : first) = node.next;
   (node.next ? nodes_[node.next - 1].previous : last) = node.previous;
-  if (selected_ == line) selected_ = 0;
+  for (LineHandle at = selected_; at; at = nodes_[at - 1].parent) {
+    if (at == line) selected_ = 0;
+  }
 }
 
 void ArenaTree::Clear() {
@@ -120,7 +122,7 @@ void ArenaTree::Clear() {
 }
 
 void ArenaTree::Expand(LineHandle line, bool expanded) {
-  if (IsLine(line)) nodes_[line - 1].expanded = expanded;
+  if (Holds(line)) nodes_[line - 1].expanded = expanded;
 }
 
 }  // namespace qxview

@@ -22,6 +22,9 @@ class ArenaTree final : public DecodeTree {
   LineHandle LastChild(LineHandle line) const override;
   LineHandle NextSibling(LineHandle line) const override;
   LineHandle Parent(LineHandle line) const override;
+  bool Holds(LineHandle line) const override { return line >= 1 && line <= nodeCount_; }   // deleted lines too
+  bool IsExpanded(LineHandle line) const override { return Holds(line) && nodes_[line - 1].expanded; }
+  LineHandle Selected() const override { return selected_; }
   void Delete(LineHandle line) override;
   void Clear() override;
   void Expand(LineHandle line, bool expanded) override;
@@ -32,8 +35,6 @@ class ArenaTree final : public DecodeTree {
   // The text in place, terminated; good until the tree changes.
   const char* TextOf(LineHandle line) const { return text_ + nodes_[line - 1].textOffset; }
   int32_t TextLength(LineHandle line) const { return static_cast<int32_t>(nodes_[line - 1].textLength); }
-  bool IsExpanded(LineHandle line) const { return nodes_[line - 1].expanded; }
-  LineHandle Selected() const { return selected_; }
   uint32_t LineCount() const { return nodeCount_; }   // deleted lines included
 
  private:
@@ -47,7 +48,6 @@ class ArenaTree final : public DecodeTree {
     bool expanded;
   };
 
-  bool IsLine(LineHandle line) const { return line >= 1 && line <= nodeCount_; }
   bool ReserveText(uint32_t length);
 
   Node* nodes_ = nullptr;

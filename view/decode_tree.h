@@ -33,6 +33,10 @@ class DecodeTree {
   virtual LineHandle NextSibling(LineHandle line) const = 0;
   virtual LineHandle Parent(LineHandle line) const = 0;
 
+  virtual bool Holds(LineHandle line) const = 0;   // whether this is a line of the tree
+  virtual bool IsExpanded(LineHandle line) const = 0;
+  virtual LineHandle Selected() const = 0;         // 0: none
+
   virtual void Delete(LineHandle line) = 0;   // with its subtree
   virtual void Clear() = 0;
 

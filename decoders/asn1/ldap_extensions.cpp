@@ -194,7 +194,7 @@ constexpr LdapExtension kControlsTable[] = {
     {"1.3.6.1.1.12", "Assertion", {nullptr, &kFilter}, {}},
     {"1.3.6.1.1.13.1", "Pre-Read", {&kLdapTextsGrammar, &kReadEntry}, {}},
     {"1.3.6.1.1.13.2", "Post-Read", {&kLdapTextsGrammar, &kReadEntry}, {}},
-    {"1.3.6.1.1.21.2", "Transaction Specification", {}, {}},
+    {"1.3.6.1.1.21.2", "Transaction Control", {}, {}},
     {"1.3.6.1.1.22", "Don't Use Copy", {}, {}},
     {"1.2.826.0.1.3344810.2.3", "Matched Values", {&kFilters}, {}},
     {"1.3.6.1.4.1.4203.1.10.1", "Subentries", {nullptr, &kSubentries}, {}},

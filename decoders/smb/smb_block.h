@@ -119,11 +119,13 @@ struct SmbString {
 // A text up to its terminator or the end of the cursor. Two-byte characters are aligned to the header's first byte;
 // the padding byte is taken, and shown as "Pad: %s" by the second form.
 SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters characters = SmbCharacters::kMessage);
-LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
-                        SmbCharacters characters = SmbCharacters::kMessage);
+SmbString AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
+                       SmbCharacters characters = SmbCharacters::kMessage);
 // A text of `length` bytes, terminated or not.
-LineHandle AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
-                         SmbCharacters characters = SmbCharacters::kMessage);
+SmbString AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
+                        SmbCharacters characters = SmbCharacters::kMessage);
+// Shows on the line that `in` is the place under what the entry is called.
+void NameSmbEntry(const Place& in, const SmbString& name);
 void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t alignment, const char* label = "Pad");
 // The padding in front of what stands at an offset from the header's first byte; nothing for one that is behind the
 // cursor or past its end.

@@ -58,7 +58,7 @@ void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c, uint32_
   if (!length.here) return;
   const bool isAligned = message.isUnicode && level == kStandard;
   if (isAligned) AddSmbPad(message, in, c, 2);
-  AddSmbCounted(message, in, c, length.value, "File Name");
+  NameSmbEntry(in, AddSmbCounted(message, in, c, length.value, "File Name"));
   const int32_t terminator = isAligned ? 2 : 1;
   if (Left(c) >= terminator && c.at[0] == 0 && c.at[terminator - 1] == 0) {
     const Field pad = TakeBytes(c, terminator);
@@ -81,12 +81,12 @@ void AddDatedEntry(const SmbMessage& message, const Place& at, Cursor& c, uint32
 void AddUnixEntry(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level) {
   if (level == kUnix) {
     AddSmbUnixBasic(message, in, c, 0);
-    AddSmbString(message, in, c, "File Name");
+    NameSmbEntry(in, AddSmbString(message, in, c, "File Name"));
     return;
   }
   AddSmbUnixInfo2(message, in, c, 0);
   const Field length = AddSmbField(message, in, c, kNameLength);
-  if (length.here) AddSmbCounted(message, in, c, length.value, "File Name");
+  if (length.here) NameSmbEntry(in, AddSmbCounted(message, in, c, length.value, "File Name"));
 }
 
 void AddTimedEntry(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level) {
@@ -102,7 +102,7 @@ void AddTimedEntry(const SmbMessage& message, const Place& in, Cursor& c, uint32
     AddSmbField(message, in, c, {kSmbBytes, "Reserved", {}, level == kIdBothDirectory ? 2 : 4});
     AddSmbFields(message, in, c, kFileId);
   }
-  if (length.here) AddSmbCounted(message, in, c, length.value, "File Name");
+  if (length.here) NameSmbEntry(in, AddSmbCounted(message, in, c, length.value, "File Name"));
 }
 
 }  // namespace

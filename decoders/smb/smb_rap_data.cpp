@@ -99,10 +99,16 @@ uint32_t AddStructureField(const SmbMessage& message, const Place& in, Cursor& c
   return 0;
 }
 
+bool IsSign(char c) { return c == '@' || c == '#' || c == '&' || c == '~'; }
+
 uint32_t AddStructure(const SmbMessage& message, const Place& at, Cursor& c, Buffer& buffer, const char* descriptor,
                       const char* labels, const char* title) {
   Cursor fields = TakeCursor(c, SizeOf(descriptor));
   const Place in = Under(at, AddLine(at, Ahead(fields, fields.left), "%s", title));
+  if (*descriptor == 'B' && *labels && !IsSign(*labels)) {   // it starts with its name
+    Cursor name = fields;
+    NameSmbEntry(in, TakeSmbString(message, name, SmbCharacters::kOem));
+  }
   uint32_t auxiliary = 0;
   for (RapItem item{}; TakeRapItem(descriptor, item) && Left(fields) > 0;) {
     auxiliary += AddStructureField(message, in, fields, buffer, item, labels);
@@ -110,8 +116,6 @@ uint32_t AddStructure(const SmbMessage& message, const Place& at, Cursor& c, Buf
   AddBlock(in, Rest(fields), "Structure Data");
   return auxiliary;
 }
-
-bool IsSign(char c) { return c == '@' || c == '#' || c == '&' || c == '~'; }
 
 struct Signed {
   char sign;

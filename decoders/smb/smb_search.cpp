@@ -41,7 +41,7 @@ void AddEntry(SmbBlock& block, Cursor& c) {
   const Place in = Under(block.in, line);
   AddResumeKey(block, in, entry);
   AddSmbFields(*block.message, in, entry, kEntry);
-  AddSmbCounted(*block.message, in, entry, kNameSize, "File Name", SmbCharacters::kOem);
+  NameSmbEntry(in, AddSmbCounted(*block.message, in, entry, kNameSize, "File Name", SmbCharacters::kOem));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Strings and times of SMB as texts.
+#include "core/civil_date.h"
 #include "decoders/smb/smb_block.h"
 
 namespace qxview {
@@ -45,30 +46,16 @@ int32_t WidthOf(const SmbMessage& message, SmbCharacters characters) {
   return characters == SmbCharacters::kUnicode || message.isUnicode ? 2 : 1;
 }
 
-LineHandle AddText(const Place& in, const char* label, const SmbString& string) {
-  return AddLine(in, string.field, "%s: %s", label, string.text[0] ? string.text : "<null string>");
+void AddText(const Place& in, const char* label, const SmbString& string) {
+  AddLine(in, string.field, "%s: %s", label, string.text[0] ? string.text : "<null string>");
 }
 
 constexpr int64_t kSecondsTo1970 = 11644473600;   // from 1601
 
-struct Date { int64_t year; uint32_t month, day; };
-
-// The civil date of a day counted from 1970-01-01: eras of 400 years that begin in March.
-Date DateOf(int64_t days) {
-  days += 719468;
-  const int64_t era = (days >= 0 ? days : days - 146096) / 146097;
-  const uint32_t ofEra = static_cast<uint32_t>(days - era * 146097);
-  const uint32_t year = (ofEra - ofEra / 1460 + ofEra / 36524 - ofEra / 146096) / 365;
-  const uint32_t ofYear = ofEra - (365 * year + year / 4 - year / 100);
-  const uint32_t march = (5 * ofYear + 2) / 153;
-  const uint32_t month = march < 10 ? march + 3 : march - 9;
-  return {static_cast<int64_t>(year) + era * 400 + (month <= 2 ? 1 : 0), month, ofYear - (153 * march + 2) / 5 + 1};
-}
-
 SmbTime TextOfSeconds(int64_t seconds) {
   const int64_t days = (seconds >= 0 ? seconds : seconds - 86399) / 86400;
   const uint32_t ofDay = static_cast<uint32_t>(seconds - days * 86400);
-  const Date date = DateOf(days);
+  const CivilDate date = DateOfDay(days);
   SmbTime out;
   FormatInto(out.text, sizeof out.text, "%.04u-%.02u-%.02u %.02u:%.02u:%.02u", static_cast<uint32_t>(date.year),
              date.month, date.day, ofDay / 3600, ofDay / 60 % 60, ofDay % 60);
@@ -89,19 +76,26 @@ SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters char
   return out;
 }
 
-LineHandle AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
-                        SmbCharacters characters) {
-  if (Left(c) < 1) return 0;
+SmbString AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, const char* label,
+                       SmbCharacters characters) {
+  if (Left(c) < 1) return {};
   if (WidthOf(message, characters) == 2 && characters != SmbCharacters::kUnaligned) AddSmbPad(message, in, c, 2);
-  return AddText(in, label, TakeSmbString(message, c, characters));
+  const SmbString string = TakeSmbString(message, c, characters);
+  AddText(in, label, string);
+  return string;
 }
 
-LineHandle AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
-                         SmbCharacters characters) {
+SmbString AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
+                        SmbCharacters characters) {
   SmbString out;
   out.field = TakeBytes(c, length < Left(c) ? length : Left(c));
   PutText(out, WidthOf(message, characters));
-  return AddText(in, label, out);
+  AddText(in, label, out);
+  return out;
+}
+
+void NameSmbEntry(const Place& in, const SmbString& name) {
+  if (name.text[0]) AppendToParent(in, name.field, ": %s", name.text);
 }
 
 SmbTime SmbUnixTime(uint32_t seconds) {

@@ -7,9 +7,13 @@
  *
  * How a library adds lines:
  *  - on every platform as the module does: append the line with the range-table index *rangeCount as its tag, store
- *    the range at (*rangeTable)[*rangeCount], add 1 to *rangeCount, and double the table when it is full;
- *  - off Windows, simply with tree->addLine, which does all of that, and serves the print, save and find modes too.
- * On Windows `tree` is the handle of the tree view control.
+ *    the range at (*rangeTable)[*rangeCount], add 1 to *rangeCount, and double the table when it is full (with the C
+ *    library's realloc, on Windows that of msvcrt.dll);
+ *  - where the tree is a record (QxTree), simply with tree->addLine, which does all of that, and serves the print, save
+ *    and find modes too.
+ * On Windows `tree` is the handle of the tree view control when lines are shown in a view's window, and they are added
+ * with the control's messages; in the other modes, and for a view without a window, it is the record as off Windows.
+ * IsWindow tells which.
  */
 #ifndef QXVIEW_CUSTOM_DECODER_H
 #define QXVIEW_CUSTOM_DECODER_H
@@ -41,8 +45,8 @@ typedef struct CustomDecodeBlock {
 /* A line: an opaque value, 0 for none and, as a parent, for the top level; 1000 outside display mode. */
 typedef uintptr_t QxLine;
 
-/* The decode tree off Windows. Ranges: bits 0-7 kind (0), 10-36 frame offset, 37-63 length. Images: 9 to 12 are
- * nesting levels 2 to 5. */
+/* The decode tree off Windows, and where a view has no window. Ranges: bits 0-7 kind (0), 10-36 frame offset, 37-63
+ * length. Images: 9 to 12 are nesting levels 2 to 5. */
 typedef struct QxTree QxTree;
 struct QxTree {
   uint32_t size;   /* of this record */

@@ -194,6 +194,25 @@ QXVIEW_EXPORT int64_t GetCurrentPacketNumber(void *view);
 /* Removes every line of the view. */
 QXVIEW_EXPORT void ClearDecodeLists(void *view);
 
+/* ---- The view's window (Windows; elsewhere there is none, and the results are null and 0) ---- */
+
+/* Makes the window that shows the view's lines in a tree view control, empty until the next packet is decoded.
+ * parent: the window that it becomes a child of, at this place of the client area; null for a window of its own. A width
+ * or height below 1 fills the parent. Lines are the control's item handles as long as the window is there. The control's
+ * notifications go on to the parent in their ANSI form, but for TVN_DELETEITEM; WM_SETFONT sent to the window goes to
+ * the control. The line that the user selects stays selected from packet to packet. To be called, as everything that
+ * this view is given from then on, on the thread that runs the window. The window goes with its parent, with the view
+ * or by DestroyWindow. The window's handle; null when the view has a window already, or when it cannot be made. */
+QXVIEW_EXPORT void *CreateViewWindow(void *view, void *parent, int32_t left, int32_t top, int32_t width,
+                                     int32_t height);
+
+/* Puts the window right after its surroundings changed: one that fills its parent is fitted to it, and the selected line
+ * is scrolled into sight. 1, or 0 for a view without a window. */
+QXVIEW_EXPORT int32_t CorrectView(void *view);
+
+/* Gives the keyboard to the tree. 1, or 0 for a view without a window. */
+QXVIEW_EXPORT int32_t SetFocusOnDecodeList(void *view);
+
 /* ---- Capture buffer files (docs/capture-file.md) ---- */
 
 /* A save. The caller sets size and zeroes what it does not use. */

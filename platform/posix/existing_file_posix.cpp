@@ -42,17 +42,6 @@ bool ExistingFile::Open(const std::string& path, std::string* why) {
   return true;
 }
 
-BufferFile ExistingFile::File() {
-  return {this,
-          [](void* handle, uint8_t* out, int32_t length) {
-            return ReadFileBytes(static_cast<ExistingFile*>(handle)->file_, out, length);
-          },
-          [](void* handle, const uint8_t* bytes, int32_t length) {
-            const OutputSink sink = FileSink(static_cast<ExistingFile*>(handle)->file_);
-            return sink.write(sink.handle, reinterpret_cast<const char*>(bytes), length);
-          }};
-}
-
 bool ExistingFile::Keep(std::string* why) {
   const int file = static_cast<int>(file_);
   const bool good = fsync(file) == 0;

@@ -1,8 +1,12 @@
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
 
 #include "platform/platform.h"
 
@@ -28,7 +32,43 @@ int32_t MoveDescriptorBack(void* handle, int64_t bytes) {
   return ftruncate(descriptor, now - bytes) == 0 && lseek(descriptor, now - bytes, SEEK_SET) >= 0 ? 1 : 0;
 }
 
+bool ReadStatus(const std::string& path, struct stat* status) {
+  return (path == "-" ? fstat(STDIN_FILENO, status) : stat(path.c_str(), status)) == 0;
+}
+
 }  // namespace
+
+std::vector<std::string> StartProgram(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
+  std::signal(SIGXFSZ, SIG_IGN);   // a file at its size limit is a write that fails, with its message
+  return {argv, argv + argc};
+}
+
+// $XDG_CONFIG_HOME/vantrell/view.ini, or .config/vantrell/view.ini under $HOME.
+UserSettings FindUserSettings() {
+  UserSettings found;
+  const char* config = std::getenv("XDG_CONFIG_HOME");
+  const char* home = std::getenv("HOME");
+  if (config && config[0]) {
+    found.file = std::string(config) + "/vantrell/view.ini";
+  } else if (home && home[0]) {
+    found.file = std::string(home) + "/.config/vantrell/view.ini";
+  }
+  return found;
+}
+
+bool IsSameFile(const std::string& a, const std::string& b) {
+  struct stat one {}, other {};
+  return ReadStatus(a, &one) && ReadStatus(b, &other) && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+int64_t CurrentTime() { return std::time(nullptr); }
+
+int64_t LocalOffset(int64_t utcSeconds) {
+  const std::time_t time = utcSeconds;
+  std::tm local{};
+  return localtime_r(&time, &local) ? local.tm_gmtoff : 0;
+}
 
 LibraryLoader PlatformLibraryLoader() {
   return {[](const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); },

@@ -18,6 +18,17 @@ bool IsInUse(const char* fileName) {
   return false;
 }
 
+using AskFunction = BOOL(WINAPI*)(OPENFILENAMEA*);
+
+// The system's dialogs bring half of its shell along: they are loaded when the first one is shown, and the module by
+// itself is loaded in a moment.
+AskFunction FindAskFunction(bool saving) {
+  static const HMODULE dialogs = LoadLibraryW(L"comdlg32.dll");
+  if (!dialogs) return nullptr;
+  const FARPROC function = GetProcAddress(dialogs, saving ? "GetSaveFileNameA" : "GetOpenFileNameA");
+  return reinterpret_cast<AskFunction>(reinterpret_cast<void*>(function));
+}
+
 }  // namespace
 
 void ShowMessageBox(void* window, const char* text, const char* title, BoxStyle style) {
@@ -40,8 +51,9 @@ bool AskFileName(void* window, const FileDialog& dialog, char* fileName, int32_t
   ask.lpstrDefExt = "BFR";
   ask.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST |
               (dialog.saving ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
+  const AskFunction show = FindAskFunction(dialog.saving);
   for (;;) {
-    if (!(dialog.saving ? GetSaveFileNameA(&ask) : GetOpenFileNameA(&ask))) return false;
+    if (!show || !show(&ask)) return false;
     if (!IsInUse(fileName)) return true;
     ShowMessageBox(window, dialog.inUseMessage, dialog.title, BoxStyle::kPlain);
   }

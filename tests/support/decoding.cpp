@@ -139,12 +139,13 @@ TestHost::TestHost() {
   };
 }
 
-TestView::TestView(TestHost* host) : ownHost_(host ? nullptr : new TestHost), host_(host ? host : ownHost_.get()) {}
+TestView::TestView(TestHost* host, TreeKind kind)
+    : ownHost_(host ? nullptr : new TestHost), host_(host ? host : ownHost_.get()), tree_(kind) {}
 
 View& TestView::view() {
   if (!view_.context) {
     view_.context = CreateDecodeContext();
-    view_.tree = &tree_;
+    view_.tree = &tree();
     view_.engine = CreateEngine(&host_->host, loader);
     view_.expansionMask = 1;
     view_.selectionPath[0] = -1;
@@ -163,7 +164,7 @@ int32_t TestView::Decode(const Bytes& frame, uint8_t mediaType) {
 }
 
 int32_t TestView::Decode(Record& record, int32_t skipBytes) {
-  ClearDecodeTree(&view(), &tree_, true);
+  ClearDecodeTree(&view(), &tree(), true);
   return DecodeFrame(&view(), record.get(), 0, 0, skipBytes);
 }
 
@@ -173,7 +174,7 @@ int32_t TestView::Run(DecoderFunction decode, const Bytes& bytes, int32_t level)
   if (!bytes.empty()) std::memcpy(exact.get(), bytes.data(), bytes.size());
   Record record({}, 0);
   View& v = view();
-  ClearDecodeTree(&v, &tree_, true);
+  ClearDecodeTree(&v, &tree(), true);
   v.context->packet = PacketState{};
   v.context->packet.frame = record.get();
   v.context->packet.linesLeft = kMostLines;
@@ -185,11 +186,11 @@ int32_t TestView::Run(DecoderFunction decode, const Bytes& bytes, int32_t level)
 std::string TestView::Text(bool dumps) const {
   std::string out;
   const std::function<void(LineHandle, int)> add = [&](LineHandle parent, int depth) {
-    for (LineHandle line = tree_.FirstChild(parent); line; line = tree_.NextSibling(line)) {
-      const ByteRange range = view_.context->rangeTable[tree_.RangeIndex(line)];
-      const bool dump = tree_.Image(line) == kBitFieldImage && RangeKind(range) == kRawDataKind;
+    for (LineHandle line = tree_->FirstChild(parent); line; line = tree_->NextSibling(line)) {
+      const ByteRange range = view_.context->rangeTable[tree_->RangeIndex(line)];
+      const bool dump = tree_->Image(line) == kBitFieldImage && RangeKind(range) == kRawDataKind;
       if (!dump || dumps) {
-        out += std::string(static_cast<size_t>(2 * depth), ' ') + tree_.TextOf(line) + " {";
+        out += std::string(static_cast<size_t>(2 * depth), ' ') + tree_.Text(line) + " {";
         if (RangeKind(range) != 0) out += std::to_string(RangeKind(range)) + ":";
         out += std::to_string(RangeOffset(range)) + "+" + std::to_string(RangeLength(range)) + "}\n";
       }

@@ -10,7 +10,7 @@
 
 #include "core/decoder.h"
 #include "core/frame_entry.h"
-#include "view/arena_tree.h"
+#include "tests/support/trees.h"
 
 namespace qxview::testing {
 
@@ -46,13 +46,14 @@ struct TestHost {
   std::vector<std::pair<std::string, std::string>> settings;
 };
 
-// A view over an arena tree with an engine of its own. The engine reads its settings when the first frame is decoded.
+// A view over a tree with an engine of its own. The engine reads its settings when the first frame is decoded.
 class TestView {
  public:
-  explicit TestView(TestHost* host = nullptr);
+  explicit TestView(TestHost* host = nullptr, TreeKind kind = TreeKind::kArena);
   ~TestView();
   View& view();
-  ArenaTree& tree() { return tree_; }
+  DecodeTree& tree() { return *tree_; }
+  std::string LineText(LineHandle line) const { return tree_.Text(line); }
   DecodeContext& context() { return *view().context; }
   LibraryLoader loader{};
 
@@ -70,7 +71,7 @@ class TestView {
  private:
   std::unique_ptr<TestHost> ownHost_;
   TestHost* host_;
-  ArenaTree tree_;
+  TestTree tree_;
   mutable View view_{};
 };
 

@@ -1,13 +1,10 @@
 // What HTTP's cases are written with: payloads as text, and a connection whose earlier segments the host lends.
 #pragma once
-#include <pthread.h>
-
-#include <chrono>
-#include <functional>
 #include <string>
 
 #include "host/segment_history.h"
 #include "tests/support/decoding.h"
+#include "tests/support/small_stack.h"
 
 namespace qxview {
 int32_t DecodeHttp(const Place& at, Cursor c);
@@ -53,33 +50,6 @@ constexpr double kSlowness = 20;
 #else
 constexpr double kSlowness = 1;
 #endif
-
-// The shortest of five runs: others share the machine.
-inline double BestMilliseconds(const std::function<void()>& run) {
-  double best = 1e9;
-  for (int i = 0; i < 5; ++i) {
-    const auto start = std::chrono::steady_clock::now();
-    run();
-    best =
-        std::min(best, std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
-  }
-  return best;
-}
-
-// Runs it in a thread with a stack of 256 KB.
-inline void RunOnSmallStack(const std::function<void()>& run) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 << 10);
-  pthread_t thread;
-  const auto start = [](void* given) -> void* {
-    (*static_cast<const std::function<void()>*>(given))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, start, const_cast<std::function<void()>*>(&run)), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
 
 }  // namespace testing
 }  // namespace qxview

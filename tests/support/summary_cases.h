@@ -36,6 +36,6 @@ class GuardedBytes {
   size_t mapped_;
 };
 
-Bytes Ascii(const std::string& text);
+inline Bytes Ascii(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
 }  // namespace qxview::testing

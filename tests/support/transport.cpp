@@ -1,9 +1,5 @@
 #include "tests/support/transport.h"
 
-#include <pthread.h>
-
-#include <chrono>
-
 #include "core/internet_checksum.h"
 
 namespace qxview {
@@ -75,29 +71,6 @@ void SetChecksum(Bytes& data, size_t place, uint8_t ipProtocol) {
   const uint32_t checksum = RightChecksum(SumWords(PseudoSum(ipProtocol, length), data.data(), length), 0);
   data[place] = static_cast<uint8_t>(checksum >> 8);
   data[place + 1] = static_cast<uint8_t>(checksum);
-}
-
-double RunOnSmallStack(const std::function<void()>& work) {
-  struct Job {
-    const std::function<void()>* work;
-    double milliseconds;
-  } job{&work, 0};
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, 256 * 1024);
-  pthread_t thread;
-  const auto run = [](void* held) -> void* {
-    auto* mine = static_cast<Job*>(held);
-    const auto start = std::chrono::steady_clock::now();
-    (*mine->work)();
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-    mine->milliseconds = took.count();
-    return nullptr;
-  };
-  EXPECT_EQ(pthread_create(&thread, &attributes, run, &job), 0);
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-  return job.milliseconds;
 }
 
 }  // namespace testing

@@ -3,6 +3,7 @@
 #pragma once
 #include "host/protocol_definitions.h"
 #include "tests/support/decoding.h"
+#include "tests/support/small_stack.h"
 
 namespace qxview::testing {
 
@@ -42,8 +43,5 @@ struct TcpParts {
 Bytes Tcp(const TcpParts& parts);
 // Sets the two bytes at `place` so that the checksum over the pseudo-header of testNetwork is good.
 void SetChecksum(Bytes& data, size_t place, uint8_t ipProtocol);
-
-// Runs the work on a thread with a stack of 256 KB and returns its time in milliseconds.
-double RunOnSmallStack(const std::function<void()>& work);
 
 }  // namespace qxview::testing

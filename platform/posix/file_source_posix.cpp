@@ -1,41 +1,17 @@
-// Files and pipes as byte sources, on POSIX systems and on Windows.
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <new>
 
 #include "files/byte_source.h"
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
 
 namespace qxview {
-
 namespace {
 
-#ifdef _WIN32
-using FileStatus = struct _stat64;
-int OpenForReading(const char* path) { return _open(path, _O_RDONLY | _O_BINARY); }
-int UseStandardInput() { return _setmode(0, _O_BINARY) == -1 ? -1 : 0; }
-int ReadStatus(int file, FileStatus* status) { return _fstat64(file, status); }
-int64_t CurrentOffset(int file) { return _lseeki64(file, 0, SEEK_CUR); }
-int ReadBytes(int file, uint8_t* out, size_t size) { return _read(file, out, static_cast<unsigned>(size)); }
-void CloseFile(int file) { _close(file); }
-#else
-using FileStatus = struct stat;
-int OpenForReading(const char* path) { return open(path, O_RDONLY | O_CLOEXEC); }
-int UseStandardInput() { return 0; }
-int ReadStatus(int file, FileStatus* status) { return fstat(file, status); }
-int64_t CurrentOffset(int file) { return lseek(file, 0, SEEK_CUR); }
-ssize_t ReadBytes(int file, uint8_t* out, size_t size) { return read(file, out, size); }
-void CloseFile(int file) { close(file); }
-#endif
-
-bool IsKind(const FileStatus& status, unsigned kind) { return (status.st_mode & S_IFMT) == kind; }
+bool IsKind(const struct stat& status, unsigned kind) { return (status.st_mode & S_IFMT) == kind; }
 
 // A file descriptor; standard input is left open.
 class Descriptor {
@@ -44,7 +20,7 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   ~Descriptor() {
-    if (file_ > 0) CloseFile(file_);
+    if (file_ > 0) close(file_);
   }
   int Get() const { return file_; }
 
@@ -66,7 +42,7 @@ class ReadingSource : public BufferedSource {
  protected:
   size_t ReadSome(uint8_t* out, size_t size) override {
     for (;;) {
-      auto got = ReadBytes(file_->Get(), out, size);
+      const ssize_t got = read(file_->Get(), out, size);
       if (got >= 0) return static_cast<size_t>(got);
       if (errno == EINTR) continue;
       failure_ = std::strerror(errno);
@@ -83,14 +59,14 @@ class ReadingSource : public BufferedSource {
 }  // namespace
 
 std::unique_ptr<ByteSource> OpenFileSource(const char* path, std::string* reason) {
-  int number = std::strcmp(path, "-") == 0 ? UseStandardInput() : OpenForReading(path);
-  FileStatus status{};
+  const int number = std::strcmp(path, "-") == 0 ? STDIN_FILENO : open(path, O_RDONLY | O_CLOEXEC);
+  struct stat status {};
   if (number < 0) {
     *reason = std::strerror(errno);
     return nullptr;
   }
   std::unique_ptr<Descriptor> file(new (std::nothrow) Descriptor(number));
-  if (!file || ReadStatus(number, &status) != 0) {
+  if (!file || fstat(number, &status) != 0) {
     *reason = std::strerror(file ? errno : ENOMEM);
     return nullptr;
   }
@@ -99,7 +75,7 @@ std::unique_ptr<ByteSource> OpenFileSource(const char* path, std::string* reason
     return nullptr;
   }
   uint64_t size = IsKind(status, S_IFREG) ? static_cast<uint64_t>(status.st_size) : 0;
-  int64_t offset = size ? CurrentOffset(number) : 0;
+  int64_t offset = size ? lseek(number, 0, SEEK_CUR) : 0;
   std::unique_ptr<ByteSource> source(
       new (std::nothrow) ReadingSource(std::move(file), offset > 0 ? static_cast<uint64_t>(offset) : 0, size));
   if (!source) *reason = "out of memory";

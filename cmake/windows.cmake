@@ -1,0 +1,26 @@
+# What the cross-build for Windows takes from this machine's own packages instead of the cross-compiler's folder.
+
+# Inside the library and the program, which then need nothing but what every Windows has.
+set(ZLIB_USE_STATIC_LIBS ON)
+
+# CLI11 is headers alone. A folder with nothing else in it keeps this machine's other headers out.
+find_path(CLI11_FOLDER CLI/CLI.hpp PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)
+if(NOT CLI11_FOLDER)
+  message(FATAL_ERROR "CLI/CLI.hpp is not on this machine (Debian: libcli11-dev)")
+endif()
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
+file(CREATE_LINK ${CLI11_FOLDER}/CLI ${CMAKE_BINARY_DIR}/headers/CLI SYMBOLIC)
+include_directories(SYSTEM ${CMAKE_BINARY_DIR}/headers)
+
+# GoogleTest from its sources (Debian: googletest).
+set(GTEST_SOURCES /usr/src/googletest/googletest CACHE PATH "GoogleTest's source folder")
+if(QXVIEW_TESTS AND EXISTS ${GTEST_SOURCES}/src/gtest-all.cc)
+  add_library(windows_gtest STATIC EXCLUDE_FROM_ALL ${GTEST_SOURCES}/src/gtest-all.cc ${GTEST_SOURCES}/src/gtest_main.cc)
+  target_include_directories(windows_gtest SYSTEM PUBLIC ${GTEST_SOURCES}/include PRIVATE ${GTEST_SOURCES})
+  target_compile_options(windows_gtest PRIVATE -w -include ${CMAKE_SOURCE_DIR}/tests/windows/gtest_handles.h)
+  # The cross-compiler's threads are Windows' own, which its <mutex> does not know; the tests run on one.
+  target_compile_definitions(windows_gtest PUBLIC GTEST_IS_THREADSAFE=0)
+  add_library(GTest::gtest ALIAS windows_gtest)
+  add_library(GTest::gtest_main ALIAS windows_gtest)
+  set(GTest_FOUND TRUE)
+endif()

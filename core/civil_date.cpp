@@ -1,0 +1,18 @@
+#include "core/civil_date.h"
+
+namespace qxview {
+
+// In eras of 400 years, with years that start in March: the leap day is a year's last.
+CivilDate DateOfDay(int64_t day) {
+  day += 719468;
+  const int64_t era = (day >= 0 ? day : day - 146096) / 146097;
+  const uint32_t dayOfEra = static_cast<uint32_t>(day - era * 146097);
+  const uint32_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const uint32_t shifted = (5 * dayOfYear + 2) / 153;
+  const uint32_t month = shifted < 10 ? shifted + 3 : shifted - 9;
+  return {static_cast<int64_t>(yearOfEra) + era * 400 + (month <= 2 ? 1 : 0), month,
+          dayOfYear - (153 * shifted + 2) / 5 + 1};
+}
+
+}  // namespace qxview

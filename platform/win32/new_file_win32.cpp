@@ -1,0 +1,89 @@
+#include <windows.h>
+
+#include "platform/new_file.h"
+#include "platform/platform.h"
+#include "platform/win32/wide_text.h"
+
+namespace qxview {
+namespace {
+
+constexpr int kMostAttempts = 100;
+constexpr DWORD kLongestPath = 32768;
+
+HANDLE HandleOf(int64_t file) { return reinterpret_cast<HANDLE>(static_cast<intptr_t>(file)); }
+
+// The file that a link leads to, so that the link keeps pointing to what is replaced.
+std::string ResolveLink(const std::string& path) {
+  const HANDLE file = CreateFileW(WidePathOf(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return path;
+  std::wstring resolved(kLongestPath, L'\0');
+  const DWORD length = GetFinalPathNameByHandleW(file, resolved.data(), kLongestPath, 0);
+  CloseHandle(file);
+  return length > 0 && length < kLongestPath ? NarrowOf(resolved.c_str()) : path;
+}
+
+// A device or a pipe, which is written in place.
+bool IsDevice(const std::wstring& path) {
+  const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  const bool device = GetFileType(file) != FILE_TYPE_DISK;
+  CloseHandle(file);
+  return device;
+}
+
+// Creates PATH.NNNNNN with a number that no file has yet.
+HANDLE CreateBeside(const std::string& path, std::string* name) {
+  uint32_t number = GetTickCount() ^ GetCurrentProcessId() << 16;
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt, number = number * 1664525 + 1013904223) {
+    *name = path + "." + std::to_string(100000 + number % 900000);
+    const HANDLE file = CreateFileW(WidePathOf(*name).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return file;
+  }
+  return INVALID_HANDLE_VALUE;
+}
+
+}  // namespace
+
+NewFile::~NewFile() {
+  if (file_ >= 0) CloseHandle(HandleOf(file_));
+  if (!temporary_.empty()) DeleteFileW(WidePathOf(temporary_).c_str());
+}
+
+bool NewFile::Create(const std::string& path, std::string* message) {
+  const DWORD attributes = GetFileAttributesW(WidePathOf(path).c_str());
+  const bool there = attributes != INVALID_FILE_ATTRIBUTES;
+  if (there && (attributes & FILE_ATTRIBUTE_DIRECTORY)) return *message = path + ": is a directory", false;
+  if (there && (attributes & FILE_ATTRIBUTE_READONLY)) {
+    return *message = path + ": " + ErrorText(ERROR_ACCESS_DENIED), false;
+  }
+  direct_ = IsDevice(WidePathOf(path));
+  path_ = there && !direct_ ? ResolveLink(path) : path;
+  const HANDLE file = direct_ ? CreateFileW(WidePathOf(path_).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                            nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)
+                              : CreateBeside(path_, &temporary_);
+  if (file != INVALID_HANDLE_VALUE) {
+    file_ = reinterpret_cast<intptr_t>(file);
+    return true;
+  }
+  *message = path + ": " + ErrorText(GetLastError());
+  temporary_.clear();
+  return false;
+}
+
+OutputSink NewFile::Sink() const { return FileSink(file_); }
+
+bool NewFile::Keep(std::string* message) {
+  bool good = direct_ || FlushFileBuffers(HandleOf(file_));
+  good = CloseHandle(HandleOf(file_)) && good;
+  file_ = -1;
+  good = good && (direct_ || MoveFileExW(WidePathOf(temporary_).c_str(), WidePathOf(path_).c_str(),
+                                         MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+  if (!good) *message = path_ + ": " + ErrorText(GetLastError());
+  if (good) temporary_.clear();
+  return good;
+}
+
+}  // namespace qxview

@@ -1,0 +1,131 @@
+// The decode tree itself, whatever stands behind it: what decoders, user libraries and the view ask of it.
+#include "tests/support/trees.h"
+
+namespace qxview::testing {
+namespace {
+
+class Tree : public ::testing::TestWithParam<TreeKind> {
+ protected:
+  LineHandle Add(LineHandle parent, const std::string& text, uint32_t index = 0, int32_t image = 9,
+                 bool selected = false) {
+    return tree_->Append({parent, text.c_str(), static_cast<int32_t>(text.size()), image, index, selected});
+  }
+  // All lines, each with its children in parentheses.
+  std::string Outline(LineHandle parent = 0) {
+    std::string out;
+    for (LineHandle line = tree_->FirstChild(parent); line; line = tree_->NextSibling(line)) {
+      EXPECT_EQ(tree_->Parent(line), parent);
+      if (!out.empty()) out += ' ';
+      out += tree_.Text(line);
+      if (tree_->FirstChild(line)) out.append("(").append(Outline(line)).append(")");
+    }
+    return out;
+  }
+  TestTree tree_{GetParam()};
+};
+INSTANTIATE_TEST_SUITE_P(Trees, Tree, ::testing::ValuesIn(TreeKinds()), TreeName);
+
+TEST_P(Tree, KeepsLinesInOrderWithTheirTags) {
+  EXPECT_EQ(tree_->FirstChild(0), 0u);
+  EXPECT_EQ(tree_->LastChild(0), 0u);
+  const LineHandle a = Add(0, "a", 7, 22), b = Add(0, "b", 0xFFFFFFFF, 6);
+  const LineHandle a1 = Add(a, "a1"), a2 = Add(a, "a2");
+  Add(a1, "a11");
+  EXPECT_EQ(Outline(), "a(a1(a11) a2) b");
+  EXPECT_EQ(tree_->LastChild(0), b);
+  EXPECT_EQ(tree_->LastChild(a), a2);
+  EXPECT_EQ(tree_->LastChild(a2), 0u);
+  EXPECT_EQ(tree_->RangeIndex(a), 7u);
+  EXPECT_EQ(tree_->RangeIndex(b), 0xFFFFFFFFu);
+  EXPECT_EQ(tree_->Image(a), 22);
+  EXPECT_EQ(tree_->Image(b), 6);
+  tree_->SetRangeIndex(a, 8);
+  EXPECT_EQ(tree_->RangeIndex(a), 8u);
+  EXPECT_EQ(tree_.Text(a), "a");
+  EXPECT_TRUE(tree_->Holds(a2));
+  EXPECT_FALSE(tree_->Holds(0));
+  tree_->Clear();
+  EXPECT_EQ(Outline(), "");
+  Add(0, "again");
+  EXPECT_EQ(Outline(), "again");
+}
+
+TEST_P(Tree, GivesEveryByteBack) {
+  std::string all;
+  for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
+  const LineHandle line = Add(0, all);
+  EXPECT_EQ(tree_.Text(line), all);
+  for (const size_t length : {0, 259, 260, 261, 300, 1100}) {
+    const std::string text(length, '\xE4');
+    tree_->SetText(line, text.c_str(), static_cast<int32_t>(length));
+    EXPECT_EQ(tree_.Text(line), text);
+    EXPECT_EQ(tree_.Text(Add(line, text)), text);
+  }
+  tree_->SetText(line, "0123456789", 10);
+  for (const int32_t size : {12, 11, 10, 5, 1}) {
+    char out[16] = "###############";
+    const int32_t kept = size > 10 ? 10 : size - 1;
+    EXPECT_EQ(tree_->GetText(line, out, size), kept);
+    EXPECT_EQ(std::string(out), std::string("0123456789").substr(0, static_cast<size_t>(kept)));
+    EXPECT_EQ(out[size], '#');
+  }
+  char untouched = '#';
+  EXPECT_EQ(tree_->GetText(line, &untouched, 0), 0);
+  EXPECT_EQ(untouched, '#');
+  EXPECT_EQ(tree_->GetText(0, &untouched, 1), 0);
+}
+
+TEST_P(Tree, DeletesSubtreesAndTheSelectionInThem) {
+  const LineHandle a = Add(0, "a"), b = Add(0, "b"), c = Add(0, "c");
+  Add(a, "a1");
+  const LineHandle b1 = Add(b, "b1"), b11 = Add(b1, "b11");
+  Add(b, "b2");
+  tree_->Select(b11);
+  EXPECT_EQ(tree_->Selected(), b11);
+  tree_->Delete(b1);
+  EXPECT_EQ(Outline(), "a(a1) b(b2) c");
+  EXPECT_EQ(tree_->Selected(), 0u) << "no neighbour takes the selection over";
+  tree_->Select(a);
+  tree_->Delete(c);
+  EXPECT_EQ(tree_->Selected(), a);
+  tree_->Delete(0);
+  tree_->Delete(b);
+  tree_->Delete(a);
+  EXPECT_EQ(Outline(), "");
+  EXPECT_EQ(tree_->Selected(), 0u);
+}
+
+TEST_P(Tree, SelectsAndExpands) {
+  tree_->HoldRedraw(true);
+  const LineHandle top = Add(0, "top");
+  const LineHandle found = Add(top, "found", 1, 9, true);
+  const LineHandle other = Add(top, "other");
+  EXPECT_EQ(tree_->Selected(), found);
+  EXPECT_FALSE(tree_->IsExpanded(top));
+  tree_->Expand(top, true);
+  EXPECT_TRUE(tree_->IsExpanded(top));
+  tree_->Expand(top, false);
+  EXPECT_FALSE(tree_->IsExpanded(top));
+  tree_->ScrollToTop();
+  tree_->HoldRedraw(false);
+  EXPECT_EQ(tree_->Selected(), found) << "what was found stays marked until another line is selected";
+  tree_->Select(other);
+  EXPECT_EQ(tree_->Selected(), other);
+  tree_->Select(0);
+  EXPECT_EQ(tree_->Selected(), 0u);
+}
+
+TEST_P(Tree, HoldsDeepAndWideTrees) {
+  LineHandle line = 0;
+  for (int depth = 0; depth < 1000; ++depth) line = Add(line, "d");
+  int depth = 0;
+  for (LineHandle at = line; at; at = tree_->Parent(at)) ++depth;
+  EXPECT_EQ(depth, 1000);
+  for (uint32_t i = 0; i < 3000; ++i) Add(tree_->FirstChild(0), "w", i);
+  EXPECT_EQ(tree_->RangeIndex(tree_->LastChild(tree_->FirstChild(0))), 2999u);
+  tree_->Delete(tree_->FirstChild(0));
+  EXPECT_EQ(tree_->FirstChild(0), 0u);
+}
+
+}  // namespace
+}  // namespace qxview::testing
