@@ -80,13 +80,15 @@ const CarriedCase kCases[] = {
     // Both versions of SPX, whatever the sockets.
     {5, 0x451, 0x8104, Hex("50 00 1234 5678 0001 0002 0009 41"),
      {"SPX: Connection 4660 -> 22136, Sequence 1, Acknowledgement 2 {30+12}",
-      ".1......: Acknowledgement Required = True", "0x00 = Client-Defined", "Allocation Number: 9 {40+2}", "SPX Data {8:42+1}"}},
+      ".1......: Acknowledgement Required = True", "0x00 = Client-Defined", "Allocation Number: 9 {40+2}",
+      "SPX Data {8:42+1}"}},
     {5, 0x451, 0x8104, Hex("4C FE 1234 5678 0001 0002 0009 0578"),
      {"{30+14}", "End of Connection", "Size: 1400 {42+2}"}},
     {5, 0x451, 0x8104, Hex("4C FE 1234 5678 0001 0002 0009 05"), {"{30+12}", "SPX Data {8:42+1}"}},
     // NetBIOS: broadcasts have networks in front; name messages to one station have room for them.
     {20, 0x455, 0x455, kNetworks + Hex("84 01") + kHost,
-     {"Find Name, HOST<20> {30+50}", "Network: 00000012 {34+4}", "1.......: Group Name = True", "Name Registered = True", "Name: HOST<20> = Internet Group {64+16}"}},
+     {"Find Name, HOST<20> {30+50}", "Network: 00000012 {34+4}", "1.......: Group Name = True",
+      "Name Registered = True", "Name: HOST<20> = Internet Group {64+16}"}},
     {20, 0x5000, 0x5000, kNetworks + Hex("00 05") + kHost, {"Deregister Name, HOST<20>"}},
     {4, 0x455, 0x455, kNetworks + Hex("44 02") + kHost, {"Name Recognized, HOST<20> {30+50}"}},
     {20, 0x455, 0x455, kNetworks + Hex("00 0B") + kGroup + kHost + kSmb,
