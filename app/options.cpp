@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "app/packet_run.h"
+#include "platform/mib_modules.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -86,6 +87,7 @@ void AddReadingOptions(CLI::App* command, ReadingOptions* options) {
 bool FinishReadingOptions(ReadingOptions* options) {
   options->host.userSettings = FindUserSettings();
   options->host.applicationDirectory = ExecutableDirectory();
+  options->host.readMibModules = ReadMibModules;
   std::string message;
   if (options->packets.empty() || options->selection.Parse(options->packets, &message)) return true;
   Tell(message);

@@ -2,18 +2,21 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <vector>
 
 #include "core/decoder.h"
 #include "core/frame_entry.h"
 #include "core/output_file.h"
+#include "decoders/asn1/snmp.h"
+#include "host/mib_database.h"
 #include "view/arena_tree.h"
 
 namespace qxview {
 namespace {
 
 struct Bench {
-  Bench() {
-    engine = CreateEngine(nullptr, {});
+  explicit Bench(const QxHost* host = nullptr) {
+    engine = CreateEngine(host, {});
     view.context = CreateDecodeContext();
     view.tree = &tree;
     view.engine = engine;
@@ -94,6 +97,34 @@ void DumpRows(benchmark::State& state) {
                                                 benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 BENCHMARK(DumpRows);
+
+// A datagram full of bindings, each of 21 lines and more: with empty object identifiers, and with identifiers of the
+// built-in MIB.
+void Bindings(benchmark::State& state, const QxHost* host, const std::vector<uint8_t>& binding) {
+  Bench bench(host);
+  std::vector<uint8_t> payload = {0x30, 0x82, 0xFF, 0xFF, 2,    1, 1, 4, 0, 0xA2, 0x82, 0xFF, 0xF0, 2,   1,
+                                  1,    2,    1,    0,    2,    1, 0, 0x30, 0x82, 0xFF, 0xE0};
+  while (payload.size() + binding.size() < 60000) payload.insert(payload.end(), binding.begin(), binding.end());
+  for (auto _ : state) {
+    ClearDecodeTree(&bench.view, &bench.tree, true);
+    bench.view.context->packet.linesLeft = kMostLines;
+    DecodeSnmp(TopLevel(&bench.view, 2), payload.data(), 42, static_cast<int32_t>(payload.size()));
+  }
+  state.counters["ns/line"] =
+      benchmark::Counter(static_cast<double>(state.iterations()) * bench.tree.LineCount(),
+                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+void EmptyBindings(benchmark::State& state) { Bindings(state, nullptr, {0x30, 4, 6, 0, 5, 0}); }
+BENCHMARK(EmptyBindings)->Unit(benchmark::kMillisecond);
+
+void NamedBindings(benchmark::State& state) {
+  static MibDatabase mib;
+  QxHost host{};
+  host.size = sizeof host;
+  host.findMibEntry = [](void*, const char* dotted, QxMibEntry* out) { return mib.Find(dotted, out); };
+  Bindings(state, &host, {0x30, 12, 6, 8, 0x2B, 6, 1, 2, 1, 1, 1, 0, 5, 0});
+}
+BENCHMARK(NamedBindings)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace qxview

@@ -15,6 +15,16 @@ LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, cons
                          MakeByteRange(kFieldKind, field.offset, field.length));
 }
 
+LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
+  char line[kLineSize];
+  if (length >= at.lineSize) {
+    text = CopyTextN(line, at.lineSize, text, length);
+    length = at.lineSize - 1;
+  }
+  return AddDecodeLineOf(at.view, at.parent, text, length, image, at.tree,
+                         MakeByteRange(kFieldKind, field.offset, field.length));
+}
+
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
   char added[kLineSize];

@@ -65,6 +65,7 @@ namespace detail {
 LineHandle CountSilentLine(const Place& at);   // towards the frame's bound; the handle of every mode but display
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments);
+LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length);
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments);
 void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
@@ -77,8 +78,19 @@ LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_ide
                    const Args&... args) {
   if (!field.here || at.dead) return 0;
   if (Silent(at)) return detail::CountSilentLine(at);
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments);
+  if constexpr (sizeof...(Args) == 0) {
+    return detail::AddPlain(at, field, LevelImage(at.level), text.text, text.pieces[0].literalLength);
+  } else {
+    const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
+    return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments);
+  }
+}
+
+// The same with a terminated text that was made before.
+inline LineHandle AddMadeLine(const Place& at, const Field& field, const char* text, int32_t length) {
+  if (!field.here || at.dead) return 0;
+  if (Silent(at)) return detail::CountSilentLine(at);
+  return detail::AddPlain(at, field, LevelImage(at.level), text, length);
 }
 
 // A bit-field detail line: the fixed image of bit fields, over the whole field that the bits are of.

@@ -4,6 +4,7 @@
 
 #include "host/session.h"
 #include "host/standalone_host.h"
+#include "platform/mib_modules.h"
 #include "platform/platform.h"
 #include "platform/view_window.h"
 #include "qxview/qxview.h"
@@ -62,6 +63,7 @@ void* QxView_CreateView(const QxHost* host) try {
     HostOptions options;
     options.userSettings = FindUserSettings();
     options.applicationDirectory = ExecutableDirectory();
+    options.readMibModules = ReadMibModules;
     view->ownHost = StandaloneHost::Create(options, &message, &fileFault);
     if (!view->ownHost) {
       std::fprintf(stderr, "qxview: %s\n", message.c_str());

@@ -1,6 +1,7 @@
 #include "host/standalone_host.h"
 
 #include <cstring>
+#include <sstream>
 
 #include "files/byte_source.h"
 #include "host/session.h"
@@ -31,6 +32,9 @@ int32_t AddressAlias(void* user, uint32_t kind, const uint8_t* address, char* ou
   return name ? GiveText(*name, out, outSize) : 0;
 }
 
+int32_t FindMibEntry(void* user, const char* dotted, QxMibEntry* out) {
+  return dotted && out ? HostOf(user)->Mib().Find(dotted, out) : 0;
+}
 
 int32_t EarlierSegment(void* user, const AddressSlot* source, uint16_t sourcePort, const AddressSlot* destination,
                        uint16_t destinationPort, int32_t back, QxSegment* out) {
@@ -48,7 +52,24 @@ void StandaloneHost::FillRecord() {
   };
   if (!aliases_.Entries().empty()) record_.addressAlias = AddressAlias;
   record_.earlierSegment = EarlierSegment;
+  record_.findMibEntry = FindMibEntry;
   LendDefinitions<&DefinitionsOf>(&record_);
+}
+
+bool StandaloneHost::LoadMibModules(MibModuleReader read, std::string* message) {
+  const std::string* names = settings_.Find("MibModules");
+  const std::string* path = settings_.Find("MibPath");
+  std::vector<std::string> modules;
+  std::stringstream list(names ? *names : "");
+  for (std::string name; std::getline(list, name, ',');) {
+    const size_t first = name.find_first_not_of(" \t");
+    if (first != std::string::npos) modules.push_back(name.substr(first, name.find_last_not_of(" \t") + 1 - first));
+  }
+  if (modules.empty() || !read) return true;
+  std::vector<MibObject> objects;
+  if (!read(path ? *path : "", modules, &objects, message)) return false;
+  mib_.Add(objects);
+  return true;
 }
 
 bool StandaloneHost::ReadSettings(const HostOptions& options, std::string* message) {
@@ -96,6 +117,7 @@ std::unique_ptr<StandaloneHost> StandaloneHost::Create(const HostOptions& option
   *fileFault = true;
   const std::string* aliasFile = host->settings_.Find("AliasFile");
   if (aliasFile && !aliasFile->empty() && !host->aliases_.ReadFile(*aliasFile, message)) return nullptr;
+  if (!host->LoadMibModules(options.readMibModules, message)) return nullptr;
   host->applicationDirectory_ = options.applicationDirectory;
   host->FillRecord();
   return host;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/alias_table.h"
+#include "host/mib_database.h"
 #include "host/protocol_definitions.h"
 #include "host/segment_history.h"
 #include "host/settings_store.h"
@@ -20,6 +21,7 @@ struct HostOptions {
   std::vector<std::string> settings;      // NAME=VALUE, over the file's
   std::vector<std::string> definitions;   // as --decode-as takes them, over the file's
   std::string applicationDirectory;
+  MibModuleReader readMibModules = nullptr;   // null where no packets are decoded
 };
 
 class StandaloneHost {
@@ -36,6 +38,7 @@ class StandaloneHost {
 
   const SettingsStore& Settings() const { return settings_; }
   const AliasTable& Aliases() const { return aliases_; }
+  const MibDatabase& Mib() const { return mib_; }
   ProtocolDefinitions& Definitions() { return definitions_; }
   SegmentHistory& History() { return history_; }
 
@@ -43,12 +46,14 @@ class StandaloneHost {
   StandaloneHost() = default;
   void FillRecord();
   bool ReadSettings(const HostOptions& options, std::string* message);
+  bool LoadMibModules(MibModuleReader read, std::string* message);
   bool AddDefinitions(const std::vector<std::string>& overrides, std::string* message, bool* fileFault);
 
   QxHost record_{};
   Session* session_ = nullptr;
   SettingsStore settings_;
   AliasTable aliases_;
+  MibDatabase mib_;
   ProtocolDefinitions definitions_;
   SegmentHistory history_;
   std::string applicationDirectory_;

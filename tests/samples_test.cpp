@@ -5,13 +5,14 @@
 
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
+#include "host/mib_database.h"
 #include "tests/support/transport.h"
 
 namespace qxview::testing {
 namespace {
 
 constexpr const char* kSamples[] = {"bridge", "dns-loopback", "dns", "ftp", "http", "kerberos", "lan", "ldap", "mail",
-                                    "netbios", "smb", "telnet", "vlan"};
+                                    "netbios", "smb", "snmp", "telnet", "vlan"};
 
 class Samples : public ::testing::TestWithParam<const char*> {
  protected:
@@ -27,10 +28,20 @@ class Samples : public ::testing::TestWithParam<const char*> {
   }
 };
 
+// Lends the definitions, so that payloads reach the decoders of their ports, and the names of objects.
+struct NamingHost : DefinitionsHost {
+  NamingHost() {
+    host.findMibEntry = [](void*, const char* dotted, QxMibEntry* out) -> int32_t {
+      static const MibDatabase mib;
+      return mib.Find(dotted, out);
+    };
+  }
+};
+
 Bytes FrameOf(const FrameRecord* record) { return Bytes(FrameData(record), FrameData(record) + record->capturedLength); }
 
 TEST_P(Samples, DecodeAtEveryLength) {
-  DefinitionsHost host;   // so that payloads reach the decoders of their ports
+  NamingHost host;
   TestView view(&host);
   ForEachRecord([&](const FrameRecord* record) {
     const Bytes frame = FrameOf(record);
@@ -44,7 +55,7 @@ TEST_P(Samples, DecodeAtEveryLength) {
 }
 
 TEST_P(Samples, DecodeWithDamagedBytes) {
-  DefinitionsHost host;
+  NamingHost host;
   TestView view(&host);
   uint32_t random = 12345;
   ForEachRecord([&](const FrameRecord* record) {
@@ -62,7 +73,7 @@ TEST_P(Samples, DecodeWithDamagedBytes) {
 }
 
 TEST_P(Samples, PrintAsManyLinesAsTheyShowAndAllocateNothing) {
-  DefinitionsHost host;
+  NamingHost host;
   TestView view(&host);
   Engine* engine = view.view().engine;
   ForEachRecord([&](const FrameRecord* record) {

@@ -77,8 +77,8 @@ void ArenaTree::SetText(LineHandle line, const char* text, int32_t length) {
   Node& node = nodes_[line - 1];
   const uint32_t wanted = static_cast<uint32_t>(length) + 1;
   if (wanted > node.textRoom) {
-    // A line that grows once (a header that collects its fields) grows again: leave it room.
-    const uint32_t room = wanted + 64;
+    // A line that grows again (a header that collects its fields) is left the more room, the longer it was.
+    const uint32_t room = wanted + node.textRoom;
     const bool atEnd = node.textOffset + node.textRoom == textUsed_;
     if (!ReserveText(room)) return;
     if (!atEnd) node.textOffset = textUsed_;

@@ -8,19 +8,60 @@ namespace {
 
 constexpr int32_t kDeepestLevel = kImageCount - 2 - LevelImage(0);
 
-const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
+// An identifier's lines and those of a short length depend on one octet, and small elements have little else: their
+// texts are made when this is compiled. Each is the picture of some bits, what they are, and their value.
+struct OctetText {
+  char text[48];
+  int32_t length;
+};
+
+constexpr void Put(OctetText& made, const char* text) {
+  while (*text) made.text[made.length++] = *text++;
+}
+
+constexpr OctetText MakeText(uint32_t bits, int32_t firstBit, int32_t bitCount, const char* behind) {
+  OctetText made{};
+  for (int32_t bit = 0; bit < 8; ++bit) {
+    const bool shown = bit >= firstBit && bit < firstBit + bitCount;
+    made.text[made.length++] = !shown ? '.' : bits >> (firstBit + bitCount - 1 - bit) & 1 ? '1' : '0';
+  }
+  Put(made, behind);
+  return made;
+}
+
+// The texts of every value of the bits, with the value as a number.
+template <int32_t kFirstBit, int32_t kBitCount>
+struct NumberTexts {
+  OctetText of[1 << kBitCount];
+};
+template <int32_t kFirstBit, int32_t kBitCount>
+constexpr NumberTexts<kFirstBit, kBitCount> MakeNumberTexts(const char* behind, const char* unit) {
+  NumberTexts<kFirstBit, kBitCount> made{};
+  for (uint32_t value = 0; value < 1u << kBitCount; ++value) {
+    OctetText& text = made.of[value] = MakeText(value, kFirstBit, kBitCount, behind);
+    if (value >= 100) text.text[text.length++] = static_cast<char>('0' + value / 100);
+    if (value >= 10) text.text[text.length++] = static_cast<char>('0' + value / 10 % 10);
+    text.text[text.length++] = static_cast<char>('0' + value % 10);
+    Put(text, unit);
+  }
+  return made;
+}
 
 // The lines of the class have always been aligned by hand.
-const char* AddClass(const Place& lines, const Field& identifier) {
-  const BitPicture bits = BitsOf(identifier, 0, 2);
-  switch (bits.value) {
-    case 0: AddLine(lines, identifier, "%s:  Class [%u] = Universal", bits.picture, bits.value); return "Universal";
-    case 1: AddLine(lines, identifier, "%s: Class [%u] = Application", bits.picture, bits.value); return "Application";
-    case 2:
-      AddLine(lines, identifier, "%s: Class [%u] = Context-Specific", bits.picture, bits.value);
-      return "Context-Specific";
-    default: AddLine(lines, identifier, "%s: Class [%u] = Private", bits.picture, bits.value); return "Private";
-  }
+constexpr OctetText kClassTexts[] = {
+    MakeText(0, 0, 2, ":  Class [0] = Universal"), MakeText(1, 0, 2, ": Class [1] = Application"),
+    MakeText(2, 0, 2, ": Class [2] = Context-Specific"), MakeText(3, 0, 2, ": Class [3] = Private")};
+constexpr const char* kClassNames[] = {"Universal", "Application", "Context-Specific", "Private"};
+constexpr OctetText kConstructedTexts[] = {MakeText(0, 2, 1, ": Constructed = False"),
+                                           MakeText(1, 2, 1, ": Constructed = True")};
+constexpr auto kTagTexts = MakeNumberTexts<3, 5>(": Tag Number = ", "");
+constexpr OctetText kLongLengthTexts[] = {MakeText(0, 0, 1, ": Multi-Byte Length Flag = False"),
+                                          MakeText(1, 0, 1, ": Multi-Byte Length Flag = True")};
+constexpr auto kShortLengthTexts = MakeNumberTexts<1, 7>(": Length = ", " Bytes");
+constexpr auto kLengthOctetsTexts = MakeNumberTexts<1, 7>(": Number of Bytes = ", "");
+
+void AddText(const Place& lines, const Field& octet, const OctetText& made) {
+  AddMadeLine(lines, octet, made.text, made.length);
 }
 
 bool IsNegative(uint32_t length) { return static_cast<int32_t>(length) < 0; }
@@ -52,12 +93,12 @@ int32_t DecodeAsnIdentifier(const AsnPlace& at, const Cursor& c, AsnResult& out)
   const Field identifier = TakeU8(rest);
   if (!identifier.here) return kAsnTruncated;
   const Place lines = LinesOf(at);
-  const char* className = AddClass(lines, identifier);
-  const BitPicture constructed = BitsOf(identifier, 2, 1), tag = BitsOf(identifier, 3, 5);
-  AddLine(lines, identifier, "%s: Constructed = %s", constructed.picture, TrueOrFalse(constructed.value));
-  AddLine(lines, identifier, "%s: Tag Number = %u", tag.picture, tag.value);
-  FormatInto(out.text, out.textSize, "[%s %u]", className, tag.value);
-  out.number = tag.value;
+  const uint32_t tag = identifier.value & 0x1F;
+  AddText(lines, identifier, kClassTexts[identifier.value >> 6]);
+  AddText(lines, identifier, kConstructedTexts[identifier.value >> 5 & 1]);
+  AddText(lines, identifier, kTagTexts.of[tag]);
+  FormatInto(out.text, out.textSize, "[%s %u]", kClassNames[identifier.value >> 6], tag);
+  out.number = tag;
   out.consumed = 1;
   return kAsnDecoded;
 }
@@ -68,17 +109,17 @@ int32_t DecodeAsnLength(const AsnPlace& at, const Cursor& c, AsnResult& out) {
   const Field first = TakeU8(rest);
   if (!first.here) return kAsnTruncated;
   const Place lines = LinesOf(at);
-  const BitPicture isLong = BitsOf(first, 0, 1), low = BitsOf(first, 1, 7);
-  AddLine(lines, first, "%s: Multi-Byte Length Flag = %s", isLong.picture, TrueOrFalse(isLong.value));
-  if (!isLong.value) {
-    AddLine(lines, first, "%s: Length = %u Bytes", low.picture, low.value);
-    out.number = low.value;
+  const uint32_t isLong = first.value >> 7, low = first.value & 0x7F;
+  AddText(lines, first, kLongLengthTexts[isLong]);
+  if (!isLong) {
+    AddText(lines, first, kShortLengthTexts.of[low]);
+    out.number = low;
     out.consumed = 1;
     return kAsnDecoded;
   }
-  AddLine(lines, first, "%s: Number of Bytes = %u", low.picture, low.value);
+  AddText(lines, first, kLengthOctetsTexts.of[low]);
   if (Left(rest) < 1) return kAsnTruncated;
-  const Field octets = TakeBytes(rest, low.value);
+  const Field octets = TakeBytes(rest, low);
   if (!octets.here) return kAsnTruncated;
   // Without length octets the next one is taken for the length all the same.
   out.number = octets.length > 0 ? NumberOf(octets) : octets.bytes[0];
