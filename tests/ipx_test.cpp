@@ -99,6 +99,7 @@ const CarriedCase kCases[] = {
       "Data Length: 35 {42+2}", "Bytes Received: 5 {46+2}", "Extra Data {83+1}", kNegotiate}},
     {4, 0x455, 0x455, Hex("50 06 2301 5604 0300 D007 7805 0200 0400 0500 4142"),
      {"Offset: 1400", "CIFS: Continuation Data, 2 bytes {48+2}"}},
+    {4, 0x455, 0x455, Hex("C0 06 2301 FFFF 0000 0300 0000 0300 0000 0000 414243"), {"User Data {48+3}"}},
     {4, 0x455, 0x455, Hex("80 07 2301 5604 0300 0000 0000 FFFF 0400 0500"), {"Session End, Connection", "{30+18}"}},
     {4, 0x455, 0x455, Hex("00 0A 01"), {"Status Response {30+2}", "Status Data {32+1}"}},
     {4, 0x455, 0x455, Hex("00 20 01"), {"0x20 = Unknown", "Extra Data {32+1}"}},

@@ -134,8 +134,8 @@ int32_t DecodeNetBiosMessage(const Place& at, Cursor c, bool hasNetworks) {
     data = AddSession(in, c, &offset);
   }
   SetRange(at, in.parent, c.begin, (Left(data) > 0 ? data.offset : c.offset) - c.begin);
-  const bool isSession = type != kDirectedDatagram;
-  ShowUserData(at, in, data, offset != 0 ? DecodeRestOfSmb : isSession ? DecodeSmbPiece : DecodeSmbDatagram);
+  // Sessions say where in a message their data goes, so that what begins one is not taken for the rest of another.
+  ShowUserData(at, in, data, offset != 0 ? DecodeRestOfSmb : DecodeSmbDatagram);
   c.ranShort = false;
   AddBlock(in, Rest(c), type == kStatusResponse ? "Status Data" : "Extra Data");
   return 1;
