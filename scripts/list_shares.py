@@ -66,7 +66,7 @@ REASONS = {
     "STUN": "ports that are not STUN's: tshark recognises the payload",
     "RTCP": "a profile of feedback packets behind STUN; tshark follows the conversation",
     "FTP-DATA": "passive data ports: tshark follows the control connection", "H.245": "on the port that the call set up",
-    "SMB": "over NetBEUI and IPX, which have no decoder here", "BROWSER": "over NetBEUI, which has no decoder here",
+    "SMB": "over NetBEUI and NetBIOS over IPX, which have no summary here", "BROWSER": "over NetBEUI, which has no summary here",
     "OMRON": "looks like RTP and is named so by detection", "BACnet-APDU": "looks like RTP and is named so by detection",
     "RakNet": "no port of its own; some looks like RTP", "L2TP": "bad header checksums", "IPv6": DAMAGED, "MIPv6": DAMAGED,
 }

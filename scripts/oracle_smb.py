@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares what qxview says of SMB and of its NetBIOS carriers with tshark, field by field at the same bytes.
+"""Compares what qxview says of SMB and of its carriers, NetBIOS and IPX, with tshark, field by field at the same bytes.
 
 usage: oracle_smb.py CAPTURE... [--qxview build/qxview] [--jobs 2] [--verbose]
 
@@ -20,7 +20,7 @@ import xml.etree.ElementTree
 from oracle_support import (Tally, children, decoded_packets, define, exit_with, for_each_capture, print_others,
                             read_options, tshark_command, walk)
 
-CARRIERS = ("nbss", "nbns", "nbdgm", "netbios", "smb")
+CARRIERS = ("nbss", "nbns", "nbdgm", "netbios", "smb", "ipx", "spx", "ipxrip", "ipxsap", "nbipx", "nmpi")
 # The second version of SMB has fields of SMB's, too.
 COMPARED = (*CARRIERS, "smb_pipe", "lanman", "mailslot", "browser")
 WANTED = " || ".join(CARRIERS)
@@ -71,6 +71,14 @@ nbns.session_data_packet_size
 nbdgm.type nbdgm.flags nbdgm.dgram_id nbdgm.src.port nbdgm.dgram_len nbdgm.pkt_offset nbdgm.error_code
 netbios.hdr_len netbios.delimiter netbios.command netbios.xmit_corrl netbios.resp_corrl netbios.remote_session
 netbios.local_session netbios.data2 netbios.max_data_recv_size netbios.num_data_bytes_accepted
+smb.key smb.sessid smb.sequence_num smb.group_id
+ipx.checksum ipx.len ipx.hops ipx.packet_type ipx.dst.socket ipx.src.socket
+spx.ctl spx.type spx.src spx.dst spx.seq spx.ack spx.alloc spx.neg_size
+ipxrip.packet_type ipxrip.hops ipxrip.ticks
+ipxsap.packet_type ipxsap.server.type ipxsap.server.socket ipxsap.server.intermediate_networks
+nmpi.packettype nmpi.name_flags nmpi.conn_control nmpi.opcode nmpi.name_type nmpi.messageid nmpi.session.src_conn_id
+nmpi.session.dest_conn_id nmpi.session.send_seq_number nmpi.session.total_data_length nmpi.session.offset
+nmpi.session.data_length nmpi.session.recv_seq_number nmpi.session.bytes_received
 """.split())
 TEXTS = set("""
 smb.file smb.path smb.old_file smb.dir_name smb.search_pattern smb.trans_name smb.short_file smb.native_os
@@ -80,7 +88,11 @@ mailslot.name browser.server browser.mb_server browser.comment browser.response_
 lanman.share.name lanman.share.comment lanman.server.name lanman.server.comment lanman.user_name lanman.full_name
 nbns.name nbns.netbios_name nbns.addr nbns.unit_id nbdgm.source_name nbdgm.destination_name nbdgm.src.ip
 nbss.called_name nbss.calling_name nbss.retarget_ip_address netbios.nb_name
+ipx.dst.node ipx.src.node ipxsap.server.name ipxsap.server.node
 """.split())
+
+# Networks of IPX, which qxview shows as their bytes.
+NETWORKS = set("ipx.dst.net ipx.src.net ipxrip.route_vector ipxsap.server.network nmpi.ipx_network".split())
 
 # Fields of which qxview shows the first bytes on a line of their own.
 HALVES = {"smb.unix.capability": 4, "smb.replace": 1}
@@ -112,7 +124,7 @@ def peer_fields(packet):
     protocols = [proto for proto in packet.findall("proto") if proto.get("name") in COMPARED]
     for element in itertools.chain(*map(fields_of, protocols)):
         name, size = element.get("name"), int(element.get("size", 0))
-        if (name in NUMBERS or name in TEXTS) and size > 0 and element.get("value") is not None:
+        if (name in NUMBERS or name in TEXTS or name in NETWORKS) and size > 0 and element.get("value") is not None:
             masked = element.get("unmaskedvalue")   # tshark shows a part of the field, qxview all of it
             yield Peer(name, int(element.get("pos")), size, element.get("show", ""),
                        bytes.fromhex(masked or element.get("value")), masked is not None)
@@ -166,6 +178,8 @@ def compare_field(peer, at):
     """None when a line says it, else what the lines at its place say."""
     if peer.name == "nbss.length":   # tshark counts the octet of the flags in
         peer = peer._replace(offset=peer.offset + 1, length=2)
+    if peer.name in NETWORKS:
+        peer = peer._replace(value=peer.raw.hex())
     if peer.name in NUMBERS:
         if peer.name in HALVES:
             size = HALVES[peer.name]
@@ -179,7 +193,6 @@ def compare_field(peer, at):
 
 ORDERED = [
     # (fields, what the peer's field and the lines of its message must be, reason)
-    ("smb.*", lambda peer, titles: any("IPX" in title for title in titles), "over IPX, which is not decoded"),
     ("smb.*|nb.*", lambda peer, titles: any("Bad TCP Checksum" in title for title in titles),
      "the segment's checksum is wrong, so that its payload is not looked at"),
     ("smb.*|nb.*", lambda peer, titles: any("Continuation Data" in title for title in titles),
@@ -251,7 +264,7 @@ def main():
     whole = Tally()
     for _, tally in for_each_capture(options, compare):
         whole.add(tally)
-    whole.print("fields of SMB and NetBIOS")
+    whole.print("fields of SMB, NetBIOS and IPX")
     if not options.verbose:
         return 1 if whole.others else 0
     return print_others(whole.others)

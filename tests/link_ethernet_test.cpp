@@ -49,7 +49,7 @@ TEST(Ethernet, FrameTypeIsNamedBehindTheTags) {
 }
 
 TEST(Ethernet, NovellFramesNeedAWholeIpxHeader) {
-  ExpectInOrder(TreeOf(Ieee(Hex("FFFF") + Bytes(28))), {"Length: 30", "Raw Packet {8:14+30}"});
+  ExpectInOrder(TreeOf(Ieee(Hex("FFFF") + Bytes(28))), {"Length: 30", "IPX: Regular, ", "{14+30}"});
   ExpectInOrder(TreeOf(Ieee(Hex("FFFF") + Bytes(27))), {"Length: 29", "Raw Data {8:14+29}"});
 }
 

@@ -2,6 +2,8 @@
 // slow protocols (IEEE 802.3 annex 57A), PPPoE (RFC 2516), pause frames, spanning tree (IEEE 802.1D), IPX, IS-IS
 // (ISO 10589), PPP's control protocols (RFC 1661).
 #include "decoders/app/layer_summaries.h"
+#include "decoders/app/summaries.h"
+#include "decoders/net/ipx.h"
 
 namespace qxview {
 namespace {
@@ -48,12 +50,6 @@ constexpr auto kPppProtocolNames = SortedNames({
     {0x803F, "NBFCP"}, {0x8053, "ECP"}, {0x8057, "IPV6CP"}, {0x80FD, "CCP"}, {0x8207, "CDPCP"}, {0x8281, "MPLSCP"},
     {0xC021, "LCP"}, {0xC023, "PAP"}, {0xC025, "LQR"}, {0xC029, "CBCP"}, {0xC02B, "BACP"}, {0xC02D, "BAP"},
     {0xC223, "CHAP"}, {0xC227, "EAP"},
-});
-
-constexpr auto kIpxNames = SortedNames({
-    {0x0451, "NCP"}, {0x0452, "SAP"}, {0x0453, "RIP"}, {0x0455, "NetBIOS"}, {0x0456, "Diagnostics"},
-    {0x0457, "Serialization"}, {0x0550, "NWLink SMB Server"}, {0x0551, "NWLink SMB Name Query"},
-    {0x0552, "NWLink SMB Redirector"}, {0x0553, "NWLink SMB Datagram"},
 });
 
 // A text of the elements that LLDP and CDP are made of.
@@ -210,13 +206,21 @@ void DescribeSpanningTree(SummaryText& text, Cursor c, const PacketState&) {
 }
 
 void DescribeIpx(SummaryText& text, Cursor c, const PacketState&) {
-  TakeBytes(c, 6);   // checksum, length, hops, packet type
+  constexpr int32_t kHeaderSize = 30;
+  TakeU16(c);   // checksum
+  const Field length = TakeU16(c);
+  TakeU16(c);   // hops, packet type
   const Field network = TakeU32(c), node = TakeBytes(c, 6), socket = TakeU16(c);
   const Field sourceNetwork = TakeU32(c), sourceNode = TakeBytes(c, 6), sourceSocket = TakeU16(c);
+  if (sourceSocket.here && (IsNwlinkSmbSocket(socket.value) || IsNwlinkSmbSocket(sourceSocket.value))) {
+    const Cursor payload = TakeCursor(c, static_cast<int64_t>(length.value) - kHeaderSize);
+    char smb[256];
+    if (DescribeSmb(payload.at, Left(payload), smb, sizeof smb, 0, 0)) return Add(text, "%s", smb);
+  }
   Add(text, "NetWare IPX");
   if (!sourceSocket.here) return;
-  const char* name = LookupName(kIpxNames, socket.value, nullptr);
-  if (!name) name = LookupName(kIpxNames, sourceSocket.value, nullptr);
+  const char* name = IpxSocketName(socket.value);
+  if (!name) name = IpxSocketName(sourceSocket.value);
   if (name) Add(text, " %s", name);
   Add(text, ", %.08X.%s.%.04X -> ", sourceNetwork.value, HexDigits(sourceNode), sourceSocket.value);
   Add(text, "%.08X.%s.%.04X", network.value, HexDigits(node), socket.value);

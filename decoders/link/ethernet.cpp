@@ -12,7 +12,6 @@ namespace {
 constexpr uint16_t kMostLength = 1500;
 constexpr uint16_t kEthertypeVlan = 0x8100, kEthertypeVnTag = 0x8926, kEthertypeIpx = 0x8137;
 constexpr uint32_t kNovellRaw = 0xFFFF;   // IPX without an 802.2 header starts with a checksum of all ones
-constexpr int32_t kIpxHeaderLength = 30;
 
 // ISL trunks address their frames to 01-00-0C-00-00 or 03-00-0C-00-00; the sixth byte is not looked at.
 bool IsIslFrame(const Cursor& c) {
@@ -58,8 +57,8 @@ int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
   AddLine(in, type, "Length: %u", type.value);
   Cursor payload = TakeCursor(c, type.value);
   if (Left(payload) >= 2 && ReadU16(payload.at) == kNovellRaw) {
-    const bool whole = Left(payload) >= kIpxHeaderLength;
-    return CallDecoder(network, payload, whole ? FindEthertype(kEthertypeIpx)->decode : nullptr, "Raw Data");
+    ReachLayer(network, DispatchTable::kEthertype, kEthertypeIpx, payload);
+    return CallDecoder(network, payload, FindEthertype(kEthertypeIpx)->decode, "Raw Data");
   }
   return CallDecoder(network, payload, DecodeLlc, "Raw Data");
 }

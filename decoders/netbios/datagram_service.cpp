@@ -26,11 +26,6 @@ constexpr auto kErrorNames = SortedNames({{0x82, "Destination Name Not Present"}
                                           {0x84, "Invalid Destination Name Format"}});
 constexpr const char* kNodeTypes[] = {"B-Node", "P-Node", "M-Node", "Datagram Distribution Server"};
 
-int32_t DecodeUserData(const Place& at, Cursor c) {
-  const int32_t result = DecodeSmb(at, c.at, Left(c), c.offset, false);
-  return Left(c) > kSmbHeaderSize ? result : kSmbNotDecoded;
-}
-
 void AddFlagLines(const Place& in, const Field& flags) {
   const Place under = Under(in, AddLine(in, flags, "Flags: 0x%.02X", flags.value));
   const BitPicture node = BitsOf(flags, 4, 2), first = BitsOf(flags, 6, 1), more = BitsOf(flags, 7, 1);
@@ -56,7 +51,7 @@ void DecodeDatagram(const Place& at, const Place& in, Cursor& c, const Field& me
   SetRange(at, in.parent, message.offset, inside.offset - message.offset);
   if (Left(inside) < 1) return;
   inside.begin = inside.offset;
-  if (offset.value != 0 || !TryDecoder(Deeper(at), inside, DecodeUserData, nullptr)) {
+  if (offset.value != 0 || !TryDecoder(Deeper(at), inside, DecodeSmbDatagram, nullptr)) {
     AddBlock(in, Ahead(inside, Left(inside)), "User Data");
   }
 }

@@ -103,17 +103,6 @@ void AddSecondData(const Place& in, const Field& data, uint32_t command) {
   }
 }
 
-int32_t DecodeWholeSmb(const Place& at, Cursor c) {
-  const int32_t result = DecodeSmb(at, c.at, Left(c), c.offset, false);
-  return Left(c) > kSmbHeaderSize ? result : kSmbNotDecoded;
-}
-
-// A message of a session may need several frames.
-int32_t DecodePieceOfSmb(const Place& at, Cursor c) {
-  if (Left(c) <= kSmbHeaderSize) return DecodeSmbContinuation(at, c);
-  return DecodeSmb(at, c.at, Left(c), c.offset, true);
-}
-
 void AddAddresses(const Place& in, Cursor& c, uint32_t command) {
   if (command < kFirstSessionCommand) {
     const bool addsName = command == kAddGroupName || command == kAddName;   // the destination means nothing then
@@ -163,7 +152,7 @@ int32_t DecodeNetBiosFrame(const Place& at, Cursor c) {
   c.begin = c.offset;
   const bool isSession = command == kDataFirst || command == kDataLast;
   const bool isDatagram = command == kDatagram || command == kBroadcast;
-  const DecoderFunction decode = isSession ? DecodePieceOfSmb : isDatagram ? DecodeWholeSmb : nullptr;
+  const DecoderFunction decode = isSession ? DecodeSmbPiece : isDatagram ? DecodeSmbDatagram : nullptr;
   if (!decode || !TryDecoder(Deeper(at), c, decode, nullptr)) {
     AddBlock(in, Ahead(c, Left(c)), isSession || isDatagram ? "User Data" : "Padding");
   }

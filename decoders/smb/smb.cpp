@@ -231,6 +231,16 @@ int32_t DecodeSmb(const Place& at, const uint8_t* data, int32_t length, int32_t 
   return DecodeBlocks(message, Under(at, root), c);
 }
 
+int32_t DecodeSmbDatagram(const Place& at, Cursor c) {
+  if (Left(c) <= kSmbHeaderSize) return kSmbNotDecoded;
+  return DecodeSmb(at, c.at, Left(c), c.offset, false);
+}
+
+int32_t DecodeSmbPiece(const Place& at, Cursor c) {
+  if (Left(c) <= kSmbHeaderSize) return DecodeSmbContinuation(at, c);
+  return DecodeSmb(at, c.at, Left(c), c.offset, true);
+}
+
 Field SmbRange(const SmbMessage& message, uint32_t offset, uint32_t length) {
   const uint32_t whole = static_cast<uint32_t>(message.whole.left);
   if (offset > whole || length > whole - offset) return {nullptr, message.whole.begin, 0, 0, false};

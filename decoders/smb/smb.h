@@ -20,6 +20,11 @@ constexpr int32_t kSmbHeaderSize = 32;
 // that an earlier segment began, where the carrier allows for one, else 0.
 int32_t DecodeSmb(const Place& at, const uint8_t* data, int32_t length, int32_t frameOffset, bool continuationAllowed);
 
+// The same for the rest of a cursor. A datagram is a whole message: 0 for what is not one. A piece of a session begins a
+// message or goes on with one, and is always shown.
+int32_t DecodeSmbDatagram(const Place& at, Cursor c);
+int32_t DecodeSmbPiece(const Place& at, Cursor c);
+
 // Shows bytes that go on with a message of an earlier segment. Result: 1.
 int32_t DecodeSmbContinuation(const Place& at, const Cursor& c);
 
