@@ -1,4 +1,4 @@
-// IPX, the network protocol of NetWare (IPX Router Specification; over PPP RFC 1552). Numbers are big-endian.
+// IPX, the network protocol of NetWare (over PPP: RFC 1552). Numbers are big-endian.
 //
 //   0         2       4                  5     6                                       18               30
 //   checksum  length  transport control  type  destination network (4) node (6) socket (2)   source ...   payload
