@@ -100,4 +100,4 @@ as udp '' kvno -U alice HTTP/www.example.test          # on behalf of a user
 printf 'secret\nsecret2\nsecret2\n' | KRB5_CONFIG=$work/udp.conf on "$left" kpasswd alice >>"$work/log" 2>&1 || true
 
 keep_as kerberos.pcap
-[ -n "${SHOW_LOG:-}" ] && cat "$work/log" || true
+if [ -n "${SHOW_LOG:-}" ]; then cat "$work/log"; fi
