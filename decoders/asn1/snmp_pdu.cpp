@@ -33,13 +33,22 @@ int32_t StepObjectId(SnmpWalk& walk, const char* title, AsnObjectNames& names, L
   return status == kAsnUnnamed ? kAsnDecoded : status;
 }
 
+// A number under a titled line, which it is appended to; on the root line it stands behind its short form.
+int32_t StepInteger(SnmpWalk& walk, const char* title, const char* shortForm) {
+  const Place in = LinesOf(walk);
+  SnmpStep step;
+  const int32_t status = StepNumber(walk, title, DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  AppendToLine(in, step.line, " %u", step.value.number);
+  AppendToLine(in, walk.root, ", %s=%u", shortForm, step.value.number);
+  return kAsnDecoded;
+}
+
 int32_t DecodeRequestFields(SnmpWalk& walk) {
   const Place in = LinesOf(walk);
   SnmpStep step;
-  int32_t status = StepNumber(walk, "Request ID:", DecodeAsnInteger, step);
+  int32_t status = StepInteger(walk, "Request ID:", "ID");
   if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", ID=%u", step.value.number);
 
   status = StepNumber(walk, "Error Status:", DecodeAsnInteger, step);
   if (status != kAsnDecoded) return status;
@@ -47,31 +56,21 @@ int32_t DecodeRequestFields(SnmpWalk& walk) {
   AppendToLine(in, step.line, " [%u] = %s", step.value.number, error);
   AppendToLine(in, walk.root, ", %s", error);
 
-  status = StepNumber(walk, "Error Index:", DecodeAsnInteger, step);
-  if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", EI=%u", step.value.number);
-  return kAsnDecoded;
+  return StepInteger(walk, "Error Index:", "EI");
 }
 
 int32_t DecodeBulkFields(SnmpWalk& walk) {
   const Place in = LinesOf(walk);
   SnmpStep step;
-  int32_t status = StepNumber(walk, "Request ID:", DecodeAsnInteger, step);
+  int32_t status = StepInteger(walk, "Request ID:", "ID");
   if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", ID=%u", step.value.number);
 
   status = StepNumber(walk, "Non-Repeaters:", DecodeAsnInteger, step);
   if (status != kAsnDecoded) return status;
   AppendToLine(in, step.line, " %u", step.value.number);
   AppendToLine(in, walk.root, ", NR=%s", static_cast<const char*>(step.text));
 
-  status = StepNumber(walk, "Max-Repetitions:", DecodeAsnInteger, step);
-  if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", MR=%u", step.value.number);
-  return kAsnDecoded;
+  return StepInteger(walk, "Max-Repetitions:", "MR");
 }
 
 // What a trap of version 1 is about: who sent it.
@@ -122,10 +121,8 @@ int32_t DecodeTrapFields(SnmpWalk& walk) {
   AppendToLine(in, step.line, " [%u] = %s", step.value.number, generic);
   AppendToLine(in, walk.root, ", GT=%s", generic);
 
-  status = StepNumber(walk, "Specific Trap:", DecodeAsnInteger, step);
+  status = StepInteger(walk, "Specific Trap:", "ST");
   if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", ST=%u", step.value.number);
 
   status = DecodeTicks(walk, step);
   if (status != kAsnDecoded) return status;
