@@ -15,7 +15,8 @@ LAYERS = {
     "include/qxview":        ["include/qxview"],
     "core":                  ["include/qxview", "core", "host", "view"],
     "view":                  ["include/qxview", "core", "host", "view"],
-    "decoders":              ["include/qxview", "core", "decoders"],
+    "decoders":              ["include/qxview", "core", "decoders/common", "decoders"],
+    "decoders/common":       ["include/qxview", "core", "decoders/common"],
     "files":                 ["include/qxview", "core", "files"],
     "host":                  ["include/qxview", "core", "view", "files", "host"],
     "platform":              ["*"],
@@ -34,8 +35,8 @@ PRIVATE = {"platform": ["platform", "exports", "app", "tests", "bench", "fuzz"],
 HEAVY = ["string", "vector", "iostream", "ostream", "istream", "sstream", "fstream", "map", "unordered_map", "set", "list",
          "deque", "regex"]
 WINDOWS = ["windows.h", "winsock.h", "winsock2.h", "commctrl.h"]
-FORBIDDEN = {"core": HEAVY + WINDOWS, "decoders": HEAVY + WINDOWS, "view": WINDOWS, "files": WINDOWS,
-             "include/qxview": HEAVY}
+FORBIDDEN = {"core": HEAVY + WINDOWS, "decoders": HEAVY + WINDOWS, "decoders/common": HEAVY + WINDOWS, "view": WINDOWS,
+             "files": WINDOWS, "include/qxview": HEAVY}
 
 # System headers that only these places see (patterns over the path).
 RESERVED = {"zlib.h": [r"decoders/(.*/)?http[^/]*$", r"files/", r"host/", r"tests/", r"fuzz/", r"bench/"]}

@@ -7,6 +7,7 @@
 #include "decoders/app/smb_summary_names.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
+#include "decoders/common/nt_status.h"
 #include "decoders/netbios/netbios.h"
 #include "decoders/smb/smb_block.h"
 
@@ -17,7 +18,7 @@ constexpr uint32_t kMarker1 = 0xFF534D42, kMarker2 = 0xFE534D42, kMarkerEncrypte
 
 void AddStatus(SummaryText& text, uint32_t status) {
   if (status == 0) return Add(text, ", Status: Success");
-  const char* name = SmbNtStatusName(status);
+  const char* name = NtStatusName(status);
   if (name != kUndefined) return Add(text, ", Status: %s", name);
   Add(text, ", Status: 0x%.08X", status);
 }

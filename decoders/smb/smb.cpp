@@ -1,5 +1,6 @@
 #include "decoders/smb/smb.h"
 
+#include "decoders/common/nt_status.h"
 #include "decoders/smb/smb_block.h"
 
 namespace qxview {
@@ -204,7 +205,7 @@ int32_t DecodeBlocks(const SmbMessage& message, const Place& under, Cursor c) {
 
 void DecodeSmbNtStatus(const Place& in, Cursor& c) {
   const Field status = TakeLittleU32(c);
-  AddLine(in, status, "NT Status: [0x%.08X] = %s", status.value, SmbNtStatusName(status.value));
+  AddLine(in, status, "NT Status: [0x%.08X] = %s", status.value, NtStatusName(status.value));
 }
 
 void DecodeSmbDosError(const Place& in, Cursor& c) {

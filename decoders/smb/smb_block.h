@@ -137,7 +137,6 @@ SmbTime SmbUnixTime(uint32_t seconds);
 SmbTime SmbFileTimeText(uint64_t ticks);
 SmbTime SmbDosTimeText(uint32_t date, uint32_t time);
 
-const char* SmbNtStatusName(uint32_t status);                        // "Undefined" for one that has none
 const char* SmbDosClassName(uint32_t errorClass);
 const char* SmbDosErrorName(uint32_t errorClass, uint32_t code);
 

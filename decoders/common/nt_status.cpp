@@ -1,5 +1,6 @@
-// The names of NT status values (MS-ERREF 2.3.1).
-#include "decoders/smb/smb_block.h"
+#include "decoders/common/nt_status.h"
+
+#include "core/name_table.h"
 
 namespace qxview {
 namespace {
@@ -1802,6 +1803,6 @@ constexpr auto kStatusNames = SortedNames({
 
 }  // namespace
 
-const char* SmbNtStatusName(uint32_t status) { return LookupName(kStatusNames, status, kUndefined); }
+const char* NtStatusName(uint32_t status) { return LookupName(kStatusNames, status, kUndefined); }
 
 }  // namespace qxview
