@@ -37,7 +37,7 @@ int Decode(const DecodeOptions& options) {
   bool first = true;
   const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
     if (options.format == Format::kJson) {
-      WriteJson(*out, session, record, frame.number, handled);
+      WriteJson(*out, session, {record, frame.number, handled, options.bytes});
     } else if (options.format == Format::kTree) {
       if (!first) out->Put('\n');
       first = false;
@@ -53,11 +53,6 @@ int Decode(const DecodeOptions& options) {
 
 }  // namespace
 
-int OutputFault() {
-  Tell("standard output: cannot be written");
-  return kFileFault;
-}
-
 void AddDecodeCommand(CLI::App* app, int* status) {
   auto options = std::make_shared<DecodeOptions>();
   CLI::App* command = app->add_subcommand("decode", "the decode tree of every packet");
@@ -70,7 +65,7 @@ void AddDecodeCommand(CLI::App* app, int* status) {
           CLI::ignore_case))
       ->option_text("FORMAT (tree|text|json)");
   command->add_flag("--ranges", options->ranges, "each line's byte range behind it (tree)");
-  command->add_flag("-x", options->bytes, "the frame's bytes behind its tree (tree)");
+  command->add_flag("-x", options->bytes, "the frame's bytes: behind its tree, in json as \"bytes\"");
   command->footer(
       "Examples:\n"
       "  qxview decode capture.pcap\n"

@@ -54,8 +54,8 @@ LineHandle MatchedLine(Session& session, int32_t index) {
   return context.foundLineHandle;
 }
 
-// The packet of the match, decoded again for display with its line marked.
-void ShowMatch(PacketRun& run, const KeptRecord& found, const FindOptions& options) {
+// The packet of the match, decoded again for display with its line marked; false when that could not be written.
+bool ShowMatch(PacketRun& run, const KeptRecord& found, const FindOptions& options) {
   Session& session = run.GetSession();
   session.SetOutput(kDisplayMode, nullptr);
   session.Context().foundLineHandle = 0;
@@ -69,6 +69,7 @@ void ShowMatch(PacketRun& run, const KeptRecord& found, const FindOptions& optio
   style.marked = MatchedLine(session, found.line);
   WriteTree(out, session, style);
   out.Flush();
+  return !out.Failed();
 }
 
 int Find(const FindOptions& options) {
@@ -91,8 +92,7 @@ int Find(const FindOptions& options) {
     return true;
   });
   if (!context.findFound) return status == kDone ? kNothingFound : status;
-  ShowMatch(run, found, options);
-  return status;
+  return ShowMatch(run, found, options) ? status : OutputFault();
 }
 
 }  // namespace

@@ -75,12 +75,20 @@ void PutLines(Output& out, Session& session) {
   }
 }
 
+void PutBytes(Output& out, const FrameRecord* record) {
+  out.Put(",\"bytes\":\"");
+  const uint8_t* const data = FrameData(record);
+  for (int32_t i = 0; i < record->capturedLength; ++i) out.Put({kHexPairs + 2 * data[i], 2});
+  out.Put('"');
+}
+
 }  // namespace
 
-void WriteJson(Output& out, Session& session, const FrameRecord* record, uint64_t packetNumber, int32_t handled) {
+void WriteJson(Output& out, Session& session, const JsonPacket& packet) {
+  const FrameRecord* const record = packet.record;
   char scratch[40];
   out.Put("{\"schema\":1,\"packet\":");
-  PutNumber(out, static_cast<int64_t>(packetNumber));
+  PutNumber(out, static_cast<int64_t>(packet.number));
   out.Put(",\"time\":\"");
   FormatUtcTime(record->nanoseconds, scratch, sizeof scratch);
   out.Put(scratch);
@@ -91,7 +99,8 @@ void WriteJson(Output& out, Session& session, const FrameRecord* record, uint64_
   out.Put(",\"media\":\"");
   out.Put(MediumName(record, scratch));
   out.Put("\",\"handled\":");
-  PutNumber(out, handled);
+  PutNumber(out, packet.handled);
+  if (packet.withBytes) PutBytes(out, record);
   if (session.Tree().FirstChild(0)) {
     out.Put(",\"lines\":[");
     PutLines(out, session);

@@ -5,6 +5,13 @@
 
 namespace qxview {
 
-void WriteJson(Output& out, Session& session, const FrameRecord* record, uint64_t packetNumber, int32_t handled);
+struct JsonPacket {
+  const FrameRecord* record;
+  uint64_t number;
+  int32_t handled;
+  bool withBytes;   // the frame's, in hexadecimal
+};
+
+void WriteJson(Output& out, Session& session, const JsonPacket& packet);
 
 }  // namespace qxview

@@ -2,13 +2,27 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <new>
+#include <sstream>
 
 #include "app/commands.h"
+#include "app/output.h"
+#include "app/packet_run.h"
 #include "platform/platform.h"
 #include "qxview/version.h"
 
 namespace qxview {
 namespace {
+
+// What --help and --version ask for.
+int ShowHelp(const CLI::App& app, const CLI::ParseError& request) {
+  std::ostringstream text;
+  app.exit(request, text, text);
+  Output out;
+  out.Put(text.str());
+  out.Flush();
+  return out.Failed() ? OutputFault() : kDone;
+}
 
 int Run(int argc, char** argv) {
   CLI::App app("Decodes captured packets layer by layer into a tree of lines, each tied to its bytes.", "qxview");
@@ -35,7 +49,7 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return ShowHelp(app, error);
     std::fprintf(stderr, "qxview: %s\n", error.what());
     std::fprintf(stderr, "qxview --help tells the commands, qxview COMMAND --help their options.\n");
     return kUsage;
@@ -46,9 +60,12 @@ int Run(int argc, char** argv) {
 }  // namespace
 }  // namespace qxview
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   std::vector<std::string> words = qxview::StartProgram(argc, argv);
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
   return qxview::Run(static_cast<int>(pointers.size()), pointers.data());
+} catch (const std::bad_alloc&) {
+  std::fputs("qxview: out of memory\n", stderr);
+  return qxview::kFileFault;
 }

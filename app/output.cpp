@@ -1,5 +1,8 @@
 #include "app/output.h"
 
+#include "app/commands.h"
+#include "app/packet_run.h"
+#include "platform/new_file.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -14,6 +17,19 @@ constexpr uint16_t kHighCodePoints[32] = {
 }  // namespace
 
 Output::Output() { OpenOutput(&file_, FileSink(StandardOutputFile())); }
+
+int OutputFault() {
+  Tell("standard output: " + WriteFailure());
+  return kFileFault;
+}
+
+int KeepFile(NewFile* file, const std::string& name, bool written, int status) {
+  std::string message;
+  if (!written) return Tell(name + ": " + WriteFailure()), kFileFault;
+  if (status == kFileFault && file->Replaces()) return Tell(name + ": stays as it was"), status;
+  if (!file->Keep(&message)) return Tell(message), kFileFault;
+  return status;
+}
 
 std::string_view Utf8Of(uint8_t character, char* scratch) {
   const uint32_t point = character >= 0x80 && character < 0xA0 ? kHighCodePoints[character - 0x80] : character;

@@ -72,8 +72,9 @@ void PacketRun::TellEnd(ReadResult result) {
     Tell(reader_->Message());
   }
   if (builder_->CutFrames() > 0) {
-    Tell(options_->file + ": " + std::to_string(builder_->CutFrames()) +
-         " packets are longer than a record holds and were cut");
+    const uint64_t cut = builder_->CutFrames();
+    Tell(options_->file + ": " + (cut == 1 ? "1 packet is" : std::to_string(cut) + " packets are") +
+         " longer than a record holds and " + (cut == 1 ? "was cut" : "were cut"));
   }
 }
 

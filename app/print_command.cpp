@@ -28,11 +28,7 @@ int Print(const PrintOptions& options) {
   });
   out->Flush();
   if (options.out.empty()) return out->Failed() ? OutputFault() : status;
-  if (out->Failed() || !target.Keep(&message)) {
-    Tell(out->Failed() ? options.out + ": cannot be written" : message);
-    return kFileFault;
-  }
-  return status;
+  return KeepFile(&target, options.out, !out->Failed(), status);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "app/commands.h"
+#include "app/output.h"
 #include "app/packet_run.h"
 #include "platform/platform.h"
 
@@ -19,13 +20,19 @@ int ListProtocols(const HostOptions& options) {
   const std::vector<DefinedProtocol> protocols = host->Definitions().List();
   size_t width = 0;
   for (const DefinedProtocol& protocol : protocols) width = std::max(width, protocol.name.size());
+  Output out;
   for (const DefinedProtocol& protocol : protocols) {
     std::string line = protocol.name;
     if (!protocol.definitions.empty()) line.resize(width, ' ');
     for (size_t i = 0; i < protocol.definitions.size(); ++i) line += (i ? " " : "  ") + protocol.definitions[i];
-    std::printf("0x%05X  %s\n", static_cast<uint32_t>(protocol.identifier), line.c_str());
+    char identifier[16];
+    std::snprintf(identifier, sizeof identifier, "0x%05X  ", static_cast<uint32_t>(protocol.identifier));
+    out.Put(identifier);
+    out.Put(line);
+    out.Put('\n');
   }
-  return kDone;
+  out.Flush();
+  return out.Failed() ? OutputFault() : kDone;
 }
 
 }  // namespace

@@ -49,6 +49,7 @@ class SaveTarget {
                        return sink.write(sink.handle, reinterpret_cast<const char*>(bytes), length);
                      }};
   }
+  bool Replaces() const { return fresh_.Replaces(); }
   bool Keep(std::string* why) { return append_ ? existing_.Keep(why) : fresh_.Keep(why); }
 
  private:
@@ -78,13 +79,17 @@ int Save(const SaveOptions& options) {
   request.firstNumber = 1;
   CaptureBufferWriter writer;
   result = writer.Begin(request);
-  if (result != kSaved) return TellResult(options.out, result, "");
+  if (result != kSaved) return TellResult(options.out, result, WriteFailure());
   const int status = run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame&) {
     result = writer.Add(record);
     return result == kSaved;
   });
   if (result == kSaved && writer.Written() == 0) result = kNoPackets;
   if (result == kSaved) result = writer.Finish();
+  if (result == kSaved && status == kFileFault && target.Replaces()) {
+    return Tell(options.out + ": stays as it was"), status;
+  }
+  if (result == kBufferWriteFailed || result == kLastWriteFailed) why = WriteFailure();
   if (result == kSaved && !target.Keep(&why)) result = kLastWriteFailed;
   return result == kSaved ? status : TellResult(options.out, result, why);
 }

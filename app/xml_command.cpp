@@ -56,9 +56,7 @@ int ExportXml(const XmlOptions& options) {
   const std::vector<XmlAlias> aliases = CollectAliases(run.Host().Aliases(), &texts);
   const bool good = document->Finish(aliases.data(), aliases.size(), 0);
   if (toStandardOutput) return good ? status : OutputFault();
-  if (good && target.Keep(&message)) return status;
-  Tell(good ? message : options.out + ": cannot be written");
-  return kFileFault;
+  return KeepFile(&target, options.out, good, status);
 }
 
 }  // namespace

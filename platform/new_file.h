@@ -16,6 +16,8 @@ class NewFile {
 
   // False with a message that names the path and what is wrong.
   bool Create(const std::string& path, std::string* message);
+  // Whether a file with something in it is lost when this one is kept.
+  bool Replaces() const { return replaces_; }
   OutputSink Sink() const;
   int64_t File() const { return file_; }
   // Writes through to the disk and moves the file into its place.
@@ -25,6 +27,7 @@ class NewFile {
   std::string path_, temporary_;
   int64_t file_ = -1;
   bool direct_ = false;   // a device or a pipe, which cannot be replaced
+  bool replaces_ = false;
 };
 
 }  // namespace qxview

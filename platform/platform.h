@@ -10,7 +10,8 @@
 namespace qxview {
 
 // What a command line program does first: a reader of its output that goes away ends it quietly, output is bytes as
-// they are. Gives the command line's words, on Windows in UTF-8, which all paths are held in there.
+// they are, and a standard file that is closed stays useless whatever else is opened. Gives the command line's words, on
+// Windows in UTF-8, which all paths are held in there.
 std::vector<std::string> StartProgram(int argc, char** argv);
 
 LibraryLoader PlatformLibraryLoader();
@@ -31,6 +32,9 @@ int64_t LocalOffset(int64_t utcSeconds);
 
 // A sink over an open file of the platform (a descriptor; on Windows a handle).
 OutputSink FileSink(int64_t file);
+
+// Why the last write through such a sink failed; empty when none did.
+std::string WriteFailure();
 
 // Reads up to `length` bytes of an open file; 0 at the end, -1 on failure.
 int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length);

@@ -26,6 +26,7 @@ bool NewFile::Create(const std::string& path, std::string* message) {
   if (there && S_ISDIR(present.st_mode)) return *message = path + ": is a directory", false;
   if (there && access(path_.c_str(), W_OK) != 0) return *message = path + ": " + std::strerror(errno), false;
   direct_ = there && !S_ISREG(present.st_mode);
+  replaces_ = there && !direct_ && present.st_size > 0;
   if (direct_) {
     file_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
   } else {

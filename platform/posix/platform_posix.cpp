@@ -1,4 +1,5 @@
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -6,6 +7,7 @@
 #include <climits>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #include "platform/platform.h"
@@ -13,12 +15,14 @@
 namespace qxview {
 namespace {
 
+int writeError = 0;
+
 int32_t WriteDescriptor(void* handle, const char* bytes, int32_t length) {
   const int descriptor = static_cast<int>(reinterpret_cast<intptr_t>(handle));
   while (length > 0) {
     const ssize_t written = write(descriptor, bytes, static_cast<size_t>(length));
     if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return 0;
+    if (written <= 0) return writeError = written < 0 ? errno : EIO, 0;
     bytes += written;
     length -= static_cast<int32_t>(written);
   }
@@ -28,17 +32,29 @@ int32_t WriteDescriptor(void* handle, const char* bytes, int32_t length) {
 int32_t MoveDescriptorBack(void* handle, int64_t bytes) {
   const int descriptor = static_cast<int>(reinterpret_cast<intptr_t>(handle));
   const off_t now = lseek(descriptor, 0, SEEK_CUR);
-  if (now < bytes) return 0;   // a pipe, or more than was written
-  return ftruncate(descriptor, now - bytes) == 0 && lseek(descriptor, now - bytes, SEEK_SET) >= 0 ? 1 : 0;
+  if (now < bytes) return writeError = ESPIPE, 0;   // a pipe, or more than was written
+  if (ftruncate(descriptor, now - bytes) == 0 && lseek(descriptor, now - bytes, SEEK_SET) >= 0) return 1;
+  return writeError = errno, 0;
 }
 
 bool ReadStatus(const std::string& path, struct stat* status) {
   return (path == "-" ? fstat(STDIN_FILENO, status) : stat(path.c_str(), status)) == 0;
 }
 
+// A standard file that is closed would be the number of the next file opened, and messages would be written into it.
+// What takes its place fails for what the number is used for, as the closed one does.
+void OccupyStandardFiles() {
+  for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
+    if (fcntl(number, F_GETFD) >= 0 || errno != EBADF) continue;
+    const int way = number == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (open("/dev/null", way) < 0 && open("/", O_RDONLY) < 0) _exit(3);
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> StartProgram(int argc, char** argv) {
+  OccupyStandardFiles();
   std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
   std::signal(SIGXFSZ, SIG_IGN);   // a file at its size limit is a write that fails, with its message
   return {argv, argv + argc};
@@ -87,6 +103,8 @@ std::string ExecutableDirectory() {
 OutputSink FileSink(int64_t file) {
   return {reinterpret_cast<void*>(static_cast<intptr_t>(file)), WriteDescriptor, MoveDescriptorBack, file};
 }
+
+std::string WriteFailure() { return writeError ? std::strerror(writeError) : ""; }
 
 int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {
   ssize_t got;

@@ -64,6 +64,7 @@ bool NewFile::Create(const std::string& path, std::string* message) {
     return *message = path + ": " + ErrorText(ERROR_ACCESS_DENIED), false;
   }
   direct_ = IsDevice(WidePathOf(path));
+  replaces_ = there && !direct_;
   path_ = there && !direct_ ? ResolveLink(path) : path;
   const HANDLE file = direct_ ? OpenDevice(WidePathOf(path_)) : CreateBeside(path_, &temporary_);
   if (file != INVALID_HANDLE_VALUE) {

@@ -15,6 +15,7 @@ namespace qxview {
 namespace {
 
 bool endsOnClosedPipe = false;
+DWORD writeError = 0;
 UINT consoleCodePage = 0;   // what the console wrote in before this program
 
 HANDLE HandleOf(int64_t file) { return reinterpret_cast<HANDLE>(static_cast<intptr_t>(file)); }
@@ -32,9 +33,9 @@ int32_t WriteHandle(void* handle, const char* bytes, int32_t length) {
       const bool closed =
           error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
       if (closed && endsOnClosedPipe && handle == GetStdHandle(STD_OUTPUT_HANDLE)) ExitProcess(0);
-      return 0;
+      return writeError = error, 0;
     }
-    if (written == 0) return 0;
+    if (written == 0) return writeError = ERROR_WRITE_FAULT, 0;
     bytes += written;
     length -= static_cast<int32_t>(written);
   }
@@ -101,6 +102,8 @@ std::string ExecutableDirectory() {
 }
 
 OutputSink FileSink(int64_t file) { return {HandleOf(file), WriteHandle, MoveHandleBack, file}; }
+
+std::string WriteFailure() { return writeError ? ErrorText(writeError) : ""; }
 
 int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {
   DWORD got = 0;

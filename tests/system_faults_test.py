@@ -1,0 +1,100 @@
+#!/usr/bin/env python3
+"""What goes wrong around the program: closed standard files, full devices, sources that fail, little memory. It is told
+with its reason, the exit status says it, and no file is lost by it."""
+import gzip
+import json
+import os
+import resource
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
+WINDOWS = os.environ.get("QXVIEW_PLATFORM") == "windows"
+LAN = os.path.join(ROOT, "samples", "lan.pcap")
+
+
+def run(*arguments, **options):
+    done = subprocess.run([QXVIEW, *arguments], check=False, timeout=60, **{
+        "stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "env": {**os.environ, "XDG_CONFIG_HOME": "/nonexistent"},
+        **options})
+    return done.returncode, done.stdout, (done.stderr or b"").decode()
+
+
+class Folder(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp()
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+
+    def path(self, name, data=None):
+        path = os.path.join(self.folder, name)
+        if data is not None:
+            with open(path, "wb") as file:
+                file.write(data)
+        return path
+
+    def read(self, path):
+        with open(path, "rb") as file:
+            return file.read()
+
+
+@unittest.skipIf(WINDOWS, "descriptors and devices of POSIX")
+class Faults(Folder):
+    def test_closed_standard_files_are_not_written_over(self):
+        good, out = self.path("good.bfr"), self.path("out.bfr")
+        self.assertEqual(run("save", LAN, good)[0], 0)
+        cut = self.path("cut.pcap", self.read(LAN)[:-3])
+        shell = lambda words: subprocess.run(["sh", "-c", f'"$0" {words}', QXVIEW, cut, out, LAN], check=False,
+                                             capture_output=True)
+        self.assertEqual(shell('save "$1" "$2" 2>&-').returncode, 3)
+        self.assertEqual(run("list", out)[0], 0, "a message stands in the file")
+        shutil.copy(good, out)
+        self.assertEqual(shell('save --append "$1" "$2" 0<&- 1>&- 2>&-').returncode, 3)
+        self.assertEqual(run("list", out)[0], 0)
+        closed = shell('list "$3" >&-')
+        self.assertEqual((closed.returncode, closed.stderr), (3, b"qxview: standard output: Bad file descriptor\n"))
+        self.assertEqual(shell("list - <&-").stderr, b"qxview: standard input: Bad file descriptor\n")
+
+    def test_full_devices_are_told(self):
+        for arguments in (["find", LAN, "IP"], ["protocols"], ["--help"], ["--version"], ["list", "--help"],
+                          ["decode", LAN], ["print", LAN], ["xml", LAN, "-"]):
+            with open("/dev/full", "wb") as full:
+                status, _, words = run(*arguments, stdout=full)
+            self.assertEqual((status, words), (3, "qxview: standard output: No space left on device\n"), arguments)
+        for arguments in (["print", LAN, "-o"], ["xml", LAN], ["save", LAN]):
+            status, _, words = run(*arguments, "/dev/full")
+            self.assertEqual((status, "No space left on device" in words), (3, True), words)
+
+    def test_a_source_that_fails_leaves_what_was_there(self):
+        damaged = self.path("damaged.pcap.gz", gzip.compress(self.read(LAN))[:-8] + bytes(8))
+        for command, out in ((["save", damaged], "a.bfr"), (["xml", damaged], "a.xml"), (["print", damaged, "-o"], "a.txt")):
+            there = self.path(out)
+            status, _, words = run(*command, there)
+            self.assertEqual((status, "incorrect data check" in words), (3, True), words)
+            self.assertTrue(self.read(there), "what was readable is kept where nothing was")
+            self.path(out, b"what was there")
+            status, _, words = run(*command, there)
+            self.assertEqual((status, words.splitlines()[-1]), (3, f"qxview: {there}: stays as it was"))
+            self.assertEqual(self.read(there), b"what was there")
+        self.assertEqual(len(os.listdir(self.folder)), 4)
+
+    def test_too_little_memory_is_told(self):
+        for megabytes in (8, 10, 12, 14, 16):
+            bound = lambda: resource.setrlimit(resource.RLIMIT_AS, (megabytes << 20, megabytes << 20))
+            status, _, words = run("save", LAN, self.path("out"), preexec_fn=bound)
+            if status != 127:   # the loader's, before the program starts
+                self.assertIn((status, words and words.split(": ", 1)[0]), [(3, "qxview"), (0, "")], words)
+
+
+class Json(unittest.TestCase):
+    def test_bytes_are_carried(self):
+        for line in run("decode", "-x", "--format", "json", "-c", "3", LAN)[1].splitlines():
+            packet = json.loads(line)
+            self.assertEqual(len(bytes.fromhex(packet["bytes"])), packet["captured"])
+            self.assertIn(packet["bytes"][24:28], ("0800", "0806", "86DD"))
+
+
+if __name__ == "__main__":
+    unittest.main()
