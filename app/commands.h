@@ -1,4 +1,4 @@
-// The commands. Each function adds its command to the command line; the command writes its exit status.
+// The commands. Each function adds its command to the command line.
 #pragma once
 #include "app/options.h"
 
@@ -6,13 +6,13 @@ namespace qxview {
 
 class NewFile;
 
-void AddDecodeCommand(CLI::App* app, int* status);
-void AddFindCommand(CLI::App* app, int* status);
-void AddListCommand(CLI::App* app, int* status);
-void AddPrintCommand(CLI::App* app, int* status);
-void AddProtocolsCommand(CLI::App* app, int* status);
-void AddSaveCommand(CLI::App* app, int* status);
-void AddXmlCommand(CLI::App* app, int* status);
+void AddDecodeCommand(CommandLine* line);
+void AddFindCommand(CommandLine* line);
+void AddListCommand(CommandLine* line);
+void AddPrintCommand(CommandLine* line);
+void AddProtocolsCommand(CommandLine* line);
+void AddSaveCommand(CommandLine* line);
+void AddXmlCommand(CommandLine* line);
 
 // Says that standard output could not be written, and why; the exit status for it.
 int OutputFault();

@@ -1,6 +1,4 @@
-#include <CLI/CLI.hpp>
 #include <cstdlib>
-#include <map>
 
 #include "app/commands.h"
 #include "app/json_writer.h"
@@ -53,27 +51,24 @@ int Decode(const DecodeOptions& options) {
 
 }  // namespace
 
-void AddDecodeCommand(CLI::App* app, int* status) {
+void AddDecodeCommand(CommandLine* line) {
   auto options = std::make_shared<DecodeOptions>();
-  CLI::App* command = app->add_subcommand("decode", "the decode tree of every packet");
-  AddReadingOptions(command, &options->reading);
-  command->add_option("--format", options->format, "tree, text (as the save-as-text mode writes) or json")
-      ->type_name("FORMAT")
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, Format>{
-              {"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
-          CLI::ignore_case))
-      ->option_text("FORMAT (tree|text|json)");
-  command->add_flag("--ranges", options->ranges, "each line's byte range behind it (tree)");
-  command->add_flag("-x", options->bytes, "the frame's bytes: behind its tree, in json as \"bytes\"");
-  command->footer(
+  Command& command = line->Add("decode", "the decode tree of every packet");
+  AddReadingOptions(&command, &options->reading);
+  command.AddChoice<Format>("--format", "FORMAT", "tree, text (as the save-as-text mode writes) or json",
+                            {{"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
+                            &options->format);
+  command.AddFlag("--ranges", "each line's byte range behind it (tree)", &options->ranges);
+  command.AddFlag("-x", "the frame's bytes: behind its tree, in json as \"bytes\"", &options->bytes);
+  command.SetExamples(
       "Examples:\n"
       "  qxview decode capture.pcap\n"
       "  qxview decode --packets 3-9 --ranges -x capture.pcapng.gz\n"
       "  qxview decode -d tcp:8080=HTTP --format json capture.pcap\n"
       "  tcpdump -w - | qxview decode -l -");
-  command->callback([options, status] {
-    *status = FinishReadingOptions(&options->reading) ? Decode(*options) : kUsage;
+  command.SetAction([options] {
+    FinishReadingOptions(&options->reading);
+    return Decode(*options);
   });
 }
 

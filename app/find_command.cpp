@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -97,19 +96,20 @@ int Find(const FindOptions& options) {
 
 }  // namespace
 
-void AddFindCommand(CLI::App* app, int* status) {
+void AddFindCommand(CommandLine* line) {
   auto options = std::make_shared<FindOptions>();
-  CLI::App* command = app->add_subcommand("find", "the first packet and line that hold a text");
-  AddReadingOptions(command, &options->reading);
-  command->add_option("TEXT", options->text, "the text, case-sensitive")->required();
-  command->add_flag("--backward", options->backward, "the last match instead of the first");
-  command->footer(
+  Command& command = line->Add("find", "the first packet and line that hold a text");
+  AddReadingOptions(&command, &options->reading);
+  command.AddArgument("TEXT", "the text, case-sensitive", &options->text);
+  command.AddFlag("--backward", "the last match instead of the first", &options->backward);
+  command.SetExamples(
       "The found packet's tree is shown, its found line with '>' in column 0. Exit status 1: nothing found.\n"
       "Examples:\n"
       "  qxview find capture.pcap 'Name Does Not Exist'\n"
       "  qxview find --backward capture.pcap.gz 'RST'");
-  command->callback([options, status] {
-    *status = FinishReadingOptions(&options->reading) ? Find(*options) : kUsage;
+  command.SetAction([options] {
+    FinishReadingOptions(&options->reading);
+    return Find(*options);
   });
 }
 

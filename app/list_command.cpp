@@ -1,7 +1,5 @@
 // The packet list: number, time, source, destination, length and summary, one line a packet.
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
 
 #include "app/commands.h"
 #include "app/list_time.h"
@@ -103,26 +101,26 @@ int List(const ListOptions& options) {
 
 }  // namespace
 
-void AddListCommand(CLI::App* app, int* status) {
+void AddListCommand(CommandLine* line) {
   auto options = std::make_shared<ListOptions>();
-  CLI::App* command = app->add_subcommand("list", "one line a packet: number, time, addresses, length, summary");
-  AddReadingOptions(command, &options->reading);
-  command
-      ->add_option("-t", options->time, "time: r since the first packet, d since the one before, a local, u UTC")
-      ->type_name("FORM")
-      ->transform(CLI::CheckedTransformer(std::map<std::string, TimeForm>{{"r", TimeForm::kRelative},
-                                                                          {"d", TimeForm::kDelta},
-                                                                          {"a", TimeForm::kAbsolute},
-                                                                          {"u", TimeForm::kUtc}}))
-      ->option_text("FORM (r|d|a|u)");
-  command->footer(
+  Command& command = line->Add("list", "one line a packet: number, time, addresses, length, summary");
+  AddReadingOptions(&command, &options->reading);
+  command.AddChoice<TimeForm>("-t", "FORM",
+                              "time: r since the first packet, d since the one before, a local, u UTC",
+                              {{"r", TimeForm::kRelative},
+                               {"d", TimeForm::kDelta},
+                               {"a", TimeForm::kAbsolute},
+                               {"u", TimeForm::kUtc}},
+                              &options->time);
+  command.SetExamples(
       "Examples:\n"
       "  qxview list capture.pcap\n"
       "  qxview list -t u -f 'port 53' capture.pcapng.gz\n"
       "  qxview list --set AliasFile=names.txt --packets 1-100 capture.pcap\n"
       "  tcpdump -w - | qxview list -l -");
-  command->callback([options, status] {
-    *status = FinishReadingOptions(&options->reading) ? List(*options) : kUsage;
+  command.SetAction([options] {
+    FinishReadingOptions(&options->reading);
+    return List(*options);
   });
 }
 

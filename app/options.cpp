@@ -1,10 +1,9 @@
 #include "app/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 
-#include "app/packet_run.h"
+#include "host/text.h"
 #include "platform/mib_modules.h"
 #include "platform/platform.h"
 
@@ -18,7 +17,8 @@ bool ParsePacketNumber(const std::string& text, uint64_t* number) {
 
 }  // namespace
 
-bool PacketSelection::Parse(const std::string& list, std::string* message) {
+bool PacketSelection::Parse(const std::string& list, std::string* wanted) {
+  spans_.clear();
   for (size_t at = 0; at <= list.size();) {
     const size_t comma = std::min(list.find(',', at), list.size());
     const std::string piece = list.substr(at, comma - at);
@@ -33,7 +33,7 @@ bool PacketSelection::Parse(const std::string& list, std::string* message) {
       good = good && ParsePacketNumber(piece.substr(dash + 1), &last) && first <= last;
     }
     if (!good) {
-      *message = "--packets " + list + ": \"" + piece + "\" is no packet number from 1, nor a span like 3-9 or 12-";
+      *wanted = "a packet number from 1 or a span like 3-9 or 12- instead of " + QuoteValue(piece);
       return false;
     }
     spans_.push_back({first, last});
@@ -54,44 +54,32 @@ uint64_t PacketSelection::Last() const {
   return last;
 }
 
-void AddReadingOptions(CLI::App* command, ReadingOptions* options) {
-  command->add_option("FILE", options->file, "pcap, pcapng or BFR file, gzip-compressed or not; - for standard input")
-      ->required();
-  command->add_option("--packets", options->packets, "packet numbers from 1: 7, 3-9, 12-, comma-separated")
-      ->type_name("LIST");
-  command->add_option("-c,--count", options->count, "stop after N packets")
-      ->type_name("N")
-      ->check(CLI::PositiveNumber);
-  command->add_option("-f,--filter", options->filter, "only packets that match a BPF expression")->type_name("EXPR");
-  command
-      ->add_option("-d,--decode-as", options->host.definitions,
-                   "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
-                   "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address")
-      ->type_name("SPEC")
-      ->allow_extra_args(false);
-  command->add_option("--settings", options->host.settingsFile, "settings file instead of the user's own")
-      ->type_name("FILE");
-  command->add_option("--set", options->host.settings, "one setting, may be repeated")
-      ->type_name("NAME=VALUE")
-      ->allow_extra_args(false);
-  command->add_flag("-l", options->flushEachPacket, "flush the output after every packet");
-  command->add_option("--color", options->color, "colours: auto, always or never")
-      ->type_name("WHEN")
-      ->transform(CLI::CheckedTransformer(
-          std::map<std::string, ColorChoice>{
-              {"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}},
-          CLI::ignore_case))
-      ->option_text("WHEN (auto|always|never)");
+void AddReadingOptions(Command* command, ReadingOptions* options) {
+  command->AddArgument("FILE", "pcap, pcapng or BFR file, gzip-compressed or not; - for standard input",
+                       &options->file);
+  command->AddOption("--packets", "LIST", "packet numbers from 1: 7, 3-9, 12-, comma-separated",
+                     [options](const std::string& value, std::string* wanted) {
+                       return options->selection.Parse(value, wanted);
+                     });
+  command->AddNumber("-c,--count", "N", "stop after N packets", 1, UINT64_MAX, &options->count);
+  command->AddText("-f,--filter", "EXPR", "only packets that match a BPF expression", &options->filter);
+  command->AddTexts("-d,--decode-as", "SPEC",
+                    "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
+                    "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address",
+                    &options->host.definitions);
+  command->AddText("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
+  command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);
+  command->AddFlag("-l", "flush the output after every packet", &options->flushEachPacket);
+  command->AddChoice<ColorChoice>(
+      "--color", "WHEN", "colours: auto, always or never",
+      {{"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}},
+      &options->color);
 }
 
-bool FinishReadingOptions(ReadingOptions* options) {
+void FinishReadingOptions(ReadingOptions* options) {
   options->host.userSettings = FindUserSettings();
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;
-  std::string message;
-  if (options->packets.empty() || options->selection.Parse(options->packets, &message)) return true;
-  Tell(message);
-  return false;
 }
 
 }  // namespace qxview

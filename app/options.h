@@ -5,21 +5,16 @@
 #include <utility>
 #include <vector>
 
+#include "app/command_line.h"
 #include "host/standalone_host.h"
 
-namespace CLI {
-class App;
-}
-
 namespace qxview {
-
-enum ExitStatus : int { kDone = 0, kNothingFound = 1, kUsage = 2, kFileFault = 3 };
 
 // Packet numbers from 1: "7", "3-9", "12-", comma-separated.
 class PacketSelection {
  public:
-  // False with a message that names the piece that is wrong.
-  bool Parse(const std::string& list, std::string* message);
+  // False with what is wanted when a piece is wrong.
+  bool Parse(const std::string& list, std::string* wanted);
   bool Holds(uint64_t number) const;
   uint64_t Last() const;   // no packet behind this one is selected
 
@@ -31,7 +26,6 @@ enum class ColorChoice { kAuto, kAlways, kNever };
 
 struct ReadingOptions {
   std::string file;
-  std::string packets;
   PacketSelection selection;
   uint64_t count = UINT64_MAX;
   std::string filter;
@@ -41,9 +35,9 @@ struct ReadingOptions {
 };
 
 // Adds FILE and the options that every reading command takes.
-void AddReadingOptions(CLI::App* command, ReadingOptions* options);
+void AddReadingOptions(Command* command, ReadingOptions* options);
 
-// Reads what the command line gave as texts; false when that is wrong, which is told then.
-bool FinishReadingOptions(ReadingOptions* options);
+// Fills in what the platform gives.
+void FinishReadingOptions(ReadingOptions* options);
 
 }  // namespace qxview

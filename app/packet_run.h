@@ -62,7 +62,4 @@ class PacketRun {
   int shownPercent_ = -1;
 };
 
-// A message on standard error: "qxview: TEXT".
-void Tell(const std::string& text);
-
 }  // namespace qxview

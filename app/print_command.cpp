@@ -1,5 +1,3 @@
-#include <CLI/CLI.hpp>
-
 #include "app/commands.h"
 #include "app/output.h"
 #include "app/packet_run.h"
@@ -33,18 +31,19 @@ int Print(const PrintOptions& options) {
 
 }  // namespace
 
-void AddPrintCommand(CLI::App* app, int* status) {
+void AddPrintCommand(CommandLine* line) {
   auto options = std::make_shared<PrintOptions>();
-  CLI::App* command = app->add_subcommand("print", "the lines as the print mode writes them");
-  AddReadingOptions(command, &options->reading);
-  command->add_option("-o", options->out, "write to this file instead of standard output")->type_name("OUT");
-  command->footer(
+  Command& command = line->Add("print", "the lines as the print mode writes them");
+  AddReadingOptions(&command, &options->reading);
+  command.AddText("-o", "OUT", "write to this file instead of standard output", &options->out);
+  command.SetExamples(
       "Examples:\n"
       "  qxview print capture.pcap | less\n"
       "  qxview print --packets 1-100 -o decode.txt capture.pcap\n"
       "  qxview print --set RangeFilterOn=1 --set RangeFilterStart=14 --set RangeFilterLength=20 capture.pcap");
-  command->callback([options, status] {
-    *status = FinishReadingOptions(&options->reading) ? Print(*options) : kUsage;
+  command.SetAction([options] {
+    FinishReadingOptions(&options->reading);
+    return Print(*options);
   });
 }
 

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -37,17 +36,15 @@ int ListProtocols(const HostOptions& options) {
 
 }  // namespace
 
-void AddProtocolsCommand(CLI::App* app, int* status) {
-  CLI::App* command = app->add_subcommand("protocols", "the built-in decoders, their identifiers, names and ports");
+void AddProtocolsCommand(CommandLine* line) {
+  Command& command = line->Add("protocols", "the built-in decoders, their identifiers, names and ports");
   auto options = std::make_shared<HostOptions>();
-  command->add_option("-d,--decode-as", options->definitions, "a protocol definition, may be repeated")
-      ->type_name("SPEC")
-      ->allow_extra_args(false);
-  command->add_option("--settings", options->settingsFile, "settings file instead of the user's own")->type_name("FILE");
-  command->footer("Example:\n  qxview protocols");
-  command->callback([options, status] {
+  command.AddTexts("-d,--decode-as", "SPEC", "a protocol definition, may be repeated", &options->definitions);
+  command.AddText("--settings", "FILE", "settings file instead of the user's own", &options->settingsFile);
+  command.SetExamples("Example:\n  qxview protocols");
+  command.SetAction([options] {
     options->userSettings = FindUserSettings();
-    *status = ListProtocols(*options);
+    return ListProtocols(*options);
   });
 }
 

@@ -1,5 +1,3 @@
-#include <CLI/CLI.hpp>
-
 #include "app/commands.h"
 #include "app/packet_run.h"
 #include "files/capture_buffer.h"
@@ -96,26 +94,26 @@ int Save(const SaveOptions& options) {
 
 }  // namespace
 
-void AddSaveCommand(CLI::App* app, int* status) {
+void AddSaveCommand(CommandLine* line) {
   auto options = std::make_shared<SaveOptions>();
-  CLI::App* command = app->add_subcommand("save", "packets to a capture buffer file");
-  AddReadingOptions(command, &options->reading);
-  command->add_option("OUT", options->out, "the capture buffer file")->required();
-  command->add_flag("--append", options->append, "add the packets to the end of an existing file");
-  command->add_option("--partial", options->partialBytes, "cut packets to this many bytes")
-      ->type_name("BYTES")
-      ->check(CLI::Range(0, 65535));
-  command->add_option("--name", options->name, "the name kept in the file, at most 260 characters")
-      ->type_name("TEXT")
-      ->check([](const std::string& text) {
-        return text.size() > kLongestBufferName ? "--name: at most 260 characters" : std::string();
-      }, "");
-  command->footer(
+  Command& command = line->Add("save", "packets to a capture buffer file");
+  AddReadingOptions(&command, &options->reading);
+  command.AddArgument("OUT", "the capture buffer file", &options->out);
+  command.AddFlag("--append", "add the packets to the end of an existing file", &options->append);
+  command.AddNumber("--partial", "BYTES", "cut packets to this many bytes", 0, 65535, &options->partialBytes);
+  command.AddOption("--name", "TEXT", "the name kept in the file, at most 260 characters",
+                    [options](const std::string& value, std::string* wanted) {
+                      *wanted = "a text of at most 260 characters";
+                      options->name = value;
+                      return value.size() <= kLongestBufferName;
+                    });
+  command.SetExamples(
       "Examples:\n"
       "  qxview save capture.pcap packets.bfr\n"
       "  qxview save --append --packets 10-20 --partial 64 more.pcapng packets.bfr");
-  command->callback([options, status] {
-    *status = FinishReadingOptions(&options->reading) ? Save(*options) : kUsage;
+  command.SetAction([options] {
+    FinishReadingOptions(&options->reading);
+    return Save(*options);
   });
 }
 

@@ -1,5 +1,3 @@
-#include <CLI/CLI.hpp>
-
 #include "app/commands.h"
 #include "app/packet_run.h"
 #include "core/bounded_text.h"
@@ -61,17 +59,18 @@ int ExportXml(const XmlOptions& options) {
 
 }  // namespace
 
-void AddXmlCommand(CLI::App* app, int* status) {
+void AddXmlCommand(CommandLine* line) {
   auto options = std::make_shared<XmlOptions>();
-  CLI::App* command = app->add_subcommand("xml", "packets as an XML document");
-  AddReadingOptions(command, &options->reading);
-  command->add_option("OUT", options->out, "the document, \"-\" for standard output")->required();
-  command->footer(
+  Command& command = line->Add("xml", "packets as an XML document");
+  AddReadingOptions(&command, &options->reading);
+  command.AddArgument("OUT", "the document, \"-\" for standard output", &options->out);
+  command.SetExamples(
       "Examples:\n"
       "  qxview xml capture.pcap packets.xml\n"
       "  qxview xml --packets 10-20 --set AliasFile=names.txt packets.bfr - | less");
-  command->callback([options, status] {
-    *status = FinishReadingOptions(&options->reading) ? ExportXml(*options) : kUsage;
+  command.SetAction([options] {
+    FinishReadingOptions(&options->reading);
+    return ExportXml(*options);
   });
 }
 

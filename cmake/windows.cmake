@@ -3,15 +3,6 @@
 # Inside the library and the program, which then need nothing but what every Windows has.
 set(ZLIB_USE_STATIC_LIBS ON)
 
-# CLI11 is headers alone. A folder with nothing else in it keeps this machine's other headers out.
-find_path(CLI11_FOLDER CLI/CLI.hpp PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)
-if(NOT CLI11_FOLDER)
-  message(FATAL_ERROR "CLI/CLI.hpp is not on this machine (Debian: libcli11-dev)")
-endif()
-file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
-file(CREATE_LINK ${CLI11_FOLDER}/CLI ${CMAKE_BINARY_DIR}/headers/CLI SYMBOLIC)
-include_directories(SYSTEM ${CMAKE_BINARY_DIR}/headers)
-
 # GoogleTest from its sources (Debian: googletest).
 set(GTEST_SOURCES /usr/src/googletest/googletest CACHE PATH "GoogleTest's source folder")
 if(QXVIEW_TESTS AND EXISTS ${GTEST_SOURCES}/src/gtest-all.cc)

@@ -1,6 +1,7 @@
 #include "host/text.h"
 
 #include <charconv>
+#include <cstdio>
 
 namespace qxview {
 
@@ -18,6 +19,47 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
     if (lower(a[i]) != lower(b[i])) return false;
   }
   return true;
+}
+
+bool TakeCharacter(std::string_view text, size_t* at, uint32_t* point) {
+  const auto byteAt = [&](size_t i) { return i < text.size() ? static_cast<uint8_t>(text[i]) : uint8_t{0}; };
+  const uint8_t lead = byteAt((*at)++);
+  *point = lead;
+  if (lead < 0x80) return true;
+  const int32_t more = lead < 0xC2 || lead > 0xF4 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+  if (more == 0) return false;
+  *point = lead & (0x3Fu >> more);
+  for (int32_t i = 0; i < more; ++i) {
+    const uint8_t next = byteAt(*at + static_cast<size_t>(i));
+    if ((next & 0xC0) != 0x80) return false;
+    *point = *point << 6 | (next & 0x3F);
+  }
+  constexpr uint32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+  if (*point < kLeast[more] || *point > 0x10FFFF || (*point >= 0xD800 && *point < 0xE000)) return false;
+  *at += static_cast<size_t>(more);
+  return true;
+}
+
+std::string QuoteValue(std::string_view value) {
+  constexpr int32_t kMostShown = 60;
+  std::string quoted = "\"";
+  int32_t shown = 0;
+  for (size_t at = 0; at < value.size(); ++shown) {
+    if (shown == kMostShown) return quoted + "...\"";
+    const size_t start = at;
+    uint32_t point;
+    const bool valid = TakeCharacter(value, &at, &point);
+    if (valid && point >= 0x20 && (point < 0x7F || point >= 0xA0)) {
+      quoted += value.substr(start, at - start);
+      continue;
+    }
+    for (size_t i = start; i < at; ++i) {
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<uint8_t>(value[i]));
+      quoted += hex;
+    }
+  }
+  return quoted + "\"";
 }
 
 bool ParseNumber(std::string_view text, int64_t* number) {

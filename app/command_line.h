@@ -1,0 +1,117 @@
+// What the command line is made of: commands, each a name, its options and arguments, and what it does. Reading the
+// user's words, telling what is wrong with them, and the texts of help follow from these records.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace qxview {
+
+enum ExitStatus : int { kDone = 0, kNothingFound = 1, kUsage = 2, kFileFault = 3 };
+
+// A message on standard error: "qxview: TEXT".
+void Tell(const std::string& text);
+
+// Takes what the user gave for an option; false for a value that it does not take, then *wanted says what it would.
+using TakeValue = std::function<bool(const std::string& value, std::string* wanted)>;
+
+struct CommandOption {
+  char letter;              // 0: none
+  std::string name;         // without the dashes; empty: none
+  const char* valueName;    // null: a flag
+  std::string about;
+  TakeValue take;
+  // As the user types it.
+  std::string Spelling() const { return name.empty() ? std::string{'-', letter} : "--" + name; }
+};
+
+struct CommandArgument {
+  const char* name;
+  const char* about;
+  std::string* value;
+};
+
+class Command {
+ public:
+  Command(const char* name, const char* about) : name_(name), about_(about) {}
+
+  // `names` is "-c,--count", "-c" or "--count". The targets hold the defaults and live as long as the command.
+  void AddFlag(const char* names, const char* about, bool* on);
+  void AddText(const char* names, const char* valueName, const char* about, std::string* text);
+  void AddTexts(const char* names, const char* valueName, const char* about, std::vector<std::string>* texts);
+  void AddOption(const char* names, const char* valueName, const std::string& about, TakeValue take);
+
+  template <typename Number>
+  void AddNumber(const char* names, const char* valueName, const char* about, uint64_t least, uint64_t most,
+                 Number* number) {
+    AddOption(names, valueName, about, [=](const std::string& value, std::string* wanted) {
+      uint64_t parsed = 0;
+      if (!TakeNumber(value, least, most, &parsed, wanted)) return false;
+      *number = static_cast<Number>(parsed);
+      return true;
+    });
+  }
+  template <typename Choice>
+  void AddChoice(const char* names, const char* valueName, const char* about,
+                 std::vector<std::pair<const char*, Choice>> choices, Choice* chosen) {
+    std::vector<const char*> words;
+    for (const auto& choice : choices) words.push_back(choice.first);
+    AddOption(names, valueName, about, [=](const std::string& value, std::string* wanted) {
+      const int32_t index = TakeWord(value, words, wanted);
+      if (index >= 0) *chosen = choices[static_cast<size_t>(index)].second;
+      return index >= 0;
+    });
+  }
+
+  void AddArgument(const char* name, const char* about, std::string* value) {
+    arguments_.push_back({name, about, value});
+  }
+  void SetExamples(const char* text) { examples_ = text; }
+  void SetAction(std::function<int()> action) { action_ = std::move(action); }
+
+  const char* Name() const { return name_; }
+  const char* About() const { return about_; }
+  const CommandOption* FindOption(char letter) const;
+  std::vector<std::string> LongSpellings() const;
+  std::string HelpText() const;
+  // Reads the words behind the command's name and runs it; the exit status.
+  int Run(std::vector<std::string> words) const;
+
+ private:
+  static bool TakeNumber(const std::string& value, uint64_t least, uint64_t most, uint64_t* number,
+                         std::string* wanted);
+  static int32_t TakeWord(const std::string& value, const std::vector<const char*>& words, std::string* wanted);
+  const CommandOption* OptionOf(int code) const;
+  // What is wrong is told.
+  enum class Outcome { kTaken, kHelp, kWrongValue, kMisused };
+  Outcome Parse(std::vector<std::string>& words, std::vector<std::string>* arguments) const;
+  Outcome TellMisuse(int code, const std::string& word) const;
+  bool TakeArguments(const std::vector<std::string>& given) const;
+  std::string UsageText() const;
+
+  const char* name_;
+  const char* about_;
+  const char* examples_ = "";
+  std::vector<CommandOption> options_;
+  std::vector<CommandArgument> arguments_;
+  std::function<int()> action_;
+};
+
+class CommandLine {
+ public:
+  Command& Add(const char* name, const char* about) { return commands_.emplace_back(name, about); }
+  // Runs the command that the words name; the exit status.
+  int Run(const std::vector<std::string>& words) const;
+
+ private:
+  const Command* Find(const std::string& name) const;
+  int TellUnknown(const std::string& word) const;
+  std::string HelpText() const;
+
+  std::list<Command> commands_;
+};
+
+}  // namespace qxview
