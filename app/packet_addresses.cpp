@@ -7,7 +7,6 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kIPv4Kind = 1, kIPv6Kind = 2;
 constexpr int32_t kMac = 6;
 
 void PutAddress(const AliasTable& aliases, AliasKind kind, const uint8_t* address, char* out) {
@@ -70,7 +69,7 @@ void PutHardware(const AliasTable& aliases, const FrameRecord* record, int32_t p
 }  // namespace
 
 void FormatPacketAddresses(const PacketState& packet, const AliasTable& aliases, PacketAddresses* out) {
-  if (packet.source.kind != 0 || packet.destination.kind != 0) {
+  if (packet.source.kind != kNoAddress || packet.destination.kind != kNoAddress) {
     PutSlot(aliases, packet.source, out->source);
     PutSlot(aliases, packet.destination, out->destination);
     return;

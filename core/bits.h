@@ -19,6 +19,10 @@ uint32_t FormatBits(uint32_t value, int32_t width, char* picture, int32_t firstB
 
 constexpr int32_t kBitPictureSize = 36;   // of up to 32 bits
 
+// How lines name a bit.
+constexpr const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
+constexpr const char* SetOrNotSet(uint32_t bit) { return bit ? "Set" : "Not Set"; }
+
 // Some bits of a field: their picture, an argument of a line's text, and their value.
 struct BitPicture {
   BitSlice picture;

@@ -15,4 +15,11 @@ CivilDate DateOfDay(int64_t day) {
           dayOfYear - (153 * shifted + 2) / 5 + 1};
 }
 
+CivilTime TimeOfSecond(int64_t second) {
+  constexpr int64_t kPerDay = 86400;
+  const int64_t day = second / kPerDay - (second % kPerDay < 0 ? 1 : 0);
+  const uint32_t ofDay = static_cast<uint32_t>(second - day * kPerDay);
+  return {DateOfDay(day), day, ofDay / 3600, ofDay / 60 % 60, ofDay % 60};
+}
+
 }  // namespace qxview

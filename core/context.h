@@ -11,6 +11,9 @@ namespace qxview {
 
 using ::AddressSlot;
 
+// What an address slot holds; an IPv4 address stands in its last four bytes.
+enum AddressKind : uint32_t { kNoAddress = 0, kIPv4Kind = 1, kIPv6Kind = 2 };
+
 struct Engine;
 struct OutputFile;
 

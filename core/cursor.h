@@ -109,6 +109,25 @@ inline WideField TakeLittleU64(Cursor& c) {
   return field;
 }
 
+// A look ahead, for what a top line says and a decoder chooses by before it takes its fields: the number at `at` bytes
+// from the cursor; 0 when it is not all there.
+inline uint32_t PeekU8(const Cursor& c, int32_t at = 0) { return at >= 0 && at < Left(c) ? c.at[at] : 0; }
+inline uint32_t PeekU16(const Cursor& c, int32_t at = 0) {
+  return at >= 0 && at < Left(c) - 1 ? ReadU16(c.at + at) : 0;
+}
+inline uint32_t PeekU24(const Cursor& c, int32_t at = 0) {
+  return at >= 0 && at < Left(c) - 2 ? ReadU24(c.at + at) : 0;
+}
+inline uint32_t PeekU32(const Cursor& c, int32_t at = 0) {
+  return at >= 0 && at < Left(c) - 3 ? ReadU32(c.at + at) : 0;
+}
+inline uint32_t PeekLittleU16(const Cursor& c, int32_t at = 0) {
+  return at >= 0 && at < Left(c) - 1 ? ReadLittleU16(c.at + at) : 0;
+}
+inline uint32_t PeekLittleU32(const Cursor& c, int32_t at = 0) {
+  return at >= 0 && at < Left(c) - 3 ? ReadLittleU32(c.at + at) : 0;
+}
+
 // All bytes that are left; here when there is at least one.
 inline Field Rest(Cursor& c) {
   if (Left(c) < 1) return {nullptr, c.offset, 0, 0, false};

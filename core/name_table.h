@@ -53,6 +53,8 @@ consteval NameTable<kRows> SortedNames(const NameTableEntry (&rows)[kRows]) {
   return table;
 }
 
+inline constexpr auto kFalseTrueNames = SortedNames({{0, "False"}, {1, "True"}});
+
 template <size_t kRows>
 const char* LookupName(const NameTable<kRows>& table, uint32_t code, const char* defaultName = kUnknown) {
   return LookupName(table.rows, code, static_cast<int32_t>(kRows), defaultName);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/characters.h"
 #include "core/civil_date.h"
 #include "core/digits.h"
 
@@ -10,7 +11,6 @@ namespace qxview {
 namespace {
 
 constexpr int64_t kPerSecond = 1000000000;
-constexpr int64_t kSecondsPerDay = 86400;
 // Zones change their offset at multiples of a quarter of an hour.
 constexpr int64_t kOffsetSpan = 900;
 
@@ -37,35 +37,17 @@ const char* NetworkName(const FrameRecord* record) {
   return "Ethernet";
 }
 
-// Length of the UTF-8 character at the text's start; 0 when it is none, or one that XML does not take.
-size_t Utf8Length(std::string_view text) {
-  const auto byte = [&](size_t i) { return i < text.size() ? static_cast<uint8_t>(text[i]) : 0u; };
-  const uint32_t lead = byte(0);
-  const size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
-  if (length < 2) return length;
-  uint32_t point = lead & (0xFFu >> (length + 1));
-  for (size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-    point = point << 6 | (byte(i) & 0x3F);
-  }
-  constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  const bool taken = point >= kSmallest[length] && point <= 0x10FFFF && (point < 0xD800 || point > 0xDFFF) &&
-                     point != 0xFFFE && point != 0xFFFF;
-  return taken ? length : 0;
-}
-
+// Whether all of it is characters in UTF-8 that XML takes.
 bool IsUtf8(std::string_view text) {
-  for (size_t length; !text.empty(); text.remove_prefix(length)) {
-    if ((length = Utf8Length(text)) == 0) return false;
+  const uint8_t* at = reinterpret_cast<const uint8_t*>(text.data());
+  for (int32_t left = static_cast<int32_t>(text.size()); left > 0;) {
+    const Utf8Character character = Utf8At(at, left);
+    if (character.octets == 0 || character.code == 0xFFFE || character.code == 0xFFFF) return false;
+    at += character.octets;
+    left -= character.octets;
   }
   return true;
 }
-
-// Windows-1252's code points of 0x80 to 0x9F; those that it leaves open are controls.
-constexpr uint16_t kHighCodePoints[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D,
-    0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A,
-    0x0153, 0x009D, 0x017E, 0x0178};
 
 }  // namespace
 
@@ -120,7 +102,7 @@ void XmlExport::PutEscaped(std::string_view text) {
       Put({&c, 1});
     } else {
       Put("&#");
-      PutNumber(value < 0xA0 ? kHighCodePoints[value - 0x80] : value);
+      PutNumber(CodeOfWindows1252(value));
       Put(";");
     }
   }
@@ -136,26 +118,24 @@ void XmlExport::PutTime(int64_t nanoseconds) {
   }
   const int64_t micros = DivideDown(nanoseconds, 1000) + offsetSeconds_ * 1000000;
   const int64_t seconds = DivideDown(micros, 1000000);
-  const int64_t day = DivideDown(seconds, kSecondsPerDay);
-  const uint32_t ofDay = static_cast<uint32_t>(seconds - day * kSecondsPerDay);
   const uint32_t fraction = static_cast<uint32_t>(micros - seconds * 1000000);
-  const CivilDate date = DateOfDay(day);
+  const CivilTime time = TimeOfSecond(seconds);
   Put("Date=\"");
-  Put({kDays + 3 * (day - 7 * DivideDown(day, 7)), 3});
+  Put({kDays + 3 * (time.dayNumber - 7 * DivideDown(time.dayNumber, 7)), 3});
   Put(" ");
-  Put({kMonths + 3 * (date.month - 1), 3});
+  Put({kMonths + 3 * (time.month - 1), 3});
   Put(" ");
-  PutNumber(date.day);
+  PutNumber(time.day);
   Put(" ");
-  PutNumber(static_cast<uint64_t>(date.year));
+  PutNumber(static_cast<uint64_t>(time.year));
   Put("\" ");
-  PutAttribute("Day=", static_cast<uint64_t>(day));
+  PutAttribute("Day=", static_cast<uint64_t>(time.dayNumber));
   Put("Time=\"");
-  PutNumber(ofDay / 3600);
+  PutNumber(time.hour);
   Put("h:");
-  PutNumber(ofDay / 60 % 60);
+  PutNumber(time.minute);
   Put("m ");
-  PutNumber(ofDay % 60);
+  PutNumber(time.second);
   char digits[8] = ".000000";
   for (uint32_t at = 6, rest = fraction; rest > 0; --at, rest /= 10) digits[at] = static_cast<char>('0' + rest % 10);
   Put({digits, 7});

@@ -6,6 +6,7 @@
 // The data form says whether numbers are little-endian. What the call's parameters are is the interface's matter: they
 // stay a dump, "Stub Data".
 #include "core/decoder.h"
+#include "decoders/common/guid.h"
 
 namespace qxview {
 namespace {
@@ -15,7 +16,7 @@ enum PduType : uint32_t {
   kAlterContextResponse = 15, kAuth3 = 16,
 };
 
-constexpr int32_t kHeaderSize = 16, kUuidSize = 16, kAuthHeaderSize = 8;
+constexpr int32_t kHeaderSize = 16, kAuthHeaderSize = 8;
 constexpr uint32_t kHasObject = 0x80, kLittleEndian = 0x10, kLastType = 19;
 
 constexpr auto kTypeNames = SortedNames({
@@ -77,18 +78,16 @@ void AddNumber32(const Place& in, Fragment& f, const char* label) {
 }
 
 void AddUuid(const Place& in, Fragment& f, const char* label) {
-  const Field uuid = TakeBytes(f.body, kUuidSize);
+  const Field uuid = TakeBytes(f.body, kGuidSize);
   if (!uuid.here) return;
-  const uint8_t* b = uuid.bytes;
-  const uint32_t first = f.isLittle ? ReadLittleU32(b) : ReadU32(b);
-  const uint32_t second = f.isLittle ? ReadLittleU16(b + 4) : ReadU16(b + 4);
-  const uint32_t third = f.isLittle ? ReadLittleU16(b + 6) : ReadU16(b + 6);
+  const Cursor c = CursorOver(uuid);
+  const uint32_t first = f.isLittle ? PeekLittleU32(c) : PeekU32(c), last = PeekU8(c, kGuidSize - 1);
   const char* name = nullptr;
   for (const Syntax& known : kSyntaxes) {
-    if (known.first == first && known.last == b[15]) name = known.name;
+    if (known.first == first && known.last == last) name = known.name;
   }
-  AddLine(in, uuid, "%s: %.08X-%.04X-%.04X-%.04X-%.04X%.08X%s%s", label, first, second, third, ReadU16(b + 8),
-          ReadU16(b + 10), ReadU32(b + 12), name ? " = " : "", name ? name : "");
+  AddLine(in, uuid, "%s: %s%s%s", label, TextOfGuid(uuid, f.isLittle ? GuidOrder::kLittle : GuidOrder::kBig),
+          name ? " = " : "", name ? name : "");
 }
 
 void AddSyntax(const Place& in, Fragment& f, const char* label) {
@@ -244,7 +243,7 @@ void AddHeader(const Place& in, Fragment& f) {
   const Place bits = Under(in, AddLine(in, flags, "Flags: 0x%.02X", flags.value));
   for (int32_t i = 0; i < 8; ++i) {
     const BitPicture bit = BitsOf(flags, 7 - i, 1);
-    AddBitLine(bits, flags, "%s: %s = %s", bit.picture, kFlagNames[i], bit.value ? "True" : "False");
+    AddBitLine(bits, flags, "%s: %s = %s", bit.picture, kFlagNames[i], TrueOrFalse(bit.value));
   }
   const Field form = TakeBytes(f.body, 4);
   AddLine(in, form, "Data Form: %s, %s, %s", f.isLittle ? "Little-Endian" : "Big-Endian",

@@ -22,7 +22,7 @@ constexpr const char* kUpdateCounts[] = {"Zone Entry", "Prerequisite Record", "U
 void AddFlag(const Place& in, const Field& octet, int32_t bit, const char* code, const char* name,
              const char* equals = "=") {
   const auto [picture, value] = BitsOf(octet, bit, 1);
-  AddBitLine(in, octet, "%s: (%s) %s = %s", picture, code, name, value ? "True" : "False");
+  AddBitLine(in, octet, "%s: (%s) %s = %s", picture, code, name, TrueOrFalse(value));
   AppendToParent(in, octet, ", %s%s%s", code, equals, value ? "T" : "F");
 }
 

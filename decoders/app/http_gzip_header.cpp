@@ -50,7 +50,7 @@ Field CoverOf(const HeaderPlace& header, const Field& field) {
   return header.elsewhere && field.here ? Stated(header.offset, 0) : field;
 }
 
-const char* TrueOrFalse(uint32_t value) { return value ? "TRUE" : "FALSE"; }
+const char* UpperTruth(uint32_t value) { return value ? "TRUE" : "FALSE"; }
 
 void ShowFlags(const HeaderPlace& header, const Field& flags) {
   const Field cover = CoverOf(header, flags);
@@ -58,15 +58,15 @@ void ShowFlags(const HeaderPlace& header, const Field& flags) {
   const auto [reserved, reservedValue] = BitsOf(flags, 0, 3);
   AddBitLine(in, cover, "%s : Reserved", reserved);
   const auto [comment, commentSet] = BitsOf(flags, 3, 1);
-  AddBitLine(in, cover, "%s : FCOMMENT: %s", comment, TrueOrFalse(commentSet));
+  AddBitLine(in, cover, "%s : FCOMMENT: %s", comment, UpperTruth(commentSet));
   const auto [name, nameSet] = BitsOf(flags, 4, 1);
-  AddBitLine(in, cover, "%s : FNAME: %s", name, TrueOrFalse(nameSet));
+  AddBitLine(in, cover, "%s : FNAME: %s", name, UpperTruth(nameSet));
   const auto [extra, extraSet] = BitsOf(flags, 5, 1);
-  AddBitLine(in, cover, "%s : FEXTRA: %s", extra, TrueOrFalse(extraSet));
+  AddBitLine(in, cover, "%s : FEXTRA: %s", extra, UpperTruth(extraSet));
   const auto [crc, crcSet] = BitsOf(flags, 6, 1);
-  AddBitLine(in, cover, "%s : FHCRC: %s", crc, TrueOrFalse(crcSet));
+  AddBitLine(in, cover, "%s : FHCRC: %s", crc, UpperTruth(crcSet));
   const auto [text, textSet] = BitsOf(flags, 7, 1);
-  AddBitLine(in, cover, "%s : FTEXT: %s", text, TrueOrFalse(textSet));
+  AddBitLine(in, cover, "%s : FTEXT: %s", text, UpperTruth(textSet));
 }
 
 // A zero would end the line's text.

@@ -114,7 +114,6 @@ void DescribeIpProtocol(SummaryText& text, const Cursor& c, const PacketState& p
 }
 
 void DescribeFragment(SummaryText& text, const Cursor& c, const PacketState& packet) {
-  constexpr uint32_t kIPv6Kind = 2;
   const uint32_t key = packet.reached.key;
   Add(text, "%s Fragment: %s, Offset: %u", packet.source.kind == kIPv6Kind ? "IPv6" : "IPv4",
       IpProtocolName(key & 0xFF), key >> 8);

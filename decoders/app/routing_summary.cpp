@@ -61,7 +61,6 @@ void DescribePim(SummaryText& text, Cursor c, const PacketState&) {
 }
 
 void DescribeVrrp(SummaryText& text, Cursor c, const PacketState& packet) {
-  constexpr uint32_t kIPv4 = 1;
   const Field first = TakeU8(c), router = TakeU8(c), priority = TakeU8(c), count = TakeU8(c);
   TakeU32(c);   // interval, checksum
   Add(text, "VRRP");
@@ -70,7 +69,7 @@ void DescribeVrrp(SummaryText& text, Cursor c, const PacketState& packet) {
   if (router.here) Add(text, ", Router: %u", router.value);
   if (priority.here) Add(text, ", Priority: %u", priority.value);
   if (!count.here || count.value == 0) return;
-  const bool isFour = packet.source.kind == kIPv4;
+  const bool isFour = packet.source.kind == kIPv4Kind;
   const Field address = TakeBytes(c, isFour ? 4 : 16);
   if (!address.here) return;
   if (isFour) return Add(text, ", Address: %s", IPv4Text(address.bytes));

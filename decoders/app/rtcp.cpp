@@ -168,7 +168,7 @@ void AddHeaderLines(const Place& in, Cursor& c, const RtcpHeader& header) {
   const Place bits = Under(in, AddLine(in, first, "Header: 0x%.02X", first.value));
   const auto version = BitsOf(first, 0, 2), padding = BitsOf(first, 2, 1), count = BitsOf(first, 3, 5);
   AddBitLine(bits, first, "%s : Version = %u", version.picture, version.value);
-  AddBitLine(bits, first, "%s : Padding = %s", padding.picture, padding.value ? "Set" : "Not Set");
+  AddBitLine(bits, first, "%s : Padding = %s", padding.picture, SetOrNotSet(padding.value));
   if (const char* feedback = FeedbackName(header)) {
     AddBitLine(bits, first, "%s : %s = %u = %s", count.picture, CountName(header.type), count.value, feedback);
   } else {

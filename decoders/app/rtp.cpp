@@ -17,20 +17,18 @@ const char* CodecName(uint32_t payloadType) {
   return codec ? codec->name : kUnknown;
 }
 
-const char* SetText(uint32_t bit) { return bit ? "Set" : "Not Set"; }
-
 void AddFlagLines(const Place& in, const Field& first, const Field& second) {
   const Place flags = Under(in, AddLine(in, first, "Header: 0x%.02X", first.value));
   const auto version = BitsOf(first, 0, 2), padding = BitsOf(first, 2, 1), extension = BitsOf(first, 3, 1),
              sources = BitsOf(first, 4, 4);
   AddBitLine(flags, first, "%s : Version = %u", version.picture, version.value);
-  AddBitLine(flags, first, "%s : Padding = %s", padding.picture, SetText(padding.value));
-  AddBitLine(flags, first, "%s : Extension = %s", extension.picture, SetText(extension.value));
+  AddBitLine(flags, first, "%s : Padding = %s", padding.picture, SetOrNotSet(padding.value));
+  AddBitLine(flags, first, "%s : Extension = %s", extension.picture, SetOrNotSet(extension.value));
   AddBitLine(flags, first, "%s : CSRC Count = %u", sources.picture, sources.value);
   const auto marker = BitsOf(second, 0, 1), type = BitsOf(second, 1, 7);
   const char* name = CodecName(type.value);
   const Place payload = Under(in, AddLine(in, second, "Payload Type: %u = %s", type.value, name));
-  AddBitLine(payload, second, "%s : Marker = %s", marker.picture, SetText(marker.value));
+  AddBitLine(payload, second, "%s : Marker = %s", marker.picture, SetOrNotSet(marker.value));
   AddBitLine(payload, second, "%s : Payload Type = %u", type.picture, type.value);
 }
 

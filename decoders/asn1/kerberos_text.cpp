@@ -103,7 +103,7 @@ void ShowEncryptionSet(const Place& at, Cursor c) {
   const Field set = TakeLittleU32(c);
   for (const SetBit& row : kEncryptionSet) {
     const BitPicture one = BitsOf(set, 31 - row.bit, 1);
-    AddBitLine(at, set, "%s: %s = %s", one.picture, row.name, one.value ? "True" : "False");
+    AddBitLine(at, set, "%s: %s = %s", one.picture, row.name, TrueOrFalse(one.value));
   }
   AddBlock(at, Rest(c), "Undefined Data");
 }

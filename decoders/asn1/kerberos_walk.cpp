@@ -68,7 +68,7 @@ void ShowFlags(const AsnPlace& at, const KrbType& type, const Cursor& contents) 
     const BitPicture one = BitsOf(flags, bit, 1);
     if (!type.bits[bit] && !one.value) continue;
     AddBitLine(lines, flags, "%s: %s = %s", one.picture, type.bits[bit] ? type.bits[bit] : "Reserved",
-               one.value ? "True" : "False");
+               TrueOrFalse(one.value));
   }
 }
 
@@ -250,7 +250,7 @@ void DescribeKrbElement(const KrbWalk& walk, const KrbType& type, const Cursor& 
   switch (type.form) {
     case KrbForm::kNumber: FormatInto(out, outSize, "%u", number); break;
     case KrbForm::kCode: FormatInto(out, outSize, "[%d] = %s", number, NameOf(type, number)); break;
-    case KrbForm::kBoolean: FormatInto(out, outSize, "%s", number ? "True" : "False"); break;
+    case KrbForm::kBoolean: FormatInto(out, outSize, "%s", TrueOrFalse(number)); break;
     case KrbForm::kText: FormatInto(out, outSize, "%s", TextOver(contents)); break;
     case KrbForm::kTime: DescribeTime(contents, out, outSize); break;
     case KrbForm::kFlags: DescribeFlags(type, contents, out, outSize); break;

@@ -85,7 +85,7 @@ void AddFlags(const Place& in, const Field& flags) {
   const Place bits = Under(in, AddLine(in, flags, "Flags: 0x%.08X", flags.value));
   for (const Flag& flag : kFlags) {
     const BitPicture picture = BitsOf(flags, 31 - flag.bit, 1);
-    AddBitLine(bits, flags, "%s: %s = %s", picture.picture, flag.name, picture.value ? "True" : "False");
+    AddBitLine(bits, flags, "%s: %s = %s", picture.picture, flag.name, TrueOrFalse(picture.value));
   }
 }
 

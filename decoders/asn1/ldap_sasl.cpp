@@ -17,8 +17,6 @@ constexpr uint32_t kNtlmVersion = 0x01000000;
 constexpr uint32_t kMostBuffer = 0xFFFFFF;  // what a mechanism can agree on
 constexpr int32_t kLengthSize = 4;
 
-const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
-
 // What is left of the data: messages in the clear, or a dump.
 void ShowData(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft, const char* title) {
   LdapElement message;

@@ -3,48 +3,22 @@
 
 #include <cstring>
 
+#include "core/characters.h"
 #include "decoders/asn1/ldap.h"
+#include "decoders/common/guid.h"
+#include "decoders/common/sid.h"
 
 namespace qxview {
 namespace {
 
-struct Character {
-  uint32_t code;
-  int32_t octets;  // 0 for what is no UTF-8
-};
-
-// The character at the octets, of which there is at least one (RFC 3629: shortest form, no surrogates).
-Character CharacterAt(const uint8_t* at, int32_t left) {
-  const uint32_t first = at[0];
-  if (first < 0x80) return {first, 1};
-  const int32_t octets = first >= 0xF5 ? 0 : first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC2 ? 2 : 0;
-  if (octets == 0 || octets > left) return {0, 0};
-  uint32_t code = first & (0x7Fu >> octets);
-  for (int32_t i = 1; i < octets; ++i) {
-    if ((at[i] & 0xC0) != 0x80) return {0, 0};
-    code = code << 6 | (at[i] & 0x3Fu);
-  }
-  constexpr uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-  const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-  return code < kLeast[octets] || code > 0x10FFFF || isSurrogate ? Character{0, 0} : Character{code, octets};
-}
-
 // The character's place in Windows-1252; 0 for none and for control characters.
 uint8_t PlaceOf(uint32_t code) {
-  if ((code >= 0x20 && code < 0x7F) || (code >= 0xA0 && code <= 0xFF)) return static_cast<uint8_t>(code);
-  constexpr uint16_t kFrom80[] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                  0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
-                                  0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                  0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-  for (uint32_t i = 0; code > 0xFF && i < 32; ++i) {
-    if (kFrom80[i] == code) return static_cast<uint8_t>(0x80 + i);
-  }
-  return 0;
+  return code < 0x20 || code == 0x7F ? 0 : Windows1252Of(code);
 }
 
 bool IsText(const Cursor& octets) {
   for (int32_t i = 0; i < Left(octets);) {
-    const Character character = CharacterAt(octets.at + i, Left(octets) - i);
+    const Utf8Character character = Utf8At(octets.at + i, Left(octets) - i);
     const uint32_t code = character.code;
     if (character.octets == 0 || code == 0x7F) return false;
     if (code < 0x20 && code != '\t' && code != '\r' && code != '\n') return false;
@@ -78,7 +52,7 @@ void LdapText::PutEscaped(const uint8_t* octets, int32_t count) {
 void LdapText::PutCharacters(const Cursor& octets, const char* escaped) {
   for (int32_t i = 0; i < Left(octets) && !full_;) {
     const uint8_t* at = octets.at + i;
-    const Character character = CharacterAt(at, Left(octets) - i);
+    const Utf8Character character = Utf8At(at, Left(octets) - i);
     const char place = static_cast<char>(PlaceOf(character.code));
     const int32_t count = character.octets > 0 ? character.octets : 1;
     if (character.octets == 0 || place == 0 || std::strchr(escaped, place)) {
@@ -154,27 +128,22 @@ void DescribeAssertion(const LdapElement& element, char* out, int32_t size) {
   text.PutValue(value.body);
 }
 
-void DescribeUuid(const LdapElement& element, char* out, int32_t size) {
-  const uint8_t* p = element.body.at;
-  if (Left(element.body) != 16) return DescribeText(element, out, size);
-  FormatInto(out, size, "%.08x-%.04x-%.04x-%.04x-%.04x%.08x", ReadU32(p), ReadU16(p + 4), ReadU16(p + 6),
-             ReadU16(p + 8), ReadU16(p + 10), ReadU32(p + 12));
+static void DescribeAs(GuidOrder order, const LdapElement& element, char* out, int32_t size) {
+  Cursor c = element.body;
+  if (Left(c) != kGuidSize) return DescribeText(element, out, size);
+  FormatInto(out, size, "%s", TextOfGuid(Rest(c), order, GuidLetters::kLower));
 }
-
+void DescribeUuid(const LdapElement& element, char* out, int32_t size) {
+  DescribeAs(GuidOrder::kBig, element, out, size);
+}
 void DescribeGuid(const LdapElement& element, char* out, int32_t size) {
-  const uint8_t* p = element.body.at;
-  if (Left(element.body) != 16) return DescribeText(element, out, size);
-  FormatInto(out, size, "%.08x-%.04x-%.04x-%.04x-%.04x%.08x", ReadLittleU32(p), ReadLittleU16(p + 4),
-             ReadLittleU16(p + 6), ReadU16(p + 8), ReadU16(p + 10), ReadU32(p + 12));
+  DescribeAs(GuidOrder::kLittle, element, out, size);
 }
 
 void DescribeSid(const LdapElement& element, char* out, int32_t size) {
-  // Revision, count of sub-authorities, 6 octets of authority, then 4 octets each, low octet first.
-  const Cursor& c = element.body;
-  if (Left(c) < 8 || c.at[0] != 1 || Left(c) != 8 + 4 * c.at[1]) return DescribeText(element, out, size);
-  LdapText text(out, size);
-  text.PutFormat("S-1-%I64u", uint64_t{ReadU16(c.at + 2)} << 32 | ReadU32(c.at + 4));
-  for (int32_t i = 0; i < c.at[1]; ++i) text.PutFormat("-%u", ReadLittleU32(c.at + 8 + 4 * i));
+  Cursor c = element.body;
+  if (PeekU8(c) != 1 || SidSize(c) != Left(c)) return DescribeText(element, out, size);
+  FormatInto(out, size, "%s", TextOfSid(Rest(c)));
 }
 
 }  // namespace qxview

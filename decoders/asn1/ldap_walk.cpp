@@ -41,7 +41,7 @@ void ShowNumber(const LdapWalk& walk, const LdapField& field, const LdapElement&
 
 void ShowFlag(const LdapWalk& walk, const LdapField& field, const LdapElement& element) {
   const LineHandle line =
-      AddLine(LinesOf(walk), RangeOf(element), "%s: %s", field.title, NumberIn(element) ? "True" : "False");
+      AddLine(LinesOf(walk), RangeOf(element), "%s: %s", field.title, TrueOrFalse(NumberIn(element)));
   ShowUnder(walk, line, element, DecodeAsnImplicitBoolean);
 }
 

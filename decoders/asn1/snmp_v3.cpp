@@ -5,8 +5,6 @@
 namespace qxview {
 namespace {
 
-const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
-
 const char* ModelName(uint32_t model) {
   switch (model) {
     case 1: return "SNMPv1";

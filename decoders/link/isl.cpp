@@ -37,7 +37,7 @@ IslHeader AddHeaderLines(const Place& in, Cursor& c) {
   const Field tag = TakeU16(c);
   const BitPicture vlan = BitsOf(tag, 0, 15), bpdu = BitsOf(tag, 15, 1);
   AddBitLine(in, tag, "%s: VLAN ID = %u", vlan.picture, vlan.value);
-  AddBitLine(in, tag, "%s: Spanning Tree or Discovery = %s", bpdu.picture, bpdu.value ? "True" : "False");
+  AddBitLine(in, tag, "%s: Spanning Tree or Discovery = %s", bpdu.picture, TrueOrFalse(bpdu.value));
   const Field index = TakeU16(c);
   AddLine(in, index, "Port Index: %u", index.value);
   const Field reserved = TakeU16(c);

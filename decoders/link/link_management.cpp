@@ -25,7 +25,7 @@ constexpr auto kReportTypes = SortedNames({{0, "Full Status"}, {1, "Link Integri
 
 void AddStatusBit(const Place& in, const Field& status, int32_t bit, const char* name) {
   const BitPicture picture = BitsOf(status, bit, 1);
-  AddBitLine(in, status, "%s: %s = %s", picture.picture, name, picture.value ? "True" : "False");
+  AddBitLine(in, status, "%s: %s = %s", picture.picture, name, TrueOrFalse(picture.value));
 }
 
 // LMI gives a circuit as a plain number; the others as an address of Q.922 with the extension bit first.

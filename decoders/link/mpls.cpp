@@ -42,7 +42,7 @@ bool DecodeLabel(const Place& at, Cursor& c) {
     AddBitLine(in, entry, "%s: Label = %u", label.picture, label.value);
   }
   AddBitLine(in, entry, "%s: Traffic Class = %u", trafficClass.picture, trafficClass.value);
-  AddBitLine(in, entry, "%s: Bottom of Stack = %s", bottom.picture, bottom.value ? "True" : "False");
+  AddBitLine(in, entry, "%s: Bottom of Stack = %s", bottom.picture, TrueOrFalse(bottom.value));
   AddBitLine(in, entry, "%s: Time to Live = %u", timeToLive.picture, timeToLive.value);
   return bottom.value == 0;
 }

@@ -64,7 +64,7 @@ int32_t DecodeBridging(const Place& in, const Place& network, Cursor c) {
   const BitPicture checked = BitsOf(flags, 0, 1), identified = BitsOf(flags, 1, 1), filled = BitsOf(flags, 2, 1);
   AddBitLine(in, flags, "%s: LAN Check Sequence = %s", checked.picture, checked.value ? "Present" : "Absent");
   AddBitLine(in, flags, "%s: LAN Identifier = %s", identified.picture, identified.value ? "Present" : "Absent");
-  AddBitLine(in, flags, "%s: Zero Filled = %s", filled.picture, filled.value ? "True" : "False");
+  AddBitLine(in, flags, "%s: Zero Filled = %s", filled.picture, TrueOrFalse(filled.value));
   const BitPicture pads = BitsOf(flags, 4, 4);
   AddBitLine(in, flags, "%s: Pad Bytes = %u", pads.picture, pads.value);
   const Field medium = TakeU8(c);
@@ -89,8 +89,8 @@ int32_t DecodeBridging(const Place& in, const Place& network, Cursor c) {
 int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
   const Field head = TakeU32(c);
   const BitPicture begin = BitsOf(head, 0, 1), end = BitsOf(head, 1, 1), sequence = BitsOf(head, 8, 24);
-  AddBitLine(in, head, "%s: Beginning Fragment = %s", begin.picture, begin.value ? "True" : "False");
-  AddBitLine(in, head, "%s: Ending Fragment = %s", end.picture, end.value ? "True" : "False");
+  AddBitLine(in, head, "%s: Beginning Fragment = %s", begin.picture, TrueOrFalse(begin.value));
+  AddBitLine(in, head, "%s: Ending Fragment = %s", end.picture, TrueOrFalse(end.value));
   AddBitLine(in, head, "%s: Sequence Number = %u", sequence.picture, sequence.value);
   if (head.here && begin.value && end.value) return CallDecoder(network, c, DecodePpp, "Raw Data");
   return CallDecoder(network, c, nullptr, "Multilink Fragment Data");

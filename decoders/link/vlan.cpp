@@ -17,7 +17,7 @@ int32_t DecodeTag(const Place& at, Cursor c, const char* title) {
   const BitPicture priority = BitsOf(tag, 0, 3);
   AddBitLine(in, tag, "%s: Priority = %u", priority.picture, priority.value);
   const BitPicture drop = BitsOf(tag, 3, 1);
-  AddBitLine(in, tag, "%s: Drop Eligible = %s", drop.picture, drop.value ? "True" : "False");
+  AddBitLine(in, tag, "%s: Drop Eligible = %s", drop.picture, TrueOrFalse(drop.value));
   const BitPicture identifier = BitsOf(tag, 4, 12);
   AddBitLine(in, tag, "%s: VLAN ID = %u", identifier.picture, identifier.value);
   return DecodeEthernetHeader(in, c);
@@ -43,7 +43,7 @@ int32_t DecodeVnTag(const Place& at, Cursor c) {
              destinationInterface.value);
   const Field source = TakeU16(c);
   const BitPicture looped = BitsOf(source, 0, 1);
-  AddBitLine(in, source, "%s: Looped = %s", looped.picture, looped.value ? "True" : "False");
+  AddBitLine(in, source, "%s: Looped = %s", looped.picture, TrueOrFalse(looped.value));
   const BitPicture reserved = BitsOf(source, 1, 1);
   AddBitLine(in, source, "%s: Reserved", reserved.picture);
   const BitPicture version = BitsOf(source, 2, 2);

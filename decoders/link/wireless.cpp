@@ -116,7 +116,7 @@ uint32_t AddQosControl(const Place& in, Cursor& c) {
   const BitPicture rest = BitsOf(qos, 0, 8), aggregate = BitsOf(qos, 8, 1), policy = BitsOf(qos, 9, 2);
   const BitPicture service = BitsOf(qos, 11, 1), traffic = BitsOf(qos, 12, 4);
   AddBitLine(bits, qos, "%s: TXOP or Queue Size = %u", rest.picture, rest.value);
-  AddBitLine(bits, qos, "%s: A-MSDU Present = %s", aggregate.picture, aggregate.value ? "True" : "False");
+  AddBitLine(bits, qos, "%s: A-MSDU Present = %s", aggregate.picture, TrueOrFalse(aggregate.value));
   AddBitLine(bits, qos, "%s: Ack Policy = %s", policy.picture, LookupName(kAckPolicies, policy.value));
   AddBitLine(bits, qos, "%s: End of Service Period = %u", service.picture, service.value);
   AddBitLine(bits, qos, "%s: Traffic Identifier = %u", traffic.picture, traffic.value);

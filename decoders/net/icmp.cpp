@@ -135,16 +135,16 @@ void DecodeExtendedEcho(const Message& message, Cursor& c) {
   AppendToParent(in, sequence, ", Identifier = %u, Sequence Number = %u", identifier.value, sequence.value);
   if (message.type == kExtendedEcho) {
     const BitPicture local = BitsOf(flags, 7, 1);
-    AddBitLine(in, flags, "%s: Local = %s", local.picture, local.value ? "True" : "False");
+    AddBitLine(in, flags, "%s: Local = %s", local.picture, TrueOrFalse(local.value));
     if (Left(c) > 0) DecodeIcmpExtensions(in, TakeCursor(c, Left(c)));
     return;
   }
   const BitPicture state = BitsOf(flags, 0, 3), active = BitsOf(flags, 5, 1), ipv4 = BitsOf(flags, 6, 1);
   const BitPicture ipv6 = BitsOf(flags, 7, 1);
   AddBitLine(in, flags, "%s: State = %u (%s)", state.picture, state.value, kStates[state.value]);
-  AddBitLine(in, flags, "%s: Active = %s", active.picture, active.value ? "True" : "False");
-  AddBitLine(in, flags, "%s: IPv4 Running = %s", ipv4.picture, ipv4.value ? "True" : "False");
-  AddBitLine(in, flags, "%s: IPv6 Running = %s", ipv6.picture, ipv6.value ? "True" : "False");
+  AddBitLine(in, flags, "%s: Active = %s", active.picture, TrueOrFalse(active.value));
+  AddBitLine(in, flags, "%s: IPv4 Running = %s", ipv4.picture, TrueOrFalse(ipv4.value));
+  AddBitLine(in, flags, "%s: IPv6 Running = %s", ipv6.picture, TrueOrFalse(ipv6.value));
 }
 
 // The errors that do not say how long their quote is: one field, then the quote to the end.

@@ -31,7 +31,7 @@ void AddLabels(const Place& in, Cursor c) {
                                          timeToLive.value));
     AddBitLine(bits, entry, "%s: Label = %u", label.picture, label.value);
     AddBitLine(bits, entry, "%s: Traffic Class = %u", traffic.picture, traffic.value);
-    AddBitLine(bits, entry, "%s: Bottom of Stack = %s", bottom.picture, bottom.value ? "True" : "False");
+    AddBitLine(bits, entry, "%s: Bottom of Stack = %s", bottom.picture, TrueOrFalse(bottom.value));
     AddBitLine(bits, entry, "%s: Time to Live = %u", timeToLive.picture, timeToLive.value);
   }
 }
@@ -63,10 +63,10 @@ void AddInterfaceInformation(const Place& in, const Field& type, Cursor c) {
   const BitPicture role = BitsOf(type, 0, 2), index = BitsOf(type, 4, 1), address = BitsOf(type, 5, 1);
   const BitPicture name = BitsOf(type, 6, 1), mtu = BitsOf(type, 7, 1);
   AddBitLine(in, type, "%s: Interface Role = %s", role.picture, kRoles[role.value]);
-  AddBitLine(in, type, "%s: Index Included = %s", index.picture, index.value ? "True" : "False");
-  AddBitLine(in, type, "%s: Address Included = %s", address.picture, address.value ? "True" : "False");
-  AddBitLine(in, type, "%s: Name Included = %s", name.picture, name.value ? "True" : "False");
-  AddBitLine(in, type, "%s: MTU Included = %s", mtu.picture, mtu.value ? "True" : "False");
+  AddBitLine(in, type, "%s: Index Included = %s", index.picture, TrueOrFalse(index.value));
+  AddBitLine(in, type, "%s: Address Included = %s", address.picture, TrueOrFalse(address.value));
+  AddBitLine(in, type, "%s: Name Included = %s", name.picture, TrueOrFalse(name.value));
+  AddBitLine(in, type, "%s: MTU Included = %s", mtu.picture, TrueOrFalse(mtu.value));
   if (index.value) {
     const Field number = TakeU32(c);
     AddLine(in, number, "Interface Index: %u", number.value);

@@ -22,7 +22,7 @@ void AddMobilityAgent(const Place& in, Cursor c) {
   int32_t bit = 0;
   for (const char* name : kFlagNames) {
     const BitPicture flag = BitsOf(flags, bit++, 1);
-    AddBitLine(bits, flags, "%s: %s = %s", flag.picture, name, flag.value ? "True" : "False");
+    AddBitLine(bits, flags, "%s: %s = %s", flag.picture, name, TrueOrFalse(flag.value));
   }
   Loop loop;
   while (MoreAt(in, c, loop)) {

@@ -217,7 +217,7 @@ Field AddLifetime(const Place& in, Cursor& c, const char* label) {
 
 void AddFlag(const Place& in, const Field& flags, int32_t bit, const char* name) {
   const BitPicture picture = BitsOf(flags, bit, 1);
-  AddBitLine(in, flags, "%s: %s = %s", picture.picture, name, picture.value ? "True" : "False");
+  AddBitLine(in, flags, "%s: %s = %s", picture.picture, name, TrueOrFalse(picture.value));
 }
 
 void AddPreference(const Place& in, const Field& flags) {

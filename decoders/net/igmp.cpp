@@ -49,7 +49,7 @@ void DecodeQueryTail(const Place& in, Cursor& c) {
   const Field flags = TakeU8(c);
   const BitPicture suppress = BitsOf(flags, 4, 1), robustness = BitsOf(flags, 5, 3);
   AddBitLine(in, flags, "%s: Suppress Router-Side Processing = %s", suppress.picture,
-             suppress.value ? "True" : "False");
+             TrueOrFalse(suppress.value));
   AddBitLine(in, flags, "%s: Querier's Robustness Variable = %u", robustness.picture, robustness.value);
   const Field interval = TakeU8(c);
   AddLine(in, interval, "Querier's Query Interval: %u seconds", ReadTimeCode(interval.value));

@@ -48,7 +48,7 @@ Header ReadHeader(const uint8_t* bytes) {
 void RecordAddress(AddressSlot& slot, const uint8_t* address) {
   slot = AddressSlot{};
   std::memcpy(slot.address + 12, address, 4);
-  slot.kind = 1;
+  slot.kind = kIPv4Kind;
 }
 
 void RecordDatagram(PacketState& packet, const Header& header) {
@@ -83,8 +83,8 @@ void AddFragment(const Place& in, const Field& fragment) {
   const BitPicture offset = BitsOf(fragment, 3, 13);
   const Place bits = Under(in, AddLine(in, fragment, "Fragment:"));
   AddBitLine(bits, fragment, "%s: Reserved", reserved.picture);
-  AddBitLine(bits, fragment, "%s: Do Not Fragment = %s", whole.picture, whole.value ? "True" : "False");
-  AddBitLine(bits, fragment, "%s: More Fragments = %s", more.picture, more.value ? "True" : "False");
+  AddBitLine(bits, fragment, "%s: Do Not Fragment = %s", whole.picture, TrueOrFalse(whole.value));
+  AddBitLine(bits, fragment, "%s: More Fragments = %s", more.picture, TrueOrFalse(more.value));
   AddBitLine(bits, fragment, "%s: Fragment Offset [%u] * 8 = %u Bytes", offset.picture, offset.value,
              offset.value * 8);
   if (!whole.value && (more.value || offset.value)) {

@@ -47,7 +47,7 @@ Option AddOption(const Place& in, const Field& type, const Field& length, const 
   const Option option{Under(in, line), type, length};
   const Place bits = Under(option.in, AddLine(option.in, type, "Option-Type:"));
   const BitPicture copied = BitsOf(type, 0, 1), optionClass = BitsOf(type, 1, 2), number = BitsOf(type, 3, 5);
-  AddBitLine(bits, type, "%s: Copied = %s", copied.picture, copied.value ? "True" : "False");
+  AddBitLine(bits, type, "%s: Copied = %s", copied.picture, TrueOrFalse(copied.value));
   AddBitLine(bits, type, "%s: Class  = %s", optionClass.picture, kClassNames[optionClass.value]);
   AddBitLine(bits, type, "%s: Number = %u", number.picture, number.value);
   AppendToLine(in, line, " %s, Class  = %s", name, kShortClassNames[optionClass.value]);

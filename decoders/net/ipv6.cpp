@@ -21,7 +21,6 @@ constexpr int32_t kSource = 8, kDestination = 24, kAddressSize = 16;
 constexpr int16_t kIcmpv6Level = 8;   // directly behind the header ICMPv6 has a colour of its own
 
 void RecordAddress(AddressSlot& slot, const uint8_t* address) {
-  constexpr uint32_t kIPv6Kind = 2;
   std::memcpy(slot.address, address, kAddressSize);
   slot.kind = kIPv6Kind;
 }

@@ -172,7 +172,7 @@ bool DecodeFragmentHeader(const Place& at, Cursor& c, HeaderChain& chain) {
   const BitPicture unused = BitsOf(place, 13, 2);
   AddBitLine(in, place, "Reserved       : (%s) %u", unused.picture, unused.value);
   const BitPicture more = BitsOf(place, 15, 1);
-  AddBitLine(in, place, "More Fragments : (%s) %u = %s", more.picture, more.value, more.value ? "True" : "False");
+  AddBitLine(in, place, "More Fragments : (%s) %u = %s", more.picture, more.value, TrueOrFalse(more.value));
   const Field identification = TakeU32(c);
   AddLine(in, identification, "Identification : 0x%08X", identification.value);
   if (identification.here) {

@@ -49,7 +49,7 @@ template <size_t kCount>
 void AddFlags(const Place& in, const Field& flags, const FlagName (&names)[kCount]) {
   for (const FlagName& flag : names) {
     const BitPicture picture = BitsOf(flags, flag.bit, 1);
-    AddBitLine(in, flags, "%s: %s = %s", picture.picture, flag.name, picture.value ? "True" : "False");
+    AddBitLine(in, flags, "%s: %s = %s", picture.picture, flag.name, TrueOrFalse(picture.value));
   }
 }
 

@@ -56,7 +56,7 @@ void AddBits(const Place& in, const Field& flags, const char* label, const BitRo
   const Place under = Under(in, AddLine(in, flags, "%s: 0x%.02X", label, flags.value));
   for (const BitRow& row : rows) {
     const BitPicture bit = BitsOf(flags, row.bit, 1);
-    AddBitLine(under, flags, "%s: %s = %s", bit.picture, row.name, bit.value ? "True" : "False");
+    AddBitLine(under, flags, "%s: %s = %s", bit.picture, row.name, TrueOrFalse(bit.value));
   }
 }
 

@@ -10,10 +10,9 @@ namespace {
 
 constexpr int32_t kNoProtocol = -1;
 constexpr int32_t kBuiltinProtocol = 0x10000;   // the low 16 bits of the identifier are the decoder's index
-constexpr uint32_t kIPv4 = 1, kIPv6 = 2;
 
 bool IsEmpty(const AddressSlot& slot) {
-  const int32_t first = slot.kind == kIPv4 ? 12 : slot.kind == kIPv6 ? 0 : 16;
+  const int32_t first = slot.kind == kIPv4Kind ? 12 : slot.kind == kIPv6Kind ? 0 : 16;
   for (int32_t i = first; i < 16; ++i) {
     if (slot.address[i]) return false;
   }

@@ -32,7 +32,7 @@ int32_t DecodeSpx(const Place& at, Cursor c) {
   const Place bits = Under(in, AddLine(in, control, "Connection Control: 0x%.02X", control.value));
   for (int32_t i = 0; i < 8; ++i) {
     const BitPicture bit = BitsOf(control, i, 1);
-    AddBitLine(bits, control, "%s: %s = %s", bit.picture, kControlBits[i], bit.value ? "True" : "False");
+    AddBitLine(bits, control, "%s: %s = %s", bit.picture, kControlBits[i], TrueOrFalse(bit.value));
   }
   const Field type = TakeU8(c);
   AddLine(in, type, "Datastream Type: 0x%.02X = %s", type.value, TypeName(type.value));

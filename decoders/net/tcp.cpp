@@ -43,8 +43,6 @@ const char* WordOf(const Segment& segment, uint32_t flag, const char* word) {
   return segment.flags & flag ? word : "";
 }
 
-const char* SetText(uint32_t bit) { return bit ? "Set" : "Not Set"; }
-
 // Whose protocol it is, by the definitions, and beside which port its name stands.
 void ResolveSegment(const Place& at, Segment& segment) {
   const PacketState& packet = PacketOf(at);
@@ -103,13 +101,13 @@ void AddFlags(const Place& in, Cursor& c, const Segment& segment) {
   };
   const BitPicture cwr = bit(kCwr, 8), ece = bit(kEce, 9), urg = bit(kUrg, 10), ack = bit(kAck, 11);
   const BitPicture psh = bit(kPsh, 12), rst = bit(kRst, 13), syn = bit(kSyn, 14), fin = bit(kFin, 15);
-  AddBitLine(at, word, "%s : Congestion Window Reduced (CWR) = %s", cwr.picture, SetText(cwr.value));
-  AddBitLine(at, word, "%s : ECN-Echo = %s", ece.picture, SetText(ece.value));
+  AddBitLine(at, word, "%s : Congestion Window Reduced (CWR) = %s", cwr.picture, SetOrNotSet(cwr.value));
+  AddBitLine(at, word, "%s : ECN-Echo = %s", ece.picture, SetOrNotSet(ece.value));
   AddBitLine(at, word, "%s : Urgent pointer field %ssignificant", urg.picture, urg.value ? "" : "not ");
   AddBitLine(at, word, "%s : Acknowledgment field %ssignificant", ack.picture, ack.value ? "" : "not ");
-  AddBitLine(at, word, "%s : Push function %s", psh.picture, SetText(psh.value));
-  AddBitLine(at, word, "%s : Reset the connection %s", rst.picture, SetText(rst.value));
-  AddBitLine(at, word, "%s : Synchronize sequence numbers %s", syn.picture, SetText(syn.value));
+  AddBitLine(at, word, "%s : Push function %s", psh.picture, SetOrNotSet(psh.value));
+  AddBitLine(at, word, "%s : Reset the connection %s", rst.picture, SetOrNotSet(rst.value));
+  AddBitLine(at, word, "%s : Synchronize sequence numbers %s", syn.picture, SetOrNotSet(syn.value));
   AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
 }
 

@@ -36,8 +36,6 @@ constexpr auto kAssignedKinds = SortedNames({
     {34, "TCP Fast Open Cookie"}, {69, "Encryption Negotiation"}, {172, "Accurate ECN Order 0"},
     {174, "Accurate ECN Order 1"}, {253, "RFC3692-style Experiment 1"}, {254, "RFC3692-style Experiment 2"}});
 
-const char* SetText(uint32_t bit) { return bit ? "Set" : "Not Set"; }
-
 // RFC 2018: the blocks that the receiver holds behind the acknowledged bytes.
 void AddSackBlocks(const Place& in, const Field& length, Cursor& body) {
   AddLine(in, length, "Length: %u bytes", length.value);
@@ -54,8 +52,8 @@ void AddSackBlocks(const Place& in, const Field& length, Cursor& body) {
 void AddPartialOrderProfile(const Place& in, Cursor& body) {
   const Field profile = TakeU8(body);
   const BitPicture start = BitsOf(profile, 0, 1), end = BitsOf(profile, 1, 1);
-  AddBitLine(in, profile, "%s: Start Flag = %s", start.picture, SetText(start.value));
-  AddBitLine(in, profile, "%s: End Flag = %s", end.picture, SetText(end.value));
+  AddBitLine(in, profile, "%s: Start Flag = %s", start.picture, SetOrNotSet(start.value));
+  AddBitLine(in, profile, "%s: End Flag = %s", end.picture, SetOrNotSet(end.value));
   AddBitLine(in, profile, "%s: Reserved", BitsOf(profile, 2, 6).picture);
 }
 

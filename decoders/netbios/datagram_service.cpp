@@ -31,8 +31,8 @@ void AddFlagLines(const Place& in, const Field& flags) {
   const BitPicture node = BitsOf(flags, 4, 2), first = BitsOf(flags, 6, 1), more = BitsOf(flags, 7, 1);
   AddBitLine(under, flags, "%s: Reserved", BitsOf(flags, 0, 4).picture);
   AddBitLine(under, flags, "%s: Source Node Type = [%u] %s", node.picture, node.value, kNodeTypes[node.value]);
-  AddBitLine(under, flags, "%s: First Fragment = %s", first.picture, first.value ? "True" : "False");
-  AddBitLine(under, flags, "%s: More Fragments = %s", more.picture, more.value ? "True" : "False");
+  AddBitLine(under, flags, "%s: First Fragment = %s", first.picture, TrueOrFalse(first.value));
+  AddBitLine(under, flags, "%s: More Fragments = %s", more.picture, TrueOrFalse(more.value));
 }
 
 // The names and the user data of a datagram. Only the first of its fragments holds the head of an SMB message.

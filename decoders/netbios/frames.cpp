@@ -65,7 +65,7 @@ void AddFirstData(const Place& in, const Field& data, uint32_t command) {
     if (row.bitCount > 1) {
       AddBitLine(under, data, "%s: %s = %u", bits.picture, row.name, bits.value);
     } else {
-      AddBitLine(under, data, "%s: %s = %s", bits.picture, row.name, bits.value ? "True" : "False");
+      AddBitLine(under, data, "%s: %s = %s", bits.picture, row.name, TrueOrFalse(bits.value));
     }
   }
 }
@@ -77,8 +77,8 @@ void AddSecondData(const Place& in, const Field& data, uint32_t command) {
     case kStatusResponse: {
       const Place under = Under(in, AddLine(in, data, "Data 2: 0x%.04X", value));
       const BitPicture frame = BitsOf(data, 0, 1), buffer = BitsOf(data, 1, 1), length = BitsOf(data, 2, 14);
-      AddBitLine(under, data, "%s: Frame Too Short for Status = %s", frame.picture, frame.value ? "True" : "False");
-      AddBitLine(under, data, "%s: Buffer Too Short for Status = %s", buffer.picture, buffer.value ? "True" : "False");
+      AddBitLine(under, data, "%s: Frame Too Short for Status = %s", frame.picture, TrueOrFalse(frame.value));
+      AddBitLine(under, data, "%s: Buffer Too Short for Status = %s", buffer.picture, TrueOrFalse(buffer.value));
       AddBitLine(under, data, "%s: Length of Status Data = %u", length.picture, length.value);
       break;
     }

@@ -28,7 +28,6 @@ constexpr auto kTypeNames = SortedNames({{kAddress, "A"}, {kNameServer, "NS"}, {
 constexpr auto kClassNames = SortedNames({{1, "Internet"}});
 constexpr const char* kNodeTypes[] = {"B-Node", "P-Node", "M-Node", "H-Node"};
 
-const char* TrueOrFalse(uint32_t bit) { return bit ? "True" : "False"; }
 
 uint32_t OperationOf(uint32_t flags) { return flags >> 11 & 15; }
 

@@ -54,7 +54,7 @@ LineHandle AddFlagLines(const Place& in, const Field& flags, const char* title, 
       AddBitLine(under, flags, "%s:%s", bits.picture, row.text);
       continue;
     }
-    const char* set = bits.value ? "True" : "False";
+    const char* set = TrueOrFalse(bits.value);
     AppendToLine(in, line, "%s %s=%s", separator, row.shortForm, set);
     AddBitLine(under, flags, "%s:%s%s", bits.picture, row.text, set);
     separator = ",";

@@ -26,7 +26,7 @@ void AddFlags(const Place& in, const Field& flags, const SmbField& row) {
     if (lowest + count > width) continue;
     const BitPicture bits = BitsOf(flags, width - lowest - count, count);
     if (count == 1) {
-      AddBitLine(under, flags, "%s: %s = %s", bits.picture, bit.name, bits.value ? "True" : "False");
+      AddBitLine(under, flags, "%s: %s = %s", bits.picture, bit.name, TrueOrFalse(bits.value));
     } else {
       AddBitLine(under, flags, "%s: %s = %u", bits.picture, bit.name, bits.value);
     }
@@ -38,7 +38,7 @@ Field AddTimeDate(const Place& in, Cursor& c, const SmbField& row) {
   const Field both = TakeBytes(c, 4);
   if (!both.here) return both;
   const uint32_t first = ReadLittleU16(both.bytes), second = ReadLittleU16(both.bytes + 2);
-  AddLine(in, both, "%s: %s", row.label, SmbDosTimeText(timeFirst ? second : first, timeFirst ? first : second));
+  AddLine(in, both, "%s: %s", row.label, DosTimeText(timeFirst ? second : first, timeFirst ? first : second));
   return both;
 }
 
@@ -117,12 +117,12 @@ Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const S
     }
     case kSmbTime32: {
       const Field field = TakeLittleU32(c);
-      AddLine(in, field, "%s: %s", row.label, SmbUnixTime(field.value));
+      AddLine(in, field, "%s: %s", row.label, UnixTimeText(field.value));
       return field;
     }
     case kSmbFileTime: {
       const WideField field = TakeLittleU64(c);
-      AddLine(in, field, "%s: %s", row.label, SmbFileTimeText(field.wide));
+      AddLine(in, field, "%s: %s", row.label, FileTimeText(field.wide));
       return field;
     }
     case kSmbDosTimeDate:

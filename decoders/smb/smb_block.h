@@ -7,6 +7,7 @@
 #pragma once
 #include <span>
 
+#include "core/times.h"
 #include "decoders/smb/smb.h"
 #include "decoders/smb/smb_names.h"
 
@@ -130,12 +131,6 @@ void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t al
 // The padding in front of what stands at an offset from the header's first byte; nothing for one that is behind the
 // cursor or past its end.
 void AddSmbPadTo(const SmbMessage& message, const Place& in, Cursor& c, uint32_t offset, const char* label = "Pad");
-
-// Times as texts, UTC: "2026-01-02 03:04:05". "Not set" for 0 and all ones.
-using SmbTime = ShortText<40>;
-SmbTime SmbUnixTime(uint32_t seconds);
-SmbTime SmbFileTimeText(uint64_t ticks);
-SmbTime SmbDosTimeText(uint32_t date, uint32_t time);
 
 const char* SmbDosClassName(uint32_t errorClass);
 const char* SmbDosErrorName(uint32_t errorClass, uint32_t code);

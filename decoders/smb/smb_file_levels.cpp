@@ -24,7 +24,7 @@ constexpr SmbField kBasic[] = {
     {kSmbNumber32, "Reserved"}};
 constexpr SmbField kStandard[] = {
     {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End of File"}, {kSmbNumber32, "Number Of Links"},
-    {kSmbName8, "Delete Pending", kSmbFalseTrueNames}, {kSmbName8, "Directory", kSmbFalseTrueNames},
+    {kSmbName8, "Delete Pending", kFalseTrueNames}, {kSmbName8, "Directory", kFalseTrueNames},
     {kSmbNumber16, "Reserved"}};
 constexpr SmbField kEa[] = {{kSmbNumber32, "EA Size"}};
 constexpr SmbField kName[] = {{kSmbNumber32, "File Name Length"}};
@@ -32,8 +32,8 @@ constexpr SmbField kAll[] = {
     {kSmbFileTime, "Creation Time"}, {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"},
     {kSmbFileTime, "Change Time"}, {kSmbFlags32, "File Attributes", kSmbAttributeBits},
     {kSmbNumber32, "Reserved"}, {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End of File"},
-    {kSmbNumber32, "Number Of Links"}, {kSmbName8, "Delete Pending", kSmbFalseTrueNames},
-    {kSmbName8, "Directory", kSmbFalseTrueNames},
+    {kSmbNumber32, "Number Of Links"}, {kSmbName8, "Delete Pending", kFalseTrueNames},
+    {kSmbName8, "Directory", kFalseTrueNames},
     {kSmbNumber16, "Reserved"}, {kSmbNumber32, "EA Size"}, {kSmbNumber32, "File Name Length"}};
 constexpr SmbField kCompression[] = {
     {kSmbNumber64, "Compressed File Size"}, {kSmbName16, "Compression Format", kCompressionNames},
@@ -57,7 +57,7 @@ constexpr SmbField kNetworkOpen[] = {
     {kSmbFileTime, "Change Time"}, {kSmbNumber64, "Allocation Size"}, {kSmbNumber64, "End of File"},
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber32, "Reserved"}};
 constexpr SmbField kAttributeTag[] = {{kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbHex32, "Reparse Tag"}};
-constexpr SmbField kDisposition[] = {{kSmbName8, "Delete Pending", kSmbFalseTrueNames}};
+constexpr SmbField kDisposition[] = {{kSmbName8, "Delete Pending", kFalseTrueNames}};
 constexpr SmbField kAllocationSize[] = {{kSmbNumber64, "Allocation Size"}};
 constexpr SmbField kEndOfFile[] = {{kSmbNumber64, "End of File"}};
 constexpr SmbField kValidDataLength[] = {{kSmbNumber64, "Valid Data Length"}};

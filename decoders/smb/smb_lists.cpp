@@ -1,4 +1,5 @@
 // Lists that several levels and functions of transactions hold: extended attributes and quotas.
+#include "decoders/common/guid.h"
 #include "decoders/smb/smb_info_levels.h"
 
 namespace qxview {
@@ -66,7 +67,7 @@ void AddSmbQuotas(const Place& in, Cursor& c) {
     const Field length = TakeLittleU32(entry);
     AddLine(under, length, "SID Length: %u", length.value);
     const WideField changed = TakeLittleU64(entry);
-    AddLine(under, changed, "Change Time: %s", SmbFileTimeText(changed.wide));
+    AddLine(under, changed, "Change Time: %s", FileTimeText(changed.wide));
     for (const char* label : kLabels) {
       const WideField quota = TakeLittleU64(entry);
       AddLine(under, quota, "%s: %I64u", label, quota.wide);
@@ -77,11 +78,8 @@ void AddSmbQuotas(const Place& in, Cursor& c) {
 }
 
 void AddSmbGuid(const Place& in, Cursor& c, const char* label) {
-  const Field guid = TakeBytes(c, 16);
-  if (!guid.here) return;
-  const uint8_t* b = guid.bytes;
-  AddLine(in, guid, "%s: {%.08X-%.04X-%.04X-%.04X-%.04X%.08X}", label, ReadLittleU32(b), ReadLittleU16(b + 4),
-          ReadLittleU16(b + 6), ReadU16(b + 8), ReadU16(b + 10), ReadU32(b + 12));
+  const Field guid = TakeBytes(c, kGuidSize);
+  AddLine(in, guid, "%s: {%s}", label, TextOfGuid(guid, GuidOrder::kLittle));
 }
 
 }  // namespace qxview

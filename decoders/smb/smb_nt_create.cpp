@@ -23,7 +23,7 @@ constexpr SmbField kResponse[] = {
     {kSmbFileTime, "Last Write Time"}, {kSmbFileTime, "Change Time"},
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber64, "Allocation Size"},
     {kSmbNumber64, "End of File"}, {kSmbName16, "File Type", kSmbFileTypeNames},
-    {kSmbFlags16, "Pipe State", kSmbPipeStateBits}, {kSmbName8, "Directory", kSmbFalseTrueNames},
+    {kSmbFlags16, "Pipe State", kSmbPipeStateBits}, {kSmbName8, "Directory", kFalseTrueNames},
     {kSmbBytes, "Volume GUID", {}, 16}, {kSmbHex64, "File ID"},
     {kSmbFlags32, "Maximal Access Rights", kSmbAccessMaskBits},
     {kSmbFlags32, "Guest Maximal Access Rights", kSmbAccessMaskBits}};

@@ -51,7 +51,7 @@ constexpr SmbField kCreateReply[] = {
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber64, "Allocation Size"},
     {kSmbNumber64, "End of File"}, {kSmbName16, "File Type", kSmbFileTypeNames}, 
     {kSmbFlags16, "Pipe State", kSmbPipeStateBits},
-    {kSmbName8, "Directory", kSmbFalseTrueNames}};
+    {kSmbName8, "Directory", kFalseTrueNames}};
 constexpr SmbField kCreateExtended[] = {
     {kSmbBytes, "Volume GUID", {}, 16}, {kSmbHex64, "File ID"},
     {kSmbFlags32, "Maximal Access Rights", kSmbAccessMaskBits},

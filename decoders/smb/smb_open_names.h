@@ -35,8 +35,6 @@ inline constexpr auto kSmbOplockLevelNames = SortedNames({{0, "None"}, {1, "Excl
 inline constexpr auto kSmbCreateActionNames = SortedNames({
     {0, "File Superseded"}, {1, "File Opened"}, {2, "File Created"}, {3, "File Overwritten"}});
 
-inline constexpr auto kSmbFalseTrueNames = SortedNames({{0, "False"}, {1, "True"}});
-
 // --- opens from before NT (MS-CIFS 2.2.4.3, 2.2.4.41, 2.2.6.1) ---
 
 inline constexpr auto kSmbAccessModeNames = SortedNames({{0, "Read"}, {1, "Write"}, {2, "Read and Write"}, {3, "Execute"}});
@@ -59,12 +57,12 @@ struct SmbBitRow {
 
 inline constexpr SmbBitRow kSmbAccessModeBits[] = {
     {13, 3, "Access", kSmbAccessModeNames}, {9, 3, "Sharing", kSmbSharingModeNames},
-    {5, 3, "Locality", kSmbLocalityNames}, {3, 1, "Do Not Cache", kSmbFalseTrueNames},
-    {1, 1, "Write Through", kSmbFalseTrueNames}};
+    {5, 3, "Locality", kSmbLocalityNames}, {3, 1, "Do Not Cache", kFalseTrueNames},
+    {1, 1, "Write Through", kFalseTrueNames}};
 inline constexpr SmbBitRow kSmbOpenFunctionBits[] = {
-    {14, 2, "If the File Exists", kSmbExistsActionNames}, {11, 1, "Create if It Does Not", kSmbFalseTrueNames}};
+    {14, 2, "If the File Exists", kSmbExistsActionNames}, {11, 1, "Create if It Does Not", kFalseTrueNames}};
 inline constexpr SmbBitRow kSmbOpenResultBits[] = {
-    {14, 2, "Action", kSmbOpenActionNames}, {0, 1, "Opportunistic Lock Granted", kSmbFalseTrueNames}};
+    {14, 2, "Action", kSmbOpenActionNames}, {0, 1, "Opportunistic Lock Granted", kFalseTrueNames}};
 
 inline constexpr auto kSmbOpenFlagBits = SortedNames({
     {0x0001, "Additional Information Requested"}, {0x0002, "Exclusive Opportunistic Lock Requested"},

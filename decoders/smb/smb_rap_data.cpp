@@ -154,7 +154,7 @@ void AddRapNumber(const SmbMessage& message, const Place& in, Cursor& c, int32_t
   if (how.text.length < 1) {
     AddLine(in, number, "%c %s (%s): %u", label.code, label.word, label.kind, number.value);
   } else if (how.sign == '@') {
-    AddLine(in, number, "%s: %s", how.text, SmbUnixTime(number.value));
+    AddLine(in, number, "%s: %s", how.text, UnixTimeText(number.value));
   } else if (how.sign == '&') {
     AddLine(in, number, "%s: [%u] = %s", how.text, number.value, LookupName(kShareTypes, number.value, kUndefined));
   } else if (how.sign == '#' && number.here) {

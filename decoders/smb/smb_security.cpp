@@ -3,12 +3,12 @@
 //   revision (1)  0 (1)  control (2)  offsets of owner, group, SACL, DACL (4 each)
 //   SID   revision (1)  count (1)  authority (6, big-endian)  sub-authorities (4 each)
 //   ACL   revision (1)  0 (1)  size (2)  count (2)  0 (2)  entries: type (1)  flags (1)  size (2)  mask (4)  SID
+#include "decoders/common/sid.h"
 #include "decoders/smb/smb_info_levels.h"
 
 namespace qxview {
 namespace {
 
-constexpr uint32_t kMostSubAuthorities = 15;
 constexpr uint32_t kMostAces = 1024;   // with lines of their own; real lists hold a few dozen
 constexpr uint32_t kSmallestAce = 16;
 
@@ -93,18 +93,10 @@ void AddSidAt(const Place& in, const Cursor& descriptor, uint32_t offset, const 
 }  // namespace
 
 void AddSmbSid(const Place& in, Cursor& c, const char* label) {
-  if (Left(c) < 8) return;
-  const uint32_t count = c.at[1];
-  const int32_t size = 8 + 4 * static_cast<int32_t>(count);
-  if (count > kMostSubAuthorities || size > Left(c)) return;
+  const int32_t size = SidSize(c);
+  if (size == 0) return;
   const Field sid = TakeBytes(c, size);
-  ShortText<200> text;
-  FormatInto(text.text, sizeof text.text, "S-%u-%I64u", static_cast<uint32_t>(sid.bytes[0]),
-             uint64_t{ReadU16(sid.bytes + 2)} << 32 | ReadU32(sid.bytes + 4));
-  for (uint32_t i = 0; i < count; ++i) {
-    AppendFormat(text.text, sizeof text.text, "-%u", ReadLittleU32(sid.bytes + 8 + 4 * i));
-  }
-  AddLine(in, sid, "%s: %s", label, text);
+  AddLine(in, sid, "%s: %s", label, TextOfSid(sid));
 }
 
 void AddSmbSecurityDescriptor(const Place& at, Cursor& c) {
