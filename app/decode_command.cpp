@@ -4,6 +4,7 @@
 #include "app/json_writer.h"
 #include "app/packet_run.h"
 #include "app/tree_writer.h"
+#include "core/line_facts.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -15,6 +16,7 @@ struct DecodeOptions {
   ReadingOptions reading;
   Format format = Format::kTree;
   bool ranges = false;
+  bool keys = false;
   bool bytes = false;
 };
 
@@ -32,6 +34,8 @@ int Decode(const DecodeOptions& options) {
   TreeStyle style;
   style.colors = options.format == Format::kTree && UsesColor(options.reading.color);
   style.ranges = options.ranges;
+  style.keys = options.keys;
+  if (options.keys && !KeepFacts(&session.Context(), true)) return OutputFault();
   bool first = true;
   const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
     if (options.format == Format::kJson) {
@@ -59,6 +63,7 @@ void AddDecodeCommand(CommandLine* line) {
                             {{"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
                             &options->format);
   command.AddFlag("--ranges", "each line's byte range behind it (tree)", &options->ranges);
+  command.AddFlag("--keys", "each line's key and value: behind it, in json as \"key\" and \"value\"", &options->keys);
   command.AddFlag("-x", "the frame's bytes: behind its tree, in json as \"bytes\"", &options->bytes);
   command.SetExamples(
       "Examples:\n"

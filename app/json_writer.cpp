@@ -1,10 +1,18 @@
 #include "app/json_writer.h"
 
 #include "core/digits.h"
+#include "core/line_facts.h"
 #include "host/time_text.h"
 
 namespace qxview {
 namespace {
+
+void PutUnsigned(Output& out, uint64_t number) {
+  char digits[24];
+  char* const end = digits + sizeof digits;
+  const char* at = WriteDecimal(end, number);
+  out.Put({at, static_cast<size_t>(end - at)});
+}
 
 void PutNumber(Output& out, int64_t number) {
   char digits[24];
@@ -37,6 +45,25 @@ void PutString(Output& out, std::string_view text) {
   out.Put('"');
 }
 
+// The line's key and value; nothing while no facts are kept.
+void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
+  const LineFact* fact = FactOf(&context, rangeIndex);
+  char key[kKeySize];
+  if (!fact || FormatKey(&context, *fact, key, sizeof key) == 0) {
+    out.Put(",\"key\":null,\"value\":null");
+    return;
+  }
+  out.Put(",\"key\":\"");
+  out.Put(key);
+  out.Put("\",\"value\":");
+  switch (fact->kind) {
+    case ValueKind::kNone: out.Put("null"); break;
+    case ValueKind::kSigned: PutNumber(out, static_cast<int64_t>(fact->number)); break;
+    case ValueKind::kNumber: PutUnsigned(out, fact->number); break;
+    case ValueKind::kText: PutString(out, {ValueText(&context, *fact), static_cast<size_t>(fact->valueLength)}); break;
+  }
+}
+
 void PutLineHead(Output& out, Session& session, LineHandle line) {
   const ArenaTree& tree = session.Tree();
   int32_t kind, offset;
@@ -53,6 +80,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line) {
   PutNumber(out, kind);
   out.Put(",\"image\":");
   PutNumber(out, tree.Image(line));
+  if (session.Context().facts) PutFact(out, session.Context(), tree.RangeIndex(line));
 }
 
 void PutLines(Output& out, Session& session) {

@@ -43,7 +43,7 @@ class PacketList {
     int32_t* pending = nullptr;
     const ReachedLayer& reached = packet.reached;
     if (reached.table == DispatchTable::kApplication && WantsTlsPending(reached.key)) pending = tls_.Find(packet);
-    SummarizePacket(packet, cleanText_, pending, text, sizeof text);
+    SummarizePacket(run_.GetSession().GetView(), cleanText_, pending, text, sizeof text);
     PutSafeText(out_, text);
     out_.Put('\n');
   }

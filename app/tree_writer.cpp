@@ -1,6 +1,7 @@
 #include "app/tree_writer.h"
 
 #include "core/digits.h"
+#include "core/line_facts.h"
 
 namespace qxview {
 namespace {
@@ -16,6 +17,26 @@ const char* ColorOf(int32_t image, bool topLevel) {
     case kBitFieldImage: return "\033[2m";
     default: return "";
   }
+}
+
+// "  {ip.time_to_live = 64}"
+void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
+  const LineFact* fact = FactOf(&context, rangeIndex);
+  char key[kKeySize], value[24];
+  if (!fact || FormatKey(&context, *fact, key, sizeof key) == 0) return;
+  out.Put("  {");
+  out.Put(key);
+  if (fact->kind != ValueKind::kNone) out.Put(" = ");
+  if (fact->kind == ValueKind::kText) {
+    PutSafeText(out, {ValueText(&context, *fact), static_cast<size_t>(fact->valueLength)});
+  } else if (fact->kind == ValueKind::kSigned) {
+    FormatInto(value, sizeof value, "%I64d", fact->number);
+    out.Put(value);
+  } else if (fact->kind == ValueKind::kNumber) {
+    FormatInto(value, sizeof value, "%I64u", fact->number);
+    out.Put(value);
+  }
+  out.Put('}');
 }
 
 void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, const TreeStyle& style) {
@@ -35,6 +56,7 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
     FormatInto(text, sizeof text, "  [%d, %u]", offset, length);
     out.Put(text);
   }
+  if (style.keys) PutFact(out, session.Context(), tree.RangeIndex(line));
   out.Put('\n');
 }
 

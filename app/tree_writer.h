@@ -8,6 +8,7 @@ namespace qxview {
 struct TreeStyle {
   bool colors = false;
   bool ranges = false;      // each line's byte range behind it
+  bool keys = false;        // each line's key and value behind it, of a view that keeps facts
   LineHandle marked = 0;    // a line shown with '>' in column 0
   bool markColumn = false;  // a column in front for the mark
 };

@@ -25,7 +25,7 @@ _qxview() {
   options="--help --decode-as --settings"
   [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color"
   case $command in
-    decode) options+=" --format --ranges -x" ;;
+    decode) options+=" --format --ranges --keys -x" ;;
     find) options+=" --backward" ;;
     list) options+=" -t" ;;
     print) options+=" -o" ;;

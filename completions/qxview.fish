@@ -21,6 +21,7 @@ complete -c qxview -n "__fish_seen_subcommand_from $reading" -s l -d 'flush afte
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l color -x -a 'auto always never' -d 'colours'
 complete -c qxview -n '__fish_seen_subcommand_from decode' -l format -x -a 'tree text json' -d 'output format'
 complete -c qxview -n '__fish_seen_subcommand_from decode' -l ranges -d 'byte ranges'
+complete -c qxview -n '__fish_seen_subcommand_from decode' -l keys -d 'keys and values'
 complete -c qxview -n '__fish_seen_subcommand_from decode' -s x -d 'the bytes of each frame'
 complete -c qxview -n '__fish_seen_subcommand_from find' -l backward -d 'the last match'
 complete -c qxview -n '__fish_seen_subcommand_from list' -s t -x -a 'r d a u' -d 'times'

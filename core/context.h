@@ -15,6 +15,7 @@ using ::AddressSlot;
 enum AddressKind : uint32_t { kNoAddress = 0, kIPv4Kind = 1, kIPv6Kind = 2 };
 
 struct Engine;
+struct LineFacts;
 struct OutputFile;
 
 constexpr char kDisplayMode = '9';
@@ -89,6 +90,7 @@ struct PacketState {
   int32_t nesting;
   int32_t linesLeft;
   bool limitReached;
+  const char* protocol;      // the short name of the protocol whose lines are added, for their keys
   bool quoted;               // an error message quotes this datagram: of another frame, cut anywhere; learn nothing
 };
 
@@ -121,6 +123,7 @@ struct DecodeContext {
   int32_t rangeFilterStart;
   int32_t rangeFilterLength;
   uint32_t rangeFilterOn;
+  LineFacts* facts;          // keys and values of the lines; null while nobody asks
   uint32_t customWord;       // the word that user decoder libraries pass on; stays with the view
   PacketState packet;
 };

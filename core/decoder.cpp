@@ -1,5 +1,7 @@
 #include "core/decoder.h"
 
+#include "core/line_facts.h"
+
 namespace qxview {
 namespace detail {
 
@@ -11,8 +13,10 @@ LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, cons
                         const FormatPiece* pieces, const FormatArgument* arguments) {
   char line[kLineSize];
   const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
-  return AddDecodeLineOf(at.view, at.parent, line, length, image, at.tree,
-                         MakeByteRange(kFieldKind, field.offset, field.length));
+  const LineHandle added = AddDecodeLineOf(at.view, at.parent, line, length, image, at.tree,
+                                           MakeByteRange(kFieldKind, field.offset, field.length));
+  if (KeepsFacts(at.view)) [[unlikely]] NoteFormatted(at.view, added, text, pieces, arguments);
+  return added;
 }
 
 LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
@@ -21,8 +25,10 @@ LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const ch
     text = CopyTextN(line, at.lineSize, text, length);
     length = at.lineSize - 1;
   }
-  return AddDecodeLineOf(at.view, at.parent, text, length, image, at.tree,
-                         MakeByteRange(kFieldKind, field.offset, field.length));
+  const LineHandle added = AddDecodeLineOf(at.view, at.parent, text, length, image, at.tree,
+                                           MakeByteRange(kFieldKind, field.offset, field.length));
+  if (KeepsFacts(at.view)) [[unlikely]] NoteMade(at.view, added, text, length);
+  return added;
 }
 
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
@@ -46,7 +52,10 @@ int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char
   if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
   ++packet.nesting;
   c.begin = c.offset;   // a decoder covers what it takes itself
+  const char* const outer = packet.protocol;
+  if (KeepsFacts(at.view)) [[unlikely]] packet.protocol = ProtocolKeyOf(decode, outer);
   const int32_t result = decode(at, c);
+  packet.protocol = outer;
   --packet.nesting;
   return result;
 }

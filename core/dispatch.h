@@ -14,10 +14,29 @@ struct Place;
 // protocol, otherwise 1 or the result of the next decoder; the structured decoders also give 2 for truncated data.
 using DecoderFunction = int32_t (*)(const Place& at, Cursor c);
 
+// What the packet list shows of a payload; see decoders/app/packet_summaries.h.
+struct SummaryInput;
+using SummaryFunction = int32_t (*)(const SummaryInput& in, char* out, int32_t outSize);
+
+// A protocol: a row of decoders/registry_rows.inc.
+struct ProtocolRow {
+  const char* name;
+  const char* key;           // the keys of its lines start with it
+  DecoderFunction decode;
+  SummaryFunction summary;   // null: the packet list shows the decoder's top line
+};
+
+// What leads to a protocol. The numbers are those of the registry's tables.
+enum class DoorKind : int32_t {
+  kMedium, kEncapsulation, kLlc, kEthertype, kIpProtocol, kNextHeader, kApplication, kTcpPort, kUdpPort, kCount
+};
+
+// A protocol in one of the tables, by the key that leads to it there.
 struct DecoderRow {
   uint32_t key;
   const char* name;
   DecoderFunction decode;
+  const ProtocolRow* protocol;
 };
 
 const DecoderRow* FindMedium(uint8_t mediaType);
@@ -30,12 +49,22 @@ const DecoderRow* FindBuiltinDecoder(uint32_t index);   // the low 16 bits of a 
 constexpr uint32_t kIslKey = 1, kAtmArpKey = 2;
 const DecoderRow* FindLinkEncapsulation(uint32_t key);
 
-struct RowSpan {
-  const DecoderRow* rows;
+struct DecoderRowSpan {
+  const DecoderRow* rows;   // in the order of their keys
   int32_t count;
 };
-// Every table in turn, for tests and listings; empty past the last.
-RowSpan RegistryTable(int32_t number, const char** name);
+// A table with its name, for tests and listings.
+DecoderRowSpan RegistryTable(DoorKind kind, const char** name = nullptr);
+// Every protocol in turn; null past the last.
+const ProtocolRow* RegistryProtocol(int32_t number);
+// The index by which definitions and detection name a protocol of the registry; -1 for one that they do not.
+int32_t ApplicationIndexOf(const ProtocolRow* protocol);
+
+// 3Com NBP stands on a run of Ethertypes.
+constexpr uint16_t kFirstNbp = 0x3C00, kLastNbp = 0x3C0D;
+
+// The short name that the keys of a decoder's lines start with; `other` for a function that no row holds.
+const char* ProtocolKeyOf(DecoderFunction decode, const char* other);
 
 // The names of Ethertypes; null for one that has none.
 const char* EthertypeName(uint16_t ethertype);

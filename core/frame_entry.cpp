@@ -124,10 +124,15 @@ const char* ReceiveErrorNote(uint32_t receiveErrors) {
 }
 
 Place AddFrameSummary(const Place& at, const Cursor& c) {
-  const FrameRecord* record = PacketOf(at).frame;
+  PacketState& packet = PacketOf(at);
+  const FrameRecord* record = packet.frame;
   const char* note = ReceiveErrorNote(record->receiveErrors);
-  return Under(at, AddLine(at, Ahead(c, Left(c)), "Packet %I64u:  %u bytes captured%s%s", record->packetNumber,
-                           record->capturedLength, note[0] ? "  " : "", note));
+  const char* const medium = packet.protocol;
+  packet.protocol = "frame";
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Packet %I64u:  %u bytes captured%s%s", record->packetNumber,
+                                     record->capturedLength, note[0] ? "  " : "", note));
+  packet.protocol = medium;
+  return in;
 }
 
 void AddPartialSize(const Place& in, const Cursor& c) {
@@ -153,7 +158,7 @@ uint32_t SizeWithCheckSequence(const FrameRecord* record, uint32_t checkSequence
 ShortText<80> CheckAlias(const View* view, uint32_t kind, const uint8_t* address) {
   ShortText<80> made;
   made.text[0] = 0;
-  if (view->context->silent) return made;
+  if (view->context->silent && view->context->outputMode != kDisplayMode) return made;
   char notation[kIPv6TextSize];
   if (kind == 0) {
     FormatMac(address, notation);
@@ -184,6 +189,7 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   packet.userParam1 = userParam1;
   packet.userParam2 = userParam2;
   packet.linesLeft = kMostLines;
+  packet.protocol = "frame";
   context->packetNumber = static_cast<int64_t>(record->packetNumber);
   const bool display = context->outputMode == kDisplayMode;
   if (display) view->tree->HoldRedraw(true);
@@ -198,6 +204,7 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   } else if (HasFullHeader(record) && record->rawEthertype != 0) {
     handled = DecodeRawFrame(at, c, record);
   } else if (const DecoderRow* medium = FindMedium(record->mediaType)) {
+    packet.protocol = medium->protocol->key;
     handled = medium->decode(at, c);
   }
   if (!display) return handled;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/engine.h"
+#include "core/line_facts.h"
 #include "core/output_file.h"
 
 namespace qxview {
@@ -121,6 +122,7 @@ DecodeContext* CreateDecodeContext() {
 
 void DestroyDecodeContext(DecodeContext* context) {
   if (!context) return;
+  KeepFacts(context, false);
   std::free(context->rangeTable);
   std::free(context);
 }
@@ -141,7 +143,10 @@ LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, 
 LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, int32_t image, DecodeTree* tree,
                          ByteRange range) {
   if (!text) return 0;
-  return AddDecodeLineOf(view, parentLine, text, static_cast<int32_t>(std::strlen(text)), image, tree, range);
+  const int32_t length = static_cast<int32_t>(std::strlen(text));
+  const LineHandle line = AddDecodeLineOf(view, parentLine, text, length, image, tree, range);
+  if (line && KeepsFacts(view) && RangeKind(range) == kFieldKind) [[unlikely]] NoteMade(view, line, text, length);
+  return line;
 }
 
 void AppendToDecodeLine(View* view, DecodeTree* tree, LineHandle line, const char* text) {
@@ -236,6 +241,7 @@ void DeleteDecodeChildren(View* view, DecodeTree* tree, LineHandle line) {
 void ClearDecodeTree(View* view, DecodeTree* tree, bool fast) {
   if (!view || !view->context) return;
   view->context->rangeCount = 0;
+  ForgetFacts(view->context);
   if (!InDisplay(view, tree)) return;
   if (fast) {
     tree->Clear();

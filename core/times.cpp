@@ -49,4 +49,21 @@ TimeText NtpTimeText(uint64_t timestamp) {
   return out;
 }
 
+TimeText UtcText(int64_t seconds, uint32_t nanoseconds, int32_t digits) {
+  TimeText made = TextOfSecond(seconds);
+  if (digits < 1) return made;
+  char fraction[16];
+  FormatInto(fraction, sizeof fraction, ".%.09u", nanoseconds);
+  fraction[1 + (digits > 9 ? 9 : digits)] = 0;
+  AppendFormat(made.text, sizeof made.text, "%s", static_cast<const char*>(fraction));
+  return made;
+}
+
+TimeText NtpSpanText(uint32_t span) {
+  TimeText made;
+  const uint32_t millionths = static_cast<uint32_t>(uint64_t{span & 0xFFFF} * 1000000 >> 16);
+  FormatInto(made.text, sizeof made.text, "%u.%.06u seconds", span >> 16, millionths);
+  return made;
+}
+
 }  // namespace qxview

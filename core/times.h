@@ -13,4 +13,9 @@ TimeText DosTimeText(uint32_t date, uint32_t time);      // two words of local t
 // Seconds and their fraction since 1900, or since 2036 where the top bit is clear (RFC 4330 3); "Not set" for 0.
 TimeText NtpTimeText(uint64_t timestamp);
 
+// Seconds since 1970 with `digits` (0 to 9) digits of the fraction behind them, which is in nanoseconds.
+TimeText UtcText(int64_t seconds, uint32_t nanoseconds = 0, int32_t digits = 0);
+// Seconds and their fraction, 16 bits each (RFC 5905): "0.015625 seconds".
+TimeText NtpSpanText(uint32_t span);
+
 }  // namespace qxview

@@ -1,106 +1,107 @@
-// The registry: every dispatch table of the engine, filled from the rows of registry_rows.inc.
+// The registry: every dispatch table of the engine, made from the rows of registry_rows.inc when it compiles.
 #include <cstddef>
 
 #include "core/decoder.h"
+#include "decoders/app/packet_summaries.h"
+#include "decoders/app/rtp_summary.h"
 #include "decoders/link/llc.h"
 
 namespace qxview {
 
-#define QX_ROW(key, name, function) int32_t function(const Place& at, Cursor c);
-#define QX_MEDIUM QX_ROW
-#define QX_ENCAPSULATION QX_ROW
-#define QX_LLC QX_ROW
-#define QX_ETHERTYPE QX_ROW
-#define QX_IP_PROTOCOL QX_ROW
-#define QX_NEXT_HEADER QX_ROW
-#define QX_BUILTIN QX_ROW
+#define QX_PROTOCOL(name, key, decoder, summary, ...) int32_t decoder(const Place& at, Cursor c);
 #include "decoders/registry_rows.inc"
-#undef QX_ROW
-#undef QX_MEDIUM
-#undef QX_ENCAPSULATION
-#undef QX_LLC
-#undef QX_ETHERTYPE
-#undef QX_IP_PROTOCOL
-#undef QX_NEXT_HEADER
-#undef QX_BUILTIN
+#undef QX_PROTOCOL
+int32_t DecodeNbp(const Place& at, Cursor c);
+
+void TwoProtocolsHaveOneDoor();   // not defined: the compiler's message
 
 namespace {
 
-#define QX_NONE(key, name, function)
-#define QX_ROW(key, name, function) {key, name, function},
-
-#define QX_MEDIUM QX_ROW
-#define QX_ENCAPSULATION QX_NONE
-#define QX_LLC QX_NONE
-#define QX_ETHERTYPE QX_NONE
-#define QX_IP_PROTOCOL QX_NONE
-#define QX_NEXT_HEADER QX_NONE
-#define QX_BUILTIN QX_NONE
-constexpr DecoderRow kMedia[] = {
-#include "decoders/registry_rows.inc"
+struct Door {
+  DoorKind kind;
+  uint32_t key;
 };
-#undef QX_MEDIUM
-#define QX_MEDIUM QX_NONE
-
-#undef QX_ENCAPSULATION
-#define QX_ENCAPSULATION QX_ROW
-constexpr DecoderRow kEncapsulations[] = {
-#include "decoders/registry_rows.inc"
+struct DoorPair {   // a port on both transports
+  Door tcp, udp;
 };
-#undef QX_ENCAPSULATION
-#define QX_ENCAPSULATION QX_NONE
+constexpr Door Medium(uint32_t key) { return {DoorKind::kMedium, key}; }
+constexpr Door Encapsulation(uint32_t key) { return {DoorKind::kEncapsulation, key}; }
+constexpr Door Llc(uint32_t service) { return {DoorKind::kLlc, service}; }
+constexpr Door Ethertype(uint32_t key) { return {DoorKind::kEthertype, key}; }
+constexpr Door Ip(uint32_t protocol) { return {DoorKind::kIpProtocol, protocol}; }
+constexpr Door NextHeader(uint32_t protocol) { return {DoorKind::kNextHeader, protocol}; }
+constexpr Door Application(uint32_t index) { return {DoorKind::kApplication, index}; }
+constexpr Door Tcp(uint32_t port) { return {DoorKind::kTcpPort, port}; }
+constexpr Door Udp(uint32_t port) { return {DoorKind::kUdpPort, port}; }
+constexpr DoorPair Both(uint32_t port) { return {Tcp(port), Udp(port)}; }
 
-#undef QX_LLC
-#define QX_LLC QX_ROW
-constexpr DecoderRow kLlcServices[] = {
-#include "decoders/registry_rows.inc"
-};
-#undef QX_LLC
-#define QX_LLC QX_NONE
+constexpr int32_t kMostDoors = 24;
 
-#undef QX_ETHERTYPE
-#define QX_ETHERTYPE QX_ROW
-constexpr DecoderRow kEthertypes[] = {
-#include "decoders/registry_rows.inc"
-};
-#undef QX_ETHERTYPE
-#define QX_ETHERTYPE QX_NONE
-
-#undef QX_IP_PROTOCOL
-#define QX_IP_PROTOCOL QX_ROW
-constexpr DecoderRow kIpProtocols[] = {
-#include "decoders/registry_rows.inc"
-};
-#undef QX_IP_PROTOCOL
-#define QX_IP_PROTOCOL QX_NONE
-
-#undef QX_NEXT_HEADER
-#define QX_NEXT_HEADER QX_ROW
-constexpr DecoderRow kNextHeaders[] = {
-#include "decoders/registry_rows.inc"
-};
-#undef QX_NEXT_HEADER
-#define QX_NEXT_HEADER QX_NONE
-
-#undef QX_BUILTIN
-#define QX_BUILTIN QX_ROW
-constexpr DecoderRow kBuiltins[] = {
-#include "decoders/registry_rows.inc"
+struct Protocol : ProtocolRow {
+  Door doors[kMostDoors];
+  int32_t doorCount;
 };
 
-template <size_t kRows>
-constexpr bool IsSorted(const DecoderRow (&rows)[kRows]) {
-  for (size_t i = 1; i < kRows; ++i) {
-    if (rows[i].key <= rows[i - 1].key) return false;
-  }
-  return true;
+template <class... Doors>
+consteval Protocol MakeProtocol(const ProtocolRow& row, const Doors&... doors) {
+  Protocol made{row, {}, 0};
+  const auto add = [&](const auto& door) {
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(door)>, DoorPair>) {
+      made.doors[made.doorCount++] = door.tcp;
+      made.doors[made.doorCount++] = door.udp;
+    } else {
+      made.doors[made.doorCount++] = door;
+    }
+  };
+  (add(doors), ...);
+  return made;
 }
-static_assert(IsSorted(kMedia) && IsSorted(kEncapsulations) && IsSorted(kLlcServices) && IsSorted(kEthertypes) &&
-              IsSorted(kIpProtocols) && IsSorted(kNextHeaders) && IsSorted(kBuiltins));
+
+constexpr Protocol kProtocols[] = {
+#define QX_PROTOCOL(name, key, decoder, summary, ...) MakeProtocol({name, key, decoder, summary}, __VA_ARGS__),
+#include "decoders/registry_rows.inc"
+#undef QX_PROTOCOL
+    // A run of Ethertypes, one row for all: it is found by the first.
+    MakeProtocol({"3Com NBP", "nbp", DecodeNbp, nullptr}, Ethertype(kFirstNbp)),
+};
+constexpr size_t kProtocolCount = sizeof kProtocols / sizeof kProtocols[0];
+
+consteval size_t CountDoors(DoorKind kind) {
+  size_t count = 0;
+  for (const Protocol& protocol : kProtocols) {
+    for (int32_t i = 0; i < protocol.doorCount; ++i) count += protocol.doors[i].kind == kind;
+  }
+  return count;
+}
 
 template <size_t kRows>
-const DecoderRow* FindRow(const DecoderRow (&rows)[kRows], uint32_t key) {
-  size_t lower = 0, upper = kRows;
+struct DoorTable {
+  DecoderRow rows[kRows];
+};
+
+template <DoorKind kKind>
+consteval auto MakeTable() {
+  DoorTable<CountDoors(kKind)> table{};
+  size_t count = 0;
+  for (const Protocol& protocol : kProtocols) {
+    for (int32_t i = 0; i < protocol.doorCount; ++i) {
+      const Door& door = protocol.doors[i];
+      if (door.kind != kKind) continue;
+      size_t place = count++;
+      for (; place > 0 && table.rows[place - 1].key >= door.key; --place) {
+        if (table.rows[place - 1].key == door.key) TwoProtocolsHaveOneDoor();
+        table.rows[place] = table.rows[place - 1];
+      }
+      table.rows[place] = {door.key, protocol.name, protocol.decode, &protocol};
+    }
+  }
+  return table;
+}
+template <DoorKind kKind>
+constexpr auto kTable = MakeTable<kKind>();
+
+const DecoderRow* FindIn(const DecoderRow* rows, size_t count, uint32_t key) {
+  size_t lower = 0, upper = count;
   while (lower < upper) {
     const size_t middle = (lower + upper) / 2;
     if (rows[middle].key == key) return &rows[middle];
@@ -112,46 +113,66 @@ const DecoderRow* FindRow(const DecoderRow (&rows)[kRows], uint32_t key) {
   }
   return nullptr;
 }
+template <DoorKind kKind>
+const DecoderRow* FindRow(uint32_t key) {
+  return FindIn(kTable<kKind>.rows, CountDoors(kKind), key);
+}
 
 struct NamedTable {
   const char* name;
-  RowSpan rows;
+  DecoderRowSpan rows;
 };
-template <size_t kRows>
-constexpr NamedTable TableOf(const char* name, const DecoderRow (&rows)[kRows]) {
-  return {name, {rows, static_cast<int32_t>(kRows)}};
+template <DoorKind kKind>
+constexpr NamedTable TableOf(const char* name) {
+  return {name, {kTable<kKind>.rows, static_cast<int32_t>(CountDoors(kKind))}};
 }
 constexpr NamedTable kTables[] = {
-    TableOf("medium", kMedia),           TableOf("encapsulation", kEncapsulations), TableOf("LLC", kLlcServices),
-    TableOf("Ethertype", kEthertypes),   TableOf("IP protocol", kIpProtocols),      TableOf("next header", kNextHeaders),
-    TableOf("application", kBuiltins),
+    TableOf<DoorKind::kMedium>("medium"),
+    TableOf<DoorKind::kEncapsulation>("encapsulation"),
+    TableOf<DoorKind::kLlc>("LLC"),
+    TableOf<DoorKind::kEthertype>("Ethertype"),
+    TableOf<DoorKind::kIpProtocol>("IP protocol"),
+    TableOf<DoorKind::kNextHeader>("next header"),
+    TableOf<DoorKind::kApplication>("application"),
+    TableOf<DoorKind::kTcpPort>("TCP port"),
+    TableOf<DoorKind::kUdpPort>("UDP port"),
 };
-
-// 3Com NBP stands on a run of Ethertypes, one row for all.
-constexpr uint16_t kFirstNbp = 0x3C00, kLastNbp = 0x3C0D;
 
 }  // namespace
 
-int32_t DecodeNbp(const Place& at, Cursor c);
-namespace {
-constexpr DecoderRow kNbp = {kFirstNbp, "3Com NBP", DecodeNbp};
-}
-
-const DecoderRow* FindMedium(uint8_t mediaType) { return FindRow(kMedia, mediaType); }
-const DecoderRow* FindLinkEncapsulation(uint32_t key) { return FindRow(kEncapsulations, key); }
-const DecoderRow* FindLlcService(LlcService service) { return FindRow(kLlcServices, static_cast<uint32_t>(service)); }
+const DecoderRow* FindMedium(uint8_t mediaType) { return FindRow<DoorKind::kMedium>(mediaType); }
+const DecoderRow* FindLinkEncapsulation(uint32_t key) { return FindRow<DoorKind::kEncapsulation>(key); }
+const DecoderRow* FindLlcService(LlcService service) { return FindRow<DoorKind::kLlc>(static_cast<uint32_t>(service)); }
 const DecoderRow* FindEthertype(uint16_t ethertype) {
-  return ethertype >= kFirstNbp && ethertype <= kLastNbp ? &kNbp : FindRow(kEthertypes, ethertype);
+  return FindRow<DoorKind::kEthertype>(ethertype > kFirstNbp && ethertype <= kLastNbp ? kFirstNbp : ethertype);
 }
-const DecoderRow* FindIpProtocol(uint8_t protocol) { return FindRow(kIpProtocols, protocol); }
-const DecoderRow* FindIPv6NextHeader(uint8_t nextHeader) { return FindRow(kNextHeaders, nextHeader); }
-const DecoderRow* FindBuiltinDecoder(uint32_t index) { return FindRow(kBuiltins, index); }
+const DecoderRow* FindIpProtocol(uint8_t protocol) { return FindRow<DoorKind::kIpProtocol>(protocol); }
+const DecoderRow* FindIPv6NextHeader(uint8_t nextHeader) { return FindRow<DoorKind::kNextHeader>(nextHeader); }
+const DecoderRow* FindBuiltinDecoder(uint32_t index) { return FindRow<DoorKind::kApplication>(index); }
 
-RowSpan RegistryTable(int32_t number, const char** name) {
-  constexpr int32_t kCount = static_cast<int32_t>(sizeof kTables / sizeof kTables[0]);
-  if (number < 0 || number >= kCount) return {nullptr, 0};
-  if (name) *name = kTables[number].name;
-  return kTables[number].rows;
+DecoderRowSpan RegistryTable(DoorKind kind, const char** name) {
+  const NamedTable& table = kTables[static_cast<int32_t>(kind)];
+  if (name) *name = table.name;
+  return table.rows;
+}
+
+const ProtocolRow* RegistryProtocol(int32_t number) {
+  return number >= 0 && static_cast<size_t>(number) < kProtocolCount ? &kProtocols[number] : nullptr;
+}
+
+int32_t ApplicationIndexOf(const ProtocolRow* protocol) {
+  const Protocol& row = *static_cast<const Protocol*>(protocol);
+  for (int32_t i = 0; i < row.doorCount; ++i) {
+    if (row.doors[i].kind == DoorKind::kApplication) return static_cast<int32_t>(row.doors[i].key);
+  }
+  return -1;
+}
+
+const char* ProtocolKeyOf(DecoderFunction decode, const char* other) {
+  for (const Protocol& protocol : kProtocols) {
+    if (protocol.decode == decode) return protocol.key;
+  }
+  return other;
 }
 
 }  // namespace qxview

@@ -7,7 +7,6 @@
 #include "core/bounded_text.h"
 #include "core/dispatch.h"
 #include "host/alias_table.h"
-#include "host/default_definitions_table.h"
 #include "host/text.h"
 
 namespace qxview {
@@ -15,19 +14,13 @@ namespace {
 
 constexpr uint32_t kIPv6 = 2;
 
-RowSpan BuiltinRows() {
-  const char* name = nullptr;
-  for (int32_t i = 0;; ++i) {
-    const RowSpan rows = RegistryTable(i, &name);
-    if (rows.count == 0 || std::string_view(name) == "application") return rows;
-  }
-}
+DecoderRowSpan BuiltinRows() { return RegistryTable(DoorKind::kApplication); }
 
 // The identifier of a built-in decoder by its name; 0 when there is none. ONC RPC has two decoders under one name,
 // since TCP carries it behind record markers: the first is TCP's, the last UDP's.
 int32_t FindProtocol(std::string_view name, bool overUdp) {
   int32_t found = 0;
-  const RowSpan rows = BuiltinRows();
+  const DecoderRowSpan rows = BuiltinRows();
   for (int32_t i = 0; i < rows.count; ++i) {
     if (!EqualsIgnoringCase(rows.rows[i].name, name)) continue;
     if (found && !overUdp) break;
@@ -155,11 +148,12 @@ ProtocolDefinitions::ProtocolDefinitions() {
     table.hash.reset(HashCreate());
     if (!table.hash) throw std::bad_alloc();
   }
-  for (const DefaultDefinition& row : kDefaultDefinitions) {
-    for (const bool overUdp : {false, true}) {
-      if (!(row.transport & (overUdp ? kOverUdp : kOverTcp))) continue;
-      HashTable* ports = tables_[overUdp ? QX_UDP_PORTS : QX_TCP_PORTS].hash.get();
-      if (!HashInsert(ports, row.port, FindProtocol(row.name, overUdp))) throw std::bad_alloc();
+  for (const bool overUdp : {false, true}) {
+    const DecoderRowSpan ports = RegistryTable(overUdp ? DoorKind::kUdpPort : DoorKind::kTcpPort);
+    HashTable* table = tables_[overUdp ? QX_UDP_PORTS : QX_TCP_PORTS].hash.get();
+    for (int32_t i = 0; i < ports.count; ++i) {
+      const int32_t identifier = kBuiltinProtocol | ApplicationIndexOf(ports.rows[i].protocol);
+      if (!HashInsert(table, static_cast<uint16_t>(ports.rows[i].key), identifier)) throw std::bad_alloc();
     }
   }
 }
@@ -183,7 +177,7 @@ std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view d
 
 std::vector<DefinedProtocol> ProtocolDefinitions::List() {
   std::vector<DefinedProtocol> list;
-  const RowSpan rows = BuiltinRows();
+  const DecoderRowSpan rows = BuiltinRows();
   for (int32_t i = 0; i < rows.count; ++i) {
     list.push_back({kBuiltinProtocol | static_cast<int32_t>(rows.rows[i].key), rows.rows[i].name, {}});
   }

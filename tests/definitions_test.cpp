@@ -6,7 +6,6 @@
 
 #include "core/dispatch.h"
 #include "host/alias_table.h"
-#include "host/default_definitions_table.h"
 
 namespace qxview {
 namespace {
@@ -111,13 +110,13 @@ TEST(AddressText, ReadsEveryNotationAndNothingElse) {
 
 TEST(Definitions, DefaultsNameDecodersThatExist) {
   ProtocolDefinitions definitions;
-  for (const DefaultDefinition& row : kDefaultDefinitions) {
-    for (const int32_t which : {QX_TCP_PORTS, QX_UDP_PORTS}) {
-      const bool expected = row.transport & (which == QX_TCP_PORTS ? kOverTcp : kOverUdp);
-      const int32_t identifier = PortOf(definitions, which, row.port);
+  for (const int32_t which : {QX_TCP_PORTS, QX_UDP_PORTS}) {
+    const DecoderRowSpan ports = RegistryTable(which == QX_TCP_PORTS ? DoorKind::kTcpPort : DoorKind::kUdpPort);
+    for (int32_t i = 0; i < ports.count; ++i) {
       char name[64] = "";
-      ProtocolDefinitions::DisplayName(identifier, name, sizeof name);
-      EXPECT_STREQ(name, expected ? row.name : "") << row.port;
+      ProtocolDefinitions::DisplayName(PortOf(definitions, which, static_cast<uint16_t>(ports.rows[i].key)), name,
+                                       sizeof name);
+      EXPECT_STREQ(name, ports.rows[i].name) << ports.rows[i].key;
     }
   }
   EXPECT_EQ(PortOf(definitions, QX_TCP_PORTS, 80), 0x10004);

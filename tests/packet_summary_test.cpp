@@ -19,7 +19,7 @@ class ListView {
     view_.Decode(record);
     GuardedBytes output(kSummarySize);
     char* out = reinterpret_cast<char*>(output.At(kSummarySize));
-    SummarizePacket(view_.context().packet, true, nullptr, out, kSummarySize);
+    SummarizePacket(&view_.view(), true, nullptr, out, kSummarySize);
     return out;
   }
   DefinitionsHost& Host() { return host_; }
@@ -55,13 +55,13 @@ struct FrameCase {
 std::vector<FrameCase> Frames() {
   return {
       {Ethernet(0x0806, Hex("0001 0800 06 04 0001 001122334455 0A000001 000000000000 0A000002")),
-       "ARP Request: who has 10.0.0.2, tell 10.0.0.1"},
+       "ARP: Request, Source 10.0.0.1, Target 10.0.0.2"},
       {Ethernet(0x0806, Hex("0001 0800 06 04 0002 001122334455 0A000001 00AABBCCDDEE 0A000002")),
-       "ARP Reply: 10.0.0.1 is at 00:11:22:33:44:55"},
-      {Ethernet(0x0806, Hex("0001 0800")), "ARP"},
-      {Ethernet(0x0800, IPv4(1, Hex("08 00 0000 0001 0002 4142"))), "ICMP Echo Request, Identifier: 1, Sequence: 2"},
+       "ARP: Reply, Source 10.0.0.1, Target 10.0.0.2"},
+      {Ethernet(0x0806, Hex("0001 0800")), "ARP, 4 bytes"},
+      {Ethernet(0x0800, IPv4(1, Hex("08 00 0000 0001 0002 4142"))), "ICMP: Echo Request (Bad Checksum), Identifier = 1, Sequence Number = 2"},
       {Ethernet(0x0800, IPv4(1, Hex("03 03 0000 00000000") + kQuoted)),
-       "ICMP Destination Unreachable: Port Unreachable, Quoted: UDP 10.0.0.1 port 40000 -> 10.0.0.2 port 53"},
+       "ICMP: Destination Unreachable, Port Unreachable (Bad Checksum)"},
       {Ethernet(0x0800, IPv4(6, kSyn)),
        "TCP SYN, Port: 49152 -> 179 (BGP), Sequence: 1, Window: 8192, Length: 0"},
       {Ethernet(0x0800, IPv4(17, Udp(68, 67, Bytes(20)))), "UDP, Port: 68 -> 67 (DHCP), Length: 20"},
@@ -72,7 +72,7 @@ std::vector<FrameCase> Frames() {
        "OSPFv2 Hello, Router: 10.0.0.1, Area: 0.0.0.0"},
       {Ethernet(0x0800, IPv4(99, Bytes(7))), "Private Encryption Scheme (99), 7 bytes"},
       {Ethernet(0x86DD, IPv6(58, Hex("87 00 0000 00000000 20010DB8000000000000000000000001"))),
-       "ICMPv6 Neighbor Solicitation, Target: 2001:db8::1"},
+       "ICMPv6: Neighbor Solicitation (Bad Checksum) for 2001:db8::1"},
       {Llc("42 42 03 0000 00 00 00 8000 001122334455 00000004 8001 00AABBCCDDEE 8002 0000 1400 0200 0F00"),
        "Spanning Tree Configuration, Root: 32768/00:11:22:33:44:55, Cost: 4, Bridge: 32769/00:AA:BB:CC:DD:EE, "
        "Port: 0x8002"},
@@ -80,7 +80,7 @@ std::vector<FrameCase> Frames() {
       {Llc("AA AA 03 00000C 0111 00000000"), "UDLD, 4 bytes"},
       {Llc("F0 F0 03 0000"), "NetBIOS, 2 bytes"},
       {Llc("E0 E0 03 FFFF 0022 00 04 00000011 020000000001 0452 00000010 020000000002 4003 0003 0004"),
-       "NetWare IPX SAP, 00000010.020000000002.4003 -> 00000011.020000000001.0452"},
+       "IPX: Packet Exchange, 00000010.020000000002.4003 -> 00000011.020000000001.0452"},
       {Llc("E0 E0 03 FFFF 0041 00 04 00000011 020000000001 4003 00000010 020000000002 0550 FF534D42 2B 00000000 80 0000"
            "0000 0000000000000000 0000 0100 0200 0300 0400 00 0000"),
        "SMB/CIFS Echo Response, Status: Success, TID: 1, UID: 3, MID: 4"},

@@ -16,20 +16,18 @@ struct LayerRow {
 constexpr uint32_t kIpv4 = 0x0800, kIpv6 = 0x86DD;
 
 constexpr LayerRow kEthertypes[] = {
-    {0x0806, DescribeArp}, {0x2000, DescribeCdp}, {0x8035, DescribeArp}, {0x8137, DescribeIpx},
-    {0x8808, DescribePause}, {0x8809, DescribeSlowProtocol}, {0x8863, DescribePppoe}, {0x8864, DescribePppoe},
+    {0x2000, DescribeCdp}, {0x8808, DescribePause}, {0x8809, DescribeSlowProtocol}, {0x8863, DescribePppoe}, {0x8864, DescribePppoe},
     {0x888E, DescribeEapol}, {0x88CC, DescribeLldp}, {0x010B, DescribeSpanningTree},   // per-VLAN spanning tree
 };
 
 constexpr LayerRow kLlcServices[] = {
     {static_cast<uint32_t>(LlcService::kSpanningTree), DescribeSpanningTree},
-    {static_cast<uint32_t>(LlcService::kIpx), DescribeIpx},
     {static_cast<uint32_t>(LlcService::kIsIs), DescribeIsIs},
 };
 
 constexpr LayerRow kIpProtocols[] = {
-    {1, DescribeIcmp}, {2, DescribeIgmp}, {6, DescribeTcp}, {17, DescribeUdp}, {46, DescribeRsvp}, {47, DescribeGre},
-    {50, DescribeEsp}, {58, DescribeIcmpv6}, {88, DescribeEigrp}, {89, DescribeOspf}, {103, DescribePim},
+    {6, DescribeTcp}, {17, DescribeUdp}, {46, DescribeRsvp}, {47, DescribeGre},
+    {50, DescribeEsp}, {88, DescribeEigrp}, {89, DescribeOspf}, {103, DescribePim},
     {112, DescribeVrrp}, {132, DescribeSctp}, {135, DescribeMobility},
 };
 
@@ -132,6 +130,17 @@ void DescribeMedium(SummaryText& text, const PacketState& packet) {
 }
 
 }  // namespace
+
+bool HasLayerLine(const PacketState& packet) {
+  const uint32_t key = packet.reached.key;
+  switch (packet.reached.table) {
+    case DispatchTable::kEthertype: return key == kIpv4 || key == kIpv6 || FindLayer(kEthertypes, key);
+    case DispatchTable::kLlc: return FindLayer(kLlcServices, key) != nullptr;
+    case DispatchTable::kIpProtocol: return FindLayer(kIpProtocols, key) != nullptr;
+    case DispatchTable::kApplication: return false;
+    default: return true;
+  }
+}
 
 void DescribeLayers(const PacketState& packet, char* out, int32_t size) {
   SummaryText text{out, size, 0};

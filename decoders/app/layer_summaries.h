@@ -13,10 +13,12 @@ using LayerSummary = void (*)(SummaryText& text, Cursor c, const PacketState& pa
 // its length when there is no more to tell. size >= 1.
 void DescribeLayers(const PacketState& packet, char* out, int32_t size);
 
+// Whether the reached layer has a line here that tells more than its name.
+bool HasLayerLine(const PacketState& packet);
+
 // ---- The families, for the tables of DescribeLayers.
 
 // Links (link_layer_summary.cpp).
-void DescribeArp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeEapol(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeLldp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeCdp(SummaryText& text, Cursor c, const PacketState& packet);
@@ -24,7 +26,6 @@ void DescribeSlowProtocol(SummaryText& text, Cursor c, const PacketState& packet
 void DescribePppoe(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribePause(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeSpanningTree(SummaryText& text, Cursor c, const PacketState& packet);
-void DescribeIpx(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeIsIs(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribePppControl(SummaryText& text, Cursor c, const PacketState& packet);
 
@@ -32,9 +33,6 @@ void DescribePppControl(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeWireless(SummaryText& text, Cursor frame, const PacketState& packet);
 
 // Internet protocols (internet_summary.cpp, routing_summary.cpp, transport_summary.cpp).
-void DescribeIcmp(SummaryText& text, Cursor c, const PacketState& packet);
-void DescribeIcmpv6(SummaryText& text, Cursor c, const PacketState& packet);
-void DescribeIgmp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeGre(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeEsp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeMobility(SummaryText& text, Cursor c, const PacketState& packet);

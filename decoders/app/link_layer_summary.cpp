@@ -61,29 +61,6 @@ void AddElementText(SummaryText& text, const char* label, const Cursor& element)
 
 }  // namespace
 
-void DescribeArp(SummaryText& text, Cursor c, const PacketState&) {
-  constexpr uint32_t kMac = 6, kIPv4 = 4, kRequest = 1, kReply = 2;
-  TakeU32(c);   // hardware and protocol types
-  const Field hardwareLength = TakeU8(c), protocolLength = TakeU8(c);
-  const Field operation = TakeU16(c);
-  Add(text, "ARP");
-  if (!operation.here) return;
-  Add(text, " %s", LookupName(kArpNames, operation.value));
-  if (hardwareLength.value != kMac || protocolLength.value != kIPv4) return;
-  const Field sourceMac = TakeBytes(c, kMac), source = TakeBytes(c, kIPv4);
-  const Field targetMac = TakeBytes(c, kMac), target = TakeBytes(c, kIPv4);
-  if (!target.here) return;
-  const bool own = std::memcmp(source.bytes, target.bytes, kIPv4) == 0;
-  if (operation.value == kReply || (operation.value == kRequest && own)) {
-    Add(text, ": %s is at %s%s", IPv4Text(source.bytes), MacText(sourceMac.bytes), own ? " (announcement)" : "");
-  } else if (operation.value == kRequest) {
-    Add(text, ": who has %s, tell %s", IPv4Text(target.bytes), IPv4Text(source.bytes));
-  } else {
-    Add(text, ": %s %s, target %s %s", IPv4Text(source.bytes), MacText(sourceMac.bytes), IPv4Text(target.bytes),
-        MacText(targetMac.bytes));
-  }
-}
-
 void DescribeEapol(SummaryText& text, Cursor c, const PacketState&) {
   constexpr uint32_t kEapPacket = 0, kWithType = 2;
   const Field version = TakeU8(c), type = TakeU8(c), length = TakeU16(c);
@@ -203,27 +180,6 @@ void DescribeSpanningTree(SummaryText& text, Cursor c, const PacketState&) {
   if (cost.here) Add(text, ", Root: %u/%s, Cost: %u", rootPriority.value, MacText(root.bytes), cost.value);
   if (bridge.here) Add(text, ", Bridge: %u/%s", bridgePriority.value, MacText(bridge.bytes));
   if (port.here) Add(text, ", Port: 0x%.04X", port.value);
-}
-
-void DescribeIpx(SummaryText& text, Cursor c, const PacketState&) {
-  constexpr int32_t kHeaderSize = 30;
-  TakeU16(c);   // checksum
-  const Field length = TakeU16(c);
-  TakeU16(c);   // hops, packet type
-  const Field network = TakeU32(c), node = TakeBytes(c, 6), socket = TakeU16(c);
-  const Field sourceNetwork = TakeU32(c), sourceNode = TakeBytes(c, 6), sourceSocket = TakeU16(c);
-  if (sourceSocket.here && (IsNwlinkSmbSocket(socket.value) || IsNwlinkSmbSocket(sourceSocket.value))) {
-    const Cursor payload = TakeCursor(c, static_cast<int64_t>(length.value) - kHeaderSize);
-    char smb[256];
-    if (DescribeSmb(payload.at, Left(payload), smb, sizeof smb, 0, 0)) return Add(text, "%s", smb);
-  }
-  Add(text, "NetWare IPX");
-  if (!sourceSocket.here) return;
-  const char* name = IpxSocketName(socket.value);
-  if (!name) name = IpxSocketName(sourceSocket.value);
-  if (name) Add(text, " %s", name);
-  Add(text, ", %.08X.%s.%.04X -> ", sourceNetwork.value, HexDigits(sourceNode), sourceSocket.value);
-  Add(text, "%.08X.%s.%.04X", network.value, HexDigits(node), socket.value);
 }
 
 void DescribeIsIs(SummaryText& text, Cursor c, const PacketState&) {

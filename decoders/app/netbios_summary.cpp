@@ -13,22 +13,6 @@ void AddName(SummaryText& text, const char* label, const NetBiosName& name) {
 
 }  // namespace
 
-int32_t DescribeNetBiosName(const SummaryInput& in, char* out, int32_t outSize) {
-  constexpr uint32_t kResponse = 0x8000;
-  SummaryText text;
-  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  Cursor c = MakeCursor(in.data, 0, in.length);
-  const Field message = Ahead(c, Left(c)), transaction = TakeU16(c), flags = TakeU16(c);
-  TakeBytes(c, 8);
-  Add(text, "NetBIOS Name Service");
-  if (!flags.here) return 1;
-  Add(text, " %s %s", NetBiosOperationName(flags.value >> 11 & 15), flags.value & kResponse ? "Response" : "Request");
-  if (flags.value & kResponse && flags.value & 15) Add(text, ", Result: %s", NetBiosResultName(flags.value & 15));
-  AddName(text, "Name", TakeNetBiosName(c, message));
-  Add(text, ", ID: 0x%.04X", transaction.value);
-  return 1;
-}
-
 int32_t DescribeNetBiosDatagram(const SummaryInput& in, char* out, int32_t outSize) {
   constexpr uint32_t kError = 0x13, kQuery = 0x14;
   SummaryText text;

@@ -1,10 +1,11 @@
 #include "decoders/app/packet_summaries.h"
 
-#include "core/context.h"
+#include "core/decoder.h"
 #include "decoders/app/http_summary.h"
 #include "decoders/app/layer_summaries.h"
 #include "decoders/app/rtp_summary.h"
-#include "decoders/app/summaries.h"
+#include "decoders/link/llc.h"
+#include "view/top_line.h"
 
 namespace qxview {
 namespace {
@@ -20,6 +21,8 @@ int32_t SummarizeDnsVariant(const SummaryInput& in, char* out, int32_t size, int
   const int32_t hint = in.length + 2 < UINT16_MAX ? in.length + 2 : UINT16_MAX;
   return DescribeDns(in.data, in.length, &summary, in.isTcp ? kTcp : kUdp, static_cast<uint16_t>(hint), variant);
 }
+
+}  // namespace
 
 int32_t SummarizeDns(const SummaryInput& in, char* out, int32_t size) {
   return SummarizeDnsVariant(in, out, size, kUnicastDns);
@@ -47,12 +50,6 @@ int32_t SummarizeHttps(const SummaryInput& in, char* out, int32_t size) {
   return kind == kRequest || kind == kReply ? kind : SummarizeTls(in, out, size);
 }
 
-int32_t SummarizeSnmp(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeSnmp(in.data, in.length, out, size);
-}
-int32_t SummarizeLdap(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeLdap(in.data, in.length, out, size);
-}
 int32_t SummarizeFtp(const SummaryInput& in, char* out, int32_t size) {
   return DescribeFtp(in.data, in.length, out, size, kEverything, 0);
 }
@@ -62,72 +59,18 @@ int32_t SummarizeFtpData(const SummaryInput& in, char* out, int32_t size) {
 int32_t SummarizeSmtp(const SummaryInput& in, char* out, int32_t size) {
   return DescribeSmtp(in.data, in.length, out, size, kEverything);
 }
-int32_t SummarizePop3(const SummaryInput& in, char* out, int32_t size) {
-  return DescribePop3(in.data, in.length, out, size);
-}
 int32_t SummarizeTelnet(const SummaryInput& in, char* out, int32_t size) {
   return DescribeTelnet(in.data, in.length, out, size, kEverything, kMostTelnetData, 1, in.cleanText);
-}
-int32_t SummarizeRtsp(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeRtsp(in.data, in.length, out, size);
-}
-int32_t SummarizeSccp(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeSccp(in.data, in.length, out, size);
 }
 int32_t SummarizeMgcp(const SummaryInput& in, char* out, int32_t size) {
   TextBuffer summary{static_cast<uint16_t>(size), out};
   return DescribeMgcp(in.data, in.length, &summary);
 }
-int32_t SummarizeMegaco(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeMegaco(in.data, in.length, out, size);
-}
-int32_t SummarizeHostCall(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeH323HostCall(in.data, in.length, out, size);
-}
-int32_t SummarizeGatekeeper(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeH323Gatekeeper(in.data, in.length, out, size, 1);
-}
-int32_t SummarizeH245(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeH245(in.data, in.length, out, size);
-}
-int32_t SummarizeCgp(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeCgp(in.data, in.length, out, size);
-}
-int32_t SummarizeIax2(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeIax2(in.data, in.length, out, size);
-}
-int32_t SummarizeWirelessIds(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeWirelessIds(in.data, in.length, out, size);
-}
-int32_t SummarizeLpd(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeLpd(in.data, in.length, out, size);
-}
-int32_t SummarizeMinet(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeMinet(in.data, in.length, out, size, 1);
-}
-int32_t SummarizeUnistim(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeUnistim(in.data, in.length, out, size);
-}
 int32_t SummarizeRtp(const SummaryInput& in, char* out, int32_t size) {
   return DescribeRtp(in.data, in.length, nullptr, 1, out, size);
 }
-int32_t SummarizeRtcp(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeRtcp(in.data, in.length, out, size);
-}
-int32_t SummarizeTns(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeTns(in.data, in.length, out, size);
-}
-int32_t SummarizeTds(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeTds(in.data, in.length, out, size, 1);
-}
-int32_t SummarizeSip(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeSip(in.data, in.length, out, size, 1);
-}
 int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t size) {
   return DescribeSmb(in.data, in.length, out, size, in.isTcp, 1);
-}
-int32_t SummarizeBitTorrent(const SummaryInput& in, char* out, int32_t size) {
-  return DescribeBitTorrent(in.data, in.length, out, size);
 }
 int32_t SummarizeFix(const SummaryInput& in, char* out, int32_t size) {
   return DescribeFix(in.data, in.length, out, static_cast<uint16_t>(size));
@@ -137,54 +80,67 @@ int32_t SummarizeGiop(const SummaryInput& in, char* out, int32_t size) {
   return DescribeGiop(in.data, in.length, &summary);
 }
 
-struct SummaryRow {
-  uint32_t index;
-  SummaryFunction summarize;
-};
-constexpr SummaryRow kRows[] = {
-#define QX_SUMMARY(index, function) {index, function},
-#include "decoders/app/summary_rows.inc"
-#undef QX_SUMMARY
-};
-constexpr int32_t kRowCount = sizeof kRows / sizeof kRows[0];
+namespace {
 
-constexpr bool RowsAreSorted() {
-  for (int32_t i = 1; i < kRowCount; ++i) {
-    if (kRows[i].index <= kRows[i - 1].index) return false;
+// The protocol of what the decode reached; null when the registry has none for it.
+const ProtocolRow* ReachedProtocol(const ReachedLayer& reached) {
+  const DecoderRow* row = nullptr;
+  switch (reached.table) {
+    case DispatchTable::kEthertype: row = FindEthertype(static_cast<uint16_t>(reached.key)); break;
+    case DispatchTable::kLlc:
+      if (reached.key < 0x100) row = FindLlcService(static_cast<LlcService>(reached.key));
+      break;
+    case DispatchTable::kIpProtocol: {
+      const uint8_t key = static_cast<uint8_t>(reached.key);
+      row = FindIpProtocol(key);
+      if (!row) row = FindIPv6NextHeader(key);
+      break;
+    }
+    case DispatchTable::kApplication: row = FindBuiltinDecoder(reached.key); break;
+    default: break;
   }
-  return true;
+  return row ? row->protocol : nullptr;
 }
-static_assert(RowsAreSorted());
+
+// Runs the decoder over the reached payload into a tree that keeps its top line. False when it has none.
+bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
+  DecodeContext& context = *view->context;
+  TopLineTree tree(&context);
+  View once = *view;
+  once.tree = &tree;
+  const DecodeContext before = context;
+  context.outputMode = kDisplayMode;
+  context.silent = false;
+  context.findFound = 0;
+  const ReachedLayer& reached = before.packet.reached;
+  TryDecoder(TopLevel(&once, kFirstLevel), MakeCursor(reached.bytes, 0, reached.length), decode, nullptr);
+  ByteRange* const table = context.rangeTable;
+  const uint32_t capacity = context.rangeCapacity;
+  context = before;
+  context.rangeTable = table;   // it may have grown
+  context.rangeCapacity = capacity;
+  CopyString(out, size, tree.Text());
+  return tree.Text()[0] != 0;
+}
 
 }  // namespace
 
-SummaryFunction FindSummary(uint32_t builtinIndex) {
-  int32_t lower = 0, upper = kRowCount;
-  while (lower < upper) {
-    const int32_t middle = (lower + upper) / 2;
-    if (kRows[middle].index == builtinIndex) return kRows[middle].summarize;
-    if (kRows[middle].index < builtinIndex) {
-      lower = middle + 1;
-    } else {
-      upper = middle;
-    }
-  }
-  return nullptr;
-}
-
 bool WantsTlsPending(uint32_t builtinIndex) {
-  const SummaryFunction summarize = FindSummary(builtinIndex);
-  return summarize == SummarizeTls || summarize == SummarizeHttps;
+  const DecoderRow* row = FindBuiltinDecoder(builtinIndex);
+  return row && (row->protocol->summary == SummarizeTls || row->protocol->summary == SummarizeHttps);
 }
 
-void SummarizePacket(const PacketState& packet, bool cleanText, int32_t* tlsPending, char* out, int32_t size) {
+void SummarizePacket(View* view, bool cleanText, int32_t* tlsPending, char* out, int32_t size) {
   constexpr uint32_t kTcp = 6;
+  const PacketState& packet = view->context->packet;
   const ReachedLayer& reached = packet.reached;
-  const SummaryFunction summarize =
-      reached.table == DispatchTable::kApplication ? FindSummary(reached.key) : nullptr;
-  const SummaryInput input{reached.bytes,          reached.length, packet.sourcePort, packet.destinationPort,
-                           packet.carrier.key == kTcp, cleanText,  tlsPending};
-  if (summarize && summarize(input, out, size) && out[0]) return;
+  const ProtocolRow* protocol = ReachedProtocol(reached);
+  if (protocol && protocol->summary && reached.table == DispatchTable::kApplication) {
+    const SummaryInput input{reached.bytes,          reached.length, packet.sourcePort, packet.destinationPort,
+                             packet.carrier.key == kTcp, cleanText,  tlsPending};
+    if (protocol->summary(input, out, size) && out[0]) return;
+  }
+  if (protocol && !protocol->summary && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) return;
   DescribeLayers(packet, out, size);
 }
 

@@ -1,10 +1,11 @@
 // The packet list's adapters: from the built-in decoder that a payload was resolved to, to the summary of its protocol.
 #pragma once
-#include <cstdint>
+#include "core/dispatch.h"
+#include "decoders/app/summaries.h"
 
 namespace qxview {
 
-struct PacketState;
+struct View;
 
 struct SummaryInput {
   const uint8_t* data;        // the application payload
@@ -15,26 +16,46 @@ struct SummaryInput {
   int32_t* tlsPending;        // the connection's, for TLS; may be null
 };
 
-// Writes one line into `out` of `outSize` bytes, always terminated. 0 when the payload is not of the protocol after all.
-using SummaryFunction = int32_t (*)(const SummaryInput& in, char* out, int32_t outSize);
+// The summary of a protocol, as the registry's rows name it: writes one line into `out` of `outSize` bytes, always
+// terminated. 0 when the payload is not of the protocol after all.
 
-// The summary of a built-in decoder's protocol; null when it has none.
-SummaryFunction FindSummary(uint32_t builtinIndex);
+// A summary that takes the payload alone, and one with a flag that adds the numbers which tell messages apart.
+template <int32_t (*kDescribe)(const uint8_t*, int32_t, char*, int32_t)>
+int32_t Plainly(const SummaryInput& in, char* out, int32_t outSize) {
+  return kDescribe(in.data, in.length, out, outSize);
+}
+template <int32_t (*kDescribe)(const uint8_t*, int32_t, char*, int32_t, int32_t)>
+int32_t Numbered(const SummaryInput& in, char* out, int32_t outSize) {
+  return kDescribe(in.data, in.length, out, outSize, 1);
+}
 
-// Whether the protocol is carried over TLS as a rule, so that its adapter wants `tlsPending`.
+int32_t SummarizeDns(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeLlmnr(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeMdns(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeHttp(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeHttps(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeTls(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeFtp(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeFtpData(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeSmtp(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeTelnet(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeMgcp(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeRtp(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeFix(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeGiop(const SummaryInput& in, char* out, int32_t outSize);
+
+// Whether the protocol is carried over TLS as a rule, so that its summary wants `tlsPending`.
 bool WantsTlsPending(uint32_t builtinIndex);
 
 constexpr int32_t kSummarySize = 512;
 
-// The line of the frame whose headers were decoded into `packet`: the application's summary, or that of the layer that
-// was reached. `cleanText` and `tlsPending` as above. size >= 1.
-void SummarizePacket(const PacketState& packet, bool cleanText, int32_t* tlsPending, char* out, int32_t size);
+// The line of the frame whose headers the view has just decoded: the application's summary, its decoder's top line, or
+// the line of the layer that was reached. `cleanText` and `tlsPending` as above. size >= 1.
+void SummarizePacket(View* view, bool cleanText, int32_t* tlsPending, char* out, int32_t size);
 
 // Protocols without an exported summary (rpc_summary.cpp).
 int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize);
-int32_t DescribeMsrpc(const SummaryInput& in, char* out, int32_t outSize);
-int32_t DescribeKerberos(const SummaryInput& in, char* out, int32_t outSize);
-int32_t DescribeNetBiosName(const SummaryInput& in, char* out, int32_t outSize);
 int32_t DescribeNetBiosDatagram(const SummaryInput& in, char* out, int32_t outSize);
 int32_t DescribeNetBiosSession(const SummaryInput& in, char* out, int32_t outSize);
 int32_t DescribeFcip(const SummaryInput& in, char* out, int32_t outSize);

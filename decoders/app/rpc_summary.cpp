@@ -51,41 +51,6 @@ int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize) {
   return 1;
 }
 
-int32_t DescribeMsrpc(const SummaryInput& in, char* out, int32_t outSize) {
-  constexpr uint32_t kRequest = 0, kLittle = 0x10;
-  SummaryText text;
-  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  Cursor c = MakeCursor(in.data, 0, in.length);
-  const Field version = TakeU8(c);
-  TakeU8(c);
-  const Field kind = TakeU8(c);
-  TakeU8(c);   // flags
-  const Field representation = TakeU8(c);
-  TakeBytes(c, 3);
-  const bool little = (representation.value & kLittle) != 0;
-  const Field length = little ? TakeLittleU16(c) : TakeU16(c);
-  TakeU16(c);  // authentication
-  const Field call = little ? TakeLittleU32(c) : TakeU32(c);
-  Add(text, "MSRPC");
-  const char* name = call.here && version.value == 5 ? LookupName(kDcePacketNames, kind.value, nullptr) : nullptr;
-  if (!name) return Add(text, " Continuation"), 1;
-  Add(text, " %s, Call ID: %u, Length: %u", name, call.value, length.value);
-  if (kind.value != kRequest) return 1;
-  TakeU32(c);  // size hint
-  const Field context = little ? TakeLittleU16(c) : TakeU16(c), operation = little ? TakeLittleU16(c) : TakeU16(c);
-  if (operation.here) Add(text, ", Context: %u, Operation: %u", context.value, operation.value);
-  return 1;
-}
-
-int32_t DescribeKerberos(const SummaryInput& in, char* out, int32_t outSize) {
-  SummaryText text;
-  if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;
-  char message[kKerberosTextSize];
-  DescribeKerberosPayload(MakeCursor(in.data, 0, in.length), in.isTcp, message, sizeof message);
-  Add(text, "Kerberos %s", static_cast<const char*>(message));
-  return 1;
-}
-
 int32_t DescribeFcip(const SummaryInput& in, char* out, int32_t outSize) {
   SummaryText text;
   if (!BeginSummary(text, in.data, in.length, out, outSize)) return 0;

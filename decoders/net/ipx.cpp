@@ -11,6 +11,7 @@
 namespace qxview {
 namespace {
 
+constexpr uint32_t kSmbMarker = 0xFF534D42, kSmbIndex = 0x65;   // the index of its decoder
 constexpr int32_t kHeaderSize = 30, kDestinationOffset = 6, kSourceOffset = 18;
 constexpr uint32_t kNoChecksum = 0xFFFF, kFirstDynamic = 0x4000, kFirstAssigned = 0x8000;
 enum PacketType : uint32_t { kSpx = 5, kNcp = 17, kNetBiosBroadcast = 20 };
@@ -122,8 +123,13 @@ int32_t DecodeIpx(const Place& at, Cursor c) {
                                      HexSlice{source + 4, 6, '\0'}, ReadU16(source + 10), IpxNetworkText(destination),
                                      HexSlice{destination + 4, 6, '\0'}, ReadU16(destination + 10)));
   const IpxHeader header = AddHeaderLines(in, c);
-  if (at.view->context->headersOnly) return 1;
   Cursor payload = TakeCursor(c, static_cast<int64_t>(header.length.value) - kHeaderSize);
+  if (at.view->context->headersOnly) {
+    const bool isSmbSocket = IsNwlinkSmbSocket(header.destinationSocket.value) ||
+                             IsNwlinkSmbSocket(header.sourceSocket.value);
+    if (isSmbSocket && PeekU32(payload) == kSmbMarker) ReachLayer(at, DispatchTable::kApplication, kSmbIndex, payload);
+    return 1;
+  }
   AddBlock(in, Rest(c), "Padding");
   const Carried carried = FindCarried(header);
   if (Left(payload) > 0) CallDecoder(Deeper(at), payload, carried.decode, carried.title);

@@ -16,6 +16,7 @@ void DecodeQuotedDatagram(const Place& at, Cursor c) {
   PacketState& packet = PacketOf(at);
   const PacketState own = packet;
   packet.quoted = true;
+  packet.protocol = "ip";
   CallDecoder(at, c, DecodeLabelled, "Quoted Data");
   const int32_t linesLeft = packet.linesLeft;
   const bool limitReached = packet.limitReached;

@@ -1,0 +1,311 @@
+#include "core/line_facts.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "core/levels.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kFirstFacts = 512, kFirstText = 16384;
+constexpr int32_t kMostLabel = 120, kMostValue = 512;
+
+bool Reserve(LineFacts* facts, uint32_t index, uint32_t textBytes) {
+  if (index >= facts->capacity) {
+    uint32_t capacity = facts->capacity * 2;
+    while (capacity <= index) capacity *= 2;
+    void* grown = std::realloc(facts->of, size_t{capacity} * sizeof(LineFact));
+    if (!grown) return false;
+    facts->of = static_cast<LineFact*>(grown);
+    facts->capacity = capacity;
+  }
+  if (facts->textUsed + textBytes > facts->textCapacity) {
+    void* grown = std::realloc(facts->text, size_t{facts->textCapacity} * 2 + textBytes);
+    if (!grown) return false;
+    facts->text = static_cast<char*>(grown);
+    facts->textCapacity = facts->textCapacity * 2 + textBytes;
+  }
+  return true;
+}
+
+// The place for a new line's fact, with room for its texts; null when there is no memory or no line.
+LineFact* NewFact(View* view, LineHandle line) {
+  DecodeContext* context = view->context;
+  LineFacts* facts = context->facts;
+  if (!line || context->outputMode != kDisplayMode || !context->packet.protocol) return nullptr;
+  const uint32_t index = view->tree->RangeIndex(line);
+  if (index >= context->rangeCount || !Reserve(facts, index, kMostLabel + kMostValue)) return nullptr;
+  for (; facts->count < index; ++facts->count) facts->of[facts->count] = LineFact{};
+  if (facts->count <= index) facts->count = index + 1;
+  LineFact* fact = &facts->of[index];
+  *fact = LineFact{};
+  fact->protocol = context->packet.protocol;
+  fact->label = static_cast<int32_t>(facts->textUsed);
+  return fact;
+}
+
+void PutLabel(LineFacts* facts, LineFact* fact, const char* text, size_t length) {
+  const size_t room = static_cast<size_t>(kMostLabel - fact->labelLength);
+  if (length > room) length = room;
+  std::memcpy(facts->text + facts->textUsed, text, length);
+  facts->textUsed += static_cast<uint32_t>(length);
+  fact->labelLength += static_cast<int32_t>(length);
+}
+
+void PutValue(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
+  while (length > 0 && (*text == ' ' || *text == ':' || *text == '=' || *text == ',')) {
+    ++text;
+    --length;
+  }
+  while (length > 0 && text[length - 1] == ' ') --length;
+  if (length > kMostValue) length = kMostValue;
+  if (length < 1) return;
+  fact->kind = ValueKind::kText;
+  fact->value = static_cast<int32_t>(facts->textUsed);
+  fact->valueLength = length;
+  std::memcpy(facts->text + facts->textUsed, text, static_cast<size_t>(length));
+  facts->textUsed += static_cast<uint32_t>(length);
+}
+
+bool IsSeparator(char c) { return c == ':' || c == '='; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsText(const FormatPiece& piece) { return piece.conversion == static_cast<uint32_t>(Conversion::kText); }
+bool IsNone(const FormatPiece& piece) { return piece.conversion == static_cast<uint32_t>(Conversion::kNone); }
+
+// Walks a text with conversions: where its label ends and what its value is.
+struct TextWalk {
+  const char* text;   // the literal run of the piece
+  const FormatPiece* piece;
+  const FormatArgument* argument;
+
+  void Next() {
+    text += piece->literalLength + piece->conversionLength;
+    ++piece;
+    ++argument;
+  }
+  // Whether a separator follows behind the piece's conversion, so that the conversion belongs to the label.
+  bool SeparatorFollows() const {
+    const char* at = text + piece->literalLength + piece->conversionLength;
+    for (const FormatPiece* p = piece + 1;; ++p) {
+      for (uint32_t i = 0; i < p->literalLength; ++i) {
+        if (IsSeparator(at[i])) return true;
+      }
+      if (IsNone(*p) || !IsText(*p)) return false;
+      at += p->literalLength + p->conversionLength;
+    }
+  }
+};
+
+// A bit picture that was drawn before: its length, and the value of its digits; 0 for any other text.
+int32_t PictureLength(const char* text, int32_t length, uint64_t* value) {
+  int32_t at = 0, digits = 0;
+  *value = 0;
+  for (; at < length && (text[at] == '.' || text[at] == ' ' || text[at] == '0' || text[at] == '1'); ++at) {
+    if (text[at] != '0' && text[at] != '1') continue;
+    *value = *value << 1 | static_cast<uint64_t>(text[at] == '1');
+    ++digits;
+  }
+  return at >= 8 && digits > 0 ? at : 0;
+}
+
+// A line without conversions, or whose text was made before.
+void TakeMade(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
+  uint64_t bits;
+  const int32_t picture = PictureLength(text, length, &bits);
+  if (picture) {
+    text += picture;
+    length -= picture;
+    while (length > 0 && (*text == ':' || *text == ' ')) {
+      ++text;
+      --length;
+    }
+  }
+  int32_t end = 0;
+  while (end < length && !IsSeparator(text[end])) ++end;
+  for (int32_t i = 0; i < end; ++i) {
+    if (text[i] == '#' || (IsDigit(text[i]) && i > 0 && text[i - 1] == '#')) continue;
+    PutLabel(facts, fact, text + i, 1);
+  }
+  if (picture) {
+    fact->kind = ValueKind::kNumber;
+    fact->number = bits;
+  } else {
+    PutValue(facts, fact, text + end, length - end);
+  }
+}
+
+// Takes the label; `behind`: how much of the piece's literal it took, its separator left.
+void TakeLabel(LineFacts* facts, LineFact* fact, TextWalk& walk, uint32_t* behind) {
+  for (*behind = 0;; walk.Next()) {
+    const uint32_t length = walk.piece->literalLength;
+    for (uint32_t i = 0; i < length; ++i) {
+      const char c = walk.text[i];
+      if (IsSeparator(c)) {
+        *behind = i;
+        return;
+      }
+      if (c == '#' || (IsDigit(c) && i > 0 && walk.text[i - 1] == '#')) continue;
+      PutLabel(facts, fact, &c, 1);
+    }
+    *behind = length;
+    if (IsNone(*walk.piece)) return;
+    const bool numbered = length > 0 && walk.text[length - 1] == '#';
+    if (numbered) continue;
+    const uint32_t form = walk.argument->form & 0xFF;
+    const bool isText = IsText(*walk.piece) && (form == FormatArgument::kTerminated || form == FormatArgument::kSlice);
+    if (!isText || !walk.SeparatorFollows()) return;
+    char label[kMostLabel];
+    const FormatPiece pieces[2] = {{0, 0, 0, 0, 0, 0, walk.piece->conversion}, {}};
+    const int32_t made = FormatPieces(label, sizeof label, "", pieces, walk.argument);
+    PutLabel(facts, fact, label, static_cast<size_t>(made));
+  }
+}
+
+// Whether the number and the one behind it are parts of one notation: "2026-01-02", "12:30:05", "3.5".
+bool IsPartOfNotation(const TextWalk& walk) {
+  const FormatPiece& next = walk.piece[1];
+  if (IsNone(next) || IsText(next) || next.literalLength != 1) return false;
+  const char between = walk.text[walk.piece->literalLength + walk.piece->conversionLength];
+  return between == '-' || between == ':' || between == '.' || between == '/';
+}
+
+// The value that stands behind the label: a number with or without its name, or all that follows as text.
+void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t behind, const FormatArgument* picture) {
+  const FormatPiece* piece = walk.piece;
+  if (!IsNone(*piece) && !IsText(*piece) && !IsPartOfNotation(walk)) {
+    const bool isSigned = piece->conversion == static_cast<uint32_t>(Conversion::kSigned);
+    const uint64_t number = walk.argument->value;
+    fact->kind = isSigned ? ValueKind::kSigned : ValueKind::kNumber;
+    fact->number = piece->wide ? number
+                   : isSigned  ? static_cast<uint64_t>(static_cast<int64_t>(static_cast<int32_t>(number)))
+                               : static_cast<uint32_t>(number);
+    return;
+  }
+  if (picture) {
+    const uint32_t width = picture->form >> 8 & 0xFF, first = picture->form >> 16 & 0xFF, count = picture->form >> 24;
+    fact->kind = ValueKind::kNumber;
+    fact->number = picture->value >> (width - first - count) & ((uint64_t{1} << count) - 1);
+    return;
+  }
+  char value[kMostValue];
+  FormatPiece first = *piece;
+  first.literalLength -= behind;
+  FormatPiece pieces[24] = {first};
+  for (int32_t i = 0; !IsNone(pieces[i]) && i < 22; ++i) pieces[i + 1] = piece[i + 1];
+  pieces[23] = FormatPiece{};
+  PutValue(facts, fact, value, FormatPieces(value, sizeof value, walk.text + behind, pieces, walk.argument));
+}
+
+}  // namespace
+
+bool KeepFacts(DecodeContext* context, bool keep) {
+  LineFacts*& facts = context->facts;
+  if (facts) {
+    std::free(facts->of);
+    std::free(facts->text);
+    std::free(facts);
+    facts = nullptr;
+  }
+  if (!keep) return true;
+  auto* made = static_cast<LineFacts*>(std::calloc(1, sizeof(LineFacts)));
+  if (!made) return false;
+  made->of = static_cast<LineFact*>(std::calloc(kFirstFacts, sizeof(LineFact)));
+  made->text = static_cast<char*>(std::malloc(kFirstText));
+  made->capacity = kFirstFacts;
+  made->textCapacity = kFirstText;
+  facts = made;
+  return (made->of && made->text) || !KeepFacts(context, false);
+}
+
+void NoteFormatted(View* view, LineHandle line, const char* text, const FormatPiece* pieces,
+                   const FormatArgument* arguments) {
+  LineFacts* facts = view->context->facts;
+  LineFact* fact = NewFact(view, line);
+  if (!fact) return;
+  TextWalk walk{text, pieces, arguments};
+  const FormatArgument* picture = nullptr;
+  FormatPiece first = *pieces;
+  if (first.literalLength == 0 && IsText(first) && (arguments->form & 0xFF) == FormatArgument::kBits) {
+    picture = arguments;
+    walk.Next();
+    uint32_t skipped = 0;
+    while (skipped < walk.piece->literalLength && (walk.text[skipped] == ':' || walk.text[skipped] == ' ')) ++skipped;
+    // The literal behind the picture starts with ": ", which belongs to the picture.
+    FormatPiece rest[24] = {*walk.piece};
+    rest[0].literalLength -= skipped;
+    for (int32_t i = 0; !IsNone(rest[i]) && i < 22; ++i) rest[i + 1] = walk.piece[i + 1];
+    walk.text += skipped;
+    walk.piece = rest;
+    uint32_t behind;
+    TakeLabel(facts, fact, walk, &behind);
+    return TakeValue(facts, fact, walk, behind, picture);
+  }
+  const uint32_t form = IsText(first) ? arguments->form & 0xFF : FormatArgument::kNumber;
+  uint64_t bits;
+  const char* drawn = reinterpret_cast<const char*>(static_cast<uintptr_t>(arguments->value));
+  if (first.literalLength == 0 && form == FormatArgument::kTerminated && drawn &&
+      PictureLength(drawn, static_cast<int32_t>(std::strlen(drawn)), &bits)) {
+    char made[kMostValue];
+    return TakeMade(facts, fact, made, FormatPieces(made, sizeof made, text, pieces, arguments));
+  }
+  uint32_t behind;
+  TakeLabel(facts, fact, walk, &behind);
+  TakeValue(facts, fact, walk, behind, picture);
+}
+
+void NoteMade(View* view, LineHandle line, const char* text, int32_t length) {
+  if (LineFact* fact = NewFact(view, line)) TakeMade(view->context->facts, fact, text, length);
+}
+
+void NoteNumber(View* view, LineHandle line, const char* label, uint64_t number, bool isSigned) {
+  LineFact* fact = NewFact(view, line);
+  if (!fact) return;
+  PutLabel(view->context->facts, fact, label, std::strlen(label));
+  fact->kind = isSigned ? ValueKind::kSigned : ValueKind::kNumber;
+  fact->number = number;
+}
+
+void NoteText(View* view, LineHandle line, const char* label, const char* text, int32_t length) {
+  LineFact* fact = NewFact(view, line);
+  if (!fact) return;
+  PutLabel(view->context->facts, fact, label, std::strlen(label));
+  PutValue(view->context->facts, fact, text, length);
+}
+
+const LineFact* FactOf(const DecodeContext* context, uint32_t rangeIndex) {
+  const LineFacts* facts = context->facts;
+  if (!facts || rangeIndex >= facts->count || rangeIndex >= context->rangeCount) return nullptr;
+  return facts->of[rangeIndex].protocol ? &facts->of[rangeIndex] : nullptr;
+}
+
+int32_t FormatKeyLabel(const char* label, int32_t length, char* out, int32_t size) {
+  int32_t used = 0;
+  bool gap = false;
+  for (int32_t i = 0; i < length && used + 2 < size; ++i) {
+    char c = label[i];
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
+    if ((c < 'a' || c > 'z') && !IsDigit(c)) {
+      gap = used > 0;
+      continue;
+    }
+    if (gap) out[used++] = '_';
+    gap = false;
+    out[used++] = c;
+  }
+  out[used] = 0;
+  return used;
+}
+
+int32_t FormatKey(const DecodeContext* context, const LineFact& fact, char* out, int32_t size) {
+  char label[kMostLabel + 4];
+  const int32_t length = FormatKeyLabel(context->facts->text + fact.label, fact.labelLength, label, sizeof label);
+  if (length == 0) {
+    out[0] = 0;
+    return 0;
+  }
+  if (std::strcmp(label, fact.protocol) == 0) return FormatInto(out, size, "%s", fact.protocol);
+  return FormatInto(out, size, "%s.%s", fact.protocol, static_cast<const char*>(label));
+}
+
+}  // namespace qxview
