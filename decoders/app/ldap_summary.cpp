@@ -1,48 +1,48 @@
 // The packet list's text for LDAP (RFC 4511): operation, message, names, result.
 //
 //   SEQUENCE { message, operation (an application tag) { ... }, controls }
-#include "decoders/app/ber_reader.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
 #include "decoders/asn1/ldap_names.h"
+#include "decoders/common/ber_reader.h"
 
 namespace qxview {
 namespace {
 
 void AddName(SummaryText& text, const char* label, Cursor& c) {
   const BerElement name = TakeBer(c);
-  if (name.here) AddValue(text, label, BerText(name));
+  if (name.here) AddValue(text, label, BerText(name.contents));
 }
 
 void DescribeBind(SummaryText& text, Cursor c) {
   constexpr uint32_t kSimple = 0x80, kSasl = 0xA3;
   const BerElement version = TakeBer(c);
-  if (version.here) Add(text, ", Version: %d", BerNumber(version));
+  if (version.here) Add(text, ", Version: %d", BerInteger(version.contents));
   AddName(text, "Name", c);
   BerElement authentication = TakeBer(c);
   if (!authentication.here) return;
-  if (authentication.tag == kSimple) Add(text, ", Simple");
-  if (authentication.tag == kSasl) AddName(text, "SASL", authentication.body);
+  if (authentication.identifier == kSimple) Add(text, ", Simple");
+  if (authentication.identifier == kSasl) AddName(text, "SASL", authentication.contents);
 }
 
 void DescribeSearch(SummaryText& text, Cursor c) {
   AddName(text, "Base", c);
   const BerElement scope = TakeBer(c);
   if (!scope.here) return;
-  Add(text, ", Scope: %s", LdapScopeName(static_cast<uint32_t>(BerNumber(scope))));
+  Add(text, ", Scope: %s", LdapScopeName(static_cast<uint32_t>(BerInteger(scope.contents))));
 }
 
 void DescribeResult(SummaryText& text, Cursor c) {
   const BerElement code = TakeBer(c);
   if (!code.here) return;
-  Add(text, ", Result: %s", LdapResultName(static_cast<uint32_t>(BerNumber(code))));
+  Add(text, ", Result: %s", LdapResultName(static_cast<uint32_t>(BerInteger(code.contents))));
   TakeBer(c);   // matched name
   AddName(text, "Message", c);
 }
 
 void DescribeOperation(SummaryText& text, const BerElement& operation) {
-  Cursor c = operation.body;
-  switch (operation.tag) {
+  Cursor c = operation.contents;
+  switch (operation.identifier) {
     case kLdapBindRequest: return DescribeBind(text, c);
     case kLdapSearchRequest: return DescribeSearch(text, c);
     case kLdapSearchEntry:
@@ -51,8 +51,8 @@ void DescribeOperation(SummaryText& text, const BerElement& operation) {
     case kLdapModifyDnRequest:
     case kLdapCompareRequest:
     case kLdapExtendedRequest: return AddName(text, "Name", c);
-    case kLdapDeleteRequest: return AddValue(text, "Name", BerText(operation));
-    case kLdapAbandon: return Add(text, ", Abandoned ID: %d", BerNumber(operation));
+    case kLdapDeleteRequest: return AddValue(text, "Name", BerText(operation.contents));
+    case kLdapAbandon: return Add(text, ", Abandoned ID: %d", BerInteger(operation.contents));
     case kLdapBindResponse:
     case kLdapSearchDone:
     case kLdapModifyResponse:
@@ -68,12 +68,12 @@ void DescribeOperation(SummaryText& text, const BerElement& operation) {
 // The first message of the payload; false when it does not start with one.
 bool DescribeMessage(SummaryText& text, Cursor c) {
   BerElement message = TakeBer(c);
-  const BerElement identifier = TakeBer(message.body);
-  const BerElement operation = TakeBer(message.body);
-  if (!message.here || message.tag != kBerSequence || !identifier.here || identifier.tag != kBerInteger) return false;
-  const char* name = operation.here ? LookupName(kLdapOperationNames, operation.tag, nullptr) : nullptr;
+  const BerElement identifier = TakeBer(message.contents);
+  const BerElement operation = TakeBer(message.contents);
+  if (message.identifier != kAsnSequence || identifier.identifier != kAsnInteger) return false;
+  const char* name = operation.here ? LookupName(kLdapOperationNames, operation.identifier, nullptr) : nullptr;
   if (!name) return false;
-  Add(text, " %s, ID: %d", name, BerNumber(identifier));
+  Add(text, " %s, ID: %d", name, BerInteger(identifier.contents));
   DescribeOperation(text, operation);
   return true;
 }

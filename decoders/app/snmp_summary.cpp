@@ -3,9 +3,10 @@
 //
 //   SEQUENCE { version, community, PDU { request, error, error index, SEQUENCE { SEQUENCE { object, value } ... } } }
 //   SEQUENCE { 3, SEQUENCE { message, size, flags, model }, security, SEQUENCE { engine, context, PDU } or encrypted }
-#include "decoders/app/ber_reader.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
+#include "decoders/common/ber_reader.h"
+#include "decoders/common/object_id.h"
 
 namespace qxview {
 namespace {
@@ -29,35 +30,15 @@ constexpr auto kGenericTrapNames = SortedNames({
     {5, "egpNeighborLoss"}, {6, "enterpriseSpecific"},
 });
 
-// An object identifier in dotted numbers.
 void AddObject(SummaryText& text, const char* label, const BerElement& object) {
-  constexpr int32_t kMostNumbers = 40;
-  if (!object.here || object.tag != kBerObject) return;
-  Cursor c = object.body;
-  uint32_t number = 0;
-  bool first = true;
-  Add(text, label);
-  for (int32_t shown = 0; shown < kMostNumbers && Left(c) > 0;) {
-    const uint32_t octet = TakeU8(c).value;
-    number = number << 7 | (octet & 0x7F);
-    if (octet & 0x80) continue;
-    if (first) {
-      const uint32_t root = number < 80 ? number / 40 : 2;
-      Add(text, "%u.%u", root, number - 40 * root);
-    } else {
-      Add(text, ".%u", number);
-    }
-    first = false;
-    number = 0;
-    ++shown;
-  }
+  if (object.here && object.identifier == kAsnObjectId) Add(text, "%s%s", label, TextOfObjectId(object.contents));
 }
 
 // The first object of a list of bindings.
 void AddFirstBinding(SummaryText& text, Cursor& pdu) {
   BerElement list = TakeBer(pdu);
-  BerElement binding = TakeBer(list.body);
-  if (list.here && binding.here) AddObject(text, ", Object: ", TakeBer(binding.body));
+  BerElement binding = TakeBer(list.contents);
+  if (list.here && binding.here) AddObject(text, ", Object: ", TakeBer(binding.contents));
 }
 
 void DescribeTrap(SummaryText& text, Cursor c) {
@@ -65,24 +46,25 @@ void DescribeTrap(SummaryText& text, Cursor c) {
   TakeBer(c);   // agent's address
   const BerElement generic = TakeBer(c), specific = TakeBer(c);
   if (generic.here) {
-    Add(text, ", Generic: %s", LookupName(kGenericTrapNames, static_cast<uint32_t>(BerNumber(generic))));
+    Add(text, ", Generic: %s", LookupName(kGenericTrapNames, static_cast<uint32_t>(BerInteger(generic.contents))));
   }
-  if (specific.here) Add(text, ", Specific: %d", BerNumber(specific));
+  if (specific.here) Add(text, ", Specific: %d", BerInteger(specific.contents));
 }
 
 void DescribePdu(SummaryText& text, const BerElement& pdu) {
   constexpr uint32_t kGetBulk = 0xA5;
-  if (!pdu.here || pdu.tag < kFirstPdu) return Add(text, " Data");
-  Add(text, " %s", LookupName(kPduNames, pdu.tag));
-  Cursor c = pdu.body;
-  if (pdu.tag == kTrapV1) return DescribeTrap(text, c);
+  if (!pdu.here || pdu.identifier < kFirstPdu) return Add(text, " Data");
+  Add(text, " %s", LookupName(kPduNames, pdu.identifier));
+  Cursor c = pdu.contents;
+  if (pdu.identifier == kTrapV1) return DescribeTrap(text, c);
   const BerElement request = TakeBer(c), error = TakeBer(c), index = TakeBer(c);
-  if (request.here) Add(text, ", Request ID: %d", BerNumber(request));
-  if (pdu.tag == kGetBulk) {
-    if (index.here) Add(text, ", Non-Repeaters: %d, Repetitions: %d", BerNumber(error), BerNumber(index));
-  } else if (error.here && BerNumber(error) != 0) {
-    Add(text, ", Error: %s, Index: %d", LookupName(kErrorNames, static_cast<uint32_t>(BerNumber(error))),
-        BerNumber(index));
+  if (request.here) Add(text, ", Request ID: %d", BerInteger(request.contents));
+  if (pdu.identifier == kGetBulk) {
+    if (index.here) Add(text, ", Non-Repeaters: %d", BerInteger(error.contents));
+    if (index.here) Add(text, ", Repetitions: %d", BerInteger(index.contents));
+  } else if (error.here && BerInteger(error.contents) != 0) {
+    Add(text, ", Error: %s, Index: %d", LookupName(kErrorNames, static_cast<uint32_t>(BerInteger(error.contents))),
+        BerInteger(index.contents));
   }
   AddFirstBinding(text, c);
 }
@@ -90,27 +72,27 @@ void DescribePdu(SummaryText& text, const BerElement& pdu) {
 // The user of the user-based security model, inside the security parameters' octets.
 void AddUser(SummaryText& text, Cursor security) {
   BerElement parameters = TakeBer(security);
-  TakeBer(parameters.body);   // engine
-  TakeBer(parameters.body);   // boots
-  TakeBer(parameters.body);   // time
-  const BerElement user = TakeBer(parameters.body);
-  if (user.here && user.tag == kBerOctets) AddValue(text, "User", BerText(user));
+  TakeBer(parameters.contents);   // engine
+  TakeBer(parameters.contents);   // boots
+  TakeBer(parameters.contents);   // time
+  const BerElement user = TakeBer(parameters.contents);
+  if (user.here && user.identifier == kAsnOctetString) AddValue(text, "User", BerText(user.contents));
 }
 
 void DescribeVersion3(SummaryText& text, Cursor c) {
   BerElement header = TakeBer(c);
-  const BerElement message = TakeBer(header.body);
+  const BerElement message = TakeBer(header.contents);
   const BerElement security = TakeBer(c);
   BerElement scoped = TakeBer(c);
-  if (scoped.here && scoped.tag == kBerSequence) {
-    TakeBer(scoped.body);   // engine
-    TakeBer(scoped.body);   // context name
-    DescribePdu(text, TakeBer(scoped.body));
+  if (scoped.here && scoped.identifier == kAsnSequence) {
+    TakeBer(scoped.contents);   // engine
+    TakeBer(scoped.contents);   // context name
+    DescribePdu(text, TakeBer(scoped.contents));
   } else if (scoped.here) {
     Add(text, " Encrypted");
   }
-  if (message.here) Add(text, ", Message ID: %d", BerNumber(message));
-  if (security.here) AddUser(text, security.body);
+  if (message.here) Add(text, ", Message ID: %d", BerInteger(message.contents));
+  if (security.here) AddUser(text, security.contents);
 }
 
 }  // namespace
@@ -122,16 +104,16 @@ int32_t DescribeSnmp(const uint8_t* data, int32_t length, char* out, int32_t out
   Add(text, "SNMP");
   Cursor c = MakeCursor(data, 0, length);
   BerElement message = TakeBer(c);
-  const BerElement version = TakeBer(message.body);
-  const int32_t number = version.here && version.tag == kBerInteger ? BerNumber(version) : -1;
-  if (!message.here || message.tag != kBerSequence || number < 0 || number > kVersion3) {
+  const BerElement version = TakeBer(message.contents);
+  const int32_t number = version.here && version.identifier == kAsnInteger ? BerInteger(version.contents) : -1;
+  if (!message.here || message.identifier != kAsnSequence || number < 0 || number > kVersion3) {
     return Add(text, " Data"), 1;
   }
   Add(text, number == kVersion1 ? "v1" : number == kVersion3 ? "v3" : "v2");
-  if (number == kVersion3) return DescribeVersion3(text, message.body), 1;
-  const BerElement community = TakeBer(message.body);
-  DescribePdu(text, TakeBer(message.body));
-  if (community.here) AddValue(text, "Community", BerText(community));
+  if (number == kVersion3) return DescribeVersion3(text, message.contents), 1;
+  const BerElement community = TakeBer(message.contents);
+  DescribePdu(text, TakeBer(message.contents));
+  if (community.here) AddValue(text, "Community", BerText(community.contents));
   return 1;
 }
 

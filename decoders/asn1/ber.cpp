@@ -6,8 +6,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kDeepestLevel = kImageCount - 2 - LevelImage(0);
-
 // An identifier's lines and those of a short length depend on one octet, and small elements have little else: their
 // texts are made when this is compiled. Each is the picture of some bits, what they are, and their value.
 struct OctetText {
@@ -66,185 +64,111 @@ void AddText(const Place& lines, const Field& octet, const OctetText& made) {
 
 bool IsNegative(uint32_t length) { return static_cast<int32_t>(length) < 0; }
 
-}  // namespace
+using ClassText = ShortText<23>;   // "[Context-Specific 31]"
 
-Place LinesOf(const AsnPlace& at) {
-  const LineHandle parent = at.parents ? at.parents[at.depth] : 0;
-  const int32_t level = at.base + at.depth + 1;
-  return {at.view, at.tree, parent, static_cast<int16_t>(level < kDeepestLevel ? level : kDeepestLevel), kLineSize,
-          parent == 0};
+// The three fields of the identifier.
+ClassText ShowIdentifier(const Place& at, const Field& identifier) {
+  const uint32_t tag = identifier.value & 0x1F;
+  AddText(at, identifier, kClassTexts[identifier.value >> 6]);
+  AddText(at, identifier, kConstructedTexts[identifier.value >> 5 & 1]);
+  AddText(at, identifier, kTagTexts.of[tag]);
+  ClassText made;
+  FormatInto(made.text, sizeof made.text, "[%s %u]", kClassNames[identifier.value >> 6], tag);
+  return made;
 }
 
-AsnPlace Beneath(const AsnPlace& at, LineHandle line) {
-  AsnPlace under = at;
-  if (at.depth + 1 >= kAsnDepths || !at.parents) {
-    under.parents = nullptr;
-    return under;
-  }
-  under.depth = at.depth + 1;
-  under.parents[under.depth] = line;
+}  // namespace
+
+Place Beneath(const Place& at, LineHandle line) {
+  Place under = at;
+  under.parent = line;
+  under.dead = line == 0 || at.dead;
+  if (under.level < kDeepestAsnLevel) ++under.level;
   return under;
 }
 
-int32_t DecodeAsnIdentifier(const AsnPlace& at, const Cursor& c, AsnResult& out) {
-  out.consumed = 0;
-  if (!out.text || out.textSize < kAsnClassTextSize) return kAsnNotThisType;
+int32_t DecodeAsnLength(const Place& at, Cursor& c, uint32_t* length) {
   Cursor rest = c;
-  const Field identifier = TakeU8(rest);
-  if (!identifier.here) return kAsnTruncated;
-  const Place lines = LinesOf(at);
-  const uint32_t tag = identifier.value & 0x1F;
-  AddText(lines, identifier, kClassTexts[identifier.value >> 6]);
-  AddText(lines, identifier, kConstructedTexts[identifier.value >> 5 & 1]);
-  AddText(lines, identifier, kTagTexts.of[tag]);
-  FormatInto(out.text, out.textSize, "[%s %u]", kClassNames[identifier.value >> 6], tag);
-  out.number = tag;
-  out.consumed = 1;
-  return kAsnDecoded;
-}
-
-int32_t DecodeAsnLength(const AsnPlace& at, const Cursor& c, AsnResult& out) {
-  out.consumed = 0;
-  Cursor rest = c;
-  const Field first = TakeU8(rest);
+  const BerLength taken = TakeBerLength(rest);
+  const Field& first = taken.first;
   if (!first.here) return kAsnTruncated;
-  const Place lines = LinesOf(at);
-  const uint32_t isLong = first.value >> 7, low = first.value & 0x7F;
-  AddText(lines, first, kLongLengthTexts[isLong]);
-  if (!isLong) {
-    AddText(lines, first, kShortLengthTexts.of[low]);
-    out.number = low;
-    out.consumed = 1;
-    return kAsnDecoded;
+  const uint32_t low = first.value & 0x7F;
+  AddText(at, first, kLongLengthTexts[taken.isLong]);
+  AddText(at, first, taken.isLong ? kLengthOctetsTexts.of[low] : kShortLengthTexts.of[low]);
+  *length = taken.value;
+  if (taken.isLong) {
+    if (!taken.here || Left(c) < 2) return kAsnTruncated;
+    // Without length octets the next one is taken for the length all the same.
+    if (low == 0) *length = PeekU8(rest);
+    AddLine(at, taken.octets, "Length  : %u Bytes", *length);
   }
-  AddText(lines, first, kLengthOctetsTexts.of[low]);
-  if (Left(rest) < 1) return kAsnTruncated;
-  const Field octets = TakeBytes(rest, low);
-  if (!octets.here) return kAsnTruncated;
-  // Without length octets the next one is taken for the length all the same.
-  out.number = octets.length > 0 ? NumberOf(octets) : octets.bytes[0];
-  AddLine(lines, octets, "Length  : %u Bytes", out.number);
-  out.consumed = 1 + octets.length;
+  c = rest;
   return kAsnDecoded;
 }
 
-AsnSpan TakeAsnElement(Cursor& c) {
-  AsnSpan element{0, c, {}, false, false};
-  Cursor rest = c;
-  element.identifier = TakeU8(rest).value;
-  AsnResult length{};
-  element.here = DecodeAsnLength(AsnPlace{}, rest, length) == kAsnDecoded && !IsNegative(length.number);
-  if (!element.here) {
-    TakeCursor(c, Left(c));
-    element.contents = c;
-    return element;
-  }
-  TakeBytes(rest, length.consumed);
-  element.cut = static_cast<int32_t>(length.number) > Left(rest);
-  element.contents = TakeCursor(rest, length.number);
-  element.contents.begin = element.contents.offset;
-  element.whole = TakeCursor(c, rest.offset - c.offset);
-  return element;
-}
-
-int32_t DecodeAsnLengthLine(const AsnPlace& at, const Cursor& c, const char* title, AsnResult& out) {
-  out.consumed = 0;
+int32_t DecodeAsnLengthLine(const Place& at, Cursor& c, const char* title) {
   if (Left(c) < 1) return kAsnTruncated;
-  const Place lines = LinesOf(at);
-  const LineHandle line = AddLine(lines, Ahead(c, 0), "%s", title);
-  const int32_t status = DecodeAsnLength(Beneath(at, line), c, out);
+  const LineHandle line = AddLine(at, Ahead(c, 0), "%s", title);
+  const int32_t start = c.offset;
+  uint32_t length = 0;
+  const int32_t status = DecodeAsnLength(Beneath(at, line), c, &length);
   if (status != kAsnDecoded) return status;
-  SetRange(lines, line, c.offset, out.consumed);
-  AppendToLine(lines, line, " %u Bytes", out.number);
-  return IsNegative(out.number) ? kAsnNotThisType : kAsnDecoded;
+  SetRange(at, line, start, c.offset - start);
+  AppendToLine(at, line, " %u Bytes", length);
+  return IsNegative(length) ? kAsnNotThisType : kAsnDecoded;
 }
 
-AsnElement OpenElement(const AsnPlace& at, const Cursor& c, const char* typeName, AsnResult& out) {
-  AsnElement element{{}, LinesOf(at), kAsnDecoded};
-  const Place& lines = element.lines;
-  Cursor rest = c;
-  const Field identifier = TakeU8(rest);
+AsnElement OpenElement(const Place& at, Cursor& c, const char* typeName, AsnResult& out) {
+  AsnElement element{{}, kAsnDecoded};
+  const Field identifier = TakeU8(c);
   out.number = kAsnNoValue;
-  out.consumed = 1;
   CopyString(out.text, out.textSize, "");
-  const LineHandle type = identifier.value == kAsnInteger ? AddLine(lines, identifier, "ASN Type  :")
-                                                          : AddLine(lines, identifier, "ASN Type:");
-  char classText[kAsnClassTextSize];
-  AsnResult part{0, classText, sizeof classText, 0};
-  DecodeAsnIdentifier(Beneath(at, type), c, part);
-  AppendToLine(lines, type, " %s = %s", static_cast<const char*>(classText), typeName);
-  if (Left(rest) < 1) return element;
+  const LineHandle type = identifier.value == kAsnInteger ? AddLine(at, identifier, "ASN Type  :")
+                                                          : AddLine(at, identifier, "ASN Type:");
+  const ClassText classText = ShowIdentifier(Beneath(at, type), identifier);
+  AppendToLine(at, type, " %s = %s", classText, typeName);
+  if (Left(c) < 1) return element;
 
-  const LineHandle length = AddLine(lines, Ahead(rest, 0), "ASN Length:");
-  element.status = DecodeAsnLength(Beneath(at, length), rest, part);
+  const LineHandle line = AddLine(at, Ahead(c, 0), "ASN Length:");
+  const int32_t start = c.offset;
+  uint32_t length = 0;
+  element.status = DecodeAsnLength(Beneath(at, line), c, &length);
   if (element.status != kAsnDecoded) return element;
-  SetRange(lines, length, rest.offset, part.consumed);
-  AppendToLine(lines, length, " %u", part.number);
-  TakeBytes(rest, part.consumed);
-  out.consumed += part.consumed;
-  if (IsNegative(part.number)) {
+  SetRange(at, line, start, c.offset - start);
+  AppendToLine(at, line, " %u", length);
+  if (IsNegative(length)) {
     element.status = kAsnNotThisType;
-    return element;
-  }
-  element.contents = TakeBytes(rest, part.number);
-  if (!element.contents.here) {
+  } else if (length > static_cast<uint32_t>(Left(c))) {
     element.status = kAsnTruncated;
-    return element;
-  }
-  out.consumed += element.contents.length;
-  if (element.contents.length > 0) {
+  } else if (length > 0) {
+    element.contents = TakeBytes(c, length);
     out.number = 0;
-    return element;
+  } else {
+    FormatInto(out.text, out.textSize, "<NULL>");
+    AddLine(at, Ahead(c, 0), "ASN Value : %s", "<NULL>");
   }
-  FormatInto(out.text, out.textSize, "<NULL>");
-  AddLine(lines, element.contents, "ASN Value : %s", "<NULL>");
-  element.contents.here = false;
   return element;
 }
 
-uint32_t NumberOf(const Field& contents) {
-  uint32_t number = 0;
-  for (int32_t i = contents.length > 4 ? contents.length - 4 : 0; i < contents.length; ++i) {
-    number = number << 8 | contents.bytes[i];
-  }
-  return number;
-}
-
-int32_t DecodeAsnHeader(const AsnPlace& at, const Cursor& c, const char* label, AsnResult& out) {
-  out.consumed = 0;
-  Cursor rest = c;
-  const Field identifier = TakeU8(rest);
+int32_t DecodeAsnHeader(const Place& at, Cursor& c, const char* label) {
+  const Field identifier = Left(c) > 0 ? TakeU8(c) : Field{};
   if (!identifier.here) return kAsnTruncated;
-  const Place lines = LinesOf(at);
-  const LineHandle type = label ? AddLine(lines, identifier, "%s Type:", label)
-                                : AddLine(lines, identifier, "ASN1 Type  :");
-  char classText[kAsnClassTextSize];
-  AsnResult part{0, classText, sizeof classText, 0};
-  DecodeAsnIdentifier(Beneath(at, type), c, part);
-  out.consumed = 1;
-  out.number = kAsnNoValue;
+  const LineHandle type = label ? AddLine(at, identifier, "%s Type:", label) : AddLine(at, identifier, "ASN1 Type  :");
+  ShowIdentifier(Beneath(at, type), identifier);
+  if (!label) return DecodeAsnLengthLine(at, c, "ASN1 Length:");
   char title[kLineSize];
-  if (label) {
-    FormatInto(title, sizeof title, "%s Length:", label);
-  } else {
-    FormatInto(title, sizeof title, "ASN1 Length:");
-  }
-  const int32_t status = DecodeAsnLengthLine(at, rest, title, part);
-  if (status != kAsnDecoded) return status;
-  out.consumed += part.consumed;
-  out.number = part.number;
-  return kAsnDecoded;
+  FormatInto(title, sizeof title, "%s Length:", label);
+  return DecodeAsnLengthLine(at, c, title);
 }
 
-int32_t DecodeAsnValue(const AsnPlace& at, const Cursor& c, const char* label, AsnResult& out) {
-  out.consumed = 0;
+int32_t DecodeAsnValue(const Place& at, Cursor& c, const char* label, AsnResult& out) {
   if (Left(c) < 1) return kAsnTruncated;
-  const Place lines = LinesOf(at);
-  const LineHandle heading = label ? AddLine(lines, Ahead(c, 0), "%s: ", label)
-                                   : AddLine(lines, Ahead(c, 0), "ASN1 Value : ");
-  const AsnPlace under = Beneath(at, heading);
+  const LineHandle heading = label ? AddLine(at, Ahead(c, 0), "%s: ", label)
+                                   : AddLine(at, Ahead(c, 0), "ASN1 Value : ");
+  const Place under = Beneath(at, heading);
+  const int32_t start = c.offset;
   char shortText[kAsnShortTextSize];
-  const uint32_t identifier = c.at[0];
+  const uint32_t identifier = PeekU8(c);
   const AsnStringForm form{"ASN Value", shortText, sizeof shortText, identifier == kAsnOctetString};
   const auto decode = [&]() -> int32_t {
     switch (identifier) {
@@ -269,19 +193,13 @@ int32_t DecodeAsnValue(const AsnPlace& at, const Cursor& c, const char* label, A
     }
   };
   const int32_t status = decode();
-  SetRange(lines, heading, c.offset, out.consumed);
+  SetRange(at, heading, start, c.offset - start);
   return status;
 }
 
-int32_t DecodeAsnElement(const AsnPlace& at, const Cursor& c, const char* label, AsnResult& out) {
-  const int32_t status = DecodeAsnHeader(at, c, label, out);
-  if (status != kAsnDecoded) return status;
-  const int32_t header = out.consumed;
-  Cursor rest = c;
-  TakeBytes(rest, header);
-  const int32_t valueStatus = DecodeAsnValue(at, rest, label, out);
-  out.consumed += header;
-  return valueStatus;
+int32_t DecodeAsnElement(const Place& at, Cursor& c, const char* label, AsnResult& out) {
+  const int32_t status = DecodeAsnHeader(at, c, label);
+  return status == kAsnDecoded ? DecodeAsnValue(at, c, label, out) : status;
 }
 
 }  // namespace qxview

@@ -7,20 +7,16 @@ namespace qxview {
 // An element whose type and length were shown.
 struct AsnElement {
   Field contents;   // here and not empty: to be shown by the type's rule; otherwise all is said
-  Place lines;      // for the value line
   int32_t status;
 };
 
 // Whether the cursor stands on this identifier: 1, 0 for another one, 2 at the end of the span.
 inline int32_t MeetIdentifier(const Cursor& c, uint32_t identifier) {
   if (Left(c) < 1) return kAsnTruncated;
-  return c.at[0] == identifier ? kAsnDecoded : kAsnNotThisType;
+  return PeekU8(c) == identifier ? kAsnDecoded : kAsnNotThisType;
 }
 
 // The type and length lines of the element at the cursor, which is not at its end; empty contents are shown as well.
-AsnElement OpenElement(const AsnPlace& at, const Cursor& c, const char* typeName, AsnResult& out);
-
-// Contents as a number: the last four octets.
-uint32_t NumberOf(const Field& contents);
+AsnElement OpenElement(const Place& at, Cursor& c, const char* typeName, AsnResult& out);
 
 }  // namespace qxview

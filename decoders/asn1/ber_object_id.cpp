@@ -1,26 +1,28 @@
 // Object identifiers, with what the host's MIB knows of them.
 #include "decoders/asn1/ber_element.h"
+#include "decoders/common/object_id.h"
 
 namespace qxview {
 namespace {
 
 constexpr char kInternet[] = "iso.org.dod.internet.";
 
-// Writes the arcs with dots between them; false when they do not all fit.
-bool FormatArcs(const Field& contents, char* out, int32_t size) {
-  int32_t used = FormatInto(out, size, "%u.%u", contents.bytes[0] / 40, contents.bytes[0] % 40);
-  for (int32_t i = 1; i < contents.length;) {
-    uint32_t arc = 0;
-    while (i < contents.length - 1 && contents.bytes[i] & 0x80) arc = arc << 7 | (contents.bytes[i++] & 0x7F);
-    arc = arc << 7 | (contents.bytes[i++] & 0x7F);
-    constexpr int32_t kLongestArc = 12;
+// Writes the arcs with dots between them; false when they do not all fit. The first two are of the first octet alone,
+// and an arc that is cut is shown as far as it goes: identifiers have always been shown, and looked up, like this.
+bool FormatArcs(Cursor c, char* out, int32_t size) {
+  constexpr int32_t kLongestArc = 12;
+  const uint32_t first = TakeU8(c).value;
+  int32_t used = FormatInto(out, size, "%u.%u", first / 40, first % 40);
+  while (Left(c) > 0) {
+    uint32_t arc;
+    TakeObjectIdNumber(c, &arc);
     if (used + kLongestArc > size) return false;
     used += FormatInto(out + used, size - used, ".%u", arc);
   }
   return true;
 }
 
-bool FindEntry(const AsnPlace& at, const char* dotted, QxMibEntry& entry) {
+bool FindEntry(const Place& at, const char* dotted, QxMibEntry& entry) {
   const QxHost* host = at.view->engine->host;
   const auto findMibEntry = QXVIEW_HOST_FUNCTION(host, findMibEntry);
   if (!findMibEntry) return false;
@@ -33,7 +35,7 @@ bool FindEntry(const AsnPlace& at, const char* dotted, QxMibEntry& entry) {
   return true;
 }
 
-void AddEntry(const AsnPlace& at, const AsnElement& element, const QxMibEntry& entry, AsnObjectNames& names) {
+void AddEntry(const Place& at, const AsnElement& element, const QxMibEntry& entry, AsnObjectNames& names) {
   constexpr size_t kPrefix = sizeof kInternet - 1;
   const char* path = strncmp(entry.path, kInternet, kPrefix) == 0 ? entry.path + kPrefix : entry.path;
   const char* suffix = entry.suffix;
@@ -46,9 +48,9 @@ void AddEntry(const AsnPlace& at, const AsnElement& element, const QxMibEntry& e
   const char* type = entry.type;
   const char* access = entry.access;
   const Field& contents = element.contents;
-  const LineHandle value = AddLine(element.lines, contents, "ASN Value : %s, %s, %s (%s)", name, type, access,
+  const LineHandle value = AddLine(at, contents, "ASN Value : %s, %s, %s (%s)", name, type, access,
                                    static_cast<const char*>(names.dotted));
-  const Place in = LinesOf(Beneath(at, value));
+  const Place in = Beneath(at, value);
   AddLine(in, contents, "Object ID: %s.%s", static_cast<const char*>(entry.nodeNumber), suffix);
   AddLine(in, contents, "Object Name: %s", name);
   AddLine(in, contents, "Type: %s", type);
@@ -57,7 +59,7 @@ void AddEntry(const AsnPlace& at, const AsnElement& element, const QxMibEntry& e
 
 }  // namespace
 
-int32_t DecodeAsnObjectId(const AsnPlace& at, const Cursor& c, AsnObjectNames& names, AsnResult& out) {
+int32_t DecodeAsnObjectId(const Place& at, Cursor& c, AsnObjectNames& names, AsnResult& out) {
   names.dotted[0] = names.name[0] = 0;
   const int32_t met = MeetIdentifier(c, kAsnObjectId);
   if (met != kAsnDecoded) return met;
@@ -66,7 +68,7 @@ int32_t DecodeAsnObjectId(const AsnPlace& at, const Cursor& c, AsnObjectNames& n
     if (element.status == kAsnDecoded) CopyString(names.dotted, sizeof names.dotted, out.text);
     return element.status;
   }
-  const bool isWhole = FormatArcs(element.contents, names.dotted, sizeof names.dotted);
+  const bool isWhole = FormatArcs(CursorOver(element.contents), names.dotted, sizeof names.dotted);
   QxMibEntry entry;
   if (isWhole && FindEntry(at, names.dotted, entry)) {
     AddEntry(at, element, entry, names);
@@ -74,8 +76,8 @@ int32_t DecodeAsnObjectId(const AsnPlace& at, const Cursor& c, AsnObjectNames& n
     return kAsnDecoded;
   }
   CopyString(out.text, out.textSize, names.dotted);
-  AddLine(element.lines, element.contents, "ASN Value : %s", static_cast<const char*>(names.dotted));
-  return out.consumed < Left(c) ? kAsnUnnamed : kAsnDecoded;
+  AddLine(at, element.contents, "ASN Value : %s", static_cast<const char*>(names.dotted));
+  return Left(c) > 0 ? kAsnUnnamed : kAsnDecoded;
 }
 
 }  // namespace qxview

@@ -35,7 +35,7 @@ void FormatShortText(const Field& contents, char* out, int32_t size) {
   AppendString(out, size, "...");
 }
 
-int32_t DecodeString(const AsnPlace& at, const Cursor& c, uint32_t identifier, const char* typeName,
+int32_t DecodeString(const Place& at, Cursor& c, uint32_t identifier, const char* typeName,
                      const AsnStringForm& form, AsnResult& out) {
   const int32_t met = MeetIdentifier(c, identifier);
   if (met != kAsnDecoded) return met;
@@ -51,8 +51,8 @@ int32_t DecodeString(const AsnPlace& at, const Cursor& c, uint32_t identifier, c
     FormatShortHex(contents, shortText, form.shortSize);
   } else {
     FormatShortText(contents, shortText, form.shortSize);
-    if (form.label && !element.lines.dead) {
-      SetLine(element.lines, element.lines.parent, "%s: %s", form.label, static_cast<const char*>(shortText));
+    if (form.label && !at.dead) {
+      SetLine(at, at.parent, "%s: %s", form.label, static_cast<const char*>(shortText));
     }
   }
   CopyTextN(out.text, out.textSize, reinterpret_cast<const char*>(contents.bytes), contents.length);
@@ -63,28 +63,28 @@ int32_t DecodeString(const AsnPlace& at, const Cursor& c, uint32_t identifier, c
   if (contents.length > kLongestLine) {
     char title[kLineSize];
     FormatInto(title, sizeof title, "ASN Value: %s", static_cast<const char*>(shortText));
-    AddBlock(element.lines, contents, title);
+    AddBlock(at, contents, title);
   } else {
-    AddLine(element.lines, contents, "ASN Value : %s", static_cast<const char*>(out.text));
+    AddLine(at, contents, "ASN Value : %s", static_cast<const char*>(out.text));
   }
   return kAsnDecoded;
 }
 
 }  // namespace
 
-int32_t DecodeAsnOctetString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
+int32_t DecodeAsnOctetString(const Place& at, Cursor& c, const AsnStringForm& form, AsnResult& out) {
   return DecodeString(at, c, kAsnOctetString, "OCTET STRING", form, out);
 }
-int32_t DecodeAsnImplicitString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
-  return DecodeString(at, c, Left(c) < 1 ? 0 : c.at[0], "OCTET STRING", form, out);
+int32_t DecodeAsnImplicitString(const Place& at, Cursor& c, const AsnStringForm& form, AsnResult& out) {
+  return DecodeString(at, c, PeekU8(c), "OCTET STRING", form, out);
 }
-int32_t DecodeAsnGeneralizedTime(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
+int32_t DecodeAsnGeneralizedTime(const Place& at, Cursor& c, const AsnStringForm& form, AsnResult& out) {
   return DecodeString(at, c, kAsnGeneralizedTime, "GENERALIZED TIME", form, out);
 }
-int32_t DecodeAsnGeneralString(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
+int32_t DecodeAsnGeneralString(const Place& at, Cursor& c, const AsnStringForm& form, AsnResult& out) {
   return DecodeString(at, c, kAsnGeneralString, "GENERAL STRING", form, out);
 }
-int32_t DecodeAsnOpaque(const AsnPlace& at, const Cursor& c, const AsnStringForm& form, AsnResult& out) {
+int32_t DecodeAsnOpaque(const Place& at, Cursor& c, const AsnStringForm& form, AsnResult& out) {
   return DecodeString(at, c, kAsnOpaque, "OPAQUE", form, out);
 }
 

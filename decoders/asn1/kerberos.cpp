@@ -1,7 +1,7 @@
 #include "decoders/asn1/kerberos.h"
 
 #include "decoders/asn1/kerberos_names.h"
-#include "decoders/asn1/kerberos_walk.h"
+#include "decoders/asn1/kerberos_types.h"
 
 namespace qxview {
 namespace {
@@ -19,24 +19,15 @@ enum Application : uint32_t {
 // The messages of a payload.
 struct Payload {
   Place at;         // of top lines
-  KrbWalk walk;
+  BerWalk walk;
   Cursor c;         // behind the last message
 };
 
 // Whether a message stands at the cursor: an identifier of one, a length, and a SEQUENCE as far as that is there.
 bool StartsMessage(Cursor c) {
-  if (Left(c) < 2 || !FindKrbMessage(c.at[0])) return false;
-  const AsnSpan message = TakeAsnElement(c);
-  return message.here && (Left(message.contents) < 1 || message.contents.at[0] == kAsnSequence);
-}
-
-// The octets that the message at the cursor says it has, its header included.
-int64_t StatedSize(const Cursor& c) {
-  AsnResult length{};
-  Cursor rest = c;
-  TakeU8(rest);
-  DecodeAsnLength(AsnPlace{}, rest, length);
-  return int64_t{1} + length.consumed + length.number;
+  const BerElement message = TakeBer(c);
+  if (!message.here || !FindKrbMessage(message.identifier)) return false;
+  return Left(message.contents) < 1 || PeekU8(message.contents) == kAsnSequence;
 }
 
 bool StartsPassword(Cursor c) {
@@ -44,10 +35,9 @@ bool StartsPassword(Cursor c) {
   const Field length = TakeU16(c), version = TakeU16(c), ticket = TakeU16(c);
   if (!ticket.here || (version.value != kChange && version.value != kSet)) return false;
   if (length.value < kPasswordHeaderSize + ticket.value || !StartsMessage(c)) return false;
-  return c.at[0] == (ticket.value == 0 ? kError : kApRequest) || (ticket.value > 0 && c.at[0] == kApReply);
+  const uint32_t message = PeekU8(c);
+  return message == (ticket.value == 0 ? kError : kApRequest) || (ticket.value > 0 && message == kApReply);
 }
-
-
 
 // What the top line tells of a message: error, client and server.
 struct Parties {
@@ -55,10 +45,12 @@ struct Parties {
   TextSlice clientRealm, serverRealm;
 };
 
-Cursor PrincipalAt(const Cursor& fields, uint32_t tag) { return ContentsOf(FindKrbField(fields, tag), kAsnSequence); }
+Cursor PrincipalAt(const Cursor& fields, uint32_t tag) {
+  return TakeBerContents(KrbFieldOf(fields, tag), kAsnSequence);
+}
 
 void FindTicketServer(const Cursor& ticket, Parties& parties) {
-  const Cursor fields = ContentsOf(ContentsOf(ticket, kTicket), kAsnSequence);
+  const Cursor fields = TakeBerContents(TakeBerContents(ticket, kTicket), kAsnSequence);
   parties.server = PrincipalAt(fields, 2);
   parties.serverRealm = KrbTextOf(fields, 1);
 }
@@ -78,9 +70,9 @@ Parties FindParties(uint32_t message, const Cursor& fields) {
     case kTgsReply:
       parties.client = PrincipalAt(fields, 4);
       parties.clientRealm = KrbTextOf(fields, 3);
-      FindTicketServer(FindKrbField(fields, 5), parties);
+      FindTicketServer(KrbFieldOf(fields, 5), parties);
       break;
-    case kApRequest: FindTicketServer(FindKrbField(fields, 3), parties); break;
+    case kApRequest: FindTicketServer(KrbFieldOf(fields, 3), parties); break;
     case kCred: FindTicketServer(PrincipalAt(fields, 2), parties); break;
     case kError:
       parties.client = PrincipalAt(fields, 8);
@@ -102,10 +94,10 @@ void AppendPrincipal(char* out, int32_t outSize, const char* label, const Cursor
   if (realm.length > 0) AppendFormat(out, outSize, "@%s", realm);
 }
 
-void DescribeMessage(const KrbType& message, const Cursor& c, char* out, int32_t outSize) {
-  const Cursor fields = ContentsOf(ContentsOf(c, message.identifier), kAsnSequence);
+void DescribeMessage(const BerType& message, const Cursor& c, char* out, int32_t outSize) {
+  const Cursor fields = TakeBerContents(TakeBerContents(c, message.identifier), kAsnSequence);
   FormatInto(out, outSize, "%s", message.label);
-  if (message.identifier == kError && Left(FindKrbField(fields, 6)) > 0) {
+  if (message.identifier == kError && Left(KrbFieldOf(fields, 6)) > 0) {
     AppendFormat(out, outSize, ", %s", LookupName(kKrbErrorNames, KrbCodeOf(fields, 6), kUndefined));
   }
   const Parties parties = FindParties(message.identifier, fields);
@@ -121,30 +113,31 @@ Place TopOf(const Payload& payload) {
 
 // The message at the cursor, which was seen to start one; the record mark in front of it may be none.
 void ShowMessage(Payload& payload, const Field& mark) {
-  const KrbType& message = *FindKrbMessage(payload.c.at[0]);
-  const AsnSpan span = TakeAsnElement(payload.c);
+  const BerElement span = TakeBer(payload.c);
+  const BerType& message = *FindKrbMessage(span.identifier);
   const Place top = TopOf(payload);
-  LineHandle parents[kAsnDepths];
   const int32_t start = mark.here ? mark.offset : span.whole.offset;
+  LineHandle line;
   {
     char text[kLineSize];
     DescribeMessage(message, span.whole, text, sizeof text);
-    parents[0] = AddLine(top, Stated(start, payload.c.offset - start), "Kerberos: %s",
-                         static_cast<const char*>(text));
+    line = AddLine(top, Stated(start, payload.c.offset - start), "Kerberos: %s", static_cast<const char*>(text));
   }
-  const AsnPlace at{top.view, top.tree, parents, top.level, 0};
-  AddLine(LinesOf(at), mark, "Message Length: %u Bytes", mark.value);
-  --payload.walk.elementsLeft;
-  payload.walk.isReply = message.identifier == kAsReply || message.identifier == kTgsReply ||
-                         message.identifier == kError;
-  uint32_t code = 0;
-  ShowKrbElement(payload.walk, at, span.whole, message, code);
+  const Place in = Beneath(top, line);
+  AddLine(in, mark, "Message Length: %u Bytes", mark.value);
+  BerWalk& walk = payload.walk;
+  --walk.elementsLeft;
+  walk.context &= kKrbPassword;
+  if (message.identifier == kAsReply || message.identifier == kTgsReply || message.identifier == kError) {
+    walk.context |= kKrbReply;
+  }
+  ShowBerElement(walk, in, span.whole, message);
 }
 
 void DescribePassword(const Cursor& c, char* out, int32_t outSize) {
   constexpr uint32_t kSet = 0xFF80;
-  const bool isRequest = Left(c) > kPasswordHeaderSize && c.at[kPasswordHeaderSize] == kApRequest;
-  FormatInto(out, outSize, "%s Password %s", ReadU16(c.at + 2) == kSet ? "Set" : "Change",
+  const bool isRequest = PeekU8(c, kPasswordHeaderSize) == kApRequest;
+  FormatInto(out, outSize, "%s Password %s", PeekU16(c, 2) == kSet ? "Set" : "Change",
              isRequest ? "Request" : "Reply");
 }
 
@@ -162,12 +155,12 @@ void ShowPassword(Payload& payload, const Field& mark) {
   AddLine(in, mark, "Record Length: %u Bytes", mark.value);
   AddLine(in, length, "Message Length: %u Bytes", length.value);
   AddLine(in, version, "Protocol Version: 0x%.04X", version.value);
-  AddLine(in, ticket, "%s Length: %u Bytes", StartsMessage(c) && c.at[0] == kApRequest ? "AP-REQ" : "AP-REP",
+  AddLine(in, ticket, "%s Length: %u Bytes", StartsMessage(c) && PeekU8(c) == kApRequest ? "AP-REQ" : "AP-REP",
           ticket.value);
   const int32_t bodySize = static_cast<int32_t>(length.value) - kPasswordHeaderSize;
   if (Left(c) < bodySize) payload.walk.isCut = true;
 
-  payload.walk.isPassword = true;
+  payload.walk.context |= kKrbPassword;
   const Field none{};
   const Cursor body = TakeCursor(c, bodySize);
   const Cursor behind = c;
@@ -175,7 +168,7 @@ void ShowPassword(Payload& payload, const Field& mark) {
   while (StartsMessage(c) && payload.walk.elementsLeft > 0) ShowMessage(payload, none);
   AddRawRest(payload.at, c, "Kerberos Data");
   c = behind;
-  payload.walk.isPassword = false;
+  payload.walk.context &= ~uint32_t{kKrbPassword};
 }
 
 // What stands at the cursor; false when it is neither.
@@ -196,8 +189,8 @@ bool StartsRecord(Cursor c) {
   const Field mark = TakeU32(c);
   if (!mark.here) return false;
   if (Left(c) < 1) return mark.value > 0 && mark.value < kMostWithoutMessage;
-  if (StartsMessage(c)) return StatedSize(c) == int64_t{mark.value};
-  return StartsPassword(c) && ReadU16(c.at) == mark.value;
+  if (StartsMessage(c)) return PeekBer(c).size == int64_t{mark.value};
+  return StartsPassword(c) && PeekU16(c) == mark.value;
 }
 
 void ShowSegment(Payload& payload) {
@@ -216,7 +209,7 @@ void ShowSegment(Payload& payload) {
     if (c.offset < end && Left(c) < 1) payload.walk.isCut = true;
   }
   // The mark came in a segment of its own.
-  if (Taken(c) == 0 && StartsMessage(c) && StatedSize(c) == Left(c)) ShowMessage(payload, Field{});
+  if (Taken(c) == 0 && StartsMessage(c) && PeekBer(c).size == Left(c)) ShowMessage(payload, Field{});
   AddRawRest(payload.at, c, kContinuationTitle);
 }
 
@@ -224,13 +217,13 @@ void ShowSegment(Payload& payload) {
 
 int32_t DecodeKerberosMessage(const Place& at, Cursor c) {
   if (!StartsMessage(c)) return 0;
-  Payload payload{at, {kMostKrbElements, false, false, false}, c};
+  Payload payload{at, {&kKrbTitles, kMostKrbElements}, c};
   ShowMessage(payload, Field{});
   return payload.walk.isCut ? kAsnTruncated : kAsnDecoded;
 }
 
 int32_t DecodeKerberos(const Place& at, Cursor c) {
-  Payload payload{at, {kMostKrbElements, false, false, false}, c};
+  Payload payload{at, {&kKrbTitles, kMostKrbElements}, c};
   if (PacketOf(at).ipProtocol == kTcp) {
     ShowSegment(payload);
   } else {
@@ -246,7 +239,7 @@ void DescribeKerberosPayload(Cursor c, bool isTcp, char* out, int32_t outSize) {
   if (StartsPassword(c)) {
     DescribePassword(c, out, outSize);
   } else if (StartsMessage(c)) {
-    DescribeMessage(*FindKrbMessage(c.at[0]), c, out, outSize);
+    DescribeMessage(*FindKrbMessage(PeekU8(c)), c, out, outSize);
   }
 }
 

@@ -1,6 +1,8 @@
 // The texts that records are known by, and octets that are no encoding.
+#include <cstring>
+
 #include "decoders/asn1/kerberos_names.h"
-#include "decoders/asn1/kerberos_walk.h"
+#include "decoders/asn1/kerberos_types.h"
 
 namespace qxview {
 namespace {
@@ -36,27 +38,35 @@ void DescribeCode(const NameTable<kRows>& names, const Cursor& fields, uint32_t 
 
 }  // namespace
 
+uint32_t KrbCodeOf(const Cursor& fields, uint32_t tag) {
+  return static_cast<uint32_t>(BerInteger(TakeBerContents(KrbFieldOf(fields, tag), kAsnInteger)));
+}
+
+TextSlice KrbTextOf(const Cursor& fields, uint32_t tag) {
+  return BerText(TakeBerContents(KrbFieldOf(fields, tag), kAsnGeneralString));
+}
+
 void DescribePrincipal(const Cursor& fields, char* out, int32_t outSize) {
-  Cursor parts = ContentsOf(FindKrbField(fields, 1), kAsnSequence);
+  Cursor parts = TakeBerContents(KrbFieldOf(fields, 1), kAsnSequence);
   const int32_t room = outSize - 1;
   bool isFirst = true;
   for (Loop loop; More(parts, loop) && static_cast<int32_t>(strnlen(out, static_cast<size_t>(outSize))) < room;) {
-    const AsnSpan part = TakeAsnElement(parts);
-    const TextSlice text{reinterpret_cast<const char*>(part.contents.at), Left(part.contents)};
-    AppendFormat(out, outSize, "%s%s%s", isFirst ? "" : "/", text, part.cut ? "..." : "");
+    const BerElement part = TakeBer(parts);
+    const TextSlice text = BerText(part.contents);
+    AppendFormat(out, outSize, "%s%s%s", isFirst ? "" : "/", text, IsCut(part) ? "..." : "");
     isFirst = false;
   }
 }
 
 void DescribeTicket(const Cursor& fields, char* out, int32_t outSize) {
-  DescribePrincipal(ContentsOf(FindKrbField(fields, 2), kAsnSequence), out, outSize);
+  DescribePrincipal(TakeBerContents(KrbFieldOf(fields, 2), kAsnSequence), out, outSize);
   AppendFormat(out, outSize, "@%s", KrbTextOf(fields, 1));
 }
 
 void DescribeAddress(const Cursor& fields, char* out, int32_t outSize) {
   constexpr uint32_t kIPv4 = 2, kNetBios = 20, kIPv6 = 24;
   const uint32_t type = KrbCodeOf(fields, 0);
-  const Cursor octets = ContentsOf(FindKrbField(fields, 1), kAsnOctetString);
+  const Cursor octets = TakeBerContents(KrbFieldOf(fields, 1), kAsnOctetString);
   const int32_t length = Left(octets);
   if (type == kIPv4 && length == 4) {
     FormatInto(out, outSize, "%s", IPv4Text(octets.at));
@@ -64,8 +74,8 @@ void DescribeAddress(const Cursor& fields, char* out, int32_t outSize) {
     FormatInto(out, outSize, "%s", IPv6Text(octets.at));
   } else if (type == kNetBios) {
     int32_t shown = length;   // filled up with blanks
-    while (shown > 0 && octets.at[shown - 1] == ' ') --shown;
-    FormatInto(out, outSize, "%s", TextSlice{reinterpret_cast<const char*>(octets.at), shown});
+    while (shown > 0 && PeekU8(octets, shown - 1) == ' ') --shown;
+    FormatInto(out, outSize, "%s", Text(Ahead(octets, shown)));
   } else {
     DescribeCode(kKrbAddressNames, fields, 0, out, outSize);
   }
@@ -79,41 +89,37 @@ void DescribeChecksum(const Cursor& fields, char* out, int32_t outSize) {
 }
 // Typed data number their two fields from 0, pre-authentication data from 1.
 void DescribePaData(const Cursor& fields, char* out, int32_t outSize) {
-  DescribeCode(kKrbPaNames, fields, Left(FindKrbField(fields, 0)) > 0 ? 0 : 1, out, outSize);
+  DescribeCode(kKrbPaNames, fields, Left(KrbFieldOf(fields, 0)) > 0 ? 0 : 1, out, outSize);
 }
 void DescribeAuthorization(const Cursor& fields, char* out, int32_t outSize) {
   DescribeCode(kKrbAuthorizationNames, fields, 0, out, outSize);
 }
 
-void ShowPasswordResult(const Place& at, Cursor c) {
+void ShowPasswordResult(BerWalk&, const Place& at, Cursor& c, const char*) {
   const Field result = TakeU16(c);
   AddLine(at, result, "Result Code: [%u] = %s", result.value,
           LookupName(kKrbPasswordResultNames, result.value, kUndefined));
   const Field text = Rest(c);
-  bool isText = true;
-  for (int32_t i = 0; i < text.length; ++i) isText = isText && text.bytes[i] != 0;
-  if (isText) {
+  if (!text.here || !std::memchr(text.bytes, 0, static_cast<size_t>(text.length))) {
     AddLine(at, text, "Result String: %s", Text(text));
   } else {
     AddBlock(at, text, "Result Data");
   }
 }
 
-void ShowEncryptionSet(const Place& at, Cursor c) {
+void ShowEncryptionSet(BerWalk&, const Place& at, Cursor& c, const char*) {
   const Field set = TakeLittleU32(c);
   for (const SetBit& row : kEncryptionSet) {
     const BitPicture one = BitsOf(set, 31 - row.bit, 1);
     AddBitLine(at, set, "%s: %s = %s", one.picture, row.name, TrueOrFalse(one.value));
   }
-  AddBlock(at, Rest(c), "Undefined Data");
 }
 
-void ShowExtendedError(const Place& at, Cursor c) {
+void ShowExtendedError(BerWalk&, const Place& at, Cursor& c, const char*) {
   const Field status = TakeLittleU32(c), reserved = TakeLittleU32(c), flags = TakeLittleU32(c);
   AddLine(at, status, "Status: [0x%.08X] = %s", status.value, LookupName(kStatusNames, status.value, kUndefined));
   AddLine(at, reserved, "Reserved: 0x%.08X", reserved.value);
   AddLine(at, flags, "Flags: 0x%.08X", flags.value);
-  AddBlock(at, Rest(c), "Undefined Data");
 }
 
 }  // namespace qxview

@@ -1,71 +1,32 @@
-// The shapes of Kerberos messages: a table a type, walked by kerberos_walk.cpp.
-//
-// Nearly all types are SEQUENCEs of fields with explicit tags, so that a field is told by its tag alone:
+// The shapes of Kerberos messages: tables of rows (ber_rows.h). Nearly all types are SEQUENCEs of fields with explicit
+// tags, so that a field is told by its tag alone:
 //
 //   A1 05                     [1], 5 octets: the field's tag
 //      02 03 01 00 01         the element, of the field's type
 #pragma once
-#include "decoders/asn1/ber.h"
+#include "decoders/asn1/ber_rows.h"
 
 namespace qxview {
 
-struct KrbType;
-struct KrbWalk;
+constexpr int32_t kMostKrbElements = 4000;   // of a payload: ten times what the largest of real messages hold
+constexpr BerTitles kKrbTitles{"Truncated Data", "Further Data", kShortLineSize};
 
-enum class KrbForm : uint8_t {
-  kNumber,    // INTEGER, unsigned
-  kCode,      // INTEGER with a sign and names
-  kBoolean,
-  kText,      // GeneralString
-  kTime,      // GeneralizedTime
-  kOctets,    // OCTET STRING; what it holds may hang on the code of the record it stands in
-  kFlags,     // BIT STRING with a name a bit
-  kRaw,       // no element at all: octets that `show` takes apart
-  kRecord,    // SEQUENCE of tagged fields
-  kList,      // SEQUENCE OF
-  kTagged,    // [APPLICATION n] around a record
-  kChoice,    // one tagged field without a SEQUENCE around it
-};
-
-struct KrbField {
-  uint32_t tag;
-  const char* label;
-  const KrbType* type;
-};
-
-// The text that a record is known by, from its fields.
-using KrbDescribe = void (*)(const Cursor& fields, char* out, int32_t outSize);
-// What an octet string holds; null for octets that are shown as they are. `code` is the record's last code.
-using KrbChoose = const KrbType* (*)(const KrbWalk& walk, uint32_t code, const Cursor& contents);
-using KrbShow = void (*)(const Place& at, Cursor c);
-
-struct KrbType {
-  KrbForm form;
-  uint32_t identifier;                     // what its elements start with; 0: any
-  const char* label = nullptr;             // of an octet string's block, of a list's elements, of a tagged type
-  const KrbField* fields = nullptr;
-  int32_t fieldCount = 0;
-  const KrbType* inner = nullptr;          // of a list's elements, of a tagged type
-  const NameTableEntry* names = nullptr;
-  int32_t nameCount = 0;
-  const char* const* bits = nullptr;       // 32 names, the first bit's first; null where nothing is assigned
-  KrbDescribe describe = nullptr;
-  KrbChoose choose = nullptr;
-  KrbShow show = nullptr;
-};
+// What choices hang on: the message answers, which tells what fast armor holds; it is of the change-password protocol,
+// which tells what the data of KRB-ERROR holds.
+enum KrbContext : uint32_t { kKrbReply = 1, kKrbPassword = 2 };
 
 // The type of a message or another [APPLICATION n] type, by its identifier octet; null for none of Kerberos.
-const KrbType* FindKrbMessage(uint32_t identifier);
+const BerType* FindKrbMessage(uint32_t identifier);
 
-// What pre-authentication data, typed data and authorization data hold, by their type; null for plain octets.
-const KrbType* ChoosePaValue(const KrbWalk& walk, uint32_t code, const Cursor& contents);
-const KrbType* ChooseAuthorization(const KrbWalk& walk, uint32_t code, const Cursor& contents);
+// What pre-authentication data, typed data and authorization data hold, by their code; null for plain octets.
+const BerType* ChoosePaValue(const BerWalk& walk, const Cursor& contents);
+const BerType* ChooseAuthorization(const BerWalk& walk, const Cursor& contents);
 // What the data of KRB-ERROR holds: the shape tells, as codes do not for every implementation.
-const KrbType* ChooseErrorData(const KrbWalk& walk, uint32_t code, const Cursor& contents);
+const BerType* ChooseErrorData(const BerWalk& walk, const Cursor& contents);
 
-extern const KrbType kKrbAuthorizationData;
-extern const KrbType kKrbMethodData, kKrbTypedData, kKrbExtendedErrorData, kKrbPasswordResult;
-extern const KrbType kKrbTicket;
+extern const BerType kKrbAuthorizationData;
+extern const BerType kKrbMethodData, kKrbTypedData, kKrbExtendedErrorData, kKrbPasswordResult;
+extern const BerType kKrbTicket;
 
 // The texts that records are known by.
 void DescribePrincipal(const Cursor& fields, char* out, int32_t outSize);      // "krbtgt/EXAMPLE.TEST"
@@ -76,9 +37,14 @@ void DescribeChecksum(const Cursor& fields, char* out, int32_t outSize);
 void DescribePaData(const Cursor& fields, char* out, int32_t outSize);
 void DescribeAuthorization(const Cursor& fields, char* out, int32_t outSize);
 
+// Of a record's field with this tag: the element inside, its number and its text; empty and 0 for none.
+inline Cursor KrbFieldOf(const Cursor& fields, uint32_t tag) { return FindBerContents(fields, 0xA0 | tag); }
+uint32_t KrbCodeOf(const Cursor& fields, uint32_t tag);
+TextSlice KrbTextOf(const Cursor& fields, uint32_t tag);
+
 // Octets that are no encoding.
-void ShowPasswordResult(const Place& at, Cursor c);
-void ShowEncryptionSet(const Place& at, Cursor c);
-void ShowExtendedError(const Place& at, Cursor c);
+void ShowPasswordResult(BerWalk& walk, const Place& at, Cursor& c, const char* title);
+void ShowEncryptionSet(BerWalk& walk, const Place& at, Cursor& c, const char* title);
+void ShowExtendedError(BerWalk& walk, const Place& at, Cursor& c, const char* title);
 
 }  // namespace qxview

@@ -14,17 +14,17 @@ constexpr const char* kContinuationTitle = "LDAP Continuation Data";
 // Whether a whole message head starts here whose lengths agree with one another, as they do nowhere inside a message
 // but by design: the operation ends where the message does, or its controls do.
 bool IsMessageHead(const Cursor& c) {
-  LdapElement message;
-  if (c.at[0] != kAsnSequence || !StartsMessage(c, message)) return false;
-  Cursor rest = message.body;
-  TakeBytes(rest, PeekElement(rest).size);
-  const LdapElement operation = PeekElement(rest);
+  BerElement message;
+  if (!StartsMessage(c, message)) return false;
+  Cursor rest = message.contents;
+  TakeBytes(rest, PeekBer(rest).size);
+  const BerElement operation = PeekBer(rest);
   if (!operation.here) return false;
   const int64_t behind = message.size - (rest.offset - c.offset) - operation.size;
   if (behind <= 0 || IsCut(operation)) return behind >= 0 && (behind == 0 || IsCut(message));
   TakeBytes(rest, operation.size);
   if (Left(rest) == 0) return IsCut(message);
-  const LdapElement controls = PeekElement(rest);
+  const BerElement controls = PeekBer(rest);
   return controls.here && controls.identifier == kLdapControls && controls.size == behind;
 }
 
@@ -33,7 +33,10 @@ Cursor TakeUntilMessage(Cursor& c) {
   const int32_t left = Left(c);
   int32_t i = 1;
   for (; i < left; ++i) {
-    if (c.at[i] == kAsnSequence && IsMessageHead(MakeCursor(c.at + i, c.offset + i, left - i))) break;
+    if (PeekU8(c, i) != kAsnSequence) continue;
+    Cursor head = c;
+    TakeBytes(head, i);
+    if (IsMessageHead(head)) break;
   }
   return TakeCursor(c, i);
 }
@@ -44,13 +47,13 @@ int32_t DecodeLdap(const Place& at, Cursor c) {
   if (StartsTlsRecord(c.at, Left(c))) {
     return CallDecoder(at, c, FindBuiltinDecoder(kTlsBuiltin)->decode, "SSL/TLS Data");
   }
-  int32_t elementsLeft = kMostLdapElements;
+  BerWalk walk{&kLdapTitles, kMostLdapElements};
   bool isKnown = PacketOf(at).ipProtocol == kIpProtocolTcp;
   Loop loop;
   while (MoreAt(at, c, loop)) {
     const int32_t start = c.offset;
-    if (!ShowLdapMessages(at, c, &elementsLeft)) return kAsnTruncated;
-    while (ShowSaslBuffer(at, c, &elementsLeft)) {
+    if (!ShowLdapMessages(at, c, walk)) return kAsnTruncated;
+    while (ShowSaslBuffer(at, c, walk)) {
     }
     if (c.offset > start) {
       isKnown = true;

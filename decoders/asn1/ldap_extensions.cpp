@@ -1,7 +1,7 @@
 // Extended operations and controls: their object identifiers, names and values.
 #include <cstring>
 
-#include "decoders/asn1/ldap_fields.h"
+#include "decoders/asn1/ldap.h"
 #include "decoders/asn1/ldap_names.h"
 #include "decoders/asn1/ldap_text.h"
 
@@ -12,146 +12,141 @@ constexpr uint32_t kString = kAsnOctetString;
 
 // --- values ---
 
-constexpr LdapField kOneInteger[] = {Number(kAsnInteger, "Flags")};
-constexpr LdapGrammar kFlags = Fields(kOneInteger);
-constexpr LdapField kOption[] = {Number(kAsnInteger, "Option")};
-constexpr LdapGrammar kExtendedDn = Fields(kOption);
+constexpr BerType kUuid = TextBy(DescribeUuid);
+constexpr BerType kResultCode = NumberOf({kLdapResultNames, kUnknown});
+
+constexpr BerRow kOneInteger[] = {{kAsnInteger, "Flags", &kLdapNumber}};
+constexpr BerType kFlags = GroupOf(kOneInteger);
+constexpr BerRow kOption[] = {{kAsnInteger, "Option", &kLdapNumber}};
+constexpr BerType kExtendedDn = GroupOf(kOption);
 
 // Paged results (RFC 2696).
-constexpr LdapField kPagedFields[] = {Number(kAsnInteger, "Size"), Text(kString, "Cookie")};
-constexpr LdapGrammar kPaged = Fields(kPagedFields);
+constexpr BerRow kPagedFields[] = {{kAsnInteger, "Size", &kLdapNumber}, {kString, "Cookie", &kLdapText}};
+constexpr BerType kPaged = GroupOf(kPagedFields);
 
 // Server-side sorting (RFC 2891).
-constexpr LdapField kSortKeyFields[] = {Text(kString, "Attribute"), Text(0x80, "Ordering Rule"),
-                                        Flag(0x81, "Reverse Order")};
-constexpr LdapGrammar kSortKey = Fields(kSortKeyFields);
-void DescribeSortKey(const LdapElement& key, char* out, int32_t size) {
+constexpr BerRow kSortKeyFields[] = {
+    {kString, "Attribute", &kLdapText}, {0x80, "Ordering Rule", &kLdapText}, {0x81, "Reverse Order", &kLdapFlag}};
+void DescribeSortKey(const Cursor& contents, char* out, int32_t size) {
   constexpr uint32_t kReverse = 0x81;
   LdapText text(out, size);
-  Cursor c = key.body;
-  for (LdapElement part = PeekElement(c); part.here; part = PeekElement(c)) {
+  Cursor c = contents;
+  for (BerElement part = TakeBer(c); part.here; part = TakeBer(c)) {
     if (!text.IsEmpty()) text.Put(", ");
     if (part.identifier == kReverse) {
-      text.Put(NumberIn(part) ? "Reverse" : "Forward");
+      text.Put(BerNumber(part.contents) ? "Reverse" : "Forward");
     } else {
-      text.PutValue(part.body);
+      text.PutValue(part.contents);
     }
-    TakeBytes(c, Left(part.whole));
   }
 }
-constexpr LdapField kSortFields[] = {Group(kAsnSequence, "Sort Key", DescribeSortKey, &kSortKey)};
-constexpr LdapGrammar kSort = Repeated(kSortFields);
-constexpr LdapField kSortResultFields[] = {Number(kAsnEnumerated, "Sort Result", LdapResultName),
-                                           Text(0x80, "Attribute")};
-constexpr LdapGrammar kSortResult = Fields(kSortResultFields);
+constexpr BerType kSortKey = GroupOf(kSortKeyFields, DescribeSortKey);
+constexpr BerRow kSortFields[] = {{kAsnSequence, "Sort Key", &kSortKey}};
+constexpr BerType kSort = Repeated(kSortFields);
+constexpr BerRow kSortResultFields[] = {{kAsnEnumerated, "Sort Result", &kResultCode}, {0x80, "Attribute", &kLdapText}};
+constexpr BerType kSortResult = GroupOf(kSortResultFields);
 
 // Virtual list views (draft-ietf-ldapext-ldapv3-vlv-09).
-const char* ViewResultName(uint32_t result) {
-  return result == 77 ? "Virtual List View Control Error" : LdapResultName(result);
-}
-constexpr LdapField kOffsetFields[] = {Number(kAsnInteger, "Offset"), Number(kAsnInteger, "Content Count")};
-constexpr LdapGrammar kByOffset = Fields(kOffsetFields);
-constexpr LdapField kViewFields[] = {Number(kAsnInteger, "Before Count"), Number(kAsnInteger, "After Count"),
-                                     Group(0xA0, "By Offset", nullptr, &kByOffset),
-                                     Text(0x81, "Greater Than Or Equal"), Text(kString, "Context ID")};
-constexpr LdapGrammar kView = Fields(kViewFields);
-constexpr LdapField kViewResultFields[] = {
-    Number(kAsnInteger, "Target Position"), Number(kAsnInteger, "Content Count"),
-    Number(kAsnEnumerated, "Virtual List View Result", ViewResultName), Text(kString, "Context ID")};
-constexpr LdapGrammar kViewResult = Fields(kViewResultFields);
+constexpr BerRow kOffsetFields[] = {
+    {kAsnInteger, "Offset", &kLdapNumber}, {kAsnInteger, "Content Count", &kLdapNumber}};
+constexpr BerType kByOffset = GroupOf(kOffsetFields);
+constexpr BerRow kViewFields[] = {
+    {kAsnInteger, "Before Count", &kLdapNumber}, {kAsnInteger, "After Count", &kLdapNumber},
+    {0xA0, "By Offset", &kByOffset}, {0x81, "Greater Than Or Equal", &kLdapText}, {kString, "Context ID", &kLdapText}};
+constexpr BerType kView = GroupOf(kViewFields);
+constexpr BerRow kViewResultFields[] = {
+    {kAsnInteger, "Target Position", &kLdapNumber}, {kAsnInteger, "Content Count", &kLdapNumber},
+    {kAsnEnumerated, "Virtual List View Result", &kResultCode}, {kString, "Context ID", &kLdapText}};
+constexpr BerType kViewResult = GroupOf(kViewResultFields);
 
 // Content synchronization (RFC 4533).
-const char* SyncModeName(uint32_t mode) {
-  return mode == 1 ? "Refresh Only" : mode == 3 ? "Refresh And Persist" : kUnknown;
-}
-const char* SyncStateName(uint32_t state) {
-  constexpr const char* kNames[] = {"Present", "Add", "Modify", "Delete"};
-  return state < 4 ? kNames[state] : kUnknown;
-}
-constexpr LdapField kSyncFields[] = {Number(kAsnEnumerated, "Mode", SyncModeName), Text(kString, "Cookie"),
-                                     Flag(kAsnBoolean, "Reload Hint")};
-constexpr LdapGrammar kSync = Fields(kSyncFields);
-constexpr LdapField kSyncStateFields[] = {Number(kAsnEnumerated, "State", SyncStateName),
-                                          Text(kString, "Entry UUID", DescribeUuid), Text(kString, "Cookie")};
-constexpr LdapGrammar kSyncState = Fields(kSyncStateFields);
-constexpr LdapField kSyncDoneFields[] = {Text(kString, "Cookie"), Flag(kAsnBoolean, "Refresh Deletes")};
-constexpr LdapGrammar kSyncDone = Fields(kSyncDoneFields);
-constexpr LdapField kRefreshFields[] = {Text(kString, "Cookie"), Flag(kAsnBoolean, "Refresh Done")};
-constexpr LdapGrammar kRefresh = Fields(kRefreshFields);
-constexpr LdapField kUuidFields[] = {Text(kString, "Entry UUID", DescribeUuid)};
-constexpr LdapGrammar kUuids = Repeated(kUuidFields);
-constexpr LdapField kIdSetFields[] = {Text(kString, "Cookie"), Flag(kAsnBoolean, "Refresh Deletes"),
-                                      Group(kLdapSet, "Entries", nullptr, &kUuids)};
-constexpr LdapGrammar kIdSet = Fields(kIdSetFields);
-constexpr LdapField kSyncInfoFields[] = {Text(0x80, "New Cookie"), Group(0xA1, "Refresh Delete", nullptr, &kRefresh),
-                                         Group(0xA2, "Refresh Present", nullptr, &kRefresh),
-                                         Group(0xA3, "Sync ID Set", nullptr, &kIdSet)};
-constexpr LdapGrammar kSyncInfo = Fields(kSyncInfoFields);
+constexpr auto kSyncModeNames = SortedNames({{1, "Refresh Only"}, {3, "Refresh And Persist"}});
+constexpr auto kSyncStateNames = SortedNames({{0, "Present"}, {1, "Add"}, {2, "Modify"}, {3, "Delete"}});
+constexpr BerType kSyncMode = NumberOf({kSyncModeNames, kUnknown}),
+                  kSyncStateCode = NumberOf({kSyncStateNames, kUnknown});
+constexpr BerRow kSyncFields[] = {
+    {kAsnEnumerated, "Mode", &kSyncMode}, {kString, "Cookie", &kLdapText}, {kAsnBoolean, "Reload Hint", &kLdapFlag}};
+constexpr BerType kSync = GroupOf(kSyncFields);
+constexpr BerRow kSyncStateFields[] = {
+    {kAsnEnumerated, "State", &kSyncStateCode}, {kString, "Entry UUID", &kUuid}, {kString, "Cookie", &kLdapText}};
+constexpr BerType kSyncState = GroupOf(kSyncStateFields);
+constexpr BerRow kSyncDoneFields[] = {{kString, "Cookie", &kLdapText}, {kAsnBoolean, "Refresh Deletes", &kLdapFlag}};
+constexpr BerType kSyncDone = GroupOf(kSyncDoneFields);
+constexpr BerRow kRefreshFields[] = {{kString, "Cookie", &kLdapText}, {kAsnBoolean, "Refresh Done", &kLdapFlag}};
+constexpr BerType kRefresh = GroupOf(kRefreshFields);
+constexpr BerRow kUuidFields[] = {{kString, "Entry UUID", &kUuid}};
+constexpr BerType kUuids = Repeated(kUuidFields);
+constexpr BerRow kIdSetFields[] = {
+    {kString, "Cookie", &kLdapText}, {kAsnBoolean, "Refresh Deletes", &kLdapFlag}, {kLdapSet, "Entries", &kUuids}};
+constexpr BerType kIdSet = GroupOf(kIdSetFields);
+constexpr BerRow kSyncInfoFields[] = {
+    {0x80, "New Cookie", &kLdapText}, {0xA1, "Refresh Delete", &kRefresh}, {0xA2, "Refresh Present", &kRefresh},
+    {0xA3, "Sync ID Set", &kIdSet}};
+constexpr BerType kSyncInfo = GroupOf(kSyncInfoFields);
 
 // Assertion (RFC 4528), matched values (RFC 3876), reads before and after (RFC 4527), subentries (RFC 3672).
-constexpr LdapField kFilterField[] = {{0, LdapField::kFilter, "Filter"}};
-constexpr LdapGrammar kFilter = Fields(kFilterField), kFilters = Repeated(kFilterField);
-constexpr LdapField kEntryField[] = {Group(0x64, "Entry", nullptr, &kLdapEntryGrammar)};
-constexpr LdapGrammar kReadEntry = Fields(kEntryField);
-constexpr LdapField kVisibility[] = {Flag(kAsnBoolean, "Visibility")};
-constexpr LdapGrammar kSubentries = Fields(kVisibility);
+constexpr BerRow kFilterField[] = {{0, "Filter", &kLdapFilter}};
+constexpr BerType kFilter = GroupOf(kFilterField), kFilters = Repeated(kFilterField);
+constexpr BerRow kEntryField[] = {{0x64, "Entry", &kLdapEntry}};
+constexpr BerType kReadEntry = GroupOf(kEntryField);
+constexpr BerRow kVisibility[] = {{kAsnBoolean, "Visibility", &kLdapFlag}};
+constexpr BerType kSubentries = GroupOf(kVisibility);
 
 // Password policy (draft-behera-ldap-password-policy-10).
-const char* PolicyErrorName(uint32_t error) {
-  constexpr const char* kNames[] = {"Password Expired",         "Account Locked",
-                                    "Change After Reset",       "Password Modification Not Allowed",
-                                    "Must Supply Old Password", "Insufficient Password Quality",
-                                    "Password Too Short",       "Password Too Young",
-                                    "Password In History",      "Password Too Long"};
-  return error < 10 ? kNames[error] : kUnknown;
-}
-constexpr LdapField kWarningFields[] = {Number(0x80, "Seconds Before Expiration"), Number(0x81, "Grace Logins Left")};
-constexpr LdapGrammar kWarning = Fields(kWarningFields);
-constexpr LdapField kPolicyFields[] = {Group(0xA0, "Warning", nullptr, &kWarning),
-                                       Number(0x81, "Error", PolicyErrorName)};
-constexpr LdapGrammar kPolicy = Fields(kPolicyFields);
+constexpr auto kPolicyErrorNames = SortedNames({
+    {0, "Password Expired"}, {1, "Account Locked"}, {2, "Change After Reset"},
+    {3, "Password Modification Not Allowed"}, {4, "Must Supply Old Password"}, {5, "Insufficient Password Quality"},
+    {6, "Password Too Short"}, {7, "Password Too Young"}, {8, "Password In History"}, {9, "Password Too Long"}});
+constexpr BerType kPolicyError = NumberOf({kPolicyErrorNames, kUnknown});
+constexpr BerRow kWarningFields[] = {
+    {0x80, "Seconds Before Expiration", &kLdapNumber}, {0x81, "Grace Logins Left", &kLdapNumber}};
+constexpr BerType kWarning = GroupOf(kWarningFields);
+constexpr BerRow kPolicyFields[] = {{0xA0, "Warning", &kWarning}, {0x81, "Error", &kPolicyError}};
+constexpr BerType kPolicy = GroupOf(kPolicyFields);
 
 // Persistent search (draft-ietf-ldapext-psearch-03).
-const char* ChangeTypeName(uint32_t type) {
-  return type == 1 ? "Add" : type == 2 ? "Delete" : type == 4 ? "Modify" : type == 8 ? "Modify DN" : kUnknown;
-}
-constexpr LdapField kPersistFields[] = {Number(kAsnInteger, "Change Types"), Flag(kAsnBoolean, "Changes Only"),
-                                        Flag(kAsnBoolean, "Return Entry Change Controls")};
-constexpr LdapGrammar kPersist = Fields(kPersistFields);
-constexpr LdapField kEntryChangeFields[] = {Number(kAsnEnumerated, "Change Type", ChangeTypeName),
-                                            Text(kString, "Previous DN"), Number(kAsnInteger, "Change Number")};
-constexpr LdapGrammar kEntryChange = Fields(kEntryChangeFields);
+constexpr auto kChangeTypeNames = SortedNames({{1, "Add"}, {2, "Delete"}, {4, "Modify"}, {8, "Modify DN"}});
+constexpr BerType kChangeType = NumberOf({kChangeTypeNames, kUnknown});
+constexpr BerRow kPersistFields[] = {
+    {kAsnInteger, "Change Types", &kLdapNumber}, {kAsnBoolean, "Changes Only", &kLdapFlag},
+    {kAsnBoolean, "Return Entry Change Controls", &kLdapFlag}};
+constexpr BerType kPersist = GroupOf(kPersistFields);
+constexpr BerRow kEntryChangeFields[] = {
+    {kAsnEnumerated, "Change Type", &kChangeType}, {kString, "Previous DN", &kLdapText},
+    {kAsnInteger, "Change Number", &kLdapNumber}};
+constexpr BerType kEntryChange = GroupOf(kEntryChangeFields);
 
 // What domain controllers have of their own.
-constexpr LdapField kDirSyncFields[] = {Number(kAsnInteger, "Flags"), Number(kAsnInteger, "Most Octets"),
-                                        Text(kString, "Cookie")};
-constexpr LdapGrammar kDirSync = Fields(kDirSyncFields);
-constexpr LdapField kVerifyFields[] = {Number(kAsnInteger, "Flags"), Text(kString, "Server Name")};
-constexpr LdapGrammar kVerifyName = Fields(kVerifyFields);
-constexpr LdapField kScopedFields[] = {Text(kString, "Source Attribute")};
-constexpr LdapGrammar kScoped = Fields(kScopedFields);
+constexpr BerRow kDirSyncFields[] = {
+    {kAsnInteger, "Flags", &kLdapNumber}, {kAsnInteger, "Most Octets", &kLdapNumber}, {kString, "Cookie", &kLdapText}};
+constexpr BerType kDirSync = GroupOf(kDirSyncFields);
+constexpr BerRow kVerifyFields[] = {{kAsnInteger, "Flags", &kLdapNumber}, {kString, "Server Name", &kLdapText}};
+constexpr BerType kVerifyName = GroupOf(kVerifyFields);
+constexpr BerRow kScopedFields[] = {{kString, "Source Attribute", &kLdapText}};
+constexpr BerType kScoped = GroupOf(kScopedFields);
 
-constexpr LdapField kSessionFields[] = {Text(kString, "Source Address"), Text(kString, "Source Name"),
-                                        Text(kString, "Format"), Text(kString, "Identifier")};
-constexpr LdapGrammar kSession = Fields(kSessionFields);
+constexpr BerRow kSessionFields[] = {
+    {kString, "Source Address", &kLdapText}, {kString, "Source Name", &kLdapText}, {kString, "Format", &kLdapText},
+    {kString, "Identifier", &kLdapText}};
+constexpr BerType kSession = GroupOf(kSessionFields);
 
 // Password modify (RFC 3062), cancel (RFC 3909), turn (RFC 4531), dynamic entries (RFC 2589), transactions (RFC
 // 5805).
-constexpr LdapField kPasswordFields[] = {Text(0x80, "User Identity"), Text(0x81, "Old Password"),
-                                         Text(0x82, "New Password")};
-constexpr LdapGrammar kPassword = Fields(kPasswordFields);
-constexpr LdapField kGeneratedFields[] = {Text(0x80, "Generated Password")};
-constexpr LdapGrammar kGenerated = Fields(kGeneratedFields);
-constexpr LdapField kCancelFields[] = {Number(kAsnInteger, "Cancel ID")};
-constexpr LdapGrammar kCancel = Fields(kCancelFields);
-constexpr LdapField kTurnFields[] = {Flag(kAsnBoolean, "Mutual"), Text(kString, "Identifier")};
-constexpr LdapGrammar kTurn = Fields(kTurnFields);
-constexpr LdapField kDynamicFields[] = {Text(0x80, "Entry Name"), Number(0x81, "Seconds To Live")};
-constexpr LdapGrammar kDynamic = Fields(kDynamicFields);
-constexpr LdapField kEndFields[] = {Flag(kAsnBoolean, "Commit"), Text(kString, "Transaction")};
-constexpr LdapGrammar kEnd = Fields(kEndFields);
-constexpr LdapField kEndResultFields[] = {Number(kAsnInteger, "Message ID")};
-constexpr LdapGrammar kEndResult = Fields(kEndResultFields);
+constexpr BerRow kPasswordFields[] = {
+    {0x80, "User Identity", &kLdapText}, {0x81, "Old Password", &kLdapText}, {0x82, "New Password", &kLdapText}};
+constexpr BerType kPassword = GroupOf(kPasswordFields);
+constexpr BerRow kGeneratedFields[] = {{0x80, "Generated Password", &kLdapText}};
+constexpr BerType kGenerated = GroupOf(kGeneratedFields);
+constexpr BerRow kCancelFields[] = {{kAsnInteger, "Cancel ID", &kLdapNumber}};
+constexpr BerType kCancel = GroupOf(kCancelFields);
+constexpr BerRow kTurnFields[] = {{kAsnBoolean, "Mutual", &kLdapFlag}, {kString, "Identifier", &kLdapText}};
+constexpr BerType kTurn = GroupOf(kTurnFields);
+constexpr BerRow kDynamicFields[] = {{0x80, "Entry Name", &kLdapText}, {0x81, "Seconds To Live", &kLdapNumber}};
+constexpr BerType kDynamic = GroupOf(kDynamicFields);
+constexpr BerRow kEndFields[] = {{kAsnBoolean, "Commit", &kLdapFlag}, {kString, "Transaction", &kLdapText}};
+constexpr BerType kEnd = GroupOf(kEndFields);
+constexpr BerRow kEndResultFields[] = {{kAsnInteger, "Message ID", &kLdapNumber}};
+constexpr BerType kEndResult = GroupOf(kEndResultFields);
 
 // --- the tables ---
 
@@ -192,8 +187,8 @@ constexpr LdapExtension kControlsTable[] = {
     {"1.3.6.1.4.1.4203.1.9.1.2", "Sync State", {&kSyncState}, {}},
     {"1.3.6.1.4.1.4203.1.9.1.3", "Sync Done", {&kSyncDone}, {}},
     {"1.3.6.1.1.12", "Assertion", {nullptr, &kFilter}, {}},
-    {"1.3.6.1.1.13.1", "Pre-Read", {&kLdapTextsGrammar, &kReadEntry}, {}},
-    {"1.3.6.1.1.13.2", "Post-Read", {&kLdapTextsGrammar, &kReadEntry}, {}},
+    {"1.3.6.1.1.13.1", "Pre-Read", {&kLdapNames, &kReadEntry}, {}},
+    {"1.3.6.1.1.13.2", "Post-Read", {&kLdapNames, &kReadEntry}, {}},
     {"1.3.6.1.1.21.2", "Transaction Control", {}, {}},
     {"1.3.6.1.1.22", "Don't Use Copy", {}, {}},
     {"1.2.826.0.1.3344810.2.3", "Matched Values", {&kFilters}, {}},
@@ -253,26 +248,22 @@ const LdapExtension* Find(const LdapExtension (&rows)[kRows], const Cursor& oid)
   return nullptr;
 }
 
-void DescribeControl(const LdapElement& control, char* out, int32_t size) {
-  Cursor c = control.body;
-  const LdapElement oid = PeekElement(c);
-  DescribeExtension(oid, out, size);
-  TakeBytes(c, Left(oid.whole));
-  const LdapElement criticality = PeekElement(c);
-  if (criticality.identifier == kAsnBoolean && NumberIn(criticality)) AppendString(out, size, ", Critical");
+void DescribeControl(const Cursor& contents, char* out, int32_t size) {
+  Cursor c = contents;
+  DescribeExtension(TakeBer(c).contents, out, size);
+  if (BerNumber(TakeBerContents(c, kAsnBoolean))) AppendString(out, size, ", Critical");
 }
 
-void ShowControl(LdapWalk& walk) {
-  const LdapExtension* control = Find(kControlsTable, PeekElement(walk.c).body);
-  StepExtensionName(walk, kString, "Object Identifier");
-  StepField(walk, Flag(kAsnBoolean, "Criticality"));
-  StepExtensionValue(walk, kString, "Control Value", control ? control->request : LdapValue{});
+void ShowControl(BerWalk& walk, const Place& in, Cursor& c, const char*) {
+  const LdapExtension* control = Find(kControlsTable, PeekBer(c).contents);
+  ShowBerRow(walk, in, c, {kString, "Object Identifier", &kLdapOidText});
+  ShowBerRow(walk, in, c, {kAsnBoolean, "Criticality", &kLdapFlag});
+  ShowExtensionValue(walk, in, c, kString, "Control Value", control ? control->request : LdapValue{});
 }
 
-constexpr LdapField kControlFields[] = {
-    {kAsnSequence, LdapField::kShown, "Control", DescribeControl, nullptr, nullptr, ShowControl}};
-constexpr LdapGrammar kControls = Repeated(kControlFields);
-constexpr LdapField kControlList = Group(kLdapControls, "Controls", nullptr, &kControls);
+constexpr BerType kControl{.form = BerForm::kInside, .describe = DescribeControl, .show = ShowControl};
+constexpr BerRow kControlFields[] = {{kAsnSequence, "Control", &kControl}};
+constexpr BerType kControls = Repeated(kControlFields);
 
 }  // namespace
 
@@ -285,35 +276,34 @@ const char* LdapExtensionName(const Cursor& oid) {
   return found ? found->name : nullptr;
 }
 
-void DescribeExtension(const LdapElement& element, char* out, int32_t size) {
+void DescribeExtension(const Cursor& contents, char* out, int32_t size) {
   LdapText text(out, size);
-  text.PutValue(element.body);
-  if (const char* name = LdapExtensionName(element.body)) {
+  text.PutValue(contents);
+  if (const char* name = LdapExtensionName(contents)) {
     text.Put(" = ");
     text.Put(name);
   }
 }
 
-void StepExtensionName(LdapWalk& walk, uint32_t identifier, const char* title) {
-  StepField(walk, Text(identifier, title, DescribeExtension));
-}
-
-void StepExtensionValue(LdapWalk& walk, uint32_t identifier, const char* title, const LdapValue& value) {
-  const LdapElement element = PeekElement(walk.c);
-  if (!element.here || element.identifier != identifier) return;
-  const LdapElement inside = PeekElement(element.body);
+void ShowExtensionValue(BerWalk& walk, const Place& in, Cursor& c, uint32_t tag, const char* title,
+                        const LdapValue& value) {
+  const BerElement element = PeekBer(c);
+  if (!element.here || element.identifier != tag) return;
+  const BerElement inside = PeekBer(element.contents);
   const bool isSequence = inside.identifier == kAsnSequence && value.sequence;
-  LdapWalk contents;
+  Place under;
+  Cursor contents, fields;
   if (!inside.here || (!isSequence && !value.other)) {
-    StepField(walk, Text(identifier, title));
-  } else if (StepInto(walk, title, "", contents)) {
-    LdapWalk fields = contents;
-    if (!isSequence) return WalkGrammar(contents, *value.other);
-    if (StepHeader(contents, "Sequence", fields)) WalkGrammar(fields, *value.sequence);
-    ShowUnexplained(contents);
+    ShowBerRow(walk, in, c, {tag, title, &kLdapText});
+  } else if (EnterBer(walk, in, c, title, "", &under, &contents)) {
+    if (!isSequence) return ShowBerRows(walk, under, contents, *value.other);
+    if (EnterBer(walk, under, contents, "Sequence", &fields)) ShowBerRows(walk, under, fields, *value.sequence);
+    ShowBerRest(walk, under, contents);
   }
 }
 
-void WalkControls(LdapWalk& walk) { StepField(walk, kControlList); }
+void ShowControls(BerWalk& walk, const Place& in, Cursor& c) {
+  ShowBerRow(walk, in, c, {kLdapControls, "Controls", &kControls});
+}
 
 }  // namespace qxview

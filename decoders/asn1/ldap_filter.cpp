@@ -14,29 +14,24 @@ constexpr const char* kEscaped = "*()\\";
 // --- as text ---
 
 void PutAssertion(LdapText& text, Cursor c, const char* operation) {
-  const LdapElement name = PeekElement(c);
-  text.PutCharacters(name.body, kEscaped);
-  TakeBytes(c, Left(name.whole));
+  text.PutCharacters(TakeBer(c).contents, kEscaped);
   text.Put(operation);
-  text.PutCharacters(PeekElement(c).body, kEscaped);
+  text.PutCharacters(PeekBer(c).contents, kEscaped);
 }
 
 void PutSubstrings(LdapText& text, Cursor c) {
   constexpr uint32_t kInitial = 0x80, kFinal = 0x82;
-  const LdapElement name = PeekElement(c);
-  text.PutCharacters(name.body, kEscaped);
+  text.PutCharacters(TakeBer(c).contents, kEscaped);
   text.Put("=");
-  TakeBytes(c, Left(name.whole));
-  Cursor parts = PeekElement(c).body;
+  Cursor parts = PeekBer(c).contents;
   bool endsInStar = false;
   while (!text.IsFull()) {
-    const LdapElement part = PeekElement(parts);
+    const BerElement part = TakeBer(parts);
     if (!part.here) break;
     if (part.identifier != kInitial && !endsInStar) text.Put("*");
-    text.PutCharacters(part.body, kEscaped);
+    text.PutCharacters(part.contents, kEscaped);
     endsInStar = part.identifier != kFinal;
     if (endsInStar) text.Put("*");
-    TakeBytes(parts, Left(part.whole));
   }
 }
 
@@ -44,31 +39,30 @@ void PutSubstrings(LdapText& text, Cursor c) {
 void PutExtensible(LdapText& text, Cursor c) {
   constexpr uint32_t kRule = 0x81, kType = 0x82, kValue = 0x83, kAttributes = 0x84;
   constexpr int32_t kMostParts = 4;   // the filters around it are written with it again
-  LdapElement parts[kMostParts]{};
+  BerElement parts[kMostParts]{};
   for (int32_t i = 0; i < kMostParts; ++i) {
-    const LdapElement part = PeekElement(c);
+    const BerElement part = TakeBer(c);
     if (part.identifier >= kRule && part.identifier <= kAttributes) parts[part.identifier - kRule] = part;
-    TakeBytes(c, Left(part.whole));
   }
-  text.PutCharacters(parts[kType - kRule].body, kEscaped);
-  if (NumberIn(parts[kAttributes - kRule])) text.Put(":dn");
+  text.PutCharacters(parts[kType - kRule].contents, kEscaped);
+  if (BerNumber(parts[kAttributes - kRule].contents)) text.Put(":dn");
   if (parts[0].here) text.Put(":");
-  text.PutCharacters(parts[0].body, kEscaped);
+  text.PutCharacters(parts[0].contents, kEscaped);
   text.Put(":=");
-  text.PutCharacters(parts[kValue - kRule].body, kEscaped);
+  text.PutCharacters(parts[kValue - kRule].contents, kEscaped);
 }
 
 // A filter that holds no filters.
-void PutItem(LdapText& text, const LdapElement& item) {
+void PutItem(LdapText& text, const BerElement& item) {
   switch (item.identifier) {
-    case kEqual: return PutAssertion(text, item.body, "=");
-    case kGreaterOrEqual: return PutAssertion(text, item.body, ">=");
-    case kLessOrEqual: return PutAssertion(text, item.body, "<=");
-    case kApprox: return PutAssertion(text, item.body, "~=");
-    case kSubstrings: return PutSubstrings(text, item.body);
-    case kExtensible: return PutExtensible(text, item.body);
+    case kEqual: return PutAssertion(text, item.contents, "=");
+    case kGreaterOrEqual: return PutAssertion(text, item.contents, ">=");
+    case kLessOrEqual: return PutAssertion(text, item.contents, "<=");
+    case kApprox: return PutAssertion(text, item.contents, "~=");
+    case kSubstrings: return PutSubstrings(text, item.contents);
+    case kExtensible: return PutExtensible(text, item.contents);
     case kPresent:
-      text.PutCharacters(item.body, kEscaped);
+      text.PutCharacters(item.contents, kEscaped);
       return text.Put("=*");
     default: return text.Put("?");
   }
@@ -80,118 +74,111 @@ const char* SignOf(uint32_t identifier) {
 
 // --- as lines ---
 
-constexpr LdapField kTypeField{kAsnOctetString, LdapField::kText, "Attribute"};
-constexpr LdapField kAssertionFields[] = {kTypeField, {kAsnOctetString, LdapField::kText, "Assertion Value"}};
-constexpr LdapGrammar kAssertion{kAssertionFields, 2, false};
+constexpr BerRow kAssertionFields[] = {
+    {kAsnOctetString, "Attribute", &kLdapText}, {kAsnOctetString, "Assertion Value", &kLdapText}};
+constexpr BerType kAssertion = GroupOf(kAssertionFields);
 
-constexpr LdapField kPartFields[] = {
-    {0x80, LdapField::kText, "Initial"}, {0x81, LdapField::kText, "Any"}, {0x82, LdapField::kText, "Final"}};
-constexpr LdapGrammar kParts{kPartFields, 3, true};
-constexpr LdapField kSubstringFields[] = {
-    kTypeField, {kAsnSequence, LdapField::kGroup, "Substrings", DescribeTexts, &kParts}};
-constexpr LdapGrammar kSubstring{kSubstringFields, 2, false};
+constexpr BerRow kPartFields[] = {
+    {0x80, "Initial", &kLdapText}, {0x81, "Any", &kLdapText}, {0x82, "Final", &kLdapText}};
+constexpr BerType kParts = Repeated(kPartFields, DescribeTexts);
+constexpr BerRow kSubstringFields[] = {
+    {kAsnOctetString, "Attribute", &kLdapText}, {kAsnSequence, "Substrings", &kParts}};
+constexpr BerType kSubstring = GroupOf(kSubstringFields);
 
-constexpr LdapField kExtensibleFields[] = {
-    {0x81, LdapField::kText, "Matching Rule"}, {0x82, LdapField::kText, "Attribute"},
-    {0x83, LdapField::kText, "Match Value"}, {0x84, LdapField::kFlag, "DN Attributes"}};
-constexpr LdapGrammar kExtensibleMatch{kExtensibleFields, 4, false};
+constexpr BerRow kExtensibleFields[] = {
+    {0x81, "Matching Rule", &kLdapText}, {0x82, "Attribute", &kLdapText}, {0x83, "Match Value", &kLdapText},
+    {0x84, "DN Attributes", &kLdapFlag}};
+constexpr BerType kExtensibleMatch = GroupOf(kExtensibleFields);
 
-struct FilterKind {
-  uint32_t identifier;
-  const char* label;
-  const LdapGrammar* grammar;   // null: filters
-};
-constexpr FilterKind kKinds[] = {
+// What stands under the line of a filter; null for more filters.
+constexpr BerRow kKinds[] = {
     {kAnd, "And", nullptr}, {kOr, "Or", nullptr}, {kNot, "Not", nullptr}, {kEqual, "Equality Match", &kAssertion},
     {kSubstrings, "Substrings", &kSubstring}, {kGreaterOrEqual, "Greater Or Equal", &kAssertion},
     {kLessOrEqual, "Less Or Equal", &kAssertion}, {kApprox, "Approximate Match", &kAssertion},
     {kExtensible, "Extensible Match", &kExtensibleMatch}};
 
-const FilterKind* KindOf(uint32_t identifier) {
-  for (const FilterKind& kind : kKinds) {
-    if (kind.identifier == identifier) return &kind;
+const BerRow* KindOf(uint32_t identifier) {
+  for (const BerRow& kind : kKinds) {
+    if (kind.tag == identifier) return &kind;
   }
   return nullptr;
 }
 
-// Lines of deeper filters stay at this depth: beneath it a substring's parts and their bits must still have an image.
-constexpr int32_t kDeepestFilterLine = 7;
+// Lines of deeper filters stay at this level: beneath it a substring's parts and their bits must still have an image.
+constexpr int32_t kDeepestFilterLevel = 10;
 
-// The lines of the filter at the cursor. Of one that holds filters `inner` is the walk through them, and the result is
-// true.
-bool ShowFilter(LdapWalk& walk, const LdapElement& filter, const char* title, LdapWalk& inner) {
+// Filters that are walked, and where their lines go.
+struct OpenFilter {
+  Place in;
+  Cursor c;
+};
+
+// The lines of the filter at the cursor. Of one that holds filters `inner` is what is inside, and the result is true.
+bool ShowOne(BerWalk& walk, const Place& in, Cursor& c, const char* title, OpenFilter& inner) {
+  const BerElement filter = PeekBer(c);
   char text[kLdapTextSize];
-  DescribeFilter(filter, text, sizeof text);
+  DescribeFilter(c, text, sizeof text);
   const char* shown = text;
   const Field range = Ahead(filter.whole, Left(filter.whole));
-  const LineHandle line = AddLine(LinesOf(walk), range, "%s: %s", title, shown);
-  const LdapWalk under{Beneath(walk.at, line), walk.c, walk.elementsLeft};
-  TakeBytes(walk.c, Left(filter.whole));
-  LdapWalk parts = under;
-  const FilterKind* kind = KindOf(filter.identifier);
+  const Place under = Beneath(in, AddLine(in, range, "%s: %s", title, shown));
+  const BerRow* kind = KindOf(filter.identifier);
   if (!kind) {
     const char* name = filter.identifier == kPresent ? "Present" : kUndefined;
-    StepField(parts, {filter.identifier, LdapField::kText, name});
+    ShowBerRow(walk, under, c, {filter.identifier, name, &kLdapText});
     return false;
   }
-  if (!StepHeader(parts, kind->label, inner)) return false;
-  if (kind->grammar) {
-    WalkGrammar(inner, *kind->grammar);
-    return false;
-  }
-  if (walk.at.depth >= kDeepestFilterLine) inner.at = walk.at;
-  return true;
+  if (!EnterBer(walk, under, c, kind->title, &inner.c)) return false;
+  inner.in = in.level >= kDeepestFilterLevel ? in : under;
+  if (!kind->type) return true;
+  ShowBerRows(walk, under, inner.c, *kind->type);
+  return false;
 }
 
 }  // namespace
 
-void DescribeFilter(const LdapElement& element, char* out, int32_t size) {
+void DescribeFilter(const Cursor& filter, char* out, int32_t size) {
   LdapText text(out, size);
   struct Open {
     Cursor c;
     bool isClosed;   // by a parenthesis, once its filters are written
   } open[kMostFilterDepth];
-  open[0] = {element.whole, false};
+  open[0] = {PeekBer(filter).whole, false};
   for (int32_t depth = 0; depth >= 0 && !text.IsFull();) {
-    const LdapElement filter = PeekElement(open[depth].c);
-    if (!filter.here) {
+    const BerElement next = TakeBer(open[depth].c);
+    if (!next.here) {
       if (open[depth].isClosed) text.Put(")");
       --depth;
       continue;
     }
-    TakeBytes(open[depth].c, Left(filter.whole));
     text.Put("(");
-    const char* sign = SignOf(filter.identifier);
+    const char* sign = SignOf(next.identifier);
     if (sign && depth + 1 < kMostFilterDepth) {
       text.Put(sign);
-      open[++depth] = {filter.body, true};
+      open[++depth] = {next.contents, true};
     } else {
       if (sign) {
         text.Put("...");
       } else {
-        PutItem(text, filter);
+        PutItem(text, next);
       }
       text.Put(")");
     }
   }
 }
 
-bool StepFilter(LdapWalk& walk, const char* title) {
-  LdapWalk open[kMostFilterDepth];
-  const LdapElement first = PeekElement(walk.c);
-  if (!first.here || *walk.elementsLeft < 1) return false;
-  int32_t count = ShowFilter(walk, first, title, open[0]) ? 1 : 0;
+void ShowFilter(BerWalk& walk, const Place& in, Cursor& c, const char* title) {
+  OpenFilter open[kMostFilterDepth];
+  if (!PeekBer(c).here || walk.elementsLeft < 1) return;
+  int32_t count = ShowOne(walk, in, c, title, open[0]) ? 1 : 0;
   while (count > 0) {
-    LdapWalk& top = open[count - 1];
-    const LdapElement filter = PeekElement(top.c);
-    if (!filter.here || *top.elementsLeft < 1 || count == kMostFilterDepth) {
-      ShowUnexplained(top);
+    OpenFilter& top = open[count - 1];
+    if (!PeekBer(top.c).here || walk.elementsLeft < 1 || count == kMostFilterDepth) {
+      ShowBerRest(walk, top.in, top.c);
       --count;
-    } else if (ShowFilter(top, filter, "Filter", open[count])) {
+    } else if (ShowOne(walk, top.in, top.c, "Filter", open[count])) {
       ++count;
     }
   }
-  return true;
 }
 
 }  // namespace qxview

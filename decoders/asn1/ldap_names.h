@@ -25,8 +25,8 @@ inline constexpr auto kLdapOperationNames = SortedNames({
     {kLdapExtendedResponse, "Extended Response"}, {kLdapIntermediate, "Intermediate Response"},
 });
 
-// RFC 4511 Appendix A, with those of version 2 (9), of the drafts in use (60, 61, 70, 76), of clients' own libraries
-// (81 to 97), of RFC 3909 (118 to 121), RFC 4528 (122), RFC 4370 (123) and RFC 4533 (4096).
+// RFC 4511 Appendix A, with those of version 2 (9), of the drafts in use (60, 61, 70, 76, 77), of clients' own
+// libraries (81 to 97), of RFC 3909 (118 to 121), RFC 4528 (122), RFC 4370 (123) and RFC 4533 (4096).
 inline constexpr auto kLdapResultNames = SortedNames({
     {0, "Success"}, {1, "Operations Error"}, {2, "Protocol Error"}, {3, "Time Limit Exceeded"},
     {4, "Size Limit Exceeded"}, {5, "Compare False"}, {6, "Compare True"}, {7, "Auth Method Not Supported"},
@@ -40,8 +40,9 @@ inline constexpr auto kLdapResultNames = SortedNames({
     {54, "Loop Detect"}, {60, "Sort Control Missing"}, {61, "Offset Range Error"}, {64, "Naming Violation"},
     {65, "Object Class Violation"}, {66, "Not Allowed On Non-Leaf"}, {67, "Not Allowed On RDN"},
     {68, "Entry Already Exists"}, {69, "Object Class Mods Prohibited"}, {70, "Results Too Large"},
-    {71, "Affects Multiple DSAs"}, {76, "Virtual List View Error"}, {80, "Other"}, {81, "Server Down"},
-    {82, "Local Error"}, {83, "Encoding Error"}, {84, "Decoding Error"}, {85, "Timeout"}, {86, "Auth Unknown"},
+    {71, "Affects Multiple DSAs"}, {76, "Virtual List View Error"}, {77, "Virtual List View Control Error"},
+    {80, "Other"}, {81, "Server Down"}, {82, "Local Error"}, {83, "Encoding Error"}, {84, "Decoding Error"},
+    {85, "Timeout"}, {86, "Auth Unknown"},
     {87, "Filter Error"}, {88, "User Canceled"}, {89, "Parameter Error"}, {90, "No Memory"}, {91, "Connect Error"},
     {92, "Not Supported"}, {93, "Control Not Found"}, {94, "No Results Returned"}, {95, "More Results To Return"},
     {96, "Client Loop"}, {97, "Referral Limit Exceeded"}, {118, "Canceled"}, {119, "No Such Operation"},

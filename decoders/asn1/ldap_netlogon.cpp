@@ -7,6 +7,7 @@
 // Numbers are low octet first. Names are DNS labels; pointers count from the value's start (RFC 1035 4.1.4).
 #include "decoders/asn1/ldap.h"
 #include "decoders/asn1/ldap_text.h"
+#include "decoders/common/guid.h"
 
 namespace qxview {
 namespace {
@@ -103,23 +104,16 @@ void AddAddress(const Place& in, Cursor& c) {
 
 }  // namespace
 
-void ShowNetlogon(LdapWalk& walk) {
+void ShowNetlogon(BerWalk&, const Place& in, Cursor& c, const char*) {
   constexpr int32_t kFixed = 24, kTrailer = 8, kAddress = 17;
-  const Place in = LinesOf(walk);
-  const Cursor value = walk.c;
-  Cursor& c = walk.c;
-  if (Left(c) < kFixed || (c.at[0] != kResponseEx && c.at[0] != kUserUnknownEx) || c.at[1] != 0) return;
+  const Cursor value = c;
+  if (Left(c) < kFixed || (PeekU8(c) != kResponseEx && PeekU8(c) != kUserUnknownEx) || PeekU8(c, 1) != 0) return;
   const Field opcode = TakeLittleU16(c), reserved = TakeU16(c);
   AddLine(in, opcode, "Opcode: [%u] = %s", opcode.value, OpcodeName(opcode.value));
   AddLine(in, reserved, "Reserved: %u", reserved.value);
   AddFlags(in, TakeLittleU32(c));
-  const Field guid = TakeBytes(c, 16);
-  LdapElement identifier{};
-  identifier.body = CursorOver(guid);
-  char text[kLdapTextSize];
-  DescribeGuid(identifier, text, sizeof text);
-  const char* shown = text;
-  AddLine(in, guid, "Domain GUID: %s", shown);
+  const Field guid = TakeBytes(c, kGuidSize);
+  AddLine(in, guid, "Domain GUID: %s", TextOfGuid(guid, GuidOrder::kLittle, GuidLetters::kLower));
   if (!AddNames(in, value, c)) return;
   if (Left(c) >= kAddress + kTrailer) AddAddress(in, c);
   const Field version = TakeLittleU32(c), token = TakeLittleU16(c), lm20Token = TakeLittleU16(c);

@@ -1,5 +1,5 @@
 // The operations' fields (RFC 4511 4.2 to 4.13).
-#include "decoders/asn1/ldap_fields.h"
+#include "decoders/asn1/ldap.h"
 #include "decoders/asn1/ldap_names.h"
 
 namespace qxview {
@@ -7,125 +7,120 @@ namespace {
 
 // --- strings, attributes ---
 
-constexpr LdapField kTextFields[] = {Text(kAsnOctetString, "Attribute")};
-constexpr LdapField kUriFields[] = {Text(kAsnOctetString, "URI")};
-constexpr LdapGrammar kUris = Repeated(kUriFields);
+constexpr BerRow kTextFields[] = {{kAsnOctetString, "Attribute", &kLdapText}};
+constexpr BerRow kUriFields[] = {{kAsnOctetString, "URI", &kLdapText}};
+constexpr BerType kUris = Repeated(kUriFields, DescribeTexts);
 
-bool NameIs(const LdapElement& name, const char* wanted) {
+bool NameIs(const Cursor& name, const char* wanted) {
   int32_t i = 0;
-  for (; i < Left(name.body) && wanted[i]; ++i) {
-    if ((name.body.at[i] | 0x20) != (wanted[i] | 0x20)) return false;
+  for (; i < Left(name) && wanted[i]; ++i) {
+    if ((PeekU8(name, i) | 0x20) != static_cast<uint32_t>(wanted[i] | 0x20)) return false;
   }
-  return !wanted[i] && i == Left(name.body);
+  return !wanted[i] && i == Left(name);
 }
+
+constexpr BerType kGuid = TextBy(DescribeGuid), kSid = TextBy(DescribeSid),
+                  kNetlogon{.form = BerForm::kInside, .show = ShowNetlogon};
 
 // Attributes whose values say more than their characters.
-LdapDescribe DescriptionOf(const LdapElement& name) {
-  if (NameIs(name, "objectGUID") || NameIs(name, "schemaIDGUID")) return DescribeGuid;
-  if (NameIs(name, "objectSid") || NameIs(name, "securityIdentifier")) return DescribeSid;
-  if (NameIs(name, "supportedControl") || NameIs(name, "supportedExtension")) return DescribeExtension;
-  return nullptr;
+const BerType* ValueOf(const Cursor& name) {
+  if (NameIs(name, "objectGUID") || NameIs(name, "schemaIDGUID")) return &kGuid;
+  if (NameIs(name, "objectSid") || NameIs(name, "securityIdentifier")) return &kSid;
+  if (NameIs(name, "supportedControl") || NameIs(name, "supportedExtension")) return &kLdapOidText;
+  return NameIs(name, "netlogon") ? &kNetlogon : &kLdapText;
 }
 
-void ShowAttribute(LdapWalk& walk) {
-  const LdapElement name = PeekElement(walk.c);
-  StepField(walk, Text(kAsnOctetString, "Description"));
-  const LdapElement values = PeekElement(walk.c);
-  LdapWalk inner;
-  if (!values.here || values.identifier != kLdapSet || !StepInto(walk, "Values", "", inner)) return;
-  const bool isNetlogon = NameIs(name, "netlogon");
-  const LdapField netlogon{kAsnOctetString, LdapField::kShown, "Value", nullptr, nullptr, nullptr, ShowNetlogon};
-  const LdapField text{kAsnOctetString, LdapField::kText, "Value", DescriptionOf(name)};
-  const LdapField fields[] = {isNetlogon ? netlogon : text};
-  WalkGrammar(inner, Repeated(fields));
+void ShowAttribute(BerWalk& walk, const Place& in, Cursor& c, const char*) {
+  const BerRow value{kAsnOctetString, "Value", ValueOf(PeekBer(c).contents)};
+  const BerType values = Repeated({&value, 1});
+  ShowBerRow(walk, in, c, {kAsnOctetString, "Description", &kLdapText});
+  ShowBerRow(walk, in, c, {kLdapSet, "Values", &values});
 }
 
-constexpr LdapField kAttributeFields[] = {{kAsnSequence, LdapField::kShown, "Attribute", DescribeAttribute, nullptr,
-                                           nullptr, ShowAttribute}};
-constexpr LdapGrammar kAttributes = Repeated(kAttributeFields);
+constexpr BerType kAttribute{.form = BerForm::kInside, .describe = DescribeAttribute, .show = ShowAttribute};
+constexpr BerRow kAttributeFields[] = {{kAsnSequence, "Attribute", &kAttribute}};
+constexpr BerType kAttributes = Repeated(kAttributeFields, DescribeAttributes);
 
 // --- bind ---
 
-constexpr LdapField kSaslFields[] = {Text(kAsnOctetString, "Mechanism"), Text(kAsnOctetString, "Credentials")};
-constexpr LdapGrammar kSasl = Fields(kSaslFields);
+constexpr BerRow kSaslFields[] = {
+    {kAsnOctetString, "Mechanism", &kLdapText}, {kAsnOctetString, "Credentials", &kLdapText}};
+constexpr BerType kSasl = GroupOf(kSaslFields, DescribeTexts);
 
-constexpr LdapField kBindRequestFields[] = {
-    Number(kAsnInteger, "Version"), Text(kAsnOctetString, "Name"), Text(0x80, "Simple Password"),
-    Group(0xA3, "SASL Authentication", DescribeTexts, &kSasl),
+constexpr BerRow kBindRequestFields[] = {
+    {kAsnInteger, "Version", &kLdapNumber}, {kAsnOctetString, "Name", &kLdapText},
+    {0x80, "Simple Password", &kLdapText}, {0xA3, "SASL Authentication", &kSasl},
     // What some servers offered before SASL ("Sicily").
-    Text(0x89, "Sicily Package Discovery"), Text(0x8A, "Sicily Negotiate"), Text(0x8B, "Sicily Response")};
+    {0x89, "Sicily Package Discovery", &kLdapText}, {0x8A, "Sicily Negotiate", &kLdapText},
+    {0x8B, "Sicily Response", &kLdapText}};
 
 // --- results ---
 
-#define QX_LDAP_RESULT                                                                                     \
-  Number(kAsnEnumerated, "Result Code", LdapResultName), Text(kAsnOctetString, "Matched DN"),              \
-      Text(kAsnOctetString, "Diagnostic Message"), Group(0xA3, "Referral", DescribeTexts, &kUris)
+constexpr BerType kResultCode = NumberOf({kLdapResultNames, kUnknown});
 
-constexpr LdapField kResultFields[] = {QX_LDAP_RESULT};
-constexpr LdapField kBindResponseFields[] = {QX_LDAP_RESULT, Text(0x87, "Server SASL Credentials")};
+#define QX_LDAP_RESULT                                                                                     \
+  {kAsnEnumerated, "Result Code", &kResultCode}, {kAsnOctetString, "Matched DN", &kLdapText},              \
+      {kAsnOctetString, "Diagnostic Message", &kLdapText}, {0xA3, "Referral", &kUris}
+
+constexpr BerRow kResultFields[] = {QX_LDAP_RESULT};
+constexpr BerRow kBindResponseFields[] = {QX_LDAP_RESULT, {0x87, "Server SASL Credentials", &kLdapText}};
 
 // --- search ---
 
-const char* DereferenceName(uint32_t value) {
-  constexpr const char* kNames[] = {"Never", "In Searching", "Finding Base Object", "Always"};
-  return value < 4 ? kNames[value] : kUnknown;
-}
+constexpr auto kDereferenceNames = SortedNames({
+    {0, "Never"}, {1, "In Searching"}, {2, "Finding Base Object"}, {3, "Always"}});
+constexpr BerType kScope = NumberOf({kLdapScopeNames, kUnknown}),
+                  kDereference = NumberOf({kDereferenceNames, kUnknown});
+constexpr BerType kSelection = Repeated(kTextFields, DescribeTexts);
 
-constexpr LdapField kSearchFields[] = {
-    Text(kAsnOctetString, "Base Object"), Number(kAsnEnumerated, "Scope", LdapScopeName),
-    Number(kAsnEnumerated, "Dereference Aliases", DereferenceName), Number(kAsnInteger, "Size Limit"),
-    Number(kAsnInteger, "Time Limit"), Flag(kAsnBoolean, "Types Only")};
-constexpr LdapGrammar kSearchTexts = Repeated(kTextFields);
-constexpr LdapField kSelection = Group(kAsnSequence, "Attributes", DescribeTexts, &kSearchTexts);
-
-constexpr LdapField kEntryFields[] = {
-    Text(kAsnOctetString, "Object Name"), Group(kAsnSequence, "Attributes", DescribeAttributes, &kAttributes)};
+constexpr BerRow kSearchFields[] = {
+    {kAsnOctetString, "Base Object", &kLdapText}, {kAsnEnumerated, "Scope", &kScope},
+    {kAsnEnumerated, "Dereference Aliases", &kDereference}, {kAsnInteger, "Size Limit", &kLdapNumber},
+    {kAsnInteger, "Time Limit", &kLdapNumber}, {kAsnBoolean, "Types Only", &kLdapFlag}, {0, "Filter", &kLdapFilter},
+    {kAsnSequence, "Attributes", &kSelection}};
+constexpr BerRow kEntryFields[] = {
+    {kAsnOctetString, "Object Name", &kLdapText}, {kAsnSequence, "Attributes", &kAttributes}};
 
 // --- changes ---
 
-constexpr LdapField kAddFields[] = {Text(kAsnOctetString, "Entry"),
-                                    Group(kAsnSequence, "Attributes", DescribeAttributes, &kAttributes)};
+constexpr BerRow kAddFields[] = {{kAsnOctetString, "Entry", &kLdapText}, {kAsnSequence, "Attributes", &kAttributes}};
 
-const char* ChangeName(uint32_t value) {
-  constexpr const char* kNames[] = {"Add", "Delete", "Replace", "Increment"};
-  return value < 4 ? kNames[value] : kUnknown;
-}
-void DescribeChange(const LdapElement& change, char* out, int32_t size) {
-  Cursor c = change.body;
-  const LdapElement operation = PeekElement(c);
-  TakeBytes(c, Left(operation.whole));
+constexpr auto kChangeNames = SortedNames({{0, "Add"}, {1, "Delete"}, {2, "Replace"}, {3, "Increment"}});
+constexpr BerType kChangeKind = NumberOf({kChangeNames, kUnknown});
+void DescribeChange(const Cursor& contents, char* out, int32_t size) {
+  Cursor c = contents;
+  const uint32_t kind = BerNumber(TakeBer(c).contents);
   char attribute[kLdapTextSize];
-  DescribeAttribute(PeekElement(c), attribute, sizeof attribute);
+  DescribeAttribute(TakeBer(c).contents, attribute, sizeof attribute);
   const char* shown = attribute;
-  FormatInto(out, size, "%s %s", ChangeName(NumberIn(operation)), shown);
+  FormatInto(out, size, "%s %s", LookupName(kChangeNames, kind), shown);
 }
 
-constexpr LdapField kChangeFields[] = {Number(kAsnEnumerated, "Operation", ChangeName), kAttributeFields[0]};
-constexpr LdapGrammar kChange = Fields(kChangeFields);
-constexpr LdapField kChangesFields[] = {Group(kAsnSequence, "Change", DescribeChange, &kChange)};
-constexpr LdapGrammar kChanges = Repeated(kChangesFields);
-constexpr LdapField kModifyFields[] = {Text(kAsnOctetString, "Object Name"),
-                                       Group(kAsnSequence, "Changes", nullptr, &kChanges)};
+constexpr BerRow kChangeFields[] = {{kAsnEnumerated, "Operation", &kChangeKind}, kAttributeFields[0]};
+constexpr BerType kChange = GroupOf(kChangeFields, DescribeChange);
+constexpr BerRow kChangesFields[] = {{kAsnSequence, "Change", &kChange}};
+constexpr BerType kChanges = Repeated(kChangesFields);
+constexpr BerRow kModifyFields[] = {{kAsnOctetString, "Object Name", &kLdapText}, {kAsnSequence, "Changes", &kChanges}};
 
-constexpr LdapField kModifyDnFields[] = {
-    Text(kAsnOctetString, "Entry"), Text(kAsnOctetString, "New RDN"),
-    Flag(kAsnBoolean, "Delete Old RDN"), Text(0x80, "New Superior")};
+constexpr BerRow kModifyDnFields[] = {
+    {kAsnOctetString, "Entry", &kLdapText}, {kAsnOctetString, "New RDN", &kLdapText},
+    {kAsnBoolean, "Delete Old RDN", &kLdapFlag}, {0x80, "New Superior", &kLdapText}};
 
-constexpr LdapField kAssertionFields[] = {Text(kAsnOctetString, "Attribute"),
-                                          Text(kAsnOctetString, "Assertion Value")};
-constexpr LdapGrammar kAssertion = Fields(kAssertionFields);
-constexpr LdapField kCompareFields[] = {Text(kAsnOctetString, "Entry"),
-                                        Group(kAsnSequence, "Assertion", DescribeAssertion, &kAssertion)};
+constexpr BerRow kAssertionFields[] = {
+    {kAsnOctetString, "Attribute", &kLdapText}, {kAsnOctetString, "Assertion Value", &kLdapText}};
+constexpr BerType kAssertion = GroupOf(kAssertionFields, DescribeAssertion);
+constexpr BerRow kCompareFields[] = {{kAsnOctetString, "Entry", &kLdapText}, {kAsnSequence, "Assertion", &kAssertion}};
 
-constexpr LdapGrammar kBindRequest = Fields(kBindRequestFields), kBindResponse = Fields(kBindResponseFields),
-                      kResult = Fields(kResultFields), kEntry = Fields(kEntryFields), kModify = Fields(kModifyFields),
-                      kAdd = Fields(kAddFields), kModifyDn = Fields(kModifyDnFields),
-                      kCompare = Fields(kCompareFields);
+constexpr BerType kBindRequest = GroupOf(kBindRequestFields), kBindResponse = GroupOf(kBindResponseFields),
+                  kResult = GroupOf(kResultFields), kSearch = GroupOf(kSearchFields), kEntry = GroupOf(kEntryFields),
+                  kModify = GroupOf(kModifyFields), kAdd = GroupOf(kAddFields), kModifyDn = GroupOf(kModifyDnFields),
+                  kCompare = GroupOf(kCompareFields);
 
-const LdapGrammar* GrammarOf(uint32_t operation) {
+const BerType* TypeOf(uint32_t operation) {
   switch (operation) {
     case kLdapBindRequest: return &kBindRequest;
     case kLdapBindResponse: return &kBindResponse;
+    case kLdapSearchRequest: return &kSearch;
     case kLdapSearchEntry: return &kEntry;
     case kLdapSearchReference: return &kUris;
     case kLdapModifyRequest: return &kModify;
@@ -144,71 +139,55 @@ const LdapGrammar* GrammarOf(uint32_t operation) {
 
 // --- extended operations ---
 
-// The contents of the element with this identifier among those from the cursor on; empty for none.
-Cursor ContentsOf(Cursor c, uint32_t identifier) {
-  for (LdapElement element = PeekElement(c); element.here; element = PeekElement(c)) {
-    if (element.identifier == identifier) return element.body;
-    TakeBytes(c, Left(element.whole));
-  }
-  return MakeCursor(nullptr, 0, 0);
-}
-
 // Servers leave the name out of what answers a request to modify a password; the one value of that answer, a password
 // in a sequence, looks like no other.
 bool IsGeneratedPassword(const Cursor& value) {
-  const LdapElement sequence = PeekElement(value);
-  const LdapElement password = PeekElement(sequence.body);
+  const BerElement sequence = PeekBer(value);
+  const BerElement password = PeekBer(sequence.contents);
   return sequence.identifier == kAsnSequence && sequence.size == Left(value) && password.identifier == 0x80 &&
-         password.size == Left(sequence.body);
+         password.size == Left(sequence.contents);
 }
 
-void WalkExtendedRequest(LdapWalk& walk) {
-  const LdapExtension* extension = FindLdapExtension(ContentsOf(walk.c, 0x80));
-  StepExtensionName(walk, 0x80, "Request Name");
-  StepExtensionValue(walk, 0x81, "Request Value", extension ? extension->request : LdapValue{});
+void ShowExtendedRequest(BerWalk& walk, const Place& in, Cursor& c) {
+  const LdapExtension* extension = FindLdapExtension(FindBerContents(c, 0x80));
+  ShowBerRow(walk, in, c, {0x80, "Request Name", &kLdapOidText});
+  ShowExtensionValue(walk, in, c, 0x81, "Request Value", extension ? extension->request : LdapValue{});
 }
 
-void WalkExtendedResponse(LdapWalk& walk) {
-  const Cursor name = ContentsOf(walk.c, 0x8A), value = ContentsOf(walk.c, 0x8B);
-  const LdapExtension* extension = FindLdapExtension(name);
-  if (!extension && IsGeneratedPassword(value)) extension = FindPasswordModify();
-  for (const LdapField& field : kResultFields) StepField(walk, field);
-  StepExtensionName(walk, 0x8A, "Response Name");
-  StepExtensionValue(walk, 0x8B, "Response Value", extension ? extension->response : LdapValue{});
+void ShowExtendedResponse(BerWalk& walk, const Place& in, Cursor& c) {
+  const LdapExtension* extension = FindLdapExtension(FindBerContents(c, 0x8A));
+  if (!extension && IsGeneratedPassword(FindBerContents(c, 0x8B))) extension = FindPasswordModify();
+  for (const BerRow& row : kResultFields) ShowBerRow(walk, in, c, row);
+  ShowBerRow(walk, in, c, {0x8A, "Response Name", &kLdapOidText});
+  ShowExtensionValue(walk, in, c, 0x8B, "Response Value", extension ? extension->response : LdapValue{});
 }
 
-void WalkIntermediate(LdapWalk& walk) {
-  const LdapExtension* extension = FindLdapExtension(ContentsOf(walk.c, 0x80));
-  StepExtensionName(walk, 0x80, "Response Name");
-  StepExtensionValue(walk, 0x81, "Response Value", extension ? extension->response : LdapValue{});
+void ShowIntermediate(BerWalk& walk, const Place& in, Cursor& c) {
+  const LdapExtension* extension = FindLdapExtension(FindBerContents(c, 0x80));
+  ShowBerRow(walk, in, c, {0x80, "Response Name", &kLdapOidText});
+  ShowExtensionValue(walk, in, c, 0x81, "Response Value", extension ? extension->response : LdapValue{});
 }
 
 }  // namespace
 
-const LdapGrammar kLdapEntryGrammar = kEntry;
-const LdapGrammar kLdapTextsGrammar = kSearchTexts;
+const BerType kLdapEntry = kEntry, kLdapNames = kSelection;
 
-bool WalkOperation(LdapWalk& walk) {
-  const LdapElement operation = PeekElement(walk.c);
-  const char* name = operation.here ? LookupName(kLdapOperationNames, operation.identifier, nullptr) : nullptr;
+bool ShowOperation(BerWalk& walk, const Place& in, Cursor& c) {
+  const uint32_t operation = PeekBer(c).identifier;
+  const char* name = LookupName(kLdapOperationNames, operation, nullptr);
   if (!name) return false;
-  if (operation.identifier == kLdapDeleteRequest) return StepField(walk, Text(kLdapDeleteRequest, "Delete Request"));
-  if (operation.identifier == kLdapAbandon) return StepField(walk, Number(kLdapAbandon, "Abandon Request"));
-  LdapWalk fields;
-  if (!StepHeader(walk, name, fields)) return false;
-  switch (operation.identifier) {
-    case kLdapSearchRequest:
-      for (const LdapField& field : kSearchFields) StepField(fields, field);
-      StepFilter(fields, "Filter");
-      StepField(fields, kSelection);
-      break;
-    case kLdapExtendedRequest: WalkExtendedRequest(fields); break;
-    case kLdapExtendedResponse: WalkExtendedResponse(fields); break;
-    case kLdapIntermediate: WalkIntermediate(fields); break;
+  if (operation == kLdapDeleteRequest) return ShowBerRow(walk, in, c, {kLdapDeleteRequest, name, &kLdapText});
+  if (operation == kLdapAbandon) return ShowBerRow(walk, in, c, {kLdapAbandon, name, &kLdapNumber});
+  Cursor fields;
+  if (!EnterBer(walk, in, c, name, &fields)) return false;
+  switch (operation) {
+    case kLdapExtendedRequest: ShowExtendedRequest(walk, in, fields); break;
+    case kLdapExtendedResponse: ShowExtendedResponse(walk, in, fields); break;
+    case kLdapIntermediate: ShowIntermediate(walk, in, fields); break;
     default:
-      if (const LdapGrammar* grammar = GrammarOf(operation.identifier)) WalkGrammar(fields, *grammar);
+      if (const BerType* type = TypeOf(operation)) ShowBerRows(walk, in, fields, *type);
   }
-  ShowUnexplained(fields);
+  ShowBerRest(walk, in, fields);
   return true;
 }
 

@@ -18,13 +18,13 @@ constexpr uint32_t kMostBuffer = 0xFFFFFF;  // what a mechanism can agree on
 constexpr int32_t kLengthSize = 4;
 
 // What is left of the data: messages in the clear, or a dump.
-void ShowData(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft, const char* title) {
-  LdapElement message;
-  if (StartsMessage(c, message)) ShowLdapMessages(at, c, elementsLeft);
+void ShowData(const Place& at, const Place& in, Cursor& c, BerWalk& walk, const char* title) {
+  BerElement message;
+  if (StartsMessage(c, message)) ShowLdapMessages(at, c, walk);
   AddBlock(in, Rest(c), title);
 }
 
-void ShowKerberos(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft) {
+void ShowKerberos(const Place& at, const Place& in, Cursor& c, BerWalk& walk) {
   const Field token = TakeU16(c);
   AddLine(in, token, "Token ID: 0x%.04X = Wrap (RFC 4121)", token.value);
   const Field flags = TakeU8(c);
@@ -48,25 +48,19 @@ void ShowKerberos(const Place& at, const Place& in, Cursor& c, int32_t* elements
   const bool isTurned = rotation.value == extra.value;
   if (isTurned) AddBlock(in, TakeBytes(c, checksum), "Checksum");
   Cursor data = TakeCursor(c, isTurned ? Left(c) : Left(c) - checksum);
-  ShowData(at, in, data, elementsLeft, "Signed Data");
+  ShowData(at, in, data, walk, "Signed Data");
   AddBlock(in, Rest(c), "Checksum");
 }
 
-void ShowGss(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft) {
-  LineHandle parents[kAsnDepths];
-  parents[0] = in.parent;
-  const AsnPlace walk{in.view, in.tree, in.dead ? nullptr : parents, in.level - 1, 0};
-  AsnResult out{};
-  DecodeAsnHeader(walk, c, "Token", out);
-  TakeBytes(c, out.consumed);
+void ShowGss(const Place& at, const Place& in, Cursor& c, BerWalk& walk) {
+  DecodeAsnHeader(in, c, "Token");
   AsnObjectNames names;
-  names.dotted[0] = 0;
-  const LineHandle line = AddLine(in, Ahead(c, 0), "Mechanism:");
   AsnResult object{};
-  DecodeAsnObjectId(Beneath(walk, line), c, names, object);
-  SetRange(in, line, c.offset, object.consumed);
+  const LineHandle line = AddLine(in, Ahead(c, 0), "Mechanism:");
+  const int32_t start = c.offset;
+  DecodeAsnObjectId(Beneath(in, line), c, names, object);
+  SetRange(in, line, start, c.offset - start);
   AppendToLine(in, line, " %s", static_cast<const char*>(names.dotted));
-  TakeBytes(c, object.consumed);
   const Field token = TakeU16(c);
   AddLine(in, token, "Token ID: 0x%.04X%s", token.value, token.value == kGssWrap ? " = Wrap (RFC 1964)" : "");
   if (!token.here || token.value != kGssWrap) {
@@ -86,19 +80,19 @@ void ShowGss(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft)
   }
   const Field confounder = TakeBytes(c, 8);
   AddLine(in, confounder, "Confounder: %s", HexText(confounder));
-  ShowData(at, in, c, elementsLeft, "Signed Data");
+  ShowData(at, in, c, walk, "Signed Data");
 }
 
-void ShowNtlm(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft) {
+void ShowNtlm(const Place& at, const Place& in, Cursor& c, BerWalk& walk) {
   const Field version = TakeLittleU32(c), checksum = TakeBytes(c, 8), sequence = TakeLittleU32(c);
   AddLine(in, version, "NTLM Signature Version: %u", version.value);
   AddLine(in, checksum, "Checksum: %s", HexText(checksum));
   AddLine(in, sequence, "Sequence Number: %u", sequence.value);
-  ShowData(at, in, c, elementsLeft, "Encrypted Data");
+  ShowData(at, in, c, walk, "Encrypted Data");
 }
 
-void ShowDigest(const Place& at, const Place& in, Cursor& c, int32_t* elementsLeft) {
-  ShowLdapMessages(at, c, elementsLeft);
+void ShowDigest(const Place& at, const Place& in, Cursor& c, BerWalk& walk) {
+  ShowLdapMessages(at, c, walk);
   constexpr int32_t kCode = 10, kTrailer = kCode + 6;
   if (Left(c) != kTrailer) {
     AddBlock(in, Rest(c), "Signature");
@@ -114,20 +108,20 @@ enum class Token { kNone, kKerberos, kGss, kNtlm, kDigest };
 
 Token TokenOf(const Cursor& c) {
   constexpr int32_t kKerberosHeader = 16;
-  LdapElement message;
-  if (Left(c) >= kKerberosHeader && ReadU16(c.at) == kKerberosWrap && c.at[3] == 0xFF) return Token::kKerberos;
-  if (Left(c) >= kKerberosHeader && ReadU32(c.at) == kNtlmVersion) return Token::kNtlm;
+  BerElement message;
+  if (Left(c) >= kKerberosHeader && PeekU16(c) == kKerberosWrap && PeekU8(c, 3) == 0xFF) return Token::kKerberos;
+  if (Left(c) >= kKerberosHeader && PeekU32(c) == kNtlmVersion) return Token::kNtlm;
   if (StartsMessage(c, message)) return Token::kDigest;
-  const LdapElement token = PeekElement(c);
-  const bool isGss = token.identifier == kGssToken && PeekElement(token.body).identifier == kAsnObjectId;
+  const BerElement token = PeekBer(c);
+  const bool isGss = token.identifier == kGssToken && PeekBer(token.contents).identifier == kAsnObjectId;
   return isGss ? Token::kGss : Token::kNone;
 }
 
 }  // namespace
 
-bool ShowSaslBuffer(const Place& at, Cursor& c, int32_t* elementsLeft) {
-  if (Left(c) <= kLengthSize || *elementsLeft < 1) return false;
-  const uint32_t size = ReadU32(c.at);
+bool ShowSaslBuffer(const Place& at, Cursor& c, BerWalk& walk) {
+  if (Left(c) <= kLengthSize || walk.elementsLeft < 1) return false;
+  const uint32_t size = PeekU32(c);
   const uint32_t left = static_cast<uint32_t>(Left(c) - kLengthSize);
   if (size < 1 || size > kMostBuffer) return false;
   Cursor ahead = c;
@@ -135,7 +129,7 @@ bool ShowSaslBuffer(const Place& at, Cursor& c, int32_t* elementsLeft) {
   Cursor data = TakeCursor(ahead, size);
   const Token token = TokenOf(data);
   if (token == Token::kNone && size != left) return false;
-  --*elementsLeft;
+  --walk.elementsLeft;
   const Field range = Ahead(c, kLengthSize + Left(data));
   const LineHandle line = size > left ? AddLine(at, range, "LDAP: SASL Buffer, %u of %u Bytes", left, size)
                                       : AddLine(at, range, "LDAP: SASL Buffer, %u Bytes", size);
@@ -145,16 +139,16 @@ bool ShowSaslBuffer(const Place& at, Cursor& c, int32_t* elementsLeft) {
   c = ahead;
   switch (token) {
     case Token::kKerberos:
-      ShowKerberos(at, in, data, elementsLeft);
+      ShowKerberos(at, in, data, walk);
       break;
     case Token::kGss:
-      ShowGss(at, in, data, elementsLeft);
+      ShowGss(at, in, data, walk);
       break;
     case Token::kNtlm:
-      ShowNtlm(at, in, data, elementsLeft);
+      ShowNtlm(at, in, data, walk);
       break;
     case Token::kDigest:
-      ShowDigest(at, in, data, elementsLeft);
+      ShowDigest(at, in, data, walk);
       break;
     case Token::kNone:
       AddBlock(in, Rest(data), "Encrypted Data");

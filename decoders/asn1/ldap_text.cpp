@@ -12,9 +12,7 @@ namespace qxview {
 namespace {
 
 // The character's place in Windows-1252; 0 for none and for control characters.
-uint8_t PlaceOf(uint32_t code) {
-  return code < 0x20 || code == 0x7F ? 0 : Windows1252Of(code);
-}
+uint8_t PlaceOf(uint32_t code) { return code < 0x20 || code == 0x7F ? 0 : Windows1252Of(code); }
 
 bool IsText(const Cursor& octets) {
   for (int32_t i = 0; i < Left(octets);) {
@@ -72,78 +70,73 @@ void LdapText::PutValue(const Cursor& octets) {
   }
 }
 
-void WriteLdapText(const Cursor& octets, char* out, int32_t size) { LdapText(out, size).PutValue(octets); }
-
-void DescribeText(const LdapElement& element, char* out, int32_t size) {
+void DescribeText(const Cursor& contents, char* out, int32_t size) {
   LdapText text(out, size);
-  if (Left(element.body) < 1) return text.Put("<NULL>");
-  text.PutValue(element.body);
+  if (Left(contents) < 1) return text.Put("<NULL>");
+  text.PutValue(contents);
 }
 
 // The elements inside, each by `put`, with ", " between them.
 template <class Put>
 void ListElements(LdapText& text, Cursor c, Put put) {
   for (bool first = true; !text.IsFull(); first = false) {
-    const LdapElement element = PeekElement(c);
+    const BerElement element = TakeBer(c);
     if (!element.here) return;
     if (!first) text.Put(", ");
     put(element);
-    TakeBytes(c, Left(element.whole));
   }
 }
 
-void DescribeTexts(const LdapElement& element, char* out, int32_t size) {
+void DescribeTexts(const Cursor& contents, char* out, int32_t size) {
   LdapText text(out, size);
-  ListElements(text, element.body, [&](const LdapElement& inside) { text.PutValue(inside.body); });
+  ListElements(text, contents, [&](const BerElement& inside) { text.PutValue(inside.contents); });
   if (text.IsEmpty()) text.Put("<NULL>");
 }
 
-void DescribeAttributes(const LdapElement& element, char* out, int32_t size) {
+void DescribeAttributes(const Cursor& contents, char* out, int32_t size) {
   LdapText text(out, size);
-  ListElements(text, element.body, [&](const LdapElement& inside) { text.PutValue(PeekElement(inside.body).body); });
+  ListElements(text, contents, [&](const BerElement& one) { text.PutValue(PeekBer(one.contents).contents); });
   if (text.IsEmpty()) text.Put("<NULL>");
 }
 
-void DescribeAttribute(const LdapElement& element, char* out, int32_t size) {
+void DescribeAttribute(const Cursor& contents, char* out, int32_t size) {
   LdapText text(out, size);
-  Cursor c = element.body;
-  const LdapElement name = PeekElement(c);
-  text.PutValue(name.body);
-  TakeBytes(c, Left(name.whole));
-  const LdapElement values = PeekElement(c);
-  if (Left(values.body) < 1) return;
+  Cursor c = contents;
+  text.PutValue(TakeBer(c).contents);
+  const BerElement values = PeekBer(c);
+  if (Left(values.contents) < 1) return;
   text.Put(" = ");
-  ListElements(text, values.body, [&](const LdapElement& value) { text.PutValue(value.body); });
+  ListElements(text, values.contents, [&](const BerElement& value) { text.PutValue(value.contents); });
 }
 
-void DescribeAssertion(const LdapElement& element, char* out, int32_t size) {
+void DescribeAssertion(const Cursor& contents, char* out, int32_t size) {
   LdapText text(out, size);
-  Cursor c = element.body;
-  const LdapElement name = PeekElement(c);
-  text.PutValue(name.body);
-  TakeBytes(c, Left(name.whole));
-  const LdapElement value = PeekElement(c);
+  Cursor c = contents;
+  text.PutValue(TakeBer(c).contents);
+  const BerElement value = PeekBer(c);
   if (!value.here) return;
   text.Put("=");
-  text.PutValue(value.body);
+  text.PutValue(value.contents);
 }
 
-static void DescribeAs(GuidOrder order, const LdapElement& element, char* out, int32_t size) {
-  Cursor c = element.body;
-  if (Left(c) != kGuidSize) return DescribeText(element, out, size);
-  FormatInto(out, size, "%s", TextOfGuid(Rest(c), order, GuidLetters::kLower));
-}
-void DescribeUuid(const LdapElement& element, char* out, int32_t size) {
-  DescribeAs(GuidOrder::kBig, element, out, size);
-}
-void DescribeGuid(const LdapElement& element, char* out, int32_t size) {
-  DescribeAs(GuidOrder::kLittle, element, out, size);
+namespace {
+
+void DescribeAs(GuidOrder order, const Cursor& contents, char* out, int32_t size) {
+  if (Left(contents) != kGuidSize) return DescribeText(contents, out, size);
+  FormatInto(out, size, "%s", TextOfGuid(Ahead(contents, kGuidSize), order, GuidLetters::kLower));
 }
 
-void DescribeSid(const LdapElement& element, char* out, int32_t size) {
-  Cursor c = element.body;
-  if (PeekU8(c) != 1 || SidSize(c) != Left(c)) return DescribeText(element, out, size);
-  FormatInto(out, size, "%s", TextOfSid(Rest(c)));
+}  // namespace
+
+void DescribeUuid(const Cursor& contents, char* out, int32_t size) { DescribeAs(GuidOrder::kBig, contents, out, size); }
+void DescribeGuid(const Cursor& contents, char* out, int32_t size) {
+  DescribeAs(GuidOrder::kLittle, contents, out, size);
+}
+
+void DescribeSid(const Cursor& contents, char* out, int32_t size) {
+  const int32_t length = SidSize(contents);
+  if (PeekU8(contents) != 1 || length != Left(contents)) return DescribeText(contents, out, size);
+  FormatInto(out, size, "%s", TextOfSid(Ahead(contents, length)));
 }
 
 }  // namespace qxview

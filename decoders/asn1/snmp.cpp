@@ -10,31 +10,56 @@ constexpr int32_t kDeepestBase = 2;   // the lengths of a binding's values still
 template <class Decode>
 int32_t Step(SnmpWalk& walk, const char* title, SnmpStep& step, Decode decode) {
   step.text[0] = step.longText[0] = 0;
-  step.value = {kAsnNoValue, step.text, sizeof step.text, 0};
+  step.value = {kAsnNoValue, step.text, sizeof step.text};
   if (Left(walk.c) < 1) return kAsnTruncated;
-  const Place lines = LinesOf(walk);
-  step.line = AddLine(lines, Ahead(walk.c, 0), "%s", title);
-  const int32_t status = decode(Beneath(walk.at, step.line), walk.c, step.value);
-  SetRange(lines, step.line, walk.c.offset, step.value.consumed);
-  TakeBytes(walk.c, step.value.consumed);
+  step.line = AddLine(walk.in, Ahead(walk.c, 0), "%s", title);
+  const int32_t start = walk.c.offset;
+  const int32_t status = decode(Beneath(walk.in, step.line), walk.c, step.value);
+  SetRange(walk.in, step.line, start, walk.c.offset - start);
   return status;
+}
+
+int32_t StepInteger(SnmpWalk& walk, const BerRow& row) {
+  SnmpStep step;
+  const int32_t status = StepNumber(walk, row.title, DecodeAsnInteger, step);
+  if (status != kAsnDecoded) return status;
+  const BerType& type = *row.type;
+  const uint32_t number = step.value.number;
+  if (type.names.rows) {
+    const char* name = NameOf(type.names, number);
+    AppendToLine(walk.in, step.line, " [%u] = %s", number, name);
+    if (type.label) AppendToLine(walk.in, walk.root, "%s%s", type.label, name);
+  } else {
+    AppendToLine(walk.in, step.line, " %u", number);
+    if (type.label) AppendToLine(walk.in, walk.root, "%s%u", type.label, number);
+  }
+  return status;
+}
+
+int32_t StepRow(SnmpWalk& walk, const BerRow& row) {
+  SnmpStep step;
+  switch (row.type->form) {
+    case BerForm::kNumber: return StepInteger(walk, row);
+    case BerForm::kText: return StepString(walk, row.title, row.type->label, step);
+    default: break;
+  }
+  const Field marker = Left(walk.c) > 0 ? TakeU8(walk.c) : Field{};
+  if (!marker.here) return kAsnTruncated;
+  AddLine(walk.in, marker, "ASN Sequence Identifier: 0x%.02X (%s)", marker.value, row.type->label);
+  const int32_t status = StepLength(walk, row.title);
+  return status == kAsnDecoded ? StepRows(walk, row.type->rows) : status;
 }
 
 }  // namespace
 
-SnmpWalk BeginSnmp(const Place& at, const Cursor& c, LineHandle* parents) {
+SnmpWalk BeginSnmp(const Place& at, const Cursor& c) {
   Place top = at;
   if (top.level > kDeepestBase) top.level = kDeepestBase;
-  parents[0] = AddLine(top, Ahead(c, Left(c)), "SNMPv");
-  return {{at.view, at.tree, parents, top.level, 0}, parents[0], c};
+  const LineHandle root = AddLine(top, Ahead(c, Left(c)), "SNMPv");
+  return {Beneath(top, root), root, c};
 }
 
-int32_t StepLength(SnmpWalk& walk, const char* title) {
-  AsnResult length{};
-  const int32_t status = DecodeAsnLengthLine(walk.at, walk.c, title, length);
-  TakeBytes(walk.c, length.consumed);
-  return status;
-}
+int32_t StepLength(SnmpWalk& walk, const char* title) { return DecodeAsnLengthLine(walk.in, walk.c, title); }
 
 int32_t StepNumber(SnmpWalk& walk, const char* title, SnmpNumber decode, SnmpStep& step) {
   return Step(walk, title, step, decode);
@@ -43,26 +68,37 @@ int32_t StepNumber(SnmpWalk& walk, const char* title, SnmpNumber decode, SnmpSte
 int32_t StepString(SnmpWalk& walk, const char* title, const char* label, SnmpStep& step) {
   char shortText[kAsnShortTextSize];
   const AsnStringForm form{label, shortText, sizeof shortText, false};
-  return Step(walk, title, step, [&](const AsnPlace& under, const Cursor& c, AsnResult& out) {
+  return Step(walk, title, step, [&](const Place& under, Cursor& c, AsnResult& out) {
     return DecodeAsnOctetString(under, c, form, out);
   });
+}
+
+int32_t StepTicks(SnmpWalk& walk, const char* title, SnmpStep& step) {
+  return Step(walk, title, step, [&](const Place& under, Cursor& c, AsnResult& out) {
+    return DecodeAsnTimeTicks(under, c, step.longText, sizeof step.longText, out);
+  });
+}
+
+int32_t StepRows(SnmpWalk& walk, std::span<const BerRow> rows) {
+  int32_t status = kAsnDecoded;
+  for (const BerRow& row : rows) {
+    if ((status = StepRow(walk, row)) != kAsnDecoded) break;
+  }
+  return status;
 }
 
 int32_t PeekSnmpVersion(const uint8_t* data, int32_t length) {
   Cursor c = MakeCursor(data, 0, length);
   if (TakeU8(c).value != kAsnSequence) return -1;
-  AsnResult header{};
-  if (DecodeAsnLength(AsnPlace{}, c, header) != kAsnDecoded) return -1;
-  TakeBytes(c, header.consumed);
+  if (!TakeBerLength(c).here) return -1;
   const Field version = TakeU24(c);
   return version.here && version.value >> 8 == 0x0201 ? static_cast<int32_t>(version.value & 0xFF) : -1;
 }
 
 int32_t DecodeSnmpMessage(const Place& at, Cursor c) {
-  if (Left(c) < 1 || c.at[0] != kAsnSequence) return kAsnNotThisType;
-  LineHandle parents[kAsnDepths];
-  SnmpWalk walk = BeginSnmp(at, c, parents);
-  const Place in = LinesOf(walk);
+  if (PeekU8(c) != kAsnSequence) return kAsnNotThisType;
+  SnmpWalk walk = BeginSnmp(at, c);
+  const Place in = walk.in;
   const Field marker = TakeU8(walk.c);
   AddLine(in, marker, "ASN Object Identifier: 0x%.02X (SNMP Message)", marker.value);
   if (const int32_t status = StepLength(walk, "SNMP Length:"); status != kAsnDecoded) return status;

@@ -9,13 +9,13 @@
 //
 // The lengths of sequences are shown and bound nothing: an agent that gets them wrong is still read to the end.
 #pragma once
-#include "decoders/asn1/ber.h"
+#include "decoders/asn1/ber_rows.h"
 
 namespace qxview {
 
 // A message while it is decoded: the next element is at the cursor, which ends where the payload does.
 struct SnmpWalk {
-  AsnPlace at;
+  Place in;
   LineHandle root;   // of the message; of a binding its own line
   Cursor c;
 };
@@ -34,9 +34,7 @@ int32_t DecodeSnmpPdu(SnmpWalk& walk);
 int32_t DecodeSnmpVarBind(SnmpWalk& walk, uint32_t number);
 
 // The message's root line over the whole payload and the walk under it.
-SnmpWalk BeginSnmp(const Place& at, const Cursor& c, LineHandle* parents);
-
-inline Place LinesOf(const SnmpWalk& walk) { return LinesOf(walk.at); }
+SnmpWalk BeginSnmp(const Place& at, const Cursor& c);
 
 // The steps of a walk. Each gives the element's status, 2 at the end of the bytes, and moves the cursor on.
 int32_t StepLength(SnmpWalk& walk, const char* title);
@@ -48,8 +46,14 @@ struct SnmpStep {
   char longText[128];          // of TimeTicks
   char text[kAsnTextSize];
 };
-using SnmpNumber = int32_t (*)(const AsnPlace&, const Cursor&, AsnResult&);
+using SnmpNumber = int32_t (*)(const Place&, Cursor&, AsnResult&);
 int32_t StepNumber(SnmpWalk& walk, const char* title, SnmpNumber decode, SnmpStep& step);
 int32_t StepString(SnmpWalk& walk, const char* title, const char* label, SnmpStep& step);
+int32_t StepTicks(SnmpWalk& walk, const char* title, SnmpStep& step);
+
+// The rows of a table one after the other, to the first that is not as it should be; their titles are lines as they
+// stand. The label of a number's type is what the root line puts in front of it, that of a string what its line
+// becomes. A group is its identifier's line, with the type's label, its length's, with the row's title, and its rows.
+int32_t StepRows(SnmpWalk& walk, std::span<const BerRow> rows);
 
 }  // namespace qxview

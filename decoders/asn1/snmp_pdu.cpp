@@ -21,61 +21,45 @@ constexpr auto kTrapNames = SortedNames({
     {0, "Cold Start"}, {1, "Warm Start"}, {2, "Link Down"}, {3, "Link Up"}, {4, "Authentication Failure"},
     {5, "EGP Neighbor Loss"}, {6, "Enterprise Specific"}});
 
+// What the root line puts in front of a number's value or name.
+constexpr BerType Noted(const char* note, const BerNames& names = {}) {
+  return {.form = BerForm::kNumber, .label = note, .names = names};
+}
+constexpr BerType kRequestId = Noted(", ID="), kErrorStatus = Noted(", ", kErrorNames), kErrorIndex = Noted(", EI="),
+                  kMaxRepetitions = Noted(", MR="), kGenericTrap = Noted(", GT=", kTrapNames),
+                  kSpecificTrap = Noted(", ST=");
+constexpr BerRow kRequestRow{kAsnInteger, "Request ID:", &kRequestId};
+constexpr BerRow kRequestFields[] = {
+    kRequestRow, {kAsnInteger, "Error Status:", &kErrorStatus}, {kAsnInteger, "Error Index:", &kErrorIndex}};
+constexpr BerRow kRepetitionFields[] = {{kAsnInteger, "Max-Repetitions:", &kMaxRepetitions}};
+constexpr BerRow kTrapFields[] = {
+    {kAsnInteger, "Generic Trap:", &kGenericTrap}, {kAsnInteger, "Specific Trap:", &kSpecificTrap}};
+
 // An object identifier under a titled line. Result: 1 also for one that the MIB does not know.
 int32_t StepObjectId(SnmpWalk& walk, const char* title, AsnObjectNames& names, LineHandle& line) {
   if (Left(walk.c) < 1) return kAsnTruncated;
-  const Place lines = LinesOf(walk);
-  line = AddLine(lines, Ahead(walk.c, 0), "%s", title);
+  line = AddLine(walk.in, Ahead(walk.c, 0), "%s", title);
   AsnResult out{};
-  const int32_t status = DecodeAsnObjectId(Beneath(walk.at, line), walk.c, names, out);
-  SetRange(lines, line, walk.c.offset, out.consumed);
-  TakeBytes(walk.c, out.consumed);
+  const int32_t start = walk.c.offset;
+  const int32_t status = DecodeAsnObjectId(Beneath(walk.in, line), walk.c, names, out);
+  SetRange(walk.in, line, start, walk.c.offset - start);
   return status == kAsnUnnamed ? kAsnDecoded : status;
 }
 
-// A number under a titled line, which it is appended to; on the root line it stands behind its short form.
-int32_t StepInteger(SnmpWalk& walk, const char* title, const char* shortForm) {
-  const Place in = LinesOf(walk);
-  SnmpStep step;
-  const int32_t status = StepNumber(walk, title, DecodeAsnInteger, step);
-  if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", %s=%u", shortForm, step.value.number);
-  return kAsnDecoded;
-}
-
-int32_t DecodeRequestFields(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
-  SnmpStep step;
-  int32_t status = StepInteger(walk, "Request ID:", "ID");
-  if (status != kAsnDecoded) return status;
-
-  status = StepNumber(walk, "Error Status:", DecodeAsnInteger, step);
-  if (status != kAsnDecoded) return status;
-  const char* error = LookupName(kErrorNames, step.value.number, kUndefined);
-  AppendToLine(in, step.line, " [%u] = %s", step.value.number, error);
-  AppendToLine(in, walk.root, ", %s", error);
-
-  return StepInteger(walk, "Error Index:", "EI");
-}
-
 int32_t DecodeBulkFields(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
   SnmpStep step;
-  int32_t status = StepInteger(walk, "Request ID:", "ID");
+  int32_t status = StepRows(walk, {&kRequestRow, 1});
   if (status != kAsnDecoded) return status;
-
   status = StepNumber(walk, "Non-Repeaters:", DecodeAsnInteger, step);
   if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " %u", step.value.number);
-  AppendToLine(in, walk.root, ", NR=%s", static_cast<const char*>(step.text));
-
-  return StepInteger(walk, "Max-Repetitions:", "MR");
+  AppendToLine(walk.in, step.line, " %u", step.value.number);
+  AppendToLine(walk.in, walk.root, ", NR=%s", static_cast<const char*>(step.text));
+  return StepRows(walk, kRepetitionFields);
 }
 
 // What a trap of version 1 is about: who sent it.
 int32_t DecodeTrapSender(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
+  const Place in = walk.in;
   AsnObjectNames names;
   LineHandle line = 0;
   int32_t status = StepObjectId(walk, "Enterprise:", names, line);
@@ -97,47 +81,25 @@ int32_t DecodeTrapSender(SnmpWalk& walk) {
   return kAsnDecoded;
 }
 
-int32_t DecodeTicks(SnmpWalk& walk, SnmpStep& step) {
-  if (Left(walk.c) < 1) return kAsnTruncated;
-  const Place lines = LinesOf(walk);
-  step.text[0] = step.longText[0] = 0;
-  step.value = {kAsnNoValue, step.text, sizeof step.text, 0};
-  step.line = AddLine(lines, Ahead(walk.c, 0), "Time Ticks:");
-  const int32_t status = DecodeAsnTimeTicks(Beneath(walk.at, step.line), walk.c, step.longText, sizeof step.longText,
-                                            step.value);
-  SetRange(lines, step.line, walk.c.offset, step.value.consumed);
-  TakeBytes(walk.c, step.value.consumed);
-  return status;
-}
-
 int32_t DecodeTrapFields(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
   int32_t status = DecodeTrapSender(walk);
+  if (status == kAsnDecoded) status = StepRows(walk, kTrapFields);
   if (status != kAsnDecoded) return status;
   SnmpStep step;
-  status = StepNumber(walk, "Generic Trap:", DecodeAsnInteger, step);
+  status = StepTicks(walk, "Time Ticks:", step);
   if (status != kAsnDecoded) return status;
-  const char* generic = LookupName(kTrapNames, step.value.number, kUndefined);
-  AppendToLine(in, step.line, " [%u] = %s", step.value.number, generic);
-  AppendToLine(in, walk.root, ", GT=%s", generic);
-
-  status = StepInteger(walk, "Specific Trap:", "ST");
-  if (status != kAsnDecoded) return status;
-
-  status = DecodeTicks(walk, step);
-  if (status != kAsnDecoded) return status;
-  AppendToLine(in, step.line, " [%u] = %s", step.value.number, static_cast<const char*>(step.longText));
+  AppendToLine(walk.in, step.line, " [%u] = %s", step.value.number, static_cast<const char*>(step.longText));
   return kAsnDecoded;
 }
 
 int32_t DecodeBindings(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
+  const Place in = walk.in;
   const Field marker = TakeU8(walk.c);
   if (!marker.here) return kAsnTruncated;
   AddLine(in, marker, "ASN Sequence Identifier: 0x%.02X (SNMP binding)", marker.value);
   if (const int32_t status = StepLength(walk, "Binding Sequence Length:"); status != kAsnDecoded) return status;
   Loop loop;
-  for (uint32_t number = 1; MoreAt(in, walk.c, loop) && walk.c.at[0] == kAsnSequence; ++number) {
+  for (uint32_t number = 1; MoreAt(in, walk.c, loop) && PeekU8(walk.c) == kAsnSequence; ++number) {
     const int32_t status = DecodeSnmpVarBind(walk, number);
     if (status != kAsnDecoded && status != kAsnUnnamed) return status;
   }
@@ -146,10 +108,10 @@ int32_t DecodeBindings(SnmpWalk& walk) {
 
 // The element of a binding's value. What the list of types does not name is "Undefined", also where the encoding
 // knows it.
-int32_t DecodeBindingValue(const AsnPlace& at, const Cursor& c, AsnResult& out) {
+int32_t DecodeBindingValue(const Place& at, Cursor& c, AsnResult& out) {
   char shortText[kAsnShortTextSize];
   const AsnStringForm form{nullptr, shortText, sizeof shortText, false};
-  switch (c.at[0]) {
+  switch (PeekU8(c)) {
     case kAsnBoolean: return DecodeAsnBoolean(at, c, out);
     case kAsnInteger: return DecodeAsnInteger(at, c, out);
     case kAsnOctetString: return DecodeAsnOctetString(at, c, form, out);
@@ -178,7 +140,7 @@ int32_t DecodeBindingValue(const AsnPlace& at, const Cursor& c, AsnResult& out) 
 }
 
 int32_t DecodeBindingParts(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
+  const Place in = walk.in;
   const Field marker = TakeU8(walk.c);
   AddLine(in, marker, "Sequence Marker: 0x%.02X (ASN Object)", marker.value);
   if (const int32_t status = StepLength(walk, "Sequence Length:"); status != kAsnDecoded) return status;
@@ -208,9 +170,9 @@ int32_t DecodeBindingParts(SnmpWalk& walk) {
 }  // namespace
 
 int32_t DecodeSnmpVarBind(SnmpWalk& walk, uint32_t number) {
-  const Place in = LinesOf(walk);
+  const Place in = walk.in;
   const LineHandle line = AddLine(in, Ahead(walk.c, 0), "Sequence #%u:", number);
-  SnmpWalk binding{Beneath(walk.at, line), line, walk.c};
+  SnmpWalk binding{Beneath(walk.in, line), line, walk.c};
   const int32_t start = walk.c.offset;
   const int32_t status = DecodeBindingParts(binding);
   walk.c = binding.c;
@@ -219,19 +181,19 @@ int32_t DecodeSnmpVarBind(SnmpWalk& walk, uint32_t number) {
 }
 
 int32_t DecodeSnmpPdu(SnmpWalk& walk) {
-  const Place in = LinesOf(walk);
+  const Place in = walk.in;
   const Field type = TakeU8(walk.c);
   if (!type.here) return kAsnTruncated;
   const char* name = LookupName(kPduNames, type.value, kUndefined);
   const LineHandle line = AddLine(in, type, "PDU:");
   AppendToLine(in, walk.root, ", %s", name);
   AppendToLine(in, line, " %s", name);
-  AddLine(LinesOf(Beneath(walk.at, line)), type, "PDU Type: [0x%.02X] = %s", type.value, name);
+  AddLine(Beneath(walk.in, line), type, "PDU Type: [0x%.02X] = %s", type.value, name);
   if (const int32_t status = StepLength(walk, "PDU Length:"); status != kAsnDecoded) return status;
   if (type.value < 160 || type.value > 168) return kAsnNotThisType;
   const int32_t status = type.value == kTrap ? DecodeTrapFields(walk)
                          : type.value == kGetBulk ? DecodeBulkFields(walk)
-                                                  : DecodeRequestFields(walk);
+                                                  : StepRows(walk, kRequestFields);
   return status == kAsnDecoded ? DecodeBindings(walk) : status;
 }
 

@@ -2,19 +2,17 @@
 
 #include <cstring>
 
+#include "decoders/asn1/ber_rows.h"
 #include "decoders/asn1/kerberos.h"
+#include "decoders/common/object_id.h"
 #include "decoders/smb/ntlmssp.h"
 #include "decoders/smb/smb_block.h"
 
 namespace qxview {
 namespace {
 
-constexpr uint32_t kObjectId = 0x06, kGssToken = 0x60, kInitToken = 0xA0, kRespToken = 0xA1, kSequence = 0x30;
-constexpr uint32_t kGeneralString = 0x1B;
-constexpr int32_t kOidSize = 96;
+constexpr uint32_t kGssToken = 0x60, kInitToken = 0xA0, kRespToken = 0xA1;
 constexpr const char* kKerberosMechanism = "1.2.840.113554.1.2.2";
-
-using OidText = ShortText<kOidSize>;
 
 struct MechanismRow {
   const char* oid;
@@ -35,79 +33,25 @@ constexpr auto kStates = SortedNames({
     {0, "Accept Completed"}, {1, "Accept Incomplete"}, {2, "Reject"}, {3, "Request MIC"}});
 constexpr auto kKerberosTokens = SortedNames({{0x0100, "AP-REQ"}, {0x0200, "AP-REP"}, {0x0300, "KRB-ERROR"}});
 
-// An element of DER: its tag, all of it, and its contents.
-struct Element {
-  uint32_t tag = 0;
-  Field whole{};
-  Cursor body{};
-};
-
-// The next element, cut to what is there; tag 0 when not even its length is.
-Element TakeElement(Cursor& c) {
-  const Cursor start = c;
-  const Field tag = TakeU8(c), first = TakeU8(c);
-  uint32_t length = first.value;
-  if (first.value >= 0x80) {
-    const uint32_t count = first.value & 0x7F;
-    const Field octets = count >= 1 && count <= 4 ? TakeBytes(c, count) : TakeBytes(c, -1);
-    length = 0;
-    for (int32_t i = 0; i < octets.length; ++i) length = length << 8 | octets.bytes[i];
-  }
-  if (c.ranShort) {
-    c = start;
-    return {};
-  }
-  Element element;
-  element.tag = tag.value;
-  element.body = TakeCursor(c, length);
-  element.whole = {start.at, start.offset, c.offset - start.offset, 0, true};
-  return element;
-}
-
-// The only element in a tagged one.
-Element Inner(const Element& outer) {
-  Cursor c = outer.body;
-  return TakeElement(c);
-}
-
-OidText TextOfOid(const Cursor& body) {
-  OidText out;
-  out.text[0] = 0;
-  uint32_t number = 0;
-  bool first = true;
-  int32_t length = 0;
-  for (int32_t i = 0; i < Left(body) && length < kOidSize - 1; ++i) {
-    number = number << 7 | (body.at[i] & 0x7F);
-    if (body.at[i] & 0x80) continue;
-    if (first) {
-      const uint32_t top = number < 80 ? number / 40 : 2;
-      length = AppendFormat(out.text, kOidSize, "%u.%u", top, number - 40 * top);
-    } else {
-      length = AppendFormat(out.text, kOidSize, ".%u", number);
-    }
-    first = false;
-    number = 0;
-  }
-  return out;
-}
-
-const char* NameOfMechanism(const OidText& oid) {
+const char* NameOfMechanism(const ObjectIdText& oid) {
   for (const MechanismRow& row : kMechanisms) {
     if (strcmp(row.oid, oid.text) == 0) return row.name;
   }
   return kUndefined;
 }
 
+Field Over(const Cursor& c) { return Ahead(c, Left(c)); }
+
 // Result: the identifier.
-OidText AddMechanism(const Place& in, const Element& oid, const char* label) {
-  const OidText text = TextOfOid(oid.body);
-  AddLine(in, oid.whole, "%s: %s = %s", label, text, NameOfMechanism(text));
+ObjectIdText AddMechanism(const Place& in, const BerElement& oid, const char* label) {
+  const ObjectIdText text = TextOfObjectId(oid.contents);
+  AddLine(in, Over(oid.whole), "%s: %s = %s", label, text, NameOfMechanism(text));
   return text;
 }
 
-void AddElementBytes(const Place& in, const Element& element, const char* label) {
-  Cursor body = Inner(element).body;
-  AddSmbBytes(in, body, Left(body), label);
+void AddBytes(const Place& in, const BerElement& tagged, const char* label) {
+  Cursor contents = PeekBer(tagged.contents).contents;
+  AddSmbBytes(in, contents, Left(contents), label);
 }
 
 // What a Kerberos mechanism sends: a token's identifier of two bytes and a message of Kerberos.
@@ -117,20 +61,21 @@ void AddKerberos(const Place& in, Cursor& c) {
   if (in.dead || TryDecoder(in, c, DecodeKerberosMessage, nullptr) == 0) AddBlock(in, Rest(c), "Kerberos Message");
 }
 
+// --- the parts of tokens, each inside its tag ---
+
 // A token of a mechanism: inside SPNEGO it is never SPNEGO again, so this does not nest.
-void AddMechanismToken(const Place& in, const Element& element, const char* label) {
-  Cursor body = Inner(element).body;
-  const Place under = Under(in, AddLine(in, element.whole, "%s", label));
-  if (DecodeNtlmssp(under, body)) return;
-  Cursor inner = body;
-  const Element gss = TakeElement(inner);
-  Cursor content = gss.body;
-  const Element mechanism = TakeElement(content);
-  if (gss.tag != kGssToken || mechanism.tag != kObjectId) {
-    AddBlock(under, Rest(body), "Token Data");
+void ShowToken(BerWalk&, const Place& in, Cursor& c, const char* title) {
+  const BerElement part = TakeBer(c);
+  Cursor token = PeekBer(part.contents).contents;
+  const Place under = Under(in, AddLine(in, Over(part.whole), "%s", title));
+  if (DecodeNtlmssp(under, token)) return;
+  Cursor content = TakeBerContents(token, kGssToken);
+  const BerElement mechanism = TakeBer(content);
+  if (mechanism.identifier != kAsnObjectId) {
+    AddBlock(under, Rest(token), "Token Data");
     return;
   }
-  const OidText oid = AddMechanism(under, mechanism, "Mechanism");
+  const ObjectIdText oid = AddMechanism(under, mechanism, "Mechanism");
   if (strcmp(oid.text, kKerberosMechanism) == 0) {
     AddKerberos(under, content);
   } else {
@@ -138,78 +83,70 @@ void AddMechanismToken(const Place& in, const Element& element, const char* labe
   }
 }
 
-void AddMechanismTypes(const Place& in, const Element& element) {
-  const Place under = Under(in, AddLine(in, element.whole, "Mechanism Types"));
-  Cursor list = Inner(element).body;
+void ShowMechanisms(BerWalk&, const Place& in, Cursor& c, const char* title) {
+  const BerElement part = TakeBer(c);
+  const Place under = Under(in, AddLine(in, Over(part.whole), "%s", title));
+  Cursor list = PeekBer(part.contents).contents;
   for (Loop loop; MoreAt(under, list, loop);) {
-    const Element oid = TakeElement(list);
-    if (oid.tag == kObjectId) AddMechanism(under, oid, "Mechanism");
+    const BerElement oid = TakeBer(list);
+    if (oid.identifier == kAsnObjectId) AddMechanism(under, oid, "Mechanism");
   }
 }
+
+void ShowMechanism(BerWalk&, const Place& in, Cursor& c, const char* title) {
+  const BerElement oid = PeekBer(TakeBer(c).contents);
+  if (oid.here) AddMechanism(in, oid, title);
+}
+
+void ShowBytes(BerWalk&, const Place& in, Cursor& c, const char* title) { AddBytes(in, TakeBer(c), title); }
 
 // Servers that speak first give a name as a hint where others have the integrity code.
-void AddHints(const Place& in, const Element& element) {
-  const Element inner = Inner(element);
-  if (inner.tag != kSequence) {
-    AddElementBytes(in, element, "Mechanism List Integrity Code");
-    return;
-  }
-  const Place under = Under(in, AddLine(in, element.whole, "Negotiation Hints"));
-  Cursor list = inner.body;
+void ShowHintsOrCode(BerWalk&, const Place& in, Cursor& c, const char* title) {
+  const BerElement part = TakeBer(c);
+  const BerElement inner = PeekBer(part.contents);
+  if (inner.identifier != kAsnSequence) return AddBytes(in, part, title);
+  const Place under = Under(in, AddLine(in, Over(part.whole), "Negotiation Hints"));
+  Cursor list = inner.contents;
   for (Loop loop; MoreAt(under, list, loop);) {
-    const Element hint = TakeElement(list);
-    const Element value = Inner(hint);
-    if (value.tag == kGeneralString) {
-      const Field text{value.body.at, value.body.offset, Left(value.body), 0, true};
-      AddLine(under, hint.whole, "Hint Name: %s", Text(text));
-    } else if (hint.tag != 0) {
-      AddElementBytes(under, hint, "Hint Address");
+    const BerElement hint = TakeBer(list);
+    const BerElement value = PeekBer(hint.contents);
+    if (value.identifier == kAsnGeneralString) {
+      AddLine(under, Over(hint.whole), "Hint Name: %s", BerText(value.contents));
+    } else if (hint.here) {
+      AddBytes(under, hint, "Hint Address");
     }
   }
 }
 
-void AddInitPart(const Place& in, const Element& part) {
-  switch (part.tag) {
-    case 0xA0: AddMechanismTypes(in, part); break;
-    case 0xA1: AddElementBytes(in, part, "Request Flags"); break;
-    case 0xA2: AddMechanismToken(in, part, "Mechanism Token"); break;
-    case 0xA3: AddHints(in, part); break;
-    case 0xA4: AddElementBytes(in, part, "Mechanism List Integrity Code"); break;
-    default: break;
-  }
+void ShowState(BerWalk&, const Place& in, Cursor& c, const char* title) {
+  const BerElement part = TakeBer(c);
+  const uint32_t state = PeekU8(PeekBer(part.contents).contents);
+  AddLine(in, Over(part.whole), "%s: [%u] = %s", title, state, LookupName(kStates, state, kUndefined));
 }
 
-void AddRespPart(const Place& in, const Element& part) {
-  switch (part.tag) {
-    case 0xA0: {
-      const Element state = Inner(part);
-      const uint32_t value = Left(state.body) > 0 ? *state.body.at : 0;
-      AddLine(in, part.whole, "Negotiation State: [%u] = %s", value, LookupName(kStates, value, kUndefined));
-      break;
-    }
-    case 0xA1: AddMechanism(in, Inner(part), "Supported Mechanism"); break;
-    case 0xA2: AddMechanismToken(in, part, "Response Token"); break;
-    case 0xA3: AddElementBytes(in, part, "Mechanism List Integrity Code"); break;
-    default: break;
-  }
-}
+constexpr BerType Shown(BerShow show) { return {.form = BerForm::kShown, .show = show}; }
+constexpr BerType kToken = Shown(ShowToken), kMechanismList = Shown(ShowMechanisms), kMechanism = Shown(ShowMechanism),
+                  kBytes = Shown(ShowBytes), kHintsOrCode = Shown(ShowHintsOrCode), kState = Shown(ShowState);
+constexpr BerRow kInitParts[] = {
+    {0xA0, "Mechanism Types", &kMechanismList}, {0xA1, "Request Flags", &kBytes}, {0xA2, "Mechanism Token", &kToken},
+    {0xA3, "Mechanism List Integrity Code", &kHintsOrCode}, {0xA4, "Mechanism List Integrity Code", &kBytes}};
+constexpr BerRow kRespParts[] = {
+    {0xA0, "Negotiation State", &kState}, {0xA1, "Supported Mechanism", &kMechanism}, {0xA2, "Response Token", &kToken},
+    {0xA3, "Mechanism List Integrity Code", &kBytes}};
+constexpr BerType kInit = Repeated(kInitParts), kResp = Repeated(kRespParts);
+constexpr BerTitles kTitles{"Partial Data", "Further Data", kShortLineSize};
+constexpr int32_t kMostParts = 64;
 
 // The token of either side. Result: false when it is neither.
 bool AddNegotiation(const Place& in, Cursor& c) {
-  const Cursor start = c;
-  const Element token = TakeElement(c);
-  const bool isInit = token.tag == kInitToken;
-  if (!isInit && token.tag != kRespToken) {
-    c = start;
-    return false;
-  }
-  const Place under = Under(in, AddLine(in, token.whole, "%s", isInit ? "NegTokenInit" : "NegTokenResp"));
-  Cursor parts = Inner(token).body;
-  for (Loop loop; MoreAt(under, parts, loop);) {
-    const Element part = TakeElement(parts);
-    if (isInit) AddInitPart(under, part);
-    else AddRespPart(under, part);
-  }
+  const BerElement token = PeekBer(c);
+  const bool isInit = token.identifier == kInitToken;
+  if (!isInit && token.identifier != kRespToken) return false;
+  TakeBer(c);
+  const Place under = Under(in, AddLine(in, Over(token.whole), "%s", isInit ? "NegTokenInit" : "NegTokenResp"));
+  Cursor parts = PeekBer(token.contents).contents;
+  BerWalk walk{&kTitles, kMostParts};
+  ShowBerRows(walk, under, parts, isInit ? kInit : kResp);
   return true;
 }
 
@@ -220,15 +157,12 @@ void AddSecurityBlob(const Place& in, const Field& blob) {
   const Place under = Under(in, AddLine(in, blob, "Security Blob"));
   Cursor c = CursorOver(blob);
   if (DecodeNtlmssp(under, c)) return;
-  if (*c.at == kGssToken) {
-    const Element gss = TakeElement(c);
-    if (gss.tag == kGssToken) {
-      const Place inToken = Under(under, AddLine(under, gss.whole, "GSS-API Token"));
-      Cursor content = gss.body;
-      const Element mechanism = TakeElement(content);
-      if (mechanism.tag == kObjectId) AddMechanism(inToken, mechanism, "Mechanism");
-      if (!AddNegotiation(inToken, content)) AddBlock(inToken, Rest(content), "Token Data");
-    }
+  if (PeekBer(c).identifier == kGssToken) {
+    const BerElement gss = TakeBer(c);
+    const Place inToken = Under(under, AddLine(under, Over(gss.whole), "GSS-API Token"));
+    Cursor content = gss.contents;
+    if (PeekBer(content).identifier == kAsnObjectId) AddMechanism(inToken, TakeBer(content), "Mechanism");
+    if (!AddNegotiation(inToken, content)) AddBlock(inToken, Rest(content), "Token Data");
   } else {
     AddNegotiation(under, c);
   }
