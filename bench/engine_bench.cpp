@@ -16,7 +16,7 @@ namespace {
 
 struct Bench {
   explicit Bench(const QxHost* host = nullptr) {
-    engine = CreateEngine(host, {});
+    engine = CreateEngine(host, {}, 1);
     view.context = CreateDecodeContext();
     view.tree = &tree;
     view.engine = engine;

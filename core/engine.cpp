@@ -5,10 +5,11 @@
 
 #include "core/custom_libraries.h"
 #include "core/dispatch.h"
+#include "core/states.h"
 
 namespace qxview {
 
-Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader) {
+Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader, uint64_t seed) {
   auto* engine = static_cast<Engine*>(std::calloc(1, sizeof(Engine)));
   if (!engine) return nullptr;
   engine->host = host;
@@ -17,7 +18,8 @@ Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader) {
   engine->unreadableSettings = ReadSettings(&engine->settings, source);
   engine->libraries.loader = loader;
   LoadCustomLibraries(engine);
-  if (!CreateDecoderStates(engine)) {
+  engine->states = CreateStates(seed);
+  if (!engine->states || !CreateDecoderStates(engine)) {
     DestroyEngine(engine);
     return nullptr;
   }
@@ -27,6 +29,7 @@ Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader) {
 void DestroyEngine(Engine* engine) {
   if (!engine) return;
   DestroyDecoderStates(engine);
+  DestroyStates(engine->states);
   UnloadCustomLibraries(engine);
   std::free(engine);
 }

@@ -8,6 +8,7 @@
 
 namespace qxview {
 
+struct States;
 struct View;
 
 constexpr int32_t kMostCustomLibraries = 8;
@@ -26,8 +27,8 @@ struct CustomLibraries {
   void* external;                        // the detector's plug-in
 };
 
-// State that decoders keep between frames, a slot each; made with the engine, so that decoding allocates nothing.
-enum class DecoderState : int32_t { kWindowScales, kHttp, kSmbRequests, kCount };
+// Buffers of decoders, a slot each; made with the engine, so that decoding allocates nothing.
+enum class DecoderState : int32_t { kHttp, kCount };
 
 struct Engine {
   const QxHost* host;
@@ -38,11 +39,13 @@ struct Engine {
   uint32_t bytesSinceMark;
   CustomLibraries libraries;
   void* decoderState[static_cast<int32_t>(DecoderState::kCount)];
+  States* states;                 // what frames tell of later ones
 };
 
 // Reads the settings, loads the user decoder libraries and makes the decoders' state; null when there is no memory.
-// The host's record must outlive the engine.
-Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader);
+// The host's record must outlive the engine. The seed keeps apart what captures make collide: a number
+// that nobody can know (DrawSeed), but for tests.
+Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader, uint64_t seed);
 void DestroyEngine(Engine* engine);
 
 // A function of the host's record, or null when the record ends before it.

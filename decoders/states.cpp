@@ -1,6 +1,9 @@
 #include "decoders/states.h"
 
+#include <type_traits>
+
 #include "core/dispatch.h"
+#include "core/engine.h"
 #include "decoders/app/http_message.h"
 #include "decoders/net/window_scales.h"
 #include "decoders/smb/smb_requests.h"
@@ -8,18 +11,41 @@
 namespace qxview {
 namespace {
 
-// A row a decoder with state: {slot, create, destroy}.
-constexpr StateRow kStates[] = {
-    {DecoderState::kWindowScales, CreateWindowScales, DestroyWindowScales},
+template <class Key, class Value>
+constexpr StateRow MakeStateRow(const char* name, const StateBounds& bounds) {
+  static_assert(std::has_unique_object_representations_v<Key>, "keys are compared and hashed as bytes");
+  static_assert(sizeof(Key) % 8 == 0 && sizeof(Key) <= kMostKeySize);
+  static_assert(std::is_trivially_copyable_v<Value> && sizeof(Value) <= kMostValueSize);
+  return {name, sizeof(Key), sizeof(Value), bounds};
+}
+
+constexpr StateRow kRows[] = {
+#define QX_STATE(id, name, Key, Value, ...) MakeStateRow<Key, Value>(name, {__VA_ARGS__}),
+#define QX_LENT_STATE(id, name, Value) StateRow{name, 0, sizeof(Value), {}},
+#include "decoders/state_rows.inc"
+#undef QX_STATE
+#undef QX_LENT_STATE
+};
+
+// Buffers that a decoder needs for one payload and that outlive it: {slot, create, destroy}.
+struct WorkspaceRow {
+  DecoderState slot;
+  void* (*create)();   // null when there is no memory
+  void (*destroy)(void*);
+};
+constexpr WorkspaceRow kWorkspaces[] = {
     {DecoderState::kHttp, CreateHttpState, DestroyHttpState},
-    {DecoderState::kSmbRequests, CreateSmbRequests, DestroySmbRequests},
 };
 
 }  // namespace
 
+const StateRow* StateRows(int32_t* count) {
+  *count = static_cast<int32_t>(std::size(kRows));
+  return kRows;
+}
+
 bool CreateDecoderStates(Engine* engine) {
-  for (const StateRow& row : kStates) {
-    if (!row.create) continue;
+  for (const WorkspaceRow& row : kWorkspaces) {
     void* made = row.create();
     if (!made) return false;
     engine->decoderState[static_cast<int32_t>(row.slot)] = made;
@@ -28,8 +54,7 @@ bool CreateDecoderStates(Engine* engine) {
 }
 
 void DestroyDecoderStates(Engine* engine) {
-  for (const StateRow& row : kStates) {
-    if (!row.destroy) continue;
+  for (const WorkspaceRow& row : kWorkspaces) {
     void*& held = engine->decoderState[static_cast<int32_t>(row.slot)];
     if (held) row.destroy(held);
     held = nullptr;

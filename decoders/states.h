@@ -1,13 +1,34 @@
-// The state that decoders keep between frames, one slot of the engine each: how it is made and let go.
+// The rows of state between frames by their names, each with the types of its key and value: Recall(at.view,
+// kWindowScales, key) and its like (core/states.h).
 #pragma once
-#include "core/engine.h"
+#include "core/states.h"
+#include "decoders/net/connection_key.h"
 
 namespace qxview {
 
-struct StateRow {
-  DecoderState slot;
-  void* (*create)();          // null when there is no memory
-  void (*destroy)(void*);
+enum class StateNumber : int32_t {
+#define QX_STATE(id, ...) id,
+#define QX_LENT_STATE(id, ...) id,
+#include "decoders/state_rows.inc"
+#undef QX_STATE
+#undef QX_LENT_STATE
+};
+
+#define QX_STATE(id, name, Key, Value, ...) \
+  constexpr StateId<struct Key, struct Value> id{static_cast<int32_t>(StateNumber::id)};
+#define QX_LENT_STATE(id, name, Value) \
+  constexpr StateId<void, struct Value> id{static_cast<int32_t>(StateNumber::id)};
+#include "decoders/state_rows.inc"
+#undef QX_STATE
+#undef QX_LENT_STATE
+
+// The values of what the host lends.
+struct AddressDefinition {
+  int32_t identifier;   // of the protocol
+};
+struct EarlierSegment {   // with its payload
+  int64_t packetNumber;
+  uint32_t sequence, flags;
 };
 
 }  // namespace qxview

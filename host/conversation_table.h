@@ -1,18 +1,13 @@
 // What detection learnt: which address and port carry which protocol. Bounded: a capture of any length keeps the most
 // recently learnt ends, the oldest make room.
 #pragma once
-#include <cstddef>
-#include <cstdint>
-#include <list>
-#include <unordered_map>
-
 #include "host/hash_key.h"
+#include "host/state.h"
 #include "qxview/qxview_host.h"
 
 namespace qxview {
 
-struct LearntEnd {
-  NetworkEnd end;
+struct LearntProtocol {
   int32_t identifier;
   DynamicRecord record;   // all zero when nothing was told beside the protocol
 };
@@ -20,22 +15,26 @@ struct LearntEnd {
 // The ends of one transport. Does not lock.
 class ConversationTable {
  public:
-  static constexpr size_t kCapacity = 65536;
-  explicit ConversationTable(size_t capacity = kCapacity) : capacity_(capacity) {}
+  static constexpr uint32_t kCapacity = 65536;
+  explicit ConversationTable(uint32_t capacity = kCapacity)
+      : state_({"learnt ends", sizeof(HashKey), sizeof(LearntProtocol), {.mostKeys = capacity}}) {}
 
   // Stores the end as the newest, over what was known of it. Port 0 is refused, since in a definition it would claim
   // every port of the address. Without memory nothing is learnt.
-  void Learn(const LearntEnd& learnt) noexcept;
-  // Null when the end is not known.
-  const LearntEnd* Find(const AddressSlot& address, uint16_t port) const noexcept;
-  size_t Count() const noexcept { return ends_.size(); }
-  void Clear() noexcept;
+  void Learn(const NetworkEnd& end, const LearntProtocol& learnt) noexcept {
+    if (end.port != 0) state_.table.Remember(AddressPortKey(end.address, end.port).words.data(), &learnt, {});
+  }
+  // Null when the end is not known; good until something is learnt.
+  const LearntProtocol* Find(const AddressSlot& address, uint16_t port) noexcept {
+    if (port == 0 || Count() == 0) return nullptr;
+    return static_cast<const LearntProtocol*>(
+        state_.table.Recall(AddressPortKey(address, port).words.data(), 1, nullptr));
+  }
+  size_t Count() const noexcept { return state_.table.Count(); }
+  void Clear() noexcept { state_.table.Clear(); }
 
  private:
-  using EndList = std::list<LearntEnd>;
-  size_t capacity_;
-  EndList ends_;   // the oldest first
-  std::unordered_map<HashKey, EndList::iterator, HashKeyHash> index_;
+  HostState state_;
 };
 
 }  // namespace qxview

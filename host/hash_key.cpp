@@ -5,10 +5,21 @@
 #include <exception>
 #include <random>
 
+#include "core/keyed_hash.h"
+
 namespace qxview {
 namespace {
 
 constexpr uint32_t kIPv4 = 1, kIPv6 = 2;
+
+// Two words of address bytes as the kind uses them.
+void PackAddress(const AddressSlot& address, uint64_t* words) {
+  words[0] = words[1] = 0;
+  if (address.kind == kIPv6) std::memcpy(words, address.address, 16);
+  if (address.kind == kIPv4) std::memcpy(words, address.address + 12, 4);
+}
+
+}  // namespace
 
 uint64_t DrawSeed() noexcept {
   // The clock and an address back the device up where it has no entropy.
@@ -23,17 +34,6 @@ uint64_t DrawSeed() noexcept {
   return seed;
 }
 
-const uint64_t kSeed = DrawSeed();
-
-// Two words of address bytes as the kind uses them.
-void PackAddress(const AddressSlot& address, uint64_t* words) {
-  words[0] = words[1] = 0;
-  if (address.kind == kIPv6) std::memcpy(words, address.address, 16);
-  if (address.kind == kIPv4) std::memcpy(words, address.address + 12, 4);
-}
-
-}  // namespace
-
 HashKey MakeHashKey(HashKeyForm form, const NetworkEnd& first, const NetworkEnd& second, uint8_t attribute) {
   HashKey key;
   key.words[0] = static_cast<uint64_t>(form) | static_cast<uint64_t>(attribute) << 8 |
@@ -46,12 +46,8 @@ HashKey MakeHashKey(HashKeyForm form, const NetworkEnd& first, const NetworkEnd&
 }
 
 size_t HashKeyHash::operator()(const HashKey& key) const noexcept {
-  uint64_t mixed = kSeed;
-  for (const uint64_t word : key.words) {
-    mixed = (mixed ^ word) * 0x9E3779B97F4A7C15u;
-    mixed ^= mixed >> 29;
-  }
-  return static_cast<size_t>(mixed ^ mixed >> 32);
+  static const HashSecret secret = MakeHashSecret(DrawSeed());
+  return HashUnder(secret, key.words.data(), sizeof key.words);
 }
 
 }  // namespace qxview

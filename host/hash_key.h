@@ -30,8 +30,10 @@ inline HashKey AddressPortKey(const AddressSlot& address, uint16_t port) {
   return MakeHashKey(HashKeyForm::kAddressPort, {address, port}, {}, 0);
 }
 
-// Mixes the words with a number drawn when the program starts: which keys share a bucket cannot be planned from
-// outside, and packets choose the keys.
+// A number for the hashes of tables that packets fill, which nobody can know beforehand. Another one with each call.
+uint64_t DrawSeed() noexcept;
+
+// Under a secret of the process.
 struct HashKeyHash {
   size_t operator()(const HashKey& key) const noexcept;
 };

@@ -218,7 +218,7 @@ int32_t ProtocolDefinitions::FindAddress(void* table, const AddressSlot* address
   int32_t found = 0;
   if (const HashEntry* entry = HashFindGenericIPPort(definitions->hash.get(), *address, port)) {
     found = entry->identifier;   // the user's word before what was learnt
-  } else if (const LearntEnd* learnt = definitions->learnt.Find(*address, port)) {
+  } else if (const LearntProtocol* learnt = definitions->learnt.Find(*address, port)) {
     found = learnt->identifier;
   }
   if (found && identifier) *identifier = found;
@@ -238,7 +238,7 @@ void ProtocolDefinitions::Learn(uint32_t transport, int32_t identifier, const Ad
   if (!address || identifier < 1 || !(transport & (QX_OVER_TCP | QX_OVER_UDP))) return;
   DefinitionTable& table = tables_[transport & QX_OVER_TCP ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
   const TableLockHolder held(table.lock);
-  table.learnt.Learn({{*address, port}, identifier, extra ? *extra : DynamicRecord{}});
+  table.learnt.Learn({*address, port}, {identifier, extra ? *extra : DynamicRecord{}});
 }
 
 int32_t ProtocolDefinitions::DisplayName(int32_t identifier, char* out, int32_t outSize) noexcept {

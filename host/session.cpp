@@ -1,6 +1,7 @@
 #include "host/session.h"
 
 #include "host/character_sets.h"
+#include "host/hash_key.h"
 
 namespace qxview {
 
@@ -9,7 +10,7 @@ std::unique_ptr<Session> Session::Create(const QxHost* host, const LibraryLoader
   View& view = session->view_;
   view.tree = &session->tree_;
   view.context = CreateDecodeContext();
-  view.engine = CreateEngine(host, loader);
+  view.engine = CreateEngine(host, loader, DrawSeed());
   if (!view.context || !view.engine) return nullptr;
   const Settings& settings = view.engine->settings;
   view.context->rangeFilterOn = settings.rangeFilterOn;

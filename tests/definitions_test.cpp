@@ -219,7 +219,7 @@ TEST(Definitions, AMillionConversationsStayInsideTheBound) {
 
 TEST(ConversationTable, WhatIsLearntAgainIsTheNewest) {
   ConversationTable table(2);
-  const auto learn = [&](uint16_t port, int32_t identifier) { table.Learn({{V4(1), port}, identifier, {}}); };
+  const auto learn = [&](uint16_t port, int32_t identifier) { table.Learn({V4(1), port}, {identifier, {}}); };
   learn(1, 11);
   learn(2, 12);
   learn(1, 13);

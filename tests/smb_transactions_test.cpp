@@ -113,8 +113,8 @@ TEST(SmbTransactions, RequestsAreKeptByConnectionAndMessage) {
   };
   const auto find = [&](uint64_t number) {
     record->packetNumber = number;
-    const SmbRequest* found = FindSmbRequest(at, message);
-    return found ? static_cast<int>(found->function) : -1;
+    SmbRequest found;
+    return FindSmbRequest(at, message, &found) ? static_cast<int>(found.function) : -1;
   };
   learn(5, 1);
   learn(9, 2);
@@ -133,7 +133,8 @@ TEST(SmbTransactions, RequestsAreKeptByConnectionAndMessage) {
   for (uint32_t SmbMessage::* part : {&SmbMessage::tid, &SmbMessage::pid, &SmbMessage::uid, &SmbMessage::mid}) {
     SmbMessage other = message;
     ++(other.*part);
-    EXPECT_EQ(FindSmbRequest(at, other), nullptr);
+    SmbRequest found;
+    EXPECT_FALSE(FindSmbRequest(at, other, &found));
   }
   packet.sourcePort = 1;
   EXPECT_EQ(find(10), -1) << "another connection";

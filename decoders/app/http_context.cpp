@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "decoders/app/http_message.h"
+#include "decoders/states.h"
 
 namespace qxview {
 namespace {
@@ -76,15 +77,24 @@ int32_t FindHttpHeaderContext(View* view, const uint8_t* data, int32_t length, i
   if (StartsMessage(data, length) || !packet.segment.here || !earlierSegment) return 0;
   if (maxSegments > kMostEarlierSegments) maxSegments = kMostEarlierSegments;
   for (int32_t back = 1; back <= maxSegments + 1; ++back) {
-    QxSegment& segment = history->segments[history->count];
-    segment = {};
-    segment.size = sizeof segment;
-    if (!earlierSegment(host->user, &packet.source, packet.sourcePort, &packet.destination, packet.destinationPort,
-                        back, &segment) ||
-        !segment.payload || segment.length < 1) {
-      return 0;
-    }
-    ++history->count;
+    const auto ask = [&](EarlierSegment* out, StateBytes* payload) {
+      QxSegment segment{};
+      segment.size = sizeof segment;
+      if (!earlierSegment(host->user, &packet.source, packet.sourcePort, &packet.destination, packet.destinationPort,
+                          back, &segment) ||
+          !segment.payload || segment.length < 1) {
+        return false;
+      }
+      *out = {segment.packetNumber, segment.sequence, segment.flags};
+      *payload = {segment.payload, static_cast<uint32_t>(segment.length)};
+      return true;
+    };
+    EarlierSegment found{};
+    StateBytes payload{};
+    if (!RecallFromHost(view, kEarlierSegments, &found, &payload, ask)) return 0;
+    QxSegment& segment = history->segments[history->count++];
+    segment = {sizeof segment, static_cast<int32_t>(payload.length), payload.data,
+               found.sequence, found.flags, found.packetNumber};
     constexpr uint32_t kFin = 1;
     if (segment.flags & kFin) history->finished = true;
     if (StartsMessage(segment.payload, segment.length)) return ReadContext(segment.payload, segment.length);

@@ -23,15 +23,11 @@ ConnectionKey ConnectionOf(const PacketState& packet, int32_t* direction) {
   return key;
 }
 
-uint64_t HashKey(const void* key, uint32_t size) {
-  uint64_t mixed = 0;
-  for (uint32_t at = 0; at + 8 <= size; at += 8) {
-    uint64_t word;
-    std::memcpy(&word, static_cast<const uint8_t*>(key) + at, sizeof word);
-    mixed = (mixed ^ word) * 0x9E3779B97F4A7C15u;
-    mixed ^= mixed >> 32;
-  }
-  return mixed;
+ConnectionKey DirectionOf(const PacketState& packet) {
+  ConnectionKey key{};
+  PutEnd(key, 0, packet.source, packet.sourcePort);
+  PutEnd(key, 1, packet.destination, packet.destinationPort);
+  return key;
 }
 
 }  // namespace qxview

@@ -4,6 +4,7 @@
 
 #include "core/decoder.h"
 #include "decoders/net/detection.h"
+#include "decoders/states.h"
 
 namespace qxview {
 namespace {
@@ -22,8 +23,8 @@ bool IsEmpty(const AddressSlot& slot) {
 // The look-ups in one address table, under its lock while this lives.
 class AddressTable {
  public:
-  AddressTable(const QxHost* host, void* table)
-      : host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)) {
+  AddressTable(const View* view, const QxHost* host, void* table)
+      : view_(view), host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)) {
     if (const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable)) lock(host->user, table);
   }
   ~AddressTable() {
@@ -33,20 +34,27 @@ class AddressTable {
   AddressTable& operator=(const AddressTable&) = delete;
 
   bool Find(const AddressSlot& address, uint16_t port, int32_t* identifier) const {
-    return find_ && find_(host_->user, table_, &address, port, identifier) != 0;
+    AddressDefinition defined{};
+    const auto find = [&](AddressDefinition* out, StateBytes*) {
+      return find_ && find_(host_->user, table_, &address, port, &out->identifier) != 0;
+    };
+    if (!RecallFromHost(view_, kAddressDefinitions, &defined, nullptr, find)) return false;
+    *identifier = defined.identifier;
+    return true;
   }
 
  private:
+  const View* view_;
   const QxHost* host_;
   void* table_;
   decltype(QxHost::hashFindGenericIPPort) find_;
 };
 
 // Address definitions; a port of 0 stands for any port of the address. False when none matches.
-bool ResolveByAddress(const QxHost* host, void* table, const AddressSlot& source, uint16_t sourcePort,
+bool ResolveByAddress(const View* view, void* table, const AddressSlot& source, uint16_t sourcePort,
                       const AddressSlot& destination, uint16_t destinationPort, int32_t* identifier,
                       bool* matchedSource) {
-  const AddressTable addresses(host, table);
+  const AddressTable addresses(view, view->engine->host, table);
   *matchedSource = (!IsEmpty(source) && addresses.Find(source, 0, identifier)) ||
                    (sourcePort != 0 && addresses.Find(source, sourcePort, identifier));
   if (*matchedSource) return true;
@@ -113,7 +121,7 @@ int32_t ResolveProtocol(const View* view, uint8_t ipProtocol, const AddressSlot&
   const bool tcp = ipProtocol == kIpProtocolTcp;
   void* addresses = definitionTable(host->user, tcp ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES);
   int32_t identifier = kNoProtocol;
-  if (addresses && ResolveByAddress(host, addresses, source, sourcePort, destination, destinationPort, &identifier,
+  if (addresses && ResolveByAddress(view, addresses, source, sourcePort, destination, destinationPort, &identifier,
                                     matchedSource)) {
     return identifier;
   }

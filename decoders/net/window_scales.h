@@ -8,9 +8,14 @@ struct Place;
 
 constexpr int32_t kNoWindowScale = -1;
 
-// The engine's table, of fixed size; connections that were not looked at for longest make room.
-void* CreateWindowScales();
-void DestroyWindowScales(void* state);
+struct WindowScales {
+  struct Direction {
+    uint32_t synSequence;
+    int8_t exponent;
+    bool synSeen;
+    bool answers;   // the SYN was an answer
+  } directions[2];  // from the first end of the connection's key, from the second
+};
 
 // Takes in a SYN segment of the current packet's connection and direction: its sequence number, whether it also
 // acknowledges, and the exponent of its option (kNoWindowScale without one, above 14 taken as 14). A SYN that does not

@@ -1,5 +1,5 @@
 // What the replies of transactions do not say: which function, information level or descriptors they answer with.
-// Requests are kept for it, in a table of fixed size, by connection, TID, PID, UID and MID.
+// Requests are kept for it by connection, TID, PID, UID and MID.
 #pragma once
 #include "decoders/smb/smb_block.h"
 
@@ -17,16 +17,17 @@ struct SmbRequest {
   char auxiliary[kRapDescriptorSize];
 };
 
-// The engine's table; requests that were learnt longest ago make room.
-void* CreateSmbRequests();
-void DestroySmbRequests(void* state);
+struct KeptSmbRequest {
+  uint64_t packet;   // its number
+  SmbRequest request;
+};
 
 // Keeps a request of the current packet, that of the same packet before it is replaced. Nothing for packets that an
 // error message quotes.
 void LearnSmbRequest(const Place& at, const SmbMessage& message, const SmbRequest& request);
 
-// The request that a reply of the current packet answers: of its command the last one before the packet. Null when it
+// The request that a reply of the current packet answers: of its command the last one before the packet. False when it
 // was not seen.
-const SmbRequest* FindSmbRequest(const Place& at, const SmbMessage& message);
+bool FindSmbRequest(const Place& at, const SmbMessage& message, SmbRequest* out);
 
 }  // namespace qxview

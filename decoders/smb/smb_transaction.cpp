@@ -88,9 +88,7 @@ SmbTransaction ReadSmbTransaction(SmbBlock& block, const SmbTransactionForm& for
     t.setup = CursorOver(Slice(block.allWords, form.setup, block.allWords.length - form.setup));
     t.setup = TakeCursor(t.setup, 2 * SmbByte(block, form.setupCount));
   }
-  const SmbRequest* request = t.message.isResponse ? FindSmbRequest(block.in, t.message) : nullptr;
-  if (request) t.request = *request;
-  t.isKnown = request != nullptr;
+  t.isKnown = t.message.isResponse && FindSmbRequest(block.in, t.message, &t.request);
   return t;
 }
 

@@ -146,7 +146,7 @@ View& TestView::view() {
   if (!view_.context) {
     view_.context = CreateDecodeContext();
     view_.tree = &tree();
-    view_.engine = CreateEngine(&host_->host, loader);
+    view_.engine = CreateEngine(&host_->host, loader, 1);
     view_.expansionMask = 1;
     view_.selectionPath[0] = -1;
   }
