@@ -120,18 +120,18 @@ int32_t Offer(const Place& at, void* const* handles, int32_t count, const char* 
   return 0;
 }
 
-int32_t OfferMedia(const Place& at, const Cursor& c, const char* entryPoint) {
+int32_t OfferMedia(const Place& at, const Cursor& c, const char* entryPoint, const void* extension) {
   DecodeContext* context = at.view->context;
   const CustomLibraries& libraries = at.view->engine->libraries;
   return Offer<CustomDecodeMediaFunction>(
       at, libraries.handles, libraries.count, entryPoint,
       [&](CustomDecodeMediaFunction function, void* tree, CustomDecodeBlock* block) {
-        int32_t extensionLength;
-        const uint8_t* extension = FindExtension(context->packet.frame, kExtensionMedium, &extensionLength);
         return function(c.at, extension, Left(c), 0, at.view->expansionMask, tree, &context->rangeCount,
                         &context->rangeCapacity, &context->rangeTable, block);
       });
 }
+
+static_assert(sizeof(QxWanLink) == sizeof(WanLink) && offsetof(QxWanLink, number) == offsetof(WanLink, number));
 
 int32_t OfferPayloadTo(const Place& at, const Cursor& c, void* const* handles, int32_t count,
                        const char* entryPoint) {
@@ -157,8 +157,20 @@ int32_t OfferFrame(const Place& at, const Cursor& c) {
       });
 }
 
-int32_t OfferWirelessFrame(const Place& at, const Cursor& c) { return OfferMedia(at, c, "CustomDecodeFrameWireless"); }
-int32_t OfferWanFrame(const Place& at, const Cursor& c) { return OfferMedia(at, c, "CustomDecodeFrameWan"); }
+int32_t OfferWirelessFrame(const Place& at, const Cursor& c) {
+  int32_t length;
+  const uint8_t* extension = FindExtension(PacketOf(at).frame, kExtensionMedium, &length);
+  return OfferMedia(at, c, "CustomDecodeFrameWireless", extension);
+}
+
+int32_t OfferWanFrame(const Place& at, const Cursor& c) {
+  int32_t length;
+  const void* extension = FindExtension(PacketOf(at).frame, kExtensionMedium, &length);
+  // A record that tells the direction in its header alone is offered with the same words.
+  const WanLink link = ReadWanLink(PacketOf(at).frame);
+  if (!extension && link.direction != 0) extension = &link;
+  return OfferMedia(at, c, "CustomDecodeFrameWan", extension);
+}
 
 int32_t OfferPayload(const Place& at, PayloadHook hook, const Cursor& c) {
   const CustomLibraries& libraries = at.view->engine->libraries;

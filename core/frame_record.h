@@ -16,7 +16,7 @@
 //   38  1  bytes of check sequence that the captured bytes end with (0 to 4: a cut frame may hold a part)
 //   39  1  raw frames: bytes in front of the network header
 //   40  2  raw frames: Ethertype (or RawProtocol) of what starts there; 0 for frames with a medium header
-//   42  2  link number of WAN frames
+//   42  2  link number of WAN frames without an extension block
 //   44  4  zero
 //   48     extension blocks, each: tag (2), length of the whole block (2), data; to the data offset
 //
@@ -45,7 +45,7 @@ enum RecordFlag : uint16_t {
 
 enum ExtensionTag : uint16_t {
   kExtensionOriginalNumber = 1,  // 8 bytes: the frame's number in the buffer it was captured in
-  kExtensionMedium = 258,        // media 3, 4, 9 and 14: link direction and number, radio header as it was captured
+  kExtensionMedium = 258,        // media 3 and 4: a WanLink, then what was captured in front of the frame; 9: radio header
   kExtensionAtm = 264,           // medium 6: cell information, the four bytes of a SunATM header as captured
 };
 
@@ -117,10 +117,41 @@ inline const uint8_t* FindExtension(const FrameRecord* record, uint16_t tag, int
   return nullptr;
 }
 
-// What the capture held in front of the frame and stands in an extension block now (radio and cell headers): the lengths
-// that a capture file gives are the record's plus its length. Null when there is none.
+inline bool IsWan(const FrameRecord* record) {
+  return record->mediaType == static_cast<uint8_t>(Medium::kWan) ||
+         record->mediaType == static_cast<uint8_t>(Medium::kWanUnoffered);
+}
+
+// What the extension block of a WAN frame begins with.
+struct WanLink {
+  uint16_t direction;   // a LinkDirection
+  uint16_t number;
+};
+
+// The direction and link number of a WAN frame. Records without the block tell them in their header.
+inline WanLink ReadWanLink(const FrameRecord* record) {
+  WanLink link{};
+  int32_t length;
+  const uint8_t* block = FindExtension(record, kExtensionMedium, &length);
+  if (length >= static_cast<int32_t>(sizeof link)) {
+    std::memcpy(&link, block, sizeof link);
+  } else if (HasFullHeader(record)) {
+    link = {record->direction, record->linkNumber};
+  }
+  return link;
+}
+
+// What the capture held in front of the frame and stands in an extension block now (radio and cell headers, the octet
+// of a WAN frame's direction): the lengths that a capture file gives are the record's plus its length. Null when there
+// is none.
 inline const uint8_t* FindMovedHeader(const FrameRecord* record, int32_t* length) {
   *length = 0;
+  if (IsWan(record)) {
+    constexpr int32_t kLink = sizeof(WanLink);
+    const uint8_t* block = FindExtension(record, kExtensionMedium, length);
+    *length = *length > kLink ? *length - kLink : 0;
+    return *length > 0 ? block + kLink : nullptr;
+  }
   if (record->mediaType == static_cast<uint8_t>(Medium::kWireless)) return FindExtension(record, kExtensionMedium, length);
   if (record->mediaType == static_cast<uint8_t>(Medium::kAtm)) return FindExtension(record, kExtensionAtm, length);
   return nullptr;

@@ -84,6 +84,13 @@ void ReadCooked2(const CaptureFrame& frame, LinkHeader* link) {
   link->direction = CookedDirection(frame.data[10]);
 }
 
+// An octet in front of the frame: 0 for one that was received, anything else for one that was sent.
+void ReadWanDirection(const CaptureFrame& frame, LinkHeader* link) {
+  link->medium = Medium::kWan;
+  link->moved = frame.dataLength < 1 ? 0 : 1;
+  if (link->moved) link->direction = frame.data[0] ? LinkDirection::kSent : LinkDirection::kReceived;
+}
+
 // Four bytes: direction and kind, VPI, VCI.
 void ReadSunAtm(const CaptureFrame& frame, LinkHeader* link) {
   link->medium = Medium::kAtm;
@@ -112,6 +119,11 @@ LinkHeader ReadLinkHeader(const CaptureFrame& frame) {
     case 104:  // Cisco HDLC
     case 107:  // Frame Relay
       link.medium = Medium::kWan;
+      break;
+    case 204:  // PPP, Cisco HDLC and Frame Relay with their direction
+    case 205:
+    case 206:
+      ReadWanDirection(frame, &link);
       break;
     case 100:
       link.medium = Medium::kAtm;
@@ -159,6 +171,10 @@ LinkHeader ReadLinkHeader(const CaptureFrame& frame) {
       break;
   }
   if (frame.direction != LinkDirection::kUnknown) link.direction = frame.direction;
+  if (link.medium == Medium::kWan && link.direction != LinkDirection::kUnknown) {
+    link.extensionTag = kExtensionMedium;
+    link.hasWanLink = true;
+  }
   return link;
 }
 

@@ -10,6 +10,7 @@ struct LinkHeader {
   Medium medium = Medium::kNone5;
   uint32_t moved = 0;         // leading bytes that belong into an extension block
   uint16_t extensionTag = 0;  // and its tag
+  bool hasWanLink = false;    // the block begins with a WanLink
   uint8_t rawSkip = 0;
   uint16_t rawEthertype = 0;  // 0: the frame has a medium header
   LinkDirection direction = LinkDirection::kUnknown;

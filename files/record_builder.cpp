@@ -22,9 +22,11 @@ uint8_t PresentCheckSequence(uint32_t length, uint32_t captured, uint32_t wire) 
 const FrameRecord* RecordBuilder::Build(const CaptureFrame& frame) {
   const LinkHeader link = ReadLinkHeader(frame);
   // A header that would leave no room for itself is cut like a frame that does.
-  constexpr uint32_t kMostMoved = kMaxRecord - kRecordHeader - kExtensionHead;
-  const uint32_t moved = link.moved < kMostMoved ? link.moved : kMostMoved;
-  const uint32_t dataOffset = kRecordHeader + (moved ? kExtensionHead + moved : 0);
+  const uint32_t lead = link.hasWanLink ? sizeof(WanLink) : 0;
+  const uint32_t mostMoved = kMaxRecord - kRecordHeader - kExtensionHead - lead;
+  const uint32_t moved = link.moved < mostMoved ? link.moved : mostMoved;
+  const uint32_t extension = lead + moved ? kExtensionHead + lead + moved : 0;
+  const uint32_t dataOffset = kRecordHeader + extension;
   const uint32_t captured = frame.capturedLength - link.moved;
   const uint32_t wire = frame.wireLength > link.moved ? frame.wireLength - link.moved : 0;
   const uint32_t available = frame.dataLength - link.moved;
@@ -49,10 +51,13 @@ const FrameRecord* RecordBuilder::Build(const CaptureFrame& frame) {
   record->checkSequenceLength = PresentCheckSequence(link.checkSequenceLength, kept, wire);
   record->rawSkip = link.rawSkip;
   record->rawEthertype = link.rawEthertype;
-  if (moved) {
-    const uint16_t head[2] = {link.extensionTag, static_cast<uint16_t>(kExtensionHead + moved)};
-    std::memcpy(bytes_ + kRecordHeader, head, kExtensionHead);
-    std::memcpy(bytes_ + kRecordHeader + kExtensionHead, frame.data, moved);
+  if (extension) {
+    const uint16_t head[2] = {link.extensionTag, static_cast<uint16_t>(extension)};
+    const WanLink wan{record->direction, record->linkNumber};
+    uint8_t* at = bytes_ + kRecordHeader;
+    std::memcpy(at, head, kExtensionHead);
+    if (lead) std::memcpy(at + kExtensionHead, &wan, lead);
+    if (moved) std::memcpy(at + kExtensionHead + lead, frame.data, moved);
   }
   if (kept) std::memcpy(bytes_ + dataOffset, frame.data + link.moved, kept);
   if (cut) ++cutFrames_;

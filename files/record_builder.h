@@ -4,8 +4,9 @@
 //    Ethernet 0 | Token Ring 1 | FDDI 2 | PPP, HDLC PPP, Cisco HDLC, Frame Relay 3 | RFC 1483 and SunATM 6 |
 //    Fibre Channel FC-2 8 | 802.11 with any radio header 9 | everything else 5, which has no decoder
 // Raw IP, BSD loopback and Linux cooked frames have no medium header: they take Ethernet's number, `rawSkip` is the
-// length of what stands in front of the network header and `rawEthertype` its kind. A radio or SunATM header is moved
-// out of the frame into an extension block; the record's lengths are those of the frame without it.
+// length of what stands in front of the network header and `rawEthertype` its kind. A radio or SunATM header and the
+// octet that tells a WAN frame's direction are moved out of the frame into an extension block; the record's lengths are
+// those of the frame without them. A WAN frame whose direction is known has a block that begins with it.
 #pragma once
 #include <cstdint>
 

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "files/record_builder.h"
 #include "platform/platform.h"
 #include "tests/support/decoding.h"
 
@@ -94,6 +95,36 @@ TEST_F(CustomLibraryHooks, EveryMediumHasItsEntryPoint) {
   }
   view_->Decode(Hex("AA") + Bytes(8), 9);
   EXPECT_EQ(view_->Text(), "") << "a frame that was taken gets no lines";
+}
+
+TEST_F(CustomLibraryHooks, WanFramesAreOfferedWithTheirDirection) {
+  Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}});
+  const auto offer = [&](uint16_t linkType, const Bytes& bytes, LinkDirection told) {
+    CaptureFrame frame{};
+    frame.linkType = linkType;
+    frame.data = bytes.data();
+    frame.capturedLength = frame.dataLength = frame.wireLength = static_cast<uint32_t>(bytes.size());
+    frame.direction = told;
+    static RecordBuilder builder;
+    view_->view().tree->Clear();
+    DecodeFrame(&view_->view(), builder.Build(frame), 0, 0, 0);
+    return Offers().substr(22);
+  };
+  const Bytes lcp = Hex("FF03 C021 01 01 0004"), received = Hex("00") + lcp, sent = Hex("01") + lcp;
+  EXPECT_EQ(offer(50, lcp, LinkDirection::kUnknown), " 8 0\n");
+  EXPECT_EQ(offer(50, lcp, LinkDirection::kReceived), "[1,0] 8 0\n");
+  for (const uint16_t linkType : {204, 205, 206}) {
+    EXPECT_EQ(offer(linkType, received, LinkDirection::kUnknown), "[1,0] 8 0\n") << linkType;
+    EXPECT_EQ(offer(linkType, sent, LinkDirection::kUnknown), "[2,0] 8 0\n") << linkType;
+    EXPECT_EQ(offer(linkType, {}, LinkDirection::kUnknown), " 0 0\n") << linkType;
+  }
+  offer(204, sent, LinkDirection::kUnknown);
+  ExpectInOrder(view_->Text(), {"Frame type:  PPP {0+8}", "Frame network size: 8", "DTE -> DCE Link 0", "Protocol = LCP"});
+  Record record(lcp, 3);   // told in the record's header alone
+  record->direction = 2;
+  record->linkNumber = 7;
+  view_->Decode(record);
+  EXPECT_EQ(Offers(), "a CustomDecodeFrameWan[2,7] 8 0\n");
 }
 
 TEST_F(CustomLibraryHooks, ScanStopsAtTheFirstMissingValue) {

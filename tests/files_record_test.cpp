@@ -57,7 +57,7 @@ TEST_F(RecordBuilderTest, GivesEveryLinkTypeItsMedium) {
   };
   char scratch[kMediumNameScratch];
   for (Case c : {Case{1, "Ethernet"}, Case{6, "TokenRing"}, Case{10, "FDDI"}, Case{9, "WAN"}, Case{50, "WAN"},
-                 Case{104, "WAN"}, Case{107, "WAN"}, Case{100, "ATM"}, Case{224, "FibreChannel"},
+                 Case{104, "WAN"}, Case{107, "WAN"}, Case{204, "WAN"}, Case{100, "ATM"}, Case{224, "FibreChannel"},
                  Case{225, "FibreChannel"}, Case{105, "802.11"}, Case{101, "RawIP"}, Case{51, "Medium5"}}) {
     EXPECT_STREQ(MediumName(Build(c.linkType, Bytes(40)), scratch), c.medium) << c.linkType;
     Build(c.linkType, {});  // nothing at all is no trouble either
@@ -168,6 +168,13 @@ TEST_F(RecordBuilderTest, OtherHeadersAndHeadersThatLie) {
   const FrameRecord* record = Build(192, ethernetInside);
   EXPECT_EQ(record->mediaType, 5);
   EXPECT_EQ(DataOf(record), ethernetInside);
+
+  record = Build(206, {1, 0x18, 0x41});  // Frame Relay with its direction
+  EXPECT_EQ(record->mediaType, 3);
+  EXPECT_EQ(ExtensionOf(record, kExtensionMedium), Bytes({2, 0, 0, 0, 1}));
+  EXPECT_EQ(Bytes(MovedHeader(record), MovedHeader(record) + MovedHeaderLength(record)), Bytes({1}));
+  EXPECT_EQ(record->wireLength, 2u);
+  EXPECT_EQ(DataOf(record), Bytes({0x18, 0x41}));
 
   record = Build(123, {0x82, 1, 0, 35, 7});  // SunATM
   EXPECT_EQ(record->mediaType, 6);

@@ -8,6 +8,7 @@ namespace {
 
 enum LinkType : uint16_t {
   kLinkPpp = 9, kLinkPppHdlc = 50, kLinkCiscoHdlc = 104, kLinkFrameRelay = 107,
+  kLinkPppDirection = 204, kLinkCiscoHdlcDirection = 205, kLinkFrameRelayDirection = 206,
 };
 
 struct WanProtocol {
@@ -21,9 +22,12 @@ constexpr WanProtocol kFrameRelay = {"Frame Relay", DecodeFrameRelay}, kOther = 
 WanProtocol ChooseProtocol(const FrameRecord* record, const Cursor& c) {
   switch (HasFullHeader(record) ? record->linkType : 0) {
     case kLinkPpp:
-    case kLinkPppHdlc: return LooksLikeCiscoHdlc(c) ? kCiscoHdlc : kPpp;   // lines that speak either come under both
-    case kLinkCiscoHdlc: return kCiscoHdlc;
-    case kLinkFrameRelay: return kFrameRelay;
+    case kLinkPppHdlc:
+    case kLinkPppDirection: return LooksLikeCiscoHdlc(c) ? kCiscoHdlc : kPpp;   // lines that speak either come under both
+    case kLinkCiscoHdlc:
+    case kLinkCiscoHdlcDirection: return kCiscoHdlc;
+    case kLinkFrameRelay:
+    case kLinkFrameRelayDirection: return kFrameRelay;
     default: break;
   }
   if (LooksLikeCiscoHdlc(c)) return kCiscoHdlc;
@@ -32,12 +36,11 @@ WanProtocol ChooseProtocol(const FrameRecord* record, const Cursor& c) {
 }
 
 void AddTrafficFlow(const Place& in, const Cursor& c, const FrameRecord* record) {
-  if (!HasFullHeader(record)) return;
-  const LinkDirection direction = static_cast<LinkDirection>(record->direction);
-  if (direction == LinkDirection::kSent) {
-    AddLine(in, Ahead(c, Left(c)), "Traffic Flow: DTE -> DCE Link %u", record->linkNumber);
-  } else if (direction == LinkDirection::kReceived) {
-    AddLine(in, Ahead(c, Left(c)), "Traffic Flow: DCE -> DTE Link %u", record->linkNumber);
+  const WanLink link = ReadWanLink(record);
+  if (link.direction == static_cast<uint16_t>(LinkDirection::kSent)) {
+    AddLine(in, Ahead(c, Left(c)), "Traffic Flow: DTE -> DCE Link %u", link.number);
+  } else if (link.direction == static_cast<uint16_t>(LinkDirection::kReceived)) {
+    AddLine(in, Ahead(c, Left(c)), "Traffic Flow: DCE -> DTE Link %u", link.number);
   }
 }
 

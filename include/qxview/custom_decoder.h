@@ -70,8 +70,14 @@ typedef int32_t (*CustomDecodeFrameFunction)(const uint8_t *frame, const void *r
                                              uint32_t *rangeCount, uint32_t *rangeCapacity, uint64_t **rangeTable,
                                              CustomDecodeBlock *block);
 
-/* "CustomDecodeFrameWireless" and "CustomDecodeFrameWan". extension: the record's media extension block (radio
- * information; link direction and number), null when there is none. */
+/* What the extension block of a WAN frame begins with; a header that the capture holds in front of the frame follows. */
+typedef struct QxWanLink {
+  uint16_t direction;   /* 1 DCE -> DTE (received), 2 DTE -> DCE (sent) */
+  uint16_t number;      /* of the link, 0 when the capture tells none */
+} QxWanLink;
+
+/* "CustomDecodeFrameWireless" and "CustomDecodeFrameWan". extension: the data of the record's media extension block (the
+ * radio header as it was captured; a QxWanLink), null when the capture tells none of it. */
 typedef int32_t (*CustomDecodeMediaFunction)(const uint8_t *frame, const void *extension, int32_t length,
                                              int32_t zero, uint32_t expansionMask, void *tree, uint32_t *rangeCount,
                                              uint32_t *rangeCapacity, uint64_t **rangeTable,

@@ -1,5 +1,5 @@
 /* A library for the tests of the hooks: notes every offer in the file that QXVIEW_TEST_OFFERS names, as
- * "NAME ENTRY LENGTH WORD3", and accepts what starts with the byte RECORDER_ACCEPTS. It adds its line as the module
+ * "NAME ENTRY LENGTH WORD3", of WAN frames with their direction and link number behind ENTRY, and accepts what starts with the byte RECORDER_ACCEPTS. It adds its line as the module
  * does itself: append, store the range, count, grow. Built twice, with different names and bytes. */
 #include <stdio.h>
 #include <stdlib.h>
@@ -40,8 +40,11 @@ ENTRY int32_t CustomDecodeFrame(const uint8_t *frame, const void *record, int32_
 ENTRY int32_t CustomDecodeFrameWan(const uint8_t *frame, const void *extension, int32_t length, int32_t zero,
                                    uint32_t expansionMask, void *tree, uint32_t *rangeCount, uint32_t *rangeCapacity,
                                    uint64_t **rangeTable, CustomDecodeBlock *block) {
-  (void)extension, (void)zero, (void)expansionMask, (void)tree, (void)rangeCount, (void)rangeCapacity, (void)rangeTable;
-  return Note("CustomDecodeFrameWan", frame, length, block);
+  (void)zero, (void)expansionMask, (void)tree, (void)rangeCount, (void)rangeCapacity, (void)rangeTable;
+  const QxWanLink *link = extension;
+  char entry[60] = "CustomDecodeFrameWan";
+  if (link) snprintf(entry, sizeof entry, "CustomDecodeFrameWan[%u,%u]", link->direction, link->number);
+  return Note(entry, frame, length, block);
 }
 
 ENTRY int32_t CustomDecodeFrameWireless(const uint8_t *frame, const void *extension, int32_t length, int32_t zero,
