@@ -169,6 +169,7 @@ TEST_F(RecordBuilderTest, OtherHeadersAndHeadersThatLie) {
   EXPECT_EQ(record->mediaType, 5);
   EXPECT_EQ(DataOf(record), ethernetInside);
 
+  frame_.wireLength = 3;
   record = Build(206, {1, 0x18, 0x41});  // Frame Relay with its direction
   EXPECT_EQ(record->mediaType, 3);
   EXPECT_EQ(ExtensionOf(record, kExtensionMedium), Bytes({2, 0, 0, 0, 1}));
