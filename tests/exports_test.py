@@ -146,10 +146,12 @@ class Symbols(unittest.TestCase):
     def test_are_those_of_the_header(self):
         declared = names_in("include/qxview/qxview.h", r"^QXVIEW_EXPORT\s[^;]*?\b(\w+)\(")
         for path, pattern in (("exports/libqxview.map", r"^    (\w+);"), ("exports/qxview.def", r"^    (\w+)$")):
-            self.assertEqual(names_in(path, pattern), sorted(declared), path)
+            self.assertEqual(sorted(names_in(path, pattern)), sorted(declared), path)
         listed = subprocess.run(["nm", "-D", "--defined-only", LIBRARY], capture_output=True, text=True, check=True)
         declared = set(declared)
-        self.assertEqual({line.split()[-1] for line in listed.stdout.splitlines()}, declared)
+        exported = [line.split()[-1].split("@@") for line in listed.stdout.splitlines()]
+        self.assertEqual({name for name, *version in exported if version}, declared)
+        self.assertTrue(all(version or re.fullmatch(r"QXVIEW_7\.\d", name) for name, *version in exported), exported)
         self.assertTrue(set(MEMBERS) < declared)
         if DLL:
             exported = what_a_dll_names(DLL, "[Ordinal/Name Pointer] Table", r"^\t\[ *\d+\] (\S+)$")

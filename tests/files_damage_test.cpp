@@ -178,7 +178,9 @@ TEST(OpenCapture, SaysWhatIsNoCapture) {
 #ifndef _WIN32
 class TemporaryDirectory {
  public:
-  TemporaryDirectory() : path_(testing::TempDir() + "qxviewXXXXXX") { mkdtemp(path_.data()); }
+  TemporaryDirectory() : path_(testing::TempDir() + "qxviewXXXXXX") {
+    if (!mkdtemp(path_.data())) std::abort();
+  }
   ~TemporaryDirectory() {
     std::remove(File().c_str());
     rmdir(path_.c_str());
