@@ -4,12 +4,12 @@
 #include "app/commands.h"
 #include "app/list_time.h"
 #include "app/output.h"
-#include "app/packet_addresses.h"
 #include "app/packet_run.h"
-#include "app/tls_pending.h"
 #include "app/tree_writer.h"
 #include "core/digits.h"
 #include "decoders/app/packet_summaries.h"
+#include "host/packet_addresses.h"
+#include "host/tls_pending.h"
 
 namespace qxview {
 namespace {
@@ -24,7 +24,7 @@ constexpr size_t kNumberWidth = 6, kTimeWidth = 12, kAddressWidth = 17, kLengthW
 class PacketList {
  public:
   PacketList(const ListOptions& options, PacketRun& run, Output& out)
-      : run_(run), out_(out), time_(options.time), aliases_(run.Host().Aliases()),
+      : run_(run), out_(out), time_(options.time), host_(run.Host().Record()),
         cleanText_(run.GetSession().GetEngine()->settings.cleanText) {}
 
   void Put(const FrameRecord* record, uint64_t number) {
@@ -35,7 +35,7 @@ class PacketList {
         time_.Format(record->nanoseconds, run_.FirstTime(), run_.TimeBefore(), text);
     PutRight({text, static_cast<size_t>(timeLength)}, kTimeWidth);
     PacketAddresses addresses;
-    FormatPacketAddresses(packet, aliases_, &addresses);
+    FormatPacketAddresses(packet, host_, &addresses);
     PutLeft(addresses.source);
     PutLeft(addresses.destination);
     PutNumber(WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record)), kLengthWidth);
@@ -79,7 +79,7 @@ class PacketList {
   PacketRun& run_;
   Output& out_;
   ListTime time_;
-  const AliasTable& aliases_;
+  const QxHost* const host_;
   const bool cleanText_;
   TlsPending tls_;
 };

@@ -2,6 +2,7 @@
 #pragma once
 #include <string_view>
 
+#include "core/characters.h"
 #include "core/output_file.h"
 
 namespace qxview {
@@ -19,8 +20,5 @@ class Output {
  private:
   OutputFile file_;
 };
-
-// Windows-1252 to UTF-8.
-std::string_view Utf8Of(uint8_t character, char* scratch);
 
 }  // namespace qxview

@@ -51,6 +51,9 @@ install(FILES docs/adding-a-decoder.md docs/capture-file.md docs/decode.schema.j
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY samples/ DESTINATION ${EXAMPLES_DIR} COMPONENT development USE_SOURCE_PERMISSIONS
         PATTERN record EXCLUDE PATTERN __pycache__ EXCLUDE)
+# The module is one for all versions of Python; another place may be named.
+set(QXVIEW_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Where qxview.py is installed, below the prefix")
+install(FILES python/qxview.py DESTINATION ${QXVIEW_PYTHON_DIR} COMPONENT python)
 if(WIN32)
   install(FILES exports/qxview.def DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)   # for other compilers
 endif()

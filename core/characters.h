@@ -1,6 +1,7 @@
 // Characters in the two encodings that the project knows: UTF-8 (RFC 3629) and Windows-1252, in which lines are written.
 #pragma once
 #include <cstdint>
+#include <string_view>
 
 namespace qxview {
 
@@ -43,5 +44,14 @@ constexpr uint8_t Windows1252Of(uint32_t code) {
   }
   return 0;
 }
+
+constexpr int32_t kMostUtf8Octets = 3;   // of one character of Windows-1252
+
+// A character of Windows-1252 as UTF-8; it stands in `scratch`, which has room for kMostUtf8Octets.
+std::string_view Utf8Of(uint8_t character, char* scratch);
+
+// Writes a text in Windows-1252 as UTF-8, cut between characters to outSize - 1 octets and terminated; nothing when there
+// is no room. The result is the length of the whole text in UTF-8.
+int32_t ConvertToUtf8(std::string_view text, char* out, int32_t outSize);
 
 }  // namespace qxview

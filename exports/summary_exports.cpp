@@ -7,6 +7,7 @@
 #include "decoders/net/ipv6_checksum.h"
 #include "decoders/net/pseudo_head.h"
 #include "host/standalone_host.h"
+#include "platform/platform.h"
 #include "qxview/qxview.h"
 
 using namespace qxview;
@@ -19,7 +20,9 @@ bool CleansText() {
     try {
       std::string message;
       bool fileFault;
-      const auto host = StandaloneHost::Create({}, &message, &fileFault);
+      HostOptions options;
+      options.userSettings = FindUserSettings();
+      const auto host = StandaloneHost::Create(options, &message, &fileFault);
       if (!host) return true;
       Settings settings;
       ReadSettings(&settings, {host->Record()->user, host->Record()->readSetting});

@@ -1,29 +1,21 @@
-// The exports over views: embedding, and the plain functions of names and version.
+// The exports over views: making them, decoding into them, and the plain functions of names and version.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
-#include "host/session.h"
-#include "host/standalone_host.h"
+#include "core/bounded_text.h"
+#include "exports/exported_view.h"
+#include "files/capture_formats.h"
 #include "platform/mib_modules.h"
 #include "platform/platform.h"
 #include "platform/view_window.h"
-#include "qxview/qxview.h"
 #include "qxview/version.h"
 
 using namespace qxview;
 
 namespace {
 
-// What a view pointer stands for.
-struct ExportedView {
-  std::unique_ptr<StandaloneHost> ownHost;   // when the caller lent none
-  std::unique_ptr<Session> session;
-  std::unique_ptr<OutputFile> output;
-  uint64_t packets = 0;
-  alignas(8) uint8_t record[kMaxRecord];
-};
-
-ExportedView* ViewOf(void* view) { return static_cast<ExportedView*>(view); }
+thread_local char lastError[512];   // plain bytes: a thread may end while the library is unloaded
 
 bool EndOutput(ExportedView* view) {
   bool good = true;
@@ -36,17 +28,86 @@ bool EndOutput(ExportedView* view) {
   return good;
 }
 
-int32_t DecodeRecord(ExportedView* view, const FrameRecord* record, uint32_t userParam1, uint32_t userParam2,
-                     int32_t skipBytes) {
-  const int32_t handled = view->session->Decode(record, userParam1, userParam2, skipBytes);
-  if (view->ownHost) view->ownHost->FinishPacket();
-  return handled;
+std::unique_ptr<StandaloneHost> MakeOwnHost(const QxHost* lent, const char* settings, std::string* message) {
+  bool fileFault;
+  HostOptions options;
+  if (settings) {
+    options.settingsText = settings;
+  } else if (!lent) {
+    options.userSettings = FindUserSettings();
+  }
+  options.applicationDirectory = ExecutableDirectory();
+  options.readMibModules = ReadMibModules;
+  return StandaloneHost::Create(options, message, &fileFault);
 }
 
-// Where the lines are: in memory, or in the view's window.
-DecodeTree& TreeOf(void* view) { return *ViewOf(view)->session->GetView()->tree; }
+std::unique_ptr<ExportedView> MakeView(const QxHost* lent, const char* settings, std::string* message) {
+  auto view = std::make_unique<ExportedView>();
+  view->ownHost = MakeOwnHost(lent, settings, message);
+  if (!view->ownHost) return nullptr;
+  if (lent) view->lentHost = std::make_unique<CompletedHost>(lent, *view->ownHost, settings != nullptr);
+  const QxHost* host = lent ? view->lentHost->Record() : view->ownHost->Record();
+  view->session = Session::Create(host, PlatformLibraryLoader());
+  if (!view->session) return *message = "out of memory", nullptr;
+  view->ownHost->Attach(view->session.get());
+  return view;
+}
+
+void TellLinkType(ExportedView* view, const FrameRecord* record) {
+  if (!view->message || record->mediaType != static_cast<uint8_t>(Medium::kNone5) || !HasFullHeader(record)) return;
+  for (const uint16_t told : view->toldLinkTypes) {
+    if (told == record->linkType) return;
+  }
+  view->toldLinkTypes.push_back(record->linkType);
+  TellUser(view, QXVIEW_NOTE, "link type " + std::to_string(record->linkType) + " (" + LinkTypeName(record->linkType) +
+                                  ") has no decoder; its packets are not decoded");
+}
+
+// Decodes the record in the view's own memory.
+int32_t DecodeOwnRecord(ExportedView* view, uint32_t userParam1, uint32_t userParam2, int32_t skipBytes) try {
+  const auto* record = reinterpret_cast<const FrameRecord*>(view->record);
+  view->hasPacket = true;
+  view->line.made = false;
+  const int32_t handled = view->session->Decode(record, userParam1, userParam2, skipBytes);
+  if (!view->lentHost || view->lentHost->KeepsSegments()) view->ownHost->FinishPacket();
+  if ((record->flags & kRecordCutToFit) && view->message) {
+    TellUser(view, QXVIEW_NOTE, "packet " + std::to_string(record->packetNumber) +
+                                    " is longer than a record holds and was cut");
+  }
+  TellLinkType(view, record);
+  return handled;
+} catch (...) {
+  return Fail("out of memory");
+}
+
+// Whether everything that the header tells lies within the record.
+bool IsSound(const FrameRecord* record) {
+  return record->dataOffset >= kBareRecordHeader && record->dataOffset + record->capturedLength <= record->recordLength;
+}
+
+bool CheckBytes(void* view, const uint8_t* data, int32_t length) {
+  ForgetError();
+  if (!view) return Fail("there is no view");
+  if (length < 0) return Fail("the length is negative");
+  return data || length == 0 ? true : Fail("there are no bytes");
+}
 
 }  // namespace
+
+namespace qxview {
+
+bool Fail(const char* reason) {
+  CopyString(lastError, sizeof lastError, reason);
+  return false;
+}
+
+void ForgetError() { lastError[0] = 0; }
+
+void TellUser(const ExportedView* view, int32_t kind, const std::string& text) {
+  if (view->message) view->message(view->messageUser, kind, text.c_str());
+}
+
+}  // namespace qxview
 
 uint32_t GetQxViewVersion(void) { return (QXVIEW_VERSION_MAJOR << 8) + QXVIEW_VERSION_MINOR; }
 
@@ -55,28 +116,40 @@ const char* GetNameDescriptorPlus(const NameTableEntry* table, uint32_t code, in
   return FindName(table, code, count, defaultName);
 }
 
+const char* QxView_LastError(void) { return lastError; }
+
 void* QxView_CreateView(const QxHost* host) try {
-  auto view = std::make_unique<ExportedView>();
-  if (!host) {
-    std::string message;
-    bool fileFault;
-    HostOptions options;
-    options.userSettings = FindUserSettings();
-    options.applicationDirectory = ExecutableDirectory();
-    options.readMibModules = ReadMibModules;
-    view->ownHost = StandaloneHost::Create(options, &message, &fileFault);
-    if (!view->ownHost) {
-      std::fprintf(stderr, "qxview: %s\n", message.c_str());
-      return nullptr;
-    }
-    host = view->ownHost->Record();
+  ForgetError();
+  std::string message;
+  auto view = MakeView(host, nullptr, &message);
+  if (!view) {
+    Fail(message.c_str());
+    std::fprintf(stderr, "qxview: %s\n", message.c_str());
   }
-  view->session = Session::Create(host, PlatformLibraryLoader());
-  if (!view->session) return nullptr;
-  if (view->ownHost) view->ownHost->Attach(view->session.get());
   return view.release();
 } catch (...) {
-  return nullptr;   // nothing is thrown through a C function; only memory can have run out
+  return Fail("out of memory"), nullptr;   // nothing is thrown through a C function; only memory can have run out
+}
+
+void* QxView_CreateViewWith(const QxViewOptions* options) try {
+  ForgetError();
+  QxViewOptions told{};
+  if (options) std::memcpy(&told, options, std::min<size_t>(options->size, sizeof told));
+  std::string message;
+  auto view = MakeView(told.host, told.settings, &message);
+  if (view) {
+    view->message = told.message;
+    view->messageUser = told.messageUser;
+    if (const int32_t count = view->session->GetEngine()->unreadableSettings) {
+      TellUser(view.get(), QXVIEW_NOTE, std::to_string(count) + " settings of the host are no numbers and keep their defaults");
+    }
+  } else {
+    Fail(message.c_str());
+    if (told.message) told.message(told.messageUser, QXVIEW_ERROR, message.c_str());
+  }
+  return view.release();
+} catch (...) {
+  return Fail("out of memory"), nullptr;
 }
 
 void QxView_DestroyView(void* view) {
@@ -87,28 +160,42 @@ void QxView_DestroyView(void* view) {
 }
 
 int32_t QxView_SetOutput(void* view, int32_t mode, intptr_t file) try {
-  if (!view || (mode != kDisplayMode && mode != kPrintMode && mode != kSaveMode)) return 0;
+  ForgetError();
+  if (!view) return Fail("there is no view");
+  if (mode != kDisplayMode && mode != kPrintMode && mode != kSaveMode && mode != QXVIEW_LIST) {
+    return Fail("there is no such output mode");
+  }
   ExportedView* exported = ViewOf(view);
   const bool good = EndOutput(exported);
-  if (mode != kDisplayMode) {
+  if (mode == QXVIEW_LIST) {
+    ClearDecodeLists(view);
+    exported->session->DecodeHeadersOnly();
+  } else if (mode != kDisplayMode) {
     exported->output = std::make_unique<OutputFile>();
     OpenOutput(exported->output.get(), FileSink(file));
     exported->session->SetOutput(static_cast<char>(mode), exported->output.get());
   }
-  return good ? 1 : 0;
+  return good ? 1 : Fail("an earlier write to the file did not succeed");
 } catch (...) {
-  return 0;
+  return Fail("out of memory");
 }
 
 int32_t QxView_DecodeFrame(void* view, const void* frameRecord, uint32_t userParam1, uint32_t userParam2,
                            int32_t skipBytes) {
-  if (!view || !frameRecord) return 0;
-  return DecodeRecord(ViewOf(view), static_cast<const FrameRecord*>(frameRecord), userParam1, userParam2, skipBytes);
+  ForgetError();
+  if (!view || !frameRecord) return Fail(view ? "there is no record" : "there is no view");
+  FrameRecord head{};
+  std::memcpy(&head, frameRecord, kBareRecordHeader);
+  if (!IsSound(&head)) return Fail("the record's lengths contradict each other");
+  // What the list shows of the packet may be asked for when the caller's record is gone.
+  std::memmove(ViewOf(view)->record, frameRecord, head.recordLength);
+  std::memcpy(ViewOf(view)->record, &head, kBareRecordHeader);   // as it was checked
+  return DecodeOwnRecord(ViewOf(view), userParam1, userParam2, skipBytes);
 }
 
 int32_t QxView_DecodeBytes(void* view, int32_t mediaType, const uint8_t* data, int32_t length,
                            uint32_t originalLength, int64_t nanoseconds) {
-  if (!view || length < 0 || (length > 0 && !data)) return 0;
+  if (!CheckBytes(view, data, length)) return 0;
   ExportedView* exported = ViewOf(view);
   const int32_t kept = length < kMaxRecord - kRecordHeader ? length : kMaxRecord - kRecordHeader;
   FrameRecord* record = reinterpret_cast<FrameRecord*>(exported->record);
@@ -123,39 +210,23 @@ int32_t QxView_DecodeBytes(void* view, int32_t mediaType, const uint8_t* data, i
   record->packetNumber = ++exported->packets;
   record->wireLength = originalLength;
   if (kept > 0) std::memcpy(exported->record + kRecordHeader, data, static_cast<size_t>(kept));
-  return DecodeRecord(exported, record, 0, 0, 0);
+  return DecodeOwnRecord(exported, 0, 0, 0);
 }
 
-uintptr_t QxView_FirstLine(void* view) { return view ? TreeOf(view).FirstChild(0) : 0; }
-
-uintptr_t QxView_NextLine(void* view, uintptr_t line) {
-  return view && line ? TreeOf(view).NextSibling(line) : 0;
-}
-
-uintptr_t QxView_FirstChild(void* view, uintptr_t line) {
-  return view && line ? TreeOf(view).FirstChild(line) : 0;
-}
-
-int32_t QxView_LineText(void* view, uintptr_t line, char* out, int32_t outSize) {
-  if (!out || outSize < 1) return 0;
-  out[0] = 0;
-  return view ? TreeOf(view).GetText(line, out, outSize) : 0;
-}
-
-int32_t QxView_LineRange(void* view, uintptr_t line, int32_t* offset, uint32_t* length, int32_t* kind) {
-  const bool held = view && TreeOf(view).Holds(line);
-  const uint32_t index = held ? TreeOf(view).RangeIndex(line) : 0;
-  // A line that a user decoder library added may have any index.
-  const ByteRange* range = nullptr;
-  if (held && index < ViewOf(view)->session->Context().rangeCount) {
-    range = &ViewOf(view)->session->Context().rangeTable[index];
-  }
-  SplitByteRange(range, kind, offset, length);
-  return range != nullptr;
-}
-
-int32_t QxView_LineImage(void* view, uintptr_t line) {
-  return view && TreeOf(view).Holds(line) ? TreeOf(view).Image(line) : -1;
+int32_t QxView_DecodeLinkType(void* view, uint16_t linkType, const uint8_t* data, int32_t length,
+                              uint32_t originalLength, int64_t nanoseconds) {
+  if (!CheckBytes(view, data, length)) return 0;
+  ExportedView* exported = ViewOf(view);
+  CaptureFrame frame{};
+  frame.number = ++exported->packets;
+  frame.nanoseconds = nanoseconds;
+  frame.capturedLength = frame.dataLength = static_cast<uint32_t>(length);
+  frame.wireLength = originalLength;
+  frame.data = data;
+  frame.linkType = NormalizeLinkType(linkType);
+  const FrameRecord* record = exported->builder.Build(frame);
+  std::memcpy(exported->record, record, record->recordLength);
+  return DecodeOwnRecord(exported, 0, 0, 0);
 }
 
 int64_t GetCurrentPacketNumber(void* view) {

@@ -50,6 +50,14 @@ void Session::DecodeHeadersOnly() {
   view_.context->silent = view_.context->headersOnly = true;
 }
 
+void Session::ReadHeaders(const FrameRecord* record) {
+  DecodeContext& context = *view_.context;
+  const bool headersOnly = context.headersOnly;
+  context.headersOnly = true;
+  Pass(record);
+  context.headersOnly = headersOnly;
+}
+
 void Session::Pass(const FrameRecord* record) {
   DecodeContext& context = *view_.context;
   const char mode = context.outputMode;

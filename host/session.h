@@ -33,6 +33,9 @@ class Session {
   // carries an application's payload is resolved and learnt from as ever.
   void DecodeHeadersOnly();
 
+  // Decodes the headers of the frame that was decoded last once more, for the packet state alone: its lines stay.
+  void ReadHeaders(const FrameRecord* record);
+
   // Passes the frame through for what later frames need of it (learning, window scales): nothing is shown or written.
   void Pass(const FrameRecord* record);
 

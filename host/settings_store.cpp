@@ -81,6 +81,10 @@ bool SettingsStore::ReadFile(const std::string& path, std::string* message) {
   std::istringstream file;
   std::string reason;
   if (!ReadTextFile(path, &file, &reason)) return *message = path + ": the settings file: " + reason, false;
+  return ReadText(file, path, message);
+}
+
+bool SettingsStore::ReadText(std::istream& file, const std::string& path, std::string* message) {
   std::vector<NamedValue> values;
   std::vector<SettingsLine> protocols;
   std::string line, section;

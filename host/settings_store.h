@@ -2,6 +2,7 @@
 // The same file's [Protocols] section holds protocol definitions, a line each, handed on as they stand.
 #pragma once
 #include <cstdint>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,8 @@ class SettingsStore {
   // Reads a settings file; false with a message that names the file and the line. Nothing of a file that cannot be
   // read wholly is taken.
   bool ReadFile(const std::string& path, std::string* message);
+  // The same for a file's text; `path` stands for it in messages.
+  bool ReadText(std::istream& file, const std::string& path, std::string* message);
 
   // Takes values that the platform read; false with a message for one that is not of its kind. Names that are no
   // settings are passed over: the analyzer keeps values of its own in that place.

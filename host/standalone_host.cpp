@@ -73,6 +73,10 @@ bool StandaloneHost::LoadMibModules(MibModuleReader read, std::string* message) 
 }
 
 bool StandaloneHost::ReadSettings(const HostOptions& options, std::string* message) {
+  if (options.settingsText) {
+    std::istringstream text(*options.settingsText);
+    return settings_.ReadText(text, "the settings", message);
+  }
   if (!options.settingsFile.empty()) return settings_.ReadFile(options.settingsFile, message);
   const UserSettings& own = options.userSettings;
   std::string ignored;

@@ -1,6 +1,7 @@
 // The stand-alone host: what the module asks of its host when no analyzer lends it packets and settings.
 #pragma once
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ class Session;
 
 struct HostOptions {
   std::string settingsFile;               // instead of the user's own settings; one that is missing is an error
+  std::optional<std::string> settingsText;   // what a settings file holds, instead of any
   UserSettings userSettings;              // the user's own
   std::vector<std::string> settings;      // NAME=VALUE, over the file's
   std::vector<std::string> definitions;   // as --decode-as takes them, over the file's

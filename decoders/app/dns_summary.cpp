@@ -113,12 +113,12 @@ const uint8_t* FindMessage(const uint8_t* data, int32_t* length, int32_t transpo
 
 int32_t DescribeDns(const uint8_t* data, int32_t length, TextBuffer* summary, int32_t transport, uint16_t lengthHint,
                     int32_t variant) {
-  if (!data || !summary || !summary->text || length < 1) return 0;
+  if (!summary || !summary->text) return 0;
   char* out = summary->text;
   const int32_t size = summary->capacity;
+  if (size > 0) out[0] = out[size - 1] = 0;
+  if (!data || length < 1) return 0;
   if (size < 1) return 1;
-  out[0] = 0;
-  out[size - 1] = 0;
   const uint8_t* message = FindMessage(data, &length, transport, lengthHint);
   if (!message) {
     FormatInto(out, size, "%s", DnsTitle(variant));

@@ -1,6 +1,7 @@
 /* qxview: the exported functions of libqxview.so and qxview.dll. C linkage, unmangled names, the C calling convention
- * on every platform; usable from C and C++. Integers are 32-bit and signed unless said otherwise. A program decodes on
- * one thread at a time; views of their own may be used on threads of their own. */
+ * on every platform; usable from C and C++. Integers are 32-bit and signed unless said otherwise. Views and captures stand
+ * for themselves: each may be used on a thread of its own, by one thread at a time; what has none of them as an argument
+ * may be called on any thread. */
 #ifndef QXVIEW_H
 #define QXVIEW_H
 
@@ -154,10 +155,37 @@ QXVIEW_EXPORT int32_t GetUNIStimDescriptionPublicDecode(const uint8_t *data, int
 #define QXVIEW_DISPLAY '9'   /* the decode tree */
 #define QXVIEW_PRINT '7'     /* text lines to a file, as printed */
 #define QXVIEW_SAVE '8'      /* text lines to a file, as saved */
+#define QXVIEW_LIST '1'      /* no lines: headers alone, for QxView_PacketLine; several times as fast */
 
-/* A view on this host; null: the stand-alone host, with the user's settings file. The record must outlive the view.
- * Null when there is no memory or the settings file is damaged (a message on standard error says where). */
+/* Why the last call on this thread of a function of this family did not succeed; an empty text when it did. UTF-8, good
+ * until the next call on this thread. */
+QXVIEW_EXPORT const char *QxView_LastError(void);
+
+/* A view on this host; null: the stand-alone host, with the user's settings file. What the record does not fill in is the
+ * stand-alone host's: the built-in definitions and MIB names, the settings' defaults, a history of segments. What the
+ * record's functions need must outlive the view. Null when there is no memory or the settings file is damaged (a message
+ * on standard error says where). */
 QXVIEW_EXPORT void *QxView_CreateView(const QxHost *host);
+
+/* Kinds of messages. */
+#define QXVIEW_NOTE 0    /* something worth knowing: packets without a decoder, packets that were cut */
+#define QXVIEW_ERROR 1   /* why there is no view */
+
+/* Takes a message: one line in UTF-8 without a line end, good during the call. Called on the thread that uses the view. */
+typedef void (*QxMessageFunction)(void *user, int32_t kind, const char *text);
+
+/* How a view is made. The caller sets size and zeroes what it does not use. */
+typedef struct QxViewOptions {
+  uint32_t size;                /* of this record */
+  const QxHost *host;           /* as for QxView_CreateView */
+  const char *settings;         /* what a settings file holds (docs/settings.md), instead of the user's settings and of the
+                                   host's; an empty text: the defaults */
+  QxMessageFunction message;    /* gets the view's messages; null: there are none */
+  void *messageUser;            /* handed back with every message */
+} QxViewOptions;
+
+/* The same with options; null options: none. Nothing is written to standard error. */
+QXVIEW_EXPORT void *QxView_CreateViewWith(const QxViewOptions *options);
 QXVIEW_EXPORT void QxView_DestroyView(void *view);
 
 /* Where lines go from now on. file: for the print and save modes an open file, a descriptor or on Windows a handle; it
@@ -166,7 +194,8 @@ QXVIEW_EXPORT void QxView_DestroyView(void *view);
 QXVIEW_EXPORT int32_t QxView_SetOutput(void *view, int32_t mode, intptr_t file);
 
 /* Decodes the frame of a record as capture buffers hold it (docs/capture-file.md). skipBytes: bytes of the frame to
- * pass over. 1, a medium decoder's own result, or 0 for a medium without a decoder. */
+ * pass over. 1, a medium decoder's own result, or 0 for a medium without a decoder and for a record whose lengths
+ * contradict each other, which is not decoded (QxView_LastError says so). */
 QXVIEW_EXPORT int32_t QxView_DecodeFrame(void *view, const void *frameRecord, uint32_t userParam1, uint32_t userParam2,
                                          int32_t skipBytes);
 
@@ -175,6 +204,25 @@ QXVIEW_EXPORT int32_t QxView_DecodeFrame(void *view, const void *frameRecord, ui
 QXVIEW_EXPORT int32_t QxView_DecodeBytes(void *view, int32_t mediaType, const uint8_t *data, int32_t length,
                                          uint32_t originalLength, int64_t nanoseconds);
 
+/* The same by the link type of a capture, the number that pcap and pcapng files hold (LINKTYPE_...): what stands in front
+ * of the medium's header, as in radio captures, is told apart. */
+QXVIEW_EXPORT int32_t QxView_DecodeLinkType(void *view, uint16_t linkType, const uint8_t *data, int32_t length,
+                                            uint32_t originalLength, int64_t nanoseconds);
+
+/* The line of the list for the packet that was decoded last. */
+typedef struct QxPacketLine {
+  uint32_t size;             /* of this record, set by the caller */
+  uint32_t length;           /* bytes on the wire */
+  uint64_t number;
+  int64_t nanoseconds;       /* since 1970-01-01T00:00:00Z */
+  const char *source;        /* UTF-8, good until the next packet; an empty text for none */
+  const char *destination;
+  const char *summary;
+} QxPacketLine;
+
+/* 1, or 0 before the first packet. In the mode QXVIEW_LIST nothing is decoded twice for it. */
+QXVIEW_EXPORT int32_t QxView_PacketLine(void *view, QxPacketLine *line);
+
 /* The first top-level line; the next line of the same parent; the first child. */
 QXVIEW_EXPORT uintptr_t QxView_FirstLine(void *view);
 QXVIEW_EXPORT uintptr_t QxView_NextLine(void *view, uintptr_t line);
@@ -182,17 +230,64 @@ QXVIEW_EXPORT uintptr_t QxView_FirstChild(void *view, uintptr_t line);
 
 /* Copies the text (Windows-1252), cut to outSize - 1 bytes and terminated; the length copied. */
 QXVIEW_EXPORT int32_t QxView_LineText(void *view, uintptr_t line, char *out, int32_t outSize);
+/* The text in UTF-8, cut between characters to outSize - 1 bytes and terminated; `out` may be null when outSize is 0. The
+ * length of the whole text, which did not fit when it is outSize or more; -1 for no line. */
+QXVIEW_EXPORT int32_t QxView_LineTextUtf8(void *view, uintptr_t line, char *out, int32_t outSize);
 /* The bytes of the frame that the line was decoded from; any output may be null. 1, or 0 for no line. kind: 0 fields,
  * 8 raw data. */
 QXVIEW_EXPORT int32_t QxView_LineRange(void *view, uintptr_t line, int32_t *offset, uint32_t *length, int32_t *kind);
 /* The image of the line's level, 0 to 22; -1 for no line. */
 QXVIEW_EXPORT int32_t QxView_LineImage(void *view, uintptr_t line);
 
+/* All of a line at once. Members may be added at the end: size tells what is there. */
+typedef struct QxLineInfo {
+  uint32_t size;             /* of this record, set by the library */
+  int32_t depth;             /* 0 for a top-level line */
+  uintptr_t line;
+  const char *text;          /* UTF-8, terminated; good during the call */
+  int32_t textLength;
+  int32_t image;             /* the line's level, 0 to 22 */
+  int32_t offset;            /* the bytes of the frame that it was decoded from */
+  uint32_t length;
+  int32_t kind;              /* 0 fields, 8 raw data */
+} QxLineInfo;
+
+/* Takes a line; not 0 ends the visit. The view is not to be decoded into or destroyed meanwhile. */
+typedef int32_t (*QxLineVisitor)(void *user, const QxLineInfo *line);
+
+/* Shows every line to the visitor, children behind their parent. How many it was shown; -1 on failure. */
+QXVIEW_EXPORT int32_t QxView_VisitLines(void *view, QxLineVisitor visit, void *user);
+
 /* The number of the packet shown; -1 when the view is missing. */
 QXVIEW_EXPORT int64_t GetCurrentPacketNumber(void *view);
 
 /* Removes every line of the view. */
 QXVIEW_EXPORT void ClearDecodeLists(void *view);
+
+/* ---- Captures: pcap, pcapng and capture buffer files, compressed or not ---- */
+
+/* A packet as the capture holds it. */
+typedef struct QxPacket {
+  uint32_t size;             /* of this record, set by the caller */
+  uint16_t linkType;         /* LINKTYPE number, 0 where the file has none */
+  uint16_t direction;        /* 0 unknown, 1 received, 2 sent */
+  uint64_t number;           /* from 1, in the order of the file */
+  int64_t nanoseconds;       /* since 1970-01-01T00:00:00Z */
+  uint32_t capturedLength;   /* bytes at data */
+  uint32_t originalLength;   /* bytes on the wire */
+  const uint8_t *data;
+  const void *record;        /* for QxView_DecodeFrame */
+  uint32_t interfaceIndex;   /* pcapng: the interface's place in its section */
+} QxPacket;
+
+/* Opens a capture file, or standard input for "-". path: UTF-8 on Windows. Null when it cannot be opened or is of no kind
+ * that is known. */
+QXVIEW_EXPORT void *QxView_OpenCapture(const char *path);
+/* The next packet, good until the next call: 1; 0 at the end; -1 when the file is damaged from here on. */
+QXVIEW_EXPORT int32_t QxView_NextPacket(void *capture, QxPacket *packet);
+/* How much of the file has been read, 0 to 100; -1 when its size is not known. */
+QXVIEW_EXPORT int32_t QxView_CapturePercent(void *capture);
+QXVIEW_EXPORT void QxView_CloseCapture(void *capture);
 
 /* ---- The view's window (Windows; elsewhere there is none, and the results are null and 0) ---- */
 

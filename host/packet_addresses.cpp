@@ -1,30 +1,31 @@
-#include "app/packet_addresses.h"
+#include "host/packet_addresses.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "core/bounded_text.h"
+#include "core/engine.h"
 
 namespace qxview {
 namespace {
 
+constexpr uint32_t kHardwareKind = kNoAddress;   // as the host is asked
 constexpr int32_t kMac = 6;
 
-void PutAddress(const AliasTable& aliases, AliasKind kind, const uint8_t* address, char* out) {
-  if (const std::string* name = aliases.Entries().empty() ? nullptr : aliases.Find(kind, address)) {
-    CopyBounded(out, kAddressTextSize, name->c_str(), static_cast<int32_t>(name->size()));
-    return;
-  }
+void PutAddress(const QxHost* host, uint32_t kind, const uint8_t* address, char* out) {
+  const auto alias = QXVIEW_HOST_FUNCTION(host, addressAlias);
+  if (alias && alias(host->user, kind, address, out, kAddressTextSize) == 1) return;
   switch (kind) {
-    case AliasKind::kIPv4: FormatIPv4(address, out); break;
-    case AliasKind::kIPv6: FormatIPv6(address, out); break;
-    case AliasKind::kHardware: FormatMac(address, out); break;
+    case kIPv4Kind: FormatIPv4(address, out); break;
+    case kIPv6Kind: FormatIPv6(address, out); break;
+    default: FormatMac(address, out); break;
   }
 }
 
-void PutSlot(const AliasTable& aliases, const AddressSlot& slot, char* out) {
+void PutSlot(const QxHost* host, const AddressSlot& slot, char* out) {
   out[0] = 0;
-  if (slot.kind == kIPv4Kind) PutAddress(aliases, AliasKind::kIPv4, slot.address + 12, out);
-  if (slot.kind == kIPv6Kind) PutAddress(aliases, AliasKind::kIPv6, slot.address, out);
+  if (slot.kind == kIPv4Kind) PutAddress(host, kIPv4Kind, slot.address + 12, out);
+  if (slot.kind == kIPv6Kind) PutAddress(host, kIPv6Kind, slot.address, out);
 }
 
 // Where a medium's header holds its addresses, from the frame's start; negative for none.
@@ -56,27 +57,27 @@ AddressPlaces PlacesOf(const FrameRecord* record) {
   }
 }
 
-void PutHardware(const AliasTable& aliases, const FrameRecord* record, int32_t place, bool source, char* out) {
+void PutHardware(const QxHost* host, const FrameRecord* record, int32_t place, bool source, char* out) {
   out[0] = 0;
   if (place < 0 || place + kMac > record->capturedLength) return;
   uint8_t address[kMac];
   std::memcpy(address, FrameData(record) + place, kMac);
   // The bit of a Token Ring source address that says that routing information follows is none of the address.
   if (source && record->mediaType == static_cast<uint8_t>(Medium::kTokenRing)) address[0] &= 0x7F;
-  PutAddress(aliases, AliasKind::kHardware, address, out);
+  PutAddress(host, kHardwareKind, address, out);
 }
 
 }  // namespace
 
-void FormatPacketAddresses(const PacketState& packet, const AliasTable& aliases, PacketAddresses* out) {
-  if (packet.source.kind != kNoAddress || packet.destination.kind != kNoAddress) {
-    PutSlot(aliases, packet.source, out->source);
-    PutSlot(aliases, packet.destination, out->destination);
+void FormatPacketAddresses(const PacketState& packet, const QxHost* host, PacketAddresses* out) {
+  if (packet.source.kind != 0 || packet.destination.kind != 0) {
+    PutSlot(host, packet.source, out->source);
+    PutSlot(host, packet.destination, out->destination);
     return;
   }
   const AddressPlaces places = PlacesOf(packet.frame);
-  PutHardware(aliases, packet.frame, places.source, true, out->source);
-  PutHardware(aliases, packet.frame, places.destination, false, out->destination);
+  PutHardware(host, packet.frame, places.source, true, out->source);
+  PutHardware(host, packet.frame, places.destination, false, out->destination);
 }
 
 }  // namespace qxview
