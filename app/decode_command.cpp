@@ -5,6 +5,7 @@
 #include "app/packet_run.h"
 #include "app/tree_writer.h"
 #include "core/line_facts.h"
+#include "platform/interruption.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -33,6 +34,7 @@ int Decode(const DecodeOptions& options) {
   if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
   TreeStyle style;
   style.colors = options.format == Format::kTree && UsesColor(options.reading.color);
+  if (style.colors && IsTerminal(StandardOutputFile())) ResetColorsOnSignal();
   style.ranges = options.ranges;
   style.keys = options.keys;
   if (options.keys && !KeepFacts(&session.Context(), true)) return OutputFault();
@@ -70,7 +72,7 @@ void AddDecodeCommand(CommandLine* line) {
       "  qxview decode capture.pcap\n"
       "  qxview decode --packets 3-9 --ranges -x capture.pcapng.gz\n"
       "  qxview decode -d tcp:8080=HTTP --format json capture.pcap\n"
-      "  tcpdump -w - | qxview decode -l -");
+      "  tcpdump -U -w - | qxview decode -");
   command.SetAction([options] {
     FinishReadingOptions(&options->reading);
     return Decode(*options);

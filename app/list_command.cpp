@@ -117,7 +117,7 @@ void AddListCommand(CommandLine* line) {
       "  qxview list capture.pcap\n"
       "  qxview list -t u -f 'port 53' capture.pcapng.gz\n"
       "  qxview list --set AliasFile=names.txt --packets 1-100 capture.pcap\n"
-      "  tcpdump -w - | qxview list -l -");
+      "  tcpdump -U -w - | qxview list -");
   command.SetAction([options] {
     FinishReadingOptions(&options->reading);
     return List(*options);

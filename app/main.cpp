@@ -3,6 +3,7 @@
 #include <new>
 
 #include "app/commands.h"
+#include "platform/interruption.h"
 #include "platform/platform.h"
 
 int main(int argc, char** argv) try {
@@ -16,7 +17,9 @@ int main(int argc, char** argv) try {
   AddProtocolsCommand(&line);
   AddSaveCommand(&line);
   AddXmlCommand(&line);
-  return line.Run(words);
+  const int status = line.Run(words);
+  EndBySignal();
+  return status;
 } catch (const std::bad_alloc&) {
   std::fputs("qxview: out of memory\n", stderr);
   return qxview::kFileFault;

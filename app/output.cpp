@@ -2,11 +2,19 @@
 
 #include "app/commands.h"
 #include "app/packet_run.h"
+#include "core/characters.h"
+#include "platform/interruption.h"
 #include "platform/new_file.h"
 #include "platform/platform.h"
 
 namespace qxview {
-Output::Output() { OpenOutput(&file_, FileSink(StandardOutputFile())); }
+
+Output::Output() {
+  OpenOutput(&file_, FileSink(StandardOutputFile()));
+  SetIdleAction([](void* output) { static_cast<Output*>(output)->Flush(); }, this);
+}
+
+Output::~Output() { SetIdleAction(nullptr, nullptr); }
 
 int OutputFault() {
   Tell("standard output: " + WriteFailure());

@@ -9,7 +9,10 @@ namespace qxview {
 
 class Output {
  public:
-  Output();                                  // standard output
+  Output();   // standard output: shown whenever input is waited for
+  ~Output();
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
   explicit Output(const OutputSink& sink) { OpenOutput(&file_, sink); }
   void Put(std::string_view text) { WriteOutput(&file_, text.data(), static_cast<int32_t>(text.size())); }
   void Put(char c) { WriteOutput(&file_, &c, 1); }

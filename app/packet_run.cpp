@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/bpf_filter.h"
+#include "platform/interruption.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -27,8 +28,12 @@ bool PacketRun::Open(const ReadingOptions& options) {
     filter_ = BpfFilter::Create(options.filter, &message);
     if (!filter_) return status_ = kUsage, Tell(message), false;
   }
+  EndInputOnSignals();
   reader_ = OpenCapture(options.file.c_str(), &message);
-  if (!reader_) return status_ = kFileFault, Tell(message), false;
+  if (!reader_) {
+    if (!IsInputEnded()) Tell(message);
+    return status_ = kFileFault, false;
+  }
   session_ = Session::Create(host_->Record(), PlatformLibraryLoader());
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());

@@ -2,6 +2,7 @@
 #include "app/packet_run.h"
 #include "core/bounded_text.h"
 #include "files/xml_export.h"
+#include "platform/interruption.h"
 #include "platform/new_file.h"
 #include "platform/platform.h"
 
@@ -45,11 +46,15 @@ int ExportXml(const XmlOptions& options) {
   if (!toStandardOutput && !target.Create(options.out, &message)) return Tell(message), kFileFault;
   const auto document = std::make_unique<XmlExport>(
       toStandardOutput ? FileSink(StandardOutputFile()) : target.Sink(), LocalOffset);
+  if (toStandardOutput) {
+    SetIdleAction([](void* out) { static_cast<XmlExport*>(out)->Flush(); }, document.get());
+  }
   document->Begin();
   const int status = run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame& frame) {
     document->AddFrame(frame.number, record);
     return !document->Failed();
   });
+  SetIdleAction(nullptr, nullptr);
   std::vector<std::string> texts;
   const std::vector<XmlAlias> aliases = CollectAliases(run.Host().Aliases(), &texts);
   const bool good = document->Finish(aliases.data(), aliases.size(), 0);

@@ -38,6 +38,9 @@ class ByteSource {
   // Why the data ended; empty when that was their regular end.
   const std::string& Failure() const { return failure_; }
 
+  // True when the user ended the data before their end: what is cut by that is not damaged.
+  virtual bool IsInterrupted() const { return false; }
+
   // How far the underlying file is read and its size in bytes; size 0 when unknown (pipes).
   virtual uint64_t FilePosition() const { return Position(); }
   virtual uint64_t FileSize() const { return 0; }

@@ -40,6 +40,10 @@ CaptureReader::CaptureReader(std::unique_ptr<ByteSource> source, const char* fil
 ReadResult CaptureReader::Next(CaptureFrame* frame) noexcept {
   if (last_ != ReadResult::kFrame) return last_;
   last_ = ReadFrame(frame);
+  if (last_ == ReadResult::kDamaged && source_->IsInterrupted()) {
+    message_.clear();
+    last_ = ReadResult::kEnd;
+  }
   if (last_ == ReadResult::kFrame) frame->number = ++frames_;
   return last_;
 }

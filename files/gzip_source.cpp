@@ -20,6 +20,7 @@ class GzipSource : public BufferedSource {
   uint64_t FilePosition() const override { return compressed_->FilePosition(); }
   uint64_t FileSize() const override { return compressed_->FileSize(); }
   bool IsCompressed() const override { return true; }
+  bool IsInterrupted() const override { return compressed_->IsInterrupted(); }
 
  protected:
   size_t ReadSome(uint8_t* out, size_t size) override {

@@ -40,6 +40,7 @@ class XmlExport {
   // speed: of the network in bits a second, 0 when it is not known. False when a write failed.
   bool Finish(const XmlAlias* aliases, size_t count, uint64_t speed);
 
+  void Flush() { FlushOutput(&file_); }
   bool Failed() const { return file_.failed; }
 
  private:

@@ -20,6 +20,7 @@ bool ReadTextFile(const std::string& path, std::istringstream* text, std::string
     source->Skip(count);
   }
   if (!source->Failure().empty()) return *reason = source->Failure(), false;
+  if (source->IsInterrupted()) return *reason = "interrupted", false;
   text->str(std::move(read));
   return true;
 }

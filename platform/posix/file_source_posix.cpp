@@ -7,6 +7,7 @@
 #include <new>
 
 #include "files/byte_source.h"
+#include "platform/interruption.h"
 
 namespace qxview {
 namespace {
@@ -38,10 +39,12 @@ class ReadingSource : public BufferedSource {
       : file_(std::move(file)), start_(start), size_(size) {}
   uint64_t FilePosition() const override { return start_ + Position(); }
   uint64_t FileSize() const override { return size_; }
+  bool IsInterrupted() const override { return interrupted_; }
 
  protected:
   size_t ReadSome(uint8_t* out, size_t size) override {
     for (;;) {
+      if (!WaitForInput(file_->Get())) return interrupted_ = true, 0;
       const ssize_t got = read(file_->Get(), out, size);
       if (got >= 0) return static_cast<size_t>(got);
       if (errno == EINTR) continue;
@@ -54,6 +57,7 @@ class ReadingSource : public BufferedSource {
   std::unique_ptr<Descriptor> file_;
   uint64_t start_;  // where standard input stood when it was taken over
   uint64_t size_;
+  bool interrupted_ = false;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/interruption.h"
 #include "platform/new_file.h"
 #include "platform/platform.h"
 
@@ -14,7 +15,9 @@ namespace qxview {
 
 NewFile::~NewFile() {
   if (file_ >= 0) close(static_cast<int>(file_));
-  if (!temporary_.empty()) unlink(temporary_.c_str());
+  if (temporary_.empty()) return;
+  unlink(temporary_.c_str());
+  RemoveOnSignal("");
 }
 
 bool NewFile::Create(const std::string& path, std::string* message) {
@@ -36,7 +39,7 @@ bool NewFile::Create(const std::string& path, std::string* message) {
     umask(mask);
     if (file_ >= 0) fchmod(static_cast<int>(file_), there ? present.st_mode & 07777 : 0666 & ~mask);
   }
-  if (file_ >= 0) return true;
+  if (file_ >= 0) return RemoveOnSignal(temporary_), true;
   *message = path + ": " + std::strerror(errno);
   temporary_.clear();
   return false;
@@ -51,8 +54,10 @@ bool NewFile::Keep(std::string* message) {
   file_ = -1;
   good = good && (direct_ || rename(temporary_.c_str(), path_.c_str()) == 0);
   if (!good) *message = path_ + ": " + std::strerror(errno);
-  if (good) temporary_.clear();
-  return good;
+  if (!good) return false;
+  temporary_.clear();
+  RemoveOnSignal("");
+  return true;
 }
 
 }  // namespace qxview

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "files/byte_source.h"
+#include "platform/interruption.h"
 #include "platform/platform.h"
 #include "platform/win32/wide_text.h"
 
@@ -25,12 +26,15 @@ class HandleSource final : public BufferedSource {
   }
   uint64_t FilePosition() const override { return start_ + Position(); }
   uint64_t FileSize() const override { return size_; }
+  bool IsInterrupted() const override { return interrupted_; }
 
  protected:
   size_t ReadSome(uint8_t* out, size_t size) override {
     constexpr size_t kMost = 1u << 30;
-    const int32_t got = ReadFileBytes(reinterpret_cast<intptr_t>(file_), out,
-                                      static_cast<int32_t>(size < kMost ? size : kMost));
+    const int64_t file = reinterpret_cast<intptr_t>(file_);
+    if (!WaitForInput(file)) return interrupted_ = true, 0;
+    const int32_t got = ReadFileBytes(file, out, static_cast<int32_t>(size < kMost ? size : kMost));
+    if (got <= 0 && IsInputEnded()) return interrupted_ = true, 0;
     if (got < 0) failure_ = ErrorText(GetLastError());
     return got > 0 ? static_cast<size_t>(got) : 0;
   }
@@ -40,6 +44,7 @@ class HandleSource final : public BufferedSource {
   bool own_;
   uint64_t start_ = 0;   // where standard input stood when it was taken over
   uint64_t size_ = 0;
+  bool interrupted_ = false;
 };
 
 }  // namespace

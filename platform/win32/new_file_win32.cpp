@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "platform/interruption.h"
 #include "platform/new_file.h"
 #include "platform/platform.h"
 #include "platform/win32/wide_text.h"
@@ -53,7 +54,9 @@ HANDLE CreateBeside(const std::string& path, std::string* name) {
 
 NewFile::~NewFile() {
   if (file_ >= 0) CloseHandle(HandleOf(file_));
-  if (!temporary_.empty()) DeleteFileW(WidePathOf(temporary_).c_str());
+  if (temporary_.empty()) return;
+  DeleteFileW(WidePathOf(temporary_).c_str());
+  RemoveOnSignal("");
 }
 
 bool NewFile::Create(const std::string& path, std::string* message) {
@@ -69,6 +72,7 @@ bool NewFile::Create(const std::string& path, std::string* message) {
   const HANDLE file = direct_ ? OpenDevice(WidePathOf(path_)) : CreateBeside(path_, &temporary_);
   if (file != INVALID_HANDLE_VALUE) {
     file_ = reinterpret_cast<intptr_t>(file);
+    RemoveOnSignal(temporary_);
     return true;
   }
   *message = path + ": " + ErrorText(GetLastError());
@@ -85,8 +89,10 @@ bool NewFile::Keep(std::string* message) {
   good = good && (direct_ || MoveFileExW(WidePathOf(temporary_).c_str(), WidePathOf(path_).c_str(),
                                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
   if (!good) *message = path_ + ": " + ErrorText(GetLastError());
-  if (good) temporary_.clear();
-  return good;
+  if (!good) return false;
+  temporary_.clear();
+  RemoveOnSignal("");
+  return true;
 }
 
 }  // namespace qxview

@@ -30,6 +30,7 @@ int32_t WriteHandle(void* handle, const char* bytes, int32_t length) {
     DWORD written = 0;
     if (!WriteFile(handle, bytes, static_cast<DWORD>(length), &written, nullptr)) {
       const DWORD error = GetLastError();
+      if (error == ERROR_OPERATION_ABORTED) continue;   // what ends the input does not end the output
       const bool closed =
           error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
       if (closed && endsOnClosedPipe && handle == GetStdHandle(STD_OUTPUT_HANDLE)) ExitProcess(0);
