@@ -59,20 +59,22 @@ void Command::AddTexts(const char* names, const char* valueName, const char* abo
 }
 
 bool Command::TakeNumber(const std::string& value, uint64_t least, uint64_t most, uint64_t* number,
-                         std::string* wanted) {
+                         std::string* wrong) {
   const char* const last = value.data() + value.size();
   const auto [end, error] = std::from_chars(value.data(), last, *number);
   if (!value.empty() && error == std::errc() && end == last && *number >= least && *number <= most) return true;
-  *wanted = "a number from " + std::to_string(least);
-  if (most != UINT64_MAX) *wanted += " to " + std::to_string(most);
+  *wrong = "a number from " + std::to_string(least);
+  if (most != UINT64_MAX) *wrong += " to " + std::to_string(most);
+  *wrong += " is wanted";
   return false;
 }
 
-int32_t Command::TakeWord(const std::string& value, const std::vector<const char*>& words, std::string* wanted) {
+int32_t Command::TakeWord(const std::string& value, const std::vector<const char*>& words, std::string* wrong) {
   for (size_t i = 0; i < words.size(); ++i) {
     if (EqualsIgnoringCase(value, words[i])) return static_cast<int32_t>(i);
-    *wanted += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + std::string(words[i]);
+    *wrong += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + std::string(words[i]);
   }
+  *wrong += " is wanted";
   return -1;
 }
 
@@ -151,9 +153,9 @@ Command::Outcome Command::Parse(std::vector<std::string>& words, std::vector<std
     }
     const CommandOption* given = OptionOf(code);
     const std::string value = optarg ? optarg : "";
-    std::string wanted;
-    if (given->take(value, &wanted)) continue;
-    Tell(given->Spelling() + " " + QuoteValue(value) + ": " + wanted + " is wanted");
+    std::string wrong;
+    if (given->take(value, &wrong)) continue;
+    Tell(given->Spelling() + " " + QuoteValue(value) + ": " + wrong);
     return Outcome::kWrongValue;
   }
   arguments->insert(arguments->end(), words.begin() + optind, words.end());

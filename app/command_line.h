@@ -15,8 +15,8 @@ enum ExitStatus : int { kDone = 0, kNothingFound = 1, kUsage = 2, kFileFault = 3
 // A message on standard error: "qxview: TEXT".
 void Tell(const std::string& text);
 
-// Takes what the user gave for an option; false for a value that it does not take, then *wanted says what it would.
-using TakeValue = std::function<bool(const std::string& value, std::string* wanted)>;
+// Takes what the user gave for an option; false for a value that it does not take, then *wrong says why.
+using TakeValue = std::function<bool(const std::string& value, std::string* wrong)>;
 
 struct CommandOption {
   char letter;              // 0: none
@@ -47,9 +47,9 @@ class Command {
   template <typename Number>
   void AddNumber(const char* names, const char* valueName, const char* about, uint64_t least, uint64_t most,
                  Number* number) {
-    AddOption(names, valueName, about, [=](const std::string& value, std::string* wanted) {
+    AddOption(names, valueName, about, [=](const std::string& value, std::string* wrong) {
       uint64_t parsed = 0;
-      if (!TakeNumber(value, least, most, &parsed, wanted)) return false;
+      if (!TakeNumber(value, least, most, &parsed, wrong)) return false;
       *number = static_cast<Number>(parsed);
       return true;
     });
@@ -59,8 +59,8 @@ class Command {
                  std::vector<std::pair<const char*, Choice>> choices, Choice* chosen) {
     std::vector<const char*> words;
     for (const auto& choice : choices) words.push_back(choice.first);
-    AddOption(names, valueName, about, [=](const std::string& value, std::string* wanted) {
-      const int32_t index = TakeWord(value, words, wanted);
+    AddOption(names, valueName, about, [=](const std::string& value, std::string* wrong) {
+      const int32_t index = TakeWord(value, words, wrong);
       if (index >= 0) *chosen = choices[static_cast<size_t>(index)].second;
       return index >= 0;
     });
@@ -82,8 +82,8 @@ class Command {
 
  private:
   static bool TakeNumber(const std::string& value, uint64_t least, uint64_t most, uint64_t* number,
-                         std::string* wanted);
-  static int32_t TakeWord(const std::string& value, const std::vector<const char*>& words, std::string* wanted);
+                         std::string* wrong);
+  static int32_t TakeWord(const std::string& value, const std::vector<const char*>& words, std::string* wrong);
   const CommandOption* OptionOf(int code) const;
   // What is wrong is told.
   enum class Outcome { kTaken, kHelp, kWrongValue, kMisused };

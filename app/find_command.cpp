@@ -6,6 +6,7 @@
 #include "app/commands.h"
 #include "app/packet_run.h"
 #include "app/tree_writer.h"
+#include "host/text.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -71,11 +72,17 @@ bool ShowMatch(PacketRun& run, const KeptRecord& found, const FindOptions& optio
   return !out.Failed();
 }
 
-int Find(const FindOptions& options) {
+int Find(FindOptions options) {
   PacketRun run;
-  if (options.text.empty() || options.text.size() >= sizeof(DecodeContext::findText)) {
-    return Tell("find: TEXT has 1 to 1023 bytes"), kUsage;
+  std::string text, missing;
+  if (!Windows1252Of(options.text, &text, &missing)) {
+    return Tell("find: no line holds " + QuoteValue(missing) + ": lines are in the characters of Windows-1252"),
+           kNothingFound;
   }
+  if (text.empty() || text.size() >= sizeof(DecodeContext::findText)) {
+    return Tell("find: TEXT has 1 to 1023 characters"), kUsage;
+  }
+  options.text = text;
   if (!run.Open(options.reading)) return run.Status();
   DecodeContext& context = run.GetSession().Context();
   StartFind(context, options);

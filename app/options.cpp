@@ -17,7 +17,7 @@ bool ParsePacketNumber(const std::string& text, uint64_t* number) {
 
 }  // namespace
 
-bool PacketSelection::Parse(const std::string& list, std::string* wanted) {
+bool PacketSelection::Parse(const std::string& list, std::string* wrong) {
   spans_.clear();
   for (size_t at = 0; at <= list.size();) {
     const size_t comma = std::min(list.find(',', at), list.size());
@@ -33,7 +33,7 @@ bool PacketSelection::Parse(const std::string& list, std::string* wanted) {
       good = good && ParsePacketNumber(piece.substr(dash + 1), &last) && first <= last;
     }
     if (!good) {
-      *wanted = "a packet number from 1 or a span like 3-9 or 12- instead of " + QuoteValue(piece);
+      *wrong = QuoteValue(piece) + " is no packet number from 1, nor a span like 3-9 or 12-";
       return false;
     }
     spans_.push_back({first, last});
@@ -58,14 +58,14 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
   command->AddArgument("FILE", "pcap, pcapng or BFR file, gzip-compressed or not; - for standard input",
                        &options->file);
   command->AddOption("--packets", "LIST", "packet numbers from 1: 7, 3-9, 12-, comma-separated",
-                     [options](const std::string& value, std::string* wanted) {
-                       return options->selection.Parse(value, wanted);
+                     [options](const std::string& value, std::string* wrong) {
+                       return options->selection.Parse(value, wrong);
                      });
   command->AddNumber("-c,--count", "N", "stop after N packets", 1, UINT64_MAX, &options->count);
   command->AddText("-f,--filter", "EXPR", "only packets that match a BPF expression", &options->filter);
   command->AddTexts("-d,--decode-as", "SPEC",
                     "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
-                    "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address",
+                    "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address; tcp:80=none takes one away",
                     &options->host.definitions);
   command->AddText("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
   command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);

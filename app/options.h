@@ -13,8 +13,8 @@ namespace qxview {
 // Packet numbers from 1: "7", "3-9", "12-", comma-separated.
 class PacketSelection {
  public:
-  // False with what is wanted when a piece is wrong.
-  bool Parse(const std::string& list, std::string* wanted);
+  // False with a message that names the piece that is wrong.
+  bool Parse(const std::string& list, std::string* wrong);
   bool Holds(uint64_t number) const;
   uint64_t Last() const;   // no packet behind this one is selected
 

@@ -29,4 +29,21 @@ int KeepFile(NewFile* file, const std::string& name, bool written, int status) {
   return status;
 }
 
+// UTF-8 to Windows-1252: see the header.
+bool Windows1252Of(std::string_view text, std::string* out, std::string* missing) {
+  out->clear();
+  for (size_t at = 0; at < text.size();) {
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data()) + at;
+    const Utf8Character next = Utf8At(bytes, static_cast<int32_t>(text.size() - at));
+    const uint8_t character = next.octets ? Windows1252Of(next.code) : bytes[0];
+    if (character == 0 && next.code != 0) {
+      *missing = text.substr(at, static_cast<size_t>(next.octets));
+      return false;
+    }
+    *out += static_cast<char>(character);
+    at += next.octets ? static_cast<size_t>(next.octets) : 1;
+  }
+  return true;
+}
+
 }  // namespace qxview

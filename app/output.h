@@ -1,5 +1,6 @@
 // Buffered standard output for the command line: every write checked, a closed pipe ends the program quietly.
 #pragma once
+#include <string>
 #include <string_view>
 
 #include "core/characters.h"
@@ -23,5 +24,9 @@ class Output {
  private:
   OutputFile file_;
 };
+
+// UTF-8 to Windows-1252; bytes that are no UTF-8 stay as they are. False with the first character that the code page
+// does not have.
+bool Windows1252Of(std::string_view text, std::string* out, std::string* missing);
 
 }  // namespace qxview

@@ -12,6 +12,36 @@ namespace qxview {
 
 void Tell(const std::string& text) { std::fprintf(stderr, "qxview: %s\n", text.c_str()); }
 
+namespace {
+
+bool HasEntryPoint(const LibraryLoader& loader, void* library) {
+  for (const char* name : {"CustomDecodeFrame", "CustomDecodeFrameWireless", "CustomDecodeFrameWan", "CustomDecodeIP",
+                           "CustomDecodeTCP", "CustomDecodeUDP", "ExternalDecode"}) {
+    if (loader.find(library, name)) return true;
+  }
+  return false;
+}
+
+// The platform's loader; a user's library that it cannot load, or that does nothing, is told.
+LibraryLoader TellingLibraryLoader() {
+  LibraryLoader loader = PlatformLibraryLoader();
+  loader.load = [](const char* path) {
+    const LibraryLoader platform = PlatformLibraryLoader();
+    void* library = platform.load(path);
+    if (!library) {
+      std::string reason = LibraryFailure();
+      if (reason.starts_with(std::string(path) + ": ")) reason.erase(0, std::strlen(path) + 2);
+      Tell(std::string(path) + ": this user library is not loaded: " + reason);
+    } else if (!HasEntryPoint(platform, library)) {
+      Tell(std::string(path) + ": this user library has none of the entry points that are called");
+    }
+    return library;
+  };
+  return loader;
+}
+
+}  // namespace
+
 PacketRun::PacketRun() = default;
 PacketRun::~PacketRun() = default;
 
@@ -34,7 +64,7 @@ bool PacketRun::Open(const ReadingOptions& options) {
     if (!IsInputEnded()) Tell(message);
     return status_ = kFileFault, false;
   }
-  session_ = Session::Create(host_->Record(), PlatformLibraryLoader());
+  session_ = Session::Create(host_->Record(), TellingLibraryLoader());
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());
   builder_ = std::make_unique<RecordBuilder>();

@@ -102,8 +102,8 @@ void AddSaveCommand(CommandLine* line) {
   command.AddFlag("--append", "add the packets to the end of an existing file", &options->append);
   command.AddNumber("--partial", "BYTES", "cut packets to this many bytes", 0, 65535, &options->partialBytes);
   command.AddOption("--name", "TEXT", "the name kept in the file, at most 260 characters",
-                    [options](const std::string& value, std::string* wanted) {
-                      *wanted = "a text of at most 260 characters";
+                    [options](const std::string& value, std::string* wrong) {
+                      *wrong = "a text of at most 260 characters is wanted";
                       options->name = value;
                       return value.size() <= kLongestBufferName;
                     });

@@ -11,15 +11,16 @@ namespace {
 
 constexpr int32_t kMostNameBytes = 128;
 
+// A name alone is that of a file beside the program; a path is one, from the working folder on where it is relative.
 void* LoadNamed(const Engine* engine, const char* directory, const char* name) {
+  const LibraryLoader& loader = engine->libraries.loader;
   char path[1024];
-  const bool absolute = name[0] == '/' || name[0] == '\\' || (name[0] && name[1] == ':');
-  if (absolute || !directory[0]) {
+  if (!directory[0] || (loader.separators && std::strpbrk(name, loader.separators))) {
     CopyString(path, sizeof path, name);
   } else {
     FormatInto(path, sizeof path, "%s/%s", directory, name);
   }
-  return engine->libraries.loader.load(path);
+  return loader.load(path);
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ struct LibraryLoader {
   void* (*load)(const char* path);                    // null when it cannot be loaded
   void* (*find)(void* library, const char* name);     // null when it has no such entry point
   void (*release)(void* library);
+  const char* separators;                             // a name that holds one of these is a path
 };
 
 struct CustomLibraries {

@@ -7,6 +7,7 @@
 #include "core/bounded_text.h"
 #include "core/dispatch.h"
 #include "host/alias_table.h"
+#include "host/nearest_name.h"
 #include "host/text.h"
 
 namespace qxview {
@@ -29,12 +30,21 @@ int32_t FindProtocol(std::string_view name, bool overUdp) {
   return found;
 }
 
+std::string ProtocolHint(const std::string& name) {
+  std::vector<std::string_view> names;
+  const RowSpan rows = BuiltinRows();
+  for (int32_t i = 0; i < rows.count; ++i) names.push_back(rows.rows[i].name);
+  return NearestHint(name, names) + "; the command protocols lists the names";
+}
+
+constexpr const char* kNoProtocol = "none";   // in place of a name: the end has no definition any more
+
 struct ParsedDefinition {
   bool overUdp = false;
   bool hasAddress = false;
   AddressSlot address{};
   uint16_t port = 0;
-  int32_t identifier = 0;
+  int32_t identifier = 0;   // 0: none
 };
 
 // The texts of a definition, before they are read.
@@ -45,15 +55,16 @@ struct DefinitionParts {
 
 // `before`, the text in quotation marks, `behind`.
 std::string Quote(std::string_view before, std::string_view text, std::string_view behind) {
-  std::string quoted(before);
-  quoted.append("\"").append(text).append("\"").append(behind);
-  return quoted;
+  return std::string(before).append(QuoteValue(text)).append(behind);
 }
 
 std::optional<std::string> SplitDefinition(std::string_view text, DefinitionParts* parts) {
   const size_t equals = text.find('='), colon = text.find(':');
-  if (equals == text.npos) return "it has no \"=\" and protocol name";
-  if (colon == text.npos || colon > equals) return "it has no transport (tcp or udp) and \":\" in front";
+  if (equals == text.npos) return "it has no \"=\" and protocol name, as tcp:8080=HTTP has";
+  if (text.substr(equals).starts_with("==")) return "it is written like tcp:8080=HTTP";
+  if (colon == text.npos || colon > equals) {
+    return "it has no transport (tcp or udp) and \":\" in front, as tcp:8080=HTTP has";
+  }
   parts->transport = Trim(text.substr(0, colon));
   parts->name = Trim(text.substr(equals + 1));
   std::string end = Trim(text.substr(colon + 1, equals - colon - 1));
@@ -122,8 +133,8 @@ std::optional<std::string> ParseDefinition(std::string_view text, ParsedDefiniti
   }
   if (auto wrong = ReadPort(parts, &out->port)) return wrong;
   out->identifier = FindProtocol(parts.name, out->overUdp);
-  if (out->identifier) return std::nullopt;
-  return Quote("protocol ", parts.name, " is unknown; the command protocols lists the names");
+  if (out->identifier || EqualsIgnoringCase(parts.name, kNoProtocol)) return std::nullopt;
+  return Quote("protocol ", parts.name, " is unknown") + ProtocolHint(parts.name);
 }
 
 std::string EndText(int32_t which, const HashEntry& entry) {
@@ -167,6 +178,12 @@ std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view d
   const int32_t addresses = parsed.overUdp ? QX_UDP_ADDRESSES : QX_TCP_ADDRESSES;
   DefinitionTable& table = tables_[parsed.hasAddress ? addresses : ports];
   const TableLockHolder held(table.lock);
+  if (parsed.identifier == 0) {
+    HashEntry* defined = parsed.hasAddress ? HashFindGenericIPPort(table.hash.get(), parsed.address, parsed.port)
+                                           : HashFind(table.hash.get(), parsed.port);
+    if (defined && defined->first.port == parsed.port) HashRemove(table.hash.get(), defined);
+    return std::nullopt;
+  }
   const HashEntry* added =
       parsed.hasAddress
           ? HashInsertGenericIPPort(table.hash.get(), parsed.address, parsed.port, parsed.identifier)

@@ -1,6 +1,6 @@
 #include "host/settings_store.h"
 
-
+#include "host/nearest_name.h"
 #include "host/text.h"
 #include "host/text_file.h"
 
@@ -52,16 +52,19 @@ bool SettingsStore::Check(const std::string& name, const std::string& value, con
                           std::string* message) const {
   const KnownSetting* known = FindKnown(name);
   if (!known) {
-    *message = place + ": there is no setting \"" + name + "\"";
+    std::vector<std::string_view> names;
+    for (const KnownSetting& setting : kKnown) names.push_back(setting.name);
+    *message = place + ": there is no setting " + QuoteValue(name) + NearestHint(name, names);
     return false;
   }
   int64_t number = 0;
   if (known->kind == Kind::kNumber && !value.empty() && !ParseNumber(value, &number)) {
-    *message = place + ": " + known->name + " wants a number (decimal, or hexadecimal after 0x), not \"" + value + "\"";
+    *message = place + ": " + known->name + " wants a number (decimal, or hexadecimal after 0x), not " +
+               QuoteValue(value);
     return false;
   }
   if (known->kind == Kind::kNumber && (number < 0 || number > known->most)) {
-    *message = place + ": " + known->name + " is at most " + std::to_string(known->most) + ", not " + value;
+    *message = place + ": " + known->name + " is at most " + std::to_string(known->most) + ", not " + QuoteValue(value);
     return false;
   }
   return true;
@@ -93,10 +96,12 @@ bool SettingsStore::ReadText(std::istream& file, const std::string& path, std::s
     const std::string text = Trim(line);
     if (text.empty() || text[0] == ';' || text[0] == '#') continue;
     if (text[0] == '[') {
-      if (text.back() != ']') return *message = place + ": the section \"" + text + "\" has no closing bracket", false;
+      if (text.back() != ']') {
+        return *message = place + ": the section " + QuoteValue(text) + " has no closing bracket", false;
+      }
       section = Trim(text.substr(1, text.size() - 2));
       if (!EqualsIgnoringCase(section, "View") && !EqualsIgnoringCase(section, "Protocols")) {
-        return *message = place + ": there is no section \"" + section + "\"", false;
+        return *message = place + ": there is no section " + QuoteValue(section) + ", only View and Protocols", false;
       }
       continue;
     }
@@ -105,8 +110,10 @@ bool SettingsStore::ReadText(std::istream& file, const std::string& path, std::s
       continue;
     }
     const size_t equals = text.find('=');
-    if (section.empty()) return *message = place + ": \"" + text + "\" stands in front of the first section", false;
-    if (equals == std::string::npos) return *message = place + ": \"" + text + "\" is not Name = Value", false;
+    if (section.empty()) {
+      return *message = place + ": " + QuoteValue(text) + " stands in front of the first section", false;
+    }
+    if (equals == std::string::npos) return *message = place + ": " + QuoteValue(text) + " is not Name = Value", false;
     const std::string name = Trim(text.substr(0, equals)), value = Trim(text.substr(equals + 1));
     if (!Check(name, value, place, message)) return false;
     values.push_back({name, value});
@@ -129,11 +136,11 @@ bool SettingsStore::Take(const UserSettings& settings, std::string* message) {
 bool SettingsStore::Set(const std::string& assignment, std::string* message) {
   const size_t equals = assignment.find('=');
   if (equals == std::string::npos) {
-    *message = "--set " + assignment + ": is not NAME=VALUE";
+    *message = "--set " + QuoteValue(assignment) + ": NAME=VALUE is wanted";
     return false;
   }
   const std::string name = Trim(assignment.substr(0, equals)), value = Trim(assignment.substr(equals + 1));
-  if (!Check(name, value, "--set " + assignment, message)) return false;
+  if (!Check(name, value, "--set " + QuoteValue(assignment), message)) return false;
   Put(name, value);
   return true;
 }

@@ -28,15 +28,16 @@ bool TakeCharacter(std::string_view text, size_t* at, uint32_t* point) {
   if (lead < 0x80) return true;
   const int32_t more = lead < 0xC2 || lead > 0xF4 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
   if (more == 0) return false;
-  *point = lead & (0x3Fu >> more);
+  uint32_t joined = lead & (0x3Fu >> more);
   for (int32_t i = 0; i < more; ++i) {
     const uint8_t next = byteAt(*at + static_cast<size_t>(i));
     if ((next & 0xC0) != 0x80) return false;
-    *point = *point << 6 | (next & 0x3F);
+    joined = joined << 6 | (next & 0x3F);
   }
   constexpr uint32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
-  if (*point < kLeast[more] || *point > 0x10FFFF || (*point >= 0xD800 && *point < 0xE000)) return false;
+  if (joined < kLeast[more] || joined > 0x10FFFF || (joined >= 0xD800 && joined < 0xE000)) return false;
   *at += static_cast<size_t>(more);
+  *point = joined;
   return true;
 }
 

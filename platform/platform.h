@@ -15,6 +15,8 @@ namespace qxview {
 std::vector<std::string> StartProgram(int argc, char** argv);
 
 LibraryLoader PlatformLibraryLoader();
+// Why the library was not loaded that was asked for last.
+std::string LibraryFailure();
 
 // The directory of the running executable; user decoder libraries are named relative to it.
 std::string ExecutableDirectory();

@@ -3,6 +3,7 @@
 import gzip
 import json
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -24,7 +25,15 @@ def run(*arguments, stdin=None, **environment):
 
 class CommandLine(unittest.TestCase):
     def test_wrong_command_lines_name_what_is_wrong(self):
-        for arguments, said in ((["decode"], "FILE"), (["decode", SAMPLE, "--packets", "3-x"], '"3-x"'),
+        for arguments, said in ((["decode"], "FILE is missing"), (["decod"], "nearest is decode"),
+                                (["help", "lst"], "nearest is list"), (["-r", SAMPLE], "list FILE"),
+                                (["decode", SAMPLE, "--pakets", "1"], "nearest is --packets"),
+                                (["decode", "-V", SAMPLE], "-V"), (["decode", SAMPLE, "two"], '"two"'),
+                                (["decode", SAMPLE, "--count"], "wants a value"), (["list", "-l=1", SAMPLE], "-="),
+                                (["decode", SAMPLE, "--ranges=1"], "takes no value"),
+                                (["decode", SAMPLE, "-c", "\x1b[1m" + 300 * "9"], '"\\x1B[1m999'),
+                                (["decode", SAMPLE, "--set", "AliasFiel=1"], "nearest is AliasFile"),
+                                (["decode", SAMPLE, "-d", "tcp:80=HTPP"], "nearest is HTTP"), (["decode", SAMPLE, "--packets", "3-x"], '"3-x"'),
                                 (["decode", SAMPLE, "--packets", "0"], '"0"'), (["nothing"], "nothing"),
                                 (["decode", SAMPLE, "--set", "Foo=1"], '"Foo"'),
                                 (["decode", SAMPLE, "--set", "TypeOfServiceMode=x"], "TypeOfServiceMode"),
@@ -36,6 +45,7 @@ class CommandLine(unittest.TestCase):
             status, out, said_instead = run(*arguments)
             self.assertEqual((status, out), (2, b""), arguments)
             self.assertIn(said, said_instead, arguments)
+            self.assertLess(max(map(len, said_instead.splitlines())), 250, arguments)
 
     def test_files_at_fault_are_named_and_read_as_far_as_they_go(self):
         status, _, message = run("decode", "/nonexistent.pcap")
@@ -83,6 +93,12 @@ class CommandLine(unittest.TestCase):
     def test_definitions_and_settings_hold_for_the_run(self):
         status, out, _ = run("decode", HTTP, "-d", "tcp:80=ftp", "--packets", "4")
         self.assertIn(b"-> [80] FTP", out)
+        self.assertIn(b"-> [80] \n", run("decode", HTTP, "-d", "tcp:80=none", "-c", "1")[1])
+        # A name alone is that of a file beside the program; a path is one, from the working folder on.
+        for name, shown in (("none.so", os.path.dirname(QXVIEW)), ("./none.so", "./none.so")):
+            status, _, message = run("decode", "--set", "CustomLibrary0=" + name, "-c", "1", HTTP)
+            self.assertEqual(status, 0)
+            self.assertRegex(message, ("" if WINDOWS else re.escape(shown)) + ".* is not loaded: .+\n")
         with tempfile.TemporaryDirectory() as folder:
             with open(os.path.join(folder, "names"), "w", encoding="ascii") as file:
                 file.write("02:00:00:00:00:01  printer  # second floor\n")
@@ -118,6 +134,14 @@ class CommandLine(unittest.TestCase):
         first, last = run("find", HTTP, "Total IP length"), run("find", "--backward", HTTP, "Total IP length")
         self.assertNotEqual(first[1].splitlines()[0], last[1].splitlines()[0])
         self.assertEqual(run("find", HTTP, "no such text"), (1, b"", ""))
+        frame = bytes(12) + b"\x88\x5a" + "Caf\xe9 5\u20ac".encode("cp1252")
+        capture = (bytes.fromhex("d4c3b2a1020004000000000000000000ffff000001000000") + bytes(8) +
+                   len(frame).to_bytes(4, "little") * 2 + frame)
+        for text in ("Caf\xe9 5\u20ac", b"Caf\xe9") if not WINDOWS else ("Caf\xe9 5\u20ac",):
+            self.assertIn("Caf\xe9".encode(), run("find", "-", text, stdin=capture)[1])
+        status, _, message = run("find", "-", "\u2192", stdin=capture)
+        self.assertEqual(status, 1)
+        self.assertIn("\u2192", message)
 
     def test_a_reader_that_goes_away_ends_the_program_quietly(self):
         with subprocess.Popen([QXVIEW, "decode", "-l", HTTP], stdout=subprocess.PIPE, stderr=subprocess.PIPE) as running:
@@ -126,10 +150,12 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(running.stderr.read(), b"")
 
     def test_every_command_has_help_with_examples(self):
-        for command in ("decode", "list", "find", "print", "save", "protocols"):
+        for command in ("decode", "list", "find", "print", "save", "protocols", "xml"):
             status, out, _ = run(command, "--help")
             self.assertEqual(status, 0)
             self.assertIn(b"Example", out, command)
+            self.assertEqual(run("help", command), (0, out, ""))
+            self.assertIn(command.encode(), run("help")[1])
 
     @unittest.skipIf(WINDOWS, "calls the library from this system's own Python")
     def test_the_embedding_example_prints_the_tree(self):

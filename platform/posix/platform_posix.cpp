@@ -89,7 +89,12 @@ int64_t LocalOffset(int64_t utcSeconds) {
 LibraryLoader PlatformLibraryLoader() {
   return {[](const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); },
           [](void* library, const char* name) { return dlsym(library, name); },
-          [](void* library) { dlclose(library); }};
+          [](void* library) { dlclose(library); }, "/"};
+}
+
+std::string LibraryFailure() {
+  const char* reason = dlerror();
+  return reason ? reason : "";
 }
 
 std::string ExecutableDirectory() {

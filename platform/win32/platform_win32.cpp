@@ -51,15 +51,23 @@ int32_t MoveHandleBack(void* handle, int64_t bytes) {
   return SetFilePointerEx(handle, now, nullptr, FILE_BEGIN) && SetEndOfFile(handle) ? 1 : 0;
 }
 
-// A library that is named by its path finds what it needs beside itself; one that is none is passed over in silence,
-// without the box that the system would show.
+DWORD libraryError = 0;
+
+// A library that is named by its path finds what it needs beside itself; one that is none is passed over without
+// the box that the system would show.
 void* LoadOne(const char* path) {
   std::wstring wide = WideOf(path);
   for (wchar_t& c : wide) c = c == L'/' ? L'\\' : c;
+  if (wide.find(L'\\') != std::wstring::npos) {   // from the working folder on, which is none of those searched
+    std::wstring whole(32768, L'\0');
+    whole.resize(GetFullPathNameW(wide.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
+    if (!whole.empty()) wide = whole;
+  }
   const bool absolute = wide.size() > 2 && (wide[1] == L':' || wide[0] == L'\\');
   DWORD modeBefore = 0;
   SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &modeBefore);
   const HMODULE library = LoadLibraryExW(wide.c_str(), nullptr, absolute ? LOAD_WITH_ALTERED_SEARCH_PATH : 0);
+  libraryError = library ? 0 : GetLastError();
   SetThreadErrorMode(modeBefore, nullptr);
   return library;
 }
@@ -92,8 +100,10 @@ bool FileInformation(const std::string& path, BY_HANDLE_FILE_INFORMATION* out) {
 }  // namespace
 
 LibraryLoader PlatformLibraryLoader() {
-  return {LoadOne, FindEntry, [](void* library) { FreeLibrary(static_cast<HMODULE>(library)); }};
+  return {LoadOne, FindEntry, [](void* library) { FreeLibrary(static_cast<HMODULE>(library)); }, "/\\:"};
 }
+
+std::string LibraryFailure() { return libraryError ? ErrorText(libraryError) : ""; }
 
 std::string ExecutableDirectory() {
   std::wstring path(32768, L'\0');
