@@ -1,5 +1,4 @@
-#include <cstdlib>
-
+#include "app/colors.h"
 #include "app/commands.h"
 #include "app/json_writer.h"
 #include "app/packet_run.h"
@@ -21,11 +20,6 @@ struct DecodeOptions {
   bool bytes = false;
 };
 
-bool UsesColor(ColorChoice choice) {
-  if (choice != ColorChoice::kAuto) return choice == ColorChoice::kAlways;
-  return IsTerminal(StandardOutputFile()) && !std::getenv("NO_COLOR");
-}
-
 int Decode(const DecodeOptions& options) {
   PacketRun run;
   if (!run.Open(options.reading)) return run.Status();
@@ -38,6 +32,7 @@ int Decode(const DecodeOptions& options) {
   style.ranges = options.ranges;
   style.keys = options.keys;
   if (options.keys && !KeepFacts(&session.Context(), true)) return OutputFault();
+  style.cells = IsTerminal(StandardOutputFile());
   bool first = true;
   const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
     if (options.format == Format::kJson) {

@@ -1,8 +1,8 @@
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <vector>
 
+#include "app/colors.h"
 #include "app/commands.h"
 #include "app/packet_run.h"
 #include "app/tree_writer.h"
@@ -62,9 +62,8 @@ bool ShowMatch(PacketRun& run, const KeptRecord& found, const FindOptions& optio
   session.Decode(found.Get());
   Output out;
   TreeStyle style;
-  style.colors = options.reading.color == ColorChoice::kAlways ||
-                 (options.reading.color == ColorChoice::kAuto && IsTerminal(StandardOutputFile()) &&
-                  !std::getenv("NO_COLOR"));
+  style.colors = UsesColor(options.reading.color);
+  style.cells = IsTerminal(StandardOutputFile());
   style.markColumn = true;
   style.marked = MatchedLine(session, found.line);
   WriteTree(out, session, style);

@@ -22,29 +22,6 @@ void PutNumber(Output& out, int64_t number) {
   out.Put({at, static_cast<size_t>(end - at)});
 }
 
-void PutString(Output& out, std::string_view text) {
-  out.Put('"');
-  size_t plain = 0;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const uint8_t c = static_cast<uint8_t>(text[i]);
-    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
-    out.Put(text.substr(plain, i - plain));
-    plain = i + 1;
-    char scratch[8];
-    if (c == '"' || c == '\\') {
-      out.Put('\\');
-      out.Put(static_cast<char>(c));
-    } else if (c < 0x20 || c == 0x7F) {
-      out.Put("\\u00");
-      out.Put({kHexPairs + 2 * c, 2});
-    } else {
-      out.Put(Utf8Of(c, scratch));
-    }
-  }
-  out.Put(text.substr(plain));
-  out.Put('"');
-}
-
 // The line's key and value; nothing while no facts are kept.
 void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
   const LineFact* fact = FactOf(&context, rangeIndex);
@@ -60,7 +37,7 @@ void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
     case ValueKind::kNone: out.Put("null"); break;
     case ValueKind::kSigned: PutNumber(out, static_cast<int64_t>(fact->number)); break;
     case ValueKind::kNumber: PutUnsigned(out, fact->number); break;
-    case ValueKind::kText: PutString(out, {ValueText(&context, *fact), static_cast<size_t>(fact->valueLength)}); break;
+    case ValueKind::kText: PutJsonText(out, {ValueText(&context, *fact), static_cast<size_t>(fact->valueLength)}); break;
   }
 }
 
@@ -71,7 +48,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line) {
   const ByteRange range = session.Context().rangeTable[tree.RangeIndex(line)];
   SplitByteRange(&range, &kind, &offset, &length);
   out.Put("{\"text\":");
-  PutString(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
+  PutJsonText(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
   out.Put(",\"offset\":");
   PutNumber(out, offset);
   out.Put(",\"length\":");
@@ -111,6 +88,29 @@ void PutBytes(Output& out, const FrameRecord* record) {
 }
 
 }  // namespace
+
+void PutJsonText(Output& out, std::string_view text) {
+  out.Put('"');
+  size_t plain = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const uint8_t c = static_cast<uint8_t>(text[i]);
+    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
+    out.Put(text.substr(plain, i - plain));
+    plain = i + 1;
+    char scratch[8];
+    if (c == '"' || c == '\\') {
+      out.Put('\\');
+      out.Put(static_cast<char>(c));
+    } else if (c < 0x20 || c == 0x7F) {
+      out.Put("\\u00");
+      out.Put({kHexPairs + 2 * c, 2});
+    } else {
+      out.Put(Utf8Of(c, scratch));
+    }
+  }
+  out.Put(text.substr(plain));
+  out.Put('"');
+}
 
 void WriteJson(Output& out, Session& session, const JsonPacket& packet) {
   const FrameRecord* const record = packet.record;

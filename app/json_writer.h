@@ -14,4 +14,7 @@ struct JsonPacket {
 
 void WriteJson(Output& out, Session& session, const JsonPacket& packet);
 
+// A text of Windows-1252 as a JSON text.
+void PutJsonText(Output& out, std::string_view text);
+
 }  // namespace qxview

@@ -1,15 +1,24 @@
 // The packet list: number, time, source, destination, length and summary, one line a packet.
 #include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <optional>
 
+#include "app/colors.h"
 #include "app/commands.h"
+#include "app/list_table.h"
 #include "app/list_time.h"
 #include "app/output.h"
+#include "app/packet_protocol.h"
 #include "app/packet_run.h"
 #include "app/tree_writer.h"
+#include "core/decoder.h"
 #include "core/digits.h"
 #include "decoders/app/packet_summaries.h"
+#include "decoders/net/window_scales.h"
 #include "host/packet_addresses.h"
 #include "host/tls_pending.h"
+#include "platform/platform.h"
 
 namespace qxview {
 namespace {
@@ -17,38 +26,100 @@ namespace {
 struct ListOptions {
   ReadingOptions reading;
   TimeForm time = TimeForm::kRelative;
+  bool wide = false;
 };
 
 constexpr size_t kNumberWidth = 6, kTimeWidth = 12, kAddressWidth = 17, kLengthWidth = 5;
 
+// A TCP summary with the window as it is meant: what the segment says, times the scale that the connection agreed on.
+std::string ScaleWindow(std::string_view summary, int32_t exponent) {
+  constexpr std::string_view kLabel = ", Window: ";
+  const size_t label = summary.find(kLabel);
+  std::string scaled(summary);
+  if (!summary.starts_with("TCP ") || label == summary.npos || exponent < 0) return scaled;
+  const char* const first = summary.data() + label + kLabel.size();
+  uint64_t window = 0;
+  const auto [end, error] = std::from_chars(first, summary.data() + summary.size(), window);
+  if (error != std::errc()) return scaled;
+  return scaled.replace(label + kLabel.size(), static_cast<size_t>(end - first), std::to_string(window << exponent));
+}
+
+// The summary without the name that the protocol's column has shown.
+std::string_view WithoutName(std::string_view summary, std::string_view protocol) {
+  if (!summary.starts_with(protocol)) return summary;
+  std::string_view rest = summary.substr(protocol.size());
+  if (rest.starts_with(", ")) rest.remove_prefix(1);
+  return rest.starts_with(" ") ? rest.substr(1) : summary;
+}
+
+// The rows of a list: in columns of fixed widths as programs read them, or as a table for a person.
 class PacketList {
  public:
   PacketList(const ListOptions& options, PacketRun& run, Output& out)
       : run_(run), out_(out), time_(options.time), host_(run.Host().Record()),
-        cleanText_(run.GetSession().GetEngine()->settings.cleanText) {}
+        cleanText_(run.GetSession().GetEngine()->settings.cleanText), colors_(UsesColor(options.reading.color)) {
+    if (!options.wide && !IsTerminal(StandardOutputFile())) return;
+    constexpr int32_t kOtherLines = 2;   // of a screenful: titles and prompt
+    const TerminalSize size = SizeOfTerminal();
+    table_.emplace(out, options.wide ? 0 : size.columns, std::max(size.rows - kOtherLines, 1), colors_);
+  }
 
   void Put(const FrameRecord* record, uint64_t number) {
     const PacketState& packet = run_.GetSession().Context().packet;
-    PutNumber(number, kNumberWidth);
-    char text[kSummarySize];
-    const int32_t timeLength =
-        time_.Format(record->nanoseconds, run_.FirstTime(), run_.TimeBefore(), text);
-    PutRight({text, static_cast<size_t>(timeLength)}, kTimeWidth);
+    char time[ListTime::kSize];
+    const int32_t timeLength = time_.Format(record->nanoseconds, run_.FirstTime(), run_.TimeBefore(), time);
     PacketAddresses addresses;
     FormatPacketAddresses(packet, host_, &addresses);
-    PutLeft(addresses.source);
-    PutLeft(addresses.destination);
-    PutNumber(WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record)), kLengthWidth);
-    out_.Put("  ");
+    const uint32_t length = WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record));
     int32_t* pending = nullptr;
     const ReachedLayer& reached = packet.reached;
     if (reached.table == DispatchTable::kApplication && WantsTlsPending(reached.key)) pending = tls_.Find(packet);
-    SummarizePacket(run_.GetSession().GetView(), cleanText_, pending, text, sizeof text);
-    PutSafeText(out_, text);
+    char summary[kSummarySize];
+    SummarizePacket(run_.GetSession().GetView(), cleanText_, pending, summary, sizeof summary);
+    const std::string_view timeText{time, static_cast<size_t>(timeLength)};
+    if (table_) return PutTableRow(number, timeText, addresses, length, summary);
+    PutNumber(number, kNumberWidth);
+    PutRight(timeText, kTimeWidth);
+    PutLeft(addresses.source);
+    PutLeft(addresses.destination);
+    PutNumber(length, kLengthWidth);
+    out_.Put("  ");
+    PutSummary(packet, summary);
     out_.Put('\n');
   }
 
+  // Shows what is held back for the columns' widths.
+  void Show() {
+    if (table_) table_->Show();
+  }
+
  private:
+  static TerminalSize SizeOfTerminal() {
+    TerminalSize size = OutputTerminalSize();
+    const char* columns = std::getenv("COLUMNS");
+    const int32_t wanted = columns ? std::atoi(columns) : 0;
+    if (wanted > 0) size.columns = wanted;
+    return {size.columns > 0 ? size.columns : 80, size.rows > 0 ? size.rows : 24};
+  }
+  void PutTableRow(uint64_t number, std::string_view time, const PacketAddresses& addresses, uint32_t length,
+                   const char* summary) {
+    constexpr uint32_t kSyn = 2;
+    const PacketState& packet = run_.GetSession().Context().packet;
+    char scratch[kMediumNameScratch];
+    const char* protocol = ProtocolNameOf(packet, scratch);
+    const bool scales = packet.segment.here && !(packet.segment.flags & kSyn);   // a SYN's window never is (RFC 7323)
+    const int32_t exponent = scales ? FindWindowScale(TopLevel(run_.GetSession().GetView(), 1)) : kNoWindowScale;
+    table_->Put({{std::to_string(number), std::string(time), addresses.source, addresses.destination, protocol,
+                  std::to_string(length), std::string(WithoutName(ScaleWindow(summary, exponent), protocol))},
+                 ColorOfPacket(protocol, summary)});
+  }
+  void PutSummary(const PacketState& packet, const char* summary) {
+    if (!colors_) return PutSafeText(out_, summary);
+    char scratch[kMediumNameScratch];
+    out_.Put(ColorOfPacket(ProtocolNameOf(packet, scratch), summary));
+    PutSafeText(out_, summary);
+    out_.Put(kPlainText);
+  }
   void Fill(size_t length, size_t width) {
     static constexpr std::string_view kBlanks = "                                        ";
     if (length < width) out_.Put(kBlanks.substr(0, width - length));
@@ -80,7 +151,8 @@ class PacketList {
   Output& out_;
   ListTime time_;
   const QxHost* const host_;
-  const bool cleanText_;
+  const bool cleanText_, colors_;
+  std::optional<ListTable> table_;
   TlsPending tls_;
 };
 
@@ -92,9 +164,10 @@ int List(const ListOptions& options) {
   PacketList list(options, run, *out);
   const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
     list.Put(record, frame.number);
-    if (options.reading.flushEachPacket) out->Flush();
+    if (options.reading.flushEachPacket) list.Show(), out->Flush();
     return !out->Failed();
   });
+  list.Show();
   out->Flush();
   return out->Failed() ? OutputFault() : status;
 }
@@ -112,6 +185,7 @@ void AddListCommand(CommandLine* line) {
                                {"a", TimeForm::kAbsolute},
                                {"u", TimeForm::kUtc}},
                               &options->time);
+  command.AddFlag("--wide", "with all columns, not cut to the terminal's width", &options->wide);
   command.SetExamples(
       "Examples:\n"
       "  qxview list capture.pcap\n"

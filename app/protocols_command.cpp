@@ -3,32 +3,83 @@
 #include <memory>
 
 #include "app/commands.h"
+#include "app/json_writer.h"
 #include "app/output.h"
-#include "app/packet_run.h"
+#include "core/dispatch.h"
+#include "decoders/app/packet_summaries.h"
 #include "platform/platform.h"
 
 namespace qxview {
+
+int32_t DeclineData(const Place& at, Cursor c);
+
 namespace {
 
-// A line a decoder: identifier, name, and what is defined for it.
-int ListProtocols(const HostOptions& options) {
+enum class Format { kText, kJson };
+
+struct ProtocolsOptions {
+  HostOptions host;
+  Format format = Format::kText;
+};
+
+// What is there for a protocol beside its name.
+struct Shown {
+  bool tree, line;
+};
+
+Shown ShownOf(int32_t identifier) {
+  const uint32_t index = static_cast<uint32_t>(identifier) & 0xFFFF;
+  const DecoderRow* row = FindBuiltinDecoder(index);
+  return {row && row->decode != DeclineData, FindSummary(index) != nullptr};
+}
+
+void PutText(Output& out, const DefinedProtocol& protocol, size_t width) {
+  const Shown shown = ShownOf(protocol.identifier);
+  char identifier[16];
+  std::snprintf(identifier, sizeof identifier, "0x%05X  ", static_cast<uint32_t>(protocol.identifier));
+  std::string name = protocol.name;
+  name.resize(width, ' ');
+  out.Put(identifier);
+  out.Put(name);
+  out.Put(shown.tree ? shown.line ? "  tree, line" : "  tree      " : shown.line ? "  line      " : "  name      ");
+  for (size_t i = 0; i < protocol.definitions.size(); ++i) {
+    out.Put(i ? " " : "  ");
+    out.Put(protocol.definitions[i]);
+  }
+  out.Put('\n');
+}
+
+void PutJson(Output& out, const DefinedProtocol& protocol) {
+  const Shown shown = ShownOf(protocol.identifier);
+  out.Put("{\"identifier\":");
+  out.Put(std::to_string(protocol.identifier));
+  out.Put(",\"name\":");
+  PutJsonText(out, protocol.name);
+  out.Put(shown.tree ? ",\"tree\":true" : ",\"tree\":false");
+  out.Put(shown.line ? ",\"line\":true" : ",\"line\":false");
+  out.Put(",\"definitions\":[");
+  for (size_t i = 0; i < protocol.definitions.size(); ++i) {
+    if (i) out.Put(',');
+    PutJsonText(out, protocol.definitions[i]);
+  }
+  out.Put("]}\n");
+}
+
+int ListProtocols(const ProtocolsOptions& options) {
   std::string message;
   bool fileFault = false;
-  const auto host = StandaloneHost::Create(options, &message, &fileFault);
+  const auto host = StandaloneHost::Create(options.host, &message, &fileFault);
   if (!host) return Tell(message), fileFault ? kFileFault : kUsage;
   const std::vector<DefinedProtocol> protocols = host->Definitions().List();
   size_t width = 0;
   for (const DefinedProtocol& protocol : protocols) width = std::max(width, protocol.name.size());
   Output out;
   for (const DefinedProtocol& protocol : protocols) {
-    std::string line = protocol.name;
-    if (!protocol.definitions.empty()) line.resize(width, ' ');
-    for (size_t i = 0; i < protocol.definitions.size(); ++i) line += (i ? " " : "  ") + protocol.definitions[i];
-    char identifier[16];
-    std::snprintf(identifier, sizeof identifier, "0x%05X  ", static_cast<uint32_t>(protocol.identifier));
-    out.Put(identifier);
-    out.Put(line);
-    out.Put('\n');
+    if (options.format == Format::kJson) {
+      PutJson(out, protocol);
+    } else {
+      PutText(out, protocol, width);
+    }
   }
   out.Flush();
   return out.Failed() ? OutputFault() : kDone;
@@ -37,13 +88,21 @@ int ListProtocols(const HostOptions& options) {
 }  // namespace
 
 void AddProtocolsCommand(CommandLine* line) {
-  Command& command = line->Add("protocols", "the built-in decoders, their identifiers, names and ports");
-  auto options = std::make_shared<HostOptions>();
-  command.AddTexts("-d,--decode-as", "SPEC", "a protocol definition, may be repeated", &options->definitions);
-  command.AddText("--settings", "FILE", "settings file instead of the user's own", &options->settingsFile);
-  command.SetExamples("Example:\n  qxview protocols");
+  Command& command = line->Add("protocols", "the protocols, what is shown of each, and their ports");
+  auto options = std::make_shared<ProtocolsOptions>();
+  command.AddTexts("-d,--decode-as", "SPEC", "a protocol definition, may be repeated", &options->host.definitions);
+  command.AddText("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
+  command.AddChoice<Format>("--format", "FORMAT", "text or json (an object a line)",
+                            {{"text", Format::kText}, {"json", Format::kJson}}, &options->format);
+  command.SetExamples(
+      "Behind each name: \"tree\" when decode takes the protocol apart, \"line\" when\n"
+      "list has a summary of its own for it, \"name\" when neither does; then the ports\n"
+      "and addresses that carry it.\n\n"
+      "Examples:\n"
+      "  qxview protocols\n"
+      "  qxview protocols --format json | jq -r 'select(.tree).name'");
   command.SetAction([options] {
-    options->userSettings = FindUserSettings();
+    options->host.userSettings = FindUserSettings();
     return ListProtocols(*options);
   });
 }

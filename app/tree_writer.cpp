@@ -1,5 +1,8 @@
 #include "app/tree_writer.h"
 
+#include <cstring>
+
+#include "app/colors.h"
 #include "core/digits.h"
 #include "core/line_facts.h"
 
@@ -8,14 +11,14 @@ namespace {
 
 // Top-level lines stand out, levels cycle through quiet colours, dumps and bit fields are dim.
 const char* ColorOf(int32_t image, bool topLevel) {
-  if (topLevel) return "\033[1m";
+  if (topLevel) return kBoldText;
   switch (image) {
-    case LevelImage(2): return "\033[36m";
-    case LevelImage(3): return "\033[32m";
-    case LevelImage(4): return "\033[33m";
-    case LevelImage(5): return "\033[35m";
-    case kBitFieldImage: return "\033[2m";
-    default: return "";
+    case LevelImage(2): return kTeal;
+    case LevelImage(3): return kGreen;
+    case LevelImage(4): return kBrown;
+    case LevelImage(5): return kMagenta;
+    case kBitFieldImage: return kFaintText;
+    default: return kNoColor;
   }
 }
 
@@ -39,14 +42,47 @@ void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
   out.Put('}');
 }
 
+bool IsControl(uint8_t c) {
+  char scratch[8];
+  const std::string_view shown = Utf8Of(c, scratch);
+  return c < 0x20 || c == 0x7F ||
+         (shown.size() == 2 && static_cast<uint8_t>(shown[0]) == 0xC2 && static_cast<uint8_t>(shown[1]) < 0xA0);
+}
+
+constexpr size_t kDumpCharacters = 58;   // the column where the characters of a dump's row start
+
+// "0010  41 42 ...   AB": four digits, two blanks, and as many characters as bytes.
+bool IsDumpRow(Session& session, LineHandle line) {
+  const ArenaTree& tree = session.Tree();
+  const size_t length = static_cast<size_t>(tree.TextLength(line));
+  return tree.Image(line) == kBitFieldImage && length > kDumpCharacters && length <= kDumpCharacters + 16 &&
+         std::memcmp(tree.TextOf(line) + 4, "  ", 2) == 0 && std::memcmp(tree.TextOf(line) + 55, "   ", 3) == 0;
+}
+
+// Terminals give the soft hyphen no cell, one, or a line break.
+void PutDumpRow(Output& out, std::string_view text) {
+  constexpr uint8_t kSoftHyphen = 0xAD;
+  std::string row(text);
+  for (size_t i = kDumpCharacters; i < row.size(); ++i) {
+    const uint8_t c = static_cast<uint8_t>(row[i]);
+    if (IsControl(c) || c == kSoftHyphen) row[i] = '.';
+  }
+  PutSafeText(out, row);
+}
+
 void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
   if (style.markColumn) out.Put(line == style.marked ? '>' : ' ');
   for (int32_t i = 0; i < depth; ++i) out.Put("  ");
-  const char* color = style.colors ? ColorOf(tree.Image(line), depth == 0) : "";
+  const char* color = style.colors ? ColorOf(tree.Image(line), depth == 0) : kNoColor;
   out.Put(color);
-  PutSafeText(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
-  if (color[0]) out.Put("\033[0m");
+  const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+  if (style.cells && IsDumpRow(session, line)) {
+    PutDumpRow(out, text);
+  } else {
+    PutSafeText(out, text);
+  }
+  if (color[0]) out.Put(kPlainText);
   if (style.ranges) {
     int32_t kind, offset;
     uint32_t length;
@@ -70,17 +106,21 @@ void PutSafeText(Output& out, std::string_view text) {
     out.Put(text.substr(plain, i - plain));
     plain = i + 1;
     char scratch[8];
-    const std::string_view shown = Utf8Of(c, scratch);
-    const bool control = c < 0x20 || c == 0x7F || (shown.size() == 2 && static_cast<uint8_t>(shown[0]) == 0xC2 &&
-                                                   static_cast<uint8_t>(shown[1]) < 0xA0);
-    if (control) {
+    if (IsControl(c)) {
       out.Put("\\x");
       out.Put({kHexPairs + 2 * c, 2});
     } else {
-      out.Put(shown);
+      out.Put(Utf8Of(c, scratch));
     }
   }
   out.Put(text.substr(plain));
+}
+
+int32_t CellsOf(std::string_view text) {
+  constexpr int32_t kEscape = 4;   // "\\xNN"
+  int32_t cells = 0;
+  for (const char c : text) cells += IsControl(static_cast<uint8_t>(c)) ? kEscape : 1;
+  return cells;
 }
 
 void WriteTree(Output& out, Session& session, const TreeStyle& style) {

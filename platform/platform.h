@@ -46,4 +46,10 @@ int64_t StandardOutputFile();
 bool IsTerminal(int64_t file);
 bool StandardErrorIsTerminal();
 
+struct TerminalSize {
+  int32_t columns, rows;
+};
+// Of standard output's terminal; 0 for what it does not say.
+TerminalSize OutputTerminalSize();
+
 }  // namespace qxview

@@ -7,6 +7,12 @@ import subprocess
 import tempfile
 import unittest
 
+try:
+    import fcntl
+    import termios
+except ImportError:   # Windows
+    pass
+
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
 WINDOWS = os.environ.get("QXVIEW_PLATFORM") == "windows"   # the program runs under Wine
@@ -63,6 +69,61 @@ class List(unittest.TestCase):
             "QU=1 AN=0 AU=0 AD=0",
             "     3      1.500000  10.0.0.1           10.0.0.2              47  UDP, Port: 9999 -> 9998, Length: 5",
             "     4      1.400000  10.0.0.1           10.0.0.2              75  SIP OPTIONS sip:\\x1B[31mred\u0178"])
+
+    @unittest.skipIf(WINDOWS, "a pseudo-terminal of this system")
+    def test_a_terminal_is_given_a_table_of_its_width(self):
+        ports_out, ports_back = bytes.fromhex("13880050"), bytes.fromhex("00501388")
+
+        def segment(flags, window, options=b"", ports=ports_out):
+            return (ports + bytes(8) + bytes([(20 + len(options)) // 4 << 4, flags]) + struct.pack(">HI", window, 0) +
+                    options)
+
+        def packet(data, addresses=("0a000001", "0a000002")):
+            head = bytes.fromhex("4500") + struct.pack(">H", 20 + len(data)) + bytes.fromhex("0001000040060000")
+            head += bytes.fromhex("".join(addresses))
+            sums = checksum(head[12:] + struct.pack(">HH", 6, len(data)) + data)
+            head = head[:10] + struct.pack(">H", checksum(head)) + head[12:]
+            data = data[:16] + struct.pack(">H", sums) + data[18:]
+            return bytes.fromhex("0200000000010200000000020800") + head + data
+
+        back, scale = ("0a000002", "0a000001"), bytes.fromhex("03030701")
+        frames = FRAMES + [(2000000, packet(segment(2, 1000, scale))),
+                           (2000001, packet(segment(0x12, 1000, scale, ports_back), back)),
+                           (2000002, packet(segment(0x10, 500))), (2000003, packet(segment(4, 0))),
+                           (2000004, bytes.fromhex("020000000001020000000002") + b"\x88\x5a" + bytes(40))]
+        write_capture(self.capture, frames)
+
+        def table(columns, *options, **environment):
+            master, slave = os.openpty()
+            fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 50, columns, 0, 0))
+            environment = {**os.environ, "XDG_CONFIG_HOME": self.folder.name, "TERM": "xterm-256color", **environment}
+            environment.pop("COLUMNS", None)
+            with subprocess.Popen([QXVIEW, "list", *options, self.capture], stdout=slave, env=environment):
+                os.close(slave)
+                data = b""
+                try:
+                    while piece := os.read(master, 65536):
+                        data += piece
+                except OSError:   # the other side is closed
+                    pass
+            os.close(master)
+            return data.decode().replace("\r\n", "\n").splitlines()
+
+        for columns in (60, 80, 200):
+            colored = table(columns)
+            rows = table(columns, NO_COLOR="1")
+            self.assertEqual(rows, [re.sub(r"\x1b\[[0-9;]*m", "", row) for row in colored])
+            self.assertLessEqual(max(map(len, rows)), columns)
+            starts = {row.index(word) for row, word in zip(rows, ("Proto", "ARP", "DNS", "UDP", "SIP", "TCP"))}
+            self.assertEqual(len(starts), 1, rows)
+        self.assertIn("\x1b[1;38;5;160mRST", colored[8], "trouble")
+        self.assertRegex(rows[7], r"Window: 64000,")
+        self.assertRegex(rows[5], r"Window: 1000,")
+        self.assertEqual(rows[1].split()[2:6], ["00:11:22:33:44:55", "FF:FF:FF:FF:FF:FF", "ARP", "42"])
+        self.assertEqual(len(table(40, "--wide")[7]), len(table(200, "--wide")[7]))
+        self.assertEqual(self.list("--wide")[1:], table(40, "--wide", "--color=never")[1:])
+        plain = self.list()
+        self.assertEqual([re.sub(r"\x1b\[[0-9;]*m", "", row) for row in self.list("--color=always")], plain)
 
     def test_times(self):
         def times(form, **environment):

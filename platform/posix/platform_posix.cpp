@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -121,5 +122,11 @@ int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {
 int64_t StandardOutputFile() { return STDOUT_FILENO; }
 bool IsTerminal(int64_t file) { return isatty(static_cast<int>(file)) == 1; }
 bool StandardErrorIsTerminal() { return isatty(STDERR_FILENO) == 1; }
+
+TerminalSize OutputTerminalSize() {
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0) size = {};
+  return {size.ws_col, size.ws_row};
+}
 
 }  // namespace qxview

@@ -125,6 +125,13 @@ int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {
 
 int64_t StandardOutputFile() { return reinterpret_cast<intptr_t>(GetStdHandle(STD_OUTPUT_HANDLE)); }
 bool IsTerminal(int64_t file) { return IsConsole(HandleOf(file)); }
+TerminalSize OutputTerminalSize() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) info = {};
+  const SMALL_RECT& window = info.srWindow;
+  return {window.Right > window.Left ? window.Right - window.Left + 1 : 0,
+          window.Bottom > window.Top ? window.Bottom - window.Top + 1 : 0};
+}
 bool StandardErrorIsTerminal() { return IsConsole(GetStdHandle(STD_ERROR_HANDLE)); }
 
 bool IsSameFile(const std::string& a, const std::string& b) {
