@@ -3,6 +3,8 @@
 import importlib.util
 import json
 import os
+import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -55,6 +57,22 @@ class Images(unittest.TestCase):
     def test_are_as_they_are_drawn(self):
         checked = run(os.path.join(ROOT, "scripts", "draw_images.py"), "--check")
         self.assertEqual((checked.returncode, checked.stdout), (0, ""))
+
+
+class Texts(unittest.TestCase):
+    CONSTANT = re.compile(r"\bchar\s*\*\s*(?:const\s+)?(k[A-Z]\w*)\s*=|\bchar\s+(k[A-Z]\w*)\[")
+
+    def test_are_not_told_apart_by_their_addresses(self):
+        """Equal literals share an address only where the linker merges them."""
+        sources = {path: path.read_text() for folder in ("core", "decoders", "view", "host", "files", "exports", "app")
+                   for path in pathlib.Path(ROOT, folder).rglob("*") if path.suffix in (".h", ".cpp")}
+        self.assertGreater(len(sources), 300)
+        named = {path: {a or b for a, b in self.CONSTANT.findall(text)} for path, text in sources.items()}
+        shared = set().union(*(names for path, names in named.items() if path.suffix == ".h"))
+        for path, text in sources.items():
+            constants = "|".join(sorted(named[path] | shared))
+            compared = re.search(rf"[!=]=\s*(?:{constants})\b(?!\[)|\b(?:{constants})\s*[!=]=", text)
+            self.assertIsNone(compared, f"{path}: {compared and compared.group()}: a look-up without a name gives null")
 
 
 class Totals(unittest.TestCase):

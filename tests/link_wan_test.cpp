@@ -30,6 +30,7 @@ TEST(Wan, ProtocolIsToldByTheLinkTypeOrTheFirstBytes) {
   EXPECT_EQ(FrameTypeOf(TreeOf(Hex("1841 03 CC 45"), kWan)), "Frame Relay");
   EXPECT_EQ(FrameTypeOf(TreeOf(Hex("1841 0800 45"), kWan)), "Frame Relay");
   ExpectInOrder(TreeOf(Hex("01 3F 22"), kWan), {"Frame type:  Unknown", "Raw Data {8:0+3}"});
+  EXPECT_EQ(FrameTypeOf(TreeOf(Hex("1841 03 55 01"), kWan)), "Unknown") << "no identifier has this number";
 }
 
 TEST(Wan, TrafficFlowAndErrorsStandInTheSummary) {
@@ -118,6 +119,7 @@ TEST(FrameRelay, FindsWhatTheIdentifierNames) {
   ExpectInOrder(
       TreeOf(Linked(Hex("1841 2200 82 11 01"), kLinkFrameRelay)),
       {"Control: 0x2200 = Information, N(S) = 17, N(R) = 0 {2+2}", "NLPID: 0x82 = ES-IS {4+1}", "Raw Data {8:4+3}"});
+  ExpectInOrder(TreeOf(Linked(Hex("1841 1236 55 01"), kLinkFrameRelay)), {"Ethertype: 0x1236 = Unknown {2+2}"});
 }
 
 TEST(FrameRelay, ShowsLinkManagement) {

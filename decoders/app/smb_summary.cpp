@@ -18,8 +18,7 @@ constexpr uint32_t kMarker1 = 0xFF534D42, kMarker2 = 0xFE534D42, kMarkerEncrypte
 
 void AddStatus(SummaryText& text, uint32_t status) {
   if (status == 0) return Add(text, ", Status: Success");
-  const char* name = NtStatusName(status);
-  if (name != kUndefined) return Add(text, ", Status: %s", name);
+  if (const char* name = NtStatusName(status)) return Add(text, ", Status: %s", name);
   Add(text, ", Status: 0x%.08X", status);
 }
 

@@ -1803,6 +1803,6 @@ constexpr auto kStatusNames = SortedNames({
 
 }  // namespace
 
-const char* NtStatusName(uint32_t status) { return LookupName(kStatusNames, status, kUndefined); }
+const char* NtStatusName(uint32_t status) { return LookupName(kStatusNames, status, nullptr); }
 
 }  // namespace qxview

@@ -4,6 +4,6 @@
 
 namespace qxview {
 
-const char* NtStatusName(uint32_t status);   // "STATUS_LOGON_FAILURE"; "Undefined" for one that has none
+const char* NtStatusName(uint32_t status);   // "STATUS_LOGON_FAILURE"; null for one that has none
 
 }  // namespace qxview

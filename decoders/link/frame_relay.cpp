@@ -90,7 +90,7 @@ void AddAddressLines(const Place& in, const Address& address) {
 // identifier follows.
 bool IsNumbered(const Cursor& c) {
   if (Left(c) < 3 || (c.at[0] & 3) == 3 || EthertypeName(static_cast<uint16_t>(ReadU16(c.at)))) return false;
-  return NlpidName(c.at[2]) != kUnknown;
+  return NlpidName(c.at[2]) != nullptr;
 }
 
 // What follows the address; the header's lines go under `in`.
@@ -119,7 +119,7 @@ bool LooksLikeFrameRelay(Cursor c) {
   if (!TakeAddress(c, &address) || Left(c) < 2) return false;
   if (c.at[0] == kUnnumberedInformation) {
     const int32_t pad = c.at[1] == 0 && Left(c) > 2 ? 1 : 0;
-    return NlpidName(c.at[1 + pad]) != kUnknown;
+    return NlpidName(c.at[1 + pad]) != nullptr;
   }
   return EthertypeName(static_cast<uint16_t>(ReadU16(c.at))) != nullptr;
 }

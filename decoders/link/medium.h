@@ -30,7 +30,7 @@ int32_t DecodeEncapsulatedSnap(const Place& in, const Place& network, Cursor c, 
 
 // A network-layer protocol identifier (ISO 9577) and what it names; `in` gets its line, `network` the rest.
 int32_t DispatchNlpid(const Place& in, const Place& network, Cursor c);
-const char* NlpidName(uint32_t nlpid);
+const char* NlpidName(uint32_t nlpid);   // null for one that has none
 
 // The protocols of WAN links, from their address field on.
 int32_t DecodePpp(const Place& at, Cursor c);

@@ -26,13 +26,14 @@ int32_t DispatchNetwork(const Place& network, const Cursor& c, uint16_t ethertyp
 
 }  // namespace
 
-const char* NlpidName(uint32_t nlpid) { return LookupName(kNames, nlpid); }
+const char* NlpidName(uint32_t nlpid) { return LookupName(kNames, nlpid, nullptr); }
 
 int32_t DispatchNlpid(const Place& in, const Place& network, Cursor c) {
   const Cursor whole = c;
   const Field nlpid = TakeU8(c);
   if (!nlpid.here) return 0;
-  AddLine(in, nlpid, "NLPID: 0x%.02X = %s", nlpid.value, NlpidName(nlpid.value));
+  const char* name = NlpidName(nlpid.value);
+  AddLine(in, nlpid, "NLPID: 0x%.02X = %s", nlpid.value, name ? name : kUnknown);
   switch (nlpid.value) {
     case kSnap: return DecodeEncapsulatedSnap(in, network, c, 0);
     case kQ933:

@@ -205,7 +205,8 @@ int32_t DecodeBlocks(const SmbMessage& message, const Place& under, Cursor c) {
 
 void DecodeSmbNtStatus(const Place& in, Cursor& c) {
   const Field status = TakeLittleU32(c);
-  AddLine(in, status, "NT Status: [0x%.08X] = %s", status.value, NtStatusName(status.value));
+  const char* name = NtStatusName(status.value);
+  AddLine(in, status, "NT Status: [0x%.08X] = %s", status.value, name ? name : kUndefined);
 }
 
 void DecodeSmbDosError(const Place& in, Cursor& c) {

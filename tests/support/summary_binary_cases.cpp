@@ -180,6 +180,7 @@ void AddManagement(std::vector<SummaryCase>& cases) {
   smb(Smb(0, 0), first, "SMB/CIFS Negotiate Protocol Request, TID: 1, UID: 2, MID: 3");
   smb(Smb(1, 0), Hex("00 000020") + first, "SMB/CIFS Negotiate Protocol Request, TID: 1, UID: 2, MID: 3");
   smb(Smb(0, 0), Hex("FF534D42 75 220000C0 98 0140"), "SMB/CIFS Tree Connect AndX Response, Status: STATUS_ACCESS_DENIED");
+  smb(Smb(0, 0), Hex("FF534D42 75 01EEFFC0 98 0140"), "SMB/CIFS Tree Connect AndX Response, Status: 0xC0FFEE01");
   smb(Smb(0, 0), Hex("FF534D42 02 01000500 88 0100"), "SMB/CIFS Open File Response, Error Class: 1 = ERRDOS, Code: 5 = ERRnoaccess");
   smb(Smb(1, 0), Hex("00000040 FE534D42 4000 0100 03010000 0F00 0100 01000000 00000000 0700000000000000"),
       "SMB/CIFS SMB2 Change Notify Response, Status: Pending, Message ID: 7");
