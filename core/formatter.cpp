@@ -36,7 +36,7 @@ void PutNumber(Output& out, const FormatPiece& piece, uint64_t value) {
       break;
     }
     case Conversion::kUnsigned:
-      if (value < 10 && piece.minimumDigits < 2 && piece.width == 0) {
+      if (value < 10 && piece.precision < 2 && piece.width == 0) {
         return PutFill(out, static_cast<char>('0' + value), 1);
       }
       at = WriteDecimal(end, piece.wide ? value : static_cast<uint32_t>(value));
@@ -45,7 +45,7 @@ void PutNumber(Output& out, const FormatPiece& piece, uint64_t value) {
       at = WriteHex(end, piece.wide ? value : static_cast<uint32_t>(value),
                     static_cast<Conversion>(piece.conversion) == Conversion::kHexUpper ? kHexUpper : kHexLower);
   }
-  const int32_t wanted = static_cast<int32_t>(piece.minimumDigits);
+  const int32_t wanted = static_cast<int32_t>(piece.precision);
   while (end - at < wanted) *--at = '0';
   if (piece.width == 0) {
     if (negative) *--at = '-';
@@ -59,18 +59,25 @@ void PutNumber(Output& out, const FormatPiece& piece, uint64_t value) {
   PutBytes(out, at, static_cast<size_t>(end - at));
 }
 
-void PutHexSlice(Output& out, const FormatArgument& argument) {
+// The length of a text that the conversion's precision cuts.
+inline size_t CutLength(const FormatPiece& piece, size_t length) {
+  return piece.precision != 0 && length > piece.precision ? piece.precision : length;
+}
+
+void PutHexSlice(Output& whole, const FormatPiece& piece, const FormatArgument& argument) {
+  Output out{whole.at, whole.at + CutLength(piece, static_cast<size_t>(whole.end - whole.at))};
   const uint8_t* bytes = reinterpret_cast<const uint8_t*>(static_cast<uintptr_t>(argument.value));
   const char separator = static_cast<char>(argument.form >> 8);
   for (int32_t i = 0; i < argument.length && out.at < out.end; ++i) {
     if (i > 0 && separator != 0) PutFill(out, separator, 1);
     PutBytes(out, kHexPairs + 2 * bytes[i], 2);
   }
+  whole.at = out.at;
 }
 
-void PutFilled(Output& out, const FormatPiece& piece, const char* text, int32_t length) {
-  PutFill(out, ' ', static_cast<int32_t>(piece.width) - length);
-  PutBytes(out, text, static_cast<size_t>(length));
+inline void PutFilled(Output& out, const FormatPiece& piece, const char* text, size_t length) {
+  if (piece.width > length) PutFill(out, ' ', static_cast<int32_t>(piece.width - length));
+  PutBytes(out, text, length);
 }
 
 void PutAddress(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
@@ -82,7 +89,7 @@ void PutAddress(Output& out, const FormatPiece& piece, const FormatArgument& arg
     case AddressForm::kMac: length = FormatMac(address, text); break;
     case AddressForm::kIPv6: length = FormatIPv6(address, text); break;
   }
-  PutFilled(out, piece, text, length);
+  PutFilled(out, piece, text, CutLength(piece, static_cast<size_t>(length)));
 }
 
 void PutBits(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
@@ -90,7 +97,7 @@ void PutBits(Output& out, const FormatPiece& piece, const FormatArgument& argume
   const int32_t width = argument.form >> 8 & 0xFF;
   FormatBits(static_cast<uint32_t>(argument.value), width, picture, argument.form >> 16 & 0xFF,
              argument.form >> 24 & 0xFF);
-  PutFilled(out, piece, picture, width + width / 8 - 1);
+  PutFilled(out, piece, picture, CutLength(piece, static_cast<size_t>(width + width / 8 - 1)));
 }
 
 inline void PutText(Output& out, const FormatPiece& piece, const FormatArgument& argument) {
@@ -98,16 +105,15 @@ inline void PutText(Output& out, const FormatPiece& piece, const FormatArgument&
   const uint32_t form = argument.form & 0xFF;
   if (form == FormatArgument::kBits) return PutBits(out, piece, argument);
   if (!text) return;
-  if (form == FormatArgument::kHex) return PutHexSlice(out, argument);
+  if (form == FormatArgument::kHex) return PutHexSlice(out, piece, argument);
   if (form == FormatArgument::kAddress) return PutAddress(out, piece, argument);
   size_t length = 0;
   if (form == FormatArgument::kTerminated) {
-    length = std::strlen(text);
+    length = piece.precision == 0 ? std::strlen(text) : strnlen(text, piece.precision);
   } else if (argument.length > 0) {
-    length = strnlen(text, static_cast<size_t>(argument.length));
+    length = strnlen(text, CutLength(piece, static_cast<size_t>(argument.length)));
   }
-  if (piece.width > length) PutFill(out, ' ', static_cast<int32_t>(piece.width - length));
-  PutBytes(out, text, length);
+  PutFilled(out, piece, text, length);
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ enum class Conversion : uint32_t { kNone, kText, kCharacter, kSigned, kUnsigned,
 struct FormatPiece {
   uint32_t literalLength : 10;
   uint32_t conversionLength : 4;   // characters of the conversion in the text
-  uint32_t minimumDigits : 5;      // of a number
+  uint32_t precision : 5;          // least digits of a number, most characters of a text; 0: none
   uint32_t width : 6;
   uint32_t zeroFill : 1;
   uint32_t wide : 1;               // 64 bits
@@ -100,6 +100,7 @@ void FormatTextHasFewerConversionsThanArguments();
 void FormatTextConvertsTextButTheArgumentIsANumber();
 void FormatTextConvertsANumberButTheArgumentIsText();
 void FormatTextConverts32BitsButTheArgumentHas64();
+void FormatTextHasTooLongALiteral();
 
 enum class ArgumentKind { kNumber32, kNumber64, kText };
 template <class T>
@@ -115,10 +116,14 @@ constexpr ArgumentKind KindOfArgument() {
 constexpr int32_t ReadConversion(const char* text, int32_t at, FormatPiece& piece) {
   const int32_t start = at - 1;
   piece.zeroFill = text[at] == '0';
-  uint32_t width = 0, digits = 0;
+  uint32_t width = 0, precision = 0;
+  bool hasPrecision = false;
   for (; text[at] >= '0' && text[at] <= '9'; ++at) width = width * 10 + static_cast<uint32_t>(text[at] - '0');
   if (text[at] == '.') {
-    for (++at; text[at] >= '0' && text[at] <= '9'; ++at) digits = digits * 10 + static_cast<uint32_t>(text[at] - '0');
+    hasPrecision = true;
+    for (++at; text[at] >= '0' && text[at] <= '9'; ++at) {
+      precision = precision * 10 + static_cast<uint32_t>(text[at] - '0');
+    }
   }
   if (text[at] == 'l') {
     ++at;
@@ -137,12 +142,20 @@ constexpr int32_t ReadConversion(const char* text, int32_t at, FormatPiece& piec
     case 'x': conversion = Conversion::kHexLower; break;
     default: FormatTextHasAnUnknownConversion();
   }
-  if (width > 60 || digits > 30) FormatTextHasAnUnknownConversion();
+  if (width > 60 || precision > 30 || at - start > 14) FormatTextHasAnUnknownConversion();
+  if (hasPrecision && (conversion == Conversion::kCharacter || (conversion == Conversion::kText && precision == 0))) {
+    FormatTextHasAnUnknownConversion();
+  }
   piece.width = width;
-  piece.minimumDigits = digits;
+  piece.precision = precision;
   piece.conversion = static_cast<uint32_t>(conversion);
   piece.conversionLength = static_cast<uint32_t>(at + 1 - start);
   return at + 1;
+}
+
+constexpr uint32_t LiteralLength(int32_t length) {
+  if (length > 1023) FormatTextHasTooLongALiteral();   // the bits that a piece has for it
+  return static_cast<uint32_t>(length);
 }
 
 // A text taken apart for arguments of these types. Its constructor runs at compile time only.
@@ -163,7 +176,7 @@ struct FormatText {
       }
       if (count == kCount) FormatTextHasMoreConversionsThanArguments();
       FormatPiece& piece = pieces[count];
-      piece.literalLength = static_cast<uint32_t>(at - literalStart);
+      piece.literalLength = LiteralLength(at - literalStart);
       at = literalStart = ReadConversion(literal, at + 1, piece);
       const bool wantsText = piece.conversion == static_cast<uint32_t>(Conversion::kText);
       if (wantsText && kinds[count] != ArgumentKind::kText) FormatTextConvertsTextButTheArgumentIsANumber();
@@ -172,7 +185,7 @@ struct FormatText {
       ++count;
     }
     if (count != kCount) FormatTextHasFewerConversionsThanArguments();
-    pieces[count].literalLength = static_cast<uint32_t>(at - literalStart);
+    pieces[count].literalLength = LiteralLength(at - literalStart);
   }
 };
 

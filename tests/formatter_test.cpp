@@ -62,6 +62,8 @@ TEST(Formatter, TakesTextsOfAllKinds) {
   EXPECT_EQ(Formatted("[%s]", TextSlice{"ab\0cd", 5}), "[ab]") << "a text ends at its first zero byte";
   EXPECT_EQ(Formatted("[%s]", TextSlice{"abcd", 2}), "[ab]");
   EXPECT_EQ(Formatted("[%s]", static_cast<const char*>(nullptr)), "[]");
+  EXPECT_EQ(Formatted("[%.3s] [%5.3s] [%.8s]", "abcdef", TextSlice{"abcdef", 6}, "ab"), "[abc] [  abc] [ab]");
+  EXPECT_EQ(Formatted("[%.4s] [%.3s]", HexSlice{bytes, 3, ' '}, MacText(bytes)), "[00 7] [00:]");
 }
 
 TEST(Formatter, NeverPassesItsBuffer) {
