@@ -243,6 +243,17 @@ TEST_F(TcpTest, LyingOptionLengthsEndTheOptionsAlone) {
   EXPECT_EQ(tree.find("Data {"), std::string::npos) << tree;
 }
 
+TEST_F(TcpTest, CutOptionsShowTheFieldsThatAreThere) {
+  Bytes segment = Tcp({.options = Hex("01 01 08 0A 00000005 00000006"), .payload = Hex("AA")});
+  segment.resize(segment.size() - 4);   // the capture ends in the second value
+  const std::string tree = Tree(segment);
+  EXPECT_NE(tree.find("Option #3: Timestamps {22+7}"), std::string::npos) << tree;
+  EXPECT_EQ(Line("TSval") + Line("TSecr"), "TSval: 5");
+  segment[23] = 0x0B;   // more than the area has
+  Tree(segment);
+  EXPECT_EQ(Line("TSval"), "");
+}
+
 TEST_F(TcpTest, ShortSegmentsShowWhatIsThere) {
   const Bytes segment = Tcp({});
   const auto cut = [&](size_t length) { return Bytes(segment.begin(), segment.begin() + static_cast<int>(length)); };

@@ -182,7 +182,7 @@ void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
   const Cursor area = TakeCursor(c, declared);
   int32_t exponent = kNoWindowScale;
   if (Left(area) > 0) {
-    exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area);
+    exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area, declared);
   }
   if ((segment.flags & kSyn) && whole && segment.verdict != Verdict::kBad && !PacketOf(in).quoted) {
     RecordSynSegment(in, segment.sequence, segment.flags & kAck, exponent);

@@ -123,7 +123,8 @@ int32_t AddOptionValue(const Place& in, uint32_t kind, const Field& length, Curs
 
 }  // namespace
 
-int32_t DecodeTcpOptions(const Place& in, Cursor c) {
+int32_t DecodeTcpOptions(const Place& in, Cursor c, int32_t declared) {
+  const int32_t missing = declared - Left(c);
   int32_t exponent = kNoWindowScale;
   Loop loop;
   for (uint32_t number = 1; MoreAt(in, c, loop); ++number) {
@@ -133,9 +134,11 @@ int32_t DecodeTcpOptions(const Place& in, Cursor c) {
     Field length = Stated(kind.offset, 0);
     length.here = false;
     if (!single) length = TakeU8(c);
-    const bool whole = length.here && length.value >= 2 && static_cast<int32_t>(length.value) - 2 <= Left(c);
+    const int32_t valueLength = static_cast<int32_t>(length.value) - 2;
+    const bool fits = length.here && valueLength >= 0 && valueLength <= Left(c) + missing;
+    const Cursor value = TakeCursor(c, fits ? valueLength : 0);   // what of it was captured
 
-    const Field option = Ahead(start, whole ? static_cast<int32_t>(length.value) : Taken(c) - Taken(start));
+    const Field option = Ahead(start, Taken(c) - Taken(start));
     const char* name = LookupName(kShownKinds, kind.value, nullptr);
     const Place inOption =
         Under(in, name ? AddLine(in, option, "Option #%u: %s", number, name)
@@ -147,8 +150,8 @@ int32_t DecodeTcpOptions(const Place& in, Cursor c) {
       if (kind.value == kEndOfOptions) break;
       continue;
     }
-    if (!whole) break;
-    const int32_t scale = AddOptionValue(inOption, kind.value, length, TakeCursor(c, length.value - 2));
+    if (!fits) break;
+    const int32_t scale = AddOptionValue(inOption, kind.value, length, value);
     if (scale != kNoWindowScale) exponent = scale;
   }
   return exponent;
