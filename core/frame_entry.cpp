@@ -20,6 +20,12 @@ int32_t DecodeRow(const Place& at, const Cursor& c, const DecoderRow* row) {
   return CallDecoder(at, c, row ? row->decode : nullptr, "Raw Data");
 }
 
+// Applications tell by the protocol of IP whether a length stands in front of their messages.
+int32_t DecodeForcedTransport(const Place& at, const Cursor& c, uint8_t protocol) {
+  PacketOf(at).ipProtocol = protocol;
+  return DecodeRow(at, c, FindIpProtocol(protocol));
+}
+
 int32_t DecodeForcedPayload(const Place& at, const Cursor& c, const ForcedDecodingSettings& forced) {
   const uint32_t choice = forced.protocolChoice;
   const uint32_t start = choice ? kNoDecoder : forced.startProtocol;
@@ -27,8 +33,8 @@ int32_t DecodeForcedPayload(const Place& at, const Cursor& c, const ForcedDecodi
   if (choice == kChooseIPv6 || start == kStartIPv6) return DecodeRow(at, c, FindEthertype(kEthertypeIPv6));
   if (choice == kChooseLlc) return CallDecoder(at, c, DecodeLlc, "Raw Data");
   if (choice == kChooseEthernetHeader) return CallDecoder(at, c, DecodeEthernetHeader, "Raw Data");
-  if (start == kStartTcp) return DecodeRow(at, c, FindIpProtocol(kProtocolTcp));
-  if (start == kStartUdp) return DecodeRow(at, c, FindIpProtocol(kProtocolUdp));
+  if (start == kStartTcp) return DecodeForcedTransport(at, c, kProtocolTcp);
+  if (start == kStartUdp) return DecodeForcedTransport(at, c, kProtocolUdp);
   if (start == kStartArp) return DecodeRow(at, c, FindEthertype(kEthertypeArp));
   return CallDecoder(at, c, nullptr, "Raw Data");
 }

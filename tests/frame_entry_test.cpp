@@ -1,4 +1,4 @@
-#include "tests/support/decoding.h"
+#include "tests/support/transport.h"
 
 namespace qxview::testing {
 namespace {
@@ -75,6 +75,17 @@ TEST(ForcedDecoding, StartsWhereTheSettingSays) {
   TestView frames(&host);
   frames.Decode(Bytes(2) + Ethernet(0x0806, arp));
   EXPECT_NE(frames.Text().find("Ethertype: 0x0806 = ARP {14+2}"), std::string::npos) << frames.Text();
+}
+
+TEST(ForcedDecoding, OfATransportTellsApplicationsWhichItIs) {
+  const Bytes query = Hex("0001 0100 0001 0000 0000 0000 0161 00 0001 0001");
+  DefinitionsHost host;
+  host.settings = {{"ForcedDecoding", "1"}, {"ForcedStartProtocol", "4"}};
+  TestView view(&host);
+  Bytes segment = Tcp({.destinationPort = 53, .payload = Hex("0013") + query});
+  segment[16] = segment[17] = 0;   // not checked
+  view.Decode(segment);
+  EXPECT_NE(view.Text().find("DNS Length: 19"), std::string::npos) << view.Text();
 }
 
 // What is expanded and selected is the tree's matter.
