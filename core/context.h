@@ -30,6 +30,12 @@ constexpr LineHandle kLineOutsideDisplay = 1000;
 constexpr int32_t kMostNesting = 64;
 constexpr int32_t kMostLines = 1000000;
 
+// The lines that a frame of this many bytes may have, so that output stays linear in input whatever the bytes say.
+constexpr int32_t MostLinesOf(int32_t capturedLength) {
+  const int64_t lines = 10000 + int64_t{16} * capturedLength;
+  return lines < kMostLines ? static_cast<int32_t>(lines) : kMostLines;
+}
+
 // How the current frame's network layer carries its transport: set by IPv4 and IPv6 for TCP, UDP and SCTP. Of tunnelled
 // datagrams it is the innermost one's, as are the addresses and ports below.
 struct NetworkState {

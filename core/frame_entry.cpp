@@ -194,7 +194,7 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   packet.frame = record;
   packet.userParam1 = userParam1;
   packet.userParam2 = userParam2;
-  packet.linesLeft = kMostLines;
+  packet.linesLeft = MostLinesOf(record->capturedLength);
   packet.protocol = "frame";
   context->packetNumber = static_cast<int64_t>(record->packetNumber);
   const bool display = context->outputMode == kDisplayMode;

@@ -226,8 +226,8 @@ TEST(HttpGzip, InflationStopsAtItsBuffer) {
     EXPECT_EQ(InflatedOf(view.Text()), "\n") << "zeros end the line's text";
     TestView blank(&none);
     const double blanks = BestMilliseconds([&] { blank.Run(DecodeHttpSegment, lines); });
-    EXPECT_LT(blanks, 300 * kSlowness) << "900,000 lines";
-    EXPECT_EQ(InflatedOf(blank.Text()).size(), 900000u);
+    EXPECT_LT(blanks, kMostMilliseconds) << "900,000 lines, of which few are shown";
+    EXPECT_LT(blank.context().rangeCount, 30000u);
     std::printf("4 GB: %.2f ms, 900,000 lines: %.2f ms\n", bomb, blanks);
   });
 }

@@ -152,7 +152,7 @@ TCP (quoted), [49152] -> [80] {48+8}
   EXPECT_EQ(packet.network.totalLength, 36);
   EXPECT_FALSE(packet.quoted);
   EXPECT_EQ(packet.nesting, 0);
-  EXPECT_LT(packet.linesLeft, kMostLines - 50) << "lines of the quote count";
+  EXPECT_LT(packet.linesLeft, MostLinesOf(56) - 50) << "lines of the quote count";
 }
 
 TEST(Icmp, QuestionsAndReports) {
