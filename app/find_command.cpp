@@ -1,6 +1,4 @@
-#include <cstring>
 #include <limits>
-#include <vector>
 
 #include "app/colors.h"
 #include "app/commands.h"
@@ -18,18 +16,6 @@ struct FindOptions {
   bool backward = false;
 };
 
-// A record kept while the pass goes on: the packet of the last match so far, and which of its lines matched.
-struct KeptRecord {
-  std::vector<uint8_t> bytes;
-  int32_t line = 0;
-  void Keep(const FrameRecord* record, int32_t matchedLine) {
-    const auto* from = reinterpret_cast<const uint8_t*>(record);
-    bytes.assign(from, from + record->recordLength);
-    line = matchedLine;
-  }
-  const FrameRecord* Get() const { return reinterpret_cast<const FrameRecord*>(bytes.data()); }
-};
-
 void StartFind(DecodeContext& context, const FindOptions& options) {
   CopyString(context.findText, sizeof context.findText, options.text.c_str());
   context.outputMode = kFindMode;
@@ -40,32 +26,26 @@ void StartFind(DecodeContext& context, const FindOptions& options) {
   context.findBounded = options.backward ? 1 : 0;
 }
 
-// The line that was added as the `index`-th of its packet, if it reads as the found one; else the one that the display
-// selected by its text.
-LineHandle MatchedLine(Session& session, int32_t index) {
-  const ArenaTree& tree = session.Tree();
-  const DecodeContext& context = session.Context();
-  for (LineHandle line = 1; line <= tree.LineCount(); ++line) {
-    if (static_cast<int32_t>(tree.RangeIndex(line)) == index &&
-        std::strncmp(tree.TextOf(line), context.findLine, sizeof context.findLine - 1) == 0) {
-      return line;
-    }
-  }
-  return context.foundLineHandle;
+// Decodes the packet of a match for display, at once, while what packets before it left is as it was. The tree stays
+// until the next match.
+void KeepMatch(Session& session, const FrameRecord* record) {
+  DecodeContext& context = session.Context();
+  context.foundLineHandle = context.matchedLine = 0;
+  session.SetOutput(kDisplayMode, nullptr);
+  session.Decode(record);
+  session.SetOutput(kFindMode, nullptr);
 }
 
-// The packet of the match, decoded again for display with its line marked; false when that could not be written.
-bool ShowMatch(PacketRun& run, const KeptRecord& found, const FindOptions& options) {
+// The kept packet with its line marked; where a user library added the line in a way of its own, the one that reads so.
+// False when it could not be written.
+bool ShowMatch(PacketRun& run, const FindOptions& options) {
   Session& session = run.GetSession();
-  session.SetOutput(kDisplayMode, nullptr);
-  session.Context().foundLineHandle = 0;
-  session.Decode(found.Get());
   Output out;
   TreeStyle style;
   style.colors = UsesColor(options.reading.color);
   style.cells = IsTerminal(StandardOutputFile());
   style.markColumn = true;
-  style.marked = MatchedLine(session, found.line);
+  style.marked = session.Context().matchedLine ? session.Context().matchedLine : session.Context().foundLineHandle;
   WriteTree(out, session, style);
   out.Flush();
   return !out.Failed();
@@ -85,19 +65,17 @@ int Find(FindOptions options) {
   if (!run.Open(options.reading)) return run.Status();
   DecodeContext& context = run.GetSession().Context();
   StartFind(context, options);
-  KeptRecord found;
-  int32_t lastIndex = -1, packetStart = 0;
+  int32_t lastIndex = -1;
   int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame&, int32_t) {
     if (context.findFound && context.findLineIndex != lastIndex) {
       lastIndex = context.findLineIndex;
-      found.Keep(record, lastIndex - packetStart);
-      if (!options.backward) return false;
+      KeepMatch(run.GetSession(), record);
+      return options.backward;
     }
-    packetStart = context.findLineCounter;
     return true;
   });
   if (!context.findFound) return status == kDone ? kNothingFound : status;
-  return ShowMatch(run, found, options) ? status : OutputFault();
+  return ShowMatch(run, options) ? status : OutputFault();
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line) {
   const ArenaTree& tree = session.Tree();
   int32_t kind, offset;
   uint32_t length;
-  const ByteRange range = session.Context().rangeTable[tree.RangeIndex(line)];
+  const ByteRange range = RangeOfLine(&session.Context(), &tree, line);
   SplitByteRange(&range, &kind, &offset, &length);
   out.Put("{\"text\":");
   PutJsonText(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});

@@ -86,7 +86,7 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
   if (style.ranges) {
     int32_t kind, offset;
     uint32_t length;
-    const ByteRange range = session.Context().rangeTable[tree.RangeIndex(line)];
+    const ByteRange range = RangeOfLine(&session.Context(), &tree, line);
     SplitByteRange(&range, &kind, &offset, &length);
     char text[48];
     FormatInto(text, sizeof text, "  [%d, %u]", offset, length);

@@ -94,7 +94,7 @@ struct PacketState {
   ReachedLayer reached;
   ReachedLayer carrier;      // what IP carries, header included; behind it `reached` may be the application
   int32_t nesting;
-  int32_t linesLeft;
+  int32_t linesLeft;         // below 0 once the bound is told
   bool limitReached;
   const char* protocol;      // the short name of the protocol whose lines are added, for their keys
   bool quoted;               // an error message quotes this datagram: of another frame, cut anywhere; learn nothing
@@ -122,7 +122,9 @@ struct DecodeContext {
   int32_t findLineLimit;
   int32_t findLineCounter;
   uint32_t findBounded;
-  LineHandle foundLineHandle;
+  int32_t findLinesLeft;      // the packet state's linesLeft at the recorded match: tells the line from its likes
+  LineHandle foundLineHandle; // the last line that reads as the found one
+  LineHandle matchedLine;     // the found one itself, when its packet is shown as it was when it was found
   ByteRange* rangeTable;
   uint32_t rangeCapacity;
   uint32_t rangeCount;

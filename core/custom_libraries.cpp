@@ -60,9 +60,7 @@ namespace {
 View* ViewOf(QxTree* tree) { return static_cast<View*>(tree->data[0]); }
 
 QxLine TreeAppend(QxTree* tree, QxLine parent, const char* text, int32_t image, uint32_t tag) {
-  View* view = ViewOf(tree);
-  if (view->context->outputMode != kDisplayMode || !text) return 0;
-  return view->tree->Append({parent, text, static_cast<int32_t>(std::strlen(text)), image, tag, false});
+  return AddTaggedLine(ViewOf(tree), parent, text, image, tag);
 }
 int32_t TreeGetText(QxTree* tree, QxLine line, char* out, int32_t outSize) {
   return GetDecodeLineText(ViewOf(tree), ViewOf(tree)->tree, line, out, outSize);
@@ -113,7 +111,9 @@ int32_t Offer(const Place& at, void* const* handles, int32_t count, const char* 
     std::memcpy(&function, &found, sizeof function);
     CustomDecodeBlock block = FreshBlock(context);
     if (context->outputFile) FlushOutput(context->outputFile);   // the library may write to the file itself
-    if (call(function, native ? native : &record, &block) != 0) {
+    const int32_t taken = call(function, native ? native : &record, &block);
+    if (context->rangeCount > context->rangeCapacity) context->rangeCount = context->rangeCapacity;
+    if (taken != 0) {
       context->customWord = block.freeWord;
       return 1;
     }

@@ -16,6 +16,11 @@ bool InDisplay(const View* view, const DecodeTree* tree) {
   return view && view->context && tree && view->context->outputMode == kDisplayMode;
 }
 
+// User decoder libraries choose their lines' tags and count in the table themselves.
+ByteRange* StoredRange(const DecodeContext* context, uint32_t index) {
+  return index < context->rangeCount && index < context->rangeCapacity ? &context->rangeTable[index] : nullptr;
+}
+
 // The table is grown before it is full, so that the entry at `rangeCount` always exists.
 bool GrowRangeTable(DecodeContext* context) {
   const uint32_t capacity = context->rangeCapacity * 2;
@@ -27,15 +32,25 @@ bool GrowRangeTable(DecodeContext* context) {
   return true;
 }
 
+LineHandle AppendToTree(DecodeContext* context, LineHandle parent, const char* text, int32_t length, int32_t image,
+                        DecodeTree* tree, uint32_t tag) {
+  const bool selected = context->findFound && std::strcmp(text, context->findLine) == 0;
+  const LineHandle line = tree->Append({parent, text, length, image, tag, selected});
+  if (!line || !context->findFound) return line;
+  if (selected) context->foundLineHandle = line;
+  if (context->packet.linesLeft == context->findLinesLeft &&
+      std::strncmp(text, context->findLine, sizeof context->findLine - 1) == 0) {
+    context->matchedLine = line;
+  }
+  return line;
+}
+
 LineHandle ShowLine(DecodeContext* context, LineHandle parent, const char* text, int32_t length, int32_t image,
                     DecodeTree* tree, ByteRange range) {
   if (context->rangeCount + 1 >= context->rangeCapacity && !GrowRangeTable(context)) return 0;
   context->rangeTable[context->rangeCount] = range;
-  const bool selected = context->findFound && std::strcmp(text, context->findLine) == 0;
-  const LineHandle line = tree->Append({parent, text, length, image, context->rangeCount, selected});
-  if (!line) return 0;
-  ++context->rangeCount;
-  if (selected) context->foundLineHandle = line;
+  const LineHandle line = AppendToTree(context, parent, text, length, image, tree, context->rangeCount);
+  if (line) ++context->rangeCount;
   return line;
 }
 
@@ -71,6 +86,7 @@ void SearchLine(DecodeContext* context, const char* text) {
       context->findLine[kept] = 0;
       context->findPacketNumber = context->packetNumber;
       context->findLineIndex = counter;
+      context->findLinesLeft = context->packet.linesLeft;
     }
   }
   if ((context->findBounded || !context->findFound) && context->findLineCounter < INT32_MAX) {
@@ -100,6 +116,7 @@ LineHandle ReachLimit(View* view, LineHandle parentLine, int32_t image, DecodeTr
   PacketState& packet = view->context->packet;
   if (packet.limitReached) return 0;
   packet.limitReached = true;
+  packet.linesLeft = -1;
   if (!view->context->silent) RouteLine(view, parentLine, "Decode limit reached", 20, image, tree, range);
   return 0;
 }
@@ -132,10 +149,9 @@ int64_t CurrentPacketNumber(const View* view) { return view && view->context ? v
 LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
                            DecodeTree* tree, ByteRange range) {
   if (!view || !view->context || !tree || !text) return 0;
-  if (--view->context->packet.linesLeft < 0) {
-    view->context->packet.linesLeft = 0;
-    return ReachLimit(view, parentLine, image, tree, range);
-  }
+  int32_t& linesLeft = view->context->packet.linesLeft;
+  if (linesLeft <= 0) return ReachLimit(view, parentLine, image, tree, range);
+  --linesLeft;
   if (view->context->silent) return kLineOutsideDisplay;
   return RouteLine(view, parentLine, text, length, image, tree, range);
 }
@@ -147,6 +163,12 @@ LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, in
   const LineHandle line = AddDecodeLineOf(view, parentLine, text, length, image, tree, range);
   if (line && KeepsFacts(view) && RangeKind(range) == kFieldKind) [[unlikely]] NoteMade(view, line, text, length);
   return line;
+}
+
+LineHandle AddTaggedLine(View* view, LineHandle parentLine, const char* text, int32_t image, uint32_t tag) {
+  if (!text || !InDisplay(view, view->tree) || view->context->packet.linesLeft <= 0) return 0;
+  --view->context->packet.linesLeft;
+  return AppendToTree(view->context, parentLine, text, static_cast<int32_t>(std::strlen(text)), image, view->tree, tag);
 }
 
 void AppendToDecodeLine(View* view, DecodeTree* tree, LineHandle line, const char* text) {
@@ -176,27 +198,31 @@ int32_t GetDecodeLineText(View* view, DecodeTree* tree, LineHandle line, char* b
 
 void SetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange range) {
   if (!InDisplay(view, tree) || !line) return;
-  const uint32_t index = tree->RangeIndex(line);
-  if (index < view->context->rangeCount) view->context->rangeTable[index] = range;
+  if (ByteRange* stored = StoredRange(view->context, tree->RangeIndex(line))) *stored = range;
 }
 
 ByteRange ExtendDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, int32_t extraLength) {
   if (!InDisplay(view, tree) || !line || extraLength == 0) return 0;
-  const uint32_t index = tree->RangeIndex(line);
-  if (index >= view->context->rangeCount) return 0;
-  ByteRange& stored = view->context->rangeTable[index];
-  stored = MakeByteRange(RangeKind(stored), RangeOffset(stored),
-                         static_cast<int32_t>(RangeLength(stored) + static_cast<uint32_t>(extraLength)));
-  return stored;
+  ByteRange* stored = StoredRange(view->context, tree->RangeIndex(line));
+  if (!stored) return 0;
+  *stored = MakeByteRange(RangeKind(*stored), RangeOffset(*stored),
+                          static_cast<int32_t>(RangeLength(*stored) + static_cast<uint32_t>(extraLength)));
+  return *stored;
 }
 
 int32_t GetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange* out) {
   if (out) *out = 0;
   if (!InDisplay(view, tree) || !line || !out) return 0;
   const uint32_t index = tree->RangeIndex(line);
-  if (index == 0 || index >= view->context->rangeCount) return 0;
-  *out = view->context->rangeTable[index];
+  const ByteRange* stored = index == 0 ? nullptr : StoredRange(view->context, index);
+  if (!stored) return 0;
+  *out = *stored;
   return 1;
+}
+
+ByteRange RangeOfLine(const DecodeContext* context, const DecodeTree* tree, LineHandle line) {
+  const ByteRange* stored = StoredRange(context, tree->RangeIndex(line));
+  return stored ? *stored : 0;
 }
 
 LineHandle GetLastDecodeLine(View* view, DecodeTree* tree) {

@@ -17,6 +17,9 @@ LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, in
 LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
                            DecodeTree* tree, ByteRange range);
 
+// Appends a line that has its range elsewhere or none, in display mode: what user decoder libraries add on their own.
+LineHandle AddTaggedLine(View* view, LineHandle parentLine, const char* text, int32_t image, uint32_t tag);
+
 // Appends to the line's text: a joined text of up to 300 characters is kept whole, a longer one is cut to 299.
 void AppendToDecodeLine(View* view, DecodeTree* tree, LineHandle line, const char* text);
 void SetDecodeLineText(View* view, DecodeTree* tree, LineHandle line, const char* text);
@@ -27,6 +30,9 @@ void SetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange
 ByteRange ExtendDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, int32_t extraLength);
 // 1 and the stored range; 0 and none for the first line after a clear, which the view highlights nothing for.
 int32_t GetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange* out);
+
+// The stored range of any line, the first one included; none for a line whose tag is no index of the table.
+ByteRange RangeOfLine(const DecodeContext* context, const DecodeTree* tree, LineHandle line);
 
 LineHandle GetLastDecodeLine(View* view, DecodeTree* tree);   // in display order
 int32_t GetLastDecodeLineRange(View* view, DecodeTree* tree, ByteRange* out);

@@ -143,6 +143,21 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(status, 1)
         self.assertIn("\u2192", message)
 
+    def test_find_tells_the_line_from_its_likes(self):
+        """Three headers in one another: the decoder edits lines that it added before."""
+        frame = bytes(12) + b"\x08\x00"
+        for length in (68, 48, 28):
+            frame += bytes.fromhex(f"4500 {length:04x} 0001 0000 40 {4 if length > 28 else 17:02x} 0000 0a000001 0a000002")
+        frame += bytes.fromhex("03e8 03e9 0008 0000")
+        capture = (bytes.fromhex("d4c3b2a1020004000000000000000000ffff000001000000") + bytes(8) +
+                   len(frame).to_bytes(4, "little") * 2 + frame)
+        second = [f"--set=RangeFilter{name}" for name in ("On=1", "Start=34", "Length=20")]
+        for text in ("Type of Service", "Status:", "IP Addresses", "10.0.0.1 -> 10"):
+            for options, likes in (([], 0), (["--backward"], 2), (second, 1)):
+                lines = run("find", *options, "-", text, stdin=capture)[1].decode().splitlines()
+                marked = next(i for i, line in enumerate(lines) if line.startswith(">"))
+                self.assertEqual(sum(text in line for line in lines[:marked]), likes, (text, options))
+
     def test_a_reader_that_goes_away_ends_the_program_quietly(self):
         with subprocess.Popen([QXVIEW, "decode", "-l", HTTP], stdout=subprocess.PIPE, stderr=subprocess.PIPE) as running:
             running.stdout.readline()

@@ -55,6 +55,15 @@ TEST_P(Lines, TableGrowsBeforeItIsFullAndTheFirstLineHasNoRange) {
   EXPECT_EQ(CurrentPacketNumber(nullptr), -1);
 }
 
+TEST_P(Lines, OfLibrariesMayHaveAnyTag) {
+  const LineHandle first = Add(0, "first", 5), own = AddTaggedLine(view(), 0, "own", 9, 100000);
+  EXPECT_EQ(RangeOffset(RangeOfLine(&context(), &view_.tree(), first)), 5);
+  EXPECT_EQ(RangeOfLine(&context(), &view_.tree(), own), 0u);
+  SetDecodeLineRange(view(), &view_.tree(), own, MakeByteRange(0, 1, 1));
+  context().packet.linesLeft = 0;
+  EXPECT_EQ(AddTaggedLine(view(), 0, "one too many", 9, 1), 0u);
+}
+
 TEST_P(Lines, AppendedTextsAreCappedAndLongLinesKept) {
   const LineHandle line = Add(0, std::string(290, 'a').c_str());
   AppendToDecodeLine(view(), &view_.tree(), line, "0123456789");
@@ -195,6 +204,24 @@ TEST_P(Lines, FindTakesTheFirstForwardAndTheLastInABound) {
   EXPECT_EQ(view_.tree().Selected(), found);
 }
 
+TEST_P(Lines, FoundLineIsToldFromItsLikes) {
+  context().rangeFilterOn = 1;
+  context().rangeFilterStart = 10;
+  context().rangeFilterLength = 10;
+  CopyString(context().findText, sizeof context().findText, "line");
+  context().findLineIndex = -1;
+  const auto decode = [&](char mode) {
+    context().outputMode = mode;
+    context().packet.linesLeft = 3;
+    std::vector<LineHandle> lines;
+    for (int32_t offset : {5, 15, 16, 17}) lines.push_back(Add(0, "line", offset));
+    return lines;
+  };
+  decode(kFindMode);
+  const LineHandle second = decode(kDisplayMode)[1];
+  EXPECT_EQ(context().matchedLine, second) << "the filter dropped the first one";
+}
+
 TEST_P(Lines, AreBoundedInAFrame) {
   context().packet.linesLeft = 3;
   const LineHandle parent = Add(0, "parent");
@@ -203,6 +230,9 @@ TEST_P(Lines, AreBoundedInAFrame) {
   EXPECT_EQ(Add(parent, "too many"), 0u);
   EXPECT_EQ(Add(parent, "too many"), 0u);
   EXPECT_EQ(view_.Text(), "parent {0+1}\n  child {0+1}\n  child {0+1}\n  Decode limit reached {0+1}\n");
+  EXPECT_EQ(MostLinesOf(0), 10000);
+  EXPECT_EQ(MostLinesOf(1500), 34000);
+  EXPECT_EQ(MostLinesOf(65535), kMostLines);
 }
 
 TEST_P(Lines, HexDumpsHaveTheirColumns) {
