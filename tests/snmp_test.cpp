@@ -96,6 +96,13 @@ TEST(Snmp, TrapOfVersion1) {
 )");
 }
 
+TEST(Snmp, ObjectIdentifiersMayBeEmpty) {
+  const Bytes trap = Wrap(0xA4, Hex("06 00  40 04 0A000005  02 01 06  02 01 11  43 01 01") +
+                                    Wrap(0x30, Wrap(0x30, Hex("06 00  05 00"))));
+  ExpectInOrder(Outline(Message("00", trap)),
+                {"Trap, E=<NULL>, A=", "  Enterprise: <NULL> {15+2}", "    Object Name  : <NULL> {"});
+}
+
 TEST(Snmp, BulkAndResponseOfVersion2) {
   ExpectInOrder(Outline(Message("01", Request(0xA5, Binding(Hex("05 00")), "02 01 09  02 01 01  02 01 0A"))),
                 {"SNMPv2: public, Get Bulk Request, ID=9, NR=1, MR=10 {", "  Request ID: 9 {", "  Non-Repeaters: 1 {",

@@ -65,7 +65,7 @@ int32_t DecodeAsnObjectId(const Place& at, Cursor& c, AsnObjectNames& names, Asn
   if (met != kAsnDecoded) return met;
   const AsnElement element = OpenElement(at, c, "OBJECT IDENTIFIER", out);
   if (!element.contents.here) {
-    if (element.status == kAsnDecoded) CopyString(names.dotted, sizeof names.dotted, out.text);
+    if (element.status == kAsnDecoded) CopyString(names.dotted, sizeof names.dotted, "<NULL>");
     return element.status;
   }
   const bool isWhole = FormatArcs(CursorOver(element.contents), names.dotted, sizeof names.dotted);
