@@ -8,7 +8,7 @@ namespace qxview {
 
 class SegmentHistory {
  public:
-  static constexpr size_t kMostSegments = 100;            // of one connection and direction
+  static constexpr size_t kMostSegments = 101;            // of one connection and direction: a message's start and 100
   static constexpr uint32_t kMostMemory = 10u << 20;      // bytes in all, bookkeeping included
 
   explicit SegmentHistory(uint32_t mostMemory = kMostMemory);

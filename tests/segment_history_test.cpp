@@ -53,15 +53,15 @@ TEST(SegmentHistory, KeepsEachConnectionAndDirection) {
   EXPECT_EQ(found.packetNumber, 5);
 }
 
-TEST(SegmentHistory, KeepsTheLastHundred) {
+TEST(SegmentHistory, KeepsTheLastHundredAndAStart) {
   History history;
   for (int i = 1; i <= 250; ++i)
     history.Send(1, 5000, std::string(static_cast<size_t>(1 + i % 7 * 300), 'x') + std::to_string(i), i);
-  for (int back = 1; back <= 100; ++back) {
+  for (int back = 1; back <= 101; ++back) {
     const std::string number = std::to_string(251 - back);
     EXPECT_TRUE(history.Earlier(1, 5000, back).ends_with("x" + number)) << back;
   }
-  EXPECT_EQ(history.Earlier(1, 5000, 101), "none");
+  EXPECT_EQ(history.Earlier(1, 5000, 102), "none");
 }
 
 TEST(SegmentHistory, ForgetsTheConnectionsThatWereSilentLongest) {
