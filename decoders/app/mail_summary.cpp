@@ -47,25 +47,19 @@ int32_t SmtpCommandLength(const TextSlice& payload) {
   return 0;
 }
 
-// ", Message: " and what stands behind the code or command: the rest of its line without unprintable characters.
+// ", Message: " and what stands behind the code or command: the rest of its line without unprintable characters, at most
+// `messageLimit` of them.
 void AddMessage(SummaryText& text, const TextSlice& payload, int32_t from, int32_t messageLimit) {
-  constexpr int32_t kMostMessage = 300;
-  const int32_t most = messageLimit < 0 || messageLimit > kMostMessage ? kMostMessage : messageLimit;
+  constexpr int32_t kUsualLimit = 300;
+  const int32_t most = messageLimit < 0 ? kUsualLimit : messageLimit;
   if (from < payload.length && payload.text[from] == ' ') ++from;
-  char message[kMostMessage + 1];
-  int32_t length = 0;
-  for (; from < payload.length && length < most; ++from) {
-    const char c = payload.text[from];
+  for (int32_t length = 0; from < payload.length && length < most; ++from) {
+    const char c = payload.text[from] == '\t' ? ' ' : payload.text[from];
     if (c == '\r' || c == '\n' || c == 0) break;
-    if (static_cast<uint8_t>(c) >= 0x20 && c != 0x7F) {
-      message[length++] = c;
-    } else if (c == '\t') {
-      message[length++] = ' ';
-    }
+    if (static_cast<uint8_t>(c) < 0x20 || c == 0x7F) continue;
+    if (length++ == 0) Add(text, ", Message: ");
+    Add(text, TextSlice{&c, 1});
   }
-  if (length == 0) return;
-  Add(text, ", Message: ");
-  Add(text, TextSlice{message, length});
 }
 
 }  // namespace

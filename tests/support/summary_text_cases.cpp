@@ -66,6 +66,7 @@ void AddMail(std::vector<SummaryCase>& cases) {
   smtp(-1, "354\r\n", "SMTP Reply: 354");
   smtp(-1, "220 a\tb\001c\r\n", "SMTP Reply: 220, Message: a bc");
   smtp(-1, "220 " + std::string(400, 'm'), "SMTP Reply: 220, Message: " + std::string(300, 'm'));
+  smtp(350, "220 " + std::string(400, 'm'), "SMTP Reply: 220, Message: " + std::string(350, 'm'));
   smtp(-1, "MAIL FROM:<a@b.example> SIZE=9\r\n", "SMTP Command: MAIL FROM:, Message: <a@b.example> SIZE=9");
   smtp(-1, "rcpt to: <c@d.example>\r\n", "SMTP Command: rcpt to:, Message: <c@d.example>");
   smtp(-1, "EHLO client.example\r\n", "SMTP Command: EHLO, Message: client.example");
