@@ -13,7 +13,8 @@
 //   24  8  packet number
 //   32  4  length of the frame on the wire, with whatever check sequence the capture holds
 //   36  2  link type of the capture (the pcap LINKTYPE number), 0 when the medium says all
-//   38  1  bytes of check sequence that the captured bytes end with (0 to 4: a cut frame may hold a part)
+//   38  1  bytes of check sequence that the frame's bytes end with (0 to 4: one cut on capture may hold a part); with
+//          byte 17 set, that they ended with before saving cut them
 //   39  1  raw frames: bytes in front of the network header
 //   40  2  raw frames: Ethertype (or RawProtocol) of what starts there; 0 for frames with a medium header
 //   42  2  link number of WAN frames without an extension block
@@ -97,6 +98,14 @@ inline bool HasFullHeader(const FrameRecord* record) {
 // Length on the wire; the captured length when the record does not say.
 inline uint32_t WireLength(const FrameRecord* record) {
   return HasFullHeader(record) ? record->wireLength : record->capturedLength;
+}
+
+// Bytes of check sequence that the captured bytes end with.
+inline int32_t HeldCheckSequence(const FrameRecord* record) {
+  if (!HasFullHeader(record)) return 0;
+  const int64_t cut = record->partial == 1 ? int64_t{record->wireLength} - record->capturedLength : 0;
+  const int64_t held = record->checkSequenceLength - (cut > 0 ? cut : 0);
+  return held > 0 ? static_cast<int32_t>(held) : 0;
 }
 
 // The data of the first extension block with this tag (the block's start plus 4) and its length; null when there is none.

@@ -166,12 +166,7 @@ SaveResult CaptureBufferWriter::Add(const FrameRecord* record) {
   std::memcpy(at, record, static_cast<size_t>(length));
   PutU16(at + 8, static_cast<size_t>(dataLength));
   PutU16(at + 14, static_cast<size_t>(length));
-  if (cut) {
-    at[17] = 1;
-    // A check sequence at the frame's end goes first.
-    const int32_t lost = record->capturedLength - dataLength;
-    if (HasFullHeader(record)) at[38] = static_cast<uint8_t>(at[38] > lost ? at[38] - lost : 0);
-  }
+  if (cut) at[17] = 1;
   std::memcpy(at + 24, &nextNumber_, sizeof nextNumber_);
   ++nextNumber_;
   ++written_;

@@ -48,7 +48,7 @@ const FrameRecord* RecordBuilder::Build(const CaptureFrame& frame) {
   record->packetNumber = frame.number;
   record->wireLength = wire;
   record->linkType = frame.linkType;
-  record->checkSequenceLength = PresentCheckSequence(link.checkSequenceLength, kept, wire);
+  record->checkSequenceLength = PresentCheckSequence(link.checkSequenceLength, cut ? captured : kept, wire);
   record->rawSkip = link.rawSkip;
   record->rawEthertype = link.rawEthertype;
   if (extension) {

@@ -58,6 +58,10 @@ TEST(Ethernet, CheckSequenceOfTheCaptureIsNoPayload) {
   record->checkSequenceLength = 4;
   ExpectInOrder(TreeOf(record), {"Frame network size: 23 (including 4 bytes CRC) {0+23}",
                                  "Frame Check Sequence: DE AD BE EF {19+4}", "Raw Packet {8:14+5}"});
+  record->wireLength = 25;
+  record->partial = 1;   // two bytes were cut when it was saved
+  ExpectInOrder(TreeOf(record), {"Frame network size: 25 (including 4 bytes CRC) {0+23}",
+                                 "Frame Check Sequence: BE EF {21+2}", "Raw Packet {8:14+7}"});
 }
 
 TEST(Llc, FirstMatchOfTheServiceTableWins) {

@@ -3,8 +3,7 @@
 namespace qxview {
 
 Field CutCheckSequence(const Place& at, Cursor& c) {
-  const FrameRecord* record = PacketOf(at).frame;
-  const int32_t length = HasFullHeader(record) ? record->checkSequenceLength : 0;
+  const int32_t length = HeldCheckSequence(PacketOf(at).frame);
   if (length < 1 || length > 4 || length > Left(c)) return {nullptr, c.offset, 0, 0, false};
   c.left -= length;
   return {c.at + c.left, c.offset + c.left, length, 0, true};
