@@ -152,7 +152,7 @@ TEST(Kerberos, PreAuthenticationData) {
       {"0B", Sequence(Sequence(Tag(0, Number("03")) + Tag(1, Octets(Hex("53414C54"))))),
        {"[11] = PA-ETYPE-INFO {", "ETYPE-INFO #1: [3] = des-cbc-md5 {", "Salt: SALT {"}},
       {"03", Hex("53414C54"), {"[3] = PA-PW-SALT {", "Data Value: SALT {"}},
-      {"03", Hex("340200C0 00000000 01000000"), {"[3] = PA-PW-SALT {", "Status: [0xC0000234] = Account Locked Out {"}},
+      {"03", Hex("340200C0 00000000 01000000"), {"[3] = PA-PW-SALT {", "Status: [0xC0000234] = STATUS_ACCOUNT_LOCKED_OUT {"}},
       {"0080", Sequence(Tag(0, Wrap(0x01, Hex("FF")))), {"[128] = PA-PAC-REQUEST {", "Include PAC: True {"}},
       {"14", Sequence(Tag(0, Realm("B.TEST")) + Tag(1, Name("user"))),
        {"[20] = PA-SVR-REFERRAL-INFO {", "Referred Realm: B.TEST {", "Referred Name: user {"}},
@@ -179,7 +179,7 @@ TEST(Kerberos, DataOfErrors) {
   ExpectInOrder(OutlineOf(Error("3E", typed)), {"    TYPED-DATA #1: [103] = TD-KRB-REALM {", "Data Value: B.TEST {"});
   const Bytes extended = Sequence(Tag(1, Number("03")) + Tag(2, Octets(Hex("720000C0 00000000 01000000"))));
   ExpectInOrder(OutlineOf(Error("12", extended)), {"    Data Type: [3] = Extended {",
-                "      Status: [0xC0000072] = Account Disabled {", "      Reserved: 0x0", "      Flags: 0x00000001 {"});
+                "      Status: [0xC0000072] = STATUS_ACCOUNT_DISABLED {", "      Reserved: 0x0", "      Flags: 0x00000001 {"});
   ExpectInOrder(OutlineOf(Error("7F", Hex("0001"))), {"  Error Code: [127] = Undefined {", "  Error Data: 00 01 {"});
 }
 

@@ -3,18 +3,10 @@
 
 #include "decoders/asn1/kerberos_names.h"
 #include "decoders/asn1/kerberos_types.h"
+#include "decoders/common/nt_status.h"
 
 namespace qxview {
 namespace {
-
-// Windows codes of the extended errors that a KDC gives with its own (NTSTATUS).
-constexpr auto kStatusNames = SortedNames({
-    {0xC0000022, "Access Denied"}, {0xC000005E, "No Logon Servers"}, {0xC0000064, "No Such User"},
-    {0xC000006A, "Wrong Password"}, {0xC000006C, "Password Restriction"}, {0xC000006D, "Logon Failure"},
-    {0xC000006E, "Account Restriction"}, {0xC000006F, "Invalid Logon Hours"}, {0xC0000070, "Invalid Workstation"},
-    {0xC0000071, "Password Expired"}, {0xC0000072, "Account Disabled"}, {0xC0000133, "Time Difference at DC"},
-    {0xC000015B, "Logon Type Not Granted"}, {0xC000018B, "No Trust SAM Account"}, {0xC0000193, "Account Expired"},
-    {0xC0000224, "Password Must Change"}, {0xC0000234, "Account Locked Out"}, {0xC0000413, "Authentication Firewall"}});
 
 struct SetBit {
   int32_t bit;
@@ -117,7 +109,8 @@ void ShowEncryptionSet(BerWalk&, const Place& at, Cursor& c, const char*) {
 
 void ShowExtendedError(BerWalk&, const Place& at, Cursor& c, const char*) {
   const Field status = TakeLittleU32(c), reserved = TakeLittleU32(c), flags = TakeLittleU32(c);
-  AddLine(at, status, "Status: [0x%.08X] = %s", status.value, LookupName(kStatusNames, status.value, kUndefined));
+  const char* name = NtStatusName(status.value);
+  AddLine(at, status, "Status: [0x%.08X] = %s", status.value, name ? name : kUndefined);
   AddLine(at, reserved, "Reserved: 0x%.08X", reserved.value);
   AddLine(at, flags, "Flags: 0x%.08X", flags.value);
 }
