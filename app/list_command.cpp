@@ -71,11 +71,11 @@ class PacketList {
     PacketAddresses addresses;
     FormatPacketAddresses(packet, host_, &addresses);
     const uint32_t length = WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record));
-    int32_t* pending = nullptr;
+    TlsStream* tls = nullptr;
     const ReachedLayer& reached = packet.reached;
-    if (reached.table == DispatchTable::kApplication && WantsTlsPending(reached.key)) pending = tls_.Find(packet);
+    if (reached.table == DispatchTable::kApplication && WantsTlsStream(reached.key)) tls = tls_.Find(packet);
     char summary[kSummarySize];
-    SummarizePacket(run_.GetSession().GetView(), cleanText_, pending, summary, sizeof summary);
+    SummarizePacket(run_.GetSession().GetView(), cleanText_, tls, summary, sizeof summary);
     const std::string_view timeText{time, static_cast<size_t>(timeLength)};
     if (table_) return PutTableRow(number, timeText, addresses, length, summary);
     PutNumber(number, kNumberWidth);

@@ -44,10 +44,10 @@ void MakeLine(ExportedView* view, const FrameRecord* record) {
   PacketAddresses addresses;
   FormatPacketAddresses(packet, session.GetEngine()->host, &addresses);
   const ReachedLayer& reached = packet.reached;
-  int32_t* pending = nullptr;
-  if (reached.table == DispatchTable::kApplication && WantsTlsPending(reached.key)) pending = view->tls.Find(packet);
+  TlsStream* tls = nullptr;
+  if (reached.table == DispatchTable::kApplication && WantsTlsStream(reached.key)) tls = view->tls.Find(packet);
   char summary[kSummarySize];
-  SummarizePacket(packet, session.GetEngine()->settings.cleanText, pending, summary, sizeof summary);
+  SummarizePacket(session.GetView(), session.GetEngine()->settings.cleanText, tls, summary, sizeof summary);
   view->line = {true, Utf8(addresses.source), Utf8(addresses.destination), Utf8(summary)};
 }
 

@@ -64,7 +64,10 @@ int32_t GetHTTPDescription(const uint8_t* data, int32_t length, char* out, int32
 
 int32_t GetSSLTLSDescription(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t port,
                              int32_t* pending) {
-  return DescribeTls(data, length, out, outSize, port, pending);
+  TlsStream stream{pending ? *pending : 0, false};
+  const int32_t result = DescribeTls(data, length, out, outSize, port, &stream);
+  if (pending) *pending = stream.pending;
+  return result;
 }
 
 int32_t GetFTPDescription(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t messageLimit,

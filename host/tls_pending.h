@@ -1,19 +1,20 @@
-// How many bytes the last TLS record of each connection and direction still lacks, for the packet list's summaries.
+// What the TLS records of each connection and direction left for the next ones, for the packet list's summaries.
 #pragma once
 #include <cstdint>
 #include <cstring>
 #include <unordered_map>
 
 #include "core/context.h"
+#include "decoders/app/summaries.h"
 
 namespace qxview {
 
 class TlsPending {
  public:
-  // The count of the current packet's connection and direction; 0 for a new one. Good until the next call.
-  int32_t* Find(const PacketState& packet) {
-    if (counts_.size() >= kMostConnections) counts_.clear();
-    return &counts_[Key{packet.source, packet.destination, packet.sourcePort, packet.destinationPort}];
+  // That of the current packet's connection and direction; nothing for a new one. Good until the next call.
+  TlsStream* Find(const PacketState& packet) {
+    if (streams_.size() >= kMostConnections) streams_.clear();
+    return &streams_[Key{packet.source, packet.destination, packet.sourcePort, packet.destinationPort}];
   }
 
  private:
@@ -39,7 +40,7 @@ class TlsPending {
       return static_cast<size_t>(mixed ^ mixed >> 32);
     }
   };
-  std::unordered_map<Key, int32_t, Hash> counts_;
+  std::unordered_map<Key, TlsStream, Hash> streams_;
 };
 
 }  // namespace qxview

@@ -121,22 +121,34 @@ TEST(Summaries, ReadNothingBehindThePayload) {
 
 TEST(Summaries, TlsTellsWhatIsPending) {
   char out[kSummarySize];
-  int32_t pending = 0;
+  TlsStream stream{};
+  int32_t& pending = stream.pending;
   const Bytes start = Hex("17 0303 0010 AABB");
-  DescribeTls(start.data(), static_cast<int32_t>(start.size()), out, sizeof out, 443, &pending);
+  DescribeTls(start.data(), static_cast<int32_t>(start.size()), out, sizeof out, 443, &stream);
   EXPECT_EQ(pending, 14);
   const Bytes middle(9);
-  DescribeTls(middle.data(), 9, out, sizeof out, 443, &pending);
+  DescribeTls(middle.data(), 9, out, sizeof out, 443, &stream);
   EXPECT_STREQ(out, "SSL/TLS [Continuation: 9 bytes of 14 pending]");
   EXPECT_EQ(pending, 5);
-  DescribeTls(middle.data(), 5, out, sizeof out, 443, &pending);
+  DescribeTls(middle.data(), 5, out, sizeof out, 443, &stream);
   EXPECT_STREQ(out, "SSL/TLS [Continuation: 5 bytes of 5 pending]");
   EXPECT_EQ(pending, 0);
   pending = 77;   // a payload that starts with a record starts afresh
   const Bytes alert = Hex("15 0303 0002 0100");
-  DescribeTls(alert.data(), 7, out, sizeof out, 443, &pending);
+  DescribeTls(alert.data(), 7, out, sizeof out, 443, &stream);
   EXPECT_STREQ(out, "SSL/TLS, TLS 1.2, Alert: Warning, Close Notify");
   EXPECT_EQ(pending, 0);
+}
+
+TEST(Summaries, TlsOfAStreamStaysEncrypted) {
+  char out[kSummarySize];
+  TlsStream stream{};
+  const Bytes change = Hex("14 0303 0001 01"), done = Hex("16 0303 0004 0E000000");
+  for (const char* name : {"Server Hello Done", "Encrypted Message"}) {
+    DescribeTls(done.data(), 9, out, sizeof out, 1, &stream);
+    EXPECT_EQ(std::string(out), std::string("SSL/TLS, TLS 1.2, Handshake: ") + name);
+    DescribeTls(change.data(), 6, out, sizeof out, 1, &stream);
+  }
 }
 
 // What has no decoder has a summary, so that the list names it.

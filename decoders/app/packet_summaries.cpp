@@ -36,7 +36,7 @@ int32_t SummarizeMdns(const SummaryInput& in, char* out, int32_t size) {
 
 int32_t SummarizeTls(const SummaryInput& in, char* out, int32_t size) {
   const int32_t port = in.sourcePort < in.destinationPort ? in.sourcePort : in.destinationPort;
-  return DescribeTls(in.data, in.length, out, size, port, in.tlsPending);
+  return DescribeTls(in.data, in.length, out, size, port, in.tls);
 }
 
 int32_t SummarizeHttp(const SummaryInput& in, char* out, int32_t size) {
@@ -125,19 +125,19 @@ bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
 
 }  // namespace
 
-bool WantsTlsPending(uint32_t builtinIndex) {
+bool WantsTlsStream(uint32_t builtinIndex) {
   const DecoderRow* row = FindBuiltinDecoder(builtinIndex);
   return row && (row->protocol->summary == SummarizeTls || row->protocol->summary == SummarizeHttps);
 }
 
-void SummarizePacket(View* view, bool cleanText, int32_t* tlsPending, char* out, int32_t size) {
+void SummarizePacket(View* view, bool cleanText, TlsStream* tls, char* out, int32_t size) {
   constexpr uint32_t kTcp = 6;
   const PacketState& packet = view->context->packet;
   const ReachedLayer& reached = packet.reached;
   const ProtocolRow* protocol = ReachedProtocol(reached);
   if (protocol && protocol->summary && reached.table == DispatchTable::kApplication) {
     const SummaryInput input{reached.bytes,          reached.length, packet.sourcePort, packet.destinationPort,
-                             packet.carrier.key == kTcp, cleanText,  tlsPending};
+                             packet.carrier.key == kTcp, cleanText,  tls};
     if (protocol->summary(input, out, size) && out[0]) return;
   }
   if (protocol && !protocol->summary && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) return;

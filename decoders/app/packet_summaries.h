@@ -5,6 +5,7 @@
 
 namespace qxview {
 
+struct TlsStream;
 struct View;
 
 struct SummaryInput {
@@ -13,7 +14,7 @@ struct SummaryInput {
   uint16_t sourcePort, destinationPort;
   bool isTcp;
   bool cleanText;             // the user's cleaning option
-  int32_t* tlsPending;        // the connection's, for TLS; may be null
+  TlsStream* tls;             // the connection's, for TLS; may be null
 };
 
 // The summary of a protocol, as the registry's rows name it: writes one line into `out` of `outSize` bytes, always
@@ -45,14 +46,14 @@ int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeFix(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeGiop(const SummaryInput& in, char* out, int32_t outSize);
 
-// Whether the protocol is carried over TLS as a rule, so that its summary wants `tlsPending`.
-bool WantsTlsPending(uint32_t builtinIndex);
+// Whether the protocol is carried over TLS as a rule, so that its summary wants `tls`.
+bool WantsTlsStream(uint32_t builtinIndex);
 
 constexpr int32_t kSummarySize = 512;
 
 // The line of the frame whose headers the view has just decoded: the application's summary, its decoder's top line, or
-// the line of the layer that was reached. `cleanText` and `tlsPending` as above. size >= 1.
-void SummarizePacket(View* view, bool cleanText, int32_t* tlsPending, char* out, int32_t size);
+// the line of the layer that was reached. `cleanText` and `tls` as above. size >= 1.
+void SummarizePacket(View* view, bool cleanText, TlsStream* tls, char* out, int32_t size);
 
 // Protocols without an exported summary (rpc_summary.cpp).
 int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize);

@@ -35,9 +35,14 @@ int32_t DescribePop3(const uint8_t* data, int32_t length, char* out, int32_t out
 int32_t DescribeTelnet(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t commandLimit,
                        int32_t dataLimit, int32_t printableOnly, bool cleanText);
 
-// TLS and SSL. `port`: names what its application data carry. `pending` may be null: on entry the bytes that an earlier
-// record of this direction still lacks (0 for none), on return those that this payload's last record lacks.
-int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t port, int32_t* pending);
+// What a connection's payloads of one direction leave for the next one.
+struct TlsStream {
+  int32_t pending;   // bytes that the last record still lacks
+  bool encrypted;    // its cipher was changed: handshake messages are not to be read
+};
+
+// TLS and SSL. `port`: names what its application data carry. `stream` may be null; it is brought up to date.
+int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t port, TlsStream* stream);
 
 // TDS (MS-TDS) and TNS. `flag`: not 0 adds the numbers of process and packet.
 int32_t DescribeTds(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t flag);

@@ -14,7 +14,9 @@ namespace {
 constexpr uint32_t kRecordHeader = 5;
 constexpr int32_t kMostRecords = 8, kMostMessages = 8;
 enum ContentType : uint32_t { kChangeCipherSpec = 20, kAlert, kHandshake, kApplicationData, kHeartbeat };
-enum HandshakeType : uint32_t { kClientHello = 1, kServerHello = 2 };
+enum HandshakeType : uint32_t {
+  kHelloRequest = 0, kClientHello = 1, kServerHello = 2, kEndOfEarlyData = 5, kServerHelloDone = 14, kKeyUpdate = 24,
+};
 
 constexpr auto kContentNames = SortedNames({
     {20, "Change Cipher Spec"}, {21, "Alert"}, {22, "Handshake"}, {23, "Application Data"}, {24, "Heartbeat"},
@@ -107,20 +109,68 @@ HelloFacts ReadHello(Cursor c, bool fromClient) {
   return facts;
 }
 
-// The messages of a handshake record. What is encrypted has no type and length that fit.
-void DescribeHandshake(SummaryText& text, Cursor c, uint32_t recordLength) {
+// What is known of a payload's records so far.
+struct RecordWalk {
+  bool encrypted;            // the cipher was changed in front of this record
+  uint32_t messageLacking;   // bytes of the last handshake message that the next record goes on with
+};
+
+bool MayBeMessage(uint32_t type, uint32_t length) {
+  constexpr uint32_t kMostMessage = 1 << 17;   // of certificates
+  if (!LookupName(kHandshakeNames, type, nullptr)) return false;
+  switch (type) {
+    case kHelloRequest:
+    case kEndOfEarlyData:
+    case kServerHelloDone: return length == 0;
+    case kKeyUpdate: return length == 1;
+    default: return length < kMostMessage;
+  }
+}
+
+// Whether the record holds messages in clear: each has a type and a length that can be, and together they fill the
+// record, the last one going on in the next. Behind a change of the cipher, hellos alone are in clear: those of a
+// handshake that begins anew. What was not captured is taken to fit.
+bool HoldsMessages(Cursor c, uint32_t recordLength, const RecordWalk& walk) {
+  uint32_t left = recordLength;
+  if (walk.messageLacking >= left) return !walk.encrypted;
+  left -= walk.messageLacking;
+  TakeBytes(c, walk.messageLacking);
+  if (walk.encrypted && (walk.messageLacking > 0 || Left(c) < 4)) return false;
+  while (Left(c) >= 4) {
+    const uint32_t type = TakeU8(c).value, length = TakeU24(c).value;
+    left -= left < 4 ? left : 4;
+    if (!MayBeMessage(type, length)) return false;
+    if (walk.encrypted && (length != left || (type != kClientHello && type != kServerHello))) return false;
+    if (length >= left) return true;
+    left -= length;
+    TakeBytes(c, length);
+  }
+  return c.ranShort || static_cast<uint32_t>(Left(c)) < left;   // a few bytes at the end are no message
+}
+
+// The messages of a handshake record.
+void DescribeHandshake(SummaryText& text, Cursor c, uint32_t recordLength, RecordWalk& walk) {
+  if (!HoldsMessages(c, recordLength, walk)) return Add(text, ": Encrypted Message");
+  uint32_t left = recordLength;
+  const bool goesOn = walk.messageLacking > 0;
+  if (goesOn) {
+    Add(text, ": Continuation");
+    const uint32_t part = walk.messageLacking < left ? walk.messageLacking : left;
+    TakeBytes(c, part);
+    walk.messageLacking -= part;
+    left -= part;
+  }
   for (int32_t i = 0; i < kMostMessages && Left(c) >= 4; ++i) {
     const uint32_t type = TakeU8(c).value;
     const uint32_t length = TakeU24(c).value;
-    const char* name = LookupName(kHandshakeNames, type, nullptr);
-    if (!name || (i > 0 && length > recordLength)) {
-      if (i == 0) Add(text, ": Encrypted Message");
-      return;
-    }
-    Add(text, i == 0 ? ": " : ", ");
-    Add(text, name);
+    left -= left < 4 ? left : 4;
+    walk.messageLacking = length > left ? length - left : 0;
+    left -= length < left ? length : left;
+    Add(text, i == 0 && !goesOn ? ": " : ", ");
+    Add(text, LookupName(kHandshakeNames, type));
     const Cursor body = TakeCursor(c, length);
     if (type != kClientHello && type != kServerHello) continue;
+    walk.encrypted = false;
     const HelloFacts facts = ReadHello(body, type == kClientHello);
     if (const char* version = LookupName(kVersionNames, facts.version, nullptr)) Add(text, ", Version: %s", version);
     AddValue(text, "Server Name", facts.serverName);
@@ -134,10 +184,11 @@ void DescribeAlert(SummaryText& text, Cursor c, uint32_t recordLength) {
       LookupName(kAlertNames, TakeU8(c).value));
 }
 
-void DescribeRecord(SummaryText& text, const Cursor& fragment, uint32_t type, uint32_t recordLength, int32_t port) {
+void DescribeRecord(SummaryText& text, const Cursor& fragment, uint32_t type, uint32_t recordLength, int32_t port,
+                    RecordWalk& walk) {
   if (type == kHandshake) {
     Add(text, "Handshake");
-    DescribeHandshake(text, fragment, recordLength);
+    DescribeHandshake(text, fragment, recordLength, walk);
   } else if (type == kAlert) {
     DescribeAlert(text, fragment, recordLength);
   } else {
@@ -145,6 +196,7 @@ void DescribeRecord(SummaryText& text, const Cursor& fragment, uint32_t type, ui
     const char* carried = LookupName(kPortNames, static_cast<uint32_t>(port), nullptr);
     if (type == kApplicationData && carried) Add(text, " (%s)", carried);
     if (type == kApplicationData) Add(text, ", %u bytes", recordLength);
+    if (type == kChangeCipherSpec && recordLength == 1) walk.encrypted = true;
   }
 }
 
@@ -153,9 +205,10 @@ bool IsOldClientHello(const uint8_t* data, int32_t length) {
   return length >= 5 && (data[0] & 0x80) && data[2] == 1 && (data[3] == 3 || (data[3] == 0 && data[4] == 2));
 }
 
-// The records of the cursor and the version of the first; returns the bytes that the last one still lacks.
-int32_t DescribeRecords(SummaryText& text, Cursor c, int32_t port) {
+// The records of the cursor and the version of the first.
+void DescribeRecords(SummaryText& text, Cursor c, int32_t port, TlsStream& stream) {
   uint32_t last = 0;
+  RecordWalk walk{stream.encrypted, 0};
   for (int32_t i = 0; i < kMostRecords && StartsTlsRecord(c.at, Left(c)); ++i) {
     const uint32_t type = TakeU8(c).value;
     const uint32_t version = TakeU16(c).value;
@@ -165,24 +218,27 @@ int32_t DescribeRecords(SummaryText& text, Cursor c, int32_t port) {
     const Cursor fragment = TakeCursor(c, here);
     if (type != last || type != kApplicationData) {   // a run of application data records is one piece of news
       Add(text, ", ");
-      DescribeRecord(text, fragment, type, length, port);
+      DescribeRecord(text, fragment, type, length, port, walk);
     }
     last = type;
+    stream.encrypted = walk.encrypted;
     if (here < static_cast<int32_t>(length)) {
       const int32_t whole = static_cast<int32_t>(length + kRecordHeader);
       const int32_t present = here + static_cast<int32_t>(kRecordHeader);
       Add(text, " [Partial: %d bytes of %d pending]", present, whole);
-      return whole - present;
+      stream.pending = whole - present;
+      return;
     }
   }
-  return 0;
 }
 
 }  // namespace
 
-int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t port, int32_t* pending) {
-  const int32_t lacking = pending && *pending > 0 ? *pending : 0;
-  if (pending) *pending = 0;
+int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t port, TlsStream* stream) {
+  TlsStream none{};
+  if (!stream) stream = &none;
+  const int32_t lacking = stream->pending > 0 ? stream->pending : 0;
+  stream->pending = 0;
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "SSL/TLS");
@@ -197,11 +253,10 @@ int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outS
     if (lacking == 0) return Add(text, " Continuation Data"), 1;
     const int32_t part = length < lacking ? length : lacking;
     Add(text, " [Continuation: %d bytes of %d pending]", part, lacking);
-    if (part < lacking) return *pending = lacking - part, 1;
+    if (part < lacking) return stream->pending = lacking - part, 1;
     TakeBytes(c, part);
   }
-  const int32_t left = DescribeRecords(text, c, port);
-  if (pending) *pending = left;
+  DescribeRecords(text, c, port, *stream);
   return 1;
 }
 

@@ -8,8 +8,8 @@ using Data = const uint8_t*;
 
 SummaryMember Tls(int32_t port, int32_t lacking = 0) {
   return [=](Data d, int32_t n, char* out, int32_t size) {
-    int32_t pending = lacking;
-    return DescribeTls(d, n, out, size, port, &pending);
+    TlsStream stream{lacking, false};
+    return DescribeTls(d, n, out, size, port, &stream);
   };
 }
 SummaryMember Tds(int32_t flag) {
@@ -60,6 +60,14 @@ void AddTls(std::vector<SummaryCase>& cases) {
   add(Tls(1), Hex("15 0303 0002 0228"), "SSL/TLS, TLS 1.2, Alert: Fatal, Handshake Failure");
   add(Tls(1), Hex("15 0303 0003 112233"), "SSL/TLS, TLS 1.2, Encrypted Alert");
   add(Tls(1), Hex("16 0303 0006 998877665544"), "SSL/TLS, TLS 1.2, Handshake: Encrypted Message");
+  const Bytes exchange = Hex("16 0303 0006 10000002 AABB");
+  add(Tls(1), exchange + Hex("14 0303 0001 01 16 0303 000A 00000000 00000000 AABB"),
+      "SSL/TLS, TLS 1.2, Handshake: Client Key Exchange, Change Cipher Spec, Handshake: Encrypted Message");
+  add(Tls(1), Hex("16 0303 000A 00000000 00000000 AABB"), "SSL/TLS, TLS 1.2, Handshake: Encrypted Message");
+  add(Tls(1), Hex("16 0303 0006 0B000004 AABB 16 0303 0006 CCDD 0E000000"),
+      "SSL/TLS, TLS 1.2, Handshake: Certificate, Handshake: Continuation, Server Hello Done");
+  add(Tls(1), Hex("14 0303 0001 01") + Hello("01", Hex("0303") + kRandom + Hex("00 0002 1301 01 00")) + exchange,
+      "SSL/TLS, TLS 1.2, Change Cipher Spec, Handshake: Client Hello, Version: TLS 1.2, Handshake: Client Key Exchange");
   add(Tls(1), Hex("16 0303 0010 0B00 000C 0E00"), "SSL/TLS, TLS 1.2, Handshake: Certificate "
       "[Partial: 11 bytes of 21 pending]");
   add(Tls(993), Hex("17 0303 0010 AABB"), "SSL/TLS, TLS 1.2, Application Data (IMAP), 16 bytes "
