@@ -31,8 +31,9 @@ struct TextBuilder {
   ShortText<kSize>& made;   // all zeros at first, so that the text is always terminated
   int32_t used;
 
+  bool IsFull() const { return used == kSize - 1; }
   void Add(char c) {
-    if (used < kSize - 1) made.text[used++] = c;
+    if (!IsFull()) made.text[used++] = c;
   }
   void AddByte(uint8_t byte) {
     constexpr char kDigits[] = "0123456789ABCDEF";
@@ -83,7 +84,7 @@ void AddLabel(NameText& text, NetBiosName& name, const Field& label, bool isFirs
     return;
   }
   if (!isFirst) text.Add('.');
-  for (int32_t i = 0; i < label.length; ++i) text.AddByte(label.bytes[i]);
+  for (int32_t i = 0; i < label.length && !text.IsFull(); ++i) text.AddByte(label.bytes[i]);
 }
 
 // The parts of a name, a line each, as far as they stand here.
@@ -147,7 +148,7 @@ NetBiosName TakeNetBiosName(Cursor& c, const Field& message) {
     if (!label.here || length.value == 0) break;
     AddLabel(text, name, label, isFirst);
     isFirst = false;
-    if (hops > 0 && ++pointedLabels == kMostPointedLabels) break;
+    if (hops > 0 && (text.IsFull() || ++pointedLabels == kMostPointedLabels)) break;
   }
   if (!c.ranShort) name.field = {start.at, start.offset, c.offset - start.offset, 0, true};
   return name;
