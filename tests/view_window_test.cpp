@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/view_window.h"
+#include "platform/win32/tree_control.h"
 #include "tests/support/decoding.h"
 
 namespace qxview::testing {
@@ -64,6 +65,22 @@ TEST_F(ViewWindows, ShowWhatTheSessionDecodes) {
   EXPECT_GT(session_->Context().rangeCount, 10u);
   EXPECT_TRUE(Tree().IsExpanded(Tree().FirstChild(0)));
   EXPECT_EQ(session_->Tree().FirstChild(0), 0u);
+}
+
+TEST_F(ViewWindows, LeaveOutWhatIsTooMuch) {
+  const HWND control = GetWindow(Open(), GW_CHILD);
+  for (int round = 0; round < 2; ++round) {   // the second one starts afresh
+    Tree().Clear();
+    Tree().HoldRedraw(true);
+    LineHandle last = 0;
+    for (uint32_t i = 0; i < kMostItems + 2000; ++i) last = Tree().Append({0, "line", 4, 9, i, false});
+    Tree().SetText(last, "one of them", 11);
+    Tree().HoldRedraw(false);
+    char text[64];
+    Tree().GetText(last, text, sizeof text);
+    EXPECT_STREQ(text, "Lines left out of this window: 2000");
+    EXPECT_EQ(static_cast<uint32_t>(Send(control, TVM_GETCOUNT)), kMostItems + 1);
+  }
 }
 
 // What every image shows, as the bytes of the bitmap that it is drawn into.

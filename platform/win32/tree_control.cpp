@@ -45,7 +45,27 @@ void WriteItem(void* control, TVITEMA item, LineHandle line, UINT mask) {
 
 }  // namespace
 
+bool TreeControl::LeavesOut() {
+  constexpr uint32_t kBetweenLooks = 256;
+  if (leftOut_) return true;
+  if (items_ % kBetweenLooks == 0 && items_ > 0 && held_ && GetTickCount() - started_ > kMostItemMilliseconds) {
+    items_ = kMostItems;
+  }
+  return items_ >= kMostItems;
+}
+
 LineHandle TreeControl::Append(const NewLine& line) {
+  if (!LeavesOut()) return Insert(line);
+  constexpr char kText[] = "Lines left out of this window";
+  if (!leftOut_) {
+    leftOut_ = Insert({0, kText, sizeof kText - 1, LevelImage(kFirstLevel), line.rangeIndex, false});
+    leftOutCount_ = 0;
+  }
+  ++leftOutCount_;
+  return leftOut_;
+}
+
+LineHandle TreeControl::Insert(const NewLine& line) {
   TVINSERTSTRUCTA insert{};
   insert.hParent = line.parent ? ItemOf(line.parent) : TVI_ROOT;
   insert.hInsertAfter = TVI_LAST;
@@ -57,6 +77,7 @@ LineHandle TreeControl::Append(const NewLine& line) {
   insert.item.stateMask = TVIS_SELECTED;
   const auto added = static_cast<LineHandle>(Send(control_, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert)));
   if (line.selected) marked_ = added;
+  if (added) ++items_;
   return added;
 }
 
@@ -74,6 +95,7 @@ int32_t TreeControl::GetText(LineHandle line, char* out, int32_t outSize) const 
 }
 
 void TreeControl::SetText(LineHandle line, const char* text, int32_t) {
+  if (line == leftOut_) return;
   TVITEMA item{};
   item.pszText = const_cast<char*>(text);
   WriteItem(control_, item, line, TVIF_TEXT);
@@ -84,6 +106,7 @@ uint32_t TreeControl::RangeIndex(LineHandle line) const {
 }
 
 void TreeControl::SetRangeIndex(LineHandle line, uint32_t index) {
+  if (line == leftOut_) return;
   TVITEMA item{};
   item.lParam = static_cast<LPARAM>(index);
   WriteItem(control_, item, line, TVIF_PARAM);
@@ -122,6 +145,7 @@ void TreeControl::Delete(LineHandle line) {
     if (at == line) Select(0);
   }
   Send(control_, TVM_DELETEITEM, 0, static_cast<LPARAM>(line));
+  if (line == leftOut_) leftOut_ = 0;
 }
 
 void TreeControl::Clear() {
@@ -129,6 +153,8 @@ void TreeControl::Clear() {
   if (!wasHeld) HoldRedraw(true);
   Select(0);
   Send(control_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
+  items_ = 0;
+  leftOut_ = 0;
   if (!wasHeld) HoldRedraw(false);
 }
 
@@ -152,6 +178,16 @@ void TreeControl::ScrollToTop() {
 }
 
 void TreeControl::HoldRedraw(bool held) {
+  if (held && !held_) {
+    items_ = static_cast<uint32_t>(Send(control_, TVM_GETCOUNT, 0, 0));
+    started_ = GetTickCount();
+  } else if (!held && leftOut_) {
+    char text[64];
+    wsprintfA(text, "Lines left out of this window: %u", leftOutCount_);
+    TVITEMA item{};
+    item.pszText = text;
+    WriteItem(control_, item, leftOut_, TVIF_TEXT);
+  }
   held_ = held;
   Send(control_, WM_SETREDRAW, !held, 0);
   if (!held) InvalidateRect(WindowOf(control_), nullptr, TRUE);

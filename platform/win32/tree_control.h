@@ -1,6 +1,9 @@
 // The decode tree over a tree view control of the common controls. The control owns the lines: a line's handle is its
 // item handle, its tag is the item's data, so that user decoder libraries may add items of their own. Texts are in the
 // system's ANSI code page, as is everything that the module shows.
+//
+// Items are slow, and are made on the thread that the user waits for: of a frame with very many lines, or one that takes
+// too long, the rest is left out. One line says how many those are and stands for each of them.
 #pragma once
 #include "view/decode_tree.h"
 
@@ -8,6 +11,8 @@ namespace qxview {
 
 constexpr int32_t kImageWidth = 15;
 constexpr int32_t kImageHeight = 16;
+constexpr uint32_t kMostItems = 10000;
+constexpr uint32_t kMostItemMilliseconds = 1000;
 
 class TreeControl final : public DecodeTree {
  public:
@@ -36,7 +41,14 @@ class TreeControl final : public DecodeTree {
   void* NativeHandle() override { return control_; }
 
  private:
+  bool LeavesOut();
+  LineHandle Insert(const NewLine& line);
+
   void* control_;
+  uint32_t items_ = 0;      // of the frame
+  uint32_t started_ = 0;    // the system's milliseconds when the frame began
+  LineHandle leftOut_ = 0;  // the line for those that were left out
+  uint32_t leftOutCount_ = 0;
   LineHandle marked_ = 0;   // was appended as the selected line and is until another one is selected
   bool held_ = false;
 };
