@@ -160,6 +160,30 @@ TEST(HttpGzip, SegmentsAreJoinedInOrder) {
   }
 }
 
+TEST(HttpGzip, KeptBodiesReadAsNewOnes) {
+  std::string text;
+  for (int i = 0; i < 300; ++i) text += std::to_string(i * 7919) + "\n";
+  Bytes broken = kPlainHeader + Deflate(text);
+  broken[broken.size() / 2] ^= 0x55;
+  const Bytes bodies[] = {kPlainHeader + Deflate(text), Deflate(text), Deflate(text, 15), broken,
+                          kPlainHeader + Deflate(text, 15 + 16), Ascii("1f4\r\n") + kPlainHeader + Deflate(text)};
+  for (const Bytes& body : bodies) {
+    for (const size_t step : {13u, 101u, 10u}) {
+      HttpHost host;
+      TestView kept(&host);
+      const Bytes message = kHeaders + body;
+      for (size_t at = 0, next = 20; at < message.size() && host.packets < 95; at = next, next += step) {
+        const Bytes segment(message.begin() + static_cast<ptrdiff_t>(at),
+                            message.begin() + static_cast<ptrdiff_t>(std::min(next, message.size())));
+        kept.context().packetNumber = host.packets + 1;
+        kept.Run(DecodeHttpSegment, segment);
+        ASSERT_EQ(kept.Text(), TreeAfter(host, segment)) << at;
+        host.Sent(segment);
+      }
+    }
+  }
+}
+
 TEST(HttpGzip, AnEarlierFinKeepsTheBodyAsItIs) {
   HttpHost host;
   host.Sent(kHeaders + kPlainHeader, 1);

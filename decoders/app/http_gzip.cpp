@@ -8,18 +8,40 @@
 
 namespace qxview {
 
-// What inflation works with: made once an engine, so that no decoding after the first one allocates.
-struct HttpInflater {
+namespace {
+
+constexpr int32_t kMostHeaderCopied = 80000;   // of a member header that stands in more than one segment
+constexpr int32_t kMostBodies = 4;             // kept inflated, of messages that arrive at the same time
+
+// A body as far as it was inflated. Each segment shows it from its start: what was inflated is kept, and goes on with
+// the bytes that came. The stream's memory is the arena, so that it can be left at any time.
+struct InflatedBody {
   z_stream stream;
   uint32_t used;                      // of the arena
   alignas(8) uint8_t arena[65536];   // what zlib allocates: its state and window, about 40 KB
   uint8_t output[kInflatedSize];
+  // Which bytes these are of: the body's first `taken`, from the packet that it starts in.
+  int64_t startPacket;
+  int32_t position;                   // where the compressed data start
+  int32_t taken;
+  uLong check;                        // sum of the bytes taken
+  bool here;                          // more bytes continue it; otherwise they may turn it into something else
+  bool goesOn;                        // the stream has not ended
+  uint32_t lastUse;
+};
+
+}  // namespace
+
+// What inflation works with: made once an engine, so that few decodings allocate.
+struct HttpInflater {
+  InflatedBody* bodies[kMostBodies];
+  uint32_t uses;
+  uint8_t header[kMostHeaderCopied];
 };
 
 namespace {
 
 constexpr uint8_t kMagic1 = 0x1F, kMagic2 = 0x8B;
-constexpr int32_t kMostHeaderCopied = 80000;   // of a member header that stands in more than one segment
 constexpr int32_t kMostSizeLine = 64;          // characters of a chunk size in front of compressed data
 constexpr int32_t kMostTries = 4;              // the first and three restarts
 
@@ -113,59 +135,118 @@ int32_t FindDataEnd(const ByteChain& chain, int32_t magic) {
   return chunk.valid && chunk.size < length - magic ? magic + chunk.size : length;
 }
 
+// Gives the chain's runs from `from` to `end`, in order, until one is refused.
+template <class Take>
+void ForEachRun(const ByteChain& chain, int32_t from, int32_t end, Take take) {
+  int32_t start = 0;
+  for (int32_t i = 0; i < chain.count && start < end; ++i) {
+    const ByteRun& run = chain.runs[i];
+    const int32_t first = from > start ? from - start : 0;
+    const int32_t last = end - start < run.length ? end - start : run.length;
+    start += run.length;
+    if (first < last && !take(run.bytes + first, static_cast<uInt>(last - first))) return;
+  }
+}
+
+uLong SumOf(const ByteChain& chain, int32_t from, int32_t end, uLong sum) {
+  ForEachRun(chain, from, end, [&sum](const uint8_t* bytes, uInt length) {
+    sum = adler32(sum, bytes, length);
+    return true;
+  });
+  return sum;
+}
+
 voidpf AllocateFromArena(voidpf opaque, uInt items, uInt size) {
-  auto* inflater = static_cast<HttpInflater*>(opaque);
+  auto* body = static_cast<InflatedBody*>(opaque);
   const uint64_t wanted = (uint64_t{items} * size + 7) & ~uint64_t{7};
-  if (wanted > sizeof inflater->arena - inflater->used) return nullptr;
-  uint8_t* given = inflater->arena + inflater->used;
-  inflater->used += static_cast<uint32_t>(wanted);
+  if (wanted > sizeof body->arena - body->used) return nullptr;
+  uint8_t* given = body->arena + body->used;
+  body->used += static_cast<uint32_t>(wanted);
   return given;
 }
 void KeepInArena(voidpf, voidpf) {}
 
-bool StartStream(HttpInflater& inflater, int32_t windowBits) {
-  inflater.used = 0;
-  std::memset(&inflater.stream, 0, sizeof inflater.stream);
-  inflater.stream.zalloc = AllocateFromArena;
-  inflater.stream.zfree = KeepInArena;
-  inflater.stream.opaque = &inflater;
-  inflater.stream.next_out = inflater.output;
-  inflater.stream.avail_out = kInflatedSize;
+bool StartStream(InflatedBody& body, int32_t windowBits) {
+  body.used = 0;
+  std::memset(&body.stream, 0, sizeof body.stream);
+  body.stream.zalloc = AllocateFromArena;
+  body.stream.zfree = KeepInArena;
+  body.stream.opaque = &body;
+  body.stream.next_out = body.output;
+  body.stream.avail_out = kInflatedSize;
   // The version whose interface this is written to; later libraries of the same major version take it.
-  return inflateInit2_(&inflater.stream, windowBits, "1.2.3", static_cast<int>(sizeof(z_stream))) == Z_OK;
+  return inflateInit2_(&body.stream, windowBits, "1.2.3", static_cast<int>(sizeof(z_stream))) == Z_OK;
 }
 
-// Inflates the chain's bytes from `position` to `end` until the stream ends or breaks or the output is full; returns
-// the bytes of output.
-int32_t InflateOnce(HttpInflater& inflater, const ByteChain& chain, int32_t position, int32_t end, int32_t windowBits) {
-  if (!StartStream(inflater, windowBits)) return 0;
-  z_stream& stream = inflater.stream;
-  int result = Z_OK;
-  int32_t start = 0;
-  for (int32_t i = 0; i < chain.count && start < end && result == Z_OK && stream.avail_out > 0; ++i) {
-    const ByteRun& run = chain.runs[i];
-    const int32_t first = position > start ? position - start : 0;
-    const int32_t last = end - start < run.length ? end - start : run.length;
-    start += run.length;
-    if (first >= last) continue;
-    stream.next_in = const_cast<Bytef*>(run.bytes + first);   // zlib does not write to it
-    stream.avail_in = static_cast<uInt>(last - first);
-    result = inflate(&stream, Z_SYNC_FLUSH);
-  }
-  inflateEnd(&stream);
-  return kInflatedSize - static_cast<int32_t>(stream.avail_out);
+int32_t ProducedOf(const InflatedBody& body) { return kInflatedSize - static_cast<int32_t>(body.stream.avail_out); }
+
+// Inflates the chain's bytes from `from` to `end` until the stream ends or breaks or the output is full.
+void GoOn(InflatedBody& body, const ByteChain& chain, int32_t from, int32_t end) {
+  z_stream& stream = body.stream;
+  ForEachRun(chain, from, end, [&](const uint8_t* bytes, uInt length) {
+    stream.next_in = const_cast<Bytef*>(bytes);   // zlib does not write to it
+    stream.avail_in = length;
+    body.goesOn = inflate(&stream, Z_SYNC_FLUSH) == Z_OK && stream.avail_out > 0;
+    return body.goesOn;
+  });
 }
 
 // The data behind a member header are raw deflate data. Servers were seen to send a whole member there, or deflate data
 // in zlib's wrapping.
-int32_t Inflate(HttpInflater& inflater, const ByteChain& chain, int32_t position, int32_t end) {
+void Begin(InflatedBody& body, const ByteChain& chain, int32_t position, int32_t end) {
   constexpr int32_t kMember = 15 + 16, kRaw = -15, kWrapped = 15;
   const int32_t forms[kMostTries] = {kMember, kRaw, kWrapped, 0};
+  bool othersFailed = true;
+  body.here = false;
   for (int32_t i = StartsMember(chain, position) ? 0 : 1; forms[i] != 0; ++i) {
-    const int32_t produced = InflateOnce(inflater, chain, position, end, forms[i]);
-    if (produced > 0) return produced;
+    body.goesOn = StartStream(body, forms[i]);
+    if (body.goesOn) GoOn(body, chain, position, end);
+    body.here = othersFailed && ProducedOf(body) > 0;
+    if (ProducedOf(body) > 0) return;
+    othersFailed = othersFailed && !body.goesOn;
   }
-  return 0;
+}
+
+// The kept body that these bytes are of, or the one that was not used for longest; null when there is no memory.
+InflatedBody* FindBody(HttpInflater& inflater, const ByteChain& chain, int64_t startPacket, int32_t position,
+                       int32_t end) {
+  InflatedBody* oldest = nullptr;
+  for (InflatedBody*& body : inflater.bodies) {
+    if (!body) {
+      body = static_cast<InflatedBody*>(std::malloc(sizeof(InflatedBody)));
+      if (!body) break;
+      body->here = false;
+      body->lastUse = 0;
+      return body;
+    }
+    if (body->startPacket == startPacket) {
+      body->here = body->here && body->position == position && body->taken <= end &&
+                   SumOf(chain, 0, body->taken, 1) == body->check;
+      return body;
+    }
+    if (!oldest || body->lastUse < oldest->lastUse) oldest = body;
+  }
+  if (oldest) oldest->here = false;
+  return oldest;
+}
+
+// The body inflated from `position` to `end`; null when there is no memory.
+const InflatedBody* Inflate(HttpInflater& inflater, const ByteChain& chain, int64_t startPacket, int32_t position,
+                            int32_t end) {
+  InflatedBody* body = FindBody(inflater, chain, startPacket, position, end);
+  if (!body) return nullptr;
+  const bool kept = body->here;
+  if (!kept) {
+    Begin(*body, chain, position, end);
+  } else if (body->goesOn) {
+    GoOn(*body, chain, body->taken, end);
+  }
+  body->check = kept ? SumOf(chain, body->taken, end, body->check) : SumOf(chain, 0, end, 1);
+  body->startPacket = startPacket;
+  body->position = position;
+  body->taken = end;
+  body->lastUse = ++inflater.uses;
+  return body;
 }
 
 // The inflated text in lines: they end at LF, with or without a CR before it.
@@ -187,10 +268,14 @@ void ShowInflated(const Place& in, const Field& cover, const uint8_t* text, int3
 
 }  // namespace
 
-void DestroyHttpInflater(HttpInflater* inflater) { std::free(inflater); }
+void DestroyHttpInflater(HttpInflater* inflater) {
+  if (!inflater) return;
+  for (InflatedBody* body : inflater->bodies) std::free(body);
+  std::free(inflater);
+}
 
 void DecodeHttpGzip(const Place& in, HttpState& state, bool continuation, const Cursor& c) {
-  if (!state.inflater) state.inflater = static_cast<HttpInflater*>(std::malloc(sizeof(HttpInflater)));
+  if (!state.inflater) state.inflater = static_cast<HttpInflater*>(std::calloc(1, sizeof(HttpInflater)));
   if (!state.inflater) return;
   HttpInflater& inflater = *state.inflater;
   ByteChain chain;
@@ -205,17 +290,21 @@ void DecodeHttpGzip(const Place& in, HttpState& state, bool continuation, const 
     int32_t there = end - magic;
     const uint8_t* header = c.at + magic;
     if (joined) {
-      header = inflater.output;   // free until inflation starts
-      there = CopyOut(chain, magic, inflater.output, there < kMostHeaderCopied ? there : kMostHeaderCopied);
+      header = inflater.header;
+      there = CopyOut(chain, magic, inflater.header, there < kMostHeaderCopied ? there : kMostHeaderCopied);
     }
     ShowGzipHeader(in, MakeCursor(header, joined ? c.offset : c.offset + magic, there), joined);
     const int32_t headerLength = GzipHeaderLength(header, there);
     if (headerLength < 0) return;
     position = magic + headerLength;
   }
-  const int32_t produced = Inflate(inflater, chain, position, end);
+  const HttpHistory& history = state.history;
+  const int64_t startPacket = continuation && history.count > 0 ? history.segments[history.count - 1].packetNumber
+                                                                : in.view->context->packetNumber;
+  const InflatedBody* body = Inflate(inflater, chain, startPacket, position, end);
+  if (!body) return;
   const Field cover = joined ? Ahead(c, Left(c)) : Stated(c.offset + position, end - position);
-  ShowInflated(in, cover, inflater.output, produced);
+  ShowInflated(in, cover, body->output, ProducedOf(*body));
 }
 
 }  // namespace qxview
