@@ -51,14 +51,24 @@ Span TrimToRangeFilter(const DecodeContext* context, int32_t offset, int32_t len
   return span;
 }
 
+// A silent pass ends where a shown one does: its rows count towards the frame's bound, too.
+void CountRows(PacketState* packet, int32_t rows) {
+  packet->limitReached |= rows > packet->linesLeft;
+  packet->linesLeft = rows > packet->linesLeft ? 0 : packet->linesLeft - rows;
+}
+
 }  // namespace
 
 void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const uint8_t* data, int32_t offset,
                      int32_t length) {
-  if (!view || !view->context || view->context->silent || !data || length < 1) return;
+  if (!view || !view->context || !data || length < 1) return;
   if (length > kMostDumped) length = kMostDumped;
   const uint8_t* translation = view->engine->settings.characterSet ? view->characterTable : nullptr;
   const Span span = TrimToRangeFilter(view->context, offset, length);
+  if (view->context->silent) {
+    CountRows(&view->context->packet, static_cast<int32_t>((span.last - span.first + kRowBytes - 1) / kRowBytes));
+    return;
+  }
   char row[kCharacterColumn + kRowBytes + 1];
   for (int32_t at = static_cast<int32_t>(span.first); at < span.last; at += kRowBytes) {
     const int32_t left = static_cast<int32_t>(span.last) - at;

@@ -40,8 +40,6 @@ TEST(Arp, AddressesOfOtherLengthsAreBytes) {
   EXPECT_EQ(tree.find("Source Protocol Address"), std::string::npos) << "the address is cut:\n" << tree;
 }
 
-TEST(Arp, Properties) { CheckProperties(DecodeArp, kRequest); }
-
 }  // namespace
 }  // namespace testing
 }  // namespace qxview

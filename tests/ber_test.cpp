@@ -260,23 +260,6 @@ TEST(Ber, ValuesAreChosenByTheirIdentifier) {
   EXPECT_EQ(element.consumed, 5);
 }
 
-int32_t DecodeEveryValue(const Place& at, Cursor c) {
-  const Place in = Beneath(at, AddLine(at, Ahead(c, Left(c)), "Values"));
-  char text[kAsnTextSize];
-  AsnResult out{0, text, sizeof text};
-  Loop loop;
-  while (MoreAt(at, c, loop) && DecodeAsnElement(in, c, nullptr, out) == kAsnDecoded) continue;
-  return 1;
-}
-
-TEST(Ber, Properties) {
-  Bytes all;
-  for (const uint8_t type : {1, 2, 3, 4, 5, 6, 24, 27, 64, 65, 66, 67, 68, 70, 71, 128, 200}) {
-    all = all + Bytes{0x30, 6, type, 4, 0x12, 0x34, 0x56, 0x78};
-  }
-  CheckProperties(DecodeEveryValue, all);
-}
-
 TEST(Ber, DeepPlacesShareTheLastImage) {
   const Outcome deep = RunElement(Hex("02 01 01"), [](const Place& at, Cursor& c, AsnResult& out, auto&) {
     Place place = at;

@@ -294,14 +294,6 @@ TEST(Dns, LevelsAndImages) {
   EXPECT_EQ(tree.Image(tree.FirstChild(flags)), kBitFieldImage);
 }
 
-// Top lines reach past their message and records past a cut one by what they declare: stated ranges.
-TEST(Dns, Properties) {
-  CheckProperties(DecodeDns, kResponse, true);
-  CheckProperties(DecodeDnsOverTcp, Hex("0021") + kQuery, true);
-  const Bytes update = Hex("0000 8428 0001 0001 0000 0000  01 61 00 000C 8001  C00C 000C 0001 00000001 0002 C00C");
-  CheckProperties(DecodeMdns, update, true);
-}
-
 }  // namespace
 }  // namespace testing
 }  // namespace qxview

@@ -256,15 +256,12 @@ TEST(HttpGzip, InflationStopsAtItsBuffer) {
   });
 }
 
-TEST(HttpGzip, Properties) {
-  CheckProperties(DecodeHttpSegment, kHeaders + Hex("1F 8B 08 1F 00 00 00 00 04 0B 08 00 41 70 00 04 CA FE 01 02") +
-                                         Ascii("n") + Bytes(1) + Ascii("c") + Bytes(1) + Hex("34 12") +
-                                         Deflate("one\r\ntwo\n"));
+TEST(HttpGzip, AStreamGoesOnAtAnyLength) {
   HttpHost host;
   host.Sent(kHeaders + kPlainHeader);
   const Bytes data = Deflate("one\r\ntwo\nthree three three");
-  for (size_t length = 0; length <= data.size(); ++length) {
-    TreeAfter(host, Bytes(data.begin(), data.begin() + static_cast<ptrdiff_t>(length)));
+  for (size_t length = 1; length <= data.size(); ++length) {
+    EXPECT_NE(TreeAfter(host, Bytes(data.begin(), data.begin() + static_cast<ptrdiff_t>(length))), "");
   }
 }
 

@@ -262,14 +262,6 @@ TEST(Http, Tls) {
             "HTTP - TLS/SSL {0+18}\n  HTTPS Continuation Data {0+18}\n");
 }
 
-TEST(Http, Properties) {
-  CheckProperties(DecodeHttpSegment, Ascii("POST /a b HTTP/1.1\r\nA: b\r\nContent-Type: text/x\r\n\r\na=b\r\nc"));
-  CheckProperties(DecodeHttpSegment,
-                  Ascii("HTTP/1.1 200 OK\r\nContent-Type: image/x\r\nTransfer-Encoding: chunked\r\n"
-                        "\r\n5;x\r\nhello\r\n0\r\n\r\n"));
-  CheckProperties(DecodeHttpsPayload, Hex("16 03 01 00 02 01 00"));
-}
-
 std::string Described(const Bytes& payload, int32_t result, int32_t isTls = 0) {
   char out[512] = "?";
   EXPECT_EQ(DescribeHttp(payload.data(), static_cast<int32_t>(payload.size()), out, sizeof out, isTls), result);

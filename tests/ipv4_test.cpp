@@ -381,7 +381,6 @@ AH - Authentication Header: 24 bytes, SPI = 0x00000101, Sequence Number = 7 {20+
     const std::string tree = TreeOfRun(DecodeIPv4, HeaderWith({}, 51, Hex(bad)));
     EXPECT_FALSE(Has(tree, "\nTCP") || Has(tree, "\nData")) << tree;
   }
-  CheckProperties(DecodeIPv4, HeaderWith({}, 51, ah + segment), true);
 }
 
 int32_t TakeAll(QxLine, const uint8_t*, int32_t length, int32_t, int32_t, uint32_t, void*, uint32_t*, uint32_t*,
@@ -459,11 +458,6 @@ TEST(Ipv4, ProtocolNames) {
   EXPECT_STREQ(NextHeaderName(133), "FC");
   EXPECT_STREQ(NextHeaderName(134), "unknown header type");
   EXPECT_STREQ(NextHeaderName(255), "unknown header type");
-}
-
-TEST(Ipv4, Properties) {
-  CheckProperties(DecodeIPv4, HeaderWith(Hex("86 0E 00000007 01 08 00 03 F00F AABB  44 0C 0D 13 0A000001 00000005"
-                                             " 07 07 04 01020304"), 4, HeaderWith({}, 253, Hex("01"))), true);
 }
 
 }  // namespace

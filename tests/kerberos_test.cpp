@@ -248,15 +248,6 @@ TEST(Kerberos, Malformed) {
                 {"  Client Realm: {", "    Truncated Data {", "  Server Realm: END {"});
 }
 
-TEST(Kerberos, Properties) {
-  const Bytes address = Sequence(Tag(0, Number("02")) + Tag(1, Octets(Hex("C0000201"))));
-  CheckProperties(DecodeKerberos, Message(20, Tag(2, Sequence(Tag(1, Time("20260102030405Z")) + Tag(4, address)))));
-  CheckProperties(DecodeKerberos, Request(PaData("00A5", Hex("1C000000"))));
-  CheckProperties(DecodeKerberos, Error("12", Sequence(Tag(1, Number("03")) + Tag(2, Octets(Bytes(12))))));
-  CheckProperties(DecodeKerberos, Error("19", Sequence(PaData("0088", Tag(0, Sequence({}))))));
-  CheckProperties(DecodeSegment, Marked(Message(14, Tag(2, Wrap(0x03, Hex("00 20000000"))))));
-}
-
 TEST(Kerberos, HostilePayloadsAreBounded) {
   const auto filled = [](const char* headers, const char* element, size_t times) {
     return Hex(headers) + Repeat(Hex(element), times);

@@ -286,15 +286,6 @@ TEST(Ldap, Results) {
   EXPECT_EQ(ResultOf({}), 1);
 }
 
-TEST(Ldap, Properties) {
-  CheckProperties(DecodeLdap, Message(Search(Wrap(0xA0, Item(0xA3, "a", "b") + Wrap(0xA9, Hex("8401FF")))),
-                                      Control("1.2.840.113556.1.4.319", Wrap(0x30, Hex("020101 0400")))));
-  CheckProperties(DecodeLdap, Hex("00000014 0504 00 FF 0002 0002 0000000000000009 ABCD 0102"));
-  CheckProperties(DecodeLdap, Message(Wrap(0x64, Str("") + Wrap(0x30, Wrap(0x30, Str("netlogon") + Wrap(0x31, Wrap(0x04,
-      Hex("1700 0000 FD030000 00112233445566778899AABBCCDDEEFF 0161 00 C018 C018 00 00 00 00 00 05000000 FFFFFFFF")
-      )))))));
-}
-
 TEST(Ldap, WhatIsPastTheBoundIsDumped) {
   const std::string names = Outline(Message(Wrap(0x73, Repeat(Str("ldap://a/"), kMostLdapElements))));
   EXPECT_NE(names.find("  URI: ldap://a/\n  More Elements\n"), std::string::npos);

@@ -186,7 +186,6 @@ TEST(Isl, CarriesWholeFrames) {
   const Bytes ring = Hex("10 40 02 00 00 00 00 01 02 00 00 00 00 02 AA AA 03 00 00 00 08 06") + kArp;
   ExpectInOrder(TreeOf(Isl("03 00 0C 00 00 10", ring, static_cast<uint16_t>(ring.size() + 10))),
                 {"Type = 1 (Token Ring)", "Token Ring Header:", "{24+14}", "802.2 SNAP Header", "ARP: Request"});
-  CheckFrameProperties(frame);
 }
 
 TEST(Isl, IsToldByItsAddressAndItsSnapHeader) {
@@ -198,13 +197,6 @@ TEST(Isl, IsToldByItsAddressAndItsSnapHeader) {
   Record bad(frame);
   bad->receiveErrors = 2;
   EXPECT_EQ(TreeOf(bad).find("Encapsulation: ISL"), std::string::npos) << "frames with receive errors are not";
-}
-
-TEST(Ethernet, Properties) {
-  CheckFrameProperties(kAddresses + Hex("8926 8005 0007 88A8 0001 8100 0001 8847 00010140 0000 0009") +
-                       Ethernet(0x0806, kArp));
-  CheckFrameProperties(Ieee(Hex("AA AA 03 00 80 C2 0007") + Bytes(16) + Hex("0806") + kArp));
-  CheckFrameProperties(Ieee(Hex("F0 F1 08 0B 55 66")));
 }
 
 // What a decode of hostile nesting costs: 60,000 bytes decode on a small stack and in milliseconds.

@@ -145,15 +145,6 @@ TEST(FrameRelay, ShowsLinkManagement) {
                  "Report Type: 1 = Link Integrity Verification"});
   ExpectInOrder(TreeOf(Linked(Hex("0001 03 08 00 7D 5706 1A 08 08 00 81 02"), kLinkFrameRelay)), {"PVC Status"});
   ExpectInOrder(TreeOf(Linked(Hex("0001 03 08 01 81 05"), kLinkFrameRelay)), {"Q.931 Data {8:3+4}"});
-  CheckFrameProperties(ansi, [](const Bytes& bytes) { return Linked(bytes, kLinkFrameRelay); });
-}
-
-TEST(Wan, Properties) {
-  const Bytes frames[] = {Hex("0031 40 01 00000007") + Ethernet(0x0806, kArp),
-                          Hex("FF03 003D C0000009 C021 01020304"),
-                          Hex("8F00 8035 00000002 00000005 00000004 FFFF 00010000"), Hex("0F00 FEFE 03 83 1B 01"),
-                          Hex("04100207 03 00 80 0080C2 0009 00 40 020000000001 020000000002 4242 03 00")};
-  for (const Bytes& frame : frames) CheckFrameProperties(frame, kWan);
 }
 
 }  // namespace

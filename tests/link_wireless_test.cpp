@@ -51,7 +51,6 @@ TEST(Wireless, QosFramesAggregateAndMesh) {
                  "........ ....0110: Traffic Identifier = 6",
                  "A-MSDU Subframe:  02:00:00:00:00:02 -> 02:00:00:00:00:01 {26+14}", "Length: 36 {38+2}",
                  "ARP: Request", "A-MSDU Subframe:", "{78+14}", "ARP: Request"});
-  CheckFrameProperties(aggregate, kWireless);
   ExpectInOrder(TreeOf(Hex("8881 2C00" + kThreeAddresses + "0000 0000 01020304") + kSnapArp, kWireless),
                 {"QoS Data {0+30}", "HT Control: 0x04030201 {26+4}", "ARP: Request"});
   const Bytes mesh =
@@ -59,7 +58,6 @@ TEST(Wireless, QosFramesAggregateAndMesh) {
   ExpectInOrder(TreeOf(mesh, kWireless),
                 {"Mesh Control: {32+12}", "Time to Live: 31 {33+1}", "Sequence Number: 7 {34+4}",
                  "Address: 02:00:00:00:00:05 {38+6}", "ARP: Request"});
-  CheckFrameProperties(mesh, kWireless);
 }
 
 TEST(Wireless, BodiesWithoutAnLlcHeaderAreBlocks) {
@@ -135,12 +133,6 @@ TEST(RadioHeader, AnyBytes) {
       }
     }
   }
-}
-
-TEST(Wireless, Properties) {
-  CheckFrameProperties(Hex("0803 2C00" + kThreeAddresses + "3012 020000000004") + kSnapArp, kWireless);
-  CheckFrameProperties(Hex("7400 0000 020000000001 D400 01020304"), kWireless);
-  CheckFrameProperties(Hex("8080 0000" + kThreeAddresses + "0000 01020304 0506"), kWireless);
 }
 
 }  // namespace

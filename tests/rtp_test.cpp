@@ -64,11 +64,6 @@ TEST(Rtp, LengthsThatLie) {
   EXPECT_EQ(TreeOfRun(DecodeRtp, Hex("40 00 0001 00000002 00000003")), "") << "another version";
 }
 
-TEST(Rtp, Properties) {
-  CheckProperties(DecodeRtp, Extended("BEDE 0002 10FF 00 21 ABCD 0000"));
-  CheckProperties(DecodeRtp, Extended("1003 0002 0500 0702 1122 0001"));
-}
-
 const Bytes kSenderReport = Hex(R"(
   81 C8 000C 5D931534  DD3AC170 80000000 00007D00 00000005 00000320
   01932DB4 40 FFFFFE 0001BEC2 00000007 C1704D61 0004051C)");
@@ -143,11 +138,6 @@ TEST(Rtcp, WhatIsNoPacket) {
   EXPECT_EQ(TreeOfRun(DecodeRtcp, Hex("81 48 0000")), "") << "a type of RTP";
   EXPECT_NE(TreeOfRun(DecodeRtcp, kGoodbye + Hex("01020304")).find("RTCP Data {8:20+4}\n"), std::string::npos);
   EXPECT_NE(TreeOfRun(DecodeRtcp, Hex("9F C8 FFFF 00000001")).find("RTCP: Sender Report {0+8}\n"), std::string::npos);
-}
-
-TEST(Rtcp, Properties) {
-  CheckProperties(DecodeRtcp, kSenderReport + kDescription);
-  CheckProperties(DecodeRtcp, kGoodbye + kExtended);
 }
 
 std::string Described(const Bytes& packet, const RtpStream* stream = nullptr, int32_t showSsrc = 0) {

@@ -186,15 +186,6 @@ TEST(Snmp, IsReachedAsABuiltinAndByEthertype) {
   EXPECT_NE(TreeOf(snap).find("\nSNMPv1: public,"), std::string::npos);
 }
 
-TEST(Snmp, Properties) {
-  const Bytes values = Binding(Hex("04 03 616263")) + Binding(Hex("46 01 07"));
-  CheckProperties(DecodeSnmpPayload, Message("01", Request(0xA2, values)));
-  CheckProperties(DecodeSnmpPayload, Message("00", Wrap(0xA4, Hex("06 03 2B0601  40 04 0A000005  02 01 06  02 01 11"
-                                                                  "43 01 05") + Wrap(0x30, Binding(Hex("0A 01 05"))))));
-  CheckProperties(DecodeSnmpPayload, V3("04", Wrap(0x30, Hex("04 02 8001  04 03 637478") + Request(0xA8, {}))));
-  CheckProperties(DecodeSnmpPayload, V3("03", Wrap(0x04, Hex("DEADBEEF"))));
-}
-
 // The microseconds of one decode on a small stack.
 double TimeOnSmallStack(const Bytes& payload) {
   double best = 0;

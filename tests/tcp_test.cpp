@@ -315,13 +315,6 @@ TEST_F(TcpTest, WindowScalesStayBounded) {
   }
 }
 
-TEST_F(TcpTest, Properties) {
-  CheckProperties(DecodeTcpOverNetwork,
-                  Tcp({.flags = kSyn | kAck,
-                       .options = Hex("02 04 05B4  05 0A 00000001 00000002  03 03 07  0A 03 C0  0E 03 01  00"),
-                       .payload = Hex("01 02 03 04")}));
-}
-
 TEST_F(TcpTest, HostileSegmentsAreQuickOnASmallStack) {
   const Bytes noOperations = Tcp({.options = Repeat({1}, 40), .payload = Repeat({0xAA}, 60000)});
   Bytes lying = Tcp({.options = Repeat(Hex("05 FF"), 20), .payload = Repeat({0xFF}, 60000)});

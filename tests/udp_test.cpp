@@ -59,7 +59,5 @@ TEST_F(UdpTest, LengthsAtTheEdges) {
   EXPECT_NE(Tree(beyond).find("UDP length: 00 {4+2}"), std::string::npos);
 }
 
-TEST_F(UdpTest, Properties) { CheckProperties(DecodeUdpOverNetwork, Udp(1025, 161, Hex("01 02 03"))); }
-
 }  // namespace
 }  // namespace qxview::testing

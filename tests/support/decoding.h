@@ -83,15 +83,6 @@ void ExpectInOrder(const std::string& tree, const std::vector<std::string>& text
 // The tree of one decoder run alone.
 std::string TreeOfRun(DecoderFunction decode, const Bytes& bytes, int32_t level = 3);
 
-// The properties that hold for every decoder and any input: every prefix of the bytes and every single byte set to
-// 00, 01, 80 and FF decodes without a read outside, with every range inside the bytes (but for stated ones, when
-// `statedRanges`), with as many lines in print mode as were added in display mode, and without allocation.
-void CheckProperties(DecoderFunction decode, const Bytes& bytes, bool statedRanges = false);
-// The same for whole frames.
-void CheckFrameProperties(const Bytes& frame, uint8_t mediaType = 0, bool statedRanges = false);
-// The same for frames whose record says more than the medium.
-void CheckFrameProperties(const Bytes& frame, const std::function<Record(const Bytes&)>& recordOf);
-
 // Allocations of this thread so far (malloc, calloc, realloc, operator new); always 0 where they cannot be counted.
 uint64_t CountAllocations();
 
