@@ -30,7 +30,7 @@ struct Shown {
 Shown ShownOf(int32_t identifier) {
   const uint32_t index = static_cast<uint32_t>(identifier) & 0xFFFF;
   const DecoderRow* row = FindBuiltinDecoder(index);
-  return {row && row->decode != DeclineData, FindSummary(index) != nullptr};
+  return {row && row->decode != DeclineData, row && (row->protocol->summary || row->decode != DeclineData)};
 }
 
 void PutText(Output& out, const DefinedProtocol& protocol, size_t width) {

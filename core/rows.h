@@ -128,7 +128,7 @@ consteval RowText SignedText(bool hasUnit) {
 consteval RowText HexText(uint8_t size, bool isNamed) {
   RowText made = isNamed ? FormText("%s: 0x%I64X = %s", RowValue::kLabel, RowValue::kNumber, RowValue::kName)
                          : FormText("%s: 0x%I64X", RowValue::kLabel, RowValue::kNumber);
-  made.pieces[1].minimumDigits = 2u * size;
+  made.pieces[1].precision = 2u * size;
   return made;
 }
 consteval RowText BitsText(bool isNamed, bool hasUnit) {

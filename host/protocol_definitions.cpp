@@ -32,7 +32,7 @@ int32_t FindProtocol(std::string_view name, bool overUdp) {
 
 std::string ProtocolHint(const std::string& name) {
   std::vector<std::string_view> names;
-  const RowSpan rows = BuiltinRows();
+  const DecoderRowSpan rows = BuiltinRows();
   for (int32_t i = 0; i < rows.count; ++i) names.push_back(rows.rows[i].name);
   return NearestHint(name, names) + "; the command protocols lists the names";
 }

@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "core/context.h"
-#include "decoders/app/summaries.h"
+#include "core/tls_stream.h"
 
 namespace qxview {
 

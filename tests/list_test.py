@@ -63,8 +63,8 @@ class List(unittest.TestCase):
 
     def test_columns(self):
         self.assertEqual(self.list(), [
-            "     1      0.000000  00:11:22:33:44:55  FF:FF:FF:FF:FF:FF     42  ARP Request: who has 10.0.0.1, "
-            "tell 192.0.2.1",
+            "     1      0.000000  00:11:22:33:44:55  FF:FF:FF:FF:FF:FF     42  ARP: Request, "
+            "Source 192.0.2.1, Target 10.0.0.1",
             "     2      0.250000  10.0.0.1           10.0.0.2              70  DNS Query: Standard Query - www.exmple, "
             "QU=1 AN=0 AU=0 AD=0",
             "     3      1.500000  10.0.0.1           10.0.0.2              47  UDP, Port: 9999 -> 9998, Length: 5",

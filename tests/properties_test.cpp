@@ -152,6 +152,8 @@ class ThreeModes {
   std::string text_;
 };
 
+constexpr int32_t kPortTables = static_cast<int32_t>(DoorKind::kTcpPort);   // these lead to applications again
+
 // Every decoder of the registry once, by the first row that has it; and the table that this row is in.
 struct Subject {
   std::string table;
@@ -163,8 +165,8 @@ const std::vector<Subject>& Subjects() {
     std::vector<Subject> subjects;
     std::set<DecoderFunction> met;
     const char* name;
-    for (int32_t table = 0; RegistryTable(table, &name).count; ++table) {
-      const RowSpan span = RegistryTable(table, nullptr);
+    for (int32_t table = 0; table < kPortTables; ++table) {
+      const DecoderRowSpan span = RegistryTable(static_cast<DoorKind>(table), &name);
       for (int32_t i = 0; i < span.count; ++i) {
         if (met.insert(span.rows[i].decode).second) subjects.push_back({name, &span.rows[i]});
       }
@@ -175,8 +177,8 @@ const std::vector<Subject>& Subjects() {
 }
 const DecoderRow* RowNamed(const std::string& name) {
   const char* table;
-  for (int32_t i = 0; RegistryTable(i, &table).count; ++i) {
-    const RowSpan span = RegistryTable(i, nullptr);
+  for (int32_t i = 0; i < kPortTables; ++i) {
+    const DecoderRowSpan span = RegistryTable(static_cast<DoorKind>(i), &table);
     for (int32_t at = 0; at < span.count; ++at) {
       if (name == std::string(table) + " " + span.rows[at].name) return &span.rows[at];
     }

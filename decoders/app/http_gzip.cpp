@@ -20,7 +20,8 @@ struct InflatedBody {
   uint32_t used;                      // of the arena
   alignas(8) uint8_t arena[65536];   // what zlib allocates: its state and window, about 40 KB
   uint8_t output[kInflatedSize];
-  // Which bytes these are of: the body's first `taken`, from the packet that it starts in.
+  // Which bytes these are of: the body's first `taken`, from the packet that it starts in; with those the stream goes on
+  // or ended.
   int64_t startPacket;
   int32_t position;                   // where the compressed data start
   int32_t taken;
@@ -183,7 +184,9 @@ int32_t ProducedOf(const InflatedBody& body) { return kInflatedSize - static_cas
 // Inflates the chain's bytes from `from` to `end` until the stream ends or breaks or the output is full.
 void GoOn(InflatedBody& body, const ByteChain& chain, int32_t from, int32_t end) {
   z_stream& stream = body.stream;
+  body.taken = from;
   ForEachRun(chain, from, end, [&](const uint8_t* bytes, uInt length) {
+    body.taken += static_cast<int32_t>(length);
     stream.next_in = const_cast<Bytef*>(bytes);   // zlib does not write to it
     stream.avail_in = length;
     body.goesOn = inflate(&stream, Z_SYNC_FLUSH) == Z_OK && stream.avail_out > 0;
@@ -198,6 +201,7 @@ void Begin(InflatedBody& body, const ByteChain& chain, int32_t position, int32_t
   const int32_t forms[kMostTries] = {kMember, kRaw, kWrapped, 0};
   bool othersFailed = true;
   body.here = false;
+  body.taken = 0;
   for (int32_t i = StartsMember(chain, position) ? 0 : 1; forms[i] != 0; ++i) {
     body.goesOn = StartStream(body, forms[i]);
     if (body.goesOn) GoOn(body, chain, position, end);
@@ -235,16 +239,16 @@ const InflatedBody* Inflate(HttpInflater& inflater, const ByteChain& chain, int6
                             int32_t end) {
   InflatedBody* body = FindBody(inflater, chain, startPacket, position, end);
   if (!body) return nullptr;
-  const bool kept = body->here;
-  if (!kept) {
+  if (!body->here) {
     Begin(*body, chain, position, end);
+    body->check = SumOf(chain, 0, body->taken, 1);
   } else if (body->goesOn) {
-    GoOn(*body, chain, body->taken, end);
+    const int32_t before = body->taken;
+    GoOn(*body, chain, before, end);
+    body->check = SumOf(chain, before, body->taken, body->check);
   }
-  body->check = kept ? SumOf(chain, body->taken, end, body->check) : SumOf(chain, 0, end, 1);
   body->startPacket = startPacket;
   body->position = position;
-  body->taken = end;
   body->lastUse = ++inflater.uses;
   return body;
 }

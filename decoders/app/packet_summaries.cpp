@@ -5,7 +5,7 @@
 #include "decoders/app/layer_summaries.h"
 #include "decoders/app/rtp_summary.h"
 #include "decoders/link/llc.h"
-#include "view/top_line.h"
+#include "core/top_line.h"
 
 namespace qxview {
 namespace {

@@ -5,7 +5,6 @@
 
 namespace qxview {
 
-struct TlsStream;
 struct View;
 
 struct SummaryInput {

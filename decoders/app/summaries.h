@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 
+#include "core/tls_stream.h"
 #include "qxview/qxview_types.h"
 
 namespace qxview {
@@ -34,12 +35,6 @@ int32_t DescribePop3(const uint8_t* data, int32_t length, char* out, int32_t out
 // what fits. With `printableOnly` and `cleanText` unprintable characters are left out, else they are shown as '.'.
 int32_t DescribeTelnet(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t commandLimit,
                        int32_t dataLimit, int32_t printableOnly, bool cleanText);
-
-// What a connection's payloads of one direction leave for the next one.
-struct TlsStream {
-  int32_t pending;   // bytes that the last record still lacks
-  bool encrypted;    // its cipher was changed: handshake messages are not to be read
-};
 
 // TLS and SSL. `port`: names what its application data carry. `stream` may be null; it is brought up to date.
 int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outSize, int32_t port, TlsStream* stream);

@@ -145,7 +145,8 @@ bool HoldsMessages(Cursor c, uint32_t recordLength, const RecordWalk& walk) {
     left -= length;
     TakeBytes(c, length);
   }
-  return c.ranShort || static_cast<uint32_t>(Left(c)) < left;   // a few bytes at the end are no message
+  // A few bytes behind a message are none.
+  return c.ranShort || static_cast<uint32_t>(Left(c)) < left || recordLength < 4;
 }
 
 // The messages of a handshake record.

@@ -1,4 +1,4 @@
-#include "view/top_line.h"
+#include "core/top_line.h"
 
 #include <cstring>
 
