@@ -19,7 +19,7 @@ add_compile_options($<$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:M
                     $<$<OR:$<CONFIG:Release>,$<CONFIG:RelWithDebInfo>,$<CONFIG:MinSizeRel>>:-D_FORTIFY_SOURCE=2>)
 if(WIN32)
   # Addresses of their own at each start, no data that is run; the wide range of addresses is there in 64 bits alone.
-  add_link_options(-Wl,--dynamicbase -Wl,--nxcompat)
+  add_link_options(-fstack-protector-strong -Wl,--dynamicbase -Wl,--nxcompat)   # the first one names libssp
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_link_options(-Wl,--high-entropy-va)
   endif()
