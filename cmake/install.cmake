@@ -47,7 +47,7 @@ endif()
 configure_file(cmake/qxview.pc.in ${CMAKE_BINARY_DIR}/qxview.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/qxview.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
-install(FILES docs/adding-a-decoder.md docs/capture-file.md docs/decode.schema.json
+install(FILES docs/embedding.md docs/adding-a-decoder.md docs/capture-file.md docs/decode.schema.json
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY samples/ DESTINATION ${EXAMPLES_DIR} COMPONENT development USE_SOURCE_PERMISSIONS
         PATTERN record EXCLUDE PATTERN __pycache__ EXCLUDE)
@@ -60,7 +60,7 @@ endif()
 
 # ---- The program ----
 install(TARGETS qxview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
-install(FILES README.md docs/settings.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program)
+install(FILES README.md CHANGELOG.md docs/settings.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program)
 if(NOT WIN32)
   install(FILES docs/qxview.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
   install(FILES completions/qxview.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qxview

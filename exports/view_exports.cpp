@@ -141,7 +141,8 @@ void* QxView_CreateViewWith(const QxViewOptions* options) try {
     view->message = told.message;
     view->messageUser = told.messageUser;
     if (const int32_t count = view->session->GetEngine()->unreadableSettings) {
-      TellUser(view.get(), QXVIEW_NOTE, std::to_string(count) + " settings of the host are no numbers and keep their defaults");
+      TellUser(view.get(), QXVIEW_NOTE,
+               std::to_string(count) + " settings of the host are no numbers and keep their defaults");
     }
   } else {
     Fail(message.c_str());

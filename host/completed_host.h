@@ -1,5 +1,5 @@
-// The record that an embedding program lent, completed: what it does not fill in is the stand-alone host's, so that an empty
-// record decodes like no record at all.
+// The record that an embedding program lent, completed: what it does not fill in is the stand-alone host's, so that an
+// empty record decodes like no record at all.
 #pragma once
 #include "host/standalone_host.h"
 

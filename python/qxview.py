@@ -196,7 +196,8 @@ class Capture(_Handle):
     def __init__(self, path):
         super().__init__()
         name = os.fspath(path)
-        name = name if isinstance(name, bytes) else name.encode("utf-8") if sys.platform == "win32" else os.fsencode(name)
+        if isinstance(name, str):
+            name = name.encode("utf-8") if sys.platform == "win32" else os.fsencode(name)
         if b"\0" in name:
             raise ValueError("a path holds no zero byte")
         self._pointer = _LIBRARY.QxView_OpenCapture(name)

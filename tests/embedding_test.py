@@ -56,11 +56,12 @@ class Installed(unittest.TestCase):
     def test_a_program_in_c(self):
         flags = run("pkg-config", "--cflags", "--libs", "qxview", env=self.surroundings).split()
         program = os.path.join(self.folder, "tree")
-        run("cc", "-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Werror", os.path.join(PROGRAMS, "tree.c"), "-o", program,
-            *flags)
+        run("cc", "-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Werror", os.path.join(PROGRAMS, "tree.c"), "-o",
+            program, *flags)
         self.assertEqual(run(program, DNS, env=self.surroundings),
                          "".join(render(packet["lines"]) for packet in decode(DNS)))
-        missing = subprocess.run([program, "/no/such"], capture_output=True, text=True, check=False, env=self.surroundings)
+        missing = subprocess.run([program, "/no/such"], capture_output=True, text=True, check=False,
+                                 env=self.surroundings)
         self.assertEqual((missing.returncode, missing.stderr), (1, "/no/such: No such file or directory\n"))
 
     def test_a_program_in_cpp_with_threads(self):
@@ -72,12 +73,13 @@ class Installed(unittest.TestCase):
         self.assertEqual(count, f"{lines}\n")
 
     def test_a_program_in_python(self):
-        folder, = {os.path.dirname(path) for path in glob.glob(os.path.join(self.prefix, "**", "qxview.py"), recursive=True)}
+        module, = glob.glob(os.path.join(self.prefix, "**", "qxview.py"), recursive=True)
         script = ("import qxview\n"
                   "view = qxview.View('')\n"
                   f"for packet in qxview.open({DNS!r}):\n"
-                  "    for line in view.decode(packet).walk(): print('  ' * line.depth + line.text, [line.offset, line.length])\n")
-        surroundings = {**self.surroundings, "PYTHONPATH": folder}
+                  "    for line in view.decode(packet).walk():\n"
+                  "        print('  ' * line.depth + line.text, [line.offset, line.length])\n")
+        surroundings = {**self.surroundings, "PYTHONPATH": os.path.dirname(module)}
         surroundings.pop("LD_LIBRARY_PATH")
         self.assertEqual(run(sys.executable, "-c", script, env=surroundings),
                          "".join(render(packet["lines"]) for packet in decode(DNS)))

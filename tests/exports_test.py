@@ -162,6 +162,12 @@ class Symbols(unittest.TestCase):
         self.assertEqual(summaries - set(MEMBERS), {"GetRtpCodecDescription"}, "every summary is tested")
 
 
+class FunctionTypes(unittest.TestCase):
+    def test_are_those_of_the_header(self):
+        made = subprocess.run([os.path.join(ROOT, "scripts", "make_function_types.py"), "--check"], check=False)
+        self.assertEqual(made.returncode, 0, "scripts/make_function_types.py writes them anew")
+
+
 class Windows(unittest.TestCase):
     def test_there_are_none_off_windows(self):
         LIB.QxView_CreateView.restype = LIB.CreateViewWindow.restype = ctypes.c_void_p

@@ -53,6 +53,22 @@ class Setup(unittest.TestCase):
         self.assertEqual(run(os.path.join(ROOT, "scripts", "setup.sh"), "nonsense").returncode, 2)
 
 
+class Layout(unittest.TestCase):
+    def test_is_as_contributing_tells(self):
+        kinds = ["*.cpp", "*.h", "*.c", "*.inc", "*.py", "*.sh", "*.cmake", "*.rc", "*.md", "CMakeLists.txt"]
+        found = []
+        for path in run("git", "ls-files", *kinds, folder=ROOT).stdout.split():
+            with open(os.path.join(ROOT, path), encoding="utf-8") as file:
+                text = file.read()
+            if not text.endswith("\n") or text.endswith("\n\n"):
+                found.append(f"{path}: ends with one line end")
+            for number, line in enumerate(text.splitlines(), 1):
+                code = path.endswith((".cpp", ".h")) and not path.startswith("tests/") and '"' not in line
+                if "\t" in line or line != line.rstrip() or code and len(line) > 132:
+                    found.append(f"{path}:{number}: a tab, a blank at the end, or more than 132 columns")
+        self.assertEqual(found, [])
+
+
 class Images(unittest.TestCase):
     def test_are_as_they_are_drawn(self):
         checked = run(os.path.join(ROOT, "scripts", "draw_images.py"), "--check")

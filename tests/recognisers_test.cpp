@@ -50,7 +50,7 @@ TEST(Recognisers, Msrpc) {
   CheckMessage(LooksLikeMsrpc, kBind, 16,
                {{0, "04", "version"}, {1, "02", "minor version"}, {2, "01", "a type of the datagram protocol"},
                 {2, "14", "no type"}, {4, "20", "integer representation"}, {4, "12", "character representation"},
-                {5, "04", "floating point"}, {6, "01", "reserved"}, 
+                {5, "04", "floating point"}, {6, "01", "reserved"},
                 {8, "4700", "too short for a bind"}, {10, "2000", "credentials that leave no room"},
                 {16, "1000", "a fragment size that carries nothing"}, {24, "00", "no context"},
                 {25, "01", "reserved of the list"}, {30, "00", "no transfer syntax"}});

@@ -16,7 +16,8 @@ struct LayerRow {
 constexpr uint32_t kIpv4 = 0x0800, kIpv6 = 0x86DD;
 
 constexpr LayerRow kEthertypes[] = {
-    {0x2000, DescribeCdp}, {0x8808, DescribePause}, {0x8809, DescribeSlowProtocol}, {0x8863, DescribePppoe}, {0x8864, DescribePppoe},
+    {0x2000, DescribeCdp}, {0x8808, DescribePause}, {0x8809, DescribeSlowProtocol}, {0x8863, DescribePppoe},
+    {0x8864, DescribePppoe},
     {0x888E, DescribeEapol}, {0x88CC, DescribeLldp}, {0x010B, DescribeSpanningTree},   // per-VLAN spanning tree
 };
 

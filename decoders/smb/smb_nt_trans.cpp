@@ -49,7 +49,7 @@ constexpr SmbField kCreateReply[] = {
     {kSmbFileTime, "Creation Time"},
     {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"}, {kSmbFileTime, "Change Time"},
     {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber64, "Allocation Size"},
-    {kSmbNumber64, "End of File"}, {kSmbName16, "File Type", kSmbFileTypeNames}, 
+    {kSmbNumber64, "End of File"}, {kSmbName16, "File Type", kSmbFileTypeNames},
     {kSmbFlags16, "Pipe State", kSmbPipeStateBits},
     {kSmbName8, "Directory", kFalseTrueNames}};
 constexpr SmbField kCreateExtended[] = {

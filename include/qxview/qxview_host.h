@@ -1,6 +1,7 @@
 /* What the module asks of its host: one record of functions. A program that embeds the module may lend its own; a
- * null function, or a record whose size ends before it, means that the host does not have the service: a view then takes
- * the module's own (the six functions of definition tables together). All functions are called on the thread that decodes; texts are NUL-terminated; the C calling convention is used everywhere. */
+ * null function, or a record whose size ends before it, means that the host does not have the service: a view then
+ * takes the module's own (the six functions of definition tables together). All functions are called on the thread that
+ * decodes; texts are NUL-terminated; the C calling convention is used everywhere. */
 #ifndef QXVIEW_HOST_H
 #define QXVIEW_HOST_H
 
