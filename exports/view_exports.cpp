@@ -1,5 +1,6 @@
 // The exports over views: making them, decoding into them, and the plain functions of names and version.
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
@@ -61,6 +62,21 @@ void TellLinkType(ExportedView* view, const FrameRecord* record) {
   view->toldLinkTypes.push_back(record->linkType);
   TellUser(view, QXVIEW_NOTE, "link type " + std::to_string(record->linkType) + " (" + LinkTypeName(record->linkType) +
                                   ") has no decoder; its packets are not decoded");
+}
+
+// The user libraries that the settings name are loaded with the view; those that are not are told of.
+void TellLibraries(const ExportedView* view) {
+  const Engine& engine = *view->session->GetEngine();
+  const auto read = QXVIEW_HOST_FUNCTION(engine.host, readSetting);
+  int32_t named = 0;
+  for (char path[1024]; read && named < kMostCustomLibraries; ++named) {
+    const std::string name = "CustomLibrary" + std::to_string(named);
+    if (read(engine.host->user, name.c_str(), path, sizeof path) != 1 || !path[0]) break;
+  }
+  if (const int32_t missing = named - engine.libraries.count; missing > 0) {
+    TellUser(view, QXVIEW_NOTE, std::to_string(missing) + " of " + std::to_string(named) +
+                                    " user libraries are not loaded: " + LibraryFailure());
+  }
 }
 
 // Decodes the record in the view's own memory.
@@ -140,6 +156,7 @@ void* QxView_CreateViewWith(const QxViewOptions* options) try {
   if (view) {
     view->message = told.message;
     view->messageUser = told.messageUser;
+    TellLibraries(view.get());
     if (const int32_t count = view->session->GetEngine()->unreadableSettings) {
       TellUser(view.get(), QXVIEW_NOTE,
                std::to_string(count) + " settings of the host are no numbers and keep their defaults");

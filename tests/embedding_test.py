@@ -143,6 +143,8 @@ class PythonModule(unittest.TestCase):
 
     def test_messages_come_when_the_call_is_over(self):
         told = []
+        self.qxview.View("[View]\nCustomLibrary0 = /no/such.so\n", on_message=lambda kind, text: told.append(text))
+        self.assertRegex(told.pop(), "^1 of 1 user libraries are not loaded: .*/no/such.so")
         view = self.qxview.View("", on_message=lambda kind, text: (told.append((kind, text)), view.close()))
         view.decode(b"\0" * 20, link_type=147)
         self.assertEqual(told, [("note", "link type 147 (LINKTYPE_USER0) has no decoder; its packets are not decoded")])

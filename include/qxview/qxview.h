@@ -168,7 +168,7 @@ QXVIEW_EXPORT const char *QxView_LastError(void);
 QXVIEW_EXPORT void *QxView_CreateView(const QxHost *host);
 
 /* Kinds of messages. */
-#define QXVIEW_NOTE 0    /* something worth knowing: packets without a decoder, packets that were cut */
+#define QXVIEW_NOTE 0    /* something worth knowing: packets without a decoder, user libraries that are not there */
 #define QXVIEW_ERROR 1   /* why there is no view */
 
 /* Takes a message: one line in UTF-8 without a line end, good during the call. Called on the thread that uses the view. */
