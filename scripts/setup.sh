@@ -19,7 +19,7 @@ needed_by() {
 optional_for() {
   case $1 in
     build) echo "ccache" ;;
-    test) echo "tshark tcpdump shellcheck" ;;
+    test) echo "tshark tcpdump shellcheck g++-mingw-w64-x86-64" ;;
     *) ;;
   esac
 }
