@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "qxview/qxview.h"
+#include "qxview/qxview_functions.h"
 
 namespace {
 
@@ -231,6 +231,32 @@ TEST(Windows, ShowTheLinesOfTheirView) {
   DestroyWindow(parent);
   view.Decode(kDatagram);
   EXPECT_EQ(view.Text(), std::string(lines).replace(7, 1, "3")) << "back in memory";
+}
+
+TEST(Embedding, VisitsLinesOfATreeAndTellsWhatIsWrong) {
+  const Library library;
+  Registry registry;
+  QxViewOptions options{};
+  options.size = sizeof options;
+  options.settings = "[View]\nNonsense = 1\n";
+  const QxView_CreateViewWithFunction create = FIND(library, QxView_CreateViewWith);
+  EXPECT_EQ(create(&options), nullptr);
+  EXPECT_STREQ(FIND(library, QxView_LastError)(), "the settings, line 2: there is no setting \"Nonsense\"");
+  EXPECT_EQ(FIND(library, QxView_OpenCapture)("c:\\no\\such"), nullptr);
+  EXPECT_NE(std::string(FIND(library, QxView_LastError)()).find("no\\such"), std::string::npos);
+  View view(library);
+  EXPECT_EQ(FIND(library, QxView_DecodeLinkType)(view.Get(), 1, kDatagram.data(), 46, 46, 0), 1);
+  std::string all;
+  const auto keep = [](void* user, const QxLineInfo* line) -> int32_t {
+    *static_cast<std::string*>(user) += std::string(static_cast<size_t>(2 * line->depth), ' ') + line->text + "\n";
+    return 0;
+  };
+  EXPECT_GT(FIND(library, QxView_VisitLines)(view.Get(), keep, &all), 10);
+  EXPECT_EQ(all, view.Text());
+  QxPacketLine line{};
+  line.size = sizeof line;
+  EXPECT_EQ(FIND(library, QxView_PacketLine)(view.Get(), &line), 1);
+  EXPECT_STREQ(line.source, "192.0.2.1");
 }
 
 TEST(Files, LinesAreWrittenToAHandle) {
