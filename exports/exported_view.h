@@ -33,6 +33,7 @@ struct ExportedView {
   TlsPending tls;
   RecordBuilder builder;
   std::vector<char> text, utf8;                // a line's while it is visited
+  std::string valueText;
   alignas(8) uint8_t record[kMaxRecord + 1];   // the last packet that was decoded
 };
 

@@ -1,7 +1,9 @@
 // The exports over the lines of a view: stepping through them, visiting them all, their texts and ranges.
 #include <cstring>
 
+#include "core/bounded_text.h"
 #include "core/characters.h"
+#include "core/line_facts.h"
 #include "exports/exported_view.h"
 
 using namespace qxview;
@@ -20,7 +22,34 @@ std::string_view TextOf(ExportedView* view, uintptr_t line) {
   return {text.data(), static_cast<size_t>(length)};
 }
 
-// Fills everything of a line but its depth. The text stays good until the next line is filled.
+// What the line says, as data; null without a key.
+const LineFact* FactOfLine(void* view, uintptr_t line, char (&key)[kKeySize]) {
+  if (!view || !TreeOf(view).Holds(line)) return nullptr;
+  const DecodeContext& context = ViewOf(view)->session->Context();
+  const LineFact* fact = context.facts ? FactOf(&context, TreeOf(view).RangeIndex(line)) : nullptr;
+  return fact && FormatKey(&context, *fact, key, kKeySize) > 0 ? fact : nullptr;
+}
+
+void FillValue(ExportedView* view, const LineFact& fact, QxValue* value) {
+  *value = {};
+  value->size = sizeof *value;
+  switch (fact.kind) {
+    case ValueKind::kNone: return;
+    case ValueKind::kNumber: value->kind = QXVIEW_NUMBER; break;
+    case ValueKind::kSigned: value->kind = QXVIEW_SIGNED; break;
+    case ValueKind::kText: {
+      const std::string_view text{ValueText(&view->session->Context(), fact), static_cast<size_t>(fact.valueLength)};
+      value->kind = QXVIEW_TEXT;
+      view->valueText.resize(text.size() * kMostUtf8Octets + 1);
+      ConvertToUtf8(text, view->valueText.data(), static_cast<int32_t>(view->valueText.size()));
+      value->text = view->valueText.c_str();
+      return;
+    }
+  }
+  value->number = fact.number;
+}
+
+// Fills everything of a line but its depth and its key. The text stays good until the next line is filled.
 void FillLine(ExportedView* view, uintptr_t line, QxLineInfo* info) {
   const std::string_view text = TextOf(view, line);
   view->utf8.resize(text.size() * kMostUtf8Octets + 1);
@@ -76,15 +105,46 @@ int32_t QxView_LineImage(void* view, uintptr_t line) {
   return view && TreeOf(view).Holds(line) ? TreeOf(view).Image(line) : -1;
 }
 
+int32_t QxView_KeepKeys(void* view, int32_t keep) {
+  ForgetError();
+  if (!view) return Fail("there is no view");
+  return KeepFacts(&ViewOf(view)->session->Context(), keep != 0) ? 1 : Fail("out of memory");
+}
+
+int32_t QxView_LineKey(void* view, uintptr_t line, char* out, int32_t outSize) {
+  char key[kKeySize];
+  if (out && outSize > 0) out[0] = 0;
+  if (!FactOfLine(view, line, key)) return 0;
+  if (out && outSize > 0) CopyString(out, outSize, key);
+  return static_cast<int32_t>(std::strlen(key));
+}
+
+int32_t QxView_LineValue(void* view, uintptr_t line, QxValue* value) try {
+  ForgetError();
+  char key[kKeySize];
+  const LineFact* fact = FactOfLine(view, line, key);
+  QxValue filled{};
+  if (fact) FillValue(ViewOf(view), *fact, &filled);
+  return GiveRecord(value, filled) && fact ? 1 : 0;
+} catch (...) {
+  return Fail("out of memory");
+}
+
 int32_t QxView_VisitLines(void* view, QxLineVisitor visit, void* user) try {
   ForgetError();
   if (!view || !visit) return Fail(view ? "there is no visitor" : "there is no view"), -1;
   const DecodeTree& tree = TreeOf(view);
   QxLineInfo info{};
   info.size = sizeof info;
+  char key[kKeySize];
+  QxValue value;
   int32_t count = 0;
   for (uintptr_t line = tree.FirstChild(0); line;) {
     FillLine(ViewOf(view), line, &info);
+    const LineFact* fact = FactOfLine(view, line, key);
+    if (fact) FillValue(ViewOf(view), *fact, &value);
+    info.key = fact ? key : nullptr;
+    info.value = fact ? &value : nullptr;
     ++count;
     if (visit(user, &info) != 0) break;
     if (const uintptr_t child = tree.FirstChild(line)) {

@@ -48,10 +48,21 @@ class _PacketLine(ctypes.Structure):
                 ("summary", ctypes.c_char_p)]
 
 
+class _Value(ctypes.Structure):
+    _fields_ = [("size", ctypes.c_uint32), ("kind", ctypes.c_int32), ("number", ctypes.c_uint64),
+                ("text", ctypes.c_char_p)]
+
+    def read(self):
+        """None, a number or a text."""
+        signed = self.kind == 2 and self.number >> 63
+        return self.text.decode("utf-8") if self.kind == 3 else self.number - (signed << 64) if self.kind else None
+
+
 class _LineInfo(ctypes.Structure):
     _fields_ = [("size", ctypes.c_uint32), ("depth", ctypes.c_int32), ("line", ctypes.c_size_t),
                 ("text", ctypes.c_char_p), ("textLength", ctypes.c_int32), ("image", ctypes.c_int32),
-                ("offset", ctypes.c_int32), ("length", ctypes.c_uint32), ("kind", ctypes.c_int32)]
+                ("offset", ctypes.c_int32), ("length", ctypes.c_uint32), ("kind", ctypes.c_int32),
+                ("key", ctypes.c_char_p), ("value", ctypes.POINTER(_Value))]
 
 
 _VISITOR = ctypes.CFUNCTYPE(ctypes.c_int32, ctypes.c_void_p, ctypes.POINTER(_LineInfo))
@@ -67,6 +78,7 @@ _FUNCTIONS = {   # result, arguments
     "QxView_DecodeFrame": (ctypes.c_int32, [_VIEW, ctypes.c_char_p, ctypes.c_uint32, ctypes.c_uint32, ctypes.c_int32]),
     "QxView_DecodeLinkType": (ctypes.c_int32, [_VIEW, ctypes.c_uint16, ctypes.c_char_p, ctypes.c_int32,
                                                ctypes.c_uint32, ctypes.c_int64]),
+    "QxView_KeepKeys": (ctypes.c_int32, [_VIEW, ctypes.c_int32]),
     "QxView_PacketLine": (ctypes.c_int32, [_VIEW, ctypes.POINTER(_PacketLine)]),
     "QxView_VisitLines": (ctypes.c_int32, [_VIEW, _VISITOR, ctypes.c_void_p]),
     "QxView_OpenCapture": (_CAPTURE, [ctypes.c_char_p]),
@@ -231,13 +243,16 @@ def open(path):   # pylint: disable=redefined-builtin
 
 
 class Line:
-    """A line of the tree: text, the bytes that it was decoded from (offset, length), depth, image, children."""
-    __slots__ = ("text", "offset", "length", "kind", "image", "depth", "children")
+    """A line of the tree: text, the bytes that it was decoded from (offset, length), depth, image, children; of a view with
+    keys also key ("ip.time_to_live") and value (a number, a text or None)."""
+    __slots__ = ("text", "offset", "length", "kind", "image", "depth", "children", "key", "value")
 
     def __init__(self, told):
         self.text = told.text.decode("utf-8")
         self.offset, self.length, self.kind = told.offset, told.length, told.kind
         self.image, self.depth, self.children = told.image, told.depth, []
+        self.key = told.key.decode("ascii") if told.key else None
+        self.value = told.value.contents.read() if told.key else None
 
     def walk(self):
         """This line and all below it, in order."""
@@ -250,6 +265,8 @@ class Line:
     def as_dict(self):
         """As decode --format json writes it; children under "lines"."""
         told = {name: getattr(self, name) for name in ("text", "offset", "length", "kind", "image")}
+        if self.key:
+            told["key"], told["value"] = self.key, self.value
         if self.children:
             told["lines"] = [line.as_dict() for line in self.children]
         return told
@@ -305,11 +322,11 @@ class View(_Handle):
     """Decodes packets; what later packets of a capture need of earlier ones is kept, so a capture takes one view.
 
     settings: what a settings file holds, instead of the user's own ("" for the defaults). headers_only: no lines, but
-    sources, destinations and summaries several times as fast. on_message: called with (kind, text), kind "note" or "error",
-    when the call that the message comes from is over."""
+    sources, destinations and summaries several times as fast. keys: lines have keys and values. on_message: called with
+    (kind, text), kind "note" or "error", when the call that the message comes from is over."""
     _destroy = staticmethod(_LIBRARY.QxView_DestroyView)
 
-    def __init__(self, settings=None, headers_only=False, on_message=None):
+    def __init__(self, settings=None, headers_only=False, keys=False, on_message=None):
         super().__init__()
         if settings is not None and not isinstance(settings, str):
             raise TypeError(f"settings are a str or None, not {type(settings).__name__}")
@@ -326,6 +343,8 @@ class View(_Handle):
         self._deliver()
         if self._pointer is None:
             raise Error(reason)
+        if keys and _LIBRARY.QxView_KeepKeys(self._pointer, 1) != 1:
+            raise Error(_last_error())
         if headers_only:
             _LIBRARY.QxView_SetOutput(self._pointer, ord("1"), 0)
 

@@ -108,6 +108,19 @@ class PythonModule(unittest.TestCase):
                     self.assertIn(f"  {row['source']} ", line)
                     self.assertIn(f"  {row['destination']} ", line)
 
+    def test_keys_and_values_are_those_of_the_program(self):
+        told = run(QXVIEW, "decode", "--settings", os.devnull, "--format", "json", "--keys", DNS).splitlines()
+        view = self.qxview.View("", keys=True)
+
+        def keys(lines):
+            for line in lines:
+                yield line.get("key"), line.get("value")
+                yield from keys(line.get("lines", []))
+
+        for line, packet in zip(told, self.qxview.open(DNS)):
+            self.assertEqual([(line.key, line.value) for line in view.decode(packet).walk()],
+                             list(keys(json.loads(line)["lines"])))
+
     def test_misuse_raises(self):
         qx = self.qxview
         for wrong in (None, 7, object()):

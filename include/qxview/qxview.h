@@ -239,6 +239,28 @@ QXVIEW_EXPORT int32_t QxView_LineRange(void *view, uintptr_t line, int32_t *offs
 /* The image of the line's level, 0 to 22; -1 for no line. */
 QXVIEW_EXPORT int32_t QxView_LineImage(void *view, uintptr_t line);
 
+/* Keys and values of lines: what a line says, as data. Off at first, for it costs some time; with `keep` not 0 the lines
+ * of the packets to come have them. 1, or 0 when there is no memory. */
+QXVIEW_EXPORT int32_t QxView_KeepKeys(void *view, int32_t keep);
+/* The line's key, such as "ip.time_to_live", cut to outSize - 1 bytes and terminated; its length, 0 for none. */
+QXVIEW_EXPORT int32_t QxView_LineKey(void *view, uintptr_t line, char *out, int32_t outSize);
+
+/* Kinds of values. */
+#define QXVIEW_NO_VALUE 0
+#define QXVIEW_NUMBER 1   /* unsigned */
+#define QXVIEW_SIGNED 2   /* number holds it in two's complement */
+#define QXVIEW_TEXT 3
+
+typedef struct QxValue {
+  uint32_t size;             /* of this record, set by the caller */
+  int32_t kind;
+  uint64_t number;
+  const char *text;          /* UTF-8, good until the next call for this view; null for other kinds */
+} QxValue;
+
+/* The line's value: 1; 0 for a line that has no key. */
+QXVIEW_EXPORT int32_t QxView_LineValue(void *view, uintptr_t line, QxValue *value);
+
 /* All of a line at once. Members may be added at the end: size tells what is there. */
 typedef struct QxLineInfo {
   uint32_t size;             /* of this record, set by the library */
@@ -250,6 +272,8 @@ typedef struct QxLineInfo {
   int32_t offset;            /* the bytes of the frame that it was decoded from */
   uint32_t length;
   int32_t kind;              /* 0 fields, 8 raw data */
+  const char *key;           /* null for none, and while keys are not kept */
+  const QxValue *value;      /* with the key */
 } QxLineInfo;
 
 /* Takes a line; not 0 ends the visit. The view is not to be decoded into or destroyed meanwhile. */

@@ -88,6 +88,9 @@ typedef int32_t (*QxView_LineTextUtf8Function)(void *view, uintptr_t line, char 
 typedef int32_t (*QxView_LineRangeFunction)(void *view, uintptr_t line, int32_t *offset, uint32_t *length,
                                              int32_t *kind);
 typedef int32_t (*QxView_LineImageFunction)(void *view, uintptr_t line);
+typedef int32_t (*QxView_KeepKeysFunction)(void *view, int32_t keep);
+typedef int32_t (*QxView_LineKeyFunction)(void *view, uintptr_t line, char *out, int32_t outSize);
+typedef int32_t (*QxView_LineValueFunction)(void *view, uintptr_t line, QxValue *value);
 typedef int32_t (*QxView_VisitLinesFunction)(void *view, QxLineVisitor visit, void *user);
 typedef int64_t (*GetCurrentPacketNumberFunction)(void *view);
 typedef void (*ClearDecodeListsFunction)(void *view);
