@@ -14,10 +14,20 @@ install(TARGETS libqxview EXPORT qxviewTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 install(EXPORT qxviewTargets NAMESPACE qxview:: DESTINATION ${PACKAGE_DIR} COMPONENT development)
+# What the static library leaves to be linked, by names that stand for themselves elsewhere.
+set(NEEDED_LIBRARIES z)
+get_target_property(linked qxview_host INTERFACE_LINK_LIBRARIES)
+foreach(library ${linked})
+  if(library MATCHES "/lib([^/]+)\\.(so|a)$")
+    list(APPEND NEEDED_LIBRARIES ${CMAKE_MATCH_1})
+  elseif(library MATCHES "^[a-z0-9]+$")
+    list(APPEND NEEDED_LIBRARIES ${library})
+  endif()
+endforeach()
 if(QXVIEW_STATIC)
   set_target_properties(libqxview_static PROPERTIES EXPORT_NAME qxview_static)
   target_include_directories(libqxview_static INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-  set_target_properties(libqxview_static PROPERTIES INTERFACE_LINK_LIBRARIES "ZLIB::ZLIB;${CMAKE_DL_LIBS}"
+  set_target_properties(libqxview_static PROPERTIES INTERFACE_LINK_LIBRARIES "${NEEDED_LIBRARIES}"
                         LINKER_LANGUAGE CXX)
   install(TARGETS libqxview_static EXPORT qxviewStaticTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
           COMPONENT development)
@@ -40,10 +50,8 @@ else()
   string(REGEX REPLACE "/$" "" up ${up})
   set(QXVIEW_PC_PREFIX "\${pcfiledir}/${up}")
 endif()
-set(QXVIEW_PC_PRIVATE "-lz -lstdc++")
-if(CMAKE_DL_LIBS)
-  string(APPEND QXVIEW_PC_PRIVATE " -l${CMAKE_DL_LIBS}")
-endif()
+list(JOIN NEEDED_LIBRARIES " -l" QXVIEW_PC_PRIVATE)
+string(PREPEND QXVIEW_PC_PRIVATE "-lstdc++ -l")
 configure_file(cmake/qxview.pc.in ${CMAKE_BINARY_DIR}/qxview.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/qxview.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
