@@ -275,6 +275,7 @@ int32_t ResultOf(const Bytes& payload) {
 }
 
 TEST(Ldap, Results) {
+  ASSERT_TRUE(FindBuiltinDecoder(0x07));
   EXPECT_EQ(FindBuiltinDecoder(0x07)->decode, &DecodeLdap);
   EXPECT_EQ(ResultOf(Message(kUnbind)), 1);
   EXPECT_EQ(ResultOf(Hex("30 06 02 01 07 42 00")), 2) << "one octet more is to come";

@@ -350,6 +350,7 @@ TEST(SmbTransactions, PipesHandCallsToTheirDecoder) {
   ExpectInOrder(BytesOf({Pipe(0x54, fault)}), {"Call Named Pipe", "MSRPC: Fault", "Status: 0x1C000005"});
   ExpectInOrder(BytesOf({Pipe(0x37, Hex("0600"))}), {"Write Named Pipe Request", "Data Bytes {84+2}"});
   // Payloads of other protocols that start alike.
+  ASSERT_TRUE(FindBuiltinDecoder(0x80));
   for (const char* other : {"05 00 00 01 01000000 5300 0300 0B445249 5645525F 4E414D45", "04 00 0B 03 10000000 1000 0000 00000000",
                             "05 00 0B 03 10000001 1000 0000 00000000", "05 00 0B 03 10000000 1000 0100 00000000"}) {
     TestView view;

@@ -180,6 +180,7 @@ TEST(Snmp, WhatIsNotSnmp) {
 
 TEST(Snmp, IsReachedAsABuiltinAndByEthertype) {
   const Bytes payload = Message("00", Request(0xA0, Binding(Hex("05 00"))));
+  ASSERT_TRUE(FindBuiltinDecoder(0x06));
   EXPECT_EQ(FindBuiltinDecoder(0x06)->decode, &DecodeSnmpPayload);
   EXPECT_NE(TreeOf(Ethernet(0x814C, payload)).find("\nSNMPv1: public,"), std::string::npos);
   const Bytes snap = Hex("020000000001 020000000002 0030  AAAA03 000000 814C") + payload;
