@@ -56,7 +56,7 @@ TEST(Formatter, ReadsTheSizesAlikeOnEveryPlatform) {
 }
 
 TEST(Formatter, TakesTextsOfAllKinds) {
-  const uint8_t bytes[] = {0x00, 0x7F, 0xFF};
+  const uint8_t bytes[6] = {0x00, 0x7F, 0xFF};
   EXPECT_EQ(Formatted("%s", HexSlice{bytes, 3, ' '}), "00 7F FF");
   EXPECT_EQ(Formatted("%s", HexSlice{bytes, 3, 0}), "007FFF");
   EXPECT_EQ(Formatted("[%s]", TextSlice{"ab\0cd", 5}), "[ab]") << "a text ends at its first zero byte";
