@@ -25,7 +25,10 @@ int Decode(const DecodeOptions& options) {
   if (!run.Open(options.reading)) return run.Status();
   auto out = std::make_unique<Output>();
   Session& session = run.GetSession();
-  if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
+  if (options.format == Format::kText) {
+    out->EscapeForTerminal();
+    session.SetOutput(kSaveMode, out->File());
+  }
   TreeStyle style;
   style.colors = options.format == Format::kTree && UsesColor(options.reading.color);
   if (style.colors && IsTerminal(StandardOutputFile())) ResetColorsOnSignal();

@@ -18,6 +18,7 @@
 #include "decoders/net/window_scales.h"
 #include "host/packet_addresses.h"
 #include "host/tls_pending.h"
+#include "platform/interruption.h"
 #include "platform/platform.h"
 
 namespace qxview {
@@ -58,6 +59,7 @@ class PacketList {
   PacketList(const ListOptions& options, PacketRun& run, Output& out)
       : run_(run), out_(out), time_(options.time), host_(run.Host().Record()),
         cleanText_(run.GetSession().GetEngine()->settings.cleanText), colors_(UsesColor(options.reading.color)) {
+    if (colors_) ResetColorsOnSignal();
     if (!options.wide && !IsTerminal(StandardOutputFile())) return;
     constexpr int32_t kOtherLines = 2;   // of a screenful: titles and prompt
     const TerminalSize size = SizeOfTerminal();
@@ -88,9 +90,10 @@ class PacketList {
     out_.Put('\n');
   }
 
-  // Shows what is held back for the columns' widths.
+  // Shows what is there, also what is held back for the columns' widths.
   void Show() {
     if (table_) table_->Show();
+    out_.Flush();
   }
 
  private:
@@ -162,13 +165,13 @@ int List(const ListOptions& options) {
   run.GetSession().DecodeHeadersOnly();
   auto out = std::make_unique<Output>();
   PacketList list(options, run, *out);
+  SetIdleAction([](void* with) { static_cast<PacketList*>(with)->Show(); }, &list);
   const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
     list.Put(record, frame.number);
-    if (options.reading.flushEachPacket) list.Show(), out->Flush();
+    if (options.reading.flushEachPacket) list.Show();
     return !out->Failed();
   });
   list.Show();
-  out->Flush();
   return out->Failed() ? OutputFault() : status;
 }
 

@@ -1,13 +1,32 @@
 // The command line: qxview COMMAND [OPTIONS] FILE.
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <new>
 
 #include "app/commands.h"
 #include "platform/interruption.h"
 #include "platform/platform.h"
 
+namespace {
+
+// Where memory ends an exception may find none for itself, or arise where none is passed on.
+[[noreturn]] void EndWithoutMemory() {
+  try {
+    if (std::current_exception()) throw;
+  } catch (const std::bad_alloc&) {
+  } catch (...) {
+    std::abort();
+  }
+  std::fputs("qxview: out of memory\n", stderr);
+  std::_Exit(qxview::kFileFault);
+}
+
+}  // namespace
+
 int main(int argc, char** argv) try {
   using namespace qxview;
+  std::set_terminate(EndWithoutMemory);
   const std::vector<std::string> words = StartProgram(argc, argv);
   CommandLine line;
   AddDecodeCommand(&line);

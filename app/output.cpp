@@ -1,7 +1,11 @@
 #include "app/output.h"
 
+#include <algorithm>
+
 #include "app/commands.h"
 #include "app/packet_run.h"
+#include "app/progress.h"
+#include "app/tree_writer.h"
 #include "core/characters.h"
 #include "platform/interruption.h"
 #include "platform/new_file.h"
@@ -12,9 +16,38 @@ namespace qxview {
 Output::Output() {
   OpenOutput(&file_, FileSink(StandardOutputFile()));
   SetIdleAction([](void* output) { static_cast<Output*>(output)->Flush(); }, this);
+  YieldTerminal(StandardOutputFile());
 }
 
 Output::~Output() { SetIdleAction(nullptr, nullptr); }
+
+int32_t Output::WriteEscaped(void* output, const char* bytes, int32_t length) {
+  Output& self = *static_cast<Output*>(output);
+  Output shown(self.terminal_);
+  std::string_view text{bytes, static_cast<size_t>(length)};
+  while (!text.empty()) {
+    if (self.endsInReturn_ && text[0] != '\n') shown.Put("\\x0D");
+    const size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    self.endsInReturn_ = line.ends_with('\r');
+    if (self.endsInReturn_) line.remove_suffix(1);
+    PutSafeText(shown, line);
+    if (end == text.size()) break;
+    shown.Put('\n');   // the terminal's own line end, in front of which the return says nothing
+    self.endsInReturn_ = false;
+    text.remove_prefix(end + 1);
+  }
+  shown.Flush();
+  return shown.Failed() ? 0 : 1;
+}
+
+void Output::EscapeForTerminal() {
+  if (!IsTerminal(file_.sink.descriptor)) return;
+  terminal_ = file_.sink;
+  file_.sink.handle = this;
+  file_.sink.write = WriteEscaped;
+  file_.sink.moveBack = [](void*, int64_t) { return int32_t{0}; };   // what a terminal has shown stays
+}
 
 int OutputFault() {
   Tell("standard output: " + WriteFailure());

@@ -10,11 +10,14 @@ namespace qxview {
 
 class Output {
  public:
-  Output();   // standard output: shown whenever input is waited for
+  // Standard output: shown whenever input is waited for, without a progress on its terminal.
+  Output();
   ~Output();
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
   explicit Output(const OutputSink& sink) { OpenOutput(&file_, sink); }
+  // From now on a terminal is given what is put as text of Windows-1252, with controls as \xNN; others the bytes.
+  void EscapeForTerminal();
   void Put(std::string_view text) { WriteOutput(&file_, text.data(), static_cast<int32_t>(text.size())); }
   void Put(char c) { WriteOutput(&file_, &c, 1); }
   void Flush() { FlushOutput(&file_); }
@@ -22,7 +25,11 @@ class Output {
   OutputFile* File() { return &file_; }
 
  private:
+  static int32_t WriteEscaped(void* output, const char* bytes, int32_t length);
+
   OutputFile file_;
+  OutputSink terminal_{};   // where escaped text goes
+  bool endsInReturn_ = false;   // what was put last: one without a line feed behind it is a control like any other
 };
 
 // UTF-8 to Windows-1252; bytes that are no UTF-8 stay as they are. False with the first character that the code page

@@ -4,13 +4,17 @@
 #include <cstdio>
 #include <cstring>
 
+#include "host/text.h"
 #include "platform/bpf_filter.h"
 #include "platform/interruption.h"
 #include "platform/platform.h"
 
 namespace qxview {
 
-void Tell(const std::string& text) { std::fprintf(stderr, "qxview: %s\n", text.c_str()); }
+void Tell(const std::string& text) {
+  EraseProgress();
+  std::fprintf(stderr, "qxview: %s\n", (StandardErrorIsTerminal() ? EscapeControls(text) : text).c_str());
+}
 
 namespace {
 
@@ -68,21 +72,30 @@ bool PacketRun::Open(const ReadingOptions& options) {
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());
   builder_ = std::make_unique<RecordBuilder>();
-  showsProgress_ = StandardErrorIsTerminal() && !IsTerminal(StandardOutputFile());
   return true;
 }
 
 bool PacketRun::Matches(const CaptureFrame& frame) {
   if (!options_->selection.Holds(frame.number)) return false;
   if (!filter_) return true;
-  if (!frame.record) return filter_->Matches(frame.linkType, frame.data, frame.dataLength, frame.wireLength);
-  // A record has the radio or cell header that was captured in front of the frame in an extension block.
-  capturedBytes_.resize(static_cast<size_t>(MovedHeaderLength(frame.record)) + frame.dataLength);
-  const size_t moved = capturedBytes_.size() - frame.dataLength;
-  if (moved > 0) std::memcpy(capturedBytes_.data(), MovedHeader(frame.record), moved);
-  if (frame.dataLength > 0) std::memcpy(capturedBytes_.data() + moved, frame.data, frame.dataLength);
-  return filter_->Matches(frame.linkType, capturedBytes_.data(), static_cast<uint32_t>(capturedBytes_.size()),
-                          frame.wireLength + static_cast<uint32_t>(moved));
+  const uint8_t* data = frame.data;
+  size_t moved = 0;
+  if (frame.record) {
+    // A record has the radio or cell header that was captured in front of the frame in an extension block.
+    moved = static_cast<size_t>(MovedHeaderLength(frame.record));
+    capturedBytes_.resize(moved + frame.dataLength);
+    if (moved > 0) std::memcpy(capturedBytes_.data(), MovedHeader(frame.record), moved);
+    if (frame.dataLength > 0) std::memcpy(capturedBytes_.data() + moved, frame.data, frame.dataLength);
+    data = capturedBytes_.data();
+  }
+  std::string why;
+  const bool matches = filter_->Matches(frame.linkType, data, frame.dataLength + static_cast<uint32_t>(moved),
+                                        frame.wireLength + static_cast<uint32_t>(moved), &why);
+  if (!why.empty()) {
+    Tell(options_->file + ": --filter leaves out the packets of link type " + std::to_string(frame.linkType) + " (" +
+         LinkTypeName(frame.linkType) + "): " + why);
+  }
+  return matches;
 }
 
 // A link type without a decoder is told once: its packets are an empty decode.
@@ -93,15 +106,8 @@ void PacketRun::TellLinkType(uint16_t linkType) {
        ") has no decoder; its packets are not decoded");
 }
 
-void PacketRun::TellProgress() {
-  const int percent = reader_->Percent();
-  if (percent == shownPercent_ || percent < 0) return;
-  shownPercent_ = percent;
-  std::fprintf(stderr, "\r%d%%", percent);
-}
-
 void PacketRun::TellEnd(ReadResult result) {
-  if (showsProgress_ && shownPercent_ >= 0) std::fprintf(stderr, "\r    \r");
+  EraseProgress();
   if (result == ReadResult::kDamaged) {
     status_ = kFileFault;
     Tell(reader_->Message());
@@ -125,7 +131,7 @@ int PacketRun::Pass(const std::function<bool(const FrameRecord*, const CaptureFr
   uint64_t selectedPackets = 0, seen = 0;
   const uint64_t last = options_->selection.Last();
   while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
-    if (showsProgress_ && (seen & 0x3FF) == 0x3FF) TellProgress();
+    if ((seen & 0xF) == 0xF) progress_.Show(reader_->FilePosition(), reader_->FileSize());
     if (frame.number > last) break;
     const FrameRecord* record = frame.record ? frame.record : builder_->Build(frame);
     NoteTime(record->nanoseconds, ++seen == 1);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/options.h"
+#include "app/progress.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
 #include "host/session.h"
@@ -45,7 +46,6 @@ class PacketRun {
   bool Matches(const CaptureFrame& frame);
   void TellLinkType(uint16_t linkType);
   void NoteTime(int64_t nanoseconds, bool isFirst);
-  void TellProgress();
   void TellEnd(ReadResult result);
 
   const ReadingOptions* options_ = nullptr;
@@ -58,8 +58,7 @@ class PacketRun {
   std::vector<uint16_t> toldLinkTypes_;
   int status_ = kDone;
   int64_t firstTime_ = 0, timeBefore_ = 0, timeNow_ = 0;
-  bool showsProgress_ = false;
-  int shownPercent_ = -1;
+  Progress progress_;
 };
 
 }  // namespace qxview

@@ -19,6 +19,8 @@ int Print(const PrintOptions& options) {
   std::string message;
   if (!options.out.empty() && !target.Create(options.out, &message)) return Tell(message), kFileFault;
   auto out = options.out.empty() ? std::make_unique<Output>() : std::make_unique<Output>(target.Sink());
+  if (!options.out.empty()) YieldTerminal(target.File());
+  out->EscapeForTerminal();
   run.GetSession().SetOutput(kPrintMode, out->File());
   const int status = run.ForEach([&](const FrameRecord*, const CaptureFrame&, int32_t) {
     if (options.reading.flushEachPacket) out->Flush();

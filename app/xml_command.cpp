@@ -49,6 +49,7 @@ int ExportXml(const XmlOptions& options) {
   if (toStandardOutput) {
     SetIdleAction([](void* out) { static_cast<XmlExport*>(out)->Flush(); }, document.get());
   }
+  YieldTerminal(toStandardOutput ? StandardOutputFile() : target.File());
   document->Begin();
   const int status = run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame& frame) {
     document->AddFrame(frame.number, record);

@@ -9,16 +9,18 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostNameBytes = 128;
+constexpr int32_t kNameSize = 128;   // a name that does not fit, with its terminator, is none
+constexpr int32_t kDirectorySize = 4096;
 
 // A name alone is that of a file beside the program; a path is one, from the working folder on where it is relative.
+// So the folders that the platform would search are never asked.
 void* LoadNamed(const Engine* engine, const char* directory, const char* name) {
   const LibraryLoader& loader = engine->libraries.loader;
-  char path[1024];
-  if (!directory[0] || (loader.separators && std::strpbrk(name, loader.separators))) {
+  char path[kDirectorySize + kNameSize];
+  if (loader.separators && std::strpbrk(name, loader.separators)) {
     CopyString(path, sizeof path, name);
   } else {
-    FormatInto(path, sizeof path, "%s/%s", directory, name);
+    FormatInto(path, sizeof path, "%s/%s", directory[0] ? directory : ".", name);
   }
   return loader.load(path);
 }
@@ -33,12 +35,13 @@ void LoadCustomLibraries(Engine* engine) {
   const auto readSetting = QXVIEW_HOST_FUNCTION(host, readSetting);
   const auto applicationDirectory = QXVIEW_HOST_FUNCTION(host, applicationDirectory);
   if (!readSetting || !libraries.loader.load) return;
-  char directory[768] = "";
+  char directory[kDirectorySize] = "";
   if (applicationDirectory) applicationDirectory(host->user, directory, sizeof directory);
   for (int32_t n = 0; n < kMostCustomLibraries; ++n) {
-    char name[32], value[kMostNameBytes] = "";
+    char name[32], value[kNameSize + 1] = "";
     FormatInto(name, sizeof name, "CustomLibrary%u", n);
     if (readSetting(host->user, name, value, sizeof value) != 1 || !value[0]) break;
+    if (value[kNameSize - 1]) continue;
     if (void* loaded = LoadNamed(engine, directory, value)) libraries.handles[libraries.count++] = loaded;
   }
   if (engine->settings.externalDecoder[0]) {

@@ -24,7 +24,9 @@ class CaptureBufferReader : public CaptureReader {
     if (!header) return CutShort(0, "the file header"), false;
     const char* version = reinterpret_cast<const char*>(header) + kBufferMagic;
     if (std::memcmp(version, kBufferVersion + kBufferMagic, sizeof kBufferVersion - 1 - kBufferMagic) != 0) {
-      Damaged(kBufferMagic, "capture buffer version \"%.6s\" is not known", version);
+      char shown[7] = "";
+      for (size_t i = 0; i < 6; ++i) shown[i] = version[i] >= 0x20 && version[i] < 0x7F ? version[i] : '.';
+      Damaged(kBufferMagic, "capture buffer version \"%s\" is not known", shown);
       return false;
     }
     const uint32_t start = header[kVersionField] | static_cast<uint32_t>(header[kVersionField + 1]) << 8;

@@ -55,6 +55,10 @@ class CaptureReader {
   // How much of the file is read, 0 to 100; -1 when its size is not known.
   int Percent() const;
 
+  // The same in bytes of the file, and its size; 0 where that is not known.
+  uint64_t FilePosition() const { return source_->FilePosition(); }
+  uint64_t FileSize() const { return source_->FileSize(); }
+
  protected:
   // Reads one frame; the base numbers it.
   virtual ReadResult ReadFrame(CaptureFrame* frame) = 0;

@@ -12,15 +12,16 @@ enum class Kind { kText, kNumber };
 struct KnownSetting {
   const char* name;
   Kind kind;
-  int64_t most;   // of a number; the least is 0
+  int64_t most;   // of a number, the least is 0; of a text its bytes, 0 for any number of them
 };
 
 constexpr int64_t kAny = 0xFFFFFFFF;
+constexpr int64_t kLibrary = 127;
 constexpr KnownSetting kKnown[] = {
-    {"CustomLibrary0", Kind::kText, 0},           {"CustomLibrary1", Kind::kText, 0},
-    {"CustomLibrary2", Kind::kText, 0},           {"CustomLibrary3", Kind::kText, 0},
-    {"CustomLibrary4", Kind::kText, 0},           {"CustomLibrary5", Kind::kText, 0},
-    {"CustomLibrary6", Kind::kText, 0},           {"CustomLibrary7", Kind::kText, 0},
+    {"CustomLibrary0", Kind::kText, kLibrary},     {"CustomLibrary1", Kind::kText, kLibrary},
+    {"CustomLibrary2", Kind::kText, kLibrary},     {"CustomLibrary3", Kind::kText, kLibrary},
+    {"CustomLibrary4", Kind::kText, kLibrary},     {"CustomLibrary5", Kind::kText, kLibrary},
+    {"CustomLibrary6", Kind::kText, kLibrary},     {"CustomLibrary7", Kind::kText, kLibrary},
     {"TypeOfServiceMode", Kind::kNumber, kAny},   {"TypeOfServiceFieldMask", Kind::kNumber, 255},
     {"TypeOfServiceFieldName0", Kind::kText, 0},  {"TypeOfServiceFieldName1", Kind::kText, 0},
     {"TypeOfServiceFieldName2", Kind::kText, 0},  {"TypeOfServiceFieldName3", Kind::kText, 0},
@@ -33,7 +34,7 @@ constexpr KnownSetting kKnown[] = {
     {"Expand2ndLevel", Kind::kNumber, kAny},      {"Expand3rdLevel", Kind::kNumber, kAny},
     {"Expand4thLevel", Kind::kNumber, kAny},      {"RangeFilterOn", Kind::kNumber, kAny},
     {"RangeFilterStart", Kind::kNumber, 0x7FFFFFFF}, {"RangeFilterLength", Kind::kNumber, 0x7FFFFFFF},
-    {"ExternalDecoder", Kind::kText, 0},          {"ExternalDecoderPort", Kind::kNumber, 65535},
+    {"ExternalDecoder", Kind::kText, kLibrary},   {"ExternalDecoderPort", Kind::kNumber, 65535},
     {"CleanText", Kind::kNumber, kAny},           {"AliasFile", Kind::kText, 0},
     {"CharacterSet", Kind::kNumber, kAny},        {"MibPath", Kind::kText, 0},
     {"MibModules", Kind::kText, 0},
@@ -55,6 +56,11 @@ bool SettingsStore::Check(const std::string& name, const std::string& value, con
     std::vector<std::string_view> names;
     for (const KnownSetting& setting : kKnown) names.push_back(setting.name);
     *message = place + ": there is no setting " + QuoteValue(name) + NearestHint(name, names);
+    return false;
+  }
+  if (known->kind == Kind::kText && known->most > 0 && value.size() > static_cast<size_t>(known->most)) {
+    *message = place + ": " + known->name + " has at most " + std::to_string(known->most) + " bytes, not " +
+               std::to_string(value.size());
     return false;
   }
   int64_t number = 0;

@@ -17,7 +17,7 @@ struct NamedValue {
   std::string name, value;
 };
 
-// Where the user's own settings are: in a file, which need not be there, or already read from a store of the platform's.
+// Where the user's own settings are: in a file, empty where there is none, or already read from a store of the platform's.
 struct UserSettings {
   std::string file;
   std::string place;                  // of the values, for messages

@@ -3,7 +3,6 @@
 #include <cstring>
 #include <sstream>
 
-#include "files/byte_source.h"
 #include "host/session.h"
 
 namespace qxview {
@@ -79,10 +78,7 @@ bool StandaloneHost::ReadSettings(const HostOptions& options, std::string* messa
   }
   if (!options.settingsFile.empty()) return settings_.ReadFile(options.settingsFile, message);
   const UserSettings& own = options.userSettings;
-  std::string ignored;
-  const bool present = !own.file.empty() && OpenFileSource(own.file.c_str(), &ignored);
-  if (present) return settings_.ReadFile(own.file, message);
-  return settings_.Take(own, message);
+  return own.file.empty() ? settings_.Take(own, message) : settings_.ReadFile(own.file, message);
 }
 
 bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, std::string* message,

@@ -41,26 +41,41 @@ bool TakeCharacter(std::string_view text, size_t* at, uint32_t* point) {
   return true;
 }
 
+namespace {
+
+// The character at *at, and what no terminal is to see as \xNN.
+void AppendSafely(std::string_view text, size_t* at, std::string* out) {
+  const size_t start = *at;
+  uint32_t point;
+  const bool valid = TakeCharacter(text, at, &point);
+  if (valid && point >= 0x20 && (point < 0x7F || point >= 0xA0)) {
+    *out += text.substr(start, *at - start);
+    return;
+  }
+  for (size_t i = start; i < *at; ++i) {
+    char hex[8];
+    std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<uint8_t>(text[i]));
+    *out += hex;
+  }
+}
+
+}  // namespace
+
 std::string QuoteValue(std::string_view value) {
   constexpr int32_t kMostShown = 60;
   std::string quoted = "\"";
   int32_t shown = 0;
   for (size_t at = 0; at < value.size(); ++shown) {
     if (shown == kMostShown) return quoted + "...\"";
-    const size_t start = at;
-    uint32_t point;
-    const bool valid = TakeCharacter(value, &at, &point);
-    if (valid && point >= 0x20 && (point < 0x7F || point >= 0xA0)) {
-      quoted += value.substr(start, at - start);
-      continue;
-    }
-    for (size_t i = start; i < at; ++i) {
-      char hex[8];
-      std::snprintf(hex, sizeof hex, "\\x%02X", static_cast<uint8_t>(value[i]));
-      quoted += hex;
-    }
+    AppendSafely(value, &at, &quoted);
   }
   return quoted + "\"";
+}
+
+std::string EscapeControls(std::string_view text) {
+  std::string safe;
+  for (size_t at = 0; at < text.size();) AppendSafely(text, &at, &safe);
+  return safe;
 }
 
 bool ParseNumber(std::string_view text, int64_t* number) {

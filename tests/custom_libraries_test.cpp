@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -130,6 +131,26 @@ TEST_F(CustomLibraryHooks, WanFramesAreOfferedWithTheirDirection) {
 TEST_F(CustomLibraryHooks, ScanStopsAtTheFirstMissingValue) {
   Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}, {"CustomLibrary2", "recorder_b" QXVIEW_PLUGIN_SUFFIX}});
   EXPECT_EQ(view_->view().engine->libraries.count, 1);
+}
+
+TEST_F(CustomLibraryHooks, NamesAreTakenWholeAndInsideTheirFolder) {
+  static std::vector<std::string> asked;
+  asked.clear();
+  const std::string longest(127, 'a');
+  LibraryLoader loader = PlatformLibraryLoader();
+  loader.load = [](const char* path) -> void* { return asked.push_back(path), nullptr; };
+  const std::string alone = std::strchr(loader.separators, ':') ? "lamp.so" : "x:lamp.so";
+  host_.settings = {{"CustomLibrary0", alone}, {"CustomLibrary1", longest + "a"}, {"CustomLibrary2", longest},
+                    {"CustomLibrary3", "/lamp.so"}, {"ExternalDecoder", longest + "a"}};
+  for (const char* folder : {kDirectory.c_str(), "."}) {
+    TestView view(&host_);
+    view.loader = loader;
+    view.view();
+    EXPECT_EQ(asked, (std::vector<std::string>{std::string(folder) + "/" + alone, std::string(folder) + "/" + longest,
+                                               "/lamp.so"}));
+    asked.clear();
+    host_.host.applicationDirectory = nullptr;
+  }
 }
 
 TEST_F(CustomLibraryHooks, RangeTableGrownByALibraryIsTheModules) {

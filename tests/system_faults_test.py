@@ -88,6 +88,44 @@ class Faults(Folder):
                 self.assertIn((status, words and words.split(": ", 1)[0]), [(3, "qxview"), (0, "")], words)
 
 
+@unittest.skipIf(WINDOWS, "links, owners and modes of POSIX")
+class Places(Folder):
+    def test_a_new_file_takes_the_place_of_the_old_one(self):
+        os.mkdir(self.path("there"))
+        os.symlink("there/late.bfr", self.path("link"))
+        self.assertEqual(run("save", LAN, self.path("link"))[0], 0)
+        self.assertTrue(os.path.islink(self.path("link")) and os.path.isfile(self.path("there/late.bfr")))
+        os.symlink("round", self.path("round"))
+        self.assertIn("Too many levels of symbolic links", run("save", LAN, self.path("round"))[2])
+        for length in (248, 249, 255):
+            for name in ("n" * length, "\N{EURO SIGN}" * (length // 3)):
+                self.assertEqual(run("save", LAN, self.path(name))[0], 0, len(name))
+        self.assertIn("File name too long", run("save", LAN, self.path("n" * 256))[2])
+        self.assertEqual(len(os.listdir(self.folder)), 3 + 6)
+        old = self.path("old.bfr", b"x")
+        owner = (1234, 2345) if os.geteuid() == 0 else (os.geteuid(), os.getegid())
+        os.chown(old, *owner)
+        os.chmod(old, 0o6751)
+        self.assertEqual(run("save", LAN, old)[0], 0)
+        now = os.stat(old)
+        self.assertEqual((now.st_uid, now.st_gid, now.st_mode & 0o7777), (*owner, 0o751))
+
+    def test_settings_that_cannot_be_read_are_told(self):
+        os.makedirs(self.path("vantrell/view.ini"))
+        status, _, words = run("list", LAN, env={**os.environ, "XDG_CONFIG_HOME": self.folder})
+        self.assertEqual((status, "view.ini" in words and "Is a directory" in words), (3, True), words)
+        for setting in ("CustomLibrary3", "ExternalDecoder"):
+            status, _, words = run("list", "--set", f"{setting}=/{'x' * 127}", LAN)
+            self.assertEqual((status, f"{setting} has at most 127 bytes, not 128" in words), (2, True), words)
+
+    def test_packets_that_a_filter_cannot_be_made_for_are_told(self):
+        link_type = (300).to_bytes(4, "little")
+        capture = self.path("odd.pcap", self.read(LAN)[:20] + link_type + self.read(LAN)[24:])
+        status, out, words = run("list", "-f", "tcp", capture)
+        self.assertEqual((status, out, words.count("\n")), (0, b"", 1), words)
+        self.assertIn("--filter leaves out the packets of link type 300 (", words)
+
+
 class Json(unittest.TestCase):
     def test_bytes_are_carried(self):
         for line in run("decode", "-x", "--format", "json", "-c", "3", LAN)[1].splitlines():

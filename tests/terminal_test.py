@@ -35,6 +35,15 @@ def frame(data=b"", ethertype=b"\x88\xb5"):
     return bytes(12) + ethertype + data.ljust(46, b"\0")
 
 
+def query(name):
+    """An Ethernet frame with a DNS query for a name of one label."""
+    payload = bytes.fromhex("123401000001000000000000") + bytes([len(name)]) + name + b"\0\0\1\0\1"
+    head = struct.pack(">HHHHHH", 0x4500, 28 + len(payload), 1, 0, 0x4011, 0) + bytes([10, 0, 0, 1, 10, 0, 0, 2])
+    total = sum(struct.unpack(">10H", head))
+    head = head[:10] + struct.pack(">H", ~(total + (total >> 16)) & 0xFFFF) + head[12:]
+    return frame(head + struct.pack(">HHHH", 53, 53, 8 + len(payload), 0) + payload, b"\x08\0")
+
+
 def read_until(file, done, seconds=20):
     """What comes from a descriptor until `done` of it is true; fails when it is not in time."""
     seen = b""
@@ -95,6 +104,11 @@ class Live(Terminal):
             running.stdin.write(HEADER + 2 * packet(frame()) + packet(frame())[:20])
             running.stdin.flush()
             read_until(running.stdout.fileno(), lambda seen, shown=shown: shown in seen)
+        master, slave = self.open_terminal()   # which does not wait for a screenful either
+        running = self.start("list", "-", stdin=subprocess.PIPE, stdout=slave)
+        running.stdin.write(HEADER + packet(query(b"needle")))
+        running.stdin.flush()
+        read_until(master, lambda seen: b"needle" in seen)
 
     def test_signals_end_the_input(self):
         for number in SIGNALS:
@@ -170,6 +184,75 @@ class Live(Terminal):
         self.assertEqual(running.wait(20), -signal.SIGINT)
         os.write(slave, b"done")
         self.assertNotRegex(read_until(master, lambda seen: b"done" in seen), rb"\x1b\[[1-9]|qxview:")
+
+
+class Screen(Terminal):
+    """What a person sees; the last escape sequence and carriage return leave the line as it is read here."""
+
+    def test_progress_is_shown_where_the_data_do_not_go(self):
+        capture = os.path.join(self.folder, "long.pcap")
+        with open(capture, "wb") as file:
+            file.write(HEADER + 3000 * packet(bytes(60000)))
+        fifo = os.path.join(self.folder, "fifo")
+        os.mkfifo(fifo)
+        for arguments, pattern in ((["xml", capture, fifo], rb"\r1?\d%  [\d.]+ [kM]?B/s  \d+:\d\d left"),
+                                   (["print", "-o", fifo, capture], rb"\r\d+%")):
+            master, slave = self.open_terminal()
+            running = self.start(*arguments, stdout=slave, stderr=slave)
+            with open(fifo, "rb", buffering=0) as reader:   # a megabyte or so a second
+                seen, end = b"", time.monotonic() + 20
+                while not re.search(pattern, seen):
+                    self.assertTrue(time.monotonic() < end and running.poll() is None, seen)
+                    reader.read(65536)
+                    time.sleep(0.03)
+                    if select.select([master], [], [], 0)[0]:
+                        seen += os.read(master, 65536)
+                running.send_signal(signal.SIGINT)
+                while reader.read(1 << 20):
+                    pass
+            running.wait(20)
+            os.write(slave, b"done")
+            self.assertRegex(read_until(master, lambda seen: b"done" in seen), rb"\r +\rdone$")
+
+    def test_no_progress_on_the_data_and_none_left_before_a_result(self):
+        for arguments, shown in ((["list", "-"], False), (["find", "-", "needle"], True)):
+            master, slave = self.open_terminal()
+            running = self.start(*arguments, stdin=subprocess.PIPE, stdout=slave, stderr=slave)
+            for part in (HEADER + 40 * packet(frame()), 40 * packet(frame()), packet(query(b"needle"))):
+                running.stdin.write(part)
+                running.stdin.flush()
+                time.sleep(0.3)
+            running.stdin.close()
+            running.wait(20)
+            os.write(slave, b"done")
+            seen = read_until(master, lambda seen: b"done" in seen)
+            self.assertEqual(b"kB" in seen, shown, (arguments, seen[:300]))
+            result = seen.split(b"\r")[-1]
+            self.assertEqual((b"needle" in result, b"kB" in result), (True, False))
+
+    def test_nothing_reaches_a_terminal_as_a_command(self):
+        hostile = b"\x1b]0;owned\x07\x9b2J\xe9"
+        capture = os.path.join(self.folder, "c.pcap")
+        with open(capture, "wb") as file:
+            file.write(HEADER + packet(query(hostile)))
+        name = os.path.join(os.fsencode(self.folder), b"\x1b[31mr\xc3\xa9d\xff")
+        with open(name, "wb") as file:
+            file.write(b"VantrellPktBufferVersion=\x1b[2J\x9b\x07" + bytes(40))
+        for arguments, shown in ((["print", capture], b"\\x1B]0;owned\\x07"),
+                                 (["decode", "--format", "text", capture], b"\\x1B]0;owned\\x07"),
+                                 (["print", "-o", "/dev/stdout", capture], b"\\x1B]0;owned\\x07"),
+                                 (["list", name], b"/\\x1B[31mr\xc3\xa9d\\xFF: packet 1, byte 25: capture buffer version"
+                                                  b" \".[2J..\" is not known")):
+            master, slave = self.open_terminal()
+            running = self.start(*arguments, stdout=slave, stderr=slave)
+            running.wait(20)
+            os.write(slave, b"done")
+            seen = read_until(master, lambda seen: b"done" in seen)
+            self.assertIn(shown, seen)
+            self.assertNotRegex(seen, rb"[\x00-\x09\x0b-\x1f\x7f]|\xc2[\x80-\x9f]")
+            plain = subprocess.run([QXVIEW, *arguments], capture_output=True, check=False, env=self.environment)
+            self.assertIn(b"\x1b]0;owned\x07\x9b2J\xe9" if shown.endswith(b"x07") else b"\x1b[31mr\xc3\xa9d\xff",
+                          plain.stdout + plain.stderr)
 
 
 if __name__ == "__main__":

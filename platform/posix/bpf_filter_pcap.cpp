@@ -63,8 +63,9 @@ class PcapFilter final : public BpfFilter {
     return error;
   }
 
-  bool Matches(uint16_t linkType, const uint8_t* data, uint32_t length, uint32_t wireLength) override {
-    if (programs_.find(linkType) == programs_.end()) Compile(linkType);
+  bool Matches(uint16_t linkType, const uint8_t* data, uint32_t length, uint32_t wireLength,
+               std::string* why) override {
+    if (programs_.find(linkType) == programs_.end()) *why = Compile(linkType);
     const Program& program = programs_[linkType];
     if (!program.compiled) return false;
     pcap_pkthdr header{};

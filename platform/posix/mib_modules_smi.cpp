@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <set>
@@ -151,6 +152,12 @@ void WriteModule(const Smi& smi, const char* name, std::set<std::string>& writte
 }
 
 [[noreturn]] void RunChild(int file, const std::string& path, const std::vector<std::string>& modules) {
+  // Whoever started the program may have the alarm ignored or blocked.
+  std::signal(SIGALRM, SIG_DFL);
+  sigset_t alarms;
+  sigemptyset(&alarms);
+  sigaddset(&alarms, SIGALRM);
+  sigprocmask(SIG_UNBLOCK, &alarms, nullptr);
   alarm(kLongestReading);
   childOutput = fdopen(file, "w");
   if (!childOutput) _exit(1);

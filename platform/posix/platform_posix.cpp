@@ -71,6 +71,9 @@ UserSettings FindUserSettings() {
   } else if (home && home[0]) {
     found.file = std::string(home) + "/.config/vantrell/view.ini";
   }
+  // One that is not there is none, as is one in the home of a user whom this one has nothing to do with; one that is there
+  // and cannot be read is told.
+  if (access(found.file.c_str(), F_OK) != 0 && errno != ELOOP) found.file.clear();
   return found;
 }
 

@@ -38,11 +38,16 @@ bool IsDevice(const std::wstring& path) {
   return device;
 }
 
-// Creates PATH.NNNNNN with a number that no file has yet.
+// Creates PATH.NNNNNN with a number that no file has yet, and with as much of the name as leaves room for it.
 HANDLE CreateBeside(const std::string& path, std::string* name) {
+  constexpr size_t kMostCharacters = 255 - 7;
+  std::wstring wide = WideOf(path);
+  const size_t folder = wide.find_last_of(L"\\/:") + 1;   // 0 where there is none
+  if (wide.size() > folder + kMostCharacters) wide.resize(folder + kMostCharacters);
+  const std::string start = NarrowOf(wide.c_str());
   uint32_t number = GetTickCount() ^ GetCurrentProcessId() << 16;
   for (int attempt = 0; attempt < kMostAttempts; ++attempt, number = number * 1664525 + 1013904223) {
-    *name = path + "." + std::to_string(100000 + number % 900000);
+    *name = start + "." + std::to_string(100000 + number % 900000);
     const HANDLE file = CreateFileW(WidePathOf(*name).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return file;
@@ -67,7 +72,9 @@ bool NewFile::Create(const std::string& path, std::string* message) {
     return *message = path + ": " + ErrorText(ERROR_ACCESS_DENIED), false;
   }
   direct_ = IsDevice(WidePathOf(path));
-  replaces_ = there && !direct_;
+  WIN32_FILE_ATTRIBUTE_DATA present{};
+  replaces_ = there && !direct_ && GetFileAttributesExW(WidePathOf(path).c_str(), GetFileExInfoStandard, &present) &&
+              (present.nFileSizeLow != 0 || present.nFileSizeHigh != 0);
   path_ = there && !direct_ ? ResolveLink(path) : path;
   const HANDLE file = direct_ ? OpenDevice(WidePathOf(path_)) : CreateBeside(path_, &temporary_);
   if (file != INVALID_HANDLE_VALUE) {
