@@ -127,7 +127,6 @@ bool TellsTrouble(std::string_view summary) {
 }  // namespace
 
 const char* ProtocolNameOf(const PacketState& packet, char* scratch) {
-  constexpr uint32_t kIPv6Kind = 2;
   const ReachedLayer& reached = packet.reached;
   const bool isSix = packet.source.kind == kIPv6Kind;
   switch (reached.table) {

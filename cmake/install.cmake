@@ -68,7 +68,8 @@ endif()
 
 # ---- The program ----
 install(TARGETS qxview RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
-install(FILES README.md CHANGELOG.md docs/settings.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program)
+install(FILES README.md CHANGELOG.md docs/reading-the-output.md docs/settings.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT program)
 if(NOT WIN32)
   install(FILES docs/qxview.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
   install(FILES completions/qxview.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME qxview

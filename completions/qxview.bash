@@ -1,21 +1,79 @@
 # bash completion for qxview
-_qxview() {
-  local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD-1]} command=${COMP_WORDS[1]} options
-  local commands="decode find list print protocols save xml"
+_qxview_settings="AliasFile CharacterSet CleanText CustomLibrary0 CustomLibrary1 CustomLibrary2 CustomLibrary3
+  CustomLibrary4 CustomLibrary5 CustomLibrary6 CustomLibrary7 DetectionFlags DetectionFlags2 DynamicDetection
+  Expand2ndLevel Expand3rdLevel Expand4thLevel ExternalDecoder ExternalDecoderPort ForcedDecoding ForcedProtocolChoice
+  ForcedSkipBytes ForcedStartProtocol MibModules MibPath RangeFilterLength RangeFilterOn RangeFilterStart
+  TdsDetectionOff TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 TypeOfServiceFieldName2
+  TypeOfServiceFieldName3 TypeOfServiceFieldName4 TypeOfServiceFieldName5 TypeOfServiceFieldName6
+  TypeOfServiceFieldName7 TypeOfServiceMode"
+
+# The lines of "$1" that start with "$2", case ignored, as words of a command line.
+_qxview_lines() {
+  local line
   COMPREPLY=()
-  # bash takes --color=auto apart at the sign.
-  if [[ $cur == = ]]; then prev=${COMP_WORDS[COMP_CWORD-1]} cur=
-  elif [[ $prev == = ]]; then prev=${COMP_WORDS[COMP_CWORD-2]}; fi
+  while IFS= read -r line; do
+    [[ ${line,,} == "${2,,}"* ]] && COMPREPLY+=("$(printf %q "$line")")
+  done <<< "$1"
+}
+
+_qxview_values() {   # OPTION, what is typed of its value
+  local option=$1 cur=$2
+  case $option in
+    --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur") ;;
+    -t) mapfile -t COMPREPLY < <(compgen -W "r d a u" -- "$cur") ;;
+    --settings | -o) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
+    --format)
+      case ${COMP_WORDS[1]} in
+        protocols) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
+        *) mapfile -t COMPREPLY < <(compgen -W "tree text json" -- "$cur") ;;
+      esac ;;
+    --set)
+      case $cur in
+        AliasFile=* | CustomLibrary?=* | ExternalDecoder=* | MibPath=*)
+          mapfile -t COMPREPLY < <(compgen -f -- "${cur#*=}") ;;
+        *=*) ;;
+        *)
+          mapfile -t COMPREPLY < <(compgen -S = -W "$_qxview_settings" -- "$cur")
+          compopt -o nospace 2>/dev/null ;;
+      esac ;;
+    -d | --decode-as)
+      case $cur in
+        *=*) _qxview_lines "$(qxview protocols 2>/dev/null | sed 's/^0x[0-9A-F]*  //; s/   *.*//'; echo none)" "${cur##*=}" ;;
+        *:*) ;;
+        *)
+          mapfile -t COMPREPLY < <(compgen -W "tcp: udp:" -- "$cur")
+          compopt -o nospace 2>/dev/null ;;
+      esac ;;
+    *) return 1 ;;
+  esac
+  return 0
+}
+
+_qxview() {
+  local command=${COMP_WORDS[1]} options
+  local commands="decode find help list print protocols save xml"
+  COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "$cur")
+    mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "${COMP_WORDS[1]}")
     return
   fi
-  case $prev in
-    --format) mapfile -t COMPREPLY < <(compgen -W "tree text json" -- "$cur"); return ;;
-    --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur"); return ;;
-    -t) mapfile -t COMPREPLY < <(compgen -W "r d a u" -- "$cur"); return ;;
-    --settings | -o) mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
-    --packets | -c | --count | -f | --filter | -d | --decode-as | --set | --partial | --name) return ;;
+  # bash takes --color=auto and tcp:80=HTTP apart at the signs: back together.
+  local at=$COMP_CWORD
+  local cur=${COMP_WORDS[at]}
+  while [[ $at -gt 2 ]] && [[ ${COMP_WORDS[at]} == [:=]* || ${COMP_WORDS[at - 1]} == *[:=] ]]; do
+    at=$((at - 1)) cur=${COMP_WORDS[at]}$cur
+  done
+  if [[ $command == help ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$commands" -- "$cur")
+    return
+  fi
+  if [[ $cur == --*=* ]]; then
+    _qxview_values "${cur%%=*}" "${cur#*=}"
+    return
+  fi
+  _qxview_values "${COMP_WORDS[at - 1]}" "$cur" && return
+  case ${COMP_WORDS[at - 1]} in
+    --packets | -c | --count | -f | --filter | --partial | --name) return ;;
   esac
   if [[ $cur != -* || $cur == - ]]; then
     mapfile -t COMPREPLY < <(compgen -f -- "$cur")
@@ -27,8 +85,9 @@ _qxview() {
   case $command in
     decode) options+=" --format --ranges --keys -x" ;;
     find) options+=" --backward" ;;
-    list) options+=" -t" ;;
+    list) options+=" -t --wide" ;;
     print) options+=" -o" ;;
+    protocols) options+=" --format" ;;
     save) options+=" --append --partial --name" ;;
   esac
   mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$options" -- "$cur")

@@ -1,19 +1,44 @@
 # fish completion for qxview
+function __qxview_settings
+  string join \n -- \
+      AliasFile CharacterSet CleanText CustomLibrary0 CustomLibrary1 CustomLibrary2 CustomLibrary3 CustomLibrary4 \
+      CustomLibrary5 CustomLibrary6 CustomLibrary7 DetectionFlags DetectionFlags2 DynamicDetection Expand2ndLevel \
+      Expand3rdLevel Expand4thLevel ExternalDecoder ExternalDecoderPort ForcedDecoding ForcedProtocolChoice \
+      ForcedSkipBytes ForcedStartProtocol MibModules MibPath RangeFilterLength RangeFilterOn RangeFilterStart \
+      TdsDetectionOff TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 \
+      TypeOfServiceFieldName2 TypeOfServiceFieldName3 TypeOfServiceFieldName4 TypeOfServiceFieldName5 \
+      TypeOfServiceFieldName6 TypeOfServiceFieldName7 TypeOfServiceMode | string replace -r '$' '='
+end
+# The protocols behind what is typed of TRANSPORT:[ADDRESS:]PORT=
+function __qxview_definitions
+  set -l typed (commandline -ct | string replace -r '^-d' '')
+  if string match -q '*=*' -- $typed
+    set -l start (string replace -r '=[^=]*$' '=' -- $typed)
+    begin
+      qxview protocols 2>/dev/null | string replace -r '^0x[0-9A-F]+  ' '' | string replace -r '   *.*' ''
+      echo none
+    end | string replace -r '^' -- $start
+  else
+    string join \n tcp: udp:
+  end
+end
 set -l reading decode find list print save xml
-set -l all $reading protocols
+set -l all $reading protocols help
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l help -d 'the commands'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l version -d 'the version'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a decode -d 'the decode tree of every packet'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a find -d 'the first packet and line holding a text'
+complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a help -d 'the commands, or the options of one'
+complete -c qxview -f -n '__fish_seen_subcommand_from help' -a "$reading protocols"
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a list -d 'one line a packet'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a print -d 'the lines as the print mode writes them'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a protocols -d 'the built-in decoders'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a save -d 'packets to a capture buffer file'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a xml -d 'packets as an XML document'
 complete -c qxview -n "__fish_seen_subcommand_from $all" -l help -d 'help with examples'
-complete -c qxview -n "__fish_seen_subcommand_from $all" -s d -l decode-as -x -d 'a protocol definition'
+complete -c qxview -n "__fish_seen_subcommand_from $all" -s d -l decode-as -x -a '(__qxview_definitions)' -d 'a protocol definition'
 complete -c qxview -n "__fish_seen_subcommand_from $all" -l settings -r -d 'settings file'
-complete -c qxview -n "__fish_seen_subcommand_from $reading" -l set -x -d 'one setting, NAME=VALUE'
+complete -c qxview -n "__fish_seen_subcommand_from $reading" -l set -x -a '(__qxview_settings)' -d 'one setting, NAME=VALUE'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l packets -x -d 'packet numbers from 1'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -s c -l count -x -d 'stop after N packets'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -s f -l filter -x -d 'only packets that match a BPF expression'
@@ -25,6 +50,8 @@ complete -c qxview -n '__fish_seen_subcommand_from decode' -l keys -d 'keys and 
 complete -c qxview -n '__fish_seen_subcommand_from decode' -s x -d 'the bytes of each frame'
 complete -c qxview -n '__fish_seen_subcommand_from find' -l backward -d 'the last match'
 complete -c qxview -n '__fish_seen_subcommand_from list' -s t -x -a 'r d a u' -d 'times'
+complete -c qxview -n '__fish_seen_subcommand_from list' -l wide -d 'not cut to the terminal'
+complete -c qxview -n '__fish_seen_subcommand_from protocols' -l format -x -a 'text json' -d 'output format'
 complete -c qxview -n '__fish_seen_subcommand_from print' -s o -r -d 'output file'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l append -d 'add to an existing file'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l partial -x -d 'cut packets to this many bytes'

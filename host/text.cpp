@@ -1,7 +1,10 @@
 #include "host/text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
+
+#include "core/characters.h"
 
 namespace qxview {
 
@@ -22,23 +25,11 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
 }
 
 bool TakeCharacter(std::string_view text, size_t* at, uint32_t* point) {
-  const auto byteAt = [&](size_t i) { return i < text.size() ? static_cast<uint8_t>(text[i]) : uint8_t{0}; };
-  const uint8_t lead = byteAt((*at)++);
-  *point = lead;
-  if (lead < 0x80) return true;
-  const int32_t more = lead < 0xC2 || lead > 0xF4 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-  if (more == 0) return false;
-  uint32_t joined = lead & (0x3Fu >> more);
-  for (int32_t i = 0; i < more; ++i) {
-    const uint8_t next = byteAt(*at + static_cast<size_t>(i));
-    if ((next & 0xC0) != 0x80) return false;
-    joined = joined << 6 | (next & 0x3F);
-  }
-  constexpr uint32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
-  if (joined < kLeast[more] || joined > 0x10FFFF || (joined >= 0xD800 && joined < 0xE000)) return false;
-  *at += static_cast<size_t>(more);
-  *point = joined;
-  return true;
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data()) + *at;
+  const Utf8Character taken = Utf8At(bytes, static_cast<int32_t>(std::min<size_t>(text.size() - *at, 4)));
+  *point = taken.octets ? taken.code : bytes[0];
+  *at += taken.octets ? static_cast<size_t>(taken.octets) : 1;
+  return taken.octets != 0;
 }
 
 namespace {

@@ -9,7 +9,7 @@ namespace qxview {
 std::string Trim(std::string_view text);
 bool EqualsIgnoringCase(std::string_view a, std::string_view b);
 
-// Takes the UTF-8 character at *at and moves behind it; false with its byte, one byte on, where there is none.
+// Takes the UTF-8 character at *at, inside the text, and moves behind it; false with its byte, one byte on, where there is none.
 bool TakeCharacter(std::string_view text, size_t* at, uint32_t* point);
 
 // A value for a message: in quotation marks, controls and bytes that are no UTF-8 as \xNN, cut when it is long.

@@ -24,7 +24,7 @@ def help_of(*command):
 
 class InstalledFiles(unittest.TestCase):
     def test_commands_and_options_are_named_everywhere(self):
-        listed = help_of().split("Subcommands:")[-1].split("Every command")[0]
+        listed = help_of()
         found = re.findall(r"^  (\w+) ", listed, re.M)
         self.assertTrue(set(COMMANDS) <= set(found), listed)
         options = {option for command in found for option in re.findall(r"(?<![\w-])--([a-z-]+)", help_of(command))}
@@ -35,11 +35,24 @@ class InstalledFiles(unittest.TestCase):
             for option in options:
                 self.assertRegex(text, rf"(--|-l ){option}\b", path)
 
+    def test_settings_are_named_everywhere(self):
+        names = re.findall(r"`([A-Z]\w+)`", "\n".join(re.findall(r"^\| (`.*?) \|", read("docs/settings.md"), re.M)))
+        self.assertGreater(len(names), 25)
+        for path in TEXTS:
+            for name in names:
+                self.assertIn(name, read(path), path)
+        for name in names:
+            done = subprocess.run([QXVIEW, "decode", "--set", name + "=", os.path.join(ROOT, "samples/vlan.pcap")],
+                                  capture_output=True, check=False)
+            self.assertEqual(done.returncode, 0, name)
+
     def complete(self, *words):
         script = (f". {ROOT}/completions/qxview.bash; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _qxview; "
                   "printf '%s\\n' \"${COMPREPLY[@]}\"")
         return subprocess.run(["bash", "-c", script, "bash", *words], capture_output=True, text=True, check=True,
-                              cwd=os.path.join(ROOT, "samples")).stdout.split()
+                              cwd=os.path.join(ROOT, "samples"),
+                              env={**os.environ, "PATH": os.path.dirname(QXVIEW) + ":" + os.environ["PATH"]}
+                              ).stdout.splitlines()
 
     def test_bash_completes(self):
         self.assertEqual(self.complete("qxview", "pr"), ["print", "protocols"])
@@ -47,7 +60,10 @@ class InstalledFiles(unittest.TestCase):
         self.assertEqual(self.complete("qxview", "decode", "--color", "=", "n"), ["never"])
         self.assertEqual(self.complete("qxview", "save", "--a"), ["--append"])
         self.assertEqual(self.complete("qxview", "xml", "vl"), ["vlan.pcap"])
-        self.assertEqual(self.complete("qxview", "protocols", "--p"), [])
+        self.assertEqual(self.complete("qxview", "protocols", "--p"), [""])
+        self.assertEqual(self.complete("qxview", "find", "--set", "Ali"), ["AliasFile="])
+        self.assertEqual(self.complete("qxview", "find", "--set", "AliasFile", "=", "vl"), ["vlan.pcap"])
+        self.assertEqual(self.complete("qxview", "list", "-d", "tcp", ":", "80", "=", "ftp"), ["FTP", "FTP\\ Data"])
 
     @unittest.skipUnless(shutil.which("man"), "no man")
     def test_the_man_page_is_well_formed(self):

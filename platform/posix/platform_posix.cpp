@@ -93,7 +93,8 @@ int64_t LocalOffset(int64_t utcSeconds) {
 LibraryLoader PlatformLibraryLoader() {
   return {[](const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); },
           [](void* library, const char* name) { return dlsym(library, name); },
-          [](void* library) { dlclose(library); }, "/"};
+          [](void* library) { dlclose(library); },
+          [](const char* name) { return std::strchr(name, '/') != nullptr; }};
 }
 
 std::string LibraryFailure() {

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <cstring>
 
 #include "platform/platform.h"
 #include "platform/win32/wide_text.h"
@@ -100,7 +101,9 @@ bool FileInformation(const std::string& path, BY_HANDLE_FILE_INFORMATION* out) {
 }  // namespace
 
 LibraryLoader PlatformLibraryLoader() {
-  return {LoadOne, FindEntry, [](void* library) { FreeLibrary(static_cast<HMODULE>(library)); }, "/\\:"};
+  // With backslashes alone a relative path is below the program's directory, as registries have had it.
+  return {LoadOne, FindEntry, [](void* library) { FreeLibrary(static_cast<HMODULE>(library)); },
+          [](const char* name) { return name[0] == '\\' || std::strpbrk(name, "/:") != nullptr; }};
 }
 
 std::string LibraryFailure() { return libraryError ? ErrorText(libraryError) : ""; }
