@@ -108,7 +108,7 @@ void Bindings(benchmark::State& state, const QxHost* host, const std::vector<uin
   for (auto _ : state) {
     ClearDecodeTree(&bench.view, &bench.tree, true);
     bench.view.context->packet.linesLeft = kMostLines;
-    DecodeSnmp(TopLevel(&bench.view, 2), payload.data(), 42, static_cast<int32_t>(payload.size()));
+    DecodeSnmpPayload(TopLevel(&bench.view, 2), MakeCursor(payload.data(), 42, static_cast<int32_t>(payload.size())));
   }
   state.counters["ns/line"] =
       benchmark::Counter(static_cast<double>(state.iterations()) * bench.tree.LineCount(),

@@ -223,11 +223,12 @@ TEST(Ldap, ValuesOfAttributes) {
   const Bytes names = Hex("04746573740473697465 00 C018 026463 C018 02") + TextBytes("NB") + Hex("00 00 00 C01D C01D") +
                       Hex("10 0200 0185 C0000202 0000000000000000 05000000 FFFF FFFF");
   const std::string answer = valueOf("Netlogon", Hex("1700 0000 FD030000 00112233445566778899AABBCCDDEEFF") + names);
-  ExpectInOrder(answer, {"Opcode: [23] = Logon Response (Extended)\n", "Flags: 0x000003FD\n",
-                         "Domain GUID: 33221100-5544-7766-8899-aabbccddeeff\n", "Forest: test.site\n",
-                         "Domain: test.site\n", "Host: dc.test.site\n", "NetBIOS Domain: NB\n",
-                         "NetBIOS Host: <NULL>\n", "User: <NULL>\n", "Server Site: site\n", "Client Site: site\n", "Port: 389\n",
-                         "Server Address: 192.0.2.2\n", "NT Version: 0x00000005\n", "LM20 Token: 0xFFFF\n"});
+  ExpectInOrder(answer, {"Command: [23] = SAM Logon Response EX\n", "Flags: 0x000003FD\n",
+                         "Domain GUID: {33221100-5544-7766-8899-AABBCCDDEEFF}\n", "DNS Forest Name: test.site\n",
+                         "DNS Domain Name: test.site\n", "DNS Host Name: dc.test.site\n", "NetBIOS Domain Name: NB\n",
+                         "NetBIOS Computer Name: <null string>\n", "User Name: <null string>\n",
+                         "DC Site Name: site\n", "Client Site Name: site\n", "Port: 389\n",
+                         "DC IP Address: 192.0.2.2\n", "NT Version: 0x00000005\n", "LM 2.0 Token: 0xFFFF\n"});
 }
 
 TEST(Ldap, SegmentsOfAStream) {

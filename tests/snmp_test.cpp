@@ -166,7 +166,8 @@ TEST(Snmp, WhatIsNotSnmp) {
   EXPECT_EQ(ResultOf(Hex("30 04 02 02 0001")), 0) << "a version of two octets";
   EXPECT_EQ(ResultOf(Hex("31 03 02 01 00")), 0);
   EXPECT_EQ(ResultOf(Hex("30 03 02 01 02")), 0) << "version 2 was another protocol";
-  EXPECT_EQ(PeekSnmpVersion(Hex("30 84 00000010 02 01 01").data(), 9), 1);
+  const Bytes second = Hex("30 84 00000010 02 01 01");
+  EXPECT_EQ(PeekSnmpVersion(MakeCursor(second.data(), 0, 9)), 1);
   EXPECT_EQ(Tree(Hex("30 03 02 01 02")), "");
 
   const Bytes odd = Message("00", Wrap(0xA9, Hex("02 01 01")));

@@ -7,8 +7,8 @@ namespace {
 constexpr int32_t kLongestLine = 80;   // longer contents are dumped
 
 bool IsPrintable(const Field& contents) {
-  for (int32_t i = 0; i < contents.length; ++i) {
-    const uint8_t octet = contents.bytes[i];
+  for (Cursor c = CursorOver(contents); Left(c) > 0;) {
+    const uint32_t octet = TakeU8(c).value;
     if ((octet < 0x20 || octet > 0x7E) && octet != '\r' && octet != '\n') return false;
   }
   return true;

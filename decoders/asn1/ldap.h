@@ -91,9 +91,6 @@ void ShowExtensionValue(BerWalk& walk, const Place& in, Cursor& c, uint32_t tag,
                         const LdapValue& value);
 void ShowControls(BerWalk& walk, const Place& in, Cursor& c);
 
-// The value of the attribute that a domain controller answers a UDP search with: which one it is and of what domain.
-void ShowNetlogon(BerWalk& walk, const Place& in, Cursor& c, const char* title);
-
 // A whole payload: messages, SASL buffers, the middle of a message. Result: 1; 0 for bytes that are none of them; 2
 // when the last message goes on behind the payload.
 int32_t DecodeLdap(const Place& at, Cursor c);

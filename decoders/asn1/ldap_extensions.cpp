@@ -3,7 +3,7 @@
 
 #include "decoders/asn1/ldap.h"
 #include "decoders/asn1/ldap_names.h"
-#include "decoders/asn1/ldap_text.h"
+#include "decoders/common/line_text.h"
 
 namespace qxview {
 namespace {
@@ -29,7 +29,7 @@ constexpr BerRow kSortKeyFields[] = {
     {kString, "Attribute", &kLdapText}, {0x80, "Ordering Rule", &kLdapText}, {0x81, "Reverse Order", &kLdapFlag}};
 void DescribeSortKey(const Cursor& contents, char* out, int32_t size) {
   constexpr uint32_t kReverse = 0x81;
-  LdapText text(out, size);
+  LineText text(out, size);
   Cursor c = contents;
   for (BerElement part = TakeBer(c); part.here; part = TakeBer(c)) {
     if (!text.IsEmpty()) text.Put(", ");
@@ -277,7 +277,7 @@ const char* LdapExtensionName(const Cursor& oid) {
 }
 
 void DescribeExtension(const Cursor& contents, char* out, int32_t size) {
-  LdapText text(out, size);
+  LineText text(out, size);
   text.PutValue(contents);
   if (const char* name = LdapExtensionName(contents)) {
     text.Put(" = ");

@@ -1,6 +1,6 @@
 // Search filters (RFC 4511 4.5.1.7): as text (RFC 4515) and as lines. Both walk the nesting with a stack of their own.
 #include "decoders/asn1/ldap.h"
-#include "decoders/asn1/ldap_text.h"
+#include "decoders/common/line_text.h"
 
 namespace qxview {
 namespace {
@@ -13,13 +13,13 @@ constexpr const char* kEscaped = "*()\\";
 
 // --- as text ---
 
-void PutAssertion(LdapText& text, Cursor c, const char* operation) {
+void PutAssertion(LineText& text, Cursor c, const char* operation) {
   text.PutCharacters(TakeBer(c).contents, kEscaped);
   text.Put(operation);
   text.PutCharacters(PeekBer(c).contents, kEscaped);
 }
 
-void PutSubstrings(LdapText& text, Cursor c) {
+void PutSubstrings(LineText& text, Cursor c) {
   constexpr uint32_t kInitial = 0x80, kFinal = 0x82;
   text.PutCharacters(TakeBer(c).contents, kEscaped);
   text.Put("=");
@@ -36,7 +36,7 @@ void PutSubstrings(LdapText& text, Cursor c) {
 }
 
 // "cn:dn:2.4.6.8.10:=value"
-void PutExtensible(LdapText& text, Cursor c) {
+void PutExtensible(LineText& text, Cursor c) {
   constexpr uint32_t kRule = 0x81, kType = 0x82, kValue = 0x83, kAttributes = 0x84;
   constexpr int32_t kMostParts = 4;   // the filters around it are written with it again
   BerElement parts[kMostParts]{};
@@ -53,7 +53,7 @@ void PutExtensible(LdapText& text, Cursor c) {
 }
 
 // A filter that holds no filters.
-void PutItem(LdapText& text, const BerElement& item) {
+void PutItem(LineText& text, const BerElement& item) {
   switch (item.identifier) {
     case kEqual: return PutAssertion(text, item.contents, "=");
     case kGreaterOrEqual: return PutAssertion(text, item.contents, ">=");
@@ -137,7 +137,7 @@ bool ShowOne(BerWalk& walk, const Place& in, Cursor& c, const char* title, OpenF
 }  // namespace
 
 void DescribeFilter(const Cursor& filter, char* out, int32_t size) {
-  LdapText text(out, size);
+  LineText text(out, size);
   struct Open {
     Cursor c;
     bool isClosed;   // by a parenthesis, once its filters are written

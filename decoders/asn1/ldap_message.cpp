@@ -1,7 +1,7 @@
 // Messages: the line that sums one up, its envelope.
 #include "decoders/asn1/ldap.h"
 #include "decoders/asn1/ldap_names.h"
-#include "decoders/asn1/ldap_text.h"
+#include "decoders/common/line_text.h"
 
 namespace qxview {
 namespace {
@@ -9,14 +9,14 @@ namespace {
 constexpr int32_t kDeepestBase = 2;   // the deepest lines of a control's value still have an image
 
 // ", " and the next element's text; nothing for an empty or missing one.
-void AddNext(LdapText& text, Cursor& c) {
+void AddNext(LineText& text, Cursor& c) {
   const BerElement element = TakeBer(c);
   if (Left(element.contents) < 1) return;
   text.Put(", ");
   text.PutValue(element.contents);
 }
 
-void SummarizeBind(LdapText& text, Cursor c) {
+void SummarizeBind(LineText& text, Cursor c) {
   text.PutFormat(", Version %u", BerNumber(TakeBer(c).contents));
   const bool isNamed = Left(PeekBer(c).contents) > 0;
   AddNext(text, c);
@@ -34,7 +34,7 @@ void SummarizeBind(LdapText& text, Cursor c) {
   }
 }
 
-void SummarizeSearch(LdapText& text, Cursor c) {
+void SummarizeSearch(LineText& text, Cursor c) {
   const BerElement base = TakeBer(c), scope = TakeBer(c);
   if (!base.here || !scope.here) return;
   text.Put(", ");
@@ -53,7 +53,7 @@ void SummarizeSearch(LdapText& text, Cursor c) {
   text.Put(shown);
 }
 
-void SummarizeResult(LdapText& text, Cursor c) {
+void SummarizeResult(LineText& text, Cursor c) {
   const BerElement code = TakeBer(c);
   if (!code.here) return;
   text.PutFormat(", %s", LdapResultName(BerNumber(code.contents)));
@@ -61,7 +61,7 @@ void SummarizeResult(LdapText& text, Cursor c) {
   AddNext(text, c);
 }
 
-void SummarizeExtension(LdapText& text, Cursor c, uint32_t nameIdentifier) {
+void SummarizeExtension(LineText& text, Cursor c, uint32_t nameIdentifier) {
   while (Left(c) > 0) {
     const BerElement element = TakeBer(c);
     if (!element.here) return;
@@ -72,7 +72,7 @@ void SummarizeExtension(LdapText& text, Cursor c, uint32_t nameIdentifier) {
   }
 }
 
-void SummarizeAssertion(LdapText& text, const BerElement& assertion) {
+void SummarizeAssertion(LineText& text, const BerElement& assertion) {
   if (!assertion.here) return;
   char shown[kLdapTextSize];
   DescribeAssertion(assertion.contents, shown, sizeof shown);
@@ -80,7 +80,7 @@ void SummarizeAssertion(LdapText& text, const BerElement& assertion) {
   text.Put(shown);
 }
 
-void SummarizeOperation(LdapText& text, const BerElement& operation) {
+void SummarizeOperation(LineText& text, const BerElement& operation) {
   Cursor c = operation.contents;
   switch (operation.identifier) {
     case kLdapUnbind: return;
@@ -126,7 +126,7 @@ bool StartsMessage(const Cursor& c, BerElement& message) {
 }
 
 void DescribeMessage(const BerElement& message, char* out, int32_t size) {
-  LdapText text(out, size);
+  LineText text(out, size);
   Cursor c = message.contents;
   const BerElement id = TakeBer(c);
   text.Put(LookupName(kLdapOperationNames, PeekU8(c)));

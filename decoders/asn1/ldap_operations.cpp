@@ -1,6 +1,7 @@
 // The operations' fields (RFC 4511 4.2 to 4.13).
 #include "decoders/asn1/ldap.h"
 #include "decoders/asn1/ldap_names.h"
+#include "decoders/common/logon_response.h"
 
 namespace qxview {
 namespace {
@@ -17,6 +18,15 @@ bool NameIs(const Cursor& name, const char* wanted) {
     if ((PeekU8(name, i) | 0x20) != static_cast<uint32_t>(wanted[i] | 0x20)) return false;
   }
   return !wanted[i] && i == Left(name);
+}
+
+// The value of the attribute that a domain controller answers a UDP search with: which one it is and of what domain.
+void ShowNetlogon(BerWalk&, const Place& in, Cursor& c, const char*) {
+  const uint32_t command = PeekLittleU16(c);
+  if (command != kExtendedResponse && command != kExtendedUnknownUser) return;
+  const Field field = TakeU16(c);
+  AddLine(in, field, "Command: [%u] = %s", command, LogonCommandName(command));
+  if (AddLogonResponse(in, c)) AddLogonVersions(in, c);
 }
 
 constexpr BerType kGuid = TextBy(DescribeGuid), kSid = TextBy(DescribeSid),

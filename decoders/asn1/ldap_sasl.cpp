@@ -7,7 +7,6 @@
 //
 // Where the layer signs and does not encrypt the data are messages.
 #include "decoders/asn1/ldap.h"
-#include "decoders/asn1/ldap_text.h"
 
 namespace qxview {
 namespace {

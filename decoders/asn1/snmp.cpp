@@ -87,8 +87,7 @@ int32_t StepRows(SnmpWalk& walk, std::span<const BerRow> rows) {
   return status;
 }
 
-int32_t PeekSnmpVersion(const uint8_t* data, int32_t length) {
-  Cursor c = MakeCursor(data, 0, length);
+int32_t PeekSnmpVersion(Cursor c) {
   if (TakeU8(c).value != kAsnSequence) return -1;
   if (!TakeBerLength(c).here) return -1;
   const Field version = TakeU24(c);
@@ -118,16 +117,13 @@ int32_t DecodeSnmpMessage(const Place& at, Cursor c) {
   return DecodeSnmpPdu(walk);
 }
 
-int32_t DecodeSnmp(const Place& at, const uint8_t* data, int32_t frameOffset, int32_t length) {
-  const Cursor c = MakeCursor(data, frameOffset, length);
-  switch (PeekSnmpVersion(data, length)) {
+int32_t DecodeSnmpPayload(const Place& at, Cursor c) {
+  switch (PeekSnmpVersion(c)) {
     case 0:
     case 1: return DecodeSnmpMessage(at, c);
     case 3: return DecodeSnmpV3Message(at, c);
     default: return 0;
   }
 }
-
-int32_t DecodeSnmpPayload(const Place& at, Cursor c) { return DecodeSnmp(at, c.at, c.offset, Left(c)); }
 
 }  // namespace qxview

@@ -22,10 +22,10 @@ struct SnmpWalk {
 
 // Decodes a payload. Result: 1; 0 for bytes that are not SNMP and for messages that go wrong in their structure, with
 // the lines so far; 2 for messages that are cut.
-int32_t DecodeSnmp(const Place& at, const uint8_t* data, int32_t frameOffset, int32_t length);
+int32_t DecodeSnmpPayload(const Place& at, Cursor c);
 
 // The version octet, or -1 when the payload does not start as a message does: 0x30, a length, a version of one octet.
-int32_t PeekSnmpVersion(const uint8_t* data, int32_t length);
+int32_t PeekSnmpVersion(Cursor c);
 
 int32_t DecodeSnmpMessage(const Place& at, Cursor c);     // versions 1 and 2c
 int32_t DecodeSnmpV3Message(const Place& at, Cursor c);

@@ -6,6 +6,7 @@
 //   0  type   1  code   2  checksum   4  by type
 //   errors:   4  pointer or unused   5  length of the quote in words   6  next hop's MTU or unused   8  the quote
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 #include "decoders/net/icmp_extensions.h"
 #include "decoders/net/icmp_names.h"
 #include "decoders/net/icmp_router.h"
@@ -31,15 +32,10 @@ struct Message {
 
 void AddChecksum(const Place& in, const Field& checksum, const uint8_t* bytes, int32_t length) {
   const NetworkState& network = PacketOf(in).network;
-  if (network.fragmented) {
-    AddLine(in, checksum, "Checksum: 0x%.04X (Not Checked - More Fragments)", checksum.value);
-  } else if (network.totalLength > length) {
-    AddLine(in, checksum, "Checksum: 0x%.04X (Not Checked - Partial Capture)", checksum.value);
-  } else if (const uint32_t sum = SumWords(0, bytes, length); sum == 0xFFFF) {
-    AddLine(in, checksum, "Checksum: 0x%.04X (Good)", checksum.value);
-  } else {
-    AddLine(in, checksum, "Checksum: 0x%.04X (BAD should be 0x%.04X)", checksum.value,
-            RightChecksum(sum, checksum.value));
+  const char* unchecked = network.fragmented              ? "Not Checked - More Fragments"
+                          : network.totalLength > length ? "Not Checked - Partial Capture"
+                                                         : nullptr;
+  if (!AddChecksumLine(in, checksum, "Checksum:", unchecked, SumWords(0, bytes, length), BadChecksum::kWithRight)) {
     AppendToParent(in, checksum, " (Bad Checksum)");
   }
 }

@@ -6,6 +6,7 @@
 #include "decoders/net/icmp_extensions.h"
 
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 
 namespace qxview {
 namespace {
@@ -146,9 +147,8 @@ void DecodeIcmpExtensions(const Place& in, Cursor c) {
   AddBitLine(under, head, "%s: Version = %u", version.picture, version.value);
   AddBitLine(under, head, "%s: Reserved", reserved.picture);
   const Field checksum = TakeU16(c);
-  const bool good = SumWords(0, whole.bytes, whole.length) == 0xFFFF;
-  AddLine(under, checksum, "Checksum: 0x%.04X (%s)", checksum.value,
-          checksum.value == 0 ? "Not Present" : good ? "Good" : "BAD");
+  AddChecksumLine(under, checksum, "Checksum:", checksum.value == 0 ? "Not Present" : nullptr,
+                  SumWords(0, whole.bytes, whole.length), BadChecksum::kAlone);
   if (version.value != kVersion) {
     AddBlock(under, Rest(c), "Extension Data");
     return;

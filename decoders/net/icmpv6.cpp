@@ -7,6 +7,7 @@
 #include "decoders/net/icmpv6.h"
 
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 #include "decoders/net/icmp_extensions.h"
 #include "decoders/net/quoted.h"
 
@@ -184,13 +185,8 @@ void ShowChecksum(const Place& in, Cursor& c, const Cursor& whole) {
   const NetworkState& network = PacketOf(in).network;
   const Field checksum = TakeU16(c);
   const uint32_t sum = SumWords(network.pseudoHead, whole.at, Left(whole));
-  if (network.totalLength > Left(whole)) {
-    AddLine(in, checksum, "Checksum: 0x%.04X (Not Checked - Partial Capture)", checksum.value);
-  } else if (sum == 0xFFFF) {
-    AddLine(in, checksum, "Checksum: 0x%.04X (Good)", checksum.value);
-  } else {
-    AddLine(in, checksum, "Checksum: 0x%.04X (BAD should be 0x%.04X)", checksum.value,
-            RightChecksum(sum, checksum.value));
+  const char* unchecked = network.totalLength > Left(whole) ? "Not Checked - Partial Capture" : nullptr;
+  if (!AddChecksumLine(in, checksum, "Checksum:", unchecked, sum, BadChecksum::kWithRight)) {
     AppendToParent(in, checksum, " (Bad Checksum)");
   }
 }

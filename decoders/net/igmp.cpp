@@ -8,6 +8,7 @@
 // Multicast router discovery (RFC 4286) and the messages of older routing protocols use further types.
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 
 namespace qxview {
 namespace {
@@ -88,9 +89,8 @@ void DecodeReport(const Place& in, Cursor& c) {
 void AddChecksum(const Place& in, const Field& checksum, const uint8_t* bytes, int32_t length) {
   const NetworkState& network = PacketOf(in).network;
   const bool partial = network.fragmented || network.totalLength > length;
-  const bool good = SumWords(0, bytes, length) == 0xFFFF;
-  AddLine(in, checksum, "Checksum: 0x%.04X (%s)", checksum.value,
-          partial ? "Not Checked - Partial Capture" : good ? "Good" : "BAD");
+  AddChecksumLine(in, checksum, "Checksum:", partial ? "Not Checked - Partial Capture" : nullptr,
+                  SumWords(0, bytes, length), BadChecksum::kAlone);
 }
 
 void AddResponseTime(const Place& in, const Field& time, uint32_t type, bool version3) {

@@ -9,6 +9,7 @@
 
 #include "core/custom_libraries.h"
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 #include "decoders/net/ah.h"
 #include "decoders/net/ip_protocol_names.h"
 #include "decoders/net/ipv4_parts.h"
@@ -98,10 +99,8 @@ void AddFragment(const Place& in, const Field& fragment) {
 
 // Whether the header's own words agree with its checksum; none counts as agreement.
 bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
-  const bool good = SumWords(0, header.bytes, header.length) == 0xFFFF;
-  AddLine(in, checksum, "Header checksum: 0x%.04X (%s)", checksum.value,
-          checksum.value == 0 ? "Not Present" : good ? "Good" : "BAD");
-  return good || checksum.value == 0;
+  return AddChecksumLine(in, checksum, "Header checksum:", checksum.value == 0 ? "Not Present" : nullptr,
+                         SumWords(0, header.bytes, header.length), BadChecksum::kAlone);
 }
 
 [[gnu::noinline]] LineHandle AddTopLine(const Place& at, const Cursor& c, const Header& header) {

@@ -45,7 +45,7 @@ struct Carried {
   const char* title;
 };
 
-int32_t DecodeIpxSnmp(const Place& at, Cursor c) { return DecodeSnmp(at, c.at, c.offset, Left(c)); }
+int32_t DecodeIpxSnmp(const Place& at, Cursor c) { return DecodeSnmpPayload(at, c); }
 
 // Null decoder and title for a socket that tells nothing.
 Carried FindSocket(uint32_t socket, bool isDestination, uint32_t type) {

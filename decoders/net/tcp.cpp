@@ -11,6 +11,7 @@
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/tcp_options.h"
 #include "decoders/net/window_scales.h"
@@ -20,8 +21,6 @@ namespace {
 
 constexpr int32_t kPorts = 4, kThroughFlags = 14, kFixedHeader = 20;
 constexpr uint32_t kFin = 1, kSyn = 2, kRst = 4, kPsh = 8, kAck = 16, kUrg = 32, kEce = 64, kCwr = 128;
-
-enum class Verdict { kNone, kPartialCapture, kGood, kNotCalculated, kNotChecked, kBad };
 
 // The segment as its parts learn of it.
 struct Segment {
@@ -36,7 +35,7 @@ struct Segment {
   int32_t protocol;
   bool matchedSource;
   ShortText<kProtocolNameSize> sourceName, destinationName;   // of the side that matched; the other is empty
-  Verdict verdict;
+  bool isBad;   // its checksum
 };
 
 const char* WordOf(const Segment& segment, uint32_t flag, const char* word) {
@@ -122,45 +121,31 @@ void AddWindow(const Place& in, Cursor& c, const Segment& segment) {
   }
 }
 
-// Judges the checksum field; for a bad one `expected` is what it should hold.
-Verdict JudgeChecksum(const Segment& segment, const Field& checksum, uint32_t* expected) {
-  const NetworkState& network = *segment.network;
-  const int32_t captured = Left(segment.start);
-  if (network.fragmented) return Verdict::kNone;
-  if (network.totalLength > captured) return Verdict::kPartialCapture;
-  const uint32_t sum = SumWords(network.pseudoHead, segment.start.at, captured);
-  if (sum == 0xFFFF) return Verdict::kGood;
+// What a bad sum is excused by: the field was left to the network card. Null for no excuse.
+const char* WhyNotCalculated(const Segment& segment, const Field& checksum) {
   uint16_t stored;   // as the machine reads it, as the sums are
   std::memcpy(&stored, checksum.bytes, sizeof stored);
-  if (!segment.strictCheck && stored == network.pseudoHead) {
-    return stored ? Verdict::kNotCalculated : Verdict::kNotChecked;
-  }
-  *expected = RightChecksum(sum, checksum.value);
-  return Verdict::kBad;
+  if (segment.strictCheck || stored != segment.network->pseudoHead) return nullptr;
+  return stored ? "Not Calculated" : "Not Checked";
 }
 
 void AddChecksum(const Place& in, Cursor& c, Segment& segment) {
   const Field checksum = TakeU16(c);
   if (!checksum.here) return;
-  uint32_t expected = 0;
-  segment.verdict = JudgeChecksum(segment, checksum, &expected);
-  const char* verdict = "";
-  switch (segment.verdict) {
-    case Verdict::kNone:
-      AddLine(in, checksum, "Checksum:                 0x%.04X", checksum.value);
-      AppendToLine(in, segment.topLine, "(fragment, offset %u, %s)", segment.network->fragmentOffset,
-                   segment.network->moreFragments ? "more fragments to follow" : "last fragment");
-      return;
-    case Verdict::kBad:
-      AddLine(in, checksum, "Checksum:                 0x%.04X (BAD should be 0x%.04X)", checksum.value, expected);
-      AppendToLine(in, segment.topLine, "(Bad Checksum)");
-      return;
-    case Verdict::kPartialCapture: verdict = "Not Checked - Partial Capture"; break;
-    case Verdict::kGood: verdict = "Good"; break;
-    case Verdict::kNotCalculated: verdict = "Not Calculated"; break;
-    case Verdict::kNotChecked: verdict = "Not Checked"; break;
+  const NetworkState& network = *segment.network;
+  if (network.fragmented) {
+    AddLine(in, checksum, "Checksum:                 0x%.04X", checksum.value);
+    AppendToLine(in, segment.topLine, "(fragment, offset %u, %s)", network.fragmentOffset,
+                 network.moreFragments ? "more fragments to follow" : "last fragment");
+    return;
   }
-  AddLine(in, checksum, "Checksum:                 0x%.04X (%s)", checksum.value, verdict);
+  const bool isPartial = network.totalLength > Left(segment.start);
+  const uint32_t sum = isPartial ? 0 : SumWords(network.pseudoHead, segment.start.at, Left(segment.start));
+  const char* unchecked = isPartial       ? "Not Checked - Partial Capture"
+                          : sum == 0xFFFF ? nullptr
+                                          : WhyNotCalculated(segment, checksum);
+  segment.isBad = !AddChecksumLine(in, checksum, "Checksum:                ", unchecked, sum, BadChecksum::kWithRight);
+  if (segment.isBad) AppendToLine(in, segment.topLine, "(Bad Checksum)");
 }
 
 // What follows from the header: lines over the fields that they are calculated from.
@@ -184,13 +169,13 @@ void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
   if (Left(area) > 0) {
     exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area, declared);
   }
-  if ((segment.flags & kSyn) && whole && segment.verdict != Verdict::kBad && !PacketOf(in).quoted) {
+  if ((segment.flags & kSyn) && whole && !segment.isBad && !PacketOf(in).quoted) {
     RecordSynSegment(in, segment.sequence, segment.flags & kAck, exponent);
   }
 }
 
 int32_t DecodePayload(const Place& at, Cursor c, const Segment& segment) {
-  if (segment.verdict == Verdict::kBad) {
+  if (segment.isBad) {
     AddRawRest(at, c, "TCP Data: (Bad TCP Checksum)");
     return 1;
   }
@@ -212,7 +197,7 @@ bool ReadSegment(const Cursor& c, const NetworkState& network, bool strictCheck,
   segment.headerLength = 4 * segment.dataOffset < kFixedHeader ? kFixedHeader : 4 * segment.dataOffset;
   segment.flags = c.at[13];
   segment.sequence = ReadU32(c.at + 4);
-  segment.verdict = Verdict::kNone;
+  segment.isBad = false;
   return true;
 }
 

@@ -5,6 +5,7 @@
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
+#include "decoders/common/checksum_line.h"
 #include "decoders/net/port_dispatch.h"
 
 namespace qxview {
@@ -12,12 +13,11 @@ namespace {
 
 constexpr int32_t kHeader = 8;
 
-// `sum` is of the pseudo-header and all captured bytes; it is not looked at where they are not the whole datagram.
-const char* ChecksumVerdict(uint32_t stored, const NetworkState& network, bool partial, uint32_t sum) {
+// Why the checksum tells nothing; null where it does.
+const char* WhyUnchecked(uint32_t stored, const NetworkState& network, bool partial) {
   if (stored == 0) return "not used";
   if (network.fragmented) return "data fragment - not able to check";
-  if (partial) return "partial packet - not able to check";
-  return sum == 0xFFFF ? "Good" : "BAD";
+  return partial ? "partial packet - not able to check" : nullptr;
 }
 
 void AddHeaderLines(const Place& in, Cursor& c) {
@@ -38,8 +38,7 @@ void AddHeaderLines(const Place& in, Cursor& c) {
   }
   const uint32_t sum = network.fragmented ? 0 : SumWords(network.pseudoHead, datagram.at, Left(datagram));
   const Field checksum = TakeU16(c);
-  AddLine(in, checksum, "Checksum:  0x%.4X (%s)", checksum.value,
-          ChecksumVerdict(checksum.value, network, partial, sum));
+  AddChecksumLine(in, checksum, "Checksum: ", WhyUnchecked(checksum.value, network, partial), sum, BadChecksum::kAlone);
 }
 
 }  // namespace

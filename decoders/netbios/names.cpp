@@ -1,12 +1,12 @@
 // NetBIOS names: their text, pointers followed, and their lines.
 #include "decoders/netbios/netbios.h"
 
+#include "decoders/common/name_labels.h"
+
 namespace qxview {
 namespace {
 
-constexpr uint32_t kEncodedLength = 2 * kNetBiosNameLength, kLongestLabel = 63;
-constexpr int32_t kMostHops = 8;   // names have one pointer; this bounds what a chain of them costs, as does the next
-constexpr int32_t kMostPointedLabels = 40;
+constexpr uint32_t kEncodedLength = 2 * kNetBiosNameLength;
 
 constexpr auto kSuffixNames = SortedNames({
     {0x00, "Workstation/Redirector"}, {0x01, "Messenger Service"}, {0x02, "Forwarded Name"},
@@ -93,7 +93,7 @@ void AddPartLines(const Place& in, const NetBiosName& name, bool isGroup) {
   const bool isEncoded = name.form == NetBiosName::kEncoded;
   bool isFirst = isEncoded;
   for (Loop loop; MoreAt(in, c, loop);) {
-    if (c.at[0] > kLongestLabel) {
+    if (PeekU8(c) > kLongestLabel) {
       const Field pointer = TakeU16(c);
       AddLine(in, pointer, "Compression Pointer: Offset %u", pointer.value & 0x3FFF);
       continue;
@@ -125,31 +125,11 @@ NetBiosName TakeNetBiosName(Cursor& c, const Field& message) {
   NetBiosName name{};
   NameText text{name.text, 0};
   const Cursor start = c;
-  Cursor at = c;
-  int32_t hops = 0, pointedLabels = 0, lowest = c.offset - message.offset;
   bool isFirst = true;
-  for (;;) {
-    const Field length = TakeU8(at);
-    if (!length.here) {
-      if (hops == 0) c.ranShort = true;
-      break;
-    }
-    if (length.value > kLongestLabel) {
-      const Field low = TakeU8(at);
-      if (hops == 0) c = at;
-      const int32_t target = static_cast<int32_t>((length.value & 0x3F) << 8 | low.value);
-      if (!low.here || ++hops > kMostHops || target >= lowest || target >= message.length) break;
-      lowest = target;
-      at = CursorOver(Slice(message, target, message.length - target));
-      continue;
-    }
-    const Field label = TakeBytes(at, length.value);
-    if (hops == 0) c = at;
-    if (!label.here || length.value == 0) break;
+  TakeNameLabels(c, message, [&](const Field& label) {
     AddLabel(text, name, label, isFirst);
     isFirst = false;
-    if (hops > 0 && (text.IsFull() || ++pointedLabels == kMostPointedLabels)) break;
-  }
+  });
   if (!c.ranShort) name.field = {start.at, start.offset, c.offset - start.offset, 0, true};
   return name;
 }

@@ -1,13 +1,11 @@
 #include "decoders/smb/ntlmssp.h"
 
-#include <cstring>
-
 #include "decoders/smb/smb_block.h"
 
 namespace qxview {
 namespace {
 
-constexpr uint8_t kSignature[8] = {'N', 'T', 'L', 'M', 'S', 'S', 'P', 0};
+constexpr uint32_t kNtlm = 0x4E544C4D, kSsp = 0x53535000;   // "NTLMSSP" with its zero
 constexpr uint32_t kNegotiate = 1, kChallenge = 2, kAuthenticate = 3;
 constexpr uint32_t kUnicodeFlag = 0x00000001;
 constexpr int32_t kVersionSize = 8, kMicSize = 16, kShortResponse = 24, kV2Header = 44;
@@ -87,7 +85,7 @@ void AddVersion(const SmbMessage& message, const Place& in, Cursor& c) {
 }
 
 void AddAvPair(const SmbMessage& message, const Place& in, Cursor& c) {
-  const uint32_t id = ReadLittleU16(c.at), length = ReadLittleU16(c.at + 2);
+  const uint32_t id = PeekLittleU16(c), length = PeekLittleU16(c, 2);
   Cursor pair = TakeCursor(c, 4 + static_cast<int64_t>(length));
   const Place under = Under(in, AddLine(in, Ahead(pair, Left(pair)), "Pair: %s", LookupName(kAvNames, id, kUndefined)));
   AddSmbFields(message, under, pair, kAvHeader);
@@ -109,7 +107,7 @@ void AddAvPairs(const SmbMessage& message, const Place& in, Cursor& c, const cha
   const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "%s", title));
   bool ended = false;
   while (!ended && Left(c) >= 4 && !PacketOf(in).limitReached) {
-    ended = ReadLittleU16(c.at) == kAvEnd;
+    ended = PeekLittleU16(c) == kAvEnd;
     AddAvPair(message, under, c);
   }
   AddSmbBytes(under, c, Left(c), "Pad");
@@ -167,7 +165,7 @@ void DecodeAuthenticate(const SmbMessage& message, const Place& in, Cursor& c) {
 
 }  // namespace
 
-bool StartsNtlmssp(const Cursor& c) { return Left(c) >= 8 && memcmp(c.at, kSignature, sizeof kSignature) == 0; }
+bool StartsNtlmssp(const Cursor& c) { return PeekU32(c) == kNtlm && PeekU32(c, 4) == kSsp; }
 
 int32_t DecodeNtlmssp(const Place& in, Cursor c) {
   if (!StartsNtlmssp(c)) return 0;

@@ -1,17 +1,16 @@
-// Bounded texts of LDAP's elements in the lines' character set, Windows-1252.
+// Bounded texts in the lines' character set, Windows-1252, of octets that should be UTF-8 and may be anything.
 //
-// A string of the directory is UTF-8 (RFC 4511 4.1.2), the value of an attribute may be anything. Characters without
-// a place in the line are escaped octet by octet, "\E2\82\B9", as distinguished names and filters are (RFC 4514, RFC
-// 4515).
+// Characters without a place in the line are escaped octet by octet, "\E2\82\B9", as distinguished names and filters of
+// a directory are (RFC 4514, RFC 4515).
 #pragma once
 #include "core/decoder.h"
 
 namespace qxview {
 
 // Text that ends in "..." when it does not fit.
-class LdapText {
+class LineText {
  public:
-  LdapText(char* out, int32_t size) : out_(out), room_(size - 1) {
+  LineText(char* out, int32_t size) : out_(out), room_(size - 1) {
     if (size > 0) out[0] = 0;
   }
   bool IsFull() const { return full_; }
@@ -30,7 +29,6 @@ class LdapText {
 
  private:
   void PutBytes(const char* bytes, int32_t count);
-  void PutEscaped(const uint8_t* octets, int32_t count);
 
   char* out_;
   int32_t room_;

@@ -1,0 +1,106 @@
+#include "decoders/common/logon_response.h"
+
+#include "decoders/common/guid.h"
+#include "decoders/common/line_text.h"
+#include "decoders/common/name_labels.h"
+
+namespace qxview {
+namespace {
+
+constexpr auto kCommandNames = SortedNames({
+    {kLogonRequest, "LM Logon Request"}, {kLogonResponse1, "LM 1.0 Logon Response"},
+    {kLogonResponse2, "LM 2.0 Logon Response"}, {kPrimaryQuery, "Query For Primary DC"},
+    {kAnnounceChange, "Announce Change"}, {kPrimaryResponse, "Response From Primary DC"},
+    {kSamLogon, "SAM Logon Request"}, {kSamResponse, "SAM Logon Response"}, {kSamPaused, "SAM Logon Paused"},
+    {kSamUnknownUser, "SAM Logon User Unknown"}, {kExtendedResponse, "SAM Logon Response EX"},
+    {kExtendedPaused, "SAM Logon Paused EX"}, {kExtendedUnknownUser, "SAM Logon User Unknown EX"}});
+
+constexpr auto kServerBits = SortedNames({
+    {0x00000001, "Primary Domain Controller"}, {0x00000004, "Global Catalog"}, {0x00000008, "LDAP Server"},
+    {0x00000010, "Directory Service"}, {0x00000020, "Key Distribution Center"}, {0x00000040, "Time Server"},
+    {0x00000080, "In Client's Site"}, {0x00000100, "Writable"}, {0x00000200, "Good Time Server"},
+    {0x00000400, "Only Application Directory"}, {0x00000800, "Read Only With Selected Secrets"},
+    {0x00001000, "Full Secrets"}, {0x00002000, "Web Services"}, {0x00004000, "2012 Or Later"},
+    {0x00008000, "2012 R2 Or Later"}, {0x00010000, "2016 Or Later"}, {0x20000000, "DNS Host Name"},
+    {0x40000000, "DNS Domain Name"}, {0x80000000, "DNS Forest Name"}});
+constexpr auto kVersionBits = SortedNames({
+    {0x00000001, "V1"}, {0x00000002, "V5"}, {0x00000004, "V5EX"}, {0x00000008, "V5EX With IP"},
+    {0x00000010, "V5EX With Closest Site"}, {0x01000000, "Avoid NT4 Emulation"}, {0x10000000, "PDC"},
+    {0x20000000, "IP"}, {0x40000000, "Local"}, {0x80000000, "GC"}});
+
+template <size_t kRows>
+void AddBits(const Place& in, const Field& word, const char* label, const NameTable<kRows>& bits) {
+  const Place under = Under(in, AddLine(in, word, "%s: 0x%.08X", label, word.value));
+  for (const NameTableEntry& row : bits.rows) {
+    int32_t place = 31;
+    while (row.code >> (31 - place) != 1) --place;
+    const BitPicture bit = BitsOf(word, place, 1);
+    AddBitLine(under, word, "%s: %s = %s", bit.picture, row.name, TrueOrFalse(bit.value));
+  }
+}
+
+void AddSocketAddress(const Place& in, Cursor& c) {
+  const Field size = TakeU8(c);
+  AddLine(in, size, "DC Socket Address Size: %u", size.value);
+  Cursor address = TakeCursor(c, size.value);
+  const Field family = TakeLittleU16(address), port = TakeU16(address), octets = TakeBytes(address, 4);
+  AddLine(in, family, "Address Family: %u", family.value);
+  AddLine(in, port, "Port: %u", port.value);
+  AddLine(in, octets, "DC IP Address: %s", IPv4Text(octets.bytes));
+  const Field zeros = Rest(address);
+  AddLine(in, zeros, "Reserved: %s", HexText(zeros));
+}
+
+}  // namespace
+
+const char* LogonCommandName(uint32_t command) { return LookupName(kCommandNames, command, kUndefined); }
+
+bool AddLogonName(const Place& in, Cursor& c, const char* label) {
+  constexpr int32_t kTextSize = 260;
+  char shown[kTextSize];
+  LineText text(shown, sizeof shown);
+  const Cursor start = c;
+  TakeNameLabels(c, WholeOf(c), [&](const Field& part) {
+    if (!text.IsEmpty()) text.Put(".");
+    text.PutValue(CursorOver(part));
+  });
+  if (c.ranShort) {
+    c = start;
+    return false;
+  }
+  if (text.IsEmpty()) text.Put("<null string>");
+  AddLine(in, Ahead(start, c.offset - start.offset), "%s: %s", label, static_cast<const char*>(shown));
+  return true;
+}
+
+void AddLogonGuid(const Place& in, Cursor& c, const char* label) {
+  const Field guid = TakeBytes(c, kGuidSize);
+  AddLine(in, guid, "%s: {%s}", label, TextOfGuid(guid, GuidOrder::kLittle));
+}
+
+void AddLogonFlags(const Place& in, Cursor& c) { AddBits(in, TakeLittleU32(c), "Flags", kServerBits); }
+
+void AddLogonVersions(const Place& in, Cursor& c) {
+  if (Left(c) < 1) return;
+  AddBits(in, TakeLittleU32(c), "NT Version", kVersionBits);
+  const Field token = TakeLittleU16(c), oldToken = TakeLittleU16(c);
+  AddLine(in, token, "LM NT Token: 0x%.04X", token.value);
+  AddLine(in, oldToken, "LM 2.0 Token: 0x%.04X", oldToken.value);
+}
+
+bool AddLogonResponse(const Place& in, Cursor& c) {
+  constexpr const char* kNames[] = {
+      "DNS Forest Name", "DNS Domain Name", "DNS Host Name", "NetBIOS Domain Name", "NetBIOS Computer Name",
+      "User Name", "DC Site Name", "Client Site Name"};
+  const Field reserved = TakeLittleU16(c);
+  AddLine(in, reserved, "Reserved: %u", reserved.value);
+  AddLogonFlags(in, c);
+  AddLogonGuid(in, c, "Domain GUID");
+  for (const char* name : kNames) {
+    if (!AddLogonName(in, c, name)) return false;
+  }
+  if (Left(c) > kLogonVersionsSize) AddSocketAddress(in, c);
+  return Left(c) <= kLogonVersionsSize || AddLogonName(in, c, "Next Closest Site Name");
+}
+
+}  // namespace qxview
