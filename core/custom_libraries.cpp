@@ -17,7 +17,7 @@ constexpr int32_t kDirectorySize = 4096;
 void* LoadNamed(const Engine* engine, const char* directory, const char* name) {
   const LibraryLoader& loader = engine->libraries.loader;
   char path[kDirectorySize + kNameSize];
-  if (loader.separators && std::strpbrk(name, loader.separators)) {
+  if (loader.isPath && loader.isPath(name)) {
     CopyString(path, sizeof path, name);
   } else {
     FormatInto(path, sizeof path, "%s/%s", directory[0] ? directory : ".", name);

@@ -18,7 +18,7 @@ struct LibraryLoader {
   void* (*load)(const char* path);                    // null when it cannot be loaded
   void* (*find)(void* library, const char* name);     // null when it has no such entry point
   void (*release)(void* library);
-  const char* separators;                             // a name that holds one of these is a path
+  bool (*isPath)(const char* name);                   // or the name of a file beside the program
 };
 
 struct CustomLibraries {

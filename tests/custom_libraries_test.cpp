@@ -139,7 +139,7 @@ TEST_F(CustomLibraryHooks, NamesAreTakenWholeAndInsideTheirFolder) {
   const std::string longest(127, 'a');
   LibraryLoader loader = PlatformLibraryLoader();
   loader.load = [](const char* path) -> void* { return asked.push_back(path), nullptr; };
-  const std::string alone = std::strchr(loader.separators, ':') ? "lamp.so" : "x:lamp.so";
+  const std::string alone = loader.isPath("x:lamp.so") ? "lamp.so" : "x:lamp.so";
   host_.settings = {{"CustomLibrary0", alone}, {"CustomLibrary1", longest + "a"}, {"CustomLibrary2", longest},
                     {"CustomLibrary3", "/lamp.so"}, {"ExternalDecoder", longest + "a"}};
   for (const char* folder : {kDirectory.c_str(), "."}) {
