@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/bounded_text.h"
+#include "core/formatter.h"
 #include "exports/exported_view.h"
 #include "files/capture_formats.h"
 #include "platform/mib_modules.h"
@@ -70,8 +71,9 @@ void TellLibraries(const ExportedView* view) {
   const auto read = QXVIEW_HOST_FUNCTION(engine.host, readSetting);
   int32_t named = 0;
   for (char path[1024]; read && named < kMostCustomLibraries; ++named) {
-    const std::string name = "CustomLibrary" + std::to_string(named);
-    if (read(engine.host->user, name.c_str(), path, sizeof path) != 1 || !path[0]) break;
+    char name[32];
+    FormatInto(name, sizeof name, "CustomLibrary%u", named);
+    if (read(engine.host->user, name, path, sizeof path) != 1 || !path[0]) break;
   }
   if (const int32_t missing = named - engine.libraries.count; missing > 0) {
     TellUser(view, QXVIEW_NOTE, std::to_string(missing) + " of " + std::to_string(named) +
