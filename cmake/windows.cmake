@@ -16,13 +16,14 @@ if(QXVIEW_TESTS AND EXISTS ${GTEST_SOURCES}/src/gtest-all.cc)
   set(GTest_FOUND TRUE)
 endif()
 
-# What Windows shows of the target's file, and its manifest; without symbols, and in pages as they are mapped.
+# What Windows shows of the target's file, and a program's manifest (a library's would be read at each loading and says
+# nothing that its program's does not); without symbols, and in pages as they are mapped.
 function(qxview_windows_file target type description)
   if(type STREQUAL VFT_DLL)
-    set(QXVIEW_MANIFEST_NUMBER 2)
+    set(QXVIEW_MANIFEST "")
     set(QXVIEW_FILE_NAME qxview.dll)
   else()
-    set(QXVIEW_MANIFEST_NUMBER 1)
+    set(QXVIEW_MANIFEST "1 24 \"resources/qxview.manifest\"")
     set(QXVIEW_FILE_NAME qxview.exe)
   endif()
   set(QXVIEW_FILE_TYPE ${type})

@@ -190,8 +190,8 @@ def step_win32(log, log_name):
     if not build("release", log, "libqxview", "qxview") or not build("win32", log):
         return Result(0, 1, "the build failed")
     total = Result(1, 0)
-    total.add(run_script("tests/exports_test.py Symbols", log, log_name,
-                         QXVIEW_DLL=os.path.join(wine.FOLDER, "qxview.dll")), "exports")
+    for name, script in (("exports", "exports_test.py Symbols"), ("hardening", "hardening_test.py WindowsFiles")):
+        total.add(run_script(f"tests/{script}", log, log_name, QXVIEW_DLL=os.path.join(wine.FOLDER, "qxview.dll")), name)
     if run(["scripts/setup.sh", "wine"], log) == 0 and wine.is_here():
         run_windows_tests(total, log, log_name)
     else:
