@@ -91,7 +91,7 @@ class Terminal(unittest.TestCase):
         for file in (master, slave):
             self.addCleanup(lambda file=file: os.close(file))
         tty.setraw(slave)
-        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 80, 0, 0))
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 200, 0, 0))
         return master, slave
 
 
@@ -144,7 +144,8 @@ class Live(Terminal):
         with open(capture, "wb") as file:
             file.write(HEADER + 40000 * packet(frame()))
         running = self.start("list", capture, stdout=subprocess.PIPE)
-        time.sleep(0.3)   # it waits for its reader
+        select.select([running.stdout], [], [], 20)
+        time.sleep(0.2)   # it waits for its reader
         running.send_signal(signal.SIGTERM)
         time.sleep(0.1)
         rows = running.stdout.read().split(b"\n")
@@ -218,14 +219,18 @@ class Screen(Terminal):
         for arguments, shown in ((["list", "-"], False), (["find", "-", "needle"], True)):
             master, slave = self.open_terminal()
             running = self.start(*arguments, stdin=subprocess.PIPE, stdout=slave, stderr=slave)
-            for part in (HEADER + 40 * packet(frame()), 40 * packet(frame()), packet(query(b"needle"))):
-                running.stdin.write(part)
+            running.stdin.write(HEADER)
+            seen, end = b"", time.monotonic() + (20 if shown else 1)
+            while b"kB" not in seen and time.monotonic() < end:
+                running.stdin.write(20 * packet(frame()))
                 running.stdin.flush()
-                time.sleep(0.3)
+                while select.select([master], [], [], 0.05)[0]:
+                    seen += os.read(master, 65536)
+            running.stdin.write(packet(query(b"needle")))
             running.stdin.close()
             running.wait(20)
             os.write(slave, b"done")
-            seen = read_until(master, lambda seen: b"done" in seen)
+            seen += read_until(master, lambda seen: b"done" in seen)
             self.assertEqual(b"kB" in seen, shown, (arguments, seen[:300]))
             result = seen.split(b"\r")[-1]
             self.assertEqual((b"needle" in result, b"kB" in result), (True, False))
