@@ -163,14 +163,27 @@ Command::Outcome Command::Parse(std::vector<std::string>& words, std::vector<std
 }
 
 bool Command::TakeArguments(const std::vector<std::string>& given) const {
-  if (given.size() < arguments_.size()) {
-    const CommandArgument& missing = arguments_[given.size()];
+  const auto repeated = std::find_if(arguments_.begin(), arguments_.end(),
+                                     [](const CommandArgument& argument) { return argument.values != nullptr; });
+  const bool repeats = repeated != arguments_.end();
+  const size_t mayLack = repeats && !repeated->instead->empty() ? 1 : 0;
+  if (given.size() + mayLack < arguments_.size()) {
+    const CommandArgument& missing = arguments_[given.size() + mayLack];
     return Tell(std::string(name_) + ": " + missing.name + " is missing: " + missing.about), false;
   }
-  if (given.size() > arguments_.size()) {
+  if (given.size() > arguments_.size() && !repeats) {
     return Tell(std::string(name_) + ": " + QuoteValue(given[arguments_.size()]) + " is one argument too many"), false;
   }
-  for (size_t i = 0; i < given.size(); ++i) *arguments_[i].value = given[i];
+  auto at = given.begin();
+  for (const CommandArgument& argument : arguments_) {
+    const auto end = at + (argument.values ? static_cast<ptrdiff_t>(given.size() + 1 - arguments_.size()) : 1);
+    if (argument.values) {
+      argument.values->assign(at, end);
+    } else {
+      *argument.value = *at;
+    }
+    at = end;
+  }
   return true;
 }
 
@@ -187,7 +200,9 @@ int Command::Run(std::vector<std::string> words) const {
 
 std::string Command::UsageText() const {
   std::string text = "Usage: qxview " + std::string(name_) + " [OPTION...]";
-  for (const CommandArgument& argument : arguments_) text.append(" ").append(argument.name);
+  for (const CommandArgument& argument : arguments_) {
+    text.append(" ").append(argument.name).append(argument.values ? "..." : "");
+  }
   return text;
 }
 

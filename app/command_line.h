@@ -32,6 +32,8 @@ struct CommandArgument {
   const char* name;
   const char* about;
   std::string* value;
+  std::vector<std::string>* values;   // one that may be repeated: it takes what the others leave
+  const std::string* instead;         // and may be left out when this option is given
 };
 
 class Command {
@@ -67,7 +69,11 @@ class Command {
   }
 
   void AddArgument(const char* name, const char* about, std::string* value) {
-    arguments_.push_back({name, about, value});
+    arguments_.push_back({name, about, value, nullptr, nullptr});
+  }
+  // At most one of a command's arguments.
+  void AddArguments(const char* name, const char* about, std::vector<std::string>* values, const std::string* instead) {
+    arguments_.push_back({name, about, nullptr, values, instead});
   }
   void SetExamples(const char* text) { examples_ = text; }
   void SetAction(std::function<int()> action) { action_ = std::move(action); }

@@ -17,8 +17,8 @@ void AddXmlCommand(CommandLine* line);
 // Says that standard output could not be written, and why; the exit status for it.
 int OutputFault();
 
-// Ends the writing of a new file after a pass with this status: moves the file into its place, or says why it is not
-// there. What could not be read to its end does not take the place of a file that may be whole.
-int KeepFile(NewFile* file, const std::string& name, bool written, int status);
+// Ends the writing of a new file after runs with this status: moves the file into its place, or says why it is not there.
+// What could not be read to its end does not take the place of a file that may be whole, but with --keep-going.
+int KeepFile(NewFile* file, const std::string& name, bool written, const ReadingOptions& options, int status);
 
 }  // namespace qxview

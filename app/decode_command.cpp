@@ -21,35 +21,38 @@ struct DecodeOptions {
 };
 
 int Decode(const DecodeOptions& options) {
-  PacketRun run;
-  if (!run.Open(options.reading)) return run.Status();
   auto out = std::make_unique<Output>();
-  Session& session = run.GetSession();
-  if (options.format == Format::kText) {
-    out->EscapeForTerminal();
-    session.SetOutput(kSaveMode, out->File());
-  }
+  if (options.format == Format::kText) out->EscapeForTerminal();
   TreeStyle style;
   style.colors = options.format == Format::kTree && UsesColor(options.reading.color);
   if (style.colors && IsTerminal(StandardOutputFile())) ResetColorsOnSignal();
   style.ranges = options.ranges;
   style.keys = options.keys;
-  if (options.keys && !KeepFacts(&session.Context(), true)) return OutputFault();
   style.cells = IsTerminal(StandardOutputFile());
-  bool first = true;
-  const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
-    if (options.format == Format::kJson) {
-      WriteJson(*out, session, {record, frame.number, handled, options.bytes});
-    } else if (options.format == Format::kTree) {
-      if (!first) out->Put('\n');
-      first = false;
-      WriteTree(*out, session, style);
-      if (options.bytes) WriteFrameBytes(*out, record);
-    }
-    if (options.reading.flushEachPacket) out->Flush();
+  bool first = true, hasMemory = true;
+  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
+    Session& session = run.GetSession();
+    hasMemory = !options.keys || KeepFacts(&session.Context(), true);
+    if (!hasMemory) return Tell("no memory for keys"), false;
+    if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
+    if (options.reading.prefixFile && options.format != Format::kJson) run.PrefixLines(out.get());
+    run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
+      if (options.format == Format::kJson) {
+        const char* const file = options.reading.prefixFile ? frame.file : nullptr;
+        WriteJson(*out, session, {record, frame.number, handled, options.bytes, file});
+      } else if (options.format == Format::kTree) {
+        if (!first) out->Put('\n');
+        first = false;
+        WriteTree(*out, session, style);
+        if (options.bytes) WriteFrameBytes(*out, record);
+      }
+      if (options.reading.flushEachPacket) out->Flush();
+      return !out->Failed();
+    });
     return !out->Failed();
   });
   out->Flush();
+  if (!hasMemory) return kFileFault;
   return out->Failed() ? OutputFault() : status;
 }
 
@@ -59,6 +62,7 @@ void AddDecodeCommand(CommandLine* line) {
   auto options = std::make_shared<DecodeOptions>();
   Command& command = line->Add("decode", "the decode tree of every packet");
   AddReadingOptions(&command, &options->reading);
+  AddPrefixOption(&command, &options->reading);
   command.AddChoice<Format>("--format", "FORMAT", "tree, text (as the save-as-text mode writes) or json",
                             {{"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
                             &options->format);
@@ -72,8 +76,8 @@ void AddDecodeCommand(CommandLine* line) {
       "  qxview decode -d tcp:8080=HTTP --format json capture.pcap\n"
       "  tcpdump -U -w - | qxview decode -");
   command.SetAction([options] {
-    FinishReadingOptions(&options->reading);
-    return Decode(*options);
+    const int status = FinishReadingOptions(&options->reading);
+    return status == kDone ? Decode(*options) : status;
   });
 }
 

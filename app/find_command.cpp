@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 
 #include "app/colors.h"
@@ -38,9 +39,10 @@ void KeepMatch(Session& session, const FrameRecord* record) {
 
 // The kept packet with its line marked; where a user library added the line in a way of its own, the one that reads so.
 // False when it could not be written.
-bool ShowMatch(PacketRun& run, const FindOptions& options) {
+bool ShowMatch(PacketRun& run, const FindOptions& options, const std::string& file) {
   Session& session = run.GetSession();
   Output out;
+  if (options.reading.prefixFile) out.SetLinePrefix(file);
   TreeStyle style;
   style.colors = UsesColor(options.reading.color);
   style.cells = IsTerminal(StandardOutputFile());
@@ -51,8 +53,26 @@ bool ShowMatch(PacketRun& run, const FindOptions& options) {
   return !out.Failed();
 }
 
+// Looks through one capture; whether the text was found, and its packet shown or *written false.
+bool FindIn(PacketRun& run, const FindOptions& options, bool* written) {
+  DecodeContext& context = run.GetSession().Context();
+  StartFind(context, options);
+  int32_t lastIndex = -1;
+  std::string file;
+  run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+    if (context.findFound && context.findLineIndex != lastIndex) {
+      lastIndex = context.findLineIndex;
+      file = frame.file;
+      KeepMatch(run.GetSession(), record);
+      return options.backward;
+    }
+    return true;
+  });
+  if (context.findFound) *written = ShowMatch(run, options, file);
+  return context.findFound;
+}
+
 int Find(FindOptions options) {
-  PacketRun run;
   std::string text, missing;
   if (!Windows1252Of(options.text, &text, &missing)) {
     return Tell("find: no line holds " + QuoteValue(missing) + ": lines are in the characters of Windows-1252"),
@@ -62,20 +82,16 @@ int Find(FindOptions options) {
     return Tell("find: TEXT has 1 to 1023 characters"), kUsage;
   }
   options.text = text;
-  if (!run.Open(options.reading)) return run.Status();
-  DecodeContext& context = run.GetSession().Context();
-  StartFind(context, options);
-  int32_t lastIndex = -1;
-  int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame&, int32_t) {
-    if (context.findFound && context.findLineIndex != lastIndex) {
-      lastIndex = context.findLineIndex;
-      KeepMatch(run.GetSession(), record);
-      return options.backward;
-    }
-    return true;
+  // The last match is that of the last capture that has one.
+  ReadingOptions& reading = options.reading;
+  if (options.backward && !reading.merge) std::reverse(reading.files.begin(), reading.files.end());
+  bool found = false, written = true;
+  const int status = ForEachRun(reading, [&](PacketRun& run) {
+    found = FindIn(run, options, &written);
+    return !found;
   });
-  if (!context.findFound) return status == kDone ? kNothingFound : status;
-  return ShowMatch(run, options) ? status : OutputFault();
+  if (!found) return status == kDone ? kNothingFound : status;
+  return written ? status : OutputFault();
 }
 
 }  // namespace
@@ -85,6 +101,7 @@ void AddFindCommand(CommandLine* line) {
   Command& command = line->Add("find", "the first packet and line that hold a text");
   AddReadingOptions(&command, &options->reading);
   command.AddArgument("TEXT", "the text, case-sensitive", &options->text);
+  AddPrefixOption(&command, &options->reading);
   command.AddFlag("--backward", "the last match instead of the first", &options->backward);
   command.SetExamples(
       "The found packet's tree is shown, its found line with '>' in column 0. Exit status 1: nothing found.\n"
@@ -92,8 +109,8 @@ void AddFindCommand(CommandLine* line) {
       "  qxview find capture.pcap 'Name Does Not Exist'\n"
       "  qxview find --backward capture.pcap.gz 'RST'");
   command.SetAction([options] {
-    FinishReadingOptions(&options->reading);
-    return Find(*options);
+    const int status = FinishReadingOptions(&options->reading);
+    return status == kDone ? Find(*options) : status;
   });
 }
 

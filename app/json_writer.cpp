@@ -41,6 +41,29 @@ void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
   }
 }
 
+// A text that is UTF-8 where it is valid.
+void PutUtf8String(Output& out, std::string_view text) {
+  std::string valid;
+  for (size_t at = 0; at < text.size();) {
+    char scratch[8];
+    const Utf8Character next =
+        Utf8At(reinterpret_cast<const uint8_t*>(text.data()) + at, static_cast<int32_t>(text.size() - at));
+    if (next.octets == 0) {
+      valid += Utf8Of(static_cast<uint8_t>(text[at++]), scratch);
+    } else if (next.code < 0x20 || next.code == 0x7F) {
+      valid.append("\\u00").append(kHexPairs + 2 * next.code, 2);
+      ++at;
+    } else {
+      if (next.code == '"' || next.code == '\\') valid += '\\';
+      valid += text.substr(at, static_cast<size_t>(next.octets));
+      at += static_cast<size_t>(next.octets);
+    }
+  }
+  out.Put('"');
+  out.Put(valid);
+  out.Put('"');
+}
+
 void PutLineHead(Output& out, Session& session, LineHandle line) {
   const ArenaTree& tree = session.Tree();
   int32_t kind, offset;
@@ -117,6 +140,10 @@ void WriteJson(Output& out, Session& session, const JsonPacket& packet) {
   char scratch[40];
   out.Put("{\"schema\":1,\"packet\":");
   PutNumber(out, static_cast<int64_t>(packet.number));
+  if (packet.file) {
+    out.Put(",\"file\":");
+    PutUtf8String(out, packet.file);
+  }
   out.Put(",\"time\":\"");
   FormatUtcTime(record->nanoseconds, scratch, sizeof scratch);
   out.Put(scratch);

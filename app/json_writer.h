@@ -10,6 +10,7 @@ struct JsonPacket {
   uint64_t number;
   int32_t handled;
   bool withBytes;   // the frame's, in hexadecimal
+  const char* file;   // its capture's name; null: not said
 };
 
 void WriteJson(Output& out, Session& session, const JsonPacket& packet);

@@ -160,18 +160,21 @@ class PacketList {
 };
 
 int List(const ListOptions& options) {
-  PacketRun run;
-  if (!run.Open(options.reading)) return run.Status();
-  run.GetSession().DecodeHeadersOnly();
   auto out = std::make_unique<Output>();
-  PacketList list(options, run, *out);
-  SetIdleAction([](void* with) { static_cast<PacketList*>(with)->Show(); }, &list);
-  const int status = run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
-    list.Put(record, frame.number);
-    if (options.reading.flushEachPacket) list.Show();
+  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
+    run.GetSession().DecodeHeadersOnly();
+    if (options.reading.prefixFile) run.PrefixLines(out.get());
+    PacketList list(options, run, *out);
+    SetIdleAction([](void* with) { static_cast<PacketList*>(with)->Show(); }, &list);
+    run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+      list.Put(record, frame.number);
+      if (options.reading.flushEachPacket) list.Show();
+      return !out->Failed();
+    });
+    SetIdleAction(nullptr, nullptr);
+    list.Show();
     return !out->Failed();
   });
-  list.Show();
   return out->Failed() ? OutputFault() : status;
 }
 
@@ -181,6 +184,7 @@ void AddListCommand(CommandLine* line) {
   auto options = std::make_shared<ListOptions>();
   Command& command = line->Add("list", "one line a packet: number, time, addresses, length, summary");
   AddReadingOptions(&command, &options->reading);
+  AddPrefixOption(&command, &options->reading);
   command.AddChoice<TimeForm>("-t", "FORM",
                               "time: r since the first packet, d since the one before, a local, u UTC",
                               {{"r", TimeForm::kRelative},
@@ -196,8 +200,8 @@ void AddListCommand(CommandLine* line) {
       "  qxview list --set AliasFile=names.txt --packets 1-100 capture.pcap\n"
       "  tcpdump -U -w - | qxview list -");
   command.SetAction([options] {
-    FinishReadingOptions(&options->reading);
-    return List(*options);
+    const int status = FinishReadingOptions(&options->reading);
+    return status == kDone ? List(*options) : status;
   });
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "files/byte_source.h"
 #include "host/text.h"
 #include "platform/mib_modules.h"
 #include "platform/platform.h"
@@ -55,8 +56,15 @@ uint64_t PacketSelection::Last() const {
 }
 
 void AddReadingOptions(Command* command, ReadingOptions* options) {
-  command->AddArgument("FILE", "pcap, pcapng or BFR file, gzip-compressed or not; - for standard input",
-                       &options->file);
+  command->AddArguments("FILE",
+                        "pcap, pcapng or BFR file, compressed or not; - for standard input. Of several each is a run of "
+                        "its own",
+                        &options->files, &options->filesFrom);
+  command->AddText("--files-from", "LIST", "further captures, named in this file a line each; - for standard input",
+                   &options->filesFrom);
+  command->AddFlag("--merge", "several captures as one run, by time", &options->merge);
+  command->AddFlag("--keep-going", "go on behind a capture that cannot be read; the exit status is 3 in the end",
+                   &options->keepGoing);
   command->AddOption("--packets", "LIST", "packet numbers from 1: 7, 3-9, 12-, comma-separated",
                      [options](const std::string& value, std::string* wrong) {
                        return options->selection.Parse(value, wrong);
@@ -76,10 +84,48 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
       &options->color);
 }
 
-void FinishReadingOptions(ReadingOptions* options) {
+void AddPrefixOption(Command* command, ReadingOptions* options) {
+  command->AddFlag("--prefix-file", "each packet's file: in front of every line, in json as \"file\"",
+                   &options->prefixFile);
+}
+
+namespace {
+
+// The names of a list, a line each.
+bool ReadList(const std::string& path, std::vector<std::string>* names) {
+  const std::string shown = path == "-" ? "standard input" : path;
+  std::string reason, name;
+  const std::unique_ptr<ByteSource> source = OpenFileSource(path.c_str(), &reason);
+  if (!source) return Tell(shown + ": " + reason), false;
+  while (const uint8_t* byte = source->Peek(1)) {
+    const uint8_t* const end = byte + source->Remaining();
+    for (; byte < end; ++byte) {
+      if (*byte != '\n') {
+        name += static_cast<char>(*byte);
+        continue;
+      }
+      if (name.ends_with('\r')) name.pop_back();
+      if (!name.empty()) names->push_back(name);
+      name.clear();
+    }
+    source->Skip(source->Remaining());
+  }
+  if (!name.empty()) names->push_back(name);
+  return source->Failure().empty() || (Tell(shown + ": " + source->Failure()), false);
+}
+
+}  // namespace
+
+int FinishReadingOptions(ReadingOptions* options) {
   options->host.userSettings = FindUserSettings();
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;
+  auto& files = options->files;
+  const auto inputs = std::count(files.begin(), files.end(), "-") + (options->filesFrom == "-" ? 1 : 0);
+  if (inputs > 1) return Tell("standard input can be read once, and is named twice"), kUsage;
+  if (!options->filesFrom.empty() && !ReadList(options->filesFrom, &files)) return kFileFault;
+  if (files.empty()) return Tell(options->filesFrom + ": names no capture"), kFileFault;
+  return kDone;
 }
 
 }  // namespace qxview

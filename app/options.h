@@ -25,7 +25,11 @@ class PacketSelection {
 enum class ColorChoice { kAuto, kAlways, kNever };
 
 struct ReadingOptions {
-  std::string file;
+  std::vector<std::string> files;   // each a run of its own
+  std::string filesFrom;            // a list of further ones
+  bool merge = false;               // they are one run, by time
+  bool keepGoing = false;           // a file fault does not end the command
+  bool prefixFile = false;          // what is written of a packet says its file
   PacketSelection selection;
   uint64_t count = UINT64_MAX;
   std::string filter;
@@ -37,7 +41,10 @@ struct ReadingOptions {
 // Adds FILE and the options that every reading command takes.
 void AddReadingOptions(Command* command, ReadingOptions* options);
 
-// Fills in what the platform gives.
-void FinishReadingOptions(ReadingOptions* options);
+// For the commands that write something of every packet.
+void AddPrefixOption(Command* command, ReadingOptions* options);
+
+// Fills in what the platform gives, and the files of the list; the exit status, what is wrong is told.
+int FinishReadingOptions(ReadingOptions* options);
 
 }  // namespace qxview

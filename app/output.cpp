@@ -49,15 +49,47 @@ void Output::EscapeForTerminal() {
   file_.sink.moveBack = [](void*, int64_t) { return int32_t{0}; };   // what a terminal has shown stays
 }
 
+void Output::SetLinePrefix(std::string_view file) {
+  if (named_ == file) return;
+  Flush();
+  named_ = file;
+  prefix_.clear();
+  for (const char c : file) prefix_ += static_cast<uint8_t>(c) < 0x20 || c == 0x7F ? '?' : c;
+  prefix_ += "  ";
+  if (target_.write) return;
+  target_ = file_.sink;
+  file_.sink = {this,
+                [](void* output, const char* bytes, int32_t length) {
+                  return static_cast<Output*>(output)->WritePrefixed({bytes, static_cast<size_t>(length)});
+                },
+                [](void* output, int64_t bytes) {
+                  const OutputSink& target = static_cast<Output*>(output)->target_;
+                  return target.moveBack(target.handle, bytes);
+                },
+                target_.descriptor};
+}
+
+int32_t Output::WritePrefixed(std::string_view bytes) {
+  prefixed_.clear();
+  while (!bytes.empty()) {
+    const size_t length = std::min(bytes.find('\n'), bytes.size() - 1) + 1;
+    if (atLineStart_ && bytes[0] != '\n' && bytes[0] != '\r') prefixed_ += prefix_;
+    prefixed_ += bytes.substr(0, length);
+    atLineStart_ = bytes[length - 1] == '\n';
+    bytes.remove_prefix(length);
+  }
+  return target_.write(target_.handle, prefixed_.data(), static_cast<int32_t>(prefixed_.size()));
+}
+
 int OutputFault() {
   Tell("standard output: " + WriteFailure());
   return kFileFault;
 }
 
-int KeepFile(NewFile* file, const std::string& name, bool written, int status) {
+int KeepFile(NewFile* file, const std::string& name, bool written, const ReadingOptions& options, int status) {
   std::string message;
   if (!written) return Tell(name + ": " + WriteFailure()), kFileFault;
-  if (status == kFileFault && file->Replaces()) return Tell(name + ": stays as it was"), status;
+  if (status == kFileFault && !options.keepGoing && file->Replaces()) return Tell(name + ": stays as it was"), status;
   if (!file->Keep(&message)) return Tell(message), kFileFault;
   return status;
 }

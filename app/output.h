@@ -24,12 +24,19 @@ class Output {
   bool Failed() const { return file_.failed; }
   OutputFile* File() { return &file_; }
 
+  // From now on every line but empty ones begins with this file's name and two blanks.
+  void SetLinePrefix(std::string_view file);
+
  private:
   static int32_t WriteEscaped(void* output, const char* bytes, int32_t length);
+  int32_t WritePrefixed(std::string_view bytes);
 
   OutputFile file_;
   OutputSink terminal_{};   // where escaped text goes
   bool endsInReturn_ = false;   // what was put last: one without a line feed behind it is a control like any other
+  OutputSink target_{};   // where the lines go that are given their prefix
+  std::string named_, prefix_, prefixed_;
+  bool atLineStart_ = true;
 };
 
 // UTF-8 to Windows-1252; bytes that are no UTF-8 stay as they are. False with the first character that the code page

@@ -49,7 +49,7 @@ LibraryLoader TellingLibraryLoader() {
 PacketRun::PacketRun() = default;
 PacketRun::~PacketRun() = default;
 
-bool PacketRun::Open(const ReadingOptions& options) {
+bool PacketRun::Open(const ReadingOptions& options, const std::vector<std::string>& files) {
   options_ = &options;
   std::string message;
   bool fileFault = false;
@@ -63,11 +63,8 @@ bool PacketRun::Open(const ReadingOptions& options) {
     if (!filter_) return status_ = kUsage, Tell(message), false;
   }
   EndInputOnSignals();
-  reader_ = OpenCapture(options.file.c_str(), &message);
-  if (!reader_) {
-    if (!IsInputEnded()) Tell(message);
-    return status_ = kFileFault, false;
-  }
+  optionsHold_ = true;
+  if (!OpenCaptures(files)) return false;
   session_ = Session::Create(host_->Record(), TellingLibraryLoader());
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());
@@ -75,34 +72,42 @@ bool PacketRun::Open(const ReadingOptions& options) {
   return true;
 }
 
+bool PacketRun::OpenCaptures(const std::vector<std::string>& files) {
+  std::vector<std::unique_ptr<CaptureReader>> readers;
+  for (const std::string& file : files) {
+    std::string message;
+    auto reader = OpenCapture(file.c_str(), &message);
+    if (reader) {
+      readers.push_back(std::move(reader));
+      continue;
+    }
+    status_ = kFileFault;
+    if (!IsInputEnded()) Tell(message);
+    if (!options_->keepGoing || IsInputEnded()) return false;
+  }
+  if (readers.empty()) return false;
+  reader_ = readers.size() == 1 ? std::move(readers[0]) : MergeCaptures(std::move(readers));
+  return true;
+}
+
 bool PacketRun::Matches(const CaptureFrame& frame) {
   if (!options_->selection.Holds(frame.number)) return false;
   if (!filter_) return true;
-  const uint8_t* data = frame.data;
-  size_t moved = 0;
-  if (frame.record) {
-    // A record has the radio or cell header that was captured in front of the frame in an extension block.
-    moved = static_cast<size_t>(MovedHeaderLength(frame.record));
-    capturedBytes_.resize(moved + frame.dataLength);
-    if (moved > 0) std::memcpy(capturedBytes_.data(), MovedHeader(frame.record), moved);
-    if (frame.dataLength > 0) std::memcpy(capturedBytes_.data() + moved, frame.data, frame.dataLength);
-    data = capturedBytes_.data();
-  }
   std::string why;
-  const bool matches = filter_->Matches(frame.linkType, data, frame.dataLength + static_cast<uint32_t>(moved),
-                                        frame.wireLength + static_cast<uint32_t>(moved), &why);
+  const bool matches = filter_->Matches(frame.linkType, frame.data, frame.dataLength, frame.wireLength, &why);
   if (!why.empty()) {
-    Tell(options_->file + ": --filter leaves out the packets of link type " + std::to_string(frame.linkType) + " (" +
-         LinkTypeName(frame.linkType) + "): " + why);
+    Tell(std::string(frame.file) + ": --filter leaves out the packets of link type " + std::to_string(frame.linkType) +
+         " (" + LinkTypeName(frame.linkType) + "): " + why);
   }
   return matches;
 }
 
 // A link type without a decoder is told once: its packets are an empty decode.
-void PacketRun::TellLinkType(uint16_t linkType) {
+void PacketRun::TellLinkType(const CaptureFrame& frame) {
+  const uint16_t linkType = frame.linkType;
   if (std::find(toldLinkTypes_.begin(), toldLinkTypes_.end(), linkType) != toldLinkTypes_.end()) return;
   toldLinkTypes_.push_back(linkType);
-  Tell(options_->file + ": link type " + std::to_string(linkType) + " (" + LinkTypeName(linkType) +
+  Tell(std::string(frame.file) + ": link type " + std::to_string(linkType) + " (" + LinkTypeName(linkType) +
        ") has no decoder; its packets are not decoded");
 }
 
@@ -114,7 +119,7 @@ void PacketRun::TellEnd(ReadResult result) {
   }
   if (builder_->CutFrames() > 0) {
     const uint64_t cut = builder_->CutFrames();
-    Tell(options_->file + ": " + (cut == 1 ? "1 packet is" : std::to_string(cut) + " packets are") +
+    Tell(reader_->FileName() + ": " + (cut == 1 ? "1 packet is" : std::to_string(cut) + " packets are") +
          " longer than a record holds and " + (cut == 1 ? "was cut" : "were cut"));
   }
 }
@@ -125,7 +130,7 @@ void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst) {
   timeNow_ = nanoseconds;
 }
 
-int PacketRun::Pass(const std::function<bool(const FrameRecord*, const CaptureFrame&, bool selected)>& handle) {
+int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)>& handle) {
   CaptureFrame frame;
   ReadResult result = ReadResult::kEnd;
   uint64_t selectedPackets = 0, seen = 0;
@@ -133,23 +138,24 @@ int PacketRun::Pass(const std::function<bool(const FrameRecord*, const CaptureFr
   while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
     if ((seen & 0xF) == 0xF) progress_.Show(reader_->FilePosition(), reader_->FileSize());
     if (frame.number > last) break;
-    const FrameRecord* record = frame.record ? frame.record : builder_->Build(frame);
-    NoteTime(record->nanoseconds, ++seen == 1);
+    NoteTime(frame.nanoseconds, ++seen == 1);
     const bool selected = Matches(frame);
     selectedPackets += selected;
-    if (!handle(record, frame, selected)) break;
+    if (selected && prefixed_) prefixed_->SetLinePrefix(frame.file);
+    if (!handle(frame, selected)) break;
   }
   TellEnd(result);
   return status_;
 }
 
 int PacketRun::ForEach(const Handler& handle) {
-  return Pass([&](const FrameRecord* record, const CaptureFrame& frame, bool selected) {
+  return Pass([&](const CaptureFrame& frame, bool selected) {
     bool goOn = true;
+    const FrameRecord* record = RecordOf(frame);
     if (!selected) {
       session_->Pass(record);
     } else {
-      if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame.linkType);
+      if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame);
       goOn = handle(record, frame, session_->Decode(record));
     }
     host_->FinishPacket();
@@ -158,9 +164,25 @@ int PacketRun::ForEach(const Handler& handle) {
 }
 
 int PacketRun::ForEachRecord(const RecordHandler& handle) {
-  return Pass([&](const FrameRecord* record, const CaptureFrame& frame, bool selected) {
-    return !selected || handle(record, frame);
-  });
+  return ForEachFrame([&](const CaptureFrame& frame) { return handle(RecordOf(frame), frame); });
+}
+
+int PacketRun::ForEachFrame(const FrameHandler& handle) {
+  return Pass([&](const CaptureFrame& frame, bool selected) { return !selected || handle(frame); });
+}
+
+int ForEachRun(const ReadingOptions& options, const std::function<bool(PacketRun& run)>& handle) {
+  int status = kDone;
+  const size_t step = options.merge ? options.files.size() : 1;
+  for (size_t i = 0; i < options.files.size(); i += step) {
+    PacketRun run;
+    const auto first = options.files.begin() + static_cast<ptrdiff_t>(i);
+    const bool opened = run.Open(options, {first, first + static_cast<ptrdiff_t>(step)});
+    const bool goOn = opened ? handle(run) : run.OtherMayOpen();
+    status = std::max(status, run.Status());
+    if (!goOn || IsInputEnded() || (run.Status() == kFileFault && !options.keepGoing)) break;
+  }
+  return status;
 }
 
 }  // namespace qxview

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/options.h"
+#include "app/output.h"
 #include "app/progress.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
@@ -16,8 +17,10 @@ class BpfFilter;
 
 class PacketRun {
  public:
-  // Opens the host and the capture; false when that failed (the message is on standard error, Status() says how).
-  bool Open(const ReadingOptions& options);
+  // Opens the host and the capture, several ones as one run by time; false when that failed (the message is on standard
+  // error, Status() says how, and OtherMayOpen() whether it was for the capture's sake).
+  bool Open(const ReadingOptions& options, const std::vector<std::string>& files);
+  bool OtherMayOpen() const { return optionsHold_; }
   PacketRun();
   ~PacketRun();
 
@@ -31,6 +34,11 @@ class PacketRun {
   // The same without decoding: for commands that keep packets as they are.
   using RecordHandler = std::function<bool(const FrameRecord* record, const CaptureFrame& frame)>;
   int ForEachRecord(const RecordHandler& handle);
+  using FrameHandler = std::function<bool(const CaptureFrame& frame)>;
+  int ForEachFrame(const FrameHandler& handle);
+
+  // From now on what is written of a packet has its file in front of every line.
+  void PrefixLines(Output* out) { prefixed_ = out; }
 
   Session& GetSession() { return *session_; }
   StandaloneHost& Host() { return *host_; }
@@ -42,9 +50,13 @@ class PacketRun {
   int64_t TimeBefore() const { return timeBefore_; }
 
  private:
-  int Pass(const std::function<bool(const FrameRecord*, const CaptureFrame&, bool selected)>& handle);
+  bool OpenCaptures(const std::vector<std::string>& files);
+  int Pass(const std::function<bool(const CaptureFrame&, bool selected)>& handle);
+  const FrameRecord* RecordOf(const CaptureFrame& frame) {
+    return frame.record ? frame.record : builder_->Build(frame);
+  }
   bool Matches(const CaptureFrame& frame);
-  void TellLinkType(uint16_t linkType);
+  void TellLinkType(const CaptureFrame& frame);
   void NoteTime(int64_t nanoseconds, bool isFirst);
   void TellEnd(ReadResult result);
 
@@ -54,11 +66,16 @@ class PacketRun {
   std::unique_ptr<CaptureReader> reader_;
   std::unique_ptr<RecordBuilder> builder_;
   std::unique_ptr<BpfFilter> filter_;
-  std::vector<uint8_t> capturedBytes_;   // of a record, as they were captured
+  Output* prefixed_ = nullptr;
+  bool optionsHold_ = false;
   std::vector<uint16_t> toldLinkTypes_;
   int status_ = kDone;
   int64_t firstTime_ = 0, timeBefore_ = 0, timeNow_ = 0;
   Progress progress_;
 };
+
+// A run for each capture that the options name, or with --merge one for all of them, opened; false ends the command. The
+// result is the exit status.
+int ForEachRun(const ReadingOptions& options, const std::function<bool(PacketRun& run)>& handle);
 
 }  // namespace qxview

@@ -38,29 +38,40 @@ std::vector<XmlAlias> CollectAliases(const AliasTable& table, std::vector<std::s
 }
 
 int ExportXml(const XmlOptions& options) {
-  PacketRun run;
-  if (!run.Open(options.reading)) return run.Status();
   const bool toStandardOutput = options.out == "-";
   NewFile target;
+  std::unique_ptr<XmlExport> document;
+  AliasTable names;
   std::string message;
-  if (!toStandardOutput && !target.Create(options.out, &message)) return Tell(message), kFileFault;
-  const auto document = std::make_unique<XmlExport>(
-      toStandardOutput ? FileSink(StandardOutputFile()) : target.Sink(), LocalOffset);
-  if (toStandardOutput) {
-    SetIdleAction([](void* out) { static_cast<XmlExport*>(out)->Flush(); }, document.get());
-  }
-  YieldTerminal(toStandardOutput ? StandardOutputFile() : target.File());
-  document->Begin();
-  const int status = run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame& frame) {
-    document->AddFrame(frame.number, record);
+  const auto begin = [&](const AliasTable& aliases) {
+    if (!toStandardOutput && !target.Create(options.out, &message)) return Tell(message), false;
+    document = std::make_unique<XmlExport>(toStandardOutput ? FileSink(StandardOutputFile()) : target.Sink(), LocalOffset);
+    if (toStandardOutput) {
+      SetIdleAction([](void* out) { static_cast<XmlExport*>(out)->Flush(); }, document.get());
+    }
+    YieldTerminal(toStandardOutput ? StandardOutputFile() : target.File());
+    document->Begin();
+    names = aliases;
+    return true;
+  };
+  uint64_t before = 0, number = 0;   // the packets of a further capture are numbered on
+  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
+    if (!document && !begin(run.Host().Aliases())) return false;
+    before = number;
+    run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame& frame) {
+      number = before + frame.number;
+      document->AddFrame(number, record);
+      return !document->Failed();
+    });
     return !document->Failed();
   });
   SetIdleAction(nullptr, nullptr);
+  if (!document) return message.empty() ? status : kFileFault;
   std::vector<std::string> texts;
-  const std::vector<XmlAlias> aliases = CollectAliases(run.Host().Aliases(), &texts);
+  const std::vector<XmlAlias> aliases = CollectAliases(names, &texts);
   const bool good = document->Finish(aliases.data(), aliases.size(), 0);
   if (toStandardOutput) return good ? status : OutputFault();
-  return KeepFile(&target, options.out, good, status);
+  return KeepFile(&target, options.out, good, options.reading, status);
 }
 
 }  // namespace
@@ -75,8 +86,8 @@ void AddXmlCommand(CommandLine* line) {
       "  qxview xml capture.pcap packets.xml\n"
       "  qxview xml --packets 10-20 --set AliasFile=names.txt packets.bfr - | less");
   command.SetAction([options] {
-    FinishReadingOptions(&options->reading);
-    return ExportXml(*options);
+    const int status = FinishReadingOptions(&options->reading);
+    return status == kDone ? ExportXml(*options) : status;
   });
 }
 

@@ -21,10 +21,11 @@ _qxview_values() {   # OPTION, what is typed of its value
   case $option in
     --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur") ;;
     -t) mapfile -t COMPREPLY < <(compgen -W "r d a u" -- "$cur") ;;
-    --settings | -o) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
+    --settings | --files-from | -o) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
     --format)
       case ${COMP_WORDS[1]} in
         protocols) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
+        save) mapfile -t COMPREPLY < <(compgen -W "pcap pcapng bfr" -- "$cur") ;;
         *) mapfile -t COMPREPLY < <(compgen -W "tree text json" -- "$cur") ;;
       esac ;;
     --set)
@@ -81,14 +82,15 @@ _qxview() {
     [[ $cur == - ]] || return
   fi
   options="--help --decode-as --settings"
-  [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color"
+  [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color --files-from --merge --keep-going"
+  case $command in decode | find | list | print) options+=" --prefix-file" ;; esac
   case $command in
     decode) options+=" --format --ranges --keys -x" ;;
     find) options+=" --backward" ;;
     list) options+=" -t --wide" ;;
     print) options+=" -o" ;;
     protocols) options+=" --format" ;;
-    save) options+=" --append --partial --name" ;;
+    save) options+=" --format --append --partial --name" ;;
   esac
   mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$options" -- "$cur")
 }

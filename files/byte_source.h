@@ -79,7 +79,4 @@ class BufferedSource : public ByteSource {
 // The bytes of a file, or of standard input for "-", as they stand. Null with a reason when it cannot be opened.
 std::unique_ptr<ByteSource> OpenFileSource(const char* path, std::string* reason);
 
-// The decompressed bytes of a gzip stream of one or more members.
-std::unique_ptr<ByteSource> MakeGzipSource(std::unique_ptr<ByteSource> compressed, std::string* reason);
-
 }  // namespace qxview

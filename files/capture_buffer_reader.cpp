@@ -15,6 +15,34 @@
 namespace qxview {
 namespace {
 
+// The pcap number of the frame's link type. Where the record tells none it follows from the medium; of the protocols of
+// WAN lines the first bytes tell one from another.
+uint16_t LinkTypeOf(const FrameRecord* record) {
+  if (HasFullHeader(record) && (record->linkType != 0 || IsRawFrame(record))) return record->linkType;
+  const uint8_t* data = FrameData(record);
+  const uint32_t start = record->capturedLength >= 2 ? data[0] << 8 | data[1] : 0;
+  switch (static_cast<Medium>(record->mediaType)) {
+    case Medium::kEthernet: return 1;
+    case Medium::kTokenRing: return 6;
+    case Medium::kFddi: return 10;
+    case Medium::kWan:
+    case Medium::kWanUnoffered: return start == 0xFF03 ? 9 : start == 0x0F00 || start == 0x8F00 ? 104 : 107;
+    case Medium::kAtm: return MovedHeaderLength(record) > 0 ? 123 : 100;
+    case Medium::kFibreChannel: return 224;
+    case Medium::kWireless: return 105;
+    default: return 147;   // for private use
+  }
+}
+
+// Bytes of check sequence that the length on the wire counts: of one that the capture cut the record tells those that
+// are there.
+uint8_t CheckSequenceOf(const FrameRecord* record) {
+  if (!HasFullHeader(record)) return 0;
+  const uint32_t present = record->checkSequenceLength;
+  const uint32_t missing = record->wireLength > record->capturedLength ? record->wireLength - record->capturedLength : 0;
+  return static_cast<uint8_t>(present > 0 && missing <= 4 && present + missing <= 4 ? present + missing : present);
+}
+
 class CaptureBufferReader : public CaptureReader {
  public:
   using CaptureReader::CaptureReader;
@@ -86,21 +114,32 @@ class CaptureBufferReader : public CaptureReader {
     elementFault_ = what;
   }
 
+  // The frame as its capture held it: what was moved into an extension block goes back in front of the bytes.
   void Describe(CaptureFrame* frame) {
     const auto* record = reinterpret_cast<const FrameRecord*>(record_);
-    *frame = CaptureFrame{};
+    int32_t movedLength;
+    const uint8_t* moved = FindMovedHeader(record, &movedLength);
     frame->record = record;
     frame->nanoseconds = record->nanoseconds;
-    frame->capturedLength = record->capturedLength;
-    frame->wireLength = WireLength(record);
+    frame->capturedLength = record->capturedLength + static_cast<uint32_t>(movedLength);
+    frame->wireLength = WireLength(record) + static_cast<uint32_t>(movedLength);
     frame->data = FrameData(record);
-    frame->dataLength = record->capturedLength;
-    frame->linkType = HasFullHeader(record) ? record->linkType : 0;
+    if (moved && moved + movedLength == frame->data) {
+      frame->data = moved;
+    } else if (moved) {   // another block stands between them
+      std::memcpy(joined_, moved, static_cast<size_t>(movedLength));
+      std::memcpy(joined_ + movedLength, FrameData(record), record->capturedLength);
+      frame->data = joined_;
+    }
+    frame->dataLength = frame->capturedLength;
+    frame->linkType = LinkTypeOf(record);
     frame->receiveErrors = record->receiveErrors;
     frame->direction = static_cast<LinkDirection>(record->direction);
+    frame->checkSequenceLength = CheckSequenceOf(record);
   }
 
   alignas(8) uint8_t record_[kMaxRecord + 1];
+  uint8_t joined_[kMaxRecord];
   std::string elementFault_;
   uint64_t elementPosition_ = 0;
 };

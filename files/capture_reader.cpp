@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "files/capture_formats.h"
+#include "files/compressed_formats.h"
 
 namespace qxview {
 
@@ -27,6 +28,22 @@ constexpr CaptureFormat kFormats[] = {
     {25, "VantrellPktBufferVersion=", MakeCaptureBufferReader},
 };
 
+struct CompressedFormat {
+  uint8_t magicLength;
+  char magic[8];
+  SourceMaker open;      // null: named with the command that opens it
+  const char* name;
+  const char* command;
+};
+
+constexpr CompressedFormat kCompressed[] = {
+    {2, "\x1F\x8B", MakeGzipSource, "gzip", "gzip -dc"},
+    {4, "\x28\xB5\x2F\xFD", kZstdMaker, "zstd", "zstd -dc"},
+    {4, "\x04\x22\x4D\x18", kLz4Maker, "lz4", "lz4 -dc"},
+    {6, "\xFD" "7zXZ\0", nullptr, "xz", "xz -dc"},
+    {3, "BZh", nullptr, "bzip2", "bzip2 -dc"},
+};
+
 bool StartsWith(ByteSource* source, const char* magic, size_t length) {
   const uint8_t* start = source->Peek(length);
   return start && std::memcmp(start, magic, length) == 0;
@@ -39,8 +56,10 @@ CaptureReader::CaptureReader(std::unique_ptr<ByteSource> source, const char* fil
 
 ReadResult CaptureReader::Next(CaptureFrame* frame) noexcept {
   if (last_ != ReadResult::kFrame) return last_;
+  *frame = CaptureFrame{};
+  frame->file = fileName_.c_str();
   last_ = ReadFrame(frame);
-  if (last_ == ReadResult::kDamaged && source_->IsInterrupted()) {
+  if (last_ == ReadResult::kDamaged && IsInterrupted()) {
     message_.clear();
     last_ = ReadResult::kEnd;
   }
@@ -49,9 +68,9 @@ ReadResult CaptureReader::Next(CaptureFrame* frame) noexcept {
 }
 
 int CaptureReader::Percent() const {
-  uint64_t size = source_->FileSize();
+  uint64_t size = FileSize();
   if (size == 0) return -1;
-  uint64_t position = source_->FilePosition();
+  uint64_t position = FilePosition();
   return position >= size ? 100 : static_cast<int>(static_cast<double>(position) * 100.0 / static_cast<double>(size));
 }
 
@@ -63,6 +82,11 @@ ReadResult CaptureReader::Damaged(uint64_t position, const char* format, ...) {
   va_end(arguments);
   message_ = fileName_ + ": packet " + std::to_string(frames_ + 1) + ", byte " + std::to_string(position) +
              (source_->IsCompressed() ? " of the uncompressed data: " : ": ") + reason;
+  return ReadResult::kDamaged;
+}
+
+ReadResult CaptureReader::DamagedAs(std::string message) {
+  message_ = std::move(message);
   return ReadResult::kDamaged;
 }
 
@@ -83,7 +107,17 @@ std::unique_ptr<CaptureReader> OpenCapture(const char* path, std::string* messag
 std::unique_ptr<CaptureReader> OpenCapture(std::unique_ptr<ByteSource> source, const char* name,
                                            std::string* message) noexcept {
   std::string reason;
-  if (StartsWith(source.get(), "\x1F\x8B", 2)) source = MakeGzipSource(std::move(source), &reason);
+  for (const CompressedFormat& format : kCompressed) {
+    if (!StartsWith(source.get(), format.magic, format.magicLength)) continue;
+    if (format.open) {
+      source = format.open(std::move(source), &reason);
+    } else {
+      reason = std::string("is compressed with ") + format.name + ", which is not read here; it opens with: " +
+               format.command + " FILE | qxview ... -";
+      source = nullptr;
+    }
+    break;
+  }
   for (const CaptureFormat& format : kFormats) {
     if (source && StartsWith(source.get(), format.magic, format.magicLength)) {
       return format.make(std::move(source), name, message);

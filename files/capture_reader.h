@@ -11,11 +11,29 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "core/frame_record.h"
 #include "files/byte_source.h"
 
 namespace qxview {
+
+// What stands in a pcapng block behind its fixed part: options in the byte order of their section.
+struct FileOptions {
+  const uint8_t* at = nullptr;
+  uint32_t length = 0;
+  bool swapped = false;   // the order is not this machine's
+};
+
+// What a capture tells of an interface. Good until the reader is asked for its next frame.
+struct CaptureInterface {
+  uint32_t section;      // counts the sections of a pcapng file; 0 elsewhere
+  uint32_t snapLength;   // 0: no limit, or none told
+  uint8_t checkSequenceLength;
+  uint8_t timeDigits;    // 6: its times are whole microseconds; 9
+  FileOptions options;
+  FileOptions sectionOptions;
+};
 
 // One frame as the capture holds it.
 struct CaptureFrame {
@@ -31,6 +49,10 @@ struct CaptureFrame {
   uint32_t receiveErrors;       // ReceiveError bits
   const FrameRecord* record;   // capture buffer files: the frame's record as it stands; null elsewhere
   uint8_t checkSequenceLength;  // bytes of check sequence that wireLength counts at the frame's end: 0 to 4
+  const CaptureInterface* interface;   // null for capture buffer files
+  FileOptions options;          // pcapng: of the packet
+  uint32_t capture;             // captures that are merged: which of them it comes from, from 0
+  const char* file;             // the capture's name
 };
 
 enum class ReadResult {
@@ -49,6 +71,8 @@ class CaptureReader {
   // Reads the next frame. After kEnd or kDamaged every further call gives the same answer.
   ReadResult Next(CaptureFrame* frame) noexcept;
 
+  const std::string& FileName() const { return fileName_; }
+
   // One line without a line end that names the file, the packet and the byte; empty while nothing is wrong.
   const std::string& Message() const { return message_; }
 
@@ -56,15 +80,21 @@ class CaptureReader {
   int Percent() const;
 
   // The same in bytes of the file, and its size; 0 where that is not known.
-  uint64_t FilePosition() const { return source_->FilePosition(); }
-  uint64_t FileSize() const { return source_->FileSize(); }
+  virtual uint64_t FilePosition() const { return source_->FilePosition(); }
+  virtual uint64_t FileSize() const { return source_->FileSize(); }
 
  protected:
+  // Whether the user ended the input: what is cut by that is not damaged.
+  virtual bool IsInterrupted() const { return source_->IsInterrupted(); }
+
   // Reads one frame; the base numbers it.
   virtual ReadResult ReadFrame(CaptureFrame* frame) = 0;
 
   // Composes the message for damage in the structure that starts at byte `position` and returns kDamaged.
   [[gnu::format(printf, 3, 4)]] ReadResult Damaged(uint64_t position, const char* format, ...);
+
+  // The same with a message that is composed already.
+  ReadResult DamagedAs(std::string message);
 
   // Damaged for data that end inside `what`, or that could not be read on.
   ReadResult CutShort(uint64_t position, const char* what);
@@ -85,6 +115,10 @@ std::unique_ptr<CaptureReader> OpenCapture(const char* path, std::string* messag
 // The same for a source that is open already; `name` stands for it in messages.
 std::unique_ptr<CaptureReader> OpenCapture(std::unique_ptr<ByteSource> source, const char* name,
                                            std::string* message) noexcept;
+
+// The frames of several captures as one, by time: of frames with one time that of the earlier capture comes first. What
+// is wrong with one of them is told when the others have been read.
+std::unique_ptr<CaptureReader> MergeCaptures(std::vector<std::unique_ptr<CaptureReader>> readers);
 
 // The published name of a LINKTYPE number ("LINKTYPE_ETHERNET"); "unknown" for one without.
 const char* LinkTypeName(uint16_t linkType);

@@ -47,9 +47,11 @@ class PcapReader : public CaptureReader {
     if (!UseVersion(order_.Load16(header + 4), order_.Load16(header + 6))) return false;
     uint32_t link = order_.Load32(header + 20);
     linkType_ = NormalizeLinkType(static_cast<uint16_t>(link));
+    interface_.snapLength = order_.Load32(header + 16);
+    interface_.timeDigits = magic == kNanoseconds ? 9 : 6;
     if (link & 0x04000000) {
       uint32_t length = (link >> 28) * 2;
-      checkSequenceLength_ = static_cast<uint8_t>(length < 4 ? length : 4);
+      interface_.checkSequenceLength = static_cast<uint8_t>(length < 4 ? length : 4);
     }
     source_->Skip(kFileHeader);
     return true;
@@ -88,10 +90,8 @@ class PcapReader : public CaptureReader {
     frame->dataLength = static_cast<uint32_t>(present);
     frame->linkType = linkType_;
     frame->interfaceIndex = packetHeader_ == 24 ? order_.Load32(header + 16) : 0;
-    frame->direction = LinkDirection::kUnknown;
-    frame->receiveErrors = 0;
-    frame->record = nullptr;
-    frame->checkSequenceLength = checkSequenceLength_;
+    frame->interface = &interface_;
+    frame->checkSequenceLength = interface_.checkSequenceLength;
     return ReadResult::kFrame;
   }
 
@@ -116,7 +116,7 @@ class PcapReader : public CaptureReader {
   size_t packetHeader_ = 16;
   LengthOrder lengthOrder_ = LengthOrder::kCapturedFirst;
   uint16_t linkType_ = 0;
-  uint8_t checkSequenceLength_ = 0;
+  CaptureInterface interface_{};
   uint64_t overhang_ = 0;  // bytes of the last packet that were not shown
 };
 

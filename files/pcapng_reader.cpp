@@ -6,13 +6,12 @@
 //    enhanced packet      6: 8 4 interface | 12 8 ticks, high word first | 20 4 captured | 24 4 wire | data | options
 //    simple packet        3: 8 4 wire | data; always of interface 0, without a time
 //    packet (obsolete)    2: 8 2 interface | 10 2 drops | 12 8 ticks | 20 4 captured | 24 4 wire | data | options
-//    option: 0 2 code | 2 2 length | value, padded to 4; code 0 ends them
 //
 // Data and options are padded to 4 bytes. Every other block is passed over.
 #include <new>
 #include <vector>
 
-#include "files/capture_formats.h"
+#include "files/pcapng_options.h"
 
 namespace qxview {
 
@@ -30,26 +29,15 @@ constexpr uint32_t kSmallestBlock = 12;
 constexpr uint32_t kLargestBlock = kLargestMessageFrame + (1u << 20);
 constexpr uint32_t kMostInterfaces = 65536;
 
+// What is kept of the options of a section and its interfaces; those of a file that goes beyond are passed over.
+constexpr size_t kMostKeptOptions = 4u << 20;
+
 struct Interface {
   uint16_t linkType;
-  uint8_t checkSequenceLength = 0;
-  uint32_t snapLength;
   TickScale scale;
+  CaptureInterface told;
+  std::vector<uint8_t> options;   // which `told` points into
 };
-
-// A span of options; visits each.
-template <typename Visit>
-void ForEachOption(const FileOrder& order, const uint8_t* at, const uint8_t* end, Visit visit) {
-  while (end - at >= 4) {
-    uint16_t code = order.Load16(at);
-    uint16_t length = order.Load16(at + 2);
-    if (code == 0 || end - at - 4 < length) return;
-    visit(code, length, at + 4);
-    size_t step = 4 + ((size_t{length} + 3) & ~size_t{3});
-    if (static_cast<size_t>(end - at) < step) return;
-    at += step;
-  }
-}
 
 // Writers give the length of the check sequence in bytes or in bits.
 uint8_t CheckSequenceBytes(uint8_t length) {
@@ -104,7 +92,13 @@ class PcapngReader : public CaptureReader {
     uint16_t major = order_.Load16(block + 12);
     if (major != 1) return Damaged(start_, "pcapng version %u.%u is not known", major, order_.Load16(block + 14));
     interfaces_.clear();
-    return PassBlock(LoadLength(block + 4), 28, "a section header");
+    keptOptions_ = 0;
+    ++section_;
+    const uint32_t length = LoadLength(block + 4);
+    block = OpenBlock(length, 28, "a section header");
+    if (!block) return ReadResult::kDamaged;
+    sectionOptions_ = KeepOptions(block + 24, OptionsEnd(block, length));
+    return ReadResult::kEnd;
   }
 
   ReadResult ReadBlock(uint32_t type, CaptureFrame* frame) {
@@ -168,22 +162,41 @@ class PcapngReader : public CaptureReader {
     const uint8_t* block = OpenBlock(length, 20, "an interface description");
     if (!block) return ReadResult::kDamaged;
     if (interfaces_.size() == kMostInterfaces) return Damaged(start_, "more than %u interfaces", kMostInterfaces);
-    Interface added{NormalizeLinkType(order_.Load16(block + 8)), 0, order_.Load32(block + 12), {}};
-    ForEachOption(order_, block + 16, OptionsEnd(block, length),
+    Interface added{NormalizeLinkType(order_.Load16(block + 8)), {}, {}, {}};
+    const uint8_t* const end = OptionsEnd(block, length);
+    ForEachOption({block + 16, static_cast<uint32_t>(end - block - 16), order_.swapped},
                   [&](uint16_t code, uint16_t size, const uint8_t* at) {
-                    if (code == 9 && size == 1) added.scale.resolution = *at;
-                    if (code == 13 && size == 1) added.checkSequenceLength = CheckSequenceBytes(*at);
-                    if (code == 14 && size == 8) added.scale.offsetSeconds = static_cast<int64_t>(order_.Load64(at));
+                    if (code == kInterfaceResolution && size == 1) added.scale.resolution = *at;
+                    if (code == kInterfaceCheckSequence && size == 1) {
+                      added.told.checkSequenceLength = CheckSequenceBytes(*at);
+                    }
+                    if (code == kInterfaceTimeOffset && size == 8) {
+                      added.scale.offsetSeconds = static_cast<int64_t>(order_.Load64(at));
+                    }
                   });
-    interfaces_.push_back(added);
+    added.options = KeepOptions(block + 16, end);
+    added.told.section = section_;
+    added.told.snapLength = order_.Load32(block + 12);
+    added.told.timeDigits = added.scale.resolution <= 6 ? 6 : 9;
+    interfaces_.push_back(std::move(added));
     return ReadResult::kEnd;
+  }
+
+  std::vector<uint8_t> KeepOptions(const uint8_t* at, const uint8_t* end) {
+    const size_t length = static_cast<size_t>(end - at);
+    if (length > kMostKeptOptions - keptOptions_) return {};
+    keptOptions_ += length;
+    return {at, end};
+  }
+  FileOptions OptionsAt(const uint8_t* at, size_t length) const {
+    return {at, static_cast<uint32_t>(length), order_.swapped};
   }
 
   ReadResult ReadPacket(uint32_t length, bool obsolete, CaptureFrame* frame) {
     const uint8_t* block = OpenBlock(length, 32, "a packet block");
     if (!block) return ReadResult::kDamaged;
     uint32_t index = obsolete ? order_.Load16(block + 8) : order_.Load32(block + 8);
-    const Interface* from = FindInterface(index);
+    Interface* from = FindInterface(index);
     if (!from) return ReadResult::kDamaged;
     uint32_t captured = order_.Load32(block + 20);
     if (!FillData(block, 28, captured, length - 32, *from, frame)) return ReadResult::kDamaged;
@@ -194,8 +207,9 @@ class PcapngReader : public CaptureReader {
     const uint8_t* end = OptionsEnd(block, length);
     size_t padded = 28 + ((size_t{captured} + 3) & ~size_t{3});
     if (padded < static_cast<size_t>(end - block)) {
-      ForEachOption(order_, block + padded, end, [&](uint16_t code, uint16_t size, const uint8_t* at) {
-        if (code == 2 && size == 4) UsePacketFlags(order_.Load32(at), frame);
+      frame->options = OptionsAt(block + padded, static_cast<size_t>(end - block) - padded);
+      ForEachOption(frame->options, [&](uint16_t code, uint16_t size, const uint8_t* at) {
+        if (code == kPacketFlags && size == 4) UsePacketFlags(order_.Load32(at), frame);
       });
     }
     return ReadResult::kFrame;
@@ -204,10 +218,10 @@ class PcapngReader : public CaptureReader {
   ReadResult ReadSimplePacket(uint32_t length, CaptureFrame* frame) {
     const uint8_t* block = OpenBlock(length, 16, "a simple packet block");
     if (!block) return ReadResult::kDamaged;
-    const Interface* from = FindInterface(0);
+    Interface* from = FindInterface(0);
     if (!from) return ReadResult::kDamaged;
     uint32_t wire = order_.Load32(block + 8);
-    uint32_t captured = from->snapLength && from->snapLength < wire ? from->snapLength : wire;
+    uint32_t captured = from->told.snapLength && from->told.snapLength < wire ? from->told.snapLength : wire;
     if (!FillData(block, 12, captured, length - 16, *from, frame)) return ReadResult::kDamaged;
     frame->interfaceIndex = 0;
     frame->wireLength = wire;
@@ -216,7 +230,7 @@ class PcapngReader : public CaptureReader {
   }
 
   // Sets the fields that every kind of packet block shares; `room` is what its block has for data.
-  bool FillData(const uint8_t* block, size_t at, uint32_t captured, uint32_t room, const Interface& from,
+  bool FillData(const uint8_t* block, size_t at, uint32_t captured, uint32_t room, Interface& from,
                 CaptureFrame* frame) {
     if (captured > LargestFrame(from.linkType)) {
       Damaged(start_, "a captured length of %u bytes is more than the %u a packet can have", captured,
@@ -231,10 +245,10 @@ class PcapngReader : public CaptureReader {
     frame->data = block + at;
     frame->dataLength = captured < shown_ - at ? captured : static_cast<uint32_t>(shown_ - at);
     frame->linkType = from.linkType;
-    frame->direction = LinkDirection::kUnknown;
-    frame->receiveErrors = 0;
-    frame->record = nullptr;
-    frame->checkSequenceLength = from.checkSequenceLength;
+    frame->checkSequenceLength = from.told.checkSequenceLength;
+    from.told.options = OptionsAt(from.options.data(), from.options.size());
+    from.told.sectionOptions = OptionsAt(sectionOptions_.data(), sectionOptions_.size());
+    frame->interface = &from.told;
     return true;
   }
 
@@ -246,7 +260,7 @@ class PcapngReader : public CaptureReader {
     frame->receiveErrors = ReceiveErrorsOf(flags);
   }
 
-  const Interface* FindInterface(uint32_t index) {
+  Interface* FindInterface(uint32_t index) {
     if (index < interfaces_.size()) return &interfaces_[index];
     Damaged(start_, "a packet of interface %u in a section with %u", index,
             static_cast<uint32_t>(interfaces_.size()));
@@ -260,6 +274,9 @@ class PcapngReader : public CaptureReader {
 
   FileOrder order_;
   std::vector<Interface> interfaces_;  // of the current section
+  std::vector<uint8_t> sectionOptions_;
+  size_t keptOptions_ = 0;
+  uint32_t section_ = 0;
   uint64_t start_ = 0;                 // of the current block
   size_t shown_ = 0;                   // how much of it stands in the window
   uint32_t open_ = 0;                  // its length, until it is left

@@ -3,8 +3,12 @@
 what was there stays.
 
 With QXVIEW_CAPTURES naming a folder, its captures are compared as well."""
+import bz2
 import calendar
 import glob
+import gzip
+import json
+import lzma
 import os
 import re
 import resource
@@ -92,6 +96,94 @@ class RoundTrip(Folder):
         again = os.path.join(self.folder, "wieder Ж€.bfr")
         self.assertEqual(run("save", self.out, again).returncode, 0)
         self.assertEqual(run("decode", "--format", "json", again).stdout.splitlines(), lines)
+
+
+class Formats(Folder):
+    """pcap and pcapng; tests/files_writer_test.cpp holds what they keep."""
+
+    def save(self, name, *arguments, status=0):
+        out = os.path.join(self.folder, name)
+        done = run("save", *arguments, out)
+        self.assertEqual(done.returncode, status, done.stderr)
+        return out, done.stderr.decode()
+
+    def test_by_the_name_and_to_standard_output(self):
+        bfr = self.save("a", LAN)[0]
+        for name, magic in (("a.pcap", b"\xD4\xC3\xB2\xA1"), ("a.PcapNG", b"\x0A\x0D\x0D\x0A")):
+            out = self.save(name, LAN)[0]
+            self.assertEqual(self.read(out)[:4], magic)
+            again = self.save("again.bfr", out)[0]
+            self.assertEqual(self.read(again)[-2000:], self.read(bfr)[-2000:])
+            kind = os.path.splitext(name)[1][1:].lower()
+            self.assertEqual(run("save", "--format", kind, LAN, "-").stdout, self.read(out))
+        self.assertEqual(self.read(os.path.join(self.folder, "a.pcap"))[24:], self.read(LAN)[24:])
+        self.assertEqual(self.read(self.save("c.pcap", bfr)[0])[:4], b"\x4D\x3C\xB2\xA1")   # nanoseconds
+        cut = self.read(self.save("cut.pcap", "--partial", "20", "-c1", LAN)[0])
+        self.assertEqual((len(cut), struct.unpack("<II", cut[32:40])), (24 + 16 + 20, (20, 90)))
+
+    def test_refusals_leave_what_was_there(self):
+        there = self.write("there.pcap", b"what was there")
+        for status, word, arguments in ((2, "--append", ["--append", "--format", "pcap", LAN]),
+                                        (3, "existing file", ["--append", LAN]), (2, "--name", ["--name", "x", LAN]),
+                                        (3, "No packets", ["--packets", "99999", LAN]),
+                                        (3, "there", [LAN, self.write("damaged", self.read(LAN)[:-1])])):
+            self.assertIn(word, self.save("there.pcap", *arguments, status=status)[1])
+            self.assertEqual(self.read(there), b"what was there")
+        self.assertIn("| gzip >", self.save("x.pcap.gz", LAN, status=2)[1])
+        raw = self.write("raw.pcap", self.read(LAN)[:20] + b"\x65" + self.read(LAN)[21:])   # another link type
+        mixed = self.save("mixed.pcapng", LAN, raw)[0]
+        self.assertIn("--format pcapng", self.save("there.pcap", mixed, status=3)[1])
+
+    def test_several_captures(self):
+        names = [os.path.join(ROOT, "samples", name) for name in ("dns.pcap", "vlan.pcap", "lan.pcap")]
+        each = [run("list", name).stdout for name in names]
+        listed = self.write("names.txt", ("\r\n".join(names[1:]) + "\n\n").encode())
+        for arguments in (names, [names[0], "--files-from", listed]):
+            self.assertEqual(run("list", *arguments).stdout, b"".join(each))
+        lines = run("list", "--prefix-file", "-c1", *names).stdout.decode().splitlines()
+        self.assertEqual([line.split("  ")[0] for line in lines], names)
+        merged = run("list", "-t", "u", "--merge", *names).stdout.decode().splitlines()
+        times = [line[8:34] for line in merged]
+        self.assertEqual(times, sorted(times))
+        self.assertEqual(len(merged), sum(len(part.splitlines()) for part in each))
+        both = self.save("both.pcapng", "--merge", *names)[0]
+        self.assertEqual(run("list", "-t", "u", both).stdout.decode().splitlines(), merged)
+        numbers = [json.loads(line)["packet"] for line in run("decode", "--format", "json", *names).stdout.splitlines()]
+        self.assertEqual(numbers.count(1), 3)
+        document = run("xml", *names[:2], "-").stdout
+        self.assertEqual(document.count(b'<Packet Number="1"'), 1)
+
+    def test_what_cannot_be_read_among_several(self):
+        damaged, text = self.write("damaged.pcap", self.read(LAN)[:-1]), self.write("text", b"no capture")
+        for merge in ([], ["--merge"]):
+            stopped = run("list", *merge, text, LAN)
+            self.assertEqual((stopped.returncode, stopped.stdout), (3, b""))
+            done = run("list", "--keep-going", *merge, text, damaged, LAN)
+            self.assertEqual(done.returncode, 3)
+            self.assertEqual(len(done.stdout.splitlines()), 2 * len(run("list", LAN).stdout.splitlines()) - 1)
+            self.assertEqual([name in done.stderr.decode() for name in (text, damaged, LAN)], [True, True, False])
+        row = json.loads(run("decode", "-c1", "--prefix-file", "--format", "json", text, LAN, "--keep-going").stdout)
+        self.assertEqual(row["file"], LAN)
+        hit = run("find", "--prefix-file", "--backward", LAN, os.path.join(ROOT, "samples", "dns.pcap"), LAN, "Packet 1:")
+        self.assertTrue(hit.stdout.startswith(LAN.encode() + b"  >Packet 1:"), hit.stdout[:80])
+        self.assertEqual(run("list", "-", "-").returncode, 2)
+
+    def test_compressed_captures(self):
+        plain = run("list", LAN).stdout
+        packed = {"gzip": gzip.compress(self.read(LAN)), "xz": lzma.compress(self.read(LAN)),
+                  "bzip2": bz2.compress(self.read(LAN))}
+        for tool in ("zstd", "lz4"):
+            if shutil.which(tool) and not WINDOWS:
+                packed[tool] = subprocess.run([tool, "-q", "-c", LAN], capture_output=True, check=True).stdout
+        for tool, data in packed.items():
+            done = run("list", "-", input=data)
+            if tool in ("xz", "bzip2"):
+                self.assertEqual((done.returncode, done.stdout), (3, b""))
+                self.assertIn(f"{tool} -dc FILE | qxview ... -", done.stderr.decode())
+                continue
+            self.assertEqual((done.returncode, done.stdout), (0, plain), tool)
+            cut = run("list", "-", input=data[:-20])
+            self.assertEqual((cut.returncode, b"end early" in cut.stderr), (3, True), cut.stderr)
 
 
 class Faults(Folder):

@@ -28,7 +28,7 @@ class CommandLine(unittest.TestCase):
         for arguments, said in ((["decode"], "FILE is missing"), (["decod"], "nearest is decode"),
                                 (["help", "lst"], "nearest is list"), (["-r", SAMPLE], "list FILE"),
                                 (["decode", SAMPLE, "--pakets", "1"], "nearest is --packets"),
-                                (["decode", "-V", SAMPLE], "-V"), (["decode", SAMPLE, "two"], '"two"'),
+                                (["decode", "-V", SAMPLE], "-V"), (["protocols", "two"], '"two"'),
                                 (["decode", SAMPLE, "--count"], "wants a value"), (["list", "-l=1", SAMPLE], "-="),
                                 (["decode", SAMPLE, "--ranges=1"], "takes no value"),
                                 (["decode", SAMPLE, "-c", "\x1b[1m" + 300 * "9"], '"\\x1B[1m999'),
