@@ -26,12 +26,6 @@ const Bytes kHeaders = Ascii("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n"
 const Bytes kChunkedHeaders =
     Ascii("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nTransfer-Encoding: chunked\r\n\r\n");
 
-std::string BodyTree(const Bytes& body) {
-  const std::string tree = TreeOfRun(DecodeHttpSegment, kHeaders + body);
-  const size_t end = tree.find("  End Headers");
-  return end == std::string::npos ? tree : tree.substr(tree.find('\n', end) + 1);
-}
-
 // The texts of the inflated lines, without the rest of the tree.
 std::string InflatedOf(const std::string& tree) {
   std::string text;
@@ -45,84 +39,6 @@ std::string InflatedOf(const std::string& tree) {
     at = end + 1;
   }
   return text;
-}
-
-TEST(HttpGzip, MemberHeaderWithEveryOptionalField) {
-  const Bytes header = Hex(R"(
-    1F 8B 08 1F  00 00 00 00  04 0B
-    0A 00  41 70 00 02 CA FE  42 00 00 00   # two subfields
-  )") + Ascii("page.html") +
-                       Bytes(1) + Ascii("no comment") + Bytes(1) + Hex("34 12");
-  EXPECT_EQ(BodyTree(header + Deflate("one\r\n\n" + std::string(250, 'x') + "\nlast")),
-            R"(  Identification 1 : 0x1F {43+1}
-  Identification 2 : 0x8B {44+1}
-  Compression Method : 8  (deflate) {45+1}
-  Flags {46+1}
-    000..... : Reserved {46+1}
-    ...1.... : FCOMMENT: TRUE {46+1}
-    ....1... : FNAME: TRUE {46+1}
-    .....1.. : FEXTRA: TRUE {46+1}
-    ......1. : FHCRC: TRUE {46+1}
-    .......1 : FTEXT: TRUE {46+1}
-  MTIME : 0x0  (No time stamp is available) {47+4}
-  Extra Flags : 4  (Compressor used fastest algorithm) {51+1}
-  Operating System : 11  (NTFS filesystem  (NT)) {52+1}
-  Extra Field {53+12}
-    XLEN : 0xA {53+2}
-    SI1 : 0x41  ('A') {55+1}
-    SI2 : 0x70  ('p') {56+1}
-    Length : 2 {57+2}
-    Subfield Data {59+2}
-    SI1 : 0x42  ('B') {61+1}
-    SI2 : 0x0  ('.') {62+1}
-    Length : 0 {63+2}
-  Original File Name : page.html {65+10}
-  File Comment : no comment {75+11}
-  Cyclic Redundancy Check  [CRC] : 4660 {86+2}
-  Inflated gzip Data : one {88+16}
-  Blank Line :  {88+16}
-  Inflated gzip Data : )" +
-                std::string(199, 'x') + R"( {88+16}
-  Inflated gzip Data : last {88+16}
-)");
-}
-
-TEST(HttpGzip, HeadersThatEndEarly) {
-  const Bytes data = Deflate("text\n");
-  EXPECT_EQ(BodyTree(Hex("1F 8B 08 08 00 00 00 01 00 03 61 00") + data),
-            R"(  Identification 1 : 0x1F {43+1}
-  Identification 2 : 0x8B {44+1}
-  Compression Method : 8  (deflate) {45+1}
-  Flags {46+1}
-    000..... : Reserved {46+1}
-    ...0.... : FCOMMENT: FALSE {46+1}
-    ....1... : FNAME: TRUE {46+1}
-    .....0.. : FEXTRA: FALSE {46+1}
-    ......0. : FHCRC: FALSE {46+1}
-    .......0 : FTEXT: FALSE {46+1}
-  MTIME : 0x1 {47+4}
-  Extra Flags : 0  (Unknown) {51+1}
-  Inflated gzip Data : text {55+7}
-)") << "extra flags without a name end the lines, not the header";
-  const std::string longName = BodyTree(Hex("1F 8B 09 08 00 00 00 01 02 FE") + Bytes(512, 'n') + Bytes(1) + data);
-  EXPECT_EQ(longName.find("Original File Name"), std::string::npos);
-  EXPECT_NE(longName.find("Compression Method : 9  (Unknown)"), std::string::npos);
-  EXPECT_NE(longName.find("Operating System : 254  (Unknown)"), std::string::npos);
-  EXPECT_EQ(InflatedOf(longName), "text\n");
-  EXPECT_EQ(InflatedOf(BodyTree(Hex("1F 8B 08 04 00 00 00 01 02 03 FF FF") + data)), "");
-}
-
-TEST(HttpGzip, FormsOfTheBody) {
-  const std::string text = "one\ntwo\n";
-  EXPECT_EQ(InflatedOf(BodyTree(Deflate(text))), text) << "raw deflate";
-  EXPECT_EQ(InflatedOf(BodyTree(Deflate(text, 15))), text) << "zlib's wrapping";
-  EXPECT_EQ(InflatedOf(BodyTree(Ascii("junk") + kPlainHeader + Deflate(text))), text) << "bytes before the magic";
-  EXPECT_EQ(InflatedOf(BodyTree(kPlainHeader + Deflate(text, 15 + 16))), text) << "a member in a member";
-  Bytes broken = kPlainHeader + Deflate(text + std::string(1000, 'x') + text);
-  broken.resize(broken.size() - 4);
-  EXPECT_EQ(InflatedOf(BodyTree(broken)).substr(0, 8), text) << "what was inflated before the end is shown";
-  EXPECT_EQ(InflatedOf(BodyTree(Deflate("one\r"))), "one\r\n") << "a CR before no LF";
-  EXPECT_EQ(BodyTree(Ascii("not compressed")), "");
 }
 
 TEST(HttpGzip, FirstChunkOfAChunkedBody) {

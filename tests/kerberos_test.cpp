@@ -72,41 +72,6 @@ int32_t DecodeSegment(const Place& at, Cursor c) {
   return DecodeKerberos(at, c);
 }
 
-TEST(Kerberos, GroupsOfLinesOfAField) {
-  EXPECT_EQ(TreeOfRun(DecodeKerberos, Wrap(0x74, Sequence(Tag(0, Number("05"))))), R"(Kerberos: KRB-SAFE {0+9}
-  KRB-SAFE Type: {0+1}
-    01......: Class [1] = Application {0+1}
-    ..1.....: Constructed = True {0+1}
-    ...10100: Tag Number = 20 {0+1}
-  KRB-SAFE Length: 7 Bytes {1+1}
-    0.......: Multi-Byte Length Flag = False {1+1}
-    .0000111: Length = 7 Bytes {1+1}
-  Sequence Type: {2+1}
-    00......:  Class [0] = Universal {2+1}
-    ..1.....: Constructed = True {2+1}
-    ...10000: Tag Number = 16 {2+1}
-  Sequence Length: 5 Bytes {3+1}
-    0.......: Multi-Byte Length Flag = False {3+1}
-    .0000101: Length = 5 Bytes {3+1}
-  Protocol Version: 5 {4+5}
-    Field Type: {4+1}
-      10......: Class [2] = Context-Specific {4+1}
-      ..1.....: Constructed = True {4+1}
-      ...00000: Tag Number = 0 {4+1}
-    Field Length: 3 Bytes {5+1}
-      0.......: Multi-Byte Length Flag = False {5+1}
-      .0000011: Length = 3 Bytes {5+1}
-    ASN Type  : [Universal 2] = INTEGER {6+1}
-      00......:  Class [0] = Universal {6+1}
-      ..0.....: Constructed = False {6+1}
-      ...00010: Tag Number = 2 {6+1}
-    ASN Length: 1 {7+1}
-      0.......: Multi-Byte Length Flag = False {7+1}
-      .0000001: Length = 1 Bytes {7+1}
-    ASN Value : 5 {8+1}
-)");
-}
-
 // Messages that no sample holds, and parts that are encrypted in all of them.
 TEST(Kerberos, Messages) {
   const Bytes address = Sequence(Tag(0, Number("14")) + Tag(1, Octets(Hex("484F5354 20202020"))));

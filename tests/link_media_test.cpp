@@ -20,36 +20,6 @@ Record Saved(const Bytes& frame, uint8_t medium) {
   return record;
 }
 
-TEST(TokenRing, ShowsRoutingAndWhatLlcCarries) {
-  const Bytes frame = Hex(R"(10 42  C0 00 FF FF FF FF  82 00 00 00 00 02   # routed: the source's first bit
-                             C6 30 0011 0022)") +
-                      kSnapArp;
-  ExpectInOrder(TreeOf(frame, kTokenRing), {R"(Packet 1:  56 bytes captured {0+56}
-  Network: TokenRing,  Frame type:  LLC,  Protocol:  ARP {0+56}
-  Frame size (including 4 bytes CRC):  60 {0+56}
-Token Ring Header:  02:00:00:00:00:02 -> C0:00:FF:FF:FF:FF {0+20}
-  Access Control: 0x10 {0+1}
-  000.....: Priority = 0 {0+1}
-  ...1....: Token Bit = Frame {0+1}
-  ....0...: Monitor Bit = 0 {0+1}
-  .....000: Reservation = 0 {0+1}
-  Frame Control: 0x42 {1+1}
-  01......: Frame Type = LLC {1+1}
-  ....0010: Priority = 2 {1+1}
-  Destination: C0:00:FF:FF:FF:FF {2+6}
-  Source: 02:00:00:00:00:02 (Source Routed) {8+6}
-  Routing Information: {14+6}
-    Routing Control: 0xC630 {14+2}
-    110..... ........: Broadcast = Spanning Tree {14+2}
-    ...00110 ........: Length = 6 {14+2}
-    ........ 0.......: Direction = As Listed {14+2}
-    ........ .011....: Largest Frame = 4399 bytes {14+2}
-    Ring 0x001, Bridge 0x1 {16+2}
-    Ring 0x002, Bridge 0x2 {18+2}
-802.2 SNAP Header: Ethertype = ARP {20+8})",
-                                            "ARP: Request"});
-}
-
 TEST(TokenRing, ShowsMacVectors) {
   const Bytes frame =
       Hex("10 05  C0 00 FF FF FF FF  02 00 00 00 00 02  0012 00 05  08 02 020000000003  06 0B 00000001 AA");

@@ -1,15 +1,14 @@
-// What holds for every decoder of the registry and any input: no read outside the bytes (each input has an allocation of
-// its exact size, so a sanitizer sees one), every range inside them but for stated ones, the same lines in print as in
-// display mode and as many in a silent pass, no allocation, and bounds of lines, nesting and time. The inputs are payloads
-// of the samples and of tests/seeds.txt: cut at every length and with damaged bytes; and random bytes.
+// What holds for every decoder of the registry and any input: no read outside the bytes (each input has an allocation
+// of its exact size, so a sanitizer sees one), every range inside them but for stated ones, the same lines in print as
+// in display mode and as many in a silent pass, no allocation, and bounds of lines, nesting and time. The inputs are
+// payloads of the samples and of tests/cases: cut at every length and with damaged bytes; and random bytes.
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "core/output_file.h"
+#include "tests/support/cases.h"
 #include "tests/support/samples.h"
 #include "tests/support/small_stack.h"
 
@@ -17,7 +16,7 @@ namespace qxview::testing {
 namespace {
 
 constexpr uint8_t kDamage[] = {0x00, 0x01, 0x7F, 0x80, 0xFF};
-constexpr size_t kMostPlaces = 160;        // of a payload that are cut at and damaged; of a longer one some, evenly spread
+constexpr size_t kMostPlaces = 160;        // of a payload that are cut at and damaged: of a longer one some
 constexpr size_t kMostSeeds = 24;          // of a decoder, out of the samples
 constexpr int32_t kMostLinesAByte = 40;    // above the 100 that the shortest input may have
 constexpr double kMostMilliseconds = 50;
@@ -26,12 +25,7 @@ constexpr double kMostMilliseconds = 50;
 constexpr const char* kStating[] = {"IP: ", "IPv6 Section: ", "DNS:", "Microsoft LLMNR:", "Multicast DNS:",
                                     "Answer Record #", "Authority Record #", "Additional Record #", "TTL: "};
 
-struct Seed {
-  Bytes bytes;
-  uint16_t linkType = 0;
-  Bytes extension{};
-};
-using Seeds = std::map<DecoderFunction, std::vector<Seed>>;
+using Seeds = std::map<DecoderFunction, std::vector<Payload>>;
 
 // Keeps lines as they are added, in the form of the print file: later edits are seen in the tree alone.
 class AddedLines final : public DecodeTree {
@@ -83,44 +77,26 @@ class ThreeModes {
     silent_.context().silent = true;
   }
 
-  // What is wrong with the decode of the seed's bytes; empty when nothing is.
-  std::string Fault(const DecoderRow& row, uint8_t mediaType, const Seed& seed, bool overTcp) {
-    const uint16_t tag = seed.extension.empty() ? 0 : mediaType == 6 ? kExtensionAtm : kExtensionMedium;
-    Record record(seed.bytes, mediaType, tag, seed.extension);
-    record->linkType = seed.linkType;
-    const auto run = [&](TestView& view) {
-      View& v = view.view();
-      ClearDecodeTree(&v, v.tree, true);
-      PacketState& packet = v.context->packet = PacketState{};
-      const Cursor c = MakeCursor(FrameData(record.get()), 0, static_cast<int32_t>(seed.bytes.size()));
-      packet.frame = record.get();
-      packet.linesLeft = kMostLines;
-      packet.ipProtocol = overTcp ? 6 : 17;
-      packet.network.totalLength = c.left;
-      packet.segment = {c.at, overTcp ? c.left : 0, 0, 0, overTcp};
-      row.decode(TopLevel(&v, kFirstLevel), c);
-      return kMostLines - packet.linesLeft;
-    };
+  // What is wrong with the decode of the payload; empty when nothing is.
+  std::string Fault(const Payload& payload) {
+    const size_t size = payload.bytes.size();
+    const auto run = [&](TestView& view) { return RunPayload(view.view(), payload); };
     const auto start = std::chrono::steady_clock::now();
-    const int32_t lines = run(shown_);
+    const int32_t lines = run(shown_).lines;
     const double took = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-    if (took > kMostMilliseconds && BestMilliseconds([&] { run(shown_); }, 3) > kMostMilliseconds) return "takes too long";
-    if (lines > 100 + kMostLinesAByte * static_cast<int32_t>(seed.bytes.size())) return std::to_string(lines) + " lines";
+    const bool isSlow = took > kMostMilliseconds && BestMilliseconds([&] { run(shown_); }, 3) > kMostMilliseconds;
+    if (isSlow) return "takes too long";
+    if (lines > 100 + kMostLinesAByte * static_cast<int32_t>(size)) return std::to_string(lines) + " lines";
     if (shown_.context().packet.nesting != 0) return "the nesting is not taken back";
-    const std::string outside = RangeOutside(seed.bytes.size());
+    const std::string outside = RangeOutside(size);
     if (!outside.empty()) return outside;
-    const auto allocations = [&] {
-      text_.clear();
-      const uint64_t before = CountAllocations();
-      run(printed_);
-      const uint64_t made = CountAllocations() - before;
-      FlushOutput(file_.get());
-      return made;
-    };
-    const uint64_t made = allocations();
+    FlushOutput(file_.get());   // of a second run before
+    text_.clear();
+    const uint64_t made = run(printed_).allocations;
+    FlushOutput(file_.get());
     if (text_ != added_.text) return "prints\n" + text_ + "and shows\n" + added_.text;
-    if (made && allocations()) return "allocates";   // what is made at its first use, or learnt, is there now
-    if (run(silent_) != lines) return "shows\n" + added_.text + "and counts other lines in silence";
+    if (made && run(printed_).allocations) return "allocates";   // what is learnt, or made at its first use, is there
+    if (run(silent_).lines != lines) return "shows\n" + added_.text + "and counts other lines in silence";
     return "";
   }
   const std::vector<std::string>& Shown() const { return added_.lines; }
@@ -152,8 +128,6 @@ class ThreeModes {
   std::string text_;
 };
 
-constexpr int32_t kPortTables = static_cast<int32_t>(DoorKind::kTcpPort);   // these lead to applications again
-
 // Every decoder of the registry once, by the first row that has it; and the table that this row is in.
 struct Subject {
   std::string table;
@@ -164,8 +138,9 @@ const std::vector<Subject>& Subjects() {
   static const std::vector<Subject> kSubjects = [] {
     std::vector<Subject> subjects;
     std::set<DecoderFunction> met;
-    const char* name;
-    for (int32_t table = 0; table < kPortTables; ++table) {
+    // Ports lead to applications again.
+    for (int32_t table = 0; table <= static_cast<int32_t>(DoorKind::kApplication); ++table) {
+      const char* name;
       const DecoderRowSpan span = RegistryTable(static_cast<DoorKind>(table), &name);
       for (int32_t i = 0; i < span.count; ++i) {
         if (met.insert(span.rows[i].decode).second) subjects.push_back({name, &span.rows[i]});
@@ -175,51 +150,13 @@ const std::vector<Subject>& Subjects() {
   }();
   return kSubjects;
 }
-const DecoderRow* RowNamed(const std::string& name) {
-  const char* table;
-  for (int32_t i = 0; i < kPortTables; ++i) {
-    const DecoderRowSpan span = RegistryTable(static_cast<DoorKind>(i), &table);
-    for (int32_t at = 0; at < span.count; ++at) {
-      if (name == std::string(table) + " " + span.rows[at].name) return &span.rows[at];
-    }
-  }
-  return nullptr;
-}
-
-void ReadSeeds(Seeds& seeds) {
-  std::ifstream file(QXVIEW_SEEDS);
-  ASSERT_TRUE(file) << QXVIEW_SEEDS;
-  std::vector<Seed>* row = nullptr;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    size_t start = 0;
-    if (line[0] != ' ') {
-      start = line.find(": ");
-      const DecoderRow* named = RowNamed(line.substr(0, start));
-      ASSERT_TRUE(named) << "no such row of the registry: " << line;
-      row = &seeds[named->decode];
-      row->emplace_back();
-      start += 2;
-    }
-    std::istringstream words(line.substr(start));
-    for (std::string word; words >> word;) {
-      if (word.starts_with("link=")) {
-        row->back().linkType = static_cast<uint16_t>(std::stoi(word.substr(5)));
-      } else if (word.starts_with("extension=")) {
-        row->back().extension = Hex(word.substr(10));
-      } else {
-        row->back().bytes = row->back().bytes + Hex(word);
-      }
-    }
-  }
-}
 
 // What the samples' frames carry, layer by layer.
 void HarvestSamples(Seeds& seeds) {
   NamingHost host;
   TestView view(&host);
   const auto add = [&](const DecoderRow* row, const uint8_t* bytes, int32_t length) {
-    if (row && length > 0) seeds[row->decode].push_back({Bytes(bytes, bytes + length)});
+    if (row && length > 0) seeds[row->decode].push_back({.row = row, .bytes = Bytes(bytes, bytes + length)});
   };
   for (const std::string& sample : Samples()) {
     ForEachRecord(sample, [&](const FrameRecord* record) {
@@ -236,7 +173,9 @@ void HarvestSamples(Seeds& seeds) {
         add(FindIpProtocol(static_cast<uint8_t>(carrier.key)), carrier.bytes, carrier.length);
         add(FindIPv6NextHeader(static_cast<uint8_t>(carrier.key)), carrier.bytes, carrier.length);
       }
-      if (reached.table == DispatchTable::kApplication) add(FindBuiltinDecoder(reached.key), reached.bytes, reached.length);
+      if (reached.table == DispatchTable::kApplication) {
+        add(FindBuiltinDecoder(reached.key), reached.bytes, reached.length);
+      }
     });
   }
 }
@@ -253,22 +192,31 @@ class Properties : public ::testing::TestWithParam<Subject> {
   static const Seeds& AllSeeds() {
     static const Seeds kSeeds = [] {
       Seeds seeds;
-      ReadSeeds(seeds);
+      for (const std::string& file : CaseFiles()) {
+        for (const DecodeCase& each : CasesOf(file)) {
+          if (each.payload.row) seeds[each.payload.row->decode].push_back(each.payload);
+        }
+      }
       HarvestSamples(seeds);
       return seeds;
     }();
     return kSeeds;
   }
-  bool Holds(const Seed& seed) {
-    const std::string fault = modes_.Fault(*GetParam().row, MediaType(), seed, ++inputs_ % 2 == 0);
+  bool Holds(Payload payload) {
+    payload.row = GetParam().row;
+    payload.mediaType = GetParam().table == "medium" ? static_cast<uint8_t>(payload.row->key) : uint8_t{0};
+    payload.overTcp ^= ++inputs_ % 2 == 0;
+    const std::string fault = modes_.Fault(payload);
     if (fault.empty()) return true;
-    std::string digits;
-    for (const uint8_t byte : seed.bytes) digits += "0123456789ABCDEF"[byte >> 4], digits += "0123456789ABCDEF"[byte & 15];
-    ADD_FAILURE() << digits << " over " << (inputs_ % 2 ? "UDP: " : "TCP: ") << fault;
+    std::string digits(2 * payload.bytes.size(), ' ');
+    for (size_t i = 0; i < digits.size(); ++i) {
+      digits[i] = "0123456789ABCDEF"[payload.bytes[i / 2] >> (i % 2 ? 0 : 4) & 15];
+    }
+    ADD_FAILURE() << digits << " over " << (payload.overTcp ? "TCP: " : "UDP: ") << fault;
     return false;
   }
   // Every prefix of the seed, and every byte of it damaged.
-  bool HoldsWhenDamaged(Seed seed) {
+  bool HoldsWhenDamaged(Payload seed) {
     const Bytes whole = seed.bytes;
     const size_t step = whole.size() / kMostPlaces + 1;
     for (size_t length = 0; length <= whole.size(); length += step) {
@@ -285,9 +233,6 @@ class Properties : public ::testing::TestWithParam<Subject> {
     }
     return true;
   }
-  uint8_t MediaType() const {
-    return GetParam().table == "medium" ? static_cast<uint8_t>(GetParam().row->key) : uint8_t{0};
-  }
   ThreeModes modes_;
   uint32_t inputs_ = 0;
 };
@@ -297,17 +242,17 @@ TEST_P(Properties, HoldForAnyInput) {
   const auto next = [&] { return (random = random * 1664525 + 1013904223) >> 16; };
   bool shows = false;
   for (size_t round = 0; round < 300; ++round) {
-    Seed seed{Bytes(next() % (round + 4))};
+    Payload seed{.bytes = Bytes(next() % (round + 4))};
     for (uint8_t& byte : seed.bytes) byte = static_cast<uint8_t>(next());
     if (!Holds(seed)) return;
     shows |= !modes_.Shown().empty();
   }
   const auto found = AllSeeds().find(GetParam().row->decode);
-  EXPECT_TRUE(!shows || found != AllSeeds().end()) << "neither samples nor tests/seeds.txt have a payload for it";
+  EXPECT_TRUE(!shows || found != AllSeeds().end()) << "neither samples nor tests/cases have a payload for it";
   if (found == AllSeeds().end()) return;
   std::set<std::string> labels;
   size_t taken = 0;
-  for (const Seed& seed : found->second) {
+  for (const Payload& seed : found->second) {
     if (!Holds(seed)) return;
     const size_t before = labels.size();
     labels.merge(LabelsOf(modes_.Shown()));

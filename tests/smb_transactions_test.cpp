@@ -71,16 +71,6 @@ Bytes Pipe(int function, const Bytes& data, Way way = kRequest) {
                   .name = Bytes(1) + Wide("\\PIPE\\"), .data = data});
 }
 
-// Messages of one segment, so that replies find the requests in front of them.
-Bytes Segment(const std::vector<Bytes>& messages) {
-  Bytes out;
-  for (const Bytes& message : messages) {
-    const uint8_t length[] = {0, 0, static_cast<uint8_t>(message.size() >> 8), static_cast<uint8_t>(message.size())};
-    out = out + Bytes(std::begin(length), std::end(length)) + message;
-  }
-  return out;
-}
-
 // What the last message shows behind its byte count, offsets from the message's first byte; no bit lines.
 std::string BytesOf(const std::vector<Bytes>& messages) {
   TestView view;
@@ -355,40 +345,6 @@ TEST(SmbTransactions, PipesHandCallsToTheirDecoder) {
                             "05 00 0B 03 10000001 1000 0000 00000000", "05 00 0B 03 10000000 1000 0100 00000000"}) {
     TestView view;
     EXPECT_EQ(view.Run(FindBuiltinDecoder(0x80)->decode, Hex(other)), 0) << other;
-  }
-}
-
-TEST(SmbTransactions, AnyBytesAreRead) {
-  const Bytes path = Bytes(4) + Wide("\\a");
-  const Bytes dfs = Hex("0400 0300 03000000  0100 0E00 0000 0000 6100 6200 0000  0300 1400 0000 0200 0A000000 1400 0100 1400 0000"
-                        "0400 2200 0100 0000 0A000000 2200 2200 2200") + Bytes(16) + Wide("x");
-  const Bytes eas = Hex("19000000 00 04 0300") + Oem("name") + Hex("010203") + Hex("80 01 0000") + Oem("b");
-  const Bytes create = Hex("10000000 00000000 9F011200 0000000000000000 80000000 07000000 01000000 40000000 14000000 14000000"
-                           "04000000 02000000 03 00") + Hex("6100 6200");
-  const Bytes full = Hex("00000000 00 04 0300") + Oem("name") + Hex("010203");
-  const std::vector<std::vector<Bytes>> kDialogues = {
-      {Trans2(16, Hex("0400") + Wide("\\a")), Trans2Reply({}, dfs)},
-      {Trans2(0, Bytes(28) + Wide("a"), eas), Trans2Reply(Bytes(30), {})},
-      {Trans2(5, Hex("0400") + path), Trans2Reply(Bytes(2), eas)},
-      {Trans2(5, Hex("0901") + path), Trans2Reply(Bytes(2), Hex("20000000 04000000") + Bytes(16) + Wide("::") + Bytes(2))},
-      {Trans2(6, Hex("0902") + path, Bytes(18)), Trans2Reply(Bytes(2), Bytes(8) + Hex("0002 0000") + Bytes(100))},
-      {Trans2(3, Hex("0202")), Trans2Reply({}, Bytes(24) + Hex("02000000 01000000 0C000000 00000000") + Bytes(16) +
-                                                   Hex("01 01 000000000005 12000000"))},
-      {Trans2(1, Hex("1600 0A00 0400 0300 00000000") + Wide("*"), Hex("0A000000 04") + Oem("name")),
-       Trans2Reply(Bytes(10), Bytes(26) + Hex("04000000 02 6100 0000"))},
-      {Nt(1, create, Bytes(20) + full), NtReply(Bytes(69 + 32), {})},
-      {Nt(4, {}, {}, Hex("FF0F0000 0140 01 00")), NtReply(Hex("10000000 01000000 04000000 6100 6200") +
-                                                         Hex("00000000 02000000 02000000 6300"), {})},
-      {Nt(7, Bytes(16), Hex("00000000 0C000000 01 01 000000000005 12000000")),
-       NtReply(Bytes(4), Bytes(4) + Hex("0C000000") + Bytes(32) + Hex("01 01 000000000005 12000000"))},
-      {Nt(2, {}, Bytes(32 + 24), Hex("F2401400 0140 01 00")), NtReply({}, Bytes(12), Hex("0C00"))},
-      {Nt(2, {}, {}, Hex("64401400 0140 01 00")), NtReply({}, Bytes(12) + Wide("@GMT-1") + Wide("@GMT-2") + Bytes(2))},
-      {Rap(132, "OOWb54WrLh", "WB21BWDWWDDDDDDDzzzD", Hex("0100") + Bytes(54) + Hex("3600 FF00")),
-       RapReply(Hex("0000 0000 6100"), Bytes(70) + Hex("5000") + Bytes(20))},
-  };
-  for (const auto& dialogue : kDialogues) {
-    const std::string tree = TreeOfRun(DecodeSmbOverTcp, Segment(dialogue));
-    EXPECT_EQ(tree.find("Byte Data"), std::string::npos) << tree;
   }
 }
 

@@ -20,11 +20,6 @@ Bytes Binding(const Bytes& value) { return Wrap(0x30, Hex("06 08 2B0601020101010
 Bytes Request(uint8_t type, const Bytes& bindings, const char* fields = "02 01 2A  02 01 00  02 01 00") {
   return Wrap(type, Hex(fields) + Wrap(0x30, bindings));
 }
-Bytes V3(const char* flags, const Bytes& scoped) {
-  const Bytes usm = Wrap(0x04, Wrap(0x30, Hex("04 05 8000000001  02 01 02  02 02 0100  04 03 626F62  04 00  04 00")));
-  return Wrap(0x30, Hex("02 01 03") + Wrap(0x30, Hex(std::string("02 01 07  02 02 05DC  04 01") + flags + "02 01 03")) +
-                        usm + scoped);
-}
 
 std::string Tree(const Bytes& payload) { return TreeOfRun(DecodeSnmpPayload, payload); }
 
@@ -130,33 +125,6 @@ TEST(Snmp, NamesOfTheMib) {
                  "    Object Value : 1.3 (mgmt.sysDescr.0) {"});
 }
 
-TEST(Snmp, Version3) {
-  const Bytes scoped = Wrap(0x30, Hex("04 02 8001  04 03 637478") + Request(0xA8, {}));
-  ExpectInOrder(Tree(V3("04", scoped)), {
-      "SNMPv3:, Report, ID=42, No Error, EI=0 {0+", "  ASN Sequence Identifier: 0x30 (SNMP Message) {0+1}\n",
-      "  SNMP Sequence Length: ", "  SNMP Version: 3 {2+3}\n",
-      "  ASN Sequence Identifier: 0x30 (Gloabal Data Message) {5+1}\n",
-      "  Global Data Sequence Length: 13 Bytes {6+1}\n",
-      "  Message ID: 7 {7+3}\n", "  Message Max Size: 1500 {10+4}\n",
-      "  Flags: Reportable = True, Privacy = False, Authorization = False {14+3}\n", "    ASN Value : \x04 {16+1}\n",
-      "    00000...: Reserved {16+1}\n", "    .....1..: Reportable = True {16+1}\n",
-      "    ......0.: Privacy = False {16+1}\n", "    .......0: Authorization = False {16+1}\n",
-      "  Security Model: [3] = USM {17+3}\n", "  Security Parameters: {20+",
-      "    Storage Type: [0x04] = OCTET STRING {20+1}\n",
-      "    Security Parameters Length: ", "    ASN Sequence Identifier: 0x30 (User Security Management) {22+1}\n",
-      "    User Security Management Sequence Length: ", "    Authoritative Engine ID: {24+7}\n",
-      "    Authoritative Engine Boots: 2 {31+3}\n", "    Authoritative Engine Time: 256 {34+4}\n",
-      "    Name: bob {38+5}\n",
-      "    Authentication Parameters: {43+2}\n", "    Privacy Parameters: {45+2}\n",
-      "  ASN Sequence Identifier: 0x30 (Parameters) {47+1}\n", "  Parameters Sequence Length: ",
-      "  Context Engine ID: {49+4}\n", "  Name: ctx {53+5}\n", "  PDU: Report {58+1}\n"});
-  const std::string secret = Tree(V3("03", Wrap(0x04, Hex("DEADBEEF"))));
-  ExpectInOrder(secret, {"Privacy = True, Authorization = True {",
-                         "  ASN Sequence Identifier: 0x04 (Parameters) {47+1}\n",
-                         "  Parameters Sequence Length: 4 Bytes {48+1}\n", "  Encrypted SNMP Data {49+4}\n"});
-  EXPECT_EQ(secret.find("Context"), std::string::npos);
-}
-
 int32_t ResultOf(const Bytes& payload) {
   TestView view;
   return view.Run(DecodeSnmpPayload, payload);
@@ -177,15 +145,6 @@ TEST(Snmp, WhatIsNotSnmp) {
   EXPECT_EQ(ResultOf(Message("00", Wrap(0xA0, Hex("02 84 FFFFFFFF")))), 0);
   EXPECT_EQ(ResultOf(Message("00", Wrap(0xA0, Hex("02 01")))), 2);
   EXPECT_EQ(ResultOf(Message("00", {})), 2);
-}
-
-TEST(Snmp, IsReachedAsABuiltinAndByEthertype) {
-  const Bytes payload = Message("00", Request(0xA0, Binding(Hex("05 00"))));
-  ASSERT_TRUE(FindBuiltinDecoder(0x06));
-  EXPECT_EQ(FindBuiltinDecoder(0x06)->decode, &DecodeSnmpPayload);
-  EXPECT_NE(TreeOf(Ethernet(0x814C, payload)).find("\nSNMPv1: public,"), std::string::npos);
-  const Bytes snap = Hex("020000000001 020000000002 0030  AAAA03 000000 814C") + payload;
-  EXPECT_NE(TreeOf(snap).find("\nSNMPv1: public,"), std::string::npos);
 }
 
 // The microseconds of one decode on a small stack.
