@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""What the decoders of the samples' protocols leave to dumps: no more than it was.
+"""What the decoders of the samples' protocols leave to dumps, and what of them tshark tells otherwise: no more than it was.
 
 What cannot be taken apart is set aside: encrypted data, texts of more than 80 octets, the data of files.
 """
 import os
+import shutil
 import subprocess
 import sys
 import unittest
@@ -33,6 +34,15 @@ class FieldCoverage(unittest.TestCase):
                 done = subprocess.run(command, capture_output=True, text=True, timeout=120)
                 print(done.stdout.splitlines()[-1])
                 self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+    @unittest.skipUnless(shutil.which("tshark"), "tshark is not here")
+    def test_agreement(self):
+        least = ["eth=99", "arp=99", "ip=99", "tcp=99", "udp=99", "kerberos=95", "ldap=95", "smb=95", "ipv6=99"]
+        done = subprocess.run([sys.executable, os.path.join(ROOT, "scripts", "oracle.py"), "--qxview", QXVIEW,
+                               *(part for share in least for part in ("--least", share)),
+                               *(os.path.join(ROOT, "samples", f"{name}.pcap") for name in ("kerberos", "lan", "ldap", "smb"))],
+                              capture_output=True, text=True, timeout=300)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
 
 if __name__ == "__main__":
