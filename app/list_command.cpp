@@ -17,7 +17,6 @@
 #include "decoders/app/packet_summaries.h"
 #include "decoders/net/window_scales.h"
 #include "host/packet_addresses.h"
-#include "host/tls_pending.h"
 #include "platform/interruption.h"
 #include "platform/platform.h"
 
@@ -58,7 +57,7 @@ class PacketList {
  public:
   PacketList(const ListOptions& options, PacketRun& run, Output& out)
       : run_(run), out_(out), time_(options.time), host_(run.Host().Record()),
-        cleanText_(run.GetSession().GetEngine()->settings.cleanText), colors_(UsesColor(options.reading.color)) {
+        colors_(UsesColor(options.reading.color)) {
     if (colors_) ResetColorsOnSignal();
     if (!options.wide && !IsTerminal(StandardOutputFile())) return;
     constexpr int32_t kOtherLines = 2;   // of a screenful: titles and prompt
@@ -73,11 +72,8 @@ class PacketList {
     PacketAddresses addresses;
     FormatPacketAddresses(packet, host_, &addresses);
     const uint32_t length = WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record));
-    TlsStream* tls = nullptr;
-    const ReachedLayer& reached = packet.reached;
-    if (reached.table == DispatchTable::kApplication && WantsTlsStream(reached.key)) tls = tls_.Find(packet);
     char summary[kSummarySize];
-    SummarizePacket(run_.GetSession().GetView(), cleanText_, tls, summary, sizeof summary);
+    SummarizePacket(run_.GetSession().GetView(), summary, sizeof summary);
     const std::string_view timeText{time, static_cast<size_t>(timeLength)};
     if (table_) return PutTableRow(number, timeText, addresses, length, summary);
     PutNumber(number, kNumberWidth);
@@ -154,9 +150,8 @@ class PacketList {
   Output& out_;
   ListTime time_;
   const QxHost* const host_;
-  const bool cleanText_, colors_;
+  const bool colors_;
   std::optional<ListTable> table_;
-  TlsPending tls_;
 };
 
 int List(const ListOptions& options) {

@@ -27,16 +27,15 @@ struct alignas(8) StateTable::Kept {
   uint32_t length, capacity;
 };
 
-uint32_t StateTable::SlotSize() const {
-  return RoundUp(row_->valueSize, 8) + (row_->bounds.mostBytes ? sizeof(Kept) : 0);
-}
-
-uint32_t StateTable::EntrySize() const { return sizeof(Entry) + row_->keySize + SlotSize(); }
+StateTable::StateTable(const StateRow& row, StateMemory& memory, const HashSecret& secret)
+    : row_(&row), memory_(&memory), secret_(&secret),
+      slotSize_(RoundUp(row.valueSize, 8) + (row.bounds.mostBytes ? sizeof(Kept) : 0)),
+      entrySize_(sizeof(Entry) + row.keySize + slotSize_) {}
 
 StateTable::Entry* StateTable::At(uint32_t number) const {
   const uint32_t index = number - 1;
   uint8_t* chunk = chunks_[index >> chunkShift_];
-  return reinterpret_cast<Entry*>(chunk + (index & ((1u << chunkShift_) - 1)) * size_t{EntrySize()});
+  return reinterpret_cast<Entry*>(chunk + (index & ((1u << chunkShift_) - 1)) * size_t{entrySize_});
 }
 
 uint8_t* StateTable::KeyOf(Entry* entry) const { return reinterpret_cast<uint8_t*>(entry + 1); }
@@ -44,7 +43,7 @@ uint8_t* StateTable::KeyOf(Entry* entry) const { return reinterpret_cast<uint8_t
 uint8_t* StateTable::Slot(Entry* entry, uint32_t back) const {
   uint32_t index = entry->first + entry->count - back;
   if (index >= entry->capacity) index -= entry->capacity;
-  return entry->values + index * size_t{SlotSize()};
+  return entry->values + index * size_t{slotSize_};
 }
 
 StateTable::Kept* StateTable::KeptOf(uint8_t* slot) const {
@@ -84,7 +83,7 @@ bool StateTable::Start() {
   while (bucketShift_ > 0 && 1u << (32 - bucketShift_) < row_->bounds.mostKeys) --bucketShift_;
   bucketCount_ = 1u << (32 - bucketShift_);
   chunkShift_ = 0;
-  while ((2u << chunkShift_) * size_t{EntrySize()} <= kChunkSize) ++chunkShift_;
+  while ((2u << chunkShift_) * size_t{entrySize_} <= kChunkSize) ++chunkShift_;
   const size_t mostChunks = (row_->bounds.mostKeys >> chunkShift_) + 1;
   const size_t forBuckets = RoundUp(bucketCount_ * sizeof(uint32_t), sizeof(void*));
   buckets_ = static_cast<uint32_t*>(Take(forBuckets + mostChunks * sizeof(uint8_t*)));
@@ -95,7 +94,7 @@ bool StateTable::Start() {
 bool StateTable::AddChunk() {
   const uint32_t entries = 1u << chunkShift_, first = chunkCount_ * entries + 1;
   if (first > row_->bounds.mostKeys) return false;
-  void* chunk = Take(entries * size_t{EntrySize()});
+  void* chunk = Take(entries * size_t{entrySize_});
   if (!chunk) return false;
   chunks_[chunkCount_++] = static_cast<uint8_t*>(chunk);
   for (uint32_t number = first + entries; number-- > first;) {
@@ -114,7 +113,7 @@ uint32_t StateTable::Add(const void* key) {
   Entry* entry = At(number);
   free_ = entry->chain;
   uint8_t* const own = KeyOf(entry);
-  std::memset(entry, 0, EntrySize());
+  std::memset(entry, 0, entrySize_);
   std::memcpy(own, key, row_->keySize);
   entry->values = own + row_->keySize;
   entry->capacity = 1;
@@ -125,7 +124,7 @@ uint32_t StateTable::Add(const void* key) {
   (newest_ ? At(newest_)->newer : oldest_) = number;
   newest_ = asked_ = number;
   ++count_;
-  bytesHeld_ += EntrySize();
+  bytesHeld_ += entrySize_;
   return number;
 }
 
@@ -156,7 +155,7 @@ void StateTable::Drop(uint32_t number) {
   *link = entry->chain;
   if (row_->bounds.mostBytes) {
     for (uint32_t i = 0; i < entry->capacity; ++i) {
-      const Kept* kept = KeptOf(entry->values + i * size_t{SlotSize()});
+      const Kept* kept = KeptOf(entry->values + i * size_t{slotSize_});
       if (!kept->data) continue;
       bytesHeld_ -= kept->capacity + kBlockOverhead;
       Give(kept->data, kept->capacity);
@@ -167,14 +166,14 @@ void StateTable::Drop(uint32_t number) {
   free_ = number;
   if (asked_ == number) asked_ = 0;
   --count_;
-  bytesHeld_ -= EntrySize();
+  bytesHeld_ -= entrySize_;
 }
 
 // ---- The values of an entry ----
 
 void StateTable::DropRing(Entry* entry) {
   if (entry->values == KeyOf(entry) + row_->keySize) return;
-  const size_t size = entry->capacity * size_t{SlotSize()};
+  const size_t size = entry->capacity * size_t{slotSize_};
   Give(entry->values, size);
   bytesHeld_ -= size + kBlockOverhead;
 }
@@ -182,11 +181,11 @@ void StateTable::DropRing(Entry* entry) {
 void StateTable::Grow(Entry* entry) {
   const uint32_t doubled = entry->capacity * 2u, depth = row_->bounds.depth;
   const uint32_t capacity = doubled < depth ? doubled : depth;
-  const size_t size = capacity * size_t{SlotSize()};
+  const size_t size = capacity * size_t{slotSize_};
   auto* ring = static_cast<uint8_t*>(Take(size));
   if (!ring) return;
   for (uint32_t i = 0; i < entry->count; ++i) {
-    std::memcpy(ring + i * size_t{SlotSize()}, Slot(entry, entry->count - i), SlotSize());
+    std::memcpy(ring + i * size_t{slotSize_}, Slot(entry, entry->count - i), slotSize_);
   }
   DropRing(entry);
   entry->values = ring;
@@ -267,7 +266,7 @@ void StateTable::Forget(const void* key) { Drop(Find(key)); }
 
 void StateTable::Clear() {
   while (oldest_) Drop(oldest_);
-  while (chunkCount_) Give(chunks_[--chunkCount_], (size_t{1} << chunkShift_) * EntrySize());
+  while (chunkCount_) Give(chunks_[--chunkCount_], (size_t{1} << chunkShift_) * entrySize_);
   const size_t forBuckets = RoundUp(bucketCount_ * sizeof(uint32_t), sizeof(void*));
   Give(buckets_, forBuckets + ((row_->bounds.mostKeys >> chunkShift_) + 1) * sizeof(uint8_t*));
   buckets_ = nullptr;

@@ -41,8 +41,7 @@ struct StateBytes {
 class StateTable {
  public:
   // Takes no memory before the first value is told. The secret and the row must outlive the table.
-  StateTable(const StateRow& row, StateMemory& memory, const HashSecret& secret)
-      : row_(&row), memory_(&memory), secret_(&secret) {}
+  StateTable(const StateRow& row, StateMemory& memory, const HashSecret& secret);
   ~StateTable() { Clear(); }
   StateTable(const StateTable&) = delete;
   StateTable& operator=(const StateTable&) = delete;
@@ -65,8 +64,6 @@ class StateTable {
   struct Entry;
   struct Kept;   // the bytes of a value
 
-  uint32_t SlotSize() const;
-  uint32_t EntrySize() const;
   Entry* At(uint32_t number) const;
   uint8_t* KeyOf(Entry* entry) const;
   uint8_t* Slot(Entry* entry, uint32_t back) const;
@@ -90,6 +87,7 @@ class StateTable {
   const StateRow* row_;
   StateMemory* memory_;
   const HashSecret* secret_;
+  uint32_t slotSize_, entrySize_;
   uint32_t* buckets_ = nullptr;     // numbers of entries, from 1; 0 ends a chain and the list of free ones
   uint8_t** chunks_ = nullptr;
   int32_t bucketShift_ = 0;

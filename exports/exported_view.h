@@ -8,7 +8,6 @@
 #include "host/completed_host.h"
 #include "host/packet_addresses.h"
 #include "host/session.h"
-#include "host/tls_pending.h"
 #include "qxview/qxview.h"
 
 namespace qxview {
@@ -30,7 +29,6 @@ struct ExportedView {
   uint64_t packets = 0;
   bool hasPacket = false;                      // whether `record` holds one
   PacketLineTexts line;
-  TlsPending tls;
   RecordBuilder builder;
   std::vector<char> text, utf8;                // a line's while it is visited
   std::string valueText;

@@ -43,11 +43,8 @@ void MakeLine(ExportedView* view, const FrameRecord* record) {
   const PacketState& packet = session.Context().packet;
   PacketAddresses addresses;
   FormatPacketAddresses(packet, session.GetEngine()->host, &addresses);
-  const ReachedLayer& reached = packet.reached;
-  TlsStream* tls = nullptr;
-  if (reached.table == DispatchTable::kApplication && WantsTlsStream(reached.key)) tls = view->tls.Find(packet);
   char summary[kSummarySize];
-  SummarizePacket(session.GetView(), session.GetEngine()->settings.cleanText, tls, summary, sizeof summary);
+  SummarizePacket(session.GetView(), summary, sizeof summary);
   view->line = {true, Utf8(addresses.source), Utf8(addresses.destination), Utf8(summary)};
 }
 

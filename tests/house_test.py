@@ -19,6 +19,11 @@ def run(*command, folder="/"):
     return subprocess.run(command, cwd=folder, capture_output=True, text=True, timeout=600, check=False)
 
 
+def read(path):
+    with open(os.path.join(ROOT, path), encoding="utf-8") as file:
+        return file.read()
+
+
 def load_run_tests():
     where = importlib.util.spec_from_file_location("run_tests", os.path.join(ROOT, "scripts", "run_tests.py"))
     module = importlib.util.module_from_spec(where)
@@ -91,6 +96,15 @@ class Texts(unittest.TestCase):
             constants = "|".join(sorted(named[path] | shared))
             compared = re.search(rf"[!=]=\s*(?:{constants})\b(?!\[)|\b(?:{constants})\s*[!=]=", text)
             self.assertIsNone(compared, f"{path}: {compared and compared.group()}: a look-up without a name gives null")
+
+
+class Bounds(unittest.TestCase):
+    def test_of_state_are_told(self):
+        rows = re.findall(r'^QX_STATE\(\w+, "([^"]+)".*?\.mostKeys = (\d+)', read("decoders/state_rows.inc"), re.M)
+        self.assertGreater(len(rows), 2)
+        for name, keys in rows:
+            told = re.search(rf"^\| {re.escape(name)} \| {int(keys):,}\b", read("docs/architecture.md"), re.M)
+            self.assertTrue(told, f"{name}: {keys} keys are not among the bounds of docs/architecture.md")
 
 
 class Totals(unittest.TestCase):

@@ -19,7 +19,7 @@ class ListView {
     view_.Decode(record);
     GuardedBytes output(kSummarySize);
     char* out = reinterpret_cast<char*>(output.At(kSummarySize));
-    SummarizePacket(&view_.view(), true, nullptr, out, kSummarySize);
+    SummarizePacket(&view_.view(), out, kSummarySize);
     return out;
   }
   DefinitionsHost& Host() { return host_; }

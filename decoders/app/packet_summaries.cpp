@@ -5,6 +5,7 @@
 #include "decoders/app/layer_summaries.h"
 #include "decoders/app/rtp_summary.h"
 #include "decoders/link/llc.h"
+#include "decoders/states.h"
 #include "core/top_line.h"
 
 namespace qxview {
@@ -123,22 +124,31 @@ bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
   return tree.Text()[0] != 0;
 }
 
-}  // namespace
-
-bool WantsTlsStream(uint32_t builtinIndex) {
-  const DecoderRow* row = FindBuiltinDecoder(builtinIndex);
-  return row && (row->protocol->summary == SummarizeTls || row->protocol->summary == SummarizeHttps);
+// The summary with what the connection's TLS records before left, for the protocols that TLS carries as a rule.
+bool Summarize(const View* view, SummaryFunction summarize, SummaryInput input, char* out, int32_t size) {
+  if (summarize != SummarizeTls && summarize != SummarizeHttps) return summarize(input, out, size) && out[0];
+  const ConnectionKey key = DirectionOf(view->context->packet);
+  const TlsStream* known = Recall(view, kTlsStreams, key);
+  const TlsStream before = known ? *known : TlsStream{};
+  TlsStream stream = before;
+  input.tls = &stream;
+  const bool summarized = summarize(input, out, size) && out[0];
+  const bool changed = stream.pending != before.pending || stream.encrypted != before.encrypted;
+  if (changed) Remember(view, kTlsStreams, key, stream);
+  return summarized;
 }
 
-void SummarizePacket(View* view, bool cleanText, TlsStream* tls, char* out, int32_t size) {
+}  // namespace
+
+void SummarizePacket(View* view, char* out, int32_t size) {
   constexpr uint32_t kTcp = 6;
   const PacketState& packet = view->context->packet;
   const ReachedLayer& reached = packet.reached;
   const ProtocolRow* protocol = ReachedProtocol(reached);
   if (protocol && protocol->summary && reached.table == DispatchTable::kApplication) {
-    const SummaryInput input{reached.bytes,          reached.length, packet.sourcePort, packet.destinationPort,
-                             packet.carrier.key == kTcp, cleanText,  tls};
-    if (protocol->summary(input, out, size) && out[0]) return;
+    const SummaryInput input{reached.bytes, reached.length, packet.sourcePort, packet.destinationPort,
+                             packet.carrier.key == kTcp, view->engine->settings.cleanText, nullptr};
+    if (Summarize(view, protocol->summary, input, out, size)) return;
   }
   if (protocol && !protocol->summary && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) return;
   DescribeLayers(packet, out, size);

@@ -45,14 +45,12 @@ int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeFix(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeGiop(const SummaryInput& in, char* out, int32_t outSize);
 
-// Whether the protocol is carried over TLS as a rule, so that its summary wants `tls`.
-bool WantsTlsStream(uint32_t builtinIndex);
-
 constexpr int32_t kSummarySize = 512;
 
 // The line of the frame whose headers the view has just decoded: the application's summary, its decoder's top line, or
-// the line of the layer that was reached. `cleanText` and `tls` as above. size >= 1.
-void SummarizePacket(View* view, bool cleanText, TlsStream* tls, char* out, int32_t size);
+// the line of the layer that was reached. Once a frame: what its TLS records leave is kept for the connection's next
+// ones. size >= 1.
+void SummarizePacket(View* view, char* out, int32_t size);
 
 // Protocols without an exported summary (rpc_summary.cpp).
 int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize);
