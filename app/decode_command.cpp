@@ -15,6 +15,7 @@ enum class Format { kTree, kText, kJson };
 struct DecodeOptions {
   ReadingOptions reading;
   Format format = Format::kTree;
+  TimeForm time = TimeForm::kUtc;
   bool ranges = false;
   bool keys = false;
   bool bytes = false;
@@ -34,6 +35,7 @@ int Decode(const DecodeOptions& options) {
     Session& session = run.GetSession();
     hasMemory = !options.keys || KeepFacts(&session.Context(), true);
     if (!hasMemory) return Tell("no memory for keys"), false;
+    run.ShowNotes(options.time);
     if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
     if (options.reading.prefixFile && options.format != Format::kJson) run.PrefixLines(out.get());
     run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
@@ -66,6 +68,7 @@ void AddDecodeCommand(CommandLine* line) {
   command.AddChoice<Format>("--format", "FORMAT", "tree, text (as the save-as-text mode writes) or json",
                             {{"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
                             &options->format);
+  AddTimeOption(&command, &options->time);
   command.AddFlag("--ranges", "each line's byte range behind it (tree)", &options->ranges);
   command.AddFlag("--keys", "each line's key and value: behind it, in json as \"key\" and \"value\"", &options->keys);
   command.AddFlag("-x", "the frame's bytes: behind its tree, in json as \"bytes\"", &options->bytes);

@@ -57,6 +57,7 @@ bool ShowMatch(PacketRun& run, const FindOptions& options, const std::string& fi
 bool FindIn(PacketRun& run, const FindOptions& options, bool* written) {
   DecodeContext& context = run.GetSession().Context();
   StartFind(context, options);
+  run.ShowNotes(TimeForm::kUtc);
   int32_t lastIndex = -1;
   std::string file;
   run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {

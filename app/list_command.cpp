@@ -56,7 +56,8 @@ std::string_view WithoutName(std::string_view summary, std::string_view protocol
 class PacketList {
  public:
   PacketList(const ListOptions& options, PacketRun& run, Output& out)
-      : run_(run), out_(out), time_(options.time), host_(run.Host().Record()),
+      : run_(run), out_(out), time_(options.time),
+        sixDigits_(options.time != TimeForm::kEpoch && options.time != TimeForm::kIso), host_(run.Host().Record()),
         colors_(UsesColor(options.reading.color)) {
     if (colors_) ResetColorsOnSignal();
     if (!options.wide && !IsTerminal(StandardOutputFile())) return;
@@ -68,7 +69,8 @@ class PacketList {
   void Put(const FrameRecord* record, uint64_t number) {
     const PacketState& packet = run_.GetSession().Context().packet;
     char time[ListTime::kSize];
-    const int32_t timeLength = time_.Format(record->nanoseconds, run_.FirstTime(), run_.TimeBefore(), time);
+    const int32_t digits = sixDigits_ || record->nanoseconds % 1000 == 0 ? 6 : 9;
+    const int32_t timeLength = time_.Format(run_.Times(), digits, time);
     PacketAddresses addresses;
     FormatPacketAddresses(packet, host_, &addresses);
     const uint32_t length = WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record));
@@ -149,6 +151,7 @@ class PacketList {
   PacketRun& run_;
   Output& out_;
   ListTime time_;
+  const bool sixDigits_;   // forms that align; the others are exact
   const QxHost* const host_;
   const bool colors_;
   std::optional<ListTable> table_;
@@ -180,13 +183,7 @@ void AddListCommand(CommandLine* line) {
   Command& command = line->Add("list", "one line a packet: number, time, addresses, length, summary");
   AddReadingOptions(&command, &options->reading);
   AddPrefixOption(&command, &options->reading);
-  command.AddChoice<TimeForm>("-t", "FORM",
-                              "time: r since the first packet, d since the one before, a local, u UTC",
-                              {{"r", TimeForm::kRelative},
-                               {"d", TimeForm::kDelta},
-                               {"a", TimeForm::kAbsolute},
-                               {"u", TimeForm::kUtc}},
-                              &options->time);
+  AddTimeOption(&command, &options->time);
   command.AddFlag("--wide", "with all columns, not cut to the terminal's width", &options->wide);
   command.SetExamples(
       "Examples:\n"

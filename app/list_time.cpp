@@ -1,5 +1,6 @@
 #include "app/list_time.h"
 
+#include "app/command_line.h"
 #include "core/formatter.h"
 #include "host/time_text.h"
 #include "platform/platform.h"
@@ -24,19 +25,52 @@ int64_t ListTime::OffsetAt(int64_t seconds) {
   return localOffset_;
 }
 
-int32_t ListTime::Format(int64_t nanoseconds, int64_t first, int64_t before, char* out) {
-  if (form_ == TimeForm::kAbsolute || form_ == TimeForm::kUtc) {
+int32_t ListTime::Format(const PacketTimes& times, int32_t digits, char* out) {
+  int64_t nanoseconds = times.now;
+  if (form_ == TimeForm::kAbsolute || form_ == TimeForm::kUtc || form_ == TimeForm::kIso) {
     if (form_ == TimeForm::kAbsolute) nanoseconds += OffsetAt(FloorSeconds(nanoseconds)) * kPerSecond;
     FormatUtcTime(nanoseconds, out, kSize);
-    out[10] = ' ';   // in place of the T between date and time
-    out[26] = 0;     // to the microsecond
-    return 26;
+    int32_t length = 20 + digits;
+    if (form_ == TimeForm::kIso) {
+      out[length++] = 'Z';
+    } else {
+      out[10] = ' ';   // in place of the T between date and time
+    }
+    out[length] = 0;
+    return length;
   }
-  const uint64_t start = static_cast<uint64_t>(form_ == TimeForm::kRelative ? first : before);
-  const int64_t elapsed = static_cast<int64_t>(static_cast<uint64_t>(nanoseconds) - start);
+  const int64_t start = form_ == TimeForm::kEpoch      ? 0
+                        : form_ == TimeForm::kRelative ? times.first
+                        : form_ == TimeForm::kDelta    ? times.before
+                                                       : times.shownBefore;
+  const int64_t elapsed = static_cast<int64_t>(static_cast<uint64_t>(nanoseconds) - static_cast<uint64_t>(start));
   const uint64_t size = elapsed < 0 ? 0 - static_cast<uint64_t>(elapsed) : static_cast<uint64_t>(elapsed);
-  const uint32_t micro = static_cast<uint32_t>(size % kPerSecond / 1000);
-  return FormatInto(out, kSize, "%s%I64u.%06u", elapsed < 0 ? "-" : "", size / kPerSecond, micro);
+  const char* const sign = elapsed < 0 ? "-" : "";
+  const uint32_t fraction = static_cast<uint32_t>(size % kPerSecond);
+  if (digits == 9) return FormatInto(out, kSize, "%s%I64u.%09u", sign, size / kPerSecond, fraction);
+  return FormatInto(out, kSize, "%s%I64u.%06u", sign, size / kPerSecond, fraction / 1000);
+}
+
+std::string ListTime::Line(const PacketTimes& times, bool isInNanoseconds) {
+  static constexpr const char* kSince[] = {" since the first packet", " since the packet before",
+                                           " since the packet shown before", " local time", " UTC", "", ""};
+  char text[kSize];
+  Format(times, isInNanoseconds || times.now % 1000 != 0 ? 9 : 6, text);
+  return std::string("Time: ") + text + kSince[static_cast<size_t>(form_)];
+}
+
+void AddTimeOption(Command* command, TimeForm* form) {
+  command->AddChoice<TimeForm>("-t", "FORM",
+                               "time: r since the first packet, d since the one before, dd since the one shown before, "
+                               "a local, u UTC, e seconds since 1970, i ISO 8601",
+                               {{"r", TimeForm::kRelative},
+                                {"d", TimeForm::kDelta},
+                                {"dd", TimeForm::kDeltaShown},
+                                {"a", TimeForm::kAbsolute},
+                                {"u", TimeForm::kUtc},
+                                {"e", TimeForm::kEpoch},
+                                {"i", TimeForm::kIso}},
+                               form);
 }
 
 }  // namespace qxview

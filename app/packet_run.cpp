@@ -124,10 +124,14 @@ void PacketRun::TellEnd(ReadResult result) {
   }
 }
 
-void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst) {
-  if (isFirst) firstTime_ = timeNow_ = nanoseconds;
-  timeBefore_ = timeNow_;
-  timeNow_ = nanoseconds;
+void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst, bool selected) {
+  if (isFirst) times_.first = times_.now = nanoseconds;
+  times_.before = times_.now;
+  times_.now = nanoseconds;
+  if (!selected) return;
+  times_.shownBefore = hasShown_ ? lastShown_ : nanoseconds;
+  lastShown_ = nanoseconds;
+  hasShown_ = true;
 }
 
 int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)>& handle) {
@@ -138,8 +142,8 @@ int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)
   while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
     if ((seen & 0xF) == 0xF) progress_.Show(reader_->FilePosition(), reader_->FileSize());
     if (frame.number > last) break;
-    NoteTime(frame.nanoseconds, ++seen == 1);
     const bool selected = Matches(frame);
+    NoteTime(frame.nanoseconds, ++seen == 1, selected);
     selectedPackets += selected;
     if (selected && prefixed_) prefixed_->SetLinePrefix(frame.file);
     if (!handle(frame, selected)) break;
@@ -156,6 +160,7 @@ int PacketRun::ForEach(const Handler& handle) {
       session_->Pass(record);
     } else {
       if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame);
+      if (notes_) record = notes_->Add(record, frame, times_);
       goOn = handle(record, frame, session_->Decode(record));
     }
     host_->FinishPacket();

@@ -6,6 +6,7 @@
 
 #include "app/options.h"
 #include "app/output.h"
+#include "app/packet_notes.h"
 #include "app/progress.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
@@ -44,10 +45,12 @@ class PacketRun {
   StandaloneHost& Host() { return *host_; }
   int Status() const { return status_; }
 
-  // Times in nanoseconds, for the handler: of the capture's first packet, and of the one before the current packet (of
-  // the first packet for itself), selected or not.
-  int64_t FirstTime() const { return firstTime_; }
-  int64_t TimeBefore() const { return timeBefore_; }
+  // For the handler: the times of the current packet and of those before it.
+  const PacketTimes& Times() const { return times_; }
+
+  // From now on the lines under a packet's first one tell what the capture does beside the packet's bytes, and its time in
+  // this form.
+  void ShowNotes(TimeForm form) { notes_ = std::make_unique<PacketNotes>(form); }
 
  private:
   bool OpenCaptures(const std::vector<std::string>& files);
@@ -57,7 +60,7 @@ class PacketRun {
   }
   bool Matches(const CaptureFrame& frame);
   void TellLinkType(const CaptureFrame& frame);
-  void NoteTime(int64_t nanoseconds, bool isFirst);
+  void NoteTime(int64_t nanoseconds, bool isFirst, bool selected);
   void TellEnd(ReadResult result);
 
   const ReadingOptions* options_ = nullptr;
@@ -70,7 +73,10 @@ class PacketRun {
   bool optionsHold_ = false;
   std::vector<uint16_t> toldLinkTypes_;
   int status_ = kDone;
-  int64_t firstTime_ = 0, timeBefore_ = 0, timeNow_ = 0;
+  PacketTimes times_;
+  int64_t lastShown_ = 0;
+  bool hasShown_ = false;
+  std::unique_ptr<PacketNotes> notes_;
   Progress progress_;
 };
 

@@ -25,6 +25,7 @@ int Print(const PrintOptions& options) {
   };
   const int status = ForEachRun(options.reading, [&](PacketRun& run) {
     if (!out && !begin()) return false;
+    run.ShowNotes(TimeForm::kUtc);
     run.GetSession().SetOutput(kPrintMode, out->File());
     if (options.reading.prefixFile) run.PrefixLines(out.get());
     run.ForEach([&](const FrameRecord*, const CaptureFrame&, int32_t) {

@@ -20,7 +20,7 @@ _qxview_values() {   # OPTION, what is typed of its value
   local option=$1 cur=$2
   case $option in
     --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur") ;;
-    -t) mapfile -t COMPREPLY < <(compgen -W "r d a u" -- "$cur") ;;
+    -t) mapfile -t COMPREPLY < <(compgen -W "r d dd a u e i" -- "$cur") ;;
     --settings | --files-from | -o) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
     --format)
       case ${COMP_WORDS[1]} in
@@ -85,7 +85,7 @@ _qxview() {
   [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color --files-from --merge --keep-going"
   case $command in decode | find | list | print) options+=" --prefix-file" ;; esac
   case $command in
-    decode) options+=" --format --ranges --keys -x" ;;
+    decode) options+=" -t --format --ranges --keys -x" ;;
     find) options+=" --backward" ;;
     list) options+=" -t --wide" ;;
     print) options+=" -o" ;;

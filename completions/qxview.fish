@@ -53,7 +53,7 @@ complete -c qxview -n '__fish_seen_subcommand_from decode' -l ranges -d 'byte ra
 complete -c qxview -n '__fish_seen_subcommand_from decode' -l keys -d 'keys and values'
 complete -c qxview -n '__fish_seen_subcommand_from decode' -s x -d 'the bytes of each frame'
 complete -c qxview -n '__fish_seen_subcommand_from find' -l backward -d 'the last match'
-complete -c qxview -n '__fish_seen_subcommand_from list' -s t -x -a 'r d a u' -d 'times'
+complete -c qxview -n '__fish_seen_subcommand_from decode list' -s t -x -a 'r d dd a u e i' -d 'times'
 complete -c qxview -n '__fish_seen_subcommand_from list' -l wide -d 'not cut to the terminal'
 complete -c qxview -n '__fish_seen_subcommand_from protocols' -l format -x -a 'text json' -d 'output format'
 complete -c qxview -n '__fish_seen_subcommand_from print' -s o -r -d 'output file'

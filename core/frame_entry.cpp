@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/civil_date.h"
+
 namespace qxview {
 namespace {
 
@@ -46,6 +48,7 @@ int32_t DecodeRawFrame(const Place& at, Cursor c, const FrameRecord* record) {
   AddLine(in, Ahead(c, Left(c)), "Network: Raw IP,  Frame type:  %s", name ? name : kUnknown);
   AddLine(in, Ahead(c, Left(c)), "Frame network size: %lu", WireLength(record));
   AddPartialSize(in, c);
+  AddCaptureLines(in);
   TakeBytes(c, record->rawSkip);
   const Place network = Deeper(at);
   if (record->rawEthertype == kRawLlc) return CallDecoder(network, c, DecodeLlc, "Raw Data");
@@ -65,6 +68,7 @@ int32_t DecodeForced(const Place& at, Cursor c, const ForcedDecodingSettings& fo
   const Place in = AddFrameSummary(at, c);
   AddLine(in, Ahead(c, Left(c)), "Frame network size: %lu", WireLength(PacketOf(at).frame));
   AddPartialSize(in, c);
+  AddCaptureLines(in);
   TakeBytes(c, forced.skipBytes);
   return DecodeForcedPayload(Deeper(at), c, forced);
 }
@@ -145,6 +149,35 @@ void AddPartialSize(const Place& in, const Cursor& c) {
   const FrameRecord* record = PacketOf(in).frame;
   if (record->partial == 1) {
     AddLine(in, Ahead(c, Left(c)), "Saved partial packet size:  %lu", record->capturedLength);
+  }
+}
+
+void AddCaptureLines(const Place& in) {
+  constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
+  constexpr int64_t kPerSecond = 1000000000;
+  const FrameRecord* record = PacketOf(in).frame;
+  int32_t left;
+  const char* note = reinterpret_cast<const char*>(FindExtension(record, kExtensionNotes, &left));
+  if (record->nanoseconds != 0 && (left == 0 || note[0] == 0)) {
+    const int64_t rest = record->nanoseconds % kPerSecond;
+    const CivilTime time = TimeOfSecond(record->nanoseconds / kPerSecond - (rest < 0));
+    const uint32_t fraction = static_cast<uint32_t>(rest < 0 ? rest + kPerSecond : rest);
+    char digits[12];
+    if (fraction % 1000 == 0) {
+      FormatInto(digits, sizeof digits, "%06u", fraction / 1000);
+    } else {
+      FormatInto(digits, sizeof digits, "%09u", fraction);
+    }
+    AddLine(in, kNowhere, "Time: %04u-%02u-%02u %02u:%02u:%02u.%s UTC", static_cast<uint32_t>(time.year), time.month,
+            time.day, time.hour, time.minute, time.second, static_cast<const char*>(digits));
+  }
+  while (left > 0) {
+    const void* end = std::memchr(note, 0, static_cast<size_t>(left));
+    if (!end) return;
+    const int32_t length = static_cast<int32_t>(static_cast<const char*>(end) - note);
+    if (length > 0) AddLine(in, kNowhere, "%s", note);
+    note += length + 1;
+    left -= length + 1;
   }
 }
 

@@ -20,6 +20,13 @@ Place AddFrameSummary(const Place& at, const Cursor& c);
 // The size lines under the summary that media share: "Saved partial packet size" for a partial record.
 void AddPartialSize(const Place& in, const Cursor& c);
 
+// What is shown of a frame beside its bytes: texts, each ended by a zero byte. The first is how its time is shown, empty
+// for UTC; each further one is a line. Records of files do not have it, whoever shows them may add it.
+constexpr uint16_t kExtensionNotes = 2;
+
+// The last lines under the summary: the time of capture, where the record has one, and its notes.
+void AddCaptureLines(const Place& in);
+
 // The number in the buffer the frame was captured in, where the record carries it.
 bool OriginalPacketNumber(const FrameRecord* record, uint64_t* number);
 

@@ -30,7 +30,9 @@ def output_of(*command):
 
 def read_by_tshark(path):
     fields = [word for field in FIELDS for word in ("-e", field)]
-    return output_of("tshark", "-n", "--only-protocols", "frame", "-r", path, "-T", "fields", *fields)[0].splitlines()
+    rows = output_of("tshark", "-n", "-r", path, "-T", "fields", *fields)[0].splitlines()
+    # What an interface without a name is called, in the files that have interfaces.
+    return [row.replace(b"\tunknown\t", b"\t\t") for row in rows]
 
 
 def read_by_tcpdump(path):
@@ -90,7 +92,7 @@ class Comparison:
             remark = f"{len(before)} and {len(after)} packets"
             if wrong:
                 remark += f"; packet {wrong[0] + 1}: {before[wrong[0]]} / {after[wrong[0]]}"
-            self.judge(capture, "tshark", before == after, remark + f" ({said})")
+            self.judge(capture, "tshark", before == after and after, remark + f" ({said})")
         if "tcpdump" in self.tools:
             before = read_by_tcpdump(capture)
             if not before:

@@ -162,6 +162,7 @@ int32_t DecodeAtmFrame(const Place& at, Cursor c) {
   AddLine(in, Ahead(frame, Left(frame)), "Network: ATM, Frame Type: %s", NameFraming(framing));
   AddLine(in, Ahead(frame, Left(frame)), "Frame network size: %lu", WireLength(record));
   AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
+  AddCaptureLines(in);
   AddCellLines(at, cell);
   DecodeFraming(at, c, framing);
   return 1;

@@ -90,6 +90,7 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", NameFrameType(c));
   AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
+  AddCaptureLines(in);
   if (!DecodeMacHeader(at, c)) AddRawRest(at, c, "Raw Data");
   return 1;
 }

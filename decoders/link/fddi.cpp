@@ -89,6 +89,7 @@ int32_t DecodeFddiFrame(const Place& at, Cursor c) {
           Left(c) >= 1 ? TypeOf(c.at[0]).name : kUnknown, NameProtocol(c));
   AddLine(in, whole, "Frame size (including 4 bytes CRC):  %lu", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kShownWide, checkSequence);
+  AddCaptureLines(in);
   CallDecoder(at, c, DecodeFddiHeader, "Raw Data");
   return 1;
 }

@@ -169,6 +169,7 @@ int32_t DecodeFibreChannelFrame(const Place& at, Cursor c) {
   AddLine(in, whole, "Frame network size: %lu%s", WireLength(record),
           delimited ? " (including SOF, CRC and EOF)" : "");
   AddClosingSummaryLines(in, c, OriginalNumber::kShown, Field{});
+  AddCaptureLines(in);
   if (delimited) DecodeDelimiters(at, c);
   CallDecoder(at, c, DecodeHeader, "Raw Data");
   return 1;

@@ -57,6 +57,7 @@ int32_t DecodeIsl(const Place& at, Cursor c) {
           SizeWithCheckSequence(PacketOf(at).frame, 4));
   const Field checkSequence = CutCheckSequence(at, c);
   AddClosingSummaryLines(summary, frame, OriginalNumber::kHidden, checkSequence);
+  AddCaptureLines(summary);
 
   const Place in = Under(at, AddLine(at, Ahead(frame, kHeaderLength), "Encapsulation: ISL"));
   const IslHeader header = AddHeaderLines(in, c);

@@ -12,7 +12,7 @@ constexpr int32_t kMacAddressLength = 6;
 // none.
 Field CutCheckSequence(const Place& at, Cursor& c);
 
-// The last lines under a frame's summary: the saved size of a partial frame, its number in the buffer it was captured
+// Lines under a frame's summary: the saved size of a partial frame, its number in the buffer it was captured
 // in (of media that show it), the check sequence.
 enum class OriginalNumber { kHidden, kShown, kShownWide };
 void AddClosingSummaryLines(const Place& in, const Cursor& frame, OriginalNumber number, const Field& checkSequence);

@@ -185,6 +185,7 @@ int32_t DecodeTokenRingFrame(const Place& at, Cursor c) {
           LookupName(kFrameTypes, FrameTypeOf(c), kUnknown), NameProtocol(c));
   AddLine(in, whole, "Frame size (including 4 bytes CRC):  %lu", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kShown, checkSequence);
+  AddCaptureLines(in);
   CallDecoder(at, c, DecodeTokenRingHeader, "Raw Data");
   return 1;
 }

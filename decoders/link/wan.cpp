@@ -58,6 +58,7 @@ int32_t DecodeWanFrame(const Place& at, Cursor c) {
   AddLine(in, Ahead(frame, Left(frame)), "Frame network size: %lu", WireLength(record));
   AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
   AddTrafficFlow(in, frame, record);
+  AddCaptureLines(in);
   CallDecoder(at, c, protocol.decode, "Raw Data");
   return 1;
 }

@@ -260,6 +260,7 @@ int32_t DecodeWirelessFrame(const Place& at, Cursor c) {
   AddLine(in, whole, "Network: Wireless 802.11, Frame Type: %s", Left(c) < 2 ? kUnknown : SubtypeName(ControlOf(c)));
   AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kShown, checkSequence);
+  AddCaptureLines(in);
   DecodeRadioHeader(at);
   CallDecoder(at, c, DecodeHeader, "Raw Data");
   return 1;
