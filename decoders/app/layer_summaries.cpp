@@ -29,7 +29,7 @@ constexpr LayerRow kLlcServices[] = {
 constexpr LayerRow kIpProtocols[] = {
     {6, DescribeTcp}, {17, DescribeUdp}, {46, DescribeRsvp}, {47, DescribeGre},
     {50, DescribeEsp}, {88, DescribeEigrp}, {89, DescribeOspf}, {103, DescribePim},
-    {112, DescribeVrrp}, {132, DescribeSctp}, {135, DescribeMobility},
+    {132, DescribeSctp}, {135, DescribeMobility},
 };
 
 // Protocols behind a SNAP header of one maker, whose numbers lie below those of Ethertypes.

@@ -39,7 +39,6 @@ void DescribeMobility(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeOspf(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeEigrp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribePim(SummaryText& text, Cursor c, const PacketState& packet);
-void DescribeVrrp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeRsvp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeTcp(SummaryText& text, Cursor c, const PacketState& packet);
 void DescribeUdp(SummaryText& text, Cursor c, const PacketState& packet);

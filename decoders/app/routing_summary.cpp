@@ -1,5 +1,5 @@
 // The packet list's text for routing protocols that IP carries: OSPF (RFC 2328, RFC 5340), EIGRP (RFC 7868), PIM
-// (RFC 7761), VRRP (RFC 5798), RSVP (RFC 2205).
+// (RFC 7761), RSVP (RFC 2205).
 #include "decoders/app/layer_summaries.h"
 
 namespace qxview {
@@ -58,22 +58,6 @@ void DescribePim(SummaryText& text, Cursor c, const PacketState&) {
   const Field first = TakeU8(c);
   Add(text, "PIM");
   if (first.here) Add(text, "v%u %s", first.value >> 4, LookupName(kPimNames, first.value & 15));
-}
-
-void DescribeVrrp(SummaryText& text, Cursor c, const PacketState& packet) {
-  const Field first = TakeU8(c), router = TakeU8(c), priority = TakeU8(c), count = TakeU8(c);
-  TakeU32(c);   // interval, checksum
-  Add(text, "VRRP");
-  if (!first.here) return;
-  Add(text, "v%u Advertisement", first.value >> 4);
-  if (router.here) Add(text, ", Router: %u", router.value);
-  if (priority.here) Add(text, ", Priority: %u", priority.value);
-  if (!count.here || count.value == 0) return;
-  const bool isFour = packet.source.kind == kIPv4Kind;
-  const Field address = TakeBytes(c, isFour ? 4 : 16);
-  if (!address.here) return;
-  if (isFour) return Add(text, ", Address: %s", IPv4Text(address.bytes));
-  Add(text, ", Address: %s", IPv6Text(address.bytes));
 }
 
 void DescribeRsvp(SummaryText& text, Cursor c, const PacketState&) {
