@@ -117,6 +117,35 @@ void RestoreSelection(View* view) {
   if (reached) tree->Select(reached);
 }
 
+void AddTimeAndNotes(const Place& in) {
+  constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
+  constexpr int64_t kPerSecond = 1000000000;
+  const FrameRecord* record = PacketOf(in).frame;
+  int32_t left;
+  const char* note = reinterpret_cast<const char*>(FindExtension(record, kExtensionNotes, &left));
+  if (record->nanoseconds != 0 && (left == 0 || note[0] == 0)) {
+    const int64_t rest = record->nanoseconds % kPerSecond;
+    const CivilTime time = TimeOfSecond(record->nanoseconds / kPerSecond - (rest < 0));
+    const uint32_t fraction = static_cast<uint32_t>(rest < 0 ? rest + kPerSecond : rest);
+    char digits[12];
+    if (fraction % 1000 == 0) {
+      FormatInto(digits, sizeof digits, "%06u", fraction / 1000);
+    } else {
+      FormatInto(digits, sizeof digits, "%09u", fraction);
+    }
+    AddLine(in, kNowhere, "Time: %04u-%02u-%02u %02u:%02u:%02u.%s UTC", static_cast<uint32_t>(time.year), time.month,
+            time.day, time.hour, time.minute, time.second, static_cast<const char*>(digits));
+  }
+  while (left > 0) {
+    const void* end = std::memchr(note, 0, static_cast<size_t>(left));
+    if (!end) return;
+    const int32_t length = static_cast<int32_t>(static_cast<const char*>(end) - note);
+    if (length > 0) AddLine(in, kNowhere, "%s", note);
+    note += length + 1;
+    left -= length + 1;
+  }
+}
+
 }  // namespace
 
 const char* ReceiveErrorNote(uint32_t receiveErrors) {
@@ -152,33 +181,13 @@ void AddPartialSize(const Place& in, const Cursor& c) {
   }
 }
 
+// The capture's lines are those of no protocol: their keys are the frame's.
 void AddCaptureLines(const Place& in) {
-  constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
-  constexpr int64_t kPerSecond = 1000000000;
-  const FrameRecord* record = PacketOf(in).frame;
-  int32_t left;
-  const char* note = reinterpret_cast<const char*>(FindExtension(record, kExtensionNotes, &left));
-  if (record->nanoseconds != 0 && (left == 0 || note[0] == 0)) {
-    const int64_t rest = record->nanoseconds % kPerSecond;
-    const CivilTime time = TimeOfSecond(record->nanoseconds / kPerSecond - (rest < 0));
-    const uint32_t fraction = static_cast<uint32_t>(rest < 0 ? rest + kPerSecond : rest);
-    char digits[12];
-    if (fraction % 1000 == 0) {
-      FormatInto(digits, sizeof digits, "%06u", fraction / 1000);
-    } else {
-      FormatInto(digits, sizeof digits, "%09u", fraction);
-    }
-    AddLine(in, kNowhere, "Time: %04u-%02u-%02u %02u:%02u:%02u.%s UTC", static_cast<uint32_t>(time.year), time.month,
-            time.day, time.hour, time.minute, time.second, static_cast<const char*>(digits));
-  }
-  while (left > 0) {
-    const void* end = std::memchr(note, 0, static_cast<size_t>(left));
-    if (!end) return;
-    const int32_t length = static_cast<int32_t>(static_cast<const char*>(end) - note);
-    if (length > 0) AddLine(in, kNowhere, "%s", note);
-    note += length + 1;
-    left -= length + 1;
-  }
+  PacketState& packet = PacketOf(in);
+  const char* const medium = packet.protocol;
+  packet.protocol = "frame";
+  AddTimeAndNotes(in);
+  packet.protocol = medium;
 }
 
 bool OriginalPacketNumber(const FrameRecord* record, uint64_t* number) {

@@ -60,6 +60,7 @@ int32_t DecodeVrrp(const Place& at, Cursor c) {
   }
   if (version == kVersion2) ShowRows<Vrrp>(in, c, kPassword, vrrp);
   CoverBytes(in, c);
+  c.ranShort = false;   // what is left of an address that is cut
   AddBlock(in, Rest(c), "VRRP Data");
   return 1;
 }
