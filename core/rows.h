@@ -26,13 +26,14 @@ struct Names {
   int32_t count = 0;
   const char* (*of)(uint32_t value) = nullptr;
   const char* unnamed = kUnknown;
+  bool here = false;   // compilers that check addresses do not compare them with null at compile time
   constexpr Names() = default;
-  constexpr Names(const char* (*name)(uint32_t)) : of(name) {}   // NOLINT: implicit by design
+  constexpr Names(const char* (*name)(uint32_t)) : of(name), here(true) {}   // NOLINT: implicit by design
   template <size_t kRows>
-  constexpr Names(const NameTable<kRows>& table) : rows(table.rows), count(kRows) {}   // NOLINT: implicit by design
+  constexpr Names(const NameTable<kRows>& table) : rows(table.rows), count(kRows), here(true) {}   // NOLINT: implicit by design
   constexpr Names(const NameTableEntry* table, int32_t entries, const char* other)
-      : rows(table), count(entries), unnamed(other) {}
-  constexpr bool Here() const { return rows || of; }
+      : rows(table), count(entries), unnamed(other), here(true) {}
+  constexpr bool Here() const { return here; }
   const char* NameOf(uint32_t value) const { return of ? of(value) : LookupName(rows, value, count, unnamed); }
 };
 template <size_t kRows>
@@ -322,7 +323,7 @@ consteval void CheckBits(const Row<T>* rows, size_t count) {
     const uint64_t mask = ((uint64_t{1} << row.bitCount) - 1) << (width - row.firstBit - row.bitCount);
     if (taken & mask) RowsHoldBitsThatOverlap();
     taken |= mask;
-    for (int32_t i = 0; row.names.rows && i < row.names.count; ++i) {
+    for (int32_t i = 0; i < row.names.count; ++i) {
       if (uint64_t{row.names.rows[i].code} >> row.bitCount) RowsHoldNamesThatTheirBitsCannotTake();
     }
   }
