@@ -78,7 +78,7 @@ namespace detail {
 
 // The text of a form: what its conversions take is told.
 template <size_t kSize>
-consteval RowText FormText(const char (&literal)[kSize], RowValue first, RowValue second = RowValue::kValue,
+constexpr RowText FormText(const char (&literal)[kSize], RowValue first, RowValue second = RowValue::kValue,
                            RowValue third = RowValue::kName, RowValue fourth = RowValue::kUnit) {
   RowText made{literal, {}, {first, second, third, fourth}};
   int32_t count = 0, start = 0, at = 0;
@@ -97,7 +97,7 @@ consteval RowText FormText(const char (&literal)[kSize], RowValue first, RowValu
 
 // A text that a decoder gives: numbers take the row's value and %s its name; of a bit row the first %s is the picture.
 template <size_t kSize>
-consteval RowText ToldText(const char (&literal)[kSize], RowForm form, bool isNamed, bool hasPicture) {
+constexpr RowText ToldText(const char (&literal)[kSize], RowForm form, bool isNamed, bool hasPicture) {
   RowText made = FormText(literal, RowValue::kNumber);
   for (int32_t i = 0; made.pieces[i].conversion; ++i) {
     if (made.pieces[i].conversion != static_cast<uint32_t>(Conversion::kText)) {
@@ -116,33 +116,33 @@ consteval RowText ToldText(const char (&literal)[kSize], RowForm form, bool isNa
   return made;
 }
 
-consteval RowText NumberText(bool isNamed, bool hasUnit) {
+constexpr RowText NumberText(bool isNamed, bool hasUnit) {
   if (isNamed && hasUnit) return FormText("%s: %I64u%s", RowValue::kLabel, RowValue::kNumber, RowValue::kUnit);
   if (hasUnit) return FormText("%s: %I64u%s", RowValue::kLabel, RowValue::kNumber, RowValue::kUnit);
   if (isNamed) return FormText("%s: %I64u = %s", RowValue::kLabel, RowValue::kNumber, RowValue::kName);
   return FormText("%s: %I64u", RowValue::kLabel, RowValue::kNumber);
 }
-consteval RowText SignedText(bool hasUnit) {
+constexpr RowText SignedText(bool hasUnit) {
   if (hasUnit) return FormText("%s: %I64d%s", RowValue::kLabel, RowValue::kNumber, RowValue::kUnit);
   return FormText("%s: %I64d", RowValue::kLabel, RowValue::kNumber);
 }
-consteval RowText HexText(uint8_t size, bool isNamed) {
+constexpr RowText HexText(uint8_t size, bool isNamed) {
   RowText made = isNamed ? FormText("%s: 0x%I64X = %s", RowValue::kLabel, RowValue::kNumber, RowValue::kName)
                          : FormText("%s: 0x%I64X", RowValue::kLabel, RowValue::kNumber);
   made.pieces[1].precision = 2u * size;
   return made;
 }
-consteval RowText BitsText(bool isNamed, bool hasUnit) {
+constexpr RowText BitsText(bool isNamed, bool hasUnit) {
   RowText made = isNamed   ? FormText("%s: %s = %u (%s)", RowValue::kPicture, RowValue::kLabel, RowValue::kNumber)
                  : hasUnit ? FormText("%s: %s = %u%s", RowValue::kPicture, RowValue::kLabel, RowValue::kNumber)
                            : FormText("%s: %s = %u", RowValue::kPicture, RowValue::kLabel, RowValue::kNumber);
   made.takes[3] = isNamed ? RowValue::kName : RowValue::kUnit;
   return made;
 }
-consteval RowText FlagText() {
+constexpr RowText FlagText() {
   return FormText("%s: %s = %s", RowValue::kPicture, RowValue::kLabel, RowValue::kName);
 }
-consteval RowText ValueText() { return FormText("%s: %s", RowValue::kLabel, RowValue::kValue); }
+constexpr RowText ValueText() { return FormText("%s: %s", RowValue::kLabel, RowValue::kValue); }
 
 }  // namespace detail
 

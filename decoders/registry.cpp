@@ -66,13 +66,16 @@ constexpr Protocol kProtocols[] = {
 };
 constexpr size_t kProtocolCount = sizeof kProtocols / sizeof kProtocols[0];
 
-consteval size_t CountDoors(DoorKind kind) {
+constexpr size_t CountDoors(DoorKind kind) {
   size_t count = 0;
   for (const Protocol& protocol : kProtocols) {
     for (int32_t i = 0; i < protocol.doorCount; ++i) count += protocol.doors[i].kind == kind;
   }
   return count;
 }
+
+template <DoorKind kKind>
+constexpr size_t kDoorCount = CountDoors(kKind);
 
 template <size_t kRows>
 struct DoorTable {
@@ -81,7 +84,7 @@ struct DoorTable {
 
 template <DoorKind kKind>
 consteval auto MakeTable() {
-  DoorTable<CountDoors(kKind)> table{};
+  DoorTable<kDoorCount<kKind>> table{};
   size_t count = 0;
   for (const Protocol& protocol : kProtocols) {
     for (int32_t i = 0; i < protocol.doorCount; ++i) {
@@ -115,7 +118,7 @@ const DecoderRow* FindIn(const DecoderRow* rows, size_t count, uint32_t key) {
 }
 template <DoorKind kKind>
 const DecoderRow* FindRow(uint32_t key) {
-  return FindIn(kTable<kKind>.rows, CountDoors(kKind), key);
+  return FindIn(kTable<kKind>.rows, kDoorCount<kKind>, key);
 }
 
 struct NamedTable {
@@ -124,7 +127,7 @@ struct NamedTable {
 };
 template <DoorKind kKind>
 constexpr NamedTable TableOf(const char* name) {
-  return {name, {kTable<kKind>.rows, static_cast<int32_t>(CountDoors(kKind))}};
+  return {name, {kTable<kKind>.rows, static_cast<int32_t>(kDoorCount<kKind>)}};
 }
 constexpr NamedTable kTables[] = {
     TableOf<DoorKind::kMedium>("medium"),
