@@ -8,11 +8,6 @@
 namespace qxview {
 namespace {
 
-constexpr auto kArpNames = SortedNames({
-    {1, "Request"}, {2, "Reply"}, {3, "Reverse Request"}, {4, "Reverse Reply"}, {8, "Inverse Request"},
-    {9, "Inverse Reply"},
-});
-
 constexpr auto kEapolNames = SortedNames({
     {0, "EAP Packet"}, {1, "Start"}, {2, "Logoff"}, {3, "Key"}, {4, "Alert"}, {5, "MKA"},
 });

@@ -1,9 +1,8 @@
-// The packet list's text for protocols with a place in the dispatch but no exported summary: ONC RPC (RFC 5531), DCE RPC
-// (MSRPC), Kerberos (RFC 4120), FCIP (RFC 3821).
+// The packet list's text for protocols with a place in the dispatch but no exported summary: ONC RPC (RFC 5531), FCIP
+// (RFC 3821).
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
-#include "decoders/asn1/kerberos.h"
 
 namespace qxview {
 namespace {
@@ -12,13 +11,6 @@ constexpr auto kProgramNames = SortedNames({
     {100000, "Portmapper"}, {100001, "RSTAT"}, {100002, "RUSERS"}, {100003, "NFS"}, {100004, "YPSERV"},
     {100005, "MOUNT"}, {100007, "YPBIND"}, {100009, "YPPASSWD"}, {100011, "RQUOTA"}, {100012, "SPRAY"},
     {100021, "NLM"}, {100024, "STAT"}, {100026, "BOOTPARAM"}, {100227, "NFSACL"}, {150001, "PCNFSD"},
-});
-
-constexpr auto kDcePacketNames = SortedNames({
-    {0, "Request"}, {1, "Ping"}, {2, "Response"}, {3, "Fault"}, {4, "Working"}, {5, "No Call"}, {6, "Reject"},
-    {7, "Ack"}, {8, "Cancel"}, {9, "Fack"}, {10, "Cancel Ack"}, {11, "Bind"}, {12, "Bind Ack"}, {13, "Bind Nak"},
-    {14, "Alter Context"}, {15, "Alter Context Response"}, {16, "Auth3"}, {17, "Shutdown"}, {18, "Cancel"},
-    {19, "Orphaned"},
 });
 
 }  // namespace
