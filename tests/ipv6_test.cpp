@@ -10,7 +10,7 @@ int32_t DecodeIPv6(const Place& at, Cursor c);
 namespace testing {
 namespace {
 
-constexpr uint8_t kHopByHop = 0, kRouting = 43, kFragment = 44, kEsp = 50, kAh = 51, kNone = 59, kDestination = 60,
+constexpr uint8_t kHopByHop = 0, kFragment = 44, kAh = 51, kNone = 59, kDestination = 60,
                   kMobility = 135, kUnknownNext = 253;
 
 // What follows the 9 lines of the fixed header.

@@ -1,6 +1,7 @@
 // State between frames: the table against a plain model of it, its hash, its bounds, and what is recorded and replayed.
 #include "core/states.h"
 
+#include <chrono>
 #include <deque>
 #include <list>
 #include <set>
