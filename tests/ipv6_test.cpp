@@ -10,8 +10,8 @@ int32_t DecodeIPv6(const Place& at, Cursor c);
 namespace testing {
 namespace {
 
-constexpr uint8_t kHopByHop = 0, kFragment = 44, kAh = 51, kNone = 59, kDestination = 60,
-                  kMobility = 135, kUnknownNext = 253;
+constexpr uint8_t kHopByHop = 0, kFragment = 44, kNone = 59, kDestination = 60,
+                  kUnknownNext = 253;
 
 // What follows the 9 lines of the fixed header.
 std::string Behind(uint8_t nextHeader, const Bytes& payload) {
