@@ -23,16 +23,16 @@ namespace qxview {
 // A table of names as rows refer to it, or a function in place of a table. Values without a name are `unnamed`.
 struct Names {
   const NameTableEntry* rows = nullptr;
-  int32_t count = 0;
   const char* (*of)(uint32_t value) = nullptr;
   const char* unnamed = kUnknown;
+  int32_t count = 0;
   bool here = false;   // compilers that check addresses do not compare them with null at compile time
   constexpr Names() = default;
   constexpr Names(const char* (*name)(uint32_t)) : of(name), here(true) {}   // NOLINT: implicit by design
   template <size_t kRows>
   constexpr Names(const NameTable<kRows>& table) : rows(table.rows), count(kRows), here(true) {}   // NOLINT: implicit by design
   constexpr Names(const NameTableEntry* table, int32_t entries, const char* other)
-      : rows(table), count(entries), unnamed(other), here(true) {}
+      : rows(table), unnamed(other), count(entries), here(true) {}
   constexpr bool Here() const { return here; }
   const char* NameOf(uint32_t value) const { return of ? of(value) : LookupName(rows, value, count, unnamed); }
 };
@@ -122,6 +122,9 @@ constexpr RowText NumberText(bool isNamed, bool hasUnit) {
   if (isNamed) return FormText("%s: %I64u = %s", RowValue::kLabel, RowValue::kNumber, RowValue::kName);
   return FormText("%s: %I64u", RowValue::kLabel, RowValue::kNumber);
 }
+constexpr RowText CodedText() {
+  return FormText("%s: [%I64u] = %s", RowValue::kLabel, RowValue::kNumber, RowValue::kName);
+}
 constexpr RowText SignedText(bool hasUnit) {
   if (hasUnit) return FormText("%s: %I64d%s", RowValue::kLabel, RowValue::kNumber, RowValue::kUnit);
   return FormText("%s: %I64d", RowValue::kLabel, RowValue::kNumber);
@@ -198,8 +201,13 @@ struct RowData {
   consteval Row<T> SizedBy(Field T::*member) const;
 };
 
+// A row that takes its bytes itself, and may keep values and see those of the rows before it.
+template <class T>
+using RowTake = void (*)(const Place& in, Cursor& c, const char* label, T& out);
+
 template <class T>
 struct Row : RowData {
+  RowTake<T> take = nullptr;
   Field T::*into = nullptr;
   uint64_t T::*intoWide = nullptr;
   Field T::*sizedBy = nullptr;
@@ -241,6 +249,13 @@ consteval RowData Number(uint8_t size, const char* label, Names names = {}) {
 template <size_t kSize>
 consteval RowData Number(uint8_t size, const char* label, const char (&unit)[kSize]) {
   return {.label = label, .line = detail::NumberText(false, true), .unit = unit, .size = size};
+}
+// "Label: [5] = Name", "Undefined" for a value without one.
+consteval RowData Coded(uint8_t size, const char* label, Names names) {
+  RowData row = Number(size, label, names);
+  row.line = detail::CodedText();
+  row.names.unnamed = kUndefined;
+  return row;
 }
 consteval RowData Hex(uint8_t size, const char* label, Names names = {}) { return Number(size, label, names).Hex(); }
 consteval RowData Signed(uint8_t size, const char* label, const char* unit = nullptr) {
@@ -302,6 +317,16 @@ consteval RowData Shown(uint8_t size, const char* label, RowShow show) {
   return {.label = label, .show = show, .form = RowForm::kShown, .size = size};
 }
 
+// A field or several that a function of the decoder takes from the cursor: texts, lists, what other values decide.
+template <class T>
+consteval Row<T> Shown(const char* label, void (*take)(const Place& in, Cursor& c, const char* label, T& out)) {
+  Row<T> row;
+  row.label = label;
+  row.form = RowForm::kShown;
+  row.take = take;
+  return row;
+}
+
 // A decoder's table, checked when it compiles: bits lie in their word, overlap nowhere, have names that fit.
 template <class T, size_t kRows>
 struct RowTable {
@@ -334,6 +359,14 @@ consteval RowTable<T, kRows> Rows(const Row<T> (&rows)[kRows]) {
   CheckBits(rows, kRows);
   RowTable<T, kRows> table{};
   for (size_t i = 0; i < kRows; ++i) table.rows[i] = rows[i];
+  return table;
+}
+
+// Of a protocol whose numbers have their low byte first.
+template <class T, size_t kRows>
+consteval RowTable<T, kRows> LittleRows(const Row<T> (&rows)[kRows]) {
+  RowTable<T, kRows> table = Rows<T>(rows);
+  for (Row<T>& row : table.rows) row.little = true;
   return table;
 }
 
@@ -376,7 +409,12 @@ template <class T>
 void ShowRows(const Place& in, Cursor& c, std::type_identity_t<RowSpan<T>> rows, T& out, const char* title = nullptr) {
   detail::RowWalk walk{in, title, {}, in.parent};
   for (size_t i = 0; i < rows.count; ++i) {
-    detail::Keep(rows.rows[i], detail::ShowRow(walk, c, rows.rows[i], detail::SizeOf(rows.rows[i], out)), out);
+    const Row<T>& row = rows.rows[i];
+    if (row.take) {
+      row.take(in, c, row.label ? row.label : title, out);
+    } else {
+      detail::Keep(row, detail::ShowRow(walk, c, row, detail::SizeOf(row, out)), out);
+    }
   }
 }
 template <class T, size_t kRows>
@@ -386,13 +424,16 @@ T ShowRows(const Place& in, Cursor& c, const RowTable<T, kRows>& table) {
   return out;
 }
 
-// Keeps the values and shows nothing.
+// Keeps the values and shows nothing, up to a row that takes its bytes itself.
 template <class T, size_t kRows>
 T ReadRows(Cursor& c, const RowTable<T, kRows>& table) {
   T out{};
   const Place nowhere{};
   detail::RowWalk walk{nowhere, nullptr, {}, 0};
-  for (const Row<T>& row : table.rows) detail::Keep(row, detail::TakeRow(walk, c, row, detail::SizeOf(row, out)), out);
+  for (const Row<T>& row : table.rows) {
+    if (row.take) break;
+    detail::Keep(row, detail::TakeRow(walk, c, row, detail::SizeOf(row, out)), out);
+  }
   return out;
 }
 // The same for what a top line says before the fields are shown: nothing is taken.

@@ -101,6 +101,23 @@ TEST(Rows, ShowEveryForm) {
             "  Values: 2 2 42 2 0x102030405060708\n");
 }
 
+void TakeCounted(const Place& in, Cursor& c, const char* label, Thing& thing) {
+  const Field text = TakeBytes(c, thing.count.value);
+  AddLine(in, text, "%s: %s", label, Text(text));
+}
+
+TEST(Rows, MayBeTakenByAFunctionBehindOthers) {
+  static constexpr auto kRows = LittleRows<Thing>({
+      Number(2, "Count").Into(&Thing::count), Shown("Name", TakeCounted),
+      Coded(2, "State", kKindNames).Into(&Thing::kind), Coded(1, "Other", kKindNames)});
+  EXPECT_EQ(Decode([](const Place& at, Cursor c) {
+              AddLine(at, Ahead(c, 0), "Ahead: %u %u", PeekRows(c, kRows).count.value, PeekRows(c, kRows).kind.value);
+              ShowRows(at, c, kRows);
+              return 1;
+            }, Hex("0300 616263 0200 07")),
+            "Ahead: 3 0\nCount: 3\nName: abc\nState: [2] = Second\nOther: [7] = Undefined\n");
+}
+
 std::string Elements(const ElementForm& form, const std::string& bytes) {
   static ElementForm current;
   current = form;
