@@ -58,6 +58,24 @@ void LineText::PutCharacters(const Cursor& octets, const char* escaped) {
   }
 }
 
+void LineText::PutReadable(const Cursor& octets) {
+  for (Cursor c = octets; Left(c) > 0 && !full_;) {
+    Utf8Character character;
+    const Field own = TakeCharacter(c, &character);
+    if (character.octets) {
+      PutCode(character.code);
+    } else {
+      PutBytes(reinterpret_cast<const char*>(own.bytes), 1);
+    }
+  }
+}
+
+void LineText::PutCode(uint32_t code) {
+  if (code == '\r' || code == '\n') return;
+  const char place = code == '\t' ? ' ' : static_cast<char>(PlaceOf(code));
+  PutBytes(place ? &place : "?", 1);
+}
+
 void LineText::PutValue(const Cursor& octets) {
   if (IsText(octets)) return PutCharacters(octets, "");
   for (Cursor c = octets; Left(c) > 0 && !full_;) {

@@ -7,6 +7,8 @@
 
 namespace qxview {
 
+using ValueText = ShortText<kLineSize>;   // room for what one line can show
+
 // Text that ends in "..." when it does not fit.
 class LineText {
  public:
@@ -20,6 +22,9 @@ class LineText {
   void PutValue(const Cursor& octets);
   // Characters, with those of `escaped` and every octet that is no UTF-8 escaped.
   void PutCharacters(const Cursor& octets, const char* escaped);
+  // Text that people wrote: what is no UTF-8 as it is, line ends left out, "?" for what has no place in the line.
+  void PutReadable(const Cursor& octets);
+  void PutCode(uint32_t code);   // one character, by its number in Unicode
   template <class... Args>
   void PutFormat(FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
     char piece[64];

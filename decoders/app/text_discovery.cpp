@@ -1,0 +1,54 @@
+// Discovery by structured texts in datagrams: Dropbox's search for peers on the LAN (a JSON object), and Web Services
+// Dynamic Discovery (OASIS WS-Discovery 1.1: SOAP 1.2 envelopes over UDP).
+#include "decoders/common/header_lines.h"
+#include "decoders/common/json_lines.h"
+#include "decoders/common/xml_lines.h"
+
+namespace qxview {
+namespace {
+
+// The last part of an action: "Probe" of "http://schemas.xmlsoap.org/ws/2005/04/discovery/Probe". It is the text of the
+// element Action, whatever its prefix.
+Field ActionOf(Cursor c) {
+  constexpr char kName[] = "Action";
+  Loop loop;
+  while (More(c, loop)) {
+    int32_t at = 0;
+    while (at < Left(c) && c.at[at] != '<') ++at;
+    TakeBytes(c, at < Left(c) ? at + 1 : at);
+    Field tag = Ahead(c, Left(c));
+    for (at = 0; at < tag.length && tag.bytes[at] != '>'; ++at) {
+    }
+    Field name = Slice(tag, 0, at);
+    name = TakeWord(name);
+    int32_t local = name.length;
+    while (local > 0 && name.bytes[local - 1] != ':') --local;
+    if (!name.here || !IsWord(Slice(name, local, name.length - local), kName) || at >= tag.length) continue;
+    Field text = Slice(tag, at + 1, tag.length - at - 1);
+    text = TakeWord(text, "< \r\n");
+    int32_t last = text.length;
+    while (last > 0 && text.bytes[last - 1] != '/') --last;
+    return Slice(text, last, text.length - last);
+  }
+  return {};
+}
+
+}  // namespace
+
+int32_t DecodeLanSyncDiscovery(const Place& at, Cursor c) {
+  if (!StartsJson(c)) return 0;
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Dropbox LAN Sync Discovery"));
+  ShowJson(in, c);
+  AddBlock(in, Rest(c), "Data");
+  return 1;
+}
+
+int32_t DecodeWsDiscovery(const Place& at, Cursor c) {
+  if (!StartsXml(c)) return 0;
+  const Field action = ActionOf(c);
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "WS-Discovery: %s", action.here ? Text(action) : TextSlice{"Message", 7}));
+  ShowXml(in, c);
+  return 1;
+}
+
+}  // namespace qxview

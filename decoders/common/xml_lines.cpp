@@ -1,0 +1,259 @@
+#include "decoders/common/xml_lines.h"
+
+#include <cstring>
+
+#include "decoders/common/header_lines.h"
+#include "decoders/common/line_text.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kMostDepth = 32;
+
+// The bytes up to a mark, which is taken, too; all that are left where there is none.
+Field TakeUpTo(Cursor& c, const char* mark) {
+  const int32_t length = static_cast<int32_t>(std::strlen(mark));
+  for (int32_t at = 0; at + length <= Left(c); ++at) {
+    const void* found = std::memchr(c.at + at, mark[0], static_cast<size_t>(Left(c) - at));
+    if (!found) break;
+    at = static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at);
+    if (at + length > Left(c) || std::memcmp(c.at + at, mark, static_cast<size_t>(length)) != 0) continue;
+    const Field inside = TakeBytes(c, at);
+    TakeBytes(c, length);
+    return inside;
+  }
+  return TakeBytes(c, Left(c));
+}
+
+// Character data in front of the next markup, blanks at both ends left out.
+Field TakeText(Cursor& c) {
+  const void* found = Left(c) > 0 ? std::memchr(c.at, '<', static_cast<size_t>(Left(c))) : nullptr;
+  const Field all = TakeBytes(c, found ? static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at) : Left(c));
+  int32_t start = 0, end = all.length;
+  while (start < end && IsSpace(all.bytes[start])) ++start;
+  while (end > start && IsSpace(all.bytes[end - 1])) --end;
+  return Slice(all, start, end - start);
+}
+
+Field TakeName(Cursor& c) {
+  int32_t end = 0;
+  while (end < Left(c) && !IsSpace(c.at[end]) && !std::strchr("<>/=\"'", c.at[end])) ++end;
+  return TakeBytes(c, end);
+}
+
+// "&lt;", "&#65;", "&#x41;": the character, 0 for what is none of the five and no number.
+uint32_t CharacterOfEntity(const Field& name) {
+  constexpr struct {
+    const char* name;
+    char character;
+  } kEntities[] = {{"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"quot", '"'}, {"apos", '\''}};
+  for (const auto& entity : kEntities) {
+    if (IsWord(name, entity.name)) return static_cast<uint8_t>(entity.character);
+  }
+  if (name.length < 2 || name.bytes[0] != '#') return 0;
+  const bool isHex = name.bytes[1] == 'x';
+  uint32_t code = 0;
+  for (int32_t i = isHex ? 2 : 1; i < name.length; ++i) {
+    const uint8_t c = name.bytes[i];
+    const uint32_t digit = c >= '0' && c <= '9' ? c - '0' : (c | 0x20) >= 'a' && (c | 0x20) <= 'f' ? (c | 0x20) - 87u : 99;
+    if (digit >= (isHex ? 16u : 10u) || code > 0x10FFFF) return 0;
+    code = code * (isHex ? 16 : 10) + digit;
+  }
+  return code;
+}
+
+ValueText TextOf(const Field& data) {
+  constexpr int32_t kMostEntity = 8;
+  ValueText made;
+  LineText out(made.text, sizeof made.text);
+  Cursor c = CursorOver(data);
+  Loop loop;
+  while (More(c, loop) && !out.IsFull()) {
+    int32_t plain = 0;
+    while (plain < Left(c) && c.at[plain] != '&') ++plain;
+    out.PutReadable(CursorOver(TakeBytes(c, plain)));
+    if (Left(c) < 1) break;
+    int32_t end = 1;
+    while (end < Left(c) && end <= kMostEntity && c.at[end] != ';') ++end;
+    const bool isClosed = PeekU8(c, end) == ';';
+    const uint32_t code = isClosed ? CharacterOfEntity(Slice(Ahead(c, end), 1, end - 1)) : 0;
+    if (code) {
+      TakeBytes(c, end + 1);
+      out.PutCode(code);
+    } else {
+      out.PutCode(TakeU8(c).value);
+    }
+  }
+  return made;
+}
+
+void AddDataLine(const Place& in, const Field& whole, const char* label, const Field& data) {
+  if (!whole.here || !data.here) return;
+  AddLine(in, whole, "%s: %s", label, TextOf(data));
+}
+
+// An element that is open.
+struct OpenElement {
+  Place under;
+  Field name;
+  int32_t start;
+};
+
+struct Walk {
+  OpenElement open[kMostDepth];
+  int32_t depth = 0;
+  int32_t deeper = 0;   // elements that are open and were not given a place of their own
+};
+
+const Place& PlaceIn(const Place& in, const Walk& walk) { return walk.depth ? walk.open[walk.depth - 1].under : in; }
+
+bool SameName(const Field& a, const Field& b) {
+  return a.length == b.length && std::memcmp(a.bytes, b.bytes, static_cast<size_t>(a.length)) == 0;
+}
+
+void CloseInnermost(Walk& walk, int32_t end) {
+  const OpenElement& element = walk.open[--walk.depth];
+  if (element.under.dead) return;
+  SetRange(element.under, element.under.parent, element.start, end - element.start);
+}
+
+// "</name>": what it ends, and everything in that which has no end of its own.
+void TakeEndTag(const Place& in, Walk& walk, Cursor& c) {
+  const Cursor start = c;
+  TakeBytes(c, 2);
+  const Field name = TakeName(c);
+  TakeUpTo(c, ">");
+  if (walk.deeper > 0) {
+    --walk.deeper;
+    return;
+  }
+  for (int32_t depth = walk.depth; depth > 0; --depth) {
+    if (!SameName(walk.open[depth - 1].name, name)) continue;
+    while (walk.depth > depth) CloseInnermost(walk, start.offset);
+    CloseInnermost(walk, c.offset);
+    return;
+  }
+  AddDataLine(PlaceIn(in, walk), Ahead(start, c.offset - start.offset), "End Without Start", name);
+}
+
+void ShowAttribute(const Place& under, Cursor& c) {
+  const Cursor start = c;
+  const Field name = TakeName(c);
+  if (!name.here || name.length == 0) {
+    TakeBytes(c, 1);   // no attribute: passed over
+    return;
+  }
+  SkipSpace(c);
+  if (PeekU8(c) != '=') {
+    AddDataLine(under, name, "Attribute", name);
+    return;
+  }
+  TakeBytes(c, 1);
+  SkipSpace(c);
+  const uint32_t mark = PeekU8(c);
+  Field value;
+  if (mark == '"' || mark == '\'') {
+    TakeBytes(c, 1);
+    value = TakeUpTo(c, mark == '"' ? "\"" : "'");
+  } else {
+    value = TakeName(c);
+  }
+  const ValueText label = TextOf(name);
+  AddLine(under, Ahead(start, c.offset - start.offset), "%s = %s", label,
+          TextOf(value));
+}
+
+// The text of an element that holds nothing else, from behind its start tag; not here for any other.
+Field SoleText(Cursor c) {
+  const Field text = TakeText(c);
+  return text.length > 0 && StartsWithText(c, "</") ? text : Field{};
+}
+
+// Where the start tag's ">" stands, attributes' values passed over; all that is left where it has none.
+Cursor BehindStartTag(Cursor c) {
+  uint8_t mark = 0;
+  while (Left(c) > 0) {
+    const uint8_t at = TakeBytes(c, 1).bytes[0];
+    if (mark) {
+      if (at == mark) mark = 0;
+    } else if (at == '"' || at == '\'') {
+      mark = at;
+    } else if (at == '>') {
+      break;
+    }
+  }
+  return c;
+}
+
+void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
+  const Cursor start = c;
+  const Cursor behind = BehindStartTag(c);
+  const bool isEmpty = behind.offset - start.offset > 2 && behind.at[-2] == '/';
+  TakeBytes(c, 1);
+  const Field name = TakeName(c);
+  const Field sole = isEmpty ? Field{} : SoleText(behind);
+  const ValueText label = TextOf(name);
+  const Field tag = Ahead(start, behind.offset - start.offset);
+  const Place& at = PlaceIn(in, walk);
+  const LineHandle line =
+      sole.here ? AddLine(at, tag, "%s: %s", label, TextOf(sole))
+                : AddLine(at, tag, "%s", label);
+  const Place under = Under(at, line);
+  Cursor attributes = TakeCursor(c, behind.offset - c.offset - (isEmpty ? 2 : 1));
+  SkipSpace(attributes);
+  Loop loop;
+  while (MoreAt(under, attributes, loop)) {
+    ShowAttribute(under, attributes);
+    SkipSpace(attributes);
+  }
+  c = behind;
+  if (isEmpty) return;
+  if (walk.depth == kMostDepth) {
+    ++walk.deeper;
+  } else {
+    walk.open[walk.depth++] = {under, name, start.offset};
+  }
+}
+
+void TakeMarkup(const Place& in, Walk& walk, Cursor& c) {
+  const Place& at = PlaceIn(in, walk);
+  const Cursor start = c;
+  const auto show = [&](const char* opening, const char* closing, const char* label) {
+    TakeBytes(c, static_cast<int64_t>(std::strlen(opening)));
+    const Field inside = TakeUpTo(c, closing);
+    AddTextLine(at, Ahead(start, c.offset - start.offset), label, inside);
+  };
+  if (StartsWithText(c, "<?xml ")) return show("<?xml ", "?>", "XML Declaration");
+  if (StartsWithText(c, "<?")) return show("<?", "?>", "Processing Instruction");
+  if (StartsWithText(c, "<!--")) return show("<!--", "-->", "Comment");
+  if (StartsWithText(c, "<![CDATA[")) return show("<![CDATA[", "]]>", "Character Data");
+  if (StartsWithText(c, "<!")) return show("<!", ">", "Declaration");
+  if (StartsWithText(c, "</")) return TakeEndTag(in, walk, c);
+  TakeStartTag(in, walk, c);
+}
+
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
+
+}  // namespace
+
+bool StartsXml(const Cursor& c) {
+  Cursor start = c;
+  if (StartsWithText(start, kByteOrderMark)) TakeBytes(start, 3);
+  SkipSpace(start);
+  const uint32_t next = PeekU8(start, 1);
+  return PeekU8(start) == '<' && (next == '?' || next == '!' || next == '_' || ((next | 0x20) >= 'a' && (next | 0x20) <= 'z'));
+}
+
+void ShowXml(const Place& in, Cursor& c) {
+  if (StartsWithText(c, kByteOrderMark)) AddLine(in, TakeBytes(c, 3), "Byte Order Mark");
+  Walk walk;
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    const Field text = TakeText(c);
+    if (text.length > 0) AddDataLine(PlaceIn(in, walk), text, "Text", text);
+    if (Left(c) > 0) TakeMarkup(in, walk, c);
+  }
+  while (walk.depth > 0) CloseInnermost(walk, c.offset);
+}
+
+}  // namespace qxview

@@ -1,0 +1,14 @@
+// XML (W3C, fifth edition) as lines: each element "name: text" over its bytes from the start tag to the end tag, its
+// attributes "name = value", its text and its elements under it.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+// Whether markup begins here, behind blanks and a byte order mark.
+bool StartsXml(const Cursor& c);
+
+// Shows all that is left under `in`. Tags that do not match, and ends that are missing, are shown as far as they go.
+void ShowXml(const Place& in, Cursor& c);
+
+}  // namespace qxview
