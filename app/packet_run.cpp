@@ -96,6 +96,7 @@ bool PacketRun::Matches(const CaptureFrame& frame) {
   std::string why;
   const bool matches = filter_->Matches(frame.linkType, frame.data, frame.dataLength, frame.wireLength, &why);
   if (!why.empty()) {
+    status_ = kFileFault;
     Tell(std::string(frame.file) + ": --filter leaves out the packets of link type " + std::to_string(frame.linkType) +
          " (" + LinkTypeName(frame.linkType) + "): " + why);
   }

@@ -1,6 +1,8 @@
 #include <dlfcn.h>
 #include <pcap/pcap.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 
 #include "platform/bpf_filter.h"
@@ -9,6 +11,9 @@ namespace qxview {
 namespace {
 
 constexpr int kSnapLength = 262144;
+
+// Kinds of links with expressions of their own.
+constexpr uint16_t kOtherLinks[] = {DLT_IEEE802_11_RADIO, DLT_SUNATM, DLT_PFLOG, DLT_MTP2, DLT_PPP, DLT_LINUX_SLL};
 
 // LINKTYPE numbers that libpcap knows under another number on this system.
 int DltOf(uint16_t linkType) {
@@ -52,21 +57,10 @@ class PcapFilter final : public BpfFilter {
     }
   }
 
-  // Compiles for one link type; the error text when it does not compile.
-  std::string Compile(uint16_t linkType) {
-    Program& program = programs_[linkType];
-    pcap_t* dead = pcap_.openDead(DltOf(linkType), kSnapLength);
-    if (!dead) return "out of memory";
-    program.compiled = pcap_.compile(dead, &program.code, expression_.c_str(), 1, PCAP_NETMASK_UNKNOWN) == 0;
-    const std::string error = program.compiled ? "" : pcap_.getError(dead);
-    pcap_.close(dead);
-    return error;
-  }
-
   bool Matches(uint16_t linkType, const uint8_t* data, uint32_t length, uint32_t wireLength,
                std::string* why) override {
-    if (programs_.find(linkType) == programs_.end()) *why = Compile(linkType);
-    const Program& program = programs_[linkType];
+    Program& program = ProgramFor(linkType);
+    why->swap(program.error);   // told once
     if (!program.compiled) return false;
     pcap_pkthdr header{};
     header.caplen = length;
@@ -74,11 +68,28 @@ class PcapFilter final : public BpfFilter {
     return pcap_.match(&program.code, &header, data) != 0;
   }
 
+  // The error text when it does not compile for this link type.
+  const std::string& Check(uint16_t linkType) { return ProgramFor(linkType).error; }
+
  private:
   struct Program {
     bpf_program code{};
     bool compiled = false;
+    std::string error;
   };
+
+  Program& ProgramFor(uint16_t linkType) {
+    const auto [found, isNew] = programs_.try_emplace(linkType);
+    Program& program = found->second;
+    if (!isNew) return program;
+    pcap_t* dead = pcap_.openDead(DltOf(linkType), kSnapLength);
+    if (!dead) return program.error = "out of memory", program;
+    program.compiled = pcap_.compile(dead, &program.code, expression_.c_str(), 1, PCAP_NETMASK_UNKNOWN) == 0;
+    if (!program.compiled) program.error = pcap_.getError(dead);
+    pcap_.close(dead);
+    return program;
+  }
+
   Pcap pcap_;
   std::string expression_;
   std::map<uint16_t, Program> programs_;
@@ -93,12 +104,12 @@ std::unique_ptr<BpfFilter> BpfFilter::Create(const std::string& expression, std:
     return nullptr;
   }
   auto filter = std::make_unique<PcapFilter>(pcap, expression);
-  const std::string error = filter->Compile(DLT_EN10MB);
-  if (!error.empty()) {
-    *message = "--filter " + expression + ": " + error;
-    return nullptr;
-  }
-  return filter;
+  // One that no kind of link takes is wrong; whether a capture's takes it is known at its first packet.
+  const std::string& error = filter->Check(DLT_EN10MB);
+  const auto compiles = [&](uint16_t linkType) { return filter->Check(linkType).empty(); };
+  if (error.empty() || std::any_of(std::begin(kOtherLinks), std::end(kOtherLinks), compiles)) return filter;
+  *message = "--filter " + expression + ": " + error;
+  return nullptr;
 }
 
 }  // namespace qxview
