@@ -125,7 +125,7 @@ std::unique_ptr<CaptureReader> OpenCapture(std::unique_ptr<ByteSource> source, c
   }
   if (source) {
     reason = source->Failure();
-    if (reason.empty()) reason = source->Remaining() ? "not a capture file" : "the file is empty";
+    if (reason.empty()) reason = source->Remaining() ? "not a capture file (pcap, pcapng or BFR)" : "the file is empty";
   }
   *message = std::string(name) + ": " + reason;
   return nullptr;

@@ -2,8 +2,6 @@
 #define ZLIB_CONST  // zlib then takes its input as pointer to const
 #include <zlib.h>
 
-#include <new>
-
 #include "files/inflating_source.h"
 
 namespace qxview {
@@ -49,10 +47,7 @@ class GzipSource : public InflatingSource {
 }  // namespace
 
 std::unique_ptr<ByteSource> MakeGzipSource(std::unique_ptr<ByteSource> compressed, std::string* reason) {
-  std::unique_ptr<GzipSource> source(new (std::nothrow) GzipSource(std::move(compressed)));
-  if (source && source->Start()) return source;
-  *reason = "out of memory";
-  return nullptr;
+  return StartInflating<GzipSource>(std::move(compressed), reason);
 }
 
 }  // namespace qxview

@@ -2,6 +2,7 @@
 #pragma once
 #include <algorithm>
 #include <climits>
+#include <new>
 
 #include "files/byte_source.h"
 
@@ -23,7 +24,7 @@ class InflatingSource : public BufferedSource {
   // What is still held when the input has ended.
   virtual size_t Drain(uint8_t*, size_t) { return 0; }
   // Whether the data may end here.
-  virtual bool AtEnd() const { return false; }
+  bool betweenFrames_ = false;
 
   size_t ReadSome(uint8_t* out, size_t size) final {
     size_t written = 0;
@@ -34,7 +35,7 @@ class InflatingSource : public BufferedSource {
       } else if (!compressed_->Failure().empty()) {
         Stop(compressed_->Failure().c_str());
       } else if ((written = Drain(out, size)) == 0) {
-        Stop(AtEnd() ? nullptr : "the compressed data end early");
+        Stop(betweenFrames_ ? nullptr : "the compressed data end early");
       }
     }
     return written;
@@ -51,5 +52,14 @@ class InflatingSource : public BufferedSource {
   const char* format_;
   bool stopped_ = false;
 };
+
+// A `Source` over the compressed bytes, started; null with the reason.
+template <typename Source>
+std::unique_ptr<ByteSource> StartInflating(std::unique_ptr<ByteSource> compressed, std::string* reason) {
+  std::unique_ptr<Source> source(new (std::nothrow) Source(std::move(compressed)));
+  if (source && source->Start()) return source;
+  *reason = "out of memory";
+  return nullptr;
+}
 
 }  // namespace qxview

@@ -3,8 +3,6 @@
 #ifdef QXVIEW_HAS_LZ4
 #include <lz4frame.h>
 
-#include <new>
-
 #include "files/inflating_source.h"
 
 namespace qxview {
@@ -29,20 +27,15 @@ class Lz4Source : public InflatingSource {
     betweenFrames_ = result == 0;
     return room;
   }
-  bool AtEnd() const override { return betweenFrames_; }
 
  private:
   LZ4F_dctx* context_ = nullptr;
-  bool betweenFrames_ = false;
 };
 
 }  // namespace
 
 std::unique_ptr<ByteSource> MakeLz4Source(std::unique_ptr<ByteSource> compressed, std::string* reason) {
-  std::unique_ptr<Lz4Source> source(new (std::nothrow) Lz4Source(std::move(compressed)));
-  if (source && source->Start()) return source;
-  *reason = "out of memory";
-  return nullptr;
+  return StartInflating<Lz4Source>(std::move(compressed), reason);
 }
 
 }  // namespace qxview

@@ -3,8 +3,6 @@
 #ifdef QXVIEW_HAS_ZSTD
 #include <zstd.h>
 
-#include <new>
-
 #include "files/inflating_source.h"
 
 namespace qxview {
@@ -29,20 +27,15 @@ class ZstdSource : public InflatingSource {
     return to.pos;
   }
   size_t Drain(uint8_t* out, size_t room) override { return betweenFrames_ ? 0 : Inflate(nullptr, 0, out, room); }
-  bool AtEnd() const override { return betweenFrames_; }
 
  private:
   ZSTD_DStream* stream_ = nullptr;
-  bool betweenFrames_ = false;
 };
 
 }  // namespace
 
 std::unique_ptr<ByteSource> MakeZstdSource(std::unique_ptr<ByteSource> compressed, std::string* reason) {
-  std::unique_ptr<ZstdSource> source(new (std::nothrow) ZstdSource(std::move(compressed)));
-  if (source && source->Start()) return source;
-  *reason = "out of memory";
-  return nullptr;
+  return StartInflating<ZstdSource>(std::move(compressed), reason);
 }
 
 }  // namespace qxview
