@@ -51,6 +51,14 @@ void Command::AddText(const char* names, const char* valueName, const char* abou
   });
 }
 
+void Command::AddFileName(const char* names, const char* valueName, const char* about, std::string* file) {
+  AddOption(names, valueName, about, [file](const std::string& value, std::string* wrong) {
+    *wrong = "the name of a file is wanted";
+    *file = value;
+    return !value.empty();
+  });
+}
+
 void Command::AddTexts(const char* names, const char* valueName, const char* about, std::vector<std::string>* texts) {
   AddOption(names, valueName, about, [texts](const std::string& value, std::string*) {
     texts->push_back(value);
@@ -64,7 +72,7 @@ bool Command::TakeNumber(const std::string& value, uint64_t least, uint64_t most
   const auto [end, error] = std::from_chars(value.data(), last, *number);
   if (!value.empty() && error == std::errc() && end == last && *number >= least && *number <= most) return true;
   *wrong = "a number from " + std::to_string(least);
-  if (most != UINT64_MAX) *wrong += " to " + std::to_string(most);
+  if (most != UINT64_MAX || error == std::errc::result_out_of_range) *wrong += " to " + std::to_string(most);
   *wrong += " is wanted";
   return false;
 }
@@ -177,6 +185,9 @@ bool Command::TakeArguments(const std::vector<std::string>& given) const {
   auto at = given.begin();
   for (const CommandArgument& argument : arguments_) {
     const auto end = at + (argument.values ? static_cast<ptrdiff_t>(given.size() + 1 - arguments_.size()) : 1);
+    if (std::find(at, end, "") != end) {
+      return Tell(std::string(name_) + ": " + argument.name + " is empty: " + argument.about), false;
+    }
     if (argument.values) {
       argument.values->assign(at, end);
     } else {
@@ -260,11 +271,13 @@ const Command* CommandLine::Find(const std::string& name) const {
 }
 
 int CommandLine::TellUnknown(const std::string& word) const {
-  std::vector<std::string_view> names{"help"};
+  std::vector<std::string_view> names{"help", "--help", "--version"};
   for (const Command& command : commands_) names.push_back(command.Name());
   if (word.starts_with("-")) {
     Tell("a command comes first, then its options; " + QuoteValue(word) + " is none" +
-         (word.size() > 1 ? HabitAnswer(word[1], commands_.front()) : ""));
+         (word.starts_with("--") ? NearestHint(word, names)
+          : word.size() > 1      ? HabitAnswer(word[1], commands_.front())
+                                 : ""));
   } else {
     Tell("there is no command " + QuoteValue(word) + NearestHint(word, names));
   }
@@ -283,6 +296,7 @@ int CommandLine::Run(const std::vector<std::string>& words) const {
   if (first == "--version") return ShowText("qxview " QXVIEW_VERSION_TEXT "\n");
   if (first != "help" && first != "--help" && first != "-h") return TellUnknown(first);
   if (first != "help" || given.size() < 2 || given[1].starts_with("-")) return ShowText(HelpText());
+  if (given[1] == "help") return ShowText(HelpText());
   const Command* command = Find(given[1]);
   return command ? ShowText(command->HelpText()) : TellUnknown(given[1]);
 }

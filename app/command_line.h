@@ -43,6 +43,7 @@ class Command {
   // `names` is "-c,--count", "-c" or "--count". The targets hold the defaults and live as long as the command.
   void AddFlag(const char* names, const char* about, bool* on);
   void AddText(const char* names, const char* valueName, const char* about, std::string* text);
+  void AddFileName(const char* names, const char* valueName, const char* about, std::string* file);
   void AddTexts(const char* names, const char* valueName, const char* about, std::vector<std::string>* texts);
   void AddOption(const char* names, const char* valueName, const std::string& about, TakeValue take);
 

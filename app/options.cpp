@@ -31,10 +31,11 @@ bool PacketSelection::Parse(const std::string& list, std::string* wrong) {
     } else if (dash + 1 == piece.size()) {
       last = UINT64_MAX;
     } else {
-      good = good && ParsePacketNumber(piece.substr(dash + 1), &last) && first <= last;
+      good = good && ParsePacketNumber(piece.substr(dash + 1), &last);
     }
-    if (!good) {
-      *wrong = QuoteValue(piece) + " is no packet number from 1, nor a span like 3-9 or 12-";
+    if (!good || last < first) {
+      *wrong = QuoteValue(piece) +
+               (good ? " ends before it begins" : " is no packet number from 1, nor a span like 3-9 or 12-");
       return false;
     }
     spans_.push_back({first, last});
@@ -60,7 +61,7 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
                         "pcap, pcapng or BFR file, compressed or not; - for standard input. Of several each is a run of "
                         "its own",
                         &options->files, &options->filesFrom);
-  command->AddText("--files-from", "LIST", "further captures, named in this file a line each; - for standard input",
+  command->AddFileName("--files-from", "LIST", "further captures, named in this file a line each; - for standard input",
                    &options->filesFrom);
   command->AddFlag("--merge", "several captures as one run, by time", &options->merge);
   command->AddFlag("--keep-going", "go on behind a capture that cannot be read; the exit status is 3 in the end",
@@ -75,7 +76,7 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
                     "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
                     "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address; tcp:80=none takes one away",
                     &options->host.definitions);
-  command->AddText("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
+  command->AddFileName("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
   command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);
   command->AddFlag("-l", "flush the output after every packet", &options->flushEachPacket);
   command->AddChoice<ColorChoice>(
@@ -116,8 +117,15 @@ bool ReadList(const std::string& path, std::vector<std::string>* names) {
 
 }  // namespace
 
+void FindSettings(HostOptions* options) {
+  options->userSettings = FindUserSettings();
+  // As in the home of another user whose rights this one runs without.
+  const std::string& hidden = options->userSettings.hidden;
+  if (options->settingsFile.empty() && !hidden.empty()) Tell(hidden + "; the settings are the defaults");
+}
+
 int FinishReadingOptions(ReadingOptions* options) {
-  options->host.userSettings = FindUserSettings();
+  FindSettings(&options->host);
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;
   auto& files = options->files;

@@ -44,6 +44,9 @@ void AddReadingOptions(Command* command, ReadingOptions* options);
 // For the commands that write something of every packet.
 void AddPrefixOption(Command* command, ReadingOptions* options);
 
+// Finds the user's own settings; says so where they may not be looked for.
+void FindSettings(HostOptions* options);
+
 // Fills in what the platform gives, and the files of the list; the exit status, what is wrong is told.
 int FinishReadingOptions(ReadingOptions* options);
 

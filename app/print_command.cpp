@@ -47,7 +47,7 @@ void AddPrintCommand(CommandLine* line) {
   Command& command = line->Add("print", "the lines as the print mode writes them");
   AddReadingOptions(&command, &options->reading);
   AddPrefixOption(&command, &options->reading);
-  command.AddText("-o", "OUT", "write to this file instead of standard output", &options->out);
+  command.AddFileName("-o", "OUT", "write to this file instead of standard output", &options->out);
   command.SetExamples(
       "Examples:\n"
       "  qxview print capture.pcap | less\n"

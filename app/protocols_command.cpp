@@ -91,7 +91,7 @@ void AddProtocolsCommand(CommandLine* line) {
   Command& command = line->Add("protocols", "the protocols, what is shown of each, and their ports");
   auto options = std::make_shared<ProtocolsOptions>();
   command.AddTexts("-d,--decode-as", "SPEC", "a protocol definition, may be repeated", &options->host.definitions);
-  command.AddText("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
+  command.AddFileName("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
   command.AddChoice<Format>("--format", "FORMAT", "text or json (an object a line)",
                             {{"text", Format::kText}, {"json", Format::kJson}}, &options->format);
   command.SetExamples(
@@ -102,7 +102,7 @@ void AddProtocolsCommand(CommandLine* line) {
       "  qxview protocols\n"
       "  qxview protocols --format json | jq -r 'select(.tree).name'");
   command.SetAction([options] {
-    options->host.userSettings = FindUserSettings();
+    FindSettings(&options->host);
     return ListProtocols(*options);
   });
 }

@@ -56,7 +56,8 @@ bool SettleFormat(SaveOptions* options) {
 }
 
 // The code's message on standard error; the exit status for it.
-int TellResult(const std::string& file, SaveResult result, const std::string& why) {
+int TellResult(const std::string& file, SaveResult result, std::string why) {
+  if (why.starts_with(file + ": ")) why.erase(0, file.size() + 2);
   char text[600] = "";
   if (const SaveMessage message = SaveResultMessage(result); message.text) {
     std::snprintf(text, sizeof text, message.text, file.c_str());

@@ -20,6 +20,7 @@ struct NamedValue {
 // Where the user's own settings are: in a file, empty where there is none, or already read from a store of the platform's.
 struct UserSettings {
   std::string file;
+  std::string hidden;                 // where they may be and may not be looked for, with the reason
   std::string place;                  // of the values, for messages
   std::vector<NamedValue> values;
   std::vector<SettingsLine> protocols;

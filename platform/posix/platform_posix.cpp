@@ -71,9 +71,10 @@ UserSettings FindUserSettings() {
   } else if (home && home[0]) {
     found.file = std::string(home) + "/.config/vantrell/view.ini";
   }
-  // One that is not there is none, as is one in the home of a user whom this one has nothing to do with; one that is there
-  // and cannot be read is told.
-  if (access(found.file.c_str(), F_OK) != 0 && errno != ELOOP) found.file.clear();
+  // One that is there and cannot be read is told.
+  if (access(found.file.c_str(), F_OK) == 0) return found;
+  if (errno == EACCES) found.hidden = found.file + ": " + std::strerror(errno);
+  if (errno == EACCES || errno == ENOENT || errno == ENOTDIR) found.file.clear();
   return found;
 }
 
