@@ -153,6 +153,46 @@ class Formats(Folder):
         document = run("xml", *names[:2], "-").stdout
         self.assertEqual(document.count(b'<Packet Number="1"'), 1)
 
+    def test_the_tree_tells_what_a_capture_tells_of_a_packet(self):
+        def block(kind, body, *options):
+            body += b"".join(struct.pack("<HH", code, len(value)) + value + bytes(-len(value) % 4)
+                             for code, value in options) + bytes(4 if options else 0)
+            return struct.pack("<II", kind, len(body) + 12) + body + struct.pack("<I", len(body) + 12)
+
+        def packet(interface, *options, nanoseconds=1700000000_123456789):
+            frame = bytes(12) + b"\x88\xb5" + bytes(46)
+            return block(6, struct.pack("<IIIII", interface, nanoseconds >> 32, nanoseconds & 0xFFFFFFFF, 60, 60) + frame,
+                         *options)
+
+        comments = [(1, "first \N{EURO SIGN}\n\x1b".encode()), (1, b"second")]
+        capture = self.write("noted.pcapng", (
+            block(0x0A0D0D0A, struct.pack("<IHHq", 0x1A2B3C4D, 1, 0, -1)) +
+            block(1, struct.pack("<HHI", 1, 0, 0), (9, b"\x09"), (2, b"eth0"), (3, b"uplink")) +
+            block(1, struct.pack("<HHI", 1, 0, 0), (9, b"\x09")) +
+            packet(0, *comments, (2, b"\1\0\0\0")) + packet(1, (2, b"\2\0\0\0")) + packet(0)))
+
+        def notes(*arguments):
+            packets = run("decode", *arguments).stdout.decode().split("\n\n")
+            return [[line.strip() for line in tree.splitlines() if line.startswith("  ")][2:] for tree in packets]
+
+        time, eth0 = "Time: 2023-11-14 22:13:20.123456789 UTC", "Interface: 0 = eth0 (uplink)"
+        told = [[time, eth0, "Direction: Received", "Comment: first \N{EURO SIGN}", "Comment: second"],
+                [time, "Interface: 1", "Direction: Sent"], [time, eth0]]
+        shown = [[re.sub(r"  +$", "", line) for line in tree if line.startswith(("Time", "Int", "Dir", "Com"))]
+                 for tree in notes(capture)]
+        self.assertEqual(shown, told)
+        for out in ("again.pcapng", "cut.pcap"):
+            saved = self.save(out, capture)[0]
+            times = [tree[0] for tree in notes("-c1", saved)]
+            self.assertEqual(times, [time])
+        self.assertEqual(notes(os.path.join(self.folder, "again.pcapng")), notes(capture))
+        for form, shown in (("r", "0.000000000 since the first packet"), ("d", "0.000000000 since the packet before"),
+                            ("dd", "0.000000000 since the packet shown before"), ("e", "1700000000.123456789"),
+                            ("a", "2023-11-15 03:43:20.123456789 local time"), ("i", "2023-11-14T22:13:20.123456789Z")):
+            zone = {"env": {**os.environ, "TZ": "XYZ-5:30"}}
+            lines = run("decode", "-t", form, "--packets", "2", capture, **zone).stdout.decode().splitlines()
+            self.assertIn(f"  Time: {shown}", lines)
+
     def test_what_cannot_be_read_among_several(self):
         damaged, text = self.write("damaged.pcap", self.read(LAN)[:-1]), self.write("text", b"no capture")
         for merge in ([], ["--merge"]):

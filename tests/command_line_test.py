@@ -34,6 +34,10 @@ class CommandLine(unittest.TestCase):
                                 (["decode", SAMPLE, "-c", "\x1b[1m" + 300 * "9"], '"\\x1B[1m999'),
                                 (["decode", SAMPLE, "--set", "AliasFiel=1"], "nearest is AliasFile"),
                                 (["decode", SAMPLE, "-d", "tcp:80=HTPP"], "nearest is HTTP"), (["decode", SAMPLE, "--packets", "3-x"], '"3-x"'),
+                                (["list", SAMPLE, "--packets", "2,9-3"], '"9-3" ends before'),
+                                (["list", SAMPLE, "-c", 30 * "9"], "to 18446744073709551615"), (["list", ""], "FILE is empty"),
+                                (["--versoin"], "nearest is --version"), (["list", "--settings=", SAMPLE], "name of a file"),
+
                                 (["decode", SAMPLE, "--packets", "0"], '"0"'), (["nothing"], "nothing"),
                                 (["decode", SAMPLE, "--set", "Foo=1"], '"Foo"'),
                                 (["decode", SAMPLE, "--set", "TypeOfServiceMode=x"], "TypeOfServiceMode"),

@@ -169,8 +169,8 @@ TEST(OpenCapture, SaysWhatIsNoCapture) {
   EXPECT_EQ(OpenCapture("no/such/file", &message), nullptr);
   EXPECT_EQ(message.find("no/such/file: "), 0u) << message << ", and what the system says";
   EXPECT_EQ(ReadAll({}).message, "t.cap: the file is empty");
-  EXPECT_EQ(ReadAll({'P', 'K', 3, 4}).message, "t.cap: not a capture file");
-  EXPECT_EQ(ReadAll(Gzip({'x'})).message, "t.cap: not a capture file");
+  EXPECT_EQ(ReadAll({'P', 'K', 3, 4}).message, "t.cap: not a capture file (pcap, pcapng or BFR)");
+  EXPECT_EQ(ReadAll(Gzip({'x'})).message, "t.cap: not a capture file (pcap, pcapng or BFR)");
   EXPECT_EQ(OpenCapture(".", &message), nullptr);
   EXPECT_EQ(message, ".: Is a directory");
 }

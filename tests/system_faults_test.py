@@ -118,12 +118,27 @@ class Places(Folder):
             status, _, words = run("list", "--set", f"{setting}=/{'x' * 127}", LAN)
             self.assertEqual((status, f"{setting} has at most 127 bytes, not 128" in words), (2, True), words)
 
+    def test_settings_that_may_not_be_looked_for_are_named(self):
+        os.chmod(self.folder, 0o755)
+        os.makedirs(self.path("closed/vantrell"), 0)
+        other = {"user": 65534} if os.geteuid() == 0 else {}   # everything may be searched by root
+        try:
+            status, out, words = run("list", LAN, env={"XDG_CONFIG_HOME": self.path("closed")}, cwd="/", **other)
+        except PermissionError:
+            self.skipTest("the program cannot be reached by another user")
+        self.assertEqual((status, bool(out), words), (0, True, f"qxview: {self.path('closed')}/vantrell/view.ini: "
+                                                               "Permission denied; the settings are the defaults\n"))
+
     def test_packets_that_a_filter_cannot_be_made_for_are_told(self):
-        link_type = (300).to_bytes(4, "little")
-        capture = self.path("odd.pcap", self.read(LAN)[:20] + link_type + self.read(LAN)[24:])
-        status, out, words = run("list", "-f", "tcp", capture)
-        self.assertEqual((status, out, words.count("\n")), (0, b"", 1), words)
-        self.assertIn("--filter leaves out the packets of link type 300 (", words)
+        def filtered(link_type, expression):
+            capture = self.path("odd.pcap", self.read(LAN)[:20] + link_type.to_bytes(4, "little") + self.read(LAN)[24:])
+            return run("list", "-f", expression, capture)
+
+        for link_type, expression in ((300, "tcp"), (1, "type mgt")):
+            status, out, words = filtered(link_type, expression)
+            self.assertEqual((status, out, words.count("\n")), (3, b"", 1), words)
+            self.assertIn(f"--filter leaves out the packets of link type {link_type} (", words)
+        self.assertEqual(filtered(105, "type mgt")[0], 0, "one that Ethernet does not have")
 
 
 class Json(unittest.TestCase):
