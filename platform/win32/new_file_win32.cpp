@@ -13,15 +13,25 @@ constexpr DWORD kLongestPath = 32768;
 
 HANDLE HandleOf(int64_t file) { return reinterpret_cast<HANDLE>(static_cast<intptr_t>(file)); }
 
-// The file that a link leads to, so that the link keeps pointing to what is replaced.
+// The file that a link leads to, so that the link keeps pointing to what is replaced. Where there is none yet, the system
+// says its name once it has been made.
 std::string ResolveLink(const std::string& path) {
   const HANDLE file = CreateFileW(WidePathOf(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+                                  nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (file == INVALID_HANDLE_VALUE) return path;
+  const bool made = GetLastError() != ERROR_ALREADY_EXISTS;
   std::wstring resolved(kLongestPath, L'\0');
   const DWORD length = GetFinalPathNameByHandleW(file, resolved.data(), kLongestPath, 0);
   CloseHandle(file);
-  return length > 0 && length < kLongestPath ? NarrowOf(resolved.c_str()) : path;
+  const std::string name = length > 0 && length < kLongestPath ? NarrowOf(resolved.c_str()) : path;
+  if (made) DeleteFileW(WidePathOf(name).c_str());
+  return name;
+}
+
+// With the rights and the times of the file that it replaces, where the volume can do that.
+bool MoveInto(const std::wstring& from, const std::wstring& to) {
+  return ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) ||
+         MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
 // A device or a pipe, which is written in place.
@@ -75,7 +85,7 @@ bool NewFile::Create(const std::string& path, std::string* message) {
   WIN32_FILE_ATTRIBUTE_DATA present{};
   replaces_ = there && !direct_ && GetFileAttributesExW(WidePathOf(path).c_str(), GetFileExInfoStandard, &present) &&
               (present.nFileSizeLow != 0 || present.nFileSizeHigh != 0);
-  path_ = there && !direct_ ? ResolveLink(path) : path;
+  path_ = direct_ ? path : ResolveLink(path);
   const HANDLE file = direct_ ? OpenDevice(WidePathOf(path_)) : CreateBeside(path_, &temporary_);
   if (file != INVALID_HANDLE_VALUE) {
     file_ = reinterpret_cast<intptr_t>(file);
@@ -93,8 +103,7 @@ bool NewFile::Keep(std::string* message) {
   bool good = direct_ || FlushFileBuffers(HandleOf(file_));
   good = CloseHandle(HandleOf(file_)) && good;
   file_ = -1;
-  good = good && (direct_ || MoveFileExW(WidePathOf(temporary_).c_str(), WidePathOf(path_).c_str(),
-                                         MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+  good = good && (direct_ || MoveInto(WidePathOf(temporary_), WidePathOf(path_)));
   if (!good) *message = path_ + ": " + ErrorText(GetLastError());
   if (!good) return false;
   temporary_.clear();
