@@ -153,7 +153,7 @@ bool TakeHeader(Cursor& c, HeaderLine& out) {
     TakeLine(next, folded);
     length = folded.text.offset + folded.text.length - line.text.offset;
   }
-  out.whole = Ahead(c, length);
+  out.whole = Ahead(c, next.offset - c.offset);
   out.name = Slice(out.whole, 0, nameLength);
   out.value = Trimmed(Piece(out.whole, colon + 1, length));
   c = next;

@@ -57,7 +57,7 @@ Place ShowStartLine(const Place& in, const StartLine& start);
 
 // A header with its folded lines.
 struct HeaderLine {
-  Field whole;    // without the last line end
+  Field whole;    // with the last line end
   Field name, value;
 };
 // False, with nothing taken, at the empty line and at one that is no header.

@@ -2,6 +2,7 @@
 
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
+#include "decoders/app/stun.h"
 #include "decoders/net/dynamic_udp.h"
 #include "decoders/net/learn.h"
 #include "decoders/net/port_dispatch.h"
@@ -86,6 +87,10 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   const DetectionSettings settings{words.flags, words.flags2, words.tdsOff ? 1 : 0};
   const AddressSlot source = PacketOf(at).source;
   const uint16_t sourcePort = PacketOf(at).sourcePort;
+  if (LooksLikeStun(c)) {   // each message shows itself, and its port is of media as well: nothing to learn
+    DecodeRecognised(at, c, kStunProtocol);
+    return 1;
+  }
   if (LooksLikeOncRpc(c)) {
     DecodeRecognised(at, c, kLearntOncRpc);
     Learn(at.view, QX_OVER_UDP, kLearntOncRpc, source, sourcePort, -1, -1, nullptr);

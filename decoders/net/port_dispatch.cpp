@@ -3,7 +3,9 @@
 #include <cstddef>
 
 #include "core/decoder.h"
+#include "decoders/app/stun.h"
 #include "decoders/net/detection.h"
+#include "decoders/net/dynamic_udp.h"
 #include "decoders/states.h"
 
 namespace qxview {
@@ -86,8 +88,18 @@ void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
   packet.matchedSource = matchedSource ? 1 : 0;
 }
 
-int32_t DispatchPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource, uint8_t ipProtocol) {
+// STUN shares ports with the media that it finds a way for (RFC 7983): the first bytes tell whose a payload is.
+int32_t SortByFirstBytes(int32_t identifier, const Cursor& c) {
+  constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;
+  const int32_t index = identifier & kIndex;
+  if (identifier > 0 && index == kStunProtocol) return StartsStun(c) ? identifier : kNoProtocol;
+  const bool isMedia = identifier > 0 && (index == (kLearntRtp & kIndex) || index == (kLearntRtcp & kIndex));
+  return isMedia && LooksLikeStun(c) ? kStunProtocol : identifier;
+}
+
+int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matchedSource, uint8_t ipProtocol) {
   PacketState& packet = PacketOf(at);
+  const int32_t identifier = SortByFirstBytes(defined, c);
   const char* unnamed = ipProtocol == kIpProtocolTcp ? "TCP Data" : "UDP Data";
   StorePayload(packet, c, matchedSource);
   c.begin = c.offset;
