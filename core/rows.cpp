@@ -149,10 +149,10 @@ void NoteRow(const RowWalk& walk, LineHandle line, const RowData& row, const Fie
 
 LineHandle AddRowLine(const RowWalk& walk, const RowData& row, const Field& field) {
   const Place& at = walk.at;
-  if (Silent(at)) return CountSilentLine(at);
   if (row.form == RowForm::kBytes && field.length > kMostShownBytes) {
     return AddBlock(at, field, row.label ? row.label : walk.title);
   }
+  if (Silent(at)) return CountSilentLine(at);
   RowArguments arguments;
   Arrange(arguments, row.line, row, walk, field);
   char text[kLineSize];

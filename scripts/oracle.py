@@ -38,6 +38,7 @@ eth vlan ieee8021ad llc isl tr trmac fddi mpls pwethcw atm fr chdlc ppp wlan fc 
 arp ip ipv6 ipv6.hopopts ipv6.dstopts ipv6.routing ipv6.fraghdr ah mipv6 icmp icmpv6 igmp udp tcp rtp rtcp
 dns mdns llmnr http snmp ldap cldap kerberos spnego ntlmssp gss-api
 ipx spx ipxrip ipxsap nbipx nmpi nbns nbdgm nbss netbios smb smb_pipe mailslot browser lanman dcerpc smb_netlogon
+dhcp dhcpv6 tftp
 """.split())
 # What is found by port, and by which name it is defined.
 DEFINED = {"dns": "DNS", "http": "HTTP", "snmp": "SNMP", "ldap": "LDAP", "cldap": "LDAP", "kerberos": "Kerberos",

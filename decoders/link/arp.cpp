@@ -4,18 +4,12 @@
 //   hardware  protocol  hlen  plen  opcode   source hardware, source protocol, target hardware, target protocol
 #include "core/decoder.h"
 #include "core/frame_entry.h"
+#include "decoders/common/hardware_types.h"
 
 namespace qxview {
 namespace {
 
 constexpr uint32_t kProtocolIPv4 = 0x0800;
-
-constexpr auto kHardwareNames = SortedNames({
-    {1, "Ethernet"}, {2, "Experimental Ethernet"}, {3, "Amateur Radio AX.25"}, {4, "Proteon ProNET Token Ring"},
-    {5, "Chaos"}, {6, "IEEE 802"}, {7, "ARCNET"}, {8, "Hyperchannel"}, {9, "Lanstar"}, {10, "Autonet"},
-    {11, "LocalTalk"}, {12, "LocalNet"}, {13, "Ultra Link"}, {14, "SMDS"}, {15, "Frame Relay"}, {16, "ATM"},
-    {17, "HDLC"}, {18, "Fibre Channel"}, {19, "ATM"}, {20, "Serial Line"}, {21, "ATM"}, {24, "IEEE 1394"},
-    {27, "EUI-64"}, {31, "IPsec Tunnel"}, {32, "InfiniBand"}});
 
 constexpr auto kOpcodeNames = SortedNames({
     {1, "Request"}, {2, "Reply"}, {3, "Reverse Request"}, {4, "Reverse Reply"}, {5, "DRARP Request"},
