@@ -150,7 +150,7 @@ class List(unittest.TestCase):
         self.assertEqual([row.split()[0] for row in self.list("-c", "2")], ["1", "2"])
         if not WINDOWS:
             self.assertEqual([row.split()[0] for row in self.list("-f", "port 53")], ["2"])
-        rows = self.list("-d", "udp:9999=Syslog", status=2)
+        rows = self.list("-d", "udp:9999=Nothing", status=2)
         self.assertEqual(rows, [])
         self.assertIn("FTP Data ", self.list("-d", "udp:9999=FTP Data")[2])
 
