@@ -3,6 +3,7 @@
 // so decoders need no length tests: they show the lines so far and are quiet after that.
 #pragma once
 #include <cstdint>
+#include <cstring>
 
 #include "core/bits.h"
 #include "core/byte_range.h"
@@ -128,6 +129,27 @@ inline uint32_t PeekLittleU32(const Cursor& c, int32_t at = 0) {
   return at >= 0 && at < Left(c) - 3 ? ReadLittleU32(c.at + at) : 0;
 }
 
+// `length` bytes, `at` bytes from the cursor; not here when they are not all there.
+inline Field PeekBytes(const Cursor& c, int32_t at, int32_t length) {
+  if (at < 0 || length < 0 || length > Left(c) - at) return {nullptr, c.offset, 0, 0, false};
+  return {c.at + at, c.offset + at, length, 0, true};
+}
+// Whether these bytes stand there: the characters of a text, or an array.
+template <size_t kSize>
+bool PeekIs(const Cursor& c, int32_t at, const char (&text)[kSize]) {
+  return at >= 0 && static_cast<int32_t>(kSize) - 1 <= Left(c) - at && std::memcmp(c.at + at, text, kSize - 1) == 0;
+}
+template <size_t kSize>
+bool PeekIs(const Cursor& c, int32_t at, const uint8_t (&bytes)[kSize]) {
+  return at >= 0 && static_cast<int32_t>(kSize) <= Left(c) - at && std::memcmp(c.at + at, bytes, kSize) == 0;
+}
+// How far ahead such a byte stands, `from` or farther; -1 for none.
+inline int32_t FindU8(const Cursor& c, uint8_t wanted, int32_t from = 0) {
+  if (from < 0 || from >= Left(c)) return -1;
+  const void* found = std::memchr(c.at + from, wanted, static_cast<size_t>(c.left - from));
+  return found ? static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at) : -1;
+}
+
 // All bytes that are left; here when there is at least one.
 inline Field Rest(Cursor& c) {
   if (Left(c) < 1) return {nullptr, c.offset, 0, 0, false};
@@ -167,6 +189,11 @@ inline Cursor CursorOver(const Field& field) {
   c.ranShort = !field.here;
   return c;
 }
+
+// The same look into a field that was taken.
+inline uint32_t PeekU8(const Field& field, int32_t at = 0) { return PeekU8(CursorOver(field), at); }
+inline uint32_t PeekU16(const Field& field, int32_t at = 0) { return PeekU16(CursorOver(field), at); }
+inline uint32_t PeekU32(const Field& field, int32_t at = 0) { return PeekU32(CursorOver(field), at); }
 
 // while (More(c, loop)): whether bytes are left and the pass before took some.
 struct Loop {

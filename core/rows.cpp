@@ -64,15 +64,18 @@ int32_t CopyTime(const TimeText& time, char* out, int32_t size) {
   return FormatInto(out, size, "%s", time);
 }
 
+bool IsLittle(const RowWalk& walk, const RowData& row) { return row.little || walk.little; }
+
 // The value of a field that is no number, made in `scratch` where it is not taken from the frame.
-FormatArgument ValueOf(const RowData& row, const Field& field, char* scratch, int32_t size) {
-  const uint64_t number = field.length <= 8 && field.length > 0 ? NumberOf(field, row.little) : 0;
+FormatArgument ValueOf(const RowWalk& walk, const RowData& row, const Field& field, char* scratch, int32_t size) {
+  const bool little = IsLittle(walk, row);
+  const uint64_t number = field.length <= 8 && field.length > 0 ? NumberOf(field, little) : 0;
   switch (row.form) {
     case RowForm::kText: return ArgumentOf(qxview::Text(field));
     case RowForm::kUtf8: return {reinterpret_cast<uintptr_t>(scratch), CopyUtf8(field, scratch, size), FormatArgument::kSlice};
     case RowForm::kUtf16:
-      return {reinterpret_cast<uintptr_t>(scratch), CopyUtf16(field, row.little, scratch, size), FormatArgument::kSlice};
-    case RowForm::kFloat: CopyFloat(field, row.little, scratch, size); break;
+      return {reinterpret_cast<uintptr_t>(scratch), CopyUtf16(field, little, scratch, size), FormatArgument::kSlice};
+    case RowForm::kFloat: CopyFloat(field, little, scratch, size); break;
     case RowForm::kUnixTime:
       CopyTime(field.length <= 4 ? UnixTimeText(static_cast<uint32_t>(number))
                                  : UtcText(static_cast<int64_t>(number < kMostSeconds ? number : kMostSeconds)),
@@ -95,9 +98,9 @@ FormatArgument ValueOf(const RowData& row, const Field& field, char* scratch, in
   return ArgumentOf(static_cast<const char*>(scratch));
 }
 
-uint64_t ShownNumber(const RowData& row, const Field& field) {
+uint64_t ShownNumber(const RowWalk& walk, const RowData& row, const Field& field) {
   if (row.form == RowForm::kBits) return field.value;
-  const uint64_t number = NumberOf(field, row.little);
+  const uint64_t number = NumberOf(field, IsLittle(walk, row));
   if (row.form != RowForm::kSigned) return number;
   const int32_t shift = 64 - 8 * field.length;
   return static_cast<uint64_t>(static_cast<int64_t>(number << shift) >> shift);
@@ -112,13 +115,13 @@ void Arrange(RowArguments& out, const RowText& text, const RowData& row, const R
   for (int32_t i = 0; text.pieces[i].conversion; ++i) {
     switch (text.takes[i]) {
       case RowValue::kLabel: out.of[i] = ArgumentOf(row.label ? row.label : walk.title); break;
-      case RowValue::kNumber: out.of[i] = {ShownNumber(row, field), 0, FormatArgument::kNumber}; break;
+      case RowValue::kNumber: out.of[i] = {ShownNumber(walk, row, field), 0, FormatArgument::kNumber}; break;
       case RowValue::kName: out.of[i] = ArgumentOf(row.names.NameOf(field.value)); break;
       case RowValue::kPicture:
         out.of[i] = ArgumentOf(BitSlice{walk.word.value, static_cast<uint8_t>(8 * walk.word.length), row.firstBit,
                                         row.bitCount});
         break;
-      case RowValue::kValue: out.of[i] = ValueOf(row, field, out.scratch, sizeof out.scratch); break;
+      case RowValue::kValue: out.of[i] = ValueOf(walk, row, field, out.scratch, sizeof out.scratch); break;
       case RowValue::kUnit: out.of[i] = ArgumentOf(row.unit); break;
     }
   }
@@ -139,11 +142,11 @@ void NoteRow(const RowWalk& walk, LineHandle line, const RowData& row, const Fie
   const char* label = row.label ? row.label : walk.title;
   if (!label) return;
   if (IsNumber(row.form) && row.form != RowForm::kFloat) {
-    return NoteNumber(view, line, label, ShownNumber(row, field), row.form == RowForm::kSigned);
+    return NoteNumber(view, line, label, ShownNumber(walk, row, field), row.form == RowForm::kSigned);
   }
   char scratch[kLineSize], value[kLineSize];
   const FormatPiece pieces[2] = {{0, 0, 0, 0, 0, 0, static_cast<uint32_t>(Conversion::kText)}, {}};
-  const FormatArgument argument = ValueOf(row, field, scratch, sizeof scratch);
+  const FormatArgument argument = ValueOf(walk, row, field, scratch, sizeof scratch);
   NoteText(view, line, label, value, FormatPieces(value, sizeof value, "", pieces, &argument));
 }
 
@@ -187,7 +190,7 @@ void AddFlagLines(const RowWalk& walk, const RowData& row, const Field& field) {
 int32_t TakeCount(RowWalk& walk, Cursor& c, const RowData& row, bool shows) {
   Field count = TakeBytes(c, row.countSize);
   if (!count.here) return -1;
-  const uint64_t number = NumberOf(count, row.little);
+  const uint64_t number = NumberOf(count, IsLittle(walk, row));
   const char* label = row.label ? row.label : walk.title;
   if (shows && label) AddLine(walk.at, count, "%s Length: %I64u", label, number);
   return number > INT32_MAX ? INT32_MAX : static_cast<int32_t>(number);
@@ -207,7 +210,7 @@ Field TakeSized(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool
   // A length that says more than is there takes what is there.
   if (variable && size > Left(c)) size = Left(c);
   Field field = TakeBytes(c, size);
-  if (field.here && IsNumber(row.form)) field.value = static_cast<uint32_t>(NumberOf(field, row.little));
+  if (field.here && IsNumber(row.form)) field.value = static_cast<uint32_t>(NumberOf(field, IsLittle(walk, row)));
   if (field.here && field.length <= 4) walk.word = field;
   return field;
 }
@@ -238,7 +241,7 @@ Field ShowRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
   }
   if (!isBits) walk.parent = line ? line : at.parent;
   if (row.form == RowForm::kFlags) AddFlagLines(walk, row, field);
-  if (row.note.text && Displaying(at)) {
+  if (row.note.text && Displaying(at) && !(row.noteWhenSet && field.value == 0)) {
     RowArguments arguments;
     Arrange(arguments, row.note, row, walk, field);
     AppendFormatted(at, at.parent, row.note.text, row.note.pieces, arguments.of);

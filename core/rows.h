@@ -166,6 +166,7 @@ struct RowData {
   bool little = false;
   bool terminated = false;   // texts: up to a zero character, which belongs to the field
   bool quiet = false;        // no line for a field of no bytes
+  bool noteWhenSet = false;  // no note of a value of 0
   uint8_t firstBit = 0, bitCount = 0;
 
   // A text in place of the form's.
@@ -180,6 +181,13 @@ struct RowData {
   consteval RowData Note(const char (&text)[kSize]) const {
     RowData noted = *this;
     noted.note = detail::ToldText(text, form, names.Here(), false);
+    return noted;
+  }
+  // The same where the value is not 0: ", Truncated".
+  template <size_t kSize>
+  consteval RowData NoteWhenSet(const char (&text)[kSize]) const {
+    RowData noted = Note(text);
+    noted.noteWhenSet = true;
     return noted;
   }
   consteval RowData Little() const {
@@ -386,6 +394,7 @@ struct RowWalk {
   const char* title;     // the label of rows that have none
   Field word;            // the number that bits are of
   LineHandle parent;     // of their lines
+  bool little;           // every number of the rows
 };
 Field TakeRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size);
 Field ShowRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size);
@@ -393,53 +402,59 @@ uint64_t NumberOf(const Field& field, bool little);
 
 template <class T>
 inline int32_t SizeOf(const Row<T>& row, const T& out) {
+  if constexpr (std::is_empty_v<T>) return kOwnSize;
   if (!row.sizedBy) return kOwnSize;
   const uint32_t size = (out.*row.sizedBy).value;
   return size > INT32_MAX ? INT32_MAX : static_cast<int32_t>(size);
 }
 template <class T>
-inline void Keep(const Row<T>& row, const Field& field, T& out) {
+inline void Keep(const RowWalk& walk, const Row<T>& row, const Field& field, T& out) {
+  if constexpr (std::is_empty_v<T>) return;
   if (row.into) out.*row.into = field;
-  if (row.intoWide) out.*row.intoWide = field.here && field.bytes ? NumberOf(field, row.little) : 0;
+  if (row.intoWide) out.*row.intoWide = field.here && field.bytes ? NumberOf(field, row.little || walk.little) : 0;
 }
 }  // namespace detail
 
+// The order of protocols whose messages say which one they are in.
+enum class ByteOrder : uint8_t { kAsRows, kLittle };
+
 // Shows the fields one after the other and keeps their values.
 template <class T>
-void ShowRows(const Place& in, Cursor& c, std::type_identity_t<RowSpan<T>> rows, T& out, const char* title = nullptr) {
-  detail::RowWalk walk{in, title, {}, in.parent};
+void ShowRows(const Place& in, Cursor& c, std::type_identity_t<RowSpan<T>> rows, T& out, const char* title = nullptr,
+              ByteOrder order = ByteOrder::kAsRows) {
+  detail::RowWalk walk{in, title, {}, in.parent, order == ByteOrder::kLittle};
   for (size_t i = 0; i < rows.count; ++i) {
     const Row<T>& row = rows.rows[i];
     if (row.take) {
       row.take(in, c, row.label ? row.label : title, out);
     } else {
-      detail::Keep(row, detail::ShowRow(walk, c, row, detail::SizeOf(row, out)), out);
+      detail::Keep(walk, row, detail::ShowRow(walk, c, row, detail::SizeOf(row, out)), out);
     }
   }
 }
 template <class T, size_t kRows>
-T ShowRows(const Place& in, Cursor& c, const RowTable<T, kRows>& table) {
+T ShowRows(const Place& in, Cursor& c, const RowTable<T, kRows>& table, ByteOrder order = ByteOrder::kAsRows) {
   T out{};
-  ShowRows<T>(in, c, table, out);
+  ShowRows<T>(in, c, table, out, nullptr, order);
   return out;
 }
 
 // Keeps the values and shows nothing, up to a row that takes its bytes itself.
 template <class T, size_t kRows>
-T ReadRows(Cursor& c, const RowTable<T, kRows>& table) {
+T ReadRows(Cursor& c, const RowTable<T, kRows>& table, ByteOrder order = ByteOrder::kAsRows) {
   T out{};
   const Place nowhere{};
-  detail::RowWalk walk{nowhere, nullptr, {}, 0};
+  detail::RowWalk walk{nowhere, nullptr, {}, 0, order == ByteOrder::kLittle};
   for (const Row<T>& row : table.rows) {
     if (row.take) break;
-    detail::Keep(row, detail::TakeRow(walk, c, row, detail::SizeOf(row, out)), out);
+    detail::Keep(walk, row, detail::TakeRow(walk, c, row, detail::SizeOf(row, out)), out);
   }
   return out;
 }
 // The same for what a top line says before the fields are shown: nothing is taken.
 template <class T, size_t kRows>
-T PeekRows(Cursor c, const RowTable<T, kRows>& table) {
-  return ReadRows(c, table);
+T PeekRows(Cursor c, const RowTable<T, kRows>& table, ByteOrder order = ByteOrder::kAsRows) {
+  return ReadRows(c, table, order);
 }
 
 // For decoders that need no values.

@@ -40,6 +40,20 @@ constexpr auto kText = Rows<Thing>({Text(0, nullptr).Note(", %s")});
 constexpr auto kPair = Rows<Thing>({Number(1, "Left"), Number(1, "Right")});
 constexpr auto kChoices = Choices<Thing>({{1, "Name", kText}, {2, "Pair", kPair}});
 
+// In the order that a message names; what is set is noted.
+constexpr auto kOrdered = Rows<Thing>({Number(2, "Count").Into(&Thing::count), Number(8, "Wide").Into(&Thing::wide),
+                                       Utf16(2, "Text"), Word(2), Flag(15, "Low").NoteWhenSet(", low"),
+                                       Flag(0, "High").NoteWhenSet(", high")});
+
+int32_t DecodeOrdered(const Place& at, Cursor c) {
+  const ByteOrder order = PeekU8(c) == 1 ? ByteOrder::kLittle : ByteOrder::kAsRows;
+  const Field mark = TakeU8(c);
+  const Place in = Under(at, AddLine(at, mark, "Thing %u", PeekRows(c, kOrdered, order).count.value));
+  const Thing thing = ShowRows(in, c, kOrdered, order);
+  AddLine(in, Stated(0, 0), "Values: %u 0x%I64X", thing.count.value, thing.wide);
+  return 1;
+}
+
 }  // namespace
 }  // namespace qxview
 
@@ -116,6 +130,15 @@ TEST(Rows, MayBeTakenByAFunctionBehindOthers) {
               return 1;
             }, Hex("0300 616263 0200 07")),
             "Ahead: 3 0\nCount: 3\nName: abc\nState: [2] = Second\nOther: [7] = Undefined\n");
+}
+
+TEST(Rows, FollowTheOrderOfTheMessage) {
+  EXPECT_EQ(Decode(DecodeOrdered, Hex("00 0002 0000000000000003 0041 0001")),
+            "Thing 2, low\n  Count: 2\n  Wide: 3\n  Text: A\n  ........ .......1: Low = True\n"
+            "  0....... ........: High = False\n  Values: 2 0x3\n");
+  EXPECT_EQ(Decode(DecodeOrdered, Hex("01 0200 0300000000000000 4100 0080")),
+            "Thing 2, high\n  Count: 2\n  Wide: 3\n  Text: A\n  ........ .......0: Low = False\n"
+            "  1....... ........: High = True\n  Values: 2 0x3\n");
 }
 
 std::string Elements(const ElementForm& form, const std::string& bytes) {

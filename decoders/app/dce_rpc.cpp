@@ -5,7 +5,7 @@
 //
 // The data form says whether numbers are little-endian. What the call's parameters are is the interface's matter: they
 // stay a dump, "Stub Data".
-#include "core/decoder.h"
+#include "core/rows.h"
 #include "decoders/common/guid.h"
 
 namespace qxview {
@@ -40,9 +40,6 @@ constexpr auto kAuthTypes = SortedNames({
 constexpr auto kAuthLevels = SortedNames({
     {1, "None"}, {2, "Connect"}, {3, "Call"}, {4, "Packet"}, {5, "Packet Integrity"}, {6, "Packet Privacy"}});
 
-constexpr const char* kFlagNames[] = {
-    "First Fragment", "Last Fragment", "Cancel Pending", "Reserved", "Multiplex", "Did Not Execute", "Maybe", "Object UUID"};
-
 // By the first four bytes of their UUID and the byte that tells apart those that share them.
 struct Syntax {
   uint32_t first;
@@ -56,201 +53,158 @@ constexpr Syntax kSyntaxes[] = {
     {0x367ABB81, 0x03, "Service Control"}, {0x1FF70682, 0x8B, "Task Scheduler"}, {0xE1AF8308, 0xFA, "Endpoint Mapper"},
     {0x8A885D04, 0x60, "NDR"}, {0x71710533, 0x36, "NDR64"}};
 
-// A fragment's numbers, in its own byte order.
-struct Fragment {
-  Cursor body;
-  bool isLittle;
+// The rows of every part are in the byte order that the fragment names.
+void ShowDataForm(const Place& in, const Field& form, const char* label) {
+  const uint32_t first = PeekU8(form);
+  AddLine(in, form, "%s: %s, %s, %s", label, first & kLittleEndian ? "Little-Endian" : "Big-Endian",
+          LookupName(kCharacterNames, first & 15, kUndefined), LookupName(kFloatNames, PeekU8(form, 1), kUndefined));
+}
+
+struct Header {
+  Field version, minor, type, flags, form, length, authLength;
 };
-Field Take16(Fragment& f) { return f.isLittle ? TakeLittleU16(f.body) : TakeU16(f.body); }
-Field Take32(Fragment& f) { return f.isLittle ? TakeLittleU32(f.body) : TakeU32(f.body); }
+constexpr auto kHeader = Rows<Header>({
+    Number(1, "Version").Into(&Header::version), Number(1, "Minor Version").Into(&Header::minor),
+    Coded(1, "Type", kTypeNames).Into(&Header::type),
+    Hex(1, "Flags").Into(&Header::flags), Flag(7, "First Fragment"), Flag(6, "Last Fragment"), Flag(5, "Cancel Pending"),
+    Flag(4, "Reserved"), Flag(3, "Multiplex"), Flag(2, "Did Not Execute"), Flag(1, "Maybe"), Flag(0, "Object UUID"),
+    Shown(4, "Data Form", ShowDataForm).Into(&Header::form), Number(2, "Fragment Length").Into(&Header::length),
+    Number(2, "Authentication Length").Into(&Header::authLength), Number(4, "Call ID")});
 
-void AddNumber8(const Place& in, Fragment& f, const char* label) {
-  const Field field = TakeU8(f.body);
-  AddLine(in, field, "%s: %u", label, field.value);
-}
-void AddNumber16(const Place& in, Fragment& f, const char* label) {
-  const Field field = Take16(f);
-  AddLine(in, field, "%s: %u", label, field.value);
-}
-void AddNumber32(const Place& in, Fragment& f, const char* label) {
-  const Field field = Take32(f);
-  AddLine(in, field, "%s: %u", label, field.value);
-}
+struct List {
+  Field count;
+};
+constexpr auto kVersion = Rows<NoValues>({Number(2, "Version Major"), Number(2, "Version Minor")});
+constexpr auto kAssociation = Rows<NoValues>({
+    Number(2, "Max Transmit Fragment"), Number(2, "Max Receive Fragment"), Hex(4, "Association Group")});
+constexpr auto kContexts = Rows<List>({Number(1, "Number Of Contexts").Into(&List::count), Bytes(3, "Reserved")});
+constexpr auto kContext = Rows<List>({
+    Number(2, "Context ID"), Number(1, "Number Of Transfer Syntaxes").Into(&List::count), Number(1, "Reserved")});
+constexpr auto kAddress = Rows<List>({Number(2, "Secondary Address Length").Into(&List::count)});
+constexpr auto kResults = Rows<List>({Number(1, "Number Of Results").Into(&List::count), Bytes(3, "Reserved")});
+constexpr auto kResult = Rows<NoValues>({
+    Coded(2, "Result", kResultNames),
+    Coded(2, "Reason", kReasonNames)});
+constexpr auto kReject = Rows<List>({
+    Coded(2, "Reject Reason", kRejectNames),
+    Number(1, "Number Of Versions").Into(&List::count)});
 
-void AddUuid(const Place& in, Fragment& f, const char* label) {
-  const Field uuid = TakeBytes(f.body, kGuidSize);
-  if (!uuid.here) return;
-  const Cursor c = CursorOver(uuid);
-  const uint32_t first = f.isLittle ? PeekLittleU32(c) : PeekU32(c), last = PeekU8(c, kGuidSize - 1);
+constexpr RowData kHint = Number(4, "Allocation Hint"), kContextId = Number(2, "Context ID"),
+                  kCancels = Number(1, "Cancel Count"), kReserved = Number(1, "Reserved");
+constexpr auto kRequestRows =
+    Rows<NoValues>({kHint, kContextId, Number(2, "Operation Number").Note(", Operation %u")});
+constexpr auto kResponseRows = Rows<NoValues>({kHint, kContextId, kCancels, kReserved});
+constexpr auto kFaultRows =
+    Rows<NoValues>({kHint, kContextId, kCancels, kReserved, Hex(4, "Status"), Number(4, "Reserved")});
+constexpr auto kPad = Rows<NoValues>({Bytes(4, "Pad")});
+constexpr auto kVerifier = Rows<NoValues>({
+    Coded(1, "Authentication Type", kAuthTypes),
+    Coded(1, "Authentication Level", kAuthLevels),
+    Number(1, "Pad Length"), kReserved, Number(4, "Context ID")});
+
+void AddUuid(const Place& in, Cursor& c, ByteOrder order, const char* label) {
+  const Field uuid = TakeBytes(c, kGuidSize);
+  const bool isLittle = order == ByteOrder::kLittle;
+  const uint32_t first = isLittle ? PeekLittleU32(CursorOver(uuid)) : PeekU32(uuid), last = PeekU8(uuid, kGuidSize - 1);
   const char* name = nullptr;
   for (const Syntax& known : kSyntaxes) {
     if (known.first == first && known.last == last) name = known.name;
   }
-  AddLine(in, uuid, "%s: %s%s%s", label, TextOfGuid(uuid, f.isLittle ? GuidOrder::kLittle : GuidOrder::kBig),
+  AddLine(in, uuid, "%s: %s%s%s", label, TextOfGuid(uuid, isLittle ? GuidOrder::kLittle : GuidOrder::kBig),
           name ? " = " : "", name ? name : "");
 }
 
-void AddSyntax(const Place& in, Fragment& f, const char* label) {
-  AddUuid(in, f, label);
-  AddNumber16(in, f, "Version Major");
-  AddNumber16(in, f, "Version Minor");
+void AddSyntax(const Place& in, Cursor& c, ByteOrder order, const char* label) {
+  AddUuid(in, c, order, label);
+  ShowRows(in, c, kVersion, order);
 }
 
-void AddAssociation(const Place& in, Fragment& f) {
-  AddNumber16(in, f, "Max Transmit Fragment");
-  AddNumber16(in, f, "Max Receive Fragment");
-  const Field group = Take32(f);
-  AddLine(in, group, "Association Group: 0x%.08X", group.value);
-}
-
-uint32_t AddCount(const Place& in, Fragment& f, const char* label) {
-  const Field count = TakeU8(f.body);
-  AddLine(in, count, "%s: %u", label, count.value);
-  const Field reserved = TakeBytes(f.body, 3);
-  AddLine(in, reserved, "Reserved: %s", HexText(reserved));
-  return count.value;
-}
-
-void AddBind(const Place& in, Fragment& f) {
-  AddAssociation(in, f);
-  const uint32_t contexts = AddCount(in, f, "Number Of Contexts");
+void AddBind(const Place& in, Cursor& c, ByteOrder order) {
+  ShowRows(in, c, kAssociation, order);
+  const uint32_t contexts = ShowRows(in, c, kContexts).count.value;
   Loop loop;
-  for (uint32_t i = 0; i < contexts && MoreAt(in, f.body, loop); ++i) {
-    const int32_t start = f.body.offset;
-    const LineHandle line = AddLine(in, Ahead(f.body, 0), "Presentation Context");
+  for (uint32_t i = 0; i < contexts && MoreAt(in, c, loop); ++i) {
+    const int32_t start = c.offset;
+    const LineHandle line = AddLine(in, Ahead(c, 0), "Presentation Context");
     const Place under = Under(in, line);
-    AddNumber16(under, f, "Context ID");
-    const Field syntaxes = TakeU8(f.body);
-    AddLine(under, syntaxes, "Number Of Transfer Syntaxes: %u", syntaxes.value);
-    AddNumber8(under, f, "Reserved");
-    AddSyntax(under, f, "Abstract Syntax");
+    const uint32_t syntaxes = ShowRows(under, c, kContext, order).count.value;
+    AddSyntax(under, c, order, "Abstract Syntax");
     Loop inner;
-    for (uint32_t k = 0; k < syntaxes.value && MoreAt(under, f.body, inner); ++k) AddSyntax(under, f, "Transfer Syntax");
-    SetRange(in, line, start, f.body.offset - start);
+    for (uint32_t k = 0; k < syntaxes && MoreAt(under, c, inner); ++k) AddSyntax(under, c, order, "Transfer Syntax");
+    SetRange(in, line, start, c.offset - start);
   }
 }
 
-void AddBindAck(const Place& in, Fragment& f, const Cursor& whole) {
-  AddAssociation(in, f);
-  const Field length = Take16(f);
-  AddLine(in, length, "Secondary Address Length: %u", length.value);
-  Cursor text = TakeCursor(f.body, length.value);
+void AddBindAck(const Place& in, Cursor& c, ByteOrder order, int32_t begin) {
+  ShowRows(in, c, kAssociation, order);
+  Cursor text = TakeCursor(c, ShowRows(in, c, kAddress, order).count.value);
   const Field address = Rest(text);
   AddLine(in, address, "Secondary Address: %s", Text(address));
-  const int32_t beyond = (f.body.offset - whole.begin) % 4;
-  if (beyond != 0 && Left(f.body) > 4 - beyond) {
-    const Field pad = TakeBytes(f.body, 4 - beyond);
+  const int32_t beyond = (c.offset - begin) % 4;
+  if (beyond != 0 && Left(c) > 4 - beyond) {
+    const Field pad = TakeBytes(c, 4 - beyond);
     AddLine(in, pad, "Pad: %s", HexText(pad));
   }
-  const uint32_t results = AddCount(in, f, "Number Of Results");
+  const uint32_t results = ShowRows(in, c, kResults).count.value;
   Loop loop;
-  for (uint32_t i = 0; i < results && MoreAt(in, f.body, loop); ++i) {
-    const Field result = Take16(f);
-    AddLine(in, result, "Result: [%u] = %s", result.value, LookupName(kResultNames, result.value, kUndefined));
-    const Field reason = Take16(f);
-    AddLine(in, reason, "Reason: [%u] = %s", reason.value, LookupName(kReasonNames, reason.value, kUndefined));
-    AddSyntax(in, f, "Transfer Syntax");
+  for (uint32_t i = 0; i < results && MoreAt(in, c, loop); ++i) {
+    ShowRows(in, c, kResult, order);
+    AddSyntax(in, c, order, "Transfer Syntax");
   }
 }
 
-void AddBindNak(const Place& in, Fragment& f) {
-  const Field reason = Take16(f);
-  AddLine(in, reason, "Reject Reason: [%u] = %s", reason.value, LookupName(kRejectNames, reason.value, kUndefined));
-  const Field versions = TakeU8(f.body);
-  AddLine(in, versions, "Number Of Versions: %u", versions.value);
+void AddBindNak(const Place& in, Cursor& c, ByteOrder order) {
+  const uint32_t versions = ShowRows(in, c, kReject, order).count.value;
   Loop loop;
-  for (uint32_t i = 0; i < versions.value && MoreAt(in, f.body, loop); ++i) {
-    const Field version = TakeBytes(f.body, 2);
-    if (version.here) AddLine(in, version, "Version: %u.%u", uint32_t{version.bytes[0]}, uint32_t{version.bytes[1]});
+  for (uint32_t i = 0; i < versions && MoreAt(in, c, loop); ++i) {
+    const Field version = TakeBytes(c, 2);
+    AddLine(in, version, "Version: %u.%u", PeekU8(version), PeekU8(version, 1));
   }
 }
 
-void AddCall(const Place& in, Fragment& f, uint32_t type, uint32_t flags) {
-  AddNumber32(in, f, "Allocation Hint");
-  AddNumber16(in, f, "Context ID");
-  if (type == kRequest) {
-    const Field operation = Take16(f);
-    AddLine(in, operation, "Operation Number: %u", operation.value);
-    AppendToParent(in, operation, ", Operation %u", operation.value);
-    if (flags & kHasObject) AddUuid(in, f, "Object");
-  } else {
-    AddNumber8(in, f, "Cancel Count");
-    AddNumber8(in, f, "Reserved");
-  }
-  if (type == kFault) {
-    const Field status = Take32(f);
-    AddLine(in, status, "Status: 0x%.08X", status.value);
-    AddNumber32(in, f, "Reserved");
-  }
-  AddBlock(in, Rest(f.body), "Stub Data");
+void AddRequest(const Place& in, Cursor& c, ByteOrder order, uint32_t flags) {
+  ShowRows(in, c, kRequestRows, order);
+  if (flags & kHasObject) AddUuid(in, c, order, "Object");
 }
 
 // The verifier behind the body. Its padding belongs to the body and stays there.
-void AddVerifier(const Place& at, Fragment& f) {
-  const Place in = Under(at, AddLine(at, Ahead(f.body, Left(f.body)), "Authentication"));
-  const Field type = TakeU8(f.body);
-  AddLine(in, type, "Authentication Type: [%u] = %s", type.value, LookupName(kAuthTypes, type.value, kUndefined));
-  const Field level = TakeU8(f.body);
-  AddLine(in, level, "Authentication Level: [%u] = %s", level.value, LookupName(kAuthLevels, level.value, kUndefined));
-  AddNumber8(in, f, "Pad Length");
-  AddNumber8(in, f, "Reserved");
-  AddNumber32(in, f, "Context ID");
-  AddBlock(in, Rest(f.body), "Authentication Value");
+void AddVerifier(const Place& at, Cursor& c, ByteOrder order) {
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Authentication"));
+  ShowRows(in, c, kVerifier, order);
+  AddBlock(in, Rest(c), "Authentication Value");
 }
 
-void AddBody(const Place& in, Fragment& f, const Cursor& whole, uint32_t type, uint32_t flags) {
-  switch (type) {
-    case kRequest:
-    case kResponse:
-    case kFault: AddCall(in, f, type, flags); break;
+void AddBody(const Place& in, Cursor& c, ByteOrder order, const Header& header, int32_t begin) {
+  switch (header.type.value) {
+    case kRequest: AddRequest(in, c, order, header.flags.value); break;
+    case kResponse: ShowRows(in, c, kResponseRows, order); break;
+    case kFault: ShowRows(in, c, kFaultRows, order); break;
     case kBind:
-    case kAlterContext: AddBind(in, f); break;
+    case kAlterContext: AddBind(in, c, order); break;
     case kBindAck:
-    case kAlterContextResponse: AddBindAck(in, f, whole); break;
-    case kBindNak: AddBindNak(in, f); break;
-    case kAuth3: {
-      const Field pad = TakeBytes(f.body, 4);
-      AddLine(in, pad, "Pad: %s", HexText(pad));
-      break;
-    }
+    case kAlterContextResponse: AddBindAck(in, c, order, begin); break;
+    case kBindNak: AddBindNak(in, c, order); break;
+    case kAuth3: ShowRows(in, c, kPad); break;
     default: break;
   }
-  AddBlock(in, Rest(f.body), "Body Data");
+  const uint32_t type = header.type.value;
+  const bool isCall = type == kRequest || type == kResponse || type == kFault;
+  AddBlock(in, Rest(c), isCall ? "Stub Data" : "Body Data");
 }
+
+ByteOrder OrderOf(const Cursor& c) { return PeekU8(c, 4) & kLittleEndian ? ByteOrder::kLittle : ByteOrder::kAsRows; }
 
 // Strict, for payloads come here by a guess too: the data form's last two bytes are 0, the parts fit the fragment, and
 // where a rare form is named the payload holds all of it.
 bool StartsFragment(const Cursor& c) {
-  if (Left(c) < kHeaderSize) return false;
-  const uint8_t* b = c.at;
-  const bool isLittle = (b[4] & kLittleEndian) != 0;
-  const uint32_t length = isLittle ? ReadLittleU16(b + 8) : ReadU16(b + 8);
-  const uint32_t authLength = isLittle ? ReadLittleU16(b + 10) : ReadU16(b + 10);
+  if (Left(c) < kHeaderSize || PeekU8(c) != 5) return false;
+  const Header header = PeekRows(c, kHeader, OrderOf(c));
+  const uint32_t length = header.length.value, authLength = header.authLength.value, form = PeekU32(header.form);
   const uint32_t needed = kHeaderSize + (authLength > 0 ? kAuthHeaderSize + authLength : 0);
-  const bool knownForm = (b[4] & 0xEE) == 0 && b[5] <= 3 && b[6] == 0 && b[7] == 0;
-  const bool isUsual = (b[4] & 0x0F) == 0 && b[5] == 0;
+  const bool knownForm = (form & 0xEE00FFFF) == 0 && PeekU8(header.form, 1) <= 3;
+  const bool isUsual = (form & 0x0FFF0000) == 0;
   const bool fits = length >= needed && (isUsual || length <= static_cast<uint32_t>(Left(c)));
-  return b[0] == 5 && b[1] <= 1 && b[2] <= kLastType && knownForm && fits;
-}
-
-// The header's fields; the body's cursor and its authentication are left to the caller.
-void AddHeader(const Place& in, Fragment& f) {
-  AddNumber8(in, f, "Version");
-  AddNumber8(in, f, "Minor Version");
-  const Field type = TakeU8(f.body);
-  AddLine(in, type, "Type: [%u] = %s", type.value, LookupName(kTypeNames, type.value, kUndefined));
-  const Field flags = TakeU8(f.body);
-  const Place bits = Under(in, AddLine(in, flags, "Flags: 0x%.02X", flags.value));
-  for (int32_t i = 0; i < 8; ++i) {
-    const BitPicture bit = BitsOf(flags, 7 - i, 1);
-    AddBitLine(bits, flags, "%s: %s = %s", bit.picture, kFlagNames[i], TrueOrFalse(bit.value));
-  }
-  const Field form = TakeBytes(f.body, 4);
-  AddLine(in, form, "Data Form: %s, %s, %s", f.isLittle ? "Little-Endian" : "Big-Endian",
-          LookupName(kCharacterNames, form.bytes[0] & 15, kUndefined), LookupName(kFloatNames, form.bytes[1], kUndefined));
-  AddNumber16(in, f, "Fragment Length");
-  AddNumber16(in, f, "Authentication Length");
-  AddNumber32(in, f, "Call ID");
+  return header.minor.value <= 1 && header.type.value <= kLastType && knownForm && fits;
 }
 
 }  // namespace
@@ -258,21 +212,20 @@ void AddHeader(const Place& in, Fragment& f) {
 int32_t DecodeDceRpc(const Place& at, Cursor c) {
   if (!StartsFragment(c)) return 0;
   for (Loop loop; MoreAt(at, c, loop) && StartsFragment(c);) {
-    const bool isLittle = (c.at[4] & kLittleEndian) != 0;
-    const uint8_t* header = c.at;
-    const int32_t length = static_cast<int32_t>(isLittle ? ReadLittleU16(header + 8) : ReadU16(header + 8));
-    const int32_t authLength = static_cast<int32_t>(isLittle ? ReadLittleU16(header + 10) : ReadU16(header + 10));
-    const uint32_t type = header[2], flags = header[3];
-    Fragment f{TakeCursor(c, length), isLittle};
-    const Cursor whole = f.body;
-    const Place in = Under(at, AddLine(at, Ahead(whole, whole.left), "MSRPC: %s", LookupName(kTypeNames, type, kUndefined)));
-    AddHeader(in, f);
+    const ByteOrder order = OrderOf(c);
+    const Header header = PeekRows(c, kHeader, order);
+    Cursor fragment = TakeCursor(c, header.length.value);
+    const uint32_t captured = static_cast<uint32_t>(fragment.left);
+    const Place in = Under(at, AddLine(at, Ahead(fragment, fragment.left), "MSRPC: %s",
+                                       LookupName(kTypeNames, header.type.value, kUndefined)));
+    ShowRows(in, fragment, kHeader, order);
 
-    const int32_t verifier = authLength > 0 ? authLength + kAuthHeaderSize : 0;
-    const bool isWhole = whole.left == length && verifier <= Left(f.body);
-    Fragment body{TakeCursor(f.body, isWhole ? Left(f.body) - verifier : Left(f.body)), isLittle};
-    AddBody(in, body, whole, type, flags);
-    if (Left(f.body) > 0) AddVerifier(in, f);
+    const uint32_t authLength = header.authLength.value;
+    const int32_t verifier = authLength > 0 ? static_cast<int32_t>(authLength) + kAuthHeaderSize : 0;
+    const bool isWhole = captured == header.length.value && verifier <= Left(fragment);
+    Cursor body = TakeCursor(fragment, isWhole ? Left(fragment) - verifier : Left(fragment));
+    AddBody(in, body, order, header, fragment.begin);
+    if (Left(fragment) > 0) AddVerifier(in, fragment, order);
   }
   AddRawRest(at, c, "MSRPC Continuation Data");
   return 1;

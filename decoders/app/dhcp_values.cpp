@@ -60,6 +60,7 @@ void ShowDhcpNames(const Place& in, Cursor& c, DhcpMessage&) {
     const Cursor start = c;
     TakeNameLabels(c, whole, [&](const Field& label) {
       AppendFormat(name.text, sizeof name.text, "%s%s", name.text[0] ? "." : "", Text(label));
+      return true;
     });
     const Field taken = Ahead(start, c.offset - start.offset);
     if (taken.length < 1) break;

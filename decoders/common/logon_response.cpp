@@ -1,5 +1,6 @@
 #include "decoders/common/logon_response.h"
 
+#include "core/rows.h"
 #include "decoders/common/guid.h"
 #include "decoders/common/line_text.h"
 #include "decoders/common/name_labels.h"
@@ -28,27 +29,18 @@ constexpr auto kVersionBits = SortedNames({
     {0x00000010, "V5EX With Closest Site"}, {0x01000000, "Avoid NT4 Emulation"}, {0x10000000, "PDC"},
     {0x20000000, "IP"}, {0x40000000, "Local"}, {0x80000000, "GC"}});
 
-template <size_t kRows>
-void AddBits(const Place& in, const Field& word, const char* label, const NameTable<kRows>& bits) {
-  const Place under = Under(in, AddLine(in, word, "%s: 0x%.08X", label, word.value));
-  for (const NameTableEntry& row : bits.rows) {
-    int32_t place = 31;
-    while (row.code >> (31 - place) != 1) --place;
-    const BitPicture bit = BitsOf(word, place, 1);
-    AddBitLine(under, word, "%s: %s = %s", bit.picture, row.name, TrueOrFalse(bit.value));
-  }
-}
+constexpr auto kFlagsRow = Rows<NoValues>({Flags(4, "Flags", kServerBits).Little()});
+constexpr auto kVersionRows = Rows<NoValues>({
+    Flags(4, "NT Version", kVersionBits).Little(), Hex(2, "LM NT Token").Little(), Hex(2, "LM 2.0 Token").Little()});
+constexpr auto kReservedRow = Rows<NoValues>({Number(2, "Reserved").Little()});
+constexpr auto kAddress = Rows<NoValues>({
+    Number(2, "Address Family").Little(), Number(2, "Port"), IPv4("DC IP Address"), Bytes(0, "Reserved")});
 
 void AddSocketAddress(const Place& in, Cursor& c) {
   const Field size = TakeU8(c);
   AddLine(in, size, "DC Socket Address Size: %u", size.value);
   Cursor address = TakeCursor(c, size.value);
-  const Field family = TakeLittleU16(address), port = TakeU16(address), octets = TakeBytes(address, 4);
-  AddLine(in, family, "Address Family: %u", family.value);
-  AddLine(in, port, "Port: %u", port.value);
-  AddLine(in, octets, "DC IP Address: %s", IPv4Text(octets.bytes));
-  const Field zeros = Rest(address);
-  AddLine(in, zeros, "Reserved: %s", HexText(zeros));
+  ShowRows(in, address, kAddress);
 }
 
 }  // namespace
@@ -63,6 +55,7 @@ bool AddLogonName(const Place& in, Cursor& c, const char* label) {
   TakeNameLabels(c, WholeOf(c), [&](const Field& part) {
     if (!text.IsEmpty()) text.Put(".");
     text.PutValue(CursorOver(part));
+    return !text.IsFull();
   });
   if (c.ranShort) {
     c = start;
@@ -78,22 +71,17 @@ void AddLogonGuid(const Place& in, Cursor& c, const char* label) {
   AddLine(in, guid, "%s: {%s}", label, TextOfGuid(guid, GuidOrder::kLittle));
 }
 
-void AddLogonFlags(const Place& in, Cursor& c) { AddBits(in, TakeLittleU32(c), "Flags", kServerBits); }
+void AddLogonFlags(const Place& in, Cursor& c) { ShowRows(in, c, kFlagsRow); }
 
 void AddLogonVersions(const Place& in, Cursor& c) {
-  if (Left(c) < 1) return;
-  AddBits(in, TakeLittleU32(c), "NT Version", kVersionBits);
-  const Field token = TakeLittleU16(c), oldToken = TakeLittleU16(c);
-  AddLine(in, token, "LM NT Token: 0x%.04X", token.value);
-  AddLine(in, oldToken, "LM 2.0 Token: 0x%.04X", oldToken.value);
+  if (Left(c) >= 1) ShowRows(in, c, kVersionRows);
 }
 
 bool AddLogonResponse(const Place& in, Cursor& c) {
   constexpr const char* kNames[] = {
       "DNS Forest Name", "DNS Domain Name", "DNS Host Name", "NetBIOS Domain Name", "NetBIOS Computer Name",
       "User Name", "DC Site Name", "Client Site Name"};
-  const Field reserved = TakeLittleU16(c);
-  AddLine(in, reserved, "Reserved: %u", reserved.value);
+  ShowRows(in, c, kReservedRow);
   AddLogonFlags(in, c);
   AddLogonGuid(in, c, "Domain GUID");
   for (const char* name : kNames) {

@@ -12,9 +12,9 @@ constexpr uint32_t kLongestLabel = 63;   // greater lengths are the first byte o
 // All bytes that the cursor was made over.
 inline Field WholeOf(const Cursor& c) { return {c.at - Taken(c), c.begin, Taken(c) + c.left, 0, true}; }
 
-// Hands the labels of the name at the cursor to `put` one by one. Pointers count from the message's first byte and lead
-// strictly backwards: one that does not ends the name. The cursor goes on behind the name in place; it is short where the
-// name is cut there.
+// Hands the labels of the name at the cursor to `put` one by one; it says whether it wants more of those behind a pointer,
+// which the cursor does not stand behind. Pointers count from the message's first byte and lead strictly backwards: one
+// that does not ends the name. The cursor goes on behind the name in place; it is short where the name is cut there.
 template <class Put>
 void TakeNameLabels(Cursor& c, const Field& message, Put put) {
   constexpr int32_t kMostHops = 8, kMostPointedLabels = 40;   // names have one pointer; these bound what others cost
@@ -34,8 +34,8 @@ void TakeNameLabels(Cursor& c, const Field& message, Put put) {
     const Field label = TakeBytes(at, length.value);
     if (hops == 0) c = at;
     if (!label.here || length.value == 0) return;
-    put(label);
-    if (hops > 0 && ++pointedLabels == kMostPointedLabels) return;
+    const bool wantsMore = put(label);
+    if (hops > 0 && (!wantsMore || ++pointedLabels == kMostPointedLabels)) return;
   }
 }
 

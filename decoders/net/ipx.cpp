@@ -12,7 +12,7 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kSmbMarker = 0xFF534D42, kSmbIndex = 0x65;   // the index of its decoder
-constexpr int32_t kHeaderSize = 30, kDestinationOffset = 6, kSourceOffset = 18;
+constexpr int32_t kHeaderSize = 30;
 constexpr uint32_t kNoChecksum = 0xFFFF, kFirstDynamic = 0x4000, kFirstAssigned = 0x8000;
 enum PacketType : uint32_t { kSpx = 5, kNcp = 17, kNetBiosBroadcast = 20 };
 enum Socket : uint32_t {
@@ -34,10 +34,23 @@ constexpr auto kSocketNames = SortedNames({
     {0x9091, "TCP Tunnel"}, {0x9092, "UDP Tunnel"},
 });
 
+constexpr auto kChecksumNotes = SortedNames({{kNoChecksum, " = Not Used"}});
+const char* LengthNote(uint32_t length) { return length < kHeaderSize ? " (less than the header's)" : ""; }
+
 struct IpxHeader {
-  Field type, destinationSocket, sourceSocket;
-  Field length;
+  Field length, type;
+  Field destination, destinationNode, destinationSocket;
+  Field source, sourceNode, sourceSocket;
 };
+constexpr auto kHeader = Rows<IpxHeader>({
+    Hex(2, "Checksum", NamesOr(kChecksumNotes, "")).Told("Checksum: 0x%.04X%s"),
+    Number(2, "Length", LengthNote).Told("Length: %u%s").Into(&IpxHeader::length),
+    Number(1, "Transport Control", " Hops"), Number(1, "Packet Type", kTypeNames).Into(&IpxHeader::type),
+    IpxNetwork("Destination Network").Into(&IpxHeader::destination),
+    Mac("Destination Node").Into(&IpxHeader::destinationNode),
+    Hex(2, "Destination Socket", IpxSocketText).Into(&IpxHeader::destinationSocket),
+    IpxNetwork("Source Network").Into(&IpxHeader::source), Mac("Source Node").Into(&IpxHeader::sourceNode),
+    Hex(2, "Source Socket", IpxSocketText).Into(&IpxHeader::sourceSocket)});
 
 // What is carried: its decoder, and the title of its bytes where there is none.
 struct Carried {
@@ -77,30 +90,6 @@ Carried FindCarried(const IpxHeader& header) {
   return {nullptr, "IPX Data"};
 }
 
-Field AddAddressLines(const Place& in, Cursor& c, const char* label) {
-  const Field network = TakeBytes(c, 4), node = TakeBytes(c, 6), socket = TakeU16(c);
-  AddLine(in, network, "%s Network: %s", label, IpxNetworkText(network.bytes));
-  AddLine(in, node, "%s Node: %s", label, MacText(node.bytes));
-  AddLine(in, socket, "%s Socket: 0x%.04X = %s", label, socket.value, IpxSocketText(socket.value));
-  return socket;
-}
-
-IpxHeader AddHeaderLines(const Place& in, Cursor& c) {
-  IpxHeader header;
-  const Field checksum = TakeU16(c);
-  AddLine(in, checksum, "Checksum: 0x%.04X%s", checksum.value, checksum.value == kNoChecksum ? " = Not Used" : "");
-  header.length = TakeU16(c);
-  AddLine(in, header.length, "Length: %u%s", header.length.value,
-          header.length.value < kHeaderSize ? " (less than the header's)" : "");
-  const Field control = TakeU8(c);
-  AddLine(in, control, "Transport Control: %u Hops", control.value);
-  header.type = TakeU8(c);
-  AddLine(in, header.type, "Packet Type: %u = %s", header.type.value, LookupName(kTypeNames, header.type.value));
-  header.destinationSocket = AddAddressLines(in, c, "Destination");
-  header.sourceSocket = AddAddressLines(in, c, "Source");
-  return header;
-}
-
 }  // namespace
 
 const char* IpxSocketName(uint32_t socket) { return LookupName(kSocketNames, socket, nullptr); }
@@ -110,19 +99,18 @@ const char* IpxSocketText(uint32_t socket) {
   return name ? name : socket >= kFirstDynamic && socket < kFirstAssigned ? "Dynamic" : kUnknown;
 }
 
-void AddIpxNetworkLine(const Place& in, const char* label, const Field& network) {
-  AddLine(in, network, "%s: %s", label, IpxNetworkText(network.bytes));
+void AddIpxNetworkLine(const Place& in, const Field& network, const char* label) {
+  AddLine(in, network, "%s: %s", label, HexDigits(network));
 }
 
 int32_t DecodeIpx(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize) return 0;
-  const uint8_t* source = c.at + kSourceOffset;
-  const uint8_t* destination = c.at + kDestinationOffset;
+  const IpxHeader header = PeekRows(c, kHeader);
   const Place in = Under(at, AddLine(at, Ahead(c, kHeaderSize), "IPX: %s, %s.%s.%.04X -> %s.%s.%.04X",
-                                     LookupName(kTypeNames, c.at[5]), IpxNetworkText(source),
-                                     HexSlice{source + 4, 6, '\0'}, ReadU16(source + 10), IpxNetworkText(destination),
-                                     HexSlice{destination + 4, 6, '\0'}, ReadU16(destination + 10)));
-  const IpxHeader header = AddHeaderLines(in, c);
+                                     LookupName(kTypeNames, header.type.value), HexDigits(header.source),
+                                     HexDigits(header.sourceNode), header.sourceSocket.value, HexDigits(header.destination),
+                                     HexDigits(header.destinationNode), header.destinationSocket.value));
+  ShowRows(in, c, kHeader);
   Cursor payload = TakeCursor(c, static_cast<int64_t>(header.length.value) - kHeaderSize);
   if (at.view->context->headersOnly) {
     const bool isSmbSocket = IsNwlinkSmbSocket(header.destinationSocket.value) ||

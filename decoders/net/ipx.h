@@ -1,6 +1,6 @@
 // NetWare's internetwork protocol: what IPX carries, which its sockets and packet types tell.
 #pragma once
-#include "core/decoder.h"
+#include "core/rows.h"
 
 namespace qxview {
 
@@ -12,9 +12,9 @@ const char* IpxSocketText(uint32_t socket);
 // The sockets of SMB without NetBIOS, and of its messages about names.
 inline bool IsNwlinkSmbSocket(uint32_t socket) { return socket >= 0x0550 && socket <= 0x0555; }
 
-// The text of a network number, and a line of it: eight hexadecimal digits, as networks are configured.
-inline HexSlice IpxNetworkText(const uint8_t* network) { return {network, 4, '\0'}; }
-void AddIpxNetworkLine(const Place& in, const char* label, const Field& network);
+// A row of a network number: eight hexadecimal digits, as networks are configured.
+void AddIpxNetworkLine(const Place& in, const Field& network, const char* label);
+consteval RowData IpxNetwork(const char* label) { return Shown(4, label, AddIpxNetworkLine); }
 
 int32_t DecodeIpx(const Place& at, Cursor c);
 int32_t DecodeSpx(const Place& at, Cursor c);

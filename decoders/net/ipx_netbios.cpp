@@ -33,6 +33,8 @@ constexpr auto kTypeNames = SortedNames({
     {kDirectedDatagram, "Directed Datagram"},
 });
 
+constexpr RowData kTypeRow = Hex(1, "Packet Type", kTypeNames);
+
 enum NmpiOperation : uint32_t { kMailslotWrite = 0xFC };
 constexpr auto kOperationNames = SortedNames({
     {0xF1, "Claim Name"}, {0xF2, "Delete Name"}, {0xF3, "Query Name"}, {0xF4, "Name Found"},
@@ -42,33 +44,43 @@ constexpr auto kOperationNames = SortedNames({
 enum NameType : uint32_t { kMachine = 1, kWorkgroup, kBrowser };
 constexpr auto kNameTypeNames = SortedNames({{kMachine, "Machine"}, {kWorkgroup, "Workgroup"}, {kBrowser, "Browser"}});
 
-struct BitRow {
-  uint8_t bit;   // from the most significant one
-  const char* name;
+struct Header {
+  Field flags;
 };
-constexpr BitRow kNameFlags[] = {
-    {0, "Group Name"}, {1, "Name In Use"}, {5, "Name Registered"}, {6, "Name Duplicated"}, {7, "Name Deregistered"}};
-constexpr BitRow kControlBits[] = {
-    {0, "System Packet"}, {1, "Acknowledgement Required"}, {2, "Attention"}, {3, "End of Message"}, {4, "Resend"}};
+constexpr auto kNameFlags = Rows<Header>({
+    Hex(1, "Name Flags").Into(&Header::flags), Flag(0, "Group Name"), Flag(1, "Name In Use"), Flag(5, "Name Registered"),
+    Flag(6, "Name Duplicated"), Flag(7, "Name Deregistered"), kTypeRow});
+constexpr auto kControl = Rows<Header>({
+    Hex(1, "Connection Control").Into(&Header::flags), Flag(0, "System Packet"), Flag(1, "Acknowledgement Required"),
+    Flag(2, "Attention"), Flag(3, "End of Message"), Flag(4, "Resend"), kTypeRow});
 
-template <size_t kRows>
-void AddBits(const Place& in, const Field& flags, const char* label, const BitRow (&rows)[kRows]) {
-  const Place under = Under(in, AddLine(in, flags, "%s: 0x%.02X", label, flags.value));
-  for (const BitRow& row : rows) {
-    const BitPicture bit = BitsOf(flags, row.bit, 1);
-    AddBitLine(under, flags, "%s: %s = %s", bit.picture, row.name, TrueOrFalse(bit.value));
-  }
-}
+struct Session {
+  Field source, destination, offset, length;
+};
+constexpr auto kSession = Rows<Session>({
+    Hex(2, "Source Connection ID").Into(&Session::source),
+    Hex(2, "Destination Connection ID").Into(&Session::destination), Number(2, "Send Sequence Number"),
+    Number(2, "Total Data Length"), Number(2, "Offset").Into(&Session::offset),
+    Number(2, "Data Length").Into(&Session::length), Number(2, "Receive Sequence Number"), Number(2, "Bytes Received")});
+
+struct NameMessage {
+  Field operation, type;
+};
+constexpr auto kNameMessage = Rows<NameMessage>({
+    Hex(1, "Operation", kOperationNames).Into(&NameMessage::operation),
+    Number(1, "Name Type", kNameTypeNames).Into(&NameMessage::type), Hex(2, "Message ID").Little()});
+
+struct Hosted {
+  Field connection, sequence;
+};
+constexpr auto kHosted = Rows<Hosted>({
+    Hex(4, "Key"), Number(2, "Connection ID").Into(&Hosted::connection),
+    Number(2, "Sequence Number").Into(&Hosted::sequence), Number(2, "Group ID")});
 
 // Routers write in which network they had a broadcast from; transport control counts the places that are used.
 void AddNetworks(const Place& in, Cursor& c) {
   const Place under = Under(in, AddLine(in, Ahead(c, kNetworksSize), "Networks Passed"));
-  for (int32_t i = 0; i < kNetworkCount; ++i) AddIpxNetworkLine(under, "Network", TakeBytes(c, 4));
-}
-
-void AddNumber(const Place& in, Cursor& c, const char* label) {
-  const Field field = TakeLittleU16(c);
-  AddLine(in, field, "%s: %u", label, field.value);
+  for (int32_t i = 0; i < kNetworkCount; ++i) AddIpxNetworkLine(under, TakeBytes(c, 4), "Network");
 }
 
 void AddNames(const Place& in, Cursor& c) {
@@ -76,25 +88,6 @@ void AddNames(const Place& in, Cursor& c) {
   AddNetBiosNameLine(in, "Destination Name", destination);
   AddNetBiosNameLine(in, "Source Name", source);
   AppendToParent(in, source.field, ", %s -> %s", source.text, destination.text);
-}
-
-// The session lines up to the data, whose bytes are what is left of the result.
-Cursor AddSession(const Place& in, Cursor& c, uint32_t* offset) {
-  const Field source = TakeLittleU16(c);
-  AddLine(in, source, "Source Connection ID: 0x%.04X", source.value);
-  const Field destination = TakeLittleU16(c);
-  AddLine(in, destination, "Destination Connection ID: 0x%.04X", destination.value);
-  AppendToParent(in, destination, ", Connection 0x%.04X -> 0x%.04X", source.value, destination.value);
-  AddNumber(in, c, "Send Sequence Number");
-  AddNumber(in, c, "Total Data Length");
-  const Field start = TakeLittleU16(c);
-  AddLine(in, start, "Offset: %u", start.value);
-  *offset = start.value;
-  const Field length = TakeLittleU16(c);
-  AddLine(in, length, "Data Length: %u", length.value);
-  AddNumber(in, c, "Receive Sequence Number");
-  AddNumber(in, c, "Bytes Received");
-  return TakeCursor(c, length.value);
 }
 
 // Data that has a decoder, or is a block of the message.
@@ -108,34 +101,29 @@ int32_t DecodeRestOfSmb(const Place& at, Cursor c) { return DecodeSmbContinuatio
 
 int32_t DecodeNetBiosMessage(const Place& at, Cursor c, bool hasNetworks) {
   if (Left(c) < (hasNetworks ? kNetworksSize : 0) + 2) return 0;
-  const uint32_t type = c.at[(hasNetworks ? kNetworksSize : 0) + 1];
-  const char* name = LookupName(kTypeNames, type);
-  const Place in = Under(at, AddLine(at, Ahead(c, 2), "NetBIOS over IPX: %s", name));
+  const uint32_t type = PeekU8(c, (hasNetworks ? kNetworksSize : 0) + 1);
+  const Place in = Under(at, AddLine(at, Ahead(c, 2), "NetBIOS over IPX: %s", LookupName(kTypeNames, type)));
   if (hasNetworks) AddNetworks(in, c);
-  const Field flags = TakeU8(c);
   const bool isName = type >= kFindName && type <= kDeleteName;
-  if (isName) {
-    AddBits(in, flags, "Name Flags", kNameFlags);
-  } else {
-    AddBits(in, flags, "Connection Control", kControlBits);
-  }
-  const Field typeField = TakeU8(c);
-  AddLine(in, typeField, "Packet Type: 0x%.02X = %s", type, name);
-  Cursor data = MakeCursor(c.at, c.offset, 0);
-  uint32_t offset = 0;
+  const Header header = isName ? ShowRows(in, c, kNameFlags) : ShowRows(in, c, kControl);
+  Cursor data{};
+  Session session{};
   if (isName) {
     const NetBiosName subject = TakePlainNetBiosName(c);
-    AddNetBiosNameLine(in, "Name", subject, (flags.value & kGroupFlag) != 0);
+    AddNetBiosNameLine(in, "Name", subject, (header.flags.value & kGroupFlag) != 0);
     AppendToParent(in, subject.field, ", %s", subject.text);
   } else if (type == kDirectedDatagram) {
     AddNames(in, c);
     data = TakeCursor(c, Left(c));
   } else if (type >= kSessionData && type <= kSessionEndAck) {
-    data = AddSession(in, c, &offset);
+    session = ShowRows(in, c, kSession, ByteOrder::kLittle);
+    AppendToParent(in, session.destination, ", Connection 0x%.04X -> 0x%.04X", session.source.value,
+                   session.destination.value);
+    data = TakeCursor(c, session.length.value);
   }
   SetRange(at, in.parent, c.begin, (Left(data) > 0 ? data.offset : c.offset) - c.begin);
   // Sessions say where in a message their data goes, so that what begins one is not taken for the rest of another.
-  ShowUserData(at, in, data, offset != 0 ? DecodeRestOfSmb : DecodeSmbDatagram);
+  ShowUserData(at, in, data, session.offset.value != 0 ? DecodeRestOfSmb : DecodeSmbDatagram);
   c.ranShort = false;
   AddBlock(in, Rest(c), type == kStatusResponse ? "Status Data" : "Extra Data");
   return 1;
@@ -144,17 +132,13 @@ int32_t DecodeNetBiosMessage(const Place& at, Cursor c, bool hasNetworks) {
 int32_t DecodeNmpi(const Place& at, Cursor c, const char* name) {
   const Place in = Under(at, AddLine(at, Ahead(c, kNmpiSize), "NMPI: %s", name));
   AddNetworks(in, c);
-  const Field operation = TakeU8(c);
-  AddLine(in, operation, "Operation: 0x%.02X = %s", operation.value, name);
-  const Field type = TakeU8(c);
-  AddLine(in, type, "Name Type: %u = %s", type.value, LookupName(kNameTypeNames, type.value));
-  const Field identifier = TakeLittleU16(c);
-  AddLine(in, identifier, "Message ID: 0x%.04X", identifier.value);
+  const NameMessage message = ShowRows(in, c, kNameMessage);
   const NetBiosName requested = TakePlainNetBiosName(c), source = TakePlainNetBiosName(c);
-  AddNetBiosNameLine(in, "Requested Name", requested, type.value == kWorkgroup || type.value == kBrowser);
+  AddNetBiosNameLine(in, "Requested Name", requested,
+                     message.type.value == kWorkgroup || message.type.value == kBrowser);
   AddNetBiosNameLine(in, "Source Name", source);
   AppendToLine(at, in.parent, ", %s -> %s", source.text, requested.text);
-  if (operation.value == kMailslotWrite) {
+  if (message.operation.value == kMailslotWrite) {
     ShowUserData(at, in, c, DecodeSmbDatagram);
   } else {
     AddBlock(in, Rest(c), "Extra Data");
@@ -164,16 +148,10 @@ int32_t DecodeNmpi(const Place& at, Cursor c, const char* name) {
 
 // The connection of a message without a session below it, then the message.
 int32_t DecodeHostedSmb(const Place& at, const Cursor& c) {
-  Cursor words = CursorOver(Slice(Ahead(c, Left(c)), kSmbKeyOffset, kSmbConnectionSize));
-  const LineHandle line = AddLine(at, Ahead(words, kSmbConnectionSize), "SMB over IPX");
-  const Place in = Under(at, line);
-  const Field key = TakeLittleU32(words), connection = TakeLittleU16(words), sequence = TakeLittleU16(words);
-  AddLine(in, key, "Key: 0x%.08X", key.value);
-  AddLine(in, connection, "Connection ID: %u", connection.value);
-  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
-  const Field group = TakeLittleU16(words);
-  AddLine(in, group, "Group ID: %u", group.value);
-  AppendToLine(at, line, ": Connection %u, Sequence %u", connection.value, sequence.value);
+  Cursor words = CursorOver(PeekBytes(c, kSmbKeyOffset, kSmbConnectionSize));
+  const Place in = Under(at, AddLine(at, Ahead(words, kSmbConnectionSize), "SMB over IPX"));
+  const Hosted hosted = ShowRows(in, words, kHosted, ByteOrder::kLittle);
+  AppendToLine(at, in.parent, ": Connection %u, Sequence %u", hosted.connection.value, hosted.sequence.value);
   return CallDecoder(Deeper(at), c, DecodeSmbDatagram, "SMB Data");
 }
 
@@ -183,15 +161,15 @@ int32_t DecodeIpxNetBiosBroadcast(const Place& at, Cursor c) { return DecodeNetB
 
 int32_t DecodeIpxNetBios(const Place& at, Cursor c) {
   // Name messages that go to one station have room for the networks, too.
-  const bool isName = Left(c) == kNetworksSize + kNameMessageSize && c.at[kNetworksSize + 1] >= kFindName &&
-                      c.at[kNetworksSize + 1] <= kDeleteName;
+  const bool isName = Left(c) == kNetworksSize + kNameMessageSize && PeekU8(c, kNetworksSize + 1) >= kFindName &&
+                      PeekU8(c, kNetworksSize + 1) <= kDeleteName;
   return DecodeNetBiosMessage(at, c, isName);
 }
 
 int32_t DecodeNwlinkSmb(const Place& at, Cursor c) {
-  if (Left(c) > kSmbHeaderSize && ReadU32(c.at) == kMarker) return DecodeHostedSmb(at, c);
+  if (Left(c) > kSmbHeaderSize && PeekU32(c) == kMarker) return DecodeHostedSmb(at, c);
   if (Left(c) < kNmpiSize) return 0;
-  const char* name = LookupName(kOperationNames, c.at[kNetworksSize], nullptr);
+  const char* name = LookupName(kOperationNames, PeekU8(c, kNetworksSize), nullptr);
   return name ? DecodeNmpi(at, c, name) : 0;
 }
 

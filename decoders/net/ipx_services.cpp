@@ -42,43 +42,52 @@ constexpr auto kComponentNames = SortedNames({
 });
 constexpr auto kNetworkTypeNames = SortedNames({{0, "Network Card"}, {1, "Virtual Board"}, {2, "Remote Line"}});
 
-void AddHops(const Place& in, const Field& hops) {
-  AddLine(in, hops, "Hops: %u%s", hops.value, hops.value >= kUnreachable ? " = Unreachable" : "");
-}
+const char* HopsNote(uint32_t hops) { return hops >= kUnreachable ? " = Unreachable" : ""; }
+constexpr RowData kHops = Number(2, "Hops", HopsNote).Told("Hops: %u%s");
 
-void AddServiceType(const Place& in, const Field& type) {
-  AddLine(in, type, "Service Type: 0x%.04X = %s", type.value, LookupName(kServiceNames, type.value));
-}
+struct Route {
+  Field network, hops, ticks;
+};
+constexpr auto kRouteRows = Rows<Route>({IpxNetwork("Network").Into(&Route::network), kHops.Into(&Route::hops),
+                                         Number(2, "Ticks").Into(&Route::ticks)});
+
+struct Service {
+  Field type, name;
+};
+constexpr auto kServiceRows = Rows<Service>({
+    Hex(2, "Service Type", kServiceNames).Into(&Service::type), Text(kServiceNameSize, "Name").Into(&Service::name),
+    IpxNetwork("Network"), Mac("Node"), Hex(2, "Socket", IpxSocketText), kHops});
+constexpr auto kQueryRows = Rows<NoValues>({Hex(2, "Service Type", kServiceNames).Note(", %s")});
+
+struct List {
+  Field count;
+};
+struct LocalNetwork {
+  Field network;
+};
+constexpr auto kConfigurationRows = Rows<List>({
+    Number(1, "Major Version"), Number(1, "Minor Version"), Hex(2, "SPX Diagnostic Socket"),
+    Number(1, "Component Count").Into(&List::count)});
+constexpr auto kNetworkCount = Rows<List>({Number(1, "Local Network Count").Into(&List::count)});
+constexpr auto kNetworkRows = Rows<LocalNetwork>({
+    Number(1, "Type", kNetworkTypeNames), IpxNetwork("Network").Into(&LocalNetwork::network), Mac("Node")});
+constexpr auto kExclusions = Rows<List>({Number(1, "Exclusion Count").Into(&List::count)});
+constexpr auto kExcluded = Rows<NoValues>({Mac("Excluded Node")});
 
 void AddService(const Place& at, Cursor& c) {
   const Place in = Under(at, AddLine(at, Ahead(c, kServiceSize), "Service"));
-  const Field type = TakeU16(c);
-  AddServiceType(in, type);
-  const Field name = TakeBytes(c, kServiceNameSize);
-  AddLine(in, name, "Name: %s", Text(name));
-  AppendToParent(in, name, ": %s, %s", Text(name), LookupName(kServiceNames, type.value));
-  AddIpxNetworkLine(in, "Network", TakeBytes(c, 4));
-  const Field node = TakeBytes(c, 6);
-  AddLine(in, node, "Node: %s", MacText(node.bytes));
-  const Field socket = TakeU16(c);
-  AddLine(in, socket, "Socket: 0x%.04X = %s", socket.value, IpxSocketText(socket.value));
-  AddHops(in, TakeU16(c));
+  const Service service = ShowRows(in, c, kServiceRows);
+  AppendToParent(in, service.name, ": %s, %s", Text(service.name), LookupName(kServiceNames, service.type.value));
 }
 
 // False when they do not fit.
 bool AddLocalNetworks(const Place& at, Cursor& c) {
-  const Field count = TakeU8(c);
-  AddLine(at, count, "Local Network Count: %u", count.value);
+  const Field count = ShowRows(at, c, kNetworkCount).count;
   for (uint32_t i = 0; i < count.value; ++i) {
     if (Left(c) < kLocalNetworkSize) return false;
     const Place in = Under(at, AddLine(at, Ahead(c, kLocalNetworkSize), "Local Network"));
-    const Field type = TakeU8(c);
-    AddLine(in, type, "Type: %u = %s", type.value, LookupName(kNetworkTypeNames, type.value));
-    const Field network = TakeBytes(c, 4);
-    AddIpxNetworkLine(in, "Network", network);
-    AppendToParent(in, network, ": %s", IpxNetworkText(network.bytes));
-    const Field node = TakeBytes(c, 6);
-    AddLine(in, node, "Node: %s", MacText(node.bytes));
+    const Field network = ShowRows(in, c, kNetworkRows).network;
+    AppendToParent(in, network, ": %s", HexDigits(network));
   }
   return count.here;
 }
@@ -92,15 +101,10 @@ int32_t DecodeIpxRip(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, operation, "IPX RIP: %s", name));
   AddLine(in, operation, "Operation: %u = %s", operation.value, name);
   for (Loop loop; Left(c) >= kRouteSize && MoreAt(in, c, loop);) {
-    const LineHandle line = AddLine(in, Ahead(c, kRouteSize), "Route");
-    const Place route = Under(in, line);
-    const Field network = TakeBytes(c, 4), hops = TakeU16(c), ticks = TakeU16(c);
-    const bool all = ReadU32(network.bytes) == kAllNetworks;
-    AppendToLine(in, line, ": %s%s, %u Hops, %u Ticks", IpxNetworkText(network.bytes), all ? " (all)" : "", hops.value,
-                 ticks.value);
-    AddIpxNetworkLine(route, "Network", network);
-    AddHops(route, hops);
-    AddLine(route, ticks, "Ticks: %u", ticks.value);
+    const Place under = Under(in, AddLine(in, Ahead(c, kRouteSize), "Route"));
+    const Route route = ShowRows(under, c, kRouteRows);
+    AppendToParent(under, route.ticks, ": %s%s, %u Hops, %u Ticks", HexDigits(route.network),
+                   PeekU32(route.network) == kAllNetworks ? " (all)" : "", route.hops.value, route.ticks.value);
   }
   CoverBytes(in, c);
   AddBlock(in, Rest(c), "Extra Data");
@@ -114,11 +118,7 @@ int32_t DecodeIpxSap(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, operation, "IPX SAP: %s", name));
   AddLine(in, operation, "Operation: %u = %s", operation.value, name);
   const bool isQuery = operation.value == kGeneralQuery || operation.value == kNearestQuery;
-  if (isQuery && Left(c) >= 2) {
-    const Field type = TakeU16(c);
-    AddServiceType(in, type);
-    AppendToParent(in, type, ", %s", LookupName(kServiceNames, type.value));
-  }
+  if (isQuery && Left(c) >= 2) ShowRows(in, c, kQueryRows);
   for (Loop loop; !isQuery && Left(c) >= kServiceSize && MoreAt(in, c, loop);) AddService(in, c);
   CoverBytes(in, c);
   AddBlock(in, Rest(c), "Extra Data");
@@ -128,12 +128,8 @@ int32_t DecodeIpxSap(const Place& at, Cursor c) {
 int32_t DecodeIpxDiagnosticRequest(const Place& at, Cursor c) {
   if (Left(c) < 1) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, 1), "IPX Diagnostics: Configuration Request"));
-  const Field count = TakeU8(c);
-  AddLine(in, count, "Exclusion Count: %u", count.value);
-  for (uint32_t i = 0; i < count.value && Left(c) >= 6; ++i) {
-    const Field node = TakeBytes(c, 6);
-    AddLine(in, node, "Excluded Node: %s", MacText(node.bytes));
-  }
+  const uint32_t count = ShowRows(in, c, kExclusions).count.value;
+  for (uint32_t i = 0; i < count && Left(c) >= 6; ++i) ShowRows(in, c, kExcluded);
   CoverBytes(in, c);
   AddBlock(in, Rest(c), "Extra Data");
   return 1;
@@ -143,15 +139,9 @@ int32_t DecodeIpxDiagnosticResponse(const Place& at, Cursor c) {
   constexpr int32_t kFixedSize = 5;
   if (Left(c) < kFixedSize) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, kFixedSize), "IPX Diagnostics: Configuration Response"));
-  const Field major = TakeU8(c), minor = TakeU8(c);
-  AddLine(in, major, "Major Version: %u", major.value);
-  AddLine(in, minor, "Minor Version: %u", minor.value);
-  const Field socket = TakeU16(c);
-  AddLine(in, socket, "SPX Diagnostic Socket: 0x%.04X", socket.value);
-  const Field count = TakeU8(c);
-  AddLine(in, count, "Component Count: %u", count.value);
+  const uint32_t count = ShowRows(in, c, kConfigurationRows).count.value;
   bool fits = true;
-  for (uint32_t i = 0; i < count.value && fits && Left(c) > 0; ++i) {
+  for (uint32_t i = 0; i < count && fits && Left(c) > 0; ++i) {
     const Field component = TakeU8(c);
     const LineHandle line =
         AddLine(in, component, "Component: %u = %s", component.value, LookupName(kComponentNames, component.value));

@@ -17,41 +17,30 @@ constexpr auto kTypeNames = SortedNames({
     {0xFC, "Orderly Release Request"}, {0xFD, "Orderly Release Acknowledgement"}, {0xFE, "End of Connection"},
     {0xFF, "End of Connection Acknowledgement"},
 });
-constexpr const char* kControlBits[] = {"System Packet", "Acknowledgement Required", "Attention", "End of Message",
-                                        "SPX II", "Negotiate Size", "Reserved", "Extended Header"};
-
 // Types below those with names are the user's.
 const char* TypeName(uint32_t type) { return LookupName(kTypeNames, type, "Client-Defined"); }
+
+struct Spx {
+  Field control, source, destination, sequence, acknowledgement;
+};
+constexpr auto kHeader = Rows<Spx>({
+    Hex(1, "Connection Control").Into(&Spx::control), Flag(0, "System Packet"), Flag(1, "Acknowledgement Required"),
+    Flag(2, "Attention"), Flag(3, "End of Message"), Flag(4, "SPX II"), Flag(5, "Negotiate Size"), Flag(6, "Reserved"),
+    Flag(7, "Extended Header"),
+    Hex(1, "Datastream Type", TypeName), Number(2, "Source Connection ID").Into(&Spx::source),
+    Number(2, "Destination Connection ID").Into(&Spx::destination), Number(2, "Sequence Number").Into(&Spx::sequence),
+    Number(2, "Acknowledgement Number").Into(&Spx::acknowledgement), Number(2, "Allocation Number")});
+constexpr auto kNegotiation = Rows<NoValues>({Number(2, "Negotiation Size")});
 
 }  // namespace
 
 int32_t DecodeSpx(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, kHeaderSize), "SPX:"));
-  const Field control = TakeU8(c);
-  const Place bits = Under(in, AddLine(in, control, "Connection Control: 0x%.02X", control.value));
-  for (int32_t i = 0; i < 8; ++i) {
-    const BitPicture bit = BitsOf(control, i, 1);
-    AddBitLine(bits, control, "%s: %s = %s", bit.picture, kControlBits[i], TrueOrFalse(bit.value));
-  }
-  const Field type = TakeU8(c);
-  AddLine(in, type, "Datastream Type: 0x%.02X = %s", type.value, TypeName(type.value));
-  const Field source = TakeU16(c);
-  AddLine(in, source, "Source Connection ID: %u", source.value);
-  const Field destination = TakeU16(c);
-  AddLine(in, destination, "Destination Connection ID: %u", destination.value);
-  const Field sequence = TakeU16(c);
-  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
-  const Field acknowledgement = TakeU16(c);
-  AddLine(in, acknowledgement, "Acknowledgement Number: %u", acknowledgement.value);
-  const Field allocation = TakeU16(c);
-  AddLine(in, allocation, "Allocation Number: %u", allocation.value);
-  if (control.value & kSecondVersion && Left(c) >= 2) {
-    const Field size = TakeU16(c);
-    AddLine(in, size, "Negotiation Size: %u", size.value);
-  }
-  AppendToLine(at, in.parent, " Connection %u -> %u, Sequence %u, Acknowledgement %u", source.value,
-               destination.value, sequence.value, acknowledgement.value);
+  const Spx spx = ShowRows(in, c, kHeader);
+  if (spx.control.value & kSecondVersion && Left(c) >= 2) ShowRows(in, c, kNegotiation);
+  AppendToLine(at, in.parent, " Connection %u -> %u, Sequence %u, Acknowledgement %u", spx.source.value,
+               spx.destination.value, spx.sequence.value, spx.acknowledgement.value);
   CoverBytes(in, c);
   if (Left(c) > 0) CallDecoder(Deeper(at), c, nullptr, "SPX Data");
   return 1;

@@ -6,6 +6,7 @@
 //   error      error code (1)
 //   query      destination name
 //   flags      0 0 0 0  source node type (2)  first (1)  more (1), most significant first; the names within as sent
+#include "core/rows.h"
 #include "decoders/netbios/netbios.h"
 #include "decoders/smb/smb.h"
 
@@ -24,24 +25,25 @@ constexpr auto kTypeNames = SortedNames({
 });
 constexpr auto kErrorNames = SortedNames({{0x82, "Destination Name Not Present"}, {0x83, "Invalid Source Name Format"},
                                           {0x84, "Invalid Destination Name Format"}});
-constexpr const char* kNodeTypes[] = {"B-Node", "P-Node", "M-Node", "Datagram Distribution Server"};
+constexpr auto kNodeTypes = SortedNames({{0, "B-Node"}, {1, "P-Node"}, {2, "M-Node"}, {3, "Datagram Distribution Server"}});
 
-void AddFlagLines(const Place& in, const Field& flags) {
-  const Place under = Under(in, AddLine(in, flags, "Flags: 0x%.02X", flags.value));
-  const BitPicture node = BitsOf(flags, 4, 2), first = BitsOf(flags, 6, 1), more = BitsOf(flags, 7, 1);
-  AddBitLine(under, flags, "%s: Reserved", BitsOf(flags, 0, 4).picture);
-  AddBitLine(under, flags, "%s: Source Node Type = [%u] %s", node.picture, node.value, kNodeTypes[node.value]);
-  AddBitLine(under, flags, "%s: First Fragment = %s", first.picture, TrueOrFalse(first.value));
-  AddBitLine(under, flags, "%s: More Fragments = %s", more.picture, TrueOrFalse(more.value));
-}
+struct Datagram {
+  Field length, offset;
+};
+constexpr auto kHeader = Rows<NoValues>({
+    Hex(1, "Message Type", kTypeNames),
+    Hex(1, "Flags"), Bits(0, 4, "Reserved").Told("%s: Reserved"),
+    Bits(4, 2, "Source Node Type", kNodeTypes).Told("%s: Source Node Type = [%u] %s"),
+    Flag(6, "First Fragment"), Flag(7, "More Fragments"),
+    Hex(2, "Datagram ID"), IPv4("Source Address"), Number(2, "Source Port")});
+constexpr auto kPlace = Rows<Datagram>({Number(2, "Datagram Length").Into(&Datagram::length),
+                                        Number(2, "Packet Offset").Into(&Datagram::offset)});
+constexpr auto kErrorCode = Rows<NoValues>({Hex(1, "Error Code", kErrorNames).Note(", %s")});
 
 // The names and the user data of a datagram. Only the first of its fragments holds the head of an SMB message.
 void DecodeDatagram(const Place& at, const Place& in, Cursor& c, const Field& message, uint32_t type) {
-  const Field length = TakeU16(c);
-  AddLine(in, length, "Datagram Length: %u", length.value);
-  const Field offset = TakeU16(c);
-  AddLine(in, offset, "Packet Offset: %u", offset.value);
-  Cursor inside = TakeCursor(c, length.value);
+  const Datagram datagram = ShowRows(in, c, kPlace);
+  Cursor inside = TakeCursor(c, datagram.length.value);
   const NetBiosName source = TakeNetBiosName(inside, message);
   AddNetBiosNameLine(in, "Source Name", source);
   const NetBiosName destination = TakeNetBiosName(inside, message);
@@ -51,7 +53,7 @@ void DecodeDatagram(const Place& at, const Place& in, Cursor& c, const Field& me
   SetRange(at, in.parent, message.offset, inside.offset - message.offset);
   if (Left(inside) < 1) return;
   inside.begin = inside.offset;
-  if (offset.value != 0 || !TryDecoder(Deeper(at), inside, DecodeSmbDatagram, nullptr)) {
+  if (datagram.offset.value != 0 || !TryDecoder(Deeper(at), inside, DecodeSmbDatagram, nullptr)) {
     AddBlock(in, Ahead(inside, Left(inside)), "User Data");
   }
 }
@@ -63,23 +65,14 @@ const char* NetBiosDatagramTypeName(uint32_t type) { return LookupName(kTypeName
 int32_t DecodeNetBiosDatagram(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize) return 0;
   const Field message = Ahead(c, Left(c));
-  const Field type = TakeU8(c);
-  const Place in = Under(at, AddLine(at, message, "NetBIOS Datagram Service: %s", NetBiosDatagramTypeName(type.value)));
-  AddLine(in, type, "Message Type: 0x%.02X = %s", type.value, NetBiosDatagramTypeName(type.value));
-  AddFlagLines(in, TakeU8(c));
-  const Field identifier = TakeU16(c);
-  AddLine(in, identifier, "Datagram ID: 0x%.04X", identifier.value);
-  const Field address = TakeBytes(c, 4);
-  AddLine(in, address, "Source Address: %s", IPv4Text(address.bytes));
-  const Field port = TakeU16(c);
-  AddLine(in, port, "Source Port: %u", port.value);
-  if (type.value >= kDirectUnique && type.value <= kBroadcast) {
-    DecodeDatagram(at, in, c, message, type.value);
-  } else if (type.value == kError) {
-    const Field code = TakeU8(c);
-    AddLine(in, code, "Error Code: 0x%.02X = %s", code.value, LookupName(kErrorNames, code.value));
-    AppendToParent(in, code, ", %s", LookupName(kErrorNames, code.value));
-  } else if (type.value >= kQuery && type.value <= kNegativeResponse) {
+  const uint32_t type = PeekU8(c);
+  const Place in = Under(at, AddLine(at, message, "NetBIOS Datagram Service: %s", NetBiosDatagramTypeName(type)));
+  ShowRows(in, c, kHeader);
+  if (type >= kDirectUnique && type <= kBroadcast) {
+    DecodeDatagram(at, in, c, message, type);
+  } else if (type == kError) {
+    ShowRows(in, c, kErrorCode);
+  } else if (type >= kQuery && type <= kNegativeResponse) {
     const NetBiosName name = TakeNetBiosName(c, message);
     AddNetBiosNameLine(in, "Destination Name", name);
     AppendToParent(in, name.field, ", %s", name.text);

@@ -5,6 +5,7 @@
 //   commands below 14 hex: destination name (16)   source name (16)
 //   others:                destination session (1)   source session (1)
 //   behind the length: the data of datagrams and sessions (SMB)
+#include "core/elements.h"
 #include "decoders/netbios/netbios.h"
 #include "decoders/smb/smb.h"
 
@@ -20,88 +21,79 @@ enum Command : uint32_t {
   kSessionConfirm = 0x17, kSessionEnd = 0x18, kSessionInitialize = 0x19, kNoReceive = 0x1A, kReceiveOutstanding = 0x1B
 };
 
-constexpr auto kCommandNames = SortedNames({
-    {0x00, "Add Group Name Query"}, {0x01, "Add Name Query"}, {0x02, "Name In Conflict"}, {0x03, "Status Query"},
-    {0x07, "Terminate Trace"}, {0x08, "Datagram"}, {0x09, "Datagram Broadcast"}, {0x0A, "Name Query"},
-    {0x0D, "Add Name Response"}, {0x0E, "Name Recognized"}, {0x0F, "Status Response"},
-    {0x13, "Terminate Trace, Local and Remote"}, {0x14, "Data Ack"}, {0x15, "Data First Middle"},
-    {0x16, "Data Only Last"}, {0x17, "Session Confirm"}, {0x18, "Session End"}, {0x19, "Session Initialize"},
-    {0x1A, "No Receive"}, {0x1B, "Receive Outstanding"}, {0x1C, "Receive Continue"}, {0x1F, "Session Alive"},
+constexpr auto kNameKinds = SortedNames({{0, "Unique"}});
+constexpr auto kBeingAdded = SortedNames({{0, "Name Not Being Added"}});
+constexpr auto kResynchronizes = SortedNames({{1, "True"}});
+constexpr auto kEnds = SortedNames({{0, "Normal End"}});
+constexpr auto kFindsName = SortedNames({{0, " (Find Name)"}});
+constexpr auto kListensNot = SortedNames({{0, " (No Listen Outstanding)"}});
+
+// The two data fields, to which every command gives a meaning of its own.
+constexpr RowData kFirst = Hex(1, "Data 1"), kSecond = Hex(2, "Data 2").Little();
+constexpr RowData kNameType = Bits(0, 8, "Name Type", NamesOr(kNameKinds, "Group")).Told("%s: Name Type = %s");
+consteval RowData Session(Names note) {
+  return Bits(8, 8, "Local Session Number", note).Told("%s: Local Session Number = %u%s");
+}
+constexpr RowData kResynchronize =
+    Number(2, "Data 2", NamesOr(kResynchronizes, "False")).Told("Data 2: %u = Resynchronize %s").Little();
+constexpr RowData kLargestData = Number(2, "Data 2").Told("Data 2: %u = Largest User Data").Little();
+constexpr RowData kAccepted = Number(2, "Data 2").Told("Data 2: %u = Bytes Accepted").Little();
+
+constexpr auto kAnyRows = Rows<NoValues>({kFirst, kSecond});
+constexpr auto kStatusQueryRows =
+    Rows<NoValues>({kFirst, Number(2, "Data 2").Told("Data 2: %u = Length of Status Buffer").Little()});
+constexpr auto kNameQueryRows = Rows<NoValues>({kFirst, kSecond, kNameType, Session(NamesOr(kFindsName, ""))});
+constexpr auto kNameRecognizedRows = Rows<NoValues>({kFirst, kSecond, kNameType, Session(NamesOr(kListensNot, ""))});
+constexpr auto kAddNameResponseRows = Rows<NoValues>({
+    Number(1, "Data 1", NamesOr(kBeingAdded, "Name Being Added")),
+    Number(2, "Data 2", NamesOr(kNameKinds, "Group")).Told("Data 2: %u = %s Name").Little()});
+constexpr auto kStatusResponseRows = Rows<NoValues>({
+    Number(1, "Data 1").Told("Data 1: %u = Names Sent So Far"), kSecond, Flag(0, "Frame Too Short for Status"),
+    Flag(1, "Buffer Too Short for Status"), Bits(2, 14, "Length of Status Data")});
+constexpr auto kDataFirstRows = Rows<NoValues>({
+    kFirst, Flag(4, "Acknowledgement Included"), Flag(6, "No Acknowledgement Expected"),
+    Flag(7, "Receive Continue Requested"), kResynchronize});
+constexpr auto kDataLastRows = Rows<NoValues>({
+    kFirst, Flag(4, "Acknowledgement Included"), Flag(5, "Acknowledgement with Data Allowed"),
+    Flag(6, "No Acknowledgement Expected"), kResynchronize});
+constexpr auto kSessionConfirmRows = Rows<NoValues>({
+    kFirst, Flag(0, "No Acknowledgement Supported"), Flag(7, "Version 2.00 or Higher"), kLargestData});
+constexpr auto kSessionEndRows = Rows<NoValues>({kFirst, Number(2, "Data 2", NamesOr(kEnds, "Abnormal End")).Little()});
+constexpr auto kSessionInitializeRows = Rows<NoValues>({
+    kFirst, Flag(0, "No Acknowledgement Supported"), Bits(4, 3, "Largest Frame Value"),
+    Flag(7, "Version 2.00 or Higher"), kLargestData});
+constexpr auto kNoReceiveRows =
+    Rows<NoValues>({kFirst, Flag(6, "Data Sent without Acknowledgement Partially Received"), kAccepted});
+constexpr auto kReceiveOutstandingRows = Rows<NoValues>({kFirst, kAccepted});
+
+constexpr auto kCommands = Choices<NoValues>({
+    {kAddGroupName, "Add Group Name Query"}, {kAddName, "Add Name Query"},
+    {0x02, "Name In Conflict"}, {kStatusQuery, "Status Query", kStatusQueryRows},
+    {0x07, "Terminate Trace"}, {kDatagram, "Datagram"}, {kBroadcast, "Datagram Broadcast"},
+    {kNameQuery, "Name Query", kNameQueryRows}, {kAddNameResponse, "Add Name Response", kAddNameResponseRows},
+    {kNameRecognized, "Name Recognized", kNameRecognizedRows}, {kStatusResponse, "Status Response", kStatusResponseRows},
+    {0x13, "Terminate Trace, Local and Remote"}, {0x14, "Data Ack"},
+    {kDataFirst, "Data First Middle", kDataFirstRows}, {kDataLast, "Data Only Last", kDataLastRows},
+    {kSessionConfirm, "Session Confirm", kSessionConfirmRows}, {kSessionEnd, "Session End", kSessionEndRows},
+    {kSessionInitialize, "Session Initialize", kSessionInitializeRows}, {kNoReceive, "No Receive", kNoReceiveRows},
+    {kReceiveOutstanding, "Receive Outstanding", kReceiveOutstandingRows}, {0x1C, "Receive Continue"},
+    {0x1F, "Session Alive"},
 });
 
-// A bit of the first data field that a command gives a meaning to.
-struct BitRow {
-  uint8_t command, firstBit, bitCount;
-  const char* name;
-};
-constexpr BitRow kBits[] = {
-    {kDataFirst, 4, 1, "Acknowledgement Included"},
-    {kDataFirst, 6, 1, "No Acknowledgement Expected"},
-    {kDataFirst, 7, 1, "Receive Continue Requested"},
-    {kDataLast, 4, 1, "Acknowledgement Included"},
-    {kDataLast, 5, 1, "Acknowledgement with Data Allowed"},
-    {kDataLast, 6, 1, "No Acknowledgement Expected"},
-    {kSessionConfirm, 0, 1, "No Acknowledgement Supported"},
-    {kSessionConfirm, 7, 1, "Version 2.00 or Higher"},
-    {kSessionInitialize, 0, 1, "No Acknowledgement Supported"},
-    {kSessionInitialize, 4, 3, "Largest Frame Value"},
-    {kSessionInitialize, 7, 1, "Version 2.00 or Higher"},
-    {kNoReceive, 6, 1, "Data Sent without Acknowledgement Partially Received"},
-};
-
-void AddFirstData(const Place& in, const Field& data, uint32_t command) {
-  if (command == kAddNameResponse) {
-    AddLine(in, data, "Data 1: %u = %s", data.value, data.value ? "Name Being Added" : "Name Not Being Added");
-    return;
-  }
-  if (command == kStatusResponse) {
-    AddLine(in, data, "Data 1: %u = Names Sent So Far", data.value);
-    return;
-  }
-  const Place under = Under(in, AddLine(in, data, "Data 1: 0x%.02X", data.value));
-  for (const BitRow& row : kBits) {
-    if (row.command != command) continue;
-    const BitPicture bits = BitsOf(data, row.firstBit, row.bitCount);
-    if (row.bitCount > 1) {
-      AddBitLine(under, data, "%s: %s = %u", bits.picture, row.name, bits.value);
-    } else {
-      AddBitLine(under, data, "%s: %s = %s", bits.picture, row.name, TrueOrFalse(bits.value));
-    }
-  }
+const char* CommandName(uint32_t command) {
+  const Choice<NoValues>* known = FindChoice<NoValues>(kCommands, command);
+  return known ? known->name : kUnknown;
 }
 
-void AddSecondData(const Place& in, const Field& data, uint32_t command) {
-  const uint32_t value = data.value;
-  switch (command) {
-    case kStatusQuery: AddLine(in, data, "Data 2: %u = Length of Status Buffer", value); break;
-    case kStatusResponse: {
-      const Place under = Under(in, AddLine(in, data, "Data 2: 0x%.04X", value));
-      const BitPicture frame = BitsOf(data, 0, 1), buffer = BitsOf(data, 1, 1), length = BitsOf(data, 2, 14);
-      AddBitLine(under, data, "%s: Frame Too Short for Status = %s", frame.picture, TrueOrFalse(frame.value));
-      AddBitLine(under, data, "%s: Buffer Too Short for Status = %s", buffer.picture, TrueOrFalse(buffer.value));
-      AddBitLine(under, data, "%s: Length of Status Data = %u", length.picture, length.value);
-      break;
-    }
-    case kNameQuery:
-    case kNameRecognized: {
-      const Place under = Under(in, AddLine(in, data, "Data 2: 0x%.04X", value));
-      const BitPicture type = BitsOf(data, 0, 8), session = BitsOf(data, 8, 8);
-      AddBitLine(under, data, "%s: Name Type = %s", type.picture, type.value ? "Group" : "Unique");
-      AddBitLine(under, data, "%s: Local Session Number = %u%s", session.picture, session.value,
-                 session.value ? "" : command == kNameQuery ? " (Find Name)" : " (No Listen Outstanding)");
-      break;
-    }
-    case kAddNameResponse: AddLine(in, data, "Data 2: %u = %s Name", value, value ? "Group" : "Unique"); break;
-    case kDataFirst:
-    case kDataLast: AddLine(in, data, "Data 2: %u = Resynchronize %s", value, value == 1 ? "True" : "False"); break;
-    case kSessionConfirm:
-    case kSessionInitialize: AddLine(in, data, "Data 2: %u = Largest User Data", value); break;
-    case kSessionEnd: AddLine(in, data, "Data 2: %u = %s", value, value ? "Abnormal End" : "Normal End"); break;
-    case kNoReceive:
-    case kReceiveOutstanding: AddLine(in, data, "Data 2: %u = Bytes Accepted", value); break;
-    default: AddLine(in, data, "Data 2: 0x%.04X", value);
-  }
-}
+struct Frame {
+  Field destination, source;
+};
+constexpr auto kHead = Rows<NoValues>({Number(2, "Header Length").Little(), Hex(2, "Delimiter").Little(),
+                                       Hex(1, "Command", CommandName)});
+constexpr auto kCorrelators =
+    Rows<NoValues>({Hex(2, "Transmit Correlator").Little(), Hex(2, "Response Correlator").Little()});
+constexpr auto kSessions = Rows<Frame>({Number(1, "Destination Session Number").Into(&Frame::destination),
+                                        Number(1, "Source Session Number").Into(&Frame::source)});
 
 void AddAddresses(const Place& in, Cursor& c, uint32_t command) {
   if (command < kFirstSessionCommand) {
@@ -117,34 +109,24 @@ void AddAddresses(const Place& in, Cursor& c, uint32_t command) {
     AppendToParent(in, source.field, ", %s", source.text);
     if (!addsName) AppendToParent(in, destination.field, " -> %s", destination.text);
   } else {
-    const Field destination = TakeU8(c), source = TakeU8(c);
-    AddLine(in, destination, "Destination Session Number: %u", destination.value);
-    AddLine(in, source, "Source Session Number: %u", source.value);
-    AppendToParent(in, source, ", Session %u -> %u", source.value, destination.value);
+    const Frame frame = ShowRows(in, c, kSessions);
+    AppendToParent(in, frame.source, ", Session %u -> %u", frame.source.value, frame.destination.value);
   }
 }
 
 }  // namespace
 
 int32_t DecodeNetBiosFrame(const Place& at, Cursor c) {
-  if (Left(c) < kHeaderSize + 2 || ReadLittleU16(c.at + 2) != kDelimiter) return 0;
-  const uint32_t headerLength = ReadLittleU16(c.at), command = c.at[4];
+  if (Left(c) < kHeaderSize + 2 || PeekLittleU16(c, 2) != kDelimiter) return 0;
+  const uint32_t headerLength = PeekLittleU16(c), command = PeekU8(c, 4);
   if (headerLength < static_cast<uint32_t>(kHeaderSize) + 2) return 0;
   Cursor header = TakeCursor(c, headerLength);
-  const char* name = LookupName(kCommandNames, command);
-  const Place in = Under(at, AddLine(at, Ahead(header, Left(header)), "NetBIOS Frame: %s", name));
-  const Field length = TakeLittleU16(header);
-  AddLine(in, length, "Header Length: %u", length.value);
-  const Field delimiter = TakeLittleU16(header);
-  AddLine(in, delimiter, "Delimiter: 0x%.04X", delimiter.value);
-  const Field commandField = TakeU8(header);
-  AddLine(in, commandField, "Command: 0x%.02X = %s", command, name);
-  AddFirstData(in, TakeU8(header), command);
-  AddSecondData(in, TakeLittleU16(header), command);
-  const Field transmit = TakeLittleU16(header);
-  AddLine(in, transmit, "Transmit Correlator: 0x%.04X", transmit.value);
-  const Field response = TakeLittleU16(header);
-  AddLine(in, response, "Response Correlator: 0x%.04X", response.value);
+  const Choice<NoValues>* known = FindChoice<NoValues>(kCommands, command);
+  const Place in = Under(at, AddLine(at, Ahead(header, Left(header)), "NetBIOS Frame: %s", CommandName(command)));
+  NoValues none;
+  ShowRows(in, header, kHead);
+  ShowRows<NoValues>(in, header, known && known->rows.count ? known->rows : kAnyRows, none);
+  ShowRows(in, header, kCorrelators);
   AddAddresses(in, header, command);
   AddBlock(in, Ahead(header, Left(header)), "Header Data");
 

@@ -6,6 +6,7 @@
 //   question   name   type (2)   class (2)
 //   record     name   type (2)   class (2)   time to live (4)   data length (2)   data
 //   flags      R  operation code (4)  AA TC RD RA 0 0 B  result code (4)
+#include "core/rows.h"
 #include "decoders/netbios/netbios.h"
 
 namespace qxview {
@@ -26,112 +27,84 @@ constexpr auto kResultNames = SortedNames({
 constexpr auto kTypeNames = SortedNames({{kAddress, "A"}, {kNameServer, "NS"}, {kNull, "NULL"}, {kName, "NB"},
                                          {kNodeStatus, "NBSTAT"}});
 constexpr auto kClassNames = SortedNames({{1, "Internet"}});
-constexpr const char* kNodeTypes[] = {"B-Node", "P-Node", "M-Node", "H-Node"};
-
+constexpr auto kNodeTypes = SortedNames({{0, "B-Node"}, {1, "P-Node"}, {2, "M-Node"}, {3, "H-Node"}});
+constexpr auto kDirections = SortedNames({{0, "Request"}, {1, "Response"}});
+constexpr auto kOwnerKinds = SortedNames({{0, "Unique Name"}, {1, "Group Name"}});
+constexpr auto kLifeNotes = SortedNames({{0, " = Infinite"}});
 
 uint32_t OperationOf(uint32_t flags) { return flags >> 11 & 15; }
 
-struct FlagRow {
-  uint8_t bit;
-  const char* name;
+consteval RowData Reserved(uint8_t first, uint8_t count) { return Bits(first, count, "Reserved").Told("%s: Reserved"); }
+
+// The bits of a message's flags, under a line of theirs that tells more than their number.
+struct Flags {
+  Field result;
 };
-constexpr FlagRow kMessageFlags[] = {{5, "Authoritative Answer"}, {6, "Truncated"}, {7, "Recursion Desired"},
-                                     {8, "Recursion Available"}, {11, "Broadcast"}};
+constexpr auto kFlagBits = Rows<Flags>({
+    Word(2), Bits(0, 1, nullptr, kDirections).Told("%s: %s"),
+    Bits(1, 4, "Operation Code", NetBiosOperationName).Told("%s: Operation Code = [%u] %s"),
+    Flag(5, "Authoritative Answer").NoteWhenSet(", Authoritative Answer"), Flag(6, "Truncated").NoteWhenSet(", Truncated"),
+    Flag(7, "Recursion Desired").NoteWhenSet(", Recursion Desired"),
+    Flag(8, "Recursion Available").NoteWhenSet(", Recursion Available"), Reserved(9, 2),
+    Flag(11, "Broadcast").NoteWhenSet(", Broadcast"),
+    Bits(12, 4, "Result Code", NetBiosResultName).Told("%s: Result Code = [%u] %s").Into(&Flags::result)});
 
-LineHandle AddFlagLines(const Place& in, const Field& flags, const char* label) {
-  const LineHandle line = AddLine(in, flags, "%s: 0x%.04X = %s %s", label, flags.value,
-                                  NetBiosOperationName(OperationOf(flags.value)),
-                                  flags.value & kResponse ? "Response" : "Request");
-  const Place under = Under(in, line);
-  const BitPicture response = BitsOf(flags, 0, 1), operation = BitsOf(flags, 1, 4), result = BitsOf(flags, 12, 4);
-  AddBitLine(under, flags, "%s: %s", response.picture, response.value ? "Response" : "Request");
-  AddBitLine(under, flags, "%s: Operation Code = [%u] %s", operation.picture, operation.value,
-             NetBiosOperationName(operation.value));
-  for (const FlagRow& row : kMessageFlags) {
-    if (row.bit == 11) AddBitLine(under, flags, "%s: Reserved", BitsOf(flags, 9, 2).picture);
-    const BitPicture bit = BitsOf(flags, row.bit, 1);
-    AddBitLine(under, flags, "%s: %s = %s", bit.picture, row.name, TrueOrFalse(bit.value));
-    if (bit.value) AppendToLine(in, line, ", %s", row.name);
+void AddFlagLines(const Place& in, Cursor& c, const char* label) {
+  const uint32_t flags = PeekU16(c);
+  const Place under = Under(in, AddLine(in, Ahead(c, 2), "%s: 0x%.04X = %s %s", label, flags,
+                                        NetBiosOperationName(OperationOf(flags)),
+                                        flags & kResponse ? "Response" : "Request"));
+  const Flags shown = ShowRows(under, c, kFlagBits);
+  if (flags & kResponse && shown.result.value) {
+    AppendToParent(under, shown.result, ", %s", NetBiosResultName(shown.result.value));
   }
-  AddBitLine(under, flags, "%s: Result Code = [%u] %s", result.picture, result.value, NetBiosResultName(result.value));
-  if (flags.value & kResponse && result.value) AppendToLine(in, line, ", %s", NetBiosResultName(result.value));
-  return line;
 }
 
-void AddTypeAndClass(const Place& in, Cursor& c, uint32_t& type) {
-  const Field typeField = TakeU16(c);
-  type = typeField.value;
-  AddLine(in, typeField, "Type: 0x%.04X = %s", type, LookupName(kTypeNames, type));
-  const Field recordClass = TakeU16(c);
-  AddLine(in, recordClass, "Class: %u = %s", recordClass.value, LookupName(kClassNames, recordClass.value));
-}
-
-// The group bit and the node type, the first three bits of a name's flags. Result: the group bit.
-uint32_t AddOwnerBits(const Place& under, const Field& flags) {
-  const BitPicture group = BitsOf(flags, 0, 1), node = BitsOf(flags, 1, 2);
-  AddBitLine(under, flags, "%s: %s", group.picture, group.value ? "Group Name" : "Unique Name");
-  AddBitLine(under, flags, "%s: Owner Node Type = [%u] %s", node.picture, node.value, kNodeTypes[node.value]);
-  return group.value;
-}
+// Whose a name is: the first three bits of its flags.
+struct Owner {
+  Field group, node, address;
+};
+constexpr RowData kGroup = Bits(0, 1, nullptr, kOwnerKinds).Told("%s: %s");
+constexpr RowData kNode = Bits(1, 2, "Owner Node Type", kNodeTypes).Told("%s: Owner Node Type = [%u] %s");
+constexpr auto kNameAddress = Rows<Owner>({
+    Hex(2, "Name Flags"), kGroup.Into(&Owner::group), kNode.Into(&Owner::node), Reserved(3, 13),
+    IPv4("Address").Into(&Owner::address)});
+constexpr auto kStatusFlags = Rows<Owner>({
+    Hex(2, "Name Flags"), kGroup, kNode.Note(", %s"), Flag(3, "Deregister").NoteWhenSet(", Deregister"),
+    Flag(4, "Conflict").NoteWhenSet(", Conflict"), Flag(5, "Active").NoteWhenSet(", Active"),
+    Flag(6, "Permanent").NoteWhenSet(", Permanent"), Reserved(7, 9)});
 
 void DecodeNameAddresses(const Place& in, Cursor& c) {
   for (Loop loop; Left(c) >= 6 && MoreAt(in, c, loop);) {
-    const Field entry = Ahead(c, 6), flags = TakeU16(c), address = TakeBytes(c, 4);
-    const bool isGroup = (flags.value & 0x8000) != 0;
-    const LineHandle line = AddLine(in, entry, "%s: %s, %s", IPv4Text(address.bytes), isGroup ? "Group" : "Unique",
-                                    kNodeTypes[flags.value >> 13 & 3]);
-    const Place under = Under(in, line);
-    const Place bits = Under(under, AddLine(under, flags, "Name Flags: 0x%.04X", flags.value));
-    AddOwnerBits(bits, flags);
-    AddBitLine(bits, flags, "%s: Reserved", BitsOf(flags, 3, 13).picture);
-    AddLine(under, address, "Address: %s", IPv4Text(address.bytes));
+    const Owner owner = PeekRows(c, kNameAddress);
+    const Place under = Under(in, AddLine(in, Ahead(c, 6), "%s: %s, %s", IPv4Text(owner.address.bytes),
+                                          owner.group.value ? "Group" : "Unique", kNodeTypes.rows[owner.node.value].name));
+    ShowRows(under, c, kNameAddress);
   }
 }
-
-constexpr FlagRow kStatusFlags[] = {{3, "Deregister"}, {4, "Conflict"}, {5, "Active"}, {6, "Permanent"}};
 
 void DecodeStatusName(const Place& in, Cursor& c) {
   const Field entry = Ahead(c, kNetBiosNameLength + 2);
   const NetBiosName name = TakePlainNetBiosName(c);
-  const Field flags = TakeU16(c);
-  const bool isGroup = (flags.value & 0x8000) != 0;
-  const LineHandle line = AddLine(in, entry, "%s: %s", name.text, isGroup ? "Group" : "Unique");
-  const Place under = Under(in, line);
+  const bool isGroup = (PeekU16(c) & 0x8000) != 0;
+  const Place under = Under(in, AddLine(in, entry, "%s: %s", name.text, isGroup ? "Group" : "Unique"));
   AddNetBiosNameLine(under, "Name", name, isGroup);
-  const Place bits = Under(under, AddLine(under, flags, "Name Flags: 0x%.04X", flags.value));
-  AddOwnerBits(bits, flags);
-  AppendToLine(in, line, ", %s", kNodeTypes[flags.value >> 13 & 3]);
-  for (const FlagRow& row : kStatusFlags) {
-    const BitPicture bit = BitsOf(flags, row.bit, 1);
-    AddBitLine(bits, flags, "%s: %s = %s", bit.picture, row.name, TrueOrFalse(bit.value));
-    if (bit.value) AppendToLine(in, line, ", %s", row.name);
-  }
-  AddBitLine(bits, flags, "%s: Reserved", BitsOf(flags, 7, 9).picture);
+  ShowRows(under, c, kStatusFlags);
 }
 
-struct CounterRow {
-  uint8_t size;
-  const char* name;
-};
-constexpr CounterRow kCounters[] = {
-    {1, "Jumpers"}, {1, "Test Result"}, {2, "Version Number"}, {2, "Period of Statistics"}, {2, "CRC Errors"},
-    {2, "Alignment Errors"}, {2, "Collisions"}, {2, "Send Aborts"}, {4, "Good Sends"}, {4, "Good Receives"},
-    {2, "Retransmissions"}, {2, "No Resource Conditions"}, {2, "Free Command Blocks"}, {2, "Total Command Blocks"},
-    {2, "Maximum Command Blocks"}, {2, "Pending Sessions"}, {2, "Maximum Pending Sessions"},
-    {2, "Maximum Sessions Possible"}, {2, "Session Data Packet Size"},
-};
+constexpr auto kStatistics = Rows<NoValues>({
+    Mac("Unit ID"), Number(1, "Jumpers"), Number(1, "Test Result"), Number(2, "Version Number"),
+    Number(2, "Period of Statistics"), Number(2, "CRC Errors"), Number(2, "Alignment Errors"), Number(2, "Collisions"),
+    Number(2, "Send Aborts"), Number(4, "Good Sends"), Number(4, "Good Receives"), Number(2, "Retransmissions"),
+    Number(2, "No Resource Conditions"), Number(2, "Free Command Blocks"), Number(2, "Total Command Blocks"),
+    Number(2, "Maximum Command Blocks"), Number(2, "Pending Sessions"), Number(2, "Maximum Pending Sessions"),
+    Number(2, "Maximum Sessions Possible"), Number(2, "Session Data Packet Size")});
 
 void DecodeStatistics(const Place& in, Cursor& c) {
   if (Left(c) < 1) return;
   const LineHandle line = AddLine(in, Ahead(c, Left(c)), "Statistics");
-  const Place under = Under(in, line);
   const int32_t start = c.offset;
-  const Field unit = TakeBytes(c, 6);
-  AddLine(under, unit, "Unit ID: %s", MacText(unit.bytes));
-  for (const CounterRow& row : kCounters) {
-    const Field counter = row.size == 1 ? TakeU8(c) : row.size == 2 ? TakeU16(c) : TakeU32(c);
-    AddLine(under, counter, "%s: %u", row.name, counter.value);
-  }
+  ShowRows(Under(in, line), c, kStatistics);
   SetRange(in, line, start, c.offset - start);
 }
 
@@ -144,10 +117,12 @@ void DecodeNodeStatus(const Place& in, Cursor& c) {
   DecodeStatistics(in, c);
 }
 
+constexpr auto kAddressRow = Rows<NoValues>({IPv4("Address")});
+
 void DecodeRecordData(const Place& in, Cursor& c, uint32_t type, const Field& message, uint32_t operation) {
   constexpr uint32_t kWait = 7;
   if (operation == kWait && Left(c) == 2) {
-    AddFlagLines(in, TakeU16(c), "Request Flags");   // a wait gives those of the request it answers back
+    AddFlagLines(in, c, "Request Flags");   // a wait gives those of the request it answers back
   } else if (type == kName) {
     DecodeNameAddresses(in, c);
   } else if (type == kNodeStatus) {
@@ -155,11 +130,18 @@ void DecodeRecordData(const Place& in, Cursor& c, uint32_t type, const Field& me
   } else if (type == kNameServer) {
     AddNetBiosNameLine(in, "Name Server", TakeNetBiosName(c, message));
   } else if (type == kAddress && Left(c) >= 4) {
-    const Field address = TakeBytes(c, 4);
-    AddLine(in, address, "Address: %s", IPv4Text(address.bytes));
+    ShowRows(in, c, kAddressRow);
   }
   AddBlock(in, Ahead(c, c.left), "Record Data");
 }
+
+struct Entry {
+  Field type, length;
+};
+constexpr auto kQuestion = Rows<Entry>({Hex(2, "Type", kTypeNames).Into(&Entry::type), Number(2, "Class", kClassNames)});
+constexpr auto kLifeAndLength = Rows<Entry>({
+    Number(4, "Time to Live", NamesOr(kLifeNotes, "")).Told("Time to Live: %u seconds%s"),
+    Number(2, "Data Length").Into(&Entry::length)});
 
 // A question when `isQuestion`, else a record. False when it is not all there.
 bool DecodeEntry(const Place& in, Cursor& c, const char* label, bool isQuestion, const Field& message, uint32_t flags) {
@@ -173,29 +155,27 @@ bool DecodeEntry(const Place& in, Cursor& c, const char* label, bool isQuestion,
   const LineHandle line = AddLine(in, name.field, "%s: %s", label, name.text);
   const Place under = Under(in, line);
   AddNetBiosNameLine(under, "Name", name);
-  uint32_t type = 0;
-  AddTypeAndClass(under, c, type);
-  if (Taken(c) > 0 && !c.ranShort) AppendToLine(in, line, ", %s", LookupName(kTypeNames, type));
+  const uint32_t type = ShowRows(under, c, kQuestion).type.value;
+  if (!c.ranShort) AppendToLine(in, line, ", %s", LookupName(kTypeNames, type));
   if (!isQuestion) {
-    const Field life = TakeU32(c);
-    AddLine(under, life, "Time to Live: %u seconds%s", life.value, life.here && life.value == 0 ? " = Infinite" : "");
-    const Field length = TakeU16(c);
-    AddLine(under, length, "Data Length: %u", length.value);
-    Cursor data = TakeCursor(c, length.value);
+    Cursor data = TakeCursor(c, ShowRows(under, c, kLifeAndLength).length.value);
     DecodeRecordData(under, data, type, message, OperationOf(flags));
   }
   SetRange(in, line, start, c.offset - start);
   return !c.ranShort;
 }
 
-constexpr const char* kSections[] = {"Question", "Answer", "Authority Record", "Additional Record"};
-constexpr const char* kCounts[] = {"Questions", "Answers", "Authority Records", "Additional Records"};
-
+struct Counts {
+  Field questions, answers, authorities, additionals;
+};
+constexpr auto kTransaction = Rows<NoValues>({Hex(2, "Transaction ID")});
+constexpr auto kCounts = Rows<Counts>({
+    Number(2, "Questions").Into(&Counts::questions), Number(2, "Answers").Into(&Counts::answers),
+    Number(2, "Authority Records").Into(&Counts::authorities), Number(2, "Additional Records").Into(&Counts::additionals)});
 // The message's line, with the name of its first question or record.
 LineHandle AddMessageLine(const Place& at, const Field& message, Cursor c) {
-  TakeU16(c);
-  const uint32_t flags = TakeU16(c).value;
-  TakeBytes(c, 8);
+  const uint32_t flags = PeekU16(c, 2);
+  TakeBytes(c, kHeaderSize);
   NetBiosName name{};
   if (Left(c) > 0) name = TakeNetBiosName(c, message);
   const char* result = flags & kResponse && flags & 15 ? NetBiosResultName(flags & 15) : "";
@@ -213,20 +193,19 @@ int32_t DecodeNetBiosName(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize) return 0;
   const Field message = Ahead(c, Left(c));
   const Place in = Under(at, AddMessageLine(at, message, c));
-  const Field transaction = TakeU16(c);
-  AddLine(in, transaction, "Transaction ID: 0x%.04X", transaction.value);
-  const Field flags = TakeU16(c);
-  AddFlagLines(in, flags, "Flags");
-  uint32_t counts[4];
-  for (int32_t i = 0; i < 4; ++i) {
-    const Field count = TakeU16(c);
-    AddLine(in, count, "%s: %u", kCounts[i], count.value);
-    counts[i] = count.value;
-  }
+  ShowRows(in, c, kTransaction);
+  const uint32_t flags = PeekU16(c);
+  AddFlagLines(in, c, "Flags");
+  const Counts counts = ShowRows(in, c, kCounts);
+  const struct {
+    const char* label;
+    uint32_t count;
+  } sections[] = {{"Question", counts.questions.value}, {"Answer", counts.answers.value},
+                   {"Authority Record", counts.authorities.value}, {"Additional Record", counts.additionals.value}};
   bool isWhole = true;
-  for (int32_t section = 0; section < 4; ++section) {
-    for (uint32_t i = 0; i < counts[section] && isWhole && Left(c) > 0 && !PacketOf(in).limitReached; ++i) {
-      isWhole = DecodeEntry(in, c, kSections[section], section == 0, message, flags.value);
+  for (const auto& section : sections) {
+    for (uint32_t i = 0; i < section.count && isWhole && Left(c) > 0 && !PacketOf(in).limitReached; ++i) {
+      isWhole = DecodeEntry(in, c, section.label, &section == sections, message, flags);
     }
   }
   AddBlock(in, Ahead(c, Left(c)), "Extra Data");

@@ -129,6 +129,7 @@ NetBiosName TakeNetBiosName(Cursor& c, const Field& message) {
   TakeNameLabels(c, message, [&](const Field& label) {
     AddLabel(text, name, label, isFirst);
     isFirst = false;
+    return !text.IsFull();
   });
   if (!c.ranShort) name.field = {start.at, start.offset, c.offset - start.offset, 0, true};
   return name;

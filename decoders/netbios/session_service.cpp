@@ -10,6 +10,7 @@
 //
 // A segment may hold several messages, and a message several segments; nothing in a later one tells where its message
 // ends, so all of it is shown as the rest of that message.
+#include "core/rows.h"
 #include "decoders/netbios/netbios.h"
 #include "decoders/smb/smb.h"
 
@@ -32,17 +33,27 @@ constexpr auto kErrorNames = SortedNames({
     {0x8F, "Unspecified Error"},
 });
 
-uint32_t LengthOf(const Cursor& c) { return ReadU24(c.at + 1) & 0x1FFFF; }
+struct Session {
+  Field address, port;
+};
+constexpr auto kHeader = Rows<NoValues>({
+    Hex(1, "Message Type", kTypeNames), Hex(1, "Flags"), Bits(0, 7, "Reserved").Told("%s: Reserved"),
+    Bits(7, 1, "Length Extension")});
+constexpr auto kErrorCode = Rows<NoValues>({Hex(1, "Error Code", kErrorNames).Note(", %s")});
+constexpr auto kRetargetRows = Rows<Session>({IPv4("Retarget Address").Into(&Session::address),
+                                              Number(2, "Retarget Port").Into(&Session::port)});
+
+uint32_t LengthOf(const Cursor& c) { return PeekU24(c, 1) & 0x1FFFF; }
 
 // SMB of any version begins with FF, FE, FD or FC in front of "SMB".
-bool HasSmbMarker(const Cursor& c) { return Left(c) >= 4 && c.at[0] >= 0xFC && ReadU24(c.at + 1) == 0x534D42; }
+bool HasSmbMarker(const Cursor& c) { return PeekU8(c) >= 0xFC && PeekIs(c, 1, "SMB"); }
 
 bool IsHeader(const Cursor& c) {
-  if (Left(c) < kHeaderSize || c.at[1] > 1) return false;
+  if (Left(c) < kHeaderSize || PeekU8(c, 1) > 1) return false;
   const uint32_t length = LengthOf(c), left = static_cast<uint32_t>(Left(c) - kHeaderSize);
-  switch (c.at[0]) {
+  switch (PeekU8(c)) {
     case kMessage: return length > 0;
-    case kRequest: return length > 1 && (left == 0 || c.at[kHeaderSize] == 2 * kNetBiosNameLength || length == left);
+    case kRequest: return length > 1 && (left == 0 || PeekU8(c, kHeaderSize) == 2 * kNetBiosNameLength || length == left);
     case kPositive:
     case kKeepAlive: return length == 0;
     case kNegative: return length == 1;
@@ -58,7 +69,7 @@ int32_t DecodeMessageBody(const Place& at, Cursor c) {
 }
 
 // Another version's messages are no continuation of anything.
-bool IsLaterSmb(const Cursor& body) { return HasSmbMarker(body) && body.at[0] != 0xFF; }
+bool IsLaterSmb(const Cursor& body) { return HasSmbMarker(body) && PeekU8(body) != 0xFF; }
 
 void DecodeMessage(const Place& at, const Place& in, const Cursor& body, uint32_t length) {
   if (static_cast<uint32_t>(Left(body)) < length) {
@@ -86,40 +97,30 @@ void DecodeControl(const Place& in, Cursor& c, uint32_t type) {
   if (type == kRequest) {
     DecodeRequest(in, c);
   } else if (type == kNegative) {
-    const Field code = TakeU8(c);
-    AddLine(in, code, "Error Code: 0x%.02X = %s", code.value, LookupName(kErrorNames, code.value));
-    AppendToParent(in, code, ", %s", LookupName(kErrorNames, code.value));
+    ShowRows(in, c, kErrorCode);
   } else if (type == kRetarget) {
-    const Field address = TakeBytes(c, 4), port = TakeU16(c);
-    AddLine(in, address, "Retarget Address: %s", IPv4Text(address.bytes));
-    AddLine(in, port, "Retarget Port: %u", port.value);
-    AppendToParent(in, port, ", %s port %u", IPv4Text(address.bytes), port.value);
+    const Session retarget = ShowRows(in, c, kRetargetRows);
+    AppendToParent(in, retarget.port, ", %s port %u", IPv4Text(retarget.address.bytes), retarget.port.value);
   }
   AddBlock(in, Ahead(c, Left(c)), "Extra Data");
 }
 
 void DecodeOne(const Place& at, Cursor& c) {
   const int32_t start = c.offset;
-  const uint32_t length = LengthOf(c);
-  const Field type = TakeU8(c);
-  const char* name = NetBiosSessionTypeName(type.value);
-  const LineHandle line = AddLine(at, Stated(start, kHeaderSize), "NetBIOS Session Service: %s", name);
+  const uint32_t length = LengthOf(c), type = PeekU8(c);
+  const LineHandle line =
+      AddLine(at, Stated(start, kHeaderSize), "NetBIOS Session Service: %s", NetBiosSessionTypeName(type));
   const Place in = Under(at, line);
-  AddLine(in, type, "Message Type: 0x%.02X = %s", type.value, name);
-  const Field flags = TakeU8(c);
-  const Place bits = Under(in, AddLine(in, flags, "Flags: 0x%.02X", flags.value));
-  AddBitLine(bits, flags, "%s: Reserved", BitsOf(flags, 0, 7).picture);
-  const BitPicture extension = BitsOf(flags, 7, 1);
-  AddBitLine(bits, flags, "%s: Length Extension = %u", extension.picture, extension.value);
+  ShowRows(in, c, kHeader);
   const Field low = TakeU16(c);
-  if (extension.value) {
+  if (length != low.value) {
     AddLine(in, low, "Length: %u (%u with the extension)", low.value, length);
   } else {
     AddLine(in, low, "Length: %u", low.value);
   }
   Cursor body = TakeCursor(c, length);
-  if (type.value == kMessage) return DecodeMessage(at, in, body, length);
-  DecodeControl(in, body, type.value);
+  if (type == kMessage) return DecodeMessage(at, in, body, length);
+  DecodeControl(in, body, type);
   SetRange(at, line, start, c.offset - start);
 }
 
@@ -129,7 +130,7 @@ const char* NetBiosSessionTypeName(uint32_t type) { return LookupName(kTypeNames
 
 bool StartsNetBiosSessionMessage(const Cursor& c) {
   if (!IsHeader(c)) return false;
-  if (c.at[0] != kMessage) return true;
+  if (PeekU8(c) != kMessage) return true;
   // File data has many zeros, too: the message must look like one.
   Cursor behind = c;
   TakeBytes(behind, kHeaderSize);
