@@ -100,7 +100,7 @@ FormatArgument ValueOf(const RowWalk& walk, const RowData& row, const Field& fie
 
 uint64_t ShownNumber(const RowWalk& walk, const RowData& row, const Field& field) {
   if (row.form == RowForm::kBits) return field.value;
-  const uint64_t number = NumberOf(field, IsLittle(walk, row));
+  const uint64_t number = field.length <= 4 ? field.value : NumberOf(field, IsLittle(walk, row));
   if (row.form != RowForm::kSigned) return number;
   const int32_t shift = 64 - 8 * field.length;
   return static_cast<uint64_t>(static_cast<int64_t>(number << shift) >> shift);
@@ -218,6 +218,9 @@ Field TakeSized(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool
 }  // namespace
 
 uint64_t NumberOf(const Field& field, bool little) {
+  if (field.length == 1) return field.bytes[0];
+  if (field.length == 2) return little ? ReadLittleU16(field.bytes) : ReadU16(field.bytes);
+  if (field.length == 4) return little ? ReadLittleU32(field.bytes) : ReadU32(field.bytes);
   uint64_t number = 0;
   const int32_t length = field.length > 8 ? 8 : field.length;
   for (int32_t i = 0; i < length; ++i) number = number << 8 | field.bytes[little ? length - 1 - i : i];
