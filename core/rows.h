@@ -186,7 +186,8 @@ struct RowData {
   // The same where the value is not 0: ", Truncated".
   template <size_t kSize>
   consteval RowData NoteWhenSet(const char (&text)[kSize]) const {
-    RowData noted = Note(text);
+    RowData noted = *this;
+    noted.note = detail::ToldText(text, form, names.Here(), false);
     noted.noteWhenSet = true;
     return noted;
   }

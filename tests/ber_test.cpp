@@ -252,7 +252,8 @@ TEST(Ber, ValuesAreChosenByTheirIdentifier) {
   EXPECT_NE(RunValue(Hex("04 01 61"), "Key").tree.find("  Key:  {0+3}\n"), std::string::npos) << "forced hexadecimal";
   EXPECT_NE(RunValue(Hex("1B 01 61"), "Key").tree.find("  ASN Value: a {0+3}\n"), std::string::npos);
   const Outcome element = RunElement(Hex("A1 03 02 01 07"), [](auto& at, Cursor& c, AsnResult& out, auto&) {
-    return DecodeAsnElement(at, c, "Kind", out);
+    const int32_t status = DecodeAsnHeader(at, c, "Kind");
+    return status == kAsnDecoded ? DecodeAsnValue(at, c, "Kind", out) : status;
   });
   ExpectInOrder(element.tree, {"  Kind Type: {0+1}\n", "    ..1.....: Constructed = True",
                                "  Kind Length: 3 Bytes {1+1}\n",

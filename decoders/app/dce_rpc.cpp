@@ -82,12 +82,9 @@ constexpr auto kContext = Rows<List>({
     Number(2, "Context ID"), Number(1, "Number Of Transfer Syntaxes").Into(&List::count), Number(1, "Reserved")});
 constexpr auto kAddress = Rows<List>({Number(2, "Secondary Address Length").Into(&List::count)});
 constexpr auto kResults = Rows<List>({Number(1, "Number Of Results").Into(&List::count), Bytes(3, "Reserved")});
-constexpr auto kResult = Rows<NoValues>({
-    Coded(2, "Result", kResultNames),
-    Coded(2, "Reason", kReasonNames)});
+constexpr auto kResult = Rows<NoValues>({Coded(2, "Result", kResultNames), Coded(2, "Reason", kReasonNames)});
 constexpr auto kReject = Rows<List>({
-    Coded(2, "Reject Reason", kRejectNames),
-    Number(1, "Number Of Versions").Into(&List::count)});
+    Coded(2, "Reject Reason", kRejectNames), Number(1, "Number Of Versions").Into(&List::count)});
 
 constexpr RowData kHint = Number(4, "Allocation Hint"), kContextId = Number(2, "Context ID"),
                   kCancels = Number(1, "Cancel Count"), kReserved = Number(1, "Reserved");
@@ -98,9 +95,7 @@ constexpr auto kFaultRows =
     Rows<NoValues>({kHint, kContextId, kCancels, kReserved, Hex(4, "Status"), Number(4, "Reserved")});
 constexpr auto kPad = Rows<NoValues>({Bytes(4, "Pad")});
 constexpr auto kVerifier = Rows<NoValues>({
-    Coded(1, "Authentication Type", kAuthTypes),
-    Coded(1, "Authentication Level", kAuthLevels),
-    Number(1, "Pad Length"), kReserved, Number(4, "Context ID")});
+    Coded(1, "Authentication Type", kAuthTypes), Coded(1, "Authentication Level", kAuthLevels), Number(1, "Pad Length"), kReserved, Number(4, "Context ID")});
 
 void AddUuid(const Place& in, Cursor& c, ByteOrder order, const char* label) {
   const Field uuid = TakeBytes(c, kGuidSize);

@@ -197,9 +197,4 @@ int32_t DecodeAsnValue(const Place& at, Cursor& c, const char* label, AsnResult&
   return status;
 }
 
-int32_t DecodeAsnElement(const Place& at, Cursor& c, const char* label, AsnResult& out) {
-  const int32_t status = DecodeAsnHeader(at, c, label);
-  return status == kAsnDecoded ? DecodeAsnValue(at, c, label, out) : status;
-}
-
 }  // namespace qxview

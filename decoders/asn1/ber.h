@@ -67,8 +67,6 @@ int32_t DecodeAsnHeader(const Place& at, Cursor& c, const char* label);
 // A heading and, under it, the element by its identifier's type. Object identifiers and enumerations are "Undefined"
 // here: a message says where it has them.
 int32_t DecodeAsnValue(const Place& at, Cursor& c, const char* label, AsnResult& out);
-// A header and the value inside.
-int32_t DecodeAsnElement(const Place& at, Cursor& c, const char* label, AsnResult& out);
 
 int32_t DecodeAsnBoolean(const Place& at, Cursor& c, AsnResult& out);
 int32_t DecodeAsnInteger(const Place& at, Cursor& c, AsnResult& out);
