@@ -374,8 +374,12 @@ consteval RowTable<T, kRows> Rows(const Row<T> (&rows)[kRows]) {
 // Of a protocol whose numbers have their low byte first.
 template <class T, size_t kRows>
 consteval RowTable<T, kRows> LittleRows(const Row<T> (&rows)[kRows]) {
-  RowTable<T, kRows> table = Rows<T>(rows);
-  for (Row<T>& row : table.rows) row.little = true;
+  CheckBits(rows, kRows);
+  RowTable<T, kRows> table{};
+  for (size_t i = 0; i < kRows; ++i) {
+    table.rows[i] = rows[i];
+    table.rows[i].little = true;
+  }
   return table;
 }
 
