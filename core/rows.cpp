@@ -203,10 +203,10 @@ Field TakeSized(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool
     bits.value = static_cast<uint32_t>(uint64_t{walk.word.value} >> (behind & 31) & ((uint64_t{1} << row.bitCount) - 1));
     return bits;
   }
-  if (size == kOwnSize) size = row.size;
-  const bool variable = row.size == 0;
+  const bool variable = row.size == 0, isOwn = size == kOwnSize;
+  if (isOwn) size = row.size;
   if (row.countSize) size = TakeCount(walk, c, row, shows);
-  else if (variable && size == 0) size = Left(c) ? LengthOf(c, row) : -1;
+  else if (variable && isOwn) size = Left(c) ? LengthOf(c, row) : -1;
   // A length that says more than is there takes what is there.
   if (variable && size > Left(c)) size = Left(c);
   Field field = TakeBytes(c, size);

@@ -23,6 +23,7 @@ void AddAddress(const Place& in, const Field& address, const char* label);
 // Frames of one medium inside another's: each starts at the first byte of its header.
 int32_t DecodeTokenRingHeader(const Place& at, Cursor c);
 int32_t DecodeFddiHeader(const Place& at, Cursor c);
+int32_t DecodeWirelessHeader(const Place& at, Cursor c);
 
 // SNAP as WAN and ATM carry it (RFC 2427, RFC 2684): an OUI and a protocol under `in`, what they name at `network`.
 // Bridged frames stand behind `padding` bytes.

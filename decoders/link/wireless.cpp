@@ -221,7 +221,9 @@ void SkipHeaderPadding(const Place& in, Cursor& c) {
   AddLine(in, pad, "Header Padding: %s", HexText(pad));
 }
 
-int32_t DecodeHeader(const Place& at, Cursor c) {
+}  // namespace
+
+int32_t DecodeWirelessHeader(const Place& at, Cursor c) {
   if (Left(c) < 2) return 0;
   const FrameControl control = ControlOf(c);
   const Place in = Under(at, AddLine(at, Ahead(c, 2), "802.11 Header:  %s", SubtypeName(control)));
@@ -248,8 +250,6 @@ int32_t DecodeHeader(const Place& at, Cursor c) {
   return 1;
 }
 
-}  // namespace
-
 int32_t DecodeWirelessFrame(const Place& at, Cursor c) {
   if (OfferWirelessFrame(at, c)) return 1;
   const FrameRecord* record = PacketOf(at).frame;
@@ -262,7 +262,7 @@ int32_t DecodeWirelessFrame(const Place& at, Cursor c) {
   AddClosingSummaryLines(in, frame, OriginalNumber::kShown, checkSequence);
   AddCaptureLines(in);
   DecodeRadioHeader(at);
-  CallDecoder(at, c, DecodeHeader, "Raw Data");
+  CallDecoder(at, c, DecodeWirelessHeader, "Raw Data");
   return 1;
 }
 

@@ -4,6 +4,7 @@
 
 #include "core/decoder.h"
 #include "decoders/app/stun.h"
+#include "decoders/link/wake_on_lan.h"
 #include "decoders/net/detection.h"
 #include "decoders/net/dynamic_udp.h"
 #include "decoders/states.h"
@@ -88,8 +89,10 @@ void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
   packet.matchedSource = matchedSource ? 1 : 0;
 }
 
-// STUN shares ports with the media that it finds a way for (RFC 7983): the first bytes tell whose a payload is.
-int32_t SortByFirstBytes(int32_t identifier, const Cursor& c) {
+// STUN shares ports with the media that it finds a way for (RFC 7983), magic packets go to any port: the first bytes tell
+// whose a payload is.
+int32_t SortByFirstBytes(int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
+  if (ipProtocol != kIpProtocolTcp && LooksLikeMagicPacket(c)) return kMagicPacketProtocol;
   constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;
   const int32_t index = identifier & kIndex;
   if (identifier > 0 && index == kStunProtocol) return StartsStun(c) ? identifier : kNoProtocol;
@@ -99,7 +102,7 @@ int32_t SortByFirstBytes(int32_t identifier, const Cursor& c) {
 
 int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matchedSource, uint8_t ipProtocol) {
   PacketState& packet = PacketOf(at);
-  const int32_t identifier = SortByFirstBytes(defined, c);
+  const int32_t identifier = SortByFirstBytes(defined, c, ipProtocol);
   const char* unnamed = ipProtocol == kIpProtocolTcp ? "TCP Data" : "UDP Data";
   StorePayload(packet, c, matchedSource);
   c.begin = c.offset;
