@@ -31,7 +31,9 @@ constexpr auto kGenericTrapNames = SortedNames({
 });
 
 void AddObject(SummaryText& text, const char* label, const BerElement& object) {
-  if (object.here && object.identifier == kAsnObjectId) Add(text, "%s%s", label, TextOfObjectId(object.contents));
+  if (!object.here || object.identifier != kAsnObjectId) return;
+  if (Left(object.contents) < 1) return Add(text, "%s<NULL>", label);
+  Add(text, "%s%s", label, TextOfObjectId(object.contents));
 }
 
 // The first object of a list of bindings.
