@@ -48,7 +48,7 @@ std::string ScaleWindow(std::string_view summary, int32_t exponent) {
 std::string_view WithoutName(std::string_view summary, std::string_view protocol) {
   if (!summary.starts_with(protocol)) return summary;
   std::string_view rest = summary.substr(protocol.size());
-  if (rest.starts_with(", ")) rest.remove_prefix(1);
+  if (rest.starts_with(", ") || rest.starts_with(": ")) rest.remove_prefix(1);
   return rest.starts_with(" ") ? rest.substr(1) : summary;
 }
 

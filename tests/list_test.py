@@ -119,7 +119,7 @@ class List(unittest.TestCase):
         self.assertIn("\x1b[1;38;5;160mRST", colored[8], "trouble")
         self.assertRegex(rows[7], r"Window: 64000,")
         self.assertRegex(rows[5], r"Window: 1000,")
-        self.assertEqual(rows[1].split()[2:6], ["00:11:22:33:44:55", "FF:FF:FF:FF:FF:FF", "ARP", "42"])
+        self.assertEqual(rows[1].split()[2:7], ["00:11:22:33:44:55", "FF:FF:FF:FF:FF:FF", "ARP", "42", "Request,"])
         self.assertEqual(len(table(40, "--wide")[7]), len(table(200, "--wide")[7]))
         self.assertEqual(self.list("--wide")[1:], table(40, "--wide", "--color=never")[1:])
         plain = self.list()
