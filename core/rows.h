@@ -328,7 +328,7 @@ consteval RowData Shown(uint8_t size, const char* label, RowShow show) {
 
 // A field or several that a function of the decoder takes from the cursor: texts, lists, what other values decide.
 template <class T>
-consteval Row<T> Shown(const char* label, void (*take)(const Place& in, Cursor& c, const char* label, T& out)) {
+constexpr Row<T> Shown(const char* label, void (*take)(const Place& in, Cursor& c, const char* label, T& out)) {
   Row<T> row;
   row.label = label;
   row.form = RowForm::kShown;

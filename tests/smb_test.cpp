@@ -5,7 +5,7 @@
 namespace qxview::testing {
 namespace {
 
-int32_t DecodeOrContinue(const Place& at, Cursor c) { return DecodeSmb(at, c.at, Left(c), c.offset, true); }
+int32_t DecodeOrContinue(const Place& at, Cursor c) { return DecodeSmb(at, c, true); }
 
 struct BlockCase {
   const char* name;

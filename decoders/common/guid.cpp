@@ -20,4 +20,8 @@ GuidText TextOfGuid(const Field& guid, GuidOrder order, GuidLetters letters) {
   return made;
 }
 
+void ShowLittleGuid(const Place& in, const Field& guid, const char* label) {
+  AddLine(in, guid, "%s: {%s}", label, TextOfGuid(guid, GuidOrder::kLittle));
+}
+
 }  // namespace qxview

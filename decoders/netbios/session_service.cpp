@@ -64,7 +64,7 @@ bool IsHeader(const Cursor& c) {
 
 int32_t DecodeMessageBody(const Place& at, Cursor c) {
   if (Left(c) <= kSmbHeaderSize && !HasSmbMarker(c)) return DecodeSmbContinuation(at, c);
-  const int32_t result = DecodeSmb(at, c.at, Left(c), c.offset, true);
+  const int32_t result = DecodeSmb(at, c, true);
   return Left(c) > kSmbHeaderSize ? result : kSmbNotDecoded;
 }
 

@@ -31,157 +31,159 @@ constexpr auto kAvFlagBits = SortedNames({
     {0x00000001, "Constrained Account"}, {0x00000002, "Message Integrity Code Present"},
     {0x00000004, "Untrusted Service Name"}});
 
-constexpr SmbField kFlags[] = {{kSmbFlags32, "Negotiate Flags", kFlagBits}};
-constexpr SmbField kVersion[] = {
-    {kSmbNumber8, "Major"}, {kSmbNumber8, "Minor"}, {kSmbNumber16, "Build"}, {kSmbBytes, "Reserved", {}, 3},
-    {kSmbNumber8, "NTLM Revision"}};
-constexpr SmbField kServerChallenge[] = {{kSmbBytes, "Server Challenge", {}, 8}, {kSmbBytes, "Reserved", {}, 8}};
-constexpr SmbField kV2Fields[] = {
-    {kSmbBytes, "NT Proof", {}, 16}, {kSmbNumber8, "Response Version"}, {kSmbNumber8, "Highest Response Version"},
-    {kSmbHex16, "Reserved"}, {kSmbHex32, "Reserved"}, {kSmbFileTime, "Time"},
-    {kSmbBytes, "Client Challenge", {}, 8}, {kSmbHex32, "Reserved"}};
-constexpr SmbField kAvHeader[] = {{kSmbName16, "ID", kAvNames}, {kSmbNumber16, "Length"}};
-constexpr SmbField kAvFlagsField[] = {{kSmbFlags32, "Value", kAvFlagBits}};
-constexpr SmbField kAvTimeField[] = {{kSmbFileTime, "Value"}};
-
-// The field rows and texts are SMB's, over a message of this protocol.
-SmbMessage MessageOver(const Cursor& c) { return {c, 0, 0, 0, 0, 0, 0, false, false}; }
+constexpr auto kHead = LittleRows<NoValues>({Text(8, "Signature"), Coded(4, "Message Type", kTypeNames).Note(": %s")});
 
 struct Buffer {
-  uint32_t length, offset;
+  Field length, offset;
+};
+// What a message says of itself, and where what it points at stands.
+struct Login {
+  Field flags;
+  Buffer lanManager, nt, domain, user, workstation, key, target, information;
 };
 
-Buffer TakeBuffer(const Place& in, Cursor& c, const char* label) {
+constexpr auto kBuffer = LittleRows<Buffer>({
+    Number(2, "Length").Into(&Buffer::length), Number(2, "Maximum Length"), Number(4, "Offset").Into(&Buffer::offset)});
+template <Buffer Login::*kMember>
+void ShowBuffer(const Place& in, Cursor& c, const char* label, Login& login) {
   const Place under = Under(in, AddLine(in, Ahead(c, Left(c) < 8 ? Left(c) : 8), "%s Buffer", label));
-  const Field length = TakeLittleU16(c);
-  AddLine(under, length, "Length: %u", length.value);
-  const Field room = TakeLittleU16(c);
-  AddLine(under, room, "Maximum Length: %u", room.value);
-  const Field offset = TakeLittleU32(c);
-  AddLine(under, offset, "Offset: %u", offset.value);
-  return {offset.here ? length.value : 0, offset.value};
+  login.*kMember = ShowRows(under, c, kBuffer);
+}
+template <Buffer Login::*kMember>
+consteval Row<Login> BufferOf(const char* label) { return Shown(label, ShowBuffer<kMember>); }
+
+constexpr auto kNegotiateRows = LittleRows<Login>({
+    Flags(4, "Negotiate Flags", kFlagBits), BufferOf<&Login::domain>("Domain Name"),
+    BufferOf<&Login::workstation>("Workstation Name")});
+constexpr auto kChallengeRows = LittleRows<Login>({
+    BufferOf<&Login::target>("Target Name"), Flags(4, "Negotiate Flags", kFlagBits).Into(&Login::flags),
+    Bytes(8, "Server Challenge"), Bytes(8, "Reserved"), BufferOf<&Login::information>("Target Information")});
+constexpr auto kAuthenticateRows = LittleRows<Login>({
+    BufferOf<&Login::lanManager>("LAN Manager Response"), BufferOf<&Login::nt>("NT Response"),
+    BufferOf<&Login::domain>("Domain Name"), BufferOf<&Login::user>("User Name"),
+    BufferOf<&Login::workstation>("Workstation Name"), BufferOf<&Login::key>("Session Key"),
+    Flags(4, "Negotiate Flags", kFlagBits).Into(&Login::flags)});
+constexpr auto kVersion = LittleRows<NoValues>({
+    Number(1, "Major"), Number(1, "Minor"), Number(2, "Build"), Bytes(3, "Reserved"), Number(1, "NTLM Revision")});
+constexpr auto kV2Rows = LittleRows<NoValues>({
+    Bytes(16, "NT Proof"), Number(1, "Response Version"), Number(1, "Highest Response Version"), Hex(2, "Reserved"),
+    Hex(4, "Reserved"), FileTime("Time"), Bytes(8, "Client Challenge"), Hex(4, "Reserved")});
+constexpr auto kAvHeader = LittleRows<NoValues>({Coded(2, "ID", kAvNames), Number(2, "Length")});
+constexpr auto kAvFlagsValue = LittleRows<NoValues>({Flags(4, "Value", kAvFlagBits)});
+constexpr auto kAvTimeValue = LittleRows<NoValues>({FileTime("Value")});
+
+// The bytes of a buffer that lies inside the message; not here for any other.
+Field ContentOf(const Field& message, const Buffer& buffer) {
+  if (!buffer.offset.here) return {};
+  return Slice(message, static_cast<int32_t>(buffer.offset.value), static_cast<int32_t>(buffer.length.value));
 }
 
-// The bytes of a buffer that lies inside the message; none for any other.
-Cursor ContentOf(const SmbMessage& message, const Buffer& buffer) {
-  return CursorOver(SmbRange(message, buffer.offset, buffer.length));
+void AddContentText(const Place& in, const Field& content, const char* label, bool unicode) {
+  Cursor c = CursorOver(content);
+  if (Left(c) < 1) return;
+  AddSmbCounted(SmbMessage{}, in, c, Left(c), label, unicode ? SmbCharacters::kUnicode : SmbCharacters::kOem);
 }
 
-void AddBufferText(const SmbMessage& message, const Place& in, const Buffer& buffer, const char* label, bool unicode) {
-  Cursor content = ContentOf(message, buffer);
-  if (Left(content) < 1) return;
-  AddSmbCounted(message, in, content, Left(content), label, unicode ? SmbCharacters::kUnicode : SmbCharacters::kOem);
+void AddContentBytes(const Place& in, const Field& content, const char* label) {
+  Cursor c = CursorOver(content);
+  AddSmbBytes(in, c, Left(c), label);
 }
 
-void AddBufferBytes(const SmbMessage& message, const Place& in, const Buffer& buffer, const char* label) {
-  Cursor content = ContentOf(message, buffer);
-  AddSmbBytes(in, content, Left(content), label);
-}
-
-void AddVersion(const SmbMessage& message, const Place& in, Cursor& c) {
+void AddVersion(const Place& in, Cursor& c) {
   if (Left(c) < kVersionSize) return;
-  const Place under = Under(in, AddLine(in, Ahead(c, kVersionSize), "Version"));
-  AddSmbFields(message, under, c, kVersion);
+  ShowRows(Under(in, AddLine(in, Ahead(c, kVersionSize), "Version")), c, kVersion);
 }
 
-void AddAvPair(const SmbMessage& message, const Place& in, Cursor& c) {
+void AddAvPair(const Place& in, Cursor& c) {
   const uint32_t id = PeekLittleU16(c), length = PeekLittleU16(c, 2);
   Cursor pair = TakeCursor(c, 4 + static_cast<int64_t>(length));
   const Place under = Under(in, AddLine(in, Ahead(pair, Left(pair)), "Pair: %s", LookupName(kAvNames, id, kUndefined)));
-  AddSmbFields(message, under, pair, kAvHeader);
-  if (Left(pair) < 1) return;
+  ShowRows(under, pair, kAvHeader);
   if (id == kAvFlags) {
-    AddSmbFields(message, under, pair, kAvFlagsField);
+    ShowRows(under, pair, kAvFlagsValue);
   } else if (id == kAvTime) {
-    AddSmbFields(message, under, pair, kAvTimeField);
-  } else if (id == kAvHost || id == kAvChannel || id > kAvChannel) {
+    ShowRows(under, pair, kAvTimeValue);
+  } else if (id == kAvHost || id >= kAvChannel) {
     AddSmbBytes(under, pair, Left(pair), "Value");
   } else {
-    AddSmbCounted(message, under, pair, Left(pair), "Value", SmbCharacters::kUnicode);
+    AddContentText(under, Rest(pair), "Value", true);
   }
 }
 
 // What is known of the target, up to the end of the list.
-void AddAvPairs(const SmbMessage& message, const Place& in, Cursor& c, const char* title) {
+void AddAvPairs(const Place& in, Cursor& c, const char* title) {
   if (Left(c) < 4) return;
-  const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "%s", title));
+  const Place under = Under(in, AddSmbTitle(in, Ahead(c, Left(c)), title));
   bool ended = false;
-  while (!ended && Left(c) >= 4 && !PacketOf(in).limitReached) {
+  for (Loop loop; !ended && Left(c) >= 4 && MoreAt(in, c, loop);) {
     ended = PeekLittleU16(c) == kAvEnd;
-    AddAvPair(message, under, c);
+    AddAvPair(under, c);
   }
   AddSmbBytes(under, c, Left(c), "Pad");
 }
 
-void DecodeNegotiate(const SmbMessage& message, const Place& in, Cursor& c) {
-  AddSmbFields(message, in, c, kFlags);
-  const Buffer domain = TakeBuffer(in, c, "Domain Name");
-  const Buffer workstation = TakeBuffer(in, c, "Workstation Name");
-  const bool bare = domain.length == 0 && workstation.length == 0;
-  const uint32_t here = static_cast<uint32_t>(SmbOffset(message, c)) + kVersionSize;
-  if (bare || (domain.offset >= here && workstation.offset >= here)) AddVersion(message, in, c);
-  AddBufferText(message, in, domain, "Domain Name", false);
-  AddBufferText(message, in, workstation, "Workstation Name", false);
+// Whether the version has room in front of what a buffer points at.
+bool LeavesRoom(const Cursor& c, const Buffer& buffer) {
+  return buffer.offset.value >= static_cast<uint32_t>(Taken(c) + kVersionSize);
 }
 
-void DecodeChallenge(const SmbMessage& message, const Place& in, Cursor& c) {
-  const Buffer target = TakeBuffer(in, c, "Target Name");
-  const uint32_t flags = AddSmbFields(message, in, c, kFlags);
-  AddSmbFields(message, in, c, kServerChallenge);
-  const Buffer information = TakeBuffer(in, c, "Target Information");
-  const uint32_t here = static_cast<uint32_t>(SmbOffset(message, c)) + kVersionSize;
-  if (target.length == 0 || target.offset >= here) AddVersion(message, in, c);
-  AddBufferText(message, in, target, "Target Name", (flags & kUnicodeFlag) != 0);
-  Cursor pairs = ContentOf(message, information);
-  AddAvPairs(message, in, pairs, "Target Information");
+void DecodeNegotiate(const Place& in, Cursor& c, const Field& message) {
+  const Login login = ShowRows(in, c, kNegotiateRows);
+  const bool bare = login.domain.length.value == 0 && login.workstation.length.value == 0;
+  if (bare || (LeavesRoom(c, login.domain) && LeavesRoom(c, login.workstation))) AddVersion(in, c);
+  AddContentText(in, ContentOf(message, login.domain), "Domain Name", false);
+  AddContentText(in, ContentOf(message, login.workstation), "Workstation Name", false);
+}
+
+void DecodeChallenge(const Place& in, Cursor& c, const Field& message) {
+  const Login login = ShowRows(in, c, kChallengeRows);
+  if (login.target.length.value == 0 || LeavesRoom(c, login.target)) AddVersion(in, c);
+  AddContentText(in, ContentOf(message, login.target), "Target Name", (login.flags.value & kUnicodeFlag) != 0);
+  Cursor pairs = CursorOver(ContentOf(message, login.information));
+  AddAvPairs(in, pairs, "Target Information");
 }
 
 // The version and the integrity code have room only when the first buffer starts behind them.
-void AddVersionAndCode(const SmbMessage& message, const Place& in, Cursor& c, std::span<const Buffer> buffers) {
+void AddVersionAndCode(const Place& in, Cursor& c, std::span<const Buffer> buffers) {
   uint32_t first = UINT32_MAX;
   for (const Buffer& buffer : buffers) {
-    if (buffer.length > 0 && buffer.offset < first) first = buffer.offset;
+    if (buffer.length.value > 0 && buffer.offset.value < first) first = buffer.offset.value;
   }
-  const uint32_t here = static_cast<uint32_t>(SmbOffset(message, c));
+  const uint32_t here = static_cast<uint32_t>(Taken(c));
   if (first < here + kVersionSize) return;
-  AddVersion(message, in, c);
+  AddVersion(in, c);
   if (first >= here + kVersionSize + kMicSize && Left(c) >= kMicSize) AddSmbBytes(in, c, kMicSize, "Integrity Code");
 }
 
-void DecodeAuthenticate(const SmbMessage& message, const Place& in, Cursor& c) {
-  const Buffer buffers[] = {TakeBuffer(in, c, "LAN Manager Response"), TakeBuffer(in, c, "NT Response"),
-                            TakeBuffer(in, c, "Domain Name"),          TakeBuffer(in, c, "User Name"),
-                            TakeBuffer(in, c, "Workstation Name"),     TakeBuffer(in, c, "Session Key")};
-  const uint32_t flags = AddSmbFields(message, in, c, kFlags);
-  AddVersionAndCode(message, in, c, buffers);
-  const bool unicode = (flags & kUnicodeFlag) != 0;
-  AddBufferText(message, in, buffers[2], "Domain Name", unicode);
-  AddBufferText(message, in, buffers[3], "User Name", unicode);
-  AddBufferText(message, in, buffers[4], "Workstation Name", unicode);
-  AddBufferBytes(message, in, buffers[0], "LAN Manager Response");
-  AddNtlmV2Response(in, SmbRange(message, buffers[1].offset, buffers[1].length), "NT Response");
-  AddBufferBytes(message, in, buffers[5], "Session Key");
+void DecodeAuthenticate(const Place& in, Cursor& c, const Field& message) {
+  const Login login = ShowRows(in, c, kAuthenticateRows);
+  const Buffer buffers[] = {login.lanManager, login.nt, login.domain, login.user, login.workstation, login.key};
+  AddVersionAndCode(in, c, buffers);
+  const bool unicode = (login.flags.value & kUnicodeFlag) != 0;
+  AddContentText(in, ContentOf(message, login.domain), "Domain Name", unicode);
+  AddContentText(in, ContentOf(message, login.user), "User Name", unicode);
+  AddContentText(in, ContentOf(message, login.workstation), "Workstation Name", unicode);
+  AddContentBytes(in, ContentOf(message, login.lanManager), "LAN Manager Response");
+  AddNtlmV2Response(in, ContentOf(message, login.nt), "NT Response");
+  AddContentBytes(in, ContentOf(message, login.key), "Session Key");
 }
 
 }  // namespace
 
 bool StartsNtlmssp(const Cursor& c) { return PeekU32(c) == kNtlm && PeekU32(c, 4) == kSsp; }
 
-int32_t DecodeNtlmssp(const Place& in, Cursor c) {
-  if (!StartsNtlmssp(c)) return 0;
-  const SmbMessage message = MessageOver(c);
-  const LineHandle line = AddLine(in, Ahead(c, Left(c)), "NTLMSSP");
+int32_t DecodeNtlmssp(const Place& in, Cursor rest) {
+  if (!StartsNtlmssp(rest)) return 0;
+  const Field message = Ahead(rest, Left(rest));
+  Cursor c = CursorOver(message);
+  const LineHandle line = AddLine(in, message, "NTLMSSP");
   const Place under = Under(in, line);
-  const Field signature = TakeBytes(c, 8);
-  AddLine(under, signature, "Signature: %s", Text(signature));
-  const Field type = TakeLittleU32(c);
-  const char* name = LookupName(kTypeNames, type.value, kUndefined);
-  AppendToParent(under, type, ": %s", name);
-  AddLine(under, type, "Message Type: [%u] = %s", type.value, name);
-  switch (type.value) {
-    case kNegotiate: DecodeNegotiate(message, under, c); break;
-    case kChallenge: DecodeChallenge(message, under, c); break;
-    case kAuthenticate: DecodeAuthenticate(message, under, c); break;
+  const uint32_t type = PeekLittleU32(c, 8);
+  ShowRows(under, c, kHead);
+  switch (type) {
+    case kNegotiate: DecodeNegotiate(under, c, message); break;
+    case kChallenge: DecodeChallenge(under, c, message); break;
+    case kAuthenticate: DecodeAuthenticate(under, c, message); break;
     default: AddBlock(under, Rest(c), "Message Data"); break;
   }
   return 1;
@@ -193,10 +195,9 @@ void AddNtlmV2Response(const Place& in, const Field& response, const char* title
     AddSmbBytes(in, c, Left(c), title);
     return;
   }
-  const SmbMessage message = MessageOver(c);
-  const Place under = Under(in, AddLine(in, response, "%s", title));
-  AddSmbFields(message, under, c, kV2Fields);
-  AddAvPairs(message, under, c, "Target Information");
+  const Place under = Under(in, AddSmbTitle(in, response, title));
+  ShowRows(under, c, kV2Rows);
+  AddAvPairs(under, c, "Target Information");
 }
 
 }  // namespace qxview

@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint32_t kMarker = 0xFF534D42, kNoCommand = 255, kResponseFlag = 0x80;
 constexpr uint32_t kNtStatusFlag = 0x4000, kUnicodeFlag = 0x8000;
-constexpr int32_t kFlags2Offset = 10;
+constexpr int32_t kCommandOffset = 4, kStatusOffset = 5, kFlags2Offset = 10;
 
 // A row of flags: the texts hold their own blanks, which line the names up for reading. A null short form is a run of
 // reserved bits.
@@ -44,8 +44,13 @@ constexpr FlagRow kFlags2[] = {
     {0, 1, "UC", " (UC) STRING Data Type is Unicode = "},
 };
 
+struct Header {
+  Field errorClass, flags, flags2, pidHigh, tid, pid, uid, mid;
+  LineHandle flags2Line;
+};
+
 LineHandle AddFlagLines(const Place& in, const Field& flags, const char* title, std::span<const FlagRow> rows) {
-  const LineHandle line = AddLine(in, flags, "%s", title);
+  const LineHandle line = AddSmbTitle(in, flags, title);
   const Place under = Under(in, line);
   const char* separator = ":";
   for (const FlagRow& row : rows) {
@@ -62,83 +67,80 @@ LineHandle AddFlagLines(const Place& in, const Field& flags, const char* title, 
   return line;
 }
 
-// The fields behind the status. The cursor ends behind the header.
-void DecodeHeaderFields(const Place& in, Cursor& c, SmbMessage& message) {
-  const Field flags = TakeU8(c);
-  AddFlagLines(in, flags, "Flags", kFlags);
-  message.isResponse = (flags.value & kResponseFlag) != 0;
-  const Field flags2 = TakeLittleU16(c);
-  const LineHandle flags2Line = AddFlagLines(in, flags2, "Flags2", kFlags2);
-  message.isUnicode = (flags2.value & kUnicodeFlag) != 0;
-
-  const Field pidHigh = TakeLittleU16(c);
-  AppendToLine(in, flags2Line, ": PID High = %u ", pidHigh.value);
-  AddLine(in, pidHigh, "PID High: %u ", pidHigh.value);
-  const Field signature = TakeBytes(c, 8);
-  AddLine(in, signature, "Security Signature: %s", HexText(signature));
-  const Field pad = TakeBytes(c, 2);
-  AddLine(in, pad, "Pad: %s", HexText(pad));
-  const Field tid = TakeLittleU16(c);
-  AddLine(in, tid, "TID: %u ", tid.value);
-  const Field pid = TakeLittleU16(c);
-  AddLine(in, pid, "PID: %u ", pid.value);
-  const Field uid = TakeLittleU16(c);
-  AddLine(in, uid, "UID: %u ", uid.value);
-  const Field mid = TakeLittleU16(c);
-  AddLine(in, mid, "MID: %u ", mid.value);
-  message.tid = tid.value;
-  message.pid = pidHigh.value << 16 | pid.value;
-  message.uid = uid.value;
-  message.mid = mid.value;
+void ShowFlags(const Place& in, Cursor& c, const char* title, Header& header) {
+  header.flags = TakeU8(c);
+  AddFlagLines(in, header.flags, title, kFlags);
 }
+void ShowFlags2(const Place& in, Cursor& c, const char* title, Header& header) {
+  header.flags2 = TakeLittleU16(c);
+  header.flags2Line = AddFlagLines(in, header.flags2, title, kFlags2);
+}
+
+const char* StatusName(uint32_t status) {
+  const char* name = NtStatusName(status);
+  return name ? name : kUndefined;
+}
+void ShowErrorCode(const Place& in, Cursor& c, const char* label, Header& header) {
+  const Field code = TakeLittleU16(c);
+  AddLine(in, code, "%s: [%u] = %s", label, code.value, SmbDosErrorName(header.errorClass.value, code.value));
+}
+
+constexpr auto kCommand = LittleRows<Header>({
+    Text(4, "CIFS Protocol Marker").Told("CIFS Protocol Marker: %s = SMB"), Coded(1, "Command", SmbCommandName)});
+// The two forms of the status.
+constexpr auto kNtStatus = LittleRows<Header>({Number(4, "NT Status", StatusName).Told("NT Status: [0x%.08X] = %s")});
+constexpr auto kDosError = LittleRows<Header>({
+    Coded(1, "Error Class", SmbDosClassName).Into(&Header::errorClass), Number(1, "Reserved"),
+    Shown("Error Code", ShowErrorCode)});
+// Numbers are shown with a blank behind them.
+constexpr auto kNumbers = LittleRows<Header>({
+    Shown("Flags", ShowFlags), Shown("Flags2", ShowFlags2), Number(2, "PID High", " ").Into(&Header::pidHigh),
+    Bytes(8, "Security Signature"), Bytes(2, "Pad"), Number(2, "TID", " ").Into(&Header::tid),
+    Number(2, "PID", " ").Into(&Header::pid), Number(2, "UID", " ").Into(&Header::uid),
+    Number(2, "MID", " ").Into(&Header::mid)});
 
 // The header of a message that has all of it. Result: the root line.
 LineHandle DecodeHeader(const Place& at, Cursor& c, SmbMessage& message) {
   const LineHandle root = AddLine(at, Ahead(c, kSmbHeaderSize), "CIFS");
   const Place under = Under(at, root);
+  message.command = PeekU8(c, kCommandOffset);
+  message.status = PeekLittleU32(c, kStatusOffset);
+  const bool hasNtStatus = (PeekLittleU16(c, kFlags2Offset) & kNtStatusFlag) != 0;
+  const char* name = SmbCommandName(message.command);
   const LineHandle group = AddLine(under, Ahead(c, kSmbHeaderSize), "SMB Header");
-  const Place in = Under(under, group);
-  const bool hasNtStatus = (ReadLittleU16(c.at + kFlags2Offset) & kNtStatusFlag) != 0;
+  SetLine(under, group, "SMB Header: Command [%u] = %s", message.command, name);
 
-  const Field marker = TakeBytes(c, 4);
-  AddLine(in, marker, "CIFS Protocol Marker: %s = SMB", Text(marker));
-  const Field command = TakeU8(c);
-  const char* name = SmbCommandName(command.value);
-  AddLine(in, command, "Command: [%u] = %s", command.value, name);
-  SetLine(under, group, "SMB Header: Command [%u] = %s", command.value, name);
-  message.command = command.value;
-  message.status = ReadLittleU32(c.at);
-  if (hasNtStatus) {
-    DecodeSmbNtStatus(in, c);
-  } else {
-    DecodeSmbDosError(in, c);
-  }
-  DecodeHeaderFields(in, c, message);
+  const Place in = Under(under, group);
+  Header header{};
+  ShowRows<Header>(in, c, kCommand, header);
+  ShowRows<Header>(in, c, hasNtStatus ? RowSpan<Header>(kNtStatus) : kDosError, header);
+  ShowRows<Header>(in, c, kNumbers, header);
+  AppendToLine(in, header.flags2Line, ": PID High = %u ", header.pidHigh.value);
+  message.isResponse = (header.flags.value & kResponseFlag) != 0;
+  message.isUnicode = (header.flags2.value & kUnicodeFlag) != 0;
+  message.tid = header.tid.value;
+  message.pid = header.pidHigh.value << 16 | header.pid.value;
+  message.uid = header.uid.value;
+  message.mid = header.mid.value;
   SetLine(at, root, "CIFS: %s - %s   (TID=0x%.04X, PID=0x%.04X:0x%.04X, UID=0x%.04X, MID=0x%.04X)",
           message.isResponse ? "Server Response" : "Client Request", name, message.tid, message.pid >> 16,
           message.pid & 0xFFFF, message.uid, message.mid);
   return root;
 }
 
-// What an AndX group says of the block that follows.
+// What an AndX group says of the block that follows: its command, and where it starts from the header's first byte.
 struct NextBlock {
-  uint32_t command = kNoCommand;
-  uint32_t offset = 0;   // from the header's first byte
+  Field command, offset;
 };
 
-NextBlock TakeAndX(const Place& in, Cursor& words) {
-  const Place under = Under(in, AddLine(in, Ahead(words, 4), "AndX"));
-  const Field command = TakeU8(words);
-  const SmbCommand* known = FindSmbCommand(command.value);
-  const char* name = known ? known->name : "Undefined Command";
-  AppendToParent(under, command, ": %s", name);
-  AddLine(under, command, "And X Command: Next Command in Chain [%u] = %s", command.value, name);
-  const Field reserved = TakeU8(words);
-  AddLine(under, reserved, "And X Reserved: %u", reserved.value);
-  const Field offset = TakeLittleU16(words);
-  AddLine(under, offset, "And X Offset: %u", offset.value);
-  return {command.value, offset.value};
+const char* NameOfNext(uint32_t code) {
+  const SmbCommand* known = FindSmbCommand(code);
+  return known ? known->name : "Undefined Command";
 }
+constexpr auto kAndX = LittleRows<NextBlock>({
+    Number(1, "And X Command", NameOfNext).Told("And X Command: Next Command in Chain [%u] = %s").Note(": %s")
+        .Into(&NextBlock::command),
+    Number(1, "And X Reserved"), Number(2, "And X Offset").Into(&NextBlock::offset)});
 
 // One block of a command, known or not. The cursor ends behind its bytes.
 int32_t DecodeBlock(const Place& under, Cursor& c, uint32_t code, SmbBlock& block, NextBlock& next) {
@@ -152,9 +154,11 @@ int32_t DecodeBlock(const Place& under, Cursor& c, uint32_t code, SmbBlock& bloc
   block.wordCount = wordCount.value;
   if (static_cast<int64_t>(wordCount.value) * 2 > Left(c)) return kSmbTruncated;
   block.words = TakeCursor(c, static_cast<int64_t>(wordCount.value) * 2);
-  block.allWords = Ahead(block.words, block.words.left);
+  block.allWords = block.words;
   const bool isAndX = command && command->isAndX;
-  if (isAndX && wordCount.value >= 2) next = TakeAndX(block.in, block.words);
+  if (isAndX && wordCount.value >= 2) {
+    next = ShowRows(Under(block.in, AddLine(block.in, Ahead(block.words, 4), "AndX")), block.words, kAndX);
+  }
   const bool hasWords = command && !(isAndX && wordCount.value < 2);
   const SmbPart words = !hasWords ? nullptr : message.isResponse ? command->responseWords : command->requestWords;
   if (words) words(block);
@@ -179,44 +183,30 @@ int32_t DecodeBlocks(const SmbMessage& message, const Place& under, Cursor c) {
   uint32_t code = message.command;
   int64_t room = 2 * static_cast<int64_t>(message.whole.left);
   for (;;) {
-    NextBlock next;
+    NextBlock next{};
     SmbBlock block{&message, nullptr, under, 0, 0, {}, 0, {}, {}};
     const int32_t begin = c.offset;
     const uint32_t start = static_cast<uint32_t>(SmbOffset(message, c));
     const int32_t status = DecodeBlock(under, c, code, block, next);
     SetRange(under, block.line, begin, c.offset - begin);
     if (status != kSmbDecoded) return status;
-    const bool goesOn = next.command != kNoCommand && next.offset > start && room > 0 &&
-                        next.offset < static_cast<uint32_t>(message.whole.left) && !PacketOf(under).limitReached;
+    const uint32_t offset = next.offset.value;
+    const bool goesOn = next.command.value != kNoCommand && offset > start && room > 0 &&
+                        offset < static_cast<uint32_t>(message.whole.left) && !PacketOf(under).limitReached;
     if (goesOn) {
-      AddSmbPadTo(message, block.in, c, next.offset);
+      AddSmbPadTo(message, block.in, c, offset);
     } else {
       AddBlock(block.in, Rest(c), "Buffer");
     }
     SetRange(under, block.line, begin, c.offset - begin);
     room -= c.offset - begin;
     if (!goesOn) return kSmbDecoded;
-    code = next.command;
-    c = SmbCursor(message, next.offset, UINT32_MAX);
+    code = next.command.value;
+    c = SmbCursor(message, offset, UINT32_MAX);
   }
 }
 
 }  // namespace
-
-void DecodeSmbNtStatus(const Place& in, Cursor& c) {
-  const Field status = TakeLittleU32(c);
-  const char* name = NtStatusName(status.value);
-  AddLine(in, status, "NT Status: [0x%.08X] = %s", status.value, name ? name : kUndefined);
-}
-
-void DecodeSmbDosError(const Place& in, Cursor& c) {
-  const Field errorClass = TakeU8(c);
-  AddLine(in, errorClass, "Error Class: [%u] = %s", errorClass.value, SmbDosClassName(errorClass.value));
-  const Field reserved = TakeU8(c);
-  AddLine(in, reserved, "Reserved: %u", reserved.value);
-  const Field code = TakeLittleU16(c);
-  AddLine(in, code, "Error Code: [%u] = %s", code.value, SmbDosErrorName(errorClass.value, code.value));
-}
 
 int32_t DecodeSmbContinuation(const Place& at, const Cursor& c) {
   const LineHandle root = AddLine(at, Ahead(c, Left(c)), "CIFS: Continuation Data, %u bytes", Left(c));
@@ -224,23 +214,21 @@ int32_t DecodeSmbContinuation(const Place& at, const Cursor& c) {
   return kSmbDecoded;
 }
 
-int32_t DecodeSmb(const Place& at, const uint8_t* data, int32_t length, int32_t frameOffset, bool continuationAllowed) {
-  if (length <= kSmbHeaderSize) return kSmbTruncated;
-  Cursor c = MakeCursor(data, frameOffset, length);
-  if (ReadU32(data) != kMarker) return continuationAllowed ? DecodeSmbContinuation(at, c) : kSmbNotDecoded;
-  SmbMessage message{c, 0, 0, 0, 0, 0, 0, false, false};
-  const LineHandle root = DecodeHeader(at, c, message);
-  return DecodeBlocks(message, Under(at, root), c);
+int32_t DecodeSmb(const Place& at, Cursor c, bool continuationAllowed) {
+  if (Left(c) <= kSmbHeaderSize) return kSmbTruncated;
+  if (PeekU32(c) != kMarker) return continuationAllowed ? DecodeSmbContinuation(at, c) : kSmbNotDecoded;
+  Cursor own = TakeCursor(c, Left(c));   // begins at the header's first byte
+  SmbMessage message{own, 0, 0, 0, 0, 0, 0, false, false};
+  const LineHandle root = DecodeHeader(at, own, message);
+  return DecodeBlocks(message, Under(at, root), own);
 }
 
 int32_t DecodeSmbDatagram(const Place& at, Cursor c) {
-  if (Left(c) <= kSmbHeaderSize) return kSmbNotDecoded;
-  return DecodeSmb(at, c.at, Left(c), c.offset, false);
+  return Left(c) <= kSmbHeaderSize ? kSmbNotDecoded : DecodeSmb(at, c, false);
 }
 
 int32_t DecodeSmbPiece(const Place& at, Cursor c) {
-  if (Left(c) <= kSmbHeaderSize) return DecodeSmbContinuation(at, c);
-  return DecodeSmb(at, c.at, Left(c), c.offset, true);
+  return Left(c) <= kSmbHeaderSize ? DecodeSmbContinuation(at, c) : DecodeSmb(at, c, true);
 }
 
 Field SmbRange(const SmbMessage& message, uint32_t offset, uint32_t length) {

@@ -18,7 +18,7 @@ constexpr int32_t kSmbHeaderSize = 32;
 
 // One message. Fewer than 33 bytes: 2, and nothing is added. Bytes without the marker: the continuation of a message
 // that an earlier segment began, where the carrier allows for one, else 0.
-int32_t DecodeSmb(const Place& at, const uint8_t* data, int32_t length, int32_t frameOffset, bool continuationAllowed);
+int32_t DecodeSmb(const Place& at, Cursor c, bool continuationAllowed);
 
 // The same for the rest of a cursor. A datagram is a whole message: 0 for what is not one. A piece of a session begins a
 // message or goes on with one, and is always shown.
@@ -30,10 +30,6 @@ int32_t DecodeSmbContinuation(const Place& at, const Cursor& c);
 
 // A TCP payload of messages behind their four bytes of type and length. The result is the first message's that is one.
 int32_t DecodeSmbOverTcp(const Place& at, Cursor c);
-
-// The two forms of the header's status, four bytes each.
-void DecodeSmbNtStatus(const Place& in, Cursor& c);
-void DecodeSmbDosError(const Place& in, Cursor& c);
 
 const char* SmbCommandName(uint32_t command);   // "Undefined" for one that has none
 

@@ -1,13 +1,14 @@
-// What the decoders of SMB's commands are written with: the block of one command and the fields in it.
+// What the decoders of SMB's commands are written with: the block of one command and the rows of the fields in it.
 //
-//   constexpr SmbField kCloseRequest[] = {{kFid, "FID"}, {kSmbTime32, "Last Write Time"}};
-//   void CloseRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kCloseRequest); }
+//   constexpr auto kClose = LittleRows<Smb>({Hex(2, "FID"), UnixTime(4, "Last Write Time")});
+//   void CloseRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kClose); }
 //
 // Fields that the words or the data bytes have no room for add nothing; what no field took is shown as a dump.
 #pragma once
+#include <cstring>
 #include <span>
 
-#include "core/times.h"
+#include "core/elements.h"
 #include "decoders/smb/smb.h"
 #include "decoders/smb/smb_names.h"
 
@@ -35,18 +36,12 @@ struct SmbBlock {
   Cursor words;          // of AndX commands behind the AndX group
   uint32_t byteCount;    // as stated
   Cursor data;           // empty until the words are done
-  Field allWords;        // the words from the first on, for what stands in the data bytes
+  Cursor allWords;       // the words from the first on, for what stands in the data bytes
 };
 
 // The words of a block by number, the first is 0 (of AndX commands the first of the AndX group); 0 for one that is not
-// there. SmbLong is two of them. Offsets of odd fields are SmbByte's.
-uint32_t SmbByte(const SmbBlock& block, int32_t offset);
-inline uint32_t SmbWord(const SmbBlock& block, int32_t number) {
-  return SmbByte(block, 2 * number) | SmbByte(block, 2 * number + 1) << 8;
-}
-inline uint32_t SmbLong(const SmbBlock& block, int32_t number) {
-  return SmbWord(block, number) | SmbWord(block, number + 1) << 16;
-}
+// there.
+inline uint32_t SmbWord(const SmbBlock& block, int32_t number) { return PeekLittleU16(block.allWords, 2 * number); }
 
 using SmbPart = void (*)(SmbBlock& block);
 
@@ -68,43 +63,78 @@ Field SmbRange(const SmbMessage& message, uint32_t offset, uint32_t length);
 Cursor SmbCursor(const SmbMessage& message, uint32_t offset, uint32_t length);
 inline int32_t SmbOffset(const SmbMessage& message, const Cursor& c) { return c.offset - message.whole.begin; }
 
-// --- fields ---
+// --- rows ---
 
-enum SmbForm : uint8_t {
-  kSmbNumber8, kSmbNumber16, kSmbNumber32, kSmbNumber64,   // "Label: 5"
-  kSmbHex8, kSmbHex16, kSmbHex32, kSmbHex64,               // "Label: 0x0005"
-  kSmbName8, kSmbName16, kSmbName32,                       // "Label: [5] = Name", "Undefined" for a value without one
-  kSmbFlags8, kSmbFlags16, kSmbFlags32,                    // "Label: 0x05" and a bit line for each name's mask
-  kSmbTime32,          // "Label: date": seconds since 1970
-  kSmbFileTime,        // 64 bits, 100 ns since 1601
-  kSmbDosTimeDate, kSmbDosDateTime,                        // two 16-bit words in this order
-  kSmbBytes,           // "Label: 00 01": `size` bytes
-  kSmbText,            // in the message's characters, to its terminator or the end: "Label: text"
-  kSmbOemText,         // one byte a character whatever the message says
-  kSmbFormattedText,   // a buffer format byte, then text
-  kSmbFormattedOem,
-  kSmbSigned16, kSmbSigned32,   // "Label: -5"
+// What rows are shown with: the message, which says what characters texts are in. And what they bring for what stands
+// behind them: the length of a text, the count of a list, an information level, flags.
+struct Smb {
+  const SmbMessage* message = nullptr;
+  Field length{}, count{}, level{}, flags{};
 };
+using SmbRowSpan = RowSpan<Smb>;
 
-struct SmbField {
-  SmbForm form;
-  const char* label;
-  SmbNames names = {};
-  int32_t size = 0;
-};
+Smb ShowSmbRows(const SmbMessage& message, const Place& in, Cursor& c, SmbRowSpan rows);
+inline Smb ShowSmbRows(const SmbBlock& block, Cursor& c, SmbRowSpan rows) {
+  return ShowSmbRows(*block.message, block.in, c, rows);
+}
 
-// Takes the fields from the cursor one after the other. The first overload returns the last number taken.
-uint32_t AddSmbFields(SmbBlock& block, Cursor& c, std::span<const SmbField> fields);
-uint32_t AddSmbFields(const SmbMessage& message, const Place& in, Cursor& c, std::span<const SmbField> fields);
-Field AddSmbField(const SmbMessage& message, const Place& in, Cursor& c, const SmbField& field);
+// Texts to their terminator or the end: in the message's characters; of one byte a character whatever the message says.
+// Of as many bytes as the length of a row before; of one byte a character in a field of this size.
+void ShowSmbText(const Place& in, Cursor& c, const char* label, Smb& values);
+void ShowSmbOemText(const Place& in, Cursor& c, const char* label, Smb& values);
+void ShowSmbCounted(const Place& in, Cursor& c, const char* label, Smb& values);
+template <int32_t kSize>
+void ShowSmbOemName(const Place& in, Cursor& c, const char* label, Smb& values);
+consteval Row<Smb> SmbText(const char* label) { return Shown(label, ShowSmbText); }
+consteval Row<Smb> SmbOemText(const char* label) { return Shown(label, ShowSmbOemText); }
+consteval Row<Smb> SmbCounted(const char* label) { return Shown(label, ShowSmbCounted); }
+template <int32_t kSize>
+consteval Row<Smb> SmbOemName(const char* label) { return Shown(label, ShowSmbOemName<kSize>); }
+consteval Row<Smb> SmbLength(const char* label) { return Number(4, label).Into(&Smb::length); }
+
+// Two 16-bit words of local time.
+void ShowSmbTimeDate(const Place& in, const Field& both, const char* label);
+void ShowSmbDateTime(const Place& in, const Field& both, const char* label);
+consteval RowData SmbTimeDate(const char* label) { return Shown(4, label, ShowSmbTimeDate); }
+consteval RowData SmbDateTime(const char* label) { return Shown(4, label, ShowSmbDateTime); }
+
+// In front of core texts and blocks in the data bytes.
+inline constexpr RowData kSmbBufferFormat = Coded(1, "Buffer Format", kSmbBufferFormatNames);
+
+// Rows that several tables hold.
+template <const auto& kTable>
+void ShowSmbTable(const Place& in, Cursor& c, const char*, Smb& values) {
+  ShowRows<Smb>(in, c, kTable, values);
+}
+template <const auto& kTable>
+consteval Row<Smb> SmbTable() { return Shown(nullptr, ShowSmbTable<kTable>); }
+
+// Up to `most` records of `size` bytes each, under a line with the title.
+void AddSmbRecords(const SmbMessage& message, const Place& in, Cursor& c, const char* title, SmbRowSpan rows,
+                   int32_t size, uint32_t most = UINT32_MAX);
+template <const auto& kTable, int32_t kSize>
+void ShowSmbRecords(const Place& in, Cursor& c, const char* title, Smb& values) {
+  AddSmbRecords(*values.message, in, c, title, kTable, kSize);
+}
+template <const auto& kTable, int32_t kSize>
+consteval Row<Smb> SmbRecords(const char* title) { return Shown(title, ShowSmbRecords<kTable, kSize>); }
+
+// What a code selects, when it is in the table.
+using SmbChoices = ChoiceSpan<Smb>;
+void ShowSmbChoice(const SmbMessage& message, const Place& in, Cursor& c, SmbChoices choices, uint32_t code,
+                   uint32_t flags = 0);
+template <const auto& kChoices>
+const char* SmbChoiceName(uint32_t code) {
+  const Choice<Smb>* found = FindChoice<Smb>(kChoices, code);
+  return found ? found->name : kUndefined;
+}
+
+// A line that is a title alone.
+inline LineHandle AddSmbTitle(const Place& at, const Field& field, const char* title) {
+  return AddMadeLine(at, field, title, static_cast<int32_t>(std::strlen(title)));
+}
 // Up to `length` bytes as they are: "Label: 00 01", or a dump when they are too many for a line. Nothing for none.
 void AddSmbBytes(const Place& in, Cursor& c, int64_t length, const char* label);
-
-// Parts that are one table.
-template <const auto& kFields>
-void SmbWords(SmbBlock& block) { AddSmbFields(block, block.words, kFields); }
-template <const auto& kFields>
-void SmbData(SmbBlock& block) { AddSmbFields(block, block.data, kFields); }
 
 // --- texts ---
 
@@ -125,6 +155,10 @@ SmbString AddSmbString(const SmbMessage& message, const Place& in, Cursor& c, co
 // A text of `length` bytes, terminated or not.
 SmbString AddSmbCounted(const SmbMessage& message, const Place& in, Cursor& c, int64_t length, const char* label,
                         SmbCharacters characters = SmbCharacters::kMessage);
+template <int32_t kSize>
+void ShowSmbOemName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  if (Left(c) > 0) AddSmbCounted(*values.message, in, c, kSize, label, SmbCharacters::kOem);
+}
 // Shows on the line that `in` is the place under what the entry is called.
 void NameSmbEntry(const Place& in, const SmbString& name);
 void AddSmbPad(const SmbMessage& message, const Place& in, Cursor& c, int32_t alignment, const char* label = "Pad");

@@ -3,25 +3,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kHostNameSize = 16;
-
-constexpr auto kServerTypes = SortedNames({
-    {0x00000001, "Workstation"}, {0x00000002, "Server"}, {0x00000004, "SQL Server"},
-    {0x00000008, "Domain Controller"}, {0x00000010, "Backup Domain Controller"}, {0x00000020, "Time Source"},
-    {0x00000040, "Apple File Protocol"}, {0x00000080, "Novell"}, {0x00000100, "Domain Member"},
-    {0x00000200, "Print Queue Server"}, {0x00000400, "Dial-In Server"}, {0x00000800, "UNIX Server"},
-    {0x00001000, "NT Workstation"}, {0x00002000, "Windows For Workgroups"}, {0x00004000, "NetWare File and Print"},
-    {0x00008000, "NT Server"}, {0x00010000, "Potential Browser"}, {0x00020000, "Backup Browser"},
-    {0x00040000, "Master Browser"}, {0x00080000, "Domain Master Browser"}, {0x00100000, "OSF"}, {0x00200000, "VMS"},
-    {0x00400000, "Windows 95 Or Later"}, {0x00800000, "DFS Root"}, {0x01000000, "Cluster"},
-    {0x02000000, "Terminal Server"}, {0x10000000, "DCE Cell Directory Server"}, {0x20000000, "Alternate Transport"},
-    {0x40000000, "Local List Only"}, {0x80000000, "Domain Enumeration"}});
-
-constexpr auto kCommandNames = SortedNames({
-    {1, "Host Announcement"}, {2, "Announcement Request"}, {8, "Request Election"}, {9, "Get Backup List Request"},
-    {10, "Get Backup List Response"}, {11, "Become Backup"}, {12, "Domain Announcement"},
-    {13, "Master Announcement"}, {14, "Reset State Request"}, {15, "Local Master Announcement"}});
-
 constexpr auto kCriteriaBits = SortedNames({
     {0x00000001, "Backup Browser"}, {0x00000002, "Standby Browser"}, {0x00000004, "Master Browser"},
     {0x00000008, "Preferred Master"}, {0x00000020, "WINS Client"}, {0x00000080, "Primary Domain Controller"},
@@ -29,76 +10,66 @@ constexpr auto kCriteriaBits = SortedNames({
 constexpr auto kResetBits = SortedNames({
     {0x1, "Stop Being Master"}, {0x2, "Clear All"}, {0x4, "Stop Being Browser"}});
 
-constexpr SmbField kAnnouncement[] = {{kSmbNumber8, "Update Count"}, {kSmbNumber32, "Periodicity (milliseconds)"}};
-constexpr SmbField kAnnounced[] = {
-    {kSmbNumber8, "OS Version Major"}, {kSmbNumber8, "OS Version Minor"}, {kSmbFlags32, "Server Type", kServerTypes},
-    {kSmbNumber8, "Browser Version Major"}, {kSmbNumber8, "Browser Version Minor"}, {kSmbHex16, "Signature"}};
-constexpr SmbField kComment[] = {{kSmbOemText, "Comment"}};
-constexpr SmbField kLocalMaster[] = {{kSmbOemText, "Local Master Browser Name"}};
-constexpr SmbField kAnnouncementRequest[] = {{kSmbHex8, "Reserved"}, {kSmbOemText, "Response Name"}};
-constexpr SmbField kElection[] = {
-    {kSmbNumber8, "Version"}, {kSmbFlags32, "Criteria", kCriteriaBits}, {kSmbNumber32, "Uptime (milliseconds)"},
-    {kSmbNumber32, "Reserved"}, {kSmbOemText, "Server Name"}};
-constexpr SmbField kBackupRequest[] = {{kSmbNumber8, "Requested Count"}, {kSmbHex32, "Token"}};
-constexpr SmbField kBackupResponse[] = {{kSmbNumber8, "Backup Server Count"}, {kSmbHex32, "Token"}};
-constexpr SmbField kBackupServer[] = {{kSmbOemText, "Backup Server"}};
-constexpr SmbField kPromoted[] = {{kSmbOemText, "Browser To Promote"}};
-constexpr SmbField kMaster[] = {{kSmbOemText, "Master Browser Name"}};
-constexpr SmbField kReset[] = {{kSmbFlags8, "Type", kResetBits}};
-constexpr SmbField kLanmanFields[] = {
-    {kSmbNumber8, "Reserved"}, {kSmbFlags32, "Server Type", kServerTypes}, {kSmbNumber8, "Version Major"},
-    {kSmbNumber8, "Version Minor"}, {kSmbNumber16, "Periodicity (seconds)"}, {kSmbOemText, "Server Name"},
-    {kSmbOemText, "Comment"}};
-
-void AddAnnouncement(const SmbMessage& message, const Place& in, Cursor& c, bool isDomain) {
-  AddSmbFields(message, in, c, kAnnouncement);
-  if (Left(c) >= kHostNameSize) {
-    AddSmbCounted(message, in, c, kHostNameSize, isDomain ? "Machine Group" : "Server Name", SmbCharacters::kOem);
-  }
-  AddSmbFields(message, in, c, kAnnounced);
-  AddSmbFields(message, in, c, isDomain ? kLocalMaster : kComment);
+void ShowHostName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  constexpr int32_t kHostNameSize = 16;
+  if (Left(c) >= kHostNameSize) AddSmbCounted(*values.message, in, c, kHostNameSize, label, SmbCharacters::kOem);
 }
+constexpr auto kUpdate = LittleRows<Smb>({Number(1, "Update Count"), Number(4, "Periodicity (milliseconds)")});
+constexpr auto kServer = LittleRows<Smb>({
+    Number(1, "OS Version Major"), Number(1, "OS Version Minor"), Flags(4, "Server Type", kSmbServerTypeBits),
+    Number(1, "Browser Version Major"), Number(1, "Browser Version Minor"), Hex(2, "Signature")});
+constexpr auto kAnnouncement = LittleRows<Smb>({
+    SmbTable<kUpdate>(), Shown("Server Name", ShowHostName), SmbTable<kServer>(), SmbOemText("Comment")});
+constexpr auto kDomainAnnouncement = LittleRows<Smb>({
+    SmbTable<kUpdate>(), Shown("Machine Group", ShowHostName), SmbTable<kServer>(),
+    SmbOemText("Local Master Browser Name")});
+constexpr auto kAnnouncementRequest = LittleRows<Smb>({Hex(1, "Reserved"), SmbOemText("Response Name")});
+constexpr auto kElection = LittleRows<Smb>({
+    Number(1, "Version"), Flags(4, "Criteria", kCriteriaBits), Number(4, "Uptime (milliseconds)"),
+    Number(4, "Reserved"), SmbOemText("Server Name")});
 
-void AddBackupList(const SmbMessage& message, const Place& in, Cursor& c) {
-  const uint32_t count = Left(c) > 0 ? c.at[0] : 0;
-  AddSmbFields(message, in, c, kBackupResponse);
-  for (uint32_t i = 0; i < count; ++i) AddSmbFields(message, in, c, kBackupServer);
+void ShowBackupServers(const Place& in, Cursor& c, const char* label, Smb& values) {
+  for (uint32_t i = 0; i < values.count.value; ++i) ShowSmbOemText(in, c, label, values);
 }
+constexpr auto kBackupRequest = LittleRows<Smb>({Number(1, "Requested Count"), Hex(4, "Token")});
+constexpr auto kBackupResponse = LittleRows<Smb>({
+    Number(1, "Backup Server Count").Into(&Smb::count), Hex(4, "Token"), Shown("Backup Server", ShowBackupServers)});
+constexpr auto kPromoted = LittleRows<Smb>({SmbOemText("Browser To Promote")});
+constexpr auto kMaster = LittleRows<Smb>({SmbOemText("Master Browser Name")});
+constexpr auto kReset = LittleRows<Smb>({Flags(1, "Type", kResetBits)});
 
-Field AddCommand(const Place& in, Cursor& c) {
-  const Field command = TakeU8(c);
-  const char* name = LookupName(kCommandNames, command.value, kUndefined);
-  AddLine(in, command, "Command: [%u] = %s", command.value, name);
-  AppendToParent(in, command, ": %s", name);
-  return command;
-}
+constexpr auto kCommands = Choices<Smb>({
+    {1, "Host Announcement", kAnnouncement},
+    {2, "Announcement Request", kAnnouncementRequest},
+    {8, "Request Election", kElection},
+    {9, "Get Backup List Request", kBackupRequest},
+    {10, "Get Backup List Response", kBackupResponse},
+    {11, "Become Backup", kPromoted},
+    {12, "Domain Announcement", kDomainAnnouncement},
+    {13, "Master Announcement", kMaster},
+    {14, "Reset State Request", kReset},
+    {15, "Local Master Announcement", kAnnouncement}});
+
+constexpr auto kCommand = LittleRows<Smb>({Coded(1, "Command", SmbChoiceName<kCommands>).Note(": %s")});
+// The announcements of LAN Manager, whose command is followed by other fields than the browser's.
+constexpr auto kLanman = LittleRows<Smb>({
+    SmbTable<kCommand>(), Number(1, "Reserved"), Flags(4, "Server Type", kSmbServerTypeBits),
+    Number(1, "Version Major"), Number(1, "Version Minor"), Number(2, "Periodicity (seconds)"),
+    SmbOemText("Server Name"), SmbOemText("Comment")});
 
 }  // namespace
 
-const SmbNames kSmbServerTypeBits = kServerTypes;
-
 void BrowserData(SmbTransaction& t, const Place& in, Cursor& c) {
-  switch (AddCommand(in, c).value) {
-    case 1:
-    case 15: AddAnnouncement(t.message, in, c, false); break;
-    case 2: AddSmbFields(t.message, in, c, kAnnouncementRequest); break;
-    case 8: AddSmbFields(t.message, in, c, kElection); break;
-    case 9: AddSmbFields(t.message, in, c, kBackupRequest); break;
-    case 10: AddBackupList(t.message, in, c); break;
-    case 11: AddSmbFields(t.message, in, c, kPromoted); break;
-    case 12: AddAnnouncement(t.message, in, c, true); break;
-    case 13: AddSmbFields(t.message, in, c, kMaster); break;
-    case 14: AddSmbFields(t.message, in, c, kReset); break;
-    default: break;
-  }
+  const uint32_t command = PeekU8(c);
+  ShowSmbRows(t.message, in, c, kCommand);
+  ShowSmbChoice(t.message, in, c, kCommands, command);
 }
 
-// The announcements of LAN Manager, whose command is followed by other fields than the browser's.
 void LanmanData(SmbTransaction& t, const Place& in, Cursor& c) {
-  if (Left(c) > 0 && c.at[0] > 1) {
+  if (PeekU8(c) == 1) {
+    ShowSmbRows(t.message, in, c, kLanman);
+  } else {
     BrowserData(t, in, c);
-  } else if (AddCommand(in, c).value == 1) {
-    AddSmbFields(t.message, in, c, kLanmanFields);
   }
 }
 

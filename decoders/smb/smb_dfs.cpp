@@ -1,4 +1,5 @@
 // DFS referrals (MS-DFSC 2.2.4): which servers hold the files of a path.
+#include "decoders/common/guid.h"
 #include "decoders/smb/smb_info_levels.h"
 
 namespace qxview {
@@ -10,14 +11,16 @@ constexpr auto kServerTypes = SortedNames({{0, "Non-Root"}, {1, "Root"}});
 constexpr auto kEntryBits = SortedNames({{0x0002, "Name List Referral"}, {0x0004, "Target Set Boundary"}});
 constexpr uint32_t kNameList = 0x0002;
 
-constexpr SmbField kHeader[] = {
-    {kSmbNumber16, "Path Consumed"}, {kSmbNumber16, "Number Of Referrals"},
-    {kSmbFlags32, "Referral Header Flags", kHeaderBits}};
-constexpr SmbField kEntry[] = {
-    {kSmbNumber16, "Version"}, {kSmbNumber16, "Size"}, {kSmbName16, "Server Type", kServerTypes},
-    {kSmbFlags16, "Referral Entry Flags", kEntryBits}};
-constexpr SmbField kProximity[] = {{kSmbNumber32, "Proximity"}};
-constexpr SmbField kTimeToLive[] = {{kSmbNumber32, "Time To Live"}};
+constexpr auto kHeader = LittleRows<Smb>({
+    Number(2, "Path Consumed"), Number(2, "Number Of Referrals").Into(&Smb::count),
+    Flags(4, "Referral Header Flags", kHeaderBits)});
+constexpr auto kEntry = LittleRows<Smb>({
+    Number(2, "Version"), Number(2, "Size"), Coded(2, "Server Type", kServerTypes),
+    Flags(2, "Referral Entry Flags", kEntryBits)});
+constexpr auto kProximity = LittleRows<Smb>({Number(4, "Proximity")});
+constexpr auto kTimeToLive = LittleRows<Smb>({Number(4, "Time To Live")});
+constexpr auto kExpandedNames = LittleRows<Smb>({Number(2, "Number Of Expanded Names")});
+constexpr auto kSite = LittleRows<Smb>({LittleGuid("Service Site GUID")});
 
 // An offset from the entry's start, and the text that it leads to.
 void AddText(const SmbMessage& message, const Place& in, Cursor& c, const Cursor& entry, const char* label,
@@ -35,26 +38,24 @@ void AddText(const SmbMessage& message, const Place& in, Cursor& c, const Cursor
 // One referral at the cursor; `end` grows to the end of its texts.
 void AddReferral(const SmbMessage& message, const Place& at, Cursor& c, int32_t* end) {
   const Cursor entry = c;
-  const uint32_t version = ReadLittleU16(c.at), flags = ReadLittleU16(c.at + 6);
-  const uint32_t size = ReadLittleU16(c.at + 2);
+  const uint32_t version = PeekLittleU16(c), size = PeekLittleU16(c, 2), flags = PeekLittleU16(c, 6);
   Cursor fixed = TakeCursor(c, size < 8 ? 8 : size);
   const Place in = Under(at, AddLine(at, Ahead(fixed, fixed.left), "Referral"));
-  AddSmbFields(message, in, fixed, kEntry);
+  ShowSmbRows(message, in, fixed, kEntry);
   if (version == 1) {
     AddSmbString(message, in, fixed, "Share Name");
   } else {
-    if (version == 2) AddSmbFields(message, in, fixed, kProximity);
-    AddSmbFields(message, in, fixed, kTimeToLive);
+    if (version == 2) ShowSmbRows(message, in, fixed, kProximity);
+    ShowSmbRows(message, in, fixed, kTimeToLive);
     if (version > 2 && (flags & kNameList)) {
       AddText(message, in, fixed, entry, "Special Name", end);
-      const Field names = TakeLittleU16(fixed);
-      AddLine(in, names, "Number Of Expanded Names: %u", names.value);
+      ShowSmbRows(message, in, fixed, kExpandedNames);
       AddText(message, in, fixed, entry, "Expanded Name", end);
     } else {
       AddText(message, in, fixed, entry, "DFS Path", end);
       AddText(message, in, fixed, entry, "DFS Alternate Path", end);
       AddText(message, in, fixed, entry, "Network Address", end);
-      if (version > 2) AddSmbGuid(in, fixed, "Service Site GUID");
+      if (version > 2) ShowSmbRows(message, in, fixed, kSite);
     }
   }
   AddSmbFiller(in, fixed);
@@ -70,8 +71,7 @@ void AddSmbDfsReferral(SmbTransaction& t, const Place& in, Cursor& c) {
 }
 
 void AddSmbDfsReferrals(SmbTransaction& t, const Place& in, Cursor& c) {
-  const uint32_t count = Left(c) >= 4 ? ReadLittleU16(c.at + 2) : 0;
-  AddSmbFields(t.message, in, c, kHeader);
+  const uint32_t count = ShowSmbRows(t.message, in, c, kHeader).count.value;
   int32_t end = c.offset;
   Loop loop;
   for (uint32_t i = 0; i < count && MoreAt(in, c, loop) && Left(c) >= 8; ++i) AddReferral(t.message, in, c, &end);

@@ -2,6 +2,7 @@
 //
 //   0     1         2
 //   type  reserved  length (16 bits, big-endian)   message
+#include "core/rows.h"
 #include "decoders/smb/smb.h"
 
 namespace qxview {
@@ -10,12 +11,19 @@ namespace {
 constexpr uint32_t kMarker = 0xFF534D42;
 constexpr auto kTypeNames = SortedNames({{0x00, "Session Message"}, {0x85, "Session Keep Alive"}});
 
+struct Header {
+  Field length;
+};
+constexpr auto kHeader = Rows<Header>({
+    Hex(1, "Message Type", NamesOr(kTypeNames, kUndefined)), Hex(1, "Reserved"),
+    Number(2, "Message Length").Into(&Header::length)});
+
 struct DirectMessage {
   LineHandle line;
   Cursor body;   // what of it is in the segment
 };
 
-bool StartsMessage(const Cursor& c) { return Left(c) >= 4 && (c.at[0] == 0 || c.at[0] == 0x85); }
+bool StartsMessage(const Cursor& c) { return Left(c) >= 4 && (PeekU8(c) == 0 || PeekU8(c) == 0x85); }
 
 // Whether the segment holds a message of ours at all.
 bool HoldsSmb(Cursor c) {
@@ -23,20 +31,14 @@ bool HoldsSmb(Cursor c) {
     TakeU16(c);
     const Field length = TakeU16(c);
     const Cursor body = TakeCursor(c, length.value);
-    if (Left(body) >= 4 && ReadU32(body.at) == kMarker) return true;
+    if (PeekU32(body) == kMarker) return true;
   }
   return false;
 }
 
 DirectMessage TakeMessage(const Place& at, Cursor& c) {
   const LineHandle line = AddLine(at, Ahead(c, 4), "SMB over TCP");
-  const Place in = Under(at, line);
-  const Field type = TakeU8(c);
-  AddLine(in, type, "Message Type: 0x%.02X = %s", type.value, LookupName(kTypeNames, type.value, kUndefined));
-  const Field reserved = TakeU8(c);
-  AddLine(in, reserved, "Reserved: 0x%.02X", reserved.value);
-  const Field length = TakeU16(c);
-  AddLine(in, length, "Message Length: %u", length.value);
+  const Field length = ShowRows(Under(at, line), c, kHeader).length;
   return {line, TakeCursor(c, length.value)};
 }
 
@@ -53,7 +55,7 @@ int32_t DecodeSmbOverTcp(const Place& at, Cursor c) {
     }
     const DirectMessage message = TakeMessage(at, c);
     const Cursor& body = message.body;
-    const int32_t status = Left(body) > 0 ? DecodeSmb(at, body.at, body.left, body.offset, false) : kSmbDecoded;
+    const int32_t status = Left(body) > 0 ? DecodeSmb(at, body, false) : kSmbDecoded;
     if (status == kSmbNotDecoded && ours) AddBlock(Under(at, message.line), Ahead(body, body.left), "Message Data");
     if (result == kSmbNotDecoded) result = status;
   }

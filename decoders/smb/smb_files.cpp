@@ -15,68 +15,68 @@ constexpr auto kCopyFlagBits = SortedNames({
     {0x0001, "Target is a File"}, {0x0002, "Target is a Directory"}, {0x0004, "Target is ASCII"},
     {0x0008, "Source is ASCII"}, {0x0010, "Verify Writes"}, {0x0020, "Copy the Tree"}});
 
-constexpr SmbField kDirectory[] = {{kSmbFormattedText, "Directory Name"}};
-constexpr SmbField kFid[] = {{kSmbHex16, "FID"}};
-constexpr SmbField kClose[] = {{kSmbHex16, "FID"}, {kSmbTime32, "Last Write Time"}};
-constexpr SmbField kSearchAttributes[] = {{kSmbFlags16, "Search Attributes", kSmbSearchBits}};
-constexpr SmbField kFileName[] = {{kSmbFormattedText, "File Name"}};
-constexpr SmbField kRename[] = {{kSmbFormattedText, "Old File Name"}, {kSmbFormattedText, "New File Name"}};
+constexpr auto kDirectory = LittleRows<Smb>({kSmbBufferFormat, SmbText("Directory Name")});
+constexpr auto kFid = LittleRows<Smb>({Hex(2, "FID")});
+constexpr auto kClose = LittleRows<Smb>({Hex(2, "FID"), UnixTime(4, "Last Write Time")});
+constexpr auto kSearchAttributes = LittleRows<Smb>({Flags(2, "Search Attributes", kSmbSearchBits)});
+constexpr auto kFileName = LittleRows<Smb>({kSmbBufferFormat, SmbText("File Name")});
+constexpr auto kRename = LittleRows<Smb>({
+    kSmbBufferFormat, SmbText("Old File Name"), kSmbBufferFormat, SmbText("New File Name")});
 
-constexpr SmbField kGetAttributes[] = {
-    {kSmbFlags16, "File Attributes", kSmbAttributeBits}, {kSmbTime32, "Last Write Time"}, {kSmbNumber32, "File Size"},
-    {kSmbBytes, "Reserved", {}, 10}};
+constexpr auto kGetAttributes = LittleRows<Smb>({
+    Flags(2, "File Attributes", kSmbAttributeBits), UnixTime(4, "Last Write Time"), Number(4, "File Size"),
+    Bytes(10, "Reserved")});
 
-constexpr SmbField kSetAttributes[] = {
-    {kSmbFlags16, "File Attributes", kSmbAttributeBits}, {kSmbTime32, "Last Write Time"},
-    {kSmbBytes, "Reserved", {}, 10}};
-constexpr SmbField kSetAttributesName[] = {{kSmbFormattedText, "File Name"}, {kSmbFormattedText, "Reserved Name"}};
+constexpr auto kSetAttributes = LittleRows<Smb>({
+    Flags(2, "File Attributes", kSmbAttributeBits), UnixTime(4, "Last Write Time"), Bytes(10, "Reserved")});
+constexpr auto kSetAttributesName = LittleRows<Smb>({
+    kSmbBufferFormat, SmbText("File Name"), kSmbBufferFormat, SmbText("Reserved Name")});
 
-constexpr SmbField kSeek[] = {{kSmbHex16, "FID"}, {kSmbName16, "Mode", kSeekModes}, {kSmbSigned32, "Offset"}};
-constexpr SmbField kSeekResult[] = {{kSmbNumber32, "Offset"}};
+constexpr auto kSeek = LittleRows<Smb>({Hex(2, "FID"), Coded(2, "Mode", kSeekModes), Signed(4, "Offset")});
+constexpr auto kSeekResult = LittleRows<Smb>({Number(4, "Offset")});
 
-constexpr SmbField kSetExpanded[] = {
-    {kSmbHex16, "FID"}, {kSmbDosDateTime, "Creation Time"}, {kSmbDosDateTime, "Last Access Time"},
-    {kSmbDosDateTime, "Last Write Time"}};
+constexpr auto kSetExpanded = LittleRows<Smb>({
+    Hex(2, "FID"), SmbDateTime("Creation Time"), SmbDateTime("Last Access Time"), SmbDateTime("Last Write Time")});
 
-constexpr SmbField kGetExpanded[] = {
-    {kSmbDosDateTime, "Creation Time"}, {kSmbDosDateTime, "Last Access Time"}, {kSmbDosDateTime, "Last Write Time"},
-    {kSmbNumber32, "File Size"}, {kSmbNumber32, "Allocation Size"},
-    {kSmbFlags16, "File Attributes", kSmbAttributeBits}};
+constexpr auto kGetExpanded = LittleRows<Smb>({
+    SmbDateTime("Creation Time"), SmbDateTime("Last Access Time"), SmbDateTime("Last Write Time"),
+    Number(4, "File Size"), Number(4, "Allocation Size"), Flags(2, "File Attributes", kSmbAttributeBits)});
 
-constexpr SmbField kCopy[] = {
-    {kSmbHex16, "Target TID"}, {kSmbFlags16, "Open Function", kOpenFunctionBits},
-    {kSmbFlags16, "Flags", kCopyFlagBits}};
-constexpr SmbField kCopyNames[] = {{kSmbFormattedText, "Source File Name"}, {kSmbFormattedText, "Target File Name"}};
-constexpr SmbField kCopyResult[] = {{kSmbNumber16, "Count of Files Copied"}};
-constexpr SmbField kCopyError[] = {{kSmbFormattedText, "Error File Name"}};
+constexpr auto kCopy = LittleRows<Smb>({
+    Hex(2, "Target TID"), Flags(2, "Open Function", kOpenFunctionBits), Flags(2, "Flags", kCopyFlagBits)});
+constexpr auto kCopyNames = LittleRows<Smb>({
+    kSmbBufferFormat, SmbText("Source File Name"), kSmbBufferFormat, SmbText("Target File Name")});
+constexpr auto kCopyResult = LittleRows<Smb>({Number(2, "Count of Files Copied")});
+constexpr auto kFormattedName = LittleRows<Smb>({kSmbBufferFormat, SmbOemText("File Name")});
+constexpr auto kBareName = LittleRows<Smb>({SmbOemText("File Name")});
+constexpr auto kCopyError = LittleRows<Smb>({kSmbBufferFormat, SmbText("Error File Name")});
 
 }  // namespace
 
-void DirectoryRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kDirectory); }
-void FidWords(SmbBlock& block) { AddSmbFields(block, block.words, kFid); }
-void CloseRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kClose); }
-void SearchAttributesWords(SmbBlock& block) { AddSmbFields(block, block.words, kSearchAttributes); }
-void FileNameData(SmbBlock& block) { AddSmbFields(block, block.data, kFileName); }
-void RenameRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kRename); }
-void GetAttributesResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kGetAttributes); }
-void SetAttributesRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kSetAttributes); }
-void SetAttributesRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kSetAttributesName); }
-void SeekRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kSeek); }
-void SeekResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kSeekResult); }
-void SetExpandedRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kSetExpanded); }
-void GetExpandedResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kGetExpanded); }
-void CopyRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kCopy); }
-void CopyRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kCopyNames); }
-void CopyResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kCopyResult); }
-void CopyResponseData(SmbBlock& block) { AddSmbFields(block, block.data, kCopyError); }
+void DirectoryRequestData(SmbBlock& block) { ShowSmbRows(block, block.data, kDirectory); }
+void FidWords(SmbBlock& block) { ShowSmbRows(block, block.words, kFid); }
+void CloseRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kClose); }
+void SearchAttributesWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSearchAttributes); }
+void FileNameData(SmbBlock& block) { ShowSmbRows(block, block.data, kFileName); }
+void RenameRequestData(SmbBlock& block) { ShowSmbRows(block, block.data, kRename); }
+void GetAttributesResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kGetAttributes); }
+void SetAttributesRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSetAttributes); }
+void SetAttributesRequestData(SmbBlock& block) { ShowSmbRows(block, block.data, kSetAttributesName); }
+void SeekRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSeek); }
+void SeekResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSeekResult); }
+void SetExpandedRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSetExpanded); }
+void GetExpandedResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kGetExpanded); }
+void CopyRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kCopy); }
+void CopyRequestData(SmbBlock& block) { ShowSmbRows(block, block.data, kCopyNames); }
+void CopyResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kCopyResult); }
+void CopyResponseData(SmbBlock& block) { ShowSmbRows(block, block.data, kCopyError); }
 
 // The name that the server made up is of one byte a character whatever flags 2 say, and servers differ on whether it has
 // a format in front of it.
 void TemporaryNameData(SmbBlock& block) {
   constexpr uint8_t kAsciiFormat = 4;
-  constexpr SmbField kFormatted[] = {{kSmbFormattedOem, "File Name"}}, kBare[] = {{kSmbOemText, "File Name"}};
-  const bool formatted = Left(block.data) > 0 && *block.data.at == kAsciiFormat;
-  AddSmbFields(block, block.data, formatted ? std::span(kFormatted) : std::span(kBare));
+  const bool formatted = PeekU8(block.data) == kAsciiFormat;
+  ShowSmbRows(block, block.data, formatted ? SmbRowSpan(kFormattedName) : kBareName);
 }
 
 }  // namespace qxview

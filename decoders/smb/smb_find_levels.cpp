@@ -7,131 +7,109 @@
 namespace qxview {
 namespace {
 
-enum FindLevel : uint32_t {
-  kStandard = 1, kEaSize = 2, kEasFromList = 3,
-  kDirectory = 0x101, kFullDirectory, kNames, kBothDirectory, kIdFullDirectory, kIdBothDirectory,
-  kUnix = 0x202, kUnixInfo2 = 0x20B,
-};
+// --- levels below 0x100 ---
 
-constexpr auto kFindLevelNames = SortedNames({
-    {kStandard, "Info Standard"}, {kEaSize, "Info Query EA Size"}, {kEasFromList, "Info Query EAs From List"},
-    {kDirectory, "Find File Directory Info"}, {kFullDirectory, "Find File Full Directory Info"},
-    {kNames, "Find File Names Info"}, {kBothDirectory, "Find File Both Directory Info"},
-    {kIdFullDirectory, "Find File ID Full Directory Info"}, {kIdBothDirectory, "Find File ID Both Directory Info"},
-    {kUnix, "Find File UNIX"}, {kUnixInfo2, "Find File UNIX Info 2"}});
-
-constexpr SmbField kDatedFields[] = {
-    {kSmbDosDateTime, "Creation Date and Time"}, {kSmbDosDateTime, "Last Access Date and Time"},
-    {kSmbDosDateTime, "Last Write Date and Time"}, {kSmbNumber32, "File Data Size"},
-    {kSmbNumber32, "Allocation Size"}, {kSmbFlags16, "Attributes", kSmbAttributeBits}};
-constexpr SmbField kResumeKey = {kSmbNumber32, "Resume Key"};
-constexpr SmbField kEaSizeField = {kSmbNumber32, "EA Size"};
-constexpr int32_t kShortNameSize = 24;
-
-constexpr SmbField kEntryFields[] = {{kSmbNumber32, "Next Entry Offset"}, {kSmbNumber32, "File Index"}};
-constexpr SmbField kTimedFields[] = {
-    {kSmbFileTime, "Creation Time"}, {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"},
-    {kSmbFileTime, "Change Time"}, {kSmbNumber64, "End of File"}, {kSmbNumber64, "Allocation Size"},
-    {kSmbFlags32, "File Attributes", kSmbAttributeBits}};
-constexpr SmbField kNameLength = {kSmbNumber32, "File Name Length"};
-constexpr SmbField kFileId[] = {{kSmbHex64, "File ID"}};
-
-// The least that an entry takes, name aside.
-int32_t SmallestEntry(uint32_t level) {
-  switch (level) {
-    case kDirectory: return 64;
-    case kFullDirectory: return 68;
-    case kNames: return 12;
-    case kBothDirectory: return 94;
-    case kIdFullDirectory: return 80;
-    case kIdBothDirectory: return 104;
-    case kUnix: return 108;
-    case kUnixInfo2: return 128;
-    default: return 0;
-  }
-}
+constexpr auto kResumeKey = LittleRows<Smb>({Number(4, "Resume Key")});
+constexpr auto kDated = LittleRows<Smb>({
+    SmbDateTime("Creation Date and Time"), SmbDateTime("Last Access Date and Time"),
+    SmbDateTime("Last Write Date and Time"), Number(4, "File Data Size"), Number(4, "Allocation Size"),
+    Flags(2, "Attributes", kSmbAttributeBits)});
+constexpr auto kDatedSize = LittleRows<Smb>({SmbTable<kDated>(), Number(4, "EA Size")});
+constexpr auto kDatedEas = LittleRows<Smb>({SmbTable<kDated>(), SmbTable<kSmbEaList>()});
+constexpr auto kNameLength = LittleRows<Smb>({Number(1, "File Name Length").Into(&Smb::length)});
 
 // A name whose length is one byte, not counting its terminator. In two-byte characters it starts at an even place; at
 // the levels with extended attributes servers put it right behind its length, and one byte ends it.
-void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level) {
-  const Field length = AddSmbField(message, in, c, {kSmbNumber8, "File Name Length"});
+void AddDatedName(const SmbMessage& message, const Place& in, Cursor& c, bool isAligned) {
+  const Field length = ShowSmbRows(message, in, c, kNameLength).length;
   if (!length.here) return;
-  const bool isAligned = message.isUnicode && level == kStandard;
   if (isAligned) AddSmbPad(message, in, c, 2);
   NameSmbEntry(in, AddSmbCounted(message, in, c, length.value, "File Name"));
   const int32_t terminator = isAligned ? 2 : 1;
-  if (Left(c) >= terminator && c.at[0] == 0 && c.at[terminator - 1] == 0) {
-    const Field pad = TakeBytes(c, terminator);
-    AddLine(in, pad, "Pad: %s", HexText(pad));
+  if (Left(c) >= terminator && PeekU8(c) == 0 && PeekU8(c, terminator - 1) == 0) AddSmbBytes(in, c, terminator, "Pad");
+}
+
+template <const auto& kTable, bool kIsAligned>
+void ShowDatedEntries(const Place& at, Cursor& c, const char* title, Smb& values) {
+  const SmbMessage& message = *values.message;
+  for (Loop loop; MoreAt(at, c, loop) && Left(c) > 22;) {
+    const LineHandle line = AddSmbTitle(at, Ahead(c, 0), title);
+    const Place in = Under(at, line);
+    const int32_t start = c.offset;
+    if (values.flags.value & kSmbFindResumeKeys) ShowSmbRows(message, in, c, kResumeKey);
+    ShowSmbRows(message, in, c, kTable);
+    AddDatedName(message, in, c, kIsAligned && message.isUnicode);
+    SetRange(at, line, start, c.offset - start);
   }
 }
 
-void AddDatedEntry(const SmbMessage& message, const Place& at, Cursor& c, uint32_t level, uint32_t flags) {
-  const LineHandle line = AddLine(at, Ahead(c, 0), "Entry");
-  const Place in = Under(at, line);
-  const int32_t start = c.offset;
-  if (flags & kSmbFindResumeKeys) AddSmbField(message, in, c, kResumeKey);
-  AddSmbFields(message, in, c, kDatedFields);
-  if (level == kEaSize) AddSmbField(message, in, c, kEaSizeField);
-  if (level == kEasFromList) AddSmbEaList(message, in, c);
-  AddDatedName(message, in, c, level);
-  SetRange(at, line, start, c.offset - start);
+constexpr auto kStandardList = LittleRows<Smb>({Shown("Entry", ShowDatedEntries<kDated, true>)});
+constexpr auto kSizeList = LittleRows<Smb>({Shown("Entry", ShowDatedEntries<kDatedSize, false>)});
+constexpr auto kEasList = LittleRows<Smb>({Shown("Entry", ShowDatedEntries<kDatedEas, false>)});
+
+// --- levels above ---
+
+void ShowName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  if (values.length.here) NameSmbEntry(in, AddSmbCounted(*values.message, in, c, values.length.value, label));
+}
+void ShowTerminatedName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  NameSmbEntry(in, AddSmbString(*values.message, in, c, label));
+}
+void ShowShortName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  constexpr int32_t kShortNameSize = 24;
+  if (Left(c) > 0) AddSmbCounted(*values.message, in, c, kShortNameSize, label, SmbCharacters::kUnicode);
 }
 
-void AddUnixEntry(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level) {
-  if (level == kUnix) {
-    AddSmbUnixBasic(message, in, c, 0);
-    NameSmbEntry(in, AddSmbString(message, in, c, "File Name"));
-    return;
-  }
-  AddSmbUnixInfo2(message, in, c, 0);
-  const Field length = AddSmbField(message, in, c, kNameLength);
-  if (length.here) NameSmbEntry(in, AddSmbCounted(message, in, c, length.value, "File Name"));
-}
+constexpr auto kTimed = LittleRows<Smb>({
+    Number(4, "Next Entry Offset"), Number(4, "File Index"), FileTime("Creation Time"), FileTime("Last Access Time"),
+    FileTime("Last Write Time"), FileTime("Change Time"), Number(8, "End of File"), Number(8, "Allocation Size"),
+    Flags(4, "File Attributes", kSmbAttributeBits), SmbLength("File Name Length")});
+constexpr auto kDirectory = LittleRows<Smb>({SmbTable<kTimed>(), Shown("File Name", ShowName)});
+constexpr auto kFullDirectory = LittleRows<Smb>({
+    SmbTable<kTimed>(), Number(4, "EA Size"), Shown("File Name", ShowName)});
+constexpr auto kNames = LittleRows<Smb>({
+    Number(4, "Next Entry Offset"), Number(4, "File Index"), SmbLength("File Name Length"),
+    Shown("File Name", ShowName)});
+constexpr auto kBothDirectory = LittleRows<Smb>({
+    SmbTable<kTimed>(), Number(4, "EA Size"), Number(1, "Short Name Length"), Number(1, "Reserved"),
+    Shown("Short Name", ShowShortName), Shown("File Name", ShowName)});
+constexpr auto kIdFullDirectory = LittleRows<Smb>({
+    SmbTable<kTimed>(), Number(4, "EA Size"), Bytes(4, "Reserved"), Hex(8, "File ID"), Shown("File Name", ShowName)});
+constexpr auto kIdBothDirectory = LittleRows<Smb>({
+    SmbTable<kTimed>(), Number(4, "EA Size"), Number(1, "Short Name Length"), Number(1, "Reserved"),
+    Shown("Short Name", ShowShortName), Bytes(2, "Reserved"), Hex(8, "File ID"), Shown("File Name", ShowName)});
+constexpr auto kUnix = LittleRows<Smb>({
+    Number(4, "Next Entry Offset"), Number(4, "Resume Key"), Shown(nullptr, ShowSmbUnixBasic),
+    Shown("File Name", ShowTerminatedName)});
+constexpr auto kUnixInfo2 = LittleRows<Smb>({
+    Number(4, "Next Entry Offset"), Number(4, "Resume Key"), Shown(nullptr, ShowSmbUnixInfo2),
+    SmbLength("File Name Length"), Shown("File Name", ShowName)});
 
-void AddTimedEntry(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level) {
-  if (level != kNames) AddSmbFields(message, in, c, kTimedFields);
-  const Field length = AddSmbField(message, in, c, kNameLength);
-  if (level != kNames && level != kDirectory) AddSmbField(message, in, c, kEaSizeField);
-  if (level == kBothDirectory || level == kIdBothDirectory) {
-    AddSmbField(message, in, c, {kSmbNumber8, "Short Name Length"});
-    AddSmbField(message, in, c, {kSmbNumber8, "Reserved"});
-    if (Left(c) > 0) AddSmbCounted(message, in, c, kShortNameSize, "Short Name", SmbCharacters::kUnicode);
-  }
-  if (level == kIdBothDirectory || level == kIdFullDirectory) {
-    AddSmbField(message, in, c, {kSmbBytes, "Reserved", {}, level == kIdBothDirectory ? 2 : 4});
-    AddSmbFields(message, in, c, kFileId);
-  }
-  if (length.here) NameSmbEntry(in, AddSmbCounted(message, in, c, length.value, "File Name"));
-}
+// With the least that an entry takes, name aside.
+constexpr auto kDirectoryList = LittleRows<Smb>({SmbEntries<kDirectory, 64>("Entry")});
+constexpr auto kFullDirectoryList = LittleRows<Smb>({SmbEntries<kFullDirectory, 68>("Entry")});
+constexpr auto kNamesList = LittleRows<Smb>({SmbEntries<kNames, 12>("Entry")});
+constexpr auto kBothDirectoryList = LittleRows<Smb>({SmbEntries<kBothDirectory, 94>("Entry")});
+constexpr auto kIdFullDirectoryList = LittleRows<Smb>({SmbEntries<kIdFullDirectory, 80>("Entry")});
+constexpr auto kIdBothDirectoryList = LittleRows<Smb>({SmbEntries<kIdBothDirectory, 104>("Entry")});
+constexpr auto kUnixList = LittleRows<Smb>({SmbEntries<kUnix, 108>("Entry")});
+constexpr auto kUnixInfo2List = LittleRows<Smb>({SmbEntries<kUnixInfo2, 128>("Entry")});
+
+constexpr auto kLevels = Choices<Smb>({
+    {0x001, "Info Standard", kStandardList},
+    {0x002, "Info Query EA Size", kSizeList},
+    {0x003, "Info Query EAs From List", kEasList},
+    {0x101, "Find File Directory Info", kDirectoryList},
+    {0x102, "Find File Full Directory Info", kFullDirectoryList},
+    {0x103, "Find File Names Info", kNamesList},
+    {0x104, "Find File Both Directory Info", kBothDirectoryList},
+    {0x105, "Find File ID Full Directory Info", kIdFullDirectoryList},
+    {0x106, "Find File ID Both Directory Info", kIdBothDirectoryList},
+    {0x202, "Find File UNIX", kUnixList},
+    {0x20B, "Find File UNIX Info 2", kUnixInfo2List}});
 
 }  // namespace
 
-uint32_t AddSmbFindLevelLine(const Place& in, Cursor& c) {
-  const Field level = TakeLittleU16(c);
-  AddLine(in, level, "Information Level: [%u] = %s", level.value,
-          LookupName(kFindLevelNames, level.value, kUndefined));
-  return level.value;
-}
-
-void AddSmbFindEntries(const SmbMessage& message, const Place& in, Cursor& c, uint32_t level, uint32_t flags) {
-  if (level >= kStandard && level <= kEasFromList) {
-    for (Loop loop; MoreAt(in, c, loop) && Left(c) > 22;) AddDatedEntry(message, in, c, level, flags);
-    return;
-  }
-  const int32_t smallest = SmallestEntry(level);
-  for (Loop loop; smallest > 0 && MoreAt(in, c, loop);) {
-    Cursor entry = TakeSmbEntry(c, smallest);
-    const Place under = Under(in, AddLine(in, Ahead(entry, entry.left), "Entry"));
-    AddSmbField(message, under, entry, kEntryFields[0]);
-    AddSmbField(message, under, entry, level < kUnix ? kEntryFields[1] : kResumeKey);
-    if (level >= kUnix) {
-      AddUnixEntry(message, under, entry, level);
-    } else {
-      AddTimedEntry(message, under, entry, level);
-    }
-    AddSmbFiller(under, entry);
-  }
-}
+const SmbChoices kSmbFindLevels = kLevels;
 
 }  // namespace qxview

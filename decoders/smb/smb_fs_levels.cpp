@@ -35,92 +35,80 @@ constexpr auto kQuotaBits = SortedNames({
     {0x10, "Log Quota Threshold"}, {0x20, "Log Quota Limit"}, {0x40, "Log Volume Threshold"},
     {0x80, "Log Volume Limit"}, {0x100, "Quotas Incomplete"}, {0x200, "Quotas Rebuilding"}});
 
-constexpr SmbField kAllocation[] = {
-    {kSmbNumber32, "File System ID"}, {kSmbNumber32, "Sectors Per Unit"}, {kSmbNumber32, "Total Units"},
-    {kSmbNumber32, "Available Units"}, {kSmbNumber16, "Bytes Per Sector"}};
-constexpr SmbField kVolumeLabel[] = {{kSmbHex32, "Volume Serial Number"}, {kSmbNumber8, "Volume Label Length"}};
-constexpr SmbField kLabel[] = {{kSmbNumber32, "Volume Label Length"}};
-constexpr SmbField kVolume[] = {
-    {kSmbFileTime, "Volume Creation Time"}, {kSmbHex32, "Volume Serial Number"}, {kSmbNumber32, "Volume Label Length"}};
-constexpr SmbField kSupportsObjects = {kSmbNumber8, "Supports Objects"};
-constexpr SmbField kReserved8 = {kSmbNumber8, "Reserved"};
-constexpr SmbField kSize[] = {
-    {kSmbNumber64, "Total Allocation Units"}, {kSmbNumber64, "Free Allocation Units"},
-    {kSmbNumber32, "Sectors Per Allocation Unit"}, {kSmbNumber32, "Bytes Per Sector"}};
-constexpr SmbField kDevice[] = {
-    {kSmbName32, "Device Type", kDeviceTypes}, {kSmbFlags32, "Device Characteristics", kDeviceBits}};
-constexpr SmbField kAttribute[] = {
-    {kSmbFlags32, "File System Attributes", kFileSystemBits}, {kSmbNumber32, "Max File Name Length"},
-    {kSmbNumber32, "File System Name Length"}};
-constexpr SmbField kFullSize[] = {
-    {kSmbNumber64, "Total Allocation Units"}, {kSmbNumber64, "Caller Available Allocation Units"},
-    {kSmbNumber64, "Actual Available Allocation Units"}, {kSmbNumber32, "Sectors Per Allocation Unit"},
-    {kSmbNumber32, "Bytes Per Sector"}};
-constexpr SmbField kControl[] = {
-    {kSmbNumber64, "Free Space Start Filtering"}, {kSmbNumber64, "Free Space Threshold"},
-    {kSmbNumber64, "Free Space Stop Filtering"}, {kSmbNumber64, "Default Quota Threshold"},
-    {kSmbNumber64, "Default Quota Limit"}, {kSmbFlags32, "File System Control Flags", kQuotaBits},
-    {kSmbNumber32, "Padding"}};
-constexpr SmbField kObjectId[] = {{kSmbBytes, "Object ID", {}, 16}, {kSmbBytes, "Extended Info", {}, 48}};
-constexpr SmbField kUnixInfo[] = {
-    {kSmbNumber16, "Major Version"}, {kSmbNumber16, "Minor Version"},
-    {kSmbFlags32, "Capabilities", kUnixCapabilities}, {kSmbHex32, "Capabilities High"}};
-constexpr SmbField kPosixInfo[] = {
-    {kSmbNumber32, "Optimal Transfer Size"}, {kSmbNumber32, "Block Size"}, {kSmbNumber64, "Total Blocks"},
-    {kSmbNumber64, "Blocks Available"}, {kSmbNumber64, "User Blocks Available"}, {kSmbNumber64, "Total File Nodes"},
-    {kSmbNumber64, "Free File Nodes"}, {kSmbHex64, "File System Identifier"}};
-
-void AddLabel(const SmbMessage& message, const Place& in, Cursor& c, uint32_t length) {
-  if (Left(c) > 0) AddSmbCounted(message, in, c, length, "Volume Label");
-}
+constexpr auto kAllocation = LittleRows<Smb>({
+    Number(4, "File System ID"), Number(4, "Sectors Per Unit"), Number(4, "Total Units"), Number(4, "Available Units"),
+    Number(2, "Bytes Per Sector")});
 
 // The length is of the characters, and a terminator may follow them.
-void AddShortLabel(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbString(message, in, c, "Volume Label", SmbCharacters::kUnaligned);
+void ShowShortLabel(const Place& in, Cursor& c, const char* label, Smb& values) {
+  AddSmbString(*values.message, in, c, label, SmbCharacters::kUnaligned);
 }
+constexpr auto kVolumeLabel = LittleRows<Smb>({
+    Hex(4, "Volume Serial Number"), Number(1, "Volume Label Length"), Shown("Volume Label", ShowShortLabel)});
 
-void AddVolume(const SmbMessage& message, const Place& in, Cursor& c, uint32_t length) {
-  AddSmbField(message, in, c, kSupportsObjects);
-  AddSmbField(message, in, c, kReserved8);
-  AddLabel(message, in, c, length);
-}
+constexpr auto kLabel = LittleRows<Smb>({SmbLength("Volume Label Length"), SmbCounted("Volume Label")});
+constexpr auto kVolume = LittleRows<Smb>({
+    FileTime("Volume Creation Time"), Hex(4, "Volume Serial Number"), SmbLength("Volume Label Length"),
+    Number(1, "Supports Objects"), Number(1, "Reserved"), SmbCounted("Volume Label")});
+constexpr auto kSize = LittleRows<Smb>({
+    Number(8, "Total Allocation Units"), Number(8, "Free Allocation Units"), Number(4, "Sectors Per Allocation Unit"),
+    Number(4, "Bytes Per Sector")});
+constexpr auto kDevice = LittleRows<Smb>({
+    Coded(4, "Device Type", kDeviceTypes), Flags(4, "Device Characteristics", kDeviceBits)});
+constexpr auto kAttribute = LittleRows<Smb>({
+    Flags(4, "File System Attributes", kFileSystemBits), Number(4, "Max File Name Length"),
+    SmbLength("File System Name Length"), SmbCounted("File System Name")});
+constexpr auto kFullSize = LittleRows<Smb>({
+    Number(8, "Total Allocation Units"), Number(8, "Caller Available Allocation Units"),
+    Number(8, "Actual Available Allocation Units"), Number(4, "Sectors Per Allocation Unit"),
+    Number(4, "Bytes Per Sector")});
+constexpr auto kControl = LittleRows<Smb>({
+    Number(8, "Free Space Start Filtering"), Number(8, "Free Space Threshold"), Number(8, "Free Space Stop Filtering"),
+    Number(8, "Default Quota Threshold"), Number(8, "Default Quota Limit"),
+    Flags(4, "File System Control Flags", kQuotaBits), Number(4, "Padding")});
+constexpr auto kObjectId = LittleRows<Smb>({Bytes(16, "Object ID"), Bytes(48, "Extended Info")});
+constexpr auto kUnixInfo = LittleRows<Smb>({
+    Number(2, "Major Version"), Number(2, "Minor Version"), Flags(4, "Capabilities", kUnixCapabilities),
+    Hex(4, "Capabilities High")});
+constexpr auto kPosixInfo = LittleRows<Smb>({
+    Number(4, "Optimal Transfer Size"), Number(4, "Block Size"), Number(8, "Total Blocks"),
+    Number(8, "Blocks Available"), Number(8, "User Blocks Available"), Number(8, "Total File Nodes"),
+    Number(8, "Free File Nodes"), Hex(8, "File System Identifier")});
 
-void AddFsName(const SmbMessage& message, const Place& in, Cursor& c, uint32_t length) {
-  if (Left(c) > 0) AddSmbCounted(message, in, c, length, "File System Name");
-}
+constexpr auto kWhoAmI = LittleRows<Smb>({Shown(nullptr, ShowSmbWhoAmI)});
 
-constexpr SmbLevel kQueryLevels[] = {
-    {0x001, "Info Allocation", kAllocation, nullptr},
-    {0x002, "Info Volume", kVolumeLabel, AddShortLabel},
-    {0x101, "Query FS Label Info", kLabel, AddLabel},
-    {0x102, "Query FS Volume Info", kVolume, AddVolume},
-    {0x103, "Query FS Size Info", kSize, nullptr},
-    {0x104, "Query FS Device Info", kDevice, nullptr},
-    {0x105, "Query FS Attribute Info", kAttribute, AddFsName},
-    {0x200, "CIFS UNIX Info", kUnixInfo, nullptr},
-    {0x201, "POSIX FS Info", kPosixInfo, nullptr},
-    {0x202, "POSIX Who Am I", {}, AddSmbWhoAmI},
-    {0x203, "Request Transport Encryption", {}, nullptr},
-    {0x301, "Mac Support", {}, nullptr},
-    {1001, "FS Volume Information", kVolume, AddVolume},
-    {1002, "FS Label Information", kLabel, AddLabel},
-    {1003, "FS Size Information", kSize, nullptr},
-    {1004, "FS Device Information", kDevice, nullptr},
-    {1005, "FS Attribute Information", kAttribute, AddFsName},
-    {1006, "FS Control Information", kControl, nullptr},
-    {1007, "FS Full Size Information", kFullSize, nullptr},
-    {1008, "FS Object ID Information", kObjectId, nullptr}};
+constexpr auto kQueryLevels = Choices<Smb>({
+    {0x001, "Info Allocation", kAllocation},
+    {0x002, "Info Volume", kVolumeLabel},
+    {0x101, "Query FS Label Info", kLabel},
+    {0x102, "Query FS Volume Info", kVolume},
+    {0x103, "Query FS Size Info", kSize},
+    {0x104, "Query FS Device Info", kDevice},
+    {0x105, "Query FS Attribute Info", kAttribute},
+    {0x200, "CIFS UNIX Info", kUnixInfo},
+    {0x201, "POSIX FS Info", kPosixInfo},
+    {0x202, "POSIX Who Am I", kWhoAmI},
+    {0x203, "Request Transport Encryption"},
+    {0x301, "Mac Support"},
+    {1001, "FS Volume Information", kVolume},
+    {1002, "FS Label Information", kLabel},
+    {1003, "FS Size Information", kSize},
+    {1004, "FS Device Information", kDevice},
+    {1005, "FS Attribute Information", kAttribute},
+    {1006, "FS Control Information", kControl},
+    {1007, "FS Full Size Information", kFullSize},
+    {1008, "FS Object ID Information", kObjectId}});
 
-constexpr SmbLevel kSetLevels[] = {
-    {0x200, "CIFS UNIX Info", kUnixInfo, nullptr},
-    {0x203, "Request Transport Encryption", {}, nullptr},
-    {1002, "FS Label Information", kLabel, AddLabel},
-    {1006, "FS Control Information", kControl, nullptr},
-    {1008, "FS Object ID Information", kObjectId, nullptr}};
+constexpr auto kSetLevels = Choices<Smb>({
+    {0x200, "CIFS UNIX Info", kUnixInfo},
+    {0x203, "Request Transport Encryption"},
+    {1002, "FS Label Information", kLabel},
+    {1006, "FS Control Information", kControl},
+    {1008, "FS Object ID Information", kObjectId}});
 
 }  // namespace
 
-const SmbLevels kSmbQueryFsLevels = kQueryLevels;
-const SmbLevels kSmbSetFsLevels = kSetLevels;
+const SmbChoices kSmbQueryFsLevels = kQueryLevels;
+const SmbChoices kSmbSetFsLevels = kSetLevels;
 
 }  // namespace qxview

@@ -1,4 +1,5 @@
 // I/O and file system controls carried in NT Transaction (MS-FSCC 2.3, MS-SMB 2.2.7.2).
+#include "decoders/common/guid.h"
 #include "decoders/smb/smb_info_levels.h"
 
 namespace qxview {
@@ -35,43 +36,37 @@ constexpr auto kControlNames = SortedNames({
 constexpr auto kFsctlNames = SortedNames({{0, "Device IOCTL"}, {1, "FSCTL"}});
 constexpr auto kFlagBits = SortedNames({{0x01, "Root Of DFS"}});
 
-constexpr SmbField kSetupFields[] = {
-    {kSmbHex16, "FID"}, {kSmbName8, "Is FSCTL", kFsctlNames}, {kSmbFlags8, "Is Flags", kFlagBits}};
-constexpr SmbField kChunkHeader[] = {
-    {kSmbBytes, "Source Resume Key", {}, 24}, {kSmbNumber32, "Chunk Count"}, {kSmbNumber32, "Reserved"}};
-constexpr SmbField kChunk[] = {
-    {kSmbNumber64, "Source Offset"}, {kSmbNumber64, "Destination Offset"}, {kSmbNumber32, "Copy Length"},
-    {kSmbNumber32, "Reserved"}};
-constexpr SmbField kChunkReply[] = {
-    {kSmbNumber32, "Chunks Written"}, {kSmbNumber32, "Chunk Bytes Written"}, {kSmbNumber32, "Total Bytes Written"}};
-constexpr SmbField kKeyReply[] = {{kSmbBytes, "Resume Key", {}, 24}, {kSmbNumber32, "Context Length"}};
-constexpr SmbField kSnapshotReply[] = {
-    {kSmbNumber32, "Number Of Snapshots"}, {kSmbNumber32, "Number Of Snapshots Returned"},
-    {kSmbNumber32, "Snapshot Array Size"}};
-constexpr SmbField kRange[] = {{kSmbNumber64, "File Offset"}, {kSmbNumber64, "Length"}};
-constexpr SmbField kZeroRange[] = {{kSmbNumber64, "File Offset"}, {kSmbNumber64, "Beyond Final Zero"}};
-constexpr SmbField kSparse[] = {{kSmbNumber8, "Set Sparse"}};
+constexpr auto kSetup = LittleRows<Smb>({
+    Number(4, "Function Code", NamesOr(kControlNames, kUndefined)).Told("Function Code: [0x%.08X] = %s"), Hex(2, "FID"),
+    Coded(1, "Is FSCTL", kFsctlNames), Flags(1, "Is Flags", kFlagBits)});
+constexpr auto kChunk = LittleRows<Smb>({
+    Number(8, "Source Offset"), Number(8, "Destination Offset"), Number(4, "Copy Length"), Number(4, "Reserved")});
+constexpr auto kChunks = LittleRows<Smb>({
+    Bytes(24, "Source Resume Key"), Number(4, "Chunk Count"), Number(4, "Reserved"), SmbRecords<kChunk, 24>("Chunk")});
+constexpr auto kChunkReply = LittleRows<Smb>({
+    Number(4, "Chunks Written"), Number(4, "Chunk Bytes Written"), Number(4, "Total Bytes Written")});
+constexpr auto kKeyReply = LittleRows<Smb>({Bytes(24, "Resume Key"), Number(4, "Context Length")});
+constexpr auto kSnapshotReply = LittleRows<Smb>({
+    Number(4, "Number Of Snapshots"), Number(4, "Number Of Snapshots Returned"), Number(4, "Snapshot Array Size")});
+constexpr auto kRange = LittleRows<Smb>({Number(8, "File Offset"), Number(8, "Length")});
+constexpr auto kZeroRange = LittleRows<Smb>({Number(8, "File Offset"), Number(8, "Beyond Final Zero")});
+constexpr auto kSparse = LittleRows<Smb>({Number(1, "Set Sparse")});
+constexpr auto kObjectId = LittleRows<Smb>({
+    LittleGuid("Object ID"), LittleGuid("Birth Volume ID"), LittleGuid("Birth Object ID"), LittleGuid("Domain ID")});
 
 }  // namespace
 
 void AddSmbIoctlSetup(const SmbMessage& message, const Place& in, Cursor& c) {
-  const Field code = TakeLittleU32(c);
-  AddLine(in, code, "Function Code: [0x%.08X] = %s", code.value, LookupName(kControlNames, code.value, kUndefined));
-  AddSmbFields(message, in, c, kSetupFields);
+  ShowSmbRows(message, in, c, kSetup);
 }
 
 void SmbIoctlRequest(SmbTransaction& t, const Place& in, Cursor& c) {
   switch (t.request.level) {
     case kCopyChunk:
-    case kCopyChunkWrite:
-      AddSmbFields(t.message, in, c, kChunkHeader);
-      for (Loop loop; MoreAt(in, c, loop) && Left(c) >= 24;) {
-        AddSmbFields(t.message, Under(in, AddLine(in, Ahead(c, 24), "Chunk")), c, kChunk);
-      }
-      break;
-    case kAllocatedRanges: AddSmbFields(t.message, in, c, kRange); break;
-    case kZeroData: AddSmbFields(t.message, in, c, kZeroRange); break;
-    case kSetSparse: AddSmbFields(t.message, in, c, kSparse); break;
+    case kCopyChunkWrite: ShowSmbRows(t.message, in, c, kChunks); break;
+    case kAllocatedRanges: ShowSmbRows(t.message, in, c, kRange); break;
+    case kZeroData: ShowSmbRows(t.message, in, c, kZeroRange); break;
+    case kSetSparse: ShowSmbRows(t.message, in, c, kSparse); break;
     default: break;
   }
 }
@@ -79,25 +74,20 @@ void SmbIoctlRequest(SmbTransaction& t, const Place& in, Cursor& c) {
 void SmbIoctlReply(SmbTransaction& t, const Place& in, Cursor& c) {
   switch (t.request.level) {
     case kCopyChunk:
-    case kCopyChunkWrite: AddSmbFields(t.message, in, c, kChunkReply); break;
-    case kResumeKey: AddSmbFields(t.message, in, c, kKeyReply); break;
+    case kCopyChunkWrite: ShowSmbRows(t.message, in, c, kChunkReply); break;
+    case kResumeKey: ShowSmbRows(t.message, in, c, kKeyReply); break;
     case kSnapshots:
-      AddSmbFields(t.message, in, c, kSnapshotReply);
+      ShowSmbRows(t.message, in, c, kSnapshotReply);
       for (Loop loop; MoreAt(in, c, loop) && Left(c) > 2;) {
         AddSmbString(t.message, in, c, "Snapshot", SmbCharacters::kUnicode);
       }
       AddSmbFiller(in, c);
       break;
     case kAllocatedRanges:
-      for (Loop loop; MoreAt(in, c, loop) && Left(c) >= 16;) AddSmbFields(t.message, in, c, kRange);
+      for (Loop loop; MoreAt(in, c, loop) && Left(c) >= 16;) ShowSmbRows(t.message, in, c, kRange);
       break;
     case kObjectIdGet:
-    case kObjectIdMake:
-      AddSmbGuid(in, c, "Object ID");
-      AddSmbGuid(in, c, "Birth Volume ID");
-      AddSmbGuid(in, c, "Birth Object ID");
-      AddSmbGuid(in, c, "Domain ID");
-      break;
+    case kObjectIdMake: ShowSmbRows(t.message, in, c, kObjectId); break;
     default: break;
   }
 }

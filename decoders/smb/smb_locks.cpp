@@ -15,48 +15,35 @@ constexpr auto kLockTypeBits = SortedNames({
     {0x10, "Large Files"}});
 constexpr auto kOplockLevels = SortedNames({{0, "None"}, {1, "Level II"}});
 
-constexpr SmbField kLock[] = {{kSmbHex16, "FID"}, {kSmbNumber32, "Length"}, {kSmbNumber32, "Offset"}};
+constexpr auto kLock = LittleRows<Smb>({Hex(2, "FID"), Number(4, "Length"), Number(4, "Offset")});
 
-constexpr SmbField kLocking[] = {
-    {kSmbHex16, "FID"}, {kSmbFlags8, "Type of Lock", kLockTypeBits},
-    {kSmbName8, "New Opportunistic Lock Level", kOplockLevels}, {kSmbNumber32, "Timeout"},
-    {kSmbNumber16, "Number of Unlocks"}, {kSmbNumber16, "Number of Locks"}};
+constexpr auto kLocking = LittleRows<Smb>({
+    Hex(2, "FID"), Flags(1, "Type of Lock", kLockTypeBits), Coded(1, "New Opportunistic Lock Level", kOplockLevels),
+    Number(4, "Timeout"), Number(2, "Number of Unlocks"), Number(2, "Number of Locks")});
 
-constexpr SmbField kRange[] = {{kSmbNumber16, "PID"}, {kSmbNumber32, "Offset"}, {kSmbNumber32, "Length"}};
+constexpr auto kRange = LittleRows<Smb>({Number(2, "PID"), Number(4, "Offset"), Number(4, "Length")});
 
 // The high half of these numbers stands first.
-void AddLargeNumber(const Place& in, Cursor& c, const char* label) {
-  const Field field = TakeBytes(c, 8);
-  if (!field.here) return;
-  const uint64_t value = static_cast<uint64_t>(ReadLittleU32(field.bytes)) << 32 | ReadLittleU32(field.bytes + 4);
-  AddLine(in, field, "%s: %I64u", label, value);
+void ShowLargeNumber(const Place& in, const Field& both, const char* label) {
+  Cursor c = CursorOver(both);
+  const uint64_t high = TakeLittleU32(c).value;
+  AddLine(in, both, "%s: %I64u", label, high << 32 | TakeLittleU32(c).value);
 }
+constexpr auto kLargeRange = LittleRows<Smb>({
+    Number(2, "PID"), Bytes(2, "Pad"), Shown(8, "Offset", ShowLargeNumber), Shown(8, "Length", ShowLargeNumber)});
 
 void AddRanges(SmbBlock& block, uint32_t count, bool large, const char* title) {
-  const int32_t size = large ? 20 : 10;
-  for (uint32_t i = 0; i < count && Left(block.data) >= size && !PacketOf(block.in).limitReached; ++i) {
-    Cursor range = TakeCursor(block.data, size);
-    const Place in = Under(block.in, AddLine(block.in, Ahead(range, size), "%s", title));
-    if (!large) {
-      AddSmbFields(*block.message, in, range, kRange);
-      continue;
-    }
-    const Field pid = TakeLittleU16(range);
-    AddLine(in, pid, "PID: %u", pid.value);
-    const Field pad = TakeBytes(range, 2);
-    AddLine(in, pad, "Pad: %s", HexText(pad));
-    AddLargeNumber(in, range, "Offset");
-    AddLargeNumber(in, range, "Length");
-  }
+  const SmbRowSpan rows = large ? SmbRowSpan(kLargeRange) : kRange;
+  AddSmbRecords(*block.message, block.in, block.data, title, rows, large ? 20 : 10, count);
 }
 
 }  // namespace
 
-void LockRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kLock); }
-void LockingRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kLocking); }
+void LockRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kLock); }
+void LockingRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kLocking); }
 
 void LockingRequestData(SmbBlock& block) {
-  const bool large = (SmbByte(block, 6) & kLargeFiles) != 0;
+  const bool large = (PeekU8(block.allWords, 6) & kLargeFiles) != 0;
   AddRanges(block, SmbWord(block, 6), large, "Unlock");
   AddRanges(block, SmbWord(block, 7), large, "Lock");
 }

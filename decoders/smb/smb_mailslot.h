@@ -11,6 +11,4 @@ void LanmanData(SmbTransaction& t, const Place& in, Cursor& c);
 // smb_netlogon.cpp: \MAILSLOT\NET\NETLOGON and the mailslots that its answers go to.
 void NetlogonData(SmbTransaction& t, const Place& in, Cursor& c);
 
-extern const SmbNames kSmbServerTypeBits;
-
 }  // namespace qxview

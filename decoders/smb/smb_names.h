@@ -4,15 +4,6 @@
 
 namespace qxview {
 
-// A table of names as fields refer to it. Of flags a row's code is its mask.
-struct SmbNames {
-  const NameTableEntry* rows = nullptr;
-  int32_t count = 0;
-  constexpr SmbNames() = default;
-  template <size_t kRows>
-  constexpr SmbNames(const NameTable<kRows>& table) : rows(table.rows), count(kRows) {}   // NOLINT: implicit by design
-};
-
 // 8, 16 and 32 bits of file attributes.
 inline constexpr auto kSmbAttributeBits = SortedNames({
     {0x0001, "Read Only"}, {0x0002, "Hidden"}, {0x0004, "System"}, {0x0008, "Volume"}, {0x0010, "Directory"},
@@ -61,5 +52,18 @@ inline constexpr auto kSmbCapabilityBits = SortedNames({
     {0x00010000, "Lightweight I/O"}, {0x00800000, "UNIX Extensions"}, {0x02000000, "Compressed Data"},
     {0x20000000, "Dynamic Reauthentication"}, {0x40000000, "Persistent Handles"},
     {0x80000000, "Extended Security"}});
+
+// What a server is, in its announcements and in lists of servers.
+inline constexpr auto kSmbServerTypeBits = SortedNames({
+    {0x00000001, "Workstation"}, {0x00000002, "Server"}, {0x00000004, "SQL Server"},
+    {0x00000008, "Domain Controller"}, {0x00000010, "Backup Domain Controller"}, {0x00000020, "Time Source"},
+    {0x00000040, "Apple File Protocol"}, {0x00000080, "Novell"}, {0x00000100, "Domain Member"},
+    {0x00000200, "Print Queue Server"}, {0x00000400, "Dial-In Server"}, {0x00000800, "UNIX Server"},
+    {0x00001000, "NT Workstation"}, {0x00002000, "Windows For Workgroups"}, {0x00004000, "NetWare File and Print"},
+    {0x00008000, "NT Server"}, {0x00010000, "Potential Browser"}, {0x00020000, "Backup Browser"},
+    {0x00040000, "Master Browser"}, {0x00080000, "Domain Master Browser"}, {0x00100000, "OSF"}, {0x00200000, "VMS"},
+    {0x00400000, "Windows 95 Or Later"}, {0x00800000, "DFS Root"}, {0x01000000, "Cluster"},
+    {0x02000000, "Terminal Server"}, {0x10000000, "DCE Cell Directory Server"}, {0x20000000, "Alternate Transport"},
+    {0x40000000, "Local List Only"}, {0x80000000, "Domain Enumeration"}});
 
 }  // namespace qxview

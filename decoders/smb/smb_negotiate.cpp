@@ -17,28 +17,24 @@ constexpr auto kSecurityModeBits = SortedNames({
     {0x08, "Security Signatures Required"}});
 constexpr auto kRawModeBits = SortedNames({{0x0001, "Read Raw"}, {0x0002, "Write Raw"}});
 
-constexpr SmbField kFormat[] = {{kSmbName8, "Buffer Format", kSmbBufferFormatNames}};
-constexpr SmbField kCore[] = {{kSmbNumber16, "Dialect Index"}};
+constexpr auto kFormat = LittleRows<Smb>({kSmbBufferFormat});
+constexpr auto kCore = LittleRows<Smb>({Number(2, "Dialect Index")});
 
-constexpr SmbField kLanManager[] = {
-    {kSmbNumber16, "Dialect Index"}, {kSmbFlags16, "Security Mode", kSecurityModeBits},
-    {kSmbNumber16, "Maximum Buffer Size"}, {kSmbNumber16, "Maximum Multiplex Count"},
-    {kSmbNumber16, "Maximum Virtual Circuits"}, {kSmbFlags16, "Raw Mode", kRawModeBits}, {kSmbHex32, "Session Key"},
-    {kSmbDosTimeDate, "Server Time"}, {kSmbSigned16, "Server Time Zone"}, {kSmbNumber16, "Encryption Key Length"},
-    {kSmbHex16, "Reserved"}};
+constexpr auto kLanManager = LittleRows<Smb>({
+    Number(2, "Dialect Index"), Flags(2, "Security Mode", kSecurityModeBits), Number(2, "Maximum Buffer Size"),
+    Number(2, "Maximum Multiplex Count"), Number(2, "Maximum Virtual Circuits"), Flags(2, "Raw Mode", kRawModeBits),
+    Hex(4, "Session Key"), SmbTimeDate("Server Time"), Signed(2, "Server Time Zone"),
+    Number(2, "Encryption Key Length"), Hex(2, "Reserved")});
 
-constexpr SmbField kNt[] = {
-    {kSmbNumber16, "Dialect Index"}, {kSmbFlags8, "Security Mode", kSecurityModeBits},
-    {kSmbNumber16, "Maximum Multiplex Count"}, {kSmbNumber16, "Maximum Virtual Circuits"},
-    {kSmbNumber32, "Maximum Buffer Size"}, {kSmbNumber32, "Maximum Raw Size"}, {kSmbHex32, "Session Key"},
-    {kSmbFlags32, "Capabilities", kSmbCapabilityBits}, {kSmbFileTime, "System Time"},
-    {kSmbSigned16, "Server Time Zone"}, {kSmbNumber8, "Encryption Key Length"}};
+constexpr auto kNt = LittleRows<Smb>({
+    Number(2, "Dialect Index"), Flags(1, "Security Mode", kSecurityModeBits), Number(2, "Maximum Multiplex Count"),
+    Number(2, "Maximum Virtual Circuits"), Number(4, "Maximum Buffer Size"), Number(4, "Maximum Raw Size"),
+    Hex(4, "Session Key"), Flags(4, "Capabilities", kSmbCapabilityBits), FileTime("System Time"),
+    Signed(2, "Server Time Zone"), Number(1, "Encryption Key Length")});
 
-constexpr SmbField kGuid[] = {{kSmbBytes, "Server GUID", {}, 16}};
+constexpr auto kGuid = LittleRows<Smb>({Bytes(16, "Server GUID")});
 
-uint32_t CapabilitiesOf(const SmbBlock& block) {
-  return SmbByte(block, 19) | SmbByte(block, 20) << 8 | SmbByte(block, 21) << 16 | SmbByte(block, 22) << 24;
-}
+uint32_t CapabilitiesOf(const SmbBlock& block) { return PeekLittleU32(block.allWords, 19); }
 
 // Servers that can do Unicode answer in it before flags 2 say so, and the names stand where they fall.
 void AddServerNames(SmbBlock& block) {
@@ -55,32 +51,28 @@ void NegotiateRequestData(SmbBlock& block) {
   uint32_t index = 0;
   for (Loop loop; MoreAt(block.in, c, loop); ++index) {
     const Cursor start = c;
-    if (*c.at != kDialectFormat) AddSmbFields(block, c, kFormat);
+    if (PeekU8(c) != kDialectFormat) ShowSmbRows(block, c, kFormat);
     else TakeU8(c);
     const SmbString dialect = TakeSmbString(*block.message, c, SmbCharacters::kOem);
-    const Field whole{start.at, start.offset, c.offset - start.offset, 0, true};
-    AddLine(block.in, whole, "Dialect: [%u] %s", index, dialect.text[0] ? dialect.text : "<null string>");
+    AddLine(block.in, Ahead(start, c.offset - start.offset), "Dialect: [%u] %s", index,
+            dialect.text[0] ? dialect.text : "<null string>");
   }
 }
 
 void NegotiateResponseWords(SmbBlock& block) {
-  if (block.wordCount == kNtWords) {
-    AddSmbFields(block, block.words, kNt);
-  } else if (block.wordCount == kLanManagerWords) {
-    AddSmbFields(block, block.words, kLanManager);
-  } else {
-    AddSmbFields(block, block.words, kCore);
-  }
+  const uint32_t count = block.wordCount;
+  ShowSmbRows(block, block.words,
+              count == kNtWords ? SmbRowSpan(kNt) : count == kLanManagerWords ? SmbRowSpan(kLanManager) : kCore);
 }
 
 void NegotiateResponseData(SmbBlock& block) {
   Cursor& c = block.data;
   if (block.wordCount == kNtWords && (CapabilitiesOf(block) & kExtendedSecurity)) {
-    AddSmbFields(block, c, kGuid);
+    ShowSmbRows(block, c, kGuid);
     AddSecurityBlob(block.in, Ahead(c, Left(c)));
     Rest(c);
   } else if (block.wordCount == kNtWords) {
-    AddSmbBytes(block.in, c, SmbByte(block, 33), "Encryption Key");
+    AddSmbBytes(block.in, c, PeekU8(block.allWords, 33), "Encryption Key");
     AddServerNames(block);
   } else if (block.wordCount == kLanManagerWords) {
     AddSmbBytes(block.in, c, SmbWord(block, 11), "Encryption Key");

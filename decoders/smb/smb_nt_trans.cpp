@@ -22,151 +22,108 @@ constexpr auto kChangeActions = SortedNames({
     {6, "Added Stream"}, {7, "Removed Stream"}, {8, "Modified Stream"}, {9, "Removed By Delete"},
     {10, "ID Not Tunnelled"}, {11, "Tunnelled ID Collision"}});
 
-constexpr SmbField kRequestFields[] = {
-    {kSmbNumber8, "Max Setup Count"}, {kSmbNumber16, "Reserved"}, {kSmbNumber32, "Total Parameter Count"},
-    {kSmbNumber32, "Total Data Count"}, {kSmbNumber32, "Max Parameter Count"}, {kSmbNumber32, "Max Data Count"},
-    {kSmbNumber32, "Parameter Count"}, {kSmbNumber32, "Parameter Offset"}, {kSmbNumber32, "Data Count"},
-    {kSmbNumber32, "Data Offset"}, {kSmbNumber8, "Setup Count"}};
-constexpr SmbField kPartFields[] = {
-    {kSmbBytes, "Reserved", {}, 3}, {kSmbNumber32, "Total Parameter Count"}, {kSmbNumber32, "Total Data Count"},
-    {kSmbNumber32, "Parameter Count"}, {kSmbNumber32, "Parameter Offset"}, {kSmbNumber32, "Parameter Displacement"},
-    {kSmbNumber32, "Data Count"}, {kSmbNumber32, "Data Offset"}, {kSmbNumber32, "Data Displacement"}};
-constexpr SmbField kSetupCount[] = {{kSmbNumber8, "Setup Count"}};
-constexpr SmbField kReserved8[] = {{kSmbNumber8, "Reserved"}};
+constexpr auto kPart = LittleRows<Smb>({
+    Bytes(3, "Reserved"), Number(4, "Total Parameter Count"), Number(4, "Total Data Count"),
+    Number(4, "Parameter Count"), Number(4, "Parameter Offset"), Number(4, "Parameter Displacement"),
+    Number(4, "Data Count"), Number(4, "Data Offset"), Number(4, "Data Displacement")});
+constexpr auto kReply = LittleRows<Smb>({SmbTable<kPart>(), Number(1, "Setup Count")});
+constexpr auto kSecondary = LittleRows<Smb>({SmbTable<kPart>(), Number(1, "Reserved")});
 
-constexpr SmbField kCreateRequest[] = {
-    {kSmbFlags32, "Flags", kSmbNtOpenFlagBits}, {kSmbHex32, "Root Directory FID"},
-    {kSmbFlags32, "Desired Access", kSmbAccessMaskBits}, {kSmbNumber64, "Allocation Size"},
-    {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbFlags32, "Share Access", kSmbShareAccessBits},
-    {kSmbName32, "Create Disposition", kSmbDispositionNames}, {kSmbFlags32, "Create Options", kSmbCreateOptionBits},
-    {kSmbNumber32, "Security Descriptor Length"}, {kSmbNumber32, "EA Length"}, {kSmbNumber32, "Name Length"},
-    {kSmbName32, "Impersonation Level", kSmbImpersonationNames},
-    {kSmbFlags8, "Security Flags", kSmbSecurityFlagBits}};
-constexpr int32_t kDescriptorLengthAt = 36, kNameLengthAt = 44;
-constexpr SmbField kCreateReply[] = {
-    {kSmbName8, "Opportunistic Lock Level", kSmbOplockLevelNames}, {kSmbNumber8, "Reserved"}, {kSmbHex16, "FID"},
-    {kSmbName32, "Create Action", kSmbCreateActionNames}, {kSmbNumber32, "EA Error Offset"},
-    {kSmbFileTime, "Creation Time"},
-    {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Write Time"}, {kSmbFileTime, "Change Time"},
-    {kSmbFlags32, "File Attributes", kSmbAttributeBits}, {kSmbNumber64, "Allocation Size"},
-    {kSmbNumber64, "End of File"}, {kSmbName16, "File Type", kSmbFileTypeNames},
-    {kSmbFlags16, "Pipe State", kSmbPipeStateBits},
-    {kSmbName8, "Directory", kFalseTrueNames}};
-constexpr SmbField kCreateExtended[] = {
-    {kSmbBytes, "Volume GUID", {}, 16}, {kSmbHex64, "File ID"},
-    {kSmbFlags32, "Maximal Access Rights", kSmbAccessMaskBits},
-    {kSmbFlags32, "Guest Maximal Access Rights", kSmbAccessMaskBits}};
-constexpr SmbField kSecurityRequest[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber16, "Reserved"}, {kSmbFlags32, "Security Information", kInformationBits}};
-constexpr SmbField kLengthNeeded[] = {{kSmbNumber32, "Length Needed"}};
-constexpr SmbField kNotifySetup[] = {
-    {kSmbFlags32, "Completion Filter", kFilterBits}, {kSmbHex16, "FID"}, {kSmbNumber8, "Watch Tree"},
-    {kSmbNumber8, "Reserved"}};
-constexpr SmbField kRenameRequest[] = {{kSmbHex16, "FID"}, {kSmbHex16, "Flags"}, {kSmbText, "New Name"}};
-constexpr SmbField kQuotaRequest[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber8, "Return Single Entry"}, {kSmbNumber8, "Restart Scan"},
-    {kSmbNumber32, "SID List Length"}, {kSmbNumber32, "Start SID Length"}, {kSmbNumber32, "Start SID Offset"}};
-constexpr SmbField kDataLength[] = {{kSmbNumber32, "Data Length"}};
-constexpr SmbField kFid[] = {{kSmbHex16, "FID"}};
+constexpr auto kCreateRequest = LittleRows<Smb>({
+    SmbTable<kSmbNtOpen>(), Number(4, "Security Descriptor Length"), Number(4, "EA Length"), SmbLength("Name Length"),
+    SmbTable<kSmbNtSecurity>()});
+constexpr int32_t kDescriptorLengthAt = 36;
+constexpr auto kCreateReply = LittleRows<Smb>({
+    Coded(1, "Opportunistic Lock Level", kSmbOplockLevelNames), Number(1, "Reserved"), Hex(2, "FID"),
+    Coded(4, "Create Action", kSmbCreateActionNames), Number(4, "EA Error Offset"), SmbTable<kSmbNtOpened>()});
+constexpr auto kSecurityRequest = LittleRows<Smb>({
+    Hex(2, "FID"), Number(2, "Reserved"), Flags(4, "Security Information", kInformationBits)});
+constexpr auto kLengthNeeded = LittleRows<Smb>({Number(4, "Length Needed")});
+constexpr auto kNotifySetup = LittleRows<Smb>({
+    Flags(4, "Completion Filter", kFilterBits), Hex(2, "FID"), Number(1, "Watch Tree"), Number(1, "Reserved")});
+constexpr auto kRenameRequest = LittleRows<Smb>({Hex(2, "FID"), Hex(2, "Flags"), SmbText("New Name")});
+constexpr auto kQuotaRequest = LittleRows<Smb>({
+    Hex(2, "FID"), Number(1, "Return Single Entry"), Number(1, "Restart Scan"), Number(4, "SID List Length"),
+    Number(4, "Start SID Length"), Number(4, "Start SID Offset")});
+constexpr auto kDataLength = LittleRows<Smb>({Number(4, "Data Length")});
+constexpr auto kFid = LittleRows<Smb>({Hex(2, "FID")});
 
-uint32_t CreateParameter(const SmbTransaction& t, int32_t offset) {
-  const Field at = SmbRange(t.message, t.parameterOffset + static_cast<uint32_t>(offset), 4);
-  return at.here ? ReadLittleU32(at.bytes) : 0;
+void ShowChangedName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  const uint32_t length = values.length.value;
+  if (Left(c) > 0) AddSmbCounted(*values.message, in, c, length, label, SmbCharacters::kUnicode);
 }
+constexpr auto kChange = LittleRows<Smb>({
+    Number(4, "Next Entry Offset"), Coded(4, "Action", kChangeActions), SmbLength("File Name Length"),
+    Shown("File Name", ShowChangedName)});
+constexpr auto kChanges = LittleRows<Smb>({SmbEntries<kChange, 12>("Change")});
+constexpr auto kSid = LittleRows<Smb>({Number(4, "Next Entry Offset"), Number(4, "SID Length"), SmbSid("SID")});
+constexpr auto kSids = LittleRows<Smb>({SmbEntries<kSid, 16>("SID Entry")});
 
 void CreateRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  const uint32_t length = Left(c) >= kNameLengthAt + 4 ? ReadLittleU32(c.at + kNameLengthAt) : 0;
-  AddSmbFields(t.message, in, c, kCreateRequest);
+  const Field length = ShowSmbRows(t.message, in, c, kCreateRequest).length;
   if (t.message.isUnicode) AddSmbPad(t.message, in, c, 2);
-  if (Left(c) > 0) AddSmbCounted(t.message, in, c, length, "File Name");
+  if (Left(c) > 0) AddSmbCounted(t.message, in, c, length.value, "File Name");
   AddSmbFiller(in, c);
 }
 
 void CreateData(SmbTransaction& t, const Place& in, Cursor& c) {
-  const uint32_t length = CreateParameter(t, kDescriptorLengthAt);
+  const uint32_t length = PeekLittleU32(SmbCursor(t.message, t.parameterOffset + kDescriptorLengthAt, 4));
   if (length > 0) {
     Cursor descriptor = TakeCursor(c, length);
     AddSmbSecurityDescriptor(in, descriptor);
     AddSmbFiller(in, descriptor);
   }
-  AddSmbFullEas(t.message, in, c, 0);
-}
-
-void CreateReply(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kCreateReply);
-  AddSmbFields(t.message, in, c, kCreateExtended);
+  ShowSmbRows(t.message, in, c, kSmbFullEas);
 }
 
 void SecurityData(SmbTransaction&, const Place& in, Cursor& c) { AddSmbSecurityDescriptor(in, c); }
-void QuotaData(SmbTransaction&, const Place& in, Cursor& c) { AddSmbQuotas(in, c); }
-
-void NotifyReply(SmbTransaction& t, const Place& in, Cursor& c) {
-  constexpr SmbField kFields[] = {
-      {kSmbNumber32, "Next Entry Offset"}, {kSmbName32, "Action", kChangeActions}, {kSmbNumber32, "File Name Length"}};
-  for (Loop loop; MoreAt(in, c, loop);) {
-    Cursor entry = TakeSmbEntry(c, 12);
-    const Place under = Under(in, AddLine(in, Ahead(entry, entry.left), "Change"));
-    const uint32_t length = AddSmbFields(t.message, under, entry, kFields);
-    if (Left(entry) > 0) AddSmbCounted(t.message, under, entry, length, "File Name", SmbCharacters::kUnicode);
-    AddSmbFiller(under, entry);
-  }
-}
-
-// SIDs to ask for, each behind how far on the next one starts and its length.
-void QuotaRequestData(SmbTransaction& t, const Place& in, Cursor& c) {
-  constexpr SmbField kFields[] = {{kSmbNumber32, "Next Entry Offset"}, {kSmbNumber32, "SID Length"}};
-  for (Loop loop; MoreAt(in, c, loop);) {
-    Cursor entry = TakeSmbEntry(c, 16);
-    const Place under = Under(in, AddLine(in, Ahead(entry, entry.left), "SID Entry"));
-    AddSmbFields(t.message, under, entry, kFields);
-    AddSmbSid(under, entry, "SID");
-    AddSmbFiller(under, entry);
-  }
-}
 
 constexpr SmbFunction kFunctions[] = {
-    {kCreate, "NT Transact Create", CreateRequest, CreateData, CreateReply, nullptr},
+    {kCreate, "NT Transact Create", CreateRequest, CreateData, SmbTransactionRows<kCreateReply>, nullptr},
     {kIoctl, "NT Transact IOCTL", nullptr, SmbIoctlRequest, nullptr, SmbIoctlReply},
-    {kSetSecurity, "NT Transact Set Security Descriptor", SmbTransactionFields<kSecurityRequest>, SecurityData,
-     nullptr,
+    {kSetSecurity, "NT Transact Set Security Descriptor", SmbTransactionRows<kSecurityRequest>, SecurityData, nullptr,
      nullptr},
-    {kNotifyChange, "NT Transact Notify Change", nullptr, nullptr, NotifyReply, nullptr},
-    {kRename, "NT Transact Rename", SmbTransactionFields<kRenameRequest>, nullptr, nullptr, nullptr},
-    {kQuerySecurity, "NT Transact Query Security Descriptor", SmbTransactionFields<kSecurityRequest>, nullptr,
-     SmbTransactionFields<kLengthNeeded>, SecurityData},
-    {kQueryQuota, "NT Transact Query Quota", SmbTransactionFields<kQuotaRequest>, QuotaRequestData,
-     SmbTransactionFields<kDataLength>, QuotaData},
-    {kSetQuota, "NT Transact Set Quota", SmbTransactionFields<kFid>, QuotaData, nullptr, nullptr},
+    {kNotifyChange, "NT Transact Notify Change", nullptr, nullptr, SmbTransactionRows<kChanges>, nullptr},
+    {kRename, "NT Transact Rename", SmbTransactionRows<kRenameRequest>, nullptr, nullptr, nullptr},
+    {kQuerySecurity, "NT Transact Query Security Descriptor", SmbTransactionRows<kSecurityRequest>, nullptr,
+     SmbTransactionRows<kLengthNeeded>, SecurityData},
+    {kQueryQuota, "NT Transact Query Quota", SmbTransactionRows<kQuotaRequest>, SmbTransactionRows<kSids>,
+     SmbTransactionRows<kDataLength>, SmbTransactionRows<kSmbQuotas>},
+    {kSetQuota, "NT Transact Set Quota", SmbTransactionRows<kFid>, SmbTransactionRows<kSmbQuotas>, nullptr, nullptr},
 };
+
+constexpr int32_t kFunctionAt = 36;   // in the words of a request
+const char* NameOfFunction(uint32_t code) { return SmbFunctionName(kFunctions, code); }
+constexpr auto kRequest = LittleRows<Smb>({
+    Number(1, "Max Setup Count"), Number(2, "Reserved"), Number(4, "Total Parameter Count"),
+    Number(4, "Total Data Count"), Number(4, "Max Parameter Count"), Number(4, "Max Data Count"),
+    Number(4, "Parameter Count"), Number(4, "Parameter Offset"), Number(4, "Data Count"), Number(4, "Data Offset"),
+    Number(1, "Setup Count"), Coded(2, "Function", NameOfFunction)});
 
 }  // namespace
 
 void NtTransRequestWords(SmbBlock& block) {
-  AddSmbFields(block, block.words, kRequestFields);
-  const Field code = TakeLittleU16(block.words);
-  const SmbFunction* function = FindSmbFunction(kFunctions, code.value);
-  AddLine(block.in, code, "Function: [%u] = %s", code.value, function ? function->name : kUndefined);
-  if (Left(block.words) < 1 || !function) {
+  ShowSmbRows(block, block.words, kRequest);
+  const uint32_t code = PeekLittleU16(block.allWords, kFunctionAt);
+  if (Left(block.words) < 1 || !FindSmbFunction(kFunctions, code)) {
     AddSetupData(block);
     return;
   }
   const Place in = Under(block.in, AddLine(block.in, Ahead(block.words, block.words.left), "Setup Data"));
-  if (code.value == kIoctl) AddSmbIoctlSetup(*block.message, in, block.words);
-  if (code.value == kNotifyChange) AddSmbFields(*block.message, in, block.words, kNotifySetup);
+  if (code == kIoctl) AddSmbIoctlSetup(*block.message, in, block.words);
+  if (code == kNotifyChange) ShowSmbRows(*block.message, in, block.words, kNotifySetup);
   AddBlock(in, Rest(block.words), "Setup Data");
 }
 
 void NtTransRequestData(SmbBlock& block) {
-  constexpr int32_t kFunctionAt = 36;
   SmbTransaction t = ReadSmbTransaction(block, kSmbNtRequest);
-  t.request.function = SmbByte(block, kFunctionAt) | SmbByte(block, kFunctionAt + 1) << 8;
-  if (t.request.function == kIoctl && Left(t.setup) >= 4) t.request.level = ReadLittleU32(t.setup.at);
+  t.request.function = PeekLittleU16(block.allWords, kFunctionAt);
+  if (t.request.function == kIoctl) t.request.level = PeekLittleU32(t.setup);
   AddTransactionBytes(t, FindSmbFunction(kFunctions, t.request.function));
 }
 
 void NtTransReplyWords(SmbBlock& block) {
-  AddSmbFields(block, block.words, kPartFields);
-  AddSmbFields(block, block.words, kSetupCount);
+  ShowSmbRows(block, block.words, kReply);
   AddSetupData(block);
 }
 
@@ -175,10 +132,7 @@ void NtTransReplyData(SmbBlock& block) {
   AddTransactionBytes(t, t.isKnown ? FindSmbFunction(kFunctions, t.request.function) : nullptr);
 }
 
-void NtTransSecondaryWords(SmbBlock& block) {
-  AddSmbFields(block, block.words, kPartFields);
-  AddSmbFields(block, block.words, kReserved8);
-}
+void NtTransSecondaryWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSecondary); }
 
 void NtTransSecondaryData(SmbBlock& block) {
   SmbTransaction t = ReadSmbTransaction(block, kSmbNtSecondary);

@@ -35,6 +35,22 @@ inline constexpr auto kSmbOplockLevelNames = SortedNames({{0, "None"}, {1, "Excl
 inline constexpr auto kSmbCreateActionNames = SortedNames({
     {0, "File Superseded"}, {1, "File Opened"}, {2, "File Created"}, {3, "File Overwritten"}});
 
+// What both ways of opening ask, and what they answer.
+inline constexpr auto kSmbNtOpen = LittleRows<Smb>({
+    Flags(4, "Flags", kSmbNtOpenFlagBits), Hex(4, "Root Directory FID"), Flags(4, "Desired Access", kSmbAccessMaskBits),
+    Number(8, "Allocation Size"), Flags(4, "File Attributes", kSmbAttributeBits),
+    Flags(4, "Share Access", kSmbShareAccessBits), Coded(4, "Create Disposition", kSmbDispositionNames),
+    Flags(4, "Create Options", kSmbCreateOptionBits)});
+inline constexpr auto kSmbNtSecurity = LittleRows<Smb>({
+    Coded(4, "Impersonation Level", kSmbImpersonationNames), Flags(1, "Security Flags", kSmbSecurityFlagBits)});
+inline constexpr auto kSmbNtOpened = LittleRows<Smb>({
+    FileTime("Creation Time"), FileTime("Last Access Time"), FileTime("Last Write Time"), FileTime("Change Time"),
+    Flags(4, "File Attributes", kSmbAttributeBits), Number(8, "Allocation Size"), Number(8, "End of File"),
+    Coded(2, "File Type", kSmbFileTypeNames), Flags(2, "Pipe State", kSmbPipeStateBits),
+    Coded(1, "Directory", kFalseTrueNames), Bytes(16, "Volume GUID"), Hex(8, "File ID"),
+    Flags(4, "Maximal Access Rights", kSmbAccessMaskBits),
+    Flags(4, "Guest Maximal Access Rights", kSmbAccessMaskBits)});
+
 // --- opens from before NT (MS-CIFS 2.2.4.3, 2.2.4.41, 2.2.6.1) ---
 
 inline constexpr auto kSmbAccessModeNames = SortedNames({{0, "Read"}, {1, "Write"}, {2, "Read and Write"}, {3, "Execute"}});
@@ -48,28 +64,27 @@ inline constexpr auto kSmbOpenActionNames = SortedNames({
     {1, "File Existed and was Opened"}, {2, "File Did Not Exist and was Created"},
     {3, "File Existed and was Truncated"}});
 
-// Some bits of a word with the names of their values.
-struct SmbBitRow {
-  uint8_t firstBit, bitCount;
-  const char* label;
-  SmbNames names;
-};
-
-inline constexpr SmbBitRow kSmbAccessModeBits[] = {
-    {13, 3, "Access", kSmbAccessModeNames}, {9, 3, "Sharing", kSmbSharingModeNames},
-    {5, 3, "Locality", kSmbLocalityNames}, {3, 1, "Do Not Cache", kFalseTrueNames},
-    {1, 1, "Write Through", kFalseTrueNames}};
-inline constexpr SmbBitRow kSmbOpenFunctionBits[] = {
-    {14, 2, "If the File Exists", kSmbExistsActionNames}, {11, 1, "Create if It Does Not", kFalseTrueNames}};
-inline constexpr SmbBitRow kSmbOpenResultBits[] = {
-    {14, 2, "Action", kSmbOpenActionNames}, {0, 1, "Opportunistic Lock Granted", kFalseTrueNames}};
-
 inline constexpr auto kSmbOpenFlagBits = SortedNames({
     {0x0001, "Additional Information Requested"}, {0x0002, "Exclusive Opportunistic Lock Requested"},
     {0x0004, "Batch Opportunistic Lock Requested"}, {0x0008, "Total Length of EAs Requested"},
     {0x0010, "Extended Response Requested"}});
 
-// smb_open.cpp: "Label: 0x0042" for a word and a line for each of its rows.
-void AddSmbBits(const Place& in, Cursor& c, const char* label, std::span<const SmbBitRow> rows);
+// Some bits of a word with the names of their values.
+consteval RowData SmbBits(uint8_t first, uint8_t count, const char* label, Names names) {
+  names.unnamed = kUndefined;
+  RowData row = Flag(first, label, names);
+  row.bitCount = count;
+  return row;
+}
+
+inline constexpr auto kSmbAccessMode = LittleRows<Smb>({
+    Hex(2, "Access Mode"), SmbBits(13, 3, "Access", kSmbAccessModeNames),
+    SmbBits(9, 3, "Sharing", kSmbSharingModeNames), SmbBits(5, 3, "Locality", kSmbLocalityNames),
+    Flag(3, "Do Not Cache"), Flag(1, "Write Through")});
+inline constexpr auto kSmbOpenFunction = LittleRows<Smb>({
+    Hex(2, "Open Function"), SmbBits(14, 2, "If the File Exists", kSmbExistsActionNames),
+    Flag(11, "Create if It Does Not")});
+inline constexpr auto kSmbOpenResults = LittleRows<Smb>({
+    Hex(2, "Open Results"), SmbBits(14, 2, "Action", kSmbOpenActionNames), Flag(0, "Opportunistic Lock Granted")});
 
 }  // namespace qxview

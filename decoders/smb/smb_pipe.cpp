@@ -11,10 +11,10 @@ constexpr uint8_t kLastRpcType = 19, kLastCharacters = 1, kLastFloats = 3;
 
 bool IsRpcHeader(const Cursor& c) {
   if (Left(c) < kRpcHeaderSize) return false;
-  const uint8_t* b = c.at;
-  const bool knownForm = (b[4] >> 4) <= 1 && (b[4] & 15) <= kLastCharacters && b[5] <= kLastFloats && !b[6] && !b[7];
-  const uint32_t length = b[4] & 0x10 ? ReadLittleU16(b + 8) : ReadU16(b + 8);
-  return b[0] == 5 && b[1] <= 1 && b[2] <= kLastRpcType && knownForm && length >= kRpcHeaderSize;
+  const uint32_t integers = PeekU8(c, 4) >> 4, characters = PeekU8(c, 4) & 15, floats = PeekU8(c, 5);
+  const bool knownForm = integers <= 1 && characters <= kLastCharacters && floats <= kLastFloats && PeekU16(c, 6) == 0;
+  const uint32_t length = integers ? PeekLittleU16(c, 8) : PeekU16(c, 8);
+  return PeekU8(c) == 5 && PeekU8(c, 1) <= 1 && PeekU8(c, 2) <= kLastRpcType && knownForm && length >= kRpcHeaderSize;
 }
 
 void AddSmbPipeData(const Place& in, Cursor& c, const char* title) {

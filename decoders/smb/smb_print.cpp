@@ -8,39 +8,27 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kEntrySize = 28, kNameSize = 16;
-
 constexpr auto kModes = SortedNames({{0, "Text"}, {1, "Graphics"}});
 constexpr auto kStatusNames = SortedNames({
     {1, "Held or Stopped"}, {2, "Printing"}, {3, "Awaiting Print"}, {4, "In Intercept"}, {5, "File Had Error"},
     {6, "Printer Error"}});
 
-constexpr SmbField kOpen[] = {{kSmbNumber16, "Setup Length"}, {kSmbName16, "Mode", kModes}};
-constexpr SmbField kOpenName[] = {{kSmbFormattedText, "Identifier"}};
-constexpr SmbField kQueue[] = {{kSmbSigned16, "Maximum Count"}, {kSmbNumber16, "Start Index"}};
-constexpr SmbField kQueueResult[] = {{kSmbNumber16, "Count"}, {kSmbNumber16, "Restart Index"}};
-constexpr SmbField kQueueHeader[] = {
-    {kSmbName8, "Buffer Format", kSmbBufferFormatNames}, {kSmbNumber16, "Data Length"}};
-constexpr SmbField kEntry[] = {
-    {kSmbDosDateTime, "File Time"}, {kSmbName8, "Status", kStatusNames}, {kSmbNumber16, "Spool File Number"},
-    {kSmbNumber32, "Spool File Size"}, {kSmbHex8, "Reserved"}};
+constexpr auto kOpen = LittleRows<Smb>({Number(2, "Setup Length"), Coded(2, "Mode", kModes)});
+constexpr auto kOpenName = LittleRows<Smb>({kSmbBufferFormat, SmbText("Identifier")});
+constexpr auto kQueue = LittleRows<Smb>({Signed(2, "Maximum Count"), Number(2, "Start Index")});
+constexpr auto kQueueResult = LittleRows<Smb>({Number(2, "Count"), Number(2, "Restart Index")});
+constexpr auto kEntry = LittleRows<Smb>({
+    SmbDateTime("File Time"), Coded(1, "Status", kStatusNames), Number(2, "Spool File Number"),
+    Number(4, "Spool File Size"), Hex(1, "Reserved"), SmbOemName<16>("Spool File Name")});
+constexpr auto kEntries = LittleRows<Smb>({
+    kSmbBufferFormat, Number(2, "Data Length"), SmbRecords<kEntry, 28>("Print Queue Entry")});
 
 }  // namespace
 
-void OpenPrintRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kOpen); }
-void OpenPrintRequestData(SmbBlock& block) { AddSmbFields(block, block.data, kOpenName); }
-void PrintQueueRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kQueue); }
-void PrintQueueResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kQueueResult); }
-
-void PrintQueueResponseData(SmbBlock& block) {
-  Cursor& c = block.data;
-  AddSmbFields(block, c, kQueueHeader);
-  while (Left(c) >= kEntrySize && !PacketOf(block.in).limitReached) {
-    Cursor entry = TakeCursor(c, kEntrySize);
-    const Place in = Under(block.in, AddLine(block.in, Ahead(entry, kEntrySize), "Print Queue Entry"));
-    AddSmbFields(*block.message, in, entry, kEntry);
-    AddSmbCounted(*block.message, in, entry, kNameSize, "Spool File Name", SmbCharacters::kOem);
-  }
-}
+void OpenPrintRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kOpen); }
+void OpenPrintRequestData(SmbBlock& block) { ShowSmbRows(block, block.data, kOpenName); }
+void PrintQueueRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kQueue); }
+void PrintQueueResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kQueueResult); }
+void PrintQueueResponseData(SmbBlock& block) { ShowSmbRows(block, block.data, kEntries); }
 
 }  // namespace qxview

@@ -7,16 +7,15 @@ namespace qxview {
 namespace {
 
 constexpr const char* kAnyCall = "Remote Administration Call";
-constexpr int32_t kUserNameSize = 21, kPasswordSize = 16, kComputerNameSize = 16;
+// The structures that logon calls hold as one byte string.
+constexpr auto kLogon = LittleRows<Smb>({
+    SmbOemName<21>("User Name"), Bytes(1, "Pad"), Bytes(16, "Password"), SmbOemName<16>("Workstation")});
+constexpr auto kLogoff = LittleRows<Smb>({SmbOemName<21>("User Name"), Bytes(1, "Pad"), SmbOemName<16>("Workstation")});
 
-// Fields of the structures that logon calls hold as one byte string.
-void AddLogonData(const SmbMessage& message, const Place& at, Cursor& c, int32_t size, bool withPassword) {
+void AddLogonData(const SmbMessage& message, const Place& at, Cursor& c, int32_t size, bool isLogon) {
   Cursor data = TakeCursor(c, size);
-  const Place in = Under(at, AddLine(at, Ahead(data, data.left), "%s", withPassword ? "Logon Data" : "Logoff Data"));
-  AddSmbCounted(message, in, data, kUserNameSize, "User Name", SmbCharacters::kOem);
-  AddSmbField(message, in, data, {kSmbBytes, "Pad", {}, 1});
-  if (withPassword) AddSmbField(message, in, data, {kSmbBytes, "Password", {}, kPasswordSize});
-  if (Left(data) > 0) AddSmbCounted(message, in, data, kComputerNameSize, "Workstation", SmbCharacters::kOem);
+  const Place in = Under(at, AddSmbTitle(at, Ahead(data, data.left), isLogon ? "Logon Data" : "Logoff Data"));
+  ShowSmbRows(message, in, data, isLogon ? SmbRowSpan(kLogon) : kLogoff);
   AddBlock(in, Rest(data), "Reserved");
 }
 
@@ -73,7 +72,7 @@ void AddReplyParameter(SmbTransaction& t, const Place& in, Cursor& c, const RapI
   RapLabel label{{}, item.code, "Parameter", RapParameterKind(item.code)};
   switch (item.code) {
     case 'e':
-      t.request.flags = Left(c) >= 2 ? ReadLittleU16(c.at) : 0;
+      t.request.flags = PeekLittleU16(c);
       [[fallthrough]];
     case 'h':
     case 'i':
@@ -88,12 +87,20 @@ void AddReplyParameter(SmbTransaction& t, const Place& in, Cursor& c, const RapI
   }
 }
 
+const char* NameOfCall(uint32_t code) {
+  const RapCall* call = FindRapCall(code);
+  return call ? call->name : kUndefined;
+}
+constexpr auto kFunction = LittleRows<Smb>({Coded(2, "Function", NameOfCall)});
+constexpr auto kStatus = LittleRows<Smb>({
+    Coded(2, "Return Status", RapStatusName), Number(2, "Converter").Into(&Smb::level)});
+
 void RequestParameters(SmbTransaction& t, const Place& in, Cursor& c) {
-  const Field code = TakeLittleU16(c);
-  const RapCall* call = FindRapCall(code.value);
-  AddLine(in, code, "Function: [%u] = %s", code.value, call ? call->name : kUndefined);
+  const uint32_t code = PeekLittleU16(c);
+  const RapCall* call = FindRapCall(code);
+  ShowSmbRows(t.message, in, c, kFunction);
   t.request.isRap = true;
-  t.request.function = code.value;
+  t.request.function = code;
   AddDescriptor(t.message, in, c, "Parameter Descriptor", true, t.request.parameters);
   AddDescriptor(t.message, in, c, "Data Descriptor", false, t.request.data);
   const char* at = t.request.parameters;
@@ -107,11 +114,7 @@ void RequestData(SmbTransaction& t, const Place& in, Cursor& c) { AddRapStructur
 // The count of structures and the converter wait in the transaction's copy of the request for the data.
 void ReplyParameters(SmbTransaction& t, const Place& in, Cursor& c) {
   const RapCall* call = FindRapCall(t.request.function);
-  const Field status = TakeLittleU16(c);
-  AddLine(in, status, "Return Status: [%u] = %s", status.value, RapStatusName(status.value));
-  const Field converter = TakeLittleU16(c);
-  AddLine(in, converter, "Converter: %u", converter.value);
-  t.request.level = converter.value;
+  t.request.level = ShowSmbRows(t.message, in, c, kStatus).level.value;
   t.request.flags = 1;
   const char* at = t.request.parameters;
   const char* labels = call ? call->reply : "";
@@ -132,8 +135,8 @@ void AddCall(SmbTransaction& t, uint32_t code) {
 }  // namespace
 
 void AddRapRequest(SmbTransaction& t) {
-  const Field code = SmbRange(t.message, t.parameterOffset, 2);
-  AddCall(t, code.here ? ReadLittleU16(code.bytes) : UINT32_MAX);
+  const Cursor code = SmbCursor(t.message, t.parameterOffset, 2);
+  AddCall(t, Left(code) >= 2 ? PeekLittleU16(code) : UINT32_MAX);
 }
 
 void AddRapReply(SmbTransaction& t) { AddCall(t, t.request.function); }

@@ -1,7 +1,7 @@
 // The structures that remote administration calls send and return.
 #include "decoders/smb/smb_rap.h"
 
-#include "decoders/smb/smb_mailslot.h"
+#include "core/times.h"
 
 namespace qxview {
 namespace {
@@ -9,6 +9,8 @@ namespace {
 constexpr int32_t kMostCount = 65535, kShownBytes = 64, kPointerSize = 4, kSmallestShown = 4;
 
 constexpr auto kShareTypes = SortedNames({{0, "Disk"}, {1, "Print Queue"}, {2, "Communication Device"}, {3, "IPC"}});
+
+constexpr auto kServerType = LittleRows<Smb>({Flags(4, nullptr, kSmbServerTypeBits)});
 
 // The data bytes of a message, for fields that point into them.
 struct Buffer {
@@ -89,7 +91,7 @@ uint32_t AddStructureField(const SmbMessage& message, const Place& in, Cursor& c
       }
       break;
     case 'N': {
-      const uint32_t count = Left(c) >= 2 ? ReadLittleU16(c.at) : 0;
+      const uint32_t count = PeekLittleU16(c);
       AddRapNumber(message, in, c, 2, label);
       return count;
     }
@@ -104,7 +106,7 @@ bool IsSign(char c) { return c == '@' || c == '#' || c == '&' || c == '~'; }
 uint32_t AddStructure(const SmbMessage& message, const Place& at, Cursor& c, Buffer& buffer, const char* descriptor,
                       const char* labels, const char* title) {
   Cursor fields = TakeCursor(c, SizeOf(descriptor));
-  const Place in = Under(at, AddLine(at, Ahead(fields, fields.left), "%s", title));
+  const Place in = Under(at, AddSmbTitle(at, Ahead(fields, fields.left), title));
   if (*descriptor == 'B' && *labels && !IsSign(*labels)) {   // it starts with its name
     Cursor name = fields;
     NameSmbEntry(in, TakeSmbString(message, name, SmbCharacters::kOem));
@@ -117,11 +119,11 @@ uint32_t AddStructure(const SmbMessage& message, const Place& at, Cursor& c, Buf
   return auxiliary;
 }
 
-struct Signed {
+struct SignedLabel {
   char sign;
   TextSlice text;
 };
-Signed SignOf(const RapLabel& label) {
+SignedLabel SignOf(const RapLabel& label) {
   if (label.text.length < 1 || !IsSign(label.text.text[0])) return {0, label.text};
   return {label.text.text[0], {label.text.text + 1, label.text.length - 1}};
 }
@@ -149,7 +151,7 @@ TextSlice TakeRapLabel(const char*& labels) {
 }
 
 void AddRapNumber(const SmbMessage& message, const Place& in, Cursor& c, int32_t size, const RapLabel& label) {
-  const Signed how = SignOf(label);
+  const SignedLabel how = SignOf(label);
   const Field number = size == 1 ? TakeU8(c) : size == 2 ? TakeLittleU16(c) : TakeLittleU32(c);
   if (how.text.length < 1) {
     AddLine(in, number, "%c %s (%s): %u", label.code, label.word, label.kind, number.value);
@@ -161,14 +163,15 @@ void AddRapNumber(const SmbMessage& message, const Place& in, Cursor& c, int32_t
     Cursor again = CursorOver(number);
     ShortText<40> name;
     FormatInto(name.text, sizeof name.text, "%s", how.text);
-    AddSmbField(message, in, again, {kSmbFlags32, name.text, kSmbServerTypeBits});
+    Smb values{&message};
+    ShowRows<Smb>(in, again, kServerType, values, name.text);
   } else {
     AddLine(in, number, "%s: %u", how.text, number.value);
   }
 }
 
 void AddRapBytes(const SmbMessage& message, const Place& in, Cursor& c, int64_t size, const RapLabel& label) {
-  const Signed how = SignOf(label);
+  const SignedLabel how = SignOf(label);
   if (size < 1 || Left(c) < 1) return;
   const Field bytes = TakeBytes(c, size < Left(c) ? size : Left(c));
   ShortText<60> title;
@@ -188,7 +191,7 @@ void AddRapBytes(const SmbMessage& message, const Place& in, Cursor& c, int64_t 
 }
 
 void AddRapText(const SmbMessage& message, const Place& in, Cursor& c, const RapLabel& label) {
-  const Signed how = SignOf(label);
+  const SignedLabel how = SignOf(label);
   const SmbString string = TakeSmbString(message, c, SmbCharacters::kOem);
   const char* text = string.text[0] ? string.text : "<null string>";
   if (how.text.length > 0) {

@@ -10,39 +10,37 @@ constexpr auto kWriteModeBits = SortedNames({
     {0x0001, "Write Through"}, {0x0002, "Return Bytes Available"}, {0x0004, "Raw Named Pipe"},
     {0x0008, "Start of Message"}, {0x0080, "Connectionless"}});
 
-constexpr SmbField kReadPieces[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber32, "Offset"}, {kSmbNumber16, "Maximum Count"}, {kSmbNumber16, "Minimum Count"},
-    {kSmbNumber32, "Timeout"}, {kSmbHex16, "Reserved"}, {kSmbNumber32, "Offset High"}};
+constexpr auto kReadPieces = LittleRows<Smb>({
+    Hex(2, "FID"), Number(4, "Offset"), Number(2, "Maximum Count"), Number(2, "Minimum Count"), Number(4, "Timeout"),
+    Hex(2, "Reserved"), Number(4, "Offset High")});
 
-constexpr SmbField kReadMpxResult[] = {
-    {kSmbNumber32, "Offset"}, {kSmbNumber16, "Count"}, {kSmbNumber16, "Remaining"},
-    {kSmbNumber16, "Data Compaction Mode"}, {kSmbHex16, "Reserved"}, {kSmbNumber16, "Data Length"},
-    {kSmbNumber16, "Data Offset"}};
+constexpr auto kReadMpxResult = LittleRows<Smb>({
+    Number(4, "Offset"), Number(2, "Count"), Number(2, "Remaining"), Number(2, "Data Compaction Mode"),
+    Hex(2, "Reserved"), Number(2, "Data Length"), Number(2, "Data Offset")});
 
-constexpr SmbField kWriteRaw[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber16, "Count"}, {kSmbHex16, "Reserved"}, {kSmbNumber32, "Offset"},
-    {kSmbNumber32, "Timeout"}, {kSmbFlags16, "Write Mode", kWriteModeBits}, {kSmbHex32, "Reserved"},
-    {kSmbNumber16, "Data Length"}, {kSmbNumber16, "Data Offset"}, {kSmbNumber32, "Offset High"}};
-constexpr SmbField kWriteRawResult[] = {{kSmbNumber16, "Remaining"}};
+constexpr auto kWriteRaw = LittleRows<Smb>({
+    Hex(2, "FID"), Number(2, "Count"), Hex(2, "Reserved"), Number(4, "Offset"), Number(4, "Timeout"),
+    Flags(2, "Write Mode", kWriteModeBits), Hex(4, "Reserved"), Number(2, "Data Length"), Number(2, "Data Offset"),
+    Number(4, "Offset High")});
+constexpr auto kWriteRawResult = LittleRows<Smb>({Number(2, "Remaining")});
 
-constexpr SmbField kWriteMpx[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber16, "Count"}, {kSmbHex16, "Reserved"}, {kSmbNumber32, "Offset"},
-    {kSmbNumber32, "Timeout"}, {kSmbFlags16, "Write Mode", kWriteModeBits}, {kSmbHex32, "Request Mask"},
-    {kSmbNumber16, "Data Length"}, {kSmbNumber16, "Data Offset"}};
-constexpr SmbField kWriteMpxResult[] = {{kSmbHex32, "Response Mask"}};
+constexpr auto kWriteMpx = LittleRows<Smb>({
+    Hex(2, "FID"), Number(2, "Count"), Hex(2, "Reserved"), Number(4, "Offset"), Number(4, "Timeout"),
+    Flags(2, "Write Mode", kWriteModeBits), Hex(4, "Request Mask"), Number(2, "Data Length"),
+    Number(2, "Data Offset")});
+constexpr auto kWriteMpxResult = LittleRows<Smb>({Hex(4, "Response Mask")});
 
-constexpr SmbField kIoctl[] = {
-    {kSmbHex16, "FID"}, {kSmbHex16, "Category"}, {kSmbHex16, "Function"}, {kSmbNumber16, "Total Parameter Count"},
-    {kSmbNumber16, "Total Data Count"}, {kSmbNumber16, "Maximum Parameter Count"},
-    {kSmbNumber16, "Maximum Data Count"}, {kSmbNumber32, "Timeout"}, {kSmbHex16, "Reserved"},
-    {kSmbNumber16, "Parameter Count"}, {kSmbNumber16, "Parameter Offset"}, {kSmbNumber16, "Data Count"},
-    {kSmbNumber16, "Data Offset"}};
+constexpr auto kIoctl = LittleRows<Smb>({
+    Hex(2, "FID"), Hex(2, "Category"), Hex(2, "Function"), Number(2, "Total Parameter Count"),
+    Number(2, "Total Data Count"), Number(2, "Maximum Parameter Count"), Number(2, "Maximum Data Count"),
+    Number(4, "Timeout"), Hex(2, "Reserved"), Number(2, "Parameter Count"), Number(2, "Parameter Offset"),
+    Number(2, "Data Count"), Number(2, "Data Offset")});
 
 // Of responses and of secondary requests.
-constexpr SmbField kIoctlCounts[] = {
-    {kSmbNumber16, "Total Parameter Count"}, {kSmbNumber16, "Total Data Count"}, {kSmbNumber16, "Parameter Count"},
-    {kSmbNumber16, "Parameter Offset"}, {kSmbNumber16, "Parameter Displacement"}, {kSmbNumber16, "Data Count"},
-    {kSmbNumber16, "Data Offset"}, {kSmbNumber16, "Data Displacement"}};
+constexpr auto kIoctlCounts = LittleRows<Smb>({
+    Number(2, "Total Parameter Count"), Number(2, "Total Data Count"), Number(2, "Parameter Count"),
+    Number(2, "Parameter Offset"), Number(2, "Parameter Displacement"), Number(2, "Data Count"),
+    Number(2, "Data Offset"), Number(2, "Data Displacement")});
 
 void AddIoctlBytes(SmbBlock& block, uint32_t parameterCount, uint32_t parameterOffset, uint32_t dataCount,
                    uint32_t dataOffset) {
@@ -59,28 +57,28 @@ void AddIoctlBytes(SmbBlock& block, uint32_t parameterCount, uint32_t parameterO
 
 }  // namespace
 
-void ReadRawRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadPieces); }
-void ReadMpxRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadPieces); }
-void ReadMpxResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadMpxResult); }
+void ReadRawRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kReadPieces); }
+void ReadMpxRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kReadPieces); }
+void ReadMpxResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kReadMpxResult); }
 void ReadMpxResponseData(SmbBlock& block) { AddSmbFileDataAt(block, SmbWord(block, 7), SmbWord(block, 6)); }
 // A server that asks for the rest does so in a message that is no response by its flags.
 void WriteRawRequestWords(SmbBlock& block) {
   if (block.wordCount == 1) {
-    AddSmbFields(block, block.words, kWriteRawResult);
+    ShowSmbRows(block, block.words, kWriteRawResult);
   } else {
-    AddSmbFields(block, block.words, kWriteRaw);
+    ShowSmbRows(block, block.words, kWriteRaw);
   }
 }
 void WriteRawRequestData(SmbBlock& block) { AddSmbFileDataAt(block, SmbWord(block, 11), SmbWord(block, 10)); }
-void WriteRawResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteRawResult); }
-void WriteMpxRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteMpx); }
-void WriteMpxResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteMpxResult); }
+void WriteRawResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteRawResult); }
+void WriteMpxRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteMpx); }
+void WriteMpxResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteMpxResult); }
 
-void IoctlRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kIoctl); }
+void IoctlRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kIoctl); }
 void IoctlRequestData(SmbBlock& block) {
   AddIoctlBytes(block, SmbWord(block, 10), SmbWord(block, 11), SmbWord(block, 12), SmbWord(block, 13));
 }
-void IoctlCountsWords(SmbBlock& block) { AddSmbFields(block, block.words, kIoctlCounts); }
+void IoctlCountsWords(SmbBlock& block) { ShowSmbRows(block, block.words, kIoctlCounts); }
 void IoctlCountsData(SmbBlock& block) {
   AddIoctlBytes(block, SmbWord(block, 2), SmbWord(block, 3), SmbWord(block, 5), SmbWord(block, 6));
 }

@@ -15,33 +15,32 @@ constexpr auto kWriteModeBits = SortedNames({
 
 constexpr uint32_t kRawMessageStart = 0x000C;   // the message's length stands in front of its data
 
-constexpr SmbField kRead[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber16, "Count"}, {kSmbNumber32, "Offset"}, {kSmbNumber16, "Remaining"}};
-constexpr SmbField kReadResult[] = {{kSmbNumber16, "Count"}, {kSmbBytes, "Reserved", {}, 8}};
-constexpr SmbField kWriteResult[] = {{kSmbNumber16, "Count"}};
+constexpr auto kRead = LittleRows<Smb>({
+    Hex(2, "FID"), Number(2, "Count"), Number(4, "Offset"), Number(2, "Remaining")});
+constexpr auto kReadResult = LittleRows<Smb>({Number(2, "Count"), Bytes(8, "Reserved")});
+constexpr auto kWriteResult = LittleRows<Smb>({Number(2, "Count")});
 
-constexpr SmbField kWriteClose[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber16, "Count"}, {kSmbNumber32, "Offset"}, {kSmbTime32, "Last Write Time"},
-    {kSmbBytes, "Reserved", {}, 12}};
+constexpr auto kWriteClose = LittleRows<Smb>({
+    Hex(2, "FID"), Number(2, "Count"), Number(4, "Offset"), UnixTime(4, "Last Write Time"), Bytes(12, "Reserved")});
 
-constexpr SmbField kReadAndX[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber32, "Offset"}, {kSmbNumber16, "Maximum Count"}, {kSmbNumber16, "Minimum Count"},
-    {kSmbHex32, "Timeout or Maximum Count High"}, {kSmbNumber16, "Remaining"}, {kSmbNumber32, "Offset High"}};
+constexpr auto kReadAndX = LittleRows<Smb>({
+    Hex(2, "FID"), Number(4, "Offset"), Number(2, "Maximum Count"), Number(2, "Minimum Count"),
+    Hex(4, "Timeout or Maximum Count High"), Number(2, "Remaining"), Number(4, "Offset High")});
 
-constexpr SmbField kReadAndXResult[] = {
-    {kSmbNumber16, "Remaining"}, {kSmbNumber16, "Data Compaction Mode"}, {kSmbHex16, "Reserved"},
-    {kSmbNumber16, "Data Length"}, {kSmbNumber16, "Data Offset"}, {kSmbNumber16, "Data Length High"},
-    {kSmbBytes, "Reserved", {}, 8}};
+constexpr auto kReadAndXResult = LittleRows<Smb>({
+    Number(2, "Remaining"), Number(2, "Data Compaction Mode"), Hex(2, "Reserved"), Number(2, "Data Length"),
+    Number(2, "Data Offset"), Number(2, "Data Length High"), Bytes(8, "Reserved")});
 
-constexpr SmbField kWriteAndX[] = {
-    {kSmbHex16, "FID"}, {kSmbNumber32, "Offset"}, {kSmbNumber32, "Timeout"},
-    {kSmbFlags16, "Write Mode", kWriteModeBits}, {kSmbNumber16, "Remaining"}, {kSmbNumber16, "Data Length High"},
-    {kSmbNumber16, "Data Length"}, {kSmbNumber16, "Data Offset"}, {kSmbNumber32, "Offset High"}};
+constexpr auto kWriteAndX = LittleRows<Smb>({
+    Hex(2, "FID"), Number(4, "Offset"), Number(4, "Timeout"), Flags(2, "Write Mode", kWriteModeBits),
+    Number(2, "Remaining"), Number(2, "Data Length High"), Number(2, "Data Length"), Number(2, "Data Offset"),
+    Number(4, "Offset High")});
 
-constexpr SmbField kMessageLength[] = {{kSmbNumber16, "Message Length"}};
+constexpr auto kDataBlock = LittleRows<Smb>({kSmbBufferFormat, Number(2, "Data Length").Into(&Smb::length)});
+constexpr auto kMessageLength = LittleRows<Smb>({Number(2, "Message Length")});
 
-constexpr SmbField kWriteAndXResult[] = {
-    {kSmbNumber16, "Count"}, {kSmbNumber16, "Remaining"}, {kSmbNumber16, "Count High"}, {kSmbHex16, "Reserved"}};
+constexpr auto kWriteAndXResult = LittleRows<Smb>({
+    Number(2, "Count"), Number(2, "Remaining"), Number(2, "Count High"), Hex(2, "Reserved")});
 
 // The bytes at an offset from the header; the padding in front of them is taken and shown.
 Cursor TakeSmbDataAt(SmbBlock& block, uint32_t offset, uint32_t length) {
@@ -61,19 +60,15 @@ void AddSmbFileDataAt(SmbBlock& block, uint32_t offset, uint32_t length) {
 }
 
 void DataBlockData(SmbBlock& block) {
-  const Field format = TakeU8(block.data);
-  AddLine(block.in, format, "Buffer Format: [%u] = %s", format.value,
-          LookupName(kSmbBufferFormatNames, format.value, kUndefined));
-  const Field length = TakeLittleU16(block.data);
-  AddLine(block.in, length, "Data Length: %u", length.value);
+  const Field length = ShowSmbRows(block, block.data, kDataBlock).length;
   AddSmbFileData(block, TakeCursor(block.data, length.value));
 }
 
-void ReadRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kRead); }
-void ReadResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadResult); }
-void WriteRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kRead); }
-void WriteCountWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteResult); }
-void WriteCloseRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteClose); }
+void ReadRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kRead); }
+void ReadResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kReadResult); }
+void WriteRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kRead); }
+void WriteCountWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteResult); }
+void WriteCloseRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteClose); }
 
 void WriteCloseRequestData(SmbBlock& block) {
   const uint32_t count = SmbWord(block, 1);
@@ -82,18 +77,18 @@ void WriteCloseRequestData(SmbBlock& block) {
   AddSmbFileData(block, TakeCursor(block.data, count));
 }
 
-void ReadAndXRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadAndX); }
-void ReadAndXResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kReadAndXResult); }
+void ReadAndXRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kReadAndX); }
+void ReadAndXResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kReadAndXResult); }
 void ReadAndXResponseData(SmbBlock& block) {
   AddSmbFileDataAt(block, SmbWord(block, 6), SmbWord(block, 5) | SmbWord(block, 7) << 16);
 }
 
-void WriteAndXRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteAndX); }
+void WriteAndXRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteAndX); }
 void WriteAndXRequestData(SmbBlock& block) {
   Cursor data = TakeSmbDataAt(block, SmbWord(block, 11), SmbWord(block, 10) | SmbWord(block, 9) << 16);
-  if ((SmbWord(block, 7) & kRawMessageStart) == kRawMessageStart) AddSmbFields(block, data, kMessageLength);
+  if ((SmbWord(block, 7) & kRawMessageStart) == kRawMessageStart) ShowSmbRows(block, data, kMessageLength);
   AddSmbFileData(block, data);
 }
-void WriteAndXResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kWriteAndXResult); }
+void WriteAndXResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kWriteAndXResult); }
 
 }  // namespace qxview

@@ -9,65 +9,45 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kResumeKeySize = 21, kEntrySize = 43, kNameSize = 13;
+constexpr int32_t kResumeKeySize = 21, kNameSize = 13;
 
-constexpr SmbField kSearch[] = {{kSmbNumber16, "Maximum Count"}, {kSmbFlags16, "Search Attributes", kSmbSearchBits}};
-constexpr SmbField kSearchName[] = {{kSmbFormattedText, "File Name"}};
-constexpr SmbField kSearchResult[] = {{kSmbNumber16, "Count"}};
-constexpr SmbField kBlockHeader[] = {{kSmbName8, "Buffer Format", kSmbBufferFormatNames}};
+constexpr auto kSearch = LittleRows<Smb>({Number(2, "Maximum Count"), Flags(2, "Search Attributes", kSmbSearchBits)});
+constexpr auto kSearchResult = LittleRows<Smb>({Number(2, "Count")});
 
-constexpr SmbField kResumeKey[] = {
-    {kSmbHex8, "Reserved"}, {kSmbBytes, "Server State", {}, 16}, {kSmbBytes, "Client State", {}, 4}};
-constexpr SmbField kEntry[] = {
-    {kSmbFlags8, "File Attributes", kSmbAttributeBits}, {kSmbDosTimeDate, "Last Write Time"},
-    {kSmbNumber32, "File Size"}};
-
-constexpr SmbField kFindClose[] = {{kSmbHex16, "Search Handle"}};
-
-constexpr SmbField kDisk[] = {
-    {kSmbNumber16, "Total Units"}, {kSmbNumber16, "Blocks per Unit"}, {kSmbNumber16, "Block Size"},
-    {kSmbNumber16, "Free Units"}, {kSmbHex16, "Reserved"}};
-
-void AddResumeKey(SmbBlock& block, const Place& in, Cursor& c) {
-  const Place under = Under(in, AddLine(in, Ahead(c, kResumeKeySize), "Resume Key"));
+constexpr auto kKey = LittleRows<Smb>({Hex(1, "Reserved"), Bytes(16, "Server State"), Bytes(4, "Client State")});
+void ShowKey(const Place& in, Cursor& c, const char* title, Smb& values) {
   Cursor key = TakeCursor(c, kResumeKeySize);
-  AddSmbFields(*block.message, under, key, kResumeKey);
+  ShowSmbRows(*values.message, Under(in, AddSmbTitle(in, Ahead(key, kResumeKeySize), title)), key, kKey);
 }
+void ShowCountedKey(const Place& in, Cursor& c, const char* title, Smb& values) {
+  if (values.length.value == kResumeKeySize && Left(c) >= kResumeKeySize) ShowKey(in, c, title, values);
+}
+constexpr auto kSearchName = LittleRows<Smb>({
+    kSmbBufferFormat, SmbText("File Name"), kSmbBufferFormat, Number(2, "Resume Key Length").Into(&Smb::length),
+    Shown("Resume Key", ShowCountedKey)});
 
 // Names in entries are filled to their size with blanks and a zero.
-void AddEntry(SmbBlock& block, Cursor& c) {
-  Cursor entry = TakeCursor(c, kEntrySize);
-  const LineHandle line = AddLine(block.in, Ahead(entry, kEntrySize), "Directory Entry");
-  const Place in = Under(block.in, line);
-  AddResumeKey(block, in, entry);
-  AddSmbFields(*block.message, in, entry, kEntry);
-  NameSmbEntry(in, AddSmbCounted(*block.message, in, entry, kNameSize, "File Name", SmbCharacters::kOem));
+void ShowName(const Place& in, Cursor& c, const char* label, Smb& values) {
+  NameSmbEntry(in, AddSmbCounted(*values.message, in, c, kNameSize, label, SmbCharacters::kOem));
 }
+constexpr auto kEntry = LittleRows<Smb>({
+    Shown("Resume Key", ShowKey), Flags(1, "File Attributes", kSmbAttributeBits), SmbTimeDate("Last Write Time"),
+    Number(4, "File Size"), Shown("File Name", ShowName)});
+constexpr auto kEntries = LittleRows<Smb>({
+    kSmbBufferFormat, Number(2, "Data Length"), SmbRecords<kEntry, 43>("Directory Entry")});
+
+constexpr auto kFindClose = LittleRows<Smb>({Hex(2, "Search Handle")});
+constexpr auto kDisk = LittleRows<Smb>({
+    Number(2, "Total Units"), Number(2, "Blocks per Unit"), Number(2, "Block Size"), Number(2, "Free Units"),
+    Hex(2, "Reserved")});
 
 }  // namespace
 
-void SearchRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kSearch); }
-
-void SearchRequestData(SmbBlock& block) {
-  Cursor& c = block.data;
-  AddSmbFields(block, c, kSearchName);
-  AddSmbFields(block, c, kBlockHeader);
-  const Field length = TakeLittleU16(c);
-  AddLine(block.in, length, "Resume Key Length: %u", length.value);
-  if (length.value == kResumeKeySize && Left(c) >= kResumeKeySize) AddResumeKey(block, block.in, c);
-}
-
-void SearchResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kSearchResult); }
-
-void SearchResponseData(SmbBlock& block) {
-  Cursor& c = block.data;
-  AddSmbFields(block, c, kBlockHeader);
-  const Field length = TakeLittleU16(c);
-  AddLine(block.in, length, "Data Length: %u", length.value);
-  while (Left(c) >= kEntrySize && !PacketOf(block.in).limitReached) AddEntry(block, c);
-}
-
-void FindCloseRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kFindClose); }
-void DiskResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kDisk); }
+void SearchRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSearch); }
+void SearchRequestData(SmbBlock& block) { ShowSmbRows(block, block.data, kSearchName); }
+void SearchResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSearchResult); }
+void SearchResponseData(SmbBlock& block) { ShowSmbRows(block, block.data, kEntries); }
+void FindCloseRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kFindClose); }
+void DiskResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kDisk); }
 
 }  // namespace qxview

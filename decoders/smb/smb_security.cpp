@@ -3,6 +3,7 @@
 //   revision (1)  0 (1)  control (2)  offsets of owner, group, SACL, DACL (4 each)
 //   SID   revision (1)  count (1)  authority (6, big-endian)  sub-authorities (4 each)
 //   ACL   revision (1)  0 (1)  size (2)  count (2)  0 (2)  entries: type (1)  flags (1)  size (2)  mask (4)  SID
+#include "decoders/common/guid.h"
 #include "decoders/common/sid.h"
 #include "decoders/smb/smb_info_levels.h"
 
@@ -34,58 +35,66 @@ constexpr auto kAceFlagBits = SortedNames({
 
 constexpr auto kObjectBits = SortedNames({{0x1, "Object Type Present"}, {0x2, "Inherited Object Type Present"}});
 
-constexpr SmbField kDescriptorFields[] = {
-    {kSmbNumber8, "Revision"}, {kSmbNumber8, "Reserved"}, {kSmbFlags16, "Control", kControlBits},
-    {kSmbNumber32, "Owner Offset"}, {kSmbNumber32, "Group Offset"}, {kSmbNumber32, "SACL Offset"},
-    {kSmbNumber32, "DACL Offset"}};
-constexpr SmbField kAclFields[] = {
-    {kSmbNumber8, "Revision"}, {kSmbNumber8, "Reserved"}, {kSmbNumber16, "ACL Size"}, {kSmbNumber16, "ACE Count"},
-    {kSmbNumber16, "Reserved"}};
-constexpr SmbField kAceFields[] = {
-    {kSmbName8, "ACE Type", kAceTypes}, {kSmbFlags8, "ACE Flags", kAceFlagBits}, {kSmbNumber16, "ACE Size"},
-    {kSmbFlags32, "Access Mask", kSmbAccessMaskBits}};
-constexpr SmbField kObjectFlags[] = {{kSmbFlags32, "Object Flags", kObjectBits}};
+struct Descriptor {
+  Field owner, group, sacl, dacl;
+};
+constexpr auto kDescriptor = LittleRows<Descriptor>({
+    Number(1, "Revision"), Number(1, "Reserved"), Flags(2, "Control", kControlBits),
+    Number(4, "Owner Offset").Into(&Descriptor::owner), Number(4, "Group Offset").Into(&Descriptor::group),
+    Number(4, "SACL Offset").Into(&Descriptor::sacl), Number(4, "DACL Offset").Into(&Descriptor::dacl)});
+constexpr auto kAcl = LittleRows<NoValues>({
+    Number(1, "Revision"), Number(1, "Reserved"), Number(2, "ACL Size"), Number(2, "ACE Count"),
+    Number(2, "Reserved")});
 
-constexpr SmbMessage kNoMessage{};   // no field here has text
-
-bool IsObjectAce(uint32_t type) {
-  return (type >= 5 && type <= 8) || type == 11 || type == 12 || type == 15 || type == 16;
+struct Ace {
+  Field type, objects;
+};
+constexpr auto kObjectType = LittleRows<Ace>({LittleGuid("Object Type")});
+constexpr auto kInheritedType = LittleRows<Ace>({LittleGuid("Inherited Object Type")});
+constexpr auto kObject = LittleRows<Ace>({Flags(4, "Object Flags", kObjectBits).Into(&Ace::objects)});
+void ShowObject(const Place& in, Cursor& c, const char*, Ace& ace) {
+  const uint32_t type = ace.type.value;
+  const bool hasObject = (type >= 5 && type <= 8) || type == 11 || type == 12 || type == 15 || type == 16;
+  if (!hasObject) return;
+  ShowRows<Ace>(in, c, kObject, ace);
+  if (ace.objects.value & 1) ShowRows<Ace>(in, c, kObjectType, ace);
+  if (ace.objects.value & 2) ShowRows<Ace>(in, c, kInheritedType, ace);
 }
+void ShowSid(const Place& in, Cursor& c, const char* label, Ace&) { AddSmbSid(in, c, label); }
+void ShowFiller(const Place& in, Cursor& c, const char* label, Ace&) { AddSmbFiller(in, c, label); }
+constexpr auto kAce = LittleRows<Ace>({
+    Coded(1, "ACE Type", kAceTypes).Into(&Ace::type), Flags(1, "ACE Flags", kAceFlagBits), Number(2, "ACE Size"),
+    Flags(4, "Access Mask", kSmbAccessMaskBits), Shown(nullptr, ShowObject), Shown("SID", ShowSid),
+    Shown("ACE Data", ShowFiller)});
 
-void AddAce(const Place& in, Cursor& c) {
-  const uint32_t type = c.at[0];
-  AddSmbFields(kNoMessage, in, c, kAceFields);
-  if (IsObjectAce(type)) {
-    const uint32_t present = AddSmbFields(kNoMessage, in, c, kObjectFlags);
-    if (present & 1) AddSmbGuid(in, c, "Object Type");
-    if (present & 2) AddSmbGuid(in, c, "Inherited Object Type");
-  }
-  AddSmbSid(in, c, "SID");
-  AddSmbFiller(in, c, "ACE Data");
+// What an offset leads to; nothing for 0 and for one past the end.
+Cursor TakeAt(const Cursor& descriptor, uint32_t offset) {
+  Cursor c = descriptor;
+  TakeCursor(c, offset == 0 ? Left(c) : offset);
+  return c;
 }
 
 void AddAcl(const Place& at, const Cursor& descriptor, uint32_t offset, const char* title, int32_t* end) {
-  Cursor c = descriptor;
-  if (offset == 0 || offset >= static_cast<uint32_t>(Left(c))) return;
-  TakeBytes(c, offset);
-  const uint32_t size = Left(c) >= 8 ? ReadLittleU16(c.at + 2) : 8, count = Left(c) >= 8 ? ReadLittleU16(c.at + 4) : 0;
-  Cursor acl = TakeCursor(c, size);
-  const Place in = Under(at, AddLine(at, Ahead(acl, acl.left), "%s", title));
-  AddSmbFields(kNoMessage, in, acl, kAclFields);
+  Cursor c = TakeAt(descriptor, offset);
+  if (Left(c) < 1) return;
+  const bool hasHeader = Left(c) >= 8;
+  const uint32_t count = hasHeader ? PeekLittleU16(c, 4) : 0;
+  Cursor acl = TakeCursor(c, hasHeader ? PeekLittleU16(c, 2) : 8);
+  const Place in = Under(at, AddSmbTitle(at, Ahead(acl, acl.left), title));
+  ShowRows(in, acl, kAcl);
   Loop loop;
   for (uint32_t i = 0; i < count && i < kMostAces && MoreAt(in, acl, loop) && Left(acl) >= 4; ++i) {
-    const uint32_t aceSize = ReadLittleU16(acl.at + 2);
-    Cursor ace = TakeCursor(acl, aceSize < kSmallestAce ? acl.left : aceSize);
-    AddAce(Under(in, AddLine(in, Ahead(ace, ace.left), "ACE")), ace);
+    const uint32_t size = PeekLittleU16(acl, 2);
+    Cursor ace = TakeCursor(acl, size < kSmallestAce ? Left(acl) : static_cast<int64_t>(size));
+    ShowRows(Under(in, AddLine(in, Ahead(ace, ace.left), "ACE")), ace, kAce);
   }
   AddSmbFiller(in, acl, "ACL Data");
   if (c.offset > *end) *end = c.offset;
 }
 
 void AddSidAt(const Place& in, const Cursor& descriptor, uint32_t offset, const char* label, int32_t* end) {
-  Cursor c = descriptor;
-  if (offset == 0 || offset >= static_cast<uint32_t>(Left(c))) return;
-  TakeBytes(c, offset);
+  Cursor c = TakeAt(descriptor, offset);
+  if (Left(c) < 1) return;
   AddSmbSid(in, c, label);
   if (c.offset > *end) *end = c.offset;
 }
@@ -99,18 +108,18 @@ void AddSmbSid(const Place& in, Cursor& c, const char* label) {
   AddLine(in, sid, "%s: %s", label, TextOfSid(sid));
 }
 
+void ShowSmbSid(const Place& in, Cursor& c, const char* label, Smb&) { AddSmbSid(in, c, label); }
+
 void AddSmbSecurityDescriptor(const Place& at, Cursor& c) {
   if (Left(c) < 20) return;
   const Cursor descriptor = c;
   const Place in = Under(at, AddLine(at, Ahead(c, c.left), "Security Descriptor"));
-  uint32_t offsets[4];
-  for (int32_t i = 0; i < 4; ++i) offsets[i] = ReadLittleU32(c.at + 4 + 4 * i);
-  AddSmbFields(kNoMessage, in, c, kDescriptorFields);
+  const Descriptor offsets = ShowRows(in, c, kDescriptor);
   int32_t end = c.offset;
-  AddSidAt(in, descriptor, offsets[0], "Owner SID", &end);
-  AddSidAt(in, descriptor, offsets[1], "Group SID", &end);
-  AddAcl(in, descriptor, offsets[2], "SACL", &end);
-  AddAcl(in, descriptor, offsets[3], "DACL", &end);
+  AddSidAt(in, descriptor, offsets.owner.value, "Owner SID", &end);
+  AddSidAt(in, descriptor, offsets.group.value, "Group SID", &end);
+  AddAcl(in, descriptor, offsets.sacl.value, "SACL", &end);
+  AddAcl(in, descriptor, offsets.dacl.value, "DACL", &end);
   TakeBytes(c, end - c.offset);
 }
 

@@ -14,22 +14,22 @@ constexpr uint32_t kChallengeResponseSize = 24;
 
 constexpr auto kActionBits = SortedNames({{0x0001, "Logged In as Guest"}, {0x0002, "LAN Manager Key Used"}});
 
-constexpr SmbField kCommon[] = {
-    {kSmbNumber16, "Maximum Buffer Size"}, {kSmbNumber16, "Maximum Multiplex Count"},
-    {kSmbNumber16, "Virtual Circuit Number"}, {kSmbHex32, "Session Key"}};
-constexpr SmbField kOld[] = {{kSmbNumber16, "Password Length"}, {kSmbHex32, "Reserved"}};
-constexpr SmbField kNt[] = {
-    {kSmbNumber16, "OEM Password Length"}, {kSmbNumber16, "Unicode Password Length"}, {kSmbHex32, "Reserved"},
-    {kSmbFlags32, "Capabilities", kSmbCapabilityBits}};
-constexpr SmbField kBlob[] = {
-    {kSmbNumber16, "Security Blob Length"}, {kSmbHex32, "Reserved"},
-    {kSmbFlags32, "Capabilities", kSmbCapabilityBits}};
-constexpr SmbField kAction[] = {{kSmbFlags16, "Action", kActionBits}, {kSmbNumber16, "Security Blob Length"}};
+constexpr auto kCommon = LittleRows<Smb>({
+    Number(2, "Maximum Buffer Size"), Number(2, "Maximum Multiplex Count"), Number(2, "Virtual Circuit Number"),
+    Hex(4, "Session Key")});
+constexpr auto kOld = LittleRows<Smb>({SmbTable<kCommon>(), Number(2, "Password Length"), Hex(4, "Reserved")});
+constexpr auto kNt = LittleRows<Smb>({
+    SmbTable<kCommon>(), Number(2, "OEM Password Length"), Number(2, "Unicode Password Length"), Hex(4, "Reserved"),
+    Flags(4, "Capabilities", kSmbCapabilityBits)});
+constexpr auto kBlob = LittleRows<Smb>({
+    SmbTable<kCommon>(), Number(2, "Security Blob Length"), Hex(4, "Reserved"),
+    Flags(4, "Capabilities", kSmbCapabilityBits)});
+constexpr auto kAction = LittleRows<Smb>({Flags(2, "Action", kActionBits), Number(2, "Security Blob Length")});
 
-constexpr SmbField kAccount[] = {{kSmbText, "Account"}, {kSmbText, "Primary Domain"}};
-constexpr SmbField kSystem[] = {
-    {kSmbText, "Native OS"}, {kSmbText, "Native LAN Manager"}, {kSmbText, "Primary Domain"}};
-constexpr int32_t kSystemOfRequest = 2;   // the domain stands with the account there
+constexpr auto kAccount = LittleRows<Smb>({
+    SmbText("Account"), SmbText("Primary Domain"), SmbText("Native OS"), SmbText("Native LAN Manager")});
+constexpr auto kSystem = LittleRows<Smb>({
+    SmbText("Native OS"), SmbText("Native LAN Manager"), SmbText("Primary Domain")});
 
 void AddBlob(SmbBlock& block, uint32_t length) {
   Cursor blob = TakeCursor(block.data, length);
@@ -48,21 +48,16 @@ void AddUnicodePassword(SmbBlock& block, uint32_t length) {
 }  // namespace
 
 void SessionSetupRequestWords(SmbBlock& block) {
-  AddSmbFields(block, block.words, kCommon);
-  if (block.wordCount == kNtRequestWords) {
-    AddSmbFields(block, block.words, kNt);
-  } else if (block.wordCount == kBlobRequestWords) {
-    AddSmbFields(block, block.words, kBlob);
-  } else {
-    AddSmbFields(block, block.words, kOld);
-  }
+  const uint32_t count = block.wordCount;
+  ShowSmbRows(block, block.words,
+              count == kNtRequestWords ? SmbRowSpan(kNt) : count == kBlobRequestWords ? SmbRowSpan(kBlob) : kOld);
 }
 
 void SessionSetupRequestData(SmbBlock& block) {
   const uint32_t firstLength = SmbWord(block, 7);
   if (block.wordCount == kBlobRequestWords) {
     AddBlob(block, firstLength);
-    AddSmbFields(block, block.data, kSystem);
+    ShowSmbRows(block, block.data, kSystem);
     return;
   }
   if (block.wordCount == kNtRequestWords) {
@@ -71,15 +66,14 @@ void SessionSetupRequestData(SmbBlock& block) {
   } else {
     AddSmbBytes(block.in, block.data, firstLength, "Password");
   }
-  AddSmbFields(block, block.data, kAccount);
-  AddSmbFields(block, block.data, std::span(kSystem).first(kSystemOfRequest));
+  ShowSmbRows(block, block.data, kAccount);
 }
 
-void SessionSetupResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kAction); }
+void SessionSetupResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kAction); }
 
 void SessionSetupResponseData(SmbBlock& block) {
   if (block.wordCount == kBlobResponseWords) AddBlob(block, SmbWord(block, 3));
-  AddSmbFields(block, block.data, kSystem);
+  ShowSmbRows(block, block.data, kSystem);
 }
 
 }  // namespace qxview

@@ -10,20 +10,23 @@ char CharacterOf(uint32_t unit) {
   return character ? static_cast<char>(character) : '?';
 }
 
-// Bytes of the text from `bytes` on, terminator included, within `left` of them.
-int32_t LengthOfText(const uint8_t* bytes, int32_t left, int32_t width) {
-  int32_t at = 0;
-  for (; at + width <= left; at += width) {
-    if (bytes[at] == 0 && (width == 1 || bytes[at + 1] == 0)) return at + width;
+uint32_t UnitAt(const Cursor& c, int32_t at, int32_t width) {
+  return width == 1 ? PeekU8(c, at) : PeekLittleU16(c, at);
+}
+
+// Bytes of the text at the cursor, terminator included.
+int32_t LengthOfText(const Cursor& c, int32_t width) {
+  for (int32_t at = 0; at + width <= Left(c); at += width) {
+    if (UnitAt(c, at, width) == 0) return at + width;
   }
-  return left;   // an odd byte at the end goes with it
+  return Left(c);   // an odd byte at the end goes with it
 }
 
 void PutText(SmbString& out, int32_t width) {
-  const Field& field = out.field;
+  const Cursor c = CursorOver(out.field);
   int32_t put = 0;
-  for (int32_t at = 0; field.bytes && at + width <= field.length && put < kSmbTextSize - 1; at += width) {
-    const uint32_t unit = width == 1 ? field.bytes[at] : ReadLittleU16(field.bytes + at);
+  for (int32_t at = 0; at + width <= Left(c) && put < kSmbTextSize - 1; at += width) {
+    const uint32_t unit = UnitAt(c, at, width);
     if (unit == 0) break;
     if (unit >= 0xDC00 && unit <= 0xDFFF) continue;   // the second half of a pair whose first is one '?'
     out.text[put++] = width == 1 ? static_cast<char>(unit) : CharacterOf(unit);
@@ -47,7 +50,7 @@ SmbString TakeSmbString(const SmbMessage& message, Cursor& c, SmbCharacters char
   const bool aligned = width == 2 && characters != SmbCharacters::kUnaligned;
   if (aligned && SmbOffset(message, c) % 2 != 0 && Left(c) > 0) TakeU8(c);
   SmbString out;
-  out.field = TakeBytes(c, LengthOfText(c.at, Left(c), width));
+  out.field = TakeBytes(c, LengthOfText(c, width));
   PutText(out, width);
   return out;
 }

@@ -8,39 +8,39 @@
 namespace qxview {
 namespace {
 
-constexpr SmbField kPipeState[] = {{kSmbFlags16, "Pipe State", kSmbPipeStateBits}};
-constexpr SmbField kPipeLevel[] = {{kSmbNumber16, "Level"}};
-constexpr SmbField kPipeInfo[] = {
-    {kSmbNumber16, "Output Buffer Size"}, {kSmbNumber16, "Input Buffer Size"}, {kSmbNumber8, "Maximum Instances"},
-    {kSmbNumber8, "Current Instances"}, {kSmbNumber8, "Pipe Name Length"}, {kSmbText, "Pipe Name"}};
-constexpr SmbField kPeek[] = {
-    {kSmbNumber16, "Read Data Available"}, {kSmbNumber16, "Message Bytes Length"},
-    {kSmbFlags16, "Pipe State", kSmbPipeStateBits}};
-constexpr SmbField kWritten[] = {{kSmbNumber16, "Bytes Written"}};
+constexpr auto kPipeState = LittleRows<Smb>({Flags(2, "Pipe State", kSmbPipeStateBits)});
+constexpr auto kPipeLevel = LittleRows<Smb>({Number(2, "Level")});
+constexpr auto kPipeInfo = LittleRows<Smb>({
+    Number(2, "Output Buffer Size"), Number(2, "Input Buffer Size"), Number(1, "Maximum Instances"),
+    Number(1, "Current Instances"), Number(1, "Pipe Name Length"), SmbText("Pipe Name")});
+constexpr auto kPeek = LittleRows<Smb>({
+    Number(2, "Read Data Available"), Number(2, "Message Bytes Length"), Flags(2, "Pipe State", kSmbPipeStateBits)});
+constexpr auto kWritten = LittleRows<Smb>({Number(2, "Bytes Written")});
 
 constexpr uint32_t kWaitPipe = 0x53, kCallPipe = 0x54;
 constexpr SmbFunction kPipeFunctions[] = {
-    {0x01, "Set Named Pipe State", SmbTransactionFields<kPipeState>, nullptr, nullptr, nullptr},
+    {0x01, "Set Named Pipe State", SmbTransactionRows<kPipeState>, nullptr, nullptr, nullptr},
     {0x11, "Raw Read Named Pipe", nullptr, nullptr, nullptr, SmbPipePart},
-    {0x21, "Query Named Pipe State", nullptr, nullptr, SmbTransactionFields<kPipeState>, nullptr},
-    {0x22, "Query Named Pipe Info", SmbTransactionFields<kPipeLevel>, nullptr, nullptr,
-     SmbTransactionFields<kPipeInfo>},
-    {0x23, "Peek Named Pipe", nullptr, nullptr, SmbTransactionFields<kPeek>, SmbPipePart},
+    {0x21, "Query Named Pipe State", nullptr, nullptr, SmbTransactionRows<kPipeState>, nullptr},
+    {0x22, "Query Named Pipe Info", SmbTransactionRows<kPipeLevel>, nullptr, nullptr,
+     SmbTransactionRows<kPipeInfo>},
+    {0x23, "Peek Named Pipe", nullptr, nullptr, SmbTransactionRows<kPeek>, SmbPipePart},
     {0x26, "Transact Named Pipe", nullptr, SmbPipePart, nullptr, SmbPipePart},
-    {0x31, "Raw Write Named Pipe", nullptr, SmbPipePart, SmbTransactionFields<kWritten>, nullptr},
+    {0x31, "Raw Write Named Pipe", nullptr, SmbPipePart, SmbTransactionRows<kWritten>, nullptr},
     {0x36, "Read Named Pipe", nullptr, nullptr, nullptr, SmbPipePart},
-    {0x37, "Write Named Pipe", nullptr, SmbPipePart, SmbTransactionFields<kWritten>, nullptr},
+    {0x37, "Write Named Pipe", nullptr, SmbPipePart, SmbTransactionRows<kWritten>, nullptr},
     {kWaitPipe, "Wait Named Pipe", nullptr, nullptr, nullptr, nullptr},
     {kCallPipe, "Call Named Pipe", nullptr, SmbPipePart, nullptr, SmbPipePart},
 };
 
 constexpr auto kMailslotFunctions = SortedNames({{1, "Write Mailslot"}});
 constexpr auto kMailslotClasses = SortedNames({{1, "Reliable"}, {2, "Unreliable"}});
-constexpr SmbField kMailslotSetup[] = {
-    {kSmbName16, "Function", kMailslotFunctions}, {kSmbNumber16, "Priority"},
-    {kSmbName16, "Class", kMailslotClasses}};
-constexpr SmbField kPipeFid[] = {{kSmbHex16, "FID"}};
-constexpr SmbField kPipePriority[] = {{kSmbNumber16, "Priority"}};
+const char* NameOfFunction(uint32_t code) { return SmbFunctionName(kPipeFunctions, code); }
+
+constexpr auto kMailslotSetup = LittleRows<Smb>({
+    Coded(2, "Function", kMailslotFunctions), Number(2, "Priority"), Coded(2, "Class", kMailslotClasses)});
+constexpr auto kPipeSetup = LittleRows<Smb>({Coded(2, "Function", NameOfFunction), Hex(2, "FID")});
+constexpr auto kPipeNameSetup = LittleRows<Smb>({Coded(2, "Function", NameOfFunction), Number(2, "Priority")});
 
 // Letters in either case; the first backslash may be missing. What follows the prefix, null for another name.
 const char* Behind(const char* name, const char* prefix) {
@@ -69,7 +69,7 @@ constexpr uint32_t kMailslot = 0x10000;   // a function of our own: mailslots ha
 
 // The name of a request, which stands behind the byte count that follows the words.
 SmbString NameOf(const SmbBlock& block) {
-  const int32_t behind = block.allWords.offset + block.allWords.length + 2 - block.message->whole.begin;
+  const int32_t behind = block.allWords.offset + block.allWords.left + 2 - block.message->whole.begin;
   Cursor c = SmbCursor(*block.message, static_cast<uint32_t>(behind), 2 * kSmbTextSize);
   return TakeSmbString(*block.message, c);
 }
@@ -85,15 +85,12 @@ void TransRequestWords(SmbBlock& block) {
   SmbTransaction t = ReadSmbTransaction(block, kSmbTransactionRequest);
   if (Left(t.setup) < 2) return;
   const Place in = Under(block.in, AddLine(block.in, Ahead(t.setup, t.setup.left), "Setup Data"));
-  if (IsMailslot(NameOf(block).text)) {
-    AddSmbFields(t.message, in, block.words, kMailslotSetup);
-  } else {
-    const Field code = TakeLittleU16(block.words);
-    const SmbFunction* function = FindSmbFunction(kPipeFunctions, code.value);
-    AddLine(in, code, "Function: [%u] = %s", code.value, function ? function->name : kUndefined);
-    const bool hasFid = code.value != kWaitPipe && code.value != kCallPipe;
-    AddSmbFields(t.message, in, block.words, hasFid ? std::span<const SmbField>(kPipeFid) : kPipePriority);
-  }
+  const uint32_t function = SmbSetupFunction(t);
+  const bool namesPipe = function == kWaitPipe || function == kCallPipe;
+  const SmbRowSpan rows = IsMailslot(NameOf(block).text) ? SmbRowSpan(kMailslotSetup)
+                          : namesPipe                    ? SmbRowSpan(kPipeNameSetup)
+                                                         : SmbRowSpan(kPipeSetup);
+  ShowSmbRows(t.message, in, block.words, rows);
   AddBlock(in, Rest(block.words), "Setup Data");
 }
 
@@ -101,7 +98,7 @@ void TransRequestData(SmbBlock& block) {
   SmbTransaction t = ReadSmbTransaction(block, kSmbTransactionRequest);
   const SmbString name = NameOf(block);
   AddSmbString(t.message, block.in, block.data, "Name");
-  t.request.function = Left(t.setup) >= 2 ? ReadLittleU16(t.setup.at) : UINT32_MAX;
+  t.request.function = SmbSetupFunction(t);
   if (IsMailslot(name.text)) {
     t.request.function = kMailslot;
     const SmbFunction mailslot = {kMailslot, "Mailslot Write", nullptr, MailslotPart(name.text), nullptr, nullptr};

@@ -11,175 +11,97 @@ constexpr auto kSearchBits = SortedNames({
     {0x0008, "Continue From Last"}, {0x0010, "Backup Intent"}});
 constexpr auto kStorageTypes = SortedNames({
     {0x00, "Any File"}, {0x01, "Directory File"}, {0x40, "Non-Directory File"}});
-constexpr SmbField kOpenFlags[] = {{kSmbFlags16, "Flags", kSmbOpenFlagBits}};
-constexpr SmbField kOpenAttributes[] = {
-    {kSmbFlags16, "Search Attributes", kSmbSearchBits}, {kSmbFlags16, "File Attributes", kSmbAttributeBits},
-    {kSmbTime32, "Creation Time"}};
-constexpr SmbField kOpenRest[] = {
-    {kSmbNumber32, "Allocation Size"}, {kSmbBytes, "Reserved", {}, 10}, {kSmbText, "File Name"}};
-constexpr SmbField kOpened[] = {
-    {kSmbHex16, "FID"}, {kSmbFlags16, "File Attributes", kSmbAttributeBits}, {kSmbTime32, "Creation Time"},
-    {kSmbNumber32, "File Size"}};
-constexpr SmbField kOpenedType[] = {
-    {kSmbName16, "File Type", kSmbFileTypeNames}, {kSmbFlags16, "Pipe State", kSmbPipeStateBits}};
-constexpr SmbField kOpenedRest[] = {
-    {kSmbHex32, "Server FID"}, {kSmbNumber16, "EA Error Offset"}, {kSmbNumber32, "EA Length"}};
-constexpr SmbField kFindFirst[] = {
-    {kSmbFlags16, "Search Attributes", kSmbSearchBits}, {kSmbNumber16, "Search Count"},
-    {kSmbFlags16, "Flags", kSearchBits}};
-constexpr SmbField kFindFirstName[] = {{kSmbName32, "Search Storage Type", kStorageTypes}, {kSmbText, "File Name"}};
-constexpr SmbField kFindNext[] = {{kSmbHex16, "SID"}, {kSmbNumber16, "Search Count"}};
-constexpr SmbField kFindNextName[] = {
-    {kSmbNumber32, "Resume Key"}, {kSmbFlags16, "Flags", kSearchBits}, {kSmbText, "File Name"}};
-constexpr SmbField kFindNextReply[] = {
-    {kSmbNumber16, "Search Count"}, {kSmbNumber16, "End Of Search"}, {kSmbNumber16, "EA Error Offset"},
-    {kSmbNumber16, "Last Name Offset"}};
-constexpr SmbField kSid[] = {{kSmbHex16, "SID"}};
-constexpr SmbField kFid[] = {{kSmbHex16, "FID"}};
-constexpr SmbField kEaErrorOffset[] = {{kSmbNumber16, "EA Error Offset"}};
-constexpr SmbField kPath[] = {{kSmbNumber32, "Reserved"}, {kSmbText, "File Name"}};
-constexpr SmbField kReserved[] = {{kSmbNumber16, "Reserved"}};
-constexpr SmbField kDirectory[] = {{kSmbNumber32, "Reserved"}, {kSmbText, "Directory Name"}};
-constexpr SmbField kNotifyFirst[] = {
-    {kSmbFlags16, "Search Attributes", kSmbSearchBits}, {kSmbNumber16, "Change Count"}};
-constexpr SmbField kNotifyPath[] = {{kSmbNumber32, "Reserved"}, {kSmbText, "Path Name"}};
-constexpr SmbField kNotifyNext[] = {{kSmbHex16, "Monitor Handle"}, {kSmbNumber16, "Change Count"}};
-constexpr SmbField kNotifyFirstReply[] = {
-    {kSmbHex16, "Monitor Handle"}, {kSmbNumber16, "Change Count"}, {kSmbNumber16, "EA Error Offset"}};
-constexpr SmbField kNotifyNextReply[] = {{kSmbNumber16, "Change Count"}, {kSmbNumber16, "EA Error Offset"}};
-constexpr SmbField kIoctl[] = {{kSmbHex16, "FID"}, {kSmbHex16, "Category"}, {kSmbHex16, "Function"}};
-constexpr SmbField kDfsRequest[] = {{kSmbNumber16, "Max Referral Level"}, {kSmbText, "Request File Name"}};
-constexpr SmbField kDfsName[] = {{kSmbText, "Request File Name"}};
 
-constexpr uint32_t kEasFromList = 3;
+constexpr auto kOpen = LittleRows<Smb>({
+    Flags(2, "Flags", kSmbOpenFlagBits), SmbTable<kSmbAccessMode>(), Flags(2, "Search Attributes", kSmbSearchBits),
+    Flags(2, "File Attributes", kSmbAttributeBits), UnixTime(4, "Creation Time"), SmbTable<kSmbOpenFunction>(),
+    Number(4, "Allocation Size"), Bytes(10, "Reserved"), SmbText("File Name")});
+constexpr auto kOpened = LittleRows<Smb>({
+    Hex(2, "FID"), Flags(2, "File Attributes", kSmbAttributeBits), UnixTime(4, "Creation Time"), Number(4, "File Size"),
+    SmbTable<kSmbAccessMode>(), Coded(2, "File Type", kSmbFileTypeNames), Flags(2, "Pipe State", kSmbPipeStateBits),
+    SmbTable<kSmbOpenResults>(), Hex(4, "Server FID"), Number(2, "EA Error Offset"), Number(4, "EA Length")});
 
-void AddEas(SmbTransaction& t, const Place& in, Cursor& c) { AddSmbEaList(t.message, in, c); }
+constexpr auto kFindFirst = LittleRows<Smb>({
+    Flags(2, "Search Attributes", kSmbSearchBits), Number(2, "Search Count"),
+    Flags(2, "Flags", kSearchBits).Into(&Smb::flags), SmbLevelOf<kSmbFindLevels>(),
+    Coded(4, "Search Storage Type", kStorageTypes), SmbText("File Name")});
+constexpr auto kFindNext = LittleRows<Smb>({
+    Hex(2, "SID"), Number(2, "Search Count"), SmbLevelOf<kSmbFindLevels>(), Number(4, "Resume Key"),
+    Flags(2, "Flags", kSearchBits).Into(&Smb::flags), SmbText("File Name")});
+constexpr auto kFound = LittleRows<Smb>({
+    Number(2, "Search Count"), Number(2, "End Of Search"), Number(2, "EA Error Offset"),
+    Number(2, "Last Name Offset")});
+constexpr auto kFoundFirst = LittleRows<Smb>({Hex(2, "SID"), SmbTable<kFound>()});
 
-void OpenRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kOpenFlags);
-  AddSmbBits(in, c, "Access Mode", kSmbAccessModeBits);
-  AddSmbFields(t.message, in, c, kOpenAttributes);
-  AddSmbBits(in, c, "Open Function", kSmbOpenFunctionBits);
-  AddSmbFields(t.message, in, c, kOpenRest);
-}
+constexpr auto kQueryFs = LittleRows<Smb>({SmbLevelOf<kSmbQueryFsLevels>()});
+constexpr auto kSetFs = LittleRows<Smb>({Hex(2, "FID"), SmbLevelOf<kSmbSetFsLevels>()});
+constexpr auto kQueryPath = LittleRows<Smb>({
+    SmbLevelOf<kSmbQueryFileLevels>(), Number(4, "Reserved"), SmbText("File Name")});
+constexpr auto kQueryFile = LittleRows<Smb>({Hex(2, "FID"), SmbLevelOf<kSmbQueryFileLevels>()});
+constexpr auto kSetPath = LittleRows<Smb>({
+    SmbLevelOf<kSmbSetFileLevels>(), Number(4, "Reserved"), SmbText("File Name")});
+constexpr auto kSetFile = LittleRows<Smb>({Hex(2, "FID"), SmbLevelOf<kSmbSetFileLevels>(), Number(2, "Reserved")});
+constexpr auto kEaErrorOffset = LittleRows<Smb>({Number(2, "EA Error Offset")});
 
-void OpenReply(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kOpened);
-  AddSmbBits(in, c, "Access Mode", kSmbAccessModeBits);
-  AddSmbFields(t.message, in, c, kOpenedType);
-  AddSmbBits(in, c, "Open Results", kSmbOpenResultBits);
-  AddSmbFields(t.message, in, c, kOpenedRest);
-}
+constexpr auto kDirectory = LittleRows<Smb>({Number(4, "Reserved"), SmbText("Directory Name")});
+constexpr auto kNotifyFirst = LittleRows<Smb>({
+    Flags(2, "Search Attributes", kSmbSearchBits), Number(2, "Change Count"), SmbLevelOf<kSmbFindLevels>(),
+    Number(4, "Reserved"), SmbText("Path Name")});
+constexpr auto kNotifyNext = LittleRows<Smb>({Hex(2, "Monitor Handle"), Number(2, "Change Count")});
+constexpr auto kNotifyReply = LittleRows<Smb>({Number(2, "Change Count"), Number(2, "EA Error Offset")});
+constexpr auto kNotifyFirstReply = LittleRows<Smb>({Hex(2, "Monitor Handle"), SmbTable<kNotifyReply>()});
+constexpr auto kIoctl = LittleRows<Smb>({Hex(2, "FID"), Hex(2, "Category"), Hex(2, "Function")});
+constexpr auto kDfsRequest = LittleRows<Smb>({Number(2, "Max Referral Level"), SmbText("Request File Name")});
+constexpr auto kDfsName = LittleRows<Smb>({SmbText("Request File Name")});
 
-// --- searches ---
-
-void FindFirstRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  t.request.flags = AddSmbFields(t.message, in, c, kFindFirst);
-  t.request.level = AddSmbFindLevelLine(in, c);
-  AddSmbFields(t.message, in, c, kFindFirstName);
-}
-
-void FindNextRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kFindNext);
-  t.request.level = AddSmbFindLevelLine(in, c);
-  t.request.flags = Left(c) >= 6 ? ReadLittleU16(c.at + 4) : 0;
-  AddSmbFields(t.message, in, c, kFindNextName);
-}
+constexpr uint32_t kEasFromList = 3, kPosixLock = 0x208, kPosixOpen = 0x209;
 
 void FindRequestData(SmbTransaction& t, const Place& in, Cursor& c) {
   if (t.request.level == kEasFromList) AddSmbEaNames(t.message, in, c);
 }
-
-void FindFirstReply(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kSid);
-  AddSmbFields(t.message, in, c, kFindNextReply);
-}
-
 void FindReplyData(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFindEntries(t.message, in, c, t.request.level, t.request.flags);
+  ShowSmbChoice(t.message, in, c, kSmbFindLevels, t.request.level, t.request.flags);
 }
 
-// --- information levels ---
-
-void QueryFsRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  t.request.level = AddSmbLevelLine(in, c, kSmbQueryFsLevels);
-}
-void QueryFsReply(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbLevel(t.message, in, c, kSmbQueryFsLevels, t.request.level);
-}
-void SetFsRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kFid);
-  t.request.level = AddSmbLevelLine(in, c, kSmbSetFsLevels);
-}
-void SetFsData(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbLevel(t.message, in, c, kSmbSetFsLevels, t.request.level);
-}
-
-void QueryPathRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  t.request.level = AddSmbLevelLine(in, c, kSmbQueryFileLevels);
-  AddSmbFields(t.message, in, c, kPath);
-}
-void QueryFileRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kFid);
-  t.request.level = AddSmbLevelLine(in, c, kSmbQueryFileLevels);
+template <const SmbChoices& kLevels>
+void LevelData(SmbTransaction& t, const Place& in, Cursor& c) {
+  ShowSmbChoice(t.message, in, c, kLevels, t.request.level);
 }
 void QueryRequestData(SmbTransaction& t, const Place& in, Cursor& c) {
-  constexpr uint32_t kPosixLock = 0x208;
   if (t.request.level == kEasFromList) AddSmbEaNames(t.message, in, c);
-  if (t.request.level == kPosixLock) AddSmbLevel(t.message, in, c, kSmbQueryFileLevels, kPosixLock);
-}
-void QueryReplyData(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbLevel(t.message, in, c, kSmbQueryFileLevels, t.request.level);
-}
-
-void SetPathRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  t.request.level = AddSmbLevelLine(in, c, kSmbSetFileLevels);
-  AddSmbFields(t.message, in, c, kPath);
-}
-void SetFileRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kFid);
-  t.request.level = AddSmbLevelLine(in, c, kSmbSetFileLevels);
-  AddSmbFields(t.message, in, c, kReserved);
-}
-void SetData(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbLevel(t.message, in, c, kSmbSetFileLevels, t.request.level);
+  if (t.request.level == kPosixLock) ShowSmbChoice(t.message, in, c, kSmbQueryFileLevels, kPosixLock);
 }
 void SetReplyData(SmbTransaction& t, const Place& in, Cursor& c) {
-  constexpr uint32_t kPosixOpen = 0x209;
-  if (t.request.level == kPosixOpen) AddSmbPosixOpenReply(t.message, in, c, 0);
-}
-
-void NotifyFirstRequest(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kNotifyFirst);
-  t.request.level = AddSmbFindLevelLine(in, c);
-  AddSmbFields(t.message, in, c, kNotifyPath);
+  if (t.request.level == kPosixOpen) AddSmbPosixOpenReply(t.message, in, c);
 }
 
 constexpr SmbFunction kFunctions[] = {
-    {0x00, "Open2", OpenRequest, AddEas, OpenReply, nullptr},
-    {0x01, "Find First2", FindFirstRequest, FindRequestData, FindFirstReply, FindReplyData},
-    {0x02, "Find Next2", FindNextRequest, FindRequestData, SmbTransactionFields<kFindNextReply>, FindReplyData},
-    {0x03, "Query FS Information", QueryFsRequest, nullptr, nullptr, QueryFsReply},
-    {0x04, "Set FS Information", SetFsRequest, SetFsData, nullptr, nullptr},
-    {0x05, "Query Path Information", QueryPathRequest, QueryRequestData, SmbTransactionFields<kEaErrorOffset>,
-     QueryReplyData},
-    {0x06, "Set Path Information", SetPathRequest, SetData, SmbTransactionFields<kEaErrorOffset>, SetReplyData},
-    {0x07, "Query File Information", QueryFileRequest, QueryRequestData, SmbTransactionFields<kEaErrorOffset>,
-     QueryReplyData},
-    {0x08, "Set File Information", SetFileRequest, SetData, SmbTransactionFields<kEaErrorOffset>, SetReplyData},
-    {0x09, "FSCTL", SmbTransactionFields<kIoctl>, nullptr, nullptr, nullptr},
-    {0x0A, "IOCTL2", SmbTransactionFields<kIoctl>, nullptr, nullptr, nullptr},
-    {0x0B, "Find Notify First", NotifyFirstRequest, nullptr, SmbTransactionFields<kNotifyFirstReply>, nullptr},
-    {0x0C, "Find Notify Next", SmbTransactionFields<kNotifyNext>, nullptr, SmbTransactionFields<kNotifyNextReply>,
-     nullptr},
-    {0x0D, "Create Directory", SmbTransactionFields<kDirectory>, AddEas, SmbTransactionFields<kEaErrorOffset>,
-     nullptr},
+    {0x00, "Open2", SmbTransactionRows<kOpen>, SmbTransactionRows<kSmbEaList>, SmbTransactionRows<kOpened>, nullptr},
+    {0x01, "Find First2", SmbRequestRows<kFindFirst>, FindRequestData, SmbTransactionRows<kFoundFirst>, FindReplyData},
+    {0x02, "Find Next2", SmbRequestRows<kFindNext>, FindRequestData, SmbTransactionRows<kFound>, FindReplyData},
+    {0x03, "Query FS Information", SmbRequestRows<kQueryFs>, nullptr, nullptr, LevelData<kSmbQueryFsLevels>},
+    {0x04, "Set FS Information", SmbRequestRows<kSetFs>, LevelData<kSmbSetFsLevels>, nullptr, nullptr},
+    {0x05, "Query Path Information", SmbRequestRows<kQueryPath>, QueryRequestData, SmbTransactionRows<kEaErrorOffset>,
+     LevelData<kSmbQueryFileLevels>},
+    {0x06, "Set Path Information", SmbRequestRows<kSetPath>, LevelData<kSmbSetFileLevels>,
+     SmbTransactionRows<kEaErrorOffset>, SetReplyData},
+    {0x07, "Query File Information", SmbRequestRows<kQueryFile>, QueryRequestData, SmbTransactionRows<kEaErrorOffset>,
+     LevelData<kSmbQueryFileLevels>},
+    {0x08, "Set File Information", SmbRequestRows<kSetFile>, LevelData<kSmbSetFileLevels>,
+     SmbTransactionRows<kEaErrorOffset>, SetReplyData},
+    {0x09, "FSCTL", SmbTransactionRows<kIoctl>, nullptr, nullptr, nullptr},
+    {0x0A, "IOCTL2", SmbTransactionRows<kIoctl>, nullptr, nullptr, nullptr},
+    {0x0B, "Find Notify First", SmbRequestRows<kNotifyFirst>, nullptr, SmbTransactionRows<kNotifyFirstReply>, nullptr},
+    {0x0C, "Find Notify Next", SmbTransactionRows<kNotifyNext>, nullptr, SmbTransactionRows<kNotifyReply>, nullptr},
+    {0x0D, "Create Directory", SmbTransactionRows<kDirectory>, SmbTransactionRows<kSmbEaList>,
+     SmbTransactionRows<kEaErrorOffset>, nullptr},
     {0x0E, "Session Setup", nullptr, nullptr, nullptr, nullptr},
-    {0x10, "Get DFS Referral", SmbTransactionFields<kDfsRequest>, nullptr, nullptr, AddSmbDfsReferrals},
-    {0x11, "Report DFS Inconsistency", SmbTransactionFields<kDfsName>, AddSmbDfsReferral, nullptr, nullptr},
+    {0x10, "Get DFS Referral", SmbTransactionRows<kDfsRequest>, nullptr, nullptr, AddSmbDfsReferrals},
+    {0x11, "Report DFS Inconsistency", SmbTransactionRows<kDfsName>, AddSmbDfsReferral, nullptr, nullptr},
 };
 
-uint32_t FunctionOf(SmbTransaction& t) { return Left(t.setup) >= 2 ? ReadLittleU16(t.setup.at) : UINT32_MAX; }
+const char* NameOfFunction(uint32_t code) { return SmbFunctionName(kFunctions, code); }
+constexpr auto kSetup = LittleRows<Smb>({Coded(2, "Subcommand", NameOfFunction)});
 
 }  // namespace
 
@@ -187,19 +109,17 @@ void Trans2RequestWords(SmbBlock& block) {
   AddTransactionRequestWords(block);
   SmbTransaction t = ReadSmbTransaction(block, kSmbTransactionRequest);
   if (Left(t.setup) < 2) return;
-  const SmbFunction* function = FindSmbFunction(kFunctions, FunctionOf(t));
   const Place in = Under(block.in, AddLine(block.in, Ahead(t.setup, t.setup.left), "Setup Data"));
-  const Field code = TakeLittleU16(block.words);
-  AddLine(in, code, "Subcommand: [%u] = %s", code.value, function ? function->name : kUndefined);
+  ShowSmbRows(t.message, in, block.words, kSetup);
   AddBlock(in, Rest(block.words), "Setup Data");
 }
 
 void Trans2RequestData(SmbBlock& block) {
   SmbTransaction t = ReadSmbTransaction(block, kSmbTransactionRequest);
-  t.request.function = FunctionOf(t);
+  t.request.function = SmbSetupFunction(t);
   // A name of one byte, whatever the message's characters are; nothing uses it.
   const int64_t ahead = static_cast<int64_t>(t.parameterOffset) - SmbOffset(t.message, block.data);
-  if (ahead > 0 && Left(block.data) > 0 && block.data.at[0] == 0) {
+  if (ahead > 0 && Left(block.data) > 0 && PeekU8(block.data) == 0) {
     const Field name = TakeBytes(block.data, 1);
     AddLine(block.in, name, "Name: <null string>");
   }

@@ -11,29 +11,26 @@ constexpr int32_t kFillerSize = 7;
 
 constexpr auto kTransactionFlags = SortedNames({{0x0001, "Disconnect TID"}, {0x0002, "No Response"}});
 
-constexpr SmbField kRequestFields[] = {
-    {kSmbNumber16, "Total Parameter Count"}, {kSmbNumber16, "Total Data Count"}, {kSmbNumber16, "Max Parameter Count"},
-    {kSmbNumber16, "Max Data Count"}, {kSmbNumber8, "Max Setup Count"}, {kSmbNumber8, "Reserved"},
-    {kSmbFlags16, "Flags", kTransactionFlags}, {kSmbNumber32, "Timeout"}, {kSmbNumber16, "Reserved"},
-    {kSmbNumber16, "Parameter Count"}, {kSmbNumber16, "Parameter Offset"}, {kSmbNumber16, "Data Count"},
-    {kSmbNumber16, "Data Offset"}, {kSmbNumber8, "Setup Count"}, {kSmbNumber8, "Reserved"}};
+constexpr auto kRequestFields = LittleRows<Smb>({
+    Number(2, "Total Parameter Count"), Number(2, "Total Data Count"), Number(2, "Max Parameter Count"),
+    Number(2, "Max Data Count"), Number(1, "Max Setup Count"), Number(1, "Reserved"),
+    Flags(2, "Flags", kTransactionFlags), Number(4, "Timeout"), Number(2, "Reserved"), Number(2, "Parameter Count"),
+    Number(2, "Parameter Offset"), Number(2, "Data Count"), Number(2, "Data Offset"), Number(1, "Setup Count"),
+    Number(1, "Reserved")});
 
-constexpr SmbField kReplyFields[] = {
-    {kSmbNumber16, "Total Parameter Count"}, {kSmbNumber16, "Total Data Count"}, {kSmbNumber16, "Reserved"},
-    {kSmbNumber16, "Parameter Count"}, {kSmbNumber16, "Parameter Offset"}, {kSmbNumber16, "Parameter Displacement"},
-    {kSmbNumber16, "Data Count"}, {kSmbNumber16, "Data Offset"}, {kSmbNumber16, "Data Displacement"},
-    {kSmbNumber8, "Setup Count"}, {kSmbNumber8, "Reserved"}};
+constexpr auto kReplyFields = LittleRows<Smb>({
+    Number(2, "Total Parameter Count"), Number(2, "Total Data Count"), Number(2, "Reserved"),
+    Number(2, "Parameter Count"), Number(2, "Parameter Offset"), Number(2, "Parameter Displacement"),
+    Number(2, "Data Count"), Number(2, "Data Offset"), Number(2, "Data Displacement"), Number(1, "Setup Count"),
+    Number(1, "Reserved")});
 
-constexpr SmbField kSecondaryFields[] = {
-    {kSmbNumber16, "Total Parameter Count"}, {kSmbNumber16, "Total Data Count"}, {kSmbNumber16, "Parameter Count"},
-    {kSmbNumber16, "Parameter Offset"}, {kSmbNumber16, "Parameter Displacement"}, {kSmbNumber16, "Data Count"},
-    {kSmbNumber16, "Data Offset"}, {kSmbNumber16, "Data Displacement"}, {kSmbHex16, "FID"}};
+constexpr auto kSecondaryFields = LittleRows<Smb>({
+    Number(2, "Total Parameter Count"), Number(2, "Total Data Count"), Number(2, "Parameter Count"),
+    Number(2, "Parameter Offset"), Number(2, "Parameter Displacement"), Number(2, "Data Count"),
+    Number(2, "Data Offset"), Number(2, "Data Displacement"), Hex(2, "FID")});
 
 uint32_t NumberAt(const SmbBlock& block, int32_t offset, int32_t width) {
-  if (offset < 0) return 0;
-  uint32_t number = 0;
-  for (int32_t i = 0; i < width; ++i) number |= SmbByte(block, offset + i) << (8 * i);
-  return number;
+  return width == 2 ? PeekLittleU16(block.allWords, offset) : PeekLittleU32(block.allWords, offset);
 }
 
 // The bytes at a stated place: empty when it is not in the rest of the block's bytes.
@@ -55,7 +52,7 @@ void AddPiece(SmbTransaction& t, const Place& in, Cursor& c, SmbTransactionPart 
     part(t, in, c);
     return;
   }
-  const Place under = Under(in, AddLine(in, Ahead(c, c.left), "%s", title));
+  const Place under = Under(in, AddSmbTitle(in, Ahead(c, c.left), title));
   part(t, under, c);
   AddBlock(under, Rest(c), title);
 }
@@ -84,22 +81,23 @@ SmbTransaction ReadSmbTransaction(SmbBlock& block, const SmbTransactionForm& for
   t.dataCount = NumberAt(block, form.data, form.width);
   t.dataOffset = NumberAt(block, form.data + form.width, form.width);
   t.dataDisplacement = NumberAt(block, form.dataDisplacement, form.width);
-  if (form.setup >= 0 && block.allWords.length > form.setup) {
-    t.setup = CursorOver(Slice(block.allWords, form.setup, block.allWords.length - form.setup));
-    t.setup = TakeCursor(t.setup, 2 * SmbByte(block, form.setupCount));
+  if (form.setup >= 0) {
+    Cursor words = block.allWords;
+    TakeCursor(words, form.setup);
+    t.setup = TakeCursor(words, 2 * PeekU8(block.allWords, form.setupCount));
   }
   t.isKnown = t.message.isResponse && FindSmbRequest(block.in, t.message, &t.request);
   return t;
 }
 
-void AddTransactionRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kRequestFields); }
+void AddTransactionRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kRequestFields); }
 
 void TransactionReplyWords(SmbBlock& block) {
-  AddSmbFields(block, block.words, kReplyFields);
+  ShowSmbRows(block, block.words, kReplyFields);
   AddSetupData(block);
 }
 
-void TransactionSecondaryWords(SmbBlock& block) { AddSmbFields(block, block.words, kSecondaryFields); }
+void TransactionSecondaryWords(SmbBlock& block) { ShowSmbRows(block, block.words, kSecondaryFields); }
 
 void AddSetupData(SmbBlock& block) { AddBlock(block.in, Rest(block.words), "Setup Data"); }
 
@@ -139,10 +137,19 @@ void AddSmbFiller(const Place& in, Cursor& c, const char* label) {
 }
 
 Cursor TakeSmbEntry(Cursor& list, int32_t smallest) {
-  if (Left(list) < 4) return TakeCursor(list, Left(list));
-  const uint32_t next = ReadLittleU32(list.at);
+  const uint32_t next = PeekLittleU32(list);
   const bool goesOn = next >= static_cast<uint32_t>(smallest) && next < static_cast<uint32_t>(list.left);
   return TakeCursor(list, goesOn ? static_cast<int32_t>(next) : list.left);
+}
+
+void AddSmbEntries(const SmbMessage& message, const Place& in, Cursor& c, const char* title, SmbRowSpan rows,
+                   int32_t smallest) {
+  for (Loop loop; MoreAt(in, c, loop);) {
+    Cursor entry = TakeSmbEntry(c, smallest);
+    const Place under = Under(in, AddSmbTitle(in, Ahead(entry, entry.left), title));
+    ShowSmbRows(message, under, entry, rows);
+    AddSmbFiller(under, entry);
+  }
 }
 
 }  // namespace qxview

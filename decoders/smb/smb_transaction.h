@@ -31,6 +31,10 @@ struct SmbFunction {
 };
 
 const SmbFunction* FindSmbFunction(std::span<const SmbFunction> functions, uint32_t code);
+inline const char* SmbFunctionName(std::span<const SmbFunction> functions, uint32_t code) {
+  const SmbFunction* function = FindSmbFunction(functions, code);
+  return function ? function->name : kUndefined;
+}
 
 // Where the words have what; offsets in bytes, -1 for what this form does not have.
 struct SmbTransactionForm {
@@ -63,13 +67,35 @@ void SmbPipePart(SmbTransaction& t, const Place& in, Cursor& c);
 void AddSmbFiller(const Place& in, Cursor& c, const char* label = "Pad");
 
 // A part that is one table.
-template <const auto& kFields>
-void SmbTransactionFields(SmbTransaction& t, const Place& in, Cursor& c) {
-  AddSmbFields(t.message, in, c, kFields);
+template <const auto& kTable>
+void SmbTransactionRows(SmbTransaction& t, const Place& in, Cursor& c) {
+  ShowSmbRows(t.message, in, c, kTable);
+}
+
+// The parameters of a request that name the information level or the flags of its reply.
+template <const auto& kTable>
+void SmbRequestRows(SmbTransaction& t, const Place& in, Cursor& c) {
+  const Smb values = ShowSmbRows(t.message, in, c, kTable);
+  t.request.level = values.level.value;
+  t.request.flags = values.flags.value;
+}
+
+// The function in the first setup word; UINT32_MAX when there is none.
+inline uint32_t SmbSetupFunction(const SmbTransaction& t) {
+  return Left(t.setup) >= 2 ? PeekLittleU16(t.setup) : UINT32_MAX;
 }
 
 // The next of entries that say how far on the one behind them starts, in their first four bytes. Offsets that would
 // make an entry smaller than `smallest`, or are past the end, make it the last one.
 Cursor TakeSmbEntry(Cursor& list, int32_t smallest);
+// All of them, each under a line with the title; what the rows leave is filler.
+void AddSmbEntries(const SmbMessage& message, const Place& in, Cursor& c, const char* title, SmbRowSpan rows,
+                   int32_t smallest);
+template <const auto& kTable, int32_t kSmallest>
+void ShowSmbEntries(const Place& in, Cursor& c, const char* title, Smb& values) {
+  AddSmbEntries(*values.message, in, c, title, kTable, kSmallest);
+}
+template <const auto& kTable, int32_t kSmallest>
+consteval Row<Smb> SmbEntries(const char* title) { return Shown(title, ShowSmbEntries<kTable, kSmallest>); }
 
 }  // namespace qxview

@@ -13,44 +13,45 @@ constexpr auto kSupportBits = SortedNames({
     {0x000C, "Client Side Caching (0 Manual, 1 Documents, 2 Programs, 3 None)"}, {0x0010, "Unique File Names"},
     {0x0020, "Extended Signatures"}});
 
-constexpr SmbField kEcho[] = {{kSmbNumber16, "Echo Count"}};
-constexpr SmbField kEchoResult[] = {{kSmbNumber16, "Sequence Number"}};
+constexpr auto kEcho = LittleRows<Smb>({Number(2, "Echo Count")});
+constexpr auto kEchoResult = LittleRows<Smb>({Number(2, "Sequence Number")});
 
-constexpr SmbField kConnect[] = {
-    {kSmbFormattedText, "Path"}, {kSmbFormattedText, "Password"}, {kSmbFormattedText, "Service"}};
-constexpr SmbField kConnectOem[] = {
-    {kSmbFormattedOem, "Path"}, {kSmbFormattedOem, "Password"}, {kSmbFormattedOem, "Service"}};
-constexpr SmbField kConnectResult[] = {{kSmbNumber16, "Maximum Buffer Size"}, {kSmbHex16, "TID"}};
+constexpr auto kConnect = LittleRows<Smb>({
+    kSmbBufferFormat, SmbText("Path"), kSmbBufferFormat, SmbText("Password"), kSmbBufferFormat, SmbText("Service")});
+constexpr auto kConnectOem = LittleRows<Smb>({
+    kSmbBufferFormat, SmbOemText("Path"), kSmbBufferFormat, SmbOemText("Password"), kSmbBufferFormat,
+    SmbOemText("Service")});
+constexpr auto kConnectResult = LittleRows<Smb>({Number(2, "Maximum Buffer Size"), Hex(2, "TID")});
 
-constexpr SmbField kConnectAndX[] = {{kSmbFlags16, "Flags", kFlagBits}, {kSmbNumber16, "Password Length"}};
-constexpr SmbField kConnectAndXNames[] = {{kSmbText, "Path"}, {kSmbOemText, "Service"}};
-constexpr SmbField kConnectAndXResult[] = {
-    {kSmbFlags16, "Optional Support", kSupportBits}, {kSmbFlags32, "Maximal Share Access Rights", kSmbAccessMaskBits},
-    {kSmbFlags32, "Guest Maximal Share Access Rights", kSmbAccessMaskBits}};
-constexpr SmbField kConnectAndXService[] = {{kSmbOemText, "Service"}, {kSmbText, "Native File System"}};
+constexpr auto kConnectAndX = LittleRows<Smb>({Flags(2, "Flags", kFlagBits), Number(2, "Password Length")});
+constexpr auto kConnectAndXNames = LittleRows<Smb>({SmbText("Path"), SmbOemText("Service")});
+constexpr auto kConnectAndXResult = LittleRows<Smb>({
+    Flags(2, "Optional Support", kSupportBits), Flags(4, "Maximal Share Access Rights", kSmbAccessMaskBits),
+    Flags(4, "Guest Maximal Share Access Rights", kSmbAccessMaskBits)});
+constexpr auto kConnectAndXService = LittleRows<Smb>({SmbOemText("Service"), SmbText("Native File System")});
 
 }  // namespace
 
-void EchoRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kEcho); }
-void EchoResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kEchoResult); }
+void EchoRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kEcho); }
+void EchoResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kEchoResult); }
 void EchoData(SmbBlock& block) { AddBlock(block.in, Rest(block.data), "Data Bytes"); }
 
 // Clients write the texts of one byte a character even in messages that have Unicode: the path's backslashes tell.
 void TreeConnectRequestData(SmbBlock& block) {
   const Cursor& c = block.data;
-  const bool wide = Left(c) >= 4 && (c.at[2] == 0 || c.at[3] == 0);
-  AddSmbFields(block, block.data, wide ? std::span(kConnect) : std::span(kConnectOem));
+  const bool wide = Left(c) >= 4 && (PeekU8(c, 2) == 0 || PeekU8(c, 3) == 0);
+  ShowSmbRows(block, block.data, wide ? SmbRowSpan(kConnect) : kConnectOem);
 }
 
-void TreeConnectResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kConnectResult); }
-void TreeConnectAndXRequestWords(SmbBlock& block) { AddSmbFields(block, block.words, kConnectAndX); }
+void TreeConnectResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kConnectResult); }
+void TreeConnectAndXRequestWords(SmbBlock& block) { ShowSmbRows(block, block.words, kConnectAndX); }
 
 void TreeConnectAndXRequestData(SmbBlock& block) {
   AddSmbBytes(block.in, block.data, SmbWord(block, 3), "Password");
-  AddSmbFields(block, block.data, kConnectAndXNames);
+  ShowSmbRows(block, block.data, kConnectAndXNames);
 }
 
-void TreeConnectAndXResponseWords(SmbBlock& block) { AddSmbFields(block, block.words, kConnectAndXResult); }
-void TreeConnectAndXResponseData(SmbBlock& block) { AddSmbFields(block, block.data, kConnectAndXService); }
+void TreeConnectAndXResponseWords(SmbBlock& block) { ShowSmbRows(block, block.words, kConnectAndXResult); }
+void TreeConnectAndXResponseData(SmbBlock& block) { ShowSmbRows(block, block.data, kConnectAndXService); }
 
 }  // namespace qxview

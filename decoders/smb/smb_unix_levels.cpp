@@ -19,70 +19,65 @@ constexpr auto kCreateActions = SortedNames({
     {0, "Superseded"}, {1, "Opened"}, {2, "Created"}, {3, "Overwritten"}});
 constexpr auto kGuestBits = SortedNames({{0x1, "Guest"}});
 
-constexpr SmbField kBasicFields[] = {
-    {kSmbNumber64, "End of File"}, {kSmbNumber64, "Number Of Bytes"}, {kSmbFileTime, "Last Status Change"},
-    {kSmbFileTime, "Last Access Time"}, {kSmbFileTime, "Last Modification Time"}, {kSmbNumber64, "User ID"},
-    {kSmbNumber64, "Group ID"}, {kSmbName32, "File Type", kFileTypes}, {kSmbNumber64, "Device Major"},
-    {kSmbNumber64, "Device Minor"}, {kSmbHex64, "Unique ID"}, {kSmbHex64, "Permissions"},
-    {kSmbNumber64, "Number Of Links"}};
-constexpr SmbField kInfo2Fields[] = {
-    {kSmbFileTime, "Creation Time"}, {kSmbHex32, "File Flags"}, {kSmbHex32, "File Flags Mask"}};
-constexpr SmbField kAclFields[] = {{kSmbNumber16, "Version"}, {kSmbNumber16, "File Entries"},
-                                   {kSmbNumber16, "Default Entries"}};
-constexpr SmbField kAclEntry[] = {
-    {kSmbName8, "Tag", kAclTags}, {kSmbFlags8, "Permissions", kAclPermissions}, {kSmbHex64, "ID"}};
-constexpr SmbField kOpenFields[] = {
-    {kSmbFlags32, "Open Flags", kOpenFlags}, {kSmbFlags32, "Open Mode", kOpenModes}, {kSmbHex64, "Permissions"}};
-constexpr SmbField kOpenReply[] = {
-    {kSmbHex16, "Oplock Flags"}, {kSmbHex16, "FID"}, {kSmbName32, "Create Action", kCreateActions}};
-constexpr SmbField kReserved[] = {{kSmbNumber16, "Reserved"}};
-constexpr SmbField kWhoAmI[] = {
-    {kSmbFlags32, "Mapping Flags", kGuestBits}, {kSmbHex32, "Mapping Mask"}, {kSmbNumber64, "User ID"},
-    {kSmbNumber64, "Group ID"}};
-constexpr SmbField kWhoAmICounts[] = {
-    {kSmbNumber32, "Supplementary Groups"}, {kSmbNumber32, "SIDs"}, {kSmbNumber32, "SID List Size"},
-    {kSmbNumber32, "Reserved"}};
+constexpr auto kBasicFields = LittleRows<Smb>({
+    Number(8, "End of File"), Number(8, "Number Of Bytes"), FileTime("Last Status Change"),
+    FileTime("Last Access Time"), FileTime("Last Modification Time"), Number(8, "User ID"), Number(8, "Group ID"),
+    Coded(4, "File Type", kFileTypes), Number(8, "Device Major"), Number(8, "Device Minor"), Hex(8, "Unique ID"),
+    Hex(8, "Permissions"), Number(8, "Number Of Links")});
+constexpr auto kInfo2Fields = LittleRows<Smb>({
+    SmbTable<kBasicFields>(), FileTime("Creation Time"), Hex(4, "File Flags"), Hex(4, "File Flags Mask")});
+constexpr auto kAclEntry = LittleRows<Smb>({
+    Coded(1, "Tag", kAclTags), Flags(1, "Permissions", kAclPermissions), Hex(8, "ID")});
+constexpr auto kAcl = LittleRows<Smb>({
+    Number(2, "Version"), Number(2, "File Entries"), Number(2, "Default Entries"),
+    SmbRecords<kAclEntry, 10>("ACL Entry")});
+constexpr auto kOpenFields = LittleRows<Smb>({
+    Flags(4, "Open Flags", kOpenFlags), Flags(4, "Open Mode", kOpenModes), Hex(8, "Permissions"),
+    SmbLevelOf<kSmbQueryFileLevels>()});
+constexpr auto kOpenReply = LittleRows<Smb>({
+    Hex(2, "Oplock Flags"), Hex(2, "FID"), Coded(4, "Create Action", kCreateActions), SmbLevelOf<kSmbQueryFileLevels>(),
+    Number(2, "Reserved")});
+
+void ShowGroups(const Place& in, Cursor& c, const char* label, Smb& values) {
+  Loop loop;
+  for (uint32_t i = 0; i < values.count.value && MoreAt(in, c, loop); ++i) {
+    const WideField group = TakeLittleU64(c);
+    AddLine(in, group, "%s: %I64u", label, group.wide);
+  }
+}
+void ShowSids(const Place& in, Cursor& c, const char* label, Smb&) {
+  for (Loop loop; MoreAt(in, c, loop);) AddSmbSid(in, c, label);
+}
+constexpr auto kWhoAmI = LittleRows<Smb>({
+    Flags(4, "Mapping Flags", kGuestBits), Hex(4, "Mapping Mask"), Number(8, "User ID"), Number(8, "Group ID"),
+    Number(4, "Supplementary Groups").Into(&Smb::count), Number(4, "SIDs"), Number(4, "SID List Size"),
+    Number(4, "Reserved"), Shown("Group ID", ShowGroups), Shown("SID", ShowSids)});
 
 }  // namespace
 
-void AddSmbUnixBasic(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbFields(message, in, c, kBasicFields);
+void ShowSmbUnixBasic(const Place& in, Cursor& c, const char*, Smb& values) {
+  ShowRows<Smb>(in, c, kBasicFields, values);
 }
 
-void AddSmbUnixInfo2(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbFields(message, in, c, kBasicFields);
-  AddSmbFields(message, in, c, kInfo2Fields);
+void ShowSmbUnixInfo2(const Place& in, Cursor& c, const char*, Smb& values) {
+  ShowRows<Smb>(in, c, kInfo2Fields, values);
 }
 
-void AddSmbPosixAcl(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbFields(message, in, c, kAclFields);
-  for (Loop loop; MoreAt(in, c, loop) && Left(c) >= 10;) {
-    AddSmbFields(message, Under(in, AddLine(in, Ahead(c, 10), "ACL Entry")), c, kAclEntry);
-  }
+void ShowSmbPosixAcl(const Place& in, Cursor& c, const char*, Smb& values) {
+  ShowRows<Smb>(in, c, kAcl, values);
 }
 
-void AddSmbPosixOpen(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbFields(message, in, c, kOpenFields);
-  AddSmbLevelLine(in, c, kSmbQueryFileLevels);
+void ShowSmbPosixOpen(const Place& in, Cursor& c, const char*, Smb& values) {
+  ShowRows<Smb>(in, c, kOpenFields, values);
 }
 
-void AddSmbPosixOpenReply(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbFields(message, in, c, kOpenReply);
-  const uint32_t level = AddSmbLevelLine(in, c, kSmbQueryFileLevels);
-  AddSmbFields(message, in, c, kReserved);
-  AddSmbLevel(message, in, c, kSmbQueryFileLevels, level);
+void AddSmbPosixOpenReply(const SmbMessage& message, const Place& in, Cursor& c) {
+  const Field level = ShowSmbRows(message, in, c, kOpenReply).level;
+  ShowSmbChoice(message, in, c, kSmbQueryFileLevels, level.value);
 }
 
-void AddSmbWhoAmI(const SmbMessage& message, const Place& in, Cursor& c, uint32_t) {
-  AddSmbFields(message, in, c, kWhoAmI);
-  const uint32_t groups = Left(c) >= 4 ? ReadLittleU32(c.at) : 0;
-  AddSmbFields(message, in, c, kWhoAmICounts);
-  Loop loop;
-  for (uint32_t i = 0; i < groups && MoreAt(in, c, loop); ++i) {
-    const WideField group = TakeLittleU64(c);
-    AddLine(in, group, "Group ID: %I64u", group.wide);
-  }
-  for (Loop sids; MoreAt(in, c, sids);) AddSmbSid(in, c, "SID");
+void ShowSmbWhoAmI(const Place& in, Cursor& c, const char*, Smb& values) {
+  ShowRows<Smb>(in, c, kWhoAmI, values);
 }
 
 }  // namespace qxview

@@ -67,7 +67,7 @@ void AddKerberos(const Place& in, Cursor& c) {
 void ShowToken(BerWalk&, const Place& in, Cursor& c, const char* title) {
   const BerElement part = TakeBer(c);
   Cursor token = PeekBer(part.contents).contents;
-  const Place under = Under(in, AddLine(in, Over(part.whole), "%s", title));
+  const Place under = Under(in, AddSmbTitle(in, Over(part.whole), title));
   if (DecodeNtlmssp(under, token)) return;
   Cursor content = TakeBerContents(token, kGssToken);
   const BerElement mechanism = TakeBer(content);
@@ -85,7 +85,7 @@ void ShowToken(BerWalk&, const Place& in, Cursor& c, const char* title) {
 
 void ShowMechanisms(BerWalk&, const Place& in, Cursor& c, const char* title) {
   const BerElement part = TakeBer(c);
-  const Place under = Under(in, AddLine(in, Over(part.whole), "%s", title));
+  const Place under = Under(in, AddSmbTitle(in, Over(part.whole), title));
   Cursor list = PeekBer(part.contents).contents;
   for (Loop loop; MoreAt(under, list, loop);) {
     const BerElement oid = TakeBer(list);
@@ -143,7 +143,7 @@ bool AddNegotiation(const Place& in, Cursor& c) {
   const bool isInit = token.identifier == kInitToken;
   if (!isInit && token.identifier != kRespToken) return false;
   TakeBer(c);
-  const Place under = Under(in, AddLine(in, Over(token.whole), "%s", isInit ? "NegTokenInit" : "NegTokenResp"));
+  const Place under = Under(in, AddSmbTitle(in, Over(token.whole), isInit ? "NegTokenInit" : "NegTokenResp"));
   Cursor parts = PeekBer(token.contents).contents;
   BerWalk walk{&kTitles, kMostParts};
   ShowBerRows(walk, under, parts, isInit ? kInit : kResp);

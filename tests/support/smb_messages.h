@@ -8,7 +8,7 @@
 
 namespace qxview::testing {
 
-inline int32_t DecodeOneSmb(const Place& at, Cursor c) { return DecodeSmb(at, c.at, Left(c), c.offset, false); }
+inline int32_t DecodeOneSmb(const Place& at, Cursor c) { return DecodeSmb(at, c, false); }
 
 enum Way { kRequest = 0x00, kResponse = 0x80 };
 enum Flags2 { kOem = 0x4001, kUnicode = 0xC001, kDosError = 0x0001 };
