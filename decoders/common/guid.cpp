@@ -10,10 +10,11 @@ GuidText TextOfGuid(const Field& guid, GuidOrder order, GuidLetters letters) {
   GuidText made{};
   if (!guid.here || guid.length != kGuidSize) return made;
   const char* digits = letters == GuidLetters::kUpper ? kHexUpper : kHexLower;
+  const Cursor c = CursorOver(guid);
   char* out = made.text;
   for (int32_t i = 0; i < kGuidSize; ++i) {
     if (i == 4 || i == 6 || i == 8 || i == 10) *out++ = '-';
-    const uint8_t byte = guid.bytes[order == GuidOrder::kBig ? kBig[i] : kLittle[i]];
+    const uint32_t byte = PeekU8(c, order == GuidOrder::kBig ? kBig[i] : kLittle[i]);
     *out++ = digits[byte >> 4];
     *out++ = digits[byte & 15];
   }

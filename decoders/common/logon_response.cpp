@@ -1,6 +1,5 @@
 #include "decoders/common/logon_response.h"
 
-#include "core/rows.h"
 #include "decoders/common/guid.h"
 #include "decoders/common/line_text.h"
 #include "decoders/common/name_labels.h"
@@ -29,10 +28,11 @@ constexpr auto kVersionBits = SortedNames({
     {0x00000010, "V5EX With Closest Site"}, {0x01000000, "Avoid NT4 Emulation"}, {0x10000000, "PDC"},
     {0x20000000, "IP"}, {0x40000000, "Local"}, {0x80000000, "GC"}});
 
-constexpr auto kFlagsRow = Rows<NoValues>({Flags(4, "Flags", kServerBits).Little()});
-constexpr auto kVersionRows = Rows<NoValues>({
-    Flags(4, "NT Version", kVersionBits).Little(), Hex(2, "LM NT Token").Little(), Hex(2, "LM 2.0 Token").Little()});
-constexpr auto kReservedRow = Rows<NoValues>({Number(2, "Reserved").Little()});
+constexpr auto kFlags = LittleRows<NoValues>({Flags(4, "Flags", kServerBits)});
+constexpr auto kVersions = LittleRows<NoValues>({
+    Flags(4, "NT Version", kVersionBits), Hex(2, "LM NT Token"), Hex(2, "LM 2.0 Token")});
+constexpr auto kHead = LittleRows<NoValues>({
+    Number(2, "Reserved"), Flags(4, "Flags", kServerBits), LittleGuid("Domain GUID")});
 constexpr auto kAddress = Rows<NoValues>({
     Number(2, "Address Family").Little(), Number(2, "Port"), IPv4("DC IP Address"), Bytes(0, "Reserved")});
 
@@ -66,24 +66,14 @@ bool AddLogonName(const Place& in, Cursor& c, const char* label) {
   return true;
 }
 
-void AddLogonGuid(const Place& in, Cursor& c, const char* label) {
-  const Field guid = TakeBytes(c, kGuidSize);
-  AddLine(in, guid, "%s: {%s}", label, TextOfGuid(guid, GuidOrder::kLittle));
-}
-
-void AddLogonFlags(const Place& in, Cursor& c) { ShowRows(in, c, kFlagsRow); }
-
-void AddLogonVersions(const Place& in, Cursor& c) {
-  if (Left(c) >= 1) ShowRows(in, c, kVersionRows);
-}
+void AddLogonFlags(const Place& in, Cursor& c) { ShowRows(in, c, kFlags); }
+void AddLogonVersions(const Place& in, Cursor& c) { ShowRows(in, c, kVersions); }
 
 bool AddLogonResponse(const Place& in, Cursor& c) {
   constexpr const char* kNames[] = {
       "DNS Forest Name", "DNS Domain Name", "DNS Host Name", "NetBIOS Domain Name", "NetBIOS Computer Name",
       "User Name", "DC Site Name", "Client Site Name"};
-  ShowRows(in, c, kReservedRow);
-  AddLogonFlags(in, c);
-  AddLogonGuid(in, c, "Domain GUID");
+  ShowRows(in, c, kHead);
   for (const char* name : kNames) {
     if (!AddLogonName(in, c, name)) return false;
   }

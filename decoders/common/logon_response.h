@@ -24,7 +24,6 @@ bool AddLogonResponse(const Place& in, Cursor& c);
 
 // Its parts, of which other commands have some.
 bool AddLogonName(const Place& in, Cursor& c, const char* label);
-void AddLogonGuid(const Place& in, Cursor& c, const char* label);
 void AddLogonFlags(const Place& in, Cursor& c);
 void AddLogonVersions(const Place& in, Cursor& c);
 constexpr int32_t kLogonVersionsSize = 8;

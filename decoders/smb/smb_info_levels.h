@@ -18,10 +18,10 @@ consteval Row<Smb> SmbLevelOf() {
 }
 
 // Lists that several levels and functions hold.
-void ShowSmbEaList(const Place& in, Cursor& c, const char* label, Smb& values);   // of full attributes
+void ShowSmbEaList(const Place& in, Cursor& c, const char* label, Smb& values);    // of full attributes
 inline constexpr auto kSmbEaList = LittleRows<Smb>({Shown(nullptr, ShowSmbEaList)});
-void AddSmbEaNames(const SmbMessage& message, const Place& in, Cursor& c);              // of names of attributes
-void ShowSmbFullEas(const Place& in, Cursor& c, const char* label, Smb& values);  // FILE_FULL_EA_INFORMATION
+void AddSmbEaNames(const SmbMessage& message, const Place& in, Cursor& c);         // of names of attributes
+void ShowSmbFullEas(const Place& in, Cursor& c, const char* label, Smb& values);   // FILE_FULL_EA_INFORMATION
 inline constexpr auto kSmbFullEas = LittleRows<Smb>({Shown("Extended Attribute", ShowSmbFullEas)});
 void ShowSmbQuotas(const Place& in, Cursor& c, const char* label, Smb& values);
 inline constexpr auto kSmbQuotas = LittleRows<Smb>({Shown("Quota", ShowSmbQuotas)});

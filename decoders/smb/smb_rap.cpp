@@ -7,6 +7,7 @@ namespace qxview {
 namespace {
 
 constexpr const char* kAnyCall = "Remote Administration Call";
+
 // The structures that logon calls hold as one byte string.
 constexpr auto kLogon = LittleRows<Smb>({
     SmbOemName<21>("User Name"), Bytes(1, "Pad"), Bytes(16, "Password"), SmbOemName<16>("Workstation")});

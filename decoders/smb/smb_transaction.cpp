@@ -37,7 +37,7 @@ uint32_t NumberAt(const SmbBlock& block, int32_t offset, int32_t width) {
 Cursor TakePiece(SmbTransaction& t, const Place& in, uint32_t offset, uint32_t count, const char* pad) {
   Cursor& bytes = t.block.data;
   const int64_t ahead = static_cast<int64_t>(offset) - SmbOffset(t.message, bytes);
-  if (count == 0 || ahead < 0 || ahead > Left(bytes)) return MakeCursor(bytes.at, bytes.offset, 0);
+  if (count == 0 || ahead < 0 || ahead > Left(bytes)) return TakeCursor(bytes, 0);
   AddSmbPadTo(t.message, in, bytes, offset, pad);
   return TakeCursor(bytes, count);
 }
