@@ -136,8 +136,8 @@ void TakeEndTag(const Place& in, Walk& walk, Cursor& c) {
   AddDataLine(PlaceIn(in, walk), Ahead(start, c.offset - start.offset), "End Without Start", name);
 }
 
+// A line over the attribute's value.
 void ShowAttribute(const Place& under, Cursor& c) {
-  const Cursor start = c;
   const Field name = TakeName(c);
   if (!name.here || name.length == 0) {
     TakeBytes(c, 1);   // no attribute: passed over
@@ -159,8 +159,16 @@ void ShowAttribute(const Place& under, Cursor& c) {
     value = TakeName(c);
   }
   const ValueText label = TextOf(name);
-  AddLine(under, Ahead(start, c.offset - start.offset), "%s = %s", label,
-          TextOf(value));
+  AddLine(under, value, "%s = %s", label, TextOf(value));
+}
+
+void ShowAttributes(const Place& under, Cursor c) {
+  SkipSpace(c);
+  Loop loop;
+  while (MoreAt(under, c, loop)) {
+    ShowAttribute(under, c);
+    SkipSpace(c);
+  }
 }
 
 // The text of an element that holds nothing else, from behind its start tag; not here for any other.
@@ -199,13 +207,7 @@ void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
       sole.here ? AddLine(at, tag, "%s: %s", label, TextOf(sole))
                 : AddLine(at, tag, "%s", label);
   const Place under = Under(at, line);
-  Cursor attributes = TakeCursor(c, behind.offset - c.offset - (isEmpty ? 2 : 1));
-  SkipSpace(attributes);
-  Loop loop;
-  while (MoreAt(under, attributes, loop)) {
-    ShowAttribute(under, attributes);
-    SkipSpace(attributes);
-  }
+  ShowAttributes(under, TakeCursor(c, behind.offset - c.offset - (isEmpty ? 2 : 1)));
   c = behind;
   if (isEmpty) return;
   if (walk.depth == kMostDepth) {
@@ -221,13 +223,16 @@ void TakeMarkup(const Place& in, Walk& walk, Cursor& c) {
   const auto show = [&](const char* opening, const char* closing, const char* label) {
     TakeBytes(c, static_cast<int64_t>(std::strlen(opening)));
     const Field inside = TakeUpTo(c, closing);
-    AddTextLine(at, Ahead(start, c.offset - start.offset), label, inside);
+    return Under(at, AddTextLine(at, Ahead(start, c.offset - start.offset), label, inside));
   };
-  if (StartsWithText(c, "<?xml ")) return show("<?xml ", "?>", "XML Declaration");
-  if (StartsWithText(c, "<?")) return show("<?", "?>", "Processing Instruction");
-  if (StartsWithText(c, "<!--")) return show("<!--", "-->", "Comment");
-  if (StartsWithText(c, "<![CDATA[")) return show("<![CDATA[", "]]>", "Character Data");
-  if (StartsWithText(c, "<!")) return show("<!", ">", "Declaration");
+  if (StartsWithText(c, "<?xml ")) {
+    const Place under = show("<?xml ", "?>", "XML Declaration");
+    return ShowAttributes(under, CursorOver(Slice(Ahead(start, c.offset - start.offset), 6, c.offset - start.offset - 8)));
+  }
+  if (StartsWithText(c, "<?")) return (void)show("<?", "?>", "Processing Instruction");
+  if (StartsWithText(c, "<!--")) return (void)show("<!--", "-->", "Comment");
+  if (StartsWithText(c, "<![CDATA[")) return (void)show("<![CDATA[", "]]>", "Character Data");
+  if (StartsWithText(c, "<!")) return (void)show("<!", ">", "Declaration");
   if (StartsWithText(c, "</")) return TakeEndTag(in, walk, c);
   TakeStartTag(in, walk, c);
 }
