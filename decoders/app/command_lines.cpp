@@ -1,0 +1,209 @@
+// Protocols of commands and replies in lines: FTP's control connection (RFC 959, 2228, 2389, 2428, 3659), SMTP (RFC 5321 and
+// its extensions) and POP3 (RFC 1939, 2449).
+#include <iterator>
+
+#include "decoders/app/internet_message.h"
+#include "decoders/app/tls_record.h"
+#include "decoders/common/header_lines.h"
+#include "decoders/net/dynamic_udp.h"
+
+namespace qxview {
+namespace {
+
+constexpr auto kFtpCodes = SortedNames({
+    {110, "Restart Marker"}, {120, "Service Ready Soon"}, {125, "Data Connection Already Open"},
+    {150, "Opening Data Connection"}, {200, "Command Okay"}, {202, "Command Superfluous"}, {211, "System Status or Help"},
+    {212, "Directory Status"}, {213, "File Status"}, {214, "Help Message"}, {215, "System Type"},
+    {220, "Service Ready"}, {221, "Closing Control Connection"}, {225, "Data Connection Open"},
+    {226, "Closing Data Connection"}, {227, "Entering Passive Mode"}, {228, "Entering Long Passive Mode"},
+    {229, "Entering Extended Passive Mode"}, {230, "User Logged In"}, {232, "User Logged In by Security Data"},
+    {234, "Security Data Exchange Complete"}, {235, "Security Data Accepted"}, {250, "File Action Completed"},
+    {257, "Path Created"}, {331, "Password Needed"}, {332, "Account Needed"}, {334, "Security Mechanism Accepted"},
+    {335, "More Security Data Needed"}, {336, "Password Needed with Challenge"}, {350, "Further Information Needed"},
+    {421, "Service Not Available"}, {425, "Cannot Open Data Connection"}, {426, "Connection Closed"},
+    {430, "Invalid Username or Password"}, {431, "Security Resource Unavailable"}, {434, "Host Not Available"},
+    {450, "File Unavailable"}, {451, "Local Error"}, {452, "Insufficient Storage"}, {500, "Syntax Error"},
+    {501, "Syntax Error in Parameters"}, {502, "Command Not Implemented"}, {503, "Bad Sequence of Commands"},
+    {504, "Parameter Not Implemented"}, {521, "Data Connection Cannot Be Opened"}, {522, "Network Protocol Not Supported"},
+    {530, "Not Logged In"}, {532, "Account Needed for Storing"}, {533, "Protection Level Denied"},
+    {534, "Request Denied for Policy"}, {535, "Security Check Failed"}, {536, "Protection Level Not Supported"},
+    {537, "Protection Level Not Supported by Mechanism"}, {550, "File Unavailable"}, {551, "Page Type Unknown"},
+    {552, "Storage Allocation Exceeded"}, {553, "File Name Not Allowed"}, {631, "Integrity Protected Reply"},
+    {632, "Confidentiality and Integrity Protected Reply"}, {633, "Confidentiality Protected Reply"}});
+constexpr auto kSmtpCodes = SortedNames({
+    {211, "System Status"}, {214, "Help Message"}, {220, "Service Ready"}, {221, "Closing Connection"},
+    {235, "Authentication Succeeded"}, {240, "QUIT"}, {250, "Action Completed"}, {251, "User Not Local, Will Forward"},
+    {252, "Cannot Verify User, Will Attempt Delivery"}, {334, "Server Challenge"}, {354, "Start Mail Input"},
+    {421, "Service Not Available"}, {432, "Password Transition Needed"}, {450, "Mailbox Unavailable"},
+    {451, "Local Error"}, {452, "Insufficient Storage"}, {454, "Temporary Authentication Failure"},
+    {455, "Unable to Accommodate Parameters"}, {500, "Syntax Error"}, {501, "Syntax Error in Parameters"},
+    {502, "Command Not Implemented"}, {503, "Bad Sequence of Commands"}, {504, "Parameter Not Implemented"},
+    {521, "Host Accepts No Mail"}, {523, "Encryption Needed"}, {524, "Authentication Mechanism Too Weak"},
+    {530, "Authentication Required"}, {534, "Authentication Mechanism Too Weak"}, {535, "Authentication Failed"},
+    {538, "Encryption Required for Authentication"}, {550, "Mailbox Unavailable"}, {551, "User Not Local"},
+    {552, "Storage Allocation Exceeded"}, {553, "Mailbox Name Not Allowed"}, {554, "Transaction Failed"},
+    {555, "Parameters Not Recognized"}, {556, "Domain Accepts No Mail"}});
+
+bool IsText(const Field& line) {
+  for (int32_t i = 0; i < line.length; ++i) {
+    if (line.bytes[i] < ' ' && line.bytes[i] != '\t') return false;
+  }
+  return line.length > 0;
+}
+
+// What is behind STARTTLS or AUTH TLS, or no text at all, is not of these protocols.
+bool IsLines(const Cursor& c) {
+  TextLine line;
+  Cursor ahead = c;
+  return !StartsTlsRecord(c.at, Left(c)) && TakeLine(ahead, line) && IsText(line.text);
+}
+
+// "220 text" or "220-text": the code; -1 for another line.
+int32_t CodeOf(const Field& line) {
+  if (line.length < 3 || (line.length > 3 && line.bytes[3] != ' ' && line.bytes[3] != '-')) return -1;
+  return DecimalOf(Slice(line, 0, 3));
+}
+
+// (192,0,2,1,4,0) or (|||1024|): where the server waits for the data connection.
+void ShowDataPort(const Place& in, const Field& text) {
+  AddressSlot slot;
+  uint16_t port;
+  if (AddDynamicFtpDataPort(reinterpret_cast<const char*>(text.bytes), text.length, &slot, &port)) {
+    int32_t open = 0;
+    while (open < text.length && text.bytes[open] != '(') ++open;
+    Field address = Slice(text, open + 1, text.length - open - 1);
+    address = TakeWord(address, ")");
+    int32_t commas = 0, split = 0;
+    for (; split < address.length && commas < 4; ++split) commas += address.bytes[split] == ',';
+    AddLine(in, Slice(address, 0, split - 1), "Passive IP Address: %s", IPv4Text(slot.address + 12));
+    AddLine(in, Slice(address, split, address.length - split), "Passive Port: %u", port);
+    return;
+  }
+  Field rest = text;
+  TakeWord(rest, "(");
+  if (rest.length > 3 && rest.bytes[0] == rest.bytes[1] && rest.bytes[1] == rest.bytes[2]) {
+    const char ends[] = {static_cast<char>(rest.bytes[0]), 0};
+    Field number = Slice(rest, 3, rest.length - 3);
+    number = TakeWord(number, ends);
+    if (DecimalOf(number) >= 0) AddTextLine(in, number, "Passive Port");
+  }
+}
+
+template <class Codes>
+void ShowReply(const Place& at, const TextLine& line, const Codes& codes, bool isFtp) {
+  const int32_t code = CodeOf(line.text);
+  const Place in = Under(at, AddTextLine(at, line.whole, "Reply", line.text));
+  if (code < 0) return;
+  AddLine(in, Slice(line.text, 0, 3), "Reply Code: %u = %s", code, LookupName(codes, static_cast<uint32_t>(code)));
+  const Field text = Slice(line.text, 4, line.text.length - 4);
+  if (text.length > 0) AddTextLine(in, text, "Reply Text");
+  if (isFtp && (code == 227 || code == 229)) ShowDataPort(in, text);
+}
+
+void ShowCommand(const Place& at, const TextLine& line) {
+  const Place in = Under(at, AddTextLine(at, line.whole, "Command", line.text));
+  Field rest = line.text;
+  AddTextLine(in, TakeWord(rest), "Verb");
+  rest = Trimmed(rest);
+  if (rest.length > 0) AddTextLine(in, rest, "Parameter");
+}
+
+bool IsOneOf(const Field& line, const char* const* verbs, size_t count) {
+  Field rest = line;
+  const Field verb = TakeWord(rest);
+  for (size_t i = 0; i < count; ++i) {
+    if (IsWord(verb, verbs[i])) return true;
+  }
+  return false;
+}
+
+constexpr const char* kSmtpVerbs[] = {"HELO", "EHLO", "LHLO", "MAIL", "RCPT", "DATA", "BDAT", "RSET", "VRFY", "EXPN", "HELP",
+                                      "NOOP", "QUIT", "STARTTLS", "AUTH", "TURN", "ETRN", "ATRN", "BURL", "SEND", "SOML",
+                                      "SAML", "XCLIENT", "XFORWARD"};
+constexpr const char* kPopVerbs[] = {"USER", "PASS", "STAT", "LIST", "RETR", "DELE", "NOOP", "RSET", "QUIT", "TOP", "UIDL",
+                                     "APOP", "AUTH", "CAPA", "STLS", "UTF8", "LANG"};
+
+// The payload's line, which says its first line.
+Place TopLine(const Place& at, const Cursor& c, const char* name) {
+  TextLine line;
+  Cursor ahead = c;
+  TakeLine(ahead, line);
+  return Under(at, AddLine(at, Ahead(c, Left(c)), "%s: %s", name, Text(line.text)));
+}
+
+// The rest of a message, or a message from its headers on.
+void ShowMail(const Place& in, Cursor& c) {
+  if (StartsInternetMessage(c)) {
+    ShowInternetMessage(in, c, true);
+  } else {
+    ShowMessageText(in, c, true);
+  }
+}
+
+}  // namespace
+
+int32_t DecodeFtp(const Place& at, Cursor c) {
+  if (!IsLines(c)) return 0;
+  const Place in = TopLine(at, c, "FTP");
+  // Lines of a long reply have no code of their own, but come from the server.
+  const bool isReply = PacketOf(at).matchedSource || CodeOf(Ahead(c, Left(c) < 4 ? Left(c) : 4)) >= 0;
+  TextLine line;
+  Loop loop;
+  while (MoreAt(in, c, loop) && TakeLine(c, line)) {
+    if (isReply) {
+      ShowReply(in, line, kFtpCodes, true);
+    } else {
+      ShowCommand(in, line);
+    }
+  }
+  return 1;
+}
+
+int32_t DecodeSmtp(const Place& at, Cursor c) {
+  if (!IsLines(c)) return 0;
+  const Place in = TopLine(at, c, "SMTP");
+  TextLine line;
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    Cursor next = c;
+    if (!TakeLine(next, line)) break;
+    if (CodeOf(line.text) >= 200) {
+      ShowReply(in, line, kSmtpCodes, false);
+    } else if (IsOneOf(line.text, kSmtpVerbs, std::size(kSmtpVerbs))) {
+      ShowCommand(in, line);
+    } else {
+      ShowMail(in, c);
+      continue;
+    }
+    c = next;
+  }
+  return 1;
+}
+
+int32_t DecodePop3(const Place& at, Cursor c) {
+  if (!IsLines(c)) return 0;
+  const Place in = TopLine(at, c, "POP3");
+  TextLine line;
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    Cursor next = c;
+    if (!TakeLine(next, line)) break;
+    const bool isReply = StartsWithWord(line.text, "+OK") || StartsWithWord(line.text, "-ERR") || IsWord(line.text, "+");
+    if (!isReply && !IsOneOf(line.text, kPopVerbs, std::size(kPopVerbs))) {
+      ShowMail(in, c);
+      continue;
+    }
+    c = next;
+    if (!isReply) {
+      ShowCommand(in, line);
+      continue;
+    }
+    const Place under = Under(in, AddTextLine(in, line.whole, "Reply", line.text));
+    Field rest = line.text;
+    AddTextLine(under, TakeWord(rest), "Status Indicator");
+    if (rest.length > 0) AddTextLine(under, rest, "Reply Text");
+  }
+  return 1;
+}
+
+}  // namespace qxview
