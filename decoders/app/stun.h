@@ -19,7 +19,7 @@ struct Stun {
   Field message;         // header and attributes, as far as they are there
   const uint8_t* mask;   // cookie and transaction ID, by which addresses are hidden
   bool isClassic;        // RFC 3489: without a cookie
-  bool toldMapped;
+  bool toldMapped, toldPeer;   // what the line said of them
   Field size;
 };
 

@@ -101,7 +101,8 @@ void ShowHiddenMappedAddress(const Place& in, Cursor& c, Stun& stun) { ShowMappe
 void ShowPeer(const Place& in, Cursor& c, Stun& stun) {
   const ShownAddress shown = ShowAddressFields(in, c, stun, true);
   AppendAddress(in, shown, "");
-  AppendAddress(stun.top, shown, "Peer ");
+  if (!stun.toldPeer) AppendAddress(stun.top, shown, "Peer ");
+  stun.toldPeer = true;   // a permission may be for many
 }
 void ShowRelayed(const Place& in, Cursor& c, Stun& stun) {
   const ShownAddress shown = ShowAddressFields(in, c, stun, true);
