@@ -150,6 +150,7 @@ class SaveJob {
     request.firstNumber = 1;
     result_ = buffer_.Begin(request);
     if (result_ != kSaved) why_ = WriteFailure();
+    if (result_ == kHeaderWriteFailed && why_.empty()) why_ = "out of memory";
   }
 
   void SaveCapture(PacketRun& run) {

@@ -35,10 +35,12 @@ struct Pcap {
   decltype(&pcap_freecode) freeCode;
   decltype(&pcap_offline_filter) match;
 
-  bool Load() {
+  bool Load(std::string* why) {
     void* library = dlopen("libpcap.so.0.8", RTLD_NOW | RTLD_LOCAL);
+    if (!library) *why = dlerror();
     if (!library) library = dlopen("libpcap.so.1", RTLD_NOW | RTLD_LOCAL);
     if (!library) return false;
+    *why = "it lacks functions";
     const auto find = [&](auto& function, const char* name) {
       function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(dlsym(library, name));
       return function != nullptr;
@@ -99,8 +101,9 @@ class PcapFilter final : public BpfFilter {
 
 std::unique_ptr<BpfFilter> BpfFilter::Create(const std::string& expression, std::string* message) {
   Pcap pcap{};
-  if (!pcap.Load()) {
-    *message = "--filter needs libpcap, which is not on this machine";
+  std::string why;
+  if (!pcap.Load(&why)) {
+    *message = "--filter needs libpcap: " + why;
     return nullptr;
   }
   auto filter = std::make_unique<PcapFilter>(pcap, expression);
