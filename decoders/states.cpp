@@ -5,6 +5,7 @@
 #include "core/dispatch.h"
 #include "core/engine.h"
 #include "core/tls_stream.h"
+#include "decoders/app/flow_templates.h"
 #include "decoders/app/http_message.h"
 #include "decoders/net/window_scales.h"
 #include "decoders/smb/smb_requests.h"
