@@ -38,7 +38,7 @@ constexpr auto kTdsProcedureNames = SortedNames({
 void SkipRequestHeaders(Cursor& c) {
   constexpr uint32_t kLeast = 4, kMost = 256;
   if (Left(c) < 4) return;
-  const uint32_t total = ReadLittleU32(c.at);
+  const uint32_t total = PeekLittleU32(c);
   if (total >= kLeast && total <= kMost) TakeBytes(c, total);
 }
 

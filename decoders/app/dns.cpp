@@ -154,7 +154,7 @@ namespace {
 bool StartsTcpMessage(const Place& at, const Cursor& c) {
   constexpr uint32_t kRecursionDesired = 0x0100, kRecursionAvailable = 0x0080;
   if (c.left < 6) return false;
-  const uint32_t prefix = ReadU16(c.at), flags = ReadU16(c.at + 4);
+  const uint32_t prefix = PeekU16(c), flags = PeekU16(c, 4);
   const PacketState& packet = PacketOf(at);
   const uint16_t clientPort = flags & 0x8000 ? packet.destinationPort : packet.sourcePort;
   if (clientPort == kDnsPort || (flags >> 11 & 15) > kHighestOperation || (flags & 15) > kHighestResult) return false;

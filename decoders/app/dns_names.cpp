@@ -148,7 +148,7 @@ int32_t DecodeNameParts(const Place& at, LineHandle nameLine, Cursor& c, DnsMess
   const Place in = Under(at, nameLine);
   const uint8_t* nameStart = c.at;
   while (c.left > 0 && !PacketOf(at).limitReached) {
-    const int32_t lead = c.at[0];
+    const int32_t lead = PeekU8(c);
     if (lead == 0) {
       AddLine(in, TakeU8(c), "Name Terminator: 0x%.02X", 0);
       return 1;

@@ -44,14 +44,16 @@ int32_t DecodeNameTypeClass(const Place& in, Cursor& c, DnsMessage& message, uin
 }
 
 // The byte `ahead` of the cursor: beyond the message from the frame where it has one, else 0.
-uint32_t PeekByte(const Place& at, const Cursor& c, int32_t ahead) {
-  if (ahead < c.left) return c.at[ahead];
+uint32_t PeekByte(const Place& at, Cursor c, int32_t ahead) {
+  c.ranShort = false;
+  if (ahead < c.left) return PeekU8(c, ahead);
   const FrameRecord* frame = PacketOf(at).frame;
   if (!frame) return 0;
-  const uintptr_t begin = reinterpret_cast<uintptr_t>(FrameData(frame));
+  const Cursor whole = MakeCursor(FrameData(frame), 0, static_cast<int32_t>(frame->capturedLength));
+  const uintptr_t begin = reinterpret_cast<uintptr_t>(whole.at);
   const uintptr_t wanted = reinterpret_cast<uintptr_t>(c.at) + static_cast<uintptr_t>(ahead);
-  const bool inFrame = wanted >= begin && wanted < begin + frame->capturedLength;
-  return inFrame ? c.at[ahead] : 0;
+  const bool inFrame = wanted >= begin && wanted - begin < frame->capturedLength;
+  return inFrame ? PeekU8(whole, static_cast<int32_t>(wanted - begin)) : 0;
 }
 
 // The time to live is read whole even where the message ends inside it.

@@ -33,14 +33,14 @@ constexpr const char* kStatusNames[] = {
 // The next "tag=value" of the cursor; tag 0 when it is none.
 int32_t TakeField(Cursor& c, TextSlice* value) {
   int32_t length = 0;
-  while (length < Left(c) && c.at[length] != kSeparator) ++length;
+  while (length < Left(c) && PeekU8(c, length) != kSeparator) ++length;
   const Field field = TakeBytes(c, length);
   if (Left(c) > 0) TakeU8(c);
   int32_t tag = 0, at = 0;
-  while (at < length && at < 6 && IsDigit(static_cast<char>(field.bytes[at]))) {
-    tag = 10 * tag + (field.bytes[at++] - '0');
+  while (at < length && at < 6 && IsDigit(static_cast<char>(PeekU8(field, at)))) {
+    tag = 10 * tag + (PeekU8(field, at++) - '0');
   }
-  if (at == length || at == 0 || field.bytes[at] != '=') return 0;
+  if (at == length || at == 0 || PeekU8(field, at) != '=') return 0;
   *value = TextOf(field.bytes + at + 1, length - at - 1);
   return tag;
 }

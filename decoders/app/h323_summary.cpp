@@ -17,8 +17,8 @@ constexpr uint32_t kQ931 = 8;
 
 // Steps over the transport header that these protocols stand in on TCP (RFC 1006, RFC 2126); tunnelled ones have none.
 void SkipTpkt(Cursor& c) {
-  if (Left(c) < kTpktHeader || c.at[0] != kTpktVersion || c.at[1] != 0) return;
-  const uint32_t length = ReadU16(c.at + 2);
+  if (Left(c) < kTpktHeader || PeekU8(c) != kTpktVersion || PeekU8(c, 1) != 0) return;
+  const uint32_t length = PeekU16(c, 2);
   TakeBytes(c, kTpktHeader);
   if (length >= kTpktHeader) c = TakeCursor(c, length - kTpktHeader);
 }
@@ -69,7 +69,7 @@ uint32_t TakeBits(Bits& bits, int32_t count) {
   uint32_t value = 0;
   for (; count > 0; --count, ++bits.used) {
     const int32_t byte = bits.used / 8;
-    const uint32_t bit = byte < Left(bits.c) ? bits.c.at[byte] >> (7 - bits.used % 8) & 1u : 0u;
+    const uint32_t bit = byte < Left(bits.c) ? PeekU8(bits.c, byte) >> (7 - bits.used % 8) & 1u : 0u;
     value = value << 1 | bit;
   }
   return value;

@@ -39,7 +39,7 @@ bool DecodeHttpChunk(const Place& in, Cursor& c) {
   const HttpChunkSize chunk = ReadChunkSize(line.bytes, line.length);
   if (!chunk.valid) return false;
   Cursor data = TakeCursor(next, chunk.size);
-  if (Left(next) >= 1 && next.at[0] == '\r' && (Left(next) == 1 || next.at[1] == '\n')) {
+  if (Left(next) >= 1 && PeekU8(next) == '\r' && (Left(next) == 1 || PeekU8(next, 1) == '\n')) {
     TakeBytes(next, Left(next) == 1 ? 1 : 2);
   }
   const Field whole = Ahead(c, next.offset - c.offset);

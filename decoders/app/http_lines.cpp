@@ -52,7 +52,7 @@ bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line) {
   if (!colon || colon == line.bytes) return false;
   const int32_t nameLength = static_cast<int32_t>(static_cast<const uint8_t*>(colon) - line.bytes);
   int32_t start = nameLength + 1;
-  while (start < line.length && (line.bytes[start] == ' ' || line.bytes[start] == '\t')) ++start;
+  while (start < line.length && (PeekU8(line, start) == ' ' || PeekU8(line, start) == '\t')) ++start;
   const Field name = Slice(line, 0, nameLength);
   const Field separator = Slice(line, nameLength, 1);
   const Field value = Slice(line, start, line.length - start);

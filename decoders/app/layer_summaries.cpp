@@ -64,17 +64,17 @@ void AddLength(SummaryText& text, const Cursor& c) { Add(text, ", %d bytes", Lef
 // Whether an IPv4 header is all there and its checksum fails; the decode does not go on behind such a one.
 bool HasBadChecksum(const Cursor& c) {
   if (Left(c) < 1) return false;
-  const int32_t header = (c.at[0] & 15) * 4;
-  if (header < 20 || header > Left(c) || ReadU16(c.at + 10) == 0) return false;
+  const int32_t header = (PeekU8(c) & 15) * 4;
+  if (header < 20 || header > Left(c) || PeekU16(c, 10) == 0) return false;
   return SumWords(0, c.at, header) != 0xFFFF;
 }
 
 // An IP header without a payload that was reached: cut, damaged or empty.
 void DescribeIpAlone(SummaryText& text, const Cursor& c, bool isFour) {
   Add(text, isFour ? "IPv4" : "IPv6");
-  if (isFour && Left(c) >= 10) Add(text, " %s", IpProtocolName(c.at[9]));
+  if (isFour && Left(c) >= 10) Add(text, " %s", IpProtocolName(PeekU8(c, 9)));
   if (isFour && HasBadChecksum(c)) Add(text, ", Bad Header Checksum");
-  if (!isFour && Left(c) >= 7) Add(text, " %s", NextHeaderName(c.at[6]));
+  if (!isFour && Left(c) >= 7) Add(text, " %s", NextHeaderName(PeekU8(c, 6)));
   AddLength(text, c);
 }
 

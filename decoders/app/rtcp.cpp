@@ -36,7 +36,7 @@ void AddSource(const Place& in, Cursor& c, const char* who) {
 void DecodeSenderInformation(const Place& in, Cursor& c) {
   const Field time = TakeBytes(c, 8);
   if (time.here) {
-    const uint32_t seconds = ReadU32(time.bytes), fraction = ReadU32(time.bytes + 4);
+    const uint32_t seconds = PeekU32(time), fraction = PeekU32(time, 4);
     AddLine(in, time, "NTP Time: %u.%.06u seconds (0x%.08X %.08X)", seconds, Millionths(fraction), seconds, fraction);
   }
   const Field timestamp = TakeU32(c);
@@ -135,10 +135,10 @@ void DecodeExtendedReport(const Place& in, Cursor& c) {
   AddSource(in, c, "SSRC");
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    const int32_t words = Left(c) >= 4 ? static_cast<int32_t>(ReadU16(c.at + 2)) : 0;
+    const int32_t words = Left(c) >= 4 ? static_cast<int32_t>(PeekU16(c, 2)) : 0;
     Cursor block = TakeCursor(c, 4 + 4 * words);
-    const LineHandle line = AddLine(in, Ahead(block, Left(block)), "Report Block: %u = %s, %u bytes", block.at[0],
-                                    LookupName(kReportNames, block.at[0]), Left(block));
+    const LineHandle line = AddLine(in, Ahead(block, Left(block)), "Report Block: %u = %s, %u bytes", PeekU8(block),
+                                    LookupName(kReportNames, PeekU8(block)), Left(block));
     TakeU32(block);
     AddBlock(Under(in, line), Rest(block), "Report Block Data");
   }
@@ -202,7 +202,7 @@ void DecodePacket(const Place& at, Cursor c, const RtcpHeader& header) {
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "RTCP: %s", name ? name : kUnknown));
   const bool whole = Left(c) == header.length;
   AddHeaderLines(in, c, header);
-  const int32_t padding = header.padding && whole && Left(c) > 0 ? c.at[Left(c) - 1] : 0;
+  const int32_t padding = header.padding && whole && Left(c) > 0 ? PeekU8(c, Left(c) - 1) : 0;
   Cursor body = TakeCursor(c, padding <= Left(c) ? Left(c) - padding : Left(c));
   DecodeBody(in, body, header);
   AddBlock(in, Rest(c), "Padding");

@@ -17,7 +17,7 @@ constexpr auto kTypeNames = SortedNames({{kRtcpSenderReport, "Sender Report"},
 bool IsFilling(const Field& filling) {
   if (!filling.here || filling.length > 3) return false;
   for (int32_t i = 0; i < filling.length; ++i) {
-    if (filling.bytes[i] != 0) return false;
+    if (PeekU8(filling, i) != 0) return false;
   }
   return true;
 }
@@ -52,7 +52,7 @@ bool IsApplication(Cursor c) {
   TakeU32(c);
   const Field name = TakeBytes(c, 4);
   for (int32_t i = 0; i < name.length; ++i) {
-    if (name.bytes[i] < ' ' || name.bytes[i] > '~') return false;
+    if (PeekU8(name, i) < ' ' || PeekU8(name, i) > '~') return false;
   }
   return name.here;
 }
@@ -82,8 +82,8 @@ void ReadReports(const RtcpHeader& header, Cursor c, RtcpCompound* out) {
   for (uint32_t i = 0; i < header.count; ++i) {
     const Field block = TakeBytes(c, kRtcpReportBlock);
     if (!block.here) return;
-    const uint16_t sequence = static_cast<uint16_t>(ReadU16(block.bytes + 10));
-    const uint32_t jitter = ReadU32(block.bytes + 12);
+    const uint16_t sequence = static_cast<uint16_t>(PeekU16(block, 10));
+    const uint32_t jitter = PeekU32(block, 12);
     if (sequence > out->highestSequence) out->highestSequence = sequence;
     if (jitter > out->greatestJitter) out->greatestJitter = jitter;
   }
@@ -95,9 +95,10 @@ const char* RtcpTypeName(uint32_t type) { return LookupName(kTypeNames, type, nu
 
 bool ReadRtcpHeader(const Cursor& c, RtcpHeader* out) {
   if (Left(c) < 4) return false;
-  const uint8_t first = c.at[0];
-  *out = {static_cast<uint8_t>(first >> 6), (first & 0x20) != 0, static_cast<uint8_t>(first & 0x1F), c.at[1],
-          4 + 4 * static_cast<int32_t>(ReadU16(c.at + 2))};
+  const uint8_t first = PeekU8(c);
+  *out = {static_cast<uint8_t>(first >> 6), (first & 0x20) != 0, static_cast<uint8_t>(first & 0x1F),
+          static_cast<uint8_t>(PeekU8(c, 1)),
+          4 + 4 * static_cast<int32_t>(PeekU16(c, 2))};
   return true;
 }
 
@@ -111,7 +112,7 @@ bool ParseRtcp(const uint8_t* data, int32_t length, RtcpCompound* out) {
     Cursor body = TakeCursor(c, header.length);
     TakeU32(body);
     if (header.padding) {
-      const int32_t padding = Left(body) > 0 ? body.at[Left(body) - 1] : 0;
+      const int32_t padding = Left(body) > 0 ? PeekU8(body, Left(body) - 1) : 0;
       if (Left(c) > 0 || padding == 0 || padding % 4 != 0 || padding > Left(body)) return false;
       body.left -= padding;
     }

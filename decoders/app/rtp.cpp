@@ -72,11 +72,11 @@ void DecodeExtension(const Place& in, Cursor& c) {
 
 int32_t DecodeRtp(const Place& at, Cursor c) {
   constexpr int32_t kHeader = 12;
-  if (Left(c) < kHeader || c.at[0] >> 6 != 2) return 0;
-  const uint32_t flags = c.at[0];
+  if (Left(c) < kHeader || PeekU8(c) >> 6 != 2) return 0;
+  const uint32_t flags = PeekU8(c);
   const Place in = Under(at, AddLine(at, Ahead(c, kHeader), "RTP: %s, Sequence: %u, Time: %u, SSRC: %u",
-                                     CodecName(c.at[1] & 0x7F), ReadU16(c.at + 2), ReadU32(c.at + 4),
-                                     ReadU32(c.at + 8)));
+                                     CodecName(PeekU8(c, 1) & 0x7F), PeekU16(c, 2), PeekU32(c, 4),
+                                     PeekU32(c, 8)));
   const Field first = TakeU8(c);
   const Field second = TakeU8(c);
   AddFlagLines(in, first, second);
@@ -92,7 +92,7 @@ int32_t DecodeRtp(const Place& at, Cursor c) {
   }
   if (flags & 0x10) DecodeExtension(in, c);
   if (!in.dead) SetRange(in, in.parent, c.begin, Taken(c));
-  const int32_t padding = (flags & 0x20) && Left(c) > 0 ? c.at[Left(c) - 1] : 0;
+  const int32_t padding = (flags & 0x20) && Left(c) > 0 ? PeekU8(c, Left(c) - 1) : 0;
   Cursor payload = TakeCursor(c, padding <= Left(c) ? Left(c) - padding : Left(c));
   AddLine(in, Rest(c), "Padding: %u bytes", padding);
   AddRawRest(at, payload, "RTP Payload");

@@ -14,20 +14,20 @@ Field ActionOf(Cursor c) {
   Loop loop;
   while (More(c, loop)) {
     int32_t at = 0;
-    while (at < Left(c) && c.at[at] != '<') ++at;
+    while (at < Left(c) && PeekU8(c, at) != '<') ++at;
     TakeBytes(c, at < Left(c) ? at + 1 : at);
     Field tag = Ahead(c, Left(c));
-    for (at = 0; at < tag.length && tag.bytes[at] != '>'; ++at) {
+    for (at = 0; at < tag.length && PeekU8(tag, at) != '>'; ++at) {
     }
     Field name = Slice(tag, 0, at);
     name = TakeWord(name);
     int32_t local = name.length;
-    while (local > 0 && name.bytes[local - 1] != ':') --local;
+    while (local > 0 && PeekU8(name, local - 1) != ':') --local;
     if (!name.here || !IsWord(Slice(name, local, name.length - local), kName) || at >= tag.length) continue;
     Field text = Slice(tag, at + 1, tag.length - at - 1);
     text = TakeWord(text, "< \r\n");
     int32_t last = text.length;
-    while (last > 0 && text.bytes[last - 1] != '/') --last;
+    while (last > 0 && PeekU8(text, last - 1) != '/') --last;
     return Slice(text, last, text.length - last);
   }
   return {};

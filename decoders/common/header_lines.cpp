@@ -28,7 +28,7 @@ bool TakeLine(Cursor& c, TextLine& out) {
   const void* found = std::memchr(c.at, '\n', static_cast<size_t>(left));
   const int32_t end = found ? static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at) : left;
   out.whole = TakeBytes(c, found ? end + 1 : end);
-  const bool hasReturn = found && end > 0 && out.whole.bytes[end - 1] == '\r';
+  const bool hasReturn = found && end > 0 && PeekU8(out.whole, end - 1) == '\r';
   out.text = Slice(out.whole, 0, hasReturn ? end - 1 : end);
   return true;
 }
@@ -36,7 +36,7 @@ bool TakeLine(Cursor& c, TextLine& out) {
 bool StartsWithWord(const Field& field, const char* word) {
   if (!field.here || !field.bytes) return false;
   for (int32_t i = 0; word[i]; ++i) {
-    if (i >= field.length || Lower(field.bytes[i]) != Lower(static_cast<uint8_t>(word[i]))) return false;
+    if (i >= field.length || Lower(PeekU8(field, i)) != Lower(static_cast<uint8_t>(word[i]))) return false;
   }
   return true;
 }
@@ -51,14 +51,14 @@ bool StartsWithText(const Cursor& c, const char* text) {
 }
 
 void SkipSpace(Cursor& c) {
-  while (Left(c) > 0 && IsSpace(c.at[0])) TakeBytes(c, 1);
+  while (Left(c) > 0 && IsSpace(PeekU8(c))) TakeBytes(c, 1);
 }
 
 Field TakeWord(Field& text, const char* ends) {
   int32_t start = 0;
-  while (start < text.length && IsBlank(text.bytes[start])) ++start;
+  while (start < text.length && IsBlank(PeekU8(text, start))) ++start;
   int32_t end = start;
-  while (end < text.length && (text.bytes[end] == 0 || !std::strchr(ends, text.bytes[end]))) ++end;
+  while (end < text.length && (PeekU8(text, end) == 0 || !std::strchr(ends, PeekU8(text, end)))) ++end;
   const Field word = Piece(text, start, end);
   text = Piece(text, end < text.length ? end + 1 : end, text.length);
   return word.length > 0 ? word : Field{nullptr, word.offset, 0, 0, false};
@@ -67,8 +67,8 @@ Field TakeWord(Field& text, const char* ends) {
 Field Trimmed(const Field& text) {
   if (!text.here || !text.bytes) return text;
   int32_t start = 0, end = text.length;
-  while (start < end && IsBlank(text.bytes[start])) ++start;
-  while (end > start && IsBlank(text.bytes[end - 1])) --end;
+  while (start < end && IsBlank(PeekU8(text, start))) ++start;
+  while (end > start && IsBlank(PeekU8(text, end - 1))) --end;
   return Piece(text, start, end);
 }
 
@@ -77,7 +77,7 @@ int32_t DecimalOf(const Field& field) {
   if (!field.here || field.length < 1 || field.length > kMostDigits) return -1;
   int32_t number = 0;
   for (int32_t i = 0; i < field.length; ++i) {
-    const uint8_t digit = field.bytes[i];
+    const uint8_t digit = PeekU8(field, i);
     if (digit < '0' || digit > '9') return -1;
     number = number * 10 + (digit - '0');
   }
@@ -113,7 +113,7 @@ bool TakeStartLine(Cursor& c, const char* version, StartLine& out) {
     // The last word is the version; what stands between the two is the target, blanks or not.
     rest = Trimmed(rest);
     int32_t last = rest.length;
-    while (last > 0 && !IsBlank(rest.bytes[last - 1])) --last;
+    while (last > 0 && !IsBlank(PeekU8(rest, last - 1))) --last;
     out.isRequest = true;
     out.method = first;
     out.version = Piece(rest, last, rest.length);
@@ -143,12 +143,12 @@ bool TakeHeader(Cursor& c, HeaderLine& out) {
   TextLine line;
   if (!TakeLine(next, line)) return false;
   int32_t colon = 0;
-  while (colon < line.text.length && IsNameCharacter(line.text.bytes[colon])) ++colon;
+  while (colon < line.text.length && IsNameCharacter(PeekU8(line.text, colon))) ++colon;
   const int32_t nameLength = colon;
-  while (colon < line.text.length && IsBlank(line.text.bytes[colon])) ++colon;   // in front of the colon: RFC 822, SIP
-  if (nameLength == 0 || colon == line.text.length || line.text.bytes[colon] != ':') return false;
+  while (colon < line.text.length && IsBlank(PeekU8(line.text, colon))) ++colon;   // in front of the colon: RFC 822, SIP
+  if (nameLength == 0 || colon == line.text.length || PeekU8(line.text, colon) != ':') return false;
   int32_t length = line.text.length;
-  while (Left(next) > 0 && IsBlank(next.at[0])) {
+  while (Left(next) > 0 && IsBlank(PeekU8(next))) {
     TextLine folded;
     TakeLine(next, folded);
     length = folded.text.offset + folded.text.length - line.text.offset;

@@ -11,7 +11,7 @@ constexpr int32_t kMostDepth = 32;
 // A string with its quotation marks; one whose end is missing goes as far as the bytes.
 Field TakeString(Cursor& c) {
   int32_t end = 1;
-  while (end < Left(c) && c.at[end] != '"') end += c.at[end] == '\\' ? 2 : 1;
+  while (end < Left(c) && PeekU8(c, end) != '"') end += PeekU8(c, end) == '\\' ? 2 : 1;
   return TakeBytes(c, end < Left(c) ? end + 1 : Left(c));
 }
 
@@ -19,7 +19,7 @@ Field TakeString(Cursor& c) {
 Field TakeBare(Cursor& c) {
   int32_t end = 0;
   while (end < Left(c)) {
-    const uint8_t at = c.at[end];
+    const uint8_t at = PeekU8(c, end);
     if (at <= ' ' || at == ',' || at == ']' || at == '}' || at == ':' || at == '"' || at == '{' || at == '[') break;
     ++end;
   }
@@ -35,7 +35,7 @@ uint32_t PeekEscapedCode(const Cursor& c) {
   if (PeekU16(c) != 0x5C75 || Left(c) < 6) return 0;
   uint32_t code = 0;
   for (int32_t i = 2; i < 6; ++i) {
-    const uint32_t digit = HexDigitOf(c.at[i]);
+    const uint32_t digit = HexDigitOf(PeekU8(c, i));
     if (digit > 15) return 0;
     code = code << 4 | digit;
   }
@@ -44,12 +44,12 @@ uint32_t PeekEscapedCode(const Cursor& c) {
 
 // What stands between the quotation marks, with characters in place of their escapes; line ends and tabs stay escaped.
 void PutString(LineText& out, const Field& string) {
-  const bool isClosed = string.length > 1 && string.bytes[string.length - 1] == '"';
+  const bool isClosed = string.length > 1 && PeekU8(string, string.length - 1) == '"';
   Cursor c = CursorOver(Slice(string, 1, string.length - (isClosed ? 2 : 1)));
   Loop loop;
   while (More(c, loop) && !out.IsFull()) {
     int32_t plain = 0;
-    while (plain < Left(c) && c.at[plain] != '\\') ++plain;
+    while (plain < Left(c) && PeekU8(c, plain) != '\\') ++plain;
     out.PutReadable(CursorOver(TakeBytes(c, plain)));
     if (Left(c) < 1) return;
     const uint8_t escaped = static_cast<uint8_t>(PeekU8(c, 1));
@@ -68,7 +68,7 @@ void PutString(LineText& out, const Field& string) {
 ValueText TextOf(const Field& scalar) {
   ValueText made;
   LineText out(made.text, sizeof made.text);
-  if (scalar.length > 0 && scalar.bytes[0] == '"') {
+  if (scalar.length > 0 && PeekU8(scalar) == '"') {
     PutString(out, scalar);
   } else {
     out.PutReadable(CursorOver(scalar));

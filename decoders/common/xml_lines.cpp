@@ -30,14 +30,14 @@ Field TakeText(Cursor& c) {
   const void* found = Left(c) > 0 ? std::memchr(c.at, '<', static_cast<size_t>(Left(c))) : nullptr;
   const Field all = TakeBytes(c, found ? static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at) : Left(c));
   int32_t start = 0, end = all.length;
-  while (start < end && IsSpace(all.bytes[start])) ++start;
-  while (end > start && IsSpace(all.bytes[end - 1])) --end;
+  while (start < end && IsSpace(PeekU8(all, start))) ++start;
+  while (end > start && IsSpace(PeekU8(all, end - 1))) --end;
   return Slice(all, start, end - start);
 }
 
 Field TakeName(Cursor& c) {
   int32_t end = 0;
-  while (end < Left(c) && !IsSpace(c.at[end]) && !std::strchr("<>/=\"'", c.at[end])) ++end;
+  while (end < Left(c) && !IsSpace(PeekU8(c, end)) && !std::strchr("<>/=\"'", PeekU8(c, end))) ++end;
   return TakeBytes(c, end);
 }
 
@@ -50,11 +50,11 @@ uint32_t CharacterOfEntity(const Field& name) {
   for (const auto& entity : kEntities) {
     if (IsWord(name, entity.name)) return static_cast<uint8_t>(entity.character);
   }
-  if (name.length < 2 || name.bytes[0] != '#') return 0;
-  const bool isHex = name.bytes[1] == 'x';
+  if (name.length < 2 || PeekU8(name) != '#') return 0;
+  const bool isHex = PeekU8(name, 1) == 'x';
   uint32_t code = 0;
   for (int32_t i = isHex ? 2 : 1; i < name.length; ++i) {
-    const uint8_t c = name.bytes[i];
+    const uint8_t c = PeekU8(name, i);
     const uint32_t digit = c >= '0' && c <= '9' ? c - '0' : (c | 0x20) >= 'a' && (c | 0x20) <= 'f' ? (c | 0x20) - 87u : 99;
     if (digit >= (isHex ? 16u : 10u) || code > 0x10FFFF) return 0;
     code = code * (isHex ? 16 : 10) + digit;
@@ -70,11 +70,11 @@ ValueText TextOf(const Field& data) {
   Loop loop;
   while (More(c, loop) && !out.IsFull()) {
     int32_t plain = 0;
-    while (plain < Left(c) && c.at[plain] != '&') ++plain;
+    while (plain < Left(c) && PeekU8(c, plain) != '&') ++plain;
     out.PutReadable(CursorOver(TakeBytes(c, plain)));
     if (Left(c) < 1) break;
     int32_t end = 1;
-    while (end < Left(c) && end <= kMostEntity && c.at[end] != ';') ++end;
+    while (end < Left(c) && end <= kMostEntity && PeekU8(c, end) != ';') ++end;
     const bool isClosed = PeekU8(c, end) == ';';
     const uint32_t code = isClosed ? CharacterOfEntity(Slice(Ahead(c, end), 1, end - 1)) : 0;
     if (code) {
@@ -196,7 +196,7 @@ Cursor BehindStartTag(Cursor c) {
 void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
   const Cursor start = c;
   const Cursor behind = BehindStartTag(c);
-  const bool isEmpty = behind.offset - start.offset > 2 && behind.at[-2] == '/';
+  const bool isEmpty = behind.offset - start.offset > 2 && PeekU8(behind, -2) == '/';
   TakeBytes(c, 1);
   const Field name = TakeName(c);
   const Field sole = isEmpty ? Field{} : SoleText(behind);

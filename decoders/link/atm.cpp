@@ -47,8 +47,8 @@ const char* NameFraming(Framing framing) {
 // A whole IP packet with nothing in front: the version and a length that the frame can hold.
 bool LooksLikeIp(const Cursor& c) {
   if (Left(c) < 20) return false;
-  if (c.at[0] >> 4 == 4) return (c.at[0] & 15) >= 5 && ReadU16(c.at + 2) >= 20;
-  return c.at[0] >> 4 == 6 && Left(c) >= 40;
+  if (PeekU8(c) >> 4 == 4) return (PeekU8(c) & 15) >= 5 && PeekU16(c, 2) >= 20;
+  return PeekU8(c) >> 4 == 6 && Left(c) >= 40;
 }
 
 Framing TellFraming(const Cursor& c, uint32_t traffic) {
@@ -56,14 +56,14 @@ Framing TellFraming(const Cursor& c, uint32_t traffic) {
   if (traffic == kLocalManagement) return Framing::kManagement;
   if (traffic == kSignalling) return Framing::kSignalling;
   if (Left(c) < 3) return Framing::kUnknown;
-  const uint32_t head = ReadU24(c.at);
+  const uint32_t head = PeekU24(c);
   if (head == 0xAAAA03) return Framing::kSnap;
   if (head == 0xFEFE03) return Framing::kNlpid;
   if (traffic == kLlc) return Framing::kLlc;
-  if (LooksLikeIp(c)) return c.at[0] >> 4 == 4 ? Framing::kIPv4 : Framing::kIPv6;
+  if (LooksLikeIp(c)) return PeekU8(c) >> 4 == 4 ? Framing::kIPv4 : Framing::kIPv6;
   if (LooksLikePpp(c)) return Framing::kPpp;
-  const bool sourceIsStation = Left(c) >= 16 && !(c.at[2 + kMacAddressLength] & 1);   // a group sends nothing
-  if (ReadU16(c.at) == 0 && sourceIsStation) return Framing::kBridged;
+  const bool sourceIsStation = Left(c) >= 16 && !(PeekU8(c, 2 + kMacAddressLength) & 1);   // a group sends nothing
+  if (PeekU16(c) == 0 && sourceIsStation) return Framing::kBridged;
   return Framing::kLlc;
 }
 
@@ -75,9 +75,10 @@ struct CellInformation {
 
 CellInformation FindCellInformation(const FrameRecord* record) {
   int32_t length;
-  const uint8_t* cell = FindExtension(record, kExtensionAtm, &length);
-  if (!cell || length < 4) return {false, false, kUnstated, 0, 0};
-  return {true, (cell[0] & 0x80) != 0, cell[0] & 0x0Fu, cell[1], ReadU16(cell + 2)};
+  const uint8_t* bytes = FindExtension(record, kExtensionAtm, &length);
+  const Cursor cell = MakeCursor(bytes, 0, bytes ? length : 0);
+  if (Left(cell) < 4) return {false, false, kUnstated, 0, 0};
+  return {true, (PeekU8(cell) & 0x80) != 0, PeekU8(cell) & 0x0F, PeekU8(cell, 1), PeekU16(cell, 2)};
 }
 
 void AddCellLines(const Place& at, const CellInformation& cell) {
@@ -101,7 +102,7 @@ Place AddLlcHeader(const Place& at, Cursor& c, int32_t length, const char* title
 int32_t DecodeSnap(const Place& at, Cursor c) {
   constexpr int32_t kBridgedPadding = 2;
   constexpr uint32_t kBridgedLanOui = 0x0080C2;
-  if (Left(c) < 8 || ReadU24(c.at + 3) != kBridgedLanOui) return DecodeLlc(at, c);
+  if (Left(c) < 8 || PeekU24(c, 3) != kBridgedLanOui) return DecodeLlc(at, c);
   const Place in = AddLlcHeader(at, c, 8, "802.2 SNAP Header:");
   return DecodeEncapsulatedSnap(in, Deeper(at), c, kBridgedPadding);
 }
@@ -115,7 +116,7 @@ int32_t DecodeOsiNlpid(const Place& at, Cursor c) {
 // LAN emulation: the sender's identifier, then an Ethernet frame; a control frame has a marker in its place.
 int32_t DecodeLanEmulation(const Place& at, Cursor c) {
   if (Left(c) < 2) return 0;
-  const bool isControl = ReadU16(c.at) == kLaneControl;
+  const bool isControl = PeekU16(c) == kLaneControl;
   const Place in = Under(at, AddLine(at, Ahead(c, 2), "LAN Emulation Header:"));
   const Field head = TakeU16(c);
   if (isControl) {

@@ -46,7 +46,7 @@ int32_t DecodeSlarp(const Place& at, Cursor c) {
 
 // OSI protocols start at their identifier, with or without a byte of padding in front of it.
 int32_t DispatchOsi(const Place& in, const Place& network, Cursor c) {
-  const bool padded = Left(c) >= 2 && c.at[1] >= 0x81 && c.at[1] <= 0x83;
+  const bool padded = Left(c) >= 2 && PeekU8(c, 1) >= 0x81 && PeekU8(c, 1) <= 0x83;
   if (padded) {
     const Field pad = TakeU8(c);
     AddLine(in, pad, "Padding: 0x%.02X", pad.value);
@@ -57,12 +57,12 @@ int32_t DispatchOsi(const Place& in, const Place& network, Cursor c) {
 }  // namespace
 
 bool LooksLikeCiscoHdlc(const Cursor& c) {
-  return Left(c) >= 4 && (c.at[0] == kUnicast || c.at[0] == kMulticast) && c.at[1] == 0;
+  return Left(c) >= 4 && (PeekU8(c) == kUnicast || PeekU8(c) == kMulticast) && PeekU8(c, 1) == 0;
 }
 
 int32_t DecodeCiscoHdlc(const Place& at, Cursor c) {
   if (Left(c) < 4) return 0;
-  const uint32_t ethertype = ReadU16(c.at + 2);
+  const uint32_t ethertype = PeekU16(c, 2);
   const char* known = EthertypeName(static_cast<uint16_t>(ethertype));
   const char* name = ethertype == kSlarp ? "SLARP" : ethertype == kOsi ? "OSI" : known ? known : kUnknown;
   const Place in = Under(at, AddLine(at, Ahead(c, 4), "Cisco HDLC Header:  Protocol = %s", name));

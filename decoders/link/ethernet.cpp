@@ -17,14 +17,13 @@ constexpr uint32_t kNovellRaw = 0xFFFF;   // IPX without an 802.2 header starts 
 bool IsIslFrame(const Cursor& c) {
   constexpr uint8_t kTail[] = {0x00, 0x0C, 0x00, 0x00};
   constexpr uint8_t kSnap[] = {0xAA, 0xAA, 0x03};
-  return Left(c) > 25 && (c.at[0] == 1 || c.at[0] == 3) && std::memcmp(c.at + 1, kTail, sizeof kTail) == 0 &&
-         std::memcmp(c.at + 14, kSnap, sizeof kSnap) == 0;
+  return Left(c) > 25 && (PeekU8(c) == 1 || PeekU8(c) == 3) && PeekIs(c, 1, kTail) && PeekIs(c, 14, kSnap);
 }
 
 // Tagged frames are named by the type behind their tags.
 const char* NameFrameType(const Cursor& c) {
   int32_t at = 2 * kMacAddressLength;
-  const auto typeAt = [&](int32_t place) { return place + 2 <= Left(c) ? ReadU16(c.at + place) : 0; };
+  const auto typeAt = [&](int32_t place) { return PeekU16(c, place); };
   if (typeAt(at) == kEthertypeVnTag) at += 6;
   if (typeAt(at) == kEthertypeVlan) at += 4;
   if (at + 2 > Left(c)) return kUnknown;
@@ -56,7 +55,7 @@ int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
   }
   AddLine(in, type, "Length: %u", type.value);
   Cursor payload = TakeCursor(c, type.value);
-  if (Left(payload) >= 2 && ReadU16(payload.at) == kNovellRaw) {
+  if (Left(payload) >= 2 && PeekU16(payload) == kNovellRaw) {
     ReachLayer(network, DispatchTable::kEthertype, kEthertypeIpx, payload);
     return CallDecoder(network, payload, FindEthertype(kEthertypeIpx)->decode, "Raw Data");
   }
@@ -67,7 +66,8 @@ int32_t DecodeMacHeader(const Place& at, Cursor c) {
   if (Left(c) < 2 * kMacAddressLength) return 0;
   const LineHandle top =
       AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",
-              CheckAlias(at.view, 0, c.at + kMacAddressLength), CheckAlias(at.view, 0, c.at));
+              CheckAlias(at.view, 0, PeekBytes(c, kMacAddressLength, kMacAddressLength).bytes),
+              CheckAlias(at.view, 0, PeekBytes(c, 0, kMacAddressLength).bytes));
   const Place in = Under(at, top);
   AddAddress(in, TakeBytes(c, kMacAddressLength), "Destination");
   AddAddress(in, TakeBytes(c, kMacAddressLength), "Source");

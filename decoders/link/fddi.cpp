@@ -39,7 +39,7 @@ FrameType TypeOf(uint32_t control) {
 
 const char* NameProtocol(Cursor c) {
   if (Left(c) < 1) return kUnknown;
-  const FrameType type = TypeOf(c.at[0]);
+  const FrameType type = TypeOf(PeekU8(c));
   if (!type.carriesLlc) return type.name;
   TakeBytes(c, kHeaderLength);
   return NameLlcPayload(c);
@@ -65,7 +65,8 @@ int32_t DecodeFddiHeader(const Place& at, Cursor c) {
   if (Left(c) < kHeaderLength) return 0;
   const LineHandle top =
       AddLine(at, Ahead(c, kHeaderLength), "FDDI Header:  %s -> %s",
-              CheckAlias(at.view, 0, c.at + 1 + kMacAddressLength), CheckAlias(at.view, 0, c.at + 1));
+              CheckAlias(at.view, 0, PeekBytes(c, 1 + kMacAddressLength, kMacAddressLength).bytes),
+              CheckAlias(at.view, 0, PeekBytes(c, 1, kMacAddressLength).bytes));
   const Place in = Under(at, top);
   const Field control = TakeU8(c);
   AddControlLines(in, control);
@@ -86,7 +87,7 @@ int32_t DecodeFddiFrame(const Place& at, Cursor c) {
   const Place in = AddFrameSummary(at, frame);
   const Field whole = Ahead(frame, Left(frame));
   AddLine(in, whole, "Network: FDDI,  Frame type:  %s,  Protocol:  %s",
-          Left(c) >= 1 ? TypeOf(c.at[0]).name : kUnknown, NameProtocol(c));
+          Left(c) >= 1 ? TypeOf(PeekU8(c)).name : kUnknown, NameProtocol(c));
   AddLine(in, whole, "Frame size (including 4 bytes CRC):  %lu", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kShownWide, checkSequence);
   AddCaptureLines(in);

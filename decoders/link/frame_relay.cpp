@@ -89,15 +89,15 @@ void AddAddressLines(const Place& in, const Address& address) {
 // An information or supervisory control field (LAPF) instead of an Ethertype: no Ethertype has this number, and an
 // identifier follows.
 bool IsNumbered(const Cursor& c) {
-  if (Left(c) < 3 || (c.at[0] & 3) == 3 || EthertypeName(static_cast<uint16_t>(ReadU16(c.at)))) return false;
-  return NlpidName(c.at[2]) != nullptr;
+  if (Left(c) < 3 || (PeekU8(c) & 3) == 3 || EthertypeName(static_cast<uint16_t>(PeekU16(c)))) return false;
+  return NlpidName(PeekU8(c, 2)) != nullptr;
 }
 
 // What follows the address; the header's lines go under `in`.
 int32_t DecodePayload(const Place& in, const Place& network, Cursor c) {
   if (Left(c) < 1) return 1;
   const bool numbered = IsNumbered(c);
-  if (c.at[0] != kUnnumberedInformation && !numbered) {
+  if (PeekU8(c) != kUnnumberedInformation && !numbered) {
     const Field ethertype = TakeU16(c);
     if (!ethertype.here) return 1;
     const char* name = EthertypeName(static_cast<uint16_t>(ethertype.value));
@@ -105,7 +105,7 @@ int32_t DecodePayload(const Place& in, const Place& network, Cursor c) {
     return DispatchSnap(network, c, static_cast<uint16_t>(ethertype.value));
   }
   AddControlLine(in, numbered ? TakeU16(c) : TakeU8(c));
-  if (Left(c) >= 1 && c.at[0] == 0) {
+  if (Left(c) >= 1 && PeekU8(c) == 0) {
     const Field pad = TakeU8(c);
     AddLine(in, pad, "Padding: 0x%.02X", pad.value);
   }
@@ -117,11 +117,11 @@ int32_t DecodePayload(const Place& in, const Place& network, Cursor c) {
 bool LooksLikeFrameRelay(Cursor c) {
   Address address;
   if (!TakeAddress(c, &address) || Left(c) < 2) return false;
-  if (c.at[0] == kUnnumberedInformation) {
-    const int32_t pad = c.at[1] == 0 && Left(c) > 2 ? 1 : 0;
-    return NlpidName(c.at[1 + pad]) != nullptr;
+  if (PeekU8(c) == kUnnumberedInformation) {
+    const int32_t pad = PeekU8(c, 1) == 0 && Left(c) > 2 ? 1 : 0;
+    return NlpidName(PeekU8(c, 1 + pad)) != nullptr;
   }
-  return EthertypeName(static_cast<uint16_t>(ReadU16(c.at))) != nullptr;
+  return EthertypeName(static_cast<uint16_t>(PeekU16(c))) != nullptr;
 }
 
 int32_t DecodeFrameRelay(const Place& at, Cursor c) {

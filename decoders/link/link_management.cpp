@@ -48,7 +48,7 @@ void DecodeCircuit(const Place& in, Cursor c, bool lmi) {
 }
 
 void DecodeElement(const Place& at, Cursor& c, bool lmi) {
-  if (Left(c) >= 1 && c.at[0] & 0x80) {   // elements of one byte
+  if (Left(c) >= 1 && PeekU8(c) & 0x80) {   // elements of one byte
     const Field shift = TakeU8(c);
     AddLine(at, shift, "Locking Shift: 0x%.02X = Codeset %u", shift.value, shift.value & 7);
     return;
@@ -82,8 +82,8 @@ void DecodeElement(const Place& at, Cursor& c, bool lmi) {
 }  // namespace
 
 int32_t DecodeLinkManagement(const Place& at, Cursor c) {
-  if (Left(c) < 3 || c.at[1] != 0) return 0;   // status has no call to refer to
-  const char* message = LookupName(kMessages, c.at[2], nullptr);
+  if (Left(c) < 3 || PeekU8(c, 1) != 0) return 0;   // status has no call to refer to
+  const char* message = LookupName(kMessages, PeekU8(c, 2), nullptr);
   if (!message) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, 3), "Q.931 LMI Status Message - Control Type %s", message));
   const Field discriminator = TakeU8(c);

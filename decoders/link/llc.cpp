@@ -46,7 +46,7 @@ Sap TakeSap(Cursor& c) {
   Sap sap;
   sap.dsap = TakeU8(c);
   sap.ssap = TakeU8(c);
-  const bool unnumbered = Left(c) >= 1 && (c.at[0] & 3) == 3;
+  const bool unnumbered = Left(c) >= 1 && (PeekU8(c) & 3) == 3;
   sap.control = unnumbered ? TakeU8(c) : TakeU16(c);
   return sap;
 }
@@ -62,7 +62,7 @@ int32_t DecodeSnap(const Place& at, const Sap& sap, const Cursor& c) {
 LlcService ChooseService(const Sap& sap, const Cursor& c) {
   const uint32_t dsap = sap.dsap.value, ssap = sap.ssap.value;
   const uint32_t control = sap.control.length == 1 ? sap.control.value & 0xEF : 0;
-  const int32_t next = Left(c) >= 1 ? c.at[0] : -1;
+  const int32_t next = Left(c) >= 1 ? PeekU8(c) : -1;
   if (control == 0xAF || control == 0xE3) return LlcService::kXidTest;
   if (dsap == 0xFE && ssap == 0xFE) return next < 0 ? LlcService::kOsiOther : OsiService(static_cast<uint32_t>(next));
   if (dsap == 0xE0 && ssap == 0xE0) return Left(c) >= 30 ? LlcService::kIpx : LlcService::kNone;

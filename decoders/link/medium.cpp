@@ -2,11 +2,15 @@
 
 namespace qxview {
 
+Field CutTail(Cursor& c, int32_t length) {
+  const Field tail = PeekBytes(c, Left(c) - length, length);
+  if (tail.here) c.left -= length;
+  return tail;
+}
+
 Field CutCheckSequence(const Place& at, Cursor& c) {
   const int32_t length = HeldCheckSequence(PacketOf(at).frame);
-  if (length < 1 || length > 4 || length > Left(c)) return {nullptr, c.offset, 0, 0, false};
-  c.left -= length;
-  return {c.at + c.left, c.offset + c.left, length, 0, true};
+  return length < 1 || length > 4 ? Field{} : CutTail(c, length);
 }
 
 void AddClosingSummaryLines(const Place& in, const Cursor& frame, OriginalNumber number, const Field& checkSequence) {

@@ -12,6 +12,9 @@ constexpr int32_t kMacAddressLength = 6;
 // none.
 Field CutCheckSequence(const Place& at, Cursor& c);
 
+// Takes that many bytes off the cursor's end. Not here when there are fewer.
+Field CutTail(Cursor& c, int32_t length);
+
 // Lines under a frame's summary: the saved size of a partial frame, its number in the buffer it was captured
 // in (of media that show it), the check sequence.
 enum class OriginalNumber { kHidden, kShown, kShownWide };

@@ -19,11 +19,11 @@ constexpr auto kReservedLabels = SortedNames({{0, "IPv4 Explicit NULL"}, {1, "Ro
 enum class Carried { kNothing = -1, kUnknown = 0, kEthernet = 1, kIPv4 = 4, kIPv6 = 6 };
 
 // A type that has a decoder or a length that fits, and a source that is a station: groups send nothing.
-bool LooksLikeMacHeader(const uint8_t* bytes, int32_t left) {
-  if (left < kMacHeaderLength || (bytes[kMacAddressLength] & 1)) return false;
+bool LooksLikeMacHeader(const Cursor& c) {
+  if (Left(c) < kMacHeaderLength || (PeekU8(c, kMacAddressLength) & 1)) return false;
   constexpr int32_t kLeastLlc = 3, kMostLength = 1500;
-  const int32_t type = static_cast<int32_t>(ReadU16(bytes + 2 * kMacAddressLength));
-  if (type <= kMostLength) return type >= kLeastLlc && type <= left - kMacHeaderLength;
+  const int32_t type = static_cast<int32_t>(PeekU16(c, 2 * kMacAddressLength));
+  if (type <= kMostLength) return type >= kLeastLlc && type <= Left(c) - kMacHeaderLength;
   return FindEthertype(static_cast<uint16_t>(type)) != nullptr;
 }
 
@@ -54,14 +54,15 @@ struct Payload {
 
 Payload TellPayload(const Cursor& c) {
   if (Left(c) < 1) return {Carried::kNothing, false};
-  const uint32_t nibble = c.at[0] >> 4u;
+  const uint32_t nibble = PeekU8(c) >> 4u;
   if (nibble == 4) return {Carried::kIPv4, false};
   if (nibble == 6) return {Carried::kIPv6, false};
-  const bool bare = LooksLikeMacHeader(c.at, Left(c));
-  const bool behindWord = nibble == 0 && Left(c) > kControlWordLength &&
-                          LooksLikeMacHeader(c.at + kControlWordLength, Left(c) - kControlWordLength);
+  const bool bare = LooksLikeMacHeader(c);
+  Cursor behind = c;
+  TakeBytes(behind, kControlWordLength);
+  const bool behindWord = nibble == 0 && LooksLikeMacHeader(behind);
   // Where both fit: the control word of a carried Ethernet frame starts with reserved bits, which are zero.
-  if (behindWord && (!bare || ReadU16(c.at) == 0)) return {Carried::kEthernet, true};
+  if (behindWord && (!bare || PeekU16(c) == 0)) return {Carried::kEthernet, true};
   return {bare ? Carried::kEthernet : Carried::kUnknown, false};
 }
 

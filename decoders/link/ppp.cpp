@@ -48,11 +48,11 @@ struct PppHeader {
 
 PppHeader TakeHeader(Cursor& c) {
   PppHeader header{};
-  if (Left(c) >= 2 && c.at[0] == kAllStations) {   // no protocol has this number, so that it cannot be one
+  if (Left(c) >= 2 && PeekU8(c) == kAllStations) {   // no protocol has this number, so that it cannot be one
     header.address = TakeU8(c);
     header.control = TakeU8(c);
   }
-  header.protocol = Left(c) >= 1 && (c.at[0] & 1) ? TakeU8(c) : TakeU16(c);
+  header.protocol = Left(c) >= 1 && (PeekU8(c) & 1) ? TakeU8(c) : TakeU16(c);
   return header;
 }
 
@@ -117,8 +117,8 @@ int32_t DispatchProtocol(const Place& in, const Place& network, Cursor c, uint32
 
 bool LooksLikePpp(const Cursor& c) {
   if (Left(c) < 2) return false;
-  if (c.at[0] == kAllStations && c.at[1] == kUnnumberedInformation) return true;
-  const uint32_t protocol = ReadU16(c.at);
+  if (PeekU8(c) == kAllStations && PeekU8(c, 1) == kUnnumberedInformation) return true;
+  const uint32_t protocol = PeekU16(c);
   return (protocol & 0x0101) == 1 && LookupName(kProtocolNames, protocol, nullptr) != nullptr;
 }
 

@@ -29,47 +29,42 @@ constexpr uint32_t kPaddedFlag = 0x20;
 
 // Where the fields of a radiotap header stand: a walk over the present words and the fields behind them.
 struct RadiotapWalk {
-  const uint8_t* bytes;
-  int32_t length;
-  int32_t word;       // offset of the present word
-  int32_t at;         // offset of the next field
-  int32_t bit;
+  Cursor header;
+  int32_t word = 4;   // offset of the present word
+  int32_t at = 8;     // offset of the next field
+  int32_t bit = 0;
 };
 
-RadiotapWalk StartWalk(const uint8_t* bytes, int32_t length) {
-  RadiotapWalk walk{bytes, length, 4, 8, 0};
-  if (length < 8) return {bytes, length, 4, 8, kFieldCount};
-  const int32_t stated = static_cast<int32_t>(ReadLittleU16(bytes + 2));
-  if (stated < length) walk.length = stated;
-  while (walk.at + 4 <= walk.length && (bytes[walk.at - 1] & 0x80)) walk.at += 4;
+RadiotapWalk StartWalk(Cursor c) {
+  RadiotapWalk walk{TakeCursor(c, PeekLittleU16(c, 2))};
+  while (walk.at + 4 <= Left(walk.header) && (PeekU8(walk.header, walk.at - 1) & 0x80)) walk.at += 4;
   return walk;
 }
 
-// The next field that is present: its bit and its bytes; null at the end. A further word is followed as long as it is
-// of the same kind; its fields repeat those of the first for one antenna.
-const uint8_t* NextField(RadiotapWalk& walk, int32_t* bit) {
-  while (walk.word + 4 <= walk.length) {
-    const uint32_t present = ReadLittleU32(walk.bytes + walk.word);
+// The next field that is present, and its bit; not here at the end. A further word is followed as long as it is of the
+// same kind; its fields repeat those of the first for one antenna.
+Field NextField(RadiotapWalk& walk, int32_t* bit) {
+  while (walk.word + 4 <= Left(walk.header)) {
+    const uint32_t present = PeekLittleU32(walk.header, walk.word);
     for (; walk.bit < kFieldCount; ++walk.bit) {
       if (!(present >> walk.bit & 1)) continue;
-      const RadiotapField field = kFields[walk.bit];
-      const int32_t start = (walk.at + field.alignment - 1) / field.alignment * field.alignment;
-      if (start + field.size > walk.length) return nullptr;
-      walk.at = start + field.size;
+      const RadiotapField known = kFields[walk.bit];
+      const int32_t start = (walk.at + known.alignment - 1) / known.alignment * known.alignment;
+      walk.at = start + known.size;
       *bit = walk.bit++;
-      return walk.bytes + start;
+      return PeekBytes(walk.header, start, known.size);
     }
     constexpr uint32_t kMore = 0x80000000, kSameKind = 0x20000000, kUnknownFields = 0x50000000;
-    if ((present & kUnknownFields) || !(present & kMore) || !(present & kSameKind)) return nullptr;
+    if ((present & kUnknownFields) || !(present & kMore) || !(present & kSameKind)) break;
     walk.word += 4;
     walk.bit = 0;
   }
-  return nullptr;
+  return {};
 }
 
 constexpr Field kOutside = {nullptr, 0, 0, 0, true};
 
-int32_t Signed(uint8_t byte) { return static_cast<int8_t>(byte); }
+int32_t Signed(uint32_t byte) { return static_cast<int8_t>(byte); }
 
 void AddChannel(const Place& in, uint32_t frequency, uint32_t flags) {
   AddLine(in, kOutside, "Channel Frequency: %u MHz", frequency);
@@ -77,142 +72,149 @@ void AddChannel(const Place& in, uint32_t frequency, uint32_t flags) {
           flags & 0x40 ? " OFDM" : "", flags & 0x80 ? " 2.4 GHz" : "", flags & 0x100 ? " 5 GHz" : "");
 }
 
-void AddModulation(const Place& in, const uint8_t* field) {
-  AddLine(in, kOutside, "MCS Known: 0x%.02X, Flags: 0x%.02X", field[0], field[1]);
-  AddLine(in, kOutside, "MCS Index: %u", field[2]);
+void AddRate(const Place& in, uint32_t rate) {
+  AddLine(in, kOutside, "Data Rate: %u.%u Mbit/s", rate / 2, rate % 2 * 5);
 }
 
-void AddRadiotapField(const Place& in, int32_t bit, const uint8_t* field) {
+void AddRadiotapField(const Place& in, int32_t bit, const Field& field) {
+  Cursor c = CursorOver(field);
+  const uint32_t byte = PeekU8(c), word = PeekLittleU16(c);
   switch (bit) {
-    case 0: AddLine(in, kOutside, "MAC Time: %I64u microseconds", ReadLittleU64(field)); break;
+    case 0: AddLine(in, kOutside, "MAC Time: %I64u microseconds", TakeLittleU64(c).wide); break;
     case 1:
-      AddLine(in, kOutside, "Flags: 0x%.02X%s%s%s%s", field[0], field[0] & 0x02 ? " Short Preamble" : "",
-              field[0] & 0x10 ? " Check Sequence at End" : "", field[0] & 0x20 ? " Header Padding" : "",
-              field[0] & 0x40 ? " Bad Check Sequence" : "");
+      AddLine(in, kOutside, "Flags: 0x%.02X%s%s%s%s", byte, byte & 0x02 ? " Short Preamble" : "",
+              byte & 0x10 ? " Check Sequence at End" : "", byte & 0x20 ? " Header Padding" : "",
+              byte & 0x40 ? " Bad Check Sequence" : "");
       break;
-    case 2: AddLine(in, kOutside, "Data Rate: %u.%u Mbit/s", field[0] / 2, field[0] % 2 * 5); break;
-    case 3: AddChannel(in, ReadLittleU16(field), ReadLittleU16(field + 2)); break;
-    case 4: AddLine(in, kOutside, "Hop Set: %u, Pattern: %u", field[0], field[1]); break;
-    case 5: AddLine(in, kOutside, "Signal: %d dBm", Signed(field[0])); break;
-    case 6: AddLine(in, kOutside, "Noise: %d dBm", Signed(field[0])); break;
-    case 7: AddLine(in, kOutside, "Lock Quality: %u", ReadLittleU16(field)); break;
-    case 8: AddLine(in, kOutside, "Transmit Attenuation: %u", ReadLittleU16(field)); break;
-    case 9: AddLine(in, kOutside, "Transmit Attenuation: %u dB", ReadLittleU16(field)); break;
-    case 10: AddLine(in, kOutside, "Transmit Power: %d dBm", Signed(field[0])); break;
-    case 11: AddLine(in, kOutside, "Antenna: %u", field[0]); break;
-    case 12: AddLine(in, kOutside, "Signal: %u dB", field[0]); break;
-    case 13: AddLine(in, kOutside, "Noise: %u dB", field[0]); break;
-    case 14: AddLine(in, kOutside, "Receive Flags: 0x%.04X", ReadLittleU16(field)); break;
-    case 15: AddLine(in, kOutside, "Transmit Flags: 0x%.04X", ReadLittleU16(field)); break;
-    case 16: AddLine(in, kOutside, "RTS Retries: %u", field[0]); break;
-    case 17: AddLine(in, kOutside, "Data Retries: %u", field[0]); break;
-    case 18: AddChannel(in, ReadLittleU16(field + 4), ReadLittleU32(field)); break;
-    case 19: AddModulation(in, field); break;
-    case 20: AddLine(in, kOutside, "A-MPDU Reference: %u", ReadLittleU32(field)); break;
-    case 21: AddLine(in, kOutside, "VHT Information: %s", HexSlice{field, 12, ' '}); break;
-    case 22: AddLine(in, kOutside, "Time Stamp: %I64u", ReadLittleU64(field)); break;
-    case 23: AddLine(in, kOutside, "HE Information: %s", HexSlice{field, 12, ' '}); break;
-    default: AddLine(in, kOutside, "Field %d: %s", bit, HexSlice{field, kFields[bit].size, ' '}); break;
+    case 2: AddRate(in, byte); break;
+    case 3: AddChannel(in, word, PeekLittleU16(c, 2)); break;
+    case 4: AddLine(in, kOutside, "Hop Set: %u, Pattern: %u", byte, PeekU8(c, 1)); break;
+    case 5: AddLine(in, kOutside, "Signal: %d dBm", Signed(byte)); break;
+    case 6: AddLine(in, kOutside, "Noise: %d dBm", Signed(byte)); break;
+    case 7: AddLine(in, kOutside, "Lock Quality: %u", word); break;
+    case 8: AddLine(in, kOutside, "Transmit Attenuation: %u", word); break;
+    case 9: AddLine(in, kOutside, "Transmit Attenuation: %u dB", word); break;
+    case 10: AddLine(in, kOutside, "Transmit Power: %d dBm", Signed(byte)); break;
+    case 11: AddLine(in, kOutside, "Antenna: %u", byte); break;
+    case 12: AddLine(in, kOutside, "Signal: %u dB", byte); break;
+    case 13: AddLine(in, kOutside, "Noise: %u dB", byte); break;
+    case 14: AddLine(in, kOutside, "Receive Flags: 0x%.04X", word); break;
+    case 15: AddLine(in, kOutside, "Transmit Flags: 0x%.04X", word); break;
+    case 16: AddLine(in, kOutside, "RTS Retries: %u", byte); break;
+    case 17: AddLine(in, kOutside, "Data Retries: %u", byte); break;
+    case 18: AddChannel(in, PeekLittleU16(c, 4), PeekLittleU32(c)); break;
+    case 19:
+      AddLine(in, kOutside, "MCS Known: 0x%.02X, Flags: 0x%.02X", byte, PeekU8(c, 1));
+      AddLine(in, kOutside, "MCS Index: %u", PeekU8(c, 2));
+      break;
+    case 20: AddLine(in, kOutside, "A-MPDU Reference: %u", PeekLittleU32(c)); break;
+    case 21: AddLine(in, kOutside, "VHT Information: %s", HexText(field)); break;
+    case 22: AddLine(in, kOutside, "Time Stamp: %I64u", TakeLittleU64(c).wide); break;
+    case 23: AddLine(in, kOutside, "HE Information: %s", HexText(field)); break;
+    default: AddLine(in, kOutside, "Field %d: %s", bit, HexText(field)); break;
   }
 }
 
-void DecodeRadiotap(const Place& at, const uint8_t* bytes, int32_t length) {
-  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: Radiotap, %d bytes", length));
-  RadiotapWalk walk = StartWalk(bytes, length);
+void DecodeRadiotap(const Place& at, const Cursor& c) {
+  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: Radiotap, %d bytes", Left(c)));
+  RadiotapWalk walk = StartWalk(c);
   int32_t bit;
-  while (const uint8_t* field = NextField(walk, &bit)) {
-    if (PacketOf(at).limitReached) return;
+  for (Field field; (field = NextField(walk, &bit)).here && !PacketOf(at).limitReached;) {
     AddRadiotapField(in, bit, field);
   }
 }
 
 // The one field of PPI that all 802.11 captures have.
-void AddPpiCommon(const Place& in, const uint8_t* field) {
-  AddLine(in, kOutside, "MAC Time: %I64u microseconds", ReadLittleU64(field));
-  AddLine(in, kOutside, "Flags: 0x%.04X", ReadLittleU16(field + 8));
-  const uint32_t rate = ReadLittleU16(field + 10);
-  AddLine(in, kOutside, "Data Rate: %u.%u Mbit/s", rate / 2, rate % 2 * 5);
-  AddChannel(in, ReadLittleU16(field + 12), ReadLittleU16(field + 14));
-  AddLine(in, kOutside, "Signal: %d dBm", Signed(field[18]));
-  AddLine(in, kOutside, "Noise: %d dBm", Signed(field[19]));
+void AddPpiCommon(const Place& in, Cursor c) {
+  AddLine(in, kOutside, "MAC Time: %I64u microseconds", TakeLittleU64(c).wide);
+  AddLine(in, kOutside, "Flags: 0x%.04X", TakeLittleU16(c).value);
+  AddRate(in, TakeLittleU16(c).value);
+  AddChannel(in, PeekLittleU16(c), PeekLittleU16(c, 2));
+  AddLine(in, kOutside, "Signal: %d dBm", Signed(PeekU8(c, 6)));
+  AddLine(in, kOutside, "Noise: %d dBm", Signed(PeekU8(c, 7)));
 }
 
-void DecodePpi(const Place& at, const uint8_t* bytes, int32_t length) {
+void DecodePpi(const Place& at, Cursor c) {
   constexpr uint32_t kCommon = 2;
-  constexpr int32_t kCommonLength = 20;
-  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: PPI, %d bytes", length));
-  const bool aligned = bytes[1] & 1;   // every field to four bytes
-  for (int32_t field = 8; field + 4 <= length && !PacketOf(at).limitReached;) {
-    const uint32_t type = ReadLittleU16(bytes + field);
-    const int32_t size = static_cast<int32_t>(ReadLittleU16(bytes + field + 2));
-    if (size > length - field - 4) return;
-    if (type == kCommon && size >= kCommonLength) {
-      AddPpiCommon(in, bytes + field + 4);
+  constexpr int32_t kHeader = 8, kCommonLength = 20;
+  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: PPI, %d bytes", Left(c)));
+  const bool aligned = PeekU8(c, 1) & 1;   // every field to four bytes
+  TakeBytes(c, kHeader);
+  for (Loop loop; Left(c) >= 4 && MoreAt(at, c, loop);) {
+    const uint32_t type = TakeLittleU16(c).value;
+    const Field length = TakeLittleU16(c), field = TakeBytes(c, length.value);
+    if (!field.here) return;
+    if (type == kCommon && field.length >= kCommonLength) {
+      AddPpiCommon(in, CursorOver(field));
     } else {
-      AddLine(in, kOutside, "Field %u: %s", type, HexSlice{bytes + field + 4, size, ' '});
+      AddLine(in, kOutside, "Field %u: %s", type, HexText(field));
     }
-    field += 4 + size;
-    if (aligned) field = (field + 3) / 4 * 4;
+    if (aligned) TakeCursor(c, (4 - Taken(c) % 4) % 4);
   }
 }
 
-void DecodeAvs(const Place& at, const uint8_t* bytes, int32_t length) {
-  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: AVS, %d bytes", length));
-  if (length < 56) return;
-  AddLine(in, kOutside, "MAC Time: %I64u", ReadU64(bytes + 8));
-  AddLine(in, kOutside, "Host Time: %I64u", ReadU64(bytes + 16));
-  AddLine(in, kOutside, "Physical Type: %u", ReadU32(bytes + 24));
-  AddLine(in, kOutside, "Channel: %u", ReadU32(bytes + 28));
-  const uint32_t rate = ReadU32(bytes + 32);
+void DecodeAvs(const Place& at, const Cursor& header) {
+  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: AVS, %d bytes", Left(header)));
+  Cursor c = CursorOver(PeekBytes(header, 8, 48));
+  if (Left(c) < 1) return;
+  AddLine(in, kOutside, "MAC Time: %I64u", TakeU64(c).wide);
+  AddLine(in, kOutside, "Host Time: %I64u", TakeU64(c).wide);
+  AddLine(in, kOutside, "Physical Type: %u", TakeU32(c).value);
+  AddLine(in, kOutside, "Channel: %u", TakeU32(c).value);
+  const uint32_t rate = TakeU32(c).value;
   AddLine(in, kOutside, "Data Rate: %u.%u Mbit/s", rate / 10, rate % 10);
-  AddLine(in, kOutside, "Antenna: %u", ReadU32(bytes + 36));
-  AddLine(in, kOutside, "Signal: %d dBm", static_cast<int32_t>(ReadU32(bytes + 48)));
-  AddLine(in, kOutside, "Noise: %d dBm", static_cast<int32_t>(ReadU32(bytes + 52)));
+  AddLine(in, kOutside, "Antenna: %u", TakeU32(c).value);
+  TakeBytes(c, 8);   // priority and the signal's type
+  AddLine(in, kOutside, "Signal: %d dBm", static_cast<int32_t>(TakeU32(c).value));
+  AddLine(in, kOutside, "Noise: %d dBm", static_cast<int32_t>(TakeU32(c).value));
 }
 
 // Items are in the byte order of the machine that captured; the length of the header tells it.
-void DecodePrism(const Place& at, const uint8_t* bytes, int32_t length) {
+void DecodePrism(const Place& at, Cursor c) {
   constexpr auto kItems = SortedNames({{1, "Host Time"}, {2, "MAC Time"}, {3, "Channel"}, {4, "RSSI"},
                                        {5, "Signal Quality"}, {6, "Signal"}, {7, "Noise"}, {8, "Data Rate"},
                                        {9, "Transmitted"}, {10, "Frame Length"}});
-  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: Prism, %d bytes", length));
-  if (length < 24) return;
-  const bool little = ReadLittleU32(bytes + 4) == static_cast<uint32_t>(length);
-  for (int32_t item = 24; item + 12 <= length; item += 12) {
-    const uint32_t code = little ? ReadLittleU32(bytes + item) : ReadU32(bytes + item);
-    const uint32_t status = little ? ReadLittleU16(bytes + item + 4) : ReadU16(bytes + item + 4);
-    const uint32_t value = little ? ReadLittleU32(bytes + item + 8) : ReadU32(bytes + item + 8);
+  const Place in = Under(at, AddLine(at, kOutside, "Radio Information: Prism, %d bytes", Left(c)));
+  const bool little = PeekLittleU32(c, 4) == static_cast<uint32_t>(Left(c));
+  TakeBytes(c, 24);
+  while (Left(c) >= 12) {
+    const Cursor item = TakeCursor(c, 12);
+    const uint32_t code = little ? PeekLittleU32(item) : PeekU32(item);
+    const uint32_t status = little ? PeekLittleU16(item, 4) : PeekU16(item, 4);
+    const uint32_t value = little ? PeekLittleU32(item, 8) : PeekU32(item, 8);
     // The number stands in the upper half in one family of drivers and in the lower half in the other.
     const uint32_t number = code & 0xF000 ? code >> 12 & 0xF : code >> 16 & 0xFF;
     if (status == 0) AddLine(in, kOutside, "%s: %u", LookupName(kItems, number), value);
   }
 }
 
+Cursor RadioHeaderOf(const FrameRecord* record) {
+  int32_t length;
+  const uint8_t* bytes = FindExtension(record, kExtensionMedium, &length);
+  return MakeCursor(bytes, 0, bytes ? length : 0);
+}
+
 }  // namespace
 
 void DecodeRadioHeader(const Place& at) {
   const FrameRecord* record = PacketOf(at).frame;
-  int32_t length;
-  const uint8_t* bytes = FindExtension(record, kExtensionMedium, &length);
-  if (!bytes || length < 8) return;
+  const Cursor c = RadioHeaderOf(record);
+  if (Left(c) < 8) return;
   switch (record->linkType) {
-    case kLinkRadiotap: return DecodeRadiotap(at, bytes, length);
-    case kLinkPpi: return DecodePpi(at, bytes, length);
+    case kLinkRadiotap: return DecodeRadiotap(at, c);
+    case kLinkPpi: return DecodePpi(at, c);
     case kLinkPrism:
-    case kLinkAvs:
-      if ((ReadU32(bytes) & 0xFFFFF000) == kAvsMagic) return DecodeAvs(at, bytes, length);
-      return DecodePrism(at, bytes, length);
+    case kLinkAvs: return (PeekU32(c) & 0xFFFFF000) == kAvsMagic ? DecodeAvs(at, c) : DecodePrism(at, c);
     default: return;
   }
 }
 
 bool HasHeaderPadding(const FrameRecord* record) {
-  int32_t length, bit;
-  const uint8_t* bytes = FindExtension(record, kExtensionMedium, &length);
-  if (!bytes || record->linkType != kLinkRadiotap) return false;
-  RadiotapWalk walk = StartWalk(bytes, length);
-  while (const uint8_t* field = NextField(walk, &bit)) {
-    if (bit >= kFlagsBit) return bit == kFlagsBit && (field[0] & kPaddedFlag);
+  if (record->linkType != kLinkRadiotap) return false;
+  RadiotapWalk walk = StartWalk(RadioHeaderOf(record));
+  int32_t bit;
+  for (Field field; (field = NextField(walk, &bit)).here;) {
+    if (bit >= kFlagsBit) return bit == kFlagsBit && (PeekU8(field) & kPaddedFlag);
   }
   return false;
 }

@@ -68,18 +68,25 @@ void AddControlLines(const Place& in, Cursor& c) {
 }
 
 int32_t RoutingLength(const Cursor& c) {
-  if (Left(c) < kHeaderLength + 2 || !(c.at[2 + kMacAddressLength] & kRouted)) return 0;
-  return c.at[kHeaderLength] & 0x1F;
+  if (Left(c) < kHeaderLength + 2 || !(PeekU8(c, 2 + kMacAddressLength) & kRouted)) return 0;
+  return PeekU8(c, kHeaderLength) & 0x1F;
 }
 
 // The source's first bit is not part of its address.
+struct Station {
+  uint8_t address[kMacAddressLength];
+};
+Station StationOf(const Field& source) {
+  Station station;
+  std::memcpy(station.address, source.bytes, sizeof station.address);
+  station.address[0] = static_cast<uint8_t>(station.address[0] & ~kRouted);
+  return station;
+}
+
 void AddSource(const Place& in, const Field& source) {
   if (!source.here) return;
-  uint8_t address[kMacAddressLength];
-  std::memcpy(address, source.bytes, sizeof address);
-  address[0] = static_cast<uint8_t>(address[0] & ~kRouted);
-  AddLine(in, source, "Source: %s%s", CheckAlias(in.view, 0, address),
-          source.bytes[0] & kRouted ? " (Source Routed)" : "");
+  AddLine(in, source, "Source: %s%s", CheckAlias(in.view, 0, StationOf(source).address),
+          PeekU8(source) & kRouted ? " (Source Routed)" : "");
 }
 
 // The cursor of exactly the routing information.
@@ -118,7 +125,7 @@ void DecodeSubvector(const Place& at, Cursor& c) {
 int32_t DecodeMacVector(const Place& at, Cursor c) {
   if (Left(c) < 4) return 0;
   const Cursor start = c;
-  const char* name = LookupName(kVectors, c.at[3]);
+  const char* name = LookupName(kVectors, PeekU8(c, 3));
   const Place in = Under(at, AddLine(at, Ahead(start, 4), "Token Ring MAC: %s", name));
   const Field length = TakeU16(c);
   AddLine(in, length, "Vector Length: %u", length.value);
@@ -135,11 +142,11 @@ int32_t DecodeMacVector(const Place& at, Cursor c) {
   return 1;
 }
 
-uint32_t FrameTypeOf(const Cursor& c) { return Left(c) >= 2 ? c.at[1] >> 6u : 2; }
+uint32_t FrameTypeOf(const Cursor& c) { return Left(c) >= 2 ? PeekU8(c, 1) >> 6u : 2; }
 
 const char* NameProtocol(Cursor c) {
   if (FrameTypeOf(c) == kMacFrame) {
-    return Left(c) >= kHeaderLength + 4 ? LookupName(kVectors, c.at[kHeaderLength + 3]) : kUnknown;
+    return Left(c) >= kHeaderLength + 4 ? LookupName(kVectors, PeekU8(c, kHeaderLength + 3)) : kUnknown;
   }
   TakeBytes(c, int64_t{kHeaderLength} + RoutingLength(c));
   return NameLlcPayload(c);
@@ -151,11 +158,10 @@ int32_t DecodeTokenRingHeader(const Place& at, Cursor c) {
   if (Left(c) < kHeaderLength) return 0;
   const uint32_t frameType = FrameTypeOf(c);
   const int32_t routing = RoutingLength(c);
-  uint8_t source[kMacAddressLength];
-  std::memcpy(source, c.at + 2 + kMacAddressLength, sizeof source);
-  source[0] = static_cast<uint8_t>(source[0] & ~kRouted);
+  const Station source = StationOf(PeekBytes(c, 2 + kMacAddressLength, kMacAddressLength));
   const LineHandle top = AddLine(at, Ahead(c, kHeaderLength), "Token Ring Header:  %s -> %s",
-                                 CheckAlias(at.view, 0, source), CheckAlias(at.view, 0, c.at + 2));
+                                 CheckAlias(at.view, 0, source.address),
+                                 CheckAlias(at.view, 0, PeekBytes(c, 2, kMacAddressLength).bytes));
   const Place in = Under(at, top);
   AddControlLines(in, c);
   AddAddress(in, TakeBytes(c, kMacAddressLength), "Destination");

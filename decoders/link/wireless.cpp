@@ -53,7 +53,7 @@ const char* SubtypeName(const FrameControl& control) {
 
 FrameControl ControlOf(const Cursor& c) {
   if (Left(c) < 2) return {kExtension, 0x0F, 0};
-  const uint32_t first = c.at[0], flags = c.at[1];
+  const uint32_t first = PeekU8(c), flags = PeekU8(c, 1);
   return {first >> 2 & 3, first >> 4, flags};
 }
 
@@ -62,7 +62,7 @@ void AddFrameControl(const Place& in, Cursor& c) {
                                                "Retry", "More Fragments", "From DS", "To DS"};
   const FrameControl control = ControlOf(c);
   const Field both = Ahead(c, 2);
-  const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s", ReadLittleU16(c.at),
+  const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s", PeekLittleU16(c),
                                        SubtypeName(control)));
   const Field first = TakeU8(c);
   const BitPicture subtype = BitsOf(first, 0, 4), type = BitsOf(first, 4, 2), version = BitsOf(first, 6, 2);
@@ -162,10 +162,10 @@ void AddControlHeader(const Place& in, Cursor& c, const FrameControl& control) {
 // Frames of a mesh have a header of their own in front of the 802.2 one: flags, time to live, sequence and up to two
 // addresses. The bit that announces it means other things outside a mesh, so it is told by what stands behind it.
 void DecodeMeshControl(const Place& in, Cursor& c, uint32_t qos) {
-  if (!(qos & kMeshControl) || Left(c) < 8 || ReadU16(c.at) == 0xAAAA) return;
-  const int32_t addresses = c.at[0] & 3;
+  if (!(qos & kMeshControl) || Left(c) < 8 || PeekU16(c) == 0xAAAA) return;
+  const int32_t addresses = PeekU8(c) & 3;
   const int32_t length = 6 + kMacAddressLength * addresses;
-  if (addresses == 3 || Left(c) < length + 2 || ReadU16(c.at + length) != 0xAAAA) return;
+  if (addresses == 3 || Left(c) < length + 2 || PeekU16(c, length) != 0xAAAA) return;
   const Place mesh = Under(in, AddLine(in, Ahead(c, length), "Mesh Control:"));
   const Field flags = TakeU8(c);
   AddLine(mesh, flags, "Flags: 0x%.02X", flags.value);
@@ -185,9 +185,9 @@ void DecodeAggregate(const Place& at, Cursor c) {
       return;
     }
     const int32_t before = c.offset;
-    const auto source = CheckAlias(at.view, 0, c.at + kMacAddressLength);
+    const auto source = CheckAlias(at.view, 0, PeekBytes(c, kMacAddressLength, kMacAddressLength).bytes);
     const Place in = Under(at, AddLine(at, Ahead(c, kSubframeHeader), "A-MSDU Subframe:  %s -> %s", source,
-                                       CheckAlias(at.view, 0, c.at)));
+                                       CheckAlias(at.view, 0, PeekBytes(c, 0, kMacAddressLength).bytes)));
     AddAddress(in, TakeBytes(c, kMacAddressLength), "Destination");
     AddAddress(in, TakeBytes(c, kMacAddressLength), "Source");
     const Field length = TakeU16(c);

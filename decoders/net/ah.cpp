@@ -16,7 +16,7 @@ bool DecodeAh(const Place& at, Cursor& c, uint8_t* nextHeader) {
     AddRawRest(at, c, "AH Data");
     return false;
   }
-  const int32_t length = (c.at[1] + 2) * 4;
+  const int32_t length = (PeekU8(c, 1) + 2) * 4;
   Cursor header = TakeCursor(c, length);
   const Place in = Under(at, AddLine(at, Ahead(header, Left(header)), "AH - Authentication Header: %u bytes", length));
   const Field next = TakeU8(header);

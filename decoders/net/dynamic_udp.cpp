@@ -25,39 +25,39 @@ bool IsRtpPayloadType(uint32_t type) {
   return !(type >= 35 || (type >= 19 && type <= 24) || type == 27 || type == 29 || type == 30);
 }
 
-RtpVerdict TestRtp(const uint8_t* data, int32_t length, Determined& out) {
-  const uint32_t type = data[1] & 0x7F;
-  if (data[0] >> 6 != 2 || !IsRtpPayloadType(type)) return RtpVerdict::kNo;
-  if (data[0] == 0x88 && data[1] == 0xFA && data[2] == 'i') {   // another protocol's packets, which pass all tests
+RtpVerdict TestRtp(const Cursor& c, Determined& out) {
+  const uint32_t type = PeekU8(c, 1) & 0x7F;
+  if (PeekU8(c) >> 6 != 2 || !IsRtpPayloadType(type)) return RtpVerdict::kNo;
+  if (PeekU16(c) == 0x88FA && PeekU8(c, 2) == 'i') {   // another protocol's packets, which pass all tests
     out.identifier = 0;
     out.subType = kNoSubType;
     return RtpVerdict::kFinal;
   }
-  const int32_t header = 12 + 4 * (data[0] & 0x0F);
-  if (header > length) return RtpVerdict::kNo;
-  out = {1, kLearntRtp, static_cast<uint16_t>(type), {1, ReadU16(data + 2), ReadU32(data + 4)}};
-  if ((data[0] & 0x10) == 0) return RtpVerdict::kYes;
-  if (header + 4 > length) {
+  const int32_t header = static_cast<int32_t>(12 + 4 * (PeekU8(c) & 0x0F));
+  if (header > Left(c)) return RtpVerdict::kNo;
+  out = {1, kLearntRtp, static_cast<uint16_t>(type), {1, static_cast<uint16_t>(PeekU16(c, 2)), PeekU32(c, 4)}};
+  if ((PeekU8(c) & 0x10) == 0) return RtpVerdict::kYes;
+  if (header + 4 > Left(c)) {
     out.result = 0;
     return RtpVerdict::kFinal;
   }
-  const int32_t extension = 4 + 4 * static_cast<int32_t>(ReadU16(data + header + 2));
-  if (header + extension <= length) return RtpVerdict::kYes;
+  const int32_t extension = 4 + 4 * static_cast<int32_t>(PeekU16(c, header + 2));
+  if (header + extension <= Left(c)) return RtpVerdict::kYes;
   out.result = 0;
   return RtpVerdict::kNo;
 }
 
 Determined Determine(const DetectionSettings& settings, uint16_t sourcePort, uint16_t destinationPort,
-                     const uint8_t* data, int32_t length) {
+                     const Cursor& c) {
   Determined out{0, 0, kNoSubType, {0, 0, 0}};
-  if ((settings.flags & kRtpDetection) && length >= 12 && sourcePort > 1024 && destinationPort > 1024 &&
-      TestRtp(data, length, out) != RtpVerdict::kNo) {
+  if ((settings.flags & kRtpDetection) && Left(c) >= 12 && sourcePort > 1024 && destinationPort > 1024 &&
+      TestRtp(c, out) != RtpVerdict::kNo) {
     return out;
   }
   out.identifier = 0;
   out.subType = kNoSubType;
   RtcpCompound compound;
-  if (!(settings.flags & kRtcpDetection) || !ParseRtcp(data, length, &compound)) return out;
+  if (!(settings.flags & kRtcpDetection) || !ParseRtcp(c.at, Left(c), &compound)) return out;
   out.result = 1;
   out.identifier = kLearntRtcp;
   out.subType = compound.firstType;
@@ -76,8 +76,8 @@ int32_t DetermineDynamicUDPPrototol(const DetectionSettings* settings, uint16_t 
                                     const uint8_t* data, int32_t length, uint32_t* identifier, uint16_t* subType,
                                     uint16_t* zero, DynamicRecord* record) {
   const bool nothing = !settings || !data || length < 1;
-  const Determined made = Determine(nothing ? DetectionSettings{} : *settings, sourcePort, destinationPort, data,
-                                    nothing ? 0 : length);
+  const Determined made = Determine(nothing ? DetectionSettings{} : *settings, sourcePort, destinationPort,
+                                    MakeCursor(data, 0, nothing ? 0 : length));
   Store(identifier, made.identifier);
   Store(subType, made.subType);
   Store(zero, uint16_t{0});

@@ -55,10 +55,9 @@ void AddIdentifiers(const Place& in, Cursor& c) {
 void DecodeQuote(const Message& message, Cursor& c, int32_t declared) {
   constexpr int32_t kOldQuoteLength = 128;   // of senders that extend messages but do not say where
   int32_t quoted = Left(c);
-  if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(c.at + declared, quoted - declared)) {
+  if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(Behind(c, declared))) {
     quoted = declared;   // some senders leave anything in the byte: the length counts if the rest bears it out
-  } else if (declared == 0 && quoted > kOldQuoteLength &&
-             HasSummedIcmpExtensions(c.at + kOldQuoteLength, quoted - kOldQuoteLength)) {
+  } else if (declared == 0 && quoted > kOldQuoteLength && HasSummedIcmpExtensions(Behind(c, kOldQuoteLength))) {
     quoted = kOldQuoteLength;
   }
   Cursor quote = TakeCursor(c, quoted);

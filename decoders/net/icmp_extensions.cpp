@@ -109,7 +109,7 @@ void AddInterfaceIdentification(const Place& in, const Field& type, Cursor c) {
 // False when the object's length leads nowhere.
 bool DecodeObject(const Place& in, Cursor& c, uint32_t number) {
   const Cursor start = c;
-  const uint32_t declared = Left(c) >= 2 ? ReadU16(c.at) : 0;
+  const uint32_t declared = PeekU16(c);
   Cursor object = TakeCursor(c, declared < kObjectHeader ? kObjectHeader : declared);
   const Field cover = Ahead(start, Left(object));
   const Field length = TakeU16(object), objectClass = TakeU8(object), type = TakeU8(object);
@@ -130,12 +130,10 @@ bool DecodeObject(const Place& in, Cursor& c, uint32_t number) {
 
 }  // namespace
 
-bool HasIcmpExtensionVersion(const uint8_t* bytes, int32_t length) {
-  return length >= kStructureHeader && bytes[0] >> 4 == kVersion;
-}
+bool HasIcmpExtensionVersion(const Cursor& c) { return Left(c) >= kStructureHeader && PeekU8(c) >> 4 == kVersion; }
 
-bool HasSummedIcmpExtensions(const uint8_t* bytes, int32_t length) {
-  return HasIcmpExtensionVersion(bytes, length) && ReadU16(bytes + 2) != 0 && SumWords(0, bytes, length) == 0xFFFF;
+bool HasSummedIcmpExtensions(const Cursor& c) {
+  return HasIcmpExtensionVersion(c) && PeekU16(c, 2) != 0 && SumWords(0, c.at, Left(c)) == 0xFFFF;
 }
 
 void DecodeIcmpExtensions(const Place& in, Cursor c) {

@@ -34,7 +34,7 @@ void AddMobilityAgent(const Place& in, Cursor c) {
 void DecodeAgentExtensions(const Place& in, Cursor& c) {
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    const int32_t declared = c.at[0] == kPadding ? 1 : Left(c) > 1 ? 2 + c.at[1] : 1;
+    const int32_t declared = PeekU8(c) == kPadding ? 1 : Left(c) > 1 ? 2 + PeekU8(c, 1) : 1;
     Cursor extension = TakeCursor(c, declared);
     const Field cover = Ahead(extension, Left(extension));
     const Field type = TakeU8(extension);

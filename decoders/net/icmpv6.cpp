@@ -50,7 +50,7 @@ const char* CodeName(uint32_t type, uint32_t code) {
 void TakeQuotedPacket(const Place& in, Cursor& c, Icmpv6Message& message, int32_t declared) {
   if (Left(c) < 1) return;
   int32_t quoted = Left(c);
-  if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(c.at + declared, quoted - declared)) {
+  if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(Behind(c, declared))) {
     quoted = declared;   // some senders leave anything in the byte: the length counts if the rest bears it out
   }
   message.quoted = TakeCursor(c, quoted);
@@ -227,7 +227,7 @@ int32_t DecodeIcmpv6(const Place& at, Cursor c) {
   Cursor body = TakeCursor(c, declared > 0 ? declared : Left(c));
   if (Left(body) < 4) return 0;
   const Cursor whole = body;
-  const MessageRow* row = FindMessage(whole.at[0]);
+  const MessageRow* row = FindMessage(PeekU8(whole));
   const char* name = row ? row->name : kUnknown;
   const Place in = Under(at, AddLine(at, Ahead(body, Left(body)), "ICMPv6: %s", name));
 

@@ -149,7 +149,7 @@ void DecodeSearchList(const Place& in, Cursor& c, Icmpv6Message&) {
   AddLine(in, reserved, "Reserved: 0x%.04X", reserved.value);
   AddLifetime(in, c, "Lifetime");
   char name[256];
-  for (Loop loop; MoreAt(in, c, loop) && c.at[0] != 0;) {
+  for (Loop loop; MoreAt(in, c, loop) && PeekU8(c) != 0;) {
     const Field taken = TakeDomainName(c, name, sizeof name);
     if (!taken.here) return;
     const char* shown = name;
@@ -292,9 +292,9 @@ const OptionRow* FindOption(uint32_t type) {
 
 void DecodeOption(const Place& in, Cursor& c, Icmpv6Message& message) {
   constexpr int32_t kUnit = 8;
-  const OptionRow* row = FindOption(c.at[0]);
+  const OptionRow* row = FindOption(PeekU8(c));
   const char* name = row ? row->name : kUnknown;
-  const int32_t size = c.at[1] * kUnit;
+  const int32_t size = PeekU8(c, 1) * kUnit;
   Cursor option = TakeCursor(c, size > 0 ? size : Left(c));
   const Place under = Under(in, AddLine(in, Ahead(option, Left(option)), "Option: %s", name));
   const Field type = TakeU8(option);

@@ -25,7 +25,7 @@ constexpr uint8_t kProtocolAh = 51;
 
 // What the header says to its payload.
 struct Header {
-  const uint8_t* bytes;
+  Cursor start;
   int32_t length;            // as declared: less than the fixed header's 20 bytes when it lies
   int32_t payloadLength;     // as declared; 0 or less when the total length leaves nothing
   uint32_t fragmentOffset;   // bytes
@@ -34,29 +34,29 @@ struct Header {
   bool checksumGood;
 };
 
-Header ReadHeader(const uint8_t* bytes) {
+Header ReadHeader(const Cursor& c) {
   Header header{};
-  header.bytes = bytes;
-  header.length = (bytes[0] & 15) * 4;
+  header.start = c;
+  header.length = static_cast<int32_t>(PeekU8(c) & 15) * 4;
   const int32_t start = header.length > kFixedLength ? header.length : kFixedLength;
-  header.payloadLength = static_cast<int32_t>(ReadU16(bytes + 2)) - start;
-  header.moreFragments = (bytes[6] & 0x20) != 0;
-  header.fragmentOffset = (ReadU16(bytes + 6) & 0x1FFF) * 8;
-  header.protocol = bytes[9];
+  header.payloadLength = static_cast<int32_t>(PeekU16(c, 2)) - start;
+  header.moreFragments = (PeekU8(c, 6) & 0x20) != 0;
+  header.fragmentOffset = (PeekU16(c, 6) & 0x1FFF) * 8;
+  header.protocol = static_cast<uint8_t>(PeekU8(c, 9));
   return header;
 }
 
-void RecordAddress(AddressSlot& slot, const uint8_t* address) {
+void RecordAddress(AddressSlot& slot, const Field& address) {
   slot = AddressSlot{};
-  std::memcpy(slot.address + 12, address, 4);
+  std::memcpy(slot.address + 12, address.bytes, 4);
   slot.kind = kIPv4Kind;
 }
 
 void RecordDatagram(PacketState& packet, const Header& header) {
   BeginDatagram(packet);
   packet.ipProtocol = header.protocol;
-  RecordAddress(packet.source, header.bytes + 12);
-  RecordAddress(packet.destination, header.bytes + 16);
+  RecordAddress(packet.source, PeekBytes(header.start, 12, 4));
+  RecordAddress(packet.destination, PeekBytes(header.start, 16, 4));
 }
 
 // Datagrams inside each other stand on the stack together: the functions that make lines are kept out of line, so that
@@ -100,12 +100,12 @@ void AddFragment(const Place& in, const Field& fragment) {
 // Whether the header's own words agree with its checksum; none counts as agreement.
 bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
   return AddChecksumLine(in, checksum, "Header checksum:", checksum.value == 0 ? "Not Present" : nullptr,
-                         SumWords(0, header.bytes, header.length), BadChecksum::kAlone);
+                         SumWords(0, header.start.at, header.length), BadChecksum::kAlone);
 }
 
 [[gnu::noinline]] LineHandle AddTopLine(const Place& at, const Cursor& c, const Header& header) {
-  return AddLine(at, Ahead(c, header.length), "IP:    %s -> %s", IPv4Text(header.bytes + 12),
-                 IPv4Text(header.bytes + 16));
+  return AddLine(at, Ahead(c, header.length), "IP:    %s -> %s", IPv4Text(PeekBytes(c, 12, 4).bytes),
+                 IPv4Text(PeekBytes(c, 16, 4).bytes));
 }
 
 // The lines under the top line. False when the header is longer than the bytes; the cursor stands behind it otherwise.
@@ -125,7 +125,7 @@ bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
   if (cut) return false;
   header.checksumGood = AddChecksum(in, TakeU16(c), header);
   const Field addresses = TakeBytes(c, 8);
-  const auto source = IPv4Text(addresses.bytes), destination = IPv4Text(addresses.bytes + 4);
+  const auto source = IPv4Text(addresses.bytes), destination = IPv4Text(Slice(addresses, 4, 4).bytes);
   const Place both =
       Under(in, AddLine(in, addresses, "IP Addresses: Source = %s,  Destination = %s", source, destination));
   AddLine(both, Slice(addresses, 0, 4), "Source: %s", source);
@@ -145,7 +145,7 @@ bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
 
 void RecordNetwork(PacketState& packet, const Header& header) {
   NetworkState& network = packet.network;
-  network.pseudoHead = PseudoHead(header.bytes);
+  network.pseudoHead = PseudoHead(header.start.at);
   network.fragmentOffset = header.fragmentOffset;
   network.totalLength = header.payloadLength;
   network.moreFragments = header.moreFragments;
@@ -160,7 +160,7 @@ void RecordNetwork(PacketState& packet, const Header& header) {
     const int32_t before = Left(c);
     if (!DecodeAh(at, c, &protocol) || Left(c) < 1) return false;
     network.totalLength -= before - Left(c);
-    network.pseudoHead = PseudoHeadOf(header.bytes, protocol, static_cast<uint32_t>(network.totalLength) & 0xFFFF);
+    network.pseudoHead = PseudoHeadOf(header.start.at, protocol, static_cast<uint32_t>(network.totalLength) & 0xFFFF);
   }
   return true;
 }
@@ -194,10 +194,10 @@ int32_t DecodeIPv6InIPv4(const Place& at, Cursor c) { return FindEthertype(kEthe
 int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
   constexpr int32_t kVersion4 = 4, kVersion6 = 6;
   if (Left(c) < kFixedLength) return 0;
-  const int32_t version = c.at[0] >> 4;
+  const int32_t version = PeekU8(c) >> 4;
   if (version == kVersion6) return DecodeIPv6InIPv4(at, c);
   if (version != kVersion4) return ShowUnknownVersion(at, c);
-  Header header = ReadHeader(c.at);
+  Header header = ReadHeader(c);
   RecordDatagram(PacketOf(at), header);
   const LineHandle top = AddTopLine(at, c, header);
   if (!DecodeHeader(Under(at, top), c, header)) return 0;

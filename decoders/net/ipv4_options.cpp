@@ -146,8 +146,8 @@ void DecodeTimestamp(const Option& option, Cursor c) {
     if (flag != kTimesOnly) {
       const Field address = TakeBytes(stamps, 4);
       if (!address.here) break;
-      AddLine(in, address, "IP Address: %u.%u.%u.%u", address.bytes[0], address.bytes[1], address.bytes[2],
-              address.bytes[3]);
+      AddLine(in, address, "IP Address: %u.%u.%u.%u", PeekU8(address), PeekU8(address, 1), PeekU8(address, 2),
+              PeekU8(address, 3));
     }
     const Field time = TakeU32(stamps);
     AddLine(in, time, "Timestamp: %u ms", time.value);
@@ -186,8 +186,8 @@ void AddCategoryRanges(const Place& in, Cursor c) {
 // One tag of the commercial security option; its own length counts its type byte. False when there is no way to a next.
 bool DecodeTag(const Place& in, Cursor& tags) {
   constexpr int32_t kTagHeader = 2;
-  const uint32_t type = tags.at[0];
-  const int32_t declared = Left(tags) > 1 ? tags.at[1] : 0;
+  const uint32_t type = PeekU8(tags);
+  const int32_t declared = Left(tags) > 1 ? PeekU8(tags, 1) : 0;
   Cursor tag = TakeCursor(tags, declared > kTagHeader ? declared : kTagHeader);
   const Field cover = Ahead(tag, Left(tag));
   const bool known = type == kBitMapped || type == kEnumerated || type == kRange;

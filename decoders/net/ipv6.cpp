@@ -94,11 +94,12 @@ int32_t DecodeIPv6(const Place& at, Cursor c) {
   const int32_t left = Left(c);
   if (left < kLeastSize) return 0;
   uint8_t header[kHeaderSize] = {};   // address bytes that are missing count as zero
-  std::memcpy(header, c.at, static_cast<size_t>(left < kHeaderSize ? left : kHeaderSize));
+  const Field there = PeekBytes(c, 0, left < kHeaderSize ? left : kHeaderSize);
+  std::memcpy(header, there.bytes, static_cast<size_t>(there.length));
 
   PacketState& packet = PacketOf(at);
   BeginDatagram(packet);
-  packet.ipProtocol = header[6];
+  packet.ipProtocol = static_cast<uint8_t>(PeekU8(c, 6));
   packet.network.pseudoHead = CalculateIPv6PseudoChecksum(header);
   RecordAddress(packet.source, header + kSource);
   RecordAddress(packet.destination, header + kDestination);
@@ -107,7 +108,7 @@ int32_t DecodeIPv6(const Place& at, Cursor c) {
                                  IPv6Text(header + kSource), IPv6Text(header + kDestination), left);
   ShowHeader(Under(at, top), c);
   if (left < kHeaderSize) return 0;
-  HeaderChain chain{header[6], ReadU16(header + 4), header + kSource, header + kDestination};
+  HeaderChain chain{PeekU8(there, 6), PeekU16(there, 4), header + kSource, header + kDestination};
   c.begin = c.offset;   // what the payload length counts starts here
   WalkNextHeaders(at, c, chain);
   return 1;

@@ -59,13 +59,13 @@ void DecodeLongOption(const Place& in, Cursor c, HeaderChain& chain) {
   AddLine(in, length, "Option size: %u", length.value);
   if (type.value == kHomeAddress && length.value == 16) DecodeHomeAddress(in, c, chain);
   if (type.value == kJumboPayload && length.value == 4 && Left(c) >= 4 && chain.payloadLength == 0) {
-    chain.payloadLength = ReadU32(c.at);
+    chain.payloadLength = PeekU32(c);
   }
   AddBlock(in, Rest(c), "Option Data:");
 }
 
 void DecodeOption(const Place& in, Cursor& c, HeaderChain& chain) {
-  const uint8_t type = c.at[0];
+  const uint8_t type = PeekU8(c);
   if (type == kPad1) {
     const Field pad = TakeU8(c);
     const Place option = Under(in, AddLine(in, pad, "Option %d - %s", type, LookupName(kOptionNames, type)));
@@ -77,7 +77,7 @@ void DecodeOption(const Place& in, Cursor& c, HeaderChain& chain) {
     AddLine(in, stray, "Option Padding: 0x%.02X", stray.value);
     return;
   }
-  const int32_t size = 2 + c.at[1];
+  const int32_t size = 2 + PeekU8(c, 1);
   const LineHandle line =
       AddLine(in, CapturedPart(c, size), "Option %d - %s", type, LookupName(kOptionNames, type));
   DecodeLongOption(Under(in, line), TakeCursor(c, size), chain);
@@ -116,7 +116,7 @@ bool EndChain(const Place& at, Cursor& c) {
 
 Field CapturedPart(const Cursor& c, int32_t size) { return Ahead(c, size < Left(c) ? size : Left(c)); }
 
-int32_t DeclaredHeaderSize(const Cursor& c) { return Left(c) < 2 ? 0 : 8 * (c.at[1] + 1); }
+int32_t DeclaredHeaderSize(const Cursor& c) { return Left(c) < 2 ? 0 : 8 * (PeekU8(c, 1) + 1); }
 
 void TakeNextHeader(const Place& in, Cursor& c, HeaderChain& chain) {
   const Field next = TakeU8(c);
@@ -154,7 +154,7 @@ bool DecodeRoutingHeader(const Place& at, Cursor& c, HeaderChain& chain) {
   } else if (type.value == kHomeRoute) {
     DecodeHomeRoute(in, header, chain, segmentsLeft.value);
   } else if (type.value == kSegmentRouting && segmentsLeft.value > 0 && Left(header) >= 4 + 16) {
-    chain.destination = header.at + 4;   // the list of segments is in reverse order
+    chain.destination = PeekBytes(header, 4, 16).bytes;   // the list of segments is in reverse order
   }
   AddBlock(in, Rest(header), "IPv6 Routing Header Data");
   return Left(c) > 0;

@@ -185,7 +185,7 @@ constexpr MessageRow kMessages[] = {
 
 void DecodePadding(const Place& in, Cursor& c) {
   const Field length = Slice(TakeU16(c), 1, 1);
-  AddLine(in, length, "Length : %u bytes", length.bytes[0]);
+  AddLine(in, length, "Length : %u bytes", PeekU8(length));
   AddBlock(in, Rest(c), "Padding");
 }
 
@@ -232,7 +232,7 @@ void DecodeOtherOption(const Place& in, Cursor& c) {
 // An option with a length; `c` holds all of it that is in its header.
 void DecodeLongOption(const Place& in, Cursor c) {
   const Field whole = Ahead(c, Left(c));
-  const uint32_t type = c.at[0];
+  const uint32_t type = PeekU8(c);
   if (type == kPadN) return DecodePadding(Under(in, AddLine(in, whole, "PadN")), c);
   for (const OptionRow& row : kOptions) {
     if (row.type != type) continue;
@@ -249,13 +249,13 @@ void DecodeOptions(const Place& in, Cursor& c) {
   if (Left(c) < 1) return;
   const Place options = Under(in, AddLine(in, Ahead(c, Left(c)), "Mobility Options"));
   for (Loop loop; MoreAt(in, c, loop);) {
-    if (c.at[0] == kPad1) {
+    if (PeekU8(c) == kPad1) {
       const Field pad = TakeU8(c);
       AddLine(Under(options, AddLine(options, pad, "Pad1")), pad, "Type : %u  (padding)", pad.value);
-    } else if (Left(c) < 2 || c.at[1] > Left(c) - 2) {
+    } else if (Left(c) < 2 || static_cast<int32_t>(PeekU8(c, 1)) > Left(c) - 2) {
       AddBlock(options, Rest(c), "Mobility Support Options Data");   // an option that runs past its header
     } else {
-      DecodeLongOption(options, TakeCursor(c, 2 + c.at[1]));
+      DecodeLongOption(options, TakeCursor(c, 2 + PeekU8(c, 1)));
     }
   }
 }

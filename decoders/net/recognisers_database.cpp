@@ -7,8 +7,6 @@
 // TNS (transparent network substrate), big-endian; since version 315 the length may take the checksum's place too:
 //   0       2             4     5         6
 //   length  checksum (0)  type  reserved  header checksum (0)     then by type
-#include <cstring>
-
 #include "decoders/net/recognisers.h"
 
 namespace qxview {
@@ -35,7 +33,7 @@ bool IsPrelogin(Cursor c) {
 
 // The encryption of a login is negotiated inside prelogin packets: a TLS record's start.
 bool IsTlsRecord(const Cursor& c) {
-  return Left(c) >= 3 && c.at[0] >= 20 && c.at[0] <= 23 && c.at[1] == 3 && c.at[2] <= 4;
+  return Left(c) >= 3 && PeekU8(c) >= 20 && PeekU8(c) <= 23 && PeekU8(c, 1) == 3 && PeekU8(c, 2) <= 4;
 }
 
 // Tokens that a reply may start with.
@@ -51,19 +49,19 @@ bool IsReplyToken(uint32_t token) {
 // Tokens with a 16-bit length must fit the packet; results of rows have no length of their own.
 bool IsReply(const Cursor& c, bool whole) {
   if (Left(c) < 3) return false;
-  const uint32_t token = c.at[0], size = static_cast<uint32_t>(Left(c));
+  const uint32_t token = PeekU8(c), size = static_cast<uint32_t>(Left(c));
   if (token == 0) return IsPrelogin(c);
   if (!IsReplyToken(token)) return false;
   const bool counted = token == 0xE3 || token == 0xAA || token == 0xAB || token == 0xAD || token == 0xED;
-  if (counted) return !whole || 3 + ReadLittleU16(c.at + 1) <= size;
+  if (counted) return !whole || 3 + PeekLittleU16(c, 1) <= size;
   const bool done = token >= 0xFD;
-  return !done || (size >= 9 && (c.at[2] & 0xFE) == 0);   // status has nine bits
+  return !done || (size >= 9 && (PeekU8(c, 2) & 0xFE) == 0);   // status has nine bits
 }
 
 // The headers that requests start with since version 7.2: total length, then the transaction descriptor.
 bool HasRequestHeaders(const Cursor& c) {
-  return Left(c) >= 22 && ReadLittleU32(c.at) >= 22 && ReadLittleU32(c.at) <= 256 && ReadLittleU32(c.at + 4) == 18 &&
-         ReadLittleU16(c.at + 8) == 2;
+  return Left(c) >= 22 && PeekLittleU32(c) >= 22 && PeekLittleU32(c) <= 256 && PeekLittleU32(c, 4) == 18 &&
+         PeekLittleU16(c, 8) == 2;
 }
 
 // Two-byte characters of a statement or a name: printable, with white space.
@@ -92,22 +90,21 @@ bool IsCall(Cursor c) {
 bool IsOldLogin(const Cursor& c) {
   if (Left(c) < 4 * 31) return false;
   for (int32_t i = 0; i < 4; ++i) {
-    if (c.at[31 * i + 30] > 30) return false;
+    if (PeekU8(c, 31 * i + 30) > 30) return false;
   }
-  return c.at[30] + c.at[61] > 0;
+  return PeekU8(c, 30) + PeekU8(c, 61) > 0;
 }
 
 bool IsLogin(const Cursor& c) {
   if (Left(c) < 36) return false;
-  const uint32_t length = ReadLittleU32(c.at), version = ReadLittleU32(c.at + 4);
+  const uint32_t length = PeekLittleU32(c), version = PeekLittleU32(c, 4);
   return length >= 86 && length <= 0x20000 && (version >> 24 & 0xF8) == 0x70 && (version & 0x00F00000) <= 0x00B00000;
 }
 
 bool IsSecurityToken(const Cursor& c) {
-  constexpr char kNtlm[] = "NTLMSSP";
   if (Left(c) < 8) return false;
-  const bool negotiation = (c.at[0] == 0x60 || c.at[0] == 0xA1) && c.at[1] >= 0x30;   // of mechanisms
-  return negotiation || std::memcmp(c.at, kNtlm, sizeof kNtlm) == 0;
+  const bool negotiation = (PeekU8(c) == 0x60 || PeekU8(c) == 0xA1) && PeekU8(c, 1) >= 0x30;   // of mechanisms
+  return negotiation || PeekIs(c, 0, "NTLMSSP\0");
 }
 
 // The tokens that requests of version 5 start with.
@@ -121,9 +118,9 @@ bool IsTdsMessage(uint32_t type, const Cursor& c, bool whole) {
     case kTdsCall: return IsCall(c);
     case kTdsReply: return IsReply(c, whole);
     case kTdsAttention: return Left(c) == 0;
-    case kTdsBulk: return Left(c) >= 3 && c.at[0] == 0x81;
+    case kTdsBulk: return Left(c) >= 3 && PeekU8(c) == 0x81;
     case kTdsTransaction: return HasRequestHeaders(c);
-    case kTdsCommand: return whole && Left(c) >= 5 && IsCommandToken(c.at[0]);
+    case kTdsCommand: return whole && Left(c) >= 5 && IsCommandToken(PeekU8(c));
     case kTdsLogin: return IsLogin(c);
     case kTdsNegotiation: return IsSecurityToken(c);
     case kTdsPrelogin: return IsPrelogin(c) || IsTlsRecord(c);
@@ -138,39 +135,40 @@ constexpr uint32_t kTnsHeader = 8, kOldestTns = 300, kNewestTns = 330;
 bool IsTnsVersion(uint32_t version) { return version >= kOldestTns && version <= kNewestTns; }
 
 // The connect data stand at their offset to the end of the packet, or come in a packet of their own.
-bool IsTnsConnect(const uint8_t* p, uint32_t length, uint32_t captured) {
-  if (length < 34 || captured < 34 || !IsTnsVersion(ReadU16(p + 8))) return false;
-  const uint32_t dataLength = ReadU16(p + 24), dataOffset = ReadU16(p + 26);
-  if (ReadU16(p + 10) > ReadU16(p + 8) || dataOffset < 34) return false;
+bool IsTnsConnect(const Cursor& c, uint32_t length) {
+  if (length < 34 || Left(c) < 34 || !IsTnsVersion(PeekU16(c, 8))) return false;
+  const uint32_t dataLength = PeekU16(c, 24), dataOffset = PeekU16(c, 26);
+  if (PeekU16(c, 10) > PeekU16(c, 8) || dataOffset < 34) return false;
   return dataOffset + dataLength == length || dataOffset == length;
 }
 
-bool IsTnsAccept(const uint8_t* p, uint32_t length, uint32_t captured) {
-  if (length < 24 || captured < 24 || !IsTnsVersion(ReadU16(p + 8))) return false;
-  const uint32_t dataLength = ReadU16(p + 18), dataOffset = ReadU16(p + 20);
+bool IsTnsAccept(const Cursor& c, uint32_t length) {
+  if (length < 24 || Left(c) < 24 || !IsTnsVersion(PeekU16(c, 8))) return false;
+  const uint32_t dataLength = PeekU16(c, 18), dataOffset = PeekU16(c, 20);
   return dataLength == 0 || dataOffset + dataLength == length;
 }
 
 // Flags of the ten that are defined, then a function of the client protocol or the marker of service negotiation. The
 // last packet of a session has flags alone.
-bool IsTnsData(const uint8_t* p, uint32_t length, uint32_t captured) {
-  if (length < 10 || captured < 10) return false;
-  const uint32_t flags = ReadU16(p + 8);
+bool IsTnsData(const Cursor& c, uint32_t length) {
+  if (length < 10 || Left(c) < 10) return false;
+  const uint32_t flags = PeekU16(c, 8);
   if ((flags & ~0x89EFu) != 0) return false;
   if (length == 10) return flags == 0x40;
-  if (captured >= 14 && ReadU32(p + 10) == 0xDEADBEEF) return true;
-  return captured >= 12 && p[10] >= 1 && p[10] <= 0x22;
+  if (PeekU32(c, 10) == 0xDEADBEEF) return true;
+  return Left(c) >= 12 && PeekU8(c, 10) >= 1 && PeekU8(c, 10) <= 0x22;
 }
 
-bool IsTnsBody(const uint8_t* p, uint32_t length, uint32_t captured) {
-  switch (p[4]) {
-    case kTnsConnect: return IsTnsConnect(p, length, captured);
-    case kTnsAccept: return IsTnsAccept(p, length, captured);
-    case kTnsRefuse: return length >= 12 && captured >= 12 && 12 + ReadU16(p + 10) == length;
-    case kTnsRedirect: return length > 10 && captured >= 10 && 10 + ReadU16(p + 8) == length;
-    case kTnsData: return IsTnsData(p, length, captured);
+bool IsTnsBody(const Cursor& c, uint32_t length) {
+  switch (PeekU8(c, 4)) {
+    case kTnsConnect: return IsTnsConnect(c, length);
+    case kTnsAccept: return IsTnsAccept(c, length);
+    case kTnsRefuse: return length >= 12 && Left(c) >= 12 && 12 + PeekU16(c, 10) == length;
+    case kTnsRedirect: return length > 10 && Left(c) >= 10 && 10 + PeekU16(c, 8) == length;
+    case kTnsData: return IsTnsData(c, length);
     case kTnsNull: case kTnsResend: return length == 8;
-    case kTnsMarker: return length == 11 && captured >= 11 && p[8] <= 1 && p[9] == 0 && p[10] <= 3;
+    case kTnsMarker:
+      return length == 11 && Left(c) >= 11 && PeekU8(c, 8) <= 1 && PeekU8(c, 9) == 0 && PeekU8(c, 10) <= 3;
     default: return false;
   }
 }
@@ -197,16 +195,16 @@ bool LooksLikeTds(const Cursor& c) {
 bool LooksLikeTns(const Cursor& c) {
   constexpr uint32_t kLargestPacket = 0x200000;
   if (Left(c) < static_cast<int32_t>(kTnsHeader)) return false;
-  const uint8_t* p = c.at;
   const uint32_t captured = static_cast<uint32_t>(Left(c));
-  const bool wide = ReadU16(p) == 0;
-  const uint32_t length = wide ? ReadU32(p) : ReadU16(p);
+  const bool wide = PeekU16(c) == 0;
+  const uint32_t length = wide ? PeekU32(c) : PeekU16(c);
   if (length < kTnsHeader || length > kLargestPacket) return false;
-  if ((!wide && ReadU16(p + 2) != 0) || ReadU16(p + 6) != 0) return false;
-  if (length > captured && p[4] != kTnsData) return false;            // only data are longer than a segment
+  if ((!wide && PeekU16(c, 2) != 0) || PeekU16(c, 6) != 0) return false;
+  if (length > captured && PeekU8(c, 4) != kTnsData) return false;            // only data are longer than a segment
   if (length > captured && captured < 512) return false;
-  if (length + kTnsHeader <= captured && p[length + 4] > 19) return false;   // the next packet's type
-  return IsTnsBody(p, length, captured);
+  const uint32_t nextType = PeekU8(c, static_cast<int32_t>(length) + 4);
+  if (length + kTnsHeader <= captured && nextType > 19) return false;
+  return IsTnsBody(c, length);
 }
 
 }  // namespace qxview

@@ -5,8 +5,6 @@
 //   FCIP:        protocol, version, their complements; the same again; flags, 0, complements;
 //                frame length and its complement; time stamp (8); CRC    (RFC 3643, RFC 3821)
 //   BitTorrent:  19, "BitTorrent protocol", ...                          (BEP 3)
-#include <cstring>
-
 #include "decoders/net/recognisers.h"
 
 namespace qxview {
@@ -23,7 +21,7 @@ bool IsGiopSize(uint32_t type, uint32_t size) {
 }
 
 // Two bytes and their complements.
-bool IsComplemented(const uint8_t* word) { return (word[0] ^ word[2]) == 0xFF && (word[1] ^ word[3]) == 0xFF; }
+bool IsComplemented(const Cursor& c, int32_t at) { return (PeekU16(c, at) ^ PeekU16(c, at + 2)) == 0xFFFF; }
 
 }  // namespace
 
@@ -32,16 +30,16 @@ bool LooksLikeSmb(const Cursor& c) {
   constexpr uint32_t kLeastMessage = kSmbHeader + 3;   // the counts of no words and no bytes
   constexpr uint8_t kMark[] = {0xFF, 'S', 'M', 'B'};
   if (Left(c) < kSessionHeader + kSmbHeader) return false;
-  return c.at[0] == 0 && ReadU24(c.at + 1) >= kLeastMessage && std::memcmp(c.at + 4, kMark, sizeof kMark) == 0;
+  return PeekU8(c) == 0 && PeekU24(c, 1) >= kLeastMessage && PeekIs(c, 4, kMark);
 }
 
 bool LooksLikeGiop(const Cursor& c) {
   constexpr int32_t kHeader = 12;
-  if (Left(c) < kHeader || std::memcmp(c.at, "GIOP", 4) != 0) return false;
-  const uint32_t major = c.at[4], minor = c.at[5], flags = c.at[6], type = c.at[7];
+  if (Left(c) < kHeader || !PeekIs(c, 0, "GIOP")) return false;
+  const uint32_t major = PeekU8(c, 4), minor = PeekU8(c, 5), flags = PeekU8(c, 6), type = PeekU8(c, 7);
   if (major != 1 || minor > 3 || (minor == 0 ? flags > 1 : flags > 3)) return false;
   if (type > kGiopFragment || (type == kGiopFragment && minor == 0)) return false;
-  return IsGiopSize(type, flags & 1 ? ReadLittleU32(c.at + 8) : ReadU32(c.at + 8));
+  return IsGiopSize(type, flags & 1 ? PeekLittleU32(c, 8) : PeekU32(c, 8));
 }
 
 bool LooksLikeFcip(const Cursor& c) {
@@ -49,17 +47,13 @@ bool LooksLikeFcip(const Cursor& c) {
   constexpr uint32_t kShortestFrame = 15, kLongestFrame = 545;   // words, the encapsulation header included
   constexpr uint8_t kProtocolAndVersion[] = {1, 1, 0xFE, 0xFE};
   if (Left(c) < kHeader) return false;
-  const uint8_t* p = c.at;
-  if (std::memcmp(p, kProtocolAndVersion, 4) != 0 || std::memcmp(p + 4, kProtocolAndVersion, 4) != 0) return false;
-  if (!IsComplemented(p + 8) || p[9] != 0 || (p[8] & 0x7E) != 0) return false;
-  if (!IsComplemented(p + 12) || (p[12] & 0xF8) != 0) return false;   // reserved flags of the length's word
-  const uint32_t words = ReadU16(p + 12) & 0x3FF;
+  if (!PeekIs(c, 0, kProtocolAndVersion) || !PeekIs(c, 4, kProtocolAndVersion)) return false;
+  if (!IsComplemented(c, 8) || PeekU8(c, 9) != 0 || (PeekU8(c, 8) & 0x7E) != 0) return false;
+  if (!IsComplemented(c, 12) || (PeekU8(c, 12) & 0xF8) != 0) return false;   // reserved flags of the length's word
+  const uint32_t words = PeekU16(c, 12) & 0x3FF;
   return words >= kShortestFrame && words <= kLongestFrame;
 }
 
-bool LooksLikeBitTorrent(const Cursor& c) {
-  constexpr char kName[] = "BitTorrent protocol";
-  return Left(c) >= 20 && std::memcmp(c.at + 1, kName, 19) == 0;
-}
+bool LooksLikeBitTorrent(const Cursor& c) { return PeekIs(c, 1, "BitTorrent protocol"); }
 
 }  // namespace qxview

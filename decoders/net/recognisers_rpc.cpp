@@ -32,21 +32,19 @@ uint32_t LeastDceFragment(uint32_t type) {
   }
 }
 
-struct DceNumbers {
-  bool little;
-  uint32_t U16(const uint8_t* p) const { return little ? ReadLittleU16(p) : ReadU16(p); }
-};
-
-// The representation's nibbles and its two reserved bytes.
-bool IsDceRepresentation(const uint8_t* p) {
-  return (p[0] & 0xEE) == 0 && p[1] <= 3 && p[2] == 0 && p[3] == 0;
+// A number of the fragment, in the order that its representation names.
+uint32_t PeekDceU16(const Cursor& c, int32_t at) {
+  return PeekU8(c, 4) & 0x10 ? PeekLittleU16(c, at) : PeekU16(c, at);
 }
 
+// The representation's nibbles and its two reserved bytes.
+bool IsDceRepresentation(uint32_t form) { return (form & 0xEE00FFFF) == 0 && (form >> 16 & 0xFF) <= 3; }
+
 // The list of presentation contexts that a bind or an alter-context offers.
-bool IsDceContextList(const Cursor& c, const DceNumbers& read) {
+bool IsDceContextList(const Cursor& c) {
   if (Left(c) < 28 + 4) return true;   // cut by the segment
-  const uint8_t* p = c.at + 24;
-  return p[0] >= 1 && p[1] == 0 && p[2] == 0 && p[3] == 0 && p[6] >= 1 && p[7] == 0 && read.U16(c.at + 16) >= 64;
+  return PeekU8(c, 24) >= 1 && PeekU24(c, 25) == 0 && PeekU8(c, 30) >= 1 && PeekU8(c, 31) == 0 &&
+         PeekDceU16(c, 16) >= 64;
 }
 
 // Flavours: none, AUTH_SYS, short, DH, Kerberos 4, RSA, RPCSEC_GSS, TLS. Bodies end at 400 bytes.
@@ -123,17 +121,14 @@ bool IsOncMessage(Cursor c) {
 
 bool LooksLikeMsrpc(const Cursor& c) {
   if (Left(c) < kDceHeader) return false;
-  const uint8_t* p = c.at;
-  if (p[0] != 5 || p[1] > 1 || !IsDceRepresentation(p + 4)) return false;
-  const DceNumbers read{(p[4] & 0x10) != 0};
-  const uint32_t least = LeastDceFragment(p[2]);
-  const uint32_t fragment = read.U16(p + 8), authentication = read.U16(p + 10);
+  if (PeekU8(c) != 5 || PeekU8(c, 1) > 1 || !IsDceRepresentation(PeekU32(c, 4))) return false;
+  const uint32_t type = PeekU8(c, 2), least = LeastDceFragment(type);
+  const uint32_t fragment = PeekDceU16(c, 8), authentication = PeekDceU16(c, 10);
   if (least == 0 || fragment < least) return false;
   if (authentication != 0 && authentication + 8 + least > fragment) return false;   // 8: the trailer's own header
-  if ((p[2] == kDceBind || p[2] == kDceAlter) && !IsDceContextList(c, read)) return false;
-  const uint32_t captured = static_cast<uint32_t>(Left(c));
-  if (captured <= fragment) return true;
-  return p[fragment] == 5 && (captured == fragment + 1 || p[fragment + 1] <= 1);    // the next fragment
+  if ((type == kDceBind || type == kDceAlter) && !IsDceContextList(c)) return false;
+  const int32_t end = static_cast<int32_t>(fragment);
+  return Left(c) <= end || (PeekU8(c, end) == 5 && PeekU8(c, end + 1) <= 1);   // the next fragment
 }
 
 bool LooksLikeOncRpc(const Cursor& c) { return Left(c) % 4 == 0 && IsOncMessage(c); }

@@ -193,10 +193,10 @@ bool ReadSegment(const Cursor& c, const NetworkState& network, bool strictCheck,
   segment.start = c;
   segment.network = &network;
   segment.strictCheck = strictCheck;
-  segment.dataOffset = c.at[12] >> 4;
+  segment.dataOffset = PeekU8(c, 12) >> 4;
   segment.headerLength = 4 * segment.dataOffset < kFixedHeader ? kFixedHeader : 4 * segment.dataOffset;
-  segment.flags = c.at[13];
-  segment.sequence = ReadU32(c.at + 4);
+  segment.flags = PeekU8(c, 13);
+  segment.sequence = PeekU32(c, 4);
   segment.isBad = false;
   return true;
 }
@@ -206,8 +206,8 @@ bool ReadSegment(const Cursor& c, const NetworkState& network, bool strictCheck,
 int32_t DecodeTcpSegment(const Place& at, Cursor c, const NetworkState& network, bool strictCheck) {
   if (Left(c) < kPorts) return 0;
   PacketState& packet = PacketOf(at);
-  packet.sourcePort = static_cast<uint16_t>(ReadU16(c.at));
-  packet.destinationPort = static_cast<uint16_t>(ReadU16(c.at + 2));
+  packet.sourcePort = static_cast<uint16_t>(PeekU16(c));
+  packet.destinationPort = static_cast<uint16_t>(PeekU16(c, 2));
   if (network.fragmented && network.fragmentOffset > 0) return AddRawRest(at, c, "Fragment data");
   Segment segment;
   if (!ReadSegment(c, network, strictCheck, segment)) return 0;

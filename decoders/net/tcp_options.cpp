@@ -89,8 +89,8 @@ int32_t AddOptionValue(const Place& in, uint32_t kind, const Field& length, Curs
     case kEchoReply: {
       const Field data = TakeBytes(body, 4);
       if (!data.here) break;
-      AddLine(in, data, "Echo Data: 0x%.02X 0x%.02X 0x%.02X 0x%.02X", data.bytes[0], data.bytes[1], data.bytes[2],
-              data.bytes[3]);
+      AddLine(in, data, "Echo Data: 0x%.02X 0x%.02X 0x%.02X 0x%.02X", PeekU8(data), PeekU8(data, 1), PeekU8(data, 2),
+              PeekU8(data, 3));
       break;
     }
     case kTimestamps: {

@@ -46,8 +46,8 @@ void AddHeaderLines(const Place& in, Cursor& c) {
 int32_t DecodeUdp(const Place& at, Cursor c) {
   if (Left(c) < kHeader) return 0;
   PacketState& packet = PacketOf(at);
-  packet.sourcePort = static_cast<uint16_t>(ReadU16(c.at));
-  packet.destinationPort = static_cast<uint16_t>(ReadU16(c.at + 2));
+  packet.sourcePort = static_cast<uint16_t>(PeekU16(c));
+  packet.destinationPort = static_cast<uint16_t>(PeekU16(c, 2));
 
   bool matchedSource;
   const int32_t identifier = ResolveProtocol(at.view, kIpProtocolUdp, packet.source, packet.sourcePort,

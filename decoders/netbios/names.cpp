@@ -48,10 +48,10 @@ using NameText = TextBuilder<kNetBiosTextSize>;
 
 // 15 bytes of a name without the blanks and zeros that fill it up.
 template <int32_t kSize>
-void AddPlainName(TextBuilder<kSize>& text, const uint8_t* name) {
+void AddPlainName(TextBuilder<kSize>& text, const Cursor& name) {
   int32_t length = kNetBiosNameLength - 1;
-  while (length > 0 && (name[length - 1] == ' ' || name[length - 1] == 0)) --length;
-  for (int32_t i = 0; i < length; ++i) text.AddByte(name[i]);
+  while (length > 0 && (PeekU8(name, length - 1) == ' ' || PeekU8(name, length - 1) == 0)) --length;
+  for (int32_t i = 0; i < length; ++i) text.AddByte(static_cast<uint8_t>(PeekU8(name, i)));
 }
 
 void AddSuffix(NameText& text, uint8_t suffix) {
@@ -63,10 +63,9 @@ void AddSuffix(NameText& text, uint8_t suffix) {
 }
 
 // Letters to bytes; false when one is not of the encoding.
-bool DecodeLetters(const uint8_t* letters, uint8_t* name) {
+bool DecodeLetters(const Cursor& letters, uint8_t* name) {
   for (int32_t i = 0; i < kNetBiosNameLength; ++i) {
-    const uint32_t high = static_cast<uint32_t>(letters[2 * i] - 'A');
-    const uint32_t low = static_cast<uint32_t>(letters[2 * i + 1] - 'A');
+    const uint32_t high = PeekU8(letters, 2 * i) - 'A', low = PeekU8(letters, 2 * i + 1) - 'A';
     if (high > 15 || low > 15) return false;
     name[i] = static_cast<uint8_t>(high << 4 | low);
   }
@@ -76,15 +75,15 @@ bool DecodeLetters(const uint8_t* letters, uint8_t* name) {
 // One label into the text; the first may be a name in first-level encoding.
 void AddLabel(NameText& text, NetBiosName& name, const Field& label, bool isFirst) {
   uint8_t plain[kNetBiosNameLength];
-  if (isFirst && label.length == static_cast<int32_t>(kEncodedLength) && DecodeLetters(label.bytes, plain)) {
+  if (isFirst && label.length == static_cast<int32_t>(kEncodedLength) && DecodeLetters(CursorOver(label), plain)) {
     name.form = NetBiosName::kEncoded;
     name.suffix = plain[kNetBiosNameLength - 1];
-    AddPlainName(text, plain);
+    AddPlainName(text, MakeCursor(plain, 0, kNetBiosNameLength));
     AddSuffix(text, name.suffix);
     return;
   }
   if (!isFirst) text.Add('.');
-  for (int32_t i = 0; i < label.length && !text.IsFull(); ++i) text.AddByte(label.bytes[i]);
+  for (int32_t i = 0; i < label.length && !text.IsFull(); ++i) text.AddByte(PeekU8(label, i));
 }
 
 // The parts of a name, a line each, as far as they stand here.
@@ -109,7 +108,9 @@ void AddPartLines(const Place& in, const NetBiosName& name, bool isGroup) {
       ShortText<64> plain{};
       TextBuilder<64> text{plain, 0};
       uint8_t bytes[kNetBiosNameLength];
-      if (label.here && DecodeLetters(label.bytes, bytes)) AddPlainName(text, bytes);
+      if (label.here && DecodeLetters(CursorOver(label), bytes)) {
+        AddPlainName(text, MakeCursor(bytes, 0, kNetBiosNameLength));
+      }
       AddLine(in, Slice(label, 0, 30), "Name: %s", plain);
       AddLine(in, Slice(label, 30, 2), "Suffix: <%.02X> = %s", name.suffix, NetBiosSuffixName(name.suffix, isGroup));
     } else {
@@ -141,8 +142,8 @@ NetBiosName TakePlainNetBiosName(Cursor& c) {
   if (!name.field.here) return name;
   name.form = NetBiosName::kPlain;
   NameText text{name.text, 0};
-  AddPlainName(text, name.field.bytes);
-  name.suffix = name.field.bytes[kNetBiosNameLength - 1];
+  AddPlainName(text, CursorOver(name.field));
+  name.suffix = PeekU8(name.field, kNetBiosNameLength - 1);
   AddSuffix(text, name.suffix);
   return name;
 }
