@@ -211,7 +211,7 @@ Field TakeSized(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool
   if (variable && size > Left(c)) size = Left(c);
   Field field = TakeBytes(c, size);
   if (field.here && IsNumber(row.form)) field.value = static_cast<uint32_t>(NumberOf(field, IsLittle(walk, row)));
-  if (field.here && field.length <= 4) walk.word = field;
+  walk.word = field.length <= 4 ? field : Field{};   // bits of a number that is not here are not here either
   return field;
 }
 

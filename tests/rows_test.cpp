@@ -139,6 +139,9 @@ TEST(Rows, FollowTheOrderOfTheMessage) {
   EXPECT_EQ(Decode(DecodeOrdered, Hex("01 0200 0300000000000000 4100 0080")),
             "Thing 2, high\n  Count: 2\n  Wide: 3\n  Text: A\n  ........ .......0: Low = False\n"
             "  1....... ........: High = True\n  Values: 2 0x3\n");
+  // Bits of a number that is cut are not those of the one before it.
+  EXPECT_EQ(Decode(DecodeOrdered, Hex("00 0002 0000000000000003 0041 00")),
+            "Thing 2\n  Count: 2\n  Wide: 3\n  Text: A\n  Values: 2 0x3\n");
 }
 
 std::string Elements(const ElementForm& form, const std::string& bytes) {

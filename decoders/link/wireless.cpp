@@ -6,6 +6,7 @@
 // Numbers are little-endian. What the addresses are depends on whether the frame goes to or comes from the wired
 // side; control frames have one or two. Data frames carry an 802.2 header, or several frames with headers of their
 // own (A-MSDU: destination, source, length, filled up to a multiple of four).
+#include "core/rows.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -18,7 +19,7 @@ enum ControlSubtype : uint32_t {
   kCts = 12, kAck = 13,
 };
 enum DataSubtypeBit : uint32_t { kNoData = 4, kQos = 8 };
-enum Flag : uint32_t {
+enum ControlFlag : uint32_t {
   kToDs = 0x01, kFromDs = 0x02, kMoreFragments = 0x04, kProtected = 0x40, kOrder = 0x80,
 };
 constexpr uint32_t kAggregate = 0x80, kMeshControl = 0x100;   // in the QoS control
@@ -57,9 +58,12 @@ FrameControl ControlOf(const Cursor& c) {
   return {first >> 2 & 3, first >> 4, flags};
 }
 
+constexpr auto kFlagRows = Rows<NoValues>({
+    Word(1), Bits(0, 1, "Order or HT Control"), Bits(1, 1, "Protected"), Bits(2, 1, "More Data"),
+    Bits(3, 1, "Power Management"), Bits(4, 1, "Retry"), Bits(5, 1, "More Fragments"), Bits(6, 1, "From DS"),
+    Bits(7, 1, "To DS")});
+
 void AddFrameControl(const Place& in, Cursor& c) {
-  static constexpr const char* kFlagNames[] = {"Order or HT Control", "Protected", "More Data", "Power Management",
-                                               "Retry", "More Fragments", "From DS", "To DS"};
   const FrameControl control = ControlOf(c);
   const Field both = Ahead(c, 2);
   const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s", PeekLittleU16(c),
@@ -69,11 +73,7 @@ void AddFrameControl(const Place& in, Cursor& c) {
   AddBitLine(bits, first, "%s: Subtype = %u (%s)", subtype.picture, subtype.value, SubtypeName(control));
   AddBitLine(bits, first, "%s: Type = %u (%s)", type.picture, type.value, LookupName(kTypes, type.value));
   AddBitLine(bits, first, "%s: Protocol Version = %u", version.picture, version.value);
-  const Field flags = TakeU8(c);
-  for (int32_t bit = 0; bit < 8; ++bit) {
-    const BitPicture flag = BitsOf(flags, bit, 1);
-    AddBitLine(bits, flags, "%s: %s = %u", flag.picture, kFlagNames[bit], flag.value);
-  }
+  ShowRows(bits, c, kFlagRows);
 }
 
 void AddDuration(const Place& in, Cursor& c, bool isAssociation) {
@@ -101,27 +101,22 @@ struct WirelessHeader {
   uint32_t fragment, qos;
 };
 
+struct DataHeader {
+  Field fragment, qos;
+};
+constexpr auto kSequence = Rows<DataHeader>({
+    Hex(2, "Sequence Control").Little(), Bits(0, 12, "Sequence Number"),
+    Bits(12, 4, "Fragment Number").Into(&DataHeader::fragment)});
+constexpr auto kQosRows = Rows<DataHeader>({
+    Hex(2, "QoS Control").Little().Into(&DataHeader::qos), Bits(0, 8, "TXOP or Queue Size"), Flag(8, "A-MSDU Present"),
+    Bits(9, 2, "Ack Policy", kAckPolicies).Told("%s: Ack Policy = %s"), Bits(11, 1, "End of Service Period"),
+    Bits(12, 4, "Traffic Identifier")});
+
 void AddSequence(const Place& in, Cursor& c, uint32_t* fragment) {
-  const Field control = TakeLittleU16(c);
-  const BitPicture sequence = BitsOf(control, 0, 12), part = BitsOf(control, 12, 4);
-  const Place bits = Under(in, AddLine(in, control, "Sequence Control: 0x%.04X", control.value));
-  AddBitLine(bits, control, "%s: Sequence Number = %u", sequence.picture, sequence.value);
-  AddBitLine(bits, control, "%s: Fragment Number = %u", part.picture, part.value);
-  *fragment = part.value;
+  *fragment = ShowRows(in, c, kSequence).fragment.value;
 }
 
-uint32_t AddQosControl(const Place& in, Cursor& c) {
-  const Field qos = TakeLittleU16(c);
-  const Place bits = Under(in, AddLine(in, qos, "QoS Control: 0x%.04X", qos.value));
-  const BitPicture rest = BitsOf(qos, 0, 8), aggregate = BitsOf(qos, 8, 1), policy = BitsOf(qos, 9, 2);
-  const BitPicture service = BitsOf(qos, 11, 1), traffic = BitsOf(qos, 12, 4);
-  AddBitLine(bits, qos, "%s: TXOP or Queue Size = %u", rest.picture, rest.value);
-  AddBitLine(bits, qos, "%s: A-MSDU Present = %s", aggregate.picture, TrueOrFalse(aggregate.value));
-  AddBitLine(bits, qos, "%s: Ack Policy = %s", policy.picture, LookupName(kAckPolicies, policy.value));
-  AddBitLine(bits, qos, "%s: End of Service Period = %u", service.picture, service.value);
-  AddBitLine(bits, qos, "%s: Traffic Identifier = %u", traffic.picture, traffic.value);
-  return qos.value;
-}
+uint32_t AddQosControl(const Place& in, Cursor& c) { return ShowRows(in, c, kQosRows).qos.value; }
 
 void AddHtControl(const Place& in, Cursor& c) {
   const Field control = TakeLittleU32(c);

@@ -4,31 +4,24 @@
 //   an extension:  0  type   1  length of what follows   2  data;  type 0 is a padding byte alone
 #include "decoders/net/icmp_router.h"
 
+#include "core/rows.h"
+
 namespace qxview {
 namespace {
 
 enum ExtensionType : uint32_t { kPadding = 0, kMobilityAgent = 16, kPrefixLengths = 19 };
 
+constexpr auto kAgent = Rows<NoValues>({
+    Number(2, "Sequence Number"), Number(2, "Registration Lifetime", " seconds"), Hex(2, "Flags"),
+    Flag(0, "Registration Required"), Flag(1, "Busy"), Flag(2, "Home Agent"), Flag(3, "Foreign Agent"),
+    Flag(4, "Minimal Encapsulation"), Flag(5, "GRE Encapsulation"), Flag(6, "Reserved"), Flag(7, "Reverse Tunneling"),
+    Flag(8, "UDP Tunneling"), Flag(9, "Revocation Support")});
+constexpr auto kCareOf = Rows<NoValues>({IPv4("Care-of Address")});
+
 void AddMobilityAgent(const Place& in, Cursor c) {
-  constexpr const char* kFlagNames[] = {"Registration Required", "Busy", "Home Agent", "Foreign Agent",
-                                        "Minimal Encapsulation", "GRE Encapsulation", "Reserved", "Reverse Tunneling",
-                                        "UDP Tunneling", "Revocation Support"};
-  const Field sequence = TakeU16(c);
-  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
-  const Field lifetime = TakeU16(c);
-  AddLine(in, lifetime, "Registration Lifetime: %u seconds", lifetime.value);
-  const Field flags = TakeU16(c);
-  const Place bits = Under(in, AddLine(in, flags, "Flags: 0x%.04X", flags.value));
-  int32_t bit = 0;
-  for (const char* name : kFlagNames) {
-    const BitPicture flag = BitsOf(flags, bit++, 1);
-    AddBitLine(bits, flags, "%s: %s = %s", flag.picture, name, TrueOrFalse(flag.value));
-  }
+  ShowRows(in, c, kAgent);
   Loop loop;
-  while (MoreAt(in, c, loop)) {
-    const Field address = TakeBytes(c, 4);
-    if (address.here) AddLine(in, address, "Care-of Address: %s", IPv4Text(address.bytes));
-  }
+  while (MoreAt(in, c, loop)) ShowRows(in, c, kCareOf);
 }
 
 void DecodeAgentExtensions(const Place& in, Cursor& c) {

@@ -3,19 +3,11 @@
 //
 //   0  payload protocol (8)   length in units of 8 bytes beyond the first 8 (8)   type (8)   reserved (8)
 //   4  checksum (16)          6  message, then options: type (8), length (8), data; Pad1 is its type byte alone
+#include "core/elements.h"
 #include "decoders/net/ipv6_extensions.h"
 
 namespace qxview {
 namespace {
-
-constexpr auto kMessageNames = SortedNames({
-    {0, "Binding Refresh Request"}, {1, "Home Test Init"}, {2, "Care-of Test Init"}, {3, "Home Test"},
-    {4, "Care-of Test"}, {5, "Binding Update"}, {6, "Binding Acknowledgement"}, {7, "Binding Error"},
-    {8, "Fast Binding Update"}, {9, "Fast Binding Acknowledgement"}, {10, "Fast Neighbor Advertisement"},
-    {11, "Experimental Mobility Header"}, {12, "Home Agent Switch"}, {13, "Heartbeat"}, {14, "Handover Initiate"},
-    {15, "Handover Acknowledge"}, {16, "Binding Revocation"}, {17, "Localized Routing Initiation"},
-    {18, "Localized Routing Acknowledgment"}, {19, "Update Notification"}, {20, "Update Notification Acknowledgement"},
-    {21, "Flow Binding"}, {22, "Subscription Query"}, {23, "Subscription Response"}});
 
 constexpr auto kBindingStatusNames = SortedNames({
     {0, "Binding Update accepted"}, {1, "Accepted but prefix discovery necessary"},
@@ -40,148 +32,67 @@ constexpr auto kHandoverCodeNames = SortedNames({
     {4, "Message sent unsolicited"}, {128, "Handover not accepted, reason unspecified"},
     {129, "Administratively prohibited"}, {130, "Insufficient resources"}});
 
-struct FlagName {
-  int32_t bit;   // from the most significant one
-  const char* name;
+// Labels of this header keep a blank in front of their colon.
+void ShowUnits(const Place& in, const Field& time, const char* label) {
+  const uint32_t units = PeekU16(time);
+  AddLine(in, time, "%s: %u (in 4-second time units = %u seconds)", label, units, units * 4);
+}
+constexpr RowData kReserved8 = Number(1, "Reserved "), kReserved16 = Number(2, "Reserved "),
+                  kSequence = Number(2, "Sequence "), kLifetime = Shown(2, "Lifetime ", ShowUnits),
+                  kKeyManagement = Flag(0, "Key Management Mobility Capability");
+
+struct Mobility {
+  Field count;
 };
+constexpr auto kRefreshRows = Rows<Mobility>({kReserved16});
+constexpr auto kHomeTestInitRows = Rows<Mobility>({Word(2), Number(8, "Home Init Cookie ")});
+constexpr auto kCareOfTestInitRows = Rows<Mobility>({Word(2), Number(8, "Care-of Init Cookie ")});
+constexpr auto kHomeTestRows = Rows<Mobility>({
+    Number(2, "Home Nonce Index "), Number(8, "Home Init Cookie "), Number(8, "Home Keygen Token ")});
+constexpr auto kCareOfTestRows = Rows<Mobility>({
+    Number(2, "Care-of Nonce Index "), Number(8, "Care-of Init Cookie "), Number(8, "Care-of Keygen Token ")});
+constexpr auto kUpdateRows = Rows<Mobility>({
+    kSequence, Hex(2, "Flags "), Flag(0, "Acknowledge"), Flag(1, "Home Registration"),
+    Flag(2, "Link-Local Address Compatibility"), Flag(3, "Key Management Mobility Capability"),
+    Flag(4, "MAP Registration"), Flag(5, "Mobile Router"), Flag(6, "Proxy Registration"), Flag(7, "UDP Encapsulation"),
+    kLifetime});
+constexpr auto kAcknowledgementRows = Rows<Mobility>({
+    Number(1, "Status ", kBindingStatusNames), Hex(1, "Flags "), kKeyManagement, Flag(1, "Mobile Router"),
+    Flag(2, "Proxy Registration"), Flag(3, "TLV-header format"), kSequence, kLifetime});
+constexpr auto kErrorRows = Rows<Mobility>({
+    Number(1, "Status ", kBindingErrorNames), kReserved8, IPv6("Home Address ")});
+constexpr auto kFastAcknowledgementRows = Rows<Mobility>({
+    Number(1, "Status ", kFastBindingStatusNames), Hex(1, "Flags "), kKeyManagement, kSequence, kLifetime});
+constexpr auto kAgentSwitchRows =
+    Rows<Mobility>({Number(1, "Number of Addresses ").Into(&Mobility::count), kReserved8});
+constexpr auto kHeartbeatRows = Rows<Mobility>({
+    Hex(2, "Flags "), Flag(14, "Unsolicited"), Flag(15, "Response"), Number(4, "Sequence ")});
+constexpr auto kHandoverRows = Rows<Mobility>({
+    kSequence, Hex(1, "Flags "), Flag(0, "Assigned Address Configuration"), Flag(1, "Buffer"), Number(1, "Code ")});
+constexpr auto kHandoverAcknowledgeRows =
+    Rows<Mobility>({kSequence, kReserved8, Number(1, "Code ", kHandoverCodeNames)});
 
-template <size_t kCount>
-void AddFlags(const Place& in, const Field& flags, const FlagName (&names)[kCount]) {
-  for (const FlagName& flag : names) {
-    const BitPicture picture = BitsOf(flags, flag.bit, 1);
-    AddBitLine(in, flags, "%s: %s = %s", picture.picture, flag.name, TrueOrFalse(picture.value));
-  }
+void ShowAgentAddresses(const Place& in, Cursor& c, Mobility& message) {
+  static constexpr auto kAddress = Rows<NoValues>({IPv6("Home Agent Address ")});
+  for (uint32_t i = 0; i < message.count.value && Left(c) >= 16; ++i) ShowRows(in, c, kAddress);
 }
 
-void AddReserved(const Place& in, Cursor& c) {
-  const Field reserved = TakeU16(c);
-  AddLine(in, reserved, "Reserved : %u", reserved.value);
+constexpr auto kMessages = Choices<Mobility>({
+    {0, "Binding Refresh Request", kRefreshRows}, {1, "Home Test Init", kHomeTestInitRows},
+    {2, "Care-of Test Init", kCareOfTestInitRows}, {3, "Home Test", kHomeTestRows},
+    {4, "Care-of Test", kCareOfTestRows}, {5, "Binding Update", kUpdateRows},
+    {6, "Binding Acknowledgement", kAcknowledgementRows}, {7, "Binding Error", kErrorRows},
+    {8, "Fast Binding Update", kUpdateRows}, {9, "Fast Binding Acknowledgement", kFastAcknowledgementRows},
+    {10, "Fast Neighbor Advertisement", kRefreshRows}, {11, "Experimental Mobility Header"},
+    {12, "Home Agent Switch", kAgentSwitchRows, ShowAgentAddresses}, {13, "Heartbeat", kHeartbeatRows},
+    {14, "Handover Initiate", kHandoverRows}, {15, "Handover Acknowledge", kHandoverAcknowledgeRows},
+    {16, "Binding Revocation"}, {17, "Localized Routing Initiation"}, {18, "Localized Routing Acknowledgment"},
+    {19, "Update Notification"}, {20, "Update Notification Acknowledgement"}, {21, "Flow Binding"},
+    {22, "Subscription Query"}, {23, "Subscription Response"}});
+const char* MessageName(uint32_t type) {
+  const Choice<Mobility>* known = FindChoice<Mobility>(kMessages, type);
+  return known ? known->name : kUnknown;
 }
-
-void AddCookie(const Place& in, Cursor& c, const char* which) {
-  const WideField cookie = TakeU64(c);
-  AddLine(in, cookie, "%s Init Cookie : %I64u", which, cookie.wide);
-}
-
-void AddSequence(const Place& in, Cursor& c) {
-  const Field sequence = TakeU16(c);
-  AddLine(in, sequence, "Sequence : %u", sequence.value);
-}
-
-void AddLifetime(const Place& in, Cursor& c) {
-  const Field lifetime = TakeU16(c);
-  AddLine(in, lifetime, "Lifetime : %u (in 4-second time units = %u seconds)", lifetime.value, lifetime.value * 4);
-}
-
-void DecodeRefreshRequest(const Place& in, Cursor& c) { AddReserved(in, c); }
-
-void DecodeHomeTestInit(const Place& in, Cursor& c) {
-  TakeU16(c);   // reserved
-  AddCookie(in, c, "Home");
-}
-
-void DecodeCareOfTestInit(const Place& in, Cursor& c) {
-  TakeU16(c);   // reserved
-  AddCookie(in, c, "Care-of");
-}
-
-void DecodeTest(const Place& in, Cursor& c, const char* which) {
-  const Field nonce = TakeU16(c);
-  AddLine(in, nonce, "%s Nonce Index : %u", which, nonce.value);
-  AddCookie(in, c, which);
-  const WideField token = TakeU64(c);
-  AddLine(in, token, "%s Keygen Token : %I64u", which, token.wide);
-}
-
-void DecodeHomeTest(const Place& in, Cursor& c) { DecodeTest(in, c, "Home"); }
-void DecodeCareOfTest(const Place& in, Cursor& c) { DecodeTest(in, c, "Care-of"); }
-
-void DecodeBindingUpdate(const Place& in, Cursor& c) {
-  constexpr FlagName kFlags[] = {{0, "Acknowledge"}, {1, "Home Registration"}, {2, "Link-Local Address Compatibility"},
-                                 {3, "Key Management Mobility Capability"}, {4, "MAP Registration"},
-                                 {5, "Mobile Router"}, {6, "Proxy Registration"}, {7, "UDP Encapsulation"}};
-  AddSequence(in, c);
-  const Field flags = TakeU16(c);
-  AddFlags(Under(in, AddLine(in, flags, "Flags : 0x%.04X", flags.value)), flags, kFlags);
-  AddLifetime(in, c);
-}
-
-void DecodeBindingAcknowledgement(const Place& in, Cursor& c) {
-  constexpr FlagName kFlags[] = {{0, "Key Management Mobility Capability"}, {1, "Mobile Router"},
-                                 {2, "Proxy Registration"}, {3, "TLV-header format"}};
-  const Field status = TakeU8(c);
-  AddLine(in, status, "Status : %u = %s", status.value, LookupName(kBindingStatusNames, status.value));
-  const Field flags = TakeU8(c);
-  AddFlags(Under(in, AddLine(in, flags, "Flags : 0x%.02X", flags.value)), flags, kFlags);
-  AddSequence(in, c);
-  AddLifetime(in, c);
-}
-
-void DecodeBindingError(const Place& in, Cursor& c) {
-  const Field status = TakeU8(c);
-  AddLine(in, status, "Status : %u = %s", status.value, LookupName(kBindingErrorNames, status.value));
-  const Field reserved = TakeU8(c);
-  AddLine(in, reserved, "Reserved : %u", reserved.value);
-  const Field address = TakeBytes(c, 16);
-  if (address.here) AddLine(in, address, "Home Address : %s", IPv6Text(address.bytes));
-}
-
-void DecodeFastBindingAcknowledgement(const Place& in, Cursor& c) {
-  constexpr FlagName kFlags[] = {{0, "Key Management Mobility Capability"}};
-  const Field status = TakeU8(c);
-  AddLine(in, status, "Status : %u = %s", status.value, LookupName(kFastBindingStatusNames, status.value));
-  const Field flags = TakeU8(c);
-  AddFlags(Under(in, AddLine(in, flags, "Flags : 0x%.02X", flags.value)), flags, kFlags);
-  AddSequence(in, c);
-  AddLifetime(in, c);
-}
-
-void DecodeHomeAgentSwitch(const Place& in, Cursor& c) {
-  const Field count = TakeU8(c);
-  AddLine(in, count, "Number of Addresses : %u", count.value);
-  const Field reserved = TakeU8(c);
-  AddLine(in, reserved, "Reserved : %u", reserved.value);
-  for (uint32_t i = 0; i < count.value && Left(c) >= 16; ++i) {
-    const Field address = TakeBytes(c, 16);
-    AddLine(in, address, "Home Agent Address : %s", IPv6Text(address.bytes));
-  }
-}
-
-void DecodeHeartbeat(const Place& in, Cursor& c) {
-  constexpr FlagName kFlags[] = {{14, "Unsolicited"}, {15, "Response"}};
-  const Field flags = TakeU16(c);
-  AddFlags(Under(in, AddLine(in, flags, "Flags : 0x%.04X", flags.value)), flags, kFlags);
-  const Field sequence = TakeU32(c);
-  AddLine(in, sequence, "Sequence : %u", sequence.value);
-}
-
-void DecodeHandoverInitiate(const Place& in, Cursor& c) {
-  constexpr FlagName kFlags[] = {{0, "Assigned Address Configuration"}, {1, "Buffer"}};
-  AddSequence(in, c);
-  const Field flags = TakeU8(c);
-  AddFlags(Under(in, AddLine(in, flags, "Flags : 0x%.02X", flags.value)), flags, kFlags);
-  const Field code = TakeU8(c);
-  AddLine(in, code, "Code : %u", code.value);
-}
-
-void DecodeHandoverAcknowledge(const Place& in, Cursor& c) {
-  AddSequence(in, c);
-  const Field reserved = TakeU8(c);
-  AddLine(in, reserved, "Reserved : %u", reserved.value);
-  const Field code = TakeU8(c);
-  AddLine(in, code, "Code : %u = %s", code.value, LookupName(kHandoverCodeNames, code.value));
-}
-
-struct MessageRow {
-  uint32_t type;
-  void (*decode)(const Place& in, Cursor& c);
-};
-constexpr MessageRow kMessages[] = {
-    {0, DecodeRefreshRequest},      {1, DecodeHomeTestInit},     {2, DecodeCareOfTestInit},
-    {3, DecodeHomeTest},            {4, DecodeCareOfTest},       {5, DecodeBindingUpdate},
-    {6, DecodeBindingAcknowledgement}, {7, DecodeBindingError},  {8, DecodeBindingUpdate},
-    {9, DecodeFastBindingAcknowledgement}, {10, DecodeRefreshRequest}, {12, DecodeHomeAgentSwitch},
-    {13, DecodeHeartbeat},          {14, DecodeHandoverInitiate}, {15, DecodeHandoverAcknowledge}};
 
 void DecodePadding(const Place& in, Cursor& c) {
   const Field length = Slice(TakeU16(c), 1, 1);
@@ -189,43 +100,20 @@ void DecodePadding(const Place& in, Cursor& c) {
   AddBlock(in, Rest(c), "Padding");
 }
 
-void DecodeRefreshAdvice(const Place& in, Cursor& c) {
-  const Field interval = TakeU16(c);
-  AddLine(in, interval, "Refresh Interval : %u (in 4-second time units = %u seconds)", interval.value,
-          interval.value * 4);
-}
+constexpr auto kAdviceRows = Rows<Mobility>({Shown(2, "Refresh Interval ", ShowUnits)});
+constexpr auto kAlternateRows = Rows<Mobility>({IPv6("Alternate Care-of Address ")});
+constexpr auto kNonceRows = Rows<Mobility>({Number(2, "Home Nonce Index "), Number(2, "Care-of Nonce Index ")});
+void ShowAuthenticator(const Place& in, Cursor& c, Mobility&) { AddBlock(in, Rest(c), "Authenticator"); }
 
-void DecodeAlternateAddress(const Place& in, Cursor& c) {
-  const Field address = TakeBytes(c, 16);
-  if (address.here) AddLine(in, address, "Alternate Care-of Address : %s", IPv6Text(address.bytes));
-}
-
-void DecodeNonceIndices(const Place& in, Cursor& c) {
-  const Field home = TakeU16(c);
-  AddLine(in, home, "Home Nonce Index : %u", home.value);
-  const Field careOf = TakeU16(c);
-  AddLine(in, careOf, "Care-of Nonce Index : %u", careOf.value);
-}
-
-void DecodeAuthorization(const Place& in, Cursor& c) { AddBlock(in, Rest(c), "Authenticator"); }
-
+constexpr auto kOptions = Choices<Mobility>({
+    {2, "Binding Refresh Advice", kAdviceRows}, {3, "Alternate Care-of Address", kAlternateRows},
+    {4, "Nonce Indices", kNonceRows}, {5, "Binding Authorization Data", {}, ShowAuthenticator}});
 constexpr uint32_t kPad1 = 0, kPadN = 1;
 
-struct OptionRow {
-  uint32_t type;
-  const char* title;
-  void (*decode)(const Place& in, Cursor& c);   // of the data
-};
-constexpr OptionRow kOptions[] = {{2, "Binding Refresh Advice", DecodeRefreshAdvice},
-                                  {3, "Alternate Care-of Address", DecodeAlternateAddress},
-                                  {4, "Nonce Indices", DecodeNonceIndices},
-                                  {5, "Binding Authorization Data", DecodeAuthorization}};
+constexpr auto kOtherRows = Rows<NoValues>({Number(1, "Type "), Number(1, "Length ")});
 
 void DecodeOtherOption(const Place& in, Cursor& c) {
-  const Field type = TakeU8(c);
-  AddLine(in, type, "Type : %u", type.value);
-  const Field length = TakeU8(c);
-  AddLine(in, length, "Length : %u", length.value);
+  ShowRows(in, c, kOtherRows);
   AddBlock(in, Rest(c), "Data");
 }
 
@@ -234,13 +122,10 @@ void DecodeLongOption(const Place& in, Cursor c) {
   const Field whole = Ahead(c, Left(c));
   const uint32_t type = PeekU8(c);
   if (type == kPadN) return DecodePadding(Under(in, AddLine(in, whole, "PadN")), c);
-  for (const OptionRow& row : kOptions) {
-    if (row.type != type) continue;
-    const Place option = Under(in, AddLine(in, whole, "%s", row.title));
+  if (const Choice<Mobility>* known = FindChoice<Mobility>(kOptions, type)) {
+    Mobility option{};
     TakeU16(c);   // type and length
-    row.decode(option, c);
-    AddBlock(option, Rest(c), "Data");
-    return;
+    return ShowChoice(Under(in, AddLine(in, whole, "%s", known->name)), c, known, option);
   }
   DecodeOtherOption(Under(in, AddLine(in, whole, "Mobility Option Data")), c);
 }
@@ -261,16 +146,24 @@ void DecodeOptions(const Place& in, Cursor& c) {
 }
 
 void DecodeMessage(const Place& in, Cursor& c, uint32_t type) {
-  const LineHandle line =
-      AddLine(in, Ahead(c, Left(c)), "%s Message", LookupName(kMessageNames, type, "Mobility"));
-  const Place message = Under(in, line);
-  for (const MessageRow& row : kMessages) {
-    if (row.type != type) continue;
-    row.decode(message, c);
-    return DecodeOptions(message, c);
+  const Choice<Mobility>* known = FindChoice<Mobility>(kMessages, type);
+  const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "%s Message", known ? known->name : "Mobility"));
+  if (known && known->rows.count) {
+    Mobility message{};
+    ShowRows(under, c, known->rows, message);
+    if (known->show) known->show(under, c, message);
+    return DecodeOptions(under, c);
   }
-  AddBlock(message, Rest(c), "Message Data");
+  AddBlock(under, Rest(c), "Message Data");
 }
+
+struct Header {
+  Field type, checksum;
+};
+constexpr auto kHeader = Rows<Header>({
+    Number(1, "Length of the header excluding first 8 octets"),
+    Number(1, "Mobility Header Type", MessageName).Into(&Header::type), Number(1, "Reserved"),
+    Hex(2, "Checksum").Into(&Header::checksum)});
 
 }  // namespace
 
@@ -282,15 +175,8 @@ bool DecodeMobilityHeader(const Place& at, Cursor& c, HeaderChain& chain) {
   const Place in = Under(at, top);
   Cursor header = TakeCursor(c, size);
   TakeNextHeader(in, header, chain);
-  const Field length = TakeU8(header);
-  AddLine(in, length, "Length of the header excluding first 8 octets: %u", length.value);
-  const Field type = TakeU8(header);
-  AddLine(in, type, "Mobility Header Type: %u = %s", type.value, LookupName(kMessageNames, type.value));
-  const Field reserved = TakeU8(header);
-  AddLine(in, reserved, "Reserved: %u", reserved.value);
-  const Field checksum = TakeU16(header);
-  AddLine(in, checksum, "Checksum: 0x%.04X", checksum.value);
-  if (checksum.here) DecodeMessage(in, header, type.value);
+  const Header fields = ShowRows(in, header, kHeader);
+  if (fields.checksum.here) DecodeMessage(in, header, fields.type.value);
   return Left(c) > 0;
 }
 
