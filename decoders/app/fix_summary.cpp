@@ -32,8 +32,7 @@ constexpr const char* kStatusNames[] = {
 
 // The next "tag=value" of the cursor; tag 0 when it is none.
 int32_t TakeField(Cursor& c, TextSlice* value) {
-  int32_t length = 0;
-  while (length < Left(c) && PeekU8(c, length) != kSeparator) ++length;
+  const int32_t end = FindU8(c, kSeparator), length = end < 0 ? Left(c) : end;
   const Field field = TakeBytes(c, length);
   if (Left(c) > 0) TakeU8(c);
   int32_t tag = 0, at = 0;
@@ -41,7 +40,7 @@ int32_t TakeField(Cursor& c, TextSlice* value) {
     tag = 10 * tag + (PeekU8(field, at++) - '0');
   }
   if (at == length || at == 0 || PeekU8(field, at) != '=') return 0;
-  *value = TextOf(field.bytes + at + 1, length - at - 1);
+  *value = Text(Slice(field, at + 1, length - at - 1));
   return tag;
 }
 
@@ -53,17 +52,11 @@ TextSlice Spoken(const TextSlice& value, const char* const (&names)[kRows], char
   return {names[index], static_cast<int32_t>(std::strlen(names[index]))};
 }
 
-// Where the first message starts; a segment may start inside an earlier one. -1 when none does.
-int32_t FindMessage(const uint8_t* data, int32_t length) {
-  constexpr char kStart[] = "8=FIX";
-  constexpr int32_t kStartLength = 5;
-  for (int32_t at = 0; at + kStartLength <= length; ++at) {
-    const void* found = std::memchr(data + at, '8', static_cast<size_t>(length - kStartLength + 1 - at));
-    if (!found) break;
-    at = static_cast<int32_t>(static_cast<const uint8_t*>(found) - data);
-    if (std::memcmp(data + at, kStart, kStartLength) == 0) return at;
-  }
-  return -1;
+// From where the first message starts on; a segment may start inside an earlier one. Empty when none does.
+Cursor FindMessage(const Cursor& c) {
+  int32_t at = FindU8(c, '8');
+  while (at >= 0 && !PeekIs(c, at, "8=FIX")) at = FindU8(c, '8', at + 1);
+  return CursorOver(PeekBytes(c, at, Left(c) - at));
 }
 
 }  // namespace
@@ -73,10 +66,9 @@ int32_t DescribeFix(const uint8_t* data, int32_t length, char* out, uint16_t out
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   TextSlice type{nullptr, 0};
   TextSlice values[kShownCount] = {};
-  const int32_t start = FindMessage(data, length);
-  const bool starts = start >= 0;
-  Cursor c = starts ? MakeCursor(data + start, start, length - start) : MakeCursor(data, 0, 0);
-  for (int32_t i = 0; starts && i < kMostFields && Left(c) > 0; ++i) {
+  Cursor c = FindMessage(MakeCursor(data, 0, length));
+  const bool starts = Left(c) > 0;
+  for (int32_t i = 0; i < kMostFields && Left(c) > 0; ++i) {
     TextSlice value;
     const int32_t tag = TakeField(c, &value);
     constexpr int32_t kCheckSum = 10;

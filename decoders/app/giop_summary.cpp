@@ -88,9 +88,10 @@ int32_t DescribeGiop(const uint8_t* data, int32_t length, TextBuffer* summary) {
   constexpr uint32_t kLittleFlag = 1, kFragmentFlag = 2;
   SummaryText text;
   if (!BeginSummary(text, data, length, summary)) return 0;
-  if (length < kHeader || std::memcmp(data, "GIOP", 4) != 0) return Add(text, "GIOP Continuation Data"), 1;
-  const uint32_t major = data[4], minor = data[5], flags = data[6], type = data[7];
-  CdrReader reader{MakeCursor(data, 0, length), (flags & kLittleFlag) != 0};
+  const Cursor c = MakeCursor(data, 0, length);
+  if (length < kHeader || !PeekIs(c, 0, "GIOP")) return Add(text, "GIOP Continuation Data"), 1;
+  const uint32_t major = PeekU8(c, 4), minor = PeekU8(c, 5), flags = PeekU8(c, 6), type = PeekU8(c, 7);
+  CdrReader reader{c, (flags & kLittleFlag) != 0};
   TakeBytes(reader.c, 8);
   const uint32_t size = TakeNumber(reader).value;
   Add(text, "GIOP %u.%u %s", major, minor, LookupName(kTypeNames, type));

@@ -123,7 +123,8 @@ int32_t DescribeH323Gatekeeper(const uint8_t* data, int32_t length, char* out, i
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "H.225.0/H.323 Gatekeeper");
-  Bits bits{MakeCursor(data, 0, length), 0};
+  const Cursor c = MakeCursor(data, 0, length);
+  Bits bits{c, 0};
   const uint32_t message = TakeChoice(bits, kChoiceBits, kRoots);
   const char* name = NameAt(kRasMessageNames, message);
   if (!name) return Add(text, " Data"), 1;
@@ -133,7 +134,7 @@ int32_t DescribeH323Gatekeeper(const uint8_t* data, int32_t length, char* out, i
   const uint32_t optional = TakeBits(bits, kRasOptionalFields[message]);
   if (message == kInfoRequestResponse && optional & 4) return 1;   // its nonStandardData stand before the number
   const int32_t at = (bits.used + 7) / 8;
-  if (at + 2 <= length) Add(text, ", Request Number: %u", ReadU16(data + at) + 1);
+  if (at + 2 <= length) Add(text, ", Request Number: %u", PeekU16(c, at) + 1);
   return 1;
 }
 

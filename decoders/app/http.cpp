@@ -75,7 +75,7 @@ bool DecodeMessage(const Place& at, HttpState& state, Cursor& c) {
 }
 
 void ShowTls(const Place& at, Cursor c) {
-  const bool record = StartsTlsRecord(c.at, Left(c));
+  const bool record = StartsTlsRecord(c);
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "HTTP - TLS/SSL"));
   AddBlock(in, Rest(c), record ? "SSL/TLS Data" : "HTTPS Continuation Data");
 }

@@ -101,9 +101,9 @@ int32_t DescribeIax2(const uint8_t* data, int32_t length, char* out, int32_t out
   Add(text, "IAX2 ");
   Cursor c = MakeCursor(data, 0, length);
   if (length < 4) return Add(text, "Data"), 1;
-  const uint32_t first = ReadU16(data);
+  const uint32_t first = PeekU16(c);
   if (first & kTopBit) return DescribeFullFrame(text, c), 1;
-  const uint32_t second = ReadU16(data + 2);
+  const uint32_t second = PeekU16(c, 2);
   if (first != 0) {
     Add(text, "Mini Voice, Source Call: %u, Time: %u, %d bytes", first, second, length - 4);
   } else if (second & kTopBit) {

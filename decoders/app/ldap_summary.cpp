@@ -85,9 +85,10 @@ int32_t DescribeLdap(const uint8_t* data, int32_t length, char* out, int32_t out
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "LDAP");
-  if (DescribeMessage(text, MakeCursor(data, 0, length))) return 1;
+  const Cursor c = MakeCursor(data, 0, length);
+  if (DescribeMessage(text, c)) return 1;
   // A message of a connection with a SASL layer that leaves it readable stands behind a length and a signature.
-  if (length > kSaslHeader && ReadU32(data) == static_cast<uint32_t>(length - kSaslHeader)) {
+  if (length > kSaslHeader && PeekU32(c) == static_cast<uint32_t>(length - kSaslHeader)) {
     return Add(text, " SASL Data"), 1;
   }
   return Add(text, " Continuation"), 1;

@@ -35,22 +35,23 @@ int32_t DescribeLpd(const uint8_t* data, int32_t length, char* out, int32_t outS
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "LPD ");
+  const Cursor c = MakeCursor(data, 0, length);
+  const uint32_t command = PeekU8(c);
   if (length == 1) {
-    if (data[0] == 0) return Add(text, "Acknowledgement"), 1;
-    Add(text, "Negative Acknowledgement (%u)", data[0]);
+    if (command == 0) return Add(text, "Acknowledgement"), 1;
+    Add(text, "Negative Acknowledgement (%u)", command);
     return 1;
   }
-  const void* lineFeed = std::memchr(data + 1, '\n', static_cast<size_t>(length - 1));
-  const int32_t end = lineFeed ? static_cast<int32_t>(static_cast<const uint8_t*>(lineFeed) - data) : length;
-  const TextSlice operand = TextOf(data + 1, end - 1);
-  const bool inJob = NamesJobFile(operand) || (operand.length == 0 && data[0] == 1);
-  const char* name = inJob ? LookupName(kSubcommandNames, data[0], nullptr)
-                           : LookupName(kCommandNames, data[0], nullptr);
-  if (!name || !lineFeed) return Add(text, "Data"), 1;
+  const int32_t lineFeed = FindU8(c, '\n', 1);
+  const TextSlice operand = Text(PeekBytes(c, 1, (lineFeed > 0 ? lineFeed : length) - 1));
+  const bool inJob = NamesJobFile(operand) || (operand.length == 0 && command == 1);
+  const char* name = inJob ? LookupName(kSubcommandNames, command, nullptr)
+                           : LookupName(kCommandNames, command, nullptr);
+  if (!name || lineFeed < 0) return Add(text, "Data"), 1;
   Add(text, name);
   if (operand.length == 0) return 1;
   Add(text, ": ");
-  AddPrintable(text, data + 1, operand.length, kMostOperand);
+  AddPrintable(text, PeekBytes(c, 1, operand.length).bytes, operand.length, kMostOperand);
   return 1;
 }
 

@@ -48,7 +48,7 @@ int32_t DescribeBitTorrent(const uint8_t* data, int32_t length, char* out, int32
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Cursor c = MakeCursor(data, 0, length);
-  if (length >= kBitTorrentNameLength && std::memcmp(data, kBitTorrentName, kBitTorrentNameLength) == 0) {
+  if (PeekIs(c, 0, kBitTorrentName)) {
     Add(text, "BitTorrent Handshake");
     TakeBytes(c, kBitTorrentNameLength + kReserved);
     const Field hash = TakeBytes(c, kHash);
@@ -71,18 +71,18 @@ int32_t DescribeBitTorrent(const uint8_t* data, int32_t length, char* out, int32
 }
 
 int32_t DescribeCgp(const uint8_t* data, int32_t length, char* out, int32_t outSize) {
-  constexpr char kHello[] = "CGP/";
-  constexpr int32_t kHelloLength = 4, kVersion = 2;
+  constexpr int32_t kVersionAt = 5, kVersion = 2;
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "Citrix CGP");
-  if (length < 1 + kHelloLength || std::memcmp(data + 1, kHello, kHelloLength) != 0) {
+  const Cursor c = MakeCursor(data, 0, length);
+  if (!PeekIs(c, 1, "CGP/")) {
     Add(text, " Data, %d bytes", length);
     return 1;
   }
   Add(text, " Hello, Version: ");
-  AddPrintable(text, data + 1 + kHelloLength, length - 1 - kHelloLength, kVersion);
-  const int32_t whole = data[0] + 1;
+  AddPrintable(text, PeekBytes(c, kVersionAt, length - kVersionAt).bytes, length - kVersionAt, kVersion);
+  const int32_t whole = static_cast<int32_t>(PeekU8(c)) + 1;
   if (whole > length) Add(text, " [Partial: %d bytes of %d pending]", length, whole);
   return 1;
 }

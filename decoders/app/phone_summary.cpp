@@ -87,7 +87,7 @@ int32_t DescribeMinet(const uint8_t* data, int32_t length, char* out, int32_t ou
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "Minet ");
   if (length < 2) return Add(text, "Data"), 1;
-  Add(text, "Message 0x%.04X", ReadU16(data));
+  Add(text, "Message 0x%.04X", PeekU16(MakeCursor(data, 0, length)));
   if (flag) Add(text, ", %d bytes", length);
   return 1;
 }

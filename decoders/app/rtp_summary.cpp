@@ -37,13 +37,13 @@ bool TakeRtcpPacket(Cursor& c, RtcpHeader* header, Cursor* packet) {
   return true;
 }
 
-void AppendReport(const RtcpHeader& header, const uint8_t* packet, char* out, int32_t outSize) {
+void AppendReport(const RtcpHeader& header, Cursor packet, char* out, int32_t outSize) {
   const bool sender = header.type == kRtcpSenderReport;
-  if (sender) AppendFormat(out, outSize, ", NTP Time: %u.%u", ReadU32(packet + 8), ReadU32(packet + 12));
+  if (sender) AppendFormat(out, outSize, ", NTP Time: %u.%u", PeekU32(packet, 8), PeekU32(packet, 12));
   if (header.count == 0) return;
-  const uint8_t* block = packet + (sender ? 28 : 8);
-  const uint32_t delay = ReadU32(block + 20);   // in 1/65536 of a second
-  AppendFormat(out, outSize, ", Jitter: %u", ReadU32(block + 12));
+  TakeBytes(packet, sender ? 28 : 8);
+  const uint32_t delay = PeekU32(packet, 20);   // in 1/65536 of a second
+  AppendFormat(out, outSize, ", Jitter: %u", PeekU32(packet, 12));
   AppendFormat(out, outSize, ", Delay: %u.%u sec", delay >> 16,
                static_cast<uint32_t>(uint64_t{delay & 0xFFFF} * 1000000 >> 16));
 }
@@ -54,8 +54,9 @@ int32_t DescribeRtp(const uint8_t* data, int32_t length, const RtpStream* stream
                     int32_t outSize) {
   if (!out || outSize < 1) return 0;
   out[0] = 0;
-  if (!data || length < 12 || data[0] >> 6 != 2) return 0;
-  const int32_t payloadType = data[1] & 0x7F;
+  const Cursor c = MakeCursor(data, 0, data ? length : 0);
+  if (Left(c) < 12 || PeekU8(c) >> 6 != 2) return 0;
+  const int32_t payloadType = PeekU8(c, 1) & 0x7F;
   const RtpCodec* codec = FindRtpCodec(payloadType);
   if (!codec) return 0;
   if (codec == &RtpCodecAt(kDynamicCodec)) {
@@ -63,8 +64,8 @@ int32_t DescribeRtp(const uint8_t* data, int32_t length, const RtpStream* stream
   }
   FormatInto(out, outSize, "RTP Payload: %s%s", codec->name, KindText(codec->kind));
   if (codec->clockRate != 0) AppendFormat(out, outSize, " at %u Hz", codec->clockRate);
-  AppendFormat(out, outSize, ", Sequence: %u, Time: %u", ReadU16(data + 2), ReadU32(data + 4));
-  if (showSsrc) AppendFormat(out, outSize, ", SSRC: %u", ReadU32(data + 8));
+  AppendFormat(out, outSize, ", Sequence: %u, Time: %u", PeekU16(c, 2), PeekU32(c, 4));
+  if (showSsrc) AppendFormat(out, outSize, ", SSRC: %u", PeekU32(c, 8));
   return 1;
 }
 
@@ -84,7 +85,7 @@ int32_t DescribeRtcp(const uint8_t* data, int32_t length, char* out, int32_t out
   if (IsSummarised(header)) {
     AppendString(out, outSize, RtcpTypeName(header.type));
     const bool report = header.type == kRtcpSenderReport || header.type == kRtcpReceiverReport;
-    if (report) AppendReport(header, packet.at, out, outSize);
+    if (report) AppendReport(header, packet, out, outSize);
   }
   if (TakeRtcpPacket(c, &header, &packet) && IsSummarised(header)) {
     AppendFormat(out, outSize, ", %s", RtcpTypeName(header.type));

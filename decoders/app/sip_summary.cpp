@@ -77,8 +77,9 @@ int32_t DescribeRtsp(const uint8_t* data, int32_t length, char* out, int32_t out
   constexpr uint8_t kInterleaved = '$';   // RTP or RTCP carried in the connection: '$', channel, length (2)
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
-  if (data[0] == kInterleaved && length >= 4) {
-    Add(text, "RTSP Interleaved Data, Channel: %u, Length: %u", data[1], ReadU16(data + 2));
+  const Cursor c = MakeCursor(data, 0, length);
+  if (PeekU8(c) == kInterleaved && length >= 4) {
+    Add(text, "RTSP Interleaved Data, Channel: %u, Length: %u", PeekU8(c, 1), PeekU16(c, 2));
     return 1;
   }
   const TextSlice line = FirstLine(data, length);

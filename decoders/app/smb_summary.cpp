@@ -68,10 +68,10 @@ void DescribeSecondVersion(SummaryText& text, Cursor c) {
 }
 
 // The name of a message of the session service other than data; null for data.
-const char* SessionControlName(const uint8_t* data) {
-  constexpr uint8_t kFirst = 0x81, kLast = 0x85;
-  constexpr uint32_t kTooLong = 0x20000;
-  return data[0] >= kFirst && data[0] <= kLast && ReadU24(data + 1) < kTooLong ? NetBiosSessionTypeName(data[0]) : nullptr;
+const char* SessionControlName(const Cursor& c) {
+  constexpr uint32_t kFirst = 0x81, kLast = 0x85, kTooLong = 0x20000;
+  const uint32_t type = PeekU8(c);
+  return type >= kFirst && type <= kLast && PeekU24(c, 1) < kTooLong ? NetBiosSessionTypeName(type) : nullptr;
 }
 
 }  // namespace
@@ -83,11 +83,11 @@ int32_t DescribeSmb(const uint8_t* data, int32_t length, char* out, int32_t outS
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Cursor c = MakeCursor(data, 0, length);
   if (directTcp && length >= kSessionHeader) {
-    if (const char* session = SessionControlName(data)) {
+    if (const char* session = SessionControlName(c)) {
       Add(text, "SMB/CIFS %s", session);
       return 1;
     }
-    if (data[0] == 0) TakeBytes(c, kSessionHeader);
+    if (PeekU8(c) == 0) TakeBytes(c, kSessionHeader);
   }
   const Field marker = TakeU32(c);
   if (marker.value == kMarker1) {

@@ -56,10 +56,12 @@ void DescribeData(SummaryText& text, const uint8_t* data, int32_t length, int32_
   Add(text, kLabel);
   if (!clean) return AddPrintable(text, data, most, most);
   bool any = false;
+  const Cursor c = MakeCursor(data, 0, length);
   for (int32_t i = 0; i < most && !(any && text.used == text.size - 1); ++i) {
-    if (!IsPrintable(data[i])) continue;
+    const uint8_t character = static_cast<uint8_t>(PeekU8(c, i));
+    if (!IsPrintable(character)) continue;
     any = true;
-    if (text.used < text.size - 1) text.out[text.used++] = static_cast<char>(data[i]);
+    if (text.used < text.size - 1) text.out[text.used++] = static_cast<char>(character);
   }
   if (!any) text.used = 0;
   text.out[text.used] = 0;
@@ -71,8 +73,9 @@ int32_t DescribeTelnet(const uint8_t* data, int32_t length, char* out, int32_t o
                        int32_t dataLimit, int32_t printableOnly, bool cleanText) {
   SummaryText text;
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
-  if (data[0] == kIac) {
-    DescribeCommands(text, MakeCursor(data, 0, length), commandLimit);
+  const Cursor c = MakeCursor(data, 0, length);
+  if (PeekU8(c) == kIac) {
+    DescribeCommands(text, c, commandLimit);
   } else if (dataLimit != 0) {
     DescribeData(text, data, length, dataLimit, printableOnly && cleanText);
   }

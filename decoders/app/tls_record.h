@@ -9,12 +9,15 @@
 
 namespace qxview {
 
-inline bool StartsTlsRecord(const uint8_t* data, int32_t length) {
+inline bool StartsTlsRecord(const Cursor& c) {
   constexpr uint32_t kChangeCipherSpec = 20, kHeartbeat = 24;
   constexpr uint32_t kMostRecordLength = 16384 + 2048;
-  if (!data || length < 5) return false;
-  return data[0] >= kChangeCipherSpec && data[0] <= kHeartbeat && data[1] == 3 && data[2] <= 4 &&
-         ReadU16(data + 3) <= kMostRecordLength;
+  const uint32_t type = PeekU8(c);
+  return Left(c) >= 5 && type >= kChangeCipherSpec && type <= kHeartbeat && PeekU8(c, 1) == 3 && PeekU8(c, 2) <= 4 &&
+         PeekU16(c, 3) <= kMostRecordLength;
+}
+inline bool StartsTlsRecord(const uint8_t* data, int32_t length) {
+  return StartsTlsRecord(MakeCursor(data, 0, data ? length : 0));
 }
 
 }  // namespace qxview

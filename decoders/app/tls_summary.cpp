@@ -202,15 +202,15 @@ void DescribeRecord(SummaryText& text, const Cursor& fragment, uint32_t type, ui
 }
 
 // The hello of SSL 2.0, which old clients sent for later versions too: a two-byte length with its top bit set, type 1.
-bool IsOldClientHello(const uint8_t* data, int32_t length) {
-  return length >= 5 && (data[0] & 0x80) && data[2] == 1 && (data[3] == 3 || (data[3] == 0 && data[4] == 2));
+bool IsOldClientHello(const Cursor& c) {
+  return Left(c) >= 5 && (PeekU8(c) & 0x80) && PeekU8(c, 2) == 1 && (PeekU8(c, 3) == 3 || PeekU16(c, 3) == 2);
 }
 
 // The records of the cursor and the version of the first.
 void DescribeRecords(SummaryText& text, Cursor c, int32_t port, TlsStream& stream) {
   uint32_t last = 0;
   RecordWalk walk{stream.encrypted, 0};
-  for (int32_t i = 0; i < kMostRecords && StartsTlsRecord(c.at, Left(c)); ++i) {
+  for (int32_t i = 0; i < kMostRecords && StartsTlsRecord(c); ++i) {
     const uint32_t type = TakeU8(c).value;
     const uint32_t version = TakeU16(c).value;
     const uint32_t length = TakeU16(c).value;
@@ -244,13 +244,13 @@ int32_t DescribeTls(const uint8_t* data, int32_t length, char* out, int32_t outS
   if (!BeginSummary(text, data, length, out, outSize)) return 0;
   Add(text, "SSL/TLS");
   Cursor c = MakeCursor(data, 0, length);
-  if (IsOldClientHello(data, length)) {
-    const uint32_t version = ReadU16(data + 3);
+  if (IsOldClientHello(c)) {
+    const uint32_t version = PeekU16(c, 3);
     Add(text, ", SSL 2.0, Handshake: Client Hello, Version: %s", LookupName(kVersionNames, version));
     return 1;
   }
   // A payload that starts with a record starts afresh, whatever the caller thought was pending.
-  if (!StartsTlsRecord(data, length)) {
+  if (!StartsTlsRecord(c)) {
     if (lacking == 0) return Add(text, " Continuation Data"), 1;
     const int32_t part = length < lacking ? length : lacking;
     Add(text, " [Continuation: %d bytes of %d pending]", part, lacking);

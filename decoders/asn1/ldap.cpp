@@ -44,7 +44,7 @@ Cursor TakeUntilMessage(Cursor& c) {
 }  // namespace
 
 int32_t DecodeLdap(const Place& at, Cursor c) {
-  if (StartsTlsRecord(c.at, Left(c))) {
+  if (StartsTlsRecord(c)) {
     return CallDecoder(at, c, FindBuiltinDecoder(kTlsBuiltin)->decode, "SSL/TLS Data");
   }
   BerWalk walk{&kLdapTitles, kMostLdapElements};
