@@ -47,7 +47,7 @@ bool ValueStarts(const TextSlice& value, const char* word) {
 int32_t ReadContext(const uint8_t* data, int32_t length) {
   int32_t context = 0;
   while (length > 0) {
-    const int32_t end = FindLineEnd(data, length);
+    const int32_t end = FindLineEnd(MakeCursor(data, 0, length));
     if (end == 0) break;
     const int32_t lineLength = end < 0 ? length : end;
     const int32_t looked = lineLength < kMostTextLineShown ? lineLength : kMostTextLineShown;

@@ -108,11 +108,12 @@ int32_t FindMagic(const ByteChain& chain) {
 
 // The length of a message's headers with their empty line; 0 when the segment does not hold all of them.
 int32_t HeadersLength(const uint8_t* data, int32_t length) {
-  for (int32_t at = 0; at < length;) {
-    const int32_t end = FindLineEnd(data + at, length - at);
+  Cursor c = MakeCursor(data, 0, length);
+  for (Loop loop; More(c, loop);) {
+    const int32_t end = FindLineEnd(c);
     if (end < 0) return 0;
-    at += end + 2;
-    if (end == 0) return at;
+    TakeBytes(c, end + 2);
+    if (end == 0) return Taken(c);
   }
   return 0;
 }
@@ -131,7 +132,7 @@ int32_t FindDataEnd(const ByteChain& chain, int32_t magic) {
   const int32_t length = LengthOf(chain);
   uint8_t line[kMostSizeLine];
   if (magic < 3 || magic > kMostSizeLine || CopyOut(chain, 0, line, magic) != magic) return length;
-  if (FindLineEnd(line, magic) != magic - 2) return length;
+  if (FindLineEnd(MakeCursor(line, 0, magic)) != magic - 2) return length;
   const HttpChunkSize chunk = ReadChunkSize(line, magic - 2);
   return chunk.valid && chunk.size < length - magic ? magic + chunk.size : length;
 }

@@ -5,7 +5,6 @@
 //
 // Numbers are little-endian in the format. MTIME and the length of an extra subfield are shown as they read from left to
 // right, which is how they have always been shown here.
-#include <cstring>
 
 #include "decoders/app/http_message.h"
 
@@ -103,10 +102,9 @@ void ShowExtraField(const HeaderPlace& header, Cursor& c) {
 
 // A text up to its zero. False when it is too long or does not end: the header's lines end there.
 bool ShowText(const HeaderPlace& header, Cursor& c, const char* label) {
-  const int32_t room = Left(c) < kMostText + 1 ? Left(c) : kMostText + 1;
-  const void* zero = room > 0 ? std::memchr(c.at, 0, static_cast<size_t>(room)) : nullptr;
-  if (!zero) return false;
-  const Field text = TakeBytes(c, static_cast<const uint8_t*>(zero) - c.at + 1);
+  const int32_t zero = FindU8(c, 0);
+  if (zero < 0 || zero > kMostText) return false;
+  const Field text = TakeBytes(c, zero + 1);
   AddLine(header.in, CoverOf(header, text), "%s : %s", label, Text(text));
   return true;
 }
@@ -146,8 +144,8 @@ void ShowGzipHeader(const Place& in, Cursor c, bool elsewhere) {
 namespace {
 
 void PassText(Cursor& c) {
-  const void* zero = Left(c) > 0 ? std::memchr(c.at, 0, static_cast<size_t>(Left(c))) : nullptr;
-  TakeBytes(c, zero ? static_cast<const uint8_t*>(zero) - c.at + 1 : -1);
+  const int32_t zero = FindU8(c, 0);
+  TakeBytes(c, zero < 0 ? -1 : zero + 1);
 }
 
 }  // namespace
@@ -156,7 +154,7 @@ int32_t GzipHeaderLength(const uint8_t* bytes, int32_t length) {
   Cursor c = MakeCursor(bytes, 0, length);
   const Field fixed = TakeBytes(c, 10);
   if (!fixed.here) return -1;
-  const uint32_t flags = bytes[3];
+  const uint32_t flags = PeekU8(fixed, 3);
   if (flags & kExtra) TakeBytes(c, TakeLittleU16(c).value);
   if (flags & kName) PassText(c);
   if (flags & kComment) PassText(c);

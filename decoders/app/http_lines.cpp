@@ -1,42 +1,35 @@
 // HTTP's text: its lines, the first line's three tokens, the header lines.
-#include <cstring>
-
 #include "decoders/app/http_message.h"
 
 namespace qxview {
 namespace {
 
-bool StartsWith(const uint8_t* text, int32_t length, const char* prefix) {
-  const size_t wanted = std::strlen(prefix);
-  return static_cast<size_t>(length) >= wanted && std::memcmp(text, prefix, wanted) == 0;
+template <size_t kSize>
+bool Starts(const Field& text, const char (&prefix)[kSize]) {
+  return PeekIs(CursorOver(text), 0, prefix);
 }
 
-bool Equals(const uint8_t* text, int32_t length, const char* word) {
-  return static_cast<size_t>(length) == std::strlen(word) && StartsWith(text, length, word);
+template <size_t kSize>
+bool Equals(const Field& text, const char (&word)[kSize]) {
+  return text.length == static_cast<int32_t>(kSize) - 1 && Starts(text, word);
 }
 
-bool IsVersion(const uint8_t* data, const TextToken& token) {
-  return token.length > 5 && StartsWith(data + token.offset, token.length, "HTTP/");
-}
+bool IsVersion(const Field& token) { return token.length > 5 && Starts(token, "HTTP/"); }
 
-bool IsStatusCode(const uint8_t* data, const TextToken& token) {
-  if (token.length != 3) return false;
+bool IsStatusCode(const Field& token) {
   for (int32_t i = 0; i < 3; ++i) {
-    if (data[token.offset + i] < '0' || data[token.offset + i] > '9') return false;
+    if (PeekU8(token, i) < '0' || PeekU8(token, i) > '9') return false;
   }
-  return true;
+  return token.length == 3;
 }
 
 // A header's value, when its name is one that tells of the body. Any of the three names takes any of the values.
 void NoteHeader(HttpFlags& flags, const Field& name, const Field& value) {
-  if (!Equals(name.bytes, name.length, "Transfer-Encoding") && !Equals(name.bytes, name.length, "Content-Encoding") &&
-      !Equals(name.bytes, name.length, "Content-Type")) {
-    return;
-  }
-  if (Equals(value.bytes, value.length, "gzip")) flags.gzip = true;
-  if (Equals(value.bytes, value.length, "chunked")) flags.chunked = true;
-  if (StartsWith(value.bytes, value.length, "text")) flags.text = true;
-  if (StartsWith(value.bytes, value.length, "image")) flags.image = true;
+  if (!Equals(name, "Transfer-Encoding") && !Equals(name, "Content-Encoding") && !Equals(name, "Content-Type")) return;
+  if (Equals(value, "gzip")) flags.gzip = true;
+  if (Equals(value, "chunked")) flags.chunked = true;
+  if (Starts(value, "text")) flags.text = true;
+  if (Starts(value, "image")) flags.image = true;
 }
 
 LineHandle AddWrapped(const Place& at, const Field& text, const char* label) {
@@ -48,9 +41,8 @@ LineHandle AddWrapped(const Place& at, const Field& text, const char* label) {
 
 // "name: value". False for a line that is none.
 bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line) {
-  const void* colon = std::memchr(line.bytes, ':', static_cast<size_t>(line.length));
-  if (!colon || colon == line.bytes) return false;
-  const int32_t nameLength = static_cast<int32_t>(static_cast<const uint8_t*>(colon) - line.bytes);
+  const int32_t nameLength = FindU8(CursorOver(line), ':');
+  if (nameLength < 1) return false;
   int32_t start = nameLength + 1;
   while (start < line.length && (PeekU8(line, start) == ' ' || PeekU8(line, start) == '\t')) ++start;
   const Field name = Slice(line, 0, nameLength);
@@ -66,18 +58,14 @@ bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line) {
 
 }  // namespace
 
-int32_t FindLineEnd(const uint8_t* data, int32_t length) {
-  for (int32_t at = 0; at + 1 < length; ++at) {
-    const void* found = std::memchr(data + at, '\r', static_cast<size_t>(length - 1 - at));
-    if (!found) return -1;
-    at = static_cast<int32_t>(static_cast<const uint8_t*>(found) - data);
-    if (data[at + 1] == '\n') return at;
-  }
-  return -1;
+int32_t FindLineEnd(const Cursor& c) {
+  int32_t at = FindU8(c, '\r');
+  while (at >= 0 && PeekU8(c, at + 1) != '\n') at = FindU8(c, '\r', at + 1);
+  return at;
 }
 
 Field TakeTextLine(Cursor& c) {
-  const int32_t length = FindLineEnd(c.at, Left(c));
+  const int32_t length = FindLineEnd(c);
   if (length < 0) return {nullptr, c.offset, 0, 0, false};
   const Field line = TakeBytes(c, length);
   TakeBytes(c, 2);
@@ -87,21 +75,23 @@ Field TakeTextLine(Cursor& c) {
 HttpFirstLine SplitHttpFirstLine(const uint8_t* data, int32_t length) {
   HttpFirstLine first{kHttpContinuation, 0, 0, {}};
   if (!data || length < 1) return first;
-  const int32_t end = FindLineEnd(data, length);
+  const Cursor c = MakeCursor(data, 0, length);
+  const int32_t end = FindLineEnd(c);
   first.length = end < 0 ? length : end;
   first.taken = end < 0 ? length : end + 2;
+  const Cursor line = CursorOver(PeekBytes(c, 0, first.length));
+  Field tokens[3];
   int32_t at = 0;
   for (int32_t i = 0; i < 3; ++i) {
-    while (at < first.length && data[at] == ' ') ++at;
-    const void* blank =
-        i < 2 && at < first.length ? std::memchr(data + at, ' ', static_cast<size_t>(first.length - at)) : nullptr;
-    const int32_t stop = blank ? static_cast<int32_t>(static_cast<const uint8_t*>(blank) - data) : first.length;
+    while (PeekU8(line, at) == ' ') ++at;
+    const int32_t blank = i < 2 ? FindU8(line, ' ', at) : -1, stop = blank < 0 ? first.length : blank;
     first.tokens[i] = {at, stop - at};
+    tokens[i] = PeekBytes(line, at, stop - at);
     at = stop;
   }
-  if (IsVersion(data, first.tokens[2])) {
+  if (IsVersion(tokens[2])) {
     first.kind = kHttpRequest;
-  } else if (IsVersion(data, first.tokens[0]) && IsStatusCode(data, first.tokens[1])) {
+  } else if (IsVersion(tokens[0]) && IsStatusCode(tokens[1])) {
     first.kind = kHttpResponse;
   }
   return first;

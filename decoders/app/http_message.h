@@ -28,7 +28,7 @@ struct HttpFirstLine {
 HttpFirstLine SplitHttpFirstLine(const uint8_t* data, int32_t length);
 
 // The bytes up to the next CR LF; -1 when there is none.
-int32_t FindLineEnd(const uint8_t* data, int32_t length);
+int32_t FindLineEnd(const Cursor& c);
 // The next line without its CR LF; the cursor stands behind it. Not here, with nothing taken, when no CR LF follows.
 Field TakeTextLine(Cursor& c);
 

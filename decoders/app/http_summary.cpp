@@ -37,7 +37,7 @@ TextSlice FindHeader(const TextSlice& text, const char* name, bool atLineStart) 
     at = static_cast<int32_t>(static_cast<const char*>(found) - text.text);
     if (std::memcmp(text.text + at, name, static_cast<size_t>(nameLength)) != 0) continue;
     if (atLineStart && (at == 0 || text.text[at - 1] != '\n')) continue;
-    const int32_t end = FindLineEnd(reinterpret_cast<const uint8_t*>(text.text) + at, text.length - at);
+    const int32_t end = FindLineEnd(MakeCursor(reinterpret_cast<const uint8_t*>(text.text) + at, 0, text.length - at));
     return {text.text + at, end < 0 ? 0 : end};
   }
   return {text.text, 0};
