@@ -196,12 +196,12 @@ Cursor BehindStartTag(Cursor c) {
 void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
   const Cursor start = c;
   const Cursor behind = BehindStartTag(c);
-  const bool isEmpty = behind.offset - start.offset > 2 && PeekU8(behind, -2) == '/';
+  const Field tag = Ahead(start, behind.offset - start.offset);
+  const bool isEmpty = tag.length > 2 && PeekU8(tag, tag.length - 2) == '/';
   TakeBytes(c, 1);
   const Field name = TakeName(c);
   const Field sole = isEmpty ? Field{} : SoleText(behind);
   const ValueText label = TextOf(name);
-  const Field tag = Ahead(start, behind.offset - start.offset);
   const Place& at = PlaceIn(in, walk);
   const LineHandle line =
       sole.here ? AddLine(at, tag, "%s: %s", label, TextOf(sole))
