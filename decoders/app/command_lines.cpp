@@ -1,5 +1,5 @@
 // Protocols of commands and replies in lines: FTP's control connection (RFC 959, 2228, 2389, 2428, 3659), SMTP (RFC 5321 and
-// its extensions) and POP3 (RFC 1939, 2449).
+// its extensions), POP3 (RFC 1939, 2449) and NNTP (RFC 3977).
 #include <iterator>
 
 #include "decoders/app/internet_message.h"
@@ -43,6 +43,22 @@ constexpr auto kSmtpCodes = SortedNames({
     {538, "Encryption Required for Authentication"}, {550, "Mailbox Unavailable"}, {551, "User Not Local"},
     {552, "Storage Allocation Exceeded"}, {553, "Mailbox Name Not Allowed"}, {554, "Transaction Failed"},
     {555, "Parameters Not Recognized"}, {556, "Domain Accepts No Mail"}});
+constexpr auto kNntpCodes = SortedNames({
+    {100, "Help Text Follows"}, {101, "Capabilities Follow"}, {111, "Server Date and Time"},
+    {200, "Service Available, Posting Allowed"}, {201, "Service Available, Posting Prohibited"}, {203, "Streaming Permitted"},
+    {205, "Connection Closing"}, {211, "Group Selected"}, {215, "Information Follows"}, {220, "Article Follows"},
+    {221, "Headers Follow"}, {222, "Body Follows"}, {223, "Article Exists"}, {224, "Overview Information Follows"},
+    {225, "Headers Follow"}, {230, "New Articles Follow"}, {231, "New Groups Follow"}, {235, "Article Transferred"},
+    {238, "Send Article"}, {239, "Article Transferred"}, {281, "Authentication Accepted"}, {335, "Send Article to Transfer"},
+    {340, "Send Article to Post"}, {381, "Password Required"}, {382, "Continue with TLS"}, {383, "Continue with SASL"},
+    {400, "Service Unavailable"}, {401, "Wrong Mode"}, {403, "Internal Fault"}, {411, "No Such Group"},
+    {412, "No Group Selected"}, {420, "No Article Selected"}, {421, "No Next Article"}, {422, "No Previous Article"},
+    {423, "No Such Article Number"}, {430, "No Such Article"}, {431, "Transfer Not Possible Now"},
+    {435, "Article Not Wanted"}, {436, "Transfer Not Possible, Try Later"}, {437, "Transfer Rejected"},
+    {438, "Article Not Wanted"}, {439, "Transfer Rejected"}, {440, "Posting Not Permitted"}, {441, "Posting Failed"},
+    {480, "Authentication Required"}, {481, "Authentication Failed"}, {482, "Authentication Out of Sequence"},
+    {483, "Encryption Required"}, {500, "Unknown Command"}, {501, "Syntax Error"}, {502, "Permission Denied"},
+    {503, "Feature Not Supported"}, {504, "Base64 Error"}, {580, "Cannot Start TLS"}});
 
 bool IsText(const Field& line) {
   for (int32_t i = 0; i < line.length; ++i) {
@@ -170,6 +186,31 @@ int32_t DecodeSmtp(const Place& at, Cursor c) {
     if (CodeOf(line.text) >= 200) {
       ShowReply(in, line, kSmtpCodes, false);
     } else if (IsOneOf(line.text, kSmtpVerbs, std::size(kSmtpVerbs))) {
+      ShowCommand(in, line);
+    } else {
+      ShowMail(in, c);
+      continue;
+    }
+    c = next;
+  }
+  return 1;
+}
+
+int32_t DecodeNntp(const Place& at, Cursor c) {
+  constexpr const char* kVerbs[] = {"ARTICLE", "AUTHINFO", "BODY", "CAPABILITIES", "CHECK", "COMPRESS", "DATE", "GROUP", "HDR",
+                                    "HEAD", "HELP", "IHAVE", "LAST", "LIST", "LISTGROUP", "MODE", "NEWGROUPS", "NEWNEWS",
+                                    "NEXT", "OVER", "POST", "QUIT", "SLAVE", "STARTTLS", "STAT", "TAKETHIS", "XGTITLE",
+                                    "XHDR", "XOVER", "XPAT"};
+  if (!IsLines(c)) return 0;
+  const Place in = TopLine(at, c, "NNTP");
+  TextLine line;
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    Cursor next = c;
+    if (!TakeLine(next, line)) break;
+    if (CodeOf(line.text) >= 100) {
+      ShowReply(in, line, kNntpCodes, false);
+    } else if (IsOneOf(line.text, kVerbs, std::size(kVerbs))) {
       ShowCommand(in, line);
     } else {
       ShowMail(in, c);
