@@ -97,6 +97,7 @@ void ShowChoice(const Place& in, Cursor& c, const Choice<T>* choice, T& out) {
     if (choice->rows.count) ShowRows<T>(in, c, choice->rows, out, choice->name);
     if (choice->show) choice->show(in, c, out);
   }
+  c.ranShort = false;   // what is left of a field that is cut
   AddBlock(in, Rest(c), "Data");
 }
 

@@ -35,6 +35,8 @@ struct Priority {
   uint32_t value;
 };
 
+constexpr uint32_t kByteOrderMark = 0xEFBBBF;
+
 constexpr auto kText = Rows<NoValues>({Utf8(0, nullptr)});
 constexpr auto kMark = Rows<NoValues>({Bytes(3, "Byte Order Mark")});
 
@@ -142,7 +144,7 @@ int32_t MessageLength(const Cursor& c) {
 
 void ShowMessage(const Place& in, Cursor& c, const char* label) {
   int32_t length = MessageLength(c);
-  if (PeekU24(c) == 0xEFBBBF && length >= 3) {
+  if (PeekU24(c) == kByteOrderMark && length >= 3) {
     NoValues none;
     ShowRows<NoValues>(in, c, kMark, none);
     length -= 3;
@@ -153,15 +155,26 @@ void ShowMessage(const Place& in, Cursor& c, const char* label) {
   AddLine(in, trailer, "Trailer: %s", HexText(trailer));
 }
 
+void ShowInTop(const Place& in, const Field& message) {
+  constexpr int32_t kMost = 100;
+  if (message.length < 1) return;
+  AppendToParent(in, message, ": %s", Text(Slice(message, 0, message.length < kMost ? message.length : kMost)));
+}
+
 void ShowHeader(const Place& in, Cursor& c) {
   const Field version = TakeWord(in, c, "Version");
   TakeWord(in, c, "Timestamp");
   const Field host = TakeWord(in, c, "Hostname"), application = TakeWord(in, c, "Application Name");
-  if (PeekU8(CursorOver(host)) != '-') AppendToParent(in, host, ", %s", Text(host));
-  if (PeekU8(CursorOver(application)) != '-') AppendToParent(in, application, ", %s", Text(application));
+  const Field* const names[] = {&host, &application};
+  for (const Field* name : names) {
+    if (name->length > 0 && name->bytes[0] != '-') AppendToParent(in, *name, ", %s", Text(*name));
+  }
   TakeWord(in, c, "Process ID");
   TakeWord(in, c, "Message ID");
   if (version.here) ShowStructuredData(in, c);
+  Cursor message = c;
+  if (PeekU24(message) == kByteOrderMark) TakeBytes(message, 3);
+  ShowInTop(in, Ahead(message, MessageLength(message)));
   ShowMessage(in, c, "Message");
 }
 
@@ -187,8 +200,7 @@ int32_t TagLength(const Cursor& c) {
 void ShowOldHeader(const Place& at, Cursor& c) {
   const int32_t end = MessageLength(c);
   Field whole = Ahead(c, end);
-  constexpr int32_t kShownInTop = 100;
-  AppendToParent(at, whole, ": %s", Text(Slice(whole, 0, end < kShownInTop ? end : kShownInTop)));
+  ShowInTop(at, whole);
   const int32_t size = TimestampLength(c);
   if (size == 0) return ShowMessage(at, c, "Message");
   const Place in = Under(at, AddLine(at, whole, "Message: %s", Text(whole)));
@@ -212,16 +224,20 @@ void ShowOldHeader(const Place& at, Cursor& c) {
   ShowMessage(under, c, "Text");
 }
 
-void ShowOne(const Place& at, Cursor& c) {
+// A message, which on a stream may have a count of its octets in front: as many digits.
+void ShowOne(const Place& at, Cursor& c, int32_t digits, uint32_t length) {
+  const Field whole = Ahead(c, Left(c)), count = TakeBytes(c, digits);
+  if (digits > 0) TakeU8(c);
   const Priority priority = PriorityOf(c);
   const uint32_t facility = priority.value / 8, severity = priority.value % 8;
-  const Field whole = Ahead(c, Left(c));
   if (priority.length == 0) {
     const Place in = Under(at, AddLine(at, whole, "Syslog: No Priority"));
+    if (digits > 0) AddLine(in, count, "Message Length: %u", length);
     return ShowOldHeader(in, c);
   }
   const Place in = Under(at, AddLine(at, whole, "Syslog: %s.%s", LookupName(kFacilityKeywords, facility),
                                      LookupName(kSeverityKeywords, severity)));
+  if (digits > 0) AddLine(in, count, "Message Length: %u", length);
   const Field number = TakeBytes(c, priority.length);
   const Place under = Under(in, AddLine(in, number, "Priority: %u", priority.value));
   AddLine(under, number, "Facility: %u = %s", facility, LookupName(kFacilityNames, facility));
@@ -234,7 +250,7 @@ void ShowOne(const Place& at, Cursor& c) {
 
 int32_t DecodeSyslog(const Place& at, Cursor c) {
   if (Left(c) < 1) return 0;
-  ShowOne(at, c);
+  ShowOne(at, c, 0, 0);
   return 1;
 }
 
@@ -247,15 +263,9 @@ int32_t DecodeSyslogOverTcp(const Place& at, Cursor c) {
     int32_t digits = 0;
     while (digits < 7 && IsDigit(PeekU8(c, digits))) length = length * 10 + PeekU8(c, digits++) - '0';
     const bool counted = digits > 0 && length <= kMostLength && PeekU8(c, digits) == ' ';
-    if (counted) {
-      AddLine(at, TakeBytes(c, digits), "Syslog Message Length: %u", length);
-      TakeU8(c);
-    } else {
-      const int32_t end = Find(c, '\n');
-      length = static_cast<uint32_t>(end < Left(c) ? end + 1 : end);
-    }
-    Cursor message = TakeCursor(c, length);
-    if (Left(message) > 0) ShowOne(at, message);
+    const int32_t end = Find(c, '\n');
+    Cursor message = TakeCursor(c, counted ? digits + 1 + static_cast<int32_t>(length) : end + 1);
+    if (Left(message) > 0) ShowOne(at, message, counted ? digits : 0, length);
   }
   return 1;
 }
