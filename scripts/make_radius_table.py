@@ -4,10 +4,10 @@
   scripts/make_radius_table.py [FOLDER]            writes decoders/app/radius_table.inc
   scripts/make_radius_table.py [FOLDER] --check    says whether the table is what would be written; status 1 if not
 
-The attributes that IANA assigns stand in decoders/app/radius_registry.txt. Those of vendors, their names, numbers, types
-and values, come from the dictionaries of the Debian package freeradius-common in FOLDER (/usr/share/freeradius), all that
-its main dictionary includes. Tables of numbers refer to names by position, so that nothing has to be set up when a program
-starts.
+The attributes that IANA assigns stand in decoders/app/radius_registry.txt. Those of vendors, their names, numbers,
+types and values, come from the dictionaries of the Debian package freeradius-common in FOLDER (/usr/share/freeradius),
+all that its main dictionary includes. Tables of numbers refer to names by position, so that nothing has to be set up
+when a program starts.
 """
 import os
 import re

@@ -37,7 +37,7 @@ OURS = set("""
 eth vlan ieee8021ad llc isl tr trmac fddi mpls pwethcw atm fr chdlc ppp wlan fc vntag
 arp ip ipv6 ipv6.hopopts ipv6.dstopts ipv6.routing ipv6.fraghdr ah mipv6 icmp icmpv6 igmp udp tcp rtp rtcp
 dns mdns llmnr http snmp ldap cldap kerberos spnego ntlmssp gss-api
-radius eap syslog ntp vrrp
+radius eap syslog ntp vrrp tacacs tacplus nat-pmp portcontrol agentx tsp lwres
 ipx spx ipxrip ipxsap nbipx nmpi nbns nbdgm nbss netbios smb smb_pipe mailslot browser lanman dcerpc smb_netlogon
 dhcp dhcpv6 tftp
 """.split())

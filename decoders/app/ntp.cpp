@@ -57,7 +57,8 @@ constexpr auto kSourceNames = SortedNames({
 constexpr auto kSystemEventNames = SortedNames({
     {0, "Unspecified"}, {1, "Frequency File Not Available"}, {2, "Frequency Set"}, {3, "Spike Detected"},
     {4, "Frequency Training"}, {5, "Clock Synchronized"}, {6, "System Restart"}, {7, "Panic Stop"},
-    {8, "No System Peer"}, {9, "Leap Second Armed"}, {10, "Leap Second Disarmed"}, {11, "Leap Second Inserted or Deleted"},
+    {8, "No System Peer"}, {9, "Leap Second Armed"}, {10, "Leap Second Disarmed"},
+    {11, "Leap Second Inserted or Deleted"},
     {12, "Clock Stepped"}, {13, "Kernel Status Changed"}, {14, "Leapsecond Table Loaded"},
     {15, "Leapsecond Table Outdated"}});
 constexpr auto kSelectionNames = SortedNames({
@@ -144,15 +145,15 @@ constexpr auto kSystemFlags = SortedNames({
     {0x01, "Broadcast Client"}, {0x02, "PPS"}, {0x04, "NTP"}, {0x08, "Kernel"}, {0x10, "Monitor"},
     {0x20, "File Generation"}, {0x40, "Authenticate"}, {0x80, "Calibrate"}});
 constexpr auto kConfigFlags = SortedNames({
-    {0x01, "Authentication Enabled"}, {0x02, "Preferred"}, {0x04, "Burst"}, {0x08, "Initial Burst"}, {0x10, "No Select"},
-    {0x20, "Autokey"}});
+    {0x01, "Authentication Enabled"}, {0x02, "Preferred"}, {0x04, "Burst"}, {0x08, "Initial Burst"},
+    {0x10, "No Select"}, {0x20, "Autokey"}});
 constexpr auto kResetFlags = SortedNames({
     {0x01, "All Peers"}, {0x02, "Input and Output"}, {0x04, "System"}, {0x08, "Memory"}, {0x10, "Timer"},
     {0x20, "Authentication"}, {0x40, "Control"}});
 constexpr auto kRestrictFlags = SortedNames({
     {0x0001, "Ignore"}, {0x0002, "No Serve"}, {0x0004, "No Trust"}, {0x0008, "Version"}, {0x0010, "No Peer"},
-    {0x0020, "Limited"}, {0x0040, "No Query"}, {0x0080, "No Modify"}, {0x0100, "No Trap"}, {0x0200, "Low Priority Trap"},
-    {0x0400, "Kiss of Death"}, {0x0800, "MS-SNTP"}, {0x1000, "Flake"}, {0x2000, "No MRU List"}});
+    {0x0020, "Limited"}, {0x0040, "No Query"}, {0x0080, "No Modify"}, {0x0100, "No Trap"},
+    {0x0200, "Low Priority Trap"}, {0x0400, "Kiss of Death"}, {0x0800, "MS-SNTP"}, {0x1000, "Flake"}, {0x2000, "No MRU List"}});
 
 // What the items of private messages hold.
 constexpr auto kPeerListItem = Rows<Ntp>({
@@ -188,7 +189,8 @@ constexpr auto kPeerStatsItem = Rows<Ntp>({
     Number(4, "Unused"), Number(1, "Candidate"), Number(3, "Unused"), Number(4, "IPv6 Flag"), Number(4, "Unused"),
     IPv6("IPv6 Destination Address"), IPv6("IPv6 Source Address")});
 constexpr auto kLoopItem = Rows<Ntp>({
-    Offset("Last Offset"), Offset("Drift Compensation"), Number(4, "Compliance"), Number(4, "Watchdog Timer", " seconds")});
+    Offset("Last Offset"), Offset("Drift Compensation"), Number(4, "Compliance"),
+    Number(4, "Watchdog Timer", " seconds")});
 constexpr auto kSystemItem = Rows<Ntp>({
     IPv4("Peer Address"), Number(1, "Peer Mode", kModeNames), Number(1, "Leap", kLeapNames), Number(1, "Stratum"),
     Signed(1, "Precision"), Span("Root Delay"), Span("Root Dispersion"), IPv4("Reference ID"),
@@ -290,8 +292,8 @@ constexpr auto kRequestItems = Choices<Ntp>({
 
 // Extension fields.
 constexpr auto kAutokeyMessage = Rows<Ntp>({
-    Hex(4, "Association ID"), Number(4, "Timestamp", " seconds since 1900"), Number(4, "Filestamp", " seconds since 1900"),
-    Counted(4, Bytes(0, "Value")), Counted(4, Bytes(0, "Signature"))});
+    Hex(4, "Association ID"), Number(4, "Timestamp", " seconds since 1900"),
+    Number(4, "Filestamp", " seconds since 1900"), Counted(4, Bytes(0, "Value")), Counted(4, Bytes(0, "Signature"))});
 constexpr auto kAutokeyShort = Rows<Ntp>({Hex(4, "Association ID")});
 constexpr auto kUniqueIdentifier = Rows<Ntp>({Bytes(0, "Unique Identifier")});
 constexpr auto kCookie = Rows<Ntp>({Bytes(0, "Cookie")});
@@ -325,26 +327,32 @@ constexpr auto kExtensions = Choices<Ntp>({
     {0x0201, "Association Message Request", {}, ShowAutokey}, {0x0202, "Certificate Message Request", {}, ShowAutokey},
     {0x0203, "Cookie Message Request", {}, ShowAutokey}, {0x0204, "NTS Cookie", kCookie},
     {0x0205, "Leapseconds Message Request", {}, ShowAutokey}, {0x0206, "Sign Message Request", {}, ShowAutokey},
-    {0x0207, "IFF Identity Message Request", {}, ShowAutokey}, {0x0208, "GQ Identity Message Request", {}, ShowAutokey},
+    {0x0207, "IFF Identity Message Request", {}, ShowAutokey},
+    {0x0208, "GQ Identity Message Request", {}, ShowAutokey},
     {0x0209, "MV Identity Message Request", {}, ShowAutokey}, {0x0302, "Cookie Message Request", {}, ShowAutokey},
     {0x0304, "NTS Cookie Placeholder", kPlaceholder}, {0x0402, "Autokey Message Request", {}, ShowAutokey},
     {0x0404, "NTS Authenticator and Encrypted Extension Fields", {}, ShowSealed},
     {0x0502, "Leapseconds Message Request", {}, ShowAutokey}, {0x0602, "Sign Message Request", {}, ShowAutokey},
-    {0x0702, "IFF Identity Message Request", {}, ShowAutokey}, {0x0802, "GQ Identity Message Request", {}, ShowAutokey},
+    {0x0702, "IFF Identity Message Request", {}, ShowAutokey},
+    {0x0802, "GQ Identity Message Request", {}, ShowAutokey},
     {0x0902, "MV Identity Message Request", {}, ShowAutokey}, {0x2005, "UDP Checksum Complement", kComplement},
     {0x8002, "No-Operation Response", {}, ShowAutokey}, {0x8102, "Association Message Response", {}, ShowAutokey},
     {0x8200, "No-Operation Response", {}, ShowAutokey}, {0x8201, "Association Message Response", {}, ShowAutokey},
     {0x8202, "Certificate Message Response", {}, ShowAutokey}, {0x8203, "Cookie Message Response", {}, ShowAutokey},
     {0x8204, "Autokey Message Response", {}, ShowAutokey}, {0x8205, "Leapseconds Message Response", {}, ShowAutokey},
     {0x8206, "Sign Message Response", {}, ShowAutokey}, {0x8207, "IFF Identity Message Response", {}, ShowAutokey},
-    {0x8208, "GQ Identity Message Response", {}, ShowAutokey}, {0x8209, "MV Identity Message Response", {}, ShowAutokey},
+    {0x8208, "GQ Identity Message Response", {}, ShowAutokey},
+    {0x8209, "MV Identity Message Response", {}, ShowAutokey},
     {0x8302, "Cookie Message Response", {}, ShowAutokey}, {0x8402, "Autokey Message Response", {}, ShowAutokey},
     {0x8502, "Leapseconds Message Response", {}, ShowAutokey}, {0x8602, "Sign Message Response", {}, ShowAutokey},
-    {0x8702, "IFF Identity Message Response", {}, ShowAutokey}, {0x8802, "GQ Identity Message Response", {}, ShowAutokey},
-    {0x8902, "MV Identity Message Response", {}, ShowAutokey}, {0xC002, "No-Operation Error Response", {}, ShowAutokey},
+    {0x8702, "IFF Identity Message Response", {}, ShowAutokey},
+    {0x8802, "GQ Identity Message Response", {}, ShowAutokey},
+    {0x8902, "MV Identity Message Response", {}, ShowAutokey},
+    {0xC002, "No-Operation Error Response", {}, ShowAutokey},
     {0xC102, "Association Message Error Response", {}, ShowAutokey},
     {0xC202, "Certificate Message Error Response", {}, ShowAutokey},
-    {0xC302, "Cookie Message Error Response", {}, ShowAutokey}, {0xC402, "Autokey Message Error Response", {}, ShowAutokey},
+    {0xC302, "Cookie Message Error Response", {}, ShowAutokey},
+    {0xC402, "Autokey Message Error Response", {}, ShowAutokey},
     {0xC502, "Leapseconds Message Error Response", {}, ShowAutokey},
     {0xC602, "Sign Message Error Response", {}, ShowAutokey},
     {0xC702, "IFF Identity Message Error Response", {}, ShowAutokey},
@@ -391,14 +399,17 @@ void ShowVariables(const Place& in, Cursor& c) {
     }
     int32_t length = 0, equals = 0;
     bool quoted = false;
-    for (; length < Left(c) && (quoted || (c.at[length] != ',' && c.at[length] != '\r' && c.at[length] != 0)); ++length) {
+    for (; length < Left(c); ++length) {
+      const uint8_t next = c.at[length];
+      if (!quoted && (next == ',' || next == '\r' || next == 0)) break;
       if (c.at[length] == '"') quoted = !quoted;
       if (c.at[length] == '=' && equals == 0) equals = length;
     }
     if (length == 0) break;
     const Field variable = TakeBytes(c, length);
     if (equals > 0) {
-      AddLine(in, variable, "%s: %s", Text(Slice(variable, 0, equals)), Text(Slice(variable, equals + 1, length - equals - 1)));
+      const Field value = Slice(variable, equals + 1, length - equals - 1);
+      AddLine(in, variable, "%s: %s", Text(Slice(variable, 0, equals)), Text(value));
     } else {
       AddLine(in, variable, "Variable: %s", Text(variable));
     }
@@ -463,7 +474,8 @@ void DecodePrivate(const Place& in, Cursor& c, Ntp& ntp) {
   Loop loop;
   for (uint32_t number = 0; number < ntp.items.value && ntp.itemSize.value > 0 && MoreAt(in, data, loop); ++number) {
     Cursor item = TakeCursor(data, ntp.itemSize.value);
-    const Place under = Under(in, AddLine(in, Ahead(item, Left(item)), "Item %u: %s", number + 1, choice ? choice->name : kUnknown));
+    const char* name = choice ? choice->name : kUnknown;
+    const Place under = Under(in, AddLine(in, Ahead(item, Left(item)), "Item %u: %s", number + 1, name));
     ShowChoice<Ntp>(under, item, choice, ntp);
   }
   const Field unused = Rest(data);

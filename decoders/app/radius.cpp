@@ -111,17 +111,18 @@ constexpr auto kPrefixRows = Rows<Radius>({Number(1, "Reserved"), Number(1, "Pre
 
 constexpr ElementForm kAttributeForm{.lengthCountsHeader = true};
 constexpr auto kCivicElements = Choices<Radius>({
-    {0, "Language", kTextRows}, {1, "National Subdivisions", kTextRows}, {2, "County, Parish, Gun, District", kTextRows},
-    {3, "City, Township, Shi", kTextRows}, {4, "City Division, Borough, City District, Ward", kTextRows},
-    {5, "Neighborhood, Block", kTextRows}, {6, "Group of Streets", kTextRows}, {16, "Leading Street Direction", kTextRows},
-    {17, "Trailing Street Suffix", kTextRows}, {18, "Street Suffix or Type", kTextRows}, {19, "House Number", kTextRows},
-    {20, "House Number Suffix", kTextRows}, {21, "Landmark or Vanity Address", kTextRows},
+    {0, "Language", kTextRows}, {1, "National Subdivisions", kTextRows},
+    {2, "County, Parish, Gun, District", kTextRows}, {3, "City, Township, Shi", kTextRows}, {4, "City Division, Borough, City District, Ward", kTextRows},
+    {5, "Neighborhood, Block", kTextRows}, {6, "Group of Streets", kTextRows},
+    {16, "Leading Street Direction", kTextRows}, {17, "Trailing Street Suffix", kTextRows},
+    {18, "Street Suffix or Type", kTextRows}, {19, "House Number", kTextRows}, {20, "House Number Suffix", kTextRows}, {21, "Landmark or Vanity Address", kTextRows},
     {22, "Additional Location Information", kTextRows}, {23, "Name", kTextRows}, {24, "Postal/ZIP Code", kTextRows},
     {25, "Building", kTextRows}, {26, "Unit", kTextRows}, {27, "Floor", kTextRows}, {28, "Room", kTextRows},
     {29, "Type of Place", kTextRows}, {30, "Postal Community Name", kTextRows}, {31, "Post Office Box", kTextRows},
     {32, "Additional Code", kTextRows}, {33, "Seat", kTextRows}, {34, "Primary Road or Street", kTextRows},
     {35, "Road Section", kTextRows}, {36, "Road Branch", kTextRows}, {37, "Road Sub-Branch", kTextRows},
-    {38, "Street Name Pre-Modifier", kTextRows}, {39, "Street Name Post-Modifier", kTextRows}, {128, "Script", kTextRows}});
+    {38, "Street Name Pre-Modifier", kTextRows}, {39, "Street Name Post-Modifier", kTextRows},
+    {128, "Script", kTextRows}});
 
 const char* NameAt(uint32_t position) { return kNames + position; }
 
@@ -239,7 +240,7 @@ void ShowFeatures(const Place& in, Cursor& c, const char* name, Radius& radius) 
   ShowRows<Radius>(under, c, kFeatureRows, radius);
 }
 
-// What is alike under every type: the tag and the salt in front, and what nobody can read. True: nothing is left to show.
+// What is alike under every type: the tag and the salt in front, and what nobody can read. True: nothing is left.
 bool ShowFront(const Place& in, Cursor& c, const RadiusAttribute& attribute, RadiusType type, Radius& radius) {
   constexpr uint32_t kMostTag = 0x1F;
   if (attribute.flags & kTagged && Left(c) > 0 && (type == RadiusType::kNumber || PeekU8(c) <= kMostTag)) {
@@ -261,7 +262,8 @@ bool IsChain(Cursor c, const ElementForm& form) {
   Element element;
   Loop loop;
   while (More(c, loop)) {
-    if (!TakeElement(c, form, element) || Left(element.value) + 2 < static_cast<int32_t>(element.length.value)) return false;
+    if (!TakeElement(c, form, element)) return false;
+    if (Left(element.value) + 2 < static_cast<int32_t>(element.length.value)) return false;
   }
   return true;
 }

@@ -184,7 +184,8 @@ int32_t TimestampLength(const Cursor& c) {
   const bool isOld = Left(c) > kSize && c.at[3] == ' ' && c.at[6] == ' ' && c.at[9] == ':' && c.at[12] == ':' &&
                      IsDigit(c.at[5]) && IsDigit(c.at[7]) && IsDigit(c.at[14]) && c.at[kSize] == ' ';
   if (isOld) return kSize;
-  const bool isNew = Left(c) > 19 && c.at[4] == '-' && c.at[7] == '-' && c.at[10] == 'T' && c.at[13] == ':' && IsDigit(c.at[0]);
+  const bool isNew = Left(c) > 19 && IsDigit(c.at[0]) && c.at[4] == '-' && c.at[7] == '-' && c.at[10] == 'T' &&
+                     c.at[13] == ':';
   const int32_t length = Find(c, ' ');
   return isNew && length < Left(c) ? length : 0;
 }
