@@ -1,5 +1,5 @@
-// The lightweight resolver protocol (BIND 9 Administrator Reference Manual): a program asks the resolver of its own host
-// for names, addresses and records.
+// The lightweight resolver protocol (BIND 9 Administrator Reference Manual): a program asks the resolver of its own
+// host for names, addresses and records.
 //
 //   length (4)   version (2)   flags (2)   serial (4)   operation (4)   result (4)   longest reply (4)
 //   authentication type (2) and length (2)   what the operation says

@@ -153,7 +153,8 @@ constexpr auto kResetFlags = SortedNames({
 constexpr auto kRestrictFlags = SortedNames({
     {0x0001, "Ignore"}, {0x0002, "No Serve"}, {0x0004, "No Trust"}, {0x0008, "Version"}, {0x0010, "No Peer"},
     {0x0020, "Limited"}, {0x0040, "No Query"}, {0x0080, "No Modify"}, {0x0100, "No Trap"},
-    {0x0200, "Low Priority Trap"}, {0x0400, "Kiss of Death"}, {0x0800, "MS-SNTP"}, {0x1000, "Flake"}, {0x2000, "No MRU List"}});
+    {0x0200, "Low Priority Trap"}, {0x0400, "Kiss of Death"},
+    {0x0800, "MS-SNTP"}, {0x1000, "Flake"}, {0x2000, "No MRU List"}});
 
 // What the items of private messages hold.
 constexpr auto kPeerListItem = Rows<Ntp>({

@@ -1,6 +1,6 @@
 // NAT Port Mapping Protocol (RFC 6886), version 0, and the Port Control Protocol that follows it (RFC 6887), version 2,
-// with its options (RFC 7220, RFC 7225, RFC 7652, RFC 7753, RFC 7843): may an inner address be reached from outside, and
-// by which port?
+// with its options (RFC 7220, RFC 7225, RFC 7652, RFC 7753, RFC 7843): may an inner address be reached from outside,
+// and by which port?
 //
 //   NAT-PMP   version (1)   operation (1)   of responses: result (2), epoch (4)   ports, lifetime
 //   PCP       version (1)   operation (1)   reserved   lifetime (4)   client's address or epoch   data   options

@@ -112,10 +112,12 @@ constexpr auto kPrefixRows = Rows<Radius>({Number(1, "Reserved"), Number(1, "Pre
 constexpr ElementForm kAttributeForm{.lengthCountsHeader = true};
 constexpr auto kCivicElements = Choices<Radius>({
     {0, "Language", kTextRows}, {1, "National Subdivisions", kTextRows},
-    {2, "County, Parish, Gun, District", kTextRows}, {3, "City, Township, Shi", kTextRows}, {4, "City Division, Borough, City District, Ward", kTextRows},
+    {2, "County, Parish, Gun, District", kTextRows}, {3, "City, Township, Shi", kTextRows},
+    {4, "City Division, Borough, City District, Ward", kTextRows},
     {5, "Neighborhood, Block", kTextRows}, {6, "Group of Streets", kTextRows},
     {16, "Leading Street Direction", kTextRows}, {17, "Trailing Street Suffix", kTextRows},
-    {18, "Street Suffix or Type", kTextRows}, {19, "House Number", kTextRows}, {20, "House Number Suffix", kTextRows}, {21, "Landmark or Vanity Address", kTextRows},
+    {18, "Street Suffix or Type", kTextRows}, {19, "House Number", kTextRows},
+    {20, "House Number Suffix", kTextRows}, {21, "Landmark or Vanity Address", kTextRows},
     {22, "Additional Location Information", kTextRows}, {23, "Name", kTextRows}, {24, "Postal/ZIP Code", kTextRows},
     {25, "Building", kTextRows}, {26, "Unit", kTextRows}, {27, "Floor", kTextRows}, {28, "Room", kTextRows},
     {29, "Type of Place", kTextRows}, {30, "Postal Community Name", kTextRows}, {31, "Post Office Box", kTextRows},
