@@ -158,7 +158,7 @@ TEST(Definitions, RefusalsNameTheFault) {
       {"tcp:80x=HTTP", "port \"80x\" is not"},
       {"tcp:99999999999999999999=HTTP", "port \"99999999999999999999\" is not"},
       {"udp:10.0.0.1:65536=SNMP", "port \"65536\" is not a number from 0 to 65535"},
-      {"tcp:8080=GOPHER", "protocol \"GOPHER\" is unknown"},
+      {"tcp:8080=NOTHING", "protocol \"NOTHING\" is unknown"},
       {"tcp:8080=", "protocol \"\" is unknown"},
       {"sctp:8080=HTTP", "transport \"sctp\" is neither tcp nor udp"},
       {"udp:10.0.0.999:5000=SNMP", "address \"10.0.0.999\" is not an IPv4 address"},
