@@ -38,8 +38,8 @@ bool IsSmux(uint32_t tag) {
 
 void DescribeNumber(const Cursor& contents, const Names& names, char* out) {
   const int32_t number = BerInteger(contents);
-  const char* name = names.Here() ? names.NameOf(static_cast<uint32_t>(number)) : nullptr;
-  if (name && name != kUnknown) {
+  const char* name = LookupName(names.rows, static_cast<uint32_t>(number), names.count, nullptr);
+  if (name) {
     FormatInto(out, kTextSize, "%d = %s", number, name);
   } else {
     FormatInto(out, kTextSize, "%d", number);
