@@ -6,7 +6,7 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kReceived = 0, kTransmit = 1;
+constexpr uint32_t kTransmit = 1;
 constexpr uint32_t kEthernet = 1, kTokenRing = 2, kPpp = 4, kFddi = 5, kRawIp = 7, kWireless = 18;
 
 constexpr auto kTypeNames = SortedNames({
