@@ -9,6 +9,7 @@
 
 #include "core/elements.h"
 #include "decoders/common/eap.h"
+#include "decoders/common/location.h"
 
 namespace qxview {
 namespace {
@@ -110,21 +111,6 @@ constexpr auto kMoreRows = Rows<Radius>({Word(1), Flag(0, "More"), Bits(1, 7, "R
 constexpr auto kPrefixRows = Rows<Radius>({Number(1, "Reserved"), Number(1, "Prefix Length")});
 
 constexpr ElementForm kAttributeForm{.lengthCountsHeader = true};
-constexpr auto kCivicElements = Choices<Radius>({
-    {0, "Language", kTextRows}, {1, "National Subdivisions", kTextRows},
-    {2, "County, Parish, Gun, District", kTextRows}, {3, "City, Township, Shi", kTextRows},
-    {4, "City Division, Borough, City District, Ward", kTextRows},
-    {5, "Neighborhood, Block", kTextRows}, {6, "Group of Streets", kTextRows},
-    {16, "Leading Street Direction", kTextRows}, {17, "Trailing Street Suffix", kTextRows},
-    {18, "Street Suffix or Type", kTextRows}, {19, "House Number", kTextRows},
-    {20, "House Number Suffix", kTextRows}, {21, "Landmark or Vanity Address", kTextRows},
-    {22, "Additional Location Information", kTextRows}, {23, "Name", kTextRows}, {24, "Postal/ZIP Code", kTextRows},
-    {25, "Building", kTextRows}, {26, "Unit", kTextRows}, {27, "Floor", kTextRows}, {28, "Room", kTextRows},
-    {29, "Type of Place", kTextRows}, {30, "Postal Community Name", kTextRows}, {31, "Post Office Box", kTextRows},
-    {32, "Additional Code", kTextRows}, {33, "Seat", kTextRows}, {34, "Primary Road or Street", kTextRows},
-    {35, "Road Section", kTextRows}, {36, "Road Branch", kTextRows}, {37, "Road Sub-Branch", kTextRows},
-    {38, "Street Name Pre-Modifier", kTextRows}, {39, "Street Name Post-Modifier", kTextRows},
-    {128, "Script", kTextRows}});
 
 const char* NameAt(uint32_t position) { return kNames + position; }
 
@@ -225,16 +211,20 @@ void ShowSuites(const Place& in, Cursor& c, Radius& radius) {
   while (Left(c) >= 3 && MoreAt(in, c, loop)) ShowRows<Radius>(in, c, kPkmSuiteRows, radius);
 }
 
-// A location in postal words (RFC 4776): country, and elements; others as they are.
+// What a Location-Information attribute before it says that it is: an address in postal words, or coordinates.
 void ShowLocation(const Place& in, Cursor& c, Radius& radius) {
   constexpr auto kIndex = Rows<Radius>({Number(2, "Index")});
   constexpr auto kCountry = Rows<Radius>({Text(2, "Country Code")});
   constexpr auto kOther = Rows<Radius>({Bytes(0, "Location")});
-  constexpr ElementForm kCivicForm{.typeLabel = "CAtype", .lengthLabel = "CAlength"};
   ShowRows<Radius>(in, c, kIndex, radius);
-  if (!radius.locationCode.here || radius.locationCode.value != 0) return ShowRows<Radius>(in, c, kOther, radius);
-  ShowRows<Radius>(in, c, kCountry, radius);
-  ShowElements<Radius>(in, c, kCivicForm, "Civic Address Element", kCivicElements, radius);
+  if (radius.locationCode.here && radius.locationCode.value == 0) {
+    ShowRows<Radius>(in, c, kCountry, radius);
+    ShowCivicElements(in, c);
+  } else if (radius.locationCode.here && Left(c) == kGeoConfigurationSize) {
+    ShowGeoConfiguration(in, c);
+  } else {
+    ShowRows<Radius>(in, c, kOther, radius);
+  }
 }
 
 void ShowFeatures(const Place& in, Cursor& c, const char* name, Radius& radius) {
