@@ -82,6 +82,10 @@ class InstalledFiles(unittest.TestCase):
                          "share/bash-completion/completions/qxview", "share/zsh/vendor-completions/_qxview",
                          "share/fish/vendor_completions.d/qxview.fish", "share/doc/qxview/capture-file.md"):
                 self.assertIn(name, there)
+            packaged = re.findall(r"^usr/(\S+)", "".join(read(path) for path in sorted(
+                f"debian/{name}" for name in os.listdir(os.path.join(ROOT, "debian")) if "install" in name)), re.M)
+            for name in sorted(there):
+                self.assertTrue(not name.startswith("share/") or name.startswith(tuple(packaged)), f"{name}: in no package")
             self.assertTrue(any(name.startswith("lib") and name.endswith("libqxview.so") for name in there))
             version = subprocess.run([os.path.join(folder, "bin", "qxview"), "--version"], capture_output=True, check=True)
             self.assertIn(b"qxview", version.stdout)
