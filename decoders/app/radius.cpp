@@ -130,6 +130,13 @@ const Row* FindCode(const Row* rows, uint32_t first, uint32_t end, uint32_t code
 const RadiusAttribute* FindAttribute(uint32_t space, uint32_t code) {
   return FindCode(kAttributes, kSpaces[space], kSpaces[space + 1], code);
 }
+// What the registry calls the numbers that it gives to nobody.
+const char* UnassignedName(uint32_t space, uint32_t code) {
+  if (space != kRegistrySpace) return kUnknown;
+  if (code >= 192 && code <= 223) return "Experimental Use";
+  if (code >= 224 && code <= 240) return "Implementation Specific";
+  return code >= 247 ? "Reserved" : "Unassigned";
+}
 const char* FindValue(uint32_t set, uint32_t code) {
   if (set == 0) return nullptr;
   const RadiusValue* value = FindCode(kValues, kValueSets[set], kValueSets[set + 1], code);
@@ -351,7 +358,7 @@ void ShowAttributes(const Place& in, Cursor& c, const ElementForm& form, uint32_
   Element element;
   while (MoreAt(in, c, loop) && TakeElement(c, form, element)) {
     const RadiusAttribute* attribute = FindAttribute(space, element.code);
-    const char* name = attribute ? NameAt(attribute->name) : kUnknown;
+    const char* name = attribute ? NameAt(attribute->name) : UnassignedName(space, element.code);
     const Place under = detail::AddElementHead(in, element, form, "Attribute", name);
     if (vendor && vendor->more) ShowRows<Radius>(under, element.value, kMoreRows, radius);
     if (attribute) ShowValue(under, element.value, *attribute, radius, nesting);
