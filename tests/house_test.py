@@ -76,6 +76,32 @@ class Layout(unittest.TestCase):
         self.assertEqual(found, [])
 
 
+class Decoders(unittest.TestCase):
+    # Reads past the cursor's checks: bytes by index or pointer, numbers through pointers.
+    RAW = re.compile(r"\.(?:at|bytes)\s*[\[+]|\*\w+(?:\.\w+)*\.at\b|\bRead(?:Little)?U(?:16|24|32|64)\(")
+    # What is left of them, and why.
+    LEFT = {
+        "app/dns_names.cpp": 3, "app/dns_summary.cpp": 3,   # names are walked over the whole message, in the caller's memory
+        "app/http_gzip.cpp": 5,                             # bodies are runs of several segments, for zlib
+        "app/stun_attributes.cpp": 1,                       # the decoder's own array
+        "net/pseudo_head.cpp": 1,                           # of an exported function, over a header that the caller has read
+        # older than this rule
+        "app/command_lines.cpp": 11, "app/dns.cpp": 1, "app/dns_data.cpp": 4, "app/dns_edns.cpp": 1, "app/knxnet_ip.cpp": 6,
+        "app/mgcp.cpp": 1, "app/radius.cpp": 3, "app/rmcp.cpp": 2, "app/xdmcp.cpp": 1, "app/xmpp.cpp": 3,
+        "app/dhcp_location.cpp": 1, "common/location.cpp": 1,
+    }
+
+    def test_read_bytes_through_the_cursor(self):
+        found = {}
+        for path in pathlib.Path(ROOT, "decoders").rglob("*.[ch]*"):
+            lines = (line.split("//")[0] for line in path.read_text(encoding="utf-8").splitlines())
+            count = sum(len(self.RAW.findall(line)) for line in lines)
+            name = str(path.relative_to(os.path.join(ROOT, "decoders")))
+            if count > self.LEFT.get(name, 0):
+                found[name] = count
+        self.assertEqual(found, {}, "raw reads in decoders: PeekU8(c, at), PeekBytes, PeekIs, FindU8 or Take* instead")
+
+
 class Images(unittest.TestCase):
     def test_are_as_they_are_drawn(self):
         checked = run(os.path.join(ROOT, "scripts", "draw_images.py"), "--check")

@@ -124,7 +124,7 @@ void ShowValue(const Place& in, Cursor& c, const Numbers& numbers, uint32_t type
     case 70: {
       const Field value = TakeBytes(c, 8);
       uint64_t number = 0;
-      for (int32_t i = 0; i < value.length; ++i) number = number << 8 | value.bytes[numbers.little ? 7 - i : i];
+      for (int32_t i = 0; i < value.length; ++i) number = number << 8 | PeekU8(value, numbers.little ? 7 - i : i);
       AddLine(in, value, "Value: %I64u", number);
       break;
     }

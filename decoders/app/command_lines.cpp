@@ -62,7 +62,7 @@ constexpr auto kNntpCodes = SortedNames({
 
 bool IsText(const Field& line) {
   for (int32_t i = 0; i < line.length; ++i) {
-    if (line.bytes[i] < ' ' && line.bytes[i] != '\t') return false;
+    if (PeekU8(line, i) < ' ' && PeekU8(line, i) != '\t') return false;
   }
   return line.length > 0;
 }
@@ -76,7 +76,7 @@ bool IsLines(const Cursor& c) {
 
 // "220 text" or "220-text": the code; -1 for another line.
 int32_t CodeOf(const Field& line) {
-  if (line.length < 3 || (line.length > 3 && line.bytes[3] != ' ' && line.bytes[3] != '-')) return -1;
+  if (line.length < 3 || (line.length > 3 && PeekU8(line, 3) != ' ' && PeekU8(line, 3) != '-')) return -1;
   return DecimalOf(Slice(line, 0, 3));
 }
 
@@ -86,19 +86,19 @@ void ShowDataPort(const Place& in, const Field& text) {
   uint16_t port;
   if (AddDynamicFtpDataPort(reinterpret_cast<const char*>(text.bytes), text.length, &slot, &port)) {
     int32_t open = 0;
-    while (open < text.length && text.bytes[open] != '(') ++open;
+    while (open < text.length && PeekU8(text, open) != '(') ++open;
     Field address = Slice(text, open + 1, text.length - open - 1);
     address = TakeWord(address, ")");
     int32_t commas = 0, split = 0;
-    for (; split < address.length && commas < 4; ++split) commas += address.bytes[split] == ',';
+    for (; split < address.length && commas < 4; ++split) commas += PeekU8(address, split) == ',';
     AddLine(in, Slice(address, 0, split - 1), "Passive IP Address: %s", IPv4Text(slot.address + 12));
     AddLine(in, Slice(address, split, address.length - split), "Passive Port: %u", port);
     return;
   }
   Field rest = text;
   TakeWord(rest, "(");
-  if (rest.length > 3 && rest.bytes[0] == rest.bytes[1] && rest.bytes[1] == rest.bytes[2]) {
-    const char ends[] = {static_cast<char>(rest.bytes[0]), 0};
+  if (rest.length > 3 && PeekU8(rest) == PeekU8(rest, 1) && PeekU8(rest, 1) == PeekU8(rest, 2)) {
+    const char ends[] = {static_cast<char>(PeekU8(rest)), 0};
     Field number = Slice(rest, 3, rest.length - 3);
     number = TakeWord(number, ends);
     if (DecimalOf(number) >= 0) AddTextLine(in, number, "Passive Port");

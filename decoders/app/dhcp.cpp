@@ -46,12 +46,12 @@ Cursor OptionsOf(Cursor c) {
 }
 
 // The address that the message is about: the one it gives, asks for or comes from.
-const uint8_t* AddressOf(const Cursor& c, const Cursor& options) {
+Field AddressOf(const Cursor& c, const Cursor& options) {
   constexpr int32_t kYours = 16, kClients = 12;
-  if (PeekU32(c, kYours)) return c.at + kYours;
+  if (PeekU32(c, kYours)) return PeekBytes(c, kYours, 4);
   const Field requested = FindOption(options, kRequestedAddress);
-  if (requested.here && requested.length == 4) return requested.bytes;
-  return PeekU32(c, kClients) ? c.at + kClients : nullptr;
+  if (requested.here && requested.length == 4) return requested;
+  return PeekU32(c, kClients) ? PeekBytes(c, kClients, 4) : Field{};
 }
 
 LineHandle AddTopLine(const Place& at, const Cursor& c, const Cursor& options) {
@@ -59,18 +59,19 @@ LineHandle AddTopLine(const Place& at, const Cursor& c, const Cursor& options) {
   char text[160];
   const Field type = FindOption(options, kMessageType);
   if (type.here) {
-    FormatInto(text, sizeof text, "DHCP: %s", DhcpMessageTypeName(type.bytes[0]) + (type.bytes[0] - 1u < 18 ? kPrefix : 0));
+    FormatInto(text, sizeof text, "DHCP: %s", DhcpMessageTypeName(PeekU8(type)) + (PeekU8(type) - 1u < 18 ? kPrefix : 0));
   } else {
     FormatInto(text, sizeof text, "BOOTP: %s", PeekU8(c) == kReply ? "Reply" : "Request");
   }
-  if (const uint8_t* address = AddressOf(c, options)) AppendFormat(text, sizeof text, ", %s", IPv4Text(address));
+  const Field address = AddressOf(c, options);
+  if (address.here) AppendFormat(text, sizeof text, ", %s", IPv4Text(address.bytes));
   const int32_t length = static_cast<int32_t>(PeekU8(c, 2));
-  if (length > 0 && length <= kAddressSize && Left(c) >= kShortest + length) {
-    const uint8_t* hardware = c.at + kShortest;
+  const Field hardware = PeekBytes(c, kShortest, length);
+  if (hardware.here && length > 0 && length <= kAddressSize) {
     if (length == kMacSize) {
-      AppendFormat(text, sizeof text, ", Client %s", MacText(hardware));
+      AppendFormat(text, sizeof text, ", Client %s", MacText(hardware.bytes));
     } else {
-      AppendFormat(text, sizeof text, ", Client %s", HexSlice{hardware, length, ' '});
+      AppendFormat(text, sizeof text, ", Client %s", HexText(hardware));
     }
   }
   return AddLine(at, Ahead(c, Left(c)), "%s", static_cast<const char*>(text));
@@ -93,7 +94,7 @@ void ShowBehindOptions(const Place& in, Cursor& c) {
   const Field padding = Rest(c);
   if (!padding.here) return;
   bool isZero = true;
-  for (int32_t i = 0; i < padding.length; ++i) isZero = isZero && padding.bytes[i] == 0;
+  for (int32_t i = 0; i < padding.length; ++i) isZero = isZero && PeekU8(padding, i) == 0;
   if (isZero) {
     AddLine(in, padding, "Padding: %u bytes", padding.length);
   } else {
@@ -132,7 +133,7 @@ int32_t DecodeDhcp(const Place& at, Cursor c) {
   const Cursor options = OptionsOf(c);
   const Place in = Under(at, AddTopLine(at, c, options));
   const Field overload = FindOption(options, kOverload), vendor = FindOption(options, kVendorClass);
-  const uint32_t holders = overload.here && overload.length ? overload.bytes[0] : 0;
+  const uint32_t holders = overload.here && overload.length ? PeekU8(overload) : 0;
   DhcpMessage message{};
   message.vendorClass = reinterpret_cast<const char*>(vendor.bytes);
   message.vendorClassLength = vendor.length;

@@ -23,7 +23,7 @@ constexpr uint32_t kLinkLayerTime = 1, kEnterprise = 2, kLinkLayer = 3, kUuid = 
 
 void ShowDuidTime(const Place& in, const Field& field, const char* label) {
   constexpr int64_t kEpoch = 946684800;   // 2000-01-01, from which these times count
-  AddLine(in, field, "%s: %s (%u)", label, UtcText(kEpoch + ReadU32(field.bytes)), ReadU32(field.bytes));
+  AddLine(in, field, "%s: %s (%u)", label, UtcText(kEpoch + PeekU32(field)), PeekU32(field));
 }
 
 void ShowLinkLayerAddress(const Place& in, const Field& address, const char* label) {

@@ -86,7 +86,7 @@ void ShowClasslessRoutes(const Place& in, Cursor& c, DhcpMessage&) {
     const Field network = TakeBytes(c, (width.value + 7) / 8), router = TakeBytes(c, 4);
     if (!router.here) break;
     uint8_t address[4] = {};
-    for (int32_t i = 0; i < 4 && i < network.length; ++i) address[i] = network.bytes[i];
+    for (int32_t i = 0; i < 4 && i < network.length; ++i) address[i] = PeekU8(network, i);
     AddLine(in, width, "Prefix Length: %u", width.value);
     if (network.length) AddLine(in, network, "Destination: %s", IPv4Text(address));
     AddLine(in, router, "Router: %s", IPv4Text(router.bytes));

@@ -112,7 +112,7 @@ bool AreSuboptions(Cursor c) {
 
 bool IsText(const Cursor& c) {
   for (int32_t i = 0; i < c.left; ++i) {
-    if (c.at[i] < 0x20 || c.at[i] > 0x7E) return false;
+    if (PeekU8(c, i) < 0x20 || PeekU8(c, i) > 0x7E) return false;
   }
   return c.left > 0;
 }

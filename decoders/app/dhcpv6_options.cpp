@@ -40,14 +40,14 @@ constexpr auto kQuadrantNames = SortedNames({
 
 void ShowTime(const Place& in, const Field& field, const char* label) {
   constexpr int64_t kEpoch = 946684800;   // 2000-01-01, from which these times count
-  const uint32_t seconds = ReadU32(field.bytes);
+  const uint32_t seconds = PeekU32(field);
   AddLine(in, field, "%s: %s (%u)", label, UtcText(kEpoch + seconds), seconds);
 }
 
 // An identifier that its maker wrote as a text, or as octets.
 void ShowIdentifier(const Place& in, const Field& field, const char* label) {
   bool isText = true;
-  for (int32_t i = 0; i < field.length; ++i) isText = isText && field.bytes[i] >= 0x20 && field.bytes[i] < 0x7F;
+  for (int32_t i = 0; i < field.length; ++i) isText = isText && PeekU8(field, i) >= 0x20 && PeekU8(field, i) < 0x7F;
   if (isText) {
     AddLine(in, field, "%s: %s", label, Text(field));
     AppendToParent(in, field, ", %s", Text(field));
@@ -240,7 +240,7 @@ void ShowPrefixBits(const Place& in, Cursor& c, DhcpMessage& message) {
   if (bits > 128) return;
   const Field prefix = TakeBytes(c, static_cast<int32_t>(bits + 7) / 8);
   uint8_t address[16] = {};
-  for (int32_t i = 0; i < 16 && i < prefix.length; ++i) address[i] = prefix.bytes[i];
+  for (int32_t i = 0; i < 16 && i < prefix.length; ++i) address[i] = PeekU8(prefix, i);
   if (prefix.length) AddLine(in, prefix, "IPv6 Prefix: %s/%u", IPv6Text(address), bits);
   if (Left(c)) ShowDhcpv6Options(in, c, message);
 }
@@ -268,7 +268,7 @@ void ShowTranslationPrefixes(const Place& in, Cursor& c, DhcpMessage&) {
     AddLine(in, length, "%s Prefix Length: %u", kind, length.value);
     const Field prefix = TakeBytes(c, length.value > 128 ? -1 : static_cast<int32_t>(length.value + 7) / 8);
     uint8_t address[16] = {};
-    for (int32_t i = 0; i < 16 && i < prefix.length; ++i) address[i] = prefix.bytes[i];
+    for (int32_t i = 0; i < 16 && i < prefix.length; ++i) address[i] = PeekU8(prefix, i);
     if (prefix.length) AddLine(in, prefix, "%s Prefix: %s/%u", kind, IPv6Text(address), length.value);
   }
   c.ranShort = false;

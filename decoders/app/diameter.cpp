@@ -142,7 +142,7 @@ void AddDigits(const Place& in, const Field& field, const char* name) {
   char digits[64];
   int32_t used = 0;
   for (int32_t i = 0; i < field.length && used < static_cast<int32_t>(sizeof digits) - 3; ++i) {
-    const uint32_t halves[] = {field.bytes[i] & 0xFu, static_cast<uint32_t>(field.bytes[i]) >> 4};
+    const uint32_t halves[] = {PeekU8(field, i) & 0xFu, static_cast<uint32_t>(PeekU8(field, i)) >> 4};
     for (const uint32_t half : halves) {
       if (half < 15) digits[used++] = "0123456789*#abc"[half];
     }

@@ -256,7 +256,7 @@ void ShowFlowValue(const Place& in, Cursor value, uint32_t enterprise, uint32_t 
     return;
   }
   if (kind == FlowKind::kBoolean) {   // RFC 7011 6.1.5: 1 is true, 2 false
-    AddLine(in, field, "%s: %u = %s", name.text, value.at[0], value.at[0] == 1 ? "True" : "False");
+    AddLine(in, field, "%s: %u = %s", name.text, PeekU8(value), PeekU8(value) == 1 ? "True" : "False");
     return;
   }
   FlowValue out{};

@@ -17,12 +17,12 @@ bool IsImapLine(const Field& line) {
   const Field tag = TakeWord(rest);
   if (!tag.here || tag.length > 32) return false;
   for (int32_t i = 0; i < tag.length; ++i) {
-    if (tag.bytes[i] <= ' ' || tag.bytes[i] >= 0x7F) return false;
+    if (PeekU8(tag, i) <= ' ' || PeekU8(tag, i) >= 0x7F) return false;
   }
-  if (tag.length == 1 && (tag.bytes[0] == '*' || tag.bytes[0] == '+')) return true;
+  if (tag.length == 1 && (PeekU8(tag) == '*' || PeekU8(tag) == '+')) return true;
   const Field word = TakeWord(rest);
   for (int32_t i = 0; i < word.length; ++i) {
-    const uint8_t letter = word.bytes[i] | 0x20;
+    const uint8_t letter = PeekU8(word, i) | 0x20;
     if (letter < 'a' || letter > 'z') return false;
   }
   return word.here;
@@ -30,11 +30,11 @@ bool IsImapLine(const Field& line) {
 
 // The octets that a line's end announces, "{310}" or "{310+}"; -1 for none.
 int32_t LiteralOf(const Field& line) {
-  if (line.length < 3 || line.bytes[line.length - 1] != '}') return -1;
+  if (line.length < 3 || PeekU8(line, line.length - 1) != '}') return -1;
   int32_t open = line.length - 1;
-  while (open > 0 && line.bytes[open] != '{') --open;
-  const int32_t end = line.length - 1 - (line.bytes[line.length - 2] == '+');
-  return line.bytes[open] == '{' ? DecimalOf(Slice(line, open + 1, end - open - 1)) : -1;
+  while (open > 0 && PeekU8(line, open) != '{') --open;
+  const int32_t end = line.length - 1 - (PeekU8(line, line.length - 2) == '+');
+  return PeekU8(line, open) == '{' ? DecimalOf(Slice(line, open + 1, end - open - 1)) : -1;
 }
 
 void ShowLine(const Place& at, const TextLine& line) {
@@ -42,7 +42,7 @@ void ShowLine(const Place& at, const TextLine& line) {
   const Field tag = TakeWord(rest);
   Field ahead = rest;
   const Field word = TakeWord(ahead);
-  const bool isUntagged = tag.length == 1 && (tag.bytes[0] == '*' || tag.bytes[0] == '+');
+  const bool isUntagged = tag.length == 1 && (PeekU8(tag) == '*' || PeekU8(tag) == '+');
   const bool isResponse = isUntagged || IsStatus(word);
   const Place in = Under(at, AddTextLine(at, line.whole, isResponse ? "Response" : "Command", line.text));
   AddTextLine(in, tag, "Tag");

@@ -22,7 +22,7 @@ int32_t LengthUpTo(const Field& text, uint8_t end) {
   bool quoted = false;
   int32_t brackets = 0;
   for (int32_t at = 0; at < text.length; ++at) {
-    const uint8_t c = text.bytes[at];
+    const uint8_t c = PeekU8(text, at);
     if (quoted && c == '\\') ++at;
     else if (c == '"') quoted = !quoted;
     else if (!quoted && (c == '<' || c == '(')) ++brackets;
@@ -33,8 +33,8 @@ int32_t LengthUpTo(const Field& text, uint8_t end) {
 }
 
 Field WithoutSpace(Field text) {
-  while (text.length > 0 && IsSpace(text.bytes[0])) text = Slice(text, 1, text.length - 1);
-  while (text.length > 0 && IsSpace(text.bytes[text.length - 1])) text = Slice(text, 0, text.length - 1);
+  while (text.length > 0 && IsSpace(PeekU8(text))) text = Slice(text, 1, text.length - 1);
+  while (text.length > 0 && IsSpace(PeekU8(text, text.length - 1))) text = Slice(text, 0, text.length - 1);
   return text;
 }
 
@@ -54,8 +54,8 @@ void ShowAddresses(const Place& in, Field rest) {
     if (item.length == 0) continue;
     const Place under = Under(in, AddTextLine(in, item, "Mailbox"));
     int32_t open = item.length;
-    while (open > 0 && item.bytes[open - 1] != '<') --open;
-    const int32_t close = item.length - (item.bytes[item.length - 1] == '>');
+    while (open > 0 && PeekU8(item, open - 1) != '<') --open;
+    const int32_t close = item.length - (PeekU8(item, item.length - 1) == '>');
     if (open > 1) AddTextLine(under, WithoutSpace(Slice(item, 0, open - 1)), "Display Name");
     AddTextLine(under, Slice(item, open, close - open), "Address");
   }
@@ -88,7 +88,7 @@ void ShowMessageText(const Place& in, Cursor& c, bool takesDot) {
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
-    if (takesDot && line.text.length == 1 && line.text.bytes[0] == '.') {
+    if (takesDot && line.text.length == 1 && PeekU8(line.text) == '.') {
       AddLine(in, line.whole, "End of Message");
       return;
     }

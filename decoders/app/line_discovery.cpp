@@ -11,14 +11,14 @@ namespace {
 // "*KISMET: 0.0.0 1262304000 \x01name\x01 ..." from the server, "!1 ENABLE STATUS *" from the client. Words of several
 // words stand between octets of 1.
 Field TakeKismetWord(Field& rest) {
-  while (rest.length > 0 && rest.bytes[0] == ' ') rest = Slice(rest, 1, rest.length - 1);
-  if (rest.length == 0 || rest.bytes[0] != 1) return TakeWord(rest, " ");
+  while (rest.length > 0 && PeekU8(rest) == ' ') rest = Slice(rest, 1, rest.length - 1);
+  if (rest.length == 0 || PeekU8(rest) != 1) return TakeWord(rest, " ");
   rest = Slice(rest, 1, rest.length - 1);
   return TakeWord(rest, "\x01");
 }
 
 void ShowKismetLine(const Place& at, const Field& line) {
-  const bool isServer = line.bytes[0] == '*';
+  const bool isServer = PeekU8(line) == '*';
   const Place in = Under(at, AddTextLine(at, line, isServer ? "Sentence" : "Request"));
   Field rest = Slice(line, 1, line.length - 1);
   if (isServer) {
@@ -34,7 +34,7 @@ void ShowKismetLine(const Place& at, const Field& line) {
   }
 }
 
-bool IsKismetLine(const Field& line) { return line.length > 2 && (line.bytes[0] == '*' || line.bytes[0] == '!'); }
+bool IsKismetLine(const Field& line) { return line.length > 2 && (PeekU8(line) == '*' || PeekU8(line) == '!'); }
 
 constexpr const char* kZephyrFields[] = {
     "Version", "Number of Fields", "Kind", "UID", "Port", "Authentication", "Authenticator Length", "Authenticator",
@@ -50,7 +50,7 @@ uint32_t ZephyrNumber(const Field& field) {
   uint32_t number = 0;
   if (field.length != 10) return UINT32_MAX;
   for (int32_t i = 2; i < 10; ++i) {
-    const uint8_t c = field.bytes[i];
+    const uint8_t c = PeekU8(field, i);
     const uint32_t digit = c >= '0' && c <= '9' ? c - '0' : (c | 0x20) >= 'a' && (c | 0x20) <= 'f' ? (c | 0x20) - 87u : 16;
     if (digit > 15) return UINT32_MAX;
     number = number << 4 | digit;
@@ -61,7 +61,7 @@ uint32_t ZephyrNumber(const Field& field) {
 // A text up to its zero octet, which is taken, too.
 Field TakeZephyrField(Cursor& c) {
   int32_t end = 0;
-  while (end < Left(c) && c.at[end] != 0) ++end;
+  while (end < Left(c) && PeekU8(c, end) != 0) ++end;
   const Field field = TakeBytes(c, end);
   TakeBytes(c, Left(c) > 0 ? 1 : 0);
   return field;
@@ -91,7 +91,7 @@ int32_t DecodeKismet(const Place& at, Cursor c) {
   TextLine line;
   Cursor ahead = c;
   if (!TakeLine(ahead, line) || !IsKismetLine(line.text)) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Kismet: %s", line.text.bytes[0] == '*' ? "Server" : "Client"));
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Kismet: %s", PeekU8(line.text) == '*' ? "Server" : "Client"));
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
     if (IsKismetLine(line.text)) {

@@ -32,7 +32,7 @@ void ShowMetric(const Place& at, const Field& line) {
     const Field part = TakeWord(rest, "|");
     if (!part.here) continue;
     const Field behind = Slice(part, 1, part.length - 1);
-    switch (part.bytes[0]) {
+    switch (PeekU8(part)) {
       case '@': AddTextLine(in, part, "Sample Rate", behind); break;
       case '#': AddTextLine(in, part, "Tags", behind); break;
       case 'T': AddTextLine(in, part, "Timestamp", behind); break;
@@ -56,8 +56,8 @@ void ShowPoint(const Place& at, const Field& line) {
   AddTextLine(in, TakeWord(rest), "Value");
   const Field time = TakeWord(rest);
   const int64_t seconds = time.here && time.length == 10 ? DecimalOf(Slice(time, 0, 9)) : -1;
-  if (seconds >= 0 && time.bytes[9] >= '0' && time.bytes[9] <= '9') {
-    AddLine(in, time, "Timestamp: %s (%s)", Text(time), UtcText(seconds * 10 + (time.bytes[9] - '0')));
+  if (seconds >= 0 && PeekU8(time, 9) >= '0' && PeekU8(time, 9) <= '9') {
+    AddLine(in, time, "Timestamp: %s (%s)", Text(time), UtcText(seconds * 10 + (PeekU8(time, 9) - '0')));
   } else if (time.here) {
     AddTextLine(in, time, "Timestamp");
   }

@@ -120,12 +120,13 @@ constexpr auto kPrivateHeader = Rows<Ntp>({
 
 // Differences of times: seconds and their fraction, half of the field each, with a sign.
 void ShowSpan(const Place& in, const Field& field, const char* label) {
-  const uint32_t span = ReadU32(field.bytes);
+  const uint32_t span = PeekU32(field);
   const bool isNegative = span >> 31;
   AddLine(in, field, "%s: %s%s", label, isNegative ? "-" : "", NtpSpanText(isNegative ? 0u - span : span));
 }
 void ShowOffset(const Place& in, const Field& field, const char* label) {
-  const uint64_t bits = ReadU64(field.bytes);
+  Cursor over = CursorOver(field);
+  const uint64_t bits = TakeU64(over).wide;
   const bool isNegative = bits >> 63;
   const uint64_t offset = isNegative ? 0 - bits : bits;
   const uint64_t fraction = (offset & 0xFFFFFFFF) * 1000000000 >> 32;
@@ -394,17 +395,17 @@ void DecodeTime(const Place& in, Cursor& c, Ntp& ntp) {
 void ShowVariables(const Place& in, Cursor& c) {
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    if (c.at[0] <= ' ' || c.at[0] == ',') {
+    if (PeekU8(c) <= ' ' || PeekU8(c) == ',') {
       TakeU8(c);
       continue;
     }
     int32_t length = 0, equals = 0;
     bool quoted = false;
     for (; length < Left(c); ++length) {
-      const uint8_t next = c.at[length];
+      const uint8_t next = PeekU8(c, length);
       if (!quoted && (next == ',' || next == '\r' || next == 0)) break;
-      if (c.at[length] == '"') quoted = !quoted;
-      if (c.at[length] == '=' && equals == 0) equals = length;
+      if (PeekU8(c, length) == '"') quoted = !quoted;
+      if (PeekU8(c, length) == '=' && equals == 0) equals = length;
     }
     if (length == 0) break;
     const Field variable = TakeBytes(c, length);
@@ -457,7 +458,7 @@ void DecodeControl(const Place& in, Cursor& c, Ntp& ntp) {
 
 bool IsZero(const Field& field) {
   for (int32_t i = 0; i < field.length; ++i) {
-    if (field.bytes[i]) return false;
+    if (PeekU8(field, i)) return false;
   }
   return true;
 }

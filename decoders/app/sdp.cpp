@@ -55,8 +55,8 @@ void ShowTime(const Place& in, const Field& word, const char* label) {
   constexpr int64_t kTo1970 = 2208988800;
   int64_t seconds = 0;
   for (int32_t i = 0; i < word.length && seconds < 100000000000; ++i) {
-    if (word.bytes[i] < '0' || word.bytes[i] > '9') return (void)AddTextLine(in, word, label);
-    seconds = seconds * 10 + (word.bytes[i] - '0');
+    if (PeekU8(word, i) < '0' || PeekU8(word, i) > '9') return (void)AddTextLine(in, word, label);
+    seconds = seconds * 10 + (PeekU8(word, i) - '0');
   }
   if (seconds < kTo1970) {
     AddTextLine(in, word, label);
@@ -139,17 +139,17 @@ int32_t DecodeSdp(const Place& at, Cursor c) {
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
-    if (line.text.length < 2 || line.text.bytes[1] != '=') {
+    if (line.text.length < 2 || PeekU8(line.text, 1) != '=') {
       if (line.text.length > 0) AddTextLine(level, line.whole, "Text", line.text);
       continue;
     }
     const Field value = Slice(line.text, 2, line.text.length - 2);
-    if (line.text.bytes[0] == 'm') {
+    if (PeekU8(line.text) == 'm') {
       level = Under(in, AddTextLine(in, line.whole, "Media", value));
       AppendToLine(at, title, ", %s", Text(value));
       ShowMedia(level, value);
     } else {
-      ShowLine(level, line, line.text.bytes[0], value);
+      ShowLine(level, line, PeekU8(line.text), value);
     }
   }
   return 1;

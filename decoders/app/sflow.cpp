@@ -274,9 +274,10 @@ int32_t DecodeSflow(const Place& at, Cursor c) {
   if ((version != 2 && version != 4 && version != 5) || (type != kAddress4 && type != kAddress6)) return 0;
   if (Left(c) < header) return 0;
   const LineHandle top = type == kAddress4
-                             ? AddLine(at, Ahead(c, header), "sFlow: Version %u, Agent %s", version, IPv4Text(c.at + 8))
+                             ? AddLine(at, Ahead(c, header), "sFlow: Version %u, Agent %s", version,
+                                       IPv4Text(PeekBytes(c, 8, 4).bytes))
                              : AddLine(at, Ahead(c, header), "sFlow: Version %u, Agent %s", version,
-                                       IPv6Text(c.at + 8));
+                                       IPv6Text(PeekBytes(c, 8, 16).bytes));
   const Place in = Under(at, top);
   Sample sample{};
   ShowRows<Sample>(in, c, kVersion, sample);

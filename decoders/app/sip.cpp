@@ -38,7 +38,7 @@ constexpr HeaderRow kHeaders[] = {
 const HeaderRow* FindHeader(const Field& name) {
   for (const HeaderRow& row : kHeaders) {
     if (IsWord(name, row.name)) return &row;
-    if (row.compact && name.length == 1 && (name.bytes[0] | 0x20) == row.compact) return &row;
+    if (row.compact && name.length == 1 && (PeekU8(name) | 0x20) == static_cast<uint8_t>(row.compact)) return &row;
   }
   return nullptr;
 }
@@ -47,7 +47,7 @@ const HeaderRow* FindHeader(const Field& name) {
 int32_t LengthUpTo(const Field& text, const char* ends) {
   bool quoted = false, inBrackets = false;
   for (int32_t at = 0; at < text.length; ++at) {
-    const uint8_t c = text.bytes[at];
+    const uint8_t c = PeekU8(text, at);
     if (quoted && c == '\\') {
       ++at;
     } else if (c == '"') {
@@ -72,7 +72,7 @@ Field TakePiece(Field& rest, const char* ends) {
 
 int32_t FindByte(const Field& text, uint8_t wanted) {
   for (int32_t at = 0; at < text.length; ++at) {
-    if (text.bytes[at] == wanted) return at;
+    if (PeekU8(text, at) == wanted) return at;
   }
   return -1;
 }
@@ -81,9 +81,9 @@ int32_t FindByte(const Field& text, uint8_t wanted) {
 int32_t FindBracket(const Field& text) {
   bool quoted = false;
   for (int32_t at = 0; at < text.length; ++at) {
-    if (quoted && text.bytes[at] == '\\') ++at;
-    else if (text.bytes[at] == '"') quoted = !quoted;
-    else if (!quoted && text.bytes[at] == '<') return at;
+    if (quoted && PeekU8(text, at) == '\\') ++at;
+    else if (PeekU8(text, at) == '"') quoted = !quoted;
+    else if (!quoted && PeekU8(text, at) == '<') return at;
   }
   return -1;
 }
@@ -168,7 +168,7 @@ void ShowVia(const Place& in, Field rest) {
     Field first = TakePiece(parameters, ";");
     const Field protocol = TakeWord(first);
     int32_t slash = protocol.length;
-    while (slash > 0 && protocol.bytes[slash - 1] != '/') --slash;
+    while (slash > 0 && PeekU8(protocol, slash - 1) != '/') --slash;
     AddTextLine(in, Slice(protocol, slash, protocol.length - slash), "Transport");
     ShowHostPort(in, Trimmed(first));
     ShowParameters(in, parameters, ";");

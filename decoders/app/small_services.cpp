@@ -59,7 +59,7 @@ void ShowPorts(const Place& in, Field& text) {
 
 // One character of type, what is shown, and how it is asked for: selector, host and port behind tabs.
 void ShowMenuItem(const Place& at, const TextLine& line) {
-  const uint32_t type = line.text.bytes[0];
+  const uint32_t type = PeekU8(line.text);
   const Place in = Under(at, AddTextLine(at, line.whole, "Menu Item", line.text));
   AddLine(in, Slice(line.text, 0, 1), "Type: %s = %s", Text(Slice(line.text, 0, 1)), LookupName(kItemNames, type));
   Field rest = Slice(line.text, 1, line.text.length - 1);
@@ -139,7 +139,7 @@ int32_t DecodeRWhois(const Place& at, Cursor c) {
   Loop loop;
   TextLine line;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
-    const uint32_t first = line.text.length > 0 ? line.text.bytes[0] : 0;
+    const uint32_t first = line.text.length > 0 ? PeekU8(line.text) : 0;
     AddTextLine(in, line.whole, first == '-' ? "Directive" : first == '%' ? "Response" : "Line", line.text);
   }
   return 1;
@@ -155,7 +155,7 @@ int32_t DecodeGopher(const Place& at, Cursor c) {
   TextLine line;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
     int32_t tabs = 0;
-    for (int32_t i = 0; i < line.text.length; ++i) tabs += line.text.bytes[i] == '\t';
+    for (int32_t i = 0; i < line.text.length; ++i) tabs += PeekU8(line.text, i) == '\t';
     if (tabs >= kTabsOfItem) {
       ShowMenuItem(in, line);
     } else {

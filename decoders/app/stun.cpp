@@ -69,14 +69,14 @@ void ShowType(const Place& in, const Field& type, bool isClassic) {
 }
 
 bool HasCookie(const Cursor& c) {
-  return Left(c) >= kStunHeaderSize && (c.at[0] & 0xC0) == 0 && PeekU32(c, 4) == kStunCookie;
+  return Left(c) >= kStunHeaderSize && (PeekU8(c) & 0xC0) == 0 && PeekU32(c, 4) == kStunCookie;
 }
 bool IsClassic(const Cursor& c) {
   return Left(c) >= kStunHeaderSize && kStunHeaderSize + PeekU16(c, 2) <= static_cast<uint32_t>(Left(c)) &&
          LookupName(kClassicTypeNames, PeekU16(c), nullptr);
 }
 bool IsFramed(const Cursor& c) {
-  return Left(c) >= kStunHeaderSize + 2 && (c.at[2] & 0xC0) == 0 && PeekU32(c, 6) == kStunCookie;
+  return Left(c) >= kStunHeaderSize + 2 && (PeekU8(c, 2) & 0xC0) == 0 && PeekU32(c, 6) == kStunCookie;
 }
 bool IsChannelData(const Cursor& c) {
   const int32_t data = static_cast<int32_t>(PeekU16(c, 2));
@@ -91,7 +91,7 @@ void DecodeMessage(const Place& at, Cursor& c, bool isFramed) {
   const int32_t declared = kStunHeaderSize + static_cast<int32_t>(PeekU16(c, 2));
   Stun stun{};
   stun.isClassic = isClassic;
-  stun.mask = c.at + 4;
+  stun.mask = PeekBytes(c, 4, 16);
   stun.message = Ahead(c, declared < Left(c) ? declared : Left(c));
   const Field whole = Ahead(start, stun.message.length + (isFramed ? 2 : 0));
   const LineHandle line =

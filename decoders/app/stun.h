@@ -17,7 +17,7 @@ bool StartsStun(const Cursor& c);
 struct Stun {
   Place top;             // the message's line, which says the main addresses as well
   Field message;         // header and attributes, as far as they are there
-  const uint8_t* mask;   // cookie and transaction ID, by which addresses are hidden
+  Field mask;   // cookie and transaction ID, by which addresses are hidden
   bool isClassic;        // RFC 3489: without a cookie
   bool toldMapped, toldPeer;   // what the line said of them
   Field size;

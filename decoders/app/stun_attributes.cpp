@@ -56,9 +56,9 @@ ShownAddress ShowAddressFields(const Place& in, Cursor& c, const Stun& stun, boo
   shown.isSix = family.value == 2;
   shown.port = TakeU16(c);
   shown.address = TakeBytes(c, shown.isSix ? 16 : 4);
-  shown.portNumber = shown.port.value ^ (isHidden ? ReadU16(stun.mask) : 0);
+  shown.portNumber = shown.port.value ^ (isHidden ? PeekU16(stun.mask) : 0);
   for (int32_t i = 0; i < shown.address.length; ++i) {
-    shown.bytes[i] = shown.address.bytes[i] ^ (isHidden ? stun.mask[i] : uint8_t{0});
+    shown.bytes[i] = static_cast<uint8_t>(PeekU8(shown.address, i) ^ (isHidden ? PeekU8(stun.mask, i) : 0));
   }
   if (!isHidden) {
     AddLine(in, shown.port, "Port: %u", shown.portNumber);

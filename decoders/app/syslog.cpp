@@ -54,7 +54,7 @@ Priority PriorityOf(const Cursor& c) {
 // Where a character stands ahead; what is left where it does not.
 int32_t Find(const Cursor& c, char character) {
   int32_t at = 0;
-  while (at < Left(c) && c.at[at] != static_cast<uint8_t>(character)) ++at;
+  while (at < Left(c) && PeekU8(c, at) != static_cast<uint8_t>(character)) ++at;
   return at;
 }
 
@@ -83,17 +83,17 @@ Field TakeWord(const Place& in, Cursor& c, const char* label) {
 // [ID name="value" name="value"]: quotes and brackets in values stand behind a backslash.
 int32_t FindQuote(const Cursor& c) {
   int32_t at = 0;
-  while (at < Left(c) && c.at[at] != '"') at += c.at[at] == '\\' ? 2 : 1;
+  while (at < Left(c) && PeekU8(c, at) != '"') at += PeekU8(c, at) == '\\' ? 2 : 1;
   return at < Left(c) ? at : Left(c);
 }
 int32_t ElementLength(const Cursor& c) {
   bool quoted = false;
   for (int32_t at = 0; at < Left(c); ++at) {
-    if (c.at[at] == '\\' && quoted) {
+    if (PeekU8(c, at) == '\\' && quoted) {
       ++at;
-    } else if (c.at[at] == '"') {
+    } else if (PeekU8(c, at) == '"') {
       quoted = !quoted;
-    } else if (c.at[at] == ']' && !quoted) {
+    } else if (PeekU8(c, at) == ']' && !quoted) {
       return at + 1;
     }
   }
@@ -138,7 +138,7 @@ void ShowStructuredData(const Place& in, Cursor& c) {
 // What is ahead without what senders end it with: zeros and line ends.
 int32_t MessageLength(const Cursor& c) {
   int32_t length = Left(c);
-  while (length > 0 && c.at[length - 1] < ' ') --length;
+  while (length > 0 && PeekU8(c, length - 1) < ' ') --length;
   return length;
 }
 
@@ -181,11 +181,12 @@ void ShowHeader(const Place& in, Cursor& c) {
 // "Sep 12 19:16:12" or "2013-09-12T19:16:34+04:00" ahead: its length, 0 for neither.
 int32_t TimestampLength(const Cursor& c) {
   constexpr int32_t kSize = 15;
-  const bool isOld = Left(c) > kSize && c.at[3] == ' ' && c.at[6] == ' ' && c.at[9] == ':' && c.at[12] == ':' &&
-                     IsDigit(c.at[5]) && IsDigit(c.at[7]) && IsDigit(c.at[14]) && c.at[kSize] == ' ';
+  const bool isOld = Left(c) > kSize && PeekU8(c, 3) == ' ' && PeekU8(c, 6) == ' ' && PeekU8(c, 9) == ':' &&
+                     PeekU8(c, 12) == ':' && IsDigit(PeekU8(c, 5)) && IsDigit(PeekU8(c, 7)) && IsDigit(PeekU8(c, 14)) &&
+                     PeekU8(c, kSize) == ' ';
   if (isOld) return kSize;
-  const bool isNew = Left(c) > 19 && IsDigit(c.at[0]) && c.at[4] == '-' && c.at[7] == '-' && c.at[10] == 'T' &&
-                     c.at[13] == ':';
+  const bool isNew = Left(c) > 19 && IsDigit(PeekU8(c)) && PeekU8(c, 4) == '-' && PeekU8(c, 7) == '-' &&
+                     PeekU8(c, 10) == 'T' && PeekU8(c, 13) == ':';
   const int32_t length = Find(c, ' ');
   return isNew && length < Left(c) ? length : 0;
 }
@@ -193,8 +194,8 @@ int32_t TimestampLength(const Cursor& c) {
 // A tag ends at the first character that is no letter, digit or sign of a program's name.
 int32_t TagLength(const Cursor& c) {
   int32_t at = 0;
-  while (at < Left(c) && c.at[at] != ':' && c.at[at] != '[' && c.at[at] != ' ') ++at;
-  const bool ends = at > 0 && at < Left(c) && c.at[at] != ' ';
+  while (at < Left(c) && PeekU8(c, at) != ':' && PeekU8(c, at) != '[' && PeekU8(c, at) != ' ') ++at;
+  const bool ends = at > 0 && at < Left(c) && PeekU8(c, at) != ' ';
   return ends ? at : 0;
 }
 

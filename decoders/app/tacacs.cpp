@@ -119,12 +119,12 @@ void ShowSized(const Place& in, Cursor& c, const RowTable<TacacsPlus, kRows>& ta
 // Argument lengths stand in front of the texts that the arguments are behind.
 void ShowArgumentLengths(const Place& in, const Field& lengths) {
   for (int32_t i = 0; i < lengths.length; ++i) {
-    AddLine(in, Slice(lengths, i, 1), "Argument %d Length: %u", i + 1, uint32_t{lengths.bytes[i]});
+    AddLine(in, Slice(lengths, i, 1), "Argument %d Length: %u", i + 1, uint32_t{PeekU8(lengths, i)});
   }
 }
 void ShowArguments(const Place& in, Cursor& c, const Field& lengths) {
   for (int32_t i = 0; i < lengths.length; ++i) {
-    const Field argument = TakeBytes(c, lengths.bytes[i]);
+    const Field argument = TakeBytes(c, PeekU8(lengths, i));
     AddLine(in, argument, "Argument %d: %s", i + 1, Text(argument));
   }
 }

@@ -54,11 +54,7 @@ void ShowOptions(const Place& in, Cursor& c) {
 }
 
 // Whether a mode follows the name: what else comes to the port is none of ours.
-bool IsRequest(const Cursor& c) {
-  const uint8_t* name = c.at + 2;
-  const size_t left = static_cast<size_t>(Left(c) - 2);
-  return left > 0 && name[0] != 0 && strnlen(reinterpret_cast<const char*>(name), left) < left;
-}
+bool IsRequest(const Cursor& c) { return PeekU8(c, 2) != 0 && FindU8(c, 0, 3) > 0; }
 
 void ShowMessage(const Place& in, Cursor& c, uint32_t operation) {
   Tftp tftp{};

@@ -13,11 +13,10 @@ constexpr int32_t kMostDepth = 32;
 // The bytes up to a mark, which is taken, too; all that are left where there is none.
 Field TakeUpTo(Cursor& c, const char* mark) {
   const int32_t length = static_cast<int32_t>(std::strlen(mark));
-  for (int32_t at = 0; at + length <= Left(c); ++at) {
-    const void* found = std::memchr(c.at + at, mark[0], static_cast<size_t>(Left(c) - at));
-    if (!found) break;
-    at = static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at);
-    if (at + length > Left(c) || std::memcmp(c.at + at, mark, static_cast<size_t>(length)) != 0) continue;
+  const uint8_t first = static_cast<uint8_t>(mark[0]);
+  for (int32_t at = FindU8(c, first); at >= 0; at = FindU8(c, first, at + 1)) {
+    const Field there = PeekBytes(c, at, length);
+    if (!there.here || std::memcmp(there.bytes, mark, static_cast<size_t>(length)) != 0) continue;
     const Field inside = TakeBytes(c, at);
     TakeBytes(c, length);
     return inside;
@@ -27,8 +26,8 @@ Field TakeUpTo(Cursor& c, const char* mark) {
 
 // Character data in front of the next markup, blanks at both ends left out.
 Field TakeText(Cursor& c) {
-  const void* found = Left(c) > 0 ? std::memchr(c.at, '<', static_cast<size_t>(Left(c))) : nullptr;
-  const Field all = TakeBytes(c, found ? static_cast<int32_t>(static_cast<const uint8_t*>(found) - c.at) : Left(c));
+  const int32_t markup = FindU8(c, '<');
+  const Field all = TakeBytes(c, markup < 0 ? Left(c) : markup);
   int32_t start = 0, end = all.length;
   while (start < end && IsSpace(PeekU8(all, start))) ++start;
   while (end > start && IsSpace(PeekU8(all, end - 1))) --end;
@@ -181,7 +180,7 @@ Field SoleText(Cursor c) {
 Cursor BehindStartTag(Cursor c) {
   uint8_t mark = 0;
   while (Left(c) > 0) {
-    const uint8_t at = TakeBytes(c, 1).bytes[0];
+    const uint8_t at = static_cast<uint8_t>(TakeU8(c).value);
     if (mark) {
       if (at == mark) mark = 0;
     } else if (at == '"' || at == '\'') {

@@ -32,13 +32,13 @@ constexpr uint32_t kPaddedFlag = 0x20;
 struct RadiotapWalk {
   Cursor header;
   int32_t word = 4;   // offset of the present word
-  int32_t at = 8;     // offset of the next field
+  int32_t next = 8;   // offset of the next field
   int32_t bit = 0;
 };
 
 RadiotapWalk StartWalk(Cursor c) {
   RadiotapWalk walk{TakeCursor(c, PeekLittleU16(c, 2))};
-  while (walk.at + 4 <= Left(walk.header) && (PeekU8(walk.header, walk.at - 1) & 0x80)) walk.at += 4;
+  while (walk.next + 4 <= Left(walk.header) && (PeekU8(walk.header, walk.next - 1) & 0x80)) walk.next += 4;
   return walk;
 }
 
@@ -50,8 +50,8 @@ Field NextField(RadiotapWalk& walk, int32_t* bit) {
     for (; walk.bit < kFieldCount; ++walk.bit) {
       if (!(present >> walk.bit & 1)) continue;
       const RadiotapField known = kFields[walk.bit];
-      const int32_t start = (walk.at + known.alignment - 1) / known.alignment * known.alignment;
-      walk.at = start + known.size;
+      const int32_t start = (walk.next + known.alignment - 1) / known.alignment * known.alignment;
+      walk.next = start + known.size;
       *bit = walk.bit++;
       return PeekBytes(walk.header, start, known.size);
     }

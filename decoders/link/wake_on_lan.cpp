@@ -2,8 +2,6 @@
 // sixteen times behind six octets of ones, wherever it stands in a frame. Sent in UDP datagrams and as an Ethertype.
 #include "decoders/link/wake_on_lan.h"
 
-#include <cstring>
-
 #include "core/decoder.h"
 
 namespace qxview {
@@ -17,18 +15,17 @@ constexpr int32_t kPacket = kOnes + kTimes * kAddress;
 bool LooksLikeMagicPacket(const Cursor& c) {
   if (Left(c) < kPacket) return false;
   for (int32_t i = 0; i < kOnes; ++i) {
-    if (c.at[i] != 0xFF) return false;
+    if (PeekU8(c, i) != 0xFF) return false;
   }
-  const uint8_t* first = c.at + kOnes;
-  for (int32_t i = 1; i < kTimes; ++i) {
-    if (std::memcmp(first, first + i * kAddress, kAddress) != 0) return false;
+  for (int32_t i = kOnes + kAddress; i < kPacket; ++i) {
+    if (PeekU8(c, i) != PeekU8(c, i - kAddress)) return false;
   }
   return true;
 }
 
 int32_t DecodeWakeOnLan(const Place& at, Cursor c) {
   if (!LooksLikeMagicPacket(c)) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Wake-on-LAN: %s", MacText(c.at + kOnes)));
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Wake-on-LAN: %s", MacText(PeekBytes(c, kOnes, kAddress).bytes)));
   const Field ones = TakeBytes(c, kOnes);
   AddLine(in, ones, "Synchronization Stream: %s", HexText(ones));
   const Place addresses = Under(in, AddLine(in, Ahead(c, kTimes * kAddress), "Target: %s, 16 times", MacText(c.at)));
