@@ -9,6 +9,7 @@
 #include "decoders/app/rtcp.h"
 
 #include "core/decoder.h"
+#include "decoders/app/rtcp_feedback.h"
 
 namespace qxview {
 namespace {
@@ -17,15 +18,11 @@ constexpr auto kItemNames = SortedNames({{0, "END"}, {1, "CNAME"}, {2, "NAME"}, 
                                          {6, "TOOL"}, {7, "NOTE"}, {8, "PRIV"}});
 constexpr auto kTransportFeedbackNames = SortedNames({{1, "Generic NACK"}, {3, "TMMBR"}, {4, "TMMBN"},
                                                       {5, "RTCP-SR-REQ"}, {6, "RAMS"}, {7, "TLLEI"},
-                                                      {8, "RTCP-ECN-FB"}, {9, "PAUSE-RESUME"}, {10, "DBI"},
+                                                      {8, "RTCP-ECN-FB"}, {9, "PAUSE-RESUME"}, {10, "DBI"}, {11, "CCFB"},
                                                       {15, "Transport-Wide"}});
 constexpr auto kPayloadFeedbackNames = SortedNames({{1, "PLI"}, {2, "SLI"}, {3, "RPSI"}, {4, "FIR"}, {5, "TSTR"},
                                                     {6, "TSTN"}, {7, "VBCM"}, {8, "PSLEI"}, {9, "ROI"},
                                                     {15, "Application Layer Feedback"}});
-constexpr auto kReportNames = SortedNames({{1, "Loss RLE"}, {2, "Duplicate RLE"}, {3, "Packet Receipt Times"},
-                                           {4, "Receiver Reference Time"}, {5, "DLRR"}, {6, "Statistics Summary"},
-                                           {7, "VoIP Metrics"}});
-
 uint32_t Millionths(uint32_t fraction) { return static_cast<uint32_t>(uint64_t{fraction} * 1000000 >> 32); }
 
 void AddSource(const Place& in, Cursor& c, const char* who) {
@@ -125,9 +122,11 @@ void DecodeApplication(const Place& in, Cursor& c) {
   AddBlock(in, Rest(c), "Application Data");
 }
 
-void DecodeFeedback(const Place& in, Cursor& c) {
+void DecodeFeedback(const Place& in, Cursor& c, const RtcpHeader& header) {
   AddSource(in, c, "Sender SSRC");
-  AddSource(in, c, "Media Source SSRC");
+  const bool hasStreams = header.type == kRtcpTransportFeedback && header.count == kRtcpCongestionFeedback;
+  if (!hasStreams) AddSource(in, c, "Media Source SSRC");
+  DecodeRtcpFeedback(in, c, header.type, header.count);
   AddBlock(in, Rest(c), "Feedback Control Information");
 }
 
@@ -136,11 +135,7 @@ void DecodeExtendedReport(const Place& in, Cursor& c) {
   Loop loop;
   while (MoreAt(in, c, loop)) {
     const int32_t words = Left(c) >= 4 ? static_cast<int32_t>(PeekU16(c, 2)) : 0;
-    Cursor block = TakeCursor(c, 4 + 4 * words);
-    const LineHandle line = AddLine(in, Ahead(block, Left(block)), "Report Block: %u = %s, %u bytes", PeekU8(block),
-                                    LookupName(kReportNames, PeekU8(block)), Left(block));
-    TakeU32(block);
-    AddBlock(Under(in, line), Rest(block), "Report Block Data");
+    DecodeRtcpReport(in, TakeCursor(c, 4 + 4 * words));
   }
 }
 
@@ -189,7 +184,7 @@ void DecodeBody(const Place& in, Cursor& c, const RtcpHeader& header) {
     case kRtcpGoodbye: DecodeGoodbye(in, c, header.count); break;
     case kRtcpApplication: DecodeApplication(in, c); break;
     case kRtcpTransportFeedback:
-    case kRtcpPayloadFeedback: DecodeFeedback(in, c); break;
+    case kRtcpPayloadFeedback: DecodeFeedback(in, c, header); break;
     case kRtcpExtendedReport: DecodeExtendedReport(in, c); break;
     default: break;
   }

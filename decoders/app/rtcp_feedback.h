@@ -1,0 +1,14 @@
+// The bodies of RTCP's feedback messages and extended reports by their formats.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+constexpr uint32_t kRtcpCongestionFeedback = 11;   // of 205; each of its streams names its own source
+
+// What stands behind the sources of transport-layer (205) and payload-specific (206) feedback.
+void DecodeRtcpFeedback(const Place& in, Cursor& c, uint32_t packetType, uint32_t format);
+// A block of an extended report (207), its header included.
+void DecodeRtcpReport(const Place& in, Cursor c);
+
+}  // namespace qxview
