@@ -4,7 +4,8 @@
   tests/golden_test.py             compares
   tests/golden_test.py --update    writes golden/ anew: read the difference before it is committed
 
-golden/LIST names a sample a line and the packets of it that are kept.
+golden/LIST names a sample a line, the packets of it that are kept, and options that they are decoded with: these are in the
+name of what is kept.
 """
 import difflib
 import os
@@ -16,8 +17,8 @@ QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build/qxview"))
 GOLDEN = os.path.join(ROOT, "golden")
 
 
-def decode(sample, packets):
-    return subprocess.run([QXVIEW, "decode", "--ranges", "--color=never", "--packets", packets,
+def decode(sample, packets, options):
+    return subprocess.run([QXVIEW, "decode", "--ranges", "--color=never", *options, "--packets", packets,
                            os.path.join(ROOT, "samples", sample)], capture_output=True, check=True,
                           env={**os.environ, "XDG_CONFIG_HOME": "/nonexistent"}).stdout.decode()
 
@@ -26,9 +27,10 @@ def main():
     passed = failed = 0
     with open(os.path.join(GOLDEN, "LIST"), encoding="ascii") as file:
         rows = [line.split() for line in file if line.strip() and not line.startswith("#")]
-    for sample, packets in rows:
-        path = os.path.join(GOLDEN, os.path.splitext(sample)[0] + ".txt")
-        now = decode(sample, packets)
+    for sample, packets, *options in rows:
+        kept_as = os.path.splitext(sample)[0] + "".join(option[1:] for option in options)
+        path = os.path.join(GOLDEN, kept_as + ".txt")
+        now = decode(sample, packets, options)
         if "--update" in sys.argv:
             with open(path, "w", encoding="utf-8") as file:
                 file.write(now)
