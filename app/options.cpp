@@ -78,6 +78,8 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
                     &options->host.definitions);
   command->AddFileName("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
   command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);
+  command->AddFlag("--modern", "the same as --set Modern=1: all records of DNS, and bad checksums end nothing",
+                   &options->modern);
   command->AddFlag("-l", "flush the output after every packet", &options->flushEachPacket);
   command->AddChoice<ColorChoice>(
       "--color", "WHEN", "colours: auto, always or never",
@@ -125,6 +127,7 @@ void FindSettings(HostOptions* options) {
 }
 
 int FinishReadingOptions(ReadingOptions* options) {
+  if (options->modern) options->host.settings.insert(options->host.settings.begin(), "Modern=1");
   FindSettings(&options->host);
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;

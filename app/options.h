@@ -29,6 +29,7 @@ struct ReadingOptions {
   std::string filesFrom;            // a list of further ones
   bool merge = false;               // they are one run, by time
   bool keepGoing = false;           // a file fault does not end the command
+  bool modern = false;              // the setting of this name, in front of those that are given
   bool prefixFile = false;          // what is written of a packet says its file
   PacketSelection selection;
   uint64_t count = UINT64_MAX;

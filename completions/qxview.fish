@@ -2,9 +2,9 @@
 function __qxview_settings
   string join \n -- \
       AliasFile CharacterSet CleanText CustomLibrary0 CustomLibrary1 CustomLibrary2 CustomLibrary3 CustomLibrary4 \
-      CustomLibrary5 CustomLibrary6 CustomLibrary7 DetectionFlags DetectionFlags2 DynamicDetection Expand2ndLevel \
+      CustomLibrary5 CustomLibrary6 CustomLibrary7 DetectionFlags DetectionFlags2 DnsRecords DynamicDetection Expand2ndLevel \
       Expand3rdLevel Expand4thLevel ExternalDecoder ExternalDecoderPort ForcedDecoding ForcedProtocolChoice \
-      ForcedSkipBytes ForcedStartProtocol MibModules MibPath RangeFilterLength RangeFilterOn RangeFilterStart \
+      ForcedSkipBytes ForcedStartProtocol IgnoreChecksums MibModules MibPath Modern RangeFilterLength RangeFilterOn RangeFilterStart \
       TdsDetectionOff TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 \
       TypeOfServiceFieldName2 TypeOfServiceFieldName3 TypeOfServiceFieldName4 TypeOfServiceFieldName5 \
       TypeOfServiceFieldName6 TypeOfServiceFieldName7 TypeOfServiceMode | string replace -r '$' '='
@@ -46,6 +46,7 @@ complete -c qxview -n "__fish_seen_subcommand_from $reading" -s l -d 'flush afte
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l color -x -a 'auto always never' -d 'colours'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l files-from -r -d 'further captures, a line each'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l merge -d 'several captures as one, by time'
+complete -c qxview -n "__fish_seen_subcommand_from $reading" -l modern -d 'all records of DNS, and bad checksums end nothing'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l keep-going -d 'go on behind a bad capture'
 complete -c qxview -n '__fish_seen_subcommand_from decode find list print' -l prefix-file -d 'the file in front of every line'
 complete -c qxview -n '__fish_seen_subcommand_from decode' -l format -x -a 'tree text json' -d 'output format'
@@ -55,7 +56,6 @@ complete -c qxview -n '__fish_seen_subcommand_from decode' -s x -d 'the bytes of
 complete -c qxview -n '__fish_seen_subcommand_from find' -l backward -d 'the last match'
 complete -c qxview -n '__fish_seen_subcommand_from decode list' -s t -x -a 'r d dd a u e i' -d 'times'
 complete -c qxview -n '__fish_seen_subcommand_from list' -l wide -d 'not cut to the terminal'
-complete -c qxview -n '__fish_seen_subcommand_from protocols' -l fields -d 'the keys of their lines'
 complete -c qxview -n '__fish_seen_subcommand_from protocols' -l format -x -a 'text json' -d 'output format'
 complete -c qxview -n '__fish_seen_subcommand_from print' -s o -r -d 'output file'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l format -x -a 'pcap pcapng bfr' -d 'file format'

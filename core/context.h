@@ -44,6 +44,7 @@ struct NetworkState {
   int32_t totalLength;       // bytes of the transport's data that the network header declares
   bool fragmented;           // a fragment, the first included
   bool moreFragments;
+  bool offloaded;            // to be cut into segments by the network adapter: no checksum over it holds yet
 };
 
 // The TCP segment of the current frame (the innermost of tunnelled ones), for the host's history of segments.

@@ -70,6 +70,9 @@ int32_t ReadSettings(Settings* settings, const SettingsSource& source) {
   settings->externalDecoderPort = static_cast<uint16_t>(read.Number("ExternalDecoderPort", 0));
   settings->cleanText = read.Number("CleanText", 1) != 0;
   settings->characterSet = read.Number("CharacterSet", 0) != 0;
+  const int64_t modern = read.Number("Modern", 0) != 0;   // what the others are where they are not given
+  settings->dnsRecords = read.Number("DnsRecords", modern) != 0;
+  settings->ignoreChecksums = read.Number("IgnoreChecksums", modern) != 0;
   return read.unreadable;
 }
 

@@ -35,6 +35,8 @@ struct Settings {
   uint16_t externalDecoderPort;
   bool cleanText;               // the cleaning option of the Telnet summary
   bool characterSet;            // character translation in hex dumps
+  bool dnsRecords;              // every type of DNS record with its fields
+  bool ignoreChecksums;         // bad ones are shown and end nothing
 };
 
 // Where settings come from: the value of a name, 1 when there is one.

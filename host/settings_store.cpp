@@ -37,7 +37,8 @@ constexpr KnownSetting kKnown[] = {
     {"ExternalDecoder", Kind::kText, kLibrary},   {"ExternalDecoderPort", Kind::kNumber, 65535},
     {"CleanText", Kind::kNumber, kAny},           {"AliasFile", Kind::kText, 0},
     {"CharacterSet", Kind::kNumber, kAny},        {"MibPath", Kind::kText, 0},
-    {"MibModules", Kind::kText, 0},
+    {"MibModules", Kind::kText, 0},               {"Modern", Kind::kNumber, kAny},
+    {"DnsRecords", Kind::kNumber, kAny},          {"IgnoreChecksums", Kind::kNumber, kAny},
 };
 
 const KnownSetting* FindKnown(const std::string& name) {

@@ -1,5 +1,6 @@
 // DNS payloads and messages: the framing of TCP, the loop over messages, headers and sections.
 #include "decoders/app/dns.h"
+#include "decoders/app/dns_data.h"
 
 #include <cstring>
 
@@ -9,7 +10,7 @@ namespace {
 constexpr int32_t kTcp = 6;
 constexpr uint16_t kDnsPort = 53;
 constexpr uint32_t kHighestOperation = 5, kHighestResult = 10;
-constexpr uint32_t kUpdateDispatch = 5, kHighestStandardDispatch = 2;
+constexpr uint32_t kUpdateDispatch = kDnsUpdate, kHighestStandardDispatch = 2;
 constexpr const char* kLeftoverTitle = "DNS Data";
 constexpr const char* kContinuationTitle = "DNS Continuation Data";
 
@@ -30,6 +31,17 @@ void AddReserved(const Place& in, const Field& octet, int32_t firstBit, int32_t 
   AddBitLine(in, octet, "%s: Reserved", BitsOf(octet, firstBit, bitCount).picture);
 }
 
+const char* OperationName(uint32_t operation, bool isModern) {
+  if (isModern && operation == kDnsStateful) return "Stateful Operation";
+  return LookupName(kDnsOperationNames, operation, kUndefined);
+}
+
+const char* ResultName(uint32_t result, bool isModern) {
+  constexpr uint32_t kNoStatefulType = 11;
+  if (isModern && result == kNoStatefulType) return "Type of Stateful Operation Not Implemented";
+  return LookupName(kDnsResultNames, result, kUndefined);
+}
+
 // The flags, each over the octet that holds it. Both multicast protocols use LLMNR's layout.
 void AddFlagLines(const Place& at, const Field& flags, DnsMessage& message, bool multicastLayout) {
   const Place in = Under(at, AddLine(at, flags, "Flags:"));
@@ -44,7 +56,7 @@ void AddFlagLines(const Place& at, const Field& flags, DnsMessage& message, bool
   AddBitLine(in, high, "%s: (QR) Query/Response = %s", queryPicture, kind);
 
   const auto [operationPicture, operation] = BitsOf(high, 1, 4);
-  const char* operationName = LookupName(kDnsOperationNames, operation, kUndefined);
+  const char* operationName = OperationName(operation, message.hasAllRecords);
   AppendToParent(in, high, ", OPCODE=%s", operationName);
   AddBitLine(in, high, "%s: (OPCODE) Operation Code [%u] = %s", operationPicture, operation, operationName);
 
@@ -58,11 +70,17 @@ void AddFlagLines(const Place& at, const Field& flags, DnsMessage& message, bool
     AddFlag(in, high, 6, "TC", "Truncation");
     AddFlag(in, high, 7, "RD", "Recursion Desired");
     AddFlag(in, low, 0, "RA", "Recursion Available");
-    AddReserved(in, low, 1, 3);
+    if (message.hasAllRecords) {
+      AddReserved(in, low, 1, 1);
+      AddFlag(in, low, 2, "AD", "Authentic Data");
+      AddFlag(in, low, 3, "CD", "Checking Disabled");
+    } else {
+      AddReserved(in, low, 1, 3);
+    }
   }
 
   const auto [resultPicture, result] = BitsOf(low, 4, 4);
-  const char* resultName = LookupName(kDnsResultNames, result, kUndefined);
+  const char* resultName = ResultName(result, message.hasAllRecords);
   AppendToParent(in, low, ", RCODE=%s", resultName);
   AddBitLine(in, low, "%s: (RCODE) Result Code [%u] = %s", resultPicture, result, resultName);
 }
@@ -132,6 +150,13 @@ int32_t DecodeSections(const Place& at, Cursor& c, DnsMessage& message, const Se
          DecodeRecords(at, c, message, counts.entries[3], "Additional");
 }
 
+// Stateful operations have no entries, and their own data behind the counts.
+int32_t DecodeStatefulMessage(const Place& at, Cursor& c, DnsMessage& message) {
+  DecodeHeader(at, c, message, false, kStandardCounts);
+  DecodeDnsStateful(at, c, message);
+  return 1;
+}
+
 }  // namespace
 
 const char* DnsTitle(int32_t variant) {
@@ -139,7 +164,8 @@ const char* DnsTitle(int32_t variant) {
 }
 
 int32_t DecodeDnsMessage(const Place& at, Cursor& c, DnsMessage& message, int32_t variant) {
-  const bool multicastLayout = variant == kDnsLinkLocal || variant == kDnsMulticast;
+  // Multicast DNS has the layout of DNS (RFC 6762 18), which its told lines never had.
+  const bool multicastLayout = variant == kDnsLinkLocal || (variant == kDnsMulticast && !message.hasAllRecords);
   return DecodeSections(at, c, message, DecodeHeader(at, c, message, multicastLayout, kStandardCounts), "Question");
 }
 
@@ -150,6 +176,8 @@ int32_t DecodeDnsUpdateMessage(const Place& at, Cursor& c, DnsMessage& message) 
 
 namespace {
 
+bool WantsAllRecords(const View* view) { return view->engine && view->engine->settings.dnsRecords; }
+
 // Whether a TCP segment starts a message: later segments of a long one must not be read as headers.
 bool StartsTcpMessage(const Place& at, const Cursor& c) {
   constexpr uint32_t kRecursionDesired = 0x0100, kRecursionAvailable = 0x0080;
@@ -157,7 +185,10 @@ bool StartsTcpMessage(const Place& at, const Cursor& c) {
   const uint32_t prefix = PeekU16(c), flags = PeekU16(c, 4);
   const PacketState& packet = PacketOf(at);
   const uint16_t clientPort = flags & 0x8000 ? packet.destinationPort : packet.sourcePort;
-  if (clientPort == kDnsPort || (flags >> 11 & 15) > kHighestOperation || (flags & 15) > kHighestResult) return false;
+  const uint32_t more = WantsAllRecords(at.view) ? 1 : 0;   // stateful operations and the result of those not known
+  if (clientPort == kDnsPort || (flags >> 11 & 15) > kHighestOperation + more || (flags & 15) > kHighestResult + more) {
+    return false;
+  }
   return prefix <= static_cast<uint32_t>(c.left) || ((flags & kRecursionDesired) && (flags & kRecursionAvailable));
 }
 
@@ -194,25 +225,32 @@ bool DecodeNextMessage(PayloadWalk& walk, int32_t transport, int32_t variant) {
   walk.topOffset = c.offset;
   if (walk.at.level > 3) walk.at.level = kFirstLevel;
   const Place in = Under(walk.at, topLine);
+  int32_t size = c.left;
+  const bool isModern = WantsAllRecords(walk.at.view);
   if (transport == kTcp && c.left >= 2) {
     const Field length = TakeU16(c);
     AddLine(in, length, "DNS Length: %u", length.value);
+    size = c.left;
+    if (isModern && length.value >= kDnsHeaderSize && static_cast<int32_t>(length.value) < size) {
+      size = static_cast<int32_t>(length.value);
+    }
   }
   if (c.left < kDnsHeaderSize) return false;
 
-  const uint32_t kind = DnsDispatchValue(c.at);
-  if (kind > kHighestStandardDispatch && kind != kUpdateDispatch) {
+  const uint32_t kind = isModern ? c.at[2] >> 3 & 15 : DnsDispatchValue(c.at);
+  if (!isModern && kind > kHighestStandardDispatch && kind != kUpdateDispatch) {
     DumpMessage(walk);
     return false;
   }
-  DnsMessage message{c.at, c.left, topLine, false, &walk.hopsLeft};
-  Cursor rest = MakeCursor(c.at, c.offset, c.left);
-  const bool isUpdate = kind == kUpdateDispatch;
-  const int32_t result = isUpdate ? DecodeDnsUpdateMessage(in, rest, message)
-                                  : DecodeDnsMessage(in, rest, message, variant);
+  DnsMessage message{c.at, size, topLine, false, &walk.hopsLeft, isModern, variant == kDnsMulticast};
+  Cursor rest = MakeCursor(c.at, c.offset, size);
+  const bool isUpdate = kind == kDnsUpdate;
+  const int32_t result = isUpdate                        ? DecodeDnsUpdateMessage(in, rest, message)
+                         : isModern && kind == kDnsStateful ? DecodeStatefulMessage(in, rest, message)
+                                                            : DecodeDnsMessage(in, rest, message, variant);
   ExtendTopLine(walk, Taken(rest));
   if (!result && (!isUpdate || ++walk.failedUpdates > kMostFailedDnsUpdates)) return false;
-  c = MakeCursor(rest.at, rest.offset, rest.left);
+  c = MakeCursor(rest.at, rest.offset, c.left - (rest.offset - c.offset));
   return Taken(rest) > 0;
 }
 

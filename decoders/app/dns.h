@@ -36,6 +36,7 @@ enum DnsType : uint32_t {
 
 inline constexpr auto kDnsOperationNames = SortedNames({
     {0, "Standard Query"}, {1, "Inverse Query"}, {2, "Server Status Query"}, {4, "Notify"}, {5, "Update"}});
+constexpr uint32_t kDnsUpdate = 5, kDnsStateful = 6;   // the second is told with all records alone
 
 inline constexpr auto kDnsResultNames = SortedNames({
     {0, "Success"}, {1, "Format Error"}, {2, "Name Server Internal Error"}, {3, "Name Does Not Exist"},
@@ -61,6 +62,8 @@ struct DnsMessage {
   LineHandle topLine;
   bool isResponse;
   int32_t* hopsLeft;
+  bool hasAllRecords = false;   // the user wants every record taken apart, and its fields read by today's RFCs
+  bool isMulticast = false;     // multicast DNS, whose classes have a flag in their top bit
 };
 
 // The header and the four sections under the message's top line. After a failure the cursor stands behind the last

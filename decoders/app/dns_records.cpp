@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "decoders/app/dns.h"
+#include "decoders/app/dns_data.h"
 
 namespace qxview {
 namespace {
@@ -20,17 +21,41 @@ const char* SectionLabel(const char* section) {
   return section && std::strlen(section) <= kLongestSection ? section : "Standard";
 }
 
+// The class by its name. In multicast DNS its top bit asks for an answer to the asker alone, or says that the record is
+// all that there is of its kind; in options of EDNS the class is none.
+void AddClass(const Place& in, Cursor& c, const DnsMessage& message, uint32_t type, bool isQuestion) {
+  constexpr uint32_t kTopBit = 0x8000;
+  if (type == kDnsTypeOpt && !isQuestion) return;   // with the time to live, by their own meanings
+  const Field recordClass = TakeU16(c);
+  const uint32_t number = message.isMulticast ? recordClass.value & ~kTopBit : recordClass.value;
+  const char* name = DnsClassName(number);
+  AppendToParent(in, recordClass, ", Class=%s", name);
+  const Place under = Under(in, AddLine(in, recordClass, "Class: [0x%.04X] = %s", recordClass.value, name));
+  if (!message.isMulticast) return;
+  const auto [picture, isSet] = BitsOf(recordClass, 0, 1);
+  AddBitLine(under, recordClass, "%s: %s = %s", picture, isQuestion ? "Unicast Response Wanted" : "Cache Flush",
+             TrueOrFalse(isSet));
+  const auto [rest, plain] = BitsOf(recordClass, 1, 15);
+  AddBitLine(under, recordClass, "%s: Class = %u (%s)", rest, plain, name);
+}
+
 // Name, type and class of an entry. The entry's line takes their texts and grows by what they cover. Where one is
 // missing the cursor is left short, which ends the message.
-int32_t DecodeNameTypeClass(const Place& in, Cursor& c, DnsMessage& message, uint32_t* typeOut) {
+int32_t DecodeNameTypeClass(const Place& in, Cursor& c, DnsMessage& message, uint32_t* typeOut, bool isQuestion) {
   constexpr uint32_t kInternet = 1;
   const int32_t begin = c.offset;
   if (!DecodeDnsNameField(in, c, message, "Domain Name")) return 0;
   const Field type = TakeU16(c);
-  const char* typeName = LookupName(kTypeNames, type.value, kUndefined);
+  const char* typeName =
+      message.hasAllRecords ? DnsTypeName(type.value) : LookupName(kTypeNames, type.value, kUndefined);
   AppendToParent(in, type, ", Type=%s", typeName);
   AddLine(in, type, "Type: [0x%.04X] = %s", type.value, typeName);
   *typeOut = type.value;
+  if (message.hasAllRecords) {
+    AddClass(in, c, message, type.value, isQuestion);
+    ExtendDecodeLineRange(in.view, in.tree, in.parent, c.offset - begin);
+    return 1;
+  }
   const Field recordClass = TakeU16(c);
   const bool isInternet = recordClass.value == kInternet;
   if (isInternet) {
@@ -134,6 +159,7 @@ int32_t DecodeRecordData(const Place& in, Cursor& data, DnsMessage& message, uin
       if (!DecodeZoneAuthority(in, data, message)) return 0;
       break;
     default:
+      if (message.hasAllRecords) return DecodeDnsData(in, data, message, type);
       AddBlock(in, Rest(data), kDataTitle);
       return 1;
   }
@@ -154,7 +180,7 @@ int32_t DecodeDnsQuestion(const Place& at, Cursor& c, DnsMessage& message, const
     if (name.text[0]) AppendToLine(at, message.topLine, ", %s", name);
   }
   uint32_t type = 0;
-  return DecodeNameTypeClass(in, c, message, &type);
+  return DecodeNameTypeClass(in, c, message, &type, true);
 }
 
 int32_t DecodeDnsResourceRecord(const Place& at, Cursor& c, DnsMessage& message, const char* section, uint32_t number,
@@ -167,14 +193,18 @@ int32_t DecodeDnsResourceRecord(const Place& at, Cursor& c, DnsMessage& message,
     if (owner.text[0]) AppendToLine(at, message.topLine, ", %s", owner);
   }
   uint32_t type = 0;
-  if (!DecodeNameTypeClass(in, c, message, &type)) return 0;
+  if (!DecodeNameTypeClass(in, c, message, &type, false)) return 0;
   if (Left(c) < 1) return 1;
-  AddTimeToLive(in, c);
+  if (message.hasAllRecords && type == kDnsTypeOpt) {
+    DecodeDnsOptHead(in, c);
+  } else {
+    AddTimeToLive(in, c);
+  }
   const Field dataLength = TakeU16(c);
   AddLine(in, dataLength, "Data Length: %u", dataLength.value);
   ExtendDecodeLineRange(in.view, in.tree, in.parent, static_cast<int32_t>(dataLength.value));
   if (dataLength.value < 1 || c.left < 1) return 1;
-  if (type == kDnsTypeAaaa) {
+  if (type == kDnsTypeAaaa && !message.hasAllRecords) {
     DecodeIPv6Address(in, c);
     return 1;
   }

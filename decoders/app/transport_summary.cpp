@@ -20,7 +20,9 @@ void AddPorts(SummaryText& text, uint32_t source, uint32_t destination, bool isU
 // Whether a segment's checksum fails, which is why its payload was not looked at.
 bool HasBadChecksum(const Cursor& segment, const PacketState& packet) {
   const NetworkState& network = packet.network;
-  if (packet.reached.table == DispatchTable::kApplication || network.fragmented) return false;
+  if (packet.reached.table == DispatchTable::kApplication || network.fragmented || network.offloaded) {
+    return false;
+  }
   return Left(segment) == network.totalLength && SumWords(network.pseudoHead, segment.at, Left(segment)) != 0xFFFF;
 }
 

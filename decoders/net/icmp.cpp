@@ -33,6 +33,7 @@ struct Message {
 void AddChecksum(const Place& in, const Field& checksum, const uint8_t* bytes, int32_t length) {
   const NetworkState& network = PacketOf(in).network;
   const char* unchecked = network.fragmented              ? "Not Checked - More Fragments"
+                        : network.offloaded             ? "Not Checked - Segmentation Offload"
                           : network.totalLength > length ? "Not Checked - Partial Capture"
                                                          : nullptr;
   if (!AddChecksumLine(in, checksum, "Checksum:", unchecked, SumWords(0, bytes, length), BadChecksum::kWithRight)) {

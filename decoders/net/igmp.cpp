@@ -88,7 +88,7 @@ void DecodeReport(const Place& in, Cursor& c) {
 
 void AddChecksum(const Place& in, const Field& checksum, const uint8_t* bytes, int32_t length) {
   const NetworkState& network = PacketOf(in).network;
-  const bool partial = network.fragmented || network.totalLength > length;
+  const bool partial = network.fragmented || network.offloaded || network.totalLength > length;
   AddChecksumLine(in, checksum, "Checksum:", partial ? "Not Checked - Partial Capture" : nullptr,
                   SumWords(0, bytes, length), BadChecksum::kAlone);
 }

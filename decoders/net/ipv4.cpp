@@ -9,7 +9,6 @@
 
 #include "core/custom_libraries.h"
 #include "core/internet_checksum.h"
-#include "core/line_facts.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/ah.h"
 #include "decoders/net/ip_protocol_names.h"
@@ -32,6 +31,7 @@ struct Header {
   uint32_t fragmentOffset;   // bytes
   uint8_t protocol;
   bool moreFragments;
+  bool offloaded;            // no total length: the adapter is to cut the datagram into segments
   bool checksumGood;
 };
 
@@ -41,6 +41,8 @@ Header ReadHeader(const Cursor& c) {
   header.length = static_cast<int32_t>(PeekU8(c) & 15) * 4;
   const int32_t start = header.length > kFixedLength ? header.length : kFixedLength;
   header.payloadLength = static_cast<int32_t>(PeekU16(c, 2)) - start;
+  header.offloaded = PeekU16(c, 2) == 0 && Left(c) > start;
+  if (header.offloaded) header.payloadLength = Left(c) - start;
   header.moreFragments = (PeekU8(c, 6) & 0x20) != 0;
   header.fragmentOffset = (PeekU16(c, 6) & 0x1FFF) * 8;
   header.protocol = static_cast<uint8_t>(PeekU8(c, 9));
@@ -150,6 +152,7 @@ void RecordNetwork(PacketState& packet, const Header& header) {
   network.fragmentOffset = header.fragmentOffset;
   network.totalLength = header.payloadLength;
   network.moreFragments = header.moreFragments;
+  network.offloaded = header.offloaded;
   network.fragmented = header.moreFragments || header.fragmentOffset > 0;
 }
 
@@ -169,7 +172,7 @@ void RecordNetwork(PacketState& packet, const Header& header) {
 int32_t DecodePayload(const Place& at, Cursor c, const Header& header) {
   PacketState& packet = PacketOf(at);
   // Routers change headers that they quote and leave the checksum as it was.
-  if (!header.checksumGood && !packet.quoted) {
+  if (!header.checksumGood && !packet.quoted && !at.view->engine->settings.ignoreChecksums) {
     AddRawRest(at, c, "IP Data: (Bad IP Checksum)");
     return 1;
   }
@@ -193,7 +196,6 @@ int32_t DecodePayload(const Place& at, Cursor c, const Header& header) {
 int32_t DecodeIPv6InIPv4(const Place& at, Cursor c) { return FindEthertype(kEthertypeIPv6)->decode(at, c); }
 
 int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
-  const KeyedAs keys(PacketOf(at), "ip");
   constexpr int32_t kVersion4 = 4, kVersion6 = 6;
   if (Left(c) < kFixedLength) return 0;
   const int32_t version = PeekU8(c) >> 4;

@@ -11,7 +11,6 @@
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
-#include "core/line_facts.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/tcp_options.h"
@@ -36,7 +35,7 @@ struct Segment {
   int32_t protocol;
   bool matchedSource;
   ShortText<kProtocolNameSize> sourceName, destinationName;   // of the side that matched; the other is empty
-  bool isBad;   // its checksum
+  bool isBad;   // its checksum, where that ends the decoding
 };
 
 const char* WordOf(const Segment& segment, uint32_t flag, const char* word) {
@@ -108,9 +107,7 @@ void AddFlags(const Place& in, Cursor& c, const Segment& segment) {
   AddBitLine(at, word, "%s : Push function %s", psh.picture, SetOrNotSet(psh.value));
   AddBitLine(at, word, "%s : Reset the connection %s", rst.picture, SetOrNotSet(rst.value));
   AddBitLine(at, word, "%s : Synchronize sequence numbers %s", syn.picture, SetOrNotSet(syn.value));
-  const LineHandle last =
-      AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
-  if (KeepsFacts(at.view)) [[unlikely]] LabelLine(at.view, last, "Finish");
+  AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
 }
 
 void AddWindow(const Place& in, Cursor& c, const Segment& segment) {
@@ -142,13 +139,15 @@ void AddChecksum(const Place& in, Cursor& c, Segment& segment) {
                  network.moreFragments ? "more fragments to follow" : "last fragment");
     return;
   }
-  const bool isPartial = network.totalLength > Left(segment.start);
+  const bool isPartial = network.totalLength > Left(segment.start) || network.offloaded;
   const uint32_t sum = isPartial ? 0 : SumWords(network.pseudoHead, segment.start.at, Left(segment.start));
-  const char* unchecked = isPartial       ? "Not Checked - Partial Capture"
-                          : sum == 0xFFFF ? nullptr
-                                          : WhyNotCalculated(segment, checksum);
+  const char* unchecked = network.offloaded ? "Not Checked - Segmentation Offload"
+                          : isPartial       ? "Not Checked - Partial Capture"
+                          : sum == 0xFFFF   ? nullptr
+                                            : WhyNotCalculated(segment, checksum);
   segment.isBad = !AddChecksumLine(in, checksum, "Checksum:                ", unchecked, sum, BadChecksum::kWithRight);
   if (segment.isBad) AppendToLine(in, segment.topLine, "(Bad Checksum)");
+  if (in.view->engine->settings.ignoreChecksums) segment.isBad = false;   // it is told, and that is all
 }
 
 // What follows from the header: lines over the fields that they are calculated from.

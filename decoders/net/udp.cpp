@@ -17,6 +17,7 @@ constexpr int32_t kHeader = 8;
 const char* WhyUnchecked(uint32_t stored, const NetworkState& network, bool partial) {
   if (stored == 0) return "not used";
   if (network.fragmented) return "data fragment - not able to check";
+  if (network.offloaded) return "segmentation offload - not able to check";
   return partial ? "partial packet - not able to check" : nullptr;
 }
 

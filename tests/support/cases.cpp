@@ -62,6 +62,7 @@ DecodeCase CaseHead(const std::string& line) {
     std::istringstream words(line.substr(bracket + 2, line.find(']') - bracket - 2));
     for (std::string word; words >> word;) {
       if (word == "tcp") payload.overTcp = true;
+      if (word == "modern") payload.modern = true;
       if (word.starts_with("to=")) payload.toPort = static_cast<uint16_t>(std::stoi(word.substr(3)));
       if (word.starts_with("link=")) payload.linkType = static_cast<uint16_t>(std::stoi(word.substr(5)));
       if (word.starts_with("extension=")) payload.extension = Hex(word.substr(10));
@@ -103,11 +104,11 @@ PayloadRun RunPayload(View& view, const Payload& payload) {
   Record record(payload.bytes, payload.mediaType, tag, payload.extension);
   record->linkType = payload.linkType;
   ClearDecodeTree(&view, view.tree, true);
+  view.engine->settings.dnsRecords = view.engine->settings.ignoreChecksums = payload.modern;
   PacketState& packet = view.context->packet = PacketState{};
   const Cursor c = MakeCursor(FrameData(record.get()), 0, static_cast<int32_t>(payload.bytes.size()));
   packet.frame = record.get();
   packet.linesLeft = MostLinesOf(c.left);
-  packet.protocol = payload.row->protocol->key;
   packet.ipProtocol = payload.overTcp ? 6 : 17;
   packet.destinationPort = payload.toPort;
   packet.network.totalLength = c.left;

@@ -8,7 +8,7 @@
 //     SMB - Close File {36+7}
 //
 // The row's table and name; in brackets what else is known of the packet: tcp, its transport; to=N, the port it goes
-// to; link=N and extension=DIGITS, what its record says. In the tree "..." stands for any lines, none included.
+// to; link=N and extension=DIGITS, what its record says; modern, the setting. In the tree "..." stands for any lines, none included.
 #pragma once
 #include <string>
 #include <vector>
@@ -21,6 +21,7 @@ struct Payload {
   const DecoderRow* row = nullptr;
   uint8_t mediaType = 0;
   bool overTcp = false;
+  bool modern = false;
   uint16_t toPort = 0;
   uint16_t linkType = 0;
   Bytes extension{};

@@ -22,7 +22,7 @@ void SetNetwork(const Place& at, const Cursor& c, uint8_t ipProtocol) {
   packet.destination = testNetwork.destination;
   const int32_t total = Left(c) + testNetwork.missing;
   packet.network = {testNetwork.withPseudoHead ? PseudoSum(ipProtocol, total) : 0, testNetwork.fragmentOffset, total,
-                    testNetwork.fragmented, testNetwork.moreFragments};
+                    testNetwork.fragmented, testNetwork.moreFragments, false};
 }
 
 void Put(Bytes& bytes, uint32_t number, int width) {
