@@ -5,13 +5,13 @@
 . "$(dirname "$0")/hosts.sh"
 need in.tftpd tftp curl
 
-mkdir -m 777 "$work/root"
-seq 1 300 >"$work/root/numbers.txt"
-touch "$work/root/written.txt"
-chmod 666 "$work/root"/*
+mkdir -m 777 "$work/files"
+seq 1 300 >"$work/files/numbers.txt"
+touch "$work/files/written.txt"
+chmod 666 "$work/files"/*
 
 connect_hosts
-start_on "$right" in.tftpd -L --user root --secure --create "$work/root"
+start_on "$right" in.tftpd -L --user root --secure --create "$work/files"
 sleep 0.5
 record cable udp
 cd "$work"
