@@ -130,12 +130,12 @@ TEST(Definitions, DefaultsNameDecodersThatExist) {
 
 TEST(Definitions, TakesEveryFormAndOverrides) {
   ProtocolDefinitions definitions;
-  for (const char* text : {"tcp:8080=HTTP", " UDP : 10.0.0.1 : 5000 = snmp ", "tcp:10.0.0.1:0=http",
+  for (const char* text : {"tcp:8081=HTTP", " UDP : 10.0.0.1 : 5000 = snmp ", "tcp:10.0.0.1:0=http",
                            "tcp:[2001:db8::1]:80=HTTP", "tcp:80=netbios session SERVICE", "udp:700=ONC RPC"}) {
     const auto wrong = definitions.AddDefinition(text);
     EXPECT_FALSE(wrong) << *wrong;
   }
-  EXPECT_EQ(PortOf(definitions, QX_TCP_PORTS, 8080), 0x10004);
+  EXPECT_EQ(PortOf(definitions, QX_TCP_PORTS, 8081), 0x10004);
   EXPECT_EQ(AddressOf(definitions, QX_UDP_ADDRESSES, V4(0x0A000001), 5000), 0x10006);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, V4(0x0A000001), 5000), 0);
   EXPECT_EQ(AddressOf(definitions, QX_TCP_ADDRESSES, V4(0x0A000001), 0), 0x10004);
@@ -146,7 +146,8 @@ TEST(Definitions, TakesEveryFormAndOverrides) {
   const auto http = std::find_if(list.begin(), list.end(), [](const auto& row) { return row.name == "HTTP"; });
   ASSERT_NE(http, list.end());
   EXPECT_EQ(http->identifier, 0x10004);
-  EXPECT_EQ(http->definitions, (std::vector<std::string>{"tcp:8080", "tcp:10.0.0.1:0", "tcp:[2001:db8::1]:80"}));
+  EXPECT_EQ(http->definitions, (std::vector<std::string>{"tcp:591", "tcp:8008", "tcp:8080", "tcp:8081", "tcp:10.0.0.1:0",
+                                                         "tcp:[2001:db8::1]:80"}));
 }
 
 TEST(Definitions, RefusalsNameTheFault) {
@@ -158,17 +159,17 @@ TEST(Definitions, RefusalsNameTheFault) {
       {"tcp:80x=HTTP", "port \"80x\" is not"},
       {"tcp:99999999999999999999=HTTP", "port \"99999999999999999999\" is not"},
       {"udp:10.0.0.1:65536=SNMP", "port \"65536\" is not a number from 0 to 65535"},
-      {"tcp:8080=NOTHING", "protocol \"NOTHING\" is unknown"},
-      {"tcp:8080=", "protocol \"\" is unknown"},
-      {"sctp:8080=HTTP", "transport \"sctp\" is neither tcp nor udp"},
+      {"tcp:8081=NOTHING", "protocol \"NOTHING\" is unknown"},
+      {"tcp:8081=", "protocol \"\" is unknown"},
+      {"sctp:8081=HTTP", "transport \"sctp\" is neither tcp nor udp"},
       {"udp:10.0.0.999:5000=SNMP", "address \"10.0.0.999\" is not an IPv4 address"},
       {"udp:host:5000=SNMP", "address \"host\" is not an IPv4 address"},
       {"tcp:2001:db8::1:80=HTTP", "an IPv6 address stands in brackets"},
       {"tcp:[2001:db8::1::]:80=HTTP", "address \"2001:db8::1::\" is not an IPv6 address"},
       {"tcp:[2001:db8::1=HTTP", "is not closed"},
       {"tcp:[2001:db8::1]=HTTP", "no port follows the address \"2001:db8::1\""},
-      {"tcp:8080", "no \"=\""},
-      {"8080=HTTP", "no transport"},
+      {"tcp:8081", "no \"=\""},
+      {"8081=HTTP", "no transport"},
       {"", "no \"=\""},
   };
   ProtocolDefinitions definitions;
@@ -178,7 +179,7 @@ TEST(Definitions, RefusalsNameTheFault) {
     EXPECT_NE(wrong->find(fault), std::string::npos) << *wrong;
     EXPECT_NE(wrong->find(std::string("\"").append(text).append("\"")), std::string::npos) << *wrong;
   }
-  EXPECT_EQ(PortOf(definitions, QX_TCP_PORTS, 8080), 0) << "nothing of a refused definition stays";
+  EXPECT_EQ(PortOf(definitions, QX_TCP_PORTS, 8081), 0) << "nothing of a refused definition stays";
 }
 
 TEST(Definitions, LearntEndsAnswerBehindTheUsersWord) {
