@@ -40,10 +40,12 @@ dns mdns llmnr http snmp ldap cldap kerberos spnego ntlmssp gss-api
 radius eap syslog ntp vrrp tacacs tacplus nat-pmp portcontrol agentx tsp lwres
 ipx spx ipxrip ipxsap nbipx nmpi nbns nbdgm nbss netbios smb smb_pipe mailslot browser lanman dcerpc smb_netlogon
 dhcp dhcpv6 tftp
+stun classicstun turnchannel ssdp db-lsp-disc bjnp wol knxip tzsp auto_rp sip sdp ftp smtp pop imap nntp rtsp mgcp
 """.split())
 # What is found by port, and by which name it is defined.
 DEFINED = {"dns": "DNS", "http": "HTTP", "snmp": "SNMP", "ldap": "LDAP", "cldap": "LDAP", "kerberos": "Kerberos",
-           "nbns": "NetBIOS Name Service", "nbdgm": "NetBIOS Datagram Service", "nbss": "NetBIOS Session Service"}
+           "nbns": "NetBIOS Name Service", "nbdgm": "NetBIOS Datagram Service", "nbss": "NetBIOS Session Service",
+           "stun": "STUN", "classicstun": "STUN", "sip": "SIP", "rtsp": "RTSP"}
 PREFERENCES = [
     "ip.check_checksum:TRUE", "tcp.check_checksum:TRUE", "udp.check_checksum:TRUE",
     *(f"{name}:FALSE" for name in (

@@ -37,6 +37,14 @@ int32_t LiteralOf(const Field& line) {
   return PeekU8(line, open) == '{' ? DecimalOf(Slice(line, open + 1, end - open - 1)) : -1;
 }
 
+// A word of capitals alone: by which servers name the command that they answer.
+bool IsCommandName(const Field& word) {
+  for (int32_t i = 0; i < word.length; ++i) {
+    if (PeekU8(word, i) < 'A' || PeekU8(word, i) > 'Z') return false;
+  }
+  return word.length > 2;
+}
+
 void ShowLine(const Place& at, const TextLine& line) {
   Field rest = line.text;
   const Field tag = TakeWord(rest);
@@ -48,11 +56,14 @@ void ShowLine(const Place& at, const TextLine& line) {
   AddTextLine(in, tag, "Tag");
   if (isResponse && IsStatus(word)) {
     AddTextLine(in, word, "Status");
-    AddTextLine(in, ahead, "Text");
+    const Place text = Under(in, AddTextLine(in, ahead, "Text"));
+    const Field answered = TakeWord(ahead);
+    if (!isUntagged && IsCommandName(answered)) AddTextLine(text, answered, "Answered Command");
   } else if (isResponse) {
     AddTextLine(in, rest, "Data");
   } else {
     AddTextLine(in, word, "Command");
+    if (IsWord(word, "UID")) AddTextLine(in, TakeWord(ahead), "Command by UID");
     if (IsWord(word, "LOGIN")) {
       AddTextLine(in, TakeWord(ahead), "User Name");
       AddTextLine(in, TakeWord(ahead), "Password");

@@ -206,7 +206,7 @@ constexpr auto kClassicCookie = Rows<Stun>({Hex(4, "Magic Cookie")});
 constexpr auto kVersion = Rows<Stun>({Number(4, "Version", kVersionNames).Note(", %s")});
 constexpr auto kImplementation = Rows<Stun>({Number(4, "Version", kImplementationNames).Note(", %s")});
 constexpr auto kSequence = Rows<Stun>({Bytes(20, "Connection ID"), Number(4, "Sequence Number")});
-constexpr auto kFoundation = Rows<Stun>({Text(4, "Foundation").Note(", %s")});
+constexpr auto kFoundation = Rows<Stun>({Text(0, "Foundation").Note(", %s")});
 constexpr auto kQuality = Rows<Stun>({
     Number(2, "Stream Type", kStreamNames).Note(", %s"), Number(2, "Service Quality", kQualityNames)});
 constexpr auto kBandwidthMessage = Rows<Stun>({
@@ -287,7 +287,7 @@ constexpr auto kAttributes = Choices<Stun>({
     {0x802E, "THIRD-PARTY-AUTHORIZATION", kText},
     {0x8030, "MOBILITY-TICKET", kOpaque},
     {0x8032, "MS-ALTERNATE-HOST-NAME", kText},
-    {0x8037, "MS-APP-ID", kText},
+    {0x8037, "MS-APP-ID", kOpaque},
     {0x8039, "MS-SECURE-TAG", kOpaque},
     {0x8050, "MS-SEQUENCE-NUMBER", kSequence},
     {0x8054, "CANDIDATE-IDENTIFIER", kFoundation},
