@@ -5,6 +5,7 @@
 #include "app/commands.h"
 #include "app/json_writer.h"
 #include "app/output.h"
+#include "app/protocol_fields.h"
 #include "core/dispatch.h"
 #include "decoders/app/packet_summaries.h"
 #include "platform/platform.h"
@@ -20,6 +21,8 @@ enum class Format { kText, kJson };
 struct ProtocolsOptions {
   HostOptions host;
   Format format = Format::kText;
+  bool fields = false;
+  std::vector<std::string> names;   // none: every protocol
 };
 
 // What is there for a protocol beside its name.
@@ -65,12 +68,33 @@ void PutJson(Output& out, const DefinedProtocol& protocol) {
   out.Put("]}\n");
 }
 
+// The short names of the protocols that are named; false, and what is wrong is told, for a name that none has.
+bool TakeNames(const std::vector<std::string>& names, std::vector<std::string>* protocols) {
+  for (const std::string& name : names) {
+    const std::string protocol = ProtocolOfName(name);
+    if (protocol.empty()) return Tell("protocols: \"" + name + "\" is no protocol"), false;
+    protocols->push_back(protocol);
+  }
+  return true;
+}
+
 int ListProtocols(const ProtocolsOptions& options) {
+  std::vector<std::string> wanted;
+  if (!TakeNames(options.names, &wanted)) return kUsage;
+  if (options.fields) {
+    Output out;
+    PutFields(out, wanted, options.format == Format::kJson);
+    out.Flush();
+    return out.Failed() ? OutputFault() : kDone;
+  }
   std::string message;
   bool fileFault = false;
   const auto host = StandaloneHost::Create(options.host, &message, &fileFault);
   if (!host) return Tell(message), fileFault ? kFileFault : kUsage;
-  const std::vector<DefinedProtocol> protocols = host->Definitions().List();
+  std::vector<DefinedProtocol> protocols = host->Definitions().List();
+  std::erase_if(protocols, [&](const DefinedProtocol& protocol) {
+    return !wanted.empty() && std::find(wanted.begin(), wanted.end(), ProtocolOfName(protocol.name)) == wanted.end();
+  });
   size_t width = 0;
   for (const DefinedProtocol& protocol : protocols) width = std::max(width, protocol.name.size());
   Output out;
@@ -90,6 +114,10 @@ int ListProtocols(const ProtocolsOptions& options) {
 void AddProtocolsCommand(CommandLine* line) {
   Command& command = line->Add("protocols", "the protocols, what is shown of each, and their ports");
   auto options = std::make_shared<ProtocolsOptions>();
+  static const std::string kAll = "every protocol";
+  command.AddArguments("NAME", "of these protocols alone, by their names or short names", &options->names, &kAll);
+  command.AddFlag("--fields", "the keys of their lines, with the lines' labels and the kinds of their values",
+                  &options->fields);
   command.AddTexts("-d,--decode-as", "SPEC", "a protocol definition, may be repeated", &options->host.definitions);
   command.AddFileName("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
   command.AddChoice<Format>("--format", "FORMAT", "text or json (an object a line)",
@@ -100,6 +128,7 @@ void AddProtocolsCommand(CommandLine* line) {
       "and addresses that carry it.\n\n"
       "Examples:\n"
       "  qxview protocols\n"
+      "  qxview protocols --fields dns tcp\n"
       "  qxview protocols --format json | jq -r 'select(.tree).name'");
   command.SetAction([options] {
     FindSettings(&options->host);

@@ -89,7 +89,7 @@ _qxview() {
     find) options+=" --backward" ;;
     list) options+=" -t --wide" ;;
     print) options+=" -o" ;;
-    protocols) options+=" --format" ;;
+    protocols) options+=" --format --fields" ;;
     save) options+=" --format --append --partial --name" ;;
   esac
   mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$options" -- "$cur")

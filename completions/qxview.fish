@@ -56,6 +56,7 @@ complete -c qxview -n '__fish_seen_subcommand_from decode' -s x -d 'the bytes of
 complete -c qxview -n '__fish_seen_subcommand_from find' -l backward -d 'the last match'
 complete -c qxview -n '__fish_seen_subcommand_from decode list' -s t -x -a 'r d dd a u e i' -d 'times'
 complete -c qxview -n '__fish_seen_subcommand_from list' -l wide -d 'not cut to the terminal'
+complete -c qxview -n '__fish_seen_subcommand_from protocols' -l fields -d 'the keys of their lines'
 complete -c qxview -n '__fish_seen_subcommand_from protocols' -l format -x -a 'text json' -d 'output format'
 complete -c qxview -n '__fish_seen_subcommand_from print' -s o -r -d 'output file'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l format -x -a 'pcap pcapng bfr' -d 'file format'

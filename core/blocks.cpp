@@ -5,6 +5,7 @@
 #include "core/bounded_text.h"
 #include "core/digits.h"
 #include "core/engine.h"
+#include "core/line_facts.h"
 
 namespace qxview {
 namespace {
@@ -121,9 +122,12 @@ void AddBitRows(View* view, LineHandle parentLine, const uint8_t* data, int32_t 
     char text[512];
     const int32_t textLength = length <= kBytes ? FormatInto(text, sizeof text, "%s: %s", label, bytes)
                                                 : FormatInto(text, sizeof text, "%s %.04X: %s", label, at, bytes);
-    if (!AddDecodeLineOf(view, parentLine, text, textLength, LevelImage(level), view->tree,
-                         MakeByteRange(level & 0xFF, offset + at, count))) {
-      return;
+    const LineHandle line = AddDecodeLineOf(view, parentLine, text, textLength, LevelImage(level), view->tree,
+                                            MakeByteRange(level & 0xFF, offset + at, count));
+    if (!line) return;
+    if (KeepsFacts(view)) [[unlikely]] {
+      const int32_t shown = 3 * count - 1;
+      NoteText(view, line, label, text + textLength - shown, shown);
     }
   }
 }
@@ -155,6 +159,7 @@ LineHandle AddWrappedTextLines(View* view, LineHandle parentLine, const char* te
                            : FormatInto(out, sizeof out, "%s : %s", label, slice);
     }
     line = AddDecodeLineOf(view, parentLine, out, outLength, image, tree, MakeByteRange(0, frameOffset + at, cut));
+    if (piece == 1 && KeepsFacts(view)) [[unlikely]] NoteText(view, line, label, text, length);
     at += cut;
     ++piece;
   } while (line && at < length);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "core/civil_date.h"
+#include "core/line_facts.h"
 
 namespace qxview {
 namespace {
@@ -117,7 +118,40 @@ void RestoreSelection(View* view) {
   if (reached) tree->Select(reached);
 }
 
-void AddTimeAndNotes(const Place& in) {
+}  // namespace
+
+const char* ReceiveErrorNote(uint32_t receiveErrors) {
+  if (receiveErrors == 0) return "";
+  constexpr uint32_t kBoth = kReceiveAlignment | kReceiveCrc;
+  // The stray parenthesis is part of the note: users search for it.
+  if ((receiveErrors & kBoth) == kBoth) return "[Alignment+CRC])";
+  if (receiveErrors & kReceiveAlignment) return "[Alignment error]";
+  if (receiveErrors & kReceiveCrc) return "[CRC error]";
+  if (receiveErrors & kReceiveTooSmall) return "[Frame Too Small]";
+  if (receiveErrors & kReceiveTooBig) return "[Frame Too Big]";
+  if (receiveErrors & kReceiveAbort) return "[Abort error]";
+  if (receiveErrors & kReceiveRBit) return "[RBit error]";
+  return "[Undefined error]";
+}
+
+Place AddFrameSummary(const Place& at, const Cursor& c) {
+  const FrameRecord* record = PacketOf(at).frame;
+  const char* note = ReceiveErrorNote(record->receiveErrors);
+  const KeyedAs keys(PacketOf(at), kFrameProtocol);
+  const LineHandle line = AddLine(at, Ahead(c, Left(c)), "Packet %I64u:  %u bytes captured%s%s", record->packetNumber,
+                                  record->capturedLength, note[0] ? "  " : "", note);
+  if (KeepsFacts(at.view)) [[unlikely]] LabelLine(at.view, line, "Number");
+  return Under(at, line);
+}
+
+void AddPartialSize(const Place& in, const Cursor& c) {
+  const FrameRecord* record = PacketOf(in).frame;
+  if (record->partial == 1) {
+    AddLine(in, Ahead(c, Left(c)), "Saved partial packet size:  %lu", record->capturedLength);
+  }
+}
+
+void AddCaptureLines(const Place& in) {
   constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
   constexpr int64_t kPerSecond = 1000000000;
   const FrameRecord* record = PacketOf(in).frame;
@@ -140,54 +174,11 @@ void AddTimeAndNotes(const Place& in) {
     const void* end = std::memchr(note, 0, static_cast<size_t>(left));
     if (!end) return;
     const int32_t length = static_cast<int32_t>(static_cast<const char*>(end) - note);
+    // keys: text Time, Interface, Direction, Comment
     if (length > 0) AddLine(in, kNowhere, "%s", note);
     note += length + 1;
     left -= length + 1;
   }
-}
-
-}  // namespace
-
-const char* ReceiveErrorNote(uint32_t receiveErrors) {
-  if (receiveErrors == 0) return "";
-  constexpr uint32_t kBoth = kReceiveAlignment | kReceiveCrc;
-  // The stray parenthesis is part of the note: users search for it.
-  if ((receiveErrors & kBoth) == kBoth) return "[Alignment+CRC])";
-  if (receiveErrors & kReceiveAlignment) return "[Alignment error]";
-  if (receiveErrors & kReceiveCrc) return "[CRC error]";
-  if (receiveErrors & kReceiveTooSmall) return "[Frame Too Small]";
-  if (receiveErrors & kReceiveTooBig) return "[Frame Too Big]";
-  if (receiveErrors & kReceiveAbort) return "[Abort error]";
-  if (receiveErrors & kReceiveRBit) return "[RBit error]";
-  return "[Undefined error]";
-}
-
-Place AddFrameSummary(const Place& at, const Cursor& c) {
-  PacketState& packet = PacketOf(at);
-  const FrameRecord* record = packet.frame;
-  const char* note = ReceiveErrorNote(record->receiveErrors);
-  const char* const medium = packet.protocol;
-  packet.protocol = "frame";
-  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Packet %I64u:  %u bytes captured%s%s", record->packetNumber,
-                                     record->capturedLength, note[0] ? "  " : "", note));
-  packet.protocol = medium;
-  return in;
-}
-
-void AddPartialSize(const Place& in, const Cursor& c) {
-  const FrameRecord* record = PacketOf(in).frame;
-  if (record->partial == 1) {
-    AddLine(in, Ahead(c, Left(c)), "Saved partial packet size:  %lu", record->capturedLength);
-  }
-}
-
-// The capture's lines are those of no protocol: their keys are the frame's.
-void AddCaptureLines(const Place& in) {
-  PacketState& packet = PacketOf(in);
-  const char* const medium = packet.protocol;
-  packet.protocol = "frame";
-  AddTimeAndNotes(in);
-  packet.protocol = medium;
 }
 
 bool OriginalPacketNumber(const FrameRecord* record, uint64_t* number) {
@@ -237,7 +228,7 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   packet.userParam1 = userParam1;
   packet.userParam2 = userParam2;
   packet.linesLeft = MostLinesOf(record->capturedLength);
-  packet.protocol = "frame";
+  packet.protocol = kFrameProtocol;
   context->packetNumber = static_cast<int64_t>(record->packetNumber);
   const bool display = context->outputMode == kDisplayMode;
   if (display) view->tree->HoldRedraw(true);

@@ -29,6 +29,13 @@ bool Reserve(LineFacts* facts, uint32_t index, uint32_t textBytes) {
   return true;
 }
 
+// What stands under the frame's own line tells of the frame, whoever adds it.
+bool TellsOfFrame(const View* view, LineHandle line) {
+  const LineHandle parent = view->tree->Parent(line);
+  const LineFact* fact = parent ? FactOf(view->context, view->tree->RangeIndex(parent)) : nullptr;
+  return fact && std::strcmp(fact->protocol, kFrameProtocol) == 0;
+}
+
 // The place for a new line's fact, with room for its texts; null when there is no memory or no line.
 LineFact* NewFact(View* view, LineHandle line) {
   DecodeContext* context = view->context;
@@ -40,10 +47,15 @@ LineFact* NewFact(View* view, LineHandle line) {
   if (facts->count <= index) facts->count = index + 1;
   LineFact* fact = &facts->of[index];
   *fact = LineFact{};
-  fact->protocol = context->packet.protocol;
+  fact->protocol = TellsOfFrame(view, line) ? kFrameProtocol : context->packet.protocol;
   fact->label = static_cast<int32_t>(facts->textUsed);
   return fact;
 }
+
+bool IsSeparator(char c) { return c == ':' || c == '='; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsText(const FormatPiece& piece) { return piece.conversion == static_cast<uint32_t>(Conversion::kText); }
+bool IsNone(const FormatPiece& piece) { return piece.conversion == static_cast<uint32_t>(Conversion::kNone); }
 
 void PutLabel(LineFacts* facts, LineFact* fact, const char* text, size_t length) {
   const size_t room = static_cast<size_t>(kMostLabel - fact->labelLength);
@@ -51,6 +63,25 @@ void PutLabel(LineFacts* facts, LineFact* fact, const char* text, size_t length)
   std::memcpy(facts->text + facts->textUsed, text, length);
   facts->textUsed += static_cast<uint32_t>(length);
   fact->labelLength += static_cast<int32_t>(length);
+}
+
+// The fact of a line that is there, with room for its texts; null when there is no memory or none.
+LineFact* OldFact(View* view, LineHandle line) {
+  LineFacts* facts = view->context->facts;
+  const uint32_t index = view->tree->RangeIndex(line);
+  if (!line || !FactOf(view->context, index) || !Reserve(facts, index, kMostLabel + kMostValue)) return nullptr;
+  return &facts->of[index];
+}
+
+// A label's text, numbers behind '#' left out.
+void PutNumberless(LineFacts* facts, LineFact* fact, const char* text, uint32_t length) {
+  for (uint32_t i = 0; i < length; ++i) {
+    if (text[i] == '#') {
+      while (i + 1 < length && IsDigit(text[i + 1])) ++i;
+    } else {
+      PutLabel(facts, fact, text + i, 1);
+    }
+  }
 }
 
 void PutValue(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
@@ -68,11 +99,6 @@ void PutValue(LineFacts* facts, LineFact* fact, const char* text, int32_t length
   facts->textUsed += static_cast<uint32_t>(length);
 }
 
-bool IsSeparator(char c) { return c == ':' || c == '='; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsText(const FormatPiece& piece) { return piece.conversion == static_cast<uint32_t>(Conversion::kText); }
-bool IsNone(const FormatPiece& piece) { return piece.conversion == static_cast<uint32_t>(Conversion::kNone); }
-
 // Walks a text with conversions: where its label ends and what its value is.
 struct TextWalk {
   const char* text;   // the literal run of the piece
@@ -84,6 +110,14 @@ struct TextWalk {
     ++piece;
     ++argument;
   }
+  // Whether the conversion of a piece, whose literal starts at `at`, is no value but counts lines of one label: "Option
+  // #%u", "Block %u: ".
+  static bool Counts(const char* at, const FormatPiece& p) {
+    const char before = p.literalLength ? at[p.literalLength - 1] : 0;
+    if (before == '#') return true;
+    return before == ' ' && !IsText(p) && IsSeparator(at[p.literalLength + p.conversionLength]);
+  }
+  bool CountsLine() const { return Counts(text, *piece); }
   // Whether a separator follows behind the piece's conversion, so that the conversion belongs to the label.
   bool SeparatorFollows() const {
     const char* at = text + piece->literalLength + piece->conversionLength;
@@ -91,7 +125,7 @@ struct TextWalk {
       for (uint32_t i = 0; i < p->literalLength; ++i) {
         if (IsSeparator(at[i])) return true;
       }
-      if (IsNone(*p) || !IsText(*p)) return false;
+      if (IsNone(*p) || (!IsText(*p) && !Counts(at, *p))) return false;
       at += p->literalLength + p->conversionLength;
     }
   }
@@ -109,6 +143,13 @@ int32_t PictureLength(const char* text, int32_t length, uint64_t* value) {
   return at >= 8 && digits > 0 ? at : 0;
 }
 
+// Where the label of a text without conversions ends: at a separator, or at a value in brackets.
+int32_t LabelEnd(const char* text, int32_t length) {
+  int32_t end = 0;
+  while (end < length && !IsSeparator(text[end]) && text[end] != '[') ++end;
+  return end;
+}
+
 // A line without conversions, or whose text was made before.
 void TakeMade(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
   uint64_t bits;
@@ -121,12 +162,8 @@ void TakeMade(LineFacts* facts, LineFact* fact, const char* text, int32_t length
       --length;
     }
   }
-  int32_t end = 0;
-  while (end < length && !IsSeparator(text[end])) ++end;
-  for (int32_t i = 0; i < end; ++i) {
-    if (text[i] == '#' || (IsDigit(text[i]) && i > 0 && text[i - 1] == '#')) continue;
-    PutLabel(facts, fact, text + i, 1);
-  }
+  const int32_t end = LabelEnd(text, length);
+  PutNumberless(facts, fact, text, static_cast<uint32_t>(end));
   if (picture) {
     fact->kind = ValueKind::kNumber;
     fact->number = bits;
@@ -139,27 +176,34 @@ void TakeMade(LineFacts* facts, LineFact* fact, const char* text, int32_t length
 void TakeLabel(LineFacts* facts, LineFact* fact, TextWalk& walk, uint32_t* behind) {
   for (*behind = 0;; walk.Next()) {
     const uint32_t length = walk.piece->literalLength;
-    for (uint32_t i = 0; i < length; ++i) {
-      const char c = walk.text[i];
-      if (IsSeparator(c)) {
-        *behind = i;
-        return;
-      }
-      if (c == '#' || (IsDigit(c) && i > 0 && walk.text[i - 1] == '#')) continue;
-      PutLabel(facts, fact, &c, 1);
-    }
-    *behind = length;
-    if (IsNone(*walk.piece)) return;
-    const bool numbered = length > 0 && walk.text[length - 1] == '#';
-    if (numbered) continue;
+    for (*behind = 0; *behind < length && !IsSeparator(walk.text[*behind]);) ++*behind;
+    PutNumberless(facts, fact, walk.text, *behind);
+    if (*behind < length || IsNone(*walk.piece)) return;
+    if (walk.CountsLine()) continue;
     const uint32_t form = walk.argument->form & 0xFF;
-    const bool isText = IsText(*walk.piece) && (form == FormatArgument::kTerminated || form == FormatArgument::kSlice);
-    if (!isText || !walk.SeparatorFollows()) return;
-    char label[kMostLabel];
-    const FormatPiece pieces[2] = {{0, 0, 0, 0, 0, 0, walk.piece->conversion}, {}};
-    const int32_t made = FormatPieces(label, sizeof label, "", pieces, walk.argument);
-    PutLabel(facts, fact, label, static_cast<size_t>(made));
+    // Texts of the frame are values wherever they stand.
+    const char* given = reinterpret_cast<const char*>(static_cast<uintptr_t>(walk.argument->value));
+    if (!IsText(*walk.piece) || form != FormatArgument::kTerminated || !given) return;
+    const size_t givenLength = std::strlen(given), end = std::strcspn(given, ":=");
+    const bool holdsSeparator = end < givenLength && std::strspn(given + end + 1, " ") == givenLength - end - 1;
+    const bool isAll = fact->labelLength == 0 && IsNone(walk.piece[1]) && walk.piece[1].literalLength == 0;
+    if (!holdsSeparator && !isAll && !walk.SeparatorFollows()) return;
+    PutNumberless(facts, fact, given, static_cast<uint32_t>(holdsSeparator ? end : givenLength));
+    if (holdsSeparator) {
+      walk.Next();
+      *behind = 0;
+      return;
+    }
   }
+}
+
+// Whether words stand in front of the conversion: "Version 4" is a text, "[4]" and "0x04" are numbers.
+bool HasWords(const char* text, uint32_t length) {
+  for (uint32_t i = 0; i < length; ++i) {
+    const char c = static_cast<char>(text[i] | 0x20);
+    if (c >= 'a' && c <= 'z' && !(c == 'x' && i > 0 && text[i - 1] == '0')) return true;
+  }
+  return false;
 }
 
 // Whether the number and the one behind it are parts of one notation: "2026-01-02", "12:30:05", "3.5".
@@ -173,7 +217,8 @@ bool IsPartOfNotation(const TextWalk& walk) {
 // The value that stands behind the label: a number with or without its name, or all that follows as text.
 void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t behind, const FormatArgument* picture) {
   const FormatPiece* piece = walk.piece;
-  if (!IsNone(*piece) && !IsText(*piece) && !IsPartOfNotation(walk)) {
+  const bool isWorded = HasWords(walk.text + behind, piece->literalLength - behind);
+  if (!IsNone(*piece) && !IsText(*piece) && !isWorded && !IsPartOfNotation(walk)) {
     const bool isSigned = piece->conversion == static_cast<uint32_t>(Conversion::kSigned);
     const uint64_t number = walk.argument->value;
     fact->kind = isSigned ? ValueKind::kSigned : ValueKind::kNumber;
@@ -243,9 +288,11 @@ void NoteFormatted(View* view, LineHandle line, const char* text, const FormatPi
   }
   const uint32_t form = IsText(first) ? arguments->form & 0xFF : FormatArgument::kNumber;
   uint64_t bits;
-  const char* drawn = reinterpret_cast<const char*>(static_cast<uintptr_t>(arguments->value));
-  if (first.literalLength == 0 && form == FormatArgument::kTerminated && drawn &&
-      PictureLength(drawn, static_cast<int32_t>(std::strlen(drawn)), &bits)) {
+  const char* given = reinterpret_cast<const char*>(static_cast<uintptr_t>(arguments->value));
+  const bool isGiven = first.literalLength == 0 && form == FormatArgument::kTerminated && given;
+  // A text that is one argument, or starts with a picture that was drawn before.
+  if (isGiven && ((IsNone(pieces[1]) && pieces[1].literalLength == 0) ||
+                  PictureLength(given, static_cast<int32_t>(std::strlen(given)), &bits))) {
     char made[kMostValue];
     return TakeMade(facts, fact, made, FormatPieces(made, sizeof made, text, pieces, arguments));
   }
@@ -271,6 +318,35 @@ void NoteText(View* view, LineHandle line, const char* label, const char* text, 
   if (!fact) return;
   PutLabel(view->context->facts, fact, label, std::strlen(label));
   PutValue(view->context->facts, fact, text, length);
+}
+
+void LabelLine(View* view, LineHandle line, const char* label) {
+  LineFact* fact = OldFact(view, line);
+  if (!fact) return;
+  fact->label = static_cast<int32_t>(view->context->facts->textUsed);
+  fact->labelLength = 0;
+  PutLabel(view->context->facts, fact, label, std::strlen(label));
+}
+
+void NumberLine(View* view, LineHandle line, uint64_t number, bool isSigned) {
+  LineFact* fact = OldFact(view, line);
+  if (!fact) return;
+  fact->kind = isSigned ? ValueKind::kSigned : ValueKind::kNumber;
+  fact->number = number;
+}
+
+void NoteEdited(View* view, LineHandle line, const char* text, int32_t length) {
+  LineFacts* facts = view->context->facts;
+  LineFact* fact = OldFact(view, line);
+  if (!fact) return;
+  if (fact->labelLength == 0 && fact->kind == ValueKind::kNone) {
+    fact->label = static_cast<int32_t>(facts->textUsed);
+    TakeMade(facts, fact, text, length);
+  } else if (fact->kind == ValueKind::kNone || fact->edited) {
+    const int32_t end = LabelEnd(text, length);
+    PutValue(facts, fact, text + end, length - end);
+    fact->edited = true;
+  }
 }
 
 const LineFact* FactOf(const DecodeContext* context, uint32_t rangeIndex) {
@@ -304,7 +380,10 @@ int32_t FormatKey(const DecodeContext* context, const LineFact& fact, char* out,
     out[0] = 0;
     return 0;
   }
-  if (std::strcmp(label, fact.protocol) == 0) return FormatInto(out, size, "%s", fact.protocol);
+  const size_t named = std::strlen(fact.protocol);
+  const bool isTop = std::strncmp(label, fact.protocol, named) == 0 &&
+                     (label[named] == 0 || std::strcmp(label + named, "v") == 0);   // "SNMPv1"
+  if (isTop) return FormatInto(out, size, "%s", fact.protocol);
   return FormatInto(out, size, "%s.%s", fact.protocol, static_cast<const char*>(label));
 }
 

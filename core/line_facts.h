@@ -12,6 +12,24 @@
 
 namespace qxview {
 
+// The first line of a packet and those under it have keys of the frame.
+inline constexpr char kFrameProtocol[] = "frame";
+
+// For protocols that others call by name: the lines that are added while this is here have keys of the protocol.
+class KeyedAs {
+ public:
+  KeyedAs(PacketState& packet, const char* protocol) : packet_(packet), outer_(packet.protocol) {
+    packet.protocol = protocol;
+  }
+  ~KeyedAs() { packet_.protocol = outer_; }
+  KeyedAs(const KeyedAs&) = delete;
+  KeyedAs& operator=(const KeyedAs&) = delete;
+
+ private:
+  PacketState& packet_;
+  const char* outer_;
+};
+
 enum class ValueKind : uint8_t { kNone, kNumber, kSigned, kText };
 
 struct LineFact {
@@ -20,6 +38,7 @@ struct LineFact {
   int32_t value, valueLength;   // kText
   uint64_t number;              // kNumber, kSigned
   ValueKind kind;
+  bool edited;                  // the line was: what it got since is its value
 };
 
 // Facts of the lines by their index in the range table; their texts stand behind one another.
@@ -44,6 +63,15 @@ void NoteFormatted(View* view, LineHandle line, const char* text, const FormatPi
 void NoteMade(View* view, LineHandle line, const char* text, int32_t length);
 void NoteNumber(View* view, LineHandle line, const char* label, uint64_t number, bool isSigned);
 void NoteText(View* view, LineHandle line, const char* label, const char* text, int32_t length);
+
+// For a line whose text has no label, or one that says its value.
+void LabelLine(View* view, LineHandle line, const char* label);
+
+// For a line whose text says its number in words.
+void NumberLine(View* view, LineHandle line, uint64_t number, bool isSigned);
+
+// A line's text was changed: a line that had no value yet has what stands behind its label now.
+void NoteEdited(View* view, LineHandle line, const char* text, int32_t length);
 
 inline bool KeepsFacts(const View* view) { return view->context->facts != nullptr; }
 

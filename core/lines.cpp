@@ -183,11 +183,13 @@ void AppendToDecodeLine(View* view, DecodeTree* tree, LineHandle line, const cha
   std::memcpy(joined + used, text, added);
   joined[static_cast<size_t>(used) + added] = 0;
   tree->SetText(line, joined, used + static_cast<int32_t>(added));
+  if (KeepsFacts(view)) [[unlikely]] NoteEdited(view, line, joined, used + static_cast<int32_t>(added));
 }
 
 void SetDecodeLineText(View* view, DecodeTree* tree, LineHandle line, const char* text) {
   if (!InDisplay(view, tree) || !line || !text) return;
   tree->SetText(line, text, static_cast<int32_t>(std::strlen(text)));
+  if (KeepsFacts(view)) [[unlikely]] NoteEdited(view, line, text, static_cast<int32_t>(std::strlen(text)));
 }
 
 int32_t GetDecodeLineText(View* view, DecodeTree* tree, LineHandle line, char* buffer, int32_t bufferLength) {

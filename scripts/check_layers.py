@@ -17,6 +17,7 @@ LAYERS = {
     "view":                  ["include/qxview", "core", "host", "view"],
     "decoders":              ["include/qxview", "core", "decoders/common", "decoders"],
     "decoders/common":       ["include/qxview", "core", "decoders/common"],
+    "keys":                 ["keys"],
     "files":                 ["include/qxview", "core", "files"],
     "host":                  ["include/qxview", "core", "view", "files", "host"],
     "platform":              ["*"],

@@ -155,6 +155,7 @@ void ShowNumber(const Place& in, const Field& field, const RadiusAttribute& attr
   for (int32_t i = 0; i < field.length; ++i) number = number << 8 | field.bytes[i];
   const char* value = FindValue(attribute.below, static_cast<uint32_t>(number));
   if (value) {
+    // keys: file decoders/app/radius_registry.txt
     AddLine(in, field, "%s: %I64u = %s", name, number, value);
     AppendToParent(in, field, ", %s", value);
   } else {

@@ -1,5 +1,7 @@
 #include "decoders/asn1/ber_rows.h"
 
+#include "core/line_facts.h"
+
 namespace qxview {
 namespace {
 
@@ -160,6 +162,17 @@ void ShowHolder(BerWalk& walk, const Place& in, const BerElement& element, const
   ShowBerRest(walk, in, contents);
 }
 
+// Numbers are values of their own, whatever the line calls them.
+void NoteNumberOf(const Place& in, LineHandle line, const BerType& type, const Cursor& element) {
+  const BerElement number = PeekBer(element);
+  if (!number.here || IsCut(number) || Left(number.contents) < 1 || Left(number.contents) > 4) return;
+  if (type.form == BerForm::kInteger) {
+    NumberLine(in.view, line, static_cast<uint64_t>(int64_t{BerInteger(number.contents)}), true);
+  } else if (type.form == BerForm::kNumber) {
+    NumberLine(in.view, line, BerNumber(number.contents), false);
+  }
+}
+
 // One element under a line of its own: behind an explicit tag, whose header stands in front of it, or itself.
 void ShowTitled(BerWalk& walk, const Place& in, const BerElement& span, bool isTagged, const BerRow& row) {
   const Cursor element = isTagged ? span.contents : span.whole;
@@ -170,6 +183,7 @@ void ShowTitled(BerWalk& walk, const Place& in, const BerElement& span, bool isT
     if (!Silent(in)) DescribeBer(walk, *row.type, PeekBer(element), text, walk.titles->textSize);
     line = AddTitle(in, span.whole, row.title, text);
   }
+  if (KeepsFacts(in.view)) [[unlikely]] NoteNumberOf(in, line, *row.type, element);
   const Place under = Beneath(in, line);
   Cursor tag = span.whole;
   if (isTagged) DecodeAsnHeader(under, tag, "Field");

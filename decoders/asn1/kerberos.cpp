@@ -1,5 +1,6 @@
 #include "decoders/asn1/kerberos.h"
 
+#include "core/line_facts.h"
 #include "decoders/asn1/kerberos_names.h"
 #include "decoders/asn1/kerberos_types.h"
 
@@ -216,6 +217,7 @@ void ShowSegment(Payload& payload) {
 }  // namespace
 
 int32_t DecodeKerberosMessage(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "kerberos");
   if (!StartsMessage(c)) return 0;
   Payload payload{at, {&kKrbTitles, kMostKrbElements}, c};
   ShowMessage(payload, Field{});

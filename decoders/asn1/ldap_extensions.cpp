@@ -295,6 +295,7 @@ void ShowExtensionValue(BerWalk& walk, const Place& in, Cursor& c, uint32_t tag,
   Cursor contents, fields;
   if (!inside.here || (!isSequence && !value.other)) {
     ShowBerRow(walk, in, c, {tag, title, &kLdapText});
+    // keys: text Entry Type, Entry Length
   } else if (EnterBer(walk, in, c, title, "", &under, &contents)) {
     if (!isSequence) return ShowBerRows(walk, under, contents, *value.other);
     if (EnterBer(walk, under, contents, "Sequence", &fields)) ShowBerRows(walk, under, fields, *value.sequence);

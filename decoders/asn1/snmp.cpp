@@ -1,6 +1,8 @@
 // Messages of versions 1 and 2c, and the steps that every version is walked with.
 #include "decoders/asn1/snmp.h"
 
+#include "core/line_facts.h"
+
 namespace qxview {
 namespace {
 
@@ -33,6 +35,7 @@ int32_t StepInteger(SnmpWalk& walk, const BerRow& row) {
     AppendToLine(walk.in, step.line, " %u", number);
     if (type.label) AppendToLine(walk.in, walk.root, "%s%u", type.label, number);
   }
+  if (KeepsFacts(walk.in.view)) [[unlikely]] NumberLine(walk.in.view, step.line, number, false);
   return status;
 }
 

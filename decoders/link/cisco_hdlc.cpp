@@ -5,6 +5,7 @@
 //   address  0x00  Ethertype  payload
 //
 //   SLARP   0  code   4  address, or own sequence    8  mask, or the peer's sequence   12  reliability   14  time up
+#include "core/line_facts.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -18,6 +19,7 @@ constexpr auto kAddressNames = SortedNames({{0x0F, "Unicast"}, {0x8F, "Multicast
 constexpr auto kSlarpCodes = SortedNames({{0, "Request"}, {1, "Reply"}, {2, "Keepalive"}});
 
 int32_t DecodeSlarp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "slarp");
   constexpr uint32_t kKeepalive = 2;
   const Place in = Under(at, AddLine(at, Ahead(c, 0), "SLARP:"));
   const Field code = TakeU32(c);
@@ -61,6 +63,7 @@ bool LooksLikeCiscoHdlc(const Cursor& c) {
 }
 
 int32_t DecodeCiscoHdlc(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "chdlc");
   if (Left(c) < 4) return 0;
   const uint32_t ethertype = PeekU16(c, 2);
   const char* known = EthertypeName(static_cast<uint16_t>(ethertype));

@@ -4,6 +4,7 @@
 //   destination  source       type/length  payload
 //
 // A type/length of at most 1500 is the length of an 802.2 payload; anything above is an Ethertype.
+#include "core/line_facts.h"
 #include "decoders/link/medium.h"
 
 namespace qxview {
@@ -63,6 +64,7 @@ int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
 }
 
 int32_t DecodeMacHeader(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "eth");
   if (Left(c) < 2 * kMacAddressLength) return 0;
   const LineHandle top =
       AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",

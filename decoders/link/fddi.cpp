@@ -4,6 +4,7 @@
 //   frame control  destination  source  802.2, station management or MAC data
 //
 //   frame control   class (1)  address length (1)  format (2)  control (4)
+#include "core/line_facts.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -62,6 +63,7 @@ void AddControlLines(const Place& in, const Field& control) {
 }  // namespace
 
 int32_t DecodeFddiHeader(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "fddi");
   if (Left(c) < kHeaderLength) return 0;
   const LineHandle top =
       AddLine(at, Ahead(c, kHeaderLength), "FDDI Header:  %s -> %s",

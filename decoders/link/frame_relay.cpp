@@ -7,6 +7,7 @@
 //     DLCI (6)  D/C   1                                    payload
 //
 // With the D/C bit set, the last six bits are a control indication (DL-CORE) and not of the DLCI.
+#include "core/line_facts.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -125,6 +126,7 @@ bool LooksLikeFrameRelay(Cursor c) {
 }
 
 int32_t DecodeFrameRelay(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "fr");
   const Cursor start = c;
   Address address;
   if (!TakeAddress(c, &address)) return 0;

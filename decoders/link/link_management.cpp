@@ -3,6 +3,7 @@
 //
 //   0              1               2             3
 //   discriminator  call reference  message type  locking shift (T1.617 only), then elements: type, length, data
+#include "core/line_facts.h"
 #include "decoders/link/medium.h"
 
 namespace qxview {
@@ -82,6 +83,7 @@ void DecodeElement(const Place& at, Cursor& c, bool lmi) {
 }  // namespace
 
 int32_t DecodeLinkManagement(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "lmi");
   if (Left(c) < 3 || PeekU8(c, 1) != 0) return 0;   // status has no call to refer to
   const char* message = LookupName(kMessages, PeekU8(c, 2), nullptr);
   if (!message) return 0;

@@ -6,6 +6,7 @@
 // Information and supervisory control fields have two bytes, unnumbered ones one.
 #include "decoders/link/llc.h"
 
+#include "core/line_facts.h"
 namespace qxview {
 namespace {
 
@@ -113,6 +114,7 @@ const char* NameLlcPayload(Cursor c) {
 }
 
 int32_t DecodeLlc(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "llc");
   const Cursor start = c;
   if (Left(c) < 2) return 0;
   const Sap sap = TakeSap(c);

@@ -5,6 +5,7 @@
 //
 // Address and control may be left out, and the first byte of a protocol below 256: the byte that ends a protocol is
 // odd, all others are even.
+#include "core/line_facts.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -123,6 +124,7 @@ bool LooksLikePpp(const Cursor& c) {
 }
 
 int32_t DecodePpp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "ppp");
   const Cursor start = c;
   const PppHeader header = TakeHeader(c);
   if (!header.protocol.here) return 0;

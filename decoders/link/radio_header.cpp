@@ -7,6 +7,7 @@
 //   AVS        0  magic   4  length   8  MAC time   16  host time   24  type   28  channel   32  rate   36  antenna
 //              40  priority   44  signal type   48  signal   52  noise ...; big-endian
 //   Prism      0  code   4  length   8  device, then items: code (4), status (2), length (2), data (4)
+#include "core/line_facts.h"
 #include "decoders/link/medium.h"
 
 namespace qxview {
@@ -197,6 +198,7 @@ Cursor RadioHeaderOf(const FrameRecord* record) {
 }  // namespace
 
 void DecodeRadioHeader(const Place& at) {
+  const KeyedAs keys(PacketOf(at), "radio");
   const FrameRecord* record = PacketOf(at).frame;
   const Cursor c = RadioHeaderOf(record);
   if (Left(c) < 8) return;

@@ -6,6 +6,7 @@
 // The source's first bit says that routing information follows: a control field of two bytes, which holds the length
 // of all, and route designators of a ring (12 bits) and a bridge (4). MAC frames: length (2), classes (1), vector,
 // then subvectors: length (1), type (1), data.
+#include "core/line_facts.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -155,6 +156,7 @@ const char* NameProtocol(Cursor c) {
 }  // namespace
 
 int32_t DecodeTokenRingHeader(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "tr");
   if (Left(c) < kHeaderLength) return 0;
   const uint32_t frameType = FrameTypeOf(c);
   const int32_t routing = RoutingLength(c);

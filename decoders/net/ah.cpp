@@ -6,11 +6,13 @@
 // The payload length counts 32-bit words of the whole header less 2, in IPv6 as well.
 #include "decoders/net/ah.h"
 
+#include "core/line_facts.h"
 #include "decoders/net/ip_protocol_names.h"
 
 namespace qxview {
 
 bool DecodeAh(const Place& at, Cursor& c, uint8_t* nextHeader) {
+  const KeyedAs keys(PacketOf(at), "ah");
   constexpr int32_t kFixedLength = 12;
   if (Left(c) < 2) {
     AddRawRest(at, c, "AH Data");

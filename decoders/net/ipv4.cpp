@@ -9,6 +9,7 @@
 
 #include "core/custom_libraries.h"
 #include "core/internet_checksum.h"
+#include "core/line_facts.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/ah.h"
 #include "decoders/net/ip_protocol_names.h"
@@ -196,6 +197,7 @@ int32_t DecodePayload(const Place& at, Cursor c, const Header& header) {
 int32_t DecodeIPv6InIPv4(const Place& at, Cursor c) { return FindEthertype(kEthertypeIPv6)->decode(at, c); }
 
 int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
+  const KeyedAs keys(PacketOf(at), "ip");
   constexpr int32_t kVersion4 = 4, kVersion6 = 6;
   if (Left(c) < kFixedLength) return 0;
   const int32_t version = PeekU8(c) >> 4;

@@ -7,6 +7,7 @@
 //   40  extension headers, each naming the next, then the payload
 #include <cstring>
 
+#include "core/line_facts.h"
 #include "decoders/net/ah.h"
 #include "decoders/net/ip_protocol_names.h"
 #include "decoders/net/ipv6_checksum.h"
@@ -91,6 +92,7 @@ void WalkNextHeaders(const Place& at, Cursor c, HeaderChain chain) {
 }  // namespace
 
 int32_t DecodeIPv6(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "ipv6");
   const int32_t left = Left(c);
   if (left < kLeastSize) return 0;
   uint8_t header[kHeaderSize] = {};   // address bytes that are missing count as zero

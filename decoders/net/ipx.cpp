@@ -6,6 +6,7 @@
 // The length counts the header in; Ethernet pads what is shorter than a frame, and some stations pad to an even length.
 #include "decoders/net/ipx.h"
 
+#include "core/line_facts.h"
 #include "decoders/asn1/snmp.h"
 
 namespace qxview {
@@ -58,7 +59,10 @@ struct Carried {
   const char* title;
 };
 
-int32_t DecodeIpxSnmp(const Place& at, Cursor c) { return DecodeSnmpPayload(at, c); }
+int32_t DecodeIpxSnmp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "snmp");
+  return DecodeSnmpPayload(at, c);
+}
 
 // Null decoder and title for a socket that tells nothing.
 Carried FindSocket(uint32_t socket, bool isDestination, uint32_t type) {

@@ -10,6 +10,7 @@
 //     14   key (4)   connection ID (2)   sequence number (2)   group ID (2)
 //   and names are looked for by the name management protocol (NMPI)
 //     networks (8 of 4)   operation (1)   name type (1)   message ID (2)   requested name (16)   source name (16)
+#include "core/line_facts.h"
 #include "decoders/net/ipx.h"
 #include "decoders/netbios/netbios.h"
 #include "decoders/smb/smb.h"
@@ -100,6 +101,7 @@ void ShowUserData(const Place& at, const Place& in, Cursor data, DecoderFunction
 int32_t DecodeRestOfSmb(const Place& at, Cursor c) { return DecodeSmbContinuation(at, c); }
 
 int32_t DecodeNetBiosMessage(const Place& at, Cursor c, bool hasNetworks) {
+  const KeyedAs keys(PacketOf(at), "nbipx");
   if (Left(c) < (hasNetworks ? kNetworksSize : 0) + 2) return 0;
   const uint32_t type = PeekU8(c, (hasNetworks ? kNetworksSize : 0) + 1);
   const Place in = Under(at, AddLine(at, Ahead(c, 2), "NetBIOS over IPX: %s", LookupName(kTypeNames, type)));
@@ -130,6 +132,7 @@ int32_t DecodeNetBiosMessage(const Place& at, Cursor c, bool hasNetworks) {
 }
 
 int32_t DecodeNmpi(const Place& at, Cursor c, const char* name) {
+  const KeyedAs keys(PacketOf(at), "nmpi");
   const Place in = Under(at, AddLine(at, Ahead(c, kNmpiSize), "NMPI: %s", name));
   AddNetworks(in, c);
   const NameMessage message = ShowRows(in, c, kNameMessage);
@@ -167,6 +170,7 @@ int32_t DecodeIpxNetBios(const Place& at, Cursor c) {
 }
 
 int32_t DecodeNwlinkSmb(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "nwlink");
   if (Left(c) > kSmbHeaderSize && PeekU32(c) == kMarker) return DecodeHostedSmb(at, c);
   if (Left(c) < kNmpiSize) return 0;
   const char* name = LookupName(kOperationNames, PeekU8(c, kNetworksSize), nullptr);

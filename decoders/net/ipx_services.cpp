@@ -7,6 +7,7 @@
 //   Diagnostics  a request: exclusion count (1)   nodes (6 each) that need not answer
 //                a response: version (2)  SPX socket (2)  component count (1)   component (1), of routers and servers
 //                with their networks: count (1)   type (1)  network (4)  node (6)
+#include "core/line_facts.h"
 #include "decoders/net/ipx.h"
 
 namespace qxview {
@@ -95,6 +96,7 @@ bool AddLocalNetworks(const Place& at, Cursor& c) {
 }  // namespace
 
 int32_t DecodeIpxRip(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "ipxrip");
   if (Left(c) < 2) return 0;
   const Field operation = TakeU16(c);
   const char* name = LookupName(kRipNames, operation.value);
@@ -112,6 +114,7 @@ int32_t DecodeIpxRip(const Place& at, Cursor c) {
 }
 
 int32_t DecodeIpxSap(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "ipxsap");
   if (Left(c) < 2) return 0;
   const Field operation = TakeU16(c);
   const char* name = LookupName(kSapNames, operation.value);
@@ -126,6 +129,7 @@ int32_t DecodeIpxSap(const Place& at, Cursor c) {
 }
 
 int32_t DecodeIpxDiagnosticRequest(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "ipxdiag");
   if (Left(c) < 1) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, 1), "IPX Diagnostics: Configuration Request"));
   const uint32_t count = ShowRows(in, c, kExclusions).count.value;
@@ -136,6 +140,7 @@ int32_t DecodeIpxDiagnosticRequest(const Place& at, Cursor c) {
 }
 
 int32_t DecodeIpxDiagnosticResponse(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "ipxdiag");
   constexpr int32_t kFixedSize = 5;
   if (Left(c) < kFixedSize) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, kFixedSize), "IPX Diagnostics: Configuration Response"));

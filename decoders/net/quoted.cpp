@@ -1,5 +1,6 @@
 #include "decoders/net/quoted.h"
 
+#include "core/line_facts.h"
 #include "decoders/net/ipv4.h"
 
 namespace qxview {
@@ -16,7 +17,6 @@ void DecodeQuotedDatagram(const Place& at, Cursor c) {
   PacketState& packet = PacketOf(at);
   const PacketState own = packet;
   packet.quoted = true;
-  packet.protocol = "ip";
   CallDecoder(at, c, DecodeLabelled, "Quoted Data");
   const int32_t linesLeft = packet.linesLeft;
   const bool limitReached = packet.limitReached;
@@ -26,6 +26,7 @@ void DecodeQuotedDatagram(const Place& at, Cursor c) {
 }
 
 bool ShowQuotedTransport(const Place& at, Cursor c, uint8_t protocol) {
+  const KeyedAs keys(PacketOf(at), "tcp");
   if (protocol != kProtocolTcp || Left(c) >= kLeastTcpHeader) return false;
   const Field cover = Ahead(c, Left(c));
   const Field source = TakeU16(c), destination = TakeU16(c);

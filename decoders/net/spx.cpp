@@ -5,6 +5,7 @@
 //   control  system, acknowledge, attention, end of message, version 2, negotiate size, reserved, extended header
 //
 // Packets of the second version have two more bytes: the packet size that is negotiated.
+#include "core/line_facts.h"
 #include "decoders/net/ipx.h"
 
 namespace qxview {
@@ -35,6 +36,7 @@ constexpr auto kNegotiation = Rows<NoValues>({Number(2, "Negotiation Size")});
 }  // namespace
 
 int32_t DecodeSpx(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "spx");
   if (Left(c) < kHeaderSize) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, kHeaderSize), "SPX:"));
   const Spx spx = ShowRows(in, c, kHeader);

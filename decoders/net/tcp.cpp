@@ -11,6 +11,7 @@
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
+#include "core/line_facts.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/tcp_options.h"
@@ -107,7 +108,9 @@ void AddFlags(const Place& in, Cursor& c, const Segment& segment) {
   AddBitLine(at, word, "%s : Push function %s", psh.picture, SetOrNotSet(psh.value));
   AddBitLine(at, word, "%s : Reset the connection %s", rst.picture, SetOrNotSet(rst.value));
   AddBitLine(at, word, "%s : Synchronize sequence numbers %s", syn.picture, SetOrNotSet(syn.value));
-  AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
+  const LineHandle last =
+      AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
+  if (KeepsFacts(at.view)) [[unlikely]] LabelLine(at.view, last, "Finish");
 }
 
 void AddWindow(const Place& in, Cursor& c, const Segment& segment) {

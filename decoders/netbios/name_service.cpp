@@ -87,7 +87,8 @@ void DecodeStatusName(const Place& in, Cursor& c) {
   const Field entry = Ahead(c, kNetBiosNameLength + 2);
   const NetBiosName name = TakePlainNetBiosName(c);
   const bool isGroup = (PeekU16(c) & 0x8000) != 0;
-  const Place under = Under(in, AddLine(in, entry, "%s: %s", name.text, isGroup ? "Group" : "Unique"));
+  const TextSlice shown{name.text.text, sizeof name.text.text};   // a text of the frame is no label
+  const Place under = Under(in, AddLine(in, entry, "%s: %s", shown, isGroup ? "Group" : "Unique"));
   AddNetBiosNameLine(under, "Name", name, isGroup);
   ShowRows(under, c, kStatusFlags);
 }

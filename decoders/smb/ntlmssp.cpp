@@ -1,5 +1,6 @@
 #include "decoders/smb/ntlmssp.h"
 
+#include "core/line_facts.h"
 #include "decoders/smb/smb_block.h"
 
 namespace qxview {
@@ -173,6 +174,7 @@ void DecodeAuthenticate(const Place& in, Cursor& c, const Field& message) {
 bool StartsNtlmssp(const Cursor& c) { return PeekU32(c) == kNtlm && PeekU32(c, 4) == kSsp; }
 
 int32_t DecodeNtlmssp(const Place& in, Cursor rest) {
+  const KeyedAs keys(PacketOf(in), "ntlmssp");
   if (!StartsNtlmssp(rest)) return 0;
   const Field message = Ahead(rest, Left(rest));
   Cursor c = CursorOver(message);
@@ -190,6 +192,7 @@ int32_t DecodeNtlmssp(const Place& in, Cursor rest) {
 }
 
 void AddNtlmV2Response(const Place& in, const Field& response, const char* title) {
+  const KeyedAs keys(PacketOf(in), "ntlmssp");
   Cursor c = CursorOver(response);
   if (response.length <= kShortResponse || response.length < kV2Header) {
     AddSmbBytes(in, c, Left(c), title);

@@ -1,5 +1,6 @@
 #include "decoders/smb/smb.h"
 
+#include "core/line_facts.h"
 #include "decoders/common/nt_status.h"
 #include "decoders/smb/smb_block.h"
 
@@ -209,12 +210,14 @@ int32_t DecodeBlocks(const SmbMessage& message, const Place& under, Cursor c) {
 }  // namespace
 
 int32_t DecodeSmbContinuation(const Place& at, const Cursor& c) {
+  const KeyedAs keys(PacketOf(at), "smb");
   const LineHandle root = AddLine(at, Ahead(c, Left(c)), "CIFS: Continuation Data, %u bytes", Left(c));
   AddBlock(Under(at, root), Ahead(c, Left(c)), "SMB Continuation Data");
   return kSmbDecoded;
 }
 
 int32_t DecodeSmb(const Place& at, Cursor c, bool continuationAllowed) {
+  const KeyedAs keys(PacketOf(at), "smb");
   if (Left(c) <= kSmbHeaderSize) return kSmbTruncated;
   if (PeekU32(c) != kMarker) return continuationAllowed ? DecodeSmbContinuation(at, c) : kSmbNotDecoded;
   Cursor own = TakeCursor(c, Left(c));   // begins at the header's first byte

@@ -1,5 +1,6 @@
 #include "decoders/smb/spnego.h"
 
+#include "core/line_facts.h"
 #include <cstring>
 
 #include "decoders/asn1/ber_rows.h"
@@ -153,6 +154,7 @@ bool AddNegotiation(const Place& in, Cursor& c) {
 }  // namespace
 
 void AddSecurityBlob(const Place& in, const Field& blob) {
+  const KeyedAs keys(PacketOf(in), "spnego");
   if (blob.length < 1) return;
   const Place under = Under(in, AddLine(in, blob, "Security Blob"));
   Cursor c = CursorOver(blob);
