@@ -41,7 +41,8 @@ int Decode(const DecodeOptions& options) {
     run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
       if (options.format == Format::kJson) {
         const char* const file = options.reading.prefixFile ? frame.file : nullptr;
-        WriteJson(*out, session, {record, frame.number, handled, options.bytes, file});
+        const QxHost* const host = options.keys ? run.Host().Record() : nullptr;
+        WriteJson(*out, session, {record, frame.number, handled, options.bytes, file, host});
       } else if (options.format == Format::kTree) {
         if (!first) out->Put('\n');
         first = false;

@@ -75,7 +75,7 @@ bool FindIn(PacketRun& run, const FindOptions& options, bool* written) {
 
 int Find(FindOptions options) {
   std::string text, missing;
-  if (!Windows1252Of(options.text, &text, &missing)) {
+  if (!ToLineText(options.text, &text, &missing)) {
     return Tell("find: no line holds " + QuoteValue(missing) + ": lines are in the characters of Windows-1252"),
            kNothingFound;
   }

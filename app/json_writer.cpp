@@ -1,7 +1,10 @@
 #include "app/json_writer.h"
 
+#include "app/packet_protocol.h"
 #include "core/digits.h"
 #include "core/line_facts.h"
+#include "decoders/app/packet_summaries.h"
+#include "host/packet_addresses.h"
 #include "host/time_text.h"
 
 namespace qxview {
@@ -103,6 +106,25 @@ void PutLines(Output& out, Session& session) {
   }
 }
 
+// What the packet list says of the frame. Its headers are read once more: the lines stay.
+void PutListing(Output& out, Session& session, const JsonPacket& packet) {
+  const auto put = [&](const char* member, std::string_view text) {
+    out.Put(",\"");
+    out.Put(member);
+    out.Put("\":");
+    PutJsonText(out, text);
+  };
+  PacketAddresses addresses;
+  char summary[kSummarySize], scratch[kMediumNameScratch];
+  session.ReadHeaders(packet.record);
+  FormatPacketAddresses(session.Context().packet, packet.host, &addresses);
+  SummarizePacket(session.GetView(), summary, sizeof summary);
+  put("source", addresses.source);
+  put("destination", addresses.destination);
+  put("protocol", ProtocolNameOf(session.Context().packet, scratch));
+  put("summary", summary);
+}
+
 void PutBytes(Output& out, const FrameRecord* record) {
   out.Put(",\"bytes\":\"");
   const uint8_t* const data = FrameData(record);
@@ -155,6 +177,7 @@ void WriteJson(Output& out, Session& session, const JsonPacket& packet) {
   out.Put(MediumName(record, scratch));
   out.Put("\",\"handled\":");
   PutNumber(out, packet.handled);
+  if (packet.host) PutListing(out, session, packet);
   if (packet.withBytes) PutBytes(out, record);
   if (session.Tree().FirstChild(0)) {
     out.Put(",\"lines\":[");

@@ -11,6 +11,7 @@ struct JsonPacket {
   int32_t handled;
   bool withBytes;   // the frame's, in hexadecimal
   const char* file;   // its capture's name; null: not said
+  const QxHost* host;   // with the line of the packet list, which it names addresses for; null: without
 };
 
 void WriteJson(Output& out, Session& session, const JsonPacket& packet);

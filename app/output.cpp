@@ -95,7 +95,7 @@ int KeepFile(NewFile* file, const std::string& name, bool written, const Reading
 }
 
 // UTF-8 to Windows-1252: see the header.
-bool Windows1252Of(std::string_view text, std::string* out, std::string* missing) {
+bool ToLineText(std::string_view text, std::string* out, std::string* missing) {
   out->clear();
   for (size_t at = 0; at < text.size();) {
     const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data()) + at;

@@ -41,6 +41,6 @@ class Output {
 
 // UTF-8 to Windows-1252; bytes that are no UTF-8 stay as they are. False with the first character that the code page
 // does not have.
-bool Windows1252Of(std::string_view text, std::string* out, std::string* missing);
+bool ToLineText(std::string_view text, std::string* out, std::string* missing);
 
 }  // namespace qxview

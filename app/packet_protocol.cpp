@@ -10,63 +10,49 @@
 namespace qxview {
 namespace {
 
-struct ShortName {
-  std::string_view name;
-  const char* shortName;
-};
+constexpr size_t kColumn = 9;   // longer names are shown by the short one
 
-// Names that are longer than a column is wide.
-constexpr ShortName kShortNames[] = {
-    {"802.1X EAPOL", "EAPOL"},
-    {"AppleTalk ARP", "AARP"},
-    {"AppleTalk DDP", "DDP"},
-    {"Cisco VNTag", "VNTag"},
-    {"Connectivity Fault Management", "CFM"},
-    {"DEC LAN Bridge", "DEC Bridge"},
-    {"DEC MOP Remote Console", "MOP"},
-    {"DECnet Phase IV", "DECnet"},
-    {"MS Network Load Balancing", "MS NLB"},
-    {"NetBIOS Datagram Service", "NBDS"},
-    {"NetBIOS Name Service", "NBNS"},
-    {"NetBIOS Session Service", "NBSS"},
-    {"NetWare IPX", "IPX"},
-    {"OSI Network Layer", "OSI"},
-    {"OSI Null Layer", "OSI"},
-    {"Oracle TNS", "TNS"},
-    {"PPPoE Discovery", "PPPoE"},
-    {"PPPoE Session", "PPPoE"},
-    {"Service VLAN", "VLAN"},
-    {"Slow Protocols", "Slow"},
-    {"Spanning Tree BPDU", "STP"},
-    {"Switch Link Management", "Switch"},
-    {"Wireless IDS", "WIDS"},
-};
+bool IsAlphanumeric(char c) { return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'); }
 
-const char* Shorten(const char* name) {
-  for (const ShortName& row : kShortNames) {
-    if (row.name == name) return row.shortName;
+// Whether the short name only spells the name otherwise: "bittorrent".
+bool Spells(const char* key, const char* name) {
+  for (; *name; ++name) {
+    if (!IsAlphanumeric(*name)) continue;
+    while (*key && !IsAlphanumeric(*key)) ++key;
+    if (!*key || (*key++ | 0x20) != (*name | 0x20)) return false;
   }
-  return name;
+  return *key == 0;
 }
 
-const char* IpName(uint32_t protocol, bool isSix) {
+// The protocol's name, or where it is too long for a column its short name in capitals, made in `scratch`.
+const char* Shorten(const DecoderRow* row, const char* name, char* scratch) {
+  if (!row || std::strlen(row->name) <= kColumn || Spells(row->protocol->key, row->name)) return row ? row->name : name;
+  char* out = scratch;
+  for (const char* key = row->protocol->key; *key && out < scratch + kMediumNameScratch - 1; ++key) {
+    *out++ = *key >= 'a' && *key <= 'z' ? static_cast<char>(*key - ('a' - 'A')) : *key == '_' ? '-' : *key;
+  }
+  *out = 0;
+  return scratch;
+}
+
+const char* IpName(uint32_t protocol, bool isSix, char* scratch) {
   const uint8_t key = static_cast<uint8_t>(protocol);
   const DecoderRow* row = isSix ? FindIPv6NextHeader(key) : FindIpProtocol(key);
   if (!row) row = isSix ? FindIpProtocol(key) : FindIPv6NextHeader(key);
-  return row ? row->name : IpProtocolName(protocol, isSix ? "IPv6" : "IPv4");
+  return Shorten(row, row ? nullptr : IpProtocolName(protocol, isSix ? "IPv6" : "IPv4"), scratch);
 }
 
-const char* LinkName(const PacketState& packet) {
+const char* LinkName(const PacketState& packet, char* scratch) {
   const uint32_t key = packet.reached.key;
   if (packet.reached.table == DispatchTable::kPpp) return "PPP";
   if (packet.reached.table == DispatchTable::kLlc) {
     const DecoderRow* row = key < 0x100 ? FindLlcService(static_cast<LlcService>(key)) : nullptr;
-    return row ? row->name : "LLC";
+    return Shorten(row, "LLC", scratch);
   }
   if (key > 0xFFFF) return "SLARP";
   const DecoderRow* row = FindEthertype(static_cast<uint16_t>(key));
-  const char* name = row ? row->name : EthertypeName(static_cast<uint16_t>(key));
-  return name ? name : "Ethertype";
+  const char* name = EthertypeName(static_cast<uint16_t>(key));
+  return Shorten(row, name ? name : "Ethertype", scratch);
 }
 
 struct Family {
@@ -77,7 +63,7 @@ struct Family {
 constexpr Family kFamilies[] = {
     {kGreen, "|HTTP|HTTPS|TLS|"},
     {kBlue, "|DNS|LLMNR|MDNS|NBNS|DHCP|DHCPv6|NTP|SNMP|Syslog|RADIUS|"},
-    {kViolet, "|SMB|LDAP|Kerberos|NBSS|NBDS|NetBIOS|ONC RPC|MSRPC|TNS|TDS|FIX|GIOP|IPX|"},
+    {kViolet, "|SMB|LDAP|Kerberos|NBSS|NBDGM|NetBIOS|ONC RPC|MSRPC|TNS|TDS|FIX|GIOP|IPX|"},
     {kMagenta, "|SIP|RTP|RTCP|RTSP|SCCP|MGCP|Megaco|H.225|RAS|H.245|CGP|IAX2|Minet|UNIStim|"},
     {kTeal, "|FTP|FTP Data|SMTP|POP3|Telnet|LPD|BitTorrent|FCIP|SSH|IMAP|"},
     {kNoColor, "|TCP|UDP|SCTP|IPv4|IPv6|"},
@@ -133,13 +119,13 @@ const char* ProtocolNameOf(const PacketState& packet, char* scratch) {
     case DispatchTable::kNone: return MediumName(packet.frame, scratch);
     case DispatchTable::kEthertype:
     case DispatchTable::kLlc:
-    case DispatchTable::kPpp: return Shorten(LinkName(packet));
-    case DispatchTable::kIpProtocol: return Shorten(IpName(reached.key, isSix));
-    case DispatchTable::kIpFragment: return Shorten(IpName(reached.key & 0xFF, isSix));
+    case DispatchTable::kPpp: return LinkName(packet, scratch);
+    case DispatchTable::kIpProtocol: return IpName(reached.key, isSix, scratch);
+    case DispatchTable::kIpFragment: return IpName(reached.key & 0xFF, isSix, scratch);
     case DispatchTable::kApplication: break;
   }
   const DecoderRow* row = reached.key == kNoApplication ? nullptr : FindBuiltinDecoder(reached.key);
-  return Shorten(row ? row->name : IpName(packet.carrier.key, isSix));
+  return row ? Shorten(row, nullptr, scratch) : IpName(packet.carrier.key, isSix, scratch);
 }
 
 const char* ColorOfPacket(std::string_view protocol, std::string_view summary) {

@@ -61,7 +61,8 @@ std::vector<FrameCase> Frames() {
       {Ethernet(0x0806, Hex("0001 0800")), "ARP, 4 bytes"},
       {Ethernet(0x0800, IPv4(1, Hex("08 00 0000 0001 0002 4142"))), "ICMP: Echo Request (Bad Checksum), Identifier = 1, Sequence Number = 2"},
       {Ethernet(0x0800, IPv4(1, Hex("03 03 0000 00000000") + kQuoted)),
-       "ICMP: Destination Unreachable, Port Unreachable (Bad Checksum)"},
+       "ICMP: Destination Unreachable, Port Unreachable (Bad Checksum), Quoted: UDP 10.0.0.1 port 40000 -> 10.0.0.2 "
+       "port 53"},
       {Ethernet(0x0800, IPv4(6, kSyn)),
        "TCP SYN, Port: 49152 -> 179 (BGP), Sequence: 1, Window: 8192, Length: 0"},
       {Ethernet(0x0800, IPv4(17, Udp(68, 67, Bytes(20)))), "UDP, Port: 68 -> 67 (DHCP), Length: 20"},

@@ -53,4 +53,37 @@ void DescribeMobility(SummaryText& text, Cursor c, const PacketState&) {
   if (type.here) Add(text, " %s", LookupName(kMobilityNames, type.value));
 }
 
+void AppendQuotedDatagram(const PacketState& packet, char* out, int32_t size) {
+  constexpr uint32_t kIcmp = 1, kIcmpv6 = 58, kTcp = 6, kUdp = 17;
+  const ReachedLayer& reached = packet.reached;
+  if (reached.table != DispatchTable::kIpProtocol || (reached.key != kIcmp && reached.key != kIcmpv6)) return;
+  Cursor c = MakeCursor(reached.bytes, 0, reached.length);
+  const uint32_t type = TakeU8(c).value;
+  const bool isError = reached.key == kIcmpv6 ? type >= 1 && type <= 4 : (type >= 3 && type <= 5) || type == 11 || type == 12;
+  TakeBytes(c, 7);
+  const uint32_t version = PeekU8(c) >> 4;
+  if (!isError || (version != 4 && version != 6)) return;
+  const bool isFour = version == 4;
+  Cursor ports = c, addresses = c;
+  TakeBytes(ports, isFour ? static_cast<int32_t>(PeekU8(c) & 15) * 4 : 40);
+  const uint32_t protocol = PeekU8(c, isFour ? 9 : 6);
+  TakeBytes(addresses, isFour ? 12 : 8);
+  const Field source = TakeBytes(addresses, isFour ? 4 : 16), destination = TakeBytes(addresses, isFour ? 4 : 16);
+  if (!destination.here) return;
+  const Field sourcePort = TakeU16(ports), destinationPort = TakeU16(ports);
+  const bool hasPorts = destinationPort.here && (protocol == kTcp || protocol == kUdp);
+  const auto add = [&](const Field& address, const Field& port) {
+    if (isFour) {
+      AppendFormat(out, size, "%s", IPv4Text(address.bytes));
+    } else {
+      AppendFormat(out, size, "%s", IPv6Text(address.bytes));
+    }
+    if (hasPorts) AppendFormat(out, size, " port %u", port.value);
+  };
+  AppendFormat(out, size, ", Quoted: %s ", IpProtocolName(protocol));
+  add(source, sourcePort);
+  AppendFormat(out, size, " -> ");
+  add(destination, destinationPort);
+}
+
 }  // namespace qxview

@@ -16,6 +16,9 @@ void DescribeLayers(const PacketState& packet, char* out, int32_t size);
 // Whether the reached layer has a line here that tells more than its name.
 bool HasLayerLine(const PacketState& packet);
 
+// Behind the line of an ICMP error: what it quotes, ", Quoted: UDP 10.0.0.1 port 53 -> 10.0.0.2 port 40000".
+void AppendQuotedDatagram(const PacketState& packet, char* out, int32_t size);
+
 // ---- The families, for the tables of DescribeLayers.
 
 // Links (link_layer_summary.cpp).

@@ -113,6 +113,7 @@ bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
   context.outputMode = kDisplayMode;
   context.silent = false;
   context.findFound = 0;
+  context.facts = nullptr;   // they are those of the lines that are shown
   const ReachedLayer& reached = before.packet.reached;
   TryDecoder(TopLevel(&once, kFirstLevel), MakeCursor(reached.bytes, 0, reached.length), decode, nullptr);
   ByteRange* const table = context.rangeTable;
@@ -141,6 +142,7 @@ bool Summarize(const View* view, SummaryFunction summarize, SummaryInput input, 
 }  // namespace
 
 void SummarizePacket(View* view, char* out, int32_t size) {
+  constexpr uint32_t kEthertypeArp = 0x0806, kEthertypeRarp = 0x8035;
   constexpr uint32_t kTcp = 6;
   const PacketState& packet = view->context->packet;
   const ReachedLayer& reached = packet.reached;
@@ -150,7 +152,12 @@ void SummarizePacket(View* view, char* out, int32_t size) {
                              packet.carrier.key == kTcp, view->engine->settings.cleanText, nullptr};
     if (Summarize(view, protocol->summary, input, out, size)) return;
   }
-  if (protocol && !protocol->summary && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) return;
+  if (reached.table == DispatchTable::kEthertype && reached.key == kEthertypeRarp) {   // ARP's fields (RFC 903)
+    if (CopyTopLine(view, FindEthertype(kEthertypeArp)->decode, out, size)) return;
+  }
+  if (protocol && !protocol->summary && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) {
+    return AppendQuotedDatagram(packet, out, size);
+  }
   DescribeLayers(packet, out, size);
 }
 
