@@ -1,4 +1,5 @@
-// The names of IPMI 2.0: network functions, commands by network function, completion codes, and what sessions negotiate.
+// The names of IPMI 2.0: network functions, commands by network function, completion codes, and what sessions
+// negotiate.
 #pragma once
 #include "core/name_table.h"
 
@@ -21,9 +22,11 @@ inline constexpr auto kIpmiCommandNames = SortedNames({
     {0x0000, "Get Chassis Capabilities"}, {0x0001, "Get Chassis Status"}, {0x0002, "Chassis Control"},
     {0x0003, "Chassis Reset"}, {0x0004, "Chassis Identify"}, {0x0005, "Set Chassis Capabilities"},
     {0x0006, "Set Power Restore Policy"}, {0x0007, "Get System Restart Cause"}, {0x0008, "Set System Boot Options"},
-    {0x0009, "Get System Boot Options"}, {0x000A, "Set Front Panel Button Enables"}, {0x000B, "Set Power Cycle Interval"},
+    {0x0009, "Get System Boot Options"}, {0x000A, "Set Front Panel Button Enables"},
+    {0x000B, "Set Power Cycle Interval"},
     {0x000F, "Get POH Counter"},
-    {0x0200, "Get Bridge State"}, {0x0201, "Set Bridge State"}, {0x0202, "Get ICMB Address"}, {0x0203, "Set ICMB Address"},
+    {0x0200, "Get Bridge State"}, {0x0201, "Set Bridge State"}, {0x0202, "Get ICMB Address"},
+    {0x0203, "Set ICMB Address"},
     {0x0204, "Set Bridge Proxy Address"}, {0x0205, "Get Bridge Statistics"}, {0x0206, "Get ICMB Capabilities"},
     {0x0208, "Clear Bridge Statistics"}, {0x0209, "Get Bridge Proxy Address"}, {0x020A, "Get ICMB Connector Info"},
     {0x020B, "Get ICMB Connection ID"}, {0x020C, "Send ICMB Connection ID"}, {0x0210, "Prepare for Discovery"},
@@ -46,14 +49,17 @@ inline constexpr auto kIpmiCommandNames = SortedNames({
     {0x0605, "Manufacturing Test On"}, {0x0606, "Set ACPI Power State"}, {0x0607, "Get ACPI Power State"},
     {0x0608, "Get Device GUID"}, {0x0609, "Get NetFn Support"}, {0x060A, "Get Command Support"},
     {0x060B, "Get Command Sub-function Support"}, {0x060C, "Get Configurable Commands"},
-    {0x060D, "Get Configurable Command Sub-functions"}, {0x0622, "Reset Watchdog Timer"}, {0x0624, "Set Watchdog Timer"},
+    {0x060D, "Get Configurable Command Sub-functions"}, {0x0622, "Reset Watchdog Timer"},
+    {0x0624, "Set Watchdog Timer"},
     {0x0625, "Get Watchdog Timer"}, {0x062E, "Set BMC Global Enables"}, {0x062F, "Get BMC Global Enables"},
     {0x0630, "Clear Message Flags"}, {0x0631, "Get Message Flags"}, {0x0632, "Enable Message Channel Receive"},
     {0x0633, "Get Message"}, {0x0634, "Send Message"}, {0x0635, "Read Event Message Buffer"},
     {0x0636, "Get BT Interface Capabilities"}, {0x0637, "Get System GUID"},
-    {0x0638, "Get Channel Authentication Capabilities"}, {0x0639, "Get Session Challenge"}, {0x063A, "Activate Session"},
+    {0x0638, "Get Channel Authentication Capabilities"}, {0x0639, "Get Session Challenge"},
+    {0x063A, "Activate Session"},
     {0x063B, "Set Session Privilege Level"}, {0x063C, "Close Session"}, {0x063D, "Get Session Info"},
-    {0x063F, "Get AuthCode"}, {0x0640, "Set Channel Access"}, {0x0641, "Get Channel Access"}, {0x0642, "Get Channel Info"},
+    {0x063F, "Get AuthCode"}, {0x0640, "Set Channel Access"}, {0x0641, "Get Channel Access"},
+    {0x0642, "Get Channel Info"},
     {0x0643, "Set User Access"}, {0x0644, "Get User Access"}, {0x0645, "Set User Name"}, {0x0646, "Get User Name"},
     {0x0647, "Set User Password"}, {0x0648, "Activate Payload"}, {0x0649, "Deactivate Payload"},
     {0x064A, "Get Payload Activation Status"}, {0x064B, "Get Payload Instance Info"},
@@ -94,7 +100,8 @@ inline constexpr auto kIpmiCompletionNames = SortedNames({
     {0xCB, "Requested Sensor, Data or Record Not Present"}, {0xCC, "Invalid Data Field in Request"},
     {0xCD, "Command Illegal for Specified Sensor or Record Type"}, {0xCE, "Command Response Could Not Be Provided"},
     {0xCF, "Cannot Execute Duplicated Request"}, {0xD0, "SDR Repository in Update Mode"},
-    {0xD1, "Device in Firmware Update Mode"}, {0xD2, "BMC Initialization in Progress"}, {0xD3, "Destination Unavailable"},
+    {0xD1, "Device in Firmware Update Mode"}, {0xD2, "BMC Initialization in Progress"},
+    {0xD3, "Destination Unavailable"},
     {0xD4, "Insufficient Privilege Level"}, {0xD5, "Command Not Supported in Present State"},
     {0xD6, "Sub-function Disabled or Unavailable"}, {0xFF, "Unspecified Error"}});
 
@@ -106,7 +113,8 @@ inline constexpr auto kIpmiPayloadNames = SortedNames({
     {0x15, "RAKP Message 4"}, {0x20, "OEM0"}, {0x21, "OEM1"}, {0x22, "OEM2"}, {0x23, "OEM3"}, {0x24, "OEM4"},
     {0x25, "OEM5"}, {0x26, "OEM6"}, {0x27, "OEM7"}});
 inline constexpr auto kIpmiPrivilegeNames = SortedNames({
-    {0, "Highest Matching"}, {1, "CALLBACK"}, {2, "USER"}, {3, "OPERATOR"}, {4, "ADMINISTRATOR"}, {5, "OEM Proprietary"},
+    {0, "Highest Matching"}, {1, "CALLBACK"}, {2, "USER"}, {3, "OPERATOR"}, {4, "ADMINISTRATOR"},
+    {5, "OEM Proprietary"},
     {15, "No Access"}});
 inline constexpr auto kIpmiStatusNames = SortedNames({
     {0x00, "No Errors"}, {0x01, "Insufficient Resources to Create a Session"}, {0x02, "Invalid Session ID"},

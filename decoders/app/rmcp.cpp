@@ -1,5 +1,5 @@
-// Remote Management Control Protocol (DMTF DSP0136): ASF messages, and IPMI (IPMI 2.0) in sessions of version 1.5 and 2.0
-// (RMCP+): is this machine well, and may I switch it on?
+// Remote Management Control Protocol (DMTF DSP0136): ASF messages, and IPMI (IPMI 2.0) in sessions of version 1.5 and
+// 2.0 (RMCP+): is this machine well, and may I switch it on?
 //
 //   version (1) reserved (1) sequence (1) class (1)
 //   IPMI 1.5:  authentication type (1) sequence (4) session (4) [code (16)] length (1) message
@@ -19,7 +19,7 @@ constexpr uint32_t kEncrypted = 0x80, kAuthenticated = 0x40;
 
 constexpr auto kClassNames = SortedNames({{6, "ASF"}, {7, "IPMI"}, {8, "OEM Defined"}});
 constexpr auto kMessageTypeNames = SortedNames({{0, "Normal RMCP"}, {1, "RMCP ACK"}});
-constexpr auto kEnterpriseNames = SortedNames({{343, "Intel"}, {412, "DMTF"}, {4542, "Alerting Specifications Forum"}});
+constexpr auto kEnterpriseNames = SortedNames({{343, "Intel"}, {412, "DMTF"}, {4542, "ASF"}});
 constexpr auto kAsfNames = SortedNames({
     {0x10, "Reset"}, {0x11, "Power-up"}, {0x12, "Unconditional Power-down"}, {0x13, "Power Cycle"},
     {0x40, "Presence Pong"}, {0x41, "Capabilities Response"}, {0x42, "System State Response"},
@@ -28,7 +28,8 @@ constexpr auto kAsfNames = SortedNames({
     {0x84, "Close Session Request"}, {0xC0, "RAKP Message 1"}, {0xC1, "RAKP Message 2"}, {0xC2, "RAKP Message 3"}});
 constexpr auto kSystemStateNames = SortedNames({
     {0, "S0/G0 \"Working\""}, {1, "S1"}, {2, "S2"}, {3, "S3"}, {4, "S4"}, {5, "S5/G2 \"Soft-off\""}, {6, "S4/S5"},
-    {7, "G3/S5 \"Mechanical Off\""}, {8, "Sleeping"}, {9, "G1 Sleeping"}, {10, "S5 Entered by Override"}, {11, "Legacy On"},
+    {7, "G3/S5 \"Mechanical Off\""}, {8, "Sleeping"}, {9, "G1 Sleeping"}, {10, "S5 Entered by Override"},
+    {11, "Legacy On"},
     {12, "Legacy Off"}, {14, "Unknown"}});
 constexpr auto kChassisControlNames = SortedNames({
     {0, "Power Down"}, {1, "Power Up"}, {2, "Power Cycle"}, {3, "Hard Reset"}, {4, "Pulse Diagnostic Interrupt"},
@@ -94,7 +95,8 @@ constexpr auto kRakp4 = Rows<Rmcp>({
     Hex(1, "Message Tag"), Hex(1, "Status Code", kIpmiStatusNames).Note(", %s"), Bytes(2, "Reserved"),
     Low(Hex(4, "Remote Console Session ID")), Bytes(0, "Integrity Check Value")});
 constexpr auto kSol = Rows<Rmcp>({
-    Number(1, "Packet Sequence Number"), Number(1, "Acknowledged Sequence Number"), Number(1, "Accepted Character Count"),
+    Number(1, "Packet Sequence Number"), Number(1, "Acknowledged Sequence Number"),
+    Number(1, "Accepted Character Count"),
     Hex(1, "Operation/Status"), Bytes(0, "Characters")});
 
 constexpr auto kTarget = Rows<Rmcp>({
@@ -130,22 +132,27 @@ constexpr auto kCloseRequest = Rows<Rmcp>({Low(Hex(4, "Session ID"))});
 constexpr auto kDeviceId = Rows<Rmcp>({
     Hex(1, "Device ID"), Hex(1, "Device Revision"), Flag(0, "Provides Device SDRs"), Bits(4, 4, "Revision"),
     Hex(1, "Firmware Revision 1"), Flag(0, "Update in Progress"), Bits(1, 7, "Major Firmware Revision"),
-    Hex(1, "Firmware Revision 2"), Hex(1, "IPMI Version"), Hex(1, "Additional Device Support"), Flag(0, "Chassis Device"),
+    Hex(1, "Firmware Revision 2"), Hex(1, "IPMI Version"), Hex(1, "Additional Device Support"),
+    Flag(0, "Chassis Device"),
     Flag(1, "Bridge"), Flag(2, "IPMB Event Generator"), Flag(3, "IPMB Event Receiver"), Flag(4, "FRU Inventory Device"),
-    Flag(5, "SEL Device"), Flag(6, "SDR Repository Device"), Flag(7, "Sensor Device"), Low(Number(3, "Manufacturer ID")),
+    Flag(5, "SEL Device"), Flag(6, "SDR Repository Device"), Flag(7, "Sensor Device"),
+    Low(Number(3, "Manufacturer ID")),
     Low(Number(2, "Product ID")), Bytes(4, "Auxiliary Firmware Revision")});
 constexpr auto kChassisStatus = Rows<Rmcp>({
-    Hex(1, "Current Power State"), Bits(1, 2, "Power Restore Policy", kPowerPolicyNames), Flag(3, "Power Control Fault"),
+    Hex(1, "Current Power State"), Bits(1, 2, "Power Restore Policy", kPowerPolicyNames),
+    Flag(3, "Power Control Fault"),
     Flag(4, "Power Fault"), Flag(5, "Interlock"), Flag(6, "Power Overload"), Flag(7, "Power On"),
     Hex(1, "Last Power Event"), Flag(3, "Power On via IPMI"), Flag(4, "Power Fault"), Flag(5, "Interlock Activated"),
     Flag(6, "Power Overload"), Flag(7, "AC Failed"), Hex(1, "Miscellaneous Chassis State"), Flag(4, "Cooling Fault"),
-    Flag(5, "Drive Fault"), Flag(6, "Front Panel Lockout"), Flag(7, "Chassis Intrusion"), Hex(1, "Front Panel Buttons")});
+    Flag(5, "Drive Fault"), Flag(6, "Front Panel Lockout"), Flag(7, "Chassis Intrusion"),
+    Hex(1, "Front Panel Buttons")});
 constexpr auto kChassisControl = Rows<Rmcp>({
     Word(1), Bits(0, 4, "Reserved"), Bits(4, 4, "Chassis Control", kChassisControlNames)});
 constexpr auto kGuid = Rows<Rmcp>({Bytes(16, "GUID")});
 constexpr auto kReadingRequest = Rows<Rmcp>({Number(1, "Sensor Number")});
 constexpr auto kReadingResponse = Rows<Rmcp>({
-    Number(1, "Sensor Reading"), Hex(1, "Sensor Status"), Flag(0, "Event Messages Enabled"), Flag(1, "Scanning Enabled"),
+    Number(1, "Sensor Reading"), Hex(1, "Sensor Status"), Flag(0, "Event Messages Enabled"),
+    Flag(1, "Scanning Enabled"),
     Flag(2, "Reading Unavailable"), Hex(1, "Present Thresholds or States")});
 constexpr auto kRecordRequest = Rows<Rmcp>({
     Low(Hex(2, "Reservation ID")), Low(Hex(2, "Record ID")), Number(1, "Offset"), Number(1, "Bytes to Read")});

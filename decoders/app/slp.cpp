@@ -36,7 +36,8 @@ constexpr auto kHeader1 = Rows<Slp>({
 constexpr auto kHeader2 = Rows<Slp>({
     Number(1, "Version").Into(&Slp::version), Number(1, "Function", kFunctionNames).Into(&Slp::function),
     Number(3, "Length"), Hex(2, "Flags"), Flag(0, "Overflow"), Flag(1, "Fresh"), Flag(2, "Multicast Request"),
-    Bits(3, 13, "Reserved"), Number(3, "Next Extension Offset"), Number(2, "XID"), Counted(2, Utf8(0, "Language Tag"))});
+    Bits(3, 13, "Reserved"), Number(3, "Next Extension Offset"), Number(2, "XID"), Counted(2,
+    Utf8(0, "Language Tag"))});
 
 // Blocks of authentication: what is signed, and by whom.
 void ShowAuthentications(const Place& in, Cursor& c, const char*, Slp&) {
@@ -113,7 +114,7 @@ consteval RowData Error2() { return Number(2, "Error Code", kErrorNames2).Note("
 constexpr auto kRequest1 = Rows<Slp>({String("Previous Responders"), String("Predicate").Note(", %s")});
 constexpr auto kReply1 = Rows<Slp>({Error1(), Shown<Slp>("URL Entry", ShowUrls)});
 constexpr auto kRegistration1 = Rows<Slp>({Shown<Slp>("URL Entry", ShowUrl1), String("Attribute List")});
-constexpr auto kDeregister1 = Rows<Slp>({String("URL").Note(", %s"), String("Tag Specification")});
+constexpr auto kDeregister1 = Rows<Slp>({String("URL").Note(", %s"), String("Tag List")});
 constexpr auto kAcknowledge1 = Rows<Slp>({Error1()});
 constexpr auto kAttributeRequest1 = Rows<Slp>({
     String("Previous Responders"), String("URL").Note(", %s"), String("Scope"), String("Select List")});

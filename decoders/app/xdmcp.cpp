@@ -11,7 +11,8 @@ constexpr auto kOperationNames = SortedNames({
     {1, "BroadcastQuery"}, {2, "Query"}, {3, "IndirectQuery"}, {4, "ForwardQuery"}, {5, "Willing"}, {6, "Unwilling"},
     {7, "Request"}, {8, "Accept"}, {9, "Decline"}, {10, "Manage"}, {11, "Refuse"}, {12, "Failed"}, {13, "KeepAlive"},
     {14, "Alive"}});
-constexpr auto kConnectionNames = SortedNames({{0, "Internet"}, {1, "DECnet"}, {2, "Chaos"}, {6, "Internet, Version 6"}});
+constexpr auto kConnectionNames = SortedNames({
+    {0, "Internet"}, {1, "DECnet"}, {2, "Chaos"}, {6, "Internet, Version 6"}});
 
 struct Xdmcp {
   Field operation;
@@ -45,11 +46,16 @@ void ShowBytes(const Place& in, Cursor& c, const char* label, Xdmcp&) {
 }
 void ShowAddress(const Place& in, Cursor& c, const char* label, Xdmcp&) {
   const Array array = TakeArray(c);
-  const uint8_t* bytes = array.octets.bytes;
-  const int32_t length = array.octets.length;
-  AddLength(in, length == 4 && bytes    ? AddLine(in, array.whole, "%s: %s", label, IPv4Text(bytes))
-                : length == 16 && bytes ? AddLine(in, array.whole, "%s: %s", label, IPv6Text(bytes))
-                                        : AddLine(in, array.whole, "%s: %s", label, HexText(array.octets)), array);
+  const Field& address = array.octets;
+  AddLine(in, array.length, "%s Length: %u", label, array.length.value);
+  if (!array.length.here || address.length == 0) return;
+  if (address.length == 4) {
+    AddLine(in, address, "%s: %s", label, IPv4Text(address.bytes));
+  } else if (address.length == 16) {
+    AddLine(in, address, "%s: %s", label, IPv6Text(address.bytes));
+  } else {
+    AddLine(in, address, "%s: %s", label, HexText(address));
+  }
 }
 void ShowPort(const Place& in, Cursor& c, const char* label, Xdmcp&) {
   const Array array = TakeArray(c);
@@ -88,7 +94,8 @@ constexpr auto kHeader = Rows<Xdmcp>({
     Number(2, "Version"), Number(2, "Operation Code", kOperationNames).Into(&Xdmcp::operation), Number(2, "Length")});
 constexpr auto kQuery = Rows<Xdmcp>({TextsOf("Authentication Name")});
 constexpr auto kForward = Rows<Xdmcp>({
-    Shown<Xdmcp>("Client Address", ShowAddress), Shown<Xdmcp>("Client Port", ShowPort), TextsOf("Authentication Name")});
+    Shown<Xdmcp>("Client Address", ShowAddress), Shown<Xdmcp>("Client Port", ShowPort),
+    TextsOf("Authentication Name")});
 constexpr auto kWilling = Rows<Xdmcp>({TextOf("Authentication Name"), TextOf("Host Name"), TextOf("Status")});
 constexpr auto kUnwilling = Rows<Xdmcp>({TextOf("Host Name"), TextOf("Status")});
 constexpr auto kRequest = Rows<Xdmcp>({
@@ -128,7 +135,8 @@ RowSpan<Xdmcp> BodyOf(uint32_t operation) {
 
 int32_t DecodeXdmcp(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize || PeekU16(c) != 1) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, kHeaderSize), "XDMCP: %s", LookupName(kOperationNames, PeekU16(c, 2))));
+  const Place in = Under(at, AddLine(at, Ahead(c, kHeaderSize), "XDMCP: %s", LookupName(kOperationNames,
+    PeekU16(c, 2))));
   Xdmcp xdmcp = ShowRows(in, c, kHeader);
   ShowRows<Xdmcp>(in, c, BodyOf(xdmcp.operation.value), xdmcp);
   CoverBytes(in, c);

@@ -9,8 +9,8 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kHeaderSize = 16;
-constexpr uint32_t kSpm = 0, kPoll = 1, kPolr = 2, kOriginalData = 4, kRepairData = 5, kNak = 8, kNullNak = 9, kConfirm = 10,
-                   kAcknowledge = 14;
+constexpr uint32_t kSpm = 0, kPoll = 1, kPolr = 2, kOriginalData = 4, kRepairData = 5, kNak = 8, kNullNak = 9,
+    kConfirm = 10, kAcknowledge = 14;
 constexpr uint32_t kHasOptions = 0x01, kEndOfOptions = 0x80;
 
 constexpr auto kTypeNames = SortedNames({
@@ -59,7 +59,8 @@ constexpr auto kSpmRows = Rows<Pgm>({
     Number(4, "SPM Sequence Number").Note(", Sequence %u"), Number(4, "Trailing Edge Sequence Number"),
     Number(4, "Leading Edge Sequence Number"), AddressOf("Path NLA")});
 constexpr auto kPollRows = Rows<Pgm>({
-    Number(4, "Poll Sequence Number").Note(", Sequence %u"), Number(2, "Poll Round"), Number(2, "Poll Sub-type", kPollNames),
+    Number(4, "Poll Sequence Number").Note(", Sequence %u"), Number(2, "Poll Round"), Number(2, "Poll Sub-type",
+        kPollNames),
     AddressOf("Path NLA"), Number(4, "Poll Back-off Interval", " microseconds"), Hex(4, "Random String"),
     Hex(4, "Matching Bit-Mask")});
 constexpr auto kPolrRows = Rows<Pgm>({
@@ -95,7 +96,8 @@ constexpr auto kNakList = Rows<Pgm>({
     Number(1, "Reserved"), Shown<Pgm>("Requested Sequence Number", ShowSequences)});
 constexpr auto kJoin = Rows<Pgm>({Number(1, "Reserved"), Number(4, "Minimum Sequence Number")});
 constexpr auto kBackOffInterval = Rows<Pgm>({
-    Number(1, "Reserved"), Number(4, "Back-off Interval", " microseconds"), Number(4, "Back-off Interval Sequence Number")});
+    Number(1, "Reserved"), Number(4, "Back-off Interval", " microseconds"),
+    Number(4, "Back-off Interval Sequence Number")});
 constexpr auto kBackOffRange = Rows<Pgm>({
     Number(1, "Reserved"), Number(4, "Maximum Back-off Interval", " microseconds"),
     Number(4, "Minimum Back-off Interval", " microseconds")});
@@ -106,7 +108,8 @@ constexpr auto kParityParameters = Rows<Pgm>({
 constexpr auto kParityGroup = Rows<Pgm>({Number(1, "Reserved"), Number(4, "Parity Group Number")});
 constexpr auto kGroupSize = Rows<Pgm>({Number(1, "Reserved"), Number(4, "Actual Transmission Group Size")});
 constexpr auto kPathAddress = Rows<Pgm>({Number(1, "Reserved"), IPv4("Path NLA")});
-constexpr auto kReset = Rows<Pgm>({Word(1), Flag(0, "N Bit"), Bits(1, 6, "Error Code", kResetNames), Bits(7, 1, "Reserved")});
+constexpr auto kReset = Rows<Pgm>({Word(1), Flag(0, "N Bit"), Bits(1, 6, "Error Code", kResetNames),
+    Bits(7, 1, "Reserved")});
 constexpr auto kCongestionData = Rows<Pgm>({
     Number(1, "Reserved"), Number(4, "Time Stamp"), AddressOf("Acker NLA")});
 void ShowFeedback(const Place& in, Cursor& c, const char*, Pgm&) {
@@ -189,7 +192,8 @@ int32_t DecodePgm(const Place& at, Cursor c) {
   const char* unchecked = checksum.value == 0                                                ? "Not Used"
                           : network.fragmented || network.totalLength > message.length ? "Not Checked - Partial Capture"
                                                                                              : nullptr;
-  AddChecksumLine(in, checksum, "Checksum:", unchecked, SumWords(0, message.bytes, message.length), BadChecksum::kAlone);
+  AddChecksumLine(in, checksum, "Checksum:", unchecked, SumWords(0, message.bytes, message.length),
+                  BadChecksum::kAlone);
   ShowRows<Pgm>(in, c, kSource, pgm);
   ShowRows<Pgm>(in, c, BodyOf(type), pgm);
   if (pgm.options.value & kHasOptions && Left(c) >= 4) ShowOptions(in, c);
