@@ -99,7 +99,7 @@ VALUES = {
                     3: "UPDATE_PROCEDURE_IWF", 4: "INITIAL_ATTACH_PROCEDURE"},
     (10415, 1424): {0: "SERVICE_GRANTED", 1: "OPERATOR_DETERMINED_BARRING"},
     (10415, 1456): {0: "IPv4", 1: "IPv6", 2: "IPv4v6", 3: "IPv4_OR_IPv6"},
-    (10415, 1438): {0: "HPLMN", 1: "VPLMN"},
+    (10415, 1438): {0: "STATIC", 1: "DYNAMIC"},
 }
 TYPES = {"UNSIGNED32": "Unsigned32", "UNSIGNED64": "Unsigned64", "INTEGER32": "Integer32", "INTEGER64": "Integer64",
          "FLOAT32": "Float32", "FLOAT64": "Float64", "GROUPED": "Grouped", "OCTETSTRING": "Octets"}
@@ -142,11 +142,26 @@ def read(text):
     return avps, enums
 
 
+def read_values():
+    """{(vendor, code): {value: name}} of the list that stands beside the table"""
+    values = {}
+    with open(os.path.join(os.path.dirname(TABLE), "diameter_values.txt"), encoding="ascii") as file:
+        for line in file:
+            if line.startswith("#"):
+                continue
+            code, *names = line.split()
+            rows = values.setdefault((10415, int(code)), {})
+            for place, name in enumerate(names):
+                number, equals, rest = name.partition("=")
+                rows[int(number) if equals else place] = rest if equals else name
+    return values
+
+
 def main():
     avps, enums = read(dump(sys.argv[1] if len(sys.argv) > 1 else "/usr/include"))
     for key, row in LATER.items():
         avps.setdefault(key, row)
-    for key, names in VALUES.items():
+    for key, names in (read_values() | VALUES).items():
         enums[key] = names | enums.get(key, {})
         avps[key] = avps[key][0], "Enumerated"
     with open(TABLE, "w", encoding="ascii") as out:
