@@ -5,8 +5,8 @@
 //   version (4 bits) C PSI S O H reserved A B | header length in words (1) | codepoint (1)
 //   congestion control, session (TSI) and object (TOI), each as long as the flags say | extensions | FEC payload ID |
 // symbols
+#include "core/line_facts.h"
 #include "core/rows.h"
-#include "core/times.h"
 #include "decoders/common/xml_lines.h"
 
 namespace qxview {
@@ -106,6 +106,11 @@ void ShowExtension(const Place& at, Cursor& c, uint32_t encoding) {
   AddLine(in, rest, "Data: %s", HexText(rest));
 }
 
+void ShowDeliveryTable(const Place& in, Cursor& c) {
+  const KeyedAs keys(PacketOf(in), "flute");
+  ShowXml(in, c);
+}
+
 }  // namespace
 
 int32_t DecodeAlc(const Place& at, Cursor c) {
@@ -137,7 +142,7 @@ int32_t DecodeAlc(const Place& at, Cursor c) {
   c.ranShort = false;
   if (isTable && StartsXml(c)) {
     AppendToLine(in, top, ": File Delivery Table");
-    ShowXml(in, c);
+    ShowDeliveryTable(in, c);
   } else {
     AppendToLine(in, top, ": %u bytes of an object", static_cast<uint32_t>(Left(c)));
     AddBlock(in, Rest(c), "Encoding Symbols");

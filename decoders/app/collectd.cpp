@@ -21,6 +21,8 @@ void AddHighResolution(const Place& in, Cursor& c, const char* label, bool isTim
   const WideField ticks = TakeU64(c);   // of 2^-30 seconds
   const uint32_t nanoseconds = static_cast<uint32_t>((ticks.wide & 0x3FFFFFFF) * 1000000000 >> 30);
   const int64_t seconds = static_cast<int64_t>(ticks.wide >> 30);
+  // keys: time Time (High Resolution)
+  // keys: text Interval (High Resolution)
   if (isTime) {
     AddLine(in, ticks, "%s: %s", label, UtcText(seconds, nanoseconds, 9));
   } else {
@@ -36,6 +38,8 @@ void ShowValues(const Place& in, Cursor& c, const char*, Collectd& collectd) {
   constexpr auto kNumber = Rows<Collectd>({Number(8, nullptr)});
   constexpr auto kSigned = Rows<Collectd>({Signed(8, nullptr)});
   constexpr auto kFloat = Rows<Collectd>({Float(8, nullptr).Little()});
+  // keys: number Absolute, Counter, Derive
+  // keys: text Gauge
   const Field count = TakeU16(c);
   AddLine(in, count, "Values: %u", count.value);
   Cursor types = TakeCursor(c, count.value);

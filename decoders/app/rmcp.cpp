@@ -40,7 +40,6 @@ constexpr auto kPowerPolicyNames = SortedNames({
 struct Rmcp {
   Field classOf, asfType, length, function, command, payload;
 };
-consteval auto Low(RowData row) { return row.Little(); }
 
 constexpr auto kHeader = Rows<Rmcp>({
     Hex(1, "Version"), Hex(1, "Reserved"), Hex(1, "Sequence Number"), Hex(1, "Class of Message").Into(&Rmcp::classOf),
@@ -61,39 +60,39 @@ constexpr auto kSystemState = Rows<Rmcp>({
 
 constexpr auto kSessionType = Rows<Rmcp>({Number(1, "Authentication Type", kIpmiAuthenticationNames)});
 constexpr auto kSession15 = Rows<Rmcp>({
-    Low(Hex(4, "Session Sequence Number")), Low(Hex(4, "Session ID"))});
+    Hex(4, "Session Sequence Number").Little(), Hex(4, "Session ID").Little()});
 constexpr auto kCode = Rows<Rmcp>({Bytes(16, "Authentication Code")});
 constexpr auto kLength15 = Rows<Rmcp>({Number(1, "Message Length").Into(&Rmcp::length)});
 constexpr auto kPayloadType = Rows<Rmcp>({
     Hex(1, "Payload Type Word").Into(&Rmcp::payload), Flag(0, "Encrypted"), Flag(1, "Authenticated"),
     Bits(2, 6, "Payload Type", kIpmiPayloadNames)});
-constexpr auto kOemPayload = Rows<Rmcp>({Low(Number(4, "OEM IANA")), Low(Number(2, "OEM Payload ID"))});
+constexpr auto kOemPayload = Rows<Rmcp>({Number(4, "OEM IANA").Little(), Number(2, "OEM Payload ID").Little()});
 constexpr auto kSession20 = Rows<Rmcp>({
-    Low(Hex(4, "Session ID")), Low(Hex(4, "Session Sequence Number")),
-    Low(Number(2, "Message Length")).Into(&Rmcp::length)});
+    Hex(4, "Session ID").Little(), Hex(4, "Session Sequence Number").Little(),
+    Number(2, "Message Length").Little().Into(&Rmcp::length)});
 
 constexpr auto kOpenRequest = Rows<Rmcp>({
     Hex(1, "Message Tag"), Number(1, "Requested Maximum Privilege Level", kIpmiPrivilegeNames), Bytes(2, "Reserved"),
-    Low(Hex(4, "Remote Console Session ID"))});
+    Hex(4, "Remote Console Session ID").Little()});
 constexpr auto kOpenResponse = Rows<Rmcp>({
     Hex(1, "Message Tag"), Hex(1, "Status Code", kIpmiStatusNames).Note(", %s"),
     Number(1, "Maximum Privilege Level", kIpmiPrivilegeNames), Number(1, "Reserved"),
-    Low(Hex(4, "Remote Console Session ID")), Low(Hex(4, "Managed System Session ID"))});
+    Hex(4, "Remote Console Session ID").Little(), Hex(4, "Managed System Session ID").Little()});
 constexpr auto kRakp1 = Rows<Rmcp>({
-    Hex(1, "Message Tag"), Bytes(3, "Reserved"), Low(Hex(4, "Managed System Session ID")),
+    Hex(1, "Message Tag"), Bytes(3, "Reserved"), Hex(4, "Managed System Session ID").Little(),
     Bytes(16, "Remote Console Random Number"), Word(1), Bits(0, 3, "Reserved"), Flag(3, "Name-Only Lookup"),
     Bits(4, 4, "Requested Maximum Privilege Level", kIpmiPrivilegeNames), Bytes(2, "Reserved"),
     Counted(1, Text(0, "User Name")).Note(", %s")});
 constexpr auto kRakp2 = Rows<Rmcp>({
     Hex(1, "Message Tag"), Hex(1, "Status Code", kIpmiStatusNames).Note(", %s"), Bytes(2, "Reserved"),
-    Low(Hex(4, "Remote Console Session ID")), Bytes(16, "Managed System Random Number"),
+    Hex(4, "Remote Console Session ID").Little(), Bytes(16, "Managed System Random Number"),
     Bytes(16, "Managed System GUID"), Bytes(0, "Key Exchange Authentication Code")});
 constexpr auto kRakp3 = Rows<Rmcp>({
     Hex(1, "Message Tag"), Hex(1, "Status Code", kIpmiStatusNames).Note(", %s"), Bytes(2, "Reserved"),
-    Low(Hex(4, "Managed System Session ID")), Bytes(0, "Key Exchange Authentication Code")});
+    Hex(4, "Managed System Session ID").Little(), Bytes(0, "Key Exchange Authentication Code")});
 constexpr auto kRakp4 = Rows<Rmcp>({
     Hex(1, "Message Tag"), Hex(1, "Status Code", kIpmiStatusNames).Note(", %s"), Bytes(2, "Reserved"),
-    Low(Hex(4, "Remote Console Session ID")), Bytes(0, "Integrity Check Value")});
+    Hex(4, "Remote Console Session ID").Little(), Bytes(0, "Integrity Check Value")});
 constexpr auto kSol = Rows<Rmcp>({
     Number(1, "Packet Sequence Number"), Number(1, "Acknowledged Sequence Number"),
     Number(1, "Accepted Character Count"),
@@ -115,20 +114,20 @@ constexpr auto kChannelResponse = Rows<Rmcp>({
     Flag(2, "KG Set"), Flag(3, "Per-message Authentication Disabled"), Flag(4, "User Level Authentication Disabled"),
     Flag(5, "Non-null User Names Enabled"), Flag(6, "Null User Names Enabled"), Flag(7, "Anonymous Login Enabled"),
     Hex(1, "Extended Capabilities"), Flag(6, "IPMI 2.0 Connections"), Flag(7, "IPMI 1.5 Connections"),
-    Low(Number(3, "OEM ID")), Hex(1, "OEM Auxiliary Data")});
+    Number(3, "OEM ID").Little(), Hex(1, "OEM Auxiliary Data")});
 constexpr auto kChallengeRequest = Rows<Rmcp>({
     Number(1, "Authentication Type", kIpmiAuthenticationNames), Text(16, "User Name")});
 constexpr auto kChallengeResponse = Rows<Rmcp>({
-    Low(Hex(4, "Temporary Session ID")), Bytes(16, "Challenge String")});
+    Hex(4, "Temporary Session ID").Little(), Bytes(16, "Challenge String")});
 constexpr auto kActivateRequest = Rows<Rmcp>({
     Number(1, "Authentication Type", kIpmiAuthenticationNames),
     Number(1, "Maximum Privilege Level", kIpmiPrivilegeNames), Bytes(16, "Challenge String"),
-    Low(Hex(4, "Initial Outbound Sequence Number"))});
+    Hex(4, "Initial Outbound Sequence Number").Little()});
 constexpr auto kActivateResponse = Rows<Rmcp>({
-    Number(1, "Authentication Type", kIpmiAuthenticationNames), Low(Hex(4, "Session ID")),
-    Low(Hex(4, "Initial Inbound Sequence Number")), Number(1, "Maximum Privilege Level", kIpmiPrivilegeNames)});
+    Number(1, "Authentication Type", kIpmiAuthenticationNames), Hex(4, "Session ID").Little(),
+    Hex(4, "Initial Inbound Sequence Number").Little(), Number(1, "Maximum Privilege Level", kIpmiPrivilegeNames)});
 constexpr auto kPrivilege = Rows<Rmcp>({Number(1, "Privilege Level", kIpmiPrivilegeNames)});
-constexpr auto kCloseRequest = Rows<Rmcp>({Low(Hex(4, "Session ID"))});
+constexpr auto kCloseRequest = Rows<Rmcp>({Hex(4, "Session ID").Little()});
 constexpr auto kDeviceId = Rows<Rmcp>({
     Hex(1, "Device ID"), Hex(1, "Device Revision"), Flag(0, "Provides Device SDRs"), Bits(4, 4, "Revision"),
     Hex(1, "Firmware Revision 1"), Flag(0, "Update in Progress"), Bits(1, 7, "Major Firmware Revision"),
@@ -136,8 +135,8 @@ constexpr auto kDeviceId = Rows<Rmcp>({
     Flag(0, "Chassis Device"),
     Flag(1, "Bridge"), Flag(2, "IPMB Event Generator"), Flag(3, "IPMB Event Receiver"), Flag(4, "FRU Inventory Device"),
     Flag(5, "SEL Device"), Flag(6, "SDR Repository Device"), Flag(7, "Sensor Device"),
-    Low(Number(3, "Manufacturer ID")),
-    Low(Number(2, "Product ID")), Bytes(4, "Auxiliary Firmware Revision")});
+    Number(3, "Manufacturer ID").Little(),
+    Number(2, "Product ID").Little(), Bytes(4, "Auxiliary Firmware Revision")});
 constexpr auto kChassisStatus = Rows<Rmcp>({
     Hex(1, "Current Power State"), Bits(1, 2, "Power Restore Policy", kPowerPolicyNames),
     Flag(3, "Power Control Fault"),
@@ -155,16 +154,17 @@ constexpr auto kReadingResponse = Rows<Rmcp>({
     Flag(1, "Scanning Enabled"),
     Flag(2, "Reading Unavailable"), Hex(1, "Present Thresholds or States")});
 constexpr auto kRecordRequest = Rows<Rmcp>({
-    Low(Hex(2, "Reservation ID")), Low(Hex(2, "Record ID")), Number(1, "Offset"), Number(1, "Bytes to Read")});
-constexpr auto kRecordResponse = Rows<Rmcp>({Low(Hex(2, "Next Record ID")), Bytes(0, "Record Data")});
+    Hex(2, "Reservation ID").Little(), Hex(2, "Record ID").Little(), Number(1, "Offset"), Number(1, "Bytes to Read")});
+constexpr auto kRecordResponse = Rows<Rmcp>({Hex(2, "Next Record ID").Little(), Bytes(0, "Record Data")});
 constexpr auto kFruRequest = Rows<Rmcp>({
-    Number(1, "FRU Device ID"), Low(Number(2, "Offset")), Number(1, "Count to Read")});
+    Number(1, "FRU Device ID"), Number(2, "Offset").Little(), Number(1, "Count to Read")});
 constexpr auto kFruResponse = Rows<Rmcp>({Number(1, "Count Returned"), Bytes(0, "Data")});
 constexpr auto kRepositoryInfo = Rows<Rmcp>({
-    Hex(1, "Version"), Low(Number(2, "Records")), Low(Number(2, "Free Space", " bytes")),
-    Low(UnixTime(4, "Most Recent Addition")), Low(UnixTime(4, "Most Recent Erase")), Hex(1, "Operation Support")});
-constexpr auto kReservation = Rows<Rmcp>({Low(Hex(2, "Reservation ID"))});
-constexpr auto kClock = Rows<Rmcp>({Low(UnixTime(4, "Time"))});
+    Hex(1, "Version"), Number(2, "Records").Little(), Number(2, "Free Space", " bytes").Little(),
+    UnixTime(4, "Most Recent Addition").Little(), UnixTime(4, "Most Recent Erase").Little(),
+    Hex(1, "Operation Support")});
+constexpr auto kReservation = Rows<Rmcp>({Hex(2, "Reservation ID").Little()});
+constexpr auto kClock = Rows<Rmcp>({UnixTime(4, "Time").Little()});
 
 struct Command {
   uint32_t key;   // the request's function above bit 8

@@ -96,6 +96,8 @@ void ShowServiceTypes(const Place& in, Cursor& c, const char* label, Slp& slp) {
 }
 // No authority, an own one, or with all ones any.
 void ShowAuthority(const Place& in, Cursor& c, const char* label, Slp&) {
+  // keys: number Naming Authority Length, Service Types
+  // keys: text Naming Authority, URL Entry
   const Field length = TakeU16(c);
   if (length.value == 0xFFFF) {
     AddLine(in, length, "%s Length: %u = Any", label, length.value);

@@ -37,14 +37,18 @@ void AddLength(const Place& in, LineHandle line, const Array& array) {
 }
 
 void ShowText(const Place& in, Cursor& c, const char* label, Xdmcp&) {
+  // keys: text Authentication Name, Authorization Name, Display Class, Host Name, Manufacturer Display ID, Status
   const Array array = TakeArray(c);
   AddLength(in, AddLine(in, array.whole, "%s: %s", label, Text(array.octets)), array);
 }
 void ShowBytes(const Place& in, Cursor& c, const char* label, Xdmcp&) {
+  // keys: bytes Authentication Data, Authorization Data
   const Array array = TakeArray(c);
   AddLength(in, AddLine(in, array.whole, "%s: %s", label, HexText(array.octets)), array);
 }
 void ShowAddress(const Place& in, Cursor& c, const char* label, Xdmcp&) {
+  // keys: number Client Address Length, Connection Address Length, Client Port
+  // keys: address Client Address, Connection Address
   const Array array = TakeArray(c);
   const Field& address = array.octets;
   AddLine(in, array.length, "%s Length: %u", label, array.length.value);
@@ -65,6 +69,7 @@ void ShowPort(const Place& in, Cursor& c, const char* label, Xdmcp&) {
 
 // Arrays of these behind their count of one byte.
 void ShowTexts(const Place& in, Cursor& c, const char* label, Xdmcp& xdmcp) {
+  // keys: number Authentication Names, Authorization Names, Connection Types, Connection Type
   const Field count = TakeU8(c);
   AddLine(in, count, "%ss: %u", label, count.value);
   Loop loop;

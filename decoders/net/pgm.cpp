@@ -32,6 +32,8 @@ struct Pgm {
 };
 
 void ShowAddress(const Place& in, Cursor& c, const char* label, Pgm&) {
+  // keys: number Path NLA Family, Source NLA Family, Group NLA Family, Local Repairer NLA Family, Acker NLA Family
+  // keys: address Path NLA, Source NLA, Group NLA, Local Repairer NLA, Acker NLA
   const Field family = TakeU16(c), reserved = TakeU16(c);
   AddLine(in, family, "%s Family: %u = %s", label, family.value, LookupName(kFamilyNames, family.value));
   AddLine(in, reserved, "Reserved: %u", reserved.value);
