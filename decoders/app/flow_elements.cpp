@@ -50,8 +50,6 @@ constexpr auto kNatEventNames = SortedNames({
 constexpr auto kFirewallNames = SortedNames({
     {0, "Ignore"}, {1, "Flow Created"}, {2, "Flow Deleted"}, {3, "Flow Denied"}, {4, "Flow Alert"},
     {5, "Flow Update"}});
-constexpr auto kSemanticsNames = SortedNames({
-    {0, "None"}, {1, "allOf"}, {2, "exactlyOneOf"}, {3, "oneOrMoreOf"}, {4, "ordered"}, {255, "undefined"}});
 constexpr auto kNatTypeNames = SortedNames({
     {0, "Unknown"}, {1, "NAT44 Translated"}, {2, "NAT64 Translated"}, {3, "NAT46 Translated"},
     {4, "IPv4 No NAT"}, {5, "NAT66 Translated"}, {6, "IPv6 No NAT"}});
