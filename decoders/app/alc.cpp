@@ -1,11 +1,9 @@
 // Asynchronous Layered Coding (RFC 5775) over the Layered Coding Transport (RFC 5651), and FLUTE (RFC 6726), which
-// sends
-// files that way: pieces of objects, from one sender to any number of receivers.
+// sends files that way: pieces of objects, from one sender to any number of receivers.
 //
 //   version (4 bits) C PSI S O H reserved A B | header length in words (1) | codepoint (1)
 //   congestion control, session (TSI) and object (TOI), each as long as the flags say | extensions | FEC payload ID |
 // symbols
-#include "core/line_facts.h"
 #include "core/rows.h"
 #include "decoders/common/xml_lines.h"
 
@@ -107,8 +105,11 @@ void ShowExtension(const Place& at, Cursor& c, uint32_t encoding) {
 }
 
 void ShowDeliveryTable(const Place& in, Cursor& c) {
-  const KeyedAs keys(PacketOf(in), "flute");
+  const char*& protocol = PacketOf(in).protocol;
+  const char* const outer = protocol;
+  protocol = "flute";   // the keys of its attributes are none of the header's
   ShowXml(in, c);
+  protocol = outer;
 }
 
 }  // namespace
@@ -131,7 +132,7 @@ int32_t DecodeAlc(const Place& at, Cursor c) {
   const Cursor objectAt = head;
   AddNumber(in, head, object, "Transport Object ID");
   bool isTable = object > 0 && object <= 8;
-  for (int32_t i = 0; isTable && i < object; ++i) isTable = i < Left(objectAt) && objectAt.at[i] == 0;
+  for (int32_t i = 0; isTable && i < object; ++i) isTable = i < Left(objectAt) && PeekU8(objectAt, i) == 0;
   Loop loop;
   while (MoreAt(in, head, loop)) ShowExtension(in, head, alc.codepoint.value);
   if (Left(c) > 0) {
