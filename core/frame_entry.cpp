@@ -140,7 +140,10 @@ Place AddFrameSummary(const Place& at, const Cursor& c) {
   const KeyedAs keys(PacketOf(at), kFrameProtocol);
   const LineHandle line = AddLine(at, Ahead(c, Left(c)), "Packet %I64u:  %u bytes captured%s%s", record->packetNumber,
                                   record->capturedLength, note[0] ? "  " : "", note);
-  if (KeepsFacts(at.view)) [[unlikely]] LabelLine(at.view, line, "Number");
+  if (KeepsFacts(at.view)) [[unlikely]] {
+    LabelLine(at.view, line, "Number");
+    NumberLine(at.view, line, record->packetNumber, false);
+  }
   return Under(at, line);
 }
 

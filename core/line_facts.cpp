@@ -69,7 +69,10 @@ void PutLabel(LineFacts* facts, LineFact* fact, const char* text, size_t length)
 LineFact* OldFact(View* view, LineHandle line) {
   LineFacts* facts = view->context->facts;
   const uint32_t index = view->tree->RangeIndex(line);
-  if (!line || !FactOf(view->context, index) || !Reserve(facts, index, kMostLabel + kMostValue)) return nullptr;
+  if (!line || view->context->outputMode != kDisplayMode || !FactOf(view->context, index) ||
+      !Reserve(facts, index, kMostLabel + kMostValue)) {
+    return nullptr;
+  }
   return &facts->of[index];
 }
 
