@@ -226,6 +226,16 @@ struct Row : RowData {
     requires(!std::is_same_v<T, U>)
   Row(const Row<U>&) = delete;   // another decoder's record
 
+  // These go before Into and SizedBy: they would lose the member.
+  template <size_t kSize>
+  void Told(const char (&text)[kSize]) const = delete;
+  template <size_t kSize>
+  void Note(const char (&text)[kSize]) const = delete;
+  template <size_t kSize>
+  void NoteWhenSet(const char (&text)[kSize]) const = delete;
+  void Little() const = delete;
+  void Hex() const = delete;
+
   consteval Row Into(Field T::*member) const {
     Row row = *this;
     row.into = member;

@@ -7,7 +7,7 @@
 From every function of the registry it follows calls, tables and function pointers, takes the labels off the texts of
 AddLine and its kin, and off the tables of rows, and resolves labels that are arguments: literals, parameters over all
 calls, members of rows, names of tables. A function that says `KeyedAs keys(PacketOf(at), "llc")` starts a protocol of its
-own. It knows the forms of rows: Rows and Choices of core, SmbField, BerRow.
+own. It knows the forms of rows: Rows and Choices of core, BerRow.
 """
 import os
 import re
@@ -482,10 +482,9 @@ class Scan:
         """A function or a table that is named and not called: handed on, or stood in a table."""
         if name in OPAQUE or name in ADDERS:
             return
-        if name in self.roots:
-            return
         for callee in self.sources.find(self.sources.functions, name, function.file if function else ''):
-            self.visit(protocol, callee, {}, depth + 1)
+            if callee.hidden or name not in self.roots:
+                self.visit(protocol, callee, {}, depth + 1)
         self.constant(protocol, name, function, depth)
 
     def constant(self, protocol, name, function, depth):
@@ -509,8 +508,6 @@ class Scan:
             self.rows(protocol, constant, function, depth, ())
         elif value[:1] == ['Choices']:
             self.choices(protocol, constant, function, depth)
-        elif 'SmbField' in constant.type:
-            self.smb_fields(protocol, constant, function)
         elif 'BerRow' in constant.type:
             self.ber_rows(protocol, constant, function, depth)
         elif value[:1] == ['MakeNumberTexts'] or 'OctetText' in constant.type:   # lines that are made when this compiles
@@ -614,22 +611,6 @@ class Scan:
             for rows in self.constants(cells[2][0], anchor):
                 self.rows(protocol, rows, anchor, depth, self.strings(cells[1], anchor, {}))
 
-    def smb_fields(self, protocol, constant, function):
-        anchor = function if function and constant.file == function.file else Anchor(constant.file, function)
-        rows = split(constant.value[1:-1])
-        for row in rows if any(row[:1] == ['{'] for row in rows) else [constant.value]:
-            cells = split(row[1:-1])
-            if len(cells) < 2:
-                continue
-            kind = next((kind for start, kind in SMB_KINDS if cells[0][0].startswith(start)), TEXT)
-            for label in self.strings(cells[1], anchor, {}):
-                self.emit(protocol, label, kind)
-            if 'Formatted' in cells[0][0]:
-                self.emit(protocol, 'Buffer Format', NUMBER)
-            if 'Flags' in cells[0][0] and len(cells) > 2:
-                for name in self.strings(cells[2], anchor, {}) - {ANY}:
-                    self.emit(protocol, name, NUMBER)
-
     def ber_form(self, value):
         for helper in self.sources.functions.get(value[0], ()) if value else ():   # it makes the type
             return next((t for t in helper.body if t in BER_FORMS), '')
@@ -653,10 +634,6 @@ class Scan:
     def rows_in_code(self, protocol, function, depth):
         """Rows of elements that stand in calls and variables."""
         body = function.body
-        if 'AddSmbField' in function.names:
-            for i in range(len(body) - 4):
-                if body[i] == '{' and body[i + 1].startswith('kSmb') and body[i + 2] == ',' and body[i + 3][0] == '"':
-                    self.smb_fields(protocol, Constant('', [], body[i:closing(body, i) + 1]), function)
         if 'ShowBerRow' not in function.names and 'BerRow' not in function.names:
             return
         for i in range(len(body) - 4):
@@ -728,15 +705,13 @@ ADDERS = {'AddLine': 2, 'AddBitLine': 2, 'AddBlock': 2, 'AddDecodeLine': 2, 'Add
 TEXT_ADDERS = ('AddBitRows', 'AddWrappedTextLines', 'AddCountedString')
 # Row forms are read from their tables, raw data has no key.
 OPAQUE = {'ShowRows', 'ReadRows', 'PeekRows', 'ShowElements', 'ShowChoice', 'AddRawRest', 'AddRawData', 'AddHexDumpLines',
-          'FormatInto', 'LookupName', 'Under', 'Deeper', 'AddSmbField', 'AddSmbFields', 'AppendToLine', 'AppendToParent',
+          'FormatInto', 'LookupName', 'Under', 'Deeper', 'AppendToLine', 'AppendToParent',
           'SetLine', 'CustomLibraries', 'OfferPayload',
           'CallDecoder', 'TryDecoder'}
 ROW_KINDS = {'Number': NUMBER, 'Hex': NUMBER, 'Signed': NUMBER, 'Bits': NUMBER, 'Flag': NUMBER, 'Coded': NUMBER, 'Flags': NUMBER,
              'Float': TEXT, 'Bytes': BYTES, 'Text': TEXT, 'Utf8': TEXT, 'Utf16': TEXT, 'IPv4': ADDRESS, 'IPv6': ADDRESS,
              'Mac': ADDRESS, 'Eui64': ADDRESS, 'UnixTime': TIME, 'UnixMilliseconds': TIME, 'NtpTime': TIME,
              'NtpSpan': TIME, 'FileTime': TIME}
-SMB_KINDS = [('kSmbNumber', NUMBER), ('kSmbHex', NUMBER), ('kSmbName', NUMBER), ('kSmbFlags', NUMBER),
-             ('kSmbSigned', NUMBER), ('kSmbTime', TIME), ('kSmbFileTime', TIME), ('kSmbDos', TIME), ('kSmbBytes', BYTES)]
 BER_FORMS = {'kNumber', 'kInteger', 'kBoolean', 'kText', 'kTime', 'kBits', 'kOctets', 'kGroup', 'kRepeated', 'kRecord',
              'kList', 'kTagged', 'kChoice', 'kInside', 'kRaw', 'kShown'}
 BER_HOLDERS = {'kGroup', 'kRepeated', 'kRecord', 'kList', 'kInside'}

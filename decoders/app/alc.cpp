@@ -4,6 +4,7 @@
 //   version (4 bits) C PSI S O H reserved A B | header length in words (1) | codepoint (1)
 //   congestion control, session (TSI) and object (TOI), each as long as the flags say | extensions | FEC payload ID |
 // symbols
+#include "core/line_facts.h"
 #include "core/rows.h"
 #include "decoders/common/xml_lines.h"
 
@@ -105,11 +106,8 @@ void ShowExtension(const Place& at, Cursor& c, uint32_t encoding) {
 }
 
 void ShowDeliveryTable(const Place& in, Cursor& c) {
-  const char*& protocol = PacketOf(in).protocol;
-  const char* const outer = protocol;
-  protocol = "flute";   // the keys of its attributes are none of the header's
+  const KeyedAs keys(PacketOf(in), "flute");
   ShowXml(in, c);
-  protocol = outer;
 }
 
 }  // namespace

@@ -60,6 +60,7 @@ void ShowDhcpVendorClasses(const Place& in, Cursor& c, DhcpMessage& message);   
 void ShowDhcpVendorInformation(const Place& in, Cursor& c, DhcpMessage& message);  // option 125
 void ShowDhcpRelayInformation(const Place& in, Cursor& c, DhcpMessage& message);   // option 82
 void ShowDhcpCableLabs(const Place& in, Cursor& c, DhcpMessage& message);          // option 122
+void ShowDhcpv6CableLabs(const Place& in, Cursor& c, DhcpMessage& message);        // its suboptions in version 6
 
 // A whole message of version 4, as relays of version 6 carry one.
 int32_t DecodeDhcp(const Place& at, Cursor c);

@@ -40,7 +40,7 @@ constexpr auto kMicrosoftSwitch = Rows<DhcpMessage>({Number(4, nullptr, kMicroso
 constexpr auto kMicrosoft = Choices<DhcpMessage>({
     {1, "NetBIOS over TCP/IP", kMicrosoftSwitch}, {2, "Release DHCP Lease on Shutdown", kDhcpU32},
     {3, "Default Router Metric Base", kDhcpU32}, {94, "Rogue Server Detection Request", kDhcpBytes},
-    {95, "Rogue Server Detection Domain", kDhcpText}});
+    {95, "Rogue Server Detection Domain", kDhcpText}, {255, "End"}});
 
 constexpr auto kCable = Choices<DhcpMessage>({
     {1, "Suboption Request List", kDhcpBytes}, {2, "Device Type", kDhcpText}, {3, "eSAFE Types", kDhcpText},
@@ -48,15 +48,15 @@ constexpr auto kCable = Choices<DhcpMessage>({
     {6, "Software Version Number", kDhcpText}, {7, "Boot ROM Version", kDhcpText}, {8, "Vendor OUI", kDhcpBytes},
     {9, "Model Number", kDhcpText}, {10, "Vendor Name", kDhcpText}, {31, "MTA MAC Address", kDhcpBytes},
     {32, "Correlation ID", kDhcpU32}, {51, "Vendor Name", kDhcpText}, {52, "eCM/eSTB Capabilities", kDhcpBytes},
-    {53, "Device Identification", kDhcpBytes}, {54, "Device Serial Number", kDhcpText}});
+    {53, "Device Identification", kDhcpBytes}, {54, "Device Serial Number", kDhcpText}, {255, "End"}});
 
 constexpr auto kGateway = Choices<DhcpMessage>({
     {1, "ACS URL", kDhcpText}, {2, "Provisioning Code", kDhcpText}, {3, "CWMP Retry Minimum Wait Interval", kDhcpText},
-    {4, "CWMP Retry Interval Multiplier", kDhcpText}});
+    {4, "CWMP Retry Interval Multiplier", kDhcpText}, {255, "End"}});
 
 constexpr auto kAccessPoint = Choices<DhcpMessage>({
     {102, "Lightweight Access Point Controller", {}, ShowDhcpIPv4List},
-    {241, "Lightweight Access Point Controllers", {}, ShowDhcpIPv4List}});
+    {241, "Lightweight Access Point Controllers", {}, ShowDhcpIPv4List}, {255, "End"}});
 
 constexpr auto kNone = Choices<DhcpMessage>({{255, "End"}});
 
@@ -207,7 +207,7 @@ constexpr auto kAccessNames = SortedNames({
 constexpr auto kRelayFlags = Rows<DhcpMessage>({Word(1), Flag(0, "Unicast"), Bits(1, 7, "Reserved")});
 constexpr auto kRelayAlgorithms = SortedNames({{0, "Reserved"}, {1, "HMAC-SHA1"}});
 constexpr auto kRelayAuthentication = Rows<DhcpMessage>({
-    Number(1, "Algorithm", kRelayAlgorithms), Hex(1, "Must Be Zero"), Word(1), Bits(0, 4, "Must Be Zero"),
+    Number(1, "Algorithm", kRelayAlgorithms), Word(1), Bits(0, 4, "Must Be Zero"),
     Bits(4, 4, "Replay Detection Method"), Hex(8, "Replay Detection"), Hex(4, "Relay Identifier"),
     Bytes(0, "Authentication Information")});
 constexpr auto kCircuit = Rows<DhcpMessage>({Shown(0, nullptr, ShowIdentifier)});
@@ -262,6 +262,9 @@ constexpr auto kTelephony = Choices<DhcpMessage>({
 
 void ShowDhcpCableLabs(const Place& in, Cursor& c, DhcpMessage& message) {
   ShowElements(in, c, kDhcpSuboptionForm, "Suboption", kTelephony, message);
+}
+void ShowDhcpv6CableLabs(const Place& in, Cursor& c, DhcpMessage& message) {
+  ShowElements(in, c, kDhcpWideForm, "Suboption", kTelephony, message);
 }
 
 }  // namespace qxview

@@ -29,7 +29,7 @@ constexpr auto kType = Rows<DhcpMessage>({Number(1, "Message Type", kTypeNames).
 constexpr auto kTransaction = Rows<DhcpMessage>({Hex(3, "Transaction ID")});
 constexpr auto kRelay = Rows<DhcpMessage>({Number(1, "Hop Count"), IPv6("Link Address"), IPv6("Peer Address").Note(", Peer %s")});
 constexpr auto kQueryFlags = Rows<DhcpMessage>({Word(3), Flag(0, "Unicast"), Bits(1, 23, "Reserved")});
-constexpr auto kSentTime = Rows<DhcpMessage>({Number(4, "Sent Time")});
+constexpr auto kSentTime = Rows<DhcpMessage>({Shown(4, "Sent Time", ShowDhcpv6Time)});
 
 bool IsRelay(uint32_t type) { return type == kRelayForward || type == kRelayReply; }
 

@@ -38,12 +38,6 @@ constexpr auto kQuadrantNames = SortedNames({
     {0, "Administratively Assigned Identifier"}, {1, "Extended Local Identifier"}, {2, "Reserved"},
     {3, "Standard Assigned Identifier"}});
 
-void ShowTime(const Place& in, const Field& field, const char* label) {
-  constexpr int64_t kEpoch = 946684800;   // 2000-01-01, from which these times count
-  const uint32_t seconds = PeekU32(field);
-  AddLine(in, field, "%s: %s (%u)", label, UtcText(kEpoch + seconds), seconds);
-}
-
 // An identifier that its maker wrote as a text, or as octets.
 void ShowIdentifier(const Place& in, const Field& field, const char* label) {
   bool isText = true;
@@ -108,7 +102,7 @@ constexpr auto kMapRule = Rows<DhcpMessage>({
 constexpr auto kNonMapRule = Rows<DhcpMessage>({
     Word(1), Flag(0, "Hub and Spoke"), Bits(1, 6, "Reserved"), Flag(7, "Traffic Class Is Here"), Hex(1, "Traffic Class"),
     Number(2, "Domain PMTU")});
-constexpr auto kTimeSince2000 = Rows<DhcpMessage>({Shown(4, nullptr, ShowTime)});
+constexpr auto kTimeSince2000 = Rows<DhcpMessage>({Shown(4, nullptr, ShowDhcpv6Time)});
 constexpr auto kMulticastParameters = Rows<DhcpMessage>({
     Word(1), Flag(0, "Proactive Forwarding"), Bits(1, 7, "Reserved"), Number(1, "Time Unit", " milliseconds"),
     Number(2, "Seed Set Entry Lifetime"), Number(1, "Data Message K"), Number(2, "Data Message Imin"),
@@ -123,7 +117,7 @@ constexpr auto kDnsFlags = Rows<DhcpMessage>({
     Word(2), Bits(0, 12, "Reserved"), Flag(12, "Using Requested FQDN"), Flag(13, "Synthesized Name"),
     Flag(14, "Reverse Is Up to Date"), Flag(15, "Forward Is Up to Date")});
 constexpr auto kFailoverVersion = Rows<DhcpMessage>({Number(2, "Major Version"), Number(2, "Minor Version")});
-constexpr auto kReconfigureData = Rows<DhcpMessage>({Shown(4, "Reconfigure Time", ShowTime), Bytes(0, "Reconfigure Key")});
+constexpr auto kReconfigureData = Rows<DhcpMessage>({Shown(4, "Reconfigure Time", ShowDhcpv6Time), Bytes(0, "Reconfigure Key")});
 constexpr auto kServerFlags = Rows<DhcpMessage>({
     Word(1), Bits(0, 5, "Reserved"), Flag(5, "Acknowledges Startup"), Flag(6, "Startup"), Flag(7, "Communicated")});
 constexpr auto kServerState = Rows<DhcpMessage>({Number(1, nullptr, kServerNames).Note(", %s")});
@@ -185,7 +179,7 @@ void ShowVendorOptions(const Place& in, Cursor& c, DhcpMessage& message) {
       {36, "Device Identifier", kDhcpBytes}, {37, "Time Protocol Servers", {}, ShowDhcpIPv6List},
       {38, "Time Offset", kDhcpU32}, {39, "IP Preference", kDhcpU8}, {1025, "CMTS Capabilities", kDhcpBytes},
       {1026, "Cable Modem MAC Address", kDhcpBytes}, {1027, "eRouter Container", kDhcpBytes},
-      {2170, "CableLabs Client Configuration", {}, ShowDhcpCableLabs},
+      {2170, "CableLabs Client Configuration", {}, ShowDhcpv6CableLabs},
       {2171, "CableLabs IPv6 Client Configuration", kDhcpBytes}});
   static constexpr auto kOther = Choices<DhcpMessage>({{65535, "Reserved"}});
   Cursor ahead = c;
@@ -304,6 +298,12 @@ constexpr auto kOptions = Choices<DhcpMessage>({
 });
 
 }  // namespace
+
+void ShowDhcpv6Time(const Place& in, const Field& field, const char* label) {
+  constexpr int64_t kEpoch = 946684800;   // 2000-01-01, from which these times count
+  const uint32_t seconds = PeekU32(field);
+  AddLine(in, field, "%s: %s (%u)", label, UtcText(kEpoch + seconds), seconds);
+}
 
 const char* Dhcpv6OptionName(uint32_t code) {
   const Choice<DhcpMessage>* choice = FindChoice<DhcpMessage>(kOptions, code);

@@ -42,7 +42,7 @@ constexpr auto kObject = Rows<Norm>({
     Number(2, "Object Transport ID")});
 constexpr auto kCommandObject = Rows<Norm>({
     Number(1, "FEC Encoding ID").Into(&Norm::fec), Number(2, "Object Transport ID")});
-constexpr auto kCommandType = Rows<Norm>({Number(1, "Sub-type", kCommandNames).Into(&Norm::command).Note(", %s")});
+constexpr auto kCommandType = Rows<Norm>({Number(1, "Sub-type", kCommandNames).Note(", %s").Into(&Norm::command)});
 constexpr auto kCongestionRows = Rows<Norm>({
     Number(1, "Reserved"), Number(2, "CC Sequence"), Number(4, "Send Time", " seconds"),
     Number(4, "Send Time Fraction", " microseconds")});

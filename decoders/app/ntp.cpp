@@ -300,7 +300,7 @@ constexpr auto kAutokeyShort = Rows<Ntp>({Hex(4, "Association ID")});
 constexpr auto kUniqueIdentifier = Rows<Ntp>({Bytes(0, "Unique Identifier")});
 constexpr auto kCookie = Rows<Ntp>({Bytes(0, "Cookie")});
 constexpr auto kPlaceholder = Rows<Ntp>({Bytes(0, "Cookie Placeholder")});
-constexpr auto kComplement = Rows<Ntp>({Hex(2, "Checksum Complement")});
+constexpr auto kComplement = Rows<Ntp>({Bytes(22, "Must Be Zero"), Hex(2, "Checksum Complement")});
 
 void ShowAutokey(const Place& in, Cursor& c, Ntp& ntp) {
   if (Left(c) <= 4) return ShowRows<Ntp>(in, c, kAutokeyShort, ntp);

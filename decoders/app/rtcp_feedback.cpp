@@ -36,7 +36,7 @@ constexpr auto kEcn = Rows<Feedback>({
     Number(2, "Duplication Counter")});
 constexpr auto kPause = Rows<Feedback>({
     Hex(4, "Target SSRC"), Word(1), Bits(0, 4, "Type", kPauseNames), Bits(4, 4, "Reserved"),
-    Number(1, "Parameter Length", " words"), Number(2, "Pause ID")});
+    Number(1, "Parameter Length", " words").Into(&Feedback::count), Number(2, "Pause ID")});
 constexpr auto kCongestion = Rows<Feedback>({
     Hex(4, "SSRC"), Number(2, "Begin Sequence"), Number(2, "Report Count").Into(&Feedback::count)});
 constexpr auto kMetric = Rows<Feedback>({
@@ -61,6 +61,16 @@ constexpr auto kBitrate = Rows<Feedback>({
 void ShowEach(const Place& in, Cursor& c, RowSpan<Feedback> rows, int32_t size, Feedback& feedback) {
   Loop loop;
   while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Feedback>(in, c, rows, feedback);
+}
+
+void ShowPauses(const Place& in, Cursor& c, Feedback& feedback) {
+  Loop loop;
+  while (Left(c) >= 8 && MoreAt(in, c, loop)) {
+    ShowRows<Feedback>(in, c, kPause, feedback);
+    if (!feedback.count.value) continue;
+    const Field parameters = TakeBytes(c, 4 * feedback.count.value);
+    AddLine(in, parameters, "Parameters: %s", HexText(parameters));
+  }
 }
 
 void ShowCongestion(const Place& in, Cursor& c, Feedback& feedback) {
@@ -106,7 +116,7 @@ void ShowTransport(const Place& in, Cursor& c, uint32_t format, Feedback& feedba
     case 4: ShowEach(in, c, kRate, 8, feedback); break;
     case 6: ShowRows<Feedback>(in, c, kAcquisition, feedback); break;
     case 8: ShowRows<Feedback>(in, c, kEcn, feedback); break;
-    case 9: ShowEach(in, c, kPause, 8, feedback); break;
+    case 9: ShowPauses(in, c, feedback); break;
     case kRtcpCongestionFeedback: ShowCongestion(in, c, feedback); break;
     case 15: ShowTransportWide(in, c, feedback); break;
     default: break;

@@ -6,6 +6,8 @@
 //
 // Samples and the records in them are framed by their length in version 5 alone. Every number has four bytes, and what
 // is shorter is filled up to four. Sampled headers are shown by their own protocol behind the lines of the datagram.
+#include <iterator>
+
 #include "core/rows.h"
 #include "decoders/app/sflow_records.h"
 #include "decoders/link/medium.h"
@@ -183,6 +185,16 @@ void ShowSample5(const Place& at, Cursor& c, Datagram& datagram) {
   AddBlock(in, Rest(body), "Sample Data");
 }
 
+// The counters of versions 2 and 4 (RFC 3176 section 5) by numbers of their own: which of version 5's they consist of.
+struct OldCounters {
+  const char* name;
+  uint32_t generic, own;
+};
+constexpr OldCounters kOldCounters[] = {
+    {kUnknown, 0, 0}, {"Generic Interface Counters", 1, 0}, {"Ethernet Interface Counters", 1, 2},
+    {"Token Ring Counters", 1, 3}, {"FDDI Interface Counters", 1, 0}, {"100BASE-VG Interface Counters", 1, 4},
+    {"WAN Interface Counters", 1, 0}, {"VLAN Counters", 0, 5}};
+
 // Versions 2 and 4: one packet data, then extended data, all by type alone.
 void ShowSample2(const Place& at, Cursor& c, Datagram& datagram) {
   const Cursor start = c;
@@ -198,8 +210,10 @@ void ShowSample2(const Place& at, Cursor& c, Datagram& datagram) {
     show(kSource);
     show(kInterval);
     const Field version = TakeU32(c);
-    AddLine(in, version, "Counters Type: %u = %s", version.value, RecordName(version.value, true));
-    ShowCounters(in, c, version.value);
+    const OldCounters& counters = kOldCounters[version.value < std::size(kOldCounters) ? version.value : 0];
+    AddLine(in, version, "Counters Type: %u = %s", version.value, counters.name);
+    if (counters.generic) ShowCounters(in, c, counters.generic);
+    if (counters.own) ShowCounters(in, c, counters.own);
   } else if (type.value == 1) {
     show(kSequence);
     show(kSource);
@@ -220,10 +234,10 @@ void ShowSample2(const Place& at, Cursor& c, Datagram& datagram) {
       const Cursor before = c;
       const Field kind = TakeU32(c);
       const uint32_t format = 1000 + kind.value;
-      const char* extension = kind.value >= 1 && kind.value <= 4 ? RecordName(format, false) : kUnknown;
+      const char* extension = kind.value >= 1 && kind.value <= 5 ? RecordName(format, false) : kUnknown;
       const Place under = Under(in, AddLine(in, kind, "Extended Data: %s", extension));
       AddLine(under, kind, "Type: %u = %s", kind.value, extension);
-      if (kind.value < 1 || kind.value > 4) break;   // its length is not told
+      if (kind.value < 1 || kind.value > 5) break;   // its length is not told
       ShowFlowRecord(under, c, format, datagram.version);
       if (under.parent) SetRange(under, under.parent, before.offset, c.offset - before.offset);
     }

@@ -30,6 +30,7 @@ constexpr auto kHeader = Rows<Tzsp>({
     Number(2, "Encapsulated Protocol", kProtocolNames).Into(&Tzsp::protocol)});
 
 constexpr auto kSignal = Rows<Tzsp>({Signed(1, nullptr, " dBm").Note(", %d dBm")});
+constexpr auto kRatio = Rows<Tzsp>({Signed(1, nullptr, " dB").Note(", %d dB")});
 constexpr auto kRate = Rows<Tzsp>({Number(1, "Data Rate", kRateNames).Note(", %s")});
 constexpr auto kTime = Rows<Tzsp>({Number(4, "Timestamp", " microseconds")});
 constexpr auto kFrameType = Rows<Tzsp>({Number(1, "Type", kFrameNames)});
@@ -44,13 +45,13 @@ constexpr auto kStamp = Rows<Tzsp>({UnixTime(4, "Seconds"), Number(4, "Microseco
 
 constexpr ElementForm kForm{.padType = 0, .endType = 1, .typeLabel = "Tag"};
 constexpr auto kTags = Choices<Tzsp>({
-    {0, "Padding"}, {1, "End"}, {10, "Raw RSSI", kSignal}, {11, "SNR", kSignal}, {12, "Data Rate", kRate},
+    {0, "Padding"}, {1, "End"}, {10, "Raw RSSI", kSignal}, {11, "SNR", kRatio}, {12, "Data Rate", kRate},
     {13, "Timestamp", kTime}, {14, "Frame Type", kFrameType}, {15, "Contention Free", kFlag}, {16, "Decrypted", kFlag},
     {17, "Frame Check Sequence", kCheck}, {18, "Receive Channel", kChannel}, {40, "Packet Count", kNumber},
     {41, "Receive Frame Length", kLength}, {60, "WLAN Radio Header", kAddress}, {80, "Device Name", kText},
     {81, "Capture Location", kText}, {82, "Time Stamp", kStamp}, {83, "Information", kText}, {84, "Capture ID", kNumber}});
 
-int32_t DecodeFrame(const Place& at, Cursor c, uint32_t protocol) {
+int32_t DecodeCarriedFrame(const Place& at, Cursor c, uint32_t protocol) {
   switch (protocol) {
     case kEthernet: return CallDecoder(at, c, DecodeMacHeader, "Ethernet Data");
     case kTokenRing: return CallDecoder(at, c, DecodeTokenRingHeader, "Token Ring Data");
@@ -80,7 +81,7 @@ int32_t DecodeTzsp(const Place& at, Cursor c) {
   }
   ShowElements<Tzsp>(in, c, kForm, "Tag", kTags, tzsp);
   CoverBytes(in, c);
-  return Left(c) > 0 ? DecodeFrame(Deeper(at), c, tzsp.protocol.value) : 1;
+  return Left(c) > 0 ? DecodeCarriedFrame(Deeper(at), c, tzsp.protocol.value) : 1;
 }
 
 }  // namespace qxview
