@@ -42,7 +42,7 @@ dnssec-keygen -q -a ECDSAP256SHA256 example.test >/dev/null
 dnssec-signzone -S -3 ABCD -H 1 -o example.test -f zone.signed zone >/dev/null 2>&1
 tsig-keygen -a hmac-sha256 update >update.key
 mkdir dynamic
-printf '$TTL 60\n@ SOA ns.example.test. hostmaster.example.test. 1 3600 900 604800 60\n@ NS ns.example.test.\n' >dynamic/zone
+printf '%s\n' "\$TTL 60" "@ SOA ns.example.test. hostmaster.example.test. 1 3600 900 604800 60" "@ NS ns.example.test." >dynamic/zone
 cat >named.conf <<CONFIG
 include "$work/update.key";
 options {
