@@ -6,6 +6,7 @@
 // symbols
 #include "core/line_facts.h"
 #include "core/rows.h"
+#include "decoders/common/header_extension.h"
 #include "decoders/common/xml_lines.h"
 
 namespace qxview {
@@ -76,28 +77,21 @@ void AddNumber(const Place& in, Cursor& c, int32_t size, const char* label) {
 }
 
 void ShowExtension(const Place& at, Cursor& c, uint32_t encoding) {
-  const Cursor start = c;
-  const Field type = TakeU8(c);
-  const bool isLong = type.value < 128;
-  const Field words = isLong ? TakeU8(c) : Field{};
-  const int64_t size = isLong ? static_cast<int64_t>(words.value) * 4 - 2 : 3;
-  Cursor body = TakeCursor(c, size < 0 ? Left(c) : size);
-  const char* name = LookupName(kExtensionNames, type.value);
-  const Place in = Under(at, AddLine(at, Ahead(start, c.offset - start.offset), "Header Extension: %s", name));
-  AddLine(in, type, "Type: %u = %s", type.value, name);
-  AddLine(in, words, "Length: %u words", words.value);
+  HeaderExtension extension = TakeHeaderExtension(at, c, kExtensionNames);
+  const Place& in = extension.in;
+  Cursor& body = extension.body;
   Alc alc{};
   const auto show = [&](RowSpan<Alc> rows) { ShowRows<Alc>(in, body, rows, alc); };
-  if (type.value == 2) {
+  if (extension.type == 2) {
     show(kTimeUse);
     Loop loop;
     while (Left(body) >= 4 && MoreAt(in, body, loop)) show(kTimeWord);
-  } else if (type.value == 64) {
+  } else if (extension.type == 64) {
     show(kTransferInformation);
     if (Left(body)) show(encoding == 129 ? RowSpan<Alc>(kBlockLength2) : RowSpan<Alc>(kBlockLength4));
-  } else if (type.value == 192) {
+  } else if (extension.type == 192) {
     show(kDeliveryTable);
-  } else if (type.value == 193) {
+  } else if (extension.type == 193) {
     show(kContentEncoding);
   }
   body.ranShort = false;

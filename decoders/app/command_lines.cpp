@@ -156,6 +156,27 @@ void ShowMail(const Place& in, Cursor& c) {
   }
 }
 
+// Replies from `leastCode` on, commands by their verbs, and what is neither as part of a message.
+template <class Codes, size_t kVerbCount>
+void ShowConversation(const Place& in, Cursor& c, int32_t leastCode, const Codes& codes,
+                      const char* const (&verbs)[kVerbCount]) {
+  TextLine line;
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    Cursor next = c;
+    if (!TakeLine(next, line)) break;
+    if (CodeOf(line.text) >= leastCode) {
+      ShowReply(in, line, codes, false);
+    } else if (IsOneOf(line.text, verbs, kVerbCount)) {
+      ShowCommand(in, line);
+    } else {
+      ShowMail(in, c);
+      continue;
+    }
+    c = next;
+  }
+}
+
 }  // namespace
 
 int32_t DecodeFtp(const Place& at, Cursor c) {
@@ -178,21 +199,7 @@ int32_t DecodeFtp(const Place& at, Cursor c) {
 int32_t DecodeSmtp(const Place& at, Cursor c) {
   if (!IsLines(c)) return 0;
   const Place in = TopLine(at, c, "SMTP");
-  TextLine line;
-  Loop loop;
-  while (MoreAt(in, c, loop)) {
-    Cursor next = c;
-    if (!TakeLine(next, line)) break;
-    if (CodeOf(line.text) >= 200) {
-      ShowReply(in, line, kSmtpCodes, false);
-    } else if (IsOneOf(line.text, kSmtpVerbs, std::size(kSmtpVerbs))) {
-      ShowCommand(in, line);
-    } else {
-      ShowMail(in, c);
-      continue;
-    }
-    c = next;
-  }
+  ShowConversation(in, c, 200, kSmtpCodes, kSmtpVerbs);
   return 1;
 }
 
@@ -203,21 +210,7 @@ int32_t DecodeNntp(const Place& at, Cursor c) {
                                     "XHDR", "XOVER", "XPAT"};
   if (!IsLines(c)) return 0;
   const Place in = TopLine(at, c, "NNTP");
-  TextLine line;
-  Loop loop;
-  while (MoreAt(in, c, loop)) {
-    Cursor next = c;
-    if (!TakeLine(next, line)) break;
-    if (CodeOf(line.text) >= 100) {
-      ShowReply(in, line, kNntpCodes, false);
-    } else if (IsOneOf(line.text, kVerbs, std::size(kVerbs))) {
-      ShowCommand(in, line);
-    } else {
-      ShowMail(in, c);
-      continue;
-    }
-    c = next;
-  }
+  ShowConversation(in, c, 100, kNntpCodes, kVerbs);
   return 1;
 }
 

@@ -3,6 +3,7 @@
 //   version (4 bits) type (4 bits) | header length in words (1) | sequence (2) | source (4) | by type | extensions |
 // data
 #include "core/rows.h"
+#include "decoders/common/header_extension.h"
 
 namespace qxview {
 namespace {
@@ -86,17 +87,10 @@ void ShowNodes(const Place& in, Cursor& c, Norm& norm) {
 void ShowExtensions(const Place& at, Cursor& c) {
   Loop loop;
   while (MoreAt(at, c, loop)) {
-    const Cursor start = c;
-    const Field type = TakeU8(c);
-    const bool isLong = type.value < 128;
-    const Field words = isLong ? TakeU8(c) : Field{};
-    const int64_t size = isLong ? static_cast<int64_t>(words.value) * 4 - 2 : 3;
-    Cursor body = TakeCursor(c, size < 0 ? Left(c) : size);
-    const char* name = LookupName(kExtensionNames, type.value);
-    const Place in = Under(at, AddLine(at, Ahead(start, c.offset - start.offset), "Header Extension: %s", name));
-    AddLine(in, type, "Type: %u = %s", type.value, name);
-    AddLine(in, words, "Length: %u words", words.value);
-    if (type.value == 128) {
+    HeaderExtension extension = TakeHeaderExtension(at, c, kExtensionNames);
+    const Place& in = extension.in;
+    Cursor& body = extension.body;
+    if (extension.type == 128) {
       const Field reserved = TakeU8(body), rate = TakeU16(body);
       AddLine(in, reserved, "Reserved: %u", reserved.value);
       AddLine(in, rate, "Send Rate: 0x%04X", rate.value);
