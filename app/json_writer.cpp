@@ -83,6 +83,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line) {
   PutNumber(out, kind);
   out.Put(",\"image\":");
   PutNumber(out, tree.Image(line));
+  if (IsDerived(&session.Context(), tree.RangeIndex(line))) out.Put(",\"derived\":true");
   if (session.Context().facts) PutFact(out, session.Context(), tree.RangeIndex(line));
 }
 

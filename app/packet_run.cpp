@@ -41,6 +41,11 @@ LibraryLoader TellingLibraryLoader() {
     }
     return library;
   };
+  loader.loadCrypto = [] {
+    void* library = PlatformLibraryLoader().loadCrypto();
+    if (!library) Tell("what is encrypted stays closed: OpenSSL 3's libcrypto cannot be loaded: " + LibraryFailure());
+    return library;
+  };
   return loader;
 }
 

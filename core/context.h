@@ -109,6 +109,11 @@ inline void BeginDatagram(PacketState& packet) {
   packet.segment = TcpSegment{};
 }
 
+// Lines behind one another, by their indexes in the range table.
+struct LineRun {
+  uint32_t first, end;
+};
+
 struct DecodeContext {
   int64_t packetNumber;
   char outputMode;
@@ -133,6 +138,9 @@ struct DecodeContext {
   int32_t rangeFilterLength;
   uint32_t rangeFilterOn;
   LineFacts* facts;          // keys and values of the lines; null while nobody asks
+  LineRun* derived;          // the lines of bytes that were opened or inflated
+  uint32_t derivedCount, derivedCapacity;
+  int32_t derivedDepth;      // of such data within such data
   uint32_t customWord;       // the word that user decoder libraries pass on; stays with the view
   PacketState packet;
 };

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "core/crypto.h"
 #include "core/custom_libraries.h"
 #include "core/dispatch.h"
 #include "core/states.h"
@@ -29,6 +30,7 @@ Engine* CreateEngine(const QxHost* host, const LibraryLoader& loader, uint64_t s
 void DestroyEngine(Engine* engine) {
   if (!engine) return;
   DestroyDecoderStates(engine);
+  DestroyCrypto(engine);
   DestroyStates(engine->states);
   UnloadCustomLibraries(engine);
   std::free(engine);

@@ -8,6 +8,7 @@
 
 namespace qxview {
 
+struct Crypto;
 struct States;
 struct View;
 
@@ -19,6 +20,7 @@ struct LibraryLoader {
   void* (*find)(void* library, const char* name);     // null when it has no such entry point
   void (*release)(void* library);
   bool (*isPath)(const char* name);                   // or the name of a file beside the program
+  void* (*loadCrypto)();                              // the system's libcrypto; null when it is not installed
 };
 
 struct CustomLibraries {
@@ -41,6 +43,8 @@ struct Engine {
   CustomLibraries libraries;
   void* decoderState[static_cast<int32_t>(DecoderState::kCount)];
   States* states;                 // what frames tell of later ones
+  Crypto* crypto;                 // ciphers and digests in use; null before the first
+  bool cryptoMissing;             // was asked for and is not here
 };
 
 // Reads the settings, loads the user decoder libraries and makes the decoders' state; null when there is no memory.

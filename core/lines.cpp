@@ -141,6 +141,7 @@ void DestroyDecodeContext(DecodeContext* context) {
   if (!context) return;
   KeepFacts(context, false);
   std::free(context->rangeTable);
+  std::free(context->derived);
   std::free(context);
 }
 
@@ -227,6 +228,37 @@ ByteRange RangeOfLine(const DecodeContext* context, const DecodeTree* tree, Line
   return stored ? *stored : 0;
 }
 
+DerivedLines::DerivedLines(const View* view) : context_(view->context), first_(context_->rangeCount) {
+  ++context_->derivedDepth;
+}
+
+// Such data within such data is of the outer run, and a run goes on where the one before it ended.
+DerivedLines::~DerivedLines() {
+  DecodeContext& c = *context_;
+  if (--c.derivedDepth > 0 || c.rangeCount <= first_) return;
+  if (c.derivedCount && c.derived[c.derivedCount - 1].end == first_) {
+    c.derived[c.derivedCount - 1].end = c.rangeCount;
+    return;
+  }
+  if (c.derivedCount == c.derivedCapacity) {
+    const uint32_t capacity = c.derivedCapacity ? c.derivedCapacity * 2 : 64;
+    void* grown = std::realloc(c.derived, size_t{capacity} * sizeof(LineRun));
+    if (!grown) return;
+    c.derived = static_cast<LineRun*>(grown);
+    c.derivedCapacity = capacity;
+  }
+  c.derived[c.derivedCount++] = {first_, c.rangeCount};
+}
+
+bool IsDerived(const DecodeContext* context, uint32_t rangeIndex) {
+  uint32_t low = 0, high = context->derivedCount;
+  while (low < high) {
+    const uint32_t middle = (low + high) / 2;
+    if (rangeIndex >= context->derived[middle].end) low = middle + 1; else high = middle;
+  }
+  return low < context->derivedCount && rangeIndex >= context->derived[low].first;
+}
+
 LineHandle GetLastDecodeLine(View* view, DecodeTree* tree) {
   if (!InDisplay(view, tree)) return 0;
   LineHandle line = tree->LastChild(0);
@@ -268,7 +300,7 @@ void DeleteDecodeChildren(View* view, DecodeTree* tree, LineHandle line) {
 
 void ClearDecodeTree(View* view, DecodeTree* tree, bool fast) {
   if (!view || !view->context) return;
-  view->context->rangeCount = 0;
+  view->context->rangeCount = view->context->derivedCount = 0;
   ForgetFacts(view->context);
   if (!InDisplay(view, tree)) return;
   if (fast) {

@@ -34,6 +34,21 @@ int32_t GetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRa
 // The stored range of any line, the first one included; none for a line whose tag is no index of the table.
 ByteRange RangeOfLine(const DecodeContext* context, const DecodeTree* tree, LineHandle line);
 
+// Lines that are added while this is here are made of bytes that do not stand in the frame as they are (decrypted,
+// inflated): their ranges tell the bytes that those came from.
+class DerivedLines {
+ public:
+  explicit DerivedLines(const View* view);
+  ~DerivedLines();
+  DerivedLines(const DerivedLines&) = delete;
+  DerivedLines& operator=(const DerivedLines&) = delete;
+
+ private:
+  DecodeContext* context_;
+  uint32_t first_;
+};
+bool IsDerived(const DecodeContext* context, uint32_t rangeIndex);
+
 LineHandle GetLastDecodeLine(View* view, DecodeTree* tree);   // in display order
 int32_t GetLastDecodeLineRange(View* view, DecodeTree* tree, ByteRange* out);
 int32_t CountTopLevelLines(View* view, DecodeTree* tree);     // plus one, at most 14

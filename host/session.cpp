@@ -31,7 +31,7 @@ void Session::ShowIn(DecodeTree* tree) {
   view_.tree->Clear();
   view_.tree = tree ? tree : &tree_;
   view_.tree->Clear();
-  view_.context->rangeCount = 0;
+  view_.context->rangeCount = view_.context->derivedCount = 0;
 }
 
 void Session::SetOutput(char mode, OutputFile* file) {

@@ -159,7 +159,7 @@ TEST_F(PortDispatchTest, UserLibrariesSeePayloadsFirst) {
                     const bool known = name == std::string(kHooks[0]) || name == std::string(kHooks[1]);
                     return known ? reinterpret_cast<void*>(&TakePayload) : nullptr;
                   },
-                  [](void*) {}, [](const char*) { return false; }};
+                  [](void*) {}, [](const char*) { return false; }, nullptr};
   offered = 0;
   view_.Run(DecodeTcpOverNetwork, Tcp({}));
   EXPECT_EQ(offered, 0) << "an empty payload is not offered";

@@ -95,7 +95,8 @@ LibraryLoader PlatformLibraryLoader() {
   return {[](const char* path) { return dlopen(path, RTLD_NOW | RTLD_LOCAL); },
           [](void* library, const char* name) { return dlsym(library, name); },
           [](void* library) { dlclose(library); },
-          [](const char* name) { return std::strchr(name, '/') != nullptr; }};
+          [](const char* name) { return std::strchr(name, '/') != nullptr; },
+          [] { return dlopen("libcrypto.so.3", RTLD_NOW | RTLD_LOCAL); }};
 }
 
 std::string LibraryFailure() {

@@ -73,6 +73,17 @@ void* LoadOne(const char* path) {
   return library;
 }
 
+// Beside the program or among the system's libraries; never in the folder where a capture lies.
+void* LoadCrypto() {
+  for (const wchar_t* name : {L"libcrypto-3.dll", L"libcrypto-3-x64.dll"}) {
+    const HMODULE library =
+        LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_APPLICATION_DIR | LOAD_LIBRARY_SEARCH_SYSTEM32);
+    if (library) return library;
+  }
+  libraryError = GetLastError();
+  return nullptr;
+}
+
 void* FindEntry(void* library, const char* name) {
   return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
 }
@@ -103,7 +114,7 @@ bool FileInformation(const std::string& path, BY_HANDLE_FILE_INFORMATION* out) {
 LibraryLoader PlatformLibraryLoader() {
   // With backslashes alone a relative path is below the program's directory, as registries have had it.
   return {LoadOne, FindEntry, [](void* library) { FreeLibrary(static_cast<HMODULE>(library)); },
-          [](const char* name) { return name[0] == '\\' || std::strpbrk(name, "/:") != nullptr; }};
+          [](const char* name) { return name[0] == '\\' || std::strpbrk(name, "/:") != nullptr; }, LoadCrypto};
 }
 
 std::string LibraryFailure() { return libraryError ? ErrorText(libraryError) : ""; }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "core/output_file.h"
+#include "platform/platform.h"
 
 #if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
 // Every allocation of the program is counted: the test program's malloc family stands in front of the library's.
@@ -146,6 +147,8 @@ View& TestView::view() {
   if (!view_.context) {
     view_.context = CreateDecodeContext();
     view_.tree = &tree();
+    if (!loader.loadCrypto) loader.loadCrypto = PlatformLibraryLoader().loadCrypto;
+    if (!loader.find) loader.find = PlatformLibraryLoader().find;
     view_.engine = CreateEngine(&host_->host, loader, 1);
     view_.expansionMask = 1;
     view_.selectionPath[0] = -1;
