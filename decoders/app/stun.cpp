@@ -75,6 +75,13 @@ bool IsClassic(const Cursor& c) {
   return Left(c) >= kStunHeaderSize && kStunHeaderSize + PeekU16(c, 2) <= static_cast<uint32_t>(Left(c)) &&
          LookupName(kClassicTypeNames, PeekU16(c), nullptr);
 }
+// A classic message has no cookie: its length and those of its attributes must be those of the payload to the byte.
+bool IsWholeClassic(const Cursor& c) {
+  if (!IsClassic(c) || kStunHeaderSize + static_cast<int32_t>(PeekU16(c, 2)) != Left(c)) return false;
+  int32_t at = kStunHeaderSize;
+  while (Left(c) - at >= 4) at += 4 + static_cast<int32_t>(PeekU16(c, at + 2));
+  return at == Left(c) && at > kStunHeaderSize;
+}
 bool IsFramed(const Cursor& c) {
   return Left(c) >= kStunHeaderSize + 2 && (PeekU8(c, 2) & 0xC0) == 0 && PeekU32(c, 6) == kStunCookie;
 }
@@ -125,7 +132,7 @@ void DecodeChannelData(const Place& at, Cursor& c) {
 // Lengths are multiples of 4; some phones' are not.
 bool LooksLikeStun(const Cursor& c) {
   const int32_t length = static_cast<int32_t>(PeekU16(c, 2));
-  return HasCookie(c) && (length % 4 == 0 || kStunHeaderSize + length == Left(c));
+  return HasCookie(c) ? length % 4 == 0 || kStunHeaderSize + length == Left(c) : IsWholeClassic(c);
 }
 
 bool StartsStun(const Cursor& c) { return HasCookie(c) || IsFramed(c) || IsChannelData(c) || IsClassic(c); }
