@@ -95,7 +95,8 @@ void ShowDhcpClientId(const Place& in, Cursor& c, DhcpMessage& message) {
 }
 
 void ShowDhcpAuthentication(const Place& in, Cursor& c, DhcpMessage& message) {
-  constexpr uint32_t kToken = 0, kDelayed = 1, kReconfigureKey = 3;
+  constexpr uint32_t kToken = 0, kDelayed = 1, kDelayedInRealm = 2, kReconfigureKey = 3;
+  constexpr int32_t kKeyAndDigest = 20;
   static constexpr auto kHeader = Rows<DhcpMessage>({
       Number(1, "Protocol", kProtocolNames).Note(", %s").Into(&DhcpMessage::protocol),
       Number(1, "Algorithm", kAlgorithmNames).Into(&DhcpMessage::algorithm),
@@ -107,9 +108,15 @@ void ShowDhcpAuthentication(const Place& in, Cursor& c, DhcpMessage& message) {
   ShowRows<DhcpMessage>(in, c, kHeader, message);
   if (!Left(c)) return;
   const uint32_t protocol = message.protocol.value;
+  const bool isInRealm = protocol == kDelayedInRealm && Left(c) >= kKeyAndDigest;   // version 6: RFC 3315 21.4.1
+  if (isInRealm) {
+    const Field realm = TakeBytes(c, Left(c) - kKeyAndDigest);
+    if (realm.length > 0) AddLine(in, realm, "DHCP Realm: %s", Text(realm));
+  }
+  const bool isDelayed = isInRealm || (protocol == kDelayed && Left(c) >= kKeyAndDigest);
   ShowRows<DhcpMessage>(in, c,
                         protocol == kToken                            ? RowSpan<DhcpMessage>(kTokenRows)
-                        : protocol == kDelayed && Left(c) >= 20        ? RowSpan<DhcpMessage>(kDelayedRows)
+                        : isDelayed                                    ? RowSpan<DhcpMessage>(kDelayedRows)
                         : protocol == kReconfigureKey && Left(c) >= 17 ? RowSpan<DhcpMessage>(kReconfigureRows)
                                                                        : RowSpan<DhcpMessage>(kOtherRows),
                         message);

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "core/elements.h"
+#include "core/times.h"
 #include "decoders/common/eap.h"
 #include "decoders/common/location.h"
 
@@ -82,9 +83,14 @@ constexpr auto kVlanRows = Rows<Radius>({
 constexpr auto kVlanNameRows = Rows<Radius>({
     Number(1, "Tag Indication", kIndicationNames), Utf8(0, nullptr).Note(", %s")});
 constexpr auto kArapPasswordRows = Rows<Radius>({Bytes(8, "Challenge"), Bytes(8, "Response")});
+// Of the AppleTalk world: seconds since 1904.
+void ShowArapTime(const Place& in, const Field& field, const char* label) {
+  constexpr int64_t kEpoch = -2082844800;
+  AddLine(in, field, "%s: %s", label, UtcText(kEpoch + PeekU32(field)));
+}
 constexpr auto kArapFeaturesRows = Rows<Radius>({
-    Hex(1, "Password Changing"), Number(1, "Minimum Password Length"), Number(4, "Password Creation Date"),
-    Number(4, "Password Expiration Delta"), Number(4, "Current RADIUS Time")});
+    Hex(1, "Password Changing"), Number(1, "Minimum Password Length"), Shown(4, "Password Creation Date", ShowArapTime),
+    Number(4, "Password Expiration Delta", " seconds"), Shown(4, "Current RADIUS Time", ShowArapTime)});
 constexpr auto kHomeLinkRows = Rows<Radius>({Number(1, "Prefix Length"), IPv6(nullptr).Note(", %s")});
 constexpr auto kOperatorRows = Rows<Radius>({
     Number(1, "Namespace ID", kNamespaceNames), Utf8(0, nullptr).Note(", %s")});

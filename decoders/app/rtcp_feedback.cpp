@@ -14,6 +14,14 @@ struct Feedback {
 
 constexpr auto kPauseNames = SortedNames({{0, "PAUSE"}, {1, "RESUME"}, {2, "PAUSED"}, {3, "REFUSED"}});
 constexpr auto kAcquisitionNames = SortedNames({{1, "RAMS-Request"}, {2, "RAMS-Information"}, {3, "RAMS-Termination"}});
+constexpr auto kResponseNames = SortedNames({
+    {0, "Private Response Code"}, {100, "Parameter Update"}, {200, "Request Accepted"}, {201, "Unicast Burst Completed"},
+    {400, "Invalid RAMS-R Syntax"}, {401, "Invalid Minimum Buffer Requirement"}, {402, "Invalid Maximum Buffer Requirement"},
+    {403, "Insufficient Maximum Bit Rate"}, {404, "Invalid RAMS-T Syntax"}, {500, "Unspecified Internal Error"},
+    {501, "Insufficient Bandwidth"}, {502, "Burst Terminated by Congestion"}, {503, "Insufficient CPU Cycles"},
+    {504, "Not Available on This Server"}, {505, "Not Available for This Receiver"}, {506, "Not Available for This Stream"},
+    {507, "No Valid Starting Point"}, {508, "No Reference Information"}, {509, "No Stream of This SSRC"},
+    {510, "Entire Session Denied"}, {511, "Only Preamble Sent"}, {512, "Denied by Policy"}});
 constexpr auto kEcnNames = SortedNames({{0, "Not-ECT"}, {1, "ECT(1)"}, {2, "ECT(0)"}, {3, "CE"}});
 constexpr auto kChunkNames = SortedNames({{0, "Run Length"}, {1, "Status Vector"}});
 constexpr auto kStatusNames = SortedNames({
@@ -24,12 +32,34 @@ constexpr auto kConcealmentNames = SortedNames({
 constexpr auto kJitterNames = SortedNames({
     {0, "Unknown"}, {1, "Reserved"}, {2, "Non-Adaptive"}, {3, "Adaptive"}});
 
+void ShowEach(const Place& in, Cursor& c, RowSpan<Feedback> rows, int32_t size, Feedback& feedback) {
+  Loop loop;
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Feedback>(in, c, rows, feedback);
+}
+
 constexpr auto kLoss = Rows<Feedback>({
     Number(2, "Packet ID").Note(", %u"), Hex(2, "Bit Mask of Following Lost Packets")});
 constexpr auto kRate = Rows<Feedback>({
     Hex(4, "SSRC"), Word(4), Bits(0, 6, "Exponent"), Bits(6, 17, "Mantissa"), Bits(23, 9, "Measured Overhead")});
 constexpr auto kAcquisition = Rows<Feedback>({
     Number(1, "Subformat", kAcquisitionNames).Note(", %s"), Hex(3, "Reserved")});
+constexpr auto kAcquisitionReply = Rows<Feedback>({
+    Number(1, "Subformat", kAcquisitionNames).Note(", %s"), Number(1, "Message Sequence Number"),
+    Number(2, "Response", kResponseNames).Note(", %s")});
+constexpr auto kMediaSource = Rows<Feedback>({Hex(4, "Media Sender SSRC")});
+constexpr auto kFill = Rows<Feedback>({Number(4, nullptr, " ms").Note(", %u")});
+constexpr auto kBitRate = Rows<Feedback>({Number(8, nullptr, " bits/s")});
+constexpr auto kFirstPacket = Rows<Feedback>({Number(2, nullptr).Note(", %u")});
+constexpr auto kFirstMulticast = Rows<Feedback>({Number(4, nullptr).Note(", %u")});
+constexpr auto kAcquisitionFields = Choices<Feedback>({
+    {1, "Requested Media Sender SSRCs", {}, [](const Place& in, Cursor& c, Feedback& feedback) {
+       ShowEach(in, c, kMediaSource, 4, feedback);
+     }},
+    {2, "Minimum Buffer Fill Requirement", kFill}, {3, "Maximum Buffer Fill Requirement", kFill},
+    {4, "Maximum Receive Bit Rate", kBitRate}, {5, "Preamble Only"}, {31, "Media Sender SSRC", kMediaSource},
+    {32, "First Packet's Sequence Number", kFirstPacket}, {33, "Earliest Multicast Join Time", kFill},
+    {34, "Burst Duration", kFill}, {35, "Maximum Transmit Bit Rate", kBitRate},
+    {61, "First Multicast Packet's Sequence Number", kFirstMulticast}});
 constexpr auto kEcn = Rows<Feedback>({
     Number(4, "Extended Highest Sequence"), Number(4, "ECT(0) Counter"), Number(4, "ECT(1) Counter"),
     Number(2, "ECN-CE Counter"), Number(2, "Not-ECT Counter"), Number(2, "Lost Packets Counter"),
@@ -57,11 +87,6 @@ constexpr auto kBackChannel = Rows<Feedback>({
 constexpr auto kSource = Rows<Feedback>({Hex(4, "SSRC")});
 constexpr auto kBitrate = Rows<Feedback>({
     Text(4, "Unique Identifier"), Number(1, "SSRC Count"), Word(3), Bits(0, 6, "Exponent"), Bits(6, 18, "Mantissa")});
-
-void ShowEach(const Place& in, Cursor& c, RowSpan<Feedback> rows, int32_t size, Feedback& feedback) {
-  Loop loop;
-  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Feedback>(in, c, rows, feedback);
-}
 
 void ShowPauses(const Place& in, Cursor& c, Feedback& feedback) {
   Loop loop;
@@ -108,13 +133,33 @@ void ShowTransportWide(const Place& in, Cursor& c, Feedback& feedback) {
   if (deltas.here) AddLine(in, deltas, "Receive Deltas: %s", HexText(deltas));
 }
 
+void ShowAcquisition(const Place& in, Cursor& c, Feedback& feedback) {
+  constexpr uint32_t kInformation = 2;
+  static constexpr auto kFieldHead = Rows<Feedback>({
+      Number(1, "Type"), Hex(1, "Reserved"), Number(2, "Length").Into(&Feedback::count)});
+  ShowRows<Feedback>(in, c, PeekU8(c) == kInformation ? RowSpan<Feedback>(kAcquisitionReply) : RowSpan<Feedback>(kAcquisition),
+                     feedback);
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
+    const Choice<Feedback>* choice = FindChoice<Feedback>(kAcquisitionFields, PeekU8(c));
+    const int32_t length = static_cast<int32_t>(PeekU16(c, 2));
+    Cursor field = TakeCursor(c, 4 + ((length + 3) & ~3));
+    const Place under = Under(in, AddLine(in, Ahead(field, 4 + length), "Field: %s", choice ? choice->name : kUnknown));
+    ShowRows<Feedback>(under, field, kFieldHead, feedback);
+    Cursor value = TakeCursor(field, length);
+    ShowChoice<Feedback>(under, value, choice, feedback);
+    const Field padding = Rest(field);
+    if (padding.here) AddLine(under, padding, "Padding: %s", HexText(padding));
+  }
+}
+
 void ShowTransport(const Place& in, Cursor& c, uint32_t format, Feedback& feedback) {
   switch (format) {
     case 1:
     case 7: ShowEach(in, c, kLoss, 4, feedback); break;
     case 3:
     case 4: ShowEach(in, c, kRate, 8, feedback); break;
-    case 6: ShowRows<Feedback>(in, c, kAcquisition, feedback); break;
+    case 6: ShowAcquisition(in, c, feedback); break;
     case 8: ShowRows<Feedback>(in, c, kEcn, feedback); break;
     case 9: ShowPauses(in, c, feedback); break;
     case kRtcpCongestionFeedback: ShowCongestion(in, c, feedback); break;

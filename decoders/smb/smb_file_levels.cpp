@@ -41,7 +41,7 @@ constexpr auto kPipeLocal = LittleRows<Smb>({
     Number(4, "Maximum Instances"), Number(4, "Current Instances"), Number(4, "Inbound Quota"),
     Number(4, "Read Data Available"), Number(4, "Outbound Quota"), Number(4, "Write Quota Available"),
     Coded(4, "Named Pipe State", kPipeStates), Number(4, "Named Pipe End")});
-constexpr auto kPipeRemote = LittleRows<Smb>({FileTime("Collect Data Time"), Number(4, "Maximum Collection Count")});
+constexpr auto kPipeRemote = LittleRows<Smb>({Number(8, "Collect Data Time", " x 100 ns"), Number(4, "Maximum Collection Count")});
 constexpr auto kNetworkOpen = LittleRows<Smb>({
     FileTime("Creation Time"), FileTime("Last Access Time"), FileTime("Last Write Time"), FileTime("Change Time"),
     Number(8, "Allocation Size"), Number(8, "End of File"), Flags(4, "File Attributes", kSmbAttributeBits),
