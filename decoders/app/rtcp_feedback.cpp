@@ -144,10 +144,11 @@ void ShowAcquisition(const Place& in, Cursor& c, Feedback& feedback) {
     const Choice<Feedback>* choice = FindChoice<Feedback>(kAcquisitionFields, PeekU8(c));
     const int32_t length = static_cast<int32_t>(PeekU16(c, 2));
     Cursor field = TakeCursor(c, 4 + ((length + 3) & ~3));
-    const Place under = Under(in, AddLine(in, Ahead(field, 4 + length), "Field: %s", choice ? choice->name : kUnknown));
+    const int32_t whole = Left(field) < 4 + length ? Left(field) : 4 + length;
+    const Place under = Under(in, AddLine(in, Ahead(field, whole), "Field: %s", choice ? choice->name : kUnknown));
     ShowRows<Feedback>(under, field, kFieldHead, feedback);
     Cursor value = TakeCursor(field, length);
-    ShowChoice<Feedback>(under, value, choice, feedback);
+    ShowChoice<Feedback>(under, value, choice, feedback);   // keys: none Data
     const Field padding = Rest(field);
     if (padding.here) AddLine(under, padding, "Padding: %s", HexText(padding));
   }
