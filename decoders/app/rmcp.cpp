@@ -8,6 +8,7 @@
 //
 // RMCP and ASF have their high byte first, IPMI its low one.
 #include "core/rows.h"
+#include "decoders/app/ipmi_commands.h"
 #include "decoders/app/ipmi_names.h"
 
 namespace qxview {
@@ -31,14 +32,9 @@ constexpr auto kSystemStateNames = SortedNames({
     {7, "G3/S5 \"Mechanical Off\""}, {8, "Sleeping"}, {9, "G1 Sleeping"}, {10, "S5 Entered by Override"},
     {11, "Legacy On"},
     {12, "Legacy Off"}, {14, "Unknown"}});
-constexpr auto kChassisControlNames = SortedNames({
-    {0, "Power Down"}, {1, "Power Up"}, {2, "Power Cycle"}, {3, "Hard Reset"}, {4, "Pulse Diagnostic Interrupt"},
-    {5, "Soft Shutdown via ACPI"}});
-constexpr auto kPowerPolicyNames = SortedNames({
-    {0, "Stays Off"}, {1, "Restored to Previous State"}, {2, "Powers Up"}, {3, "Unknown"}});
-
 struct Rmcp {
   Field classOf, asfType, length, function, command, payload;
+  LineHandle top;
 };
 
 constexpr auto kHeader = Rows<Rmcp>({
@@ -104,81 +100,6 @@ constexpr auto kTarget = Rows<Rmcp>({
 constexpr auto kSource = Rows<Rmcp>({
     Hex(1, "Source Address"), Word(1), Bits(0, 6, "Sequence Number"), Bits(6, 2, "LUN")});
 
-// What common commands ask and answer.
-constexpr auto kChannelRequest = Rows<Rmcp>({
-    Word(1), Flag(0, "IPMI 2.0 Data"), Bits(1, 3, "Reserved"), Bits(4, 4, "Channel Number"), Word(1),
-    Bits(0, 4, "Reserved"), Bits(4, 4, "Requested Maximum Privilege Level", kIpmiPrivilegeNames)});
-constexpr auto kChannelResponse = Rows<Rmcp>({
-    Number(1, "Channel Number"), Hex(1, "Authentication Types"), Flag(0, "IPMI 2.0 Capabilities"), Flag(2, "OEM"),
-    Flag(3, "Straight Password"), Flag(5, "MD5"), Flag(6, "MD2"), Flag(7, "None"), Hex(1, "Authentication Status"),
-    Flag(2, "KG Set"), Flag(3, "Per-message Authentication Disabled"), Flag(4, "User Level Authentication Disabled"),
-    Flag(5, "Non-null User Names Enabled"), Flag(6, "Null User Names Enabled"), Flag(7, "Anonymous Login Enabled"),
-    Hex(1, "Extended Capabilities"), Flag(6, "IPMI 2.0 Connections"), Flag(7, "IPMI 1.5 Connections"),
-    Number(3, "OEM ID").Little(), Hex(1, "OEM Auxiliary Data")});
-constexpr auto kChallengeRequest = Rows<Rmcp>({
-    Number(1, "Authentication Type", kIpmiAuthenticationNames), Text(16, "User Name")});
-constexpr auto kChallengeResponse = Rows<Rmcp>({
-    Hex(4, "Temporary Session ID").Little(), Bytes(16, "Challenge String")});
-constexpr auto kActivateRequest = Rows<Rmcp>({
-    Number(1, "Authentication Type", kIpmiAuthenticationNames),
-    Number(1, "Maximum Privilege Level", kIpmiPrivilegeNames), Bytes(16, "Challenge String"),
-    Hex(4, "Initial Outbound Sequence Number").Little()});
-constexpr auto kActivateResponse = Rows<Rmcp>({
-    Number(1, "Authentication Type", kIpmiAuthenticationNames), Hex(4, "Session ID").Little(),
-    Hex(4, "Initial Inbound Sequence Number").Little(), Number(1, "Maximum Privilege Level", kIpmiPrivilegeNames)});
-constexpr auto kPrivilege = Rows<Rmcp>({Number(1, "Privilege Level", kIpmiPrivilegeNames)});
-constexpr auto kCloseRequest = Rows<Rmcp>({Hex(4, "Session ID").Little()});
-constexpr auto kDeviceId = Rows<Rmcp>({
-    Hex(1, "Device ID"), Hex(1, "Device Revision"), Flag(0, "Provides Device SDRs"), Bits(4, 4, "Revision"),
-    Hex(1, "Firmware Revision 1"), Flag(0, "Update in Progress"), Bits(1, 7, "Major Firmware Revision"),
-    Hex(1, "Firmware Revision 2"), Hex(1, "IPMI Version"), Hex(1, "Additional Device Support"),
-    Flag(0, "Chassis Device"),
-    Flag(1, "Bridge"), Flag(2, "IPMB Event Generator"), Flag(3, "IPMB Event Receiver"), Flag(4, "FRU Inventory Device"),
-    Flag(5, "SEL Device"), Flag(6, "SDR Repository Device"), Flag(7, "Sensor Device"),
-    Number(3, "Manufacturer ID").Little(),
-    Number(2, "Product ID").Little(), Bytes(4, "Auxiliary Firmware Revision")});
-constexpr auto kChassisStatus = Rows<Rmcp>({
-    Hex(1, "Current Power State"), Bits(1, 2, "Power Restore Policy", kPowerPolicyNames),
-    Flag(3, "Power Control Fault"),
-    Flag(4, "Power Fault"), Flag(5, "Interlock"), Flag(6, "Power Overload"), Flag(7, "Power On"),
-    Hex(1, "Last Power Event"), Flag(3, "Power On via IPMI"), Flag(4, "Power Fault"), Flag(5, "Interlock Activated"),
-    Flag(6, "Power Overload"), Flag(7, "AC Failed"), Hex(1, "Miscellaneous Chassis State"), Flag(4, "Cooling Fault"),
-    Flag(5, "Drive Fault"), Flag(6, "Front Panel Lockout"), Flag(7, "Chassis Intrusion"),
-    Hex(1, "Front Panel Buttons")});
-constexpr auto kChassisControl = Rows<Rmcp>({
-    Word(1), Bits(0, 4, "Reserved"), Bits(4, 4, "Chassis Control", kChassisControlNames)});
-constexpr auto kGuid = Rows<Rmcp>({Bytes(16, "GUID")});
-constexpr auto kReadingRequest = Rows<Rmcp>({Number(1, "Sensor Number")});
-constexpr auto kReadingResponse = Rows<Rmcp>({
-    Number(1, "Sensor Reading"), Hex(1, "Sensor Status"), Flag(0, "Event Messages Enabled"),
-    Flag(1, "Scanning Enabled"),
-    Flag(2, "Reading Unavailable"), Hex(1, "Present Thresholds or States")});
-constexpr auto kRecordRequest = Rows<Rmcp>({
-    Hex(2, "Reservation ID").Little(), Hex(2, "Record ID").Little(), Number(1, "Offset"), Number(1, "Bytes to Read")});
-constexpr auto kRecordResponse = Rows<Rmcp>({Hex(2, "Next Record ID").Little(), Bytes(0, "Record Data")});
-constexpr auto kFruRequest = Rows<Rmcp>({
-    Number(1, "FRU Device ID"), Number(2, "Offset").Little(), Number(1, "Count to Read")});
-constexpr auto kFruResponse = Rows<Rmcp>({Number(1, "Count Returned"), Bytes(0, "Data")});
-constexpr auto kRepositoryInfo = Rows<Rmcp>({
-    Hex(1, "Version"), Number(2, "Records").Little(), Number(2, "Free Space", " bytes").Little(),
-    UnixTime(4, "Most Recent Addition").Little(), UnixTime(4, "Most Recent Erase").Little(),
-    Hex(1, "Operation Support")});
-constexpr auto kReservation = Rows<Rmcp>({Hex(2, "Reservation ID").Little()});
-constexpr auto kClock = Rows<Rmcp>({UnixTime(4, "Time").Little()});
-
-struct Command {
-  uint32_t key;   // the request's function above bit 8
-  RowSpan<Rmcp> request, response;
-};
-constexpr Command kCommands[] = {
-    {0x0001, {}, kChassisStatus}, {0x0002, kChassisControl, {}}, {0x042D, kReadingRequest, kReadingResponse},
-    {0x0601, {}, kDeviceId}, {0x0608, {}, kGuid}, {0x0637, {}, kGuid}, {0x0638, kChannelRequest, kChannelResponse},
-    {0x0639, kChallengeRequest, kChallengeResponse}, {0x063A, kActivateRequest, kActivateResponse},
-    {0x063B, kPrivilege, kPrivilege}, {0x063C, kCloseRequest, {}}, {0x0A11, kFruRequest, kFruResponse},
-    {0x0A20, {}, kRepositoryInfo}, {0x0A22, {}, kReservation}, {0x0A23, kRecordRequest, kRecordResponse},
-    {0x0A40, {}, kRepositoryInfo}, {0x0A42, {}, kReservation}, {0x0A43, kRecordRequest, kRecordResponse},
-    {0x0A48, {}, kClock}, {0x0A49, kClock, {}}};
-
 // Both checksums make the bytes before them, from the last one on, come to zero.
 void AddChecksum(const Place& in, const Field& checksum, const Field& covered) {
   if (!checksum.here || !covered.bytes) return;
@@ -201,6 +122,7 @@ void ShowMessage(const Place& at, Cursor& c, Rmcp& rmcp) {
   const uint32_t key = (function & ~1u) << 8 | command.value;
   const char* name = LookupName(kIpmiCommandNames, key);
   AddLine(in, command, "Command: 0x%02X = %s", command.value, name);
+  if (command.here) AppendToLine(in, rmcp.top, ", %s%s", name, function & 1 ? " Response" : "");
   if (command.here) AppendToLine(in, line, ": %s, %s", name, LookupName(kIpmiFunctionNames, function));
   Cursor data = TakeCursor(c, Left(c) - 1);
   const bool isResponse = function & 1;
@@ -213,10 +135,8 @@ void ShowMessage(const Place& at, Cursor& c, Rmcp& rmcp) {
                                                                       : LookupName(kIpmiCompletionNames, completion);
     AddLine(in, code, "Completion Code: 0x%02X = %s", code.value, codeName);
   }
-  for (const Command& row : kCommands) {
-    if (row.key != key || completion != 0 || Left(data) == 0) continue;
-    ShowRows<Rmcp>(in, data, isResponse ? row.response : row.request, rmcp);
-  }
+  NoValues none;
+  if (completion == 0 && Left(data) > 0) ShowRows<NoValues>(in, data, IpmiDataRows(key, isResponse), none);
   data.ranShort = false;
   const Field rest = Rest(data);
   AddLine(in, rest, "Data: %s", HexText(rest));
@@ -291,10 +211,12 @@ void ShowIpmi(const Place& at, Cursor& c, Rmcp& rmcp) {
   }
   ShowRows<Rmcp>(in, c, kPayloadType, rmcp);
   AppendToLine(in, line, ", %s", LookupName(kIpmiPayloadNames, rmcp.payload.value & 0x3F));
+  const uint32_t payload = rmcp.payload.value & 0x3F;
+  if (payload != 0) AppendToLine(in, rmcp.top, ", %s", LookupName(kIpmiPayloadNames, payload));
   if ((rmcp.payload.value & 0x3F) == 2) ShowRows<Rmcp>(in, c, kOemPayload, rmcp);
   ShowRows<Rmcp>(in, c, kSession20, rmcp);
-  Cursor payload = TakeCursor(c, rmcp.length.value);
-  if (Left(payload)) ShowPayload(in, payload, rmcp);
+  Cursor held = TakeCursor(c, rmcp.length.value);
+  if (Left(held)) ShowPayload(in, held, rmcp);
   if (rmcp.payload.value & kAuthenticated && Left(c)) ShowTrailer(in, c);
 }
 
@@ -324,6 +246,7 @@ int32_t DecodeRmcp(const Place& at, Cursor c) {
                                  isAcknowledge ? ", Acknowledge" : "");
   const Place in = Under(at, top);
   Rmcp rmcp = ShowRows(in, c, kHeader);
+  rmcp.top = top;
   if (!isAcknowledge && Left(c)) {
     if (kind == kClassAsf) {
       AppendToLine(in, top, ", %s", LookupName(kAsfNames, PeekU8(c, 4)));
