@@ -546,6 +546,8 @@ class Scan:
 
     def row(self, protocol, row, function, depth, titles):
         form = row[0]
+        if row[1:2] == ['<'] and '(' in row:   # Shown<Record>(...)
+            row = row[:1] + row[row.index('('):]
         if len(row) == 1 or row[1] != '(':   # a row of its own that several tables hold
             for constant in self.constants(form, function):
                 if constant.value[1:2] == ['(']:

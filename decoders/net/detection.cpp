@@ -3,6 +3,7 @@
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
 #include "decoders/app/stun.h"
+#include "decoders/ipsec/wireguard.h"
 #include "decoders/net/dynamic_udp.h"
 #include "decoders/net/learn.h"
 #include "decoders/net/port_dispatch.h"
@@ -89,6 +90,10 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   const uint16_t sourcePort = PacketOf(at).sourcePort;
   if (LooksLikeStun(c)) {   // each message shows itself, and its port is of media as well: nothing to learn
     DecodeRecognised(at, c, kStunProtocol);
+    return 1;
+  }
+  if (LooksLikeWireGuard(c)) {
+    DecodeRecognised(at, c, kWireGuardProtocol);
     return 1;
   }
   if (LooksLikeOncRpc(c)) {
