@@ -68,7 +68,7 @@ TEST(Atm, FindsWhatTheCircuitCarries) {
                 {"Network Type: 0x000A - FDDI", "Padding: 00 00 00 {8+3}", "FDDI Header:", "{11+13}"});
   ExpectInOrder(
       TreeOf(Hex("FE FE 03 CF C0 21 01 01 00 04"), kAtm),
-      {"Frame Type: LLC/NLPID", "NLPID: 0xCF = PPP {3+1}", "PPP Header:  Protocol = LCP {4+2}", "LCP Data {8:6+4}"});
+      {"Frame Type: LLC/NLPID", "NLPID: 0xCF = PPP {3+1}", "PPP Header:  Protocol = LCP {4+2}", "LCP: Configure-Request, Identifier 1 {6+4}"});
   ExpectInOrder(TreeOf(Hex("42 42 03 00 00"), kAtm), {"Frame Type: LLC {", "Protocol = Spanning Tree BPDU {0+3}"});
 }
 

@@ -51,7 +51,7 @@ TEST(Wan, TrafficFlowAndErrorsStandInTheSummary) {
 TEST(Ppp, HeaderMayLeaveOutWhatItCan) {
   ExpectInOrder(TreeOf(Linked(Hex("FF03 C021 01 02 0004"), kLinkPpp)),
                 {"PPP Header:  Protocol = LCP {0+4}", "Address: 0xFF = All Stations {0+1}",
-                 "Control: 0x03 = Unnumbered Information {1+1}", "Protocol: 0xC021 = LCP {2+2}", "LCP Data {8:4+4}"});
+                 "Control: 0x03 = Unnumbered Information {1+1}", "Protocol: 0xC021 = LCP {2+2}", "LCP: Configure-Request, Identifier 2 {4+4}"});
   ExpectInOrder(TreeOf(Linked(Hex("21") + Bytes(20), kLinkPpp)),
                 {"PPP Header:  Protocol = IP {0+1}", "0x0021 = IP {0+1}"});
   ExpectInOrder(TreeOf(Linked(Hex("0281 00010140 40"), kLinkPpp)),

@@ -25,6 +25,8 @@ int32_t SummarizeDnsVariant(const SummaryInput& in, char* out, int32_t size, int
 
 }  // namespace
 
+int32_t SummarizeCarried(const SummaryInput&, char*, int32_t) { return 0; }
+
 int32_t SummarizeDns(const SummaryInput& in, char* out, int32_t size) {
   return SummarizeDnsVariant(in, out, size, kUnicastDns);
 }
@@ -155,7 +157,8 @@ void SummarizePacket(View* view, char* out, int32_t size) {
   if (reached.table == DispatchTable::kEthertype && reached.key == kEthertypeRarp) {   // ARP's fields (RFC 903)
     if (CopyTopLine(view, FindEthertype(kEthertypeArp)->decode, out, size)) return;
   }
-  if (protocol && !protocol->summary && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) {
+  const bool isShownByTop = protocol && (!protocol->summary || protocol->summary == SummarizeCarried);
+  if (isShownByTop && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) {
     return AppendQuotedDatagram(packet, out, size);
   }
   DescribeLayers(packet, out, size);

@@ -29,6 +29,10 @@ int32_t Numbered(const SummaryInput& in, char* out, int32_t outSize) {
   return kDescribe(in.data, in.length, out, outSize, 1);
 }
 
+// Of a tunnel: its decoder runs for the list, too, and the line is that of what it carries; of a message that carries
+// nothing it is the top line.
+int32_t SummarizeCarried(const SummaryInput& in, char* out, int32_t outSize);
+
 int32_t SummarizeDns(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeLlmnr(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeMdns(const SummaryInput& in, char* out, int32_t outSize);

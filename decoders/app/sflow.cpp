@@ -10,7 +10,7 @@
 
 #include "core/rows.h"
 #include "decoders/app/sflow_records.h"
-#include "decoders/link/medium.h"
+#include "decoders/link/carried.h"
 
 namespace qxview {
 namespace {
@@ -248,18 +248,19 @@ void ShowSample2(const Place& at, Cursor& c, Datagram& datagram) {
   if (in.parent) SetRange(in, in.parent, start.offset, c.offset - start.offset);
 }
 
-DecoderFunction DecoderOf(uint32_t protocol) {
+Carried LinkOf(uint32_t protocol) {
   switch (protocol) {
-    case 1: return DecodeMacHeader;
-    case 3: return DecodeTokenRingHeader;
-    case 4: return DecodeFddiHeader;
-    case 5: return DecodeFrameRelay;
+    case 1: return Carried::kEthernet;
+    case 3: return Carried::kTokenRing;
+    case 4: return Carried::kFddi;
+    case 5: return Carried::kFrameRelay;
     case 7:
-    case 14: return DecodePpp;
-    case 11: return FindEthertype(0x0800)->decode;
-    case 12: return FindEthertype(0x86DD)->decode;
-    case 13: return FindEthertype(0x8847)->decode;
-    default: return nullptr;
+    case 14: return Carried::kPpp;
+    case 11:
+    case 12: return Carried::kIp;
+    case 13: return Carried::kMpls;
+    case 15: return Carried::kWireless;
+    default: return Carried::kUnknown;
   }
 }
 
@@ -272,7 +273,7 @@ void ShowSampledFrame(const Place& at, const Sampled& sampled) {
   AddLine(at, whole, "sFlow Sample %u: %s Frame of %u bytes, first %u", sampled.sample,
           LookupName(kHeaderProtocolNames, sampled.protocol), sampled.frameLength, static_cast<uint32_t>(whole.length));
   packet.quoted = true;
-  CallDecoder(Deeper(at), sampled.bytes, DecoderOf(sampled.protocol), "Sampled Header");
+  DecodeCarriedFrame(Deeper(at), sampled.bytes, LinkOf(sampled.protocol), "Sampled Header");
   const int32_t linesLeft = packet.linesLeft;
   const bool limitReached = packet.limitReached;
   packet = own;

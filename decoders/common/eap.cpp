@@ -1,6 +1,7 @@
 #include "decoders/common/eap.h"
 
 #include "core/elements.h"
+#include "core/line_facts.h"
 
 namespace qxview {
 namespace {
@@ -72,6 +73,7 @@ constexpr auto kMethods = Choices<Eap>({
 }  // namespace
 
 int32_t AddEap(const Place& at, Cursor& c) {
+  const KeyedAs keys(PacketOf(at), "eap");
   const Eap ahead = PeekRows(c, kHeader);
   const int32_t stated = static_cast<int32_t>(ahead.length.value);
   const int32_t here = stated < Left(c) ? stated : Left(c);

@@ -1,6 +1,7 @@
 // Network-layer protocol identifiers (ISO/IEC TR 9577), one byte in front of the payload: how Frame Relay (RFC 2427),
 // ATM (RFC 2684) and OSI over HDLC name what they carry. The identifier of an OSI protocol is the first byte of its
 // own header; all others are passed over.
+#include "decoders/link/carried.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -18,11 +19,6 @@ constexpr auto kNames = SortedNames({
     {0xB1, "Fragmentation"}, {0xCC, "IP"}, {0xCF, "PPP"}});
 
 constexpr uint16_t kEthertypeIPv4 = 0x0800, kEthertypeIPv6 = 0x86DD;
-
-int32_t DispatchNetwork(const Place& network, const Cursor& c, uint16_t ethertype) {
-  const int32_t handled = DispatchEthertype(network, c, ethertype);
-  return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
-}
 
 }  // namespace
 
@@ -43,9 +39,9 @@ int32_t DispatchNlpid(const Place& in, const Place& network, Cursor c) {
     case kIsIs:
       ReachLayer(network, DispatchTable::kLlc, static_cast<uint32_t>(OsiService(nlpid.value)), whole);
       return CallDecoder(network, whole, FindLlcService(OsiService(nlpid.value))->decode, "Raw Data");
-    case kIPv6: return DispatchNetwork(network, c, kEthertypeIPv6);
-    case kIPv4: return DispatchNetwork(network, c, kEthertypeIPv4);
-    case kPpp: return CallDecoder(network, c, DecodePpp, "Raw Data");
+    case kIPv6: return DecodeCarriedPacket(network, c, kEthertypeIPv6);
+    case kIPv4: return DecodeCarriedPacket(network, c, kEthertypeIPv4);
+    case kPpp: return DecodeCarriedFrame(network, c, Carried::kPpp);
     default: return CallDecoder(network, c, nullptr, "Raw Data");
   }
 }

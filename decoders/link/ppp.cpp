@@ -6,8 +6,10 @@
 // Address and control may be left out, and the first byte of a protocol below 256: the byte that ends a protocol is
 // odd, all others are even.
 #include "core/line_facts.h"
+#include "decoders/link/carried.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
+#include "decoders/link/ppp.h"
 
 namespace qxview {
 namespace {
@@ -75,13 +77,13 @@ int32_t DecodeBridging(const Place& in, const Place& network, Cursor c) {
     AddLine(in, lan, "LAN Identifier: %u", lan.value);
   }
   switch (medium.value) {
-    case kEthernet: return CallDecoder(network, c, DecodeMacHeader, "Raw Data");
-    case kTokenRing: return CallDecoder(network, c, DecodeTokenRingHeader, "Raw Data");
+    case kEthernet: return DecodeCarriedFrame(network, c, Carried::kEthernet);
+    case kTokenRing: return DecodeCarriedFrame(network, c, Carried::kTokenRing);
     case kFddi: {
       TakeU8(c);   // the byte that Token Ring's access control stands in
-      return CallDecoder(network, c, DecodeFddiHeader, "Raw Data");
+      return DecodeCarriedFrame(network, c, Carried::kFddi);
     }
-    default: return CallDecoder(network, c, nullptr, "Raw Data");
+    default: return DecodeCarriedFrame(network, c, Carried::kUnknown);
   }
 }
 
@@ -92,17 +94,22 @@ int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
   const BitPicture begin = BitsOf(head, 0, 1), end = BitsOf(head, 1, 1), sequence = BitsOf(head, 8, 24);
   AddBitLine(in, head, "%s: Beginning Fragment = %s", begin.picture, TrueOrFalse(begin.value));
   AddBitLine(in, head, "%s: Ending Fragment = %s", end.picture, TrueOrFalse(end.value));
+  const BitPicture priority = BitsOf(head, 2, 4);
+  AddBitLine(in, head, "%s: Class = %u", priority.picture, priority.value);
   AddBitLine(in, head, "%s: Sequence Number = %u", sequence.picture, sequence.value);
-  if (head.here && begin.value && end.value) return CallDecoder(network, c, DecodePpp, "Raw Data");
+  if (head.here && begin.value && end.value) return DecodeCarriedFrame(network, c, Carried::kPpp);
   return CallDecoder(network, c, nullptr, "Multilink Fragment Data");
 }
 
-int32_t DispatchProtocol(const Place& in, const Place& network, Cursor c, uint32_t protocol) {
+}  // namespace
+
+const char* PppProtocolName(uint32_t protocol) { return LookupName(kProtocolNames, protocol); }
+
+int32_t DispatchPppProtocol(const Place& in, const Place& network, Cursor c, uint32_t protocol) {
   ReachLayer(network, DispatchTable::kPpp, protocol, c);
   for (const NetworkProtocol& row : kNetworkProtocols) {
     if (row.protocol != protocol) continue;
-    const int32_t handled = DispatchEthertype(network, c, row.ethertype);
-    return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
+    return DecodeCarriedPacket(network, c, row.ethertype);
   }
   if (protocol == kOsi) return DispatchNlpid(in, network, c);
   if (protocol == kBridging) return DecodeBridging(in, network, c);
@@ -111,10 +118,10 @@ int32_t DispatchProtocol(const Place& in, const Place& network, Cursor c, uint32
   if (!name) return CallDecoder(network, c, nullptr, "Raw Data");
   ShortText<64> title;
   FormatInto(title.text, sizeof title.text, "%s Data", name);
-  return CallDecoder(network, c, nullptr, title.text);
+  DecoderFunction decode = FindPppControl(protocol);
+  if (!decode) decode = FindPppLink(protocol);
+  return CallDecoder(network, c, decode, title.text);
 }
-
-}  // namespace
 
 bool LooksLikePpp(const Cursor& c) {
   if (Left(c) < 2) return false;
@@ -135,7 +142,7 @@ int32_t DecodePpp(const Place& at, Cursor c) {
   AddLine(in, header.control, "Control: 0x%.02X = %s", header.control.value,
           header.control.value == kUnnumberedInformation ? "Unnumbered Information" : kUnknown);
   AddLine(in, header.protocol, "Protocol: 0x%.04X = %s", protocol, name);
-  DispatchProtocol(in, Deeper(at), c, protocol);
+  DispatchPppProtocol(in, Deeper(at), c, protocol);
   return 1;
 }
 

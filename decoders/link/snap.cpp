@@ -6,6 +6,7 @@
 //
 // The code 00-80-C2 is that of bridged traffic: a frame of another LAN follows with its MAC header. LANs and WANs pad
 // in front of that header in their own ways (RFC 2427 for Frame Relay, RFC 2684 for ATM).
+#include "decoders/link/carried.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 
@@ -67,9 +68,9 @@ int32_t DecodeBridgedFrame(const Place& in, const Place& network, const Field& o
   const Field pad = TakeBytes(c, padding + (medium == BridgedMedium::kFddi ? 1 : 0));
   if (pad.length > 0) AddLine(in, pad, "Padding: %s", HexText(pad));
   switch (medium) {
-    case BridgedMedium::kTokenRing: return CallDecoder(network, c, DecodeTokenRingHeader, "Raw Data");
-    case BridgedMedium::kFddi: return CallDecoder(network, c, DecodeFddiHeader, "Raw Data");
-    default: return CallDecoder(network, c, DecodeMacHeader, "Raw Data");
+    case BridgedMedium::kTokenRing: return DecodeCarriedFrame(network, c, Carried::kTokenRing);
+    case BridgedMedium::kFddi: return DecodeCarriedFrame(network, c, Carried::kFddi);
+    default: return DecodeCarriedFrame(network, c, Carried::kEthernet);
   }
 }
 

@@ -1,7 +1,7 @@
 // TaZmen Sniffer Protocol: frames that a sensor heard, carried to an analyser over UDP, behind tagged fields of the radio.
 // There is no standard; the fields are those that senders and readers of it agree on.
 #include "core/elements.h"
-#include "decoders/link/medium.h"
+#include "decoders/link/carried.h"
 
 namespace qxview {
 namespace {
@@ -51,18 +51,19 @@ constexpr auto kTags = Choices<Tzsp>({
     {41, "Receive Frame Length", kLength}, {60, "WLAN Radio Header", kAddress}, {80, "Device Name", kText},
     {81, "Capture Location", kText}, {82, "Time Stamp", kStamp}, {83, "Information", kText}, {84, "Capture ID", kNumber}});
 
-int32_t DecodeCarriedFrame(const Place& at, Cursor c, uint32_t protocol) {
+struct CarriedLink {
+  Carried link;
+  const char* title;
+};
+CarriedLink LinkOf(uint32_t protocol) {
   switch (protocol) {
-    case kEthernet: return CallDecoder(at, c, DecodeMacHeader, "Ethernet Data");
-    case kTokenRing: return CallDecoder(at, c, DecodeTokenRingHeader, "Token Ring Data");
-    case kPpp: return CallDecoder(at, c, DecodePpp, "PPP Data");
-    case kFddi: return CallDecoder(at, c, DecodeFddiHeader, "FDDI Data");
-    case kWireless: return CallDecoder(at, c, DecodeWirelessHeader, "802.11 Data");
-    case kRawIp: {
-      const DecoderRow* row = FindEthertype(PeekU8(c) >> 4 == 6 ? 0x86DD : 0x0800);
-      return CallDecoder(at, c, row ? row->decode : nullptr, "Raw IP Data");
-    }
-    default: return AddRawRest(at, c, "Captured Frame");
+    case kEthernet: return {Carried::kEthernet, "Ethernet Data"};
+    case kTokenRing: return {Carried::kTokenRing, "Token Ring Data"};
+    case kPpp: return {Carried::kPpp, "PPP Data"};
+    case kFddi: return {Carried::kFddi, "FDDI Data"};
+    case kWireless: return {Carried::kWireless, "802.11 Data"};
+    case kRawIp: return {Carried::kIp, "Raw IP Data"};
+    default: return {Carried::kUnknown, "Captured Frame"};
   }
 }
 
@@ -81,7 +82,8 @@ int32_t DecodeTzsp(const Place& at, Cursor c) {
   }
   ShowElements<Tzsp>(in, c, kForm, "Tag", kTags, tzsp);
   CoverBytes(in, c);
-  return Left(c) > 0 ? DecodeCarriedFrame(Deeper(at), c, tzsp.protocol.value) : 1;
+  const CarriedLink carried = LinkOf(tzsp.protocol.value);
+  return DecodeCarriedFrame(Deeper(at), c, carried.link, carried.title);
 }
 
 }  // namespace qxview

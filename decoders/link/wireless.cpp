@@ -6,6 +6,7 @@
 // Numbers are little-endian. What the addresses are depends on whether the frame goes to or comes from the wired
 // side; control frames have one or two. Data frames carry an 802.2 header, or several frames with headers of their
 // own (A-MSDU: destination, source, length, filled up to a multiple of four).
+#include "core/line_facts.h"
 #include "core/rows.h"
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
@@ -219,6 +220,7 @@ void SkipHeaderPadding(const Place& in, Cursor& c) {
 }  // namespace
 
 int32_t DecodeWirelessHeader(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "wlan");
   if (Left(c) < 2) return 0;
   const FrameControl control = ControlOf(c);
   const Place in = Under(at, AddLine(at, Ahead(c, 2), "802.11 Header:  %s", SubtypeName(control)));

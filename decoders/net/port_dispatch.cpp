@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "core/decoder.h"
+#include "decoders/app/packet_summaries.h"
 #include "decoders/app/stun.h"
 #include "decoders/link/wake_on_lan.h"
 #include "decoders/net/detection.h"
@@ -115,12 +116,13 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
     }
     return 1;
   }
-  if (at.view->context->headersOnly) return 1;
+  // Indices past the last built-in decoder have no row, nor have the holes of the table.
+  const DecoderRow* row = builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+  const bool carries = row && row->protocol->summary == SummarizeCarried;   // whose headers go on
+  if (at.view->context->headersOnly && !carries) return 1;
   const auto name = ProtocolName(at.view, identifier);
   char title[kProtocolNameSize + 8];
   FormatInto(title, sizeof title, "%s Data", name);
-  // Indices past the last built-in decoder have no row, nor have the holes of the table.
-  const DecoderRow* row = builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
   CallDecoder(Deeper(at), c, row ? row->decode : nullptr, name.text[0] ? title : unnamed);
   return 1;
 }
