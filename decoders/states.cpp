@@ -9,6 +9,7 @@
 #include "decoders/app/http_message.h"
 #include "decoders/net/window_scales.h"
 #include "decoders/smb/smb_requests.h"
+#include "decoders/tls/tls.h"
 
 namespace qxview {
 namespace {

@@ -186,7 +186,7 @@ TEST(Ldap, SegmentsOfAStream) {
   EXPECT_EQ(tops(part(entry, 9, 6) + entry + unbind), kRest + "LDAP: Search Result Entry, ID=7, cn=a; " + kUnbindLine);
   EXPECT_EQ(tops(Hex("30 05 02 01 07 64 7F") + TextBytes("abc")), "LDAP: Search Result Entry, ID=7; " + kRest);
   EXPECT_EQ(tops(TextBytes("abc"), 17), "") << "datagrams begin with a message";
-  EXPECT_EQ(tops(Hex("160301 0001 00")), "SSL/TLS Data; ");
+  EXPECT_EQ(tops(Hex("160301 0001 00")), "SSL/TLS; ");
 
   const Bytes length = Hex("00000017"), trailer = Hex("00112233445566778899 0001 00000003");
   EXPECT_EQ(tops(length + unbind + trailer + length + unbind + trailer),

@@ -12,6 +12,7 @@
 #include <cstdlib>
 
 #include "decoders/app/tls_record.h"
+#include "decoders/tls/ssl2.h"
 
 namespace qxview {
 namespace {
@@ -75,9 +76,10 @@ bool DecodeMessage(const Place& at, HttpState& state, Cursor& c) {
 }
 
 void ShowTls(const Place& at, Cursor c) {
-  const bool record = StartsTlsRecord(c);
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "HTTP - TLS/SSL"));
-  AddBlock(in, Rest(c), record ? "SSL/TLS Data" : "HTTPS Continuation Data");
+  if (StartsTlsRecord(c) || StartsSsl2Hello(c)) return ShowTlsUnder(in, c);
+  PassTls(in, c);
+  AddBlock(in, Rest(c), "HTTPS Continuation Data");
 }
 
 }  // namespace

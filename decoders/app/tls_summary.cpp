@@ -7,6 +7,7 @@
 #include "decoders/app/summaries.h"
 #include "decoders/app/summary_text.h"
 #include "decoders/app/tls_record.h"
+#include "decoders/tls/tls.h"
 
 namespace qxview {
 namespace {
@@ -115,43 +116,9 @@ struct RecordWalk {
   uint32_t messageLacking;   // bytes of the last handshake message that the next record goes on with
 };
 
-bool MayBeMessage(uint32_t type, uint32_t length) {
-  constexpr uint32_t kMostMessage = 1 << 17;   // of certificates
-  if (!LookupName(kHandshakeNames, type, nullptr)) return false;
-  switch (type) {
-    case kHelloRequest:
-    case kEndOfEarlyData:
-    case kServerHelloDone: return length == 0;
-    case kKeyUpdate: return length == 1;
-    default: return length < kMostMessage;
-  }
-}
-
-// Whether the record holds messages in clear: each has a type and a length that can be, and together they fill the
-// record, the last one going on in the next. Behind a change of the cipher, hellos alone are in clear: those of a
-// handshake that begins anew. What was not captured is taken to fit.
-bool HoldsMessages(Cursor c, uint32_t recordLength, const RecordWalk& walk) {
-  uint32_t left = recordLength;
-  if (walk.messageLacking >= left) return !walk.encrypted;
-  left -= walk.messageLacking;
-  TakeBytes(c, walk.messageLacking);
-  if (walk.encrypted && (walk.messageLacking > 0 || Left(c) < 4)) return false;
-  while (Left(c) >= 4) {
-    const uint32_t type = TakeU8(c).value, length = TakeU24(c).value;
-    left -= left < 4 ? left : 4;
-    if (!MayBeMessage(type, length)) return false;
-    if (walk.encrypted && (length != left || (type != kClientHello && type != kServerHello))) return false;
-    if (length >= left) return true;
-    left -= length;
-    TakeBytes(c, length);
-  }
-  // A few bytes behind a message are none.
-  return c.ranShort || static_cast<uint32_t>(Left(c)) < left || recordLength < 4;
-}
-
 // The messages of a handshake record.
 void DescribeHandshake(SummaryText& text, Cursor c, uint32_t recordLength, RecordWalk& walk) {
-  if (!HoldsMessages(c, recordLength, walk)) return Add(text, ": Encrypted Message");
+  if (!HoldsTlsMessages(c, recordLength, walk.encrypted, walk.messageLacking)) return Add(text, ": Encrypted Message");
   uint32_t left = recordLength;
   const bool goesOn = walk.messageLacking > 0;
   if (goesOn) {
