@@ -78,7 +78,7 @@ std::vector<FrameCase> Frames() {
        "Spanning Tree Configuration, Root: 32768/00:11:22:33:44:55, Cost: 4, Bridge: 32769/00:AA:BB:CC:DD:EE, "
        "Port: 0x8002"},
       {Llc("AA AA 03 00000C 2000 02 B4 0000 0001 0007 737731"), "CDP Version: 2, Time To Live: 180, Device: sw1"},
-      {Llc("AA AA 03 00000C 0111 00000000"), "UDLD, 4 bytes"},
+      {Llc("AA AA 03 00000C 0111 00000000"), "UDLD: Reserved"},
       {Llc("F0 F0 03 0000"), "NetBIOS, 2 bytes"},
       {Llc("E0 E0 03 FFFF 0022 00 04 00000011 020000000001 0452 00000010 020000000002 4003 0003 0004"),
        "IPX: Packet Exchange, 00000010.020000000002.4003 -> 00000011.020000000001.0452"},

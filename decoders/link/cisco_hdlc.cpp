@@ -83,7 +83,7 @@ int32_t DecodeCiscoHdlc(const Place& at, Cursor c) {
   } else if (ethertype == kOsi) {
     DispatchOsi(in, network, c);
   } else {
-    DispatchSnap(network, c, static_cast<uint16_t>(ethertype));
+    DispatchSnap(network, c, 0, static_cast<uint16_t>(ethertype));
   }
   return 1;
 }

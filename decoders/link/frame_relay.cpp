@@ -103,7 +103,7 @@ int32_t DecodePayload(const Place& in, const Place& network, Cursor c) {
     if (!ethertype.here) return 1;
     const char* name = EthertypeName(static_cast<uint16_t>(ethertype.value));
     AddLine(in, ethertype, "Ethertype: 0x%.04X = %s", ethertype.value, name ? name : kUnknown);
-    return DispatchSnap(network, c, static_cast<uint16_t>(ethertype.value));
+    return DispatchSnap(network, c, 0, static_cast<uint16_t>(ethertype.value));
   }
   AddControlLine(in, numbered ? TakeU16(c) : TakeU8(c));
   if (Left(c) >= 1 && PeekU8(c) == 0) {

@@ -11,6 +11,11 @@ enum class LlcService : uint32_t {
 
 const DecoderRow* FindLlcService(LlcService service);   // null for kNone
 
+// What numbers of other registries lead to, among the link encapsulations of the registry: the protocol of a maker behind a
+// SNAP header, by the maker's code and its number, and a slow protocol's subtype (IEEE 802.3 annex 57A).
+constexpr uint32_t SnapKey(uint32_t oui, uint32_t protocol) { return (oui & 0xFFFF) << 16 | protocol; }
+constexpr uint32_t SlowProtocolKey(uint32_t subtype) { return 0x88090000 | subtype; }
+
 // The service of an OSI network-layer identifier.
 LlcService OsiService(uint32_t nlpid);
 
@@ -26,7 +31,7 @@ void AddOrganization(const Place& in, const Field& oui);
 const char* AddSnapProtocol(const Place& in, const Field& protocol);
 
 // Dispatches the payload of a SNAP header.
-int32_t DispatchSnap(const Place& network, const Cursor& c, uint16_t protocol);
+int32_t DispatchSnap(const Place& network, const Cursor& c, uint32_t oui, uint16_t protocol);
 
 // The name of what an 802.2 header carries: the Ethertype's behind a SNAP header, else the service's; "Unknown" when
 // nothing names it.

@@ -53,7 +53,7 @@ int32_t DecodeBridgedLan(const Place& in, const Place& network, const Field& oui
   TakeBytes(c, kBridgedHeader);
   const Field ethertype = TakeU16(c);
   if (!ethertype.here) return 1;
-  return DispatchSnap(network, c, static_cast<uint16_t>(ethertype.value));
+  return DispatchSnap(network, c, 0, static_cast<uint16_t>(ethertype.value));
 }
 
 int32_t DecodeBridgedFrame(const Place& in, const Place& network, const Field& oui, Cursor c, int32_t padding) {
@@ -91,7 +91,9 @@ const char* AddSnapProtocol(const Place& in, const Field& protocol) {
   return name;
 }
 
-int32_t DispatchSnap(const Place& network, const Cursor& c, uint16_t protocol) {
+int32_t DispatchSnap(const Place& network, const Cursor& c, uint32_t oui, uint16_t protocol) {
+  const DecoderRow* ofMaker = oui ? FindLinkEncapsulation(SnapKey(oui, protocol)) : nullptr;
+  if (ofMaker) return CallDecoder(network, c, ofMaker->decode, "Raw Data");
   if (protocol == kAppleTalk) return CallDecoder(network, c, FindEthertype(kAppleTalk)->decode, "Raw Data");
   const int32_t handled = DispatchEthertype(network, c, protocol);
   return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
@@ -104,7 +106,7 @@ int32_t DecodeSnapFields(const Place& in, LineHandle top, const Place& network, 
   const Field protocol = TakeU16(c);
   if (!protocol.here) return 1;
   if (const char* name = AddSnapProtocol(in, protocol)) AppendToLine(in, top, " Ethertype = %s", name);
-  DispatchSnap(network, c, static_cast<uint16_t>(protocol.value));
+  DispatchSnap(network, c, oui.value, static_cast<uint16_t>(protocol.value));
   return 1;
 }
 
@@ -115,7 +117,7 @@ int32_t DecodeEncapsulatedSnap(const Place& in, const Place& network, Cursor c, 
   const Field protocol = TakeU16(c);
   if (!protocol.here) return 1;
   AddSnapProtocol(in, protocol);
-  DispatchSnap(network, c, static_cast<uint16_t>(protocol.value));
+  DispatchSnap(network, c, oui.value, static_cast<uint16_t>(protocol.value));
   return 1;
 }
 
