@@ -88,8 +88,9 @@ void ShowEvents(const Place& in, Cursor& c, uint32_t count, bool byFour) {
   for (uint32_t first = 0; first < count && MoreAt(in, c, loop); first += byFour ? 4 : 3) {
     const Field packed = TakeU8(c);
     const Place under = Under(in, AddLine(in, packed, "%s: 0x%.02X", byFour ? "Listener Declarations" : "Events", packed.value));
-    const uint32_t events[4] = {byFour ? packed.value >> 6 : packed.value / 36, byFour ? packed.value >> 4 & 3 : packed.value / 6 % 6,
-                                byFour ? packed.value >> 2 & 3 : packed.value % 6, packed.value & 3};
+    const uint32_t of = packed.value;
+    const uint32_t three[4] = {of / 36, of / 6 % 6, of % 6, 0}, four[4] = {of >> 6, of >> 4 & 3, of >> 2 & 3, of & 3};
+    const uint32_t* events = byFour ? four : three;
     for (uint32_t i = 0; i < (byFour ? 4u : 3u) && first + i < count; ++i) {
       if (byFour) {
         AddLine(under, packed, "Listener Declaration %u: %u = %s", first + i + 1, events[i], LookupName(kListenerNames, events[i]));

@@ -86,7 +86,10 @@ int32_t DecodeVtp(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "VTP: %s", LookupName(kCodeNames, ahead.code.value)));
   Vtp vtp = ShowRows(in, c, kHead);
   const uint32_t code = vtp.code.value;
-  ShowRows<Vtp>(in, c, code == kSummary ? RowSpan<Vtp>(kFollowers) : code == kSubset ? RowSpan<Vtp>(kSequence) : RowSpan<Vtp>(kReserved), vtp);
+  const RowSpan<Vtp> third = code == kSummary  ? RowSpan<Vtp>(kFollowers)
+                             : code == kSubset ? RowSpan<Vtp>(kSequence)
+                                               : RowSpan<Vtp>(kReserved);
+  ShowRows<Vtp>(in, c, third, vtp);
   ShowRows<Vtp>(in, c, kDomain, vtp);
   if (code == kSummary || code == kSubset) ShowRows<Vtp>(in, c, kRevision, vtp);
   if (code == kSummary) ShowRows<Vtp>(in, c, kUpdate, vtp);
