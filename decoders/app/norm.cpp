@@ -4,6 +4,7 @@
 // data
 #include "core/rows.h"
 #include "decoders/common/header_extension.h"
+#include "decoders/common/quantized.h"
 
 namespace qxview {
 namespace {
@@ -36,7 +37,7 @@ constexpr auto kHeader = Rows<Norm>({
     Word(1), Bits(0, 4, "Version"), Bits(4, 4, "Type", kTypeNames).Into(&Norm::type),
     Number(1, "Header Length", " words").Into(&Norm::words), Number(2, "Sequence"), IPv4("Source ID")});
 constexpr auto kSender = Rows<Norm>({
-    Number(2, "Instance ID"), Number(1, "Quantized Group Round Trip Time"), Word(1), Bits(0, 4, "Back-off Factor"),
+    Number(2, "Instance ID"), QuantizedTime("Quantized Group Round Trip Time"), Word(1), Bits(0, 4, "Back-off Factor"),
     Bits(4, 4, "Quantized Group Size")});
 constexpr auto kObject = Rows<Norm>({
     Flags(1, "Flags", kObjectFlagNames), Number(1, "FEC Encoding ID").Into(&Norm::fec),
@@ -48,7 +49,7 @@ constexpr auto kCongestionRows = Rows<Norm>({
     Number(1, "Reserved"), Number(2, "CC Sequence"), Number(4, "Send Time", " seconds"),
     Number(4, "Send Time Fraction", " microseconds")});
 constexpr auto kCongestionNode = Rows<Norm>({
-    IPv4("CC Node ID"), Flags(1, "CC Flags", kNodeFlagNames), Number(1, "CC Round Trip Time"), Number(2, "CC Rate")});
+    IPv4("CC Node ID"), Flags(1, "CC Flags", kNodeFlagNames), QuantizedTime("CC Round Trip Time"), QuantizedRate("CC Rate")});
 constexpr auto kAckRequestRows = Rows<Norm>({
     Number(1, "Reserved"), Number(1, "Ack Type", kAckNames), Number(1, "Ack ID")});
 constexpr auto kAdvertisement = Rows<Norm>({Hex(1, "Flags"), Number(2, "Reserved")});
@@ -78,25 +79,49 @@ void ShowPayloadId(const Place& in, Cursor& c, Norm& norm) {
                                                          : RowSpan<Norm>(kBlock0), norm);
 }
 
+// A share of 65535.
+void ShowLoss(const Place& in, const Field& field, const char* label) {
+  const uint32_t loss = PeekU16(field), hundredths = loss * 10000 / 65535;
+  AddLine(in, field, "%s: %u = %u.%.02u percent", label, loss, hundredths / 100, hundredths % 100);
+}
+
 // The rest of a command's content: nodes.
 void ShowNodes(const Place& in, Cursor& c, Norm& norm) {
   Loop loop;
   while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Norm>(in, c, kNode, norm);
 }
 
-void ShowExtensions(const Place& at, Cursor& c) {
+constexpr auto kCongestionExtension = Rows<Norm>({
+    Number(2, "CC Sequence"), Flags(1, "CC Flags", kNodeFlagNames), QuantizedTime("CC Round Trip Time"),
+    Shown(2, "CC Loss", ShowLoss), QuantizedRate("CC Rate"), Hex(2, "Reserved")});
+constexpr auto kRateExtension = Rows<Norm>({Number(1, "Reserved"), QuantizedRate("Send Rate")});
+// Transmission information, of the encodings of RFC 5510 and 5445.
+constexpr auto kObject5 = Rows<Norm>({
+    Number(6, "Object Size", " bytes"), Number(2, "Segment Size", " bytes"), Number(1, "Maximum Block Length"),
+    Number(1, "Parity Segments")});
+constexpr auto kObject129 = Rows<Norm>({
+    Number(6, "Object Size", " bytes"), Number(2, "FEC Instance ID"), Number(2, "Segment Size", " bytes"),
+    Number(2, "Maximum Block Length"), Number(2, "Parity Segments")});
+constexpr auto kObjectSize = Rows<Norm>({Number(6, "Object Size", " bytes")});
+
+RowSpan<Norm> ExtensionRows(uint32_t type, uint32_t encoding) {
+  switch (type) {
+    case 3: return kCongestionExtension;
+    case 64:
+      return encoding == 129 ? RowSpan<Norm>(kObject129) : encoding == 5 ? RowSpan<Norm>(kObject5) : RowSpan<Norm>(kObjectSize);
+    case 128: return kRateExtension;
+    default: return {};
+  }
+}
+
+void ShowExtensions(const Place& at, Cursor& c, Norm& norm) {
   Loop loop;
   while (MoreAt(at, c, loop)) {
     HeaderExtension extension = TakeHeaderExtension(at, c, kExtensionNames);
-    const Place& in = extension.in;
-    Cursor& body = extension.body;
-    if (extension.type == 128) {
-      const Field reserved = TakeU8(body), rate = TakeU16(body);
-      AddLine(in, reserved, "Reserved: %u", reserved.value);
-      AddLine(in, rate, "Send Rate: 0x%04X", rate.value);
-    }
-    const Field rest = Rest(body);
-    AddLine(in, rest, "Data: %s", HexText(rest));
+    ShowRows<Norm>(extension.in, extension.body, ExtensionRows(extension.type, norm.fec.value), norm);
+    extension.body.ranShort = false;
+    const Field rest = Rest(extension.body);
+    if (rest.here) AddLine(extension.in, rest, "Data: %s", HexText(rest));
   }
 }
 
@@ -130,7 +155,7 @@ void ShowCommand(const Place& in, Cursor& head, Cursor& c, Norm& norm) {
                              : command == kAckRequest          ? RowSpan<Norm>(kAckRequestRows)
                                                                : RowSpan<Norm>(kReserved3), norm);
   }
-  ShowExtensions(in, head);
+  ShowExtensions(in, head, norm);
   Loop loop;
   if (command == kCongestion) {
     while (Left(c) >= 8 && MoreAt(in, c, loop)) ShowRows<Norm>(in, c, kCongestionNode, norm);
@@ -166,7 +191,7 @@ int32_t DecodeNorm(const Place& at, Cursor c) {
   } else if (type == kNack || type == kAcknowledge) {
     ShowRows<Norm>(in, head, type == kNack ? RowSpan<Norm>(kNackRows) : RowSpan<Norm>(kAckRows), norm);
   }
-  ShowExtensions(in, head);
+  ShowExtensions(in, head, norm);
   if (type == kNack) ShowRepairs(in, c, norm);
   CoverBytes(in, c);
   c.ranShort = false;
