@@ -1,0 +1,205 @@
+// L2TP's attribute-value pairs (RFC 2661, 3931, 3145, 3301, 4045, 4454, 4591, 4719, 4951, 5515, 5611).
+//
+//   mandatory, hidden, reserved, length (10 bits)   vendor   type   value
+//
+// The value of a hidden pair is encrypted with a secret of both ends.
+#include "core/elements.h"
+#include "decoders/app/l2tp.h"
+
+namespace qxview {
+namespace {
+
+constexpr uint32_t kHidden = 0x4000, kLengthMask = 0x03FF;
+constexpr uint32_t kBroadbandForum = 3561;
+
+constexpr auto kMessageNames = SortedNames({
+    {0, "Reserved"}, {1, "Start-Control-Connection-Request"}, {2, "Start-Control-Connection-Reply"},
+    {3, "Start-Control-Connection-Connected"}, {4, "Stop-Control-Connection-Notification"}, {5, "Reserved"},
+    {6, "Hello"}, {7, "Outgoing-Call-Request"}, {8, "Outgoing-Call-Reply"}, {9, "Outgoing-Call-Connected"},
+    {10, "Incoming-Call-Request"}, {11, "Incoming-Call-Reply"}, {12, "Incoming-Call-Connected"}, {13, "Reserved"},
+    {14, "Call-Disconnect-Notify"}, {15, "WAN-Error-Notify"}, {16, "Set-Link-Info"}, {17, "Modem-Status"},
+    {18, "Service-Relay-Request"}, {19, "Service-Relay-Reply"}, {20, "Explicit-Acknowledgement"},
+    {21, "Failover-Session-Query"}, {22, "Failover-Session-Response"}, {23, "Multicast-Session-Request"},
+    {24, "Multicast-Session-Response"}, {25, "Multicast-Session-Establishment"}, {26, "Multicast-Session-Information"},
+    {27, "Multicast-Session-End-Notify"}, {28, "Connect-Speed-Update-Notification"},
+    {29, "Connect-Speed-Update-Request"}});
+constexpr auto kErrorNames = SortedNames({
+    {0, "No General Error"}, {1, "No Control Connection"}, {2, "Length Is Wrong"}, {3, "Field Value Out of Range"},
+    {4, "Insufficient Resources"}, {5, "Invalid Session ID"}, {6, "Vendor-Specific Error"}, {7, "Try Another"},
+    {8, "Unknown Mandatory AVP"}, {9, "Try Another Directed"}, {10, "Next Hop Unreachable"}, {11, "Next Hop Busy"}});
+constexpr auto kFramingMasks = SortedNames({{1, "Synchronous Framing"}, {2, "Asynchronous Framing"}});
+constexpr auto kBearerMasks = SortedNames({{1, "Digital Access"}, {2, "Analog Access"}});
+constexpr auto kProxyNames = SortedNames({
+    {0, "Reserved"}, {1, "Textual User Name and Password"}, {2, "PPP CHAP"}, {3, "PPP PAP"}, {4, "No Authentication"},
+    {5, "MS-CHAP Version 1"}, {6, "Reserved"}, {7, "EAP"}});
+constexpr auto kWireNames = SortedNames({
+    {0x0001, "Frame Relay DLCI (Martini Mode)"}, {0x0002, "ATM AAL5 SDU VCC Transport"},
+    {0x0003, "ATM Cell Transparent Port Mode"}, {0x0004, "Ethernet VLAN"}, {0x0005, "Ethernet"}, {0x0006, "HDLC"},
+    {0x0007, "PPP"}, {0x0008, "SONET/SDH Circuit Emulation over MPLS"}, {0x0009, "ATM n-to-One VCC Cell Transport"},
+    {0x000A, "ATM n-to-One VPC Cell Transport"}, {0x000B, "IP Layer 2 Transport"},
+    {0x000C, "ATM One-to-One VCC Cell Mode"}, {0x000D, "ATM One-to-One VPC Cell Mode"},
+    {0x000E, "ATM AAL5 PDU VCC Transport"}, {0x000F, "Frame Relay Port Mode"},
+    {0x0010, "SONET/SDH Circuit Emulation over Packet"}, {0x0011, "Structure-Agnostic E1 over Packet"},
+    {0x0012, "Structure-Agnostic T1 (DS1) over Packet"}, {0x0013, "Structure-Agnostic E3 over Packet"},
+    {0x0014, "Structure-Agnostic T3 (DS3) over Packet"}, {0x0015, "CESoPSN Basic Mode"}, {0x0016, "TDMoIP AAL1 Mode"},
+    {0x0017, "CESoPSN TDM with CAS"}, {0x0018, "TDMoIP AAL2 Mode"}, {0x0019, "Frame Relay DLCI"}});
+constexpr auto kSublayerNames = SortedNames({{0, "None"}, {1, "Default"}, {2, "ATM-Specific"}, {3, "MPT-Specific"},
+                                             {4, "PSP-Specific"}});
+constexpr auto kSequencingNames = SortedNames({
+    {0, "None"}, {1, "Non-IP Packets Only"}, {2, "All Packets"}});
+constexpr auto kDirectionNames = SortedNames({{0, "Global Error"}, {1, "At Peer"}, {2, "At Local"}});
+constexpr auto kDisconnectNames = SortedNames({
+    {0, "No Information Available"}, {1, "Administrative Disconnect"},
+    {2, "Link Control Protocol (LCP) Renegotiation at LNS Disabled"}, {3, "Normal Disconnection, LCP Terminate-Request"},
+    {4, "Compulsory Encryption Required"}, {5, "FSM Timeout"}, {6, "No Recognizable LCP Packets Received"},
+    {7, "LCP in Error State"}, {8, "LCP Down"}, {9, "Failure to Transmit"}, {10, "Control Protocol Did Not Open"},
+    {11, "FSM Timeout"},
+    {12, "FSM Timeout"}, {13, "No Recognizable Packets"}, {14, "NCPs Failed"}, {15, "NCP Error State"},
+    {16, "No Acceptable Protocol"}, {17, "Authentication Required"}, {18, "Callback Failed"}});
+constexpr auto kDigestNames = SortedNames({{0, "HMAC-MD5"}, {1, "HMAC-SHA-1"}});
+
+struct Avp {
+  Field flags, vendor, type, error;
+};
+constexpr auto kHeader = Rows<Avp>({
+    Hex(2, "Flags and Length").Into(&Avp::flags), Flag(0, "Mandatory"), Flag(1, "Hidden"), Bits(2, 4, "Reserved"),
+    Bits(6, 10, "Length"), Number(2, "Vendor ID").Into(&Avp::vendor)});
+constexpr auto kOtherType = Rows<Avp>({Number(2, "Attribute Type")});
+
+constexpr auto kMessage = Rows<Avp>({Number(2, "Message Type", kMessageNames).Note(": %s")});
+constexpr auto kResult = Rows<Avp>({Number(2, "Result Code").Note(": %u")});
+constexpr auto kError = Rows<Avp>({Number(2, "Error Code", kErrorNames).Note(", %s")});
+constexpr auto kErrorText = Rows<Avp>({Text(0, "Error Message").Note(", %s")});
+constexpr auto kVersion = Rows<Avp>({Number(1, "Version").Note(": %u"), Number(1, "Revision").Note(".%u")});
+constexpr auto kFraming = Rows<Avp>({Flags(4, nullptr, kFramingMasks)});
+constexpr auto kBearer = Rows<Avp>({Flags(4, nullptr, kBearerMasks)});
+constexpr auto kWide = Rows<Avp>({Hex(8, nullptr)});
+constexpr auto kRevision = Rows<Avp>({Hex(2, nullptr)});
+constexpr auto kText = Rows<Avp>({Text(0, nullptr).Note(": %s")});
+constexpr auto kBytes = Rows<Avp>({Bytes(0, nullptr)});
+constexpr auto kShort = Rows<Avp>({Number(2, nullptr).Note(": %u")});
+constexpr auto kNumber = Rows<Avp>({Number(4, nullptr).Note(": %u")});
+constexpr auto kIdentifier = Rows<Avp>({Hex(4, nullptr).Note(": 0x%.08X")});
+constexpr auto kLong = Rows<Avp>({Number(8, nullptr, " bit/s").Note(": %I64u bit/s")});
+constexpr auto kCause = Rows<Avp>({Number(2, "Cause Code").Note(": %u"), Number(1, "Cause Message"), Text(0, "Advisory Message")});
+constexpr auto kProxyType = Rows<Avp>({Number(2, nullptr, kProxyNames).Note(": %s")});
+constexpr auto kProxyId = Rows<Avp>({Number(1, "Reserved"), Number(1, nullptr)});
+constexpr auto kCounters = Rows<Avp>({
+    Number(2, "Reserved"), Number(4, "CRC Errors"), Number(4, "Framing Errors"), Number(4, "Hardware Overruns"),
+    Number(4, "Buffer Overruns"), Number(4, "Time-Out Errors"), Number(4, "Alignment Errors")});
+constexpr auto kCharacterMap = Rows<Avp>({Number(2, "Reserved"), Hex(4, "Send ACCM"), Hex(4, "Receive ACCM")});
+constexpr auto kDisconnect = Rows<Avp>({
+    Number(2, "Disconnect Code", kDisconnectNames).Note(": %s"), Hex(2, "Control Protocol Number"),
+    Number(1, "Direction", kDirectionNames), Text(0, "Message")});
+constexpr auto kDigest = Rows<Avp>({Number(1, "Digest Type", kDigestNames), Bytes(0, "Message Digest")});
+constexpr auto kRouter = Rows<Avp>({Number(4, nullptr)});
+constexpr auto kWire = Rows<Avp>({Hex(2, "Pseudowire Type", kWireNames).Note(": %s")});
+constexpr auto kSublayer = Rows<Avp>({Number(2, nullptr, kSublayerNames).Note(": %s")});
+constexpr auto kSequencing = Rows<Avp>({Number(2, nullptr, kSequencingNames).Note(": %s")});
+constexpr auto kCircuit = Rows<Avp>({Word(2), Bits(0, 14, "Reserved"), Flag(14, "New Circuit"), Flag(15, "Circuit Up")});
+constexpr auto kRecovery = Rows<Avp>({Hex(4, "Recover Tunnel ID"), Hex(4, "Recover Remote Tunnel ID")});
+constexpr auto kSuggested = Rows<Avp>({Number(2, "Suggested Ns"), Number(2, "Suggested Nr")});
+constexpr auto kFailover = Rows<Avp>({Word(2), Flag(14, "Control Connection Recovery"), Flag(15, "Data Recovery"),
+                                      Number(4, "Recovery Time", " milliseconds")});
+constexpr auto kFailoverState = Rows<Avp>({Number(2, "Reserved"), Hex(4, "Session ID"), Hex(4, "Remote Session ID")});
+constexpr auto kUpdate = Rows<Avp>({
+    Number(2, "Reserved"), Number(2, "Remote Session ID"), Number(4, "Current Transmit Speed"),
+    Number(4, "Current Receive Speed")});
+constexpr auto kChannel = Rows<Avp>({Hex(1, "Control Channel Types"), Hex(1, "Connectivity Verification Types")});
+constexpr auto kTdm = Rows<Avp>({Number(2, "Reserved"), Number(2, "Bit Rate", " x 64 kbit/s"), Bytes(0, "TDM Options")});
+constexpr auto kRtp = Rows<Avp>({Word(2), Bits(0, 1, "Differential Time Stamping"), Bits(1, 7, "Payload Type"),
+                                 Bits(8, 8, "Reserved"), Number(2, "Time Stamp Frequency", " x 8 kHz"),
+                                 Hex(4, "Synchronization Source")});
+
+void ShowWires(const Place& in, Cursor& c, Avp& avp) {
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Avp>(in, c, kWire, avp);
+}
+void ShowError(const Place& in, Cursor& c, Avp& avp) {
+  if (Left(c) >= 2) ShowRows<Avp>(in, c, kError, avp);
+  if (Left(c) > 0) ShowRows<Avp>(in, c, kErrorText, avp);
+}
+
+constexpr auto kAvps = Choices<Avp>({
+    {0, "Message Type", kMessage}, {1, "Result Code", kResult, ShowError}, {2, "Protocol Version", kVersion},
+    {3, "Framing Capabilities", kFraming}, {4, "Bearer Capabilities", kBearer}, {5, "Tie Breaker", kWide},
+    {6, "Firmware Revision", kRevision}, {7, "Host Name", kText}, {8, "Vendor Name", kText},
+    {9, "Assigned Tunnel ID", kShort}, {10, "Receive Window Size", kShort}, {11, "Challenge", kBytes},
+    {12, "Q.931 Cause Code", kCause}, {13, "Challenge Response", kBytes}, {14, "Assigned Session ID", kShort},
+    {15, "Call Serial Number", kNumber}, {16, "Minimum BPS", kNumber}, {17, "Maximum BPS", kNumber},
+    {18, "Bearer Type", kBearer}, {19, "Framing Type", kFraming}, {21, "Called Number", kText},
+    {22, "Calling Number", kText}, {23, "Sub-Address", kText}, {24, "Connect Speed", kNumber},
+    {25, "Physical Channel ID", kIdentifier}, {26, "Initial Received LCP CONFREQ", kBytes},
+    {27, "Last Sent LCP CONFREQ", kBytes}, {28, "Last Received LCP CONFREQ", kBytes},
+    {29, "Proxy Authen Type", kProxyType}, {30, "Proxy Authen Name", kText}, {31, "Proxy Authen Challenge", kBytes},
+    {32, "Proxy Authen ID", kProxyId}, {33, "Proxy Authen Response", kBytes}, {34, "Call Errors", kCounters},
+    {35, "ACCM", kCharacterMap}, {36, "Random Vector", kBytes}, {37, "Private Group ID", kText},
+    {38, "Receive Connect Speed", kNumber}, {39, "Sequencing Required"}, {46, "PPP Disconnect Cause Code", kDisconnect},
+    {58, "Extended Vendor ID", kNumber}, {59, "Message Digest", kDigest}, {60, "Router ID", kRouter},
+    {61, "Assigned Control Connection ID", kIdentifier}, {62, "Pseudowire Capabilities List", {}, ShowWires},
+    {63, "Local Session ID", kIdentifier}, {64, "Remote Session ID", kIdentifier}, {65, "Assigned Cookie", kBytes},
+    {66, "Remote End ID", kText}, {68, "Pseudowire Type", {}, ShowWires}, {69, "L2-Specific Sublayer", kSublayer},
+    {70, "Data Sequencing", kSequencing}, {71, "Circuit Status", kCircuit}, {72, "Preferred Language", kText},
+    {73, "Control Message Authentication Nonce", kBytes}, {74, "Transmit Connect Speed", kLong},
+    {75, "Receive Connect Speed", kLong}, {76, "Failover Capability", kFailover}, {77, "Tunnel Recovery", kRecovery},
+    {78, "Suggested Control Sequence", kSuggested}, {79, "Failover Session State", kFailoverState},
+    {80, "Multicast Capability", kBytes}, {81, "New Outgoing Sessions", kBytes},
+    {82, "New Outgoing Sessions Acknowledgement", kBytes}, {83, "Withdraw Outgoing Sessions", kBytes},
+    {84, "Multicast Packets Priority", kShort}, {85, "Frame Relay Header Length", kShort},
+    {86, "ATM Maximum Concatenated Cells", kShort}, {87, "OAM Emulation Required"}, {88, "ATM Alarm Status", kBytes},
+    {89, "Attachment Group Identifier", kBytes}, {90, "Local End Identifier", kBytes},
+    {91, "Interface Maximum Transmission Unit", kShort}, {92, "FCS Retention", kShort},
+    {93, "Tunnel Switching Aggregator ID", kText}, {94, "Maximum Receive Unit", kShort},
+    {95, "Maximum Reassembled Receive Unit", kShort}, {96, "VCCV Capability", kChannel},
+    {97, "Connect Speed Update", kUpdate}, {98, "Connect Speed Update Enable"}, {99, "TDM Pseudowire", kTdm},
+    {100, "RTP", kRtp}, {101, "PW Switching Point", kBytes}});
+
+constexpr auto kLineAvps = Choices<Avp>({
+    {1, "Agent Circuit ID", kText}, {2, "Agent Remote ID", kText}, {129, "Actual Data Rate Upstream", kLong},
+    {130, "Actual Data Rate Downstream", kLong}, {131, "Minimum Data Rate Upstream", kLong},
+    {132, "Minimum Data Rate Downstream", kLong}, {133, "Attainable Data Rate Upstream", kLong},
+    {134, "Attainable Data Rate Downstream", kLong}, {135, "Maximum Data Rate Upstream", kLong},
+    {136, "Maximum Data Rate Downstream", kLong}, {137, "Minimum Low-Power Data Rate Upstream", kLong},
+    {138, "Minimum Low-Power Data Rate Downstream", kLong}, {139, "Maximum Interleaving Delay Upstream", kNumber},
+    {140, "Actual Interleaving Delay Upstream", kNumber}, {141, "Maximum Interleaving Delay Downstream", kNumber},
+    {142, "Actual Interleaving Delay Downstream", kNumber}, {144, "Access Loop Encapsulation", kBytes},
+    {145, "ANCP Access Line Type", kNumber}, {254, "IWF Session", kBytes}});
+
+const Choice<Avp>* FindAvp(uint32_t vendor, uint32_t type) {
+  if (vendor == 0) return FindChoice<Avp>(kAvps, type);
+  return vendor == kBroadbandForum ? FindChoice<Avp>(kLineAvps, type) : nullptr;
+}
+
+}  // namespace
+
+const char* L2tpMessageName(uint32_t message) { return LookupName(kMessageNames, message); }
+
+void ShowL2tpAvps(const Place& at, Cursor& c) {
+  constexpr int32_t kHeaderSize = 6;
+  Loop loop;
+  while (Left(c) >= kHeaderSize && MoreAt(at, c, loop)) {
+    const int32_t length = static_cast<int32_t>(PeekU16(c) & kLengthMask);
+    if (length < kHeaderSize) return;
+    Cursor pair = TakeCursor(c, length);
+    const uint32_t vendor = PeekU16(pair, 2), type = PeekU16(pair, 4);
+    const Choice<Avp>* choice = FindAvp(vendor, type);
+    const char* name = choice ? choice->name : vendor ? "Vendor-Specific" : kUnknown;
+    const Place in = Under(at, AddLine(at, Ahead(pair, Left(pair)), "AVP: %s", name));
+    Avp avp = ShowRows(in, pair, kHeader);
+    if (choice) {
+      const Field number = TakeU16(pair);
+      AddLine(in, number, "Attribute Type: %u = %s", number.value, name);
+    } else {
+      ShowRows<Avp>(in, pair, kOtherType, avp);
+    }
+    if (avp.flags.value & kHidden) {
+      const Field hidden = Rest(pair);
+      AppendToParent(in, avp.flags, ", Hidden");
+      if (hidden.here) AddLine(in, hidden, "Hidden Value: %s", HexText(hidden));
+    } else if (Left(pair) > 0) {
+      ShowChoice<Avp>(in, pair, choice, avp);
+    }
+  }
+}
+
+}  // namespace qxview
