@@ -7,6 +7,7 @@
 #include "core/tls_stream.h"
 #include "decoders/app/flow_templates.h"
 #include "decoders/app/http_message.h"
+#include "decoders/app/socks.h"
 #include "decoders/net/window_scales.h"
 #include "decoders/smb/smb_requests.h"
 #include "decoders/tls/tls.h"

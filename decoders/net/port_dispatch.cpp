@@ -4,6 +4,7 @@
 
 #include "core/decoder.h"
 #include "decoders/app/packet_summaries.h"
+#include "decoders/app/proxy_protocol.h"
 #include "decoders/app/stun.h"
 #include "decoders/link/wake_on_lan.h"
 #include "decoders/net/detection.h"
@@ -94,6 +95,7 @@ void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
 // whose a payload is.
 int32_t SortByFirstBytes(int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
   if (ipProtocol != kIpProtocolTcp && LooksLikeMagicPacket(c)) return kMagicPacketProtocol;
+  if (StartsProxyHeader(c)) return kProxyProtocol;
   constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;
   const int32_t index = identifier & kIndex;
   if (identifier > 0 && index == kStunProtocol) return StartsStun(c) ? identifier : kNoProtocol;
