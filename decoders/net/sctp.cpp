@@ -224,7 +224,9 @@ void AddChecksum(const Place& in, const Cursor& packet, Cursor& c) {
   const bool isPartial = network.totalLength > covered;
   uint32_t crc = AddCrc32(kCrc32cTable, 0xFFFFFFFF, packet.at, kHeader - 4);
   crc = AddCrc32(kCrc32cTable, crc, kZeros, 4);
-  crc = ~AddCrc32(kCrc32cTable, crc, packet.at + kHeader, covered - kHeader);
+  Cursor chunks = packet;
+  TakeBytes(chunks, kHeader);
+  crc = ~AddCrc32(kCrc32cTable, crc, chunks.at, Left(chunks));
   const Field checksum = TakeU32(c);
   const uint32_t right = crc >> 24 | (crc >> 8 & 0xFF00) | (crc << 8 & 0xFF0000) | crc << 24;
   const char* verdict = network.fragmented ? "data fragment - not able to check"
