@@ -1,6 +1,8 @@
 // HTTP's bodies: which form a body is shown in, and text in lines.
 #include "decoders/app/http_message.h"
 
+#include "decoders/asn1/x509.h"
+
 namespace qxview {
 namespace {
 
@@ -31,7 +33,11 @@ bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c) 
     AddBlock(in, Rest(c), "Http Image Data");
     flags.image = false;
   } else {
+    Cursor message = c;
     AddBlock(in, Rest(c), "Encoded Http Data");
+    if (flags.ocspRequest) ShowOcspRequest(in, message);
+    if (flags.ocspResponse) ShowOcspResponse(in, message);
+    flags.ocspRequest = flags.ocspResponse = false;
   }
   return false;
 }

@@ -30,6 +30,8 @@ void NoteHeader(HttpFlags& flags, const Field& name, const Field& value) {
   if (Equals(value, "chunked")) flags.chunked = true;
   if (Starts(value, "text")) flags.text = true;
   if (Starts(value, "image")) flags.image = true;
+  if (Equals(value, "application/ocsp-request")) flags.ocspRequest = true;
+  if (Equals(value, "application/ocsp-response")) flags.ocspResponse = true;
 }
 
 LineHandle AddWrapped(const Place& at, const Field& text, const char* label) {

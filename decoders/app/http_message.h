@@ -34,7 +34,7 @@ Field TakeTextLine(Cursor& c);
 
 // What a message's headers say of its body.
 struct HttpFlags {
-  bool chunked, gzip, text, image;
+  bool chunked, gzip, text, image, ocspRequest, ocspResponse;
 };
 
 // Earlier segments of the current frame's connection and direction, the nearest first; when the search found the

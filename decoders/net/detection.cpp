@@ -8,6 +8,7 @@
 #include "decoders/net/learn.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/recognisers.h"
+#include "decoders/tls/tls.h"
 
 namespace qxview {
 namespace {
@@ -53,6 +54,7 @@ constexpr DetectionRow kOverTcp[] = {
     {LooksLikeGiop, GiopIsOn, 0x10500B1},
     {LooksLikeFcip, Always, 0x1010070},
     {LooksLikeBitTorrent, Always, 0x101007E},
+    {StartsTlsHello, Always, 0x101001E},
 };
 
 // The decoder behind the identifier, or, where it has none or declines, a block under the protocol's display name.
@@ -105,7 +107,9 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   DynamicRecord record;
   if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
                                    nullptr, nullptr, &record)) {
-    return 0;
+    if (!LooksLikeDtls(c)) return 0;
+    DecodeRecognised(at, c, kDtlsProtocol);   // as with STUN
+    return 1;
   }
   // Learnt first: the record belongs to the stream whatever its decoder makes of the payload.
   Learn(at.view, QX_OVER_UDP, static_cast<int32_t>(identifier), source, sourcePort, -1, -1, &record);

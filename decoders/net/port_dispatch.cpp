@@ -10,6 +10,7 @@
 #include "decoders/net/detection.h"
 #include "decoders/net/dynamic_udp.h"
 #include "decoders/states.h"
+#include "decoders/tls/tls.h"
 
 namespace qxview {
 namespace {
@@ -91,9 +92,26 @@ void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
   packet.matchedSource = matchedSource ? 1 : 0;
 }
 
+// The protocols whose connections go over to TLS when both ends have agreed on it (STARTTLS and its like).
+bool MayStartTls(int32_t identifier) {
+  constexpr int32_t kLdap = 0x10007, kFtp = 0x1000C, kSmtp = 0x1000E, kPop3 = 0x1000F;
+  constexpr int32_t kImap = 0x10250, kXmpp = 0x10252, kNntp = 0x10254;
+  switch (identifier > 0 ? identifier & (kBuiltinProtocol | 0xFFFF) : 0) {
+    case kLdap:
+    case kFtp:
+    case kSmtp:
+    case kPop3:
+    case kImap:
+    case kXmpp:
+    case kNntp: return true;
+    default: return false;
+  }
+}
+
 // STUN shares ports with the media that it finds a way for (RFC 7983), magic packets go to any port: the first bytes tell
 // whose a payload is.
-int32_t SortByFirstBytes(int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
+int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
+  if (ipProtocol == kIpProtocolTcp && MayStartTls(identifier) && GoesOverToTls(at, c)) return kTlsProtocol;
   if (ipProtocol != kIpProtocolTcp && LooksLikeMagicPacket(c)) return kMagicPacketProtocol;
   if (StartsProxyHeader(c)) return kProxyProtocol;
   constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;
@@ -105,7 +123,7 @@ int32_t SortByFirstBytes(int32_t identifier, const Cursor& c, uint8_t ipProtocol
 
 int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matchedSource, uint8_t ipProtocol) {
   PacketState& packet = PacketOf(at);
-  const int32_t identifier = SortByFirstBytes(defined, c, ipProtocol);
+  const int32_t identifier = SortByFirstBytes(at, defined, c, ipProtocol);
   const char* unnamed = ipProtocol == kIpProtocolTcp ? "TCP Data" : "UDP Data";
   StorePayload(packet, c, matchedSource);
   c.begin = c.offset;

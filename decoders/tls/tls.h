@@ -137,6 +137,6 @@ int32_t TlsRecordSize(const Cursor& c);
 struct TlsUpgrade {
   uint32_t isTls;
 };
-bool IsTlsUpgraded(const Place& at, const Cursor& c);
+bool GoesOverToTls(const Place& at, const Cursor& c);
 
 }  // namespace qxview

@@ -7,7 +7,7 @@
 namespace qxview {
 namespace {
 
-constexpr auto kContext = Rows<TlsMessage>({Counted(1, Bytes(0, "Request Context"))});
+constexpr auto kContext = Rows<TlsMessage>({Counted(1, Digits("Request Context"))});
 constexpr auto kType = Rows<TlsMessage>({Number(1, "Certificate Type", TlsClientCertificateTypeName)});
 constexpr auto kScheme = Rows<TlsMessage>({Hex(2, "Signature Algorithm", TlsSchemeName)});
 constexpr auto kStatusType = Rows<TlsMessage>({

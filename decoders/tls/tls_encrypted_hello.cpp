@@ -10,11 +10,11 @@ constexpr auto kType = Rows<TlsMessage>({
     Number(1, "Client Hello Type", kTypeNames).Note(", %s").Into(&TlsMessage::choice)});
 constexpr auto kOuter = Rows<TlsMessage>({
     Hex(2, "KDF", TlsKdfName), Hex(2, "AEAD", TlsAeadName), Number(1, "Config ID"),
-    Counted(2, Bytes(0, "Encapsulated Key")), Counted(2, Bytes(0, "Encrypted Payload"))});
+    Counted(2, Digits("Encapsulated Key")), Counted(2, Digits("Encrypted Payload"))});
 constexpr auto kConfirmation = Rows<TlsMessage>({Bytes(8, "Confirmation")});
 constexpr auto kVersion = Rows<TlsMessage>({Hex(2, "Config Version").Into(&TlsMessage::version)});
 constexpr auto kKey = Rows<TlsMessage>({
-    Number(1, "Config ID"), Hex(2, "KEM", TlsKemName), Counted(2, Bytes(0, "Public Key"))});
+    Number(1, "Config ID"), Hex(2, "KEM", TlsKemName), Counted(2, Digits("Public Key"))});
 constexpr auto kSuite = Rows<TlsMessage>({Hex(2, "KDF", TlsKdfName), Hex(2, "AEAD", TlsAeadName)});
 constexpr auto kName = Rows<TlsMessage>({Number(1, "Maximum Name Length"), Counted(1, Text(0, "Public Name"))});
 

@@ -30,51 +30,51 @@ constexpr auto kPointFormat = Rows<TlsMessage>({Number(1, "EC Point Format", Tls
 constexpr auto kScheme = Rows<TlsMessage>({Hex(2, "Signature Algorithm", TlsSchemeName)});
 constexpr auto kUserName = Rows<TlsMessage>({Counted(1, Utf8(0, "SRP User Name"))});
 constexpr auto kSrtpProfile = Rows<TlsMessage>({Hex(2, "SRTP Protection Profile", SrtpProfileName)});
-constexpr auto kSrtpMki = Rows<TlsMessage>({Counted(1, Bytes(0, "MKI"))});
+constexpr auto kSrtpMki = Rows<TlsMessage>({Counted(1, Digits("MKI"))});
 constexpr auto kHeartbeat = Rows<TlsMessage>({Number(1, "Heartbeat Mode", kHeartbeatModes)});
 constexpr auto kProtocol = Rows<TlsMessage>({
     Counted(1, Text(0, "ALPN Protocol")).Note(", %s").Into(&TlsMessage::choice)});
 constexpr auto kNextProtocol = Rows<TlsMessage>({Counted(1, Text(0, "Next Protocol"))});
 constexpr auto kSettingsProtocol = Rows<TlsMessage>({Counted(1, Text(0, "Supported Protocol"))});
 constexpr auto kCertificateType = Rows<TlsMessage>({Number(1, "Certificate Type", TlsCertificateTypeName)});
-constexpr auto kPadding = Rows<TlsMessage>({Bytes(0, "Padding Data")});
+constexpr auto kPadding = Rows<TlsMessage>({Digits("Padding Data")});
 constexpr auto kTokenVersion = Rows<TlsMessage>({Number(1, "Token Binding Major Version"), Number(1, "Minor Version")});
 constexpr auto kTokenParameter = Rows<TlsMessage>({Number(1, "Key Parameters", kTokenParameters)});
 constexpr auto kCompression = Rows<TlsMessage>({Number(2, "Compression Algorithm", TlsCertificateCompressionName)});
 constexpr auto kSizeLimit = Rows<TlsMessage>({Number(2, "Record Size Limit")});
-constexpr auto kTicket = Rows<TlsMessage>({Bytes(0, "Session Ticket")});
+constexpr auto kTicket = Rows<TlsMessage>({Digits("Session Ticket")});
 constexpr auto kVersionOffered = Rows<TlsMessage>({Hex(2, "Supported Version", TlsVersionName)});
 constexpr auto kVersionChosen = Rows<TlsMessage>({Hex(2, "Supported Version", TlsVersionName).Note(", %s")});
-constexpr auto kCookie = Rows<TlsMessage>({Counted(2, Bytes(0, "Cookie"))});
+constexpr auto kCookie = Rows<TlsMessage>({Counted(2, Digits("Cookie"))});
 constexpr auto kPskMode = Rows<TlsMessage>({Number(1, "PSK Key Exchange Mode", TlsPskModeName)});
 constexpr auto kEntry = Rows<TlsMessage>({
-    Hex(2, "Group", TlsGroupName).Into(&TlsMessage::choice), Counted(2, Bytes(0, "Key Exchange"))});
+    Hex(2, "Group", TlsGroupName).Into(&TlsMessage::choice), Counted(2, Digits("Key Exchange"))});
 constexpr auto kGroupChosen = Rows<TlsMessage>({Hex(2, "Selected Group", TlsGroupName).Note(", %s")});
-constexpr auto kIdentity = Rows<TlsMessage>({Counted(2, Bytes(0, "Identity")), Number(4, "Obfuscated Ticket Age")});
-constexpr auto kBinder = Rows<TlsMessage>({Counted(1, Bytes(0, "PSK Binder"))});
+constexpr auto kIdentity = Rows<TlsMessage>({Counted(2, Digits("Identity")), Number(4, "Obfuscated Ticket Age")});
+constexpr auto kBinder = Rows<TlsMessage>({Counted(1, Digits("PSK Binder"))});
 constexpr auto kSelectedIdentity = Rows<TlsMessage>({Number(2, "Selected Identity")});
 constexpr auto kEarlyDataSize = Rows<TlsMessage>({Number(4, "Maximum Early Data Size")});
 constexpr auto kConnectionId = Rows<TlsMessage>({Counted(1, Bytes(0, "Connection ID")).Into(&TlsMessage::choice)});
-constexpr auto kIdHash = Rows<TlsMessage>({Counted(1, Bytes(0, "External ID Hash"))});
-constexpr auto kExternalSession = Rows<TlsMessage>({Counted(1, Bytes(0, "External Session ID"))});
+constexpr auto kIdHash = Rows<TlsMessage>({Counted(1, Digits("External ID Hash"))});
+constexpr auto kExternalSession = Rows<TlsMessage>({Counted(1, Digits("External Session ID"))});
 constexpr auto kTicketsWanted = Rows<TlsMessage>({Number(1, "New Session Count"), Number(1, "Resumption Count")});
 constexpr auto kTicketsExpected = Rows<TlsMessage>({Number(1, "Expected Count")});
 constexpr auto kPort = Rows<TlsMessage>({Number(2, "Port")});
-constexpr auto kChain = Rows<TlsMessage>({Number(2, "Extension Support Lifetime"), Bytes(0, "Authentication Chain")});
-constexpr auto kFlags = Rows<TlsMessage>({Counted(1, Bytes(0, "Flags"))});
-constexpr auto kRenegotiated = Rows<TlsMessage>({Counted(1, Bytes(0, "Renegotiation Info"))});
-constexpr auto kPassword = Rows<TlsMessage>({Counted(1, Bytes(0, "Password Name"))});
-constexpr auto kSalt = Rows<TlsMessage>({Counted(2, Bytes(0, "Password Salt"))});
+constexpr auto kChain = Rows<TlsMessage>({Number(2, "Extension Support Lifetime"), Digits("Authentication Chain")});
+constexpr auto kFlags = Rows<TlsMessage>({Counted(1, Digits("Flags"))});
+constexpr auto kRenegotiated = Rows<TlsMessage>({Counted(1, Digits("Renegotiation Info"))});
+constexpr auto kPassword = Rows<TlsMessage>({Counted(1, Digits("Password Name"))});
+constexpr auto kSalt = Rows<TlsMessage>({Counted(2, Digits("Password Salt"))});
 constexpr auto kMapping = Rows<TlsMessage>({Number(1, "User Mapping Type", kMappingTypes)});
 constexpr auto kAuthorization = Rows<TlsMessage>({Number(1, "Authorization Format", kAuthorizationFormats)});
 constexpr auto kCached = Rows<TlsMessage>({
-    Number(1, "Cached Information Type", kCachedTypes), Counted(1, Bytes(0, "Hash Value"))});
+    Number(1, "Cached Information Type", kCachedTypes), Counted(1, Digits("Hash Value"))});
 constexpr auto kCachedType = Rows<TlsMessage>({Number(1, "Cached Information Type", kCachedTypes)});
 constexpr auto kStatusType = Rows<TlsMessage>({
     Number(1, "Status Type", TlsStatusTypeName).Into(&TlsMessage::choice)});
 constexpr auto kRequestLength = Rows<TlsMessage>({Number(2, "Request Length")});
-constexpr auto kResponderId = Rows<TlsMessage>({Counted(2, Bytes(0, "Responder ID"))});
-constexpr auto kRequestExtensions = Rows<TlsMessage>({Counted(2, Bytes(0, "Request Extensions"))});
+constexpr auto kResponderId = Rows<TlsMessage>({Counted(2, Digits("Responder ID"))});
+constexpr auto kRequestExtensions = Rows<TlsMessage>({Counted(2, Digits("Request Extensions"))});
 constexpr auto kAuthorityType = Rows<TlsMessage>({
     Number(1, "Identifier Type", kAuthorityTypes).Into(&TlsMessage::choice)});
 constexpr auto kAuthorityHash = Rows<TlsMessage>({Bytes(20, "SHA-1 Hash")});
@@ -82,9 +82,9 @@ constexpr auto kCredential = Rows<TlsMessage>({
     Number(4, "Valid Time", " seconds"), Hex(2, "Certificate Verify Algorithm", TlsSchemeName)});
 constexpr auto kOuterExtension = Rows<TlsMessage>({Number(2, "Outer Extension", TlsExtensionName)});
 constexpr auto kEncryptedName = Rows<TlsMessage>({
-    Hex(2, "Cipher Suite", TlsSuiteName), Hex(2, "Group", TlsGroupName), Counted(2, Bytes(0, "Key Exchange")),
-    Counted(2, Bytes(0, "Record Digest")), Counted(2, Bytes(0, "Encrypted Server Name"))});
-constexpr auto kOther = Rows<TlsMessage>({Bytes(0, "Extension Data")});
+    Hex(2, "Cipher Suite", TlsSuiteName), Hex(2, "Group", TlsGroupName), Counted(2, Digits("Key Exchange")),
+    Counted(2, Digits("Record Digest")), Counted(2, Digits("Encrypted Server Name"))});
+constexpr auto kOther = Rows<TlsMessage>({Digits("Extension Data")});
 
 void ShowServerNames(const Place& in, Cursor& c, TlsMessage& message) {
   if (Left(c) < 1) return;   // a server's answer
@@ -261,7 +261,7 @@ void ShowTrustedAuthorities(const Place& in, Cursor& c, TlsMessage& message) {
 
 void ShowOidFilters(const Place& in, Cursor& c, TlsMessage& message) {
   constexpr auto kFilter = Rows<TlsMessage>({
-      Counted(1, Bytes(0, "Certificate Extension OID")), Counted(2, Bytes(0, "Certificate Extension Values"))});
+      Counted(1, Digits("Certificate Extension OID")), Counted(2, Digits("Certificate Extension Values"))});
   ShowTlsList<TlsMessage>(in, c, 2, "OID Filters", kFilter, message);
 }
 void ShowTimestamps(const Place& in, Cursor& c, TlsMessage&) {

@@ -10,20 +10,20 @@ constexpr auto kUsageNames = SortedNames({{0, "cid_immediate"}, {1, "cid_spare"}
 constexpr auto kChainNames = SortedNames({{0, "individual_certs"}, {1, "pkipath"}});
 
 constexpr auto kVerifyRequest = Rows<TlsMessage>({
-    Hex(2, "Version", TlsVersionName), Counted(1, Bytes(0, "Cookie"))});
-constexpr auto kTicket = Rows<TlsMessage>({Number(4, "Ticket Lifetime", " seconds"), Counted(2, Bytes(0, "Ticket"))});
+    Hex(2, "Version", TlsVersionName), Counted(1, Digits("Cookie"))});
+constexpr auto kTicket = Rows<TlsMessage>({Number(4, "Ticket Lifetime", " seconds"), Counted(2, Digits("Ticket"))});
 constexpr auto kTicket13 = Rows<TlsMessage>({
-    Number(4, "Ticket Lifetime", " seconds"), Number(4, "Ticket Age Add"), Counted(1, Bytes(0, "Ticket Nonce")),
-    Counted(2, Bytes(0, "Ticket"))});
-constexpr auto kVerifyData = Rows<TlsMessage>({Bytes(0, "Verify Data")});
-constexpr auto kHash = Rows<TlsMessage>({Bytes(0, "Hash")});
+    Number(4, "Ticket Lifetime", " seconds"), Number(4, "Ticket Age Add"), Counted(1, Digits("Ticket Nonce")),
+    Counted(2, Digits("Ticket"))});
+constexpr auto kVerifyData = Rows<TlsMessage>({Digits("Verify Data")});
+constexpr auto kHash = Rows<TlsMessage>({Digits("Hash")});
 constexpr auto kUpdate = Rows<TlsMessage>({Number(1, "Key Update Request", kUpdateNames)});
 constexpr auto kCompressed = Rows<TlsMessage>({
     Number(2, "Compression Algorithm", TlsCertificateCompressionName), Number(3, "Uncompressed Length"),
-    Counted(3, Bytes(0, "Compressed Certificate"))});
-constexpr auto kNext = Rows<TlsMessage>({Counted(1, Text(0, "Selected Protocol")), Counted(1, Bytes(0, "Padding"))});
+    Counted(3, Digits("Compressed Certificate"))});
+constexpr auto kNext = Rows<TlsMessage>({Counted(1, Text(0, "Selected Protocol")), Counted(1, Digits("Padding"))});
 constexpr auto kRequestIds = Rows<TlsMessage>({Number(1, "Connection IDs Wanted")});
-constexpr auto kNewId = Rows<TlsMessage>({Counted(1, Bytes(0, "Connection ID"))});
+constexpr auto kNewId = Rows<TlsMessage>({Counted(1, Digits("Connection ID"))});
 constexpr auto kUsage = Rows<TlsMessage>({Number(1, "Usage", kUsageNames)});
 constexpr auto kChain = Rows<TlsMessage>({Number(1, "Chain Type", kChainNames)});
 constexpr auto kUrl = Rows<TlsMessage>({Counted(2, Text(0, "URL")), Number(1, "Padding"), Bytes(20, "SHA-1 Hash")});
@@ -132,6 +132,10 @@ bool ShowMessage(const Place& in, Cursor& c, TlsHandshake& handshake) {
 }
 
 }  // namespace
+
+void ShowDigits(const Place& in, const Field& field, const char* label) {
+  if (field.length > 0) AddLine(in, field, "%s: %s", label, HexDigits(field));
+}
 
 Cursor TakeTlsList(const Place& in, Cursor& c, int32_t countSize, const char* title, Place* under) {
   const Field length = TakeSize(c, countSize);

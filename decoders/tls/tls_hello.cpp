@@ -18,8 +18,8 @@ constexpr uint8_t kDowngradeTo12[8] = {'D', 'O', 'W', 'N', 'G', 'R', 'D', 1};
 constexpr uint8_t kDowngradeTo11[8] = {'D', 'O', 'W', 'N', 'G', 'R', 'D', 0};
 
 constexpr auto kVersion = Rows<TlsMessage>({Hex(2, "Version", TlsVersionName).Into(&TlsMessage::version)});
-constexpr auto kSession = Rows<TlsMessage>({Counted(1, Bytes(0, "Session ID"))});
-constexpr auto kCookie = Rows<TlsMessage>({Counted(1, Bytes(0, "Cookie"))});
+constexpr auto kSession = Rows<TlsMessage>({Counted(1, Digits("Session ID"))});
+constexpr auto kCookie = Rows<TlsMessage>({Counted(1, Digits("Cookie"))});
 constexpr auto kSuite = Rows<TlsMessage>({Hex(2, "Cipher Suite", TlsSuiteName)});
 constexpr auto kCompression = Rows<TlsMessage>({Number(1, "Compression Method", TlsCompressionName)});
 constexpr auto kChosenSuite = Rows<TlsMessage>({Hex(2, "Cipher Suite", TlsSuiteName).Into(&TlsMessage::suite)});

@@ -13,27 +13,27 @@ constexpr auto kCurveType = Rows<TlsMessage>({
     Number(1, "Curve Type", TlsCurveTypeName).Into(&TlsMessage::choice)});
 constexpr auto kNamed = Rows<TlsMessage>({Hex(2, "Named Curve", TlsGroupName).Note(", %s")});
 constexpr auto kPrime = Rows<TlsMessage>({
-    Counted(1, Bytes(0, "Prime")), Counted(1, Bytes(0, "Curve Coefficient A")),
-    Counted(1, Bytes(0, "Curve Coefficient B")), Counted(1, Bytes(0, "Base Point")), Counted(1, Bytes(0, "Order")),
-    Counted(1, Bytes(0, "Cofactor"))});
-constexpr auto kPoint = Rows<TlsMessage>({Counted(1, Bytes(0, "Public Key"))});
+    Counted(1, Digits("Prime")), Counted(1, Digits("Curve Coefficient A")),
+    Counted(1, Digits("Curve Coefficient B")), Counted(1, Digits("Base Point")), Counted(1, Digits("Order")),
+    Counted(1, Digits("Cofactor"))});
+constexpr auto kPoint = Rows<TlsMessage>({Counted(1, Digits("Public Key"))});
 constexpr auto kDh = Rows<TlsMessage>({
-    Counted(2, Bytes(0, "DH Prime (p)")), Counted(2, Bytes(0, "DH Generator (g)")), Counted(2, Bytes(0, "Public Key"))});
-constexpr auto kRsa = Rows<TlsMessage>({Counted(2, Bytes(0, "RSA Modulus")), Counted(2, Bytes(0, "RSA Exponent"))});
+    Counted(2, Digits("DH Prime (p)")), Counted(2, Digits("DH Generator (g)")), Counted(2, Digits("Public Key"))});
+constexpr auto kRsa = Rows<TlsMessage>({Counted(2, Digits("RSA Modulus")), Counted(2, Digits("RSA Exponent"))});
 constexpr auto kSrp = Rows<TlsMessage>({
-    Counted(2, Bytes(0, "SRP Modulus (N)")), Counted(2, Bytes(0, "SRP Generator (g)")), Counted(1, Bytes(0, "SRP Salt")),
-    Counted(2, Bytes(0, "SRP Public Key (B)"))});
-constexpr auto kSrpClient = Rows<TlsMessage>({Counted(2, Bytes(0, "SRP Public Key (A)"))});
+    Counted(2, Digits("SRP Modulus (N)")), Counted(2, Digits("SRP Generator (g)")), Counted(1, Digits("SRP Salt")),
+    Counted(2, Digits("SRP Public Key (B)"))});
+constexpr auto kSrpClient = Rows<TlsMessage>({Counted(2, Digits("SRP Public Key (A)"))});
 constexpr auto kHint = Rows<TlsMessage>({Counted(2, Utf8(0, "PSK Identity Hint"))});
 constexpr auto kIdentity = Rows<TlsMessage>({Counted(2, Utf8(0, "PSK Identity"))});
-constexpr auto kDhClient = Rows<TlsMessage>({Counted(2, Bytes(0, "Public Key"))});
-constexpr auto kSecret = Rows<TlsMessage>({Counted(2, Bytes(0, "Encrypted Premaster Secret"))});
-constexpr auto kBareSecret = Rows<TlsMessage>({Bytes(0, "Encrypted Premaster Secret")});
+constexpr auto kDhClient = Rows<TlsMessage>({Counted(2, Digits("Public Key"))});
+constexpr auto kSecret = Rows<TlsMessage>({Counted(2, Digits("Encrypted Premaster Secret"))});
+constexpr auto kBareSecret = Rows<TlsMessage>({Digits("Encrypted Premaster Secret")});
 constexpr auto kKerberos = Rows<TlsMessage>({
-    Counted(2, Bytes(0, "Kerberos Ticket")), Counted(2, Bytes(0, "Authenticator")),
-    Counted(2, Bytes(0, "Encrypted Premaster Secret"))});
+    Counted(2, Digits("Kerberos Ticket")), Counted(2, Digits("Authenticator")),
+    Counted(2, Digits("Encrypted Premaster Secret"))});
 constexpr auto kScheme = Rows<TlsMessage>({Hex(2, "Signature Algorithm", TlsSchemeName)});
-constexpr auto kSignature = Rows<TlsMessage>({Counted(2, Bytes(0, "Signature"))});
+constexpr auto kSignature = Rows<TlsMessage>({Counted(2, Digits("Signature"))});
 
 enum class Exchange { kUnknown, kRsa, kRsaExport, kDh, kEcdh, kSrp, kKerberos, kPskAlone };
 struct KeyExchange {

@@ -254,6 +254,23 @@ void PassTls(const Place& at, const Cursor& c) {
   ShowTlsUnder(nowhere, passed);
 }
 
+bool StartsTlsHello(const Cursor& c) {
+  constexpr uint32_t kLeastHello = 38, kMostHello = 1 << 17;   // version, random, lengths; of certificates' sizes
+  if (!StartsTlsRecord(c) || PeekU8(c) != kTlsHandshakeType || Left(c) < 11) return false;
+  const uint32_t type = PeekU8(c, 5), length = PeekU24(c, 6), version = PeekU16(c, 9);
+  return (type == kClientHello || type == kServerHello) && length >= kLeastHello && length < kMostHello &&
+         PeekU16(c, 3) >= 4 && ((version >= kSsl3 && version <= kTls13) || (version >= 0x7F00 && version <= 0x7F1C));
+}
+
+bool GoesOverToTls(const Place& at, const Cursor& c) {
+  int32_t end;
+  const ConnectionKey key = ConnectionOf(PacketOf(at), &end);
+  if (Recall(at.view, kTlsUpgrades, key)) return true;
+  if (!StartsTlsHello(c)) return false;
+  if (!PacketOf(at).quoted) Remember(at.view, kTlsUpgrades, key, TlsUpgrade{1});
+  return true;
+}
+
 int32_t DecodeTls(const Place& at, Cursor c) {
   TlsSession session = BeginTls(at);
   if (!StartsTlsRecord(c) && !StartsSsl2Hello(c) && !GoesOn(StartOf(at, c, session))) return 0;
