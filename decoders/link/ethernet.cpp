@@ -93,6 +93,7 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
   AddCaptureLines(in);
+  DecodeRedundancyTrailer(at, c);
   if (!DecodeMacHeader(at, c)) AddRawRest(at, c, "Raw Data");
   return 1;
 }

@@ -53,9 +53,13 @@ const char* SubtypeName(const FrameControl& control) {
   return LookupName(kSubtypes, control.type << 4 | control.subtype, "Reserved");
 }
 
-FrameControl ControlOf(const Cursor& c) {
+// Some access points hand frames on with the two bytes of the frame and sequence controls in the other order.
+enum class ByteSwap { kNone, kControl };
+
+FrameControl ControlOf(const Cursor& c, ByteSwap swap = ByteSwap::kNone) {
   if (Left(c) < 2) return {kExtension, 0x0F, 0};
-  const uint32_t first = PeekU8(c), flags = PeekU8(c, 1);
+  const int32_t at = swap == ByteSwap::kControl ? 1 : 0;
+  const uint32_t first = PeekU8(c, at), flags = PeekU8(c, 1 - at);
   return {first >> 2 & 3, first >> 4, flags};
 }
 
@@ -64,17 +68,22 @@ constexpr auto kFlagRows = Rows<NoValues>({
     Bits(3, 1, "Power Management"), Bits(4, 1, "Retry"), Bits(5, 1, "More Fragments"), Bits(6, 1, "From DS"),
     Bits(7, 1, "To DS")});
 
-void AddFrameControl(const Place& in, Cursor& c) {
-  const FrameControl control = ControlOf(c);
+void AddFrameControl(const Place& in, Cursor& c, ByteSwap swap) {
+  const FrameControl control = ControlOf(c, swap);
+  const bool isSwapped = swap == ByteSwap::kControl;
   const Field both = Ahead(c, 2);
-  const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s", PeekLittleU16(c),
-                                       SubtypeName(control)));
+  const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s%s", isSwapped ? PeekU16(c) : PeekLittleU16(c),
+                                       SubtypeName(control), isSwapped ? " (bytes swapped)" : ""));
+  Cursor flags = c;
+  if (isSwapped) TakeU8(c);
   const Field first = TakeU8(c);
+  if (!isSwapped) flags = c;
   const BitPicture subtype = BitsOf(first, 0, 4), type = BitsOf(first, 4, 2), version = BitsOf(first, 6, 2);
   AddBitLine(bits, first, "%s: Subtype = %u (%s)", subtype.picture, subtype.value, SubtypeName(control));
   AddBitLine(bits, first, "%s: Type = %u (%s)", type.picture, type.value, LookupName(kTypes, type.value));
   AddBitLine(bits, first, "%s: Protocol Version = %u", version.picture, version.value);
-  ShowRows(bits, c, kFlagRows);
+  ShowRows(bits, flags, kFlagRows);
+  if (!isSwapped) c = flags;
 }
 
 void AddDuration(const Place& in, Cursor& c, bool isAssociation) {
@@ -108,13 +117,15 @@ struct DataHeader {
 constexpr auto kSequence = Rows<DataHeader>({
     Hex(2, "Sequence Control").Little(), Bits(0, 12, "Sequence Number"),
     Bits(12, 4, "Fragment Number").Into(&DataHeader::fragment)});
+constexpr auto kSwappedSequence = Rows<DataHeader>({
+    Hex(2, "Sequence Control"), Bits(0, 12, "Sequence Number"), Bits(12, 4, "Fragment Number").Into(&DataHeader::fragment)});
 constexpr auto kQosRows = Rows<DataHeader>({
     Hex(2, "QoS Control").Little().Into(&DataHeader::qos), Bits(0, 8, "TXOP or Queue Size"), Flag(8, "A-MSDU Present"),
     Bits(9, 2, "Ack Policy", kAckPolicies).Told("%s: Ack Policy = %s"), Bits(11, 1, "End of Service Period"),
     Bits(12, 4, "Traffic Identifier")});
 
-void AddSequence(const Place& in, Cursor& c, uint32_t* fragment) {
-  *fragment = ShowRows(in, c, kSequence).fragment.value;
+void AddSequence(const Place& in, Cursor& c, uint32_t* fragment, ByteSwap swap) {
+  *fragment = (swap == ByteSwap::kNone ? ShowRows(in, c, kSequence) : ShowRows(in, c, kSwappedSequence)).fragment.value;
 }
 
 uint32_t AddQosControl(const Place& in, Cursor& c) { return ShowRows(in, c, kQosRows).qos.value; }
@@ -124,13 +135,13 @@ void AddHtControl(const Place& in, Cursor& c) {
   AddLine(in, control, "HT Control: 0x%.08X", control.value);
 }
 
-WirelessHeader AddDataHeader(const Place& in, Cursor& c, const FrameControl& control) {
+WirelessHeader AddDataHeader(const Place& in, Cursor& c, const FrameControl& control, ByteSwap swap) {
   WirelessHeader header{};
   // Management frames have three addresses whatever their flags say.
   const AddressNames& names = kAddressNames[control.type == kData ? control.flags & (kToDs | kFromDs) : 0];
   AddDuration(in, c, false);
   for (int32_t i = 0; i < 3; ++i) AddAddress(in, TakeBytes(c, kMacAddressLength), names.names[i]);
-  AddSequence(in, c, &header.fragment);
+  AddSequence(in, c, &header.fragment, swap);
   if (names.names[3]) AddAddress(in, TakeBytes(c, kMacAddressLength), names.names[3]);
   const bool qos = control.type == kData && (control.subtype & kQos);
   if (qos) header.qos = AddQosControl(in, c);
@@ -217,14 +228,12 @@ void SkipHeaderPadding(const Place& in, Cursor& c) {
   AddLine(in, pad, "Header Padding: %s", HexText(pad));
 }
 
-}  // namespace
-
-int32_t DecodeWirelessHeader(const Place& at, Cursor c) {
+int32_t DecodeHeader(const Place& at, Cursor c, ByteSwap swap) {
   const KeyedAs keys(PacketOf(at), "wlan");
   if (Left(c) < 2) return 0;
-  const FrameControl control = ControlOf(c);
+  const FrameControl control = ControlOf(c, swap);
   const Place in = Under(at, AddLine(at, Ahead(c, 2), "802.11 Header:  %s", SubtypeName(control)));
-  AddFrameControl(in, c);
+  AddFrameControl(in, c, swap);
   if (control.type == kControl) {
     AddControlHeader(in, c, control);
     CoverBytes(in, c);
@@ -235,7 +244,7 @@ int32_t DecodeWirelessHeader(const Place& at, Cursor c) {
     AddBlock(in, Rest(c), "Extension Frame Body");
     return 1;
   }
-  const WirelessHeader header = AddDataHeader(in, c, control);
+  const WirelessHeader header = AddDataHeader(in, c, control, swap);
   if (control.type == kData) SkipHeaderPadding(in, c);
   CoverBytes(in, c);
   if (!header.whole) return 1;
@@ -246,6 +255,11 @@ int32_t DecodeWirelessHeader(const Place& at, Cursor c) {
   }
   return 1;
 }
+
+}  // namespace
+
+int32_t DecodeWirelessHeader(const Place& at, Cursor c) { return DecodeHeader(at, c, ByteSwap::kNone); }
+int32_t DecodeSwappedWirelessHeader(const Place& at, Cursor c) { return DecodeHeader(at, c, ByteSwap::kControl); }
 
 int32_t DecodeWirelessFrame(const Place& at, Cursor c) {
   if (OfferWirelessFrame(at, c)) return 1;
