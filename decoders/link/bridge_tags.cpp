@@ -14,7 +14,8 @@ struct Tag {
 };
 
 constexpr auto kServiceTag = Rows<Tag>({
-    Word(4), Bits(0, 3, "Priority"), Flag(3, "Drop Eligible"), Flag(4, "Use Customer Addresses"), Bits(5, 1, "Reserved 1"),
+    Word(4), Bits(0, 3, "Priority"), Flag(3, "Drop Eligible"), Flag(4, "Use Customer Addresses"), Bits(5, 1,
+    "Reserved 1"),
     Bits(6, 2, "Reserved 2"), Bits(8, 24, "Service Instance (I-SID)").Note(", Service %u")});
 constexpr auto kExtenderTag = Rows<Tag>({
     Word(2), Bits(0, 3, "Priority"), Flag(3, "Drop Eligible"), Bits(4, 12, "Ingress E-CID Base"), Word(2),
@@ -22,16 +23,19 @@ constexpr auto kExtenderTag = Rows<Tag>({
     Number(1, "Ingress E-CID Extension"), Number(1, "E-CID Extension")});
 constexpr auto kTrill = Rows<Tag>({
     Word(2), Bits(0, 2, "Version"), Bits(2, 2, "Reserved"), Flag(4, "Multi-Destination"),
-    Bits(5, 5, "Option Length", " words").Into(&Tag::words), Bits(10, 6, "Hop Count"), Hex(2, "Egress RBridge Nickname"),
+    Bits(5, 5, "Option Length", " words").Into(&Tag::words), Bits(10, 6, "Hop Count"), Hex(2,
+    "Egress RBridge Nickname"),
     Hex(2, "Ingress RBridge Nickname")});
-constexpr auto kFabric = Rows<Tag>({Word(2), Bits(0, 10, "Forwarding Tag (FTag)").Note(", FTag %u"), Bits(10, 6, "Time to Live")});
+constexpr auto kFabric = Rows<Tag>({Word(2), Bits(0, 10, "Forwarding Tag (FTag)").Note(", FTag %u"), Bits(10, 6,
+    "Time to Live")});
 
 constexpr auto kPathNames = SortedNames({
     {0, "PRP Supervision"}, {2, "HSR Ring A, Network 1"}, {3, "HSR Ring B, Network 1"}, {10, "LAN A"}, {11, "LAN B"}});
 constexpr auto kRedundancy = Rows<Tag>({
     Word(2), Bits(0, 4, "Path"), Bits(4, 12, "LSDU Size"), Number(2, "Sequence Number").Note(", Sequence %u")});
 constexpr auto kSupervision = Rows<Tag>({
-    Word(2), Bits(0, 4, "Path", kPathNames), Bits(4, 12, "Version"), Number(2, "Supervision Sequence Number").Note(", Sequence %u")});
+    Word(2), Bits(0, 4, "Path", kPathNames), Bits(4, 12, "Version"), Number(2,
+    "Supervision Sequence Number").Note(", Sequence %u")});
 constexpr auto kNode = Rows<Tag>({Mac("Source MAC Address").Note(": %s")});
 constexpr auto kNodeB = Rows<Tag>({Mac("Source MAC Address B")});
 constexpr auto kRedBox = Rows<Tag>({Mac("RedBox MAC Address").Note(": %s")});
@@ -41,14 +45,17 @@ void ShowSecond(const Place& in, Cursor& c, Tag& tag) {
 }
 constexpr ElementForm kForm{.endType = 0};
 constexpr auto kNodes = Choices<Tag>({
-    {0, "End"}, {20, "PRP Node, Duplicate Discard", kNode, ShowSecond}, {21, "PRP Node, Duplicate Accept", kNode, ShowSecond},
+    {0, "End"}, {20, "PRP Node, Duplicate Discard", kNode, ShowSecond}, {21, "PRP Node, Duplicate Accept", kNode,
+    ShowSecond},
     {22, "Reserved"}, {23, "HSR Node", kNode}, {30, "RedBox", kRedBox}, {31, "VDAN", kProxied}});
 constexpr auto kTrailer = Rows<Tag>({
-    Number(2, "Sequence Number").Note(", Sequence %u"), Word(2), Bits(0, 4, "LAN", kPathNames), Bits(4, 12, "LSDU Size"),
+    Number(2, "Sequence Number").Note(", Sequence %u"), Word(2), Bits(0, 4, "LAN", kPathNames), Bits(4, 12,
+    "LSDU Size"),
     Hex(2, "Suffix")});
 
 constexpr auto kMetaData = Rows<Tag>({
-    Number(1, "Version"), Number(1, "Length").Into(&Tag::words), Word(2), Bits(0, 4, "Option Length"), Bits(4, 12, "Option Type"),
+    Number(1, "Version"), Number(1, "Length").Into(&Tag::words), Word(2), Bits(0, 4, "Option Length"), Bits(4, 12,
+    "Option Type"),
     Number(2, "Security Group Tag").Note(", Group %u")});
 
 constexpr auto kStampNames = SortedNames({
@@ -138,7 +145,8 @@ int32_t DecodeSwitchTimestamp(const Place& at, Cursor c) {
   const bool isShort = PeekU16(c, 2) & kShortMask;
   const int32_t size = isShort ? 12 : 14;
   if (Left(c) < size || PeekU16(c) != 1) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, size), "Arista Timestamp: %s", LookupName(kStampNames, PeekU16(c, 2))));
+  const Place in = Under(at, AddLine(at, Ahead(c, size), "Arista Timestamp: %s", LookupName(kStampNames, PeekU16(c,
+      2))));
   Tag tag = ShowRows(in, c, kStamp);
   ShowRows<Tag>(in, c, isShort ? RowSpan<Tag>(kStamp48) : RowSpan<Tag>(kStamp64), tag);
   return DecodeEthernetHeader(in, c);

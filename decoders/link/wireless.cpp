@@ -72,7 +72,8 @@ void AddFrameControl(const Place& in, Cursor& c, ByteSwap swap) {
   const FrameControl control = ControlOf(c, swap);
   const bool isSwapped = swap == ByteSwap::kControl;
   const Field both = Ahead(c, 2);
-  const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s%s", isSwapped ? PeekU16(c) : PeekLittleU16(c),
+  const Place bits = Under(in, AddLine(in, both, "Frame Control: 0x%.04X = %s%s",
+      isSwapped ? PeekU16(c) : PeekLittleU16(c),
                                        SubtypeName(control), isSwapped ? " (bytes swapped)" : ""));
   Cursor flags = c;
   if (isSwapped) TakeU8(c);
@@ -118,7 +119,8 @@ constexpr auto kSequence = Rows<DataHeader>({
     Hex(2, "Sequence Control").Little(), Bits(0, 12, "Sequence Number"),
     Bits(12, 4, "Fragment Number").Into(&DataHeader::fragment)});
 constexpr auto kSwappedSequence = Rows<DataHeader>({
-    Hex(2, "Sequence Control"), Bits(0, 12, "Sequence Number"), Bits(12, 4, "Fragment Number").Into(&DataHeader::fragment)});
+    Hex(2, "Sequence Control"), Bits(0, 12, "Sequence Number"), Bits(12, 4,
+    "Fragment Number").Into(&DataHeader::fragment)});
 constexpr auto kQosRows = Rows<DataHeader>({
     Hex(2, "QoS Control").Little().Into(&DataHeader::qos), Bits(0, 8, "TXOP or Queue Size"), Flag(8, "A-MSDU Present"),
     Bits(9, 2, "Ack Policy", kAckPolicies).Told("%s: Ack Policy = %s"), Bits(11, 1, "End of Service Period"),

@@ -11,7 +11,8 @@ constexpr auto kMessageNames = SortedNames({
     {1, "Discovery Request"}, {2, "Discovery Response"}, {3, "Join Request"}, {4, "Join Response"},
     {5, "Configuration Status Request"}, {6, "Configuration Status Response"}, {7, "Configuration Update Request"},
     {8, "Configuration Update Response"}, {9, "WTP Event Request"}, {10, "WTP Event Response"},
-    {11, "Change State Event Request"}, {12, "Change State Event Response"}, {13, "Echo Request"}, {14, "Echo Response"},
+    {11, "Change State Event Request"}, {12, "Change State Event Response"}, {13, "Echo Request"}, {14,
+    "Echo Response"},
     {15, "Image Data Request"}, {16, "Image Data Response"}, {17, "Reset Request"}, {18, "Reset Response"},
     {19, "Primary Discovery Request"}, {20, "Primary Discovery Response"}, {21, "Data Transfer Request"},
     {22, "Data Transfer Response"}, {23, "Clear Configuration Request"}, {24, "Clear Configuration Response"},
@@ -36,7 +37,8 @@ constexpr auto kResultNames = SortedNames({
     {20, "Failure, Missing Mandatory Message Element"}, {21, "Failure, Unrecognized Message Element"},
     {22, "Data Transfer Error, No Information to Transfer"}});
 constexpr auto kBoardNames = SortedNames({
-    {0, "WTP Model Number"}, {1, "WTP Serial Number"}, {2, "Board ID"}, {3, "Board Revision"}, {4, "Base MAC Address"}});
+    {0, "WTP Model Number"}, {1, "WTP Serial Number"}, {2, "Board ID"}, {3, "Board Revision"}, {4,
+    "Base MAC Address"}});
 constexpr auto kDescriptorNames = SortedNames({
     {0, "Hardware Version"}, {1, "Active Software Version"}, {2, "Boot Version"}, {3, "Other Software Version"}});
 constexpr auto kInformationNames = SortedNames({{4, "Hardware Version"}, {5, "Software Version"}});
@@ -53,7 +55,8 @@ constexpr auto kDataTypeNames = SortedNames({
 constexpr auto kTunnelNames = SortedNames({{0, "Local Bridging"}, {1, "802.3 Tunnel"}, {2, "802.11 Tunnel"}});
 constexpr auto kAuthenticationNames = SortedNames({{0, "Open System"}, {1, "WEP Shared Key"}});
 constexpr auto kDiversityNames = SortedNames({{0, "Disabled"}, {1, "Enabled"}});
-constexpr auto kCombinerNames = SortedNames({{1, "Sectorized (Left)"}, {2, "Sectorized (Right)"}, {3, "Omni"}, {4, "MIMO"}});
+constexpr auto kCombinerNames = SortedNames({{1, "Sectorized (Left)"}, {2, "Sectorized (Right)"}, {3, "Omni"}, {4,
+    "MIMO"}});
 constexpr auto kAssessmentNames = SortedNames({
     {1, "Energy Detect Only"}, {2, "Carrier Sense Only"}, {4, "Carrier Sense and Energy Detect"},
     {8, "Carrier Sense with Timer"}, {16, "High-Rate Carrier Sense and Energy Detect"}});
@@ -85,7 +88,8 @@ void ShowPart(const Place& at, Cursor& c, const Names& names, bool isText) {
 }
 
 constexpr auto kAcDescriptor = Rows<Capwap>({
-    Number(2, "Stations"), Number(2, "Station Limit"), Number(2, "Active WTPs"), Number(2, "Maximum WTPs"), Hex(1, "Security"),
+    Number(2, "Stations"), Number(2, "Station Limit"), Number(2, "Active WTPs"), Number(2, "Maximum WTPs"), Hex(1,
+    "Security"),
     Bits(0, 5, "Reserved"), Flag(5, "Pre-Shared Secret"), Flag(6, "X.509 Certificate"), Bits(7, 1, "Reserved"),
     Number(1, "Radio MAC Field"), Number(1, "Reserved"), Hex(1, "DTLS Policy"), Bits(0, 5, "Reserved"),
     Flag(5, "DTLS Data Channel"), Flag(6, "Clear Text Data Channel"), Bits(7, 1, "Reserved")});
@@ -106,7 +110,8 @@ void ShowIPv6List(const Place& in, Cursor& c, Capwap& out) {
 constexpr auto kText = Rows<Capwap>({Utf8(0, nullptr).Note(": %s")});
 constexpr auto kPriorityName = Rows<Capwap>({Number(1, "AC Name Priority"), Utf8(0, "AC Name").Note(": %s")});
 constexpr auto kTime = Rows<Capwap>({Number(4, "AC Timestamp", " seconds since 1900")});
-constexpr auto kEntries = Rows<Capwap>({Number(1, "Entries").Into(&Capwap::count), Number(1, "MAC Length").Into(&Capwap::length)});
+constexpr auto kEntries = Rows<Capwap>({Number(1, "Entries").Into(&Capwap::count), Number(1,
+    "MAC Length").Into(&Capwap::length)});
 constexpr auto kEntry6 = Rows<Capwap>({Mac("MAC Address")});
 constexpr auto kEntry = Rows<Capwap>({Bytes(0, "MAC Address").SizedBy(&Capwap::length)});
 void ShowEntries(const Place& in, Cursor& c, Capwap& out) {
@@ -137,12 +142,15 @@ void ShowErrorReport(const Place& in, Cursor& c, Capwap& out) {
   ShowRows<Capwap>(in, c, kRadioRow, out);
   ShowEntries(in, c, out);
 }
-constexpr auto kPeriod = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(2, "Report Interval", " seconds")});
+constexpr auto kPeriod = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(2, "Report Interval",
+    " seconds")});
 constexpr auto kDiscovery = Rows<Capwap>({Number(1, nullptr, kDiscoveryNames).Note(": %s")});
 constexpr auto kDuplicate4 = Rows<Capwap>({
-    IPv4("IP Address"), Number(1, "Status"), Number(1, "MAC Length").Into(&Capwap::length), Bytes(0, "MAC Address").SizedBy(&Capwap::length)});
+    IPv4("IP Address"), Number(1, "Status"), Number(1, "MAC Length").Into(&Capwap::length), Bytes(0,
+    "MAC Address").SizedBy(&Capwap::length)});
 constexpr auto kDuplicate6 = Rows<Capwap>({
-    IPv6("IP Address"), Number(1, "Status"), Number(1, "MAC Length").Into(&Capwap::length), Bytes(0, "MAC Address").SizedBy(&Capwap::length)});
+    IPv6("IP Address"), Number(1, "Status"), Number(1, "MAC Length").Into(&Capwap::length), Bytes(0,
+    "MAC Address").SizedBy(&Capwap::length)});
 constexpr auto kSeconds = Rows<Capwap>({Number(4, nullptr, " seconds")});
 constexpr auto kImage = Rows<Capwap>({Number(1, "Data Type", kDataTypeNames), Bytes(0, "Data")});
 constexpr auto kIdentifier = Rows<Capwap>({Number(4, "Vendor Identifier"), Utf8(0, "Image Identifier")});
@@ -150,16 +158,20 @@ constexpr auto kInformation = Rows<Capwap>({Number(4, "File Size"), Bytes(16, "H
 constexpr auto kLongest = Rows<Capwap>({Number(2, nullptr)});
 constexpr auto kLocal4 = Rows<Capwap>({IPv4(nullptr).Note(": %s")});
 constexpr auto kLocal6 = Rows<Capwap>({IPv6(nullptr).Note(": %s")});
-constexpr auto kAdministrative = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Administrative State", kStateNames)});
+constexpr auto kAdministrative = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1,
+    "Administrative State", kStateNames)});
 constexpr auto kOperational = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Operational State", kStateNames), Number(1, "Cause", kCauseNames)});
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Operational State", kStateNames), Number(1, "Cause",
+    kCauseNames)});
 constexpr auto kResult = Rows<Capwap>({Number(4, nullptr, kResultNames).Note(": %s")});
 constexpr auto kReturned = Rows<Capwap>({Number(1, "Reason"), Counted(1, Bytes(0, "Message Element"))});
 constexpr auto kBytes = Rows<Capwap>({Bytes(0, nullptr)});
 constexpr auto kTimer = Rows<Capwap>({Number(2, nullptr, " seconds")});
-constexpr auto kVendor = Rows<Capwap>({Number(4, "Vendor Identifier"), Number(2, "Vendor Element ID"), Bytes(0, "Vendor Data")});
+constexpr auto kVendor = Rows<Capwap>({Number(4, "Vendor Identifier"), Number(2, "Vendor Element ID"), Bytes(0,
+    "Vendor Data")});
 constexpr auto kBoard = Rows<Capwap>({Number(4, "Board Vendor")});
-constexpr auto kBoardPart = Rows<Capwap>({Number(2, "Board Data Type", kBoardNames).Into(&Capwap::type), Number(2, "Board Data Length").Into(&Capwap::length)});
+constexpr auto kBoardPart = Rows<Capwap>({Number(2, "Board Data Type", kBoardNames).Into(&Capwap::type), Number(2,
+    "Board Data Length").Into(&Capwap::length)});
 constexpr auto kBoardText = Rows<Capwap>({Utf8(0, "Board Data Value").SizedBy(&Capwap::length)});
 constexpr auto kBoardBytes = Rows<Capwap>({Bytes(0, "Base MAC Address").SizedBy(&Capwap::length)});
 void ShowBoard(const Place& in, Cursor& c, Capwap& out) {
@@ -167,7 +179,8 @@ void ShowBoard(const Place& in, Cursor& c, Capwap& out) {
   Loop loop;
   while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     ShowRows<Capwap>(in, c, kBoardPart, out);
-    if (out.length.value) ShowRows<Capwap>(in, c, out.type.value == 4 ? RowSpan<Capwap>(kBoardBytes) : RowSpan<Capwap>(kBoardText), out);
+    if (out.length.value) ShowRows<Capwap>(in, c,
+        out.type.value == 4 ? RowSpan<Capwap>(kBoardBytes) : RowSpan<Capwap>(kBoardText), out);
   }
 }
 constexpr auto kDescriptor = Rows<Capwap>({
@@ -182,7 +195,8 @@ void ShowDescriptor(const Place& in, Cursor& c, Capwap& out) {
 }
 constexpr auto kFallback = Rows<Capwap>({Number(1, nullptr, kFallbackNames).Note(": %s")});
 constexpr auto kTunnel = Rows<Capwap>({
-    Word(1), Bits(0, 4, "Reserved"), Flag(4, "Native Frame Tunnel"), Flag(5, "802.3 Frame Tunnel"), Flag(6, "Local Bridging"),
+    Word(1), Bits(0, 4, "Reserved"), Flag(4, "Native Frame Tunnel"), Flag(5, "802.3 Frame Tunnel"), Flag(6,
+    "Local Bridging"),
     Bits(7, 1, "Reserved")});
 constexpr auto kMacType = Rows<Capwap>({Number(1, nullptr, kMacTypeNames).Note(": %s")});
 constexpr auto kStatistics = Rows<Capwap>({
@@ -194,24 +208,30 @@ constexpr auto kReboot = Rows<Capwap>({
     Number(2, "Reboot Count"), Number(2, "AC Initiated Count"), Number(2, "Link Failure Count"),
     Number(2, "Software Failure Count"), Number(2, "Hardware Failure Count"), Number(2, "Other Failure Count"),
     Number(2, "Unknown Failure Count"), Number(1, "Last Failure Type", kFailureNames)});
-constexpr auto kStatic = Rows<Capwap>({IPv4("IP Address"), IPv4("Netmask"), IPv4("Gateway"), Number(1, "Static", kFalseTrueNames)});
+constexpr auto kStatic = Rows<Capwap>({IPv4("IP Address"), IPv4("Netmask"), IPv4("Gateway"), Number(1, "Static",
+    kFalseTrueNames)});
 constexpr auto kTransport = Rows<Capwap>({Number(1, nullptr, kTransportNames).Note(": %s")});
 constexpr auto kCongestion = Rows<Capwap>({Number(1, nullptr, kCongestionNames).Note(": %s")});
 
 // ---- IEEE 802.11.
 
 constexpr auto kAddWlan = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Hex(2, "Capability"), Flag(0, "ESS"), Flag(1, "IBSS"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Hex(2, "Capability"), Flag(0,
+    "ESS"), Flag(1, "IBSS"),
     Flag(2, "CF-Pollable"), Flag(3, "CF-Poll Request"), Flag(4, "Privacy"), Flag(5, "Short Preamble"), Flag(6, "PBCC"),
-    Flag(7, "Channel Agility"), Flag(8, "Spectrum Management"), Flag(9, "QoS"), Flag(10, "Short Slot Time"), Flag(11, "APSD"),
+    Flag(7, "Channel Agility"), Flag(8, "Spectrum Management"), Flag(9, "QoS"), Flag(10, "Short Slot Time"),
+    Flag(11, "APSD"),
     Bits(12, 1, "Reserved"), Flag(13, "DSSS-OFDM"), Flag(14, "Delayed Block Ack"), Flag(15, "Immediate Block Ack"),
-    Number(1, "Key Index"), Number(1, "Key Status"), Counted(2, Bytes(0, "Key")), Bytes(6, "Group TSC"), Number(1, "QoS"),
+    Number(1, "Key Index"), Number(1, "Key Status"), Counted(2, Bytes(0, "Key")), Bytes(6, "Group TSC"), Number(1,
+    "QoS"),
     Number(1, "Authentication Type", kAuthenticationNames), Number(1, "MAC Mode", kMacTypeNames),
     Number(1, "Tunnel Mode", kTunnelNames), Number(1, "Suppress SSID", kFalseTrueNames), Utf8(0, "SSID").Note(", %s")});
 constexpr auto kAntenna = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Diversity", kDiversityNames), Number(1, "Combiner", kCombinerNames),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Diversity", kDiversityNames), Number(1, "Combiner",
+    kCombinerNames),
     Counted(1, Bytes(0, "Antenna Selection"))});
-constexpr auto kAssigned = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Mac("BSSID")});
+constexpr auto kAssigned = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1,
+    "WLAN ID").Note(", WLAN %u"), Mac("BSSID")});
 constexpr auto kWlan = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u")});
 constexpr auto kDirect = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(1, "Current Channel"),
@@ -220,7 +240,8 @@ constexpr auto kElement = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Word(1), Flag(0, "In Beacons"),
     Flag(1, "In Probe Responses"), Bits(2, 6, "Reserved"), Bytes(0, "Information Element")});
 constexpr auto kOperation = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(2, "RTS Threshold"), Number(1, "Short Retry"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(2, "RTS Threshold"), Number(1,
+    "Short Retry"),
     Number(1, "Long Retry"), Number(2, "Fragmentation Threshold"), Number(4, "Transmit MSDU Lifetime"),
     Number(4, "Receive MSDU Lifetime")});
 constexpr auto kCountermeasures = Rows<Capwap>({
@@ -229,37 +250,49 @@ constexpr auto kDomain = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(2, "First Channel"), Number(2, "Channels"),
     Number(2, "Maximum Transmit Power Level", " dBm")});
 constexpr auto kOfdm = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(1, "Current Channel"), Number(1, "Bands Supported"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(1, "Current Channel"), Number(1,
+    "Bands Supported"),
     Number(4, "TI Threshold")});
 constexpr auto kRates = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Bytes(0, "Rates (0.5 Mbit/s)")});
 constexpr auto kReport = Rows<Capwap>({
-    Mac("Client MAC Address"), Mac("BSSID"), Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"),
+    Mac("Client MAC Address"), Mac("BSSID"), Number(1, "Radio ID").Note(": Radio %u"), Number(1,
+    "WLAN ID").Note(", WLAN %u"),
     Number(2, "Reserved"), Number(4, "TKIP ICV Errors"), Number(4, "TKIP Local MIC Failures"),
-    Number(4, "TKIP Remote MIC Failures"), Number(4, "CCMP Replays"), Number(4, "CCMP Decrypt Errors"), Number(4, "TKIP Replays")});
+    Number(4, "TKIP Remote MIC Failures"), Number(4, "CCMP Replays"), Number(4, "CCMP Decrypt Errors"), Number(4,
+    "TKIP Replays")});
 constexpr auto kStation = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(2, "Association ID"), Hex(1, "Flags"), Mac("MAC Address"), Hex(2, "Capabilities"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(2, "Association ID"), Hex(1, "Flags"), Mac("MAC Address"),
+    Hex(2, "Capabilities"),
     Number(1, "WLAN ID").Note(", WLAN %u"), Bytes(0, "Supported Rates (0.5 Mbit/s)")});
-constexpr auto kProfile = Rows<Capwap>({Mac("MAC Address"), Word(2), Bits(0, 13, "Reserved"), Bits(13, 3, "802.1p Priority")});
+constexpr auto kProfile = Rows<Capwap>({Mac("MAC Address"), Word(2), Bits(0, 13, "Reserved"), Bits(13, 3,
+    "802.1p Priority")});
 constexpr auto kSession = Rows<Capwap>({
     Mac("MAC Address"), Hex(2, "Flags"), Flag(0, "AKM Only"), Flag(1, "Controller Encrypts"), Bits(2, 14, "Reserved"),
     Bytes(6, "Pairwise TSC"), Bytes(6, "Pairwise RSC"), Bytes(0, "Key")});
 constexpr auto kCounters = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Bytes(3, "Reserved"), Number(4, "Transmitted Fragments"), Number(4, "Multicast Transmitted"),
-    Number(4, "Failed"), Number(4, "Retries"), Number(4, "Multiple Retries"), Number(4, "Duplicate Frames"), Number(4, "RTS Successes"),
-    Number(4, "RTS Failures"), Number(4, "ACK Failures"), Number(4, "Received Fragments"), Number(4, "Multicast Received"),
-    Number(4, "FCS Errors"), Number(4, "Transmitted Frames"), Number(4, "Decryption Errors"), Number(4, "Discarded QoS Fragments"),
+    Number(1, "Radio ID").Note(": Radio %u"), Bytes(3, "Reserved"), Number(4, "Transmitted Fragments"), Number(4,
+    "Multicast Transmitted"),
+    Number(4, "Failed"), Number(4, "Retries"), Number(4, "Multiple Retries"), Number(4, "Duplicate Frames"),
+    Number(4, "RTS Successes"),
+    Number(4, "RTS Failures"), Number(4, "ACK Failures"), Number(4, "Received Fragments"), Number(4,
+    "Multicast Received"),
+    Number(4, "FCS Errors"), Number(4, "Transmitted Frames"), Number(4, "Decryption Errors"), Number(4,
+    "Discarded QoS Fragments"),
     Number(4, "Associated Stations"), Number(4, "QoS CF Polls Received"), Number(4, "QoS CF Polls Unused"),
     Number(4, "QoS CF Polls Unusable")});
-constexpr auto kPower = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(2, "Current Transmit Power", " mW")});
+constexpr auto kPower = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(2,
+    "Current Transmit Power", " mW")});
 void ShowLevels(const Place& in, Cursor& c, Capwap& out) {
-  constexpr auto kHead = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Power Levels").Into(&Capwap::count)});
+  constexpr auto kHead = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Number(1,
+      "Power Levels").Into(&Capwap::count)});
   constexpr auto kLevel = Rows<Capwap>({Number(2, "Power Level", " mW")});
   ShowRows<Capwap>(in, c, kHead, out);
   Loop loop;
   for (uint32_t i = 0; i < out.count.value && MoreAt(in, c, loop); ++i) ShowRows<Capwap>(in, c, kLevel, out);
 }
 constexpr auto kQueue = Rows<Capwap>({
-    Number(1, "Queue Depth"), Number(2, "CWMin"), Number(2, "CWMax"), Number(1, "AIFS"), Word(1), Bits(0, 5, "802.1p Tag"),
+    Number(1, "Queue Depth"), Number(2, "CWMin"), Number(2, "CWMax"), Number(1, "AIFS"), Word(1), Bits(0, 5,
+    "802.1p Tag"),
     Bits(5, 3, "Reserved"), Word(1), Bits(0, 2, "Reserved"), Bits(2, 6, "DSCP Tag")});
 constexpr auto kQualityHead = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Hex(1, "Tagging Policy")});
@@ -269,18 +302,22 @@ void ShowQuality(const Place& in, Cursor& c, Capwap& out) {
   while (Left(c) >= 8 && MoreAt(in, c, loop)) ShowRows<Capwap>(in, c, kQueue, out);
 }
 constexpr auto kUpdateQos = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Mac("MAC Address"), Word(1), Bits(0, 5, "802.1p Tag"), Bits(5, 3, "Reserved"), Word(1),
+    Number(1, "Radio ID").Note(": Radio %u"), Mac("MAC Address"), Word(1), Bits(0, 5, "802.1p Tag"), Bits(5, 3,
+    "Reserved"), Word(1),
     Bits(0, 2, "Reserved"), Bits(2, 6, "DSCP Tag")});
 constexpr auto kUpdateWlan = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Hex(2, "Capability"), Number(1, "Key Index"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Hex(2, "Capability"),
+    Number(1, "Key Index"),
     Number(1, "Key Status"), Counted(2, Bytes(0, "Key"))});
 constexpr auto kConfiguration = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Short Preamble", kFalseTrueNames), Number(1, "BSSIDs"), Number(1, "DTIM Period"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Short Preamble", kFalseTrueNames), Number(1, "BSSIDs"),
+    Number(1, "DTIM Period"),
     Mac("BSSID"), Number(2, "Beacon Period", " TU"), Text(4, "Country")});
 constexpr auto kAlarm = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Failure Type"), Number(1, "Status"), Number(1, "Pad")});
 constexpr auto kRadio = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Hex(4, "Radio Type"), Flag(28, "802.11n"), Flag(29, "802.11g"), Flag(30, "802.11a"),
+    Number(1, "Radio ID").Note(": Radio %u"), Hex(4, "Radio Type"), Flag(28, "802.11n"), Flag(29, "802.11g"),
+    Flag(30, "802.11a"),
     Flag(31, "802.11b")});
 
 constexpr auto kElements = Choices<Capwap>({
@@ -315,7 +352,8 @@ constexpr auto kElements = Choices<Capwap>({
     {1043, "IEEE 802.11 Update Station QoS", kUpdateQos}, {1044, "IEEE 802.11 Update WLAN", kUpdateWlan},
     {1045, "IEEE 802.11 WTP Quality of Service", {}, ShowQuality},
     {1046, "IEEE 802.11 WTP Radio Configuration", kConfiguration},
-    {1047, "IEEE 802.11 WTP Radio Fail Alarm Indication", kAlarm}, {1048, "IEEE 802.11 WTP Radio Information", kRadio}});
+    {1047, "IEEE 802.11 WTP Radio Fail Alarm Indication", kAlarm}, {1048, "IEEE 802.11 WTP Radio Information",
+    kRadio}});
 
 }  // namespace
 

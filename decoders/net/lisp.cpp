@@ -160,7 +160,8 @@ int32_t DecodeLispControl(const Place& at, Cursor c) {
   constexpr uint32_t kEncapsulated = 8;
   const uint32_t type = PeekU8(c) >> 4;
   if (Left(c) < 4 || !LookupName(kLispTypeNames, type, nullptr)) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, type == kEncapsulated ? 4 : Left(c)), "LISP: %s", LookupName(kLispTypeNames, type)));
+  const Place in = Under(at, AddLine(at, Ahead(c, type == kEncapsulated ? 4 : Left(c)), "LISP: %s",
+      LookupName(kLispTypeNames, type)));
   Lisp out{};
   switch (type) {
     case 1: ShowRequest(in, c); break;
@@ -202,7 +203,8 @@ int32_t DecodeLispReliable(const Place& at, Cursor c) {
     const int32_t length = static_cast<int32_t>(PeekU16(c, 2));
     if (length < kHeader) break;
     Cursor message = TakeCursor(c, length);
-    const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "LISP: %s", LookupName(kLispReliableNames, PeekU16(message))));
+    const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "LISP: %s", LookupName(kLispReliableNames,
+    PeekU16(message))));
     const Lisp out = ShowRows(in, message, kLispReliable);
     Cursor body = TakeCursor(message, Left(message) - 4);
     if (out.type.value == 17 && Left(body) > 4) {   // a registration as UDP has it

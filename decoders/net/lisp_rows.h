@@ -8,10 +8,12 @@ inline constexpr auto kLispTypeNames = SortedNames({
     {1, "Map-Request"}, {2, "Map-Reply"}, {3, "Map-Register"}, {4, "Map-Notify"}, {5, "Map-Notify-Ack"},
     {6, "Map-Referral"}, {7, "Info-Request or Info-Reply"}, {8, "Encapsulated Control Message"}});
 inline constexpr auto kLispReliableNames = SortedNames({
-    {16, "Error Notification"}, {17, "Registration"}, {18, "Registration Acknowledgement"}, {19, "Registration Refresh"},
+    {16, "Error Notification"}, {17, "Registration"}, {18, "Registration Acknowledgement"}, {19,
+    "Registration Refresh"},
     {20, "Registration Reject"}, {21, "Mapping Notification"}});
 inline constexpr auto kLispFamilyNames = SortedNames({
-    {0, "None"}, {1, "IPv4"}, {2, "IPv6"}, {17, "Distinguished Name"}, {16387, "LISP Canonical Address"}, {16389, "MAC"}});
+    {0, "None"}, {1, "IPv4"}, {2, "IPv6"}, {17, "Distinguished Name"}, {16387, "LISP Canonical Address"}, {16389,
+    "MAC"}});
 inline constexpr auto kLispCanonicalNames = SortedNames({
     {0, "Null Body"}, {1, "AFI List"}, {2, "Instance ID"}, {3, "AS Number"}, {4, "Application Data"},
     {5, "Geo-Coordinates"}, {6, "Opaque Key"}, {7, "NAT Traversal"}, {8, "Nonce Locator"}, {9, "Multicast Information"},
@@ -27,7 +29,8 @@ struct Lisp {
   Field type, count, locators, length, more;
 };
 inline constexpr auto kLispRequest = Rows<Lisp>({
-    Word(4), Bits(0, 4, "Type", kLispTypeNames), Flag(4, "Authoritative"), Flag(5, "Map-Reply Record Present").Into(&Lisp::more),
+    Word(4), Bits(0, 4, "Type", kLispTypeNames), Flag(4, "Authoritative"), Flag(5,
+    "Map-Reply Record Present").Into(&Lisp::more),
     Flag(6, "Probe"), Flag(7, "Solicit-Map-Request"), Flag(8, "From Proxy ITR"), Flag(9, "SMR Invoked"),
     Bits(10, 9, "Reserved"), Bits(19, 5, "ITR Locator Count (less one)").Into(&Lisp::locators),
     Bits(24, 8, "Record Count").Into(&Lisp::count), Hex(8, "Nonce")});
@@ -36,11 +39,13 @@ inline constexpr auto kLispReply = Rows<Lisp>({
     Bits(7, 17, "Reserved"), Bits(24, 8, "Record Count").Into(&Lisp::count), Hex(8, "Nonce")});
 inline constexpr auto kLispRegister = Rows<Lisp>({
     Word(4), Bits(0, 4, "Type", kLispTypeNames), Flag(4, "Proxy Map-Reply"), Flag(5, "Security"),
-    Flag(6, "xTR-ID Present").Into(&Lisp::more), Flag(7, "Built for an RTR"), Bits(8, 11, "Reserved"), Flag(19, "EID Notify"),
+    Flag(6, "xTR-ID Present").Into(&Lisp::more), Flag(7, "Built for an RTR"), Bits(8, 11, "Reserved"), Flag(19,
+    "EID Notify"),
     Flag(20, "Use TTL for Timeout"), Flag(21, "Merge Request"),
     Flag(22, "Mobile Node"), Flag(23, "Want Map-Notify"), Bits(24, 8, "Record Count").Into(&Lisp::count)});
 inline constexpr auto kLispNotify = Rows<Lisp>({
-    Word(4), Bits(0, 4, "Type", kLispTypeNames), Flag(4, "xTR-ID Present").Into(&Lisp::more), Flag(5, "Built by an RTR"),
+    Word(4), Bits(0, 4, "Type", kLispTypeNames), Flag(4, "xTR-ID Present").Into(&Lisp::more), Flag(5,
+    "Built by an RTR"),
     Bits(6, 18, "Reserved"), Bits(24, 8, "Record Count").Into(&Lisp::count)});
 inline constexpr auto kLispNonce = Rows<Lisp>({Hex(8, "Nonce")});
 inline constexpr auto kLispInformation = Rows<Lisp>({
@@ -52,8 +57,10 @@ inline constexpr auto kLispLifetime = Rows<Lisp>({Number(4, "TTL", " minutes")})
 inline constexpr auto kLispIdentifierPrefix = Rows<Lisp>({Number(1, "Reserved"), Number(1, "EID Mask Length")});
 inline constexpr auto kLispSite = Rows<Lisp>({Bytes(16, "xTR-ID"), Hex(8, "Site ID")});
 inline constexpr auto kLispMapping = Rows<Lisp>({
-    Number(4, "Record TTL", " minutes"), Number(1, "Locator Count").Into(&Lisp::count), Number(1, "EID Mask Length"), Word(2),
-    Bits(0, 3, "Action", kLispActionNames), Flag(3, "Authoritative"), Bits(4, 12, "Reserved"), Word(2), Bits(0, 4, "Reserved"),
+    Number(4, "Record TTL", " minutes"), Number(1, "Locator Count").Into(&Lisp::count), Number(1,
+    "EID Mask Length"), Word(2),
+    Bits(0, 3, "Action", kLispActionNames), Flag(3, "Authoritative"), Bits(4, 12, "Reserved"), Word(2), Bits(0, 4,
+    "Reserved"),
     Bits(4, 12, "Mapping Version")});
 inline constexpr auto kLispLocator = Rows<Lisp>({
     Number(1, "Priority"), Number(1, "Weight"), Number(1, "Multicast Priority"), Number(1, "Multicast Weight"), Word(2),
@@ -71,13 +78,15 @@ inline constexpr auto kLispApplication = Rows<Lisp>({
     Hex(3, "IP TOS, IPv6 Traffic Class or Flow Label"), Number(1, "Protocol"), Number(2, "Local Port, Lower"),
     Number(2, "Local Port, Upper"), Number(2, "Remote Port, Lower"), Number(2, "Remote Port, Upper")});
 inline constexpr auto kLispGeographic = Rows<Lisp>({
-    Word(4), Flag(0, "North"), Bits(1, 15, "Latitude Degrees"), Bits(16, 8, "Latitude Minutes"), Bits(24, 8, "Latitude Seconds"),
+    Word(4), Flag(0, "North"), Bits(1, 15, "Latitude Degrees"), Bits(16, 8, "Latitude Minutes"), Bits(24, 8,
+    "Latitude Seconds"),
     Word(4), Flag(0, "East"), Bits(1, 15, "Longitude Degrees"), Bits(16, 8, "Longitude Minutes"),
     Bits(24, 8, "Longitude Seconds"), Signed(4, "Altitude", " m")});
 inline constexpr auto kLispTraversal = Rows<Lisp>({Number(2, "Map-Server UDP Port"), Number(2, "ETR UDP Port")});
 inline constexpr auto kLispNonceLocator = Rows<Lisp>({Number(1, "Reserved"), Hex(3, "Nonce")});
 inline constexpr auto kLispMulticast = Rows<Lisp>({
-    Number(4, "Instance ID").Note(" %u"), Number(2, "Reserved"), Number(1, "Source Mask Length"), Number(1, "Group Mask Length")});
+    Number(4, "Instance ID").Note(" %u"), Number(2, "Reserved"), Number(1, "Source Mask Length"), Number(1,
+    "Group Mask Length")});
 inline constexpr auto kLispHop = Rows<Lisp>({
     Word(2), Bits(0, 13, "Reserved"), Flag(13, "Lookup"), Flag(14, "Probe"), Flag(15, "Strict")});
 inline constexpr auto kLispPair = Rows<Lisp>({
@@ -85,13 +94,15 @@ inline constexpr auto kLispPair = Rows<Lisp>({
 inline constexpr auto kLispReplication = Rows<Lisp>({Number(2, "Reserved"), Number(1, "Reserved"), Number(1, "Level")});
 
 inline constexpr auto kLispDataFlags = Rows<Lisp>({
-    Hex(1, "Flags"), Flag(0, "Nonce Present (N)"), Flag(1, "Locator Status Bits (L)"), Flag(2, "Echo Nonce Request (E)"),
+    Hex(1, "Flags"), Flag(0, "Nonce Present (N)"), Flag(1, "Locator Status Bits (L)"), Flag(2,
+    "Echo Nonce Request (E)"),
     Flag(3, "Map Versions (V)"), Flag(4, "Instance ID (I)"), Bits(5, 1, "Reserved"), Bits(6, 2, "Key ID")});
 inline constexpr auto kLispDataNonce = Rows<Lisp>({Hex(3, "Nonce")});
 inline constexpr auto kLispDataVersions = Rows<Lisp>({
     Word(3), Bits(0, 12, "Source Map Version"), Bits(12, 12, "Destination Map Version")});
 inline constexpr auto kLispDataBits = Rows<Lisp>({Hex(4, "Locator Status")});
-inline constexpr auto kLispDataInstance = Rows<Lisp>({Number(3, "Instance").Note(": Instance %u"), Hex(1, "Locator Status")});
+inline constexpr auto kLispDataInstance = Rows<Lisp>({Number(3, "Instance").Note(": Instance %u"), Hex(1,
+    "Locator Status")});
 
 inline constexpr auto kLispReliable = Rows<Lisp>({
     Number(2, "Message Type", kLispReliableNames).Into(&Lisp::type), Number(2, "Message Length").Into(&Lisp::length),
