@@ -8,7 +8,10 @@
 #include "decoders/app/flow_templates.h"
 #include "decoders/app/http_message.h"
 #include "decoders/app/socks.h"
+#include "decoders/app/ssh.h"
 #include "decoders/net/window_scales.h"
+#include "decoders/quic/qpack.h"
+#include "decoders/quic/quic_streams.h"
 #include "decoders/smb/smb_requests.h"
 #include "decoders/tls/tls.h"
 

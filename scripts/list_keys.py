@@ -583,9 +583,12 @@ class Scan:
         for maker in self.sources.find(self.sources.functions, name, function.file if function else ''):
             given = dict(zip(maker.params, arguments))
             for i, token in enumerate(maker.body):
-                if token == 'return' and maker.body[i + 2:i + 3] == ['(']:
-                    made = []
-                    for part in maker.body[i + 1:closing(maker.body, i + 2) + 1]:
+                start = i + 2
+                if token == 'return' and maker.body[start:start + 1] == ['<']:   # Shown<Record>(...)
+                    start = maker.body.index('>', start) + 1
+                if token == 'return' and maker.body[start:start + 1] == ['(']:
+                    made = [maker.body[i + 1]]
+                    for part in maker.body[start:closing(maker.body, start) + 1]:
                         made += given.get(part, [part])
                     if made[0] != name:
                         yield made

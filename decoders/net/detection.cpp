@@ -8,12 +8,13 @@
 #include "decoders/net/learn.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/recognisers.h"
+#include "decoders/quic/quic.h"
 #include "decoders/tls/tls.h"
 
 namespace qxview {
 namespace {
 
-constexpr int32_t kLearntOncRpc = 0x201008E;
+constexpr int32_t kLearntOncRpc = 0x201008E, kLearntQuic = QX_OVER_UDP | kQuicProtocol;
 constexpr uint32_t kMsrpcDetection = 8, kFixDetection = 16;   // of the first word of settings
 constexpr uint32_t kGiopDetection = 0x400;                    // of the second
 
@@ -107,8 +108,13 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   DynamicRecord record;
   if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
                                    nullptr, nullptr, &record)) {
-    if (!LooksLikeDtls(c)) return 0;
-    DecodeRecognised(at, c, kDtlsProtocol);   // as with STUN
+    if (LooksLikeDtls(c)) {
+      DecodeRecognised(at, c, kDtlsProtocol);   // as with STUN
+      return 1;
+    }
+    if (!LooksLikeQuic(c)) return 0;
+    Learn(at.view, QX_OVER_UDP, kLearntQuic, source, sourcePort, -1, -1, nullptr);   // short headers say nothing
+    DecodeRecognised(at, c, kLearntQuic);
     return 1;
   }
   // Learnt first: the record belongs to the stream whatever its decoder makes of the payload.

@@ -9,6 +9,7 @@
 #include "decoders/link/wake_on_lan.h"
 #include "decoders/net/detection.h"
 #include "decoders/net/dynamic_udp.h"
+#include "decoders/quic/quic.h"
 #include "decoders/states.h"
 #include "decoders/tls/tls.h"
 
@@ -108,6 +109,14 @@ bool MayStartTls(int32_t identifier) {
   }
 }
 
+// DTLS and QUIC stand on the same ports (RFC 9443), and others where QUIC is let through: what is not told by its bytes or
+// its connection is left to detection.
+int32_t SortDtlsAndQuic(const Place& at, int32_t identifier, int32_t index, const Cursor& c) {
+  if (LooksLikeDtls(c)) return kDtlsProtocol;
+  if (LooksLikeQuic(c) || IsQuicConnection(at)) return kQuicProtocol;
+  return index == kQuicProtocol ? kNoProtocol : identifier;
+}
+
 // STUN shares ports with the media that it finds a way for (RFC 7983), magic packets go to any port: the first bytes tell
 // whose a payload is.
 int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
@@ -117,8 +126,15 @@ int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, u
   constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;
   const int32_t index = identifier & kIndex;
   if (identifier > 0 && index == kStunProtocol) return StartsStun(c) ? identifier : kNoProtocol;
+  if (ipProtocol != kIpProtocolTcp && identifier > 0 && (index == kDtlsProtocol || index == kQuicProtocol)) {
+    return SortDtlsAndQuic(at, identifier, index, c);
+  }
   const bool isMedia = identifier > 0 && (index == (kLearntRtp & kIndex) || index == (kLearntRtcp & kIndex));
   return isMedia && LooksLikeStun(c) ? kStunProtocol : identifier;
+}
+
+bool IsOnQuicPort(int32_t defined) {
+  return defined > 0 && (defined & (kBuiltinProtocol | 0xFFFF)) == kQuicProtocol;
 }
 
 int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matchedSource, uint8_t ipProtocol) {
@@ -132,7 +148,9 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
   if (identifier < 1) {
     if (!at.view->engine->settings.detection.on ||
         !DetectDynamicProtocol(at, c, packet.sourcePort, packet.destinationPort, ipProtocol)) {
-      AddRawRest(at, c, unnamed);
+      if (!IsOnQuicPort(defined)) return AddRawRest(at, c, unnamed), 1;
+      ReachLayer(at, DispatchTable::kApplication, kQuicProtocol & 0xFFFF, c);   // a short header, whatever connection's
+      if (!at.view->context->headersOnly) CallDecoder(Deeper(at), c, DecodeQuic, unnamed);
     }
     return 1;
   }
