@@ -27,8 +27,7 @@ void AddAddress(const Place& in, const Field& address, const char* label);
 int32_t DecodeTokenRingHeader(const Place& at, Cursor c);
 int32_t DecodeFddiHeader(const Place& at, Cursor c);
 int32_t DecodeWirelessHeader(const Place& at, Cursor c);
-int32_t DecodeSwappedWirelessHeader(const Place& at,
-    Cursor c);   // of a frame control with its bytes in the other order
+int32_t DecodeSwappedWirelessHeader(const Place& at, Cursor c);   // its control words have their bytes in the other order
 
 // Takes the trailer of a parallel redundancy network (PRP) off the frame's end, where it has one.
 void DecodeRedundancyTrailer(const Place& at, Cursor& c);
