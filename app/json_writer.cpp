@@ -67,12 +67,29 @@ void PutUtf8String(Output& out, std::string_view text) {
   out.Put('"');
 }
 
+// Where bytes stood that earlier packets brought.
+void PutOrigin(Output& out, const OwnRange& own, const BytePiece* earlier, int32_t mostEarlier) {
+  const int32_t count = own.earlierCount < mostEarlier ? own.earlierCount : mostEarlier;
+  for (int32_t i = 0; i < count; ++i) {
+    out.Put(i == 0 ? ",\"from\":[{\"packet\":" : ",{\"packet\":");
+    PutNumber(out, earlier[i].packet);
+    out.Put(",\"offset\":");
+    PutNumber(out, earlier[i].offset);
+    out.Put(",\"length\":");
+    PutNumber(out, earlier[i].length);
+    out.Put('}');
+  }
+  if (count > 0) out.Put(']');
+}
+
 void PutLineHead(Output& out, Session& session, LineHandle line) {
+  constexpr int32_t kMostEarlier = 64;   // pieces of a line: the others are those of the lines under it
   const ArenaTree& tree = session.Tree();
   int32_t kind, offset;
   uint32_t length;
-  const ByteRange range = RangeOfLine(&session.Context(), &tree, line);
-  SplitByteRange(&range, &kind, &offset, &length);
+  BytePiece earlier[kMostEarlier];
+  const OwnRange own = OwnRangeOfLine(&session.Context(), &tree, line, earlier, kMostEarlier);
+  SplitByteRange(&own.range, &kind, &offset, &length);
   out.Put("{\"text\":");
   PutJsonText(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
   out.Put(",\"offset\":");
@@ -84,6 +101,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line) {
   out.Put(",\"image\":");
   PutNumber(out, tree.Image(line));
   if (IsDerived(&session.Context(), tree.RangeIndex(line))) out.Put(",\"derived\":true");
+  PutOrigin(out, own, earlier, kMostEarlier);
   if (session.Context().facts) PutFact(out, session.Context(), tree.RangeIndex(line));
 }
 

@@ -80,6 +80,8 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
   command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);
   command->AddFlag("--modern", "the same as --set Modern=1: all records of DNS, and bad checksums end nothing",
                    &options->modern);
+  command->AddFlag("--reassemble", "the same as --set Reassembly=1: messages over segments and fragments are joined",
+                   &options->reassemble);
   command->AddFlag("-l", "flush the output after every packet", &options->flushEachPacket);
   command->AddChoice<ColorChoice>(
       "--color", "WHEN", "colours: auto, always or never",
@@ -128,6 +130,7 @@ void FindSettings(HostOptions* options) {
 
 int FinishReadingOptions(ReadingOptions* options) {
   if (options->modern) options->host.settings.insert(options->host.settings.begin(), "Modern=1");
+  if (options->reassemble) options->host.settings.insert(options->host.settings.begin(), "Reassembly=1");
   FindSettings(&options->host);
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;

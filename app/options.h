@@ -30,6 +30,7 @@ struct ReadingOptions {
   bool merge = false;               // they are one run, by time
   bool keepGoing = false;           // a file fault does not end the command
   bool modern = false;              // the setting of this name, in front of those that are given
+  bool reassemble = false;          // the setting Reassembly, in the same way
   bool prefixFile = false;          // what is written of a packet says its file
   PacketSelection selection;
   uint64_t count = UINT64_MAX;

@@ -2,8 +2,8 @@
 _qxview_settings="AliasFile CharacterSet CleanText CustomLibrary0 CustomLibrary1 CustomLibrary2 CustomLibrary3
   CustomLibrary4 CustomLibrary5 CustomLibrary6 CustomLibrary7 DetectionFlags DetectionFlags2 DnsRecords DynamicDetection
   Expand2ndLevel Expand3rdLevel Expand4thLevel ExternalDecoder ExternalDecoderPort ForcedDecoding ForcedProtocolChoice
-  ForcedSkipBytes ForcedStartProtocol IgnoreChecksums MibModules MibPath Modern RangeFilterLength RangeFilterOn RangeFilterStart
-  TdsDetectionOff TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 TypeOfServiceFieldName2
+  ForcedSkipBytes ForcedStartProtocol IgnoreChecksums MibModules MibPath Modern RadiusSecret RangeFilterLength RangeFilterOn
+  RangeFilterStart Reassembly TacacsSecret TdsDetectionOff TlsKeyLog TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 TypeOfServiceFieldName2
   TypeOfServiceFieldName3 TypeOfServiceFieldName4 TypeOfServiceFieldName5 TypeOfServiceFieldName6
   TypeOfServiceFieldName7 TypeOfServiceMode"
 
@@ -82,7 +82,7 @@ _qxview() {
     [[ $cur == - ]] || return
   fi
   options="--help --decode-as --settings"
-  [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color --files-from --merge --keep-going --modern"
+  [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color --files-from --merge --keep-going --modern --reassemble"
   case $command in decode | find | list | print) options+=" --prefix-file" ;; esac
   case $command in
     decode) options+=" -t --format --ranges --keys -x" ;;

@@ -4,8 +4,8 @@ function __qxview_settings
       AliasFile CharacterSet CleanText CustomLibrary0 CustomLibrary1 CustomLibrary2 CustomLibrary3 CustomLibrary4 \
       CustomLibrary5 CustomLibrary6 CustomLibrary7 DetectionFlags DetectionFlags2 DnsRecords DynamicDetection Expand2ndLevel \
       Expand3rdLevel Expand4thLevel ExternalDecoder ExternalDecoderPort ForcedDecoding ForcedProtocolChoice \
-      ForcedSkipBytes ForcedStartProtocol IgnoreChecksums MibModules MibPath Modern RangeFilterLength RangeFilterOn RangeFilterStart \
-      TdsDetectionOff TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 \
+      ForcedSkipBytes ForcedStartProtocol IgnoreChecksums MibModules MibPath Modern RadiusSecret RangeFilterLength RangeFilterOn \
+      RangeFilterStart Reassembly TacacsSecret TdsDetectionOff TlsKeyLog TypeOfServiceFieldMask TypeOfServiceFieldName0 TypeOfServiceFieldName1 \
       TypeOfServiceFieldName2 TypeOfServiceFieldName3 TypeOfServiceFieldName4 TypeOfServiceFieldName5 \
       TypeOfServiceFieldName6 TypeOfServiceFieldName7 TypeOfServiceMode | string replace -r '$' '='
 end
@@ -47,6 +47,7 @@ complete -c qxview -n "__fish_seen_subcommand_from $reading" -l color -x -a 'aut
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l files-from -r -d 'further captures, a line each'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l merge -d 'several captures as one, by time'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l modern -d 'all records of DNS, and bad checksums end nothing'
+complete -c qxview -n "__fish_seen_subcommand_from $reading" -l reassemble -d 'messages over segments and fragments are joined'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l keep-going -d 'go on behind a bad capture'
 complete -c qxview -n '__fish_seen_subcommand_from decode find list print' -l prefix-file -d 'the file in front of every line'
 complete -c qxview -n '__fish_seen_subcommand_from decode' -l format -x -a 'tree text json' -d 'output format'

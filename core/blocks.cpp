@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/bounded_text.h"
+#include "core/byte_origins.h"
 #include "core/digits.h"
 #include "core/engine.h"
 #include "core/line_facts.h"
@@ -41,6 +42,7 @@ struct Span {
 Span TrimToRangeFilter(const DecodeContext* context, int32_t offset, int32_t length) {
   Span span{0, length};
   if (!context->rangeFilterOn) return span;
+  offset = RangeOffset(RangeInFrame(context, MakeByteRange(kFieldKind, offset, length)));
   const int64_t start = context->rangeFilterStart, end = start + context->rangeFilterLength;
   if (offset < start - (kRowBytes - 1)) span.first = (start - offset) / kRowBytes * kRowBytes;
   if (int64_t{offset} + length > end) {

@@ -14,6 +14,7 @@ using ::AddressSlot;
 // What an address slot holds; an IPv4 address stands in its last four bytes.
 enum AddressKind : uint32_t { kNoAddress = 0, kIPv4Kind = 1, kIPv6Kind = 2 };
 
+struct ByteOrigins;
 struct Engine;
 struct LineFacts;
 struct OutputFile;
@@ -54,6 +55,7 @@ struct TcpSegment {
   uint32_t sequence;
   uint32_t flags;        // FIN = 1
   bool here;
+  int32_t cut = 0;       // payload bytes that were not captured
 };
 
 // The table that a layer's payload was looked up in, with the key, and the payload itself: what a frame carries when no
@@ -137,6 +139,7 @@ struct DecodeContext {
   int32_t rangeFilterStart;
   int32_t rangeFilterLength;
   uint32_t rangeFilterOn;
+  ByteOrigins* origins;      // of bytes that are not the frame's own
   LineFacts* facts;          // keys and values of the lines; null while nobody asks
   LineRun* derived;          // the lines of bytes that were opened or inflated
   uint32_t derivedCount, derivedCapacity;

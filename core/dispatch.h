@@ -14,6 +14,12 @@ struct Place;
 // protocol, otherwise 1 or the result of the next decoder; the structured decoders also give 2 for truncated data.
 using DecoderFunction = int32_t (*)(const Place& at, Cursor c);
 
+// How long the message is that starts where the cursor stands, its header included; 0 while more bytes are needed to tell.
+// For decoders over TCP, whose messages may span segments.
+using MessageLengthFunction = int32_t (*)(const Cursor& c);
+constexpr int32_t kNoMessage = -1;                    // these bytes start none
+constexpr int32_t kMessageToTheEnd = 0x7FFFFFFF;      // it ends with the connection
+
 // What the packet list shows of a payload; see decoders/app/packet_summaries.h.
 struct SummaryInput;
 using SummaryFunction = int32_t (*)(const SummaryInput& in, char* out, int32_t outSize);
@@ -24,6 +30,8 @@ struct ProtocolRow {
   const char* key;           // the keys of its lines start with it
   DecoderFunction decode;
   SummaryFunction summary;   // null: the packet list shows the decoder's top line
+  MessageLengthFunction messageLength = nullptr;   // null: its messages are not joined
+  bool takesRuns = false;    // the decoder gets all messages that are whole at once, not one by one
 };
 
 // What leads to a protocol. The numbers are those of the registry's tables.

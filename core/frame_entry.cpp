@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/byte_origins.h"
 #include "core/civil_date.h"
 #include "core/line_facts.h"
 
@@ -232,7 +233,10 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   packet.userParam2 = userParam2;
   packet.linesLeft = MostLinesOf(record->capturedLength);
   packet.protocol = kFrameProtocol;
-  context->packetNumber = static_cast<int64_t>(record->packetNumber);
+  const int64_t number = static_cast<int64_t>(record->packetNumber);
+  // The headers of the frame that is shown may be read once more: its lines keep their origins.
+  if (!context->headersOnly || number != context->packetNumber) ForgetOrigins(context->origins);
+  context->packetNumber = number;
   const bool display = context->outputMode == kDisplayMode;
   if (display) view->tree->HoldRedraw(true);
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/byte_origins.h"
 #include "core/engine.h"
 #include "core/line_facts.h"
 #include "core/output_file.h"
@@ -56,7 +57,7 @@ LineHandle ShowLine(DecodeContext* context, LineHandle parent, const char* text,
 
 bool OutsideRangeFilter(const DecodeContext* context, ByteRange range) {
   if (!context->rangeFilterOn) return false;
-  const int64_t offset = RangeOffset(range);
+  const int64_t offset = RangeOffset(RangeInFrame(context, range));
   return offset < context->rangeFilterStart ||
          offset >= int64_t{context->rangeFilterStart} + context->rangeFilterLength;
 }
@@ -127,8 +128,9 @@ DecodeContext* CreateDecodeContext() {
   auto* context = static_cast<DecodeContext*>(std::calloc(1, sizeof(DecodeContext)));
   if (!context) return nullptr;
   context->rangeTable = static_cast<ByteRange*>(std::calloc(kFirstRangeCapacity, sizeof(ByteRange)));
-  if (!context->rangeTable) {
-    std::free(context);
+  context->origins = CreateByteOrigins();
+  if (!context->rangeTable || !context->origins) {
+    DestroyDecodeContext(context);
     return nullptr;
   }
   context->rangeCapacity = kFirstRangeCapacity;
@@ -140,6 +142,7 @@ DecodeContext* CreateDecodeContext() {
 void DestroyDecodeContext(DecodeContext* context) {
   if (!context) return;
   KeepFacts(context, false);
+  DestroyByteOrigins(context->origins);
   std::free(context->rangeTable);
   std::free(context->derived);
   std::free(context);
@@ -210,7 +213,7 @@ ByteRange ExtendDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, i
   if (!stored) return 0;
   *stored = MakeByteRange(RangeKind(*stored), RangeOffset(*stored),
                           static_cast<int32_t>(RangeLength(*stored) + static_cast<uint32_t>(extraLength)));
-  return *stored;
+  return RangeInFrame(view->context, *stored);
 }
 
 int32_t GetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRange* out) {
@@ -219,13 +222,20 @@ int32_t GetDecodeLineRange(View* view, DecodeTree* tree, LineHandle line, ByteRa
   const uint32_t index = tree->RangeIndex(line);
   const ByteRange* stored = index == 0 ? nullptr : StoredRange(view->context, index);
   if (!stored) return 0;
-  *out = *stored;
+  *out = RangeInFrame(view->context, *stored);
   return 1;
 }
 
 ByteRange RangeOfLine(const DecodeContext* context, const DecodeTree* tree, LineHandle line) {
   const ByteRange* stored = StoredRange(context, tree->RangeIndex(line));
-  return stored ? *stored : 0;
+  return stored ? RangeInFrame(context, *stored) : 0;
+}
+
+OwnRange OwnRangeOfLine(const DecodeContext* context, const DecodeTree* tree, LineHandle line, BytePiece* earlier,
+                        int32_t mostEarlier) {
+  const ByteRange* stored = StoredRange(context, tree->RangeIndex(line));
+  if (!stored) return {};
+  return FindOwnRange(context, *stored, earlier, mostEarlier);
 }
 
 DerivedLines::DerivedLines(const View* view) : context_(view->context), first_(context_->rangeCount) {

@@ -2,6 +2,7 @@
 // routes each line into the tree, the print file, the text file or the find. Outside display mode every tree-editing
 // operation does nothing and every query gives 0 or empty text, so decoders never test the mode.
 #pragma once
+#include "core/byte_origins.h"
 #include "core/context.h"
 #include "core/levels.h"
 
@@ -48,6 +49,10 @@ class DerivedLines {
   uint32_t first_;
 };
 bool IsDerived(const DecodeContext* context, uint32_t rangeIndex);
+
+// The same with the pieces of it that earlier packets brought, of which as many are given as fit.
+OwnRange OwnRangeOfLine(const DecodeContext* context, const DecodeTree* tree, LineHandle line, BytePiece* earlier,
+                        int32_t mostEarlier);
 
 LineHandle GetLastDecodeLine(View* view, DecodeTree* tree);   // in display order
 int32_t GetLastDecodeLineRange(View* view, DecodeTree* tree, ByteRange* out);

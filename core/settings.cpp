@@ -73,6 +73,10 @@ int32_t ReadSettings(Settings* settings, const SettingsSource& source) {
   const int64_t modern = read.Number("Modern", 0) != 0;   // what the others are where they are not given
   settings->dnsRecords = read.Number("DnsRecords", modern) != 0;
   settings->ignoreChecksums = read.Number("IgnoreChecksums", modern) != 0;
+  settings->reassembly = read.Number("Reassembly", 0) != 0;
+  read.Text("TlsKeyLog", settings->tlsKeyLog, sizeof settings->tlsKeyLog);
+  read.Text("RadiusSecret", settings->radiusSecret, sizeof settings->radiusSecret);
+  read.Text("TacacsSecret", settings->tacacsSecret, sizeof settings->tacacsSecret);
   return read.unreadable;
 }
 

@@ -37,6 +37,9 @@ struct Settings {
   bool characterSet;            // character translation in hex dumps
   bool dnsRecords;              // every type of DNS record with its fields
   bool ignoreChecksums;         // bad ones are shown and end nothing
+  bool reassembly;              // messages over segments and fragments are joined
+  char tlsKeyLog[1024];         // the file with the secrets of TLS connections; whoever decrypts reads it
+  char radiusSecret[256], tacacsSecret[256];   // what clients and servers share
 };
 
 // Where settings come from: the value of a name, 1 when there is one.

@@ -264,6 +264,61 @@ void StateTable::Revise(const void* key, int32_t back, const void* value) {
 
 void StateTable::Forget(const void* key) { Drop(Find(key)); }
 
+// Moves a value's bytes to a block that has room for as many.
+bool StateTable::Reserve(Kept* kept, uint32_t wanted) {
+  auto* moved = static_cast<uint8_t*>(wanted ? Take(wanted) : nullptr);
+  if (wanted && !moved) return false;
+  if (kept->length) std::memcpy(moved, kept->data, kept->length);
+  if (kept->data) bytesHeld_ -= kept->capacity + kBlockOverhead;
+  Give(kept->data, kept->capacity);
+  kept->data = moved;
+  kept->capacity = wanted;
+  if (moved) bytesHeld_ += wanted + kBlockOverhead;
+  return true;
+}
+
+bool StateTable::Extend(const void* key, const StateBytes& more) {
+  const uint32_t number = Find(key);
+  if (!number || !row_->bounds.mostBytes || At(number)->count == 0) return false;
+  MakeNewest(number);
+  Kept* kept = KeptOf(Slot(At(number), 1));
+  const uint64_t length = uint64_t{kept->length} + more.length;
+  if (length > row_->bounds.mostBytes) return false;
+  if (length > kept->capacity) {
+    const uint64_t grown = length + length / 2;   // few moves for many small additions
+    const uint32_t wanted = RoundUp(static_cast<uint32_t>(grown), 32);
+    while (!Reserve(kept, wanted)) {
+      if (oldest_ == number) return false;
+      Drop(oldest_);
+    }
+    while (bytesHeld_ > row_->bounds.mostBytes && oldest_ != number) Drop(oldest_);
+    if (bytesHeld_ > row_->bounds.mostBytes) return Drop(number), false;
+  }
+  if (more.length) std::memcpy(kept->data + kept->length, more.data, more.length);
+  kept->length = static_cast<uint32_t>(length);
+  return true;
+}
+
+void StateTable::DropFront(const void* key, uint32_t count) {
+  const uint32_t number = Find(key);
+  if (!number || !row_->bounds.mostBytes || At(number)->count == 0) return;
+  Kept* kept = KeptOf(Slot(At(number), 1));
+  kept->length = count < kept->length ? kept->length - count : 0;
+  if (kept->length) std::memmove(kept->data, kept->data + count, kept->length);
+  const uint32_t wanted = RoundUp(kept->length, 32);
+  if (kept->capacity / 4 > wanted) Reserve(kept, wanted);
+}
+
+void StateTable::KeepLast(const void* key, uint32_t count) {
+  const uint32_t number = Find(key);
+  if (!number) return;
+  Entry* entry = At(number);
+  if (count == 0) return Drop(number);
+  if (count >= entry->count) return;
+  entry->first = static_cast<uint16_t>((entry->first + entry->count - count) % entry->capacity);
+  entry->count = static_cast<uint16_t>(count);
+}
+
 void StateTable::Clear() {
   while (oldest_) Drop(oldest_);
   while (chunkCount_) Give(chunks_[--chunkCount_], (size_t{1} << chunkShift_) * entrySize_);

@@ -54,6 +54,12 @@ class StateTable {
   // Puts another value in the place of the one that Recall gives for `back`; its bytes stay.
   void Revise(const void* key, int32_t back, const void* value);
   void Forget(const void* key);
+  // Adds to the bytes of the key's last value; false when there is no value, no memory, or the table's bytes ended over it.
+  bool Extend(const void* key, const StateBytes& more);
+  // Takes bytes off the front of the key's last value.
+  void DropFront(const void* key, uint32_t count);
+  // Forgets all but the key's last `count` values.
+  void KeepLast(const void* key, uint32_t count);
   // Forgets all and gives the memory back.
   void Clear();
 
@@ -78,6 +84,7 @@ class StateTable {
   void Grow(Entry* entry);
   void DropRing(Entry* entry);
   bool Keep(Entry* entry, const StateBytes& bytes);
+  bool Reserve(Kept* kept, uint32_t wanted);
   void MakeNewest(uint32_t number);
   void Unlink(uint32_t number);
   void Drop(uint32_t number);

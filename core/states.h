@@ -97,6 +97,13 @@ bool RecallFromHost(const View* view, StateId<void, Value> id, Value* value, Sta
   return known;
 }
 
+// The table itself, for who keeps state that no look-up shows as it is: what is made of it must be recorded, by
+// RecallFromHost, and nothing may be told to it in a replay.
+template <class Key, class Value>
+StateTable& UnrecordedTable(const View* view, StateId<Key, Value> id) {
+  return detail::StatesOf(view).tables[id.row];
+}
+
 // Whether look-ups are answered from a record: the host is told nothing then.
 inline bool Replays(const View* view) {
   const StateRecorder* recorder = detail::StatesOf(view).recorder;

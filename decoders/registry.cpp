@@ -5,6 +5,7 @@
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/rtp_summary.h"
 #include "decoders/link/llc.h"
+#include "decoders/message_lengths.h"
 
 namespace qxview {
 
@@ -24,6 +25,12 @@ struct Door {
 struct DoorPair {   // a port on both transports
   Door tcp, udp;
 };
+struct MessageForm {   // how long its messages over TCP are
+  MessageLengthFunction length;
+  bool runs;
+};
+constexpr MessageForm Messages(MessageLengthFunction length) { return {length, false}; }
+constexpr MessageForm MessageRuns(MessageLengthFunction length) { return {length, true}; }
 constexpr Door Medium(uint32_t key) { return {DoorKind::kMedium, key}; }
 constexpr Door Encapsulation(uint32_t key) { return {DoorKind::kEncapsulation, key}; }
 constexpr Door Llc(uint32_t service) { return {DoorKind::kLlc, service}; }
@@ -49,6 +56,9 @@ consteval Protocol MakeProtocol(const ProtocolRow& row, const Doors&... doors) {
     if constexpr (std::is_same_v<std::remove_cvref_t<decltype(door)>, DoorPair>) {
       made.doors[made.doorCount++] = door.tcp;
       made.doors[made.doorCount++] = door.udp;
+    } else if constexpr (std::is_same_v<std::remove_cvref_t<decltype(door)>, MessageForm>) {
+      made.messageLength = door.length;
+      made.takesRuns = door.runs;
     } else {
       made.doors[made.doorCount++] = door;
     }

@@ -9,6 +9,8 @@
 #include "decoders/app/http_message.h"
 #include "decoders/app/socks.h"
 #include "decoders/app/ssh.h"
+#include "decoders/net/ip_fragments.h"
+#include "decoders/net/tcp_streams.h"
 #include "decoders/net/window_scales.h"
 #include "decoders/quic/qpack.h"
 #include "decoders/quic/quic_streams.h"

@@ -93,9 +93,12 @@ int32_t QxView_LineRange(void* view, uintptr_t line, int32_t* offset, uint32_t* 
   const bool held = view && TreeOf(view).Holds(line);
   const uint32_t index = held ? TreeOf(view).RangeIndex(line) : 0;
   // A line that a user decoder library added may have any index.
+  ByteRange own;
   const ByteRange* range = nullptr;
   if (held && index < ViewOf(view)->session->Context().rangeCount) {
-    range = &ViewOf(view)->session->Context().rangeTable[index];
+    const DecodeContext& context = ViewOf(view)->session->Context();
+    own = RangeInFrame(&context, context.rangeTable[index]);
+    range = &own;
   }
   SplitByteRange(range, kind, offset, length);
   return range != nullptr;

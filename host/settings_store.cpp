@@ -16,7 +16,7 @@ struct KnownSetting {
 };
 
 constexpr int64_t kAny = 0xFFFFFFFF;
-constexpr int64_t kLibrary = 127;
+constexpr int64_t kLibrary = 127, kPath = 1023, kSecret = 255;
 constexpr KnownSetting kKnown[] = {
     {"CustomLibrary0", Kind::kText, kLibrary},     {"CustomLibrary1", Kind::kText, kLibrary},
     {"CustomLibrary2", Kind::kText, kLibrary},     {"CustomLibrary3", Kind::kText, kLibrary},
@@ -39,6 +39,8 @@ constexpr KnownSetting kKnown[] = {
     {"CharacterSet", Kind::kNumber, kAny},        {"MibPath", Kind::kText, 0},
     {"MibModules", Kind::kText, 0},               {"Modern", Kind::kNumber, kAny},
     {"DnsRecords", Kind::kNumber, kAny},          {"IgnoreChecksums", Kind::kNumber, kAny},
+    {"Reassembly", Kind::kNumber, kAny},          {"TlsKeyLog", Kind::kText, kPath},
+    {"RadiusSecret", Kind::kText, kSecret},       {"TacacsSecret", Kind::kText, kSecret},
 };
 
 const KnownSetting* FindKnown(const std::string& name) {

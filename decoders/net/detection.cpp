@@ -8,6 +8,7 @@
 #include "decoders/net/learn.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/recognisers.h"
+#include "decoders/net/stream_messages.h"
 #include "decoders/quic/quic.h"
 #include "decoders/tls/tls.h"
 
@@ -67,7 +68,11 @@ void DecodeRecognised(const Place& at, const Cursor& c, int32_t identifier) {
   const char* name = known.text[0] || !row ? known.text : row->name;
   char title[kProtocolNameSize + 8];
   FormatInto(title, sizeof title, "%s Data", name);
-  CallDecoder(Deeper(at), c, row ? row->decode : nullptr, title);
+  if (JoinsMessages(at, row)) {
+    ShowStreamMessages(Deeper(at), c, *row, title);
+  } else {
+    CallDecoder(Deeper(at), c, row ? row->decode : nullptr, title);
+  }
 }
 
 int32_t DetectOverTcp(const Place& at, const Cursor& c, const Offered& offered) {

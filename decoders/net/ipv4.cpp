@@ -13,6 +13,7 @@
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/ah.h"
 #include "decoders/net/ip_protocol_names.h"
+#include "decoders/net/ip_fragments.h"
 #include "decoders/net/ipv4_parts.h"
 #include "decoders/net/pseudo_head.h"
 #include "decoders/net/quoted.h"
@@ -157,6 +158,26 @@ void RecordNetwork(PacketState& packet, const Header& header) {
   network.fragmented = header.moreFragments || header.fragmentOffset > 0;
 }
 
+// The payload of the whole datagram for that of its fragment; false while fragments are missing.
+[[gnu::noinline]] bool JoinFragments(const Place& at, Cursor& payload, const Header& header) {
+  const uint32_t identification = PeekU16(header.start, 4);
+  Cursor joined;
+  const FragmentRun run = TakeIpFragment(at, payload, identification, header.protocol, header.fragmentOffset,
+                                         header.moreFragments, &joined);
+  TellFragments(Deeper(at), payload, run);
+  if (Left(joined) < 1) {
+    ReachLayer(at, DispatchTable::kIpFragment, header.protocol | header.fragmentOffset << 8, payload);
+    return false;
+  }
+  payload = joined;
+  NetworkState& network = PacketOf(at).network;
+  network.fragmented = network.moreFragments = false;
+  network.fragmentOffset = 0;
+  network.totalLength = run.length;
+  network.pseudoHead = PseudoHeadOf(header.start.at, header.protocol, static_cast<uint32_t>(run.length) & 0xFFFF);
+  return true;
+}
+
 // Authentication headers stand in front of the transport and are none of its data: its pseudo-header has its own
 // protocol and length. False when nothing may follow.
 [[gnu::noinline]] bool DecodeAuthentication(const Place& at, Cursor& c, const Header& header, uint8_t& protocol) {
@@ -180,8 +201,11 @@ int32_t DecodePayload(const Place& at, Cursor c, const Header& header) {
   Cursor payload = TakeCursor(c, header.payloadLength);
   if (Left(payload) < 1) return 1;
   payload.begin = payload.offset;
-  if (header.fragmentOffset > 0) return ShowFragment(at, payload, header);
+  const bool isFragment = header.moreFragments || header.fragmentOffset > 0;
+  const bool joins = isFragment && JoinsFragments(at) && Left(payload) == header.payloadLength;
+  if (header.fragmentOffset > 0 && !joins) return ShowFragment(at, payload, header);
   RecordNetwork(packet, header);
+  if (joins && !JoinFragments(at, payload, header)) return 1;
   if (!packet.quoted && OfferPayload(at, PayloadHook::kIp, payload)) return 1;
   uint8_t protocol = header.protocol;
   const Place deeper = Deeper(at);

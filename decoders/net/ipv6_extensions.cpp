@@ -7,7 +7,9 @@
 //   ESP        0  security parameters index (32)   4  sequence number (32)   8  encrypted payload
 #include "decoders/net/ipv6_extensions.h"
 
+#include "decoders/net/ip_fragments.h"
 #include "decoders/net/ip_protocol_names.h"
+#include "decoders/net/ipv6_checksum.h"
 
 namespace qxview {
 namespace {
@@ -160,6 +162,27 @@ bool DecodeRoutingHeader(const Place& at, Cursor& c, HeaderChain& chain) {
   return Left(c) > 0;
 }
 
+namespace {
+
+// Goes on with what the whole packet carries; false while fragments are missing.
+bool JoinFragments(const Place& at, Cursor& c, HeaderChain& chain, uint32_t identification) {
+  NetworkState& network = PacketOf(at).network;
+  Cursor joined;
+  const FragmentRun run = TakeIpFragment(at, c, identification, static_cast<uint8_t>(chain.nextHeader),
+                                         network.fragmentOffset, network.moreFragments, &joined);
+  TellFragments(Deeper(at), c, run);
+  if (Left(joined) < 1) return false;
+  c = joined;
+  chain.payloadLength = run.length;
+  network.fragmented = network.moreFragments = false;
+  network.fragmentOffset = 0;
+  network.pseudoHead = IPv6PseudoHeadOf(chain.source, chain.destination, static_cast<uint8_t>(chain.nextHeader),
+                                        static_cast<uint32_t>(run.length));
+  return true;
+}
+
+}  // namespace
+
 bool DecodeFragmentHeader(const Place& at, Cursor& c, HeaderChain& chain) {
   constexpr int32_t kSize = 8;
   const Place in = Under(at, AddLine(at, CapturedPart(c, kSize), "IPv6 Fragment Header: %u bytes", kSize));
@@ -182,6 +205,11 @@ bool DecodeFragmentHeader(const Place& at, Cursor& c, HeaderChain& chain) {
     network.moreFragments = more.value != 0;
     PacketOf(at).ipProtocol = static_cast<uint8_t>(chain.nextHeader);
     ReachLayer(at, DispatchTable::kIpFragment, (chain.nextHeader & 0xFF) | network.fragmentOffset << 8, c);
+  }
+  const int64_t declared = chain.payloadLength - Taken(c);
+  if (identification.here && JoinsFragments(at) && declared > 0 && declared <= Left(c)) {
+    c = TakeCursor(c, declared);
+    return JoinFragments(at, c, chain, identification.value);
   }
   AddRawRest(at, c, "Fragment Data");
   return false;

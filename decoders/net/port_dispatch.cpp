@@ -9,6 +9,8 @@
 #include "decoders/link/wake_on_lan.h"
 #include "decoders/net/detection.h"
 #include "decoders/net/dynamic_udp.h"
+#include "decoders/net/stream_messages.h"
+#include "decoders/net/tcp_streams.h"
 #include "decoders/quic/quic.h"
 #include "decoders/states.h"
 #include "decoders/tls/tls.h"
@@ -161,7 +163,12 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
   const auto name = ProtocolName(at.view, identifier);
   char title[kProtocolNameSize + 8];
   FormatInto(title, sizeof title, "%s Data", name);
-  CallDecoder(Deeper(at), c, row ? row->decode : nullptr, name.text[0] ? title : unnamed);
+  const char* shown = name.text[0] ? title : unnamed;
+  if (JoinsMessages(at, row)) {
+    ShowStreamMessages(Deeper(at), c, *row, shown);
+  } else {
+    CallDecoder(Deeper(at), c, row ? row->decode : nullptr, shown);
+  }
   return 1;
 }
 
@@ -192,6 +199,20 @@ ShortText<kProtocolNameSize> ProtocolName(const View* view, int32_t identifier) 
   if (identifier < 1 || !displayName) return name;
   if (displayName(host->user, identifier, name.text, sizeof name.text) != 1) name.text[0] = 0;
   return name;
+}
+
+void NoteTcpSegment(const Place& at, const Cursor& c, int32_t identifier, uint32_t acknowledgement) {
+  constexpr uint32_t kFin = 1, kSyn = 2, kRst = 4, kAck = 16;
+  const bool builtin = identifier >= 1 && (identifier & kBuiltinProtocol);
+  const DecoderRow* row = builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+  if (!JoinsMessages(at, row)) return;
+  const TcpSegment& segment = PacketOf(at).segment;
+  if (segment.flags & kAck) AcknowledgeTcpStream(at, acknowledgement);
+  if (segment.flags & kSyn) BeginTcpStream(at, segment.sequence, static_cast<uint16_t>(row->key));
+  if (Left(c) > 0 || !(segment.flags & (kFin | kRst))) return;
+  char title[kProtocolNameSize + 8];
+  FormatInto(title, sizeof title, "%s Data", ProtocolName(at.view, identifier));
+  ShowStreamMessages(Deeper(at), c, *row, title);
 }
 
 int32_t DispatchTcpPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource) {

@@ -27,4 +27,8 @@ ShortText<kProtocolNameSize> ProtocolName(const View* view, int32_t identifier);
 int32_t DispatchTcpPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource);
 int32_t DispatchUdpPayload(const Place& at, Cursor c, int32_t identifier);
 
+// What a segment tells of its connection's streams beside its payload, for messages that span segments: where they begin
+// and end, and what its receiver has. PacketState::segment is set.
+void NoteTcpSegment(const Place& at, const Cursor& c, int32_t identifier, uint32_t acknowledgement);
+
 }  // namespace qxview

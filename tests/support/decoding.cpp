@@ -190,7 +190,7 @@ std::string TestView::Text(bool dumps) const {
   std::string out;
   const std::function<void(LineHandle, int)> add = [&](LineHandle parent, int depth) {
     for (LineHandle line = tree_->FirstChild(parent); line; line = tree_->NextSibling(line)) {
-      const ByteRange range = view_.context->rangeTable[tree_->RangeIndex(line)];
+      const ByteRange range = RangeInFrame(view_.context, view_.context->rangeTable[tree_->RangeIndex(line)]);
       const bool dump = tree_->Image(line) == kBitFieldImage && RangeKind(range) == kRawDataKind;
       if (!dump || dumps) {
         out += std::string(static_cast<size_t>(2 * depth), ' ') + tree_.Text(line) + " {";

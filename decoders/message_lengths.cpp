@@ -1,0 +1,112 @@
+#include "decoders/message_lengths.h"
+
+#include "decoders/app/tls_record.h"
+#include "decoders/common/ber_reader.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kMostMessage = 1 << 24;   // what is longer is taken for no message
+
+int32_t Checked(int64_t length) { return length > kMostMessage ? kNoMessage : static_cast<int32_t>(length); }
+
+// The next element of the basic encoding rules, of at most four octets of length.
+int32_t LengthOfBer(const Cursor& c) {
+  if (Left(c) < 2) return 0;
+  const uint32_t first = PeekU8(c, 1);
+  if (first < 0x80) return 2 + static_cast<int32_t>(first);
+  const int32_t octets = static_cast<int32_t>(first & 0x7F);
+  if (octets < 1 || octets > 4) return kNoMessage;
+  return Left(c) < 2 + octets ? 0 : PeekBer(c).here ? Checked(PeekBer(c).size) : kNoMessage;
+}
+
+}  // namespace
+
+int32_t LengthOfDnsOverTcp(const Cursor& c) {
+  constexpr uint32_t kHeader = 12, kHighestOperation = 6;
+  if (Left(c) < 2) return 0;
+  if (PeekU16(c) < kHeader || (PeekU16(c, 4) >> 11 & 15) > kHighestOperation) return kNoMessage;
+  return 2 + static_cast<int32_t>(PeekU16(c));
+}
+
+int32_t LengthOfDceRpc(const Cursor& c) {
+  constexpr uint32_t kVersion = 5, kLastType = 19, kHeader = 16, kLittleEndian = 0x10;
+  if (PeekU8(c) != kVersion || PeekU8(c, 1) > 1 || PeekU8(c, 2) > kLastType) return kNoMessage;
+  if (Left(c) < 10) return 0;
+  if ((PeekU8(c, 4) & ~kLittleEndian) != 0 || PeekU8(c, 5) > 3 || PeekU16(c, 6) != 0) return kNoMessage;
+  const uint32_t length = PeekU8(c, 4) & kLittleEndian ? PeekLittleU16(c, 8) : PeekU16(c, 8);
+  return length < kHeader ? kNoMessage : static_cast<int32_t>(length);
+}
+
+int32_t LengthOfNetBiosSession(const Cursor& c) {
+  constexpr uint32_t kMessage = 0, kRequest = 0x81, kKeepAlive = 0x85;
+  const uint32_t type = PeekU8(c);
+  if ((type != kMessage && (type < kRequest || type > kKeepAlive)) || PeekU8(c, 1) > 1) return kNoMessage;
+  return Left(c) < 4 ? 0 : 4 + static_cast<int32_t>(PeekU24(c, 1) & 0x1FFFF);
+}
+
+int32_t LengthOfSmbOverTcp(const Cursor& c) {
+  constexpr uint32_t kMessage = 0, kKeepAlive = 0x85, kFirstMarker = 0xFC;
+  if (PeekU8(c) != kMessage && PeekU8(c) != kKeepAlive) return kNoMessage;
+  if (Left(c) < 8 && PeekU24(c, 1) > 0) return 0;
+  const bool marked = PeekU8(c, 4) >= kFirstMarker && PeekIs(c, 5, "SMB");
+  return marked || PeekU24(c, 1) == 0 ? 4 + static_cast<int32_t>(PeekU24(c, 1)) : kNoMessage;
+}
+
+int32_t LengthOfLdap(const Cursor& c) {
+  if (PeekU8(c) == kAsnSequence) return LengthOfBer(c);
+  if (PeekU8(c) != 0) return LengthOfTlsRecord(c);   // behind a StartTLS
+  return Left(c) < 4 ? 0 : PeekU32(c) > 0 ? 4 + static_cast<int32_t>(PeekU32(c)) : kNoMessage;   // a SASL buffer
+}
+
+int32_t LengthOfKerberosOverTcp(const Cursor& c) {
+  constexpr uint32_t kMost = 1 << 20;
+  if (Left(c) < 4) return 0;
+  return PeekU32(c) == 0 || PeekU32(c) > kMost ? kNoMessage : 4 + static_cast<int32_t>(PeekU32(c));
+}
+
+int32_t LengthOfSnmpOverTcp(const Cursor& c) { return PeekU8(c) == kAsnSequence ? LengthOfBer(c) : kNoMessage; }
+
+int32_t LengthOfSmux(const Cursor& c) {
+  constexpr uint32_t kApplication = 0x40, kContext = 0xA0;
+  const uint32_t tag = PeekU8(c);
+  const bool known = (tag & 0xC0) == kApplication ? (tag & 0x1F) <= 4 : tag >= kContext && tag <= kContext + 8;
+  return known ? LengthOfBer(c) : kNoMessage;
+}
+
+int32_t LengthOfDiameter(const Cursor& c) {
+  constexpr uint32_t kHeader = 20;
+  if (PeekU8(c) != 1) return kNoMessage;
+  if (Left(c) < 5) return 0;
+  const uint32_t length = PeekU24(c, 1);
+  return length < kHeader || length % 4 != 0 || (PeekU8(c, 4) & 0x0F) != 0 ? kNoMessage : static_cast<int32_t>(length);
+}
+
+int32_t LengthOfAgentX(const Cursor& c) {
+  constexpr uint32_t kLastType = 18, kNetworkByteOrder = 0x10;
+  if (PeekU8(c) != 1 || PeekU8(c, 1) > kLastType || PeekU8(c, 3) != 0) return kNoMessage;
+  if (Left(c) < 20) return 0;
+  const uint32_t payload = PeekU8(c, 2) & kNetworkByteOrder ? PeekU32(c, 16) : PeekLittleU32(c, 16);
+  return payload % 4 == 0 ? Checked(int64_t{20} + payload) : kNoMessage;
+}
+
+int32_t LengthOfIpfix(const Cursor& c) {
+  constexpr uint32_t kVersion = 10, kHeader = 16;
+  if (Left(c) < 4) return 0;
+  return PeekU16(c) != kVersion || PeekU16(c, 2) < kHeader ? kNoMessage : static_cast<int32_t>(PeekU16(c, 2));
+}
+
+int32_t LengthOfTacacsPlus(const Cursor& c) {
+  constexpr uint32_t kMajorVersion = 0xC, kLastType = 3, kMost = 1 << 16;
+  if (PeekU8(c) >> 4 != kMajorVersion || PeekU8(c, 1) > kLastType) return kNoMessage;
+  return Left(c) < 12 ? 0 : PeekU32(c, 8) > kMost ? kNoMessage : 12 + static_cast<int32_t>(PeekU32(c, 8));
+}
+
+int32_t LengthOfTlsRecord(const Cursor& c) {
+  constexpr int32_t kHeader = 5;
+  if (Left(c) >= kHeader) return StartsTlsRecord(c) ? kHeader + static_cast<int32_t>(PeekU16(c, 3)) : kNoMessage;
+  const bool may = PeekU8(c) >= 20 && PeekU8(c) <= 24 && (Left(c) < 2 || PeekU8(c, 1) == 3);
+  return may ? 0 : kNoMessage;
+}
+
+}  // namespace qxview

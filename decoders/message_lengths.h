@@ -1,0 +1,26 @@
+// How long messages over TCP are, for the rows of the registry: Messages(LengthOf...). Each function is given the bytes
+// from a message's start on, as many as there are, and says its length with its header; 0 while they are too few to tell,
+// kNoMessage when they start none. They are strict: where a stream is met in its middle, what they take for a header
+// decides what is waited for.
+#pragma once
+#include "core/dispatch.h"
+
+namespace qxview {
+
+int32_t LengthOfDnsOverTcp(const Cursor& c);
+int32_t LengthOfDceRpc(const Cursor& c);
+int32_t LengthOfNetBiosSession(const Cursor& c);
+int32_t LengthOfSmbOverTcp(const Cursor& c);
+int32_t LengthOfLdap(const Cursor& c);
+int32_t LengthOfKerberosOverTcp(const Cursor& c);
+int32_t LengthOfSnmpOverTcp(const Cursor& c);
+int32_t LengthOfSmux(const Cursor& c);
+int32_t LengthOfDiameter(const Cursor& c);
+int32_t LengthOfAgentX(const Cursor& c);
+int32_t LengthOfIpfix(const Cursor& c);
+int32_t LengthOfTacacsPlus(const Cursor& c);
+int32_t LengthOfTlsRecord(const Cursor& c);
+int32_t LengthOfHttp(const Cursor& c);
+int32_t LengthOfSip(const Cursor& c);   // and RTSP
+
+}  // namespace qxview

@@ -1,0 +1,157 @@
+#include "decoders/net/ip_fragments.h"
+
+#include <cstring>
+
+#include "decoders/states.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kMostPayload = 65535;
+
+// The fragments of one datagram, the one that came first in front.
+struct Fragments {
+  const IpFragment* of[kMostFragments];
+  Cursor spans[kMostFragments];
+  int32_t count;
+};
+
+Fragments RecallFragments(StateTable& table, const RequestKey& key) {
+  Fragments known;
+  known.count = 0;
+  int32_t back = 0;
+  while (back < kMostFragments && table.Recall(&key, back + 1, nullptr)) ++back;
+  for (; back > 0; --back) {
+    StateBytes bytes{};
+    const auto* fragment = static_cast<const IpFragment*>(table.Recall(&key, back, &bytes));
+    known.of[known.count] = fragment;
+    known.spans[known.count++] = MakeCursor(bytes.data, fragment->offset, static_cast<int32_t>(bytes.length));
+  }
+  return known;
+}
+
+// The first that came of those that hold this byte; -1 for none.
+int32_t FindHolder(const Fragments& known, int32_t at) {
+  for (int32_t i = 0; i < known.count; ++i) {
+    if (known.spans[i].offset <= at && at - known.spans[i].offset < known.spans[i].left) return i;
+  }
+  return -1;
+}
+
+// Adds them up: how many bytes there are, and where the payload ends as far as that is known.
+void Count(const Fragments& known, FragmentRun& run, int32_t& end) {
+  end = 0;
+  for (int32_t i = 0; i < known.count; ++i) {
+    run.kept += known.spans[i].left;
+    if (known.of[i]->isLast) end = known.spans[i].offset + known.spans[i].left;
+  }
+  run.needed = end > run.kept ? end - run.kept : 0;
+}
+
+// Joins them behind the pieces that they make; false when some are missing.
+bool Join(const Fragments& known, int32_t end, FragmentRun& run, BytePiece* pieces, uint8_t* payload) {
+  for (int32_t at = 0; at < end; ++run.pieceCount) {
+    const int32_t holder = FindHolder(known, at);
+    if (holder < 0 || run.pieceCount == kMostFragments) return false;
+    Cursor bytes = known.spans[holder];
+    const int32_t front = at - bytes.offset;
+    TakeBytes(bytes, front);
+    int32_t length = Left(bytes) < end - at ? Left(bytes) : end - at;
+    for (int32_t i = 0; i < holder; ++i) {   // what came earlier starts within
+      const int32_t start = known.spans[i].offset;
+      if (start > at && start - at < length) length = start - at;
+    }
+    const BytePiece& from = known.of[holder]->piece;
+    const BytePiece piece{from.packet, from.offset + front, length};
+    std::memcpy(pieces + run.pieceCount, &piece, sizeof piece);
+    std::memcpy(payload + at, bytes.at, static_cast<size_t>(length));
+    at += length;
+  }
+  const Cursor whole = MakeCursor(payload, 0, end);
+  for (int32_t i = 0; i < known.count; ++i) {
+    for (int32_t j = 0; j < known.spans[i].left; ++j) {
+      run.differing += PeekU8(whole, known.spans[i].offset + j) != PeekU8(known.spans[i], j);
+    }
+  }
+  run.overlapping = run.kept > end ? run.kept - end : 0;
+  run.length = end;
+  return true;
+}
+
+// Whether the fragment is not kept yet: it may be decoded twice.
+bool IsNew(const Fragments& known, int64_t packet, uint32_t offset) {
+  for (int32_t i = 0; i < known.count; ++i) {
+    if (known.of[i]->piece.packet == packet && static_cast<uint32_t>(known.of[i]->offset) == offset) return false;
+  }
+  return true;
+}
+
+FragmentRun Take(const Place& at, const Cursor& c, const RequestKey& key, uint32_t offset, bool moreFollow,
+                 StateBytes* given) {
+  StateTable& table = UnrecordedTable(at.view, kIpFragments);
+  const int64_t packet = at.view->context->packetNumber;
+  Fragments known = RecallFragments(table, key);
+  if (IsNew(known, packet, offset)) {
+    // The identification is used again, or far too many came.
+    if (known.count == kMostFragments || (known.count > 0 && known.of[known.count - 1]->isDone)) table.Forget(&key);
+    const IpFragment own{{packet, c.offset, Left(c)}, static_cast<int32_t>(offset), !moreFollow, false};
+    table.Remember(&key, &own, {c.at, static_cast<uint32_t>(Left(c))});
+    known = RecallFragments(table, key);
+  }
+  FragmentRun run{};
+  int32_t end;
+  Count(known, run, end);
+  if (end == 0 || run.kept < end || end > kMostPayload) return run;
+  constexpr size_t kPieces = kMostFragments * sizeof(BytePiece);
+  uint8_t* memory = TakeFrameMemory(at.view, static_cast<int64_t>(kPieces) + end);
+  if (!memory || !Join(known, end, run, reinterpret_cast<BytePiece*>(memory), memory + kPieces)) {
+    run.pieceCount = 0;
+    return run;
+  }
+  IpFragment last = *known.of[known.count - 1];
+  last.isDone = true;
+  table.Revise(&key, 1, &last);
+  *given = {memory, static_cast<uint32_t>(kPieces) + static_cast<uint32_t>(end)};
+  return run;
+}
+
+}  // namespace
+
+bool JoinsFragments(const Place& at) {
+  return at.view->engine->settings.reassembly && !PacketOf(at).quoted && !at.view->context->headersOnly;
+}
+
+FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identification, uint8_t protocol, uint32_t offset,
+                           bool moreFollow, Cursor* joined) {
+  constexpr size_t kPieces = kMostFragments * sizeof(BytePiece);
+  RequestKey key{DirectionOf(PacketOf(at)), {identification, protocol, 0, 0}};
+  key.connection.ports[0] = key.connection.ports[1] = 0;
+  FragmentRun run{};
+  StateBytes bytes{};
+  RecallFromHost(at.view, kFragmentRuns, &run, &bytes, [&](FragmentRun* out, StateBytes* given) {
+    *out = Take(at, c, key, offset, moreFollow, given);
+    return true;
+  });
+  *joined = MakeCursor(nullptr, c.offset, 0);
+  if (run.length == 0 || bytes.length != kPieces + static_cast<size_t>(run.length)) return run;
+  auto* pieces = reinterpret_cast<BytePiece*>(TakeFrameMemory(at.view, kPieces));
+  if (!pieces) return run;
+  std::memcpy(pieces, bytes.data, kPieces);
+  *joined = JoinedBytes(at.view, bytes.data + kPieces, run.length, pieces, run.pieceCount, c.offset);
+  return run;
+}
+
+void TellFragments(const Place& at, const Cursor& c, const FragmentRun& run) {
+  const Field cover = Ahead(c, Left(c));
+  if (run.length == 0 && run.needed > 0) {
+    AddLine(at, cover, "Reassembly: %d bytes of fragments kept, %d more needed", run.kept, run.needed);
+  } else if (run.length == 0) {
+    AddLine(at, cover, "Reassembly: %d bytes of fragments kept, more needed", run.kept);
+  } else if (run.differing > 0) {
+    AddLine(at, cover, "Reassembly: %d bytes of fragments overlap, %d of them differ", run.overlapping, run.differing);
+  } else if (run.overlapping > 0) {
+    AddLine(at, cover, "Reassembly: %d bytes of fragments overlap", run.overlapping);
+  }
+}
+
+}  // namespace qxview

@@ -1,0 +1,40 @@
+// Fragments of datagrams of either IP version (RFC 791 section 3.2, RFC 8200 section 4.5), for the setting Reassembly:
+// they are kept until the last one has come, in whatever order, and the datagram is shown in that one's frame.
+#pragma once
+#include "core/byte_origins.h"
+#include "core/decoder.h"
+#include "decoders/net/connection_key.h"
+
+namespace qxview {
+
+constexpr int32_t kMostFragments = 256;   // of one datagram
+
+struct IpFragment {
+  BytePiece piece;
+  int32_t offset;      // in the datagram's payload
+  bool isLast;
+  bool isDone;         // with it all were there
+};
+
+// What becomes of a fragment.
+struct FragmentRun {
+  int32_t length;      // of the payload that all of them make; 0 while some are missing
+  int32_t kept;        // bytes
+  int32_t needed;      // bytes that are missing; 0 when that is not known
+  int32_t overlapping; // bytes that came more than once; the first ones count
+  int32_t differing;   // of those, how many were others
+  int32_t pieceCount;
+};
+
+// Whether the current packet's fragments are joined.
+bool JoinsFragments(const Place& at);
+
+// Takes in a fragment: the datagram's identification and protocol, where its bytes stand in the payload, and whether
+// more follow. `joined` gets the payload when it is whole, and is empty otherwise.
+FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identification, uint8_t protocol, uint32_t offset,
+                           bool moreFollow, Cursor* joined);
+
+// The line that says what the fragment waits for, or what the datagram was made of.
+void TellFragments(const Place& at, const Cursor& c, const FragmentRun& run);
+
+}  // namespace qxview

@@ -1,0 +1,318 @@
+// Messages over segments and datagrams over fragments: whatever order, overlaps and losses they come with.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "core/states.h"
+#include "decoders/net/ip_fragments.h"
+#include "decoders/net/tcp_streams.h"
+#include "decoders/states.h"
+#include "host/state_log.h"
+#include "tests/support/transport.h"
+
+namespace qxview::testing {
+namespace {
+
+Bytes Ascii(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+Bytes Part(const Bytes& bytes, size_t first, size_t length) {
+  first = std::min(first, bytes.size());
+  return Bytes(bytes.begin() + static_cast<ptrdiff_t>(first),
+               bytes.begin() + static_cast<ptrdiff_t>(std::min(first + length, bytes.size())));
+}
+
+constexpr uint8_t kFin = 1, kSyn = 2, kAckPush = 0x18;
+
+struct Reassembling : DefinitionsHost {
+  Reassembling() { settings = {{"Reassembly", "1"}, {"IgnoreChecksums", "1"}}; }
+};
+
+// Packets of a capture, decoded one after the other.
+struct Wire {
+  Reassembling host;
+  TestView view{&host};
+  uint64_t number = 0;
+
+  static Bytes SegmentOf(uint32_t sequence, const Bytes& payload, uint8_t flags, bool reply = false,
+                         uint16_t port = 40000, uint32_t acknowledgement = 1) {
+    TcpParts parts;
+    parts.sourcePort = reply ? 80 : port;
+    parts.destinationPort = reply ? port : 80;
+    parts.sequence = sequence;
+    parts.acknowledgement = acknowledgement;
+    parts.flags = flags;
+    parts.payload = payload;
+    Bytes datagram = IPv4(6, Tcp(parts));
+    if (reply) std::swap_ranges(datagram.begin() + 12, datagram.begin() + 16, datagram.begin() + 16);
+    return Ethernet(0x0800, datagram);
+  }
+  // The application's part of the tree.
+  std::string Show(const Bytes& frame, uint64_t packet) {
+    Record record(frame);
+    record->packetNumber = packet;
+    view.Decode(record);
+    std::string text = view.Text();
+    size_t at = text.find("\nTCP ");
+    if (at == std::string::npos) at = text.find("\nIP:");
+    for (++at; at < text.size(); ++at) {   // behind the lines under the header
+      at = std::min(text.find('\n', at), text.size() - 1);
+      if (at + 1 >= text.size() || text[at + 1] != ' ') break;
+    }
+    return text.substr(std::min(at + 1, text.size()));
+  }
+  std::string Send(uint32_t sequence, const Bytes& payload, uint8_t flags = kAckPush, bool reply = false) {
+    return Show(SegmentOf(sequence, payload, flags, reply), ++number);
+  }
+  void Acknowledge(uint32_t sequence) { Show(SegmentOf(1, {}, 0x10, true, 40000, sequence), ++number); }
+  size_t Memory() { return view.view().engine->states->memory.used; }
+};
+
+Bytes Post(const std::string& path, size_t length) {
+  return Ascii("POST /" + path + " HTTP/1.1\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n" +
+               std::string(length, 'x'));
+}
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+TEST(TcpReassembly, AMessageIsShownWhereItIsWhole) {
+  Wire wire;
+  const Bytes message = Post("first", 100), next = Post("next", 3);
+  EXPECT_EQ(wire.Send(1000, Part(message, 0, 18)), "Reassembly: 18 bytes kept, more needed {54+18}\n");
+  EXPECT_EQ(wire.Send(1018, Part(message, 18, 62)),
+            "Reassembly: 80 bytes kept, " + std::to_string(message.size() - 80) + " more needed {54+62}\n");
+  const Bytes last = Part(message, 80, 1000) + next + Part(next, 0, 10);
+  const std::string shown = wire.Send(1080, last);
+  const std::string own = std::to_string(message.size() - 80);
+  EXPECT_TRUE(shown.starts_with("HTTP - Request {54+" + own + "}\n  Request Line: POST /first HTTP/1.1 {54+0}\n")) << shown;
+  EXPECT_TRUE(Has(shown, "\n  Encoded Http Data {54+" + own + "}\nHTTP - Request {")) << shown;
+  EXPECT_TRUE(Has(shown, "Request Line: POST /next HTTP/1.1 {" + std::to_string(54 + message.size() - 80) + "+")) << shown;
+  EXPECT_TRUE(shown.ends_with("Reassembly: 10 bytes kept, more needed {" +
+                              std::to_string(54 + last.size() - 10) + "+10}\n")) << shown;
+
+  // The first line's bytes stood in two packets; the body's partly here.
+  BytePiece earlier[4];
+  const LineHandle top = wire.view.tree().FirstChild(0);
+  LineHandle http = top;
+  while (wire.view.LineText(http) != "HTTP - Request") http = wire.view.tree().NextSibling(http);
+  const OwnRange own1 = OwnRangeOfLine(&wire.view.context(), &wire.view.tree(), wire.view.tree().FirstChild(http), earlier, 4);
+  ASSERT_EQ(own1.earlierCount, 2);
+  EXPECT_EQ(earlier[0].packet * 1000 + earlier[0].offset, 1054);
+  EXPECT_EQ(earlier[0].length, 18);
+  EXPECT_EQ(earlier[1].packet * 1000 + earlier[1].offset, 2054);
+  EXPECT_EQ(earlier[1].length, 2);
+  EXPECT_TRUE(Has(wire.Send(1080 + static_cast<uint32_t>(last.size()), Part(next, 10, 1000)), "POST /next HTTP/1.1 {54+"));
+}
+
+TEST(TcpReassembly, WhatCameBeforeIsTold) {
+  Wire wire;
+  const Bytes message = Post("a", 40);
+  const uint32_t size = static_cast<uint32_t>(message.size());
+  wire.Send(1, Part(message, 0, 30));
+  EXPECT_EQ(wire.Send(1, Part(message, 0, 30)), "Reassembly: 30 bytes came before {54+30}\n");
+  Bytes other = Part(message, 20, 1000);
+  other[3] ^= 1;
+  const std::string shown = wire.Send(21, other);
+  EXPECT_TRUE(shown.starts_with("Reassembly: 10 bytes came before, 1 of them differ {54+10}\nHTTP - Request")) << shown;
+  EXPECT_TRUE(Has(shown, "POST /a HTTP/1.1")) << shown;
+  EXPECT_EQ(wire.Send(1, message), "Reassembly: " + std::to_string(size) + " bytes came before {54+" +
+                                       std::to_string(size) + "}\n");
+}
+
+TEST(TcpReassembly, AGapIsWaitedForAndGivenUp) {
+  Wire wire;
+  const Bytes message = Post("a", 40);
+  const uint32_t size = static_cast<uint32_t>(message.size());
+  wire.Send(1, Part(message, 0, 30));
+  EXPECT_EQ(wire.Send(41, Part(message, 40, 1000)),
+            "Reassembly: " + std::to_string(size - 40) + " bytes kept, 10 before them are missing {54+" +
+                std::to_string(size - 40) + "}\n");
+  EXPECT_TRUE(Has(wire.Send(31, Part(message, 30, 10)), "POST /a HTTP/1.1")) << "the gap is closed";
+  // Acknowledged, so that it never comes: what waited starts anew.
+  wire.Send(1 + size, Part(message, 0, 30));
+  wire.Send(1 + 2 * size, Part(message, 0, 35));
+  wire.Acknowledge(1 + 2 * size + 30);
+  const std::string shown = wire.Send(1 + 2 * size + 35, Part(message, 35, 1000));
+  EXPECT_TRUE(shown.starts_with("Reassembly: " + std::to_string(size - 30) + " bytes before this segment were not captured"))
+      << shown;
+  EXPECT_TRUE(Has(shown, "POST /a HTTP/1.1")) << shown;
+  // Between messages a whole one waits for nothing, and what comes late is shown as it is.
+  EXPECT_TRUE(Has(wire.Send(1 + 4 * size, message), "POST /a HTTP/1.1"));
+  EXPECT_TRUE(Has(wire.Send(1 + 3 * size, message), "POST /a HTTP/1.1"));
+}
+
+TEST(TcpReassembly, MessagesEndWithTheConnectionOrAreTooLong) {
+  Wire wire;
+  const Bytes response = Ascii("HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\nto the end");
+  EXPECT_TRUE(Has(wire.Send(1, response, kAckPush, true), "bytes kept, more needed"));
+  const uint32_t end = 1 + static_cast<uint32_t>(response.size());
+  EXPECT_TRUE(Has(wire.Send(end, {}, kFin | 0x10, true), "Http Data: to the end {54+0}"));
+
+  const size_t length = 3 << 20;
+  const Bytes longOne = Post("long", length), next = Post("next", 2), all = longOne + next + next;
+  int continuations = 0, nexts = 0;
+  for (size_t at = 0; at < all.size(); at += 1400) {
+    const std::string shown = wire.Send(static_cast<uint32_t>(7 + at), Part(all, at, 1400));
+    continuations += Has(shown, "HTTP - Continuation Data {54+");
+    nexts += Has(shown, "Request Line: POST /next");
+    EXPECT_FALSE(Has(shown, "came before")) << shown;
+  }
+  EXPECT_GT(continuations, 2000) << "as they are without reassembly";
+  EXPECT_EQ(nexts, 1) << "both are in the last segment";
+  EXPECT_LT(wire.Memory(), 4u << 20);
+}
+
+TEST(TcpReassembly, ASynBeginsTheStreamAndACutCaptureIsNotJoined) {
+  Wire wire;
+  const Bytes message = Post("a", 40);
+  wire.Send(99, {}, kSyn);
+  EXPECT_TRUE(Has(wire.Send(130, Part(message, 30, 1000)), "30 before them are missing"));
+  EXPECT_TRUE(Has(wire.Send(100, Part(message, 0, 30)), "POST /a HTTP/1.1"));
+  Bytes cut = Wire::SegmentOf(100 + static_cast<uint32_t>(message.size()), message, kAckPush);
+  cut.resize(cut.size() - 20);
+  EXPECT_TRUE(Has(wire.Show(cut, 50), "POST /a HTTP/1.1"));
+  EXPECT_TRUE(Has(wire.Show(Wire::SegmentOf(100 + 2 * static_cast<uint32_t>(message.size()), message, kAckPush), 51),
+                  "POST /a HTTP/1.1"));
+}
+
+// A stream of messages, cut anywhere, shuffled within a window, repeated and overlapping.
+std::vector<Bytes> Shuffled(uint32_t seed, int messages) {
+  std::mt19937 random(seed);
+  Bytes stream;
+  for (int i = 0; i < messages; ++i) stream = stream + Post(std::to_string(i), random() % 3 ? random() % 90 : random() % 5000);
+  struct Piece {
+    size_t place, first, length;
+  };
+  std::vector<Piece> pieces;
+  for (size_t at = 0; at < stream.size();) {
+    const size_t length = 1 + random() % 700, overlap = random() % 6 ? 0 : std::min<size_t>(at, random() % 100);
+    pieces.push_back({4 * pieces.size() + random() % 16, at - overlap, length + overlap});
+    if (random() % 10 == 0) pieces.push_back({4 * pieces.size() + random() % 24, at, length});
+    at += length;
+  }
+  pieces[0].place = 0;
+  std::stable_sort(pieces.begin(), pieces.end(), [](const Piece& a, const Piece& b) { return a.place < b.place; });
+  std::vector<Bytes> frames{Wire::SegmentOf(0xFFFFFC00u - 1, {}, kSyn)};   // the numbers wrap
+  for (const Piece& piece : pieces) {
+    frames.push_back(Wire::SegmentOf(static_cast<uint32_t>(0xFFFFFC00u + piece.first), Part(stream, piece.first, piece.length),
+                                     kAckPush));
+  }
+  return frames;
+}
+
+TEST(TcpReassembly, AnyOrderGivesAllMessagesAndTheSameWhateverIsShown) {
+  for (uint32_t seed = 1; seed <= 12; ++seed) {
+    const int messages = 20;
+    const std::vector<Bytes> frames = Shuffled(seed, messages);
+    Wire wire;
+    std::vector<std::string> texts;
+    std::string all;
+    StateLog log;
+    std::vector<size_t> starts;
+    log.Record(wire.view.view().engine);
+    for (size_t i = 0; i < frames.size(); ++i) {
+      starts.push_back(log.End());
+      texts.push_back(wire.Show(frames[i], i + 1));
+      all += texts.back();
+    }
+    log.Record(nullptr);
+    size_t at = 0;
+    for (int i = 0; i < messages && at != std::string::npos; ++i) at = all.find("Request Line: POST /" + std::to_string(i) + " HTTP", at);
+    EXPECT_NE(at, std::string::npos) << "seed " << seed;
+
+    // Decoded twice each, alone behind packets that were passed, and out of the log from the last one on.
+    Wire twice, replayed;
+    for (size_t i = 0; i < frames.size(); ++i) {
+      EXPECT_EQ(twice.Show(frames[i], i + 1), texts[i]);
+      EXPECT_EQ(twice.Show(frames[i], i + 1), texts[i]) << "seed " << seed << " packet " << i + 1;
+    }
+    Wire passing;
+    for (size_t i = 0; i < frames.size(); ++i) {
+      DecodeContext& context = passing.view.context();
+      const bool selected = i % 5 == 4;
+      context.outputMode = selected ? kDisplayMode : kFindMode;
+      context.silent = !selected;
+      const std::string text = passing.Show(frames[i], i + 1);
+      EXPECT_TRUE(!selected || text == texts[i]) << "seed " << seed << " packet " << i + 1 << "\n" << text << texts[i];
+    }
+    StateReplay replay(log, replayed.view.view().engine);
+    for (size_t i = frames.size(); i-- > 0;) {
+      replay.Seek(starts[i]);
+      EXPECT_EQ(replayed.Show(frames[i], i + 1), texts[i]) << "seed " << seed << " packet " << i + 1;
+    }
+    EXPECT_TRUE(replay.InStep());
+  }
+}
+
+TEST(TcpReassembly, MemoryIsBounded) {
+  Wire wire;
+  DecodeContext& context = wire.view.context();
+  context.outputMode = kFindMode;
+  context.silent = true;
+  const Bytes part = Ascii("POST / HTTP/1.1\r\nContent-Length: 900000\r\n\r\n") + Bytes(1300, 'x');
+  size_t most = 0;
+  for (uint32_t i = 0; i < 60000; ++i) {
+    Bytes frame = Wire::SegmentOf(i % 3 ? 1 : 5000, part, kAckPush, false, static_cast<uint16_t>(1024 + i));
+    frame[28] = static_cast<uint8_t>(i >> 14);
+    Record record(frame);
+    record->packetNumber = i + 1;
+    wire.view.Decode(record);
+    most = std::max(most, wire.Memory());
+  }
+  EXPECT_GT(most, 20u << 20);
+  EXPECT_LT(most, 72u << 20);
+}
+
+Bytes FragmentOf(const Bytes& datagram, size_t first, size_t length, uint8_t id, bool last) {
+  Bytes fragment = IPv4(17, Part(datagram, first, length));
+  fragment[5] = id;
+  fragment[6] = static_cast<uint8_t>((last ? 0 : 0x20) | first >> 11);
+  fragment[7] = static_cast<uint8_t>(first >> 3);
+  return Ethernet(0x0800, fragment);
+}
+
+TEST(IpReassembly, FragmentsInAnyOrderMakeTheDatagram) {
+  const Bytes query = Hex("1234 0100 0001 0000 0000 0000") + Ascii("\x03www\x07" "example\x04test") + Hex("00 0001 0001");
+  Bytes datagram = Udp(5000, 53, query);
+  std::mt19937 random(7);
+  for (uint8_t id = 1; id < 30; ++id) {
+    Wire wire;
+    std::vector<size_t> order{0, 8, 16, 24, 32, 40};
+    if (id % 4 == 0) order.insert(order.begin() + random() % 5, 16);   // twice
+    std::shuffle(order.begin(), order.end(), random);
+    std::string shown;
+    size_t whole = 0;
+    for (const size_t first : order) {
+      const bool last = first + 8 >= datagram.size();
+      shown = wire.Show(FragmentOf(datagram, first, 8, id, last), ++wire.number);
+      whole += Has(shown, "Domain Name:www.example.test") && Has(shown, "UDP length");
+      EXPECT_TRUE(whole || shown.starts_with("Reassembly: ")) << shown;
+    }
+    EXPECT_EQ(whole, 1u) << shown;
+  }
+  Wire wire;   // overlapping, with other bytes; the identification again
+  for (int round = 0; round < 2; ++round) {
+    wire.Show(FragmentOf(datagram, 0, 24, 9, false), ++wire.number);
+    Bytes other = datagram;
+    other[20] ^= 1;
+    const std::string shown = wire.Show(FragmentOf(other, 16, 100, 9, true), ++wire.number);
+    EXPECT_TRUE(shown.starts_with("Reassembly: 8 bytes of fragments overlap, 1 of them differ {34+")) << shown;
+    EXPECT_TRUE(Has(shown, "UDP, [5000]  -> [53] DNS {34+0}")) << shown;
+    EXPECT_TRUE(Has(shown, "Domain Name:www.example.test")) << shown;
+  }
+  const auto sixth = [&](size_t first, size_t length, bool last) {
+    const Bytes header = {17, 0, static_cast<uint8_t>(first >> 8), static_cast<uint8_t>((first & 0xF8) | (last ? 0 : 1)),
+                          0, 0, 0, 77};
+    return Ethernet(0x86DD, IPv6(44, header + Part(datagram, first, length)));
+  };
+  Record first(sixth(0, 32, false)), second(sixth(32, 100, true));
+  first->packetNumber = ++wire.number;
+  wire.view.Decode(first);
+  EXPECT_TRUE(Has(wire.view.Text(), "Reassembly: 32 bytes of fragments kept, more needed {62+32}")) << wire.view.Text();
+  second->packetNumber = ++wire.number;
+  wire.view.Decode(second);
+  EXPECT_TRUE(Has(wire.view.Text(), "Domain Name:www.example.test")) << wire.view.Text();
+}
+
+}  // namespace
+}  // namespace qxview::testing
