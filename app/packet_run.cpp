@@ -73,7 +73,26 @@ bool PacketRun::Open(const ReadingOptions& options, const std::vector<std::strin
   session_ = Session::Create(host_->Record(), TellingLibraryLoader());
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());
+  if (!TakeSecrets()) return false;
   builder_ = std::make_unique<RecordBuilder>();
+  return true;
+}
+
+// The secrets of what is encrypted: from the user's file, and from captures as they are read.
+bool PacketRun::TakeSecrets() {
+  const char* path = session_->GetEngine()->settings.tlsKeyLog;
+  std::string message;
+  const bool good = !path[0] || ReadKeyLog(session_->GetView(), path, &message);
+  if (!message.empty()) Tell(message);
+  if (!good) return status_ = kFileFault, false;
+  keyLog_ = std::make_unique<KeyLog>(session_->GetView());
+  reader_->HandSecretsTo([this](uint32_t kind, const uint8_t* piece, size_t length, bool isLast) {
+    if (kind != kKeyLogSecrets) return;
+    keyLog_->Take({reinterpret_cast<const char*>(piece), length});
+    const std::string fault = isLast ? keyLog_->Finish() : "";
+    if (isLast) *keyLog_ = KeyLog(session_->GetView());
+    if (!fault.empty()) Tell(reader_->FileName() + ": in the secrets of the capture " + fault);
+  });
   return true;
 }
 

@@ -10,6 +10,7 @@
 #include "app/progress.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
+#include "host/key_log.h"
 #include "host/session.h"
 
 namespace qxview {
@@ -54,6 +55,7 @@ class PacketRun {
 
  private:
   bool OpenCaptures(const std::vector<std::string>& files);
+  bool TakeSecrets();
   int Pass(const std::function<bool(const CaptureFrame&, bool selected)>& handle);
   const FrameRecord* RecordOf(const CaptureFrame& frame) {
     return frame.record ? frame.record : builder_->Build(frame);
@@ -68,6 +70,7 @@ class PacketRun {
   std::unique_ptr<Session> session_;
   std::unique_ptr<CaptureReader> reader_;
   std::unique_ptr<RecordBuilder> builder_;
+  std::unique_ptr<KeyLog> keyLog_;   // of the captures themselves
   std::unique_ptr<BpfFilter> filter_;
   Output* prefixed_ = nullptr;
   bool optionsHold_ = false;

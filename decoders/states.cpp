@@ -4,9 +4,11 @@
 
 #include "core/dispatch.h"
 #include "core/engine.h"
+#include "core/tls_secrets.h"
 #include "core/tls_stream.h"
 #include "decoders/app/flow_templates.h"
 #include "decoders/app/http_message.h"
+#include "decoders/app/radius_secret.h"
 #include "decoders/app/socks.h"
 #include "decoders/app/ssh.h"
 #include "decoders/net/ip_fragments.h"
@@ -15,7 +17,7 @@
 #include "decoders/quic/qpack.h"
 #include "decoders/quic/quic_streams.h"
 #include "decoders/smb/smb_requests.h"
-#include "decoders/tls/tls.h"
+#include "decoders/tls/tls_opener.h"
 
 namespace qxview {
 namespace {

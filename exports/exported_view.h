@@ -25,6 +25,7 @@ struct ExportedView {
   std::unique_ptr<OutputFile> output;
   QxMessageFunction message = nullptr;
   void* messageUser = nullptr;
+  std::string keyLogFault;                     // told when somebody can be
   std::vector<uint16_t> toldLinkTypes;
   uint64_t packets = 0;
   bool hasPacket = false;                      // whether `record` holds one

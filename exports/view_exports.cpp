@@ -8,6 +8,7 @@
 #include "core/formatter.h"
 #include "exports/exported_view.h"
 #include "files/capture_formats.h"
+#include "host/key_log.h"
 #include "platform/mib_modules.h"
 #include "platform/platform.h"
 #include "platform/view_window.h"
@@ -52,6 +53,8 @@ std::unique_ptr<ExportedView> MakeView(const QxHost* lent, const char* settings,
   view->session = Session::Create(host, PlatformLibraryLoader());
   if (!view->session) return *message = "out of memory", nullptr;
   view->ownHost->Attach(view->session.get());
+  const char* keyLog = view->session->GetEngine()->settings.tlsKeyLog;
+  if (keyLog[0]) ReadKeyLog(view->session->GetView(), keyLog, &view->keyLogFault);
   return view;
 }
 
@@ -159,6 +162,7 @@ void* QxView_CreateViewWith(const QxViewOptions* options) try {
     view->message = told.message;
     view->messageUser = told.messageUser;
     TellLibraries(view.get());
+    if (!view->keyLogFault.empty()) TellUser(view.get(), QXVIEW_NOTE, view->keyLogFault);
     if (const int32_t count = view->session->GetEngine()->unreadableSettings) {
       TellUser(view.get(), QXVIEW_NOTE,
                std::to_string(count) + " settings of the host are no numbers and keep their defaults");

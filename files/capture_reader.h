@@ -9,6 +9,7 @@
 // bounded, whatever the file's size and whatever its lengths claim. Nothing throws.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,6 +56,11 @@ struct CaptureFrame {
   const char* file;             // the capture's name
 };
 
+// Secrets that a capture holds for what is encrypted in it, in pieces: their kind (kKeyLogSecrets), and whether the block
+// ends with the piece.
+using SecretsHandler = std::function<void(uint32_t kind, const uint8_t* piece, size_t length, bool isLast)>;
+constexpr uint32_t kKeyLogSecrets = 0x544C534B;   // a key log of TLS
+
 enum class ReadResult {
   kFrame,    // the frame is filled in
   kEnd,      // the file ends as it should
@@ -72,6 +78,9 @@ class CaptureReader {
   ReadResult Next(CaptureFrame* frame) noexcept;
 
   const std::string& FileName() const { return fileName_; }
+
+  // Who is given the secrets that stand between the frames.
+  virtual void HandSecretsTo(const SecretsHandler& handler) { secrets_ = handler; }
 
   // One line without a line end that names the file, the packet and the byte; empty while nothing is wrong.
   const std::string& Message() const { return message_; }
@@ -100,6 +109,7 @@ class CaptureReader {
   ReadResult CutShort(uint64_t position, const char* what);
 
   std::unique_ptr<ByteSource> source_;
+  SecretsHandler secrets_;
 
  private:
   std::string fileName_;

@@ -12,6 +12,9 @@ class MergedReader : public CaptureReader {
   explicit MergedReader(std::vector<std::unique_ptr<CaptureReader>> readers)
       : CaptureReader(nullptr, (readers[0]->FileName() + " and others").c_str()), readers_(std::move(readers)), frames_(readers_.size()) {}
 
+  void HandSecretsTo(const SecretsHandler& handler) override {
+    for (const auto& reader : readers_) reader->HandSecretsTo(handler);
+  }
   uint64_t FilePosition() const override {
     uint64_t sum = 0;
     for (const auto& reader : readers_) sum += reader->FilePosition();

@@ -6,6 +6,7 @@
 //    enhanced packet      6: 8 4 interface | 12 8 ticks, high word first | 20 4 captured | 24 4 wire | data | options
 //    simple packet        3: 8 4 wire | data; always of interface 0, without a time
 //    packet (obsolete)    2: 8 2 interface | 10 2 drops | 12 8 ticks | 20 4 captured | 24 4 wire | data | options
+//    decryption secrets  10: 8 4 kind | 12 4 length | secrets | options
 //
 // Data and options are padded to 4 bytes. Every other block is passed over.
 #include <new>
@@ -23,6 +24,7 @@ enum BlockType : uint32_t {
   kObsoletePacket = 2,
   kSimplePacket = 3,
   kEnhancedPacket = 6,
+  kSecrets = 10,
 };
 constexpr uint32_t kByteOrderMagic = 0x1A2B3C4D;
 constexpr uint32_t kSmallestBlock = 12;
@@ -112,6 +114,8 @@ class PcapngReader : public CaptureReader {
         return ReadPacket(length, true, frame);
       case kSimplePacket:
         return ReadSimplePacket(length, frame);
+      case kSecrets:
+        return ReadSecrets(length);
       default:
         return PassBlock(length, kSmallestBlock, "a block");
     }
@@ -134,7 +138,7 @@ class PcapngReader : public CaptureReader {
       return nullptr;
     }
     if (shown_ == length && !CheckClosingLength(block + length - 4, length)) return nullptr;
-    open_ = length;
+    open_ = whole_ = length;
     return block;
   }
 
@@ -151,7 +155,7 @@ class PcapngReader : public CaptureReader {
     if (length <= shown_) return source_->Skip(length);
     const uint8_t* closing = source_->Skip(length - 4) ? source_->Peek(4) : nullptr;
     if (!closing) CutShort(start_, "a block");
-    return closing && CheckClosingLength(closing, length) && source_->Skip(4);
+    return closing && CheckClosingLength(closing, whole_) && source_->Skip(4);
   }
 
   ReadResult PassBlock(uint32_t length, uint32_t least, const char* what) {
@@ -179,6 +183,32 @@ class PcapngReader : public CaptureReader {
     added.told.snapLength = order_.Load32(block + 12);
     added.told.timeDigits = added.scale.resolution <= 6 ? 6 : 9;
     interfaces_.push_back(std::move(added));
+    return ReadResult::kEnd;
+  }
+
+  // The secrets may be more than stands in the window.
+  ReadResult ReadSecrets(uint32_t length) {
+    const uint8_t* block = OpenBlock(length, 20, "a block of secrets");
+    if (!block) return ReadResult::kDamaged;
+    const uint32_t kind = order_.Load32(block + 8);
+    uint32_t left = order_.Load32(block + 12);
+    if (left > length - 20) {
+      return Damaged(start_, "%u bytes of secrets in a block with room for %u", left, length - 20);
+    }
+    if (!secrets_ || left == 0) return ReadResult::kEnd;
+    uint32_t behind = length - 16;   // of the block
+    source_->Skip(16);
+    while (left > 0) {
+      const uint8_t* piece = source_->Peek(1);
+      if (!piece) return CutShort(start_, "a block of secrets");
+      const uint32_t size = source_->Remaining() < left ? static_cast<uint32_t>(source_->Remaining()) : left;
+      left -= size;
+      secrets_(kind, piece, size, left == 0);
+      source_->Skip(size);
+      behind -= size;
+    }
+    open_ = behind;
+    shown_ = 0;
     return ReadResult::kEnd;
   }
 
@@ -279,7 +309,8 @@ class PcapngReader : public CaptureReader {
   uint32_t section_ = 0;
   uint64_t start_ = 0;                 // of the current block
   size_t shown_ = 0;                   // how much of it stands in the window
-  uint32_t open_ = 0;                  // its length, until it is left
+  uint32_t open_ = 0;                  // what is left of it, until it is left
+  uint32_t whole_ = 0;                 // its length
 };
 
 }  // namespace

@@ -54,16 +54,18 @@ def for_each_capture(options, compare):
 
 # --- tshark ---
 
-def tshark_command(path, *arguments, preferences=(), wanted=None):
+def tshark_command(path, *arguments, preferences=(), wanted=None, decode_as=()):
     """A command line: names unresolved, preferences as NAME:VALUE, `wanted` as a display filter."""
     return ["tshark", "-n", "-r", path, *itertools.chain(*(("-o", p) for p in preferences)),
+            *itertools.chain(*(("-d", rule) for rule in decode_as)),
             *(("-Y", wanted) if wanted else ()), *arguments]
 
 
-def tshark_fields(path, fields, preferences=(), wanted=None, aggregator=AGGREGATOR):
+def tshark_fields(path, fields, preferences=(), wanted=None, aggregator=AGGREGATOR, decode_as=()):
     """The values of the fields, a list a packet: Latin-1 text, the occurrences of a field between aggregators."""
     command = tshark_command(path, "-T", "fields", "-E", "separator=/t", "-E", f"aggregator={aggregator}",
-                             *itertools.chain(*(("-e", f) for f in fields)), preferences=preferences, wanted=wanted)
+                             *itertools.chain(*(("-e", f) for f in fields)), preferences=preferences, wanted=wanted,
+                             decode_as=decode_as)
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
     for line in done.stdout.split(b"\n"):
         values = line.decode("latin-1").split("\t")

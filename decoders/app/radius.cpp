@@ -9,6 +9,7 @@
 
 #include "core/elements.h"
 #include "core/times.h"
+#include "decoders/app/radius_secret.h"
 #include "decoders/common/eap.h"
 #include "decoders/common/location.h"
 
@@ -34,6 +35,7 @@ enum RadiusFlag : uint32_t { kTagged = 1, kSalted = 2, kHidden = 4 };
 #include "decoders/app/radius_table.inc"
 
 constexpr int32_t kHeaderSize = 20;
+constexpr uint32_t kMessageAuthenticator = 80;
 constexpr int32_t kMostNesting = 8;   // of attributes within one another
 
 constexpr auto kCodeNames = SortedNames({
@@ -59,7 +61,8 @@ constexpr auto kHighFeatures = SortedNames({
 constexpr auto kLowFeatures = SortedNames({{1, "MIP6_INTEGRATED"}, {2, "LOCAL_HOME_AGENT_ASSIGNMENT"}});
 
 struct Radius {
-  Field code, identifier, length, vendor, vendorType, locationCode;
+  Field code, identifier, length, vendor, vendorType, locationCode, salt;
+  RadiusSecret secret;
   int32_t eapMissing;   // bytes of an EAP packet that the EAP-Message attributes to come hold
 };
 
@@ -112,7 +115,7 @@ constexpr auto kPkmKeyRows = Rows<Radius>({Number(4, "Lifetime"), Number(1, "Seq
 constexpr auto kFeatureRows = Rows<Radius>({
     Flags(4, "High Word", kHighFeatures), Flags(4, "Low Word", kLowFeatures)});
 constexpr auto kTagRows = Rows<Radius>({Number(1, "Tag").Note(", Tag %u")});
-constexpr auto kSaltRows = Rows<Radius>({Hex(2, "Salt")});
+constexpr auto kSaltRows = Rows<Radius>({Hex(2, "Salt").Into(&Radius::salt)});
 constexpr auto kMoreRows = Rows<Radius>({Word(1), Flag(0, "More"), Bits(1, 7, "Reserved")});
 constexpr auto kPrefixRows = Rows<Radius>({Number(1, "Reserved"), Number(1, "Prefix Length")});
 
@@ -246,6 +249,25 @@ void ShowFeatures(const Place& in, Cursor& c, const char* name, Radius& radius) 
   ShowRows<Radius>(under, c, kFeatureRows, radius);
 }
 
+// What the user's secret makes of a value that is hidden.
+void ShowOpened(const Place& in, const Field& value, const RadiusAttribute& attribute, RadiusType type, Radius& radius) {
+  uint8_t buffer[kMostRadiusValue];
+  const char* name = NameAt(attribute.name);
+  const Field salt = attribute.flags & kSalted ? radius.salt : Field{};
+  Cursor opened = OpenRadiusValue(in, radius.secret, name, value, salt, buffer);
+  const DerivedLines derived(in.view);
+  if (Left(opened) < 1) return;
+  int32_t printable = 0;
+  while (PeekU8(opened, printable) >= 0x20 && PeekU8(opened, printable) < 0x7F) ++printable;
+  const bool isText = type == RadiusType::kText || type == RadiusType::kPassword || printable == Left(opened);
+  // Passwords are filled up to whole blocks.
+  if (isText && !salt.here) {
+    const int32_t end = FindU8(opened, 0);
+    if (end >= 0) opened = TakeCursor(opened, end);
+  }
+  ShowRows<Radius>(in, opened, isText ? RowSpan<Radius>(kTextRows) : RowSpan<Radius>(kOctetsRows), radius, name);
+}
+
 // What is alike under every type: the tag and the salt in front, and what nobody can read. True: nothing is left.
 bool ShowFront(const Place& in, Cursor& c, const RadiusAttribute& attribute, RadiusType type, Radius& radius) {
   constexpr uint32_t kMostTag = 0x1F;
@@ -257,6 +279,7 @@ bool ShowFront(const Place& in, Cursor& c, const RadiusAttribute& attribute, Rad
   if (hidden && Left(c) > 0) {
     const Field value = Rest(c);
     AddLine(in, value, "%s (Encrypted): %s", NameAt(attribute.name), HexText(value));
+    ShowOpened(in, value, attribute, type, radius);
   }
   return hidden;
 }
@@ -368,6 +391,9 @@ void ShowAttributes(const Place& in, Cursor& c, const ElementForm& form, uint32_
     const Place under = detail::AddElementHead(in, element, form, "Attribute", name);
     if (vendor && vendor->more) ShowRows<Radius>(under, element.value, kMoreRows, radius);
     if (attribute) ShowValue(under, element.value, *attribute, radius, nesting);
+    if (nesting == 0 && element.code == kMessageAuthenticator) {
+      ShowMessageAuthenticatorStatus(under, radius.secret, Slice(element.whole, 2, element.whole.length - 2));
+    }
     element.value.ranShort = false;   // what is left of a value that is cut
     if (Left(element.value) > 0) ShowRows<Radius>(under, element.value, kOctetsRows, radius, "Data");
     if (nesting == 0 && element.code == 1) {
@@ -386,7 +412,10 @@ int32_t DecodeRadius(const Place& at, Cursor c) {
   if (ahead.length.value < kHeaderSize) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, kHeaderSize), "RADIUS: %s, ID %u",
                                      LookupName(kCodeNames, ahead.code.value), ahead.identifier.value));
+  const RadiusSecret secret = PrepareRadiusSecret(at, c);
   Radius radius = ShowRows(in, c, kHeader);
+  radius.secret = secret;
+  ShowAuthenticatorStatus(in, secret);
   Cursor attributes = TakeCursor(c, int64_t{radius.length.value} - kHeaderSize);
   ShowAttributes(in, attributes, kAttributeForm, kRegistrySpace, radius, 0);
   CoverBytes(in, c);

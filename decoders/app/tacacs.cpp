@@ -5,6 +5,9 @@
 //   TACACS+   version (1)   type (1)   sequence (1)   flags (1)   session (4)   length (4)   body
 //
 // The body of TACACS+ is obfuscated with a shared secret where its flags do not say otherwise.
+#include <cstring>
+
+#include "core/crypto.h"
 #include "core/rows.h"
 
 namespace qxview {
@@ -204,6 +207,57 @@ void ShowBody(const Place& in, Cursor& c, TacacsPlus& body) {
   AddBlock(in, Rest(c), "Data");
 }
 
+// Whether the lengths in a body that was opened add up to it: with the wrong secret they do not.
+bool FitsBody(const Cursor& c, const TacacsPlus& body) {
+  const bool isRequest = body.sequence.value % 2 == 1;
+  const auto sum = [&](int32_t from, int32_t count) {
+    int64_t total = 0;
+    for (int32_t i = 0; i < count; ++i) total += PeekU8(c, from + i);
+    return total;
+  };
+  int64_t wanted;
+  if (body.type.value == kAuthentication && isRequest && body.sequence.value > 1) {
+    wanted = 5 + PeekU16(c) + PeekU16(c, 2);
+  } else if (body.type.value == kAuthentication) {
+    wanted = isRequest ? 8 + sum(4, 4) : 6 + PeekU16(c, 2) + PeekU16(c, 4);
+  } else if (isRequest) {
+    const int32_t lengthsAt = body.type.value == kAccounting ? 9 : 8;
+    const int32_t count = static_cast<int32_t>(PeekU8(c, lengthsAt - 1));
+    wanted = lengthsAt + count + sum(lengthsAt - 4, 3) + sum(lengthsAt, count);
+  } else if (body.type.value == kAuthorization) {
+    const int32_t count = static_cast<int32_t>(PeekU8(c, 1));
+    wanted = 6 + count + PeekU16(c, 2) + PeekU16(c, 4) + sum(6, count);
+  } else {
+    wanted = 5 + PeekU16(c) + PeekU16(c, 2);
+  }
+  return wanted == Left(c);
+}
+
+// The body is hidden by digests over the header's numbers and the secret, each over the one before it, too (RFC 8907,
+// section 4.5).
+void ShowHidden(const Place& in, const Field& hidden, const Field& version, TacacsPlus& body) {
+  AddLine(in, hidden, "Encrypted Body: %s", HexText(hidden));
+  const char* text = in.view->engine->settings.tacacsSecret;
+  const ByteSpan secret = {reinterpret_cast<const uint8_t*>(text), static_cast<int32_t>(std::strlen(text))};
+  if (secret.length == 0 || hidden.length < 1) return;
+  const OpenedBytes opened(in.view, hidden.length);
+  if (!opened.data) return;
+  uint8_t pad[kMd5Size];
+  for (int32_t at = 0; at < hidden.length; ++at) {
+    if (at % kMd5Size == 0) {
+      HashOf(in.view, HashKind::kMd5, {BytesOf(body.session), secret, BytesOf(version), BytesOf(body.sequence),
+                                       ByteSpan{pad, at ? kMd5Size : 0}}, pad);
+    }
+    opened.data[at] = static_cast<uint8_t>(PeekU8(hidden, at) ^ pad[at % kMd5Size]);
+  }
+  Cursor c = MakeCursor(opened.data, hidden.offset, hidden.length);
+  if (hidden.length == static_cast<int32_t>(body.length.value) && !FitsBody(c, body)) {
+    return AddLine(in, hidden, "Body: Not Decrypted (Wrong Secret)"), void();
+  }
+  const DerivedLines derived(in.view);
+  ShowBody(in, c, body);
+}
+
 void ShowPacket(const Place& at, Cursor& c) {
   const TacacsPlus ahead = PeekRows(c, kHeader);
   const char* kind = ahead.sequence.value % 2 == 1 ? "Request" : "Reply";
@@ -211,14 +265,14 @@ void ShowPacket(const Place& at, Cursor& c) {
                                      LookupName(kTypeNames, ahead.type.value), kind, ahead.session.value,
                                      ahead.sequence.value));
   const int32_t start = c.offset;
+  const Field version = PeekBytes(c, 0, 1);
   TacacsPlus body = ShowRows(in, c, kHeader);
   Cursor carried = TakeCursor(c, body.length.value);
   if (!in.dead) SetRange(in, in.parent, start, c.offset - start);
   if (body.flags.value & kUnencrypted) {
     ShowBody(in, carried, body);
   } else {
-    const Field hidden = Rest(carried);
-    AddLine(in, hidden, "Encrypted Body: %s", HexText(hidden));
+    ShowHidden(in, Rest(carried), version, body);
   }
 }
 
