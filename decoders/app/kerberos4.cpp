@@ -1,5 +1,5 @@
-// Kerberos version 4 (Project Athena Technical Plan, section E.2.1): who asks for which ticket, and what was the answer?
-// The type's last bit says in which byte order the sender writes numbers.
+// Kerberos version 4 (Project Athena Technical Plan, section E.2.1): who asks for which ticket, and what was the
+// answer? The type's last bit says in which byte order the sender writes numbers.
 //
 //   version (1)   type and byte order (1)   name, instance and realm, terminated each   and by the type: times, tickets
 #include "core/rows.h"
@@ -54,7 +54,8 @@ constexpr auto kGiven = Rows<Kerberos4>({
     Bytes(0, "Encrypted Data").SizedBy(&Kerberos4::length)});
 constexpr auto kPresented = Rows<Kerberos4>({
     Number(1, "Master Key Version of Service"), Terminated(Text(0, "Realm")),
-    Number(1, "Ticket Length").Into(&Kerberos4::ticket), Number(1, "Authenticator Length").Into(&Kerberos4::authenticator),
+    Number(1, "Ticket Length").Into(&Kerberos4::ticket),
+    Number(1, "Authenticator Length").Into(&Kerberos4::authenticator),
     Bytes(0, "Ticket").SizedBy(&Kerberos4::ticket), Bytes(0, "Authenticator").SizedBy(&Kerberos4::authenticator)});
 constexpr auto kFailed = Rows<Kerberos4>({
     UnixTime(4, "Time"), Number(4, "Error Code", kErrorNames).Note(", %s"), Terminated(Text(0, "Error Text"))});

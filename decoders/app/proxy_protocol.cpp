@@ -1,5 +1,6 @@
-// The PROXY protocol, versions 1 and 2 (proxy-protocol.txt of its makers): for whom does this proxy open the connection?
-// The header stands in front of all other bytes of a connection; what follows it goes to the connection's own decoder.
+// The PROXY protocol, versions 1 and 2 (proxy-protocol.txt of its makers): for whom does this proxy open the
+// connection? The header stands in front of all other bytes of a connection; what follows it goes to the connection's
+// own decoder.
 //
 //   version 1   "PROXY TCP4 source destination port port\r\n"
 //   version 2   signature (12)   version and command (1)   family and transport (1)   length (2)   addresses   TLVs
@@ -49,7 +50,8 @@ constexpr auto kCloud = Rows<Proxy>({Hex(1, "Subtype"), Bytes(0, "Identifier")})
 
 constexpr auto kTlsParts = Choices<Proxy>({
     {0x21, "TLS Version", kPlainText}, {0x22, "Common Name", kPlainText}, {0x23, "Cipher", kPlainText},
-    {0x24, "Signature Algorithm", kPlainText}, {0x25, "Key Algorithm", kPlainText}, {0x26, "Key Exchange Group", kPlainText},
+    {0x24, "Signature Algorithm", kPlainText}, {0x25, "Key Algorithm", kPlainText},
+    {0x26, "Key Exchange Group", kPlainText},
     {0x27, "Signature Scheme", kPlainText}, {0x28, "Client Certificate", kPlainBytes}});
 constexpr ElementForm kForm{.lengthSize = 2};
 
@@ -145,7 +147,8 @@ int32_t DecodeProxyProtocol(const Place& at, Cursor c) {
   const PacketState& packet = PacketOf(at);
   const bool isTcp = packet.ipProtocol == kIpProtocolTcp;
   bool matchedSource;
-  const int32_t identifier = ResolveProtocol(at.view, isTcp ? kIpProtocolTcp : kIpProtocolUdp, packet.source, packet.sourcePort,
+  const uint8_t transport = isTcp ? kIpProtocolTcp : kIpProtocolUdp;
+  const int32_t identifier = ResolveProtocol(at.view, transport, packet.source, packet.sourcePort,
                                              packet.destination, packet.destinationPort, &matchedSource);
   return isTcp ? DispatchTcpPayload(at, c, identifier, matchedSource) : DispatchUdpPayload(at, c, identifier);
 }

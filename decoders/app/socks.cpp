@@ -17,7 +17,8 @@ constexpr uint32_t kVersion4 = 4, kVersion5 = 5;
 
 constexpr auto kCommandNames = SortedNames({{1, "Connect"}, {2, "Bind"}, {3, "UDP Associate"}});
 constexpr auto kReply4Names = SortedNames({
-    {90, "Request Granted"}, {91, "Request Rejected or Failed"}, {92, "Rejected: No Identification Server at the Client"},
+    {90, "Request Granted"}, {91, "Request Rejected or Failed"},
+    {92, "Rejected: No Identification Server at the Client"},
     {93, "Rejected: Client and Identification Server Name Different Users"}});
 constexpr auto kReply5Names = SortedNames({
     {0, "Succeeded"}, {1, "General SOCKS Server Failure"}, {2, "Connection Not Allowed by Ruleset"},
@@ -49,7 +50,8 @@ constexpr auto kMethods = Rows<Socks>({Number(1, "Version"), Number(1, "Number o
 constexpr auto kMethod = Rows<Socks>({Number(1, "Method", kMethodNames).Note(", %s")});
 constexpr auto kChosen = Rows<Socks>({Number(1, "Version"), Number(1, "Chosen Method", kMethodNames).Note(", %s")});
 constexpr auto kPassword = Rows<Socks>({
-    Number(1, "Subnegotiation Version"), Counted(1, Text(0, "User Name")).Note(", %s"), Counted(1, Text(0, "Password"))});
+    Number(1, "Subnegotiation Version"), Counted(1, Text(0, "User Name")).Note(", %s"),
+    Counted(1, Text(0, "Password"))});
 constexpr auto kStatus = Rows<Socks>({
     Number(1, "Subnegotiation Version"), Number(1, "Status", NamesOr(kStatusNames, "Failure")).Note(", %s")});
 constexpr auto kToken = Rows<Socks>({
@@ -61,8 +63,10 @@ constexpr auto kRequest5 = Rows<Socks>({
 constexpr auto kReply5 = Rows<Socks>({
     Number(1, "Version"), Number(1, "Reply", kReply5Names).Note(", %s").Into(&Socks::code), Number(1, "Reserved"),
     Number(1, "Address Type", kAddressNames).Into(&Socks::type)});
-constexpr auto kAddress4 = Rows<Socks>({IPv4("Address").Note(", %s"), Number(2, "Port").Note(":%u").Into(&Socks::port)});
-constexpr auto kAddress6 = Rows<Socks>({IPv6("Address").Note(", %s"), Number(2, "Port").Note(" port %u").Into(&Socks::port)});
+constexpr auto kAddress4 = Rows<Socks>({
+    IPv4("Address").Note(", %s"), Number(2, "Port").Note(":%u").Into(&Socks::port)});
+constexpr auto kAddress6 = Rows<Socks>({
+    IPv6("Address").Note(", %s"), Number(2, "Port").Note(" port %u").Into(&Socks::port)});
 constexpr auto kAddressName = Rows<Socks>({
     Counted(1, Text(0, "Domain Name")).Note(", %s"), Number(2, "Port").Note(":%u").Into(&Socks::port)});
 constexpr auto kDatagram = Rows<Socks>({
@@ -160,7 +164,8 @@ bool ShowAsked(const Place& at, Cursor& c, Relay& relay) {
 bool ShowAnswered(const Place& at, Cursor& c, Relay& relay) {
   const uint32_t first = PeekU8(c), second = PeekU8(c, 1);
   const bool isReply4 = first == 0 && second >= 90 && second <= 93 && Left(c) >= 8;
-  const bool isReply5 = first == kVersion5 && PeekU8(c, 2) == 0 && AddressSize(c, 3) > 0 && Left(c) >= 4 + AddressSize(c, 3);
+  const int32_t size = AddressSize(c, 3);
+  const bool isReply5 = first == kVersion5 && PeekU8(c, 2) == 0 && size > 0 && Left(c) >= 4 + size;
   const bool isChosen = first == kVersion5 && Left(c) == 2, isStatus = first == 1 && Left(c) == 2;
   if (!isReply4 && !isReply5 && !isChosen && !isStatus && !IsToken(c)) return false;
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "SOCKS%u: Reply", isReply4 ? kVersion4 : kVersion5));

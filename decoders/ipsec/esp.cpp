@@ -1,8 +1,8 @@
 // IP Encapsulating Security Payload (RFC 4303; in UDP: RFC 3948): which association protects what follows? Nothing in
 // the packet says how; a payload that is not encrypted is only shown when all of its trailer and its header agree.
 //
-//   security parameters index (4)   sequence number (4)   payload, padding 1, 2, 3...   its length (1)   next header (1)
-//   integrity check value
+//   security parameters index (4)   sequence number (4)   payload   padding 1, 2, 3...   its length (1)
+//   next header (1)   integrity check value
 #include "decoders/ipsec/esp.h"
 
 #include "core/rows.h"
@@ -32,6 +32,13 @@ bool HasPadding(const Cursor& c, int32_t at, int32_t size) {
   return true;
 }
 
+bool StartsSegment(const Cursor& c, int32_t size) {
+  constexpr uint32_t kReserved = 0x0E, kSynRstAck = 0x16;
+  const int32_t header = static_cast<int32_t>(PeekU8(c, 12) >> 4) * 4;
+  return header >= 20 && header <= size && (PeekU8(c, 12) & kReserved) == 0 && (PeekU8(c, 13) & kSynRstAck) != 0 &&
+         PeekU16(c) != 0 && PeekU16(c, 2) != 0;
+}
+
 // Whether `size` bytes start a packet of the protocol: lengths in its header that agree with what is there.
 bool StartsPacket(const Cursor& c, uint32_t protocol, int32_t size) {
   constexpr uint32_t kIPv4 = 4, kTcp = 6, kUdp = 17, kIPv6 = 41;
@@ -39,8 +46,7 @@ bool StartsPacket(const Cursor& c, uint32_t protocol, int32_t size) {
     case kIPv4: return PeekU8(c) >> 4 == 4 && static_cast<int32_t>(PeekU16(c, 2)) == size;
     case kIPv6: return PeekU8(c) >> 4 == 6 && static_cast<int32_t>(PeekU16(c, 4)) + 40 == size;
     case kUdp: return static_cast<int32_t>(PeekU16(c, 4)) == size;
-    case kTcp: return size >= 20 && static_cast<int32_t>(PeekU8(c, 12) >> 4) * 4 <= size && PeekU8(c, 12) >> 4 >= 5 &&
-                      (PeekU8(c, 12) & 0x0E) == 0 && (PeekU8(c, 13) & 0x16) != 0 && PeekU16(c) != 0 && PeekU16(c, 2) != 0;
+    case kTcp: return StartsSegment(c, size);
     default: return false;
   }
 }
@@ -71,7 +77,8 @@ void ShowPlain(const Place& at, const Place& in, Cursor& c, const Plain& plain) 
   const Field check = Rest(c);
   AddLine(in, check, "Integrity Check Value (ICV): %s", HexText(check));
   constexpr uint32_t kIPv6 = 41;
-  const DecoderRow* row = plain.next == kIPv6 ? FindEthertype(0x86DD) : FindIpProtocol(static_cast<uint8_t>(plain.next));
+  const DecoderRow* row = plain.next == kIPv6 ? FindEthertype(0x86DD)
+                                              : FindIpProtocol(static_cast<uint8_t>(plain.next));
   CallDecoder(Deeper(at), payload, row ? row->decode : nullptr, "ESP Data");
 }
 

@@ -27,6 +27,8 @@ ChoiceSpan<Ike> IkeConfigurationAttributes();
 
 // What all versions have alike.
 void ShowIkeCertificate(const Place& in, Cursor& c, Ike& ike);
+void ShowIkeCertificateRequest(const Place& in, Cursor& c, Ike& ike);
+void ShowIkeName(const Place& in, Cursor& c, Ike& ike);   // of an identity that is a distinguished or a general one
 void ShowIkeVendor(const Place& in, Cursor& c, Ike& ike);
 void ShowIkeSpis(const Place& in, Cursor& c, Ike& ike);   // as many as were counted, of the size that was told
 

@@ -1,4 +1,6 @@
 // What both versions of the Internet Key Exchange show alike: attributes, certificates, the marks of vendors.
+#include "core/line_facts.h"
+#include "decoders/asn1/x509.h"
 #include "decoders/ipsec/isakmp.h"
 #include "decoders/ipsec/isakmp_names.h"
 
@@ -7,12 +9,15 @@ namespace {
 
 constexpr auto kFormatNames = SortedNames({{0, "Type/Length/Value"}, {1, "Type/Value"}});
 constexpr auto kAttributeHead = Rows<Ike>({
-    Word(2), Flag(0, "Attribute Format", kFormatNames).Into(&Ike::part), Bits(1, 15, "Attribute Type").Into(&Ike::type)});
+    Word(2), Flag(0, "Attribute Format", kFormatNames).Into(&Ike::part),
+    Bits(1, 15, "Attribute Type").Into(&Ike::type)});
 constexpr auto kAttributeLength = Rows<Ike>({Number(2, "Attribute Length").Into(&Ike::length)});
 
 constexpr auto kEncoding = Rows<Ike>({
     Number(1, "Certificate Encoding", kIkeEncodingNames).Note(", %s").Into(&Ike::type)});
 constexpr auto kCertificate = Rows<Ike>({Shown<Ike>("Certificate Data", ShowIkeOpaque)});
+constexpr int32_t kHashSize = 20;
+constexpr auto kAuthority = Rows<Ike>({Bytes(20, "Certificate Authority Key Hash")});
 constexpr auto kHashAndUrl = Rows<Ike>({Bytes(20, "Certificate Hash"), Text(0, "Certificate URL")});
 
 constexpr auto kSpi = Rows<Ike>({Bytes(0, "SPI").SizedBy(&Ike::spiSize)});
@@ -86,12 +91,69 @@ void ShowIkeAttributes(const Place& in, Cursor& c, ChoiceSpan<Ike> attributes, I
   }
 }
 
+namespace {
+
+constexpr uint32_t kSignature = 4, kExchange = 5, kAttribute = 10, kOcsp = 14, kRawKey = 15;   // encodings
+bool IsCertificate(uint32_t encoding) {
+  return encoding == kSignature || encoding == kExchange || encoding == kAttribute;
+}
+
+void ShowOfX509(const Place& in, Cursor& c, uint32_t encoding) {
+  const KeyedAs keys(PacketOf(in), "x509");
+  if (IsCertificate(encoding)) {
+    ShowX509Certificate(in, c);
+  } else if (encoding == kOcsp) {
+    ShowOcspResponse(in, c);
+  } else {
+    ShowX509PublicKey(in, c);
+  }
+}
+void ShowAuthority(const Place& in, Cursor& c) {
+  const KeyedAs keys(PacketOf(in), "x509");
+  ShowX509Name(in, c, "Certificate Authority");
+}
+
+// A certificate that does not start as one is shown as it is.
+void ShowEncoded(const Place& in, Cursor& c, Ike& ike) {
+  constexpr uint32_t kSequence = 0x30;
+  const uint32_t encoding = ike.type.value;
+  if (PeekU8(c) == kSequence && (IsCertificate(encoding) || encoding == kOcsp || encoding == kRawKey)) {
+    ShowOfX509(in, c, encoding);
+  } else {
+    ShowRows<Ike>(in, c, kCertificate, ike);
+  }
+}
+
+}  // namespace
+
 void ShowIkeCertificate(const Place& in, Cursor& c, Ike& ike) {
   constexpr uint32_t kHashAndUrlFirst = 12, kHashAndUrlLast = 13;
-  constexpr int32_t kHashSize = 20;
   ShowRows<Ike>(in, c, kEncoding, ike);
   const bool isFar = ike.type.value >= kHashAndUrlFirst && ike.type.value <= kHashAndUrlLast && Left(c) > kHashSize;
-  if (Left(c) > 0) ShowRows<Ike>(in, c, isFar ? RowSpan<Ike>(kHashAndUrl) : RowSpan<Ike>(kCertificate), ike);
+  if (isFar) {
+    ShowRows<Ike>(in, c, kHashAndUrl, ike);
+  } else if (Left(c) > 0) {
+    ShowEncoded(in, c, ike);
+  }
+}
+
+// Authorities: version 1 asks by their names, version 2 by the hashes of their keys.
+void ShowIkeCertificateRequest(const Place& in, Cursor& c, Ike& ike) {
+  ShowRows<Ike>(in, c, kEncoding, ike);
+  if (!ike.isSecond && Left(c) > 0) return ShowAuthority(in, c);
+  Loop loop;
+  while (Left(c) >= kHashSize && MoreAt(in, c, loop)) ShowRows<Ike>(in, c, kAuthority, ike);
+  if (Left(c) > 0) ShowRows<Ike>(in, c, kCertificate, ike);
+}
+
+void ShowIkeName(const Place& in, Cursor& c, Ike& ike) {
+  constexpr uint32_t kDistinguished = 9;
+  const KeyedAs keys(PacketOf(in), "x509");
+  if (ike.type.value == kDistinguished) {
+    ShowX509Name(in, c, "Distinguished Name");
+  } else {
+    ShowGeneralName(in, c, "General Name");
+  }
 }
 
 void ShowIkeVendor(const Place& in, Cursor& c, Ike&) {

@@ -34,7 +34,8 @@ constexpr auto kHashNames = SortedNames({
 constexpr auto kMethodNames = SortedNames({
     {1, "Pre-Shared Key"}, {2, "DSS Signatures"}, {3, "RSA Signatures"}, {4, "Encryption with RSA"},
     {5, "Revised Encryption with RSA"}, {6, "Encryption with El-Gamal"}, {7, "Revised Encryption with El-Gamal"},
-    {8, "ECDSA Signatures"}, {9, "ECDSA with SHA-256 on the P-256 Curve"}, {10, "ECDSA with SHA-384 on the P-384 Curve"},
+    {8, "ECDSA Signatures"}, {9, "ECDSA with SHA-256 on the P-256 Curve"},
+    {10, "ECDSA with SHA-384 on the P-384 Curve"},
     {11, "ECDSA with SHA-512 on the P-521 Curve"}, {64221, "HybridInitRSA"}, {64222, "HybridRespRSA"},
     {64223, "HybridInitDSS"}, {64224, "HybridRespDSS"}, {65001, "XAUTHInitPreShared"}, {65002, "XAUTHRespPreShared"},
     {65003, "XAUTHInitDSS"}, {65004, "XAUTHRespDSS"}, {65005, "XAUTHInitRSA"}, {65006, "XAUTHRespRSA"},
@@ -84,7 +85,8 @@ constexpr auto kIpsecAttributes = Choices<Ike>({
     {1, "SA Life Type", kLife}, {2, "SA Life Duration", kPlain}, {3, "Group Description", kGroup},
     {4, "Encapsulation Mode", kMode}, {5, "Authentication Algorithm", kIntegrity}, {6, "Key Length", kPlain},
     {7, "Key Rounds", kPlain}, {8, "Compress Dictionary Size", kPlain}, {9, "Compress Private Algorithm", kPlainBytes},
-    {10, "ECN Tunnel", kEcn}, {11, "Extended Sequence Number", kLongSequence}, {12, "Authentication Key Length", kPlain},
+    {10, "ECN Tunnel", kEcn}, {11, "Extended Sequence Number", kLongSequence},
+    {12, "Authentication Key Length", kPlain},
     {13, "Signature Encoding Algorithm", kPadding}, {14, "Address Preservation", kPreservation},
     {15, "SA Direction", kDirection}});
 
@@ -102,7 +104,8 @@ constexpr auto kPartNames = SortedNames({{0, "None"}, {2, "Proposal"}, {3, "Tran
 constexpr auto kPartHead = Rows<Ike>({
     Number(1, "Next Payload", kPartNames), Number(1, "Reserved"), Number(2, "Payload Length")});
 constexpr auto kProposal = Rows<Ike>({
-    Number(1, "Proposal Number").Note(" %u"), Number(1, "Protocol ID", kProtocolNames).Note(", %s").Into(&Ike::protocol),
+    Number(1, "Proposal Number").Note(" %u"),
+    Number(1, "Protocol ID", kProtocolNames).Note(", %s").Into(&Ike::protocol),
     Number(1, "SPI Size").Into(&Ike::spiSize), Number(1, "Number of Transforms").Into(&Ike::count)});
 constexpr auto kProposalSpi = Rows<Ike>({Bytes(0, "SPI").SizedBy(&Ike::spiSize)});
 constexpr auto kTransform = Rows<Ike>({Number(1, "Transform Number").Note(" %u")});
@@ -124,7 +127,8 @@ void ShowTransforms(const Place& in, Cursor& c, Ike& ike) {
     AppendToParent(under, kind, ", %s", name);
     ShowRows<Ike>(under, transform, kReserved2, ike);
     const bool isKey = ike.protocol.value == kIsakmpProtocol;
-    ShowIkeAttributes(under, transform, isKey ? ChoiceSpan<Ike>(kKeyAttributes) : ChoiceSpan<Ike>(kIpsecAttributes), ike);
+    ShowIkeAttributes(under, transform,
+                      isKey ? ChoiceSpan<Ike>(kKeyAttributes) : ChoiceSpan<Ike>(kIpsecAttributes), ike);
     transform.ranShort = false;   // what is left of a transform that is cut
     AddBlock(under, Rest(transform), "Transform Data");
   }
@@ -198,7 +202,7 @@ constexpr auto kIdBytes = Rows<Ike>({Shown<Ike>("Identification Data", ShowIkeOp
 constexpr auto kIdentities = Choices<Ike>({
     {1, "IPv4", kIdAddress4}, {2, "Name", kIdName}, {3, "User", kIdName}, {4, "IPv4 Subnet", kIdSubnet4},
     {5, "IPv6", kIdAddress6}, {6, "IPv6 Subnet", kIdSubnet6}, {7, "IPv4 Range", kIdRange4},
-    {8, "IPv6 Range", kIdRange6}, {9, "Distinguished Name", kIdBytes}, {10, "General Name", kIdBytes},
+    {8, "IPv6 Range", kIdRange6}, {9, "Distinguished Name", {}, ShowIkeName}, {10, "General Name", {}, ShowIkeName},
     {11, "Key", kIdBytes}, {12, "List", kIdBytes}});
 void ShowIdentity(const Place& in, Cursor& c, Ike& ike) {
   ShowChoice<Ike>(in, c, FindChoice<Ike>(kIdentities, ike.type.value), ike);
@@ -208,7 +212,8 @@ constexpr auto kNotifyNames = SortedNames({
     {1, "INVALID-PAYLOAD-TYPE"}, {2, "DOI-NOT-SUPPORTED"}, {3, "SITUATION-NOT-SUPPORTED"}, {4, "INVALID-COOKIE"},
     {5, "INVALID-MAJOR-VERSION"}, {6, "INVALID-MINOR-VERSION"}, {7, "INVALID-EXCHANGE-TYPE"}, {8, "INVALID-FLAGS"},
     {9, "INVALID-MESSAGE-ID"}, {10, "INVALID-PROTOCOL-ID"}, {11, "INVALID-SPI"}, {12, "INVALID-TRANSFORM-ID"},
-    {13, "ATTRIBUTES-NOT-SUPPORTED"}, {14, "NO-PROPOSAL-CHOSEN"}, {15, "BAD-PROPOSAL-SYNTAX"}, {16, "PAYLOAD-MALFORMED"},
+    {13, "ATTRIBUTES-NOT-SUPPORTED"}, {14, "NO-PROPOSAL-CHOSEN"}, {15, "BAD-PROPOSAL-SYNTAX"},
+    {16, "PAYLOAD-MALFORMED"},
     {17, "INVALID-KEY-INFORMATION"}, {18, "INVALID-ID-INFORMATION"}, {19, "INVALID-CERT-ENCODING"},
     {20, "INVALID-CERTIFICATE"}, {21, "CERT-TYPE-UNSUPPORTED"}, {22, "INVALID-CERT-AUTHORITY"},
     {23, "INVALID-HASH-INFORMATION"}, {24, "AUTHENTICATION-FAILED"}, {25, "INVALID-SIGNATURE"},
@@ -279,7 +284,7 @@ constexpr auto kSequence = Rows<Ike>({Number(4, "Sequence Number")});
 constexpr auto kPayloads = Choices<Ike>({
     {1, "Security Association", {}, ShowSecurityAssociation}, {2, "Proposal"}, {3, "Transform"},
     {4, "Key Exchange", kExchangeData}, {5, "Identification", kIdHead, ShowIdentity},
-    {6, "Certificate", {}, ShowIkeCertificate}, {7, "Certificate Request", {}, ShowIkeCertificate},
+    {6, "Certificate", {}, ShowIkeCertificate}, {7, "Certificate Request", {}, ShowIkeCertificateRequest},
     {8, "Hash", kHashData}, {9, "Signature", kSignatureData}, {10, "Nonce", kNonceData},
     {11, "Notification", kNotify, ShowNotification}, {12, "Delete", kDelete, ShowIkeSpis},
     {13, "Vendor ID", {}, ShowIkeVendor}, {14, "Configuration Attributes", kConfiguration, ShowConfiguration},
@@ -338,17 +343,21 @@ constexpr auto kConfigurations = Choices<Ike>({
     {9, "INTERNAL_IP6_NETMASK", kAddress6}, {10, "INTERNAL_IP6_DNS", kAddress6}, {11, "INTERNAL_IP6_NBNS", kAddress6},
     {12, "INTERNAL_IP6_DHCP", kAddress6}, {13, "INTERNAL_IP4_SUBNET", kSubnet4},
     {14, "SUPPORTED_ATTRIBUTES", {}, ShowSupported}, {15, "INTERNAL_IP6_SUBNET", kPrefix6},
-    {16, "MIP6_HOME_PREFIX", kPlainBytes}, {17, "INTERNAL_IP6_LINK", kPlainBytes}, {18, "INTERNAL_IP6_PREFIX", kPrefix6},
-    {19, "HOME_AGENT_ADDRESS", kPlainBytes}, {20, "P_CSCF_IP4_ADDRESS", kAddress4}, {21, "P_CSCF_IP6_ADDRESS", kAddress6},
+    {16, "MIP6_HOME_PREFIX", kPlainBytes}, {17, "INTERNAL_IP6_LINK", kPlainBytes},
+    {18, "INTERNAL_IP6_PREFIX", kPrefix6},
+    {19, "HOME_AGENT_ADDRESS", kPlainBytes}, {20, "P_CSCF_IP4_ADDRESS", kAddress4},
+    {21, "P_CSCF_IP6_ADDRESS", kAddress6},
     {22, "FTT_KAT", kPlain}, {23, "EXTERNAL_SOURCE_IP4_NAT_INFO", kNat4},
     {24, "TIMEOUT_PERIOD_FOR_LIVENESS_CHECK", kPlain}, {25, "INTERNAL_DNS_DOMAIN", kPlainText},
     {26, "INTERNAL_DNSSEC_TA", kTrustAnchor}, {27, "ENCDNS_IP4", {}, ShowResolver4},
     {28, "ENCDNS_IP6", {}, ShowResolver6}, {29, "ENCDNS_DIGEST_INFO", kPlainBytes}, {16520, "XAUTH_TYPE", kXauthType},
     {16521, "XAUTH_USER_NAME", kPlainText}, {16522, "XAUTH_USER_PASSWORD", kPlainText},
-    {16523, "XAUTH_PASSCODE", kPlainText}, {16524, "XAUTH_MESSAGE", kPlainText}, {16525, "XAUTH_CHALLENGE", kPlainBytes},
+    {16523, "XAUTH_PASSCODE", kPlainText}, {16524, "XAUTH_MESSAGE", kPlainText},
+    {16525, "XAUTH_CHALLENGE", kPlainBytes},
     {16526, "XAUTH_DOMAIN", kPlainText}, {16527, "XAUTH_STATUS", kXauthStatus}, {16528, "XAUTH_NEXT_PIN", kPlainText},
     {16529, "XAUTH_ANSWER", kPlainText}, {23456, "INTERNAL_IP4_SERVER", kAddress4},
-    {23457, "INTERNAL_IP6_SERVER", kAddress6}, {28672, "UNITY_BANNER", kPlainText}, {28673, "UNITY_SAVE_PASSWD", kPlain},
+    {23457, "INTERNAL_IP6_SERVER", kAddress6}, {28672, "UNITY_BANNER", kPlainText},
+    {28673, "UNITY_SAVE_PASSWD", kPlain},
     {28674, "UNITY_DEF_DOMAIN", kPlainText}, {28675, "UNITY_SPLITDNS_NAME", kPlainText},
     {28676, "UNITY_SPLIT_INCLUDE", {}, ShowSplits}, {28677, "UNITY_NATT_PORT", kPlain},
     {28678, "UNITY_LOCAL_LAN", {}, ShowSplits}, {28679, "UNITY_PFS", kPlain}, {28680, "UNITY_FW_TYPE", kPlainBytes},

@@ -1,6 +1,6 @@
 // The payloads of version 2 of the Internet Key Exchange (RFC 7296) and its additions: mobility (RFC 4555), redirects
-// (RFC 5685), resumption (RFC 5723), fragments (RFC 7383), signatures (RFC 7427), post-quantum keys (RFC 8784, RFC 9370)
-// and others of the registry.
+// (RFC 5685), resumption (RFC 5723), fragments (RFC 7383), signatures (RFC 7427), post-quantum keys (RFC 8784, RFC
+// 9370) and others of the registry.
 #include "core/line_facts.h"
 #include "decoders/common/eap.h"
 #include "decoders/ipsec/isakmp.h"
@@ -105,7 +105,8 @@ void ShowProposals(const Place& in, Cursor& c, Ike& ike) {
 }
 
 constexpr auto kKeyExchange = Rows<Ike>({
-    Number(2, "Key Exchange Method", kIkeGroupNames).Note(", %s"), Hex(2, "Reserved"), Shown<Ike>("Key Exchange Data", ShowIkeOpaque)});
+    Number(2, "Key Exchange Method", kIkeGroupNames).Note(", %s"), Hex(2, "Reserved"),
+    Shown<Ike>("Key Exchange Data", ShowIkeOpaque)});
 
 constexpr auto kIdNames = SortedNames({
     {0, "Reserved"}, {1, "ID_IPV4_ADDR"}, {2, "ID_FQDN"}, {3, "ID_RFC822_ADDR"}, {5, "ID_IPV6_ADDR"},
@@ -117,8 +118,9 @@ constexpr auto kIdAddress6 = Rows<Ike>({IPv6("IPv6 Address").Note(", %s")});
 constexpr auto kIdName = Rows<Ike>({Utf8(0, "Name").Note(", %s")});
 constexpr auto kIdBytes = Rows<Ike>({Shown<Ike>("Identification Data", ShowIkeOpaque)});
 constexpr auto kIdentities = Choices<Ike>({
-    {1, "IPv4", kIdAddress4}, {2, "Name", kIdName}, {3, "User", kIdName}, {5, "IPv6", kIdAddress6}, {9, "DN", kIdBytes},
-    {10, "GN", kIdBytes}, {11, "Key", kIdBytes}, {12, "Fibre Channel Name", kIdBytes}});
+    {1, "IPv4", kIdAddress4}, {2, "Name", kIdName}, {3, "User", kIdName}, {5, "IPv6", kIdAddress6},
+    {9, "Distinguished Name", {}, ShowIkeName},
+    {10, "General Name", {}, ShowIkeName}, {11, "Key", kIdBytes}, {12, "Fibre Channel Name", kIdBytes}});
 void ShowIdentity(const Place& in, Cursor& c, Ike& ike) {
   if (Left(c) > 0) ShowChoice<Ike>(in, c, FindChoice<Ike>(kIdentities, ike.type.value), ike);
 }
@@ -161,7 +163,8 @@ constexpr auto kToken = Rows<Ike>({Shown<Ike>("Token", ShowIkeOpaque)});
 constexpr auto kMessageSync = Rows<Ike>({
     Hex(4, "Nonce"), Hex(4, "Expected Send Message ID"), Hex(4, "Expected Receive Message ID")});
 constexpr auto kHashNames = SortedNames({
-    {0, "RESERVED"}, {1, "SHA1"}, {2, "SHA2-256"}, {3, "SHA2-384"}, {4, "SHA2-512"}, {5, "Identity"}, {6, "STREEBOG_256"},
+    {0, "RESERVED"}, {1, "SHA1"}, {2, "SHA2-256"}, {3, "SHA2-384"}, {4, "SHA2-512"}, {5, "Identity"},
+    {6, "STREEBOG_256"},
     {7, "STREEBOG_512"}});
 constexpr auto kHash = Rows<Ike>({Number(2, "Hash Algorithm", kHashNames).Note(", %s")});
 constexpr auto kPasswordNames = SortedNames({
@@ -202,7 +205,8 @@ void ShowRohc(const Place& in, Cursor& c, Ike&) {   // attributes of the form th
   Loop loop;
   while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     const Field type = TakeU16(c), value = TakeU16(c);
-    AddLine(in, Stated(type.offset, 4), "ROHC Attribute: %s = %u", LookupName(kRohcNames, type.value & 0x7FFF), value.value);
+    AddLine(in, Stated(type.offset, 4), "ROHC Attribute: %s = %u", LookupName(kRohcNames, type.value & 0x7FFF),
+            value.value);
   }
 }
 
@@ -235,7 +239,8 @@ constexpr auto kNotifications = Choices<Ike>({
     {16432, "CLONE_IKE_SA_SUPPORTED"}, {16433, "CLONE_IKE_SA"}, {16434, "PUZZLE", kPuzzle}, {16435, "USE_PPK"},
     {16436, "PPK_IDENTITY", kPpk}, {16437, "NO_PPK_AUTH"}, {16438, "INTERMEDIATE_EXCHANGE_SUPPORTED"},
     {16439, "IP4_ALLOWED"}, {16440, "IP6_ALLOWED"}, {16441, "ADDITIONAL_KEY_EXCHANGE"}, {16442, "USE_AGGFRAG"},
-    {16443, "SUPPORTED_AUTH_METHODS"}, {16444, "SA_RESOURCE_INFO"}, {16445, "USE_PPK_INT"}, {16446, "PPK_IDENTITY_KEY"}});
+    {16443, "SUPPORTED_AUTH_METHODS"}, {16444, "SA_RESOURCE_INFO"}, {16445, "USE_PPK_INT"},
+    {16446, "PPK_IDENTITY_KEY"}});
 
 const char* NotificationName(uint32_t type) {
   const Choice<Ike>* choice = FindChoice<Ike>(kNotifications, type);
@@ -274,7 +279,8 @@ constexpr auto kSelector = Rows<Ike>({
     Number(1, "IP Protocol ID", CarriedName).Into(&Ike::protocol), Number(2, "Selector Length")});
 constexpr auto kPorts = Rows<Ike>({Number(2, "Start Port"), Number(2, "End Port")});
 constexpr auto kIcmpTypes = Rows<Ike>({
-    Number(1, "Start ICMP Type"), Number(1, "Start ICMP Code"), Number(1, "End ICMP Type"), Number(1, "End ICMP Code")});
+    Number(1, "Start ICMP Type"), Number(1, "Start ICMP Code"), Number(1, "End ICMP Type"),
+    Number(1, "End ICMP Code")});
 constexpr auto kRange4 = Rows<Ike>({
     IPv4("Starting Address").Note(", %s"), IPv4("Ending Address").Note("-%s")});
 constexpr auto kRange6 = Rows<Ike>({
@@ -335,10 +341,12 @@ constexpr auto kPasswordData = Rows<Ike>({Shown<Ike>("Secure Password Data", Sho
 
 constexpr auto kPayloads = Choices<Ike>({
     {33, "Security Association", {}, ShowProposals}, {34, "Key Exchange", kKeyExchange},
-    {35, "Identification - Initiator", kIdHead, ShowIdentity}, {36, "Identification - Responder", kIdHead, ShowIdentity},
-    {37, "Certificate", {}, ShowIkeCertificate}, {38, "Certificate Request", {}, ShowIkeCertificate},
+    {35, "Identification - Initiator", kIdHead, ShowIdentity},
+    {36, "Identification - Responder", kIdHead, ShowIdentity},
+    {37, "Certificate", {}, ShowIkeCertificate}, {38, "Certificate Request", {}, ShowIkeCertificateRequest},
     {39, "Authentication", kAuthentication, ShowAuthentication}, {40, "Nonce", kNonceData},
-    {41, "Notify", kNotify, ShowNotification}, {42, "Delete", kDelete, ShowIkeSpis}, {43, "Vendor ID", {}, ShowIkeVendor},
+    {41, "Notify", kNotify, ShowNotification}, {42, "Delete", kDelete, ShowIkeSpis},
+    {43, "Vendor ID", {}, ShowIkeVendor},
     {44, "Traffic Selector - Initiator", {}, ShowSelectors}, {45, "Traffic Selector - Responder", {}, ShowSelectors},
     {46, "Encrypted and Authenticated", {}, ShowSealed}, {47, "Configuration", kConfiguration, ShowConfiguration},
     {48, "Extensible Authentication", {}, ShowEap}, {49, "Generic Secure Password Method", kPasswordData},

@@ -1,6 +1,6 @@
-// OpenVPN (draft-ietf-openvpn-wire-protocol): who opens a tunnel, which control packets were acknowledged, how much went
-// through it? Control packets may be signed or encrypted by keys that both ends were given; nothing in them says so, so
-// the layout is taken that is plausible, and the line says which.
+// OpenVPN (draft-ietf-openvpn-wire-protocol): who opens a tunnel, which control packets were acknowledged, how much
+// went through it? Control packets may be signed or encrypted by keys that both ends were given; nothing in them says
+// so, so the layout is taken that is plausible, and the line says which.
 //
 //   of TCP: length (2)   opcode and key (1)   session (8)   [HMAC (16 to 64)   packet (4)   time (4)]
 //   count of acknowledged packets (1)   their numbers (4 each)   [the other end's session (8)]   packet (4)   TLS
@@ -104,7 +104,8 @@ void ShowTls(const Place& at, const Place& in, Cursor& c) {
 void ShowSealed(const Place& in, Cursor& c, uint32_t opcode) {
   constexpr int32_t kLengthSize = 2;
   const int32_t left = Left(c);
-  const int32_t key = opcode == kReset3 || opcode == kControlWkc ? static_cast<int32_t>(PeekU16(c, left - kLengthSize)) : 0;
+  const bool hasKey = opcode == kReset3 || opcode == kControlWkc;
+  const int32_t key = hasKey ? static_cast<int32_t>(PeekU16(c, left - kLengthSize)) : 0;
   const Field sealed = TakeBytes(c, key >= kLengthSize && key <= left ? left - key : left);
   if (sealed.length > 0) AddLine(in, sealed, "Encrypted Data: %d bytes", sealed.length);
   const Field wrapped = TakeBytes(c, Left(c) - kLengthSize);

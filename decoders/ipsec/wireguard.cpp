@@ -1,5 +1,5 @@
-// WireGuard ("WireGuard: Next Generation Kernel Network Tunnel", section 5.4): who starts a session, which numbers do its
-// ends have, how many packets went through? What the messages protect stays closed.
+// WireGuard ("WireGuard: Next Generation Kernel Network Tunnel", section 5.4): who starts a session, which numbers do
+// its ends have, how many packets went through? What the messages protect stays closed.
 #include "decoders/ipsec/wireguard.h"
 
 #include "core/rows.h"
