@@ -1,0 +1,178 @@
+// What OSPF's opaque advertisements carry (RFC 5250): traffic engineering (RFC 3630, RFC 4203, RFC 7471), graceful restart
+// (RFC 3623), router information (RFC 7770), prefixes and links with segment routing (RFC 7684, RFC 8665).
+#include "decoders/common/traffic_engineering.h"
+#include "decoders/net/ospf.h"
+
+namespace qxview {
+namespace {
+
+constexpr auto kOpaqueNames = SortedNames({
+    {1, "Traffic Engineering"}, {2, "Sycamore Optical Topology Descriptions"}, {3, "Graceful Restart"}, {4, "Router Information"},
+    {5, "L1VPN"}, {6, "Inter-AS Traffic Engineering"}, {7, "Extended Prefix"}, {8, "Extended Link"}, {9, "TTZ"},
+    {10, "OSPF Dynamic Flooding"}, {11, "OSPFv2 Extended Inter-Area ASBR"}});
+constexpr auto kLinkTypeNames = SortedNames({{1, "Point-to-Point"}, {2, "Multi-Access"}});
+constexpr auto kRestartNames = SortedNames({
+    {0, "Unknown"}, {1, "Software Restart"}, {2, "Software Reload/Upgrade"}, {3, "Switch to Redundant Control Processor"}});
+constexpr auto kRouteNames = SortedNames({
+    {0, "Unspecified"}, {1, "Intra-Area"}, {3, "Inter-Area"}, {5, "AS External"}, {7, "NSSA External"}});
+constexpr auto kFamilyNames = SortedNames({{0, "IPv4 Unicast"}});
+constexpr auto kExtendedLinkNames = SortedNames({
+    {1, "Point-to-Point"}, {2, "Transit Network"}, {3, "Stub Network"}, {4, "Virtual Link"}});
+constexpr auto kCapabilityMasks = SortedNames({
+    {0x02000000, "Two-Part Metric Support"}, {0x04000000, "Experimental TE"}, {0x08000000, "Point-to-Point over LAN"},
+    {0x10000000, "Traffic Engineering Support"}, {0x20000000, "Stub Router Support"}, {0x40000000, "Graceful Restart Helper"},
+    {0x80000000, "Graceful Restart Capable"}});
+constexpr auto kPrefixMasks = SortedNames({{0x20, "Anycast"}, {0x40, "Node"}, {0x80, "Attach"}});
+constexpr auto kSidMasks = SortedNames({
+    {0x04, "Local"}, {0x08, "Value"}, {0x10, "Explicit Null"}, {0x20, "Mapping Server"}, {0x40, "No PHP"}});
+constexpr auto kAdjacencyMasks = SortedNames({
+    {0x08, "Persistent"}, {0x10, "Group"}, {0x20, "Local"}, {0x40, "Value"}, {0x80, "Backup"}});
+
+constexpr auto kAddress = Rows<Ospf>({IPv4(nullptr).Note(", %s")});
+constexpr auto kNumber = Rows<Ospf>({Number(4, nullptr).Note(", %u")});
+constexpr auto kGroups = Rows<Ospf>({Hex(4, nullptr).Note(", %u")});
+constexpr auto kLinkType = Rows<Ospf>({Number(1, nullptr, kLinkTypeNames).Note(", %s")});
+constexpr auto kBandwidth = Rows<Ospf>({Shown(4, nullptr, ShowBandwidth)});
+constexpr auto kInterfaces = Rows<Ospf>({Number(4, "Link Local Identifier"), Number(4, "Link Remote Identifier")});
+constexpr auto kProtection = Rows<Ospf>({Hex(1, "Protection Capability"), Bytes(3, "Reserved")});
+constexpr auto kSwitching = Rows<Ospf>({
+    Number(1, "Switching Capability", kSwitchingNames), Number(1, "Encoding", kEncodingNames), Hex(2, "Reserved"),
+    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+constexpr auto kDelay = Rows<Ospf>({
+    Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Delay", " microseconds")});
+constexpr auto kDelayRange = Rows<Ospf>({
+    Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Minimum Delay", " microseconds"), Word(4),
+    Bits(0, 8, "Reserved 2"), Bits(8, 24, "Maximum Delay", " microseconds")});
+constexpr auto kVariation = Rows<Ospf>({Word(4), Bits(0, 8, "Reserved"), Bits(8, 24, "Delay Variation", " microseconds")});
+constexpr auto kLoss = Rows<Ospf>({
+    Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Link Loss", " times 0.000003 percent")});
+constexpr auto kPriorities = Rows<Ospf>({
+    Shown(4, "Unreserved Bandwidth Priority 0", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 1", ShowBandwidth),
+    Shown(4, "Unreserved Bandwidth Priority 2", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 3", ShowBandwidth),
+    Shown(4, "Unreserved Bandwidth Priority 4", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 5", ShowBandwidth),
+    Shown(4, "Unreserved Bandwidth Priority 6", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 7", ShowBandwidth)});
+
+void ShowAll(const Place& in, Cursor& c, RowSpan<Ospf> rows, int32_t size, Ospf& ospf, const char* title) {
+  Loop loop;
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf, title);
+}
+void ShowLocalAddresses(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kAddress, 4, ospf, "Local Interface IP Address"); }
+void ShowRemoteAddresses(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kAddress, 4, ospf, "Remote Interface IP Address"); }
+void ShowRiskGroups(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kGroups, 4, ospf, "Shared Risk Link Group"); }
+void ShowAdminGroups(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kGroups, 4, ospf, "Extended Administrative Group"); }
+
+constexpr auto kLinkElements = Choices<Ospf>({
+    {1, "Link Type", kLinkType}, {2, "Link ID", kAddress}, {3, "Local Interface IP Address", {}, ShowLocalAddresses},
+    {4, "Remote Interface IP Address", {}, ShowRemoteAddresses}, {5, "Traffic Engineering Metric", kNumber},
+    {6, "Maximum Bandwidth", kBandwidth}, {7, "Maximum Reservable Bandwidth", kBandwidth},
+    {8, "Unreserved Bandwidth", kPriorities}, {9, "Administrative Group", kGroups},
+    {11, "Link Local/Remote Identifiers", kInterfaces}, {14, "Link Protection Type", kProtection},
+    {15, "Interface Switching Capability Descriptor", kSwitching}, {16, "Shared Risk Link Group", {}, ShowRiskGroups},
+    {17, "Bandwidth Constraints"}, {21, "Remote AS Number", kNumber}, {22, "IPv4 Remote ASBR ID", kAddress},
+    {26, "Extended Administrative Group", {}, ShowAdminGroups}, {27, "Unidirectional Link Delay", kDelay},
+    {28, "Min/Max Unidirectional Link Delay", kDelayRange}, {29, "Unidirectional Delay Variation", kVariation},
+    {30, "Unidirectional Link Loss", kLoss}, {31, "Unidirectional Residual Bandwidth", kBandwidth},
+    {32, "Unidirectional Available Bandwidth", kBandwidth}, {33, "Unidirectional Utilized Bandwidth", kBandwidth}});
+
+void ShowLink(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kLinkElements, ospf); }
+
+constexpr auto kTraffic = Choices<Ospf>({{1, "Router Address", kAddress}, {2, "Link", {}, ShowLink}});
+
+// --- router information ---
+
+constexpr auto kCapabilities = Rows<Ospf>({Flags(4, "Informational Capabilities", kCapabilityMasks)});
+constexpr auto kFunctional = Rows<Ospf>({Hex(4, "Functional Capabilities")});
+constexpr auto kHostname = Rows<Ospf>({Utf8(0, nullptr).Note(", %s")});
+constexpr auto kAlgorithm = Rows<Ospf>({Number(1, "Algorithm", NameAlgorithm)});
+constexpr auto kRange = Rows<Ospf>({Number(3, "Range Size").Note(", %u labels"), Hex(1, "Reserved")});
+constexpr auto kLabel3 = Rows<Ospf>({Number(3, nullptr).Note(", %u")});
+constexpr auto kPreference = Rows<Ospf>({Number(1, "Preference"), Bytes(3, "Reserved")});
+constexpr auto kTag = Rows<Ospf>({Number(4, "Administrative Tag")});
+constexpr auto kDepth = Rows<Ospf>({Number(1, "MSD Type", kDepthNames), Number(1, "MSD Value")});
+constexpr auto kFlexible = Rows<Ospf>({
+    Number(1, "Flexible Algorithm"), Number(1, "Metric Type"), Number(1, "Calculation Type"), Number(1, "Priority")});
+
+// A label of 20 bits in three octets, or an index in four.
+void ShowSid(const Place& in, Cursor& c, Ospf& ospf) {
+  if (Left(c) == 3) return ShowRows<Ospf>(in, c, kLabel3, ospf, "SID/Label");
+  if (Left(c) >= 4) ShowRows<Ospf>(in, c, kNumber, ospf, "SID/Index");
+}
+constexpr auto kSidElements = Choices<Ospf>({{1, "SID/Label", {}, ShowSid}});
+void ShowSids(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kSidElements, ospf); }
+void ShowAlgorithms(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kAlgorithm, 1, ospf, nullptr); }
+void ShowTags(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kTag, 4, ospf, nullptr); }
+void ShowDepths(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kDepth, 2, ospf, nullptr); }
+
+constexpr auto kRouterInformation = Choices<Ospf>({
+    {1, "Router Informational Capabilities", kCapabilities}, {2, "Router Functional Capabilities", kFunctional},
+    {3, "TE Mesh Group IPv4"}, {4, "TE Mesh Group IPv6"}, {5, "TE Node Capability Descriptor"}, {6, "PCED"},
+    {7, "Dynamic Hostname", kHostname}, {8, "SR-Algorithm", {}, ShowAlgorithms}, {9, "SID/Label Range", kRange, ShowSids},
+    {10, "Node Administrative Tag", {}, ShowTags}, {11, "S-BFD Discriminator", kNumber}, {12, "Node MSD", {}, ShowDepths},
+    {13, "Tunnel Encapsulations"}, {14, "SR Local Block", kRange, ShowSids}, {15, "SRMS Preference", kPreference},
+    {16, "Flexible Algorithm Definition", kFlexible}, {17, "Flexible Algorithm Support"}, {20, "SRv6 Capabilities"}});
+
+// --- graceful restart ---
+
+constexpr auto kPeriod = Rows<Ospf>({Number(4, nullptr, " seconds").Note(", %u seconds")});
+constexpr auto kReason = Rows<Ospf>({Number(1, nullptr, kRestartNames).Note(", %s")});
+constexpr auto kGrace = Choices<Ospf>({
+    {1, "Grace Period", kPeriod}, {2, "Graceful Restart Reason", kReason}, {3, "IP Interface Address", kAddress}});
+
+// --- prefixes and links ---
+
+constexpr auto kPrefix = Rows<Ospf>({
+    Number(1, "Route Type", kRouteNames), Number(1, "Prefix Length").Note(", /%u"), Number(1, "Address Family", kFamilyNames),
+    Flags(1, "Prefix Flags", kPrefixMasks), IPv4("Address Prefix").Note(" of %s")});
+constexpr auto kPrefixRange = Rows<Ospf>({
+    Number(1, "Prefix Length").Note(", /%u"), Number(1, "Address Family", kFamilyNames), Number(2, "Range Size"),
+    Hex(1, "Range Flags"), Flag(0, "Inter-Area"), Bits(1, 7, "Reserved"), Bytes(3, "Reserved 2"), IPv4("Address Prefix").Note(" of %s")});
+constexpr auto kPrefixSid = Rows<Ospf>({
+    Flags(1, "SID Flags", kSidMasks), Hex(1, "Reserved"), Number(1, "Multi-Topology ID"), Number(1, "Algorithm", NameAlgorithm)});
+constexpr auto kExtendedLink = Rows<Ospf>({
+    Number(1, "Link Type", kExtendedLinkNames), Bytes(3, "Reserved"), IPv4("Link ID").Note(", %s"), IPv4("Link Data").Note(", %s")});
+constexpr auto kAdjacencySid = Rows<Ospf>({
+    Flags(1, "Adjacency Flags", kAdjacencyMasks), Hex(1, "Reserved"), Number(1, "Multi-Topology ID"), Number(1, "Weight")});
+constexpr auto kLanAdjacencySid = Rows<Ospf>({
+    Flags(1, "Adjacency Flags", kAdjacencyMasks), Hex(1, "Reserved"), Number(1, "Multi-Topology ID"), Number(1, "Weight"),
+    IPv4("Neighbor ID")});
+
+constexpr auto kPrefixElements = Choices<Ospf>({
+    {2, "Prefix SID", kPrefixSid, ShowSid}, {4, "Prefix Source OSPF Router ID", kAddress},
+    {5, "Prefix Source Router Address", kAddress}});
+constexpr auto kLinkSids = Choices<Ospf>({
+    {2, "Adjacency SID", kAdjacencySid, ShowSid}, {3, "LAN Adjacency SID", kLanAdjacencySid, ShowSid},
+    {6, "Link MSD", {}, ShowDepths}, {7, "Graceful Link Shutdown"}, {8, "Remote IPv4 Address", kAddress},
+    {9, "Local/Remote Interface ID", kInterfaces}, {10, "Application-Specific Link Attributes"},
+    {11, "Shared Risk Link Group", {}, ShowRiskGroups}});
+void ShowPrefixElements(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kPrefixElements, ospf); }
+void ShowLinkSids(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kLinkSids, ospf); }
+
+constexpr auto kExtendedPrefixes = Choices<Ospf>({
+    {1, "Extended Prefix", kPrefix, ShowPrefixElements}, {2, "Extended Prefix Range", kPrefixRange, ShowPrefixElements}});
+constexpr auto kExtendedLinks = Choices<Ospf>({{1, "Extended Link", kExtendedLink, ShowLinkSids}});
+
+}  // namespace
+
+const char* OspfOpaqueName(uint32_t type) { return LookupName(kOpaqueNames, type); }
+
+void ShowOspfTraffic(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "TLV", kTraffic, ospf); }
+void ShowOspfRouterInformation(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "TLV", kRouterInformation, ospf);
+}
+void ShowOspfGrace(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "TLV", kGrace, ospf); }
+
+void ShowOspfOpaque(const Place& in, Cursor& c, Ospf& ospf) {
+  switch (ospf.opaque.value) {
+    case 1: case 6: ShowOspfTraffic(in, c, ospf); break;
+    case 3: ShowOspfGrace(in, c, ospf); break;
+    case 4: ShowOspfRouterInformation(in, c, ospf); break;
+    case 7: ShowElements(in, c, kOspfForm, "TLV", kExtendedPrefixes, ospf); break;
+    case 8: ShowElements(in, c, kOspfForm, "TLV", kExtendedLinks, ospf); break;
+    default: break;
+  }
+}
+
+}  // namespace qxview
