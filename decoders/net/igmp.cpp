@@ -9,11 +9,16 @@
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
 #include "decoders/common/checksum_line.h"
+#include "decoders/net/dvmrp.h"
+#include "decoders/net/pim.h"
 
 namespace qxview {
 namespace {
 
-enum IgmpType : uint32_t { kQuery = 0x11, kReportV3 = 0x22, kRouterAdvertisement = 0x30 };
+enum IgmpType : uint32_t {
+  kQuery = 0x11, kDvmrp = 0x13, kPim1 = 0x14, kTraceResponse = 0x1E, kTrace = 0x1F, kReportV3 = 0x22,
+  kRouterAdvertisement = 0x30,
+};
 constexpr int32_t kShortMessage = 8;
 
 constexpr auto kTypeNames = SortedNames({
@@ -94,6 +99,16 @@ void AddChecksum(const Place& in, const Field& checksum, const uint8_t* bytes, i
 }
 
 void AddResponseTime(const Place& in, const Field& time, uint32_t type, bool version3) {
+  if (type == kDvmrp || type == kPim1) {
+    const char* name = type == kPim1 ? Pim1Name(time.value) : DvmrpName(time.value);
+    AddLine(in, time, "Code: %u = %s", time.value, name);
+    AppendToParent(in, time, " %s", name);
+    return;
+  }
+  if (type == kTrace || type == kTraceResponse) {
+    AddLine(in, time, "Number of Hops: %u", time.value);
+    return;
+  }
   if (type != kQuery) {
     AddLine(in, time, "%s: %u", type == kRouterAdvertisement ? "Advertisement Interval" : "Reserved", time.value);
     return;
@@ -128,8 +143,12 @@ int32_t DecodeIgmp(const Place& at, Cursor c) {
       AddLine(in, robustness, "Robustness Variable: %u", robustness.value);
       break;
     }
+    case kDvmrp: ShowDvmrp(in, c, time.value); break;
+    case kPim1: ShowPim1(in, c, time.value); break;
+    case kTrace: case kTraceResponse: ShowTrace(in, c); break;
     default: break;
   }
+  c.ranShort = false;
   AddBlock(in, Rest(c), "IGMP Data");
   return 1;
 }
