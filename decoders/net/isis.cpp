@@ -123,10 +123,9 @@ int32_t DecodeIsis(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, whole, "IS-IS %s", LookupName(kTypeNames, type)));
   Isis isis = ShowRows(in, pdu, kHead);
   const bool isUsual = isis.idLength.value == 0 || isis.idLength.value == kUsualIdLength;
-  Cursor fields = TakeCursor(pdu, static_cast<int32_t>(isis.headerLength.value) - kHeadSize);
-  if (isUsual) ShowFields(in, fields, isis, whole);
-  fields.ranShort = false;
-  AddBlock(in, Rest(fields), "Data");
+  if (isUsual) ShowFields(in, pdu, isis, whole);
+  Cursor beyond = TakeCursor(pdu, static_cast<int32_t>(isis.headerLength.value) - Taken(pdu));
+  AddBlock(in, Rest(beyond), "Data");
   if (isUsual && isis.type.value >= kLanHello1) ShowIsisElements(in, pdu, isis);
   pdu.ranShort = false;
   AddBlock(in, Rest(pdu), "IS-IS Data");
