@@ -130,7 +130,8 @@ int32_t DecodeGgp(const Place& at, Cursor c) {
   if (Left(c) < 1) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "GGP %s", LookupName(kGgpNames, PeekU8(c))));
   Gateway gateway = ShowRows(in, c, kGgpHead);
-  ShowRows<Gateway>(in, c, gateway.type.value == kRoutingUpdate ? RowSpan<Gateway>(kGgpUpdate) : RowSpan<Gateway>(kGgpSequence), gateway);
+  const bool isUpdate = gateway.type.value == kRoutingUpdate;
+  ShowRows<Gateway>(in, c, isUpdate ? RowSpan<Gateway>(kGgpUpdate) : RowSpan<Gateway>(kGgpSequence), gateway);
   c.ranShort = false;
   AddBlock(in, Rest(c), "GGP Data");
   return 1;

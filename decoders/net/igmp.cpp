@@ -148,7 +148,6 @@ int32_t DecodeIgmp(const Place& at, Cursor c) {
     case kTrace: case kTraceResponse: ShowTrace(in, c); break;
     default: break;
   }
-  c.ranShort = false;
   AddBlock(in, Rest(c), "IGMP Data");
   return 1;
 }

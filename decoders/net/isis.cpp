@@ -56,7 +56,8 @@ void ShowLinkState(const Place& in, Cursor& c, Isis& isis, const Field& whole) {
   ShowRows<Isis>(in, c, kLength, isis);
   ShowRows<Isis>(in, c, kLinkStateRows, isis);
   const Field checksum = TakeU16(c);
-  const bool isChecked = isis.size.value && whole.length > kBeforeIdentifier && static_cast<int32_t>(isis.length.value) == whole.length;
+  const bool isWhole = whole.length > kBeforeIdentifier && static_cast<int32_t>(isis.length.value) == whole.length;
+  const bool isChecked = isis.size.value && isWhole;
   AddFletcherLine(in, checksum, isChecked ? Slice(whole, kBeforeIdentifier, whole.length - kBeforeIdentifier) : Field{});
   ShowRows<Isis>(in, c, kLinkStateFlags, isis);
 }
@@ -115,7 +116,7 @@ OsiText OsiAddressText(const Field& address) {
 int32_t DecodeIsis(const Place& at, Cursor c) {
   constexpr uint32_t kDiscriminator = 0x83, kUsualIdLength = 6;
   constexpr int32_t kHeadSize = 8;
-  if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator) return 0;
+  if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator || static_cast<int32_t>(PeekU8(c, 1)) < kHeadSize) return 0;
   const uint32_t type = PeekU8(c, 4) & 31;
   const int32_t length = LengthOfPdu(c);
   Cursor pdu = TakeCursor(c, length > kHeadSize ? length : Left(c));

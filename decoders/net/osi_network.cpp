@@ -81,9 +81,9 @@ void ShowEsisAddresses(const Place& in, Cursor& c, uint32_t type) {
 int32_t DecodeEsis(const Place& at, Cursor c) {
   constexpr uint32_t kDiscriminator = 0x82;
   constexpr int32_t kHeadSize = 9;
-  if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator) return 0;
   const int32_t length = static_cast<int32_t>(PeekU8(c, 1));
-  Cursor header = TakeCursor(c, length < kHeadSize ? kHeadSize : length);
+  if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator || length < kHeadSize) return 0;
+  Cursor header = TakeCursor(c, length);
   const Field whole = Left(header) == length ? PeekBytes(header, 0, length) : Field{};
   const Place in = Under(at, AddLine(at, Ahead(header, Left(header)), "ES-IS %s", LookupName(kEsisTypeNames, PeekU8(header, 4) & 31)));
   const Osi osi = ShowRows(in, header, kEsisHead);
@@ -99,9 +99,9 @@ int32_t DecodeEsis(const Place& at, Cursor c) {
 int32_t DecodeClnp(const Place& at, Cursor c) {
   constexpr uint32_t kDiscriminator = 0x81, kErrorReport = 1;
   constexpr int32_t kHeadSize = 9;
-  if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator) return 0;
   const int32_t length = static_cast<int32_t>(PeekU8(c, 1));
-  Cursor header = TakeCursor(c, length < kHeadSize ? kHeadSize : length);
+  if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator || length < kHeadSize) return 0;
+  Cursor header = TakeCursor(c, length);
   const Field whole = Left(header) == length ? PeekBytes(header, 0, length) : Field{};
   const Place in = Under(at, AddLine(at, Ahead(header, Left(header)), "CLNP %s", LookupName(kClnpTypeNames, PeekU8(header, 4) & 31)));
   const Osi osi = ShowRows(in, header, kClnpHead);

@@ -91,8 +91,9 @@ void ShowAdvertisement(const Place& in, Cursor& c, Ospf& ospf, bool withBody) {
   const Cursor start = c;
   Cursor part = TakeCursor(c, withBody && length >= kAdvertisementHeader ? static_cast<int32_t>(length) : kAdvertisementHeader);
   const Field id = PeekBytes(start, 4, 4), router = PeekBytes(start, 8, 4);
+  const char* name = isThree ? Ospf3LsaName(type) : OspfLsaName(type);
   const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "%s: %s, ID %s, Router %s", withBody ? "LSA" : "LSA Header",
-                                        isThree ? Ospf3LsaName(type) : OspfLsaName(type), IPv4Text(id.bytes), IPv4Text(router.bytes)));
+                                        name, IPv4Text(id.bytes), IPv4Text(router.bytes)));
   const bool isWhole = withBody && Left(part) == static_cast<int32_t>(length);
   ShowHeader(under, part, ospf, isWhole ? PeekBytes(part, 0, Left(part)) : Field{});
   if (withBody) {
@@ -105,7 +106,9 @@ void ShowAdvertisement(const Place& in, Cursor& c, Ospf& ospf, bool withBody) {
 
 void ShowAdvertisements(const Place& in, Cursor& c, Ospf& ospf, uint32_t most, bool withBody) {
   Loop loop;
-  for (uint32_t i = 0; i < most && Left(c) >= kAdvertisementHeader && MoreAt(in, c, loop); ++i) ShowAdvertisement(in, c, ospf, withBody);
+  for (uint32_t i = 0; i < most && Left(c) >= kAdvertisementHeader && MoreAt(in, c, loop); ++i) {
+    ShowAdvertisement(in, c, ospf, withBody);
+  }
 }
 
 void ShowBody(const Place& in, Cursor& c, Ospf& ospf) {
@@ -196,7 +199,8 @@ void AddChecksum(const Place& in, const Field& checksum, const Field& packet, ui
     sum = SumWords(head, packet.bytes, packet.length);
   } else if (!unchecked) {
     sum = SumWords(0, packet.bytes, kHeader2 - kAuthenticationSize);
-    if (packet.length > kHeader2) sum = SumWords(sum, Slice(packet, kHeader2, packet.length - kHeader2).bytes, packet.length - kHeader2);
+    const Field rest = Slice(packet, kHeader2, packet.length - kHeader2);
+    if (rest.length) sum = SumWords(sum, rest.bytes, rest.length);
   }
   AddChecksumLine(in, checksum, "Checksum:", unchecked, sum, BadChecksum::kAlone);
 }
@@ -233,7 +237,8 @@ int32_t DecodeOspf(const Place& at, Cursor c) {
   const bool hasOptions = outer.type.value == kHello || outer.type.value == kDescription;
   const uint32_t options = hasOptions ? ospf.options.value : 0;
   // Updates and acknowledgements have no options: what is behind them tells itself by its length.
-  const bool trailer = isThree && (hasOptions ? options & kTrailerBit : PeekU16(c) == 1 && static_cast<int32_t>(PeekU16(c, 2)) == Left(c));
+  const bool looksLikeTrailer = PeekU16(c) == 1 && static_cast<int32_t>(PeekU16(c, 2)) == Left(c);
+  const bool trailer = isThree && (hasOptions ? (options & kTrailerBit) != 0 : looksLikeTrailer);
   ShowTail(in, c, tail, options & (isThree ? kSignalBit3 : kSignalBit2), trailer);
   return 1;
 }

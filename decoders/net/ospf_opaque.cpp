@@ -56,6 +56,8 @@ constexpr auto kPriorities = Rows<Ospf>({
     Shown(4, "Unreserved Bandwidth Priority 6", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 7", ShowBandwidth)});
 
 void ShowAll(const Place& in, Cursor& c, RowSpan<Ospf> rows, int32_t size, Ospf& ospf, const char* title) {
+  // keys: address Local Interface IP Address, Remote Interface IP Address
+  // keys: number Shared Risk Link Group, Extended Administrative Group
   Loop loop;
   while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf, title);
 }
