@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/frame_entry.h"
 #include "host/text.h"
 #include "platform/bpf_filter.h"
 #include "platform/interruption.h"
@@ -184,7 +185,7 @@ int PacketRun::ForEach(const Handler& handle) {
     if (!selected) {
       session_->Pass(record);
     } else {
-      if (record->mediaType == static_cast<uint8_t>(Medium::kNone5)) TellLinkType(frame);
+      if (!FindFrameDecoder(record)) TellLinkType(frame);
       if (notes_) record = notes_->Add(record, frame, times_);
       goOn = handle(record, frame, session_->Decode(record));
     }

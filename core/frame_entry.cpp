@@ -43,7 +43,14 @@ int32_t DecodeForcedPayload(const Place& at, const Cursor& c, const ForcedDecodi
   return CallDecoder(at, c, nullptr, "Raw Data");
 }
 
-// Frames of link types without a medium header start at their network header, as if forced to.
+// Link type 0 is that of loopback frames, which are raw ones; of others it says nothing.
+const DecoderRow* FindLinkType(const FrameRecord* record) {
+  if (!HasFullHeader(record) || (record->linkType == 0 && !IsRawFrame(record))) return nullptr;
+  return FindLinkEncapsulation(kLinkTypeKeys + record->linkType);
+}
+
+// Frames of link types without a medium header start at their network header, as if forced to. What stands in front of
+// that has lines of its own where the link type is known; a header that names no protocol is left to its decoder.
 int32_t DecodeRawFrame(const Place& at, Cursor c, const FrameRecord* record) {
   const Place in = AddFrameSummary(at, c);
   const char* name = record->rawEthertype == kRawLlc ? "IEEE 802.2" : EthertypeName(record->rawEthertype);
@@ -51,11 +58,26 @@ int32_t DecodeRawFrame(const Place& at, Cursor c, const FrameRecord* record) {
   AddLine(in, Ahead(c, Left(c)), "Frame network size: %lu", WireLength(record));
   AddPartialSize(in, c);
   AddCaptureLines(in);
-  TakeBytes(c, record->rawSkip);
+  const DecoderRow* link = record->rawSkip ? FindLinkType(record) : nullptr;
+  if (link && record->rawEthertype == kRawUnknown) return CallDecoder(at, c, link->decode, "Raw Data");
+  const Cursor header = TakeCursor(c, record->rawSkip);
+  if (link) TryDecoder(at, header, link->decode, nullptr);
   const Place network = Deeper(at);
   if (record->rawEthertype == kRawLlc) return CallDecoder(network, c, DecodeLlc, "Raw Data");
   const int32_t handled = DispatchEthertype(network, c, record->rawEthertype);
   return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
+}
+
+// Frames whose link type is no medium: the lines that all frames start with, then what the link type's decoder shows.
+int32_t DecodeLinkFrame(const Place& at, const Cursor& c, const DecoderRow* link) {
+  const Place in = AddFrameSummary(at, c);
+  AddLine(in, Ahead(c, Left(c)), "Network: %s", link->name);
+  AddLine(in, Ahead(c, Left(c)), "Frame network size: %lu", WireLength(PacketOf(at).frame));
+  AddPartialSize(in, c);
+  AddCaptureLines(in);
+  const int32_t index = ApplicationIndexOf(link->protocol);
+  if (index >= 0) ReachLayer(at, DispatchTable::kApplication, static_cast<uint32_t>(index), c);
+  return CallDecoder(at, c, link->decode, "Raw Data");
 }
 
 int32_t DecodeForced(const Place& at, Cursor c, const ForcedDecodingSettings& forced) {
@@ -120,6 +142,11 @@ void RestoreSelection(View* view) {
 }
 
 }  // namespace
+
+const DecoderRow* FindFrameDecoder(const FrameRecord* record) {
+  const DecoderRow* medium = FindMedium(record->mediaType);
+  return medium ? medium : FindLinkType(record);
+}
 
 const char* ReceiveErrorNote(uint32_t receiveErrors) {
   if (receiveErrors == 0) return "";
@@ -252,6 +279,8 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   } else if (const DecoderRow* medium = FindMedium(record->mediaType)) {
     packet.protocol = medium->protocol->key;
     handled = medium->decode(at, c);
+  } else if (const DecoderRow* link = FindLinkType(record)) {
+    handled = DecodeLinkFrame(at, c, link);
   }
   if (!display) return handled;
   ExpandTree(view);

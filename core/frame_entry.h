@@ -11,6 +11,12 @@ namespace qxview {
 int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, uint32_t userParam2,
                     int32_t skipBytes);
 
+// Link types that no medium's number stands for lead to their decoders by these keys of the table of encapsulations.
+constexpr uint32_t kLinkTypeKeys = 0x10000;
+
+// Whoever decodes the frame: its medium, or its link type where that has no medium's number; null for nobody.
+const DecoderRow* FindFrameDecoder(const FrameRecord* record);
+
 // The bracketed note of the receive errors; empty for a good frame.
 const char* ReceiveErrorNote(uint32_t receiveErrors);
 

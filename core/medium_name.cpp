@@ -1,4 +1,4 @@
-#include "core/frame_record.h"
+#include "core/frame_entry.h"
 
 namespace qxview {
 
@@ -23,6 +23,7 @@ const char* MediumName(const FrameRecord* record, char* scratch) {
     default:
       break;
   }
+  if (const DecoderRow* decoder = FindFrameDecoder(record)) return decoder->name;
   std::memcpy(scratch, "Medium", 6);
   char* out = scratch + 6;
   unsigned number = record->mediaType;

@@ -2,6 +2,7 @@
 #include <cstddef>
 
 #include "core/decoder.h"
+#include "core/frame_entry.h"
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/rtp_summary.h"
 #include "decoders/link/llc.h"
@@ -33,6 +34,7 @@ constexpr MessageForm Messages(MessageLengthFunction length) { return {length, f
 constexpr MessageForm MessageRuns(MessageLengthFunction length) { return {length, true}; }
 constexpr Door Medium(uint32_t key) { return {DoorKind::kMedium, key}; }
 constexpr Door Encapsulation(uint32_t key) { return {DoorKind::kEncapsulation, key}; }
+constexpr Door LinkType(uint32_t number) { return {DoorKind::kEncapsulation, kLinkTypeKeys + number}; }
 constexpr Door Llc(uint32_t service) { return {DoorKind::kLlc, service}; }
 constexpr Door Ethertype(uint32_t key) { return {DoorKind::kEthertype, key}; }
 constexpr Door Ip(uint32_t protocol) { return {DoorKind::kIpProtocol, protocol}; }

@@ -6,6 +6,7 @@
 
 #include "core/bounded_text.h"
 #include "core/formatter.h"
+#include "core/frame_entry.h"
 #include "exports/exported_view.h"
 #include "files/capture_formats.h"
 #include "host/key_log.h"
@@ -59,7 +60,7 @@ std::unique_ptr<ExportedView> MakeView(const QxHost* lent, const char* settings,
 }
 
 void TellLinkType(ExportedView* view, const FrameRecord* record) {
-  if (!view->message || record->mediaType != static_cast<uint8_t>(Medium::kNone5) || !HasFullHeader(record)) return;
+  if (!view->message || !HasFullHeader(record) || FindFrameDecoder(record)) return;
   for (const uint16_t told : view->toldLinkTypes) {
     if (told == record->linkType) return;
   }

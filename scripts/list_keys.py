@@ -9,6 +9,7 @@ AddLine and its kin, and off the tables of rows, and resolves labels that are ar
 calls, members of rows, names of tables. A function that says `KeyedAs keys(PacketOf(at), "llc")` starts a protocol of its
 own. It knows the forms of rows: Rows and Choices of core, BerRow.
 """
+import glob
 import os
 import re
 import sys
@@ -455,6 +456,12 @@ class Scan:
                     for label in re.findall(r'^\d+ (\S+)', rows.read(), re.M):
                         self.emit(protocol, label, ANY_KIND)
                 self.keys.setdefault(protocol + '.*', ['Names That the Packet Tells', ANY_KIND])
+                return
+            if kind == 'tables':   # dictionaries in sources: {1, kText, "Label"
+                for path in sorted(glob.glob(os.path.join(ROOT, labels))):
+                    with open(path, encoding='utf-8') as rows:
+                        for label in re.findall(r'\{\d+,\s+k[A-Z]\w+,\s+"([^"]+)"|NetlinkKind::k\w+,\s+"([^"]+)"', rows.read()):
+                            self.emit(protocol, label[0] or label[1], ANY_KIND)
                 return
             for label in labels.split(', '):
                 self.emit('frame' if function.file == 'core/frame_entry.cpp' else protocol, label, KIND_NAMES[kind])

@@ -58,7 +58,7 @@ TEST_F(RecordBuilderTest, GivesEveryLinkTypeItsMedium) {
   char scratch[kMediumNameScratch];
   for (Case c : {Case{1, "Ethernet"}, Case{6, "TokenRing"}, Case{10, "FDDI"}, Case{9, "WAN"}, Case{50, "WAN"},
                  Case{104, "WAN"}, Case{107, "WAN"}, Case{204, "WAN"}, Case{100, "ATM"}, Case{224, "FibreChannel"},
-                 Case{225, "FibreChannel"}, Case{105, "802.11"}, Case{101, "RawIP"}, Case{51, "Medium5"}}) {
+                 Case{225, "FibreChannel"}, Case{105, "802.11"}, Case{101, "RawIP"}, Case{177, "Medium5"}}) {
     EXPECT_STREQ(MediumName(Build(c.linkType, Bytes(40)), scratch), c.medium) << c.linkType;
     Build(c.linkType, {});  // nothing at all is no trouble either
   }

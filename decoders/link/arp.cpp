@@ -5,15 +5,12 @@
 #include "core/decoder.h"
 #include "core/frame_entry.h"
 #include "decoders/common/hardware_types.h"
+#include "decoders/link/arp_names.h"
 
 namespace qxview {
 namespace {
 
 constexpr uint32_t kProtocolIPv4 = 0x0800;
-
-constexpr auto kOpcodeNames = SortedNames({
-    {1, "Request"}, {2, "Reply"}, {3, "Reverse Request"}, {4, "Reverse Reply"}, {5, "DRARP Request"},
-    {6, "DRARP Reply"}, {7, "DRARP Error"}, {8, "Inverse Request"}, {9, "Inverse Reply"}, {10, "ARP NAK"}});
 
 // An address in the notation of its kind: the user's name for it where there is one, else plain bytes.
 struct AddressText {
@@ -43,11 +40,9 @@ void DecodeStation(const Place& in, Cursor& c, const char* who, const Field& har
   AppendToParent(in, protocol, ", %s %s", who, name);
 }
 
-}  // namespace
-
-int32_t DecodeArp(const Place& at, Cursor c) {
+int32_t DecodePacket(const Place& at, Cursor c, const char* title) {
   if (Left(c) < 8) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, 8), "ARP:"));
+  const Place in = Under(at, AddLine(at, Ahead(c, 8), "%s:", title));
 
   const Field hardware = TakeU16(c);
   AddLine(in, hardware, "Hardware Type: %u = %s", hardware.value, LookupName(kHardwareNames, hardware.value));
@@ -59,7 +54,7 @@ int32_t DecodeArp(const Place& at, Cursor c) {
   const Field protocolLength = TakeU8(c);
   AddLine(in, protocolLength, "Protocol Address Length: %u", protocolLength.value);
   const Field opcode = TakeU16(c);
-  const char* operation = LookupName(kOpcodeNames, opcode.value);
+  const char* operation = LookupName(kArpOperationNames, opcode.value);
   AddLine(in, opcode, "Operation: %u = %s", opcode.value, operation);
   AppendToParent(in, opcode, " %s", operation);
 
@@ -69,5 +64,10 @@ int32_t DecodeArp(const Place& at, Cursor c) {
   CoverBytes(in, c);   // frames are padded behind the addresses: the top line covers what was read
   return 1;
 }
+
+}  // namespace
+
+int32_t DecodeArp(const Place& at, Cursor c) { return DecodePacket(at, c, "ARP"); }
+int32_t DecodeRarp(const Place& at, Cursor c) { return DecodePacket(at, c, "RARP"); }
 
 }  // namespace qxview

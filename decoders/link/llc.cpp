@@ -74,19 +74,40 @@ LlcService ChooseService(const Sap& sap, const Cursor& c) {
   return LlcService::kNone;
 }
 
+// The numbers of information and supervisory frames.
+void AddNumberBits(const Place& in, const Field& control, bool isInformation) {
+  if (isInformation) {
+    const BitPicture sent = BitsOf(control, 0, 7);
+    AddBitLine(in, control, "%s: Send Sequence Number = %u", sent.picture, sent.value);
+  } else {
+    const BitPicture kind = BitsOf(control, 4, 2);
+    AddBitLine(in, control, "%s: Supervisory Function = %u (%s)", kind.picture, kind.value,
+               LookupName(kSupervisoryNames, kind.value));
+  }
+  const BitPicture received = BitsOf(control, 8, 7), poll = BitsOf(control, 15, 1);
+  AddBitLine(in, control, "%s: Receive Sequence Number = %u", received.picture, received.value);
+  AddBitLine(in, control, "%s: Poll or Final = %s", poll.picture, TrueOrFalse(poll.value));
+}
+
 }  // namespace
 
 void AddControlLine(const Place& in, const Field& control) {
   const uint32_t first = control.length == 2 ? control.value >> 8 : control.value;
   if ((first & 1) == 0) {
-    AddLine(in, control, "Control: 0x%.04X = Information, N(S) = %u, N(R) = %u", control.value, first >> 1,
-            control.value >> 1 & 0x7F);
+    const LineHandle line = AddLine(in, control, "Control: 0x%.04X = Information, N(S) = %u, N(R) = %u", control.value,
+                                    first >> 1, control.value >> 1 & 0x7F);
+    AddNumberBits(Under(in, line), control, true);
   } else if ((first & 3) == 1) {
-    AddLine(in, control, "Control: 0x%.04X = Supervisory, %s, N(R) = %u", control.value,
-            LookupName(kSupervisoryNames, first >> 2 & 3), control.value >> 1 & 0x7F);
+    const LineHandle line = AddLine(in, control, "Control: 0x%.04X = Supervisory, %s, N(R) = %u", control.value,
+                                    LookupName(kSupervisoryNames, first >> 2 & 3), control.value >> 1 & 0x7F);
+    AddNumberBits(Under(in, line), control, false);
   } else {
-    AddLine(in, control, "Control: 0x%.02X = Unnumbered, %s", control.value,
-            LookupName(kUnnumberedNames, first & 0xEF));
+    const LineHandle line = AddLine(in, control, "Control: 0x%.02X = Unnumbered, %s", control.value,
+                                    LookupName(kUnnumberedNames, first & 0xEF));
+    if ((first & 0xEF) == kUnnumberedInformation) return;   // its control field says no more than its name
+    const Place under = Under(in, line);
+    const BitPicture poll = BitsOf(control, 3, 1);
+    AddBitLine(under, control, "%s: Poll or Final = %s", poll.picture, TrueOrFalse(poll.value));
   }
 }
 

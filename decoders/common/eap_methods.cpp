@@ -1,0 +1,330 @@
+// The methods of EAP: what stands behind the type of a request or response. MD5, one-time passwords and tokens (RFC
+// 3748),
+// TLS (RFC 5216) and what tunnels in it (TTLS: RFC 5281, FAST: RFC 4851, TEAP: RFC 7170), MSCHAPv2
+// (draft-kamath-pppext-eap-mschapv2), PAX (RFC 4746), SAKE (RFC 4763), PSK (RFC 4764), IKEv2 (RFC 5106), GPSK (RFC
+// 5433),
+// pwd (RFC 5931), EKE (RFC 6124), NOOB (RFC 9140), Wi-Fi Simple Configuration.
+#include "decoders/common/eap.h"
+#include "decoders/common/json_lines.h"
+
+namespace qxview {
+namespace {
+
+constexpr auto kChapOperationNames = SortedNames({
+    {1, "Challenge"}, {2, "Response"}, {3, "Success"}, {4, "Failure"}, {7, "Change Password"}});
+constexpr auto kSimSubtypes = SortedNames({
+    {1, "AKA-Challenge"}, {2, "AKA-Authentication-Reject"}, {4, "AKA-Synchronization-Failure"}, {5, "AKA-Identity"},
+    {10, "SIM-Start"}, {11, "SIM-Challenge"}, {12, "Notification"}, {13, "Re-authentication"}, {14, "Client-Error"}});
+constexpr auto kVendorNames = SortedNames({{0, "IETF"}, {0x000009, "Cisco"}, {0x000137, "Microsoft"}, {0x00372A,
+    "Wi-Fi Alliance"}});
+constexpr auto kGroups = SortedNames({
+    {1, "MODP 768"}, {2, "MODP 1024"}, {5, "MODP 1536"}, {14, "MODP 2048"}, {19, "NIST P-256"}, {20, "NIST P-384"},
+    {21, "NIST P-521"}, {25, "NIST P-192"}, {26, "NIST P-224"}, {27, "Brainpool P-224"}, {28, "Brainpool P-256"},
+    {29, "Brainpool P-384"}, {30, "Brainpool P-512"}});
+constexpr auto kPwdExchanges = SortedNames({{0, "Reserved"}, {1, "ID"}, {2, "Commit"}, {3, "Confirm"}});
+constexpr auto kPrepNames = SortedNames({{0, "None"}, {1, "RFC 2759"}, {2, "SASLprep"}, {3,
+    "SHA-1 of Salt and Password"},
+                                         {4, "SHA-256 of Salt and Password"}, {5, "SHA-512 of Salt and Password"}, {6,
+                                         "crypt()"}});
+constexpr auto kRandomNames = SortedNames({{1, "HMAC-SHA256"}});
+constexpr auto kPaxOperations = SortedNames({
+    {1, "STD-1"}, {2, "STD-2"}, {3, "STD-3"}, {0x11, "SEC-1"}, {0x12, "SEC-2"}, {0x13, "SEC-3"}, {0x14, "SEC-4"},
+    {0x15, "SEC-5"}, {0x21, "ACK"}});
+constexpr auto kPaxMacs = SortedNames({{1, "HMAC-SHA1-128"}, {2, "HMAC-SHA256-128"}});
+constexpr auto kPaxGroups = SortedNames({{0, "None"}, {1, "MODP 2048"}, {2, "MODP 3072"}, {3, "NIST P-256"}});
+constexpr auto kPaxKeys = SortedNames({{0, "None"}, {1, "RSA-OAEP-2048"}, {2, "RSA-OAEP-2048 Self-Signed"}});
+constexpr auto kSakeSubtypes = SortedNames({
+    {1, "SAKE/Challenge"}, {2, "SAKE/Confirm"}, {3, "SAKE/Auth-Reject"}, {4, "SAKE/Identity"}});
+constexpr auto kGpskOperations = SortedNames({
+    {0, "Reserved"}, {1, "GPSK-1"}, {2, "GPSK-2"}, {3, "GPSK-3"}, {4, "GPSK-4"}, {5, "GPSK-Fail"}, {6,
+    "GPSK-Protected-Fail"}});
+constexpr auto kGpskFailures = SortedNames({
+    {1, "PSK Not Found"}, {2, "Authentication Failure"}, {3, "Authorization Failure"}});
+constexpr auto kEkeExchanges = SortedNames({
+    {1, "EKE-ID"}, {2, "EKE-Commit"}, {3, "EKE-Confirm"}, {4, "EKE-Failure"}});
+constexpr auto kEkeGroups = SortedNames({{1, "EKE 2"}, {2, "EKE 5"}, {3, "EKE 14"}, {4, "EKE 15"}, {5, "EKE 16"}});
+constexpr auto kEkeCiphers = SortedNames({{1, "AES-128-CBC"}});
+constexpr auto kEkeHashes = SortedNames({{1, "PRF HMAC-SHA1"}, {2, "PRF HMAC-SHA2-256"}});
+constexpr auto kEkeMacs = SortedNames({{1, "HMAC-SHA1"}, {2, "HMAC-SHA2-256"}});
+constexpr auto kEkeIdentities = SortedNames({
+    {0, "Reserved"}, {1, "Opaque"}, {2, "NAI"}, {3, "IPv4"}, {4, "IPv6"}, {5, "FQDN"}, {6, "DN"}});
+constexpr auto kEkeFailures = SortedNames({
+    {0, "Reserved"}, {1, "No Error"}, {2, "Protocol Error"}, {3, "Password Not Found"}, {4, "Authentication Failure"},
+    {5, "Authorization Failure"}, {6, "No Proposal Chosen"}});
+constexpr auto kWscOperations = SortedNames({
+    {1, "WSC_Start"}, {2, "WSC_ACK"}, {3, "WSC_NACK"}, {4, "WSC_MSG"}, {5, "WSC_Done"}, {6, "WSC_FRAG_ACK"}});
+
+// --- what EAP itself has ---
+
+constexpr auto kIdentity = Rows<Eap>({Text(0, "Identity")});
+constexpr auto kNotification = Rows<Eap>({Text(0, "Notification")});
+constexpr auto kDesired = Rows<Eap>({Number(1, "Desired Type", kEapTypeNames)});
+constexpr auto kChallenge = Rows<Eap>({Counted(1, Bytes(0, "Value")), Text(0, "Name")});
+constexpr auto kPassword = Rows<Eap>({Text(0, "Password")});
+constexpr auto kToken = Rows<Eap>({Text(0, "Token")});
+
+void ShowDesired(const Place& in, Cursor& c, Eap& eap) {
+  Loop loop;
+  while (MoreAt(in, c, loop)) ShowRows<Eap>(in, c, kDesired, eap);
+}
+
+// --- TLS and what tunnels in it ---
+
+constexpr auto kTlsFlags = Rows<Eap>({
+    Word(1).Into(&Eap::flags), Flag(0, "Length Included"), Flag(1, "More Fragments"), Flag(2, "Start"),
+    Bits(3, 2, "Reserved"), Bits(5, 3, "Version")});
+constexpr auto kTeapFlags = Rows<Eap>({
+    Word(1).Into(&Eap::flags), Flag(0, "Length Included"), Flag(1, "More Fragments"), Flag(2, "Start"),
+    Flag(3, "Outer TLV Length Included"), Bits(4, 1, "Reserved"), Bits(5, 3, "Version")});
+constexpr auto kTlsLength = Rows<Eap>({Number(4, "TLS Message Length")});
+constexpr auto kOuterLength = Rows<Eap>({Number(4, "Outer TLV Length").Into(&Eap::count)});
+constexpr auto kAuthority = Rows<Eap>({Bytes(0, "Authority ID")});
+constexpr uint32_t kLengthIncluded = 0x80, kStart = 0x20, kOuterIncluded = 0x10;
+
+void ShowTls(const Place& in, Cursor& c, Eap& eap) {
+  if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
+  AddBlock(in, Rest(c), "TLS Data");
+}
+constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .typeMask = 0x3FFF};
+constexpr auto kFastTlvs = Choices<Eap>({{4, "Authority ID", kAuthority}});
+void ShowFast(const Place& in, Cursor& c, Eap& eap) {
+  if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
+  if (eap.flags.value & kStart) ShowElements<Eap>(in, c, kTlvForm, "TLV", kFastTlvs, eap);
+  AddBlock(in, Rest(c), "TLS Data");
+}
+constexpr auto kTeapTlvs = Choices<Eap>({
+    {1, "Authority-ID", kAuthority}, {2, "Identity-Type"}, {3, "Result"}, {4, "NAK"}, {5, "Error"},
+    {6, "Channel-Binding"}, {7, "Vendor-Specific"}, {8, "Request-Action"}, {9, "EAP-Payload"},
+    {10, "Intermediate-Result"}, {11, "PAC"}, {12, "Crypto-Binding"}, {13, "Basic-Password-Auth-Req"},
+    {14, "Basic-Password-Auth-Resp"}, {15, "PKCS#7"}, {16, "PKCS#10"}, {17, "Trusted-Server-Root"}, {18,
+    "CSR-Attributes"},
+    {19, "Identity-Hint"}});
+void ShowTeap(const Place& in, Cursor& c, Eap& eap) {
+  if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
+  if (eap.flags.value & kOuterIncluded) ShowRows<Eap>(in, c, kOuterLength, eap);
+  const int32_t outer = eap.count.value < static_cast<uint32_t>(Left(c)) ? static_cast<int32_t>(eap.count.value) :
+      Left(c);
+  Cursor tls = TakeCursor(c, Left(c) - outer);
+  AddBlock(in, Rest(tls), "TLS Data");
+  ShowElements<Eap>(in, c, kTlvForm, "Outer TLV", kTeapTlvs, eap);
+}
+
+// --- challenges ---
+
+constexpr auto kLeap = Rows<Eap>({
+    Number(1, "LEAP Version"), Number(1, "Reserved"), Counted(1, Bytes(0, "Peer Challenge")), Text(0, "User Name")});
+constexpr auto kChap2 = Rows<Eap>({Number(1, "Operation", kChapOperationNames).Into(&Eap::operation)});
+constexpr auto kChap2Head = Rows<Eap>({Number(1, "MS-CHAPv2 Identifier"), Number(2, "MS-CHAPv2 Length")});
+constexpr auto kChap2Challenge = Rows<Eap>({Counted(1, Bytes(0, "Challenge")), Text(0, "Name")});
+constexpr auto kChap2Response = Rows<Eap>({
+    Number(1, "Response Length"), Bytes(16, "Peer Challenge"), Bytes(8, "Reserved"), Bytes(24, "NT Response"), Hex(1,
+    "Flags"),
+    Text(0, "Name")});
+constexpr auto kChap2Message = Rows<Eap>({Text(0, "Message")});
+constexpr auto kChap2Change = Rows<Eap>({
+    Bytes(0, "Encrypted Password").SizedBy(&Eap::count)});
+constexpr auto kChap2ChangeRest = Rows<Eap>({
+    Bytes(16, "Encrypted Hash"), Bytes(16, "Peer Challenge"), Bytes(8, "Reserved"), Bytes(24, "NT Response"),
+    Hex(2, "Flags")});
+void ShowChap2(const Place& in, Cursor& c, Eap& eap) {
+  if (Left(c) < 1) return;   // an answer to success or failure is its operation alone
+  ShowRows<Eap>(in, c, kChap2Head, eap);
+  switch (eap.operation.value) {
+    case 1: return ShowRows<Eap>(in, c, kChap2Challenge, eap);
+    case 2: return ShowRows<Eap>(in, c, kChap2Response, eap);
+    case 3:
+    case 4: return ShowRows<Eap>(in, c, kChap2Message, eap);
+    case 7:
+      eap.count.value = 516;
+      ShowRows<Eap>(in, c, kChap2Change, eap);
+      return ShowRows<Eap>(in, c, kChap2ChangeRest, eap);
+    default: return;
+  }
+}
+constexpr auto kSimilar = Rows<Eap>({Number(1, "Subtype", kSimSubtypes), Number(2, "Reserved")});
+
+constexpr auto kPax = Rows<Eap>({
+    Number(1, "Operation", kPaxOperations), Hex(1, "PAX Flags"), Flag(7, "More Fragments"), Flag(6,
+    "Certificate Enabled"),
+    Flag(5, "ADE Included"), Number(1, "MAC ID", kPaxMacs), Number(1, "DH Group ID", kPaxGroups),
+    Number(1, "Public Key ID", kPaxKeys)});
+void ShowPax(const Place& in, Cursor& c, Eap& eap) {
+  constexpr auto kValue = Rows<Eap>({Counted(2, Bytes(0, "Value"))});
+  constexpr int32_t kCheck = 16;
+  Loop loop;
+  while (Left(c) > kCheck && MoreAt(in, c, loop)) ShowRows<Eap>(in, c, kValue, eap);
+  constexpr auto kIcv = Rows<Eap>({Bytes(0, "ICV")});
+  if (Left(c) > 0) ShowRows<Eap>(in, c, kIcv, eap);
+}
+constexpr auto kPsk = Rows<Eap>({Word(1).Into(&Eap::operation), Bits(0, 2, "Message Number"), Bits(2, 6, "Reserved"),
+    Bytes(16, "Server Random")});
+void ShowPsk(const Place& in, Cursor& c, Eap& eap) {
+  constexpr auto kServerId = Rows<Eap>({Utf8(0, "Server ID")});
+  constexpr auto kPeer = Rows<Eap>({Bytes(16, "Peer Random"), Bytes(16, "Peer MAC"), Utf8(0, "Peer ID")});
+  constexpr auto kServer = Rows<Eap>({Bytes(16, "Server MAC")});
+  constexpr auto kChannel = Rows<Eap>({Number(4, "Nonce"), Bytes(16, "Tag"), Bytes(0, "Protected Channel")});
+  const uint32_t number = eap.operation.value >> 6;
+  if (number == 0) return ShowRows<Eap>(in, c, kServerId, eap);
+  if (number == 1) return ShowRows<Eap>(in, c, kPeer, eap);
+  if (number == 2) ShowRows<Eap>(in, c, kServer, eap);
+  ShowRows<Eap>(in, c, kChannel, eap);
+}
+constexpr auto kSake = Rows<Eap>({
+    Number(1, "SAKE Version"), Number(1, "SAKE Session ID"), Number(1, "Subtype", kSakeSubtypes)});
+constexpr auto kOctets = Rows<Eap>({Bytes(0, nullptr)});
+constexpr auto kNumber2 = Rows<Eap>({Number(2, nullptr)});
+constexpr auto kName = Rows<Eap>({Utf8(0, nullptr)});
+constexpr auto kSakeAttributes = Choices<Eap>({
+    {1, "AT_RAND_S", kOctets}, {2, "AT_RAND_P", kOctets}, {3, "AT_MIC_S", kOctets}, {4, "AT_MIC_P", kOctets},
+    {5, "AT_SERVERID", kName}, {6, "AT_PEERID", kName}, {7, "AT_SPI_S", kOctets}, {8, "AT_SPI_P", kOctets},
+    {9, "AT_ANY_ID_REQ", kNumber2}, {10, "AT_PERM_ID_REQ", kNumber2}, {128, "AT_ENCR_DATA", kOctets}, {129, "AT_IV",
+    kOctets},
+    {130, "AT_PADDING", kOctets}, {131, "AT_NEXT_TMPID", kName}, {132, "AT_MSK_LIFE", kOctets}});
+void ShowSake(const Place& in, Cursor& c, Eap& eap) {
+  constexpr ElementForm kForm{.lengthCountsHeader = true};
+  ShowElements<Eap>(in, c, kForm, "Attribute", kSakeAttributes, eap);
+}
+constexpr auto kIkev2 = Rows<Eap>({
+    Word(1).Into(&Eap::flags), Flag(0, "Length Included"), Flag(1, "More Fragments"), Flag(2,
+    "Integrity Checksum Data"),
+    Bits(3, 5, "Reserved")});
+void ShowIkev2(const Place& in, Cursor& c, Eap& eap) {
+  constexpr auto kLength = Rows<Eap>({Number(4, "Message Length")});
+  if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kLength, eap);
+  AddBlock(in, Rest(c), "IKEv2 Message");
+}
+constexpr auto kGpsk = Rows<Eap>({Number(1, "Operation", kGpskOperations).Into(&Eap::operation)});
+constexpr auto kGpsk1 = Rows<Eap>({
+    Counted(2, Utf8(0, "Server ID")), Bytes(32, "Server Random"), Counted(2, Bytes(0, "Cipher Suite List"))});
+constexpr auto kGpsk2 = Rows<Eap>({
+    Counted(2, Utf8(0, "Peer ID")), Counted(2, Utf8(0, "Server ID")), Bytes(32, "Peer Random"), Bytes(32,
+    "Server Random"),
+    Counted(2, Bytes(0, "Cipher Suite List")), Bytes(6, "Selected Cipher Suite"), Counted(2, Bytes(0,
+    "Protected Data Payload")),
+    Bytes(0, "MAC")});
+constexpr auto kGpsk3 = Rows<Eap>({
+    Bytes(32, "Peer Random"), Bytes(32, "Server Random"), Counted(2, Utf8(0, "Server ID")), Bytes(6,
+    "Selected Cipher Suite"),
+    Counted(2, Bytes(0, "Protected Data Payload")), Bytes(0, "MAC")});
+constexpr auto kGpsk4 = Rows<Eap>({Counted(2, Bytes(0, "Protected Data Payload")), Bytes(0, "MAC")});
+constexpr auto kGpskFail = Rows<Eap>({Number(4, "Failure Code", kGpskFailures), Bytes(0, "MAC")});
+void ShowGpsk(const Place& in, Cursor& c, Eap& eap) {
+  switch (eap.operation.value) {
+    case 1: return ShowRows<Eap>(in, c, kGpsk1, eap);
+    case 2: return ShowRows<Eap>(in, c, kGpsk2, eap);
+    case 3: return ShowRows<Eap>(in, c, kGpsk3, eap);
+    case 4: return ShowRows<Eap>(in, c, kGpsk4, eap);
+    case 5:
+    case 6: return ShowRows<Eap>(in, c, kGpskFail, eap);
+    default: return;
+  }
+}
+constexpr auto kPwd = Rows<Eap>({
+    Word(1).Into(&Eap::flags), Flag(0, "Total Length Included"), Flag(1, "More Fragments"),
+    Bits(2, 6, "Exchange", kPwdExchanges).Into(&Eap::operation)});
+constexpr auto kPwdLength = Rows<Eap>({Number(2, "Total Length")});
+constexpr auto kPwdId = Rows<Eap>({
+    Number(2, "Group Description", kGroups), Number(1, "Random Function", kRandomNames), Number(1, "PRF", kRandomNames),
+    Hex(4, "Token"), Number(1, "Password Preparation", kPrepNames), Utf8(0, "Identity")});
+constexpr auto kPwdElement = Rows<Eap>({Bytes(0, "Element and Scalar")});
+constexpr auto kPwdConfirm = Rows<Eap>({Bytes(0, "Confirm")});
+void ShowPwd(const Place& in, Cursor& c, Eap& eap) {
+  if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kPwdLength, eap);
+  switch (eap.operation.value) {
+    case 1: return ShowRows<Eap>(in, c, kPwdId, eap);
+    case 2: return ShowRows<Eap>(in, c, kPwdElement, eap);
+    case 3: return ShowRows<Eap>(in, c, kPwdConfirm, eap);
+    default: return;
+  }
+}
+constexpr auto kEke = Rows<Eap>({Number(1, "Exchange", kEkeExchanges).Into(&Eap::operation)});
+constexpr auto kEkeId = Rows<Eap>({Number(1, "Number of Proposals").Into(&Eap::count), Number(1, "Reserved")});
+constexpr auto kEkeProposal = Rows<Eap>({
+    Number(1, "Group", kEkeGroups), Number(1, "Encryption", kEkeCiphers), Number(1, "PRF", kEkeHashes), Number(1,
+    "MAC", kEkeMacs)});
+constexpr auto kEkeIdentity = Rows<Eap>({Number(1, "Identity Type", kEkeIdentities), Utf8(0, "Identity")});
+constexpr auto kEkeFailure = Rows<Eap>({Number(4, "Failure Code", kEkeFailures)});
+constexpr auto kEkeData = Rows<Eap>({Bytes(0, "Exchange Data")});
+void ShowEke(const Place& in, Cursor& c, Eap& eap) {
+  if (eap.operation.value == 4) return ShowRows<Eap>(in, c, kEkeFailure, eap);
+  if (eap.operation.value != 1) return ShowRows<Eap>(in, c, kEkeData, eap);
+  ShowRows<Eap>(in, c, kEkeId, eap);
+  Loop loop;
+  for (uint32_t i = 0; i < eap.count.value && MoreAt(in, c, loop); ++i) ShowRows<Eap>(in, c, kEkeProposal, eap);
+  ShowRows<Eap>(in, c, kEkeIdentity, eap);
+}
+void ShowNoob(const Place& in, Cursor& c, Eap&) { ShowJson(in, c); }
+
+// --- Wi-Fi Simple Configuration, as an expanded type ---
+
+constexpr auto kExpanded = Rows<Eap>({
+    Number(3, "Vendor ID", kVendorNames).Into(&Eap::vendor), Number(4, "Vendor Type").Into(&Eap::vendorType)});
+constexpr auto kWsc = Rows<Eap>({
+    Number(1, "Operation", kWscOperations), Hex(1, "WSC Flags").Into(&Eap::flags), Flag(7, "More Fragments"),
+    Flag(6, "Length Field")});
+constexpr auto kWscLength = Rows<Eap>({Number(2, "Message Length")});
+constexpr auto kByte = Rows<Eap>({Number(1, nullptr)});
+constexpr auto kHex2 = Rows<Eap>({Hex(2, nullptr)});
+constexpr auto kAddress = Rows<Eap>({Mac(nullptr)});
+constexpr auto kWscAttributes = Choices<Eap>({
+    {0x1001, "AP Channel", kNumber2}, {0x1002, "Association State", kNumber2}, {0x1003, "Authentication Type", kHex2},
+    {0x1004, "Authentication Type Flags", kHex2}, {0x1005, "Authenticator", kOctets}, {0x1008, "Configuration Methods",
+    kHex2},
+    {0x1009, "Configuration Error", kNumber2}, {0x100B, "Confirmation URL IPv4", kName}, {0x100C,
+    "Confirmation URL IPv6", kName},
+    {0x100D, "Connection Type", kByte}, {0x100E, "Credential", kOctets}, {0x100F, "Encryption Type", kHex2},
+    {0x1010, "Encryption Type Flags", kHex2}, {0x1011, "Device Name", kName}, {0x1012, "Device Password ID", kNumber2},
+    {0x1014, "E-Hash1", kOctets}, {0x1015, "E-Hash2", kOctets}, {0x1016, "E-SNonce1", kOctets}, {0x1017, "E-SNonce2",
+    kOctets},
+    {0x1018, "Encrypted Settings", kOctets}, {0x101A, "Enrollee Nonce", kOctets}, {0x101B, "Feature ID", kOctets},
+    {0x101E, "Key Wrap Authenticator", kOctets}, {0x1020, "MAC Address", kAddress}, {0x1021, "Manufacturer", kName},
+    {0x1022, "Message Type", kByte}, {0x1023, "Model Name", kName}, {0x1024, "Model Number", kName},
+    {0x1026, "Network Index", kByte}, {0x1027, "Network Key", kOctets}, {0x1028, "Network Key Index", kByte},
+    {0x1029, "New Device Name", kName}, {0x102A, "New Password", kOctets}, {0x102C, "OOB Device Password", kOctets},
+    {0x102D, "OS Version", kOctets}, {0x102F, "Power Level", kByte}, {0x1030, "PSK Current", kByte}, {0x1031,
+    "PSK Max", kByte},
+    {0x1032, "Public Key", kOctets}, {0x1035, "Reboot", kByte}, {0x1036, "Reboot Current", kByte}, {0x1037,
+    "Reboot Max", kByte},
+    {0x1038, "Total Networks", kByte}, {0x1039, "Registrar Nonce", kOctets}, {0x103A, "Request Type", kByte},
+    {0x103B, "Response Type", kByte}, {0x103C, "RF Bands", kByte}, {0x103D, "R-Hash1", kOctets}, {0x103E, "R-Hash2",
+    kOctets},
+    {0x103F, "R-SNonce1", kOctets}, {0x1040, "R-SNonce2", kOctets}, {0x1041, "Selected Registrar", kByte},
+    {0x1042, "Serial Number", kName}, {0x1044, "Wi-Fi Protected Setup State", kByte}, {0x1045, "SSID", kName},
+    {0x1046, "Total Networks", kByte}, {0x1047, "UUID-E", kOctets}, {0x1048, "UUID-R", kOctets},
+    {0x1049, "Vendor Extension", kOctets}, {0x104A, "Version", kByte}, {0x104B, "X.509 Certificate Request", kOctets},
+    {0x104C, "X.509 Certificate", kOctets}, {0x104D, "EAP Identity", kName}, {0x104E, "Message Counter", kOctets},
+    {0x104F, "Public Key Hash", kOctets}, {0x1050, "Rekey Key", kOctets}, {0x1051, "Key Lifetime", kOctets},
+    {0x1052, "Permitted Configuration Methods", kHex2}, {0x1053, "Selected Registrar Configuration Methods", kHex2},
+    {0x1054, "Primary Device Type", kOctets}, {0x1055, "Secondary Device Type List", kOctets}, {0x1056,
+    "Portable Device", kByte},
+    {0x1057, "AP Setup Locked", kByte}, {0x1058, "Application Extension", kOctets}, {0x1059, "EAP Type", kOctets},
+    {0x1060, "Initialization Vector", kOctets}, {0x1061, "Key Provided Automatically", kByte}, {0x1062,
+    "802.1X Enabled", kByte},
+    {0x1063, "AppSessionKey", kOctets}, {0x1064, "WEP Transmit Key", kByte}, {0x106A, "Requested Device Type",
+    kOctets}});
+constexpr uint32_t kWifiAlliance = 0x00372A, kSimpleConfiguration = 1, kWscHasLength = 2;
+void ShowExpanded(const Place& in, Cursor& c, Eap& eap) {
+  if (eap.vendor.value != kWifiAlliance || eap.vendorType.value != kSimpleConfiguration) return;
+  ShowRows<Eap>(in, c, kWsc, eap);
+  if (eap.flags.value & kWscHasLength) ShowRows<Eap>(in, c, kWscLength, eap);
+  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+  ShowElements<Eap>(in, c, kForm, "Attribute", kWscAttributes, eap);
+}
+
+constexpr auto kMethods = Choices<Eap>({
+    {1, "Identity", kIdentity}, {2, "Notification", kNotification}, {3, "Nak", {}, ShowDesired},
+    {4, "MD5-Challenge", kChallenge}, {5, "OTP", kPassword}, {6, "GTC", kToken}, {13, "EAP-TLS", kTlsFlags, ShowTls},
+    {17, "LEAP", kLeap}, {18, "EAP-SIM", kSimilar, ShowSimAttributes}, {21, "EAP-TTLS", kTlsFlags, ShowTls},
+    {23, "EAP-AKA", kSimilar, ShowSimAttributes}, {25, "PEAP", kTlsFlags, ShowTls}, {26, "EAP-MSCHAP-V2", kChap2,
+    ShowChap2},
+    {29, "EAP-MSCHAP-V2", kChap2, ShowChap2}, {43, "EAP-FAST", kTlsFlags, ShowFast}, {46, "EAP-PAX", kPax, ShowPax},
+    {47, "EAP-PSK", kPsk, ShowPsk}, {48, "EAP-SAKE", kSake, ShowSake}, {49, "EAP-IKEv2", kIkev2, ShowIkev2},
+    {50, "EAP-AKA'", kSimilar, ShowSimAttributes}, {51, "EAP-GPSK", kGpsk, ShowGpsk}, {52, "EAP-pwd", kPwd, ShowPwd},
+    {53, "EAP-EKE", kEke, ShowEke}, {55, "TEAP", kTeapFlags, ShowTeap}, {56, "EAP-NOOB", {}, ShowNoob},
+    {254, "Expanded Type", kExpanded, ShowExpanded}});
+
+}  // namespace
+
+const ChoiceSpan<Eap> kEapMethods = kMethods;
+
+}  // namespace qxview
