@@ -460,7 +460,7 @@ class Scan:
             if kind == 'tables':   # dictionaries in sources: {1, kText, "Label"
                 for path in sorted(glob.glob(os.path.join(ROOT, labels))):
                     with open(path, encoding='utf-8') as rows:
-                        for label in re.findall(r'\{\d+,\s+k[A-Z]\w+,\s+"([^"]+)"|NetlinkKind::k\w+,\s+"([^"]+)"', rows.read()):
+                        for label in re.findall(r'\{\d+,\s+k[A-Z]\w+,\s+"([^"]+)"|Kind::k\w+,(?:\s+\d+,)?\s+"([^"]+)"', rows.read()):
                             self.emit(protocol, label[0] or label[1], ANY_KIND)
                 return
             for label in labels.split(', '):

@@ -9,9 +9,6 @@ namespace {
 
 constexpr auto kModeNames = SortedNames({{0, "To Processor"}, {1, "From Processor"}, {2, "To Sniffer"}, {3,
     "Forward"}});
-constexpr auto kDsaCodes = SortedNames({
-    {0, "BPDU or MGMT"}, {1, "Frame to Register"}, {2, "IGMP or MLD Trap"}, {3, "Policy"}, {4, "ARP Mirror or Trap"},
-    {5, "Policy Mirror"}, {6, "Reserved"}, {7, "Reserved"}});
 struct Tag {
   Field mode, isTagged, operation;
 };
@@ -24,9 +21,6 @@ constexpr auto kDsa = Rows<Tag>({
 constexpr auto kExtendedHead = Rows<Tag>({Hex(2, "Reserved")});
 
 constexpr auto kBroadcomOperations = SortedNames({{0, "Egress Without Reason"}, {1, "Egress"}});
-constexpr auto kBroadcomReasons = SortedNames({
-    {0x01, "Mirror"}, {0x02, "Source MAC Learning"}, {0x04, "Switching"}, {0x08, "Protocol Termination"},
-    {0x10, "Protocol Snooping"}, {0x20, "Exception or Flooding"}});
 constexpr auto kBroadcomToProcessor = Rows<Tag>({
     Hex(4, "Broadcom Tag"), Bits(0, 3, "Operation", kBroadcomOperations), Bits(3, 5, "Reserved"),
     Bits(8, 8, "Reason"), Bits(16, 8, "Traffic Class and Flags"), Bits(24, 3, "Class"), Bits(27, 5,

@@ -1,0 +1,13 @@
+// Setup packets and descriptors of USB, as all its captures hold them.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview {
+
+// The eight bytes of a control transfer's setup packet; the place's line is given the request's name.
+void ShowUsbSetup(const Place& in, Cursor& c);
+
+// Descriptors one after the other, as far as lengths lead.
+void ShowUsbDescriptors(const Place& in, Cursor& c);
+
+}  // namespace qxview
