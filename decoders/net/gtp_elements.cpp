@@ -189,6 +189,74 @@ void ShowRecords(const Place& in, Cursor& c, GtpElement& element) {
   Loop loop;
   for (uint32_t i = 0; i < element.count.value && MoreAt(in, c, loop); ++i) ShowRows<GtpElement>(in, c, kRecord, element);
 }
+// A quintuplet of authentication (TS 29.060 7.7.35): two values have lengths in front.
+constexpr auto kQuintuplet = Rows<GtpElement>({
+    Bytes(16, "RAND"), Counted(1, Bytes(0, "XRES")), Bytes(16, "Ciphering Key (CK)"), Bytes(16, "Integrity Key (IK)"),
+    Counted(1, Bytes(0, "AUTN"))});
+
+// A PDP context (TS 29.060 7.7.29), with the qualities that were subscribed, asked for and agreed on.
+constexpr auto kContextHead = Rows<GtpElement>({
+    Word(1), Flag(0, "Extended End User Address"), Flag(1, "VPLMN Address Allowed"), Flag(2, "Activity Status"),
+    Flag(3, "Reordering Required"), Bits(4, 4, "NSAPI"), Word(1), Bits(0, 4, "Spare"), Bits(4, 4, "SAPI")});
+constexpr auto kContextNumbers = Rows<GtpElement>({
+    Number(2, "Sequence Number Down"), Number(2, "Sequence Number Up"), Number(1, "Send N-PDU Number"),
+    Number(1, "Receive N-PDU Number"), Hex(4, "Uplink TEID Control Plane"), Hex(4, "Uplink TEID Data I"),
+    Number(1, "PDP Context Identifier"), Word(1), Bits(0, 4, "Spare"),
+    Bits(4, 4, "PDP Type Organization", kGtpOrganizationNames), Hex(1, "PDP Type Number", kGtpPdpNames)});
+constexpr auto kCounted = Rows<GtpElement>({Number(1, "Length of the Next Field").Into(&GtpElement::length)});
+constexpr auto kTransaction = Rows<GtpElement>({Word(2), Bits(0, 4, "Spare"), Bits(4, 12, "Transaction Identifier")});
+
+Cursor TakeCounted(const Place& in, Cursor& c, GtpElement& element) {
+  ShowRows<GtpElement>(in, c, kCounted, element);
+  return TakeCursor(c, static_cast<int64_t>(element.length.value));
+}
+void ShowContext(const Place& in, Cursor& c, GtpElement& element) {
+  constexpr const char* kQualities[] = {"Subscribed Quality of Service", "Requested Quality of Service",
+                                        "Negotiated Quality of Service"};
+  ShowRows<GtpElement>(in, c, kContextHead, element);
+  for (const char* name : kQualities) {
+    Cursor quality = TakeCounted(in, c, element);
+    const Place under = Under(in, AddLine(in, Ahead(quality, Left(quality)), "%s", name));
+    if (Left(quality) > 0) ShowQuality(under, quality, element);
+  }
+  ShowRows<GtpElement>(in, c, kContextNumbers, element);
+  for (int32_t i = 0; i < 3; ++i) {   // the user's, and the gateway's for control and for traffic
+    Cursor address = TakeCounted(in, c, element);
+    ShowAddresses(in, address, element);
+  }
+  Cursor name = TakeCounted(in, c, element);
+  if (Left(name) > 0) ShowName(in, name, element);
+  if (Left(c) >= 2) ShowRows<GtpElement>(in, c, kTransaction, element);
+}
+
+// A traffic flow template (TS 24.008 10.5.6.12): packet filters of components by number.
+constexpr auto kTemplate = Rows<GtpElement>({
+    Word(1), Bits(0, 3, "TFT Operation", kGtpTemplateNames), Flag(3, "Parameter List Present"),
+    Bits(4, 4, "Packet Filters").Into(&GtpElement::count)});
+constexpr auto kFilter = Rows<GtpElement>({
+    Word(1), Bits(0, 2, "Spare"), Bits(2, 2, "Filter Direction", kGtpDirectionNames), Bits(4, 4, "Filter Identifier"),
+    Number(1, "Evaluation Precedence"), Number(1, "Filter Length").Into(&GtpElement::length)});
+constexpr auto kFilterBytes = Rows<GtpElement>({Bytes(0, "Filter Contents")});
+constexpr uint32_t kDeleteFilters = 5;
+constexpr auto kFilterId = Rows<GtpElement>({Number(1, "Filter Identifier")});
+void ShowTemplate(const Place& at, Cursor& c, GtpElement& element) {
+  const uint32_t operation = PeekU8(c) >> 5;
+  ShowRows<GtpElement>(at, c, kTemplate, element);
+  const uint32_t filters = element.count.value;
+  Loop loop;
+  for (uint32_t i = 0; i < filters && MoreAt(at, c, loop); ++i) {
+    if (operation == kDeleteFilters) {
+      ShowRows<GtpElement>(at, c, kFilterId, element);
+      continue;
+    }
+    const int32_t size = 3 + static_cast<int32_t>(PeekU8(c, 2));
+    Cursor filter = TakeCursor(c, size);
+    const Place in = Under(at, AddLine(at, Ahead(filter, Left(filter)), "Packet Filter %u", i + 1));
+    ShowRows<GtpElement>(in, filter, kFilter, element);
+    if (Left(filter) > 0) ShowRows<GtpElement>(in, filter, kFilterBytes, element);
+  }
+}
+
 constexpr auto kReports = Rows<GtpElement>({Number(1, nullptr, kGtpReportNames)});
 
 constexpr auto kElements = Choices<GtpElement>({
@@ -204,11 +272,11 @@ constexpr auto kElements = Choices<GtpElement>({
     {24, "Radio Priority", kPriority}, {25, "Packet Flow ID", kFlow}, {26, "Charging Characteristics", kCharging},
     {27, "Trace Reference", kShort}, {28, "Trace Type", kShort}, {29, "MS Not Reachable Reason", kByte},
     {126, "Packet Transfer Command", kCommand}, {127, "Charging ID", kIdentifier},
-    {128, "End User Address", {}, ShowUser}, {129, "MM Context", kPdu}, {130, "PDP Context", kPdu},
+    {128, "End User Address", {}, ShowUser}, {129, "MM Context", kPdu}, {130, "PDP Context", {}, ShowContext},
     {131, "Access Point Name", {}, ShowName}, {132, "Protocol Configuration Options", {}, ShowOptions},
     {133, "GSN Address", {}, ShowAddresses}, {134, "MSISDN", {}, ShowMobileNumber},
-    {135, "Quality of Service Profile", {}, ShowQuality}, {136, "Authentication Quintuplet", kPdu},
-    {137, "Traffic Flow Template", kPdu}, {138, "Target Identification", kPdu},
+    {135, "Quality of Service Profile", {}, ShowQuality}, {136, "Authentication Quintuplet", kQuintuplet},
+    {137, "Traffic Flow Template", {}, ShowTemplate}, {138, "Target Identification", kPdu},
     {139, "UTRAN Transparent Container", kPdu}, {140, "RAB Setup Information", kPdu},
     {141, "Extension Header Type List", {}, ShowHeaderList}, {142, "Trigger ID", kPdu}, {143, "OMC Identity", kPdu},
     {144, "RAN Transparent Container", kPdu}, {145, "PDP Context Prioritization", kPdu},

@@ -90,6 +90,11 @@ inline constexpr auto kGtpLocationNames = SortedNames({
 inline constexpr auto kGtpRecordNames = SortedNames({
     {1, "ASN.1 Basic Encoding Rules"}, {2, "ASN.1 Unaligned Packed Encoding Rules"},
     {3, "ASN.1 Aligned Packed Encoding Rules"}});
+inline constexpr auto kGtpTemplateNames = SortedNames({
+    {0, "Ignore This Element"}, {1, "Create New TFT"}, {2, "Delete Existing TFT"}, {3, "Add Packet Filters"},
+    {4, "Replace Packet Filters"}, {5, "Delete Packet Filters"}, {6, "No TFT Operation"}, {7, "Reserved"}});
+inline constexpr auto kGtpDirectionNames = SortedNames({
+    {0, "Before Release 7"}, {1, "Downlink Only"}, {2, "Uplink Only"}, {3, "Bidirectional"}});
 inline constexpr auto kGtpReportNames = SortedNames({
     {0, "Stop Reporting"}, {1, "Start Reporting CGI/SAI"}, {2, "Start Reporting RAI"}});
 
