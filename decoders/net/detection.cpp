@@ -113,7 +113,7 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   DynamicRecord record;
   if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
                                    nullptr, nullptr, &record)) {
-    if (LooksLikeDtls(c)) {
+    if (LooksLikeDtls(c) || GoesOnAsDtls(at, c)) {
       DecodeRecognised(at, c, kDtlsProtocol);   // as with STUN
       return 1;
     }

@@ -113,7 +113,7 @@ bool StartsPlainRecord(const Cursor& c) {
 bool StartsRecord(const Cursor& c, const TlsSession& session) {
   constexpr int32_t kLeastShort = 2 + 16;   // with the tag of what protects it
   return StartsPlainRecord(c) || (IsShortForm(c) && Left(c) >= kLeastShort &&
-                                  (session.connection.version == kDtls13 || session.connection.version == kDtls12));
+                                  session.connection.version == kDtls13);
 }
 
 }  // namespace
@@ -130,13 +130,22 @@ bool LooksLikeDtls(const Cursor& c) {
   return !rest.ranShort;
 }
 
+bool GoesOnAsDtls(const Place& at, const Cursor& c) {
+  if (!IsShortForm(c) && PeekU8(c) != kTlsWithConnectionId) return false;
+  const TlsSession session = BeginTls(at);
+  return session.connection.clientEnd && StartsRecord(c, session);
+}
+
 int32_t DecodeDtls(const Place& at, Cursor c) {
   TlsSession session = BeginTls(at);
   if (!StartsRecord(c, session)) return 0;
   const bool isPlain = StartsPlainRecord(c);
   const char* content = isPlain ? TlsContentName(PeekU8(c)) : "Encrypted";
   const char* version = isPlain ? TlsVersionName(PeekU16(c, 1)) : TlsVersionName(kDtls13);
-  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "DTLS: %s, %s", content, version));
+  const bool isMessage = isPlain && PeekU8(c) == kTlsHandshakeType && PeekU16(c, 3) == 0 && Left(c) > kHeaderSize;
+  const char* message = isMessage ? TlsMessageName(PeekU8(c, kHeaderSize)) : nullptr;
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "DTLS: %s, %s%s%s", content, version, message ? ", " : "",
+                                     message ? message : ""));
   Loop loop;
   while (MoreAt(in, c, loop)) {
     if (!StartsRecord(c, session)) {

@@ -130,6 +130,8 @@ void PassTls(const Place& at, const Cursor& c);
 bool StartsTlsHello(const Cursor& c);
 // Whether a datagram holds records of DTLS and nothing else (RFC 7983: its first byte is 20 to 63).
 bool LooksLikeDtls(const Cursor& c);
+// Whether it may be a record of version 1.3 whose connection's hellos were seen: its header shows nothing else.
+bool GoesOnAsDtls(const Place& at, const Cursor& c);
 // The size of the record at the cursor, header included; 0 for none, -1 where the header is not all there.
 int32_t TlsRecordSize(const Cursor& c);
 
