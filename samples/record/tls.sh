@@ -19,14 +19,14 @@ crlDistributionPoints = URI:http://crl.example/sample.crl
 tlsfeature = status_request
 CONFIG
 leaf() {
-  local kind=$1; shift
+  local kind=$1 serial=$2; shift 2
   openssl req "$@" -nodes -keyout "$kind.key" -out "$kind.csr" -subj "/C=XX/O=Sample/CN=$kind.server.example" 2>>log
   openssl x509 -req -in "$kind.csr" -CA ca.pem -CAkey ca.key -set_serial "0x$serial" -days 3650 -extfile leaf.conf \
     -out "$kind.pem" 2>>log
 }
-serial=1001 leaf rsa -newkey rsa:1024
-serial=1002 leaf ec -newkey ec -pkeyopt ec_paramgen_curve:P-256
-serial=1003 leaf ed25519 -newkey ed25519
+leaf rsa 1001 -newkey rsa:1024
+leaf ec 1002 -newkey ec -pkeyopt ec_paramgen_curve:P-256
+leaf ed25519 1003 -newkey ed25519
 printf 'V\t360101000000Z\t\t1002\tunknown\t/CN=ec\nR\t360101000000Z\t260102030405Z,keyCompromise\t1001\tunknown\t/CN=rsa\n' >index
 openssl ocsp -index index -CA ca.pem -rsigner ca.pem -rkey ca.key -issuer ca.pem -cert ec.pem -reqout ask.der >>log 2>&1
 openssl ocsp -index index -CA ca.pem -rsigner ca.pem -rkey ca.key -reqin ask.der -respout status.der -ndays 7 >>log 2>&1
