@@ -16,6 +16,7 @@
 #include "decoders/net/window_scales.h"
 #include "decoders/quic/qpack.h"
 #include "decoders/quic/quic_streams.h"
+#include "decoders/routing/bgp.h"
 #include "decoders/smb/smb_requests.h"
 #include "decoders/tls/tls_opener.h"
 

@@ -1,0 +1,171 @@
+// Link state in BGP (RFC 9552; segment routing: RFC 9085, 9514; performance: RFC 8571; link bundles and administrative groups: RFC 9104,
+// 9086 for peers): what an interior protocol knows of nodes, links and prefixes, told to others.
+#include "core/elements.h"
+#include "decoders/routing/bgp.h"
+#include "decoders/routing/prefix.h"
+
+namespace qxview {
+namespace {
+
+constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+
+constexpr auto kRouteNames = SortedNames({
+    {0, "Reserved"}, {1, "Node"}, {2, "Link"}, {3, "IPv4 Topology Prefix"}, {4, "IPv6 Topology Prefix"}, {5, "SR Policy Candidate Path"},
+    {6, "SRv6 SID"}, {7, "Stub Link"}});
+constexpr auto kProtocolNames = SortedNames({
+    {0, "Reserved"}, {1, "IS-IS Level 1"}, {2, "IS-IS Level 2"}, {3, "OSPFv2"}, {4, "Direct"}, {5, "Static Configuration"},
+    {6, "OSPFv3"}, {7, "BGP"}, {8, "RSVP-TE"}, {9, "Segment Routing"}});
+constexpr auto kOspfRouteNames = SortedNames({
+    {0, "Reserved"}, {1, "Intra-Area"}, {2, "Inter-Area"}, {3, "External 1"}, {4, "External 2"}, {5, "NSSA 1"}, {6, "NSSA 2"}});
+constexpr auto kMsdNames = SortedNames({
+    {0, "Reserved"}, {1, "Base MPLS Imposition"}, {2, "ERLD"}, {41, "SRH Max Segments Left"}, {42, "SRH Max End Pop"},
+    {44, "SRH Max H.encaps"}, {45, "SRH Max End D"}});
+
+constexpr auto kNumber4 = Rows<Bgp>({Number(4, nullptr).Note(", %u")});
+constexpr auto kHex4 = Rows<Bgp>({Hex(4, nullptr).Note(", 0x%08X")});
+constexpr auto kFloat = Rows<Bgp>({Float(4, nullptr)});
+constexpr auto kIPv4 = Rows<Bgp>({IPv4(nullptr).Note(", %s")});
+constexpr auto kIPv6 = Rows<Bgp>({IPv6(nullptr).Note(", %s")});
+constexpr auto kBytes = Rows<Bgp>({Bytes(0, nullptr).Note(", %s")});
+constexpr auto kText = Rows<Bgp>({Utf8(0, nullptr).Note(", %s")});
+constexpr auto kLinkIds = Rows<Bgp>({Number(4, "Link Local Identifier").Note(", %u"), Number(4, "Link Remote Identifier").Note(", %u")});
+constexpr auto kOspfRoute = Rows<Bgp>({Number(1, "OSPF Route Type", kOspfRouteNames).Note(", %s")});
+constexpr auto kTopology = Rows<Bgp>({Word(2), Bits(0, 4, "Reserved"), Bits(4, 12, "Multi-Topology ID").Note(", %u")});
+constexpr auto kNodeFlags = Rows<Bgp>({
+    Hex(1, "Node Flags"), Flag(0, "Overload"), Flag(1, "Attached"), Flag(2, "External"), Flag(3, "ABR"), Flag(4, "Router"),
+    Flag(5, "V6")});
+constexpr auto kProtection = Rows<Bgp>({
+    Hex(2, "Link Protection Type"), Flag(0, "Extra Traffic"), Flag(1, "Unprotected"), Flag(2, "Shared"),
+    Flag(3, "Dedicated 1:1"), Flag(4, "Dedicated 1+1"), Flag(5, "Enhanced")});
+constexpr auto kLabelling = Rows<Bgp>({Hex(1, "MPLS Protocol Mask"), Flag(0, "LDP"), Flag(1, "RSVP-TE")});
+constexpr auto kIgpFlags = Rows<Bgp>({
+    Hex(1, "IGP Flags"), Flag(0, "Down"), Flag(1, "No Unicast"), Flag(2, "Local Address"), Flag(3, "Propagate NSSA")});
+constexpr auto kDelay = Rows<Bgp>({Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Delay", " microseconds").Note(", %u")});
+constexpr auto kDelays = Rows<Bgp>({
+    Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Minimum Delay", " microseconds").Note(", %u"), Word(4),
+    Bits(0, 8, "Reserved"), Bits(8, 24, "Maximum Delay", " microseconds").Note(", %u")});
+constexpr auto kVariation = Rows<Bgp>({Word(4), Bits(0, 8, "Reserved"), Bits(8, 24, "Delay Variation", " microseconds").Note(", %u")});
+constexpr auto kLoss = Rows<Bgp>({Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Link Loss").Note(", %u")});
+constexpr auto kPeerSid = Rows<Bgp>({
+    Hex(1, "SID Flags"), Flag(0, "Value"), Flag(1, "Local"), Flag(2, "Backup"), Flag(3, "Persistent"), Number(1, "Weight"),
+    Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
+constexpr auto kAdjacencySid = Rows<Bgp>({
+    Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
+constexpr auto kLanSid = Rows<Bgp>({
+    Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Bytes(0, "Neighbor and SID").Note(", %s")});
+constexpr auto kPrefixSid = Rows<Bgp>({
+    Hex(1, "SID Flags"), Number(1, "Algorithm"), Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
+constexpr auto kSid = Rows<Bgp>({Bytes(0, "SID").Note(", %s")});
+constexpr auto kBehavior = Rows<Bgp>({Hex(2, "Endpoint Behavior"), Hex(1, "Behavior Flags"), Number(1, "Algorithm")});
+constexpr auto kSidStructure = Rows<Bgp>({
+    Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"), Number(1, "Argument Length")});
+
+// Metrics have one octet, two or three, as the protocol has them.
+void ShowMetric(const Place& in, Cursor& c, Bgp&) {
+  const Field metric = Left(c) >= 3 ? TakeU24(c) : Left(c) == 2 ? TakeU16(c) : TakeU8(c);
+  AddLine(in, metric, "IGP Metric: %u", metric.value);
+  AppendToParent(in, metric, ", %u", metric.value);
+}
+void ShowBandwidths(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kEach = Rows<Bgp>({Float(4, "Unreserved Bandwidth")});
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, kEach, bgp);
+}
+void ShowTopologies(const Place& in, Cursor& c, Bgp& bgp) {
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, kTopology, bgp);
+}
+void ShowGroups(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kGroup = Rows<Bgp>({Number(4, "Shared Risk Link Group").Note(", %u")});
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, kGroup, bgp);
+}
+void ShowDepths(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kDepth = Rows<Bgp>({Number(1, "MSD Type", kMsdNames), Number(1, "MSD Value")});
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, kDepth, bgp);
+}
+void ShowAlgorithms(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kAlgorithm = Rows<Bgp>({Number(1, "Algorithm").Note(", %u")});
+  Loop loop;
+  while (MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, kAlgorithm, bgp);
+}
+constexpr auto kSidChoices = Choices<Bgp>({{1161, "SID/Label", kSid}});
+void ShowBlocks(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kFlags = Rows<Bgp>({Hex(1, "Capability Flags"), Hex(1, "Reserved")});
+  static constexpr auto kRange = Rows<Bgp>({Number(3, "Range Size")});
+  ShowRows<Bgp>(in, c, kFlags, bgp);
+  Loop loop;
+  while (Left(c) >= 7 && MoreAt(in, c, loop)) {
+    ShowRows<Bgp>(in, c, kRange, bgp);
+    Cursor sid = TakeCursor(c, 4 + static_cast<int64_t>(PeekU16(c, 2)));
+    ShowElements<Bgp>(in, sid, kForm, "TLV", kSidChoices, bgp);
+  }
+}
+void ShowReached(const Place& in, Cursor& c, Bgp& bgp) {
+  const Field bits = TakeU8(c);
+  AddLine(in, bits, "Prefix Length: %u", bits.value);
+  ShowPrefix(in, c, "Prefix", bgp.type.value == 4 ? kFamilyIPv6 : kFamilyIPv4, bits.value);
+}
+
+constexpr auto kNodeParts = Choices<Bgp>({
+    {512, "Autonomous System", kNumber4}, {513, "BGP-LS Identifier", kHex4}, {514, "OSPF Area-ID", kIPv4},
+    {515, "IGP Router-ID", kBytes}, {516, "BGP Router-ID", kIPv4}, {517, "BGP Confederation Member", kNumber4}});
+void ShowNode(const Place& in, Cursor& c, Bgp& bgp) { ShowElements<Bgp>(in, c, kForm, "Descriptor", kNodeParts, bgp); }
+
+constexpr auto kDescriptors = Choices<Bgp>({
+    {256, "Local Node Descriptors", {}, ShowNode}, {257, "Remote Node Descriptors", {}, ShowNode},
+    {258, "Link Local/Remote Identifiers", kLinkIds}, {259, "IPv4 Interface Address", kIPv4},
+    {260, "IPv4 Neighbor Address", kIPv4}, {261, "IPv6 Interface Address", kIPv6}, {262, "IPv6 Neighbor Address", kIPv6},
+    {263, "Multi-Topology Identifier", {}, ShowTopologies}, {264, "OSPF Route Type", kOspfRoute},
+    {265, "IP Reachability Information", {}, ShowReached}, {518, "SRv6 SID Information", kIPv6}});
+
+constexpr auto kAttributes = Choices<Bgp>({
+    {263, "Multi-Topology Identifier", {}, ShowTopologies}, {266, "Node MSD", {}, ShowDepths}, {267, "Link MSD", {}, ShowDepths},
+    {1024, "Node Flag Bits", kNodeFlags}, {1025, "Opaque Node Attribute", kBytes}, {1026, "Node Name", kText},
+    {1027, "IS-IS Area Identifier", kBytes}, {1028, "IPv4 Router-ID of Local Node", kIPv4},
+    {1029, "IPv6 Router-ID of Local Node", kIPv6}, {1030, "IPv4 Router-ID of Remote Node", kIPv4},
+    {1031, "IPv6 Router-ID of Remote Node", kIPv6}, {1034, "SR Capabilities", {}, ShowBlocks},
+    {1035, "SR Algorithm", {}, ShowAlgorithms}, {1036, "SR Local Block", {}, ShowBlocks}, {1037, "SRMS Preference", kBytes},
+    {1038, "SRv6 Capabilities", kBytes}, {1088, "Administrative Group", kHex4}, {1089, "Maximum Link Bandwidth", kFloat},
+    {1090, "Maximum Reservable Link Bandwidth", kFloat}, {1091, "Unreserved Bandwidth", {}, ShowBandwidths},
+    {1092, "TE Default Metric", kNumber4}, {1093, "Link Protection Type", kProtection}, {1094, "MPLS Protocol Mask", kLabelling},
+    {1095, "IGP Metric", {}, ShowMetric}, {1096, "Shared Risk Link Group", {}, ShowGroups},
+    {1097, "Opaque Link Attribute", kBytes}, {1098, "Link Name", kText}, {1099, "Adjacency SID", kAdjacencySid},
+    {1100, "LAN Adjacency SID", kLanSid}, {1101, "Peer Node SID", kPeerSid}, {1102, "Peer Adjacency SID", kPeerSid},
+    {1103, "Peer Set SID", kPeerSid}, {1106, "SRv6 End.X SID", kBytes}, {1107, "IS-IS SRv6 LAN End.X SID", kBytes},
+    {1114, "Unidirectional Link Delay", kDelay}, {1115, "Min/Max Unidirectional Link Delay", kDelays},
+    {1116, "Unidirectional Delay Variation", kVariation}, {1117, "Unidirectional Link Loss", kLoss},
+    {1118, "Unidirectional Residual Bandwidth", kFloat}, {1119, "Unidirectional Available Bandwidth", kFloat},
+    {1120, "Unidirectional Utilized Bandwidth", kFloat}, {1122, "Application-Specific Link Attributes", kBytes},
+    {1152, "IGP Flags", kIgpFlags}, {1153, "IGP Route Tag", kHex4}, {1154, "IGP Extended Route Tag", kBytes},
+    {1155, "Prefix Metric", kNumber4}, {1156, "OSPF Forwarding Address", kBytes}, {1157, "Opaque Prefix Attribute", kBytes},
+    {1158, "Prefix-SID", kPrefixSid}, {1159, "Range", kBytes}, {1161, "SID/Label", kSid}, {1162, "SRv6 Locator", kBytes},
+    {1170, "Prefix Attribute Flags", kBytes}, {1171, "Source Router Identifier", kBytes}, {1172, "Layer 2 Bundle Member Attributes", kBytes},
+    {1173, "Extended Administrative Group", kBytes}, {1174, "Source OSPF Router-ID", kIPv4}, {1250, "SRv6 Endpoint Behavior", kBehavior},
+    {1251, "SRv6 BGP Peer Node SID", kBytes}, {1252, "SRv6 SID Structure", kSidStructure}});
+
+}  // namespace
+
+void ShowBgpLinkStates(const Place& at, Cursor& c, uint32_t safi, Bgp& bgp) {
+  constexpr uint32_t kOfVpn = 72;
+  static constexpr auto kHead = Rows<Bgp>({
+      Number(2, "NLRI Type", kRouteNames).Into(&Bgp::type), Number(2, "NLRI Length").Into(&Bgp::length)});
+  static constexpr auto kSource = Rows<Bgp>({Number(1, "Protocol-ID", kProtocolNames).Note(", %s"), Hex(8, "Identifier")});
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(at, c, loop)) {
+    const uint32_t type = PeekU16(c);
+    Cursor state = TakeCursor(c, 4 + static_cast<int64_t>(PeekU16(c, 2)));
+    const Place in = Under(at, AddLine(at, Ahead(state, Left(state)), "Link State: %s", LookupName(kRouteNames, type)));
+    ShowRows<Bgp>(in, state, kHead, bgp);
+    if (safi == kOfVpn) ShowRouteDistinguisher(in, state);
+    ShowRows<Bgp>(in, state, kSource, bgp);
+    ShowElements<Bgp>(in, state, kForm, "TLV", kDescriptors, bgp);
+  }
+}
+
+void ShowBgpLinkStateAttribute(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kForm, "TLV", kAttributes, bgp);
+}
+
+}  // namespace qxview
