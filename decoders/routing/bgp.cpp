@@ -144,7 +144,8 @@ void ShowOpen(const Place& at, Cursor& c, Bgp& bgp) {
   Loop loop;
   while (Left(parameters) >= head && MoreAt(at, parameters, loop)) {
     const uint32_t type = PeekU8(parameters);
-    Cursor parameter = TakeCursor(parameters, head + static_cast<int64_t>(isExtended ? PeekU16(parameters, 1) : PeekU8(parameters, 1)));
+    const int64_t size = isExtended ? PeekU16(parameters, 1) : PeekU8(parameters, 1);
+    Cursor parameter = TakeCursor(parameters, head + size);
     const Place in = Under(at, AddLine(at, Ahead(parameter, Left(parameter)), "Optional Parameter: %s",
                                        LookupName(kParameterNames, type)));
     const Field code = TakeU8(parameter), length = isExtended ? TakeU16(parameter) : TakeU8(parameter);

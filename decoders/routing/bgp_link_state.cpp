@@ -1,5 +1,5 @@
-// Link state in BGP (RFC 9552; segment routing: RFC 9085, 9514; performance: RFC 8571; link bundles and administrative groups: RFC 9104,
-// 9086 for peers): what an interior protocol knows of nodes, links and prefixes, told to others.
+// Link state in BGP (RFC 9552; segment routing: RFC 9085, 9086, 9514; performance: RFC 8571; administrative groups: RFC 9104):
+// what an interior protocol knows of nodes, links and prefixes, told to others.
 #include "core/elements.h"
 #include "decoders/routing/bgp.h"
 #include "decoders/routing/prefix.h"
