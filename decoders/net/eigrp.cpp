@@ -81,12 +81,13 @@ void ShowDestinations(const Place& in, Cursor& c, bool isSix) {
     uint8_t address[16] = {};
     const Field found = PeekBytes(c, 1, static_cast<int32_t>(size));
     for (int32_t i = 0; i < found.length && i < 16; ++i) address[i] = static_cast<uint8_t>(PeekU8(found, i));
-    const Field whole = Ahead(c, 1 + static_cast<int32_t>(size));
+    Cursor part = TakeCursor(c, 1 + static_cast<int32_t>(size));
+    const Field whole = Ahead(part, Left(part));
     const Place under = Under(in, isSix ? AddLine(in, whole, "Destination: %s/%u", IPv6Text(address), bits)
                                         : AddLine(in, whole, "Destination: %s/%u", IPv4Text(address), bits));
     if (isSix) AppendToParent(in, found, ", %s/%u", IPv6Text(address), bits);
     else AppendToParent(in, found, ", %s/%u", IPv4Text(address), bits);
-    const Field length = TakeU8(c), value = TakeBytes(c, size);
+    const Field length = TakeU8(part), value = Rest(part);
     AddLine(under, length, "Prefix Length: %u", bits);
     if (isSix) AddLine(under, value, "Prefix: %s", IPv6Text(address));
     else AddLine(under, value, "Prefix: %s", IPv4Text(address));
