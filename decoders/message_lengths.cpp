@@ -102,6 +102,31 @@ int32_t LengthOfTacacsPlus(const Cursor& c) {
   return Left(c) < 12 ? 0 : PeekU32(c, 8) > kMost ? kNoMessage : 12 + static_cast<int32_t>(PeekU32(c, 8));
 }
 
+int32_t LengthOfLdp(const Cursor& c) {
+  constexpr uint32_t kVersion = 1, kLeast = 6;   // of what the length counts
+  constexpr int32_t kUncounted = 4;
+  if (Left(c) < kUncounted) return 0;
+  const uint32_t length = PeekU16(c, 2);
+  return PeekU16(c) != kVersion || length < kLeast ? kNoMessage : kUncounted + static_cast<int32_t>(length);
+}
+
+int32_t LengthOfOpenVpnOverTcp(const Cursor& c) {
+  constexpr int32_t kLengthSize = 2;
+  constexpr uint32_t kLastOpcode = 11;
+  if (Left(c) <= kLengthSize) return 0;
+  const uint32_t opcode = PeekU8(c, kLengthSize) >> 3;
+  return PeekU16(c) == 0 || opcode == 0 || opcode > kLastOpcode ? kNoMessage
+                                                                : kLengthSize + static_cast<int32_t>(PeekU16(c));
+}
+
+// RFC 9329: the stream's mark, then messages whose length counts itself.
+int32_t LengthOfIpsecOverTcp(const Cursor& c) {
+  constexpr int32_t kMarkSize = 6, kLengthSize = 2;
+  if (PeekIs(c, 0, "IKETCP")) return kMarkSize;
+  if (Left(c) < kLengthSize) return 0;
+  return PeekU16(c) <= kLengthSize ? kNoMessage : static_cast<int32_t>(PeekU16(c));
+}
+
 int32_t LengthOfTlsRecord(const Cursor& c) {
   constexpr int32_t kHeader = 5;
   if (Left(c) >= kHeader) return StartsTlsRecord(c) ? kHeader + static_cast<int32_t>(PeekU16(c, 3)) : kNoMessage;

@@ -19,6 +19,9 @@ int32_t LengthOfDiameter(const Cursor& c);
 int32_t LengthOfAgentX(const Cursor& c);
 int32_t LengthOfIpfix(const Cursor& c);
 int32_t LengthOfTacacsPlus(const Cursor& c);
+int32_t LengthOfLdp(const Cursor& c);
+int32_t LengthOfOpenVpnOverTcp(const Cursor& c);
+int32_t LengthOfIpsecOverTcp(const Cursor& c);
 int32_t LengthOfTlsRecord(const Cursor& c);
 int32_t LengthOfHttp(const Cursor& c);
 int32_t LengthOfSip(const Cursor& c);   // and RTSP
