@@ -129,6 +129,39 @@ TEST_F(PortDispatchTest, FallbackTitles) {
   EXPECT_EQ(view_.context().packet.matchedSource, 1u);
 }
 
+int32_t DispatchNextUdp(const Place& at, Cursor c) { return DispatchUdpPayload(at, c, nextIdentifier); }
+
+TEST_F(PortDispatchTest, MediaPortsAreSortedByTheFirstBytes) {
+  const auto top = [&](int32_t identifier, const std::string& hex) {
+    nextIdentifier = identifier;
+    view_.Run(DispatchNextUdp, Hex(hex));
+    const std::string tree = view_.Text();
+    return tree.substr(0, tree.find_first_of(":, "));
+  };
+  const std::string rtp = "8000 0001 00000002 00000003 AABB", control = "81CE 0002 00000001 00000002";
+  for (const int32_t learnt : {0x2050059, 0x205005A}) {
+    EXPECT_EQ(top(learnt, rtp), "RTP");
+    EXPECT_EQ(top(learnt, control), "RTCP") << "feedback alone";
+    EXPECT_EQ(top(learnt, "0001 0000 2112A442 000000000000000000000001"), "STUN");
+    EXPECT_EQ(top(learnt, "4000 0004 01020304"), "TURN");
+    EXPECT_EQ(top(learnt, "16 FEFD 0000 000000000001 000C 01 000000 0000 000000 000000"), "DTLS");
+  }
+}
+
+TEST_F(PortDispatchTest, ADecoderThatDeclinesGivesWay) {
+  const auto tree = [&](uint16_t source, uint16_t destination, const std::string& hex) {
+    testNetwork = {};
+    view_.Run(DecodeUdpOverNetwork, Udp(source, destination, Hex(hex)));
+    const std::string text = view_.Text();
+    return text.substr(text.find("Checksum"));
+  };
+  const std::string stun = "0001 0000 2112A442 000000000000000000000001";
+  EXPECT_NE(tree(4739, 3478, stun).find("STUN"), std::string::npos) << "the other port's";
+  EXPECT_NE(tree(4739, 40000, stun).find("STUN"), std::string::npos) << "detected";
+  EXPECT_NE(tree(4739, 40000, "EEEE").find("IPFIX Data"), std::string::npos);
+  EXPECT_NE(tree(161, 3478, "EEEE").find("SNMP Data"), std::string::npos);
+}
+
 TEST_F(PortDispatchTest, WhatIsLearntResolvesBothDirections) {
   View* view = &view_.view();
   Learn(view, QX_OVER_TCP, 0x1010065, kA, 4000, -1, -1, nullptr);

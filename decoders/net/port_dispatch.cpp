@@ -1,8 +1,10 @@
 #include "decoders/net/port_dispatch.h"
 
 #include <cstddef>
+#include <initializer_list>
 
 #include "core/decoder.h"
+#include "decoders/app/rtcp.h"
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/proxy_protocol.h"
 #include "decoders/app/stun.h"
@@ -16,6 +18,9 @@
 #include "decoders/tls/tls.h"
 
 namespace qxview {
+
+int32_t DeclineData(const Place& at, Cursor c);
+
 namespace {
 
 constexpr int32_t kNoProtocol = -1;
@@ -119,8 +124,24 @@ int32_t SortDtlsAndQuic(const Place& at, int32_t identifier, int32_t index, cons
   return index == kQuicProtocol ? kNoProtocol : identifier;
 }
 
-// STUN shares ports with the media that it finds a way for (RFC 7983), magic packets go to any port: the first bytes tell
-// whose a payload is.
+// What shares a port with media: the first byte tells STUN, DTLS, TURN's channel data and media apart (RFC 7983), the
+// second one RTCP from RTP (RFC 5761).
+int32_t SortMedia(int32_t identifier, const Cursor& c) {
+  constexpr uint32_t kFirstDtls = 20, kFirstChannel = 64, kLastChannel = 79, kFirstRtcp = 192, kLastRtcp = 223;
+  constexpr int32_t kRtpHeader = 12;
+  if (LooksLikeStun(c)) return kStunProtocol;
+  const uint32_t first = PeekU8(c), second = PeekU8(c, 1);
+  if (first >= kFirstDtls && first < kFirstChannel && LooksLikeDtls(c)) return kDtlsProtocol;
+  if (first >= kFirstChannel && first <= kLastChannel && StartsStun(c)) return kStunProtocol;
+  if (first >> 6 != 2) return identifier;
+  const bool isControl = second >= kFirstRtcp && second <= kLastRtcp;
+  RtcpHeader header;
+  if (isControl) return ReadRtcpHeader(c, &header) && header.length <= Left(c) ? kLearntRtcp : identifier;
+  return Left(c) >= kRtpHeader ? kLearntRtp : identifier;
+}
+
+// Magic packets go to any port, TLS begins within other protocols, and media share theirs: the first bytes tell whose a
+// payload is.
 int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
   if (ipProtocol == kIpProtocolTcp && MayStartTls(identifier) && GoesOverToTls(at, c)) return kTlsProtocol;
   if (ipProtocol != kIpProtocolTcp && LooksLikeMagicPacket(c)) return kMagicPacketProtocol;
@@ -132,7 +153,45 @@ int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, u
     return SortDtlsAndQuic(at, identifier, index, c);
   }
   const bool isMedia = identifier > 0 && (index == (kLearntRtp & kIndex) || index == (kLearntRtcp & kIndex));
-  return isMedia && LooksLikeStun(c) ? kStunProtocol : identifier;
+  return isMedia && ipProtocol != kIpProtocolTcp ? SortMedia(identifier, c) : identifier;
+}
+
+const DecoderRow* RowOf(int32_t identifier) {
+  const bool builtin = identifier >= 1 && (identifier & kBuiltinProtocol);
+  return builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+}
+
+// The decoder that the ports' definitions name beside the one that had its turn.
+const DecoderRow* OtherPortsRow(const Place& at, const DecoderRow* row, uint8_t ipProtocol) {
+  const PacketState& packet = PacketOf(at);
+  const QxHost* host = at.view->engine->host;
+  const auto definitionTable = QXVIEW_HOST_FUNCTION(host, definitionTable);
+  if (!definitionTable) return nullptr;
+  void* ports = definitionTable(host->user, ipProtocol == kIpProtocolTcp ? QX_TCP_PORTS : QX_UDP_PORTS);
+  bool matchedSource;
+  for (const uint16_t port : {packet.sourcePort, packet.destinationPort}) {
+    const DecoderRow* other = ports ? RowOf(ResolveByPort(host, ports, port, 0, &matchedSource)) : nullptr;
+    if (other && other != row) return other;
+  }
+  return nullptr;
+}
+
+// A decoder that sees at once that the bytes are none of its protocol's gives way to the one of the other port, and that
+// to detection. Those whose ports are theirs alone show what they do not know as a block of theirs.
+bool GivesWay(const DecoderRow* row) {
+  constexpr uint32_t kFirst = 0xA0, kLast = 0xCF, kFirstOfMore = 0x200;
+  return row && row->decode != DeclineData && (row->key >= kFirstOfMore || (row->key >= kFirst && row->key <= kLast));
+}
+
+bool TryOther(const Place& at, const Cursor& c, const DecoderRow* row, uint8_t ipProtocol) {
+  const PacketState& packet = PacketOf(at);
+  const int32_t linesLeft = packet.linesLeft;
+  if (TryDecoder(Deeper(at), c, row->decode, nullptr)) return true;
+  if (packet.linesLeft != linesLeft || packet.limitReached) return false;   // it showed something all the same
+  const DecoderRow* other = OtherPortsRow(at, row, ipProtocol);
+  if (other && TryDecoder(Deeper(at), c, other->decode, nullptr)) return true;
+  return packet.linesLeft == linesLeft && at.view->engine->settings.detection.on &&
+         DetectDynamicProtocol(at, c, packet.sourcePort, packet.destinationPort, ipProtocol);
 }
 
 bool IsOnQuicPort(int32_t defined) {
@@ -157,7 +216,7 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
     return 1;
   }
   // Indices past the last built-in decoder have no row, nor have the holes of the table.
-  const DecoderRow* row = builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+  const DecoderRow* row = RowOf(identifier);
   const bool carries = row && row->protocol->summary == SummarizeCarried;   // whose headers go on
   if (at.view->context->headersOnly && !carries) return 1;
   const auto name = ProtocolName(at.view, identifier);
@@ -166,8 +225,10 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
   const char* shown = name.text[0] ? title : unnamed;
   if (JoinsMessages(at, row)) {
     ShowStreamMessages(Deeper(at), c, *row, shown);
-  } else {
+  } else if (!GivesWay(row)) {
     CallDecoder(Deeper(at), c, row ? row->decode : nullptr, shown);
+  } else if (!TryOther(at, c, row, ipProtocol)) {
+    AddRawRest(at, c, shown);
   }
   return 1;
 }
@@ -203,8 +264,7 @@ ShortText<kProtocolNameSize> ProtocolName(const View* view, int32_t identifier) 
 
 void NoteTcpSegment(const Place& at, const Cursor& c, int32_t identifier, uint32_t acknowledgement) {
   constexpr uint32_t kFin = 1, kSyn = 2, kRst = 4, kAck = 16;
-  const bool builtin = identifier >= 1 && (identifier & kBuiltinProtocol);
-  const DecoderRow* row = builtin ? FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF) : nullptr;
+  const DecoderRow* row = RowOf(identifier);
   if (!JoinsMessages(at, row)) return;
   const TcpSegment& segment = PacketOf(at).segment;
   if (segment.flags & kAck) AcknowledgeTcpStream(at, acknowledgement);
