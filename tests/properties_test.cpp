@@ -110,7 +110,8 @@ class ThreeModes {
   std::string RangeOutside(size_t size) {
     const DecodeContext& context = shown_.context();
     for (uint32_t i = 0; i < context.rangeCount; ++i) {
-      const int64_t offset = RangeOffset(context.rangeTable[i]), length = RangeLength(context.rangeTable[i]);
+      const ByteRange range = RangeInFrame(&context, context.rangeTable[i]);   // of joined bytes: where they end
+      const int64_t offset = RangeOffset(range), length = RangeLength(range);
       if (offset + length <= static_cast<int64_t>(size)) continue;
       const std::string& line = added_.lines[i];
       const auto states = [&](const char* start) { return line.starts_with(start); };

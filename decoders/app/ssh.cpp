@@ -171,6 +171,20 @@ void ShowEncrypted(const Place& at, Cursor& c, const SshEnd& end, uint32_t& lack
   AddLine(in, tag, "MAC: %s", HexDigits(tag));
 }
 
+// A segment of a connection whose start was not seen: a packet whose length is in clear fills it up with its tag.
+bool StartsSealed(const Cursor& c, SshEnd& end) {
+  constexpr uint8_t kMacLengths[] = {16, 8, 12, 20, 32, 64};
+  const uint32_t length = PeekU32(c);
+  if (Left(c) < 8 || length > kMostPacket) return false;
+  for (const uint8_t mac : kMacLengths) {
+    if (static_cast<uint32_t>(Left(c)) != 4 + length + mac) continue;
+    end.encrypted = end.clearLength = true;
+    end.macLength = mac;
+    return true;
+  }
+  return false;
+}
+
 // The lines in front of the version, packets, what is encrypted.
 bool ShowNext(const Place& at, Cursor& c, Session& session, uint32_t& lacking) {
   SshEnd& end = session.connection.ends[session.end];
@@ -195,6 +209,8 @@ int32_t DecodeSsh(const Place& at, Cursor c) {
   uint32_t lacking;
   const bool isPlaced = FindLacking(at, end, lacking);
   const uint32_t before = lacking;
+  const bool isNew = !isPlaced && end.version == 0 && !end.encrypted && !StartsVersion(c);
+  if (isNew) StartsSealed(c, end);
   end.encryptedBefore = end.encrypted;
   if (lacking > 0 && !StartsVersion(c)) {
     const int32_t rest = lacking < static_cast<uint32_t>(Left(c)) ? static_cast<int32_t>(lacking) : Left(c);

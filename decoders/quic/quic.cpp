@@ -71,6 +71,32 @@ QuicSession FindSession(const Place& at) {
   return session;
 }
 
+QuicIdKey IdKeyOf(const Field& id) {
+  const QuicId own = QuicIdOf(id);
+  QuicIdKey key{{}, own.length};
+  std::memcpy(key.octets, own.octets, own.length);
+  return key;
+}
+
+// A short header between ports that no long one was seen of: a client that moved. Its ID leads to the connection.
+bool FindMoved(const Place& at, const Cursor& c, QuicSession& session) {
+  constexpr int32_t kLeast = 4;
+  for (int32_t length = kMostQuicId; length >= kLeast; --length) {
+    const Field id = PeekBytes(c, 1, length);
+    if (!id.here) continue;
+    const QuicIdOwner* owner = Recall(at.view, kQuicIds, IdKeyOf(id));
+    if (!owner) continue;
+    session.key = owner->connection;
+    session.sender = 1 - owner->end;
+    const QuicConnection* known = Recall(at.view, kQuicConnections, session.key);
+    if (!known) return false;
+    session.state = *known;
+    session.known = true;
+    return true;
+  }
+  return false;
+}
+
 bool TakeLongHeader(Cursor& c, LongHeader& out) {
   out.first = TakeU8(c);
   out.versionField = TakeU32(c);
@@ -93,7 +119,7 @@ bool TakeLongHeader(Cursor& c, LongHeader& out) {
 }
 
 // What a long header tells of its connection.
-void LearnFrom(const LongHeader& header, QuicSession& session) {
+void LearnFrom(const Place& at, const LongHeader& header, QuicSession& session) {
   QuicConnection& state = session.state;
   if (!session.known) {
     if (header.kind == QuicKind::kNegotiation || header.kind == QuicKind::kRetry) {
@@ -108,6 +134,7 @@ void LearnFrom(const LongHeader& header, QuicSession& session) {
   if (header.source.length <= kMostQuicId && state.idLength[session.sender] != header.source.length) {
     state.idLength[session.sender] = static_cast<uint8_t>(header.source.length);
     session.changed = true;
+    RememberQuicId(at, header.source, session);
   }
   const bool fromClient = session.sender == state.client;
   if (fromClient && state.original.length == 0 && header.kind == QuicKind::kInitial) {
@@ -209,7 +236,7 @@ bool ShowLong(const Place& at, Cursor& c, QuicSession& session) {
   const Cursor whole = c;
   LongHeader header{};
   if (!TakeLongHeader(c, header)) return false;
-  LearnFrom(header, session);
+  LearnFrom(at, header, session);
   QuicPacket packet{header.kind, header.version, whole, 0, false};
 
   // The version's own part tells where the packet ends.
@@ -293,11 +320,12 @@ void ShowShort(const Place& at, Cursor& c, QuicSession& session) {
   ShowProtected(in, c, packet, how, opened, session);
 }
 
-// Whether a datagram may be QUIC at all. A short header tells nothing but its fixed bit, which extensions may clear.
+// Whether a datagram may be QUIC at all. A short header tells nothing but its fixed bit, which connections may agree to clear
+// (RFC 9287).
 bool StartsQuic(const Cursor& c, const QuicSession& session) {
   constexpr int32_t kLeastShort = 21;
   const uint32_t first = PeekU8(c);
-  if (!(first & kLongForm)) return (first & kFixedBit) && (session.known || Left(c) >= kLeastShort);
+  if (!(first & kLongForm)) return session.known || ((first & kFixedBit) && Left(c) >= kLeastShort);
   LongHeader header{};
   Cursor ahead = c;
   if (!TakeLongHeader(ahead, header)) return false;
@@ -332,6 +360,11 @@ QuicId QuicIdOf(const Field& field) {
   return id;
 }
 
+void RememberQuicId(const Place& at, const Field& id, const QuicSession& session) {
+  if (!id.here || id.length < 1 || id.length > kMostQuicId || PacketOf(at).quoted) return;
+  Remember(at.view, kQuicIds, IdKeyOf(id), {session.key, static_cast<uint8_t>(session.sender)});
+}
+
 bool IsQuicConnection(const Place& at) {
   int32_t sender;
   return Recall(at.view, kQuicConnections, ConnectionOf(PacketOf(at), &sender)) != nullptr;
@@ -339,6 +372,7 @@ bool IsQuicConnection(const Place& at) {
 
 int32_t DecodeQuic(const Place& at, Cursor c) {
   QuicSession session = FindSession(at);
+  if (!session.known && !(PeekU8(c) & kLongForm)) FindMoved(at, c, session);
   if (StartsGoogleQuic(c, session)) {
     if (!DecodeGoogleQuic(at, c, session)) return 0;
   } else {
@@ -346,7 +380,7 @@ int32_t DecodeQuic(const Place& at, Cursor c) {
     Loop loop;
     while (MoreAt(at, c, loop)) {
       const uint32_t first = PeekU8(c);
-      if (!(first & (kLongForm | kFixedBit))) break;   // zeros that fill a datagram up
+      if (first == 0 && c.offset > c.begin) break;   // zeros that fill a datagram up
       if (!(first & kLongForm)) {
         ShowShort(at, c, session);
         break;

@@ -16,6 +16,14 @@ struct QuicId {
   uint8_t octets[kMostQuicId];
 };
 
+// The secrets of 1-RTT packets of an end: those in use and those before the last update.
+constexpr int32_t kMostQuicSecret = 48;
+struct QuicTraffic {
+  uint8_t length;   // 0: none is in use
+  uint8_t phase;    // the bit that packets with the current one carry
+  uint8_t current[kMostQuicSecret], previous[kMostQuicSecret];
+};
+
 enum class QuicContent : uint8_t { kUnknown, kHttp3, kDns };
 
 // What a connection's packets leave for those behind them.
@@ -28,6 +36,7 @@ struct QuicConnection {
   QuicContent content;         // what the streams carry, once that is known
   uint16_t cipherSuite;        // that the server chose
   uint8_t clientRandom[32];    // by which a key log is searched
+  QuicTraffic traffic[2];      // by sending end
   uint64_t largest[3][2];      // packet numbers, by space and sending end
 };
 
@@ -48,6 +57,18 @@ struct QuicSession {
   QuicTurn turn;        // the packet and the frame that are shown
   LineHandle packetLine;
 };
+
+// A connection ID by which packets find their connection when ports have changed: the end that it leads to.
+struct QuicIdKey {
+  uint8_t octets[kMostQuicId];
+  uint32_t length;
+};
+struct QuicIdOwner {
+  ConnectionKey connection;
+  uint8_t end;
+};
+void RememberQuicId(const Place& at, const Field& id, const QuicSession& session);   // one that the sender is reached by
+
 
 // What a frame finds: a packet's first finds what the packets before left, a further one what those in front of it did.
 template <class T>

@@ -109,11 +109,12 @@ void ShowToken(const Place& in, Cursor& c, const char* label, Frame&) {
   const Field token = TakeBytes(c, 16);
   AddLine(in, token, "%s: %s", label, HexDigits(token));
 }
-void ShowConnectionId(const Place& in, Cursor& c, const char*, Frame&) {
+void ShowConnectionId(const Place& in, Cursor& c, const char*, Frame& frame) {
   const Field length = TakeU8(c);
   AddLine(in, length, "Connection ID Length: %u", length.value);
   const Field id = TakeBytes(c, length.value);
   AddLine(in, id, "Connection ID: %s", HexDigits(id));
+  RememberQuicId(in, id, *frame.session);
 }
 void ShowPathData(const Place& in, Cursor& c, const char* label, Frame&) {
   const Field data = TakeBytes(c, 8);

@@ -112,6 +112,10 @@ bool MakeQuicKeys(const View* view, uint32_t version, HashKind hash, Cipher ciph
          Expand(view, version, hash, secret, "tls13 quic hp", "tls13 quicv2 hp", out.headerKey, size);
 }
 
+bool UpdateQuicSecret(const View* view, uint32_t version, HashKind hash, const ByteSpan& secret, uint8_t* out) {
+  return Expand(view, version, hash, secret, "tls13 quic ku", "tls13 quicv2 ku", out, secret.length);
+}
+
 bool MakeInitialKeys(const View* view, uint32_t version, const QuicId& original, bool fromClient, QuicKeys& out) {
   const uint8_t* salt = SaltOf(version);
   uint8_t initial[kSha256Size], secret[kSha256Size];

@@ -23,6 +23,9 @@ struct QuicOpened {
 // The keys of a secret.
 bool MakeQuicKeys(const View* view, uint32_t version, HashKind hash, Cipher cipher, const ByteSpan& secret, QuicKeys& out);
 
+// The secret behind an update of keys; `out` is as long as the secret.
+bool UpdateQuicSecret(const View* view, uint32_t version, HashKind hash, const ByteSpan& secret, uint8_t* out);
+
 // The keys of Initial packets, from the connection ID that the client chose and the salt of a version.
 bool MakeInitialKeys(const View* view, uint32_t version, const QuicId& original, bool fromClient, QuicKeys& out);
 

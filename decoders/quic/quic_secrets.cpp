@@ -25,32 +25,47 @@ void BeginAnew(QuicSession& session, const QuicId& original) {
   state.original = original;
   ++state.attempt;
   std::memset(state.largest, 0, sizeof state.largest);
+  std::memset(state.traffic, 0, sizeof state.traffic);
   session.changed = true;
 }
 
-Opening TryInitialKeys(const Place& at, const QuicPacket& packet, const QuicSession& session, const QuicId& original,
-                       uint8_t* room, QuicOpened& out) {
-  const bool fromClient = session.sender == session.state.client;
-  const uint64_t largest = session.state.largest[0][session.sender];
-  const bool isKnown = HasQuicSalt(packet.version);
+// A packet while keys are tried on it.
+struct Attempt {
+  const Place& at;
+  const QuicPacket& packet;
+  QuicSession& session;
+  uint8_t* room;
+  QuicOpened& out;
+
+  bool FromClient() const { return session.sender == session.state.client; }
+  Opening Open(const QuicKeys& keys) const {
+    return OpenQuicPacket(at.view, keys, packet, session.state.largest[SpaceOf(packet.kind)][session.sender], room, out);
+  }
+};
+
+// --- Initial packets ---
+
+Opening TryInitialKeys(const Attempt& attempt, const QuicId& original) {
+  const uint32_t own = attempt.packet.version;
+  const bool isKnown = HasQuicSalt(own);
   Opening how = Opening::kUnavailable;
   for (int32_t i = 0; i < (isKnown ? 1 : kQuicSaltVersionCount); ++i) {
     QuicKeys keys;
-    const uint32_t version = isKnown ? packet.version : kQuicSaltVersions[i];
-    if (!MakeInitialKeys(at.view, version, original, fromClient, keys)) return Opening::kUnavailable;
-    how = OpenQuicPacket(at.view, keys, packet, largest, room, out);
+    const uint32_t version = isKnown ? own : kQuicSaltVersions[i];
+    if (!MakeInitialKeys(attempt.at.view, version, original, attempt.FromClient(), keys)) return Opening::kUnavailable;
+    how = attempt.Open(keys);
     if (how == Opening::kOpened) break;
   }
   return how;
 }
 
-Opening OpenInitial(const Place& at, const QuicPacket& packet, QuicSession& session, const Field& destination,
-                    uint8_t* room, QuicOpened& out) {
-  Opening how = TryInitialKeys(at, packet, session, session.state.original, room, out);
-  if (how == Opening::kWrong && session.sender == session.state.client) {
+Opening OpenInitial(const Attempt& attempt, const Field& destination) {
+  QuicSession& session = attempt.session;
+  Opening how = TryInitialKeys(attempt, session.state.original);
+  if (how == Opening::kWrong && attempt.FromClient()) {
     const QuicId own = QuicIdOf(destination);
     if (!IsSame(own, session.state.original)) {
-      how = TryInitialKeys(at, packet, session, own, room, out);
+      how = TryInitialKeys(attempt, own);
       if (how == Opening::kOpened) BeginAnew(session, own);
     }
   }
@@ -62,8 +77,9 @@ Opening OpenInitial(const Place& at, const QuicPacket& packet, QuicSession& sess
 Opening OpenWithKnownKeys(const Place& at, const QuicPacket& packet, QuicSession& session, const Field& destination,
                           uint8_t* room, QuicOpened& out) {
   if (!room) return Opening::kUnavailable;
-  Opening how = Opening::kUnavailable;
-  if (packet.kind == QuicKind::kInitial) how = OpenInitial(at, packet, session, destination, room, out);
+  const Attempt attempt{at, packet, session, room, out};
+  if (packet.kind != QuicKind::kInitial) return Opening::kUnavailable;
+  const Opening how = OpenInitial(attempt, destination);
   if (how == Opening::kOpened) NoteNumber(packet, session, out);
   return how;
 }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/byte_origins.h"
 #include "core/crypto.h"
 #include "decoders/quic/http3.h"
 #include "decoders/quic/quic_handshake.h"
@@ -18,9 +19,14 @@ QuicStreamKey KeyOf(const QuicSession& session, uint64_t stream, uint32_t space)
 
 using Part = QuicStreamPart;
 
-// Bytes of several packets, of which this field is the last.
-Cursor JoinedCursor(const Place&, const uint8_t* bytes, uint32_t, const Field& last) {
-  return MakeCursor(bytes, last.offset, 0);
+// Bytes of several packets, of which this field is the last: what is shown of them stands where it starts.
+Cursor JoinedCursor(const Place& in, const uint8_t* bytes, uint32_t length, const Field& last) {
+  const int32_t size = static_cast<int32_t>(length);
+  uint8_t* const kept = TakeFrameMemory(in.view, size);
+  if (!kept) return MakeCursor(bytes, last.offset, 0);
+  std::memcpy(kept, bytes, length);
+  const BytePiece none{};   // which packets brought them is not kept
+  return JoinedBytes(in.view, kept, size, &none, 1, last.offset);
 }
 
 // Adds a piece to those in order, joining what touches. False when there are too many.
@@ -95,9 +101,8 @@ Joining FindStream(const Place& in, const QuicStreamKey& key, const QuicSession&
   return joining;
 }
 
-void KeepStream(const Place& in, const Joining& joining, const uint8_t* bytes) {
-  if (PacketOf(in).quoted) return;
-  Remember(in.view, kQuicStreams, joining.key, joining.stream, {bytes, bytes ? ExtentOf(joining.stream) : 0});
+void KeepStream(const Place& in, const Joining& joining, const StateBytes& bytes) {
+  if (!PacketOf(in).quoted) Remember(in.view, kQuicStreams, joining.key, joining.stream, bytes);
 }
 
 // What the bytes that are kept and the fresh ones are together; `room` takes the extent of all.
@@ -132,7 +137,7 @@ void Join(const Place& in, const Field& data, uint64_t offset, bool isLast, Join
     now.done += used;
     if (used == static_cast<uint32_t>(fresh.length) && ExtentOf(stream.before) == 0) {
       now.pieceCount = 0;
-      return KeepStream(in, joining, nullptr);
+      return KeepStream(in, joining, {nullptr, 0});
     }
   }
   if (!AddPiece(now, at, static_cast<uint32_t>(fresh.length))) {
@@ -152,7 +157,7 @@ void Join(const Place& in, const Field& data, uint64_t offset, bool isLast, Join
     AddLine(in, data, "Out of Order: %d bytes, kept", data.length);
   }
   Trim(now, first + used, 0);
-  KeepStream(in, joining, room.data);
+  KeepStream(in, joining, {room.data, extent});   // as many for a packet that is looked at again
 }
 
 int32_t ConsumeHandshake(const Place& in, Cursor c, bool, Part&, QuicSession& session, uint64_t) {

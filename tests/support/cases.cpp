@@ -114,6 +114,7 @@ PayloadRun RunPayload(View& view, const Payload& payload) {
   packet.destinationPort = payload.toPort;
   packet.network.totalLength = c.left;
   packet.segment = {c.at, payload.overTcp ? c.left : 0, 0, 0, payload.overTcp};
+  ForgetOrigins(view.context->origins);   // a frame begins
   const uint64_t before = CountAllocations();
   payload.row->decode(TopLevel(&view, kFirstLevel), c);
   packet.frame = nullptr;
