@@ -11,7 +11,7 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kPadding = 0x00, kAck = 0x02, kAckEcn = 0x03, kCrypto = 0x06, kStream = 0x08, kLastStream = 0x0F;
+constexpr uint32_t kPadding = 0x00, kStream = 0x08, kLastStream = 0x0F;
 constexpr uint32_t kStreamOffset = 4, kStreamLength = 2, kStreamFin = 1;
 constexpr uint64_t kCryptoError = 0x100, kLastCryptoError = 0x1FF;
 
