@@ -77,7 +77,8 @@ class RoundTrip(Folder):
         os.remove(self.out)
 
     def test_decodes_the_same_from_a_capture_buffer_file(self):
-        captures = SAMPLES
+        # the secrets of a pcapng file have no place in a capture buffer file
+        captures = [path for path in SAMPLES if os.path.basename(path) != "tls_keys.pcapng"]
         if folder := os.environ.get("QXVIEW_CAPTURES"):
             captures = captures + sorted(path for path in glob.glob(os.path.join(folder, "*")) if "cap" in path)
         self.assertTrue(captures)

@@ -82,6 +82,7 @@ class Decoders(unittest.TestCase):
     # What is left of them, and why.
     LEFT = {
         "app/dns_names.cpp": 3, "app/dns_summary.cpp": 3,   # names are walked over the whole message, in the caller's memory
+        "link/bluetooth_hci.cpp": 1,                        # the address that it turns round
         "app/http_gzip.cpp": 5,                             # bodies are runs of several segments, for zlib
         "app/stun_attributes.cpp": 1,                       # the decoder's own array
         "net/pseudo_head.cpp": 1,                           # of an exported function, over a header that the caller has read

@@ -11,7 +11,6 @@ namespace {
 
 constexpr auto kSubtypeNames = SortedNames({
     {1, "LACP"}, {2, "Marker"}, {3, "OAM"}, {10, "Organization Specific"}, {11, "Digital Substation Monitoring"}});
-constexpr auto kChurnNames = SortedNames({{0, "No Churn"}, {1, "Actor Churn"}, {2, "Partner Churn"}, {3, "Both Churn"}});
 
 struct Slow {
   Field system, key, state, count;

@@ -45,7 +45,7 @@ constexpr auto kStatusNames = SortedNames({
     {0x2E, "Unsupported Capability"},
     {0x2F, "End-of-LIB"}, {0x30, "TAI in Use"}, {0x31, "Invalid Topology ID"}, {0x32, "Transport Connection Mismatch"},
     {0x33, "Dual-Stack Noncompliance"}, {0x3A, "PW Loop Detected"},
-    {0x40, "LDP MP Status"}, 
+    {0x40, "LDP MP Status"},
     {0x00010001, "Unknown ICCP RG"}, {0x00010002, "ICCP Connection Count Exceeded"},
     {0x00010003, "ICCP Application Connection Count Exceeded"}, {0x00010004, "ICCP Application Not in RG"},
     {0x00010005, "Incompatible ICCP Protocol Version"}, {0x00010006, "ICCP Rejected Message"},
