@@ -2,6 +2,8 @@
 // under other secrets, RADIUS (RFC 2865, section 7.1) and TACACS+.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "core/frame_entry.h"
 #include "core/tls_secrets.h"
 #include "decoders/states.h"
@@ -76,10 +78,10 @@ struct Recorded {
   std::vector<std::vector<uint8_t>> records;
   std::string secrets;
 };
-Recorded ReadRecorded() {
+Recorded ReadRecorded(const char* sample) {
   Recorded recorded;
   std::string message;
-  const auto reader = OpenCapture(QXVIEW_SAMPLES_DIR "/tls_keys.pcapng", &message);
+  const auto reader = OpenCapture(sample, &message);
   EXPECT_TRUE(reader) << message;
   reader->HandSecretsTo([&](uint32_t kind, const uint8_t* piece, size_t length, bool) {
     EXPECT_EQ(kind, kKeyLogSecrets);
@@ -101,7 +103,7 @@ class TlsOpening : public ::testing::Test {
     uint8_t digest[kMostHash];
     TestView test;
     if (!HashOf(&test.view(), HashKind::kSha1, {}, digest)) GTEST_SKIP() << "no libcrypto here";
-    recorded_ = ReadRecorded();
+    recorded_ = ReadRecorded(QXVIEW_SAMPLES_DIR "/tls_keys.pcapng");
   }
   // All lines, with the secrets and the records as they are given.
   std::string Decode(const std::vector<std::vector<uint8_t>>& records, const std::string& secrets) {
@@ -164,6 +166,51 @@ TEST_F(TlsOpening, SegmentsComeAgainAndAreMissing) {
   }
   const std::string rest = Decode(thinned, recorded_.secrets);
   EXPECT_GT(Count(rest, "Status Line: "), whole / 3);
+}
+
+class QuicOpening : public TlsOpening {
+ protected:
+  void SetUp() override {
+    TlsOpening::SetUp();
+    recorded_ = ReadRecorded(QXVIEW_SAMPLES_DIR "/quic.pcap");
+    std::ifstream keys(QXVIEW_SAMPLES_DIR "/quic.keys");
+    recorded_.secrets.assign(std::istreambuf_iterator<char>(keys), {});
+  }
+};
+
+TEST_F(QuicOpening, EveryRecordedPacketOpensAndNoDamagedOne) {
+  const std::string all = Decode(recorded_.records, recorded_.secrets);
+  EXPECT_EQ(Count(all, "Protected Payload: "), 75);
+  EXPECT_EQ(Count(all, "Packet Number: "), 75);
+  EXPECT_EQ(Count(all, "Key Phase = 1"), 22);
+  EXPECT_EQ(Count(all, "Header: :path: /"), 5);
+  EXPECT_EQ(Count(all, "Header: :status: 200"), 5);
+  EXPECT_EQ(Count(Decode(recorded_.records, ""), "Packet Number: "), 12) << "Initial packets need no secrets";
+  std::string wrong = recorded_.secrets;
+  for (size_t at = 0; (at = wrong.find('\n', at)) != std::string::npos; ++at) wrong[at - 1] = wrong[at - 1] == '0' ? '1' : '0';
+  const std::string closed = Decode(recorded_.records, wrong);
+  EXPECT_EQ(Count(closed, "Packet Number: "), 12);
+  EXPECT_EQ(Count(closed, "(the keys do not open it)"), 63);
+  std::vector<std::vector<uint8_t>> damaged = recorded_.records;
+  for (std::vector<uint8_t>& record : damaged) record[record.size() - 1] ^= 1;
+  EXPECT_EQ(Count(Decode(damaged, recorded_.secrets), "HTTP/3: HEADERS"), 0);
+}
+
+TEST_F(QuicOpening, PacketsComeAgainAndAreMissing) {
+  // Each packet twice gives the same lines twice; without every third, and without the packets around an update of keys, those
+  // that are there open all the same.
+  std::vector<std::vector<uint8_t>> twice, few, behindUpdate;
+  for (size_t i = 0; i < recorded_.records.size(); ++i) {
+    twice.insert(twice.end(), 2, recorded_.records[i]);
+    if (i % 3 != 2) few.push_back(recorded_.records[i]);
+    if (i < 40 || i > 52) behindUpdate.push_back(recorded_.records[i]);
+  }
+  EXPECT_EQ(Count(Decode(twice, recorded_.secrets), "Header: :path: /"), 10);
+  for (const auto& records : {few, behindUpdate}) {
+    const std::string text = Decode(records, recorded_.secrets);
+    EXPECT_EQ(Count(text, "(the keys do not open it)"), 0);
+    EXPECT_GT(Count(text, "Key Phase = 1"), 5);
+  }
 }
 
 TEST(RadiusSecrets, OpenAndProve) {

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "decoders/tls/tls_ciphers.h"
+
 namespace qxview {
 namespace {
 
@@ -72,14 +74,131 @@ Opening OpenInitial(const Attempt& attempt, const Field& destination) {
   return how;
 }
 
+// --- by a key log ---
+
+// The suites that QUIC has (RFC 9001, section 5.3).
+constexpr uint16_t kSuites[] = {0x1301, 0x1302, 0x1303, 0x1304};
+
+TlsSecret SecretOf(const Attempt& attempt) {
+  const bool ofClient = attempt.FromClient();
+  TlsSecretKind kind = ofClient ? TlsSecretKind::kClientTraffic : TlsSecretKind::kServerTraffic;
+  if (attempt.packet.kind == QuicKind::kZeroRtt) kind = TlsSecretKind::kClientEarly;
+  if (attempt.packet.kind == QuicKind::kHandshake) {
+    kind = ofClient ? TlsSecretKind::kClientHandshake : TlsSecretKind::kServerHandshake;
+  }
+  return RecallTlsSecret(attempt.at.view, kind, {attempt.session.state.clientRandom, kTlsRandomSize});
+}
+
+// The keys that stay: of 0-RTT and Handshake packets.
+Opening TrySecret(const Attempt& attempt, const TlsCiphers& ciphers, const TlsSecret& secret) {
+  QuicKeys keys;
+  const bool isMade = MakeQuicKeys(attempt.at.view, attempt.packet.version, ciphers.hash, ciphers.cipher, BytesOf(secret), keys);
+  return isMade ? attempt.Open(keys) : Opening::kUnavailable;
+}
+
+// A secret of 1-RTT packets with the keys that follow from it, and the phase that such packets say. The key of the header
+// protection is never renewed.
+struct Generation {
+  uint8_t secret[kMostQuicSecret];
+  uint8_t length, phase;
+  QuicKeys keys;
+};
+
+bool MakeKeys(const Attempt& attempt, const TlsCiphers& ciphers, Generation& of) {
+  uint8_t headerKey[kMostKey];
+  std::memcpy(headerKey, of.keys.headerKey, sizeof headerKey);
+  if (!MakeQuicKeys(attempt.at.view, attempt.packet.version, ciphers.hash, ciphers.cipher, {of.secret, of.length}, of.keys)) {
+    return false;
+  }
+  std::memcpy(of.keys.headerKey, headerKey, sizeof headerKey);
+  return true;
+}
+
+// Tries a secret, and those that its next updates make, as far as the packet's phase fits. `from` ends with the last.
+Opening TryGenerations(const Attempt& attempt, const TlsCiphers& ciphers, int32_t updates, Generation& from,
+                       uint8_t* before) {
+  constexpr uint32_t kPhaseShift = 2;
+  Opening how = Opening::kWrong;
+  for (int32_t i = 0;; ++i) {
+    const uint32_t said = attempt.out.first >> kPhaseShift & 1;
+    if (i == 0 || said == from.phase) {
+      if (!MakeKeys(attempt, ciphers, from)) return Opening::kUnavailable;
+      how = attempt.Open(from.keys);
+    }
+    if (how != Opening::kWrong || i == updates) return how;
+    std::memcpy(before, from.secret, sizeof from.secret);
+    const ByteSpan old{before, from.length};
+    if (!UpdateQuicSecret(attempt.at.view, attempt.packet.version, ciphers.hash, old, from.secret)) return Opening::kUnavailable;
+    from.phase ^= 1;
+  }
+}
+
+// The ends renew their keys as they like (RFC 9001, section 6); packets of the keys before may come late, and those of a
+// whole phase may be missing.
+Opening TryTraffic(const Attempt& attempt, const TlsCiphers& ciphers, const TlsSecret& secret) {
+  constexpr int32_t kMostUpdates = 3;
+  QuicTraffic& traffic = attempt.session.state.traffic[attempt.session.sender];
+  Generation first{};
+  first.length = secret.length;
+  std::memcpy(first.secret, secret.bytes, secret.length);
+  if (!MakeQuicKeys(attempt.at.view, attempt.packet.version, ciphers.hash, ciphers.cipher, BytesOf(secret), first.keys)) {
+    return Opening::kUnavailable;
+  }
+  uint8_t before[kMostQuicSecret];
+  Generation now = first;
+  if (traffic.length == secret.length) {
+    std::memcpy(now.secret, traffic.current, sizeof now.secret);
+    now.phase = traffic.phase;
+  }
+  const uint8_t phase = now.phase;
+  std::memcpy(before, now.secret, sizeof before);
+  Opening how = TryGenerations(attempt, ciphers, kMostUpdates, now, before);
+  const bool isRenewed = std::memcmp(traffic.current, now.secret, sizeof now.secret) != 0;
+  if (how == Opening::kOpened && (traffic.length == 0 || isRenewed)) {
+    traffic.length = secret.length;
+    traffic.phase = now.phase;
+    std::memcpy(traffic.previous, before, sizeof before);
+    std::memcpy(traffic.current, now.secret, sizeof now.secret);
+    attempt.session.changed = true;
+  }
+  if (how != Opening::kWrong || traffic.length == 0) return how;
+  Generation old = first;
+  std::memcpy(old.secret, traffic.previous, sizeof old.secret);
+  old.phase = phase ^ 1;
+  how = TryGenerations(attempt, ciphers, 0, old, before);
+  return how == Opening::kWrong ? TryGenerations(attempt, ciphers, kMostUpdates, first, before) : how;
+}
+
+// The server's choice of a suite; before it is known, and for 0-RTT packets, which may be of another, what the secret is
+// long enough for.
+Opening OpenByKeyLog(const Attempt& attempt) {
+  QuicConnection& state = attempt.session.state;
+  const TlsSecret secret = SecretOf(attempt);
+  if (secret.length == 0 || secret.length > kMostQuicSecret) return Opening::kUnavailable;
+  const bool isEarly = attempt.packet.kind == QuicKind::kZeroRtt;
+  Opening how = Opening::kUnavailable;
+  for (const uint16_t suite : kSuites) {
+    const TlsCiphers ciphers = CiphersOf(suite, kTls13);
+    if (HashSize(ciphers.hash) != secret.length || (!isEarly && state.cipherSuite && state.cipherSuite != suite)) continue;
+    how = attempt.packet.kind == QuicKind::kOneRtt ? TryTraffic(attempt, ciphers, secret) : TrySecret(attempt, ciphers, secret);
+    if (how == Opening::kUnavailable) break;
+    if (how != Opening::kOpened) continue;
+    if (!isEarly && state.cipherSuite != suite) {
+      state.cipherSuite = suite;
+      attempt.session.changed = true;
+    }
+    break;
+  }
+  return how;
+}
+
 }  // namespace
 
 Opening OpenWithKnownKeys(const Place& at, const QuicPacket& packet, QuicSession& session, const Field& destination,
                           uint8_t* room, QuicOpened& out) {
   if (!room) return Opening::kUnavailable;
   const Attempt attempt{at, packet, session, room, out};
-  if (packet.kind != QuicKind::kInitial) return Opening::kUnavailable;
-  const Opening how = OpenInitial(attempt, destination);
+  const Opening how = packet.kind == QuicKind::kInitial ? OpenInitial(attempt, destination) : OpenByKeyLog(attempt);
   if (how == Opening::kOpened) NoteNumber(packet, session, out);
   return how;
 }
