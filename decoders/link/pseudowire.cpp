@@ -1,6 +1,5 @@
-// Pseudowires over MPLS: control words (RFC 4385), associated channels with their connectivity checks (RFC 5085, 5586), and
-// what they emulate: Ethernet (RFC 4448), Frame Relay (RFC 4619), ATM (RFC 4717), PPP and HDLC (RFC 4618), bit streams
-// (SAToP, RFC 4553; CESoPSN, RFC 5086).
+// Pseudowires over MPLS: control words (RFC 4385), associated channels, and what they emulate: Ethernet (RFC 4448), Frame Relay
+// (RFC 4619), ATM (RFC 4717), PPP and HDLC (RFC 4618), bit streams (SAToP, RFC 4553; CESoPSN, RFC 5086).
 //
 //   control word         0 (4 bits)   flags (4)   fragmentation (2)   length (6)   sequence number (16)
 //   associated channel   1 (4 bits)   version (4)   reserved (8)   channel type (16)
@@ -10,6 +9,7 @@
 #include "decoders/link/pseudowire.h"
 
 #include "core/rows.h"
+#include "decoders/link/associated_channel.h"
 #include "decoders/link/carried.h"
 #include "decoders/link/medium.h"
 
@@ -18,25 +18,9 @@ namespace {
 
 constexpr int32_t kControlWordLength = 4;
 
-constexpr auto kChannelNames = SortedNames({
-    {0x0000, "Reserved"}, {0x0001, "Management Communication Channel (MCC)"},
-    {0x0002, "Signaling Communication Channel (SCC)"}, {0x0007, "BFD Control, without IP and UDP"},
-    {0x000A, "MPLS Direct Loss Measurement"}, {0x000B, "MPLS Inferred Loss Measurement"},
-    {0x000C, "MPLS Delay Measurement"}, {0x000D, "MPLS Direct Loss and Delay Measurement"},
-    {0x000E, "MPLS Inferred Loss and Delay Measurement"}, {0x000F, "Residence Time Measurement"}, {0x0021, "IPv4"},
-    {0x0022, "MPLS-TP Continuity Check"}, {0x0023, "MPLS-TP Connectivity Verification"},
-    {0x0024, "Protection State Coordination"}, {0x0025, "On-Demand Connectivity Verification"},
-    {0x0026, "Lock Instruct"}, {0x0027, "Pseudowire OAM"}, {0x0028, "MAC Withdraw OAM"}, {0x0057, "IPv6"},
-    {0x0058, "Fault OAM"}, {0x0059, "G-ACh Advertisement"}, {0x7FF8, "Experimental"}, {0x7FF9, "Experimental"},
-    {0x7FFA, "Experimental"}, {0x7FFB, "Experimental"}, {0x7FFC, "Experimental"}, {0x7FFD, "Experimental"},
-    {0x7FFE, "Experimental"}, {0x7FFF, "Experimental"}, {0x8902, "MPLS-TP OAM"}});
-
 constexpr auto kFragmentNames = SortedNames({
     {0, "Whole Payload"}, {1, "First Fragment"}, {2, "Last Fragment"}, {3, "Intermediate Fragment"}});
 
-constexpr auto kChannel = Rows<NoValues>({
-    Word(2), Bits(0, 4, "Channel Indication"), Bits(4, 4, "Version"), Bits(8, 8, "Reserved"),
-    Hex(2, "Channel Type", kChannelNames)});
 constexpr auto kControlWord = Rows<NoValues>({
     Word(2), Bits(0, 4, "Zero"), Bits(4, 4, "Flags"), Bits(8, 2, "Fragmentation", kFragmentNames),
     Bits(10, 6, "Length"), Number(2, "Sequence Number")});
@@ -46,25 +30,6 @@ constexpr auto kCell = Rows<NoValues>({
 constexpr auto kRtp = Rows<NoValues>({
     Word(2), Bits(0, 2, "RTP Version"), Bits(2, 6, "RTP Flags"), Bits(8, 1, "RTP Marker"), Bits(9, 7, "RTP Payload Type"),
     Number(2, "RTP Sequence Number"), Number(4, "RTP Timestamp"), Hex(4, "RTP Synchronization Source")});
-
-int32_t DecodeChannel(const Place& network, Cursor c) {
-  constexpr uint32_t kBfd = 0x0007, kOam = 0x8902;
-  const uint32_t type = PeekU16(c, 2);
-  const Place in = Under(network, AddLine(network, Ahead(c, kControlWordLength), "Associated Channel: %s",
-                                          LookupName(kChannelNames, type)));
-  ShowRows(in, c, kChannel);
-  const Place carried = Deeper(network);
-  if (type == 0x0021 || type == 0x0057) return DecodeCarriedFrame(carried, c, Carried::kIp);
-  if (type == kOam) return DecodeCarriedPacket(carried, c, kOam);
-  if (type == kBfd || type == 0x0022 || type == 0x0023) {
-    constexpr uint32_t kBfdPort = 3784;
-    const DecoderRowSpan ports = RegistryTable(DoorKind::kUdpPort);
-    for (int32_t i = 0; i < ports.count; ++i) {
-      if (ports.rows[i].key == kBfdPort) return CallDecoder(carried, c, ports.rows[i].decode, "BFD Data");
-    }
-  }
-  return DecodeCarriedFrame(carried, c, Carried::kUnknown, "Channel Data");
-}
 
 constexpr int32_t kCellSize = 52, kRtpSize = 12;
 
@@ -136,8 +101,8 @@ int32_t DecodeLabelledPayload(const Place& network, Cursor c) {
   if (Left(c) < 1) return 1;
   const uint32_t nibble = PeekU8(c) >> 4u;
   if (nibble == 4 || nibble == 6) return DecodeCarriedFrame(network, c, Carried::kIp);
-  if (nibble == 1 && Left(c) >= kControlWordLength && LookupName(kChannelNames, PeekU16(c, 2), nullptr)) {
-    return CallDecoder(network, c, DecodeChannel, "Raw Data");
+  if (nibble == 1 && Left(c) >= kControlWordLength && AssociatedChannelName(PeekU16(c, 2))) {
+    return CallDecoder(network, c, DecodeAssociatedChannel, "Raw Data");
   }
   const bool bare = LooksLikeMacHeader(c);
   Cursor behind = c;
