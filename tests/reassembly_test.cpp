@@ -130,9 +130,10 @@ TEST(TcpReassembly, AGapIsWaitedForAndGivenUp) {
   EXPECT_TRUE(Has(wire.Send(31, Part(message, 30, 10)), "POST /a HTTP/1.1")) << "the gap is closed";
   // Acknowledged, so that it never comes: what waited starts anew.
   wire.Send(1 + size, Part(message, 0, 30));
-  wire.Send(1 + 2 * size, Part(message, 0, 35));
+  const std::string ahead = wire.Send(1 + 2 * size, Part(message, 0, 45));
+  EXPECT_TRUE(Has(ahead, "POST /a HTTP/1.1") && Has(ahead, "before them are missing")) << "a message starts here: " << ahead;
   wire.Acknowledge(1 + 2 * size + 30);
-  const std::string shown = wire.Send(1 + 2 * size + 35, Part(message, 35, 1000));
+  const std::string shown = wire.Send(1 + 2 * size + 45, Part(message, 45, 1000));
   EXPECT_TRUE(shown.starts_with("Reassembly: " + std::to_string(size - 30) + " bytes before this segment were not captured"))
       << shown;
   EXPECT_TRUE(Has(shown, "POST /a HTTP/1.1")) << shown;

@@ -63,6 +63,17 @@ TEST_F(TlsStreamTest, GoesOverToTlsBehindAStartInClear) {
   EXPECT_EQ(Segment(Record16(23, Bytes(30, 1)), 5, 25, 50000), "") << "another connection";
 }
 
+TEST_F(TlsStreamTest, GoesThroughAProxyWhereConnectionsAreFollowed) {
+  host_.definitions.AddDefinition("tcp:8080=HTTP");
+  EXPECT_EQ(Segment(Record16(22, ServerHello()), 100, 8080), "");
+  host_.settings = {{"Reassembly", "1"}};
+  TestView following(&host_);
+  const Bytes segment = Tcp({.sourcePort = 8080, .destinationPort = 40000, .sequence = 100,
+                             .payload = Record16(22, ServerHello())});
+  following.Run(DecodeTcpOverNetwork, segment);
+  ExpectInOrder(following.Text(), {"SSL/TLS", "Server Hello"});
+}
+
 TEST(Tls, IsRecognisedByHellosAlone) {
   const auto starts = [](const Bytes& bytes) {
     return StartsTlsHello(MakeCursor(bytes.data(), 0, static_cast<int32_t>(bytes.size())));

@@ -100,8 +100,10 @@ void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
   packet.matchedSource = matchedSource ? 1 : 0;
 }
 
-// The protocols whose connections go over to TLS when both ends have agreed on it (STARTTLS and its like).
-bool MayStartTls(int32_t identifier) {
+// The protocols whose connections go over to TLS when both ends have agreed on it (STARTTLS and its like). What HTTP's
+// proxies pass on (CONNECT) is continued data unless connections are followed.
+bool MayStartTls(const View* view, int32_t identifier) {
+  constexpr int32_t kHttp = 0x10004;
   constexpr int32_t kLdap = 0x10007, kFtp = 0x1000C, kSmtp = 0x1000E, kPop3 = 0x1000F;
   constexpr int32_t kImap = 0x10250, kXmpp = 0x10252, kNntp = 0x10254;
   switch (identifier > 0 ? identifier & (kBuiltinProtocol | 0xFFFF) : 0) {
@@ -112,6 +114,7 @@ bool MayStartTls(int32_t identifier) {
     case kImap:
     case kXmpp:
     case kNntp: return true;
+    case kHttp: return view->engine->settings.reassembly;
     default: return false;
   }
 }
@@ -143,7 +146,7 @@ int32_t SortMedia(int32_t identifier, const Cursor& c) {
 // Magic packets go to any port, TLS begins within other protocols, and media share theirs: the first bytes tell whose a
 // payload is.
 int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
-  if (ipProtocol == kIpProtocolTcp && MayStartTls(identifier) && GoesOverToTls(at, c)) return kTlsProtocol;
+  if (ipProtocol == kIpProtocolTcp && MayStartTls(at.view, identifier) && GoesOverToTls(at, c)) return kTlsProtocol;
   if (ipProtocol != kIpProtocolTcp && LooksLikeMagicPacket(c)) return kMagicPacketProtocol;
   if (StartsProxyHeader(c)) return kProxyProtocol;
   constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;

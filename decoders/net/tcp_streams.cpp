@@ -148,6 +148,8 @@ class StreamWork {
     run_.answer = StreamAnswer::kAhead;
     run_.waiting = Length();
     run_.needed = distance;
+    // What is missing may never come: a message that starts here is shown as far as this segment has it.
+    if (!takesRuns_ && messageLength_(c_) > 0) run_.plain = Length();
     if (stream_.ahead == 0) stream_.gapTime = time_;
     const AheadSegment kept{segment_.sequence, c_.offset, packet_, false};
     ahead_.Remember(&key_, &kept, {c_.at, static_cast<uint32_t>(Length())});

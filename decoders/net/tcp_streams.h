@@ -25,7 +25,7 @@ struct StreamRun {
   uint8_t unused[2];
   int32_t seen;           // bytes in front of the segment that were brought before
   int32_t differing;      // of those, how many are others than before
-  int32_t plain;          // bytes behind them that belong to a message too long to be kept
+  int32_t plain;          // bytes behind them to be shown as they stand: of a message too long to be kept, or behind a gap
   int32_t shown;          // bytes to show in messages
   int32_t pieceCount;     // of packets that brought those; 0 where all stand in this segment
   int32_t waiting;        // bytes kept for later
