@@ -58,8 +58,8 @@ int32_t DecodeArcnetFrame(const Place& at, Cursor c, bool hasOffset) {
   AddLine(in, source, "Source: %u", source.value);
   AddLine(in, destination, "Destination: %u", destination.value);
   if (hasOffset) {
-    const Field offset = TakeU16(c);
-    AddLine(in, offset, "Offset: %u", offset.value);
+    const Field offset = TakeBytes(c, 2);   // the adapter's own two bytes, in no order
+    AddLine(in, offset, "Offset: %s", HexText(offset));
   }
   const Field system = TakeU8(c);
   AddLine(in, system, "System Code: 0x%.02X = %s", system.value, LookupName(kSystemCodes, system.value));

@@ -74,49 +74,115 @@ const NetlinkAttribute* FindAttribute(const NetlinkTable& table, uint32_t code) 
   for (int32_t i = 0; i < table.count; ++i) {
     if (table.attributes[i].code == code) return &table.attributes[i];
   }
-  return nullptr;
+  return table.more ? FindAttribute(*table.more, code) : nullptr;
 }
 
-void ShowNumber(const Place& in, const Field& field, const NetlinkAttribute& attribute, bool little) {
+// The number's line alone, and what it says beside its label for the line of the attribute.
+void AddNumber(const Place& in, const Field& field, const NetlinkAttribute& attribute, bool little) {
   const uint64_t number = detail::NumberOf(field, little);
   // keys: tables decoders/link/netlink*.cpp
   if (attribute.kind == NetlinkKind::kSigned) {
     const int32_t shift = 64 - 8 * field.length;
     AddLine(in, field, "%s: %I64d", attribute.name, static_cast<int64_t>(number << shift) >> shift);
   } else if (attribute.names.Here()) {
-    const char* name = attribute.names.NameOf(static_cast<uint32_t>(number));
-    AddLine(in, field, "%s: %I64u = %s", attribute.name, number, name);
-    AppendToParent(in, field, ", %s", name);
-    return;
+    AddLine(in, field, "%s: %I64u = %s", attribute.name, number, attribute.names.NameOf(static_cast<uint32_t>(number)));
   } else {
     AddLine(in, field, "%s: %I64u", attribute.name, number);
+  }
+}
+
+void ShowNumber(const Place& in, const Field& field, const NetlinkAttribute& attribute, bool little) {
+  const uint64_t number = detail::NumberOf(field, little);
+  AddNumber(in, field, attribute, little);
+  if (attribute.names.Here() && attribute.kind != NetlinkKind::kSigned) {
+    return AppendToParent(in, field, ", %s", attribute.names.NameOf(static_cast<uint32_t>(number)));
   }
   AppendToParent(in, field, ", %I64u", number);
 }
 
-void ShowAddress(const Place& in, const Field& field, const char* name) {
-  if (field.length == 4) {
-    AddLine(in, field, "%s: %s", name, IPv4Text(field.bytes));
-    AppendToParent(in, field, ", %s", IPv4Text(field.bytes));
-  } else if (field.length == 16) {
-    AddLine(in, field, "%s: %s", name, IPv6Text(field.bytes));
-    AppendToParent(in, field, ", %s", IPv6Text(field.bytes));
-  } else if (field.length == 6) {
-    AddLine(in, field, "%s: %s", name, MacText(field.bytes));
-    AppendToParent(in, field, ", %s", MacText(field.bytes));
-  } else {
-    AddLine(in, field, "%s: %s", name, HexText(field));
+void AddAddress(const Place& in, const Field& field, const char* name) {
+  switch (field.length) {
+    case 4: return AddLine(in, field, "%s: %s", name, IPv4Text(field.bytes)), void();
+    case 16: return AddLine(in, field, "%s: %s", name, IPv6Text(field.bytes)), void();
+    case 6: return AddLine(in, field, "%s: %s", name, MacText(field.bytes)), void();
+    default: AddLine(in, field, "%s: %s", name, HexText(field));
   }
 }
 
+void ShowAddress(const Place& in, const Field& field, const char* name) {
+  AddAddress(in, field, name);
+  switch (field.length) {
+    case 4: return AppendToParent(in, field, ", %s", IPv4Text(field.bytes));
+    case 16: return AppendToParent(in, field, ", %s", IPv6Text(field.bytes));
+    case 6: return AppendToParent(in, field, ", %s", MacText(field.bytes));
+    default: return;
+  }
+}
+
+// Older kernels end a record earlier, newer ones later: what there is.
+void ShowRecord(const Place& in, Cursor& c, const NetlinkTable& table, bool little, bool isWide) {
+  constexpr int32_t kWide = 8;
+  for (int32_t i = 0; i < table.count; ++i) {
+    const NetlinkAttribute& piece = table.attributes[i];
+    const int32_t size = isWide ? kWide : piece.code;
+    if (Left(c) < size) return;
+    const Field field = TakeBytes(c, size);
+    switch (piece.kind) {
+      case NetlinkKind::kFlag: break;   // padding
+      case NetlinkKind::kAddress: AddAddress(in, field, piece.name); break;
+      case NetlinkKind::kBytes: AddLine(in, field, "%s: %s", piece.name, HexText(field)); break;
+      default: AddNumber(in, field, piece, little && piece.kind != NetlinkKind::kNetwork);
+    }
+  }
+}
+
+struct Within {
+  bool little;
+  int32_t depth;
+  Field kind;   // the text that the list named last
+};
 void ShowList(const Place& in, Cursor& c, const NetlinkTable& table, bool little, int32_t depth);
 
-void ShowValue(const Place& in, Cursor& c, const NetlinkAttribute& attribute, bool little, int32_t depth) {
+constexpr auto kHopFlags = SortedNames({
+    {0x01, "Dead"}, {0x02, "Pervasive"}, {0x04, "On Link"}, {0x08, "Offload"}, {0x10, "Link Down"}, {0x20, "Unresolved"},
+    {0x40, "Trap"}});
+struct Hop {
+  Field length;
+};
+constexpr auto kHop = Rows<Hop>({
+    Number(2, "Hop Length").Into(&Hop::length), Flags(1, "Hop Flags", kHopFlags), Number(1, "Hops"),
+    Number(4, "Output Interface")});
+
+void ShowHops(const Place& in, Cursor& c, const NetlinkTable& below, bool little, int32_t depth) {
+  constexpr int32_t kHopSize = 8;
+  Loop loop;
+  while (Left(c) >= kHopSize && MoreAt(in, c, loop)) {
+    const int32_t length = static_cast<int32_t>(little ? PeekLittleU16(c) : PeekU16(c));
+    Cursor hop = TakeCursor(c, length < kHopSize ? kHopSize : length);
+    const Place under = Under(in, AddLine(in, Ahead(hop, Left(hop)), "Next Hop"));
+    Hop out{};
+    ShowRows<Hop>(under, hop, kHop, out, nullptr, little ? ByteOrder::kLittle : ByteOrder::kAsRows);
+    ShowList(under, hop, below, little, depth + 1);
+    TakeCursor(c, (4 - length % 4) % 4);
+  }
+}
+
+void ShowValue(const Place& in, Cursor& c, const NetlinkAttribute& attribute, const Within& within) {
+  const bool little = within.little;
+  const int32_t depth = within.depth;
   constexpr int32_t kMostShown = 64;
   const NetlinkTable& below = attribute.below ? *attribute.below : kNoAttributes;
   switch (attribute.kind) {
     case NetlinkKind::kFlag: return;
     case NetlinkKind::kNested: return ShowList(in, c, below, little, depth + 1);
+    case NetlinkKind::kRecord: return ShowRecord(in, c, below, little, false);
+    case NetlinkKind::kWideRecord: return ShowRecord(in, c, below, little, true);
+    case NetlinkKind::kHops: return ShowHops(in, c, below, little, depth);
+    case NetlinkKind::kOfKind:
+    case NetlinkKind::kOfSlave: {
+      const NetlinkTable* kind = FindLinkKind(within.kind, attribute.kind == NetlinkKind::kOfSlave);
+      return ShowList(in, c, kind ? *kind : kNoAttributes, little, depth + 1);
+    }
     case NetlinkKind::kList: {
       const NetlinkAttribute item{0, NetlinkKind::kNested, "Item", &below};
       Loop loop;
@@ -129,7 +195,7 @@ void ShowValue(const Place& in, Cursor& c, const NetlinkAttribute& attribute, bo
         AddLine(under, number, "Number: %u", static_cast<uint32_t>(detail::NumberOf(number, little)) & 0x3FFF);
         if (length < 4) return;
         Cursor value = TakeCursor(c, length - 4);
-        ShowValue(under, value, item, little, depth + 1);
+        ShowValue(under, value, item, {little, depth + 1, {}});
         TakeCursor(c, (4 - length % 4) % 4);
       }
       return;
@@ -161,6 +227,7 @@ void ShowValue(const Place& in, Cursor& c, const NetlinkAttribute& attribute, bo
 }
 
 void ShowList(const Place& in, Cursor& c, const NetlinkTable& table, bool little, int32_t depth) {
+  Within within{little, depth, {}};
   Loop loop;
   while (Left(c) >= 4 && depth < kMostDepth && MoreAt(in, c, loop)) {
     const uint32_t length = little ? PeekLittleU16(c) : PeekU16(c), word = little ? PeekLittleU16(c, 2) : PeekU16(c, 2);
@@ -182,7 +249,8 @@ void ShowList(const Place& in, Cursor& c, const NetlinkTable& table, bool little
     }
     Cursor value = TakeCursor(c, length - 4);
     if (attribute) {
-      ShowValue(under, value, *attribute, little, depth);
+      if (attribute->kind == NetlinkKind::kText) within.kind = PeekBytes(value, 0, Left(value));
+      ShowValue(under, value, *attribute, within);
     } else if (word & 0x8000) {
       ShowList(under, value, kNoAttributes, little, depth + 1);
     }

@@ -115,8 +115,7 @@ constexpr auto kTrafficHead = Rows<Route>({
 constexpr auto kGeneralHead = Rows<Route>({Number(1, "Address Family", kLinuxFamilyNames)});
 
 const NetlinkAttribute kLinkInfo[] = {
-    {1, kText, "Kind"}, {2, kNested, "Kind's Data"}, {3, kBytes, "Extended Statistics"}, {4, kText, "Slave Kind"}, {5,
-    kNested, "Slave's Data"}};
+    {1, kText, "Kind"}, {2, kOfKind, "Kind's Data"}, {3, kBytes, "Extended Statistics"}, {4, kText, "Slave Kind"}, {5, kOfSlave, "Slave's Data"}};
 const NetlinkTable kLinkInfoTable = TableOf(kLinkInfo);
 const NetlinkAttribute kXdp[] = {{1, kSigned, "XDP File Descriptor"}, {2, kNumber, "XDP Attached"}, {3, kNumber,
     "XDP Flags"},
@@ -127,16 +126,16 @@ const NetlinkTable kPropertyTable = TableOf(kProperties);
 const NetlinkAttribute kLinks[] = {
     {1, kAddress, "Hardware Address"}, {2, kAddress, "Broadcast Address"}, {3, kText, "Interface Name"}, {4, kNumber,
     "MTU"},
-    {5, kNumber, "Link"}, {6, kText, "Queueing Discipline"}, {7, kBytes, "Statistics"}, {8, kText, "Cost"}, {9, kBytes,
+    {5, kNumber, "Link"}, {6, kText, "Queueing Discipline"}, {7, kRecord, "Statistics", &kLinkCounters}, {8, kText, "Cost"}, {9, kBytes,
     "Priority"},
-    {10, kNumber, "Master"}, {11, kBytes, "Wireless"}, {12, kNested, "Protocol Information"}, {13, kNumber,
+    {10, kNumber, "Master"}, {11, kBytes, "Wireless"}, {12, kNested, "Protocol Information", &kIpv6Link}, {13, kNumber,
     "Transmit Queue Length"},
-    {14, kBytes, "Map"}, {15, kBytes, "Weight"}, {16, kNumber, "Operational State", nullptr, kOperationalNames},
+    {14, kRecord, "Map", &kLinkMap}, {15, kBytes, "Weight"}, {16, kNumber, "Operational State", nullptr, kOperationalNames},
     {17, kNumber, "Link Mode", nullptr, kModeNames}, {18, kNested, "Link Information", &kLinkInfoTable},
     {19, kNumber, "Namespace Process ID"}, {20, kText, "Alias"}, {21, kNumber, "Virtual Functions"}, {22, kNested,
     "Virtual Function Information"},
-    {23, kBytes, "Statistics of 64 Bits"}, {24, kNested, "Virtual Ports"}, {25, kNested, "Port Itself"},
-    {26, kNested, "Family Data"}, {27, kNumber, "Group"}, {28, kNumber, "Namespace File Descriptor"},
+    {23, kWideRecord, "Statistics of 64 Bits", &kLinkCounters}, {24, kNested, "Virtual Ports"}, {25, kNested, "Port Itself"},
+    {26, kNested, "Family Data", &kLinkFamilies}, {27, kNumber, "Group"}, {28, kNumber, "Namespace File Descriptor"},
     {29, kNumber, "Extension Mask"}, {30, kNumber, "Promiscuity"}, {31, kNumber, "Transmit Queues"}, {32, kNumber,
     "Receive Queues"},
     {33, kNumber, "Carrier"}, {34, kBytes, "Physical Port ID"}, {35, kNumber, "Carrier Changes"}, {36, kBytes,
@@ -157,9 +156,13 @@ const NetlinkAttribute kLinks[] = {
     {63, kNumber, "Segmentation Offload over IPv4, Most Bytes"}, {64, kNumber, "Receive Offload over IPv4, Most Bytes"},
     {65, kNested, "DPLL Pin"}};
 const NetlinkTable kLinkTable = TableOf(kLinks);
+// A bridge's own messages have its ports' attributes under two numbers.
+const NetlinkAttribute kBridgeLinks[] = {
+    {12, kNested, "Protocol Information", &kBridgePort}, {26, kNested, "Family Data", &kBridgeLink}};
+const NetlinkTable kBridgeLinkTable = TableOf(kBridgeLinks, &kLinkTable);
 const NetlinkAttribute kAddresses[] = {
     {1, kAddress, "Address"}, {2, kAddress, "Local Address"}, {3, kText, "Label"}, {4, kAddress, "Broadcast Address"},
-    {5, kAddress, "Anycast Address"}, {6, kBytes, "Cache Information"}, {7, kAddress, "Multicast Address"}, {8,
+    {5, kAddress, "Anycast Address"}, {6, kRecord, "Cache Information", &kAddressCache}, {7, kAddress, "Multicast Address"}, {8,
     kNumber, "Long Flags"},
     {9, kNumber, "Route Priority"}, {10, kSigned, "Target Namespace ID"}, {11, kNumber, "Address Protocol"}};
 const NetlinkTable kAddressTable = TableOf(kAddresses);
@@ -172,15 +175,14 @@ const NetlinkAttribute kMetrics[] = {
     {15, kNumber, "Quick Acknowledgement"}, {16, kText, "Congestion Control"}, {17, kNumber,
     "Fast Open Without Cookie"}};
 const NetlinkTable kMetricTable = TableOf(kMetrics);
+extern const NetlinkTable kRouteTable;
 const NetlinkAttribute kRoutes[] = {
     {1, kAddress, "Destination"}, {2, kAddress, "Source"}, {3, kNumber, "Input Interface"}, {4, kNumber,
     "Output Interface"},
     {5, kAddress, "Gateway"}, {6, kNumber, "Priority"}, {7, kAddress, "Preferred Source"}, {8, kNested, "Metrics",
     &kMetricTable},
-    {9, kBytes, "Multipath"}, {10, kBytes, "Protocol Information"}, {11, kNumber, "Flow"}, {12, kBytes,
-    "Cache Information"},
-    {13, kBytes, "Session"}, {14, kBytes, "Algorithm"}, {15, kNumber, "Table ID"}, {16, kNumber, "Mark"}, {17, kBytes,
-    "Multicast Statistics"},
+    {9, kHops, "Multipath", &kRouteTable}, {10, kBytes, "Protocol Information"}, {11, kNumber, "Flow"}, {12, kRecord, "Cache Information", &kRouteCache},
+    {13, kBytes, "Session"}, {14, kBytes, "Algorithm"}, {15, kNumber, "Table ID"}, {16, kNumber, "Mark"}, {17, kRecord, "Multicast Statistics", &kMulticastCounters},
     {18, kBytes, "Via"}, {19, kBytes, "New Destination"}, {20, kNumber, "Preference"}, {21, kNumber,
     "Encapsulation Type"},
     {22, kNested, "Encapsulation"}, {23, kNumber, "Expires"}, {24, kBytes, "Pad"}, {25, kNumber, "User ID"}, {26,
@@ -189,7 +191,7 @@ const NetlinkAttribute kRoutes[] = {
     "Next Hop ID"}};
 const NetlinkTable kRouteTable = TableOf(kRoutes);
 const NetlinkAttribute kNeighbours[] = {
-    {1, kAddress, "Destination"}, {2, kAddress, "Link Layer Address"}, {3, kBytes, "Cache Information"}, {4, kNumber,
+    {1, kAddress, "Destination"}, {2, kAddress, "Link Layer Address"}, {3, kRecord, "Cache Information", &kNeighbourCache}, {4, kNumber,
     "Probes"},
     {5, kNumber, "VLAN"}, {6, kNetwork, "Port"}, {7, kNumber, "VNI"}, {8, kNumber, "Interface Index"}, {9, kNumber,
     "Master"},
@@ -205,14 +207,13 @@ const NetlinkAttribute kRules[] = {
     "Suppress Interface Group"},
     {14, kSigned, "Suppress Prefix Length"}, {15, kNumber, "Table ID"}, {16, kNumber, "Mark Mask"}, {17, kText,
     "Output Interface Name"},
-    {18, kBytes, "Pad"}, {19, kNumber, "L3 Master Device"}, {20, kBytes, "User ID Range"}, {21, kNumber,
+    {18, kBytes, "Pad"}, {19, kNumber, "L3 Master Device"}, {20, kRecord, "User ID Range", &kUserRange}, {21, kNumber,
     "Rule Protocol"},
-    {22, kNumber, "IP Protocol"}, {23, kBytes, "Source Port Range"}, {24, kBytes, "Destination Port Range"}};
+    {22, kNumber, "IP Protocol"}, {23, kRecord, "Source Port Range", &kPortRange}, {24, kRecord, "Destination Port Range", &kPortRange}};
 const NetlinkTable kRuleTable = TableOf(kRules);
 const NetlinkAttribute kTraffic[] = {
-    {1, kText, "Kind"}, {2, kNested, "Options"}, {3, kBytes, "Statistics"}, {4, kBytes, "Extended Statistics"}, {5,
-    kBytes, "Rate"},
-    {6, kBytes, "Police"}, {7, kNested, "Statistics 2"}, {8, kNested, "Size Table"}, {9, kBytes, "Pad"}, {10, kFlag,
+    {1, kText, "Kind"}, {2, kNested, "Options"}, {3, kRecord, "Statistics", &kTrafficCounters}, {4, kBytes, "Extended Statistics"}, {5, kRecord, "Rate", &kTrafficRate},
+    {6, kBytes, "Police"}, {7, kNested, "Statistics 2", &kTrafficCounters2}, {8, kNested, "Size Table"}, {9, kBytes, "Pad"}, {10, kFlag,
     "Dump Invisible"},
     {11, kNumber, "Chain"}, {12, kNumber, "Hardware Offload"}, {13, kNumber, "Ingress Block"}, {14, kNumber,
     "Egress Block"},
@@ -260,12 +261,15 @@ void ShowRouteMessage(const Place& in, Cursor& c, const NetlinkMessage& message)
   Route out{};
   for (const Shape& shape : kShapes) {
     if (message.type / 4 * 4 != shape.first) continue;
+    constexpr uint32_t kBridgeFamily = 7;
     const int32_t begin = c.offset;
+    const uint32_t family = PeekU8(c);
     // Requests may have a header of one byte alone.
     ShowRows<Route>(in, c, Left(c) < 8 ? RowSpan<Route>(kGeneralHead) : shape.head, out, nullptr, order);
     const int32_t beyond = (c.offset - begin) % 4;
     if (beyond && Left(c) >= 4 - beyond) TakeBytes(c, 4 - beyond);
-    return ShowNetlinkAttributes(in, c, *shape.table, message.little);
+    const bool isBridge = shape.first == kLink && family == kBridgeFamily;
+    return ShowNetlinkAttributes(in, c, isBridge ? kBridgeLinkTable : *shape.table, message.little);
   }
   if (Left(c) < 1) return;
   ShowRows<Route>(in, c, kGeneralHead, out, nullptr, order);

@@ -166,10 +166,13 @@ int32_t DecodePrime(const Place& at, Cursor c) {
 
 }  // namespace
 
-// One entry for all: the first byte tells the version, and whether it is charging. Version 2 has other headers.
+// One entry for all: the first byte tells the version, and whether it is charging. Version 2 has another header; its bit
+// where the charging protocol has its own is set for a tunnel's identifier, so that the port tells the two apart.
 int32_t DecodeGtp(const Place& at, Cursor c) {
+  constexpr uint16_t kChargingPort = 3386;
   const uint32_t version = PeekU8(c) >> 5;
-  if (version > 2 || Left(c) < 6) return 0;
+  const bool isCharging = PacketOf(at).sourcePort == kChargingPort || PacketOf(at).destinationPort == kChargingPort;
+  if (version > 2 || Left(c) < 6 || (version == 2 && !isCharging)) return 0;
   if (!(PeekU8(c) & 0x10)) return DecodePrime(at, c);
   if (version == 2) return 0;
   return version == 1 ? DecodeVersion1(at, c) : DecodeVersion0(at, c);

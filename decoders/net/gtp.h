@@ -5,6 +5,8 @@
 namespace qxview {
 
 void ShowGtpElements(const Place& in, Cursor& c, bool isVersion0);
+// A charging data record in the basic encoding rules.
+void ShowChargingRecord(const Place& at, Cursor& c);
 const char* GtpMessageName(uint32_t message);
 
 }  // namespace qxview

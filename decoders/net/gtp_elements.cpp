@@ -180,14 +180,25 @@ void ShowNumbers(const Place& in, Cursor& c, GtpElement& element) {
   while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<GtpElement>(in, c, kRequested, element);
 }
 constexpr auto kRecords = Rows<GtpElement>({
-    Number(1, "Data Records").Into(&GtpElement::count), Number(1, "Data Record Format", kGtpRecordNames),
+    Number(1, "Data Records").Into(&GtpElement::count),
+    Number(1, "Data Record Format", kGtpRecordNames).Into(&GtpElement::kind),
     Word(2), Bits(0, 4, "Application Identifier"), Bits(4, 4, "Release Identifier"), Bits(8, 8, "Version Identifier")});
-constexpr auto kRecord = Rows<GtpElement>({
-    Number(2, "Record Length").Into(&GtpElement::length), Bytes(0, "Record").SizedBy(&GtpElement::length)});
+constexpr auto kRecordLength = Rows<GtpElement>({Number(2, "Record Length").Into(&GtpElement::length)});
+constexpr auto kRecord = Rows<GtpElement>({Bytes(0, "Record")});
 void ShowRecords(const Place& in, Cursor& c, GtpElement& element) {
+  constexpr uint32_t kBasicRules = 1;
   ShowRows<GtpElement>(in, c, kRecords, element);
   Loop loop;
-  for (uint32_t i = 0; i < element.count.value && MoreAt(in, c, loop); ++i) ShowRows<GtpElement>(in, c, kRecord, element);
+  for (uint32_t i = 0; i < element.count.value && MoreAt(in, c, loop); ++i) {
+    ShowRows<GtpElement>(in, c, kRecordLength, element);
+    Cursor record = TakeCursor(c, static_cast<int64_t>(element.length.value));
+    if (element.kind.value == kBasicRules && Left(record) > 2) {
+      ShowChargingRecord(in, record);
+      AddBlock(in, Rest(record), "Record Data");
+    } else {
+      ShowRows<GtpElement>(in, record, kRecord, element);
+    }
+  }
 }
 // A quintuplet of authentication (TS 29.060 7.7.35): two values have lengths in front.
 constexpr auto kQuintuplet = Rows<GtpElement>({
