@@ -167,20 +167,32 @@ void ShowUserClass(const Place& in, Cursor& c, DhcpMessage&) { ShowItems(in, c, 
 void ShowVendorClass(const Place& in, Cursor& c, DhcpMessage&) { ShowItems(in, c, "Vendor Class"); }
 void ShowParameters(const Place& in, Cursor& c, DhcpMessage&) { ShowItems(in, c, "Parameter"); }
 
+// Options of cable modems, and their codes where a modem asks for them (CableLabs CL-SP-CANN-DHCP-Reg).
+void ShowCableCodes(const Place& in, Cursor& c, DhcpMessage& message);
+constexpr auto kCable = Choices<DhcpMessage>({
+    {1, "Option Request", {}, ShowCableCodes}, {2, "Device Type", kDhcpText},
+    {3, "Embedded Components List", kDhcpText}, {4, "Device Serial Number", kDhcpText},
+    {5, "Hardware Version Number", kDhcpText}, {6, "Software Version Number", kDhcpText},
+    {7, "Boot ROM Version", kDhcpText}, {8, "Vendor OUI", kDhcpBytes}, {9, "Model Number", kDhcpText},
+    {10, "Vendor Name", kDhcpText}, {15, "eCM Configuration File Encapsulation", kDhcpBytes},
+    {32, "TFTP Server Addresses", {}, ShowDhcpIPv6List}, {33, "Configuration File Name", kDhcpText},
+    {34, "Syslog Server Addresses", {}, ShowDhcpIPv6List}, {35, "Modem Capabilities Encoding", kDhcpBytes},
+    {36, "Device Identifier", kDhcpBytes}, {37, "Time Protocol Servers", {}, ShowDhcpIPv6List},
+    {38, "Time Offset", kDhcpU32}, {39, "IP Preference", kDhcpU8}, {1025, "CMTS Capabilities", kDhcpBytes},
+    {1026, "Cable Modem MAC Address", kDhcpBytes}, {1027, "eRouter Container", kDhcpBytes},
+    {2170, "CableLabs Client Configuration", {}, ShowDhcpv6CableLabs},
+    {2171, "CableLabs IPv6 Client Configuration", kDhcpBytes}});
+const char* CableOptionName(uint32_t code) {
+  const Choice<DhcpMessage>* choice = FindChoice<DhcpMessage>(kCable, code);
+  return choice ? choice->name : kUnknown;
+}
+void ShowCableCodes(const Place& in, Cursor& c, DhcpMessage& message) {
+  static constexpr auto kCode = Rows<DhcpMessage>({Number(2, "Option Code", CableOptionName).Note(", %u")});
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<DhcpMessage>(in, c, kCode, message);
+}
+
 void ShowVendorOptions(const Place& in, Cursor& c, DhcpMessage& message) {
-  static constexpr auto kCable = Choices<DhcpMessage>({
-      {1, "Option Request", {}, ShowOptionCodes}, {2, "Device Type", kDhcpText},
-      {3, "Embedded Components List", kDhcpText}, {4, "Device Serial Number", kDhcpText},
-      {5, "Hardware Version Number", kDhcpText}, {6, "Software Version Number", kDhcpText},
-      {7, "Boot ROM Version", kDhcpText}, {8, "Vendor OUI", kDhcpBytes}, {9, "Model Number", kDhcpText},
-      {10, "Vendor Name", kDhcpText}, {15, "eCM Configuration File Encapsulation", kDhcpBytes},
-      {32, "TFTP Server Addresses", {}, ShowDhcpIPv6List}, {33, "Configuration File Name", kDhcpText},
-      {34, "Syslog Server Addresses", {}, ShowDhcpIPv6List}, {35, "Modem Capabilities Encoding", kDhcpBytes},
-      {36, "Device Identifier", kDhcpBytes}, {37, "Time Protocol Servers", {}, ShowDhcpIPv6List},
-      {38, "Time Offset", kDhcpU32}, {39, "IP Preference", kDhcpU8}, {1025, "CMTS Capabilities", kDhcpBytes},
-      {1026, "Cable Modem MAC Address", kDhcpBytes}, {1027, "eRouter Container", kDhcpBytes},
-      {2170, "CableLabs Client Configuration", {}, ShowDhcpv6CableLabs},
-      {2171, "CableLabs IPv6 Client Configuration", kDhcpBytes}});
   static constexpr auto kOther = Choices<DhcpMessage>({{65535, "Reserved"}});
   Cursor ahead = c;
   Loop loop;

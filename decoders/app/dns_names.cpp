@@ -117,10 +117,12 @@ int32_t ExpandDnsName(const uint8_t* message, const uint8_t* cursor, int32_t ava
   return result;
 }
 
+// Where all records are taken apart, a name that is rejected ends no message: it is known how many bytes it has.
 int32_t ExpandNameAt(const DnsMessage& message, const Cursor& c, DnsNameText& name) {
   DnsNameTail tail;
-  return ExpandName({message.start, message.length, c.at, c.left, static_cast<int32_t>(c.at - message.start), false,
-                     false, message.hopsLeft}, name.text, kDnsNameSize, &tail);
+  const int32_t result = ExpandName({message.start, message.length, c.at, c.left, static_cast<int32_t>(c.at - message.start), false,
+                                     false, message.hopsLeft}, name.text, kDnsNameSize, &tail);
+  return result || message.hasAllRecords;
 }
 
 namespace {
@@ -136,7 +138,10 @@ int32_t DecodePointer(const Place& at, LineHandle nameLine, Cursor& c, DnsMessag
   DnsNameTail tail;
   if (!ExpandName({message.start, message.length, c.at, c.left, static_cast<int32_t>(nameStart - message.start), false,
                    true, message.hopsLeft}, name.text, kDnsNameSize, &tail)) {
-    return 0;
+    if (!message.hasAllRecords) return 0;
+    const Field pointer = TakeU16(c);
+    AddLine(Under(at, nameLine), pointer, "Name Pointer: [0x%.04X] Not Valid", pointer.value);
+    return 1;
   }
   AppendToBoth(at, nameLine, {name.text, kDnsNameSize});
   const Field pointer = TakeU16(c);

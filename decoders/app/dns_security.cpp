@@ -39,6 +39,20 @@ constexpr auto kErrorNames = SortedNames({
     {0, "No Error"}, {16, "BADSIG"}, {17, "BADKEY"}, {18, "BADTIME"}, {19, "BADMODE"}, {20, "BADNAME"}, {21, "BADALG"},
     {22, "BADTRUNC"}});
 
+// RSA keys (RFC 3110): the exponent behind its length, of one byte or, behind a zero, two; the modulus is the rest.
+void ShowPublicKey(const Place& in, Cursor& c, const char* label, DnsData& data) {
+  static constexpr auto kShort = Rows<DnsData>({Number(1, "Exponent Length").Into(&DnsData::length)});
+  static constexpr auto kLong = Rows<DnsData>({Hex(1, "Long Form"), Number(2, "Exponent Length").Into(&DnsData::length)});
+  static constexpr auto kRsa = Rows<DnsData>({Bytes(0, "Exponent").SizedBy(&DnsData::length), Bytes(0, "Modulus")});
+  static constexpr auto kWhole = Rows<DnsData>({Bytes(0, nullptr)});
+  const uint32_t algorithm = data.code.value;
+  const bool isRsa = algorithm == 1 || algorithm == 5 || algorithm == 7 || algorithm == 8 || algorithm == 10;
+  if (!isRsa || Left(c) < 3) return ShowRows<DnsData>(in, c, kWhole, data, label);
+  const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "%s: RSA", label));
+  ShowRows<DnsData>(under, c, PeekU8(c) == 0 ? RowSpan<DnsData>(kLong) : RowSpan<DnsData>(kShort), data);
+  ShowRows<DnsData>(under, c, kRsa, data);
+}
+
 void ShowSignedTime(const Place& in, const Field& field, const char* label) {
   AddLine(in, field, "%s: %s", label, UtcText(static_cast<int64_t>(detail::NumberOf(field, false))));
 }
@@ -57,7 +71,8 @@ void ShowDnsKey(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kRows = Rows<DnsData>({
       Hex(2, "Flags"), Bits(0, 7, "Reserved"), Flag(7, "Zone Key"), Flag(8, "Revoked"), Bits(9, 6, "Reserved"),
       Flag(15, "Secure Entry Point"), Number(1, "Protocol", kProtocolNames),
-      Number(1, "Algorithm", kAlgorithmNames).Note(", %s"), Bytes(0, "Public Key")});
+      Number(1, "Algorithm", kAlgorithmNames).Note(", %s").Into(&DnsData::code),
+      Shown("Public Key", ShowPublicKey)});
   ShowRows<DnsData>(in, c, kRows, data);
 }
 

@@ -92,6 +92,13 @@ constexpr auto kCookie = Rows<Ntp>({Bytes(0, "Cookie")});
 constexpr auto kPlaceholder = Rows<Ntp>({Bytes(0, "Cookie Placeholder")});
 constexpr auto kComplement = Rows<Ntp>({Bytes(22, "Must Be Zero"), Hex(2, "Checksum Complement")});
 
+// What chrony sends beside (the magic number tells its field from others'): the time of a clock without steps, and how
+// long a packet was held up on its way.
+constexpr auto kMonotonicRoot = Rows<Ntp>({
+    Hex(4, "Magic"), Number(4, "Root Delay", " / 2^28 seconds"), Number(4, "Root Dispersion", " / 2^28 seconds"),
+    Number(8, "Monotonic Receive Timestamp"), Number(4, "Monotonic Epoch")});
+constexpr auto kCorrection = Rows<Ntp>({Hex(4, "Magic"), Number(8, "Correction"), Bytes(12, "Reserved")});
+
 void ShowAutokey(const Place& in, Cursor& c, Ntp& ntp) {
   if (Left(c) <= 4) return ShowRows<Ntp>(in, c, kAutokeyShort, ntp);
   ShowRows<Ntp>(in, c, kAutokeyMessage, ntp);
@@ -149,17 +156,20 @@ constexpr auto kExtensions = Choices<Ntp>({
     {0xC602, "Sign Message Error Response", {}, ShowAutokey},
     {0xC702, "IFF Identity Message Error Response", {}, ShowAutokey},
     {0xC802, "GQ Identity Message Error Response", {}, ShowAutokey},
-    {0xC902, "MV Identity Message Error Response", {}, ShowAutokey}});
+    {0xC902, "MV Identity Message Error Response", {}, ShowAutokey},
+    {0xF323, "Experimental Monotonic Root", kMonotonicRoot},
+    {0xF324, "Experimental Network Correction", kCorrection}});
 
-// Key and digest of MD5, SHA-1 and what is cut to their sizes; the key alone says that there is none.
+// Key and digest; the key alone says that there is none. In version 4, which has extension fields, they are those of
+// MD5, SHA-1 and what is cut to their sizes; before it whatever is left up to the longest digest there is.
 void ShowAuthenticator(const Place& in, Cursor& c, Ntp& ntp) {
-  constexpr int32_t kSizes[] = {4, 4 + 16, 4 + 20};
-  for (const int32_t size : kSizes) {
-    if (Left(c) != size) continue;
-    ShowRows<Ntp>(in, c, kKey, ntp);
-    const Field digest = Rest(c);
-    AddLine(in, digest, "Message Digest: %s", HexText(digest));
-  }
+  constexpr int32_t kKeySize = 4, kLongestDigest = 64;
+  const int32_t size = Left(c) - kKeySize;
+  const bool isOld = ntp.version.value < 4 && size % 4 == 0 && size >= 0 && size <= kLongestDigest;
+  if (!isOld && size != 0 && size != 16 && size != 20) return;
+  ShowRows<Ntp>(in, c, kKey, ntp);
+  const Field digest = Rest(c);
+  AddLine(in, digest, "Message Digest: %s", HexText(digest));
 }
 
 void ShowExtensions(const Place& in, Cursor& c, Ntp& ntp) {
@@ -177,7 +187,7 @@ void DecodeTime(const Place& in, Cursor& c, Ntp& ntp) {
   ShowRows<Ntp>(in, c, kClock, ntp);
   ShowRows<Ntp>(in, c, ntp.stratum.value < 2 ? RowSpan<Ntp>(kSourceName) : RowSpan<Ntp>(kSourceAddress), ntp);
   ShowRows<Ntp>(in, c, kTimes, ntp);
-  ShowExtensions(in, c, ntp);
+  if (ntp.version.value >= 4) ShowExtensions(in, c, ntp);
   ShowAuthenticator(in, c, ntp);
 }
 

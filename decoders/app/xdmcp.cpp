@@ -32,19 +32,23 @@ Array TakeArray(Cursor& c) {
   array.whole.here = array.length.here;
   return array;
 }
-void AddLength(const Place& in, LineHandle line, const Array& array) {
-  AddLine(Under(in, line), array.length, "Length: %u", array.length.value);
+Place AddLength(const Place& in, LineHandle line, const Array& array) {
+  const Place under = Under(in, line);
+  AddLine(under, array.length, "Length: %u", array.length.value);
+  return under;
 }
 
 void ShowText(const Place& in, Cursor& c, const char* label, Xdmcp&) {
   // keys: text Authentication Name, Authorization Name, Display Class, Host Name, Manufacturer Display ID, Status
   const Array array = TakeArray(c);
-  AddLength(in, AddLine(in, array.whole, "%s: %s", label, Text(array.octets)), array);
+  const Place under = AddLength(in, AddLine(in, array.whole, "%s: %s", label, Text(array.octets)), array);
+  if (array.octets.length > 0) AddLine(under, array.octets, "Text: %s", Text(array.octets));
 }
 void ShowBytes(const Place& in, Cursor& c, const char* label, Xdmcp&) {
   // keys: bytes Authentication Data, Authorization Data
   const Array array = TakeArray(c);
-  AddLength(in, AddLine(in, array.whole, "%s: %s", label, HexText(array.octets)), array);
+  const Place under = AddLength(in, AddLine(in, array.whole, "%s: %s", label, HexText(array.octets)), array);
+  if (array.octets.length > 0) AddLine(under, array.octets, "Octets: %s", HexText(array.octets));
 }
 void ShowAddress(const Place& in, Cursor& c, const char* label, Xdmcp&) {
   // keys: number Client Address Length, Connection Address Length, Client Port

@@ -92,13 +92,60 @@ void ShowFast(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kStart) ShowElements<Eap>(in, c, kTlvForm, "TLV", kFastTlvs, eap);
   AddBlock(in, Rest(c), "TLS Data");
 }
+
+constexpr auto kTeapIdentityNames = SortedNames({{1, "User"}, {2, "Machine"}});
+constexpr auto kTeapStatusNames = SortedNames({{1, "Success"}, {2, "Failure"}});
+constexpr auto kTeapActionNames = SortedNames({{1, "Process-TLV"}, {2, "Negotiate-EAP"}});
+constexpr auto kTeapFormatNames = SortedNames({{1, "PKCS#7 Server Certificate Root"}});
+constexpr auto kTeapBindingNames = SortedNames({{0, "Binding Request"}, {1, "Binding Response"}});
+constexpr auto kTeapMacNames = SortedNames({{1, "EMSK Compound MAC"}, {2, "MSK Compound MAC"}, {3, "Both"}});
+constexpr auto kTeapErrorNames = SortedNames({
+    {1, "User Account Expires Soon"}, {2, "User Account Credential Expires Soon"},
+    {3, "User Account Authorizations Change Soon"}, {4, "Clock Skew Detected"}, {5, "Contact Administrator"},
+    {6, "User Account Credentials Change Required"}, {1001, "Inner Method Error"},
+    {1002, "Unspecified Authentication Infrastructure Problem"}, {1003, "Unspecified Authentication Failure"},
+    {1004, "Unspecified Authorization Failure"}, {1005, "User Account Credentials Unavailable"},
+    {1006, "User Account Expired"}, {1007, "User Account Locked: Try Again Later"},
+    {1008, "User Account Locked: Admin Intervention Required"}, {1009, "Authentication Infrastructure Unavailable"},
+    {1010, "Authentication Infrastructure Not Trusted"}, {1011, "Clock Skew Too Great"}, {1012, "Invalid Inner Realm"},
+    {1013, "Token Out of Sync: Administrator Intervention Required"},
+    {1014, "Token Out of Sync: PIN Change Required"}, {1015, "Token Revoked"}, {1016, "Tokens Exhausted"},
+    {1017, "Challenge Expired"}, {1018, "Challenge Algorithm Mismatch"}, {1019, "Client Certificate Not Supplied"},
+    {1020, "Client Certificate Rejected"}, {1021, "Realm Mismatch Between Inner and Outer Identity"},
+    {1022, "Unsupported Algorithm in Certificate Signing Request"},
+    {1023, "Unsupported Extension in Certificate Signing Request"},
+    {1024, "Bad Identity in Certificate Signing Request"}, {1025, "Bad Certificate Signing Request"},
+    {1026, "Internal CA Error"}, {1027, "General PKI Error"},
+    {1028, "Channel-Binding Data Required but Not Supplied"},
+    {1029, "Channel-Binding Data Without Required Information"}, {1030, "Channel Binding Failed"},
+    {1031, "User Account Credentials Incorrect"}, {2001, "Tunnel Compromise Error"},
+    {2002, "Unexpected TLVs Exchanged"}});
+constexpr auto kTeapIdentity = Rows<Eap>({Number(2, "Identity Type", kTeapIdentityNames)});
+constexpr auto kTeapStatus = Rows<Eap>({Number(2, "Status", kTeapStatusNames)});
+constexpr auto kTeapNak = Rows<Eap>({Number(4, "Vendor ID", kVendorNames), Number(2, "NAK Type")});
+constexpr auto kTeapError = Rows<Eap>({Number(4, "Error Code", kTeapErrorNames)});
+constexpr auto kTeapVendor = Rows<Eap>({Number(4, "Vendor ID", kVendorNames), Bytes(0, "Vendor TLVs")});
+constexpr auto kTeapAction = Rows<Eap>({
+    Number(1, "Status", kTeapStatusNames), Number(1, "Action", kTeapActionNames), Bytes(0, "TLVs")});
+constexpr auto kTeapBinding = Rows<Eap>({
+    Number(1, "Reserved"), Number(1, "Version"), Number(1, "Received Version"), Word(1),
+    Bits(0, 4, "Flags", kTeapMacNames), Bits(4, 4, "Subtype", kTeapBindingNames), Bytes(32, "Nonce"),
+    Bytes(20, "EMSK Compound MAC"), Bytes(20, "MSK Compound MAC")});
+constexpr auto kTeapPrompt = Rows<Eap>({Utf8(0, "Prompt")});
+constexpr auto kTeapPassword = Rows<Eap>({Counted(1, Utf8(0, "User Name")), Counted(1, Utf8(0, "Password"))});
+constexpr auto kTeapRoot = Rows<Eap>({Number(2, "Credential Format", kTeapFormatNames), Bytes(0, "TLVs")});
+constexpr auto kTeapHint = Rows<Eap>({Utf8(0, "Identity Hint")});
+constexpr auto kTeapCertificates = Rows<Eap>({Bytes(0, "Certificates")});
+constexpr auto kTeapRequest = Rows<Eap>({Bytes(0, "Certification Request")});
+constexpr auto kTeapOctets = Rows<Eap>({Bytes(0, nullptr)});
 constexpr auto kTeapTlvs = Choices<Eap>({
-    {1, "Authority-ID", kAuthority}, {2, "Identity-Type"}, {3, "Result"}, {4, "NAK"}, {5, "Error"},
-    {6, "Channel-Binding"}, {7, "Vendor-Specific"}, {8, "Request-Action"}, {9, "EAP-Payload"},
-    {10, "Intermediate-Result"}, {11, "PAC"}, {12, "Crypto-Binding"}, {13, "Basic-Password-Auth-Req"},
-    {14, "Basic-Password-Auth-Resp"}, {15, "PKCS#7"}, {16, "PKCS#10"}, {17, "Trusted-Server-Root"}, {18,
-    "CSR-Attributes"},
-    {19, "Identity-Hint"}});
+    {1, "Authority-ID", kAuthority}, {2, "Identity-Type", kTeapIdentity}, {3, "Result", kTeapStatus},
+    {4, "NAK", kTeapNak}, {5, "Error", kTeapError}, {6, "Channel-Binding", kTeapOctets},
+    {7, "Vendor-Specific", kTeapVendor}, {8, "Request-Action", kTeapAction}, {9, "EAP-Payload", kTeapOctets},
+    {10, "Intermediate-Result", kTeapStatus}, {11, "PAC", kTeapOctets}, {12, "Crypto-Binding", kTeapBinding},
+    {13, "Basic-Password-Auth-Req", kTeapPrompt}, {14, "Basic-Password-Auth-Resp", kTeapPassword},
+    {15, "PKCS#7", kTeapCertificates}, {16, "PKCS#10", kTeapRequest}, {17, "Trusted-Server-Root", kTeapRoot},
+    {18, "CSR-Attributes", kTeapOctets}, {19, "Identity-Hint", kTeapHint}});
 void ShowTeap(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
   if (eap.flags.value & kOuterIncluded) ShowRows<Eap>(in, c, kOuterLength, eap);
