@@ -6,6 +6,7 @@
 #include "core/engine.h"
 #include "core/tls_secrets.h"
 #include "core/tls_stream.h"
+#include "decoders/app/dnscrypt.h"
 #include "decoders/app/flow_templates.h"
 #include "decoders/app/http_message.h"
 #include "decoders/app/radius_secret.h"

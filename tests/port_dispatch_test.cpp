@@ -162,6 +162,33 @@ TEST_F(PortDispatchTest, ADecoderThatDeclinesGivesWay) {
   EXPECT_NE(tree(161, 3478, "EEEE").find("SNMP Data"), std::string::npos);
 }
 
+TEST_F(PortDispatchTest, DnscryptIsKnownByItsResolver) {
+  const auto top = [&](uint16_t source, uint16_t destination, const Bytes& payload) {
+    testNetwork = {};
+    if (source < destination) std::swap(testNetwork.source, testNetwork.destination);   // from the resolver
+    view_.Run(DecodeUdpOverNetwork, Udp(source, destination, payload));
+    testNetwork = {};
+    const std::string text = view_.Text();
+    const size_t at = text.find('\n', text.find("Checksum")) + 1;
+    return text.substr(at, text.find('\n', at) - at);
+  };
+  const Bytes query = Hex("6D616769636B6523") + Bytes(400, 0x55), other = Hex("6D616769636B6524") + Bytes(400, 0x55);
+  const Bytes response = Hex("7236666E76576A38") + Bytes(100, 0x66);
+  const std::string unknown = top(4000, 443, query);
+  EXPECT_TRUE(unknown.starts_with("QUIC: 1-RTT")) << unknown;
+  EXPECT_TRUE(top(443, 4000, response).starts_with("DNSCrypt: Response"));
+  EXPECT_TRUE(top(4000, 443, query).starts_with("DNSCrypt: Query"));
+  EXPECT_TRUE(top(4001, 443, query).starts_with("DNSCrypt: Query")) << "another client";
+  EXPECT_TRUE(top(4000, 443, other).starts_with("QUIC: 1-RTT")) << "another magic";
+  EXPECT_TRUE(top(4000, 5443, query).starts_with("UDP Data")) << "another resolver";
+  const std::string name = "\1" "2\15dnscrypt-cert";
+  const Bytes question = Hex("0000 8180 0001 0001 0000 0000") + Bytes(name.begin(), name.end()) + Hex("00 0010 0001");
+  const Bytes certificate = Hex("C00C 0010 0001 00000E10 007D 7C 444E5343 00020000") + Bytes(96, 0x77) + Hex("6D616769636B6524") +
+                            Bytes(12, 0);
+  EXPECT_TRUE(top(5443, 4000, question + certificate).starts_with("DNS: Response"));
+  EXPECT_TRUE(top(4000, 5443, other).starts_with("DNSCrypt: Query"));
+}
+
 TEST_F(PortDispatchTest, WhatIsLearntResolvesBothDirections) {
   View* view = &view_.view();
   Learn(view, QX_OVER_TCP, 0x1010065, kA, 4000, -1, -1, nullptr);

@@ -31,7 +31,7 @@ constexpr int32_t kMostFailedDnsUpdates = 16;
 using DnsNameText = ShortText<kDnsNameSize>;
 
 enum DnsType : uint32_t {
-  kDnsTypeA = 1, kDnsTypeNs = 2, kDnsTypeCname = 5, kDnsTypeSoa = 6, kDnsTypePtr = 12, kDnsTypeAaaa = 28,
+  kDnsTypeA = 1, kDnsTypeNs = 2, kDnsTypeCname = 5, kDnsTypeSoa = 6, kDnsTypePtr = 12, kDnsTypeTxt = 16, kDnsTypeAaaa = 28,
 };
 
 inline constexpr auto kDnsOperationNames = SortedNames({

@@ -3,6 +3,7 @@
 #include "decoders/app/dns_data.h"
 
 #include "decoders/app/dns_service.h"
+#include "decoders/app/dnscrypt.h"
 #include "decoders/net/ip_protocol_names.h"
 
 namespace qxview {
@@ -207,7 +208,20 @@ void ShowDnsName(const Place& in, Cursor& c, const char* label, DnsData& data) {
 void ShowDnsStrings(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kString = Rows<DnsData>({Counted(1, Text(0, "Text")).Note(", %s")});
   Loop loop;
-  while (MoreAt(in, c, loop)) ShowRows<DnsData>(in, c, kString, data);
+  while (MoreAt(in, c, loop)) {
+    const int32_t length = static_cast<int32_t>(PeekU8(c));
+    Cursor text = c;
+    TakeU8(text);
+    text = TakeCursor(text, length);
+    if (!StartsDnscryptCertificate(text)) {
+      ShowRows<DnsData>(in, c, kString, data);
+      continue;
+    }
+    const Field size = TakeU8(c);
+    AddLine(in, size, "Text Length: %u", size.value);
+    ShowDnscryptCertificate(in, text);
+    TakeBytes(c, length);
+  }
 }
 
 void ShowDnsTypeMap(const Place& in, Cursor& c, DnsData&) {

@@ -3,6 +3,7 @@
 
 #include "decoders/app/dns.h"
 #include "decoders/app/dns_data.h"
+#include "decoders/app/dnscrypt.h"
 
 namespace qxview {
 namespace {
@@ -159,6 +160,7 @@ int32_t DecodeRecordData(const Place& in, Cursor& data, DnsMessage& message, uin
       if (!DecodeZoneAuthority(in, data, message)) return 0;
       break;
     default:
+      if (type == kDnsTypeTxt) NoteDnscryptCertificate(in, data);
       if (message.hasAllRecords) return DecodeDnsData(in, data, message, type);
       AddBlock(in, Rest(data), kDataTitle);
       return 1;

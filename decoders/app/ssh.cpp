@@ -90,6 +90,11 @@ bool ShowPacket(const Place& at, Cursor& c, Session& session, uint32_t& lacking)
   const uint32_t length = PeekU32(c), padding = PeekU8(c, 4);
   if (Left(c) < 6 || length < 2 || length > kMostPacket || padding >= length) return false;
   const uint32_t code = PeekU8(c, 5);
+  if (session.connection.exchange == SshExchange::kUnknown) {
+    Cursor body = c;
+    TakeBytes(body, 6);
+    session.connection.exchange = GuessSshExchange(code, TakeCursor(body, length - 2 - padding));
+  }
   const char* name = SshMessageName(code, session.connection.exchange);
   const int32_t here = Left(c) < static_cast<int32_t>(length) + 4 ? Left(c) : static_cast<int32_t>(length) + 4;
   const Place in = Under(at, AddLine(at, Ahead(c, here), "SSH: %s", name));
@@ -138,6 +143,8 @@ bool ShowPacket1(const Place& at, Cursor& c, Session& session, uint32_t& lacking
   const Field typeField = TakeU8(packet);
   AddLine(in, typeField, "Message Type: %u = %s", type, name);
   Cursor data = TakeCursor(packet, length - 1 - kCheckBytes);
+  ShowSsh1Message(in, data, type);
+  data.ranShort = false;
   AddBlock(in, Rest(data), "Data");
   const Field check = TakeU32(packet);
   AddLine(in, check, "Check Bytes: 0x%.08X", check.value);
@@ -145,16 +152,20 @@ bool ShowPacket1(const Place& at, Cursor& c, Session& session, uint32_t& lacking
   return true;
 }
 
+// Ends send their packets one by one more often than not, the length first.
+void ShowHidden(const Place& at, Cursor& c) {
+  const Field rest = Rest(c);
+  const Place in = Under(at, AddLine(at, rest, "SSH: Encrypted, %d bytes", rest.length));
+  const Field hidden = Slice(rest, 0, 4), body = Slice(rest, 4, rest.length - 4);
+  AddLine(in, hidden, "Encrypted Packet Length: %s", HexDigits(hidden));
+  AddLine(in, body.here ? body : rest, "Encrypted Packet: %d bytes", body.here ? body.length : rest.length);
+}
+
 // What is encrypted: packet for packet where their lengths can be read.
 void ShowEncrypted(const Place& at, Cursor& c, const SshEnd& end, uint32_t& lacking) {
   const uint32_t length = PeekU32(c), mac = end.macLength == kMacUnknown ? 0 : end.macLength;
   if (!end.clearLength || Left(c) < 4 || length > kMostPacket) {
-    const Field rest = Rest(c);
-    const Place in = Under(at, AddLine(at, rest, "SSH: Encrypted, %d bytes", rest.length));
-    // Ends send their packets one by one more often than not.
-    const Field hidden = Slice(rest, 0, 4), body = Slice(rest, 4, rest.length - 4);
-    AddLine(in, hidden, "Encrypted Packet Length: %s", HexDigits(hidden));
-    AddLine(in, body.here ? body : rest, "Encrypted Packet: %d bytes", body.here ? body.length : rest.length);
+    ShowHidden(at, c);
     return;
   }
   const uint32_t whole = 4 + length + mac;
@@ -223,9 +234,7 @@ int32_t DecodeSsh(const Place& at, Cursor c) {
   while (MoreAt(at, c, loop)) {
     if (ShowNext(at, c, session, lacking)) continue;
     if (c.offset == c.begin && !isPlaced && !end.encrypted && end.version == 0) return 0;   // none of its bytes are
-    const Field rest = Rest(c);
-    const Place in = Under(at, AddLine(at, rest, "SSH: Encrypted, %d bytes", rest.length));
-    AddLine(in, rest, "Encrypted Packet: %d bytes", rest.length);
+    ShowHidden(at, c);
   }
   NoteSegment(at, end, before, lacking);
   if (!PacketOf(at).quoted) Remember(at.view, kSshConnections, session.key, session.connection);

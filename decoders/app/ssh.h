@@ -44,7 +44,12 @@ struct SshMessage {
   bool fromClient;
 };
 void ShowSshMessage(const Place& in, Cursor& c, uint32_t code, SshMessage& message);
+// How keys are exchanged where the lists of both ends were not seen: by what fills a message.
+SshExchange GuessSshExchange(uint32_t code, Cursor body);
 const char* SshMessageName(uint32_t code, SshExchange exchange);
+
+// The messages of version 1 that are in clear.
+void ShowSsh1Message(const Place& in, Cursor& c, uint32_t type);
 
 // KEXINIT: its lists, and what both ends agree on once both have offered.
 void ShowSshKeyExchangeInit(const Place& in, Cursor& c, SshMessage& message);

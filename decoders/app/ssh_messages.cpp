@@ -32,6 +32,10 @@ constexpr Row<SshMessage> WideRow(const char* label) { return Shown<SshMessage>(
 constexpr Row<SshMessage> HostKeyRow() { return Shown<SshMessage>("Host Key", ShowKey); }
 constexpr Row<SshMessage> SignatureRow() { return Shown<SshMessage>("Signature", ShowSigned); }
 
+void ShowLastToken(const Place& in, Cursor& c, const char* label, SshMessage&) {
+  if (Left(c) > 0) TakeSshString(in, c, label);
+}
+
 void ShowExtensions(const Place& in, Cursor& c, const char*, SshMessage&) {
   const Field count = TakeU32(c);
   AddLine(in, count, "Number of Extensions: %u", count.value);
@@ -65,6 +69,11 @@ constexpr auto kRsaSecret = Rows<SshMessage>({BytesRow("Encrypted Secret")});
 constexpr auto kRsaDone = Rows<SshMessage>({SignatureRow()});
 constexpr auto kGssInit = Rows<SshMessage>({BytesRow("Token"), WideRow("Client Public Value e")});
 constexpr auto kGssContinue = Rows<SshMessage>({BytesRow("Token")});
+constexpr auto kGssComplete = Rows<SshMessage>({
+    WideRow("Server Public Value f"), BytesRow("Message Integrity Code"), Number(1, "Token Follows", kFalseTrueNames),
+    Shown<SshMessage>("Token", ShowLastToken)});
+constexpr auto kGssError = Rows<SshMessage>({
+    Hex(4, "Major Status"), Number(4, "Minor Status"), TextRow("Message"), TextRow("Language Tag")});
 constexpr auto kGssHostKey = Rows<SshMessage>({HostKeyRow()});
 
 constexpr auto kTransport = Choices<SshMessage>({
@@ -78,7 +87,8 @@ constexpr auto kCurve = Choices<SshMessage>({{30, "KEX_ECDH_INIT", kCurveInit}, 
 constexpr auto kRsa = Choices<SshMessage>({
     {30, "KEXRSA_PUBKEY", kRsaKey}, {31, "KEXRSA_SECRET", kRsaSecret}, {32, "KEXRSA_DONE", kRsaDone}});
 constexpr auto kGss = Choices<SshMessage>({
-    {30, "KEXGSS_INIT", kGssInit}, {31, "KEXGSS_CONTINUE", kGssContinue}, {33, "KEXGSS_HOSTKEY", kGssHostKey},
+    {30, "KEXGSS_INIT", kGssInit}, {31, "KEXGSS_CONTINUE", kGssContinue}, {32, "KEXGSS_COMPLETE", kGssComplete},
+    {33, "KEXGSS_HOSTKEY", kGssHostKey}, {34, "KEXGSS_ERROR", kGssError},
     {40, "KEXGSS_GROUPREQ", kGroupRequest}, {41, "KEXGSS_GROUP", kGroup}});
 
 ChoiceSpan<SshMessage> MessagesOf(uint32_t code, SshExchange exchange) {
@@ -168,6 +178,30 @@ void ShowSshSignature(const Place& in, Cursor& c) {
   TakeSshString(under, blob, "Signature Data");
   blob.ranShort = false;
   AddBlock(under, Rest(blob), "Signature Data");
+}
+
+SshExchange GuessSshExchange(uint32_t code, Cursor body) {
+  constexpr int32_t kMostStrings = 3, kGroupSizes[] = {128, 192, 256, 384, 512, 768, 1024};
+  constexpr uint32_t kRequest = 34, kReply = 33, kInit = 32, kAnswer = 31, kFirst = 30;
+  if (code < kFirstExchange || code > kLastExchange) return SshExchange::kUnknown;
+  const int32_t size = Left(body);
+  if (code == kRequest && size == 12) return SshExchange::kGroupExchange;
+  if (code == kFirst && size == 4) return SshExchange::kGroupExchange;
+  int32_t count = 0, lengths[kMostStrings] = {};
+  while (count < kMostStrings && Left(body) > 0) {
+    const uint32_t length = TakeU32(body).value;
+    lengths[count++] = TakeBytes(body, length).length;
+  }
+  if (body.ranShort || Left(body) > 0) return SshExchange::kUnknown;
+  if ((code == kInit && count == 1) || (code == kReply && count == 3)) return SshExchange::kGroupExchange;
+  if (code == kAnswer && count == 2) return SshExchange::kGroupExchange;
+  const bool isOne = code == kFirst && count == 1, isThree = code == kAnswer && count == 3;
+  if (!isOne && !isThree) return SshExchange::kUnknown;
+  const int32_t share = lengths[isOne ? 0 : 1];
+  for (const int32_t group : kGroupSizes) {   // a number of a group, and a zero in front of one whose first bit is set
+    if (share == group || share == group + 1) return SshExchange::kDiffieHellman;
+  }
+  return SshExchange::kEllipticCurve;
 }
 
 const char* SshMessageName(uint32_t code, SshExchange exchange) {

@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "core/decoder.h"
+#include "decoders/app/dnscrypt.h"
 #include "decoders/app/rtcp.h"
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/proxy_protocol.h"
@@ -23,7 +24,7 @@ int32_t DeclineData(const Place& at, Cursor c);
 
 namespace {
 
-constexpr int32_t kNoProtocol = -1;
+constexpr int32_t kNoProtocol = -1, kDnsProtocol = 0x10001;
 constexpr int32_t kBuiltinProtocol = 0x10000;   // the low 16 bits of the identifier are the decoder's index
 
 bool IsEmpty(const AddressSlot& slot) {
@@ -143,12 +144,14 @@ int32_t SortMedia(int32_t identifier, const Cursor& c) {
   return Left(c) >= kRtpHeader ? kLearntRtp : identifier;
 }
 
-// Magic packets go to any port, TLS begins within other protocols, and media share theirs: the first bytes tell whose a
-// payload is.
+// Magic packets and DNSCrypt go to any port, TLS begins within other protocols, and media share theirs: the first bytes tell
+// whose a payload is.
 int32_t SortByFirstBytes(const Place& at, int32_t identifier, const Cursor& c, uint8_t ipProtocol) {
   if (ipProtocol == kIpProtocolTcp && MayStartTls(at.view, identifier) && GoesOverToTls(at, c)) return kTlsProtocol;
   if (ipProtocol != kIpProtocolTcp && LooksLikeMagicPacket(c)) return kMagicPacketProtocol;
   if (StartsProxyHeader(c)) return kProxyProtocol;
+  if (LooksLikeDnscrypt(at, c, ipProtocol)) return kDnscryptProtocol;
+  if (AsksForDnscrypt(c, ipProtocol)) return kDnsProtocol;
   constexpr int32_t kIndex = kBuiltinProtocol | 0xFFFF;
   const int32_t index = identifier & kIndex;
   if (identifier > 0 && index == kStunProtocol) return StartsStun(c) ? identifier : kNoProtocol;
