@@ -95,6 +95,17 @@ struct Relay {
 void Keep(const Place& at, const Relay& relay) {
   if (!relay.isQuoted) Remember(at.view, kSocksSessions, relay.key, relay.session);
 }
+// A request that comes again changes nothing.
+void KeepRequest(const Place& at, Relay& relay, const Field& port, uint32_t version) {
+  const uint32_t sequence = PacketOf(at).segment.sequence;
+  if (relay.session.version != 0 && relay.session.asked == sequence) return;
+  relay.session = {static_cast<uint16_t>(port.value), static_cast<uint8_t>(version), 0, sequence, 0};
+  Keep(at, relay);
+}
+bool IsRelayed(const SocksSession& session, uint32_t sequence, bool isReply) {
+  const uint32_t last = isReply ? session.answered : session.asked;
+  return session.isOpen && static_cast<int32_t>(sequence - last) > 0;
+}
 
 bool IsRequest5(const Cursor& c) {
   const uint32_t command = PeekU8(c, 1);
@@ -118,15 +129,13 @@ void ShowRequest4(const Place& in, Cursor& c, const Place& at, Relay& relay) {
   Socks socks = ShowRows(in, c, kRequest4);
   const uint32_t address = PeekU32(socks.address);
   if (address > 0 && address < 0x100) ShowRows<Socks>(in, c, kName4, socks);   // 0.0.0.x: the server asks for the name
-  relay.session = {static_cast<uint16_t>(socks.port.value), kVersion4, 0};
-  Keep(at, relay);
+  KeepRequest(at, relay, socks.port, kVersion4);
 }
 
 void ShowRequest5(const Place& in, Cursor& c, const Place& at, Relay& relay) {
   Socks socks = ShowRows(in, c, kRequest5);
   ShowRows<Socks>(in, c, AddressRows(socks.type.value), socks);
-  relay.session = {static_cast<uint16_t>(socks.port.value), kVersion5, 0};
-  Keep(at, relay);
+  KeepRequest(at, relay, socks.port, kVersion5);
 }
 
 void ShowMethods(const Place& in, Cursor& c) {
@@ -175,6 +184,7 @@ bool ShowAnswered(const Place& at, Cursor& c, Relay& relay) {
     if (isReply5) ShowRows<Socks>(in, c, AddressRows(socks.type.value), socks);
     constexpr uint32_t kGranted4 = 90;
     relay.session.isOpen = socks.code.value == (isReply4 ? kGranted4 : 0u);
+    relay.session.answered = PacketOf(at).segment.sequence;
     if (relay.session.version != 0) Keep(at, relay);
   } else if (isChosen) {
     ShowRows(in, c, kChosen);
@@ -204,7 +214,7 @@ int32_t DecodeSocks(const Place& at, Cursor c) {
   Relay relay{ConnectionOf(packet, &direction), {}, packet.matchedSource != 0, packet.quoted};
   const SocksSession* known = Recall(at.view, kSocksSessions, relay.key);
   if (known) relay.session = *known;
-  if (relay.session.isOpen) return ShowRelayed(at, c, relay.session.port, kIpProtocolTcp);
+  if (IsRelayed(relay.session, packet.segment.sequence, relay.isReply)) return ShowRelayed(at, c, relay.session.port, kIpProtocolTcp);
   // The service's port tells who speaks; definitions of addresses may not know.
   const bool isShown = relay.isReply ? ShowAnswered(at, c, relay) || ShowAsked(at, c, relay)
                                      : ShowAsked(at, c, relay) || ShowAnswered(at, c, relay);
