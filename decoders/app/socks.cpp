@@ -214,7 +214,9 @@ int32_t DecodeSocks(const Place& at, Cursor c) {
   Relay relay{ConnectionOf(packet, &direction), {}, packet.matchedSource != 0, packet.quoted};
   const SocksSession* known = Recall(at.view, kSocksSessions, relay.key);
   if (known) relay.session = *known;
-  if (IsRelayed(relay.session, packet.segment.sequence, relay.isReply)) return ShowRelayed(at, c, relay.session.port, kIpProtocolTcp);
+  if (IsRelayed(relay.session, packet.segment.sequence, relay.isReply)) {
+    return ShowRelayed(at, c, relay.session.port, kIpProtocolTcp);
+  }
   // The service's port tells who speaks; definitions of addresses may not know.
   const bool isShown = relay.isReply ? ShowAnswered(at, c, relay) || ShowAsked(at, c, relay)
                                      : ShowAsked(at, c, relay) || ShowAnswered(at, c, relay);
