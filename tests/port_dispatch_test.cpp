@@ -129,6 +129,18 @@ TEST_F(PortDispatchTest, FallbackTitles) {
   EXPECT_EQ(view_.context().packet.matchedSource, 1u);
 }
 
+TEST_F(PortDispatchTest, StunOverTcpIsKnownByItsCookieAlone) {
+  const auto top = [&](const std::string& hex) {
+    nextIdentifier = 0;
+    view_.Run(DispatchNext, Hex(hex));
+    return view_.Text().substr(0, 4);
+  };
+  EXPECT_EQ(top("0001 0000 2112A442 000000000000000000000001"), "STUN");
+  EXPECT_EQ(top("0014 0001 0000 2112A442 000000000000000000000001"), "STUN") << "behind a length";
+  EXPECT_EQ(top("0001 0002 2112A442 000000000000000000000001 0000"), "TCP ") << "no whole words";
+  EXPECT_EQ(top("0001 0000 2112A443 000000000000000000000001"), "TCP ");
+}
+
 int32_t DispatchNextUdp(const Place& at, Cursor c) { return DispatchUdpPayload(at, c, nextIdentifier); }
 
 TEST_F(PortDispatchTest, MediaPortsAreSortedByTheFirstBytes) {

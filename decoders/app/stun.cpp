@@ -135,6 +135,11 @@ bool LooksLikeStun(const Cursor& c) {
   return HasCookie(c) ? length % 4 == 0 || kStunHeaderSize + length == Left(c) : IsWholeClassic(c);
 }
 
+bool LooksLikeStunOverTcp(const Cursor& c) {
+  const bool isFramed = !HasCookie(c) && IsFramed(c);
+  return (isFramed || HasCookie(c)) && PeekU16(c, isFramed ? 4 : 2) % 4 == 0;
+}
+
 bool StartsStun(const Cursor& c) { return HasCookie(c) || IsFramed(c) || IsChannelData(c) || IsClassic(c); }
 
 int32_t DecodeStun(const Place& at, Cursor c) {

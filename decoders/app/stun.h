@@ -8,9 +8,11 @@ constexpr int32_t kStunProtocol = 0x10243;   // as definitions name it
 constexpr uint32_t kStunCookie = 0x2112A442;
 constexpr int32_t kStunHeaderSize = 20;
 
-// Whether the bytes start a message with the cookie, or are a classic one to the last byte; whether they start anything that
-// STUN's ports carry: a message with or without the cookie, one behind a length, channel data.
+// Whether the bytes start a message with the cookie, or are a classic one to the last byte; over TCP, whether they start one
+// with the cookie, behind a length or not; whether they start anything that STUN's ports carry: a message with or without the
+// cookie, one behind a length, channel data.
 bool LooksLikeStun(const Cursor& c);
+bool LooksLikeStunOverTcp(const Cursor& c);
 bool StartsStun(const Cursor& c);
 
 // A message while it is decoded.

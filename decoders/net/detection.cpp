@@ -76,6 +76,10 @@ void DecodeRecognised(const Place& at, const Cursor& c, int32_t identifier) {
 }
 
 int32_t DetectOverTcp(const Place& at, const Cursor& c, const Offered& offered) {
+  if (LooksLikeStunOverTcp(c)) {   // of connections that are tried out for media, which follow on the same port
+    DecodeRecognised(at, c, kStunProtocol);
+    return 1;
+  }
   for (const DetectionRow& row : kOverTcp) {
     if (!row.applies(offered)) continue;
     if (!row.recognise) {
