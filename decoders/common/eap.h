@@ -32,6 +32,9 @@ struct Eap {
 };
 extern const ChoiceSpan<Eap> kEapMethods;
 
+// The attributes of Wi-Fi Simple Configuration, to the cursor's end.
+void ShowSimpleConfiguration(const Place& in, Cursor& c);
+
 // The attributes of EAP-SIM and EAP-AKA (RFC 4186, RFC 4187).
 void ShowSimAttributes(const Place& in, Cursor& c, Eap& eap);
 

@@ -5,6 +5,8 @@
 // 5433),
 // pwd (RFC 5931), EKE (RFC 6124), NOOB (RFC 9140), Wi-Fi Simple Configuration.
 #include "decoders/common/eap.h"
+
+#include "core/line_facts.h"
 #include "decoders/common/json_lines.h"
 
 namespace qxview {
@@ -354,8 +356,7 @@ void ShowExpanded(const Place& in, Cursor& c, Eap& eap) {
   if (eap.vendor.value != kWifiAlliance || eap.vendorType.value != kSimpleConfiguration) return;
   ShowRows<Eap>(in, c, kWsc, eap);
   if (eap.flags.value & kWscHasLength) ShowRows<Eap>(in, c, kWscLength, eap);
-  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
-  ShowElements<Eap>(in, c, kForm, "Attribute", kWscAttributes, eap);
+  ShowSimpleConfiguration(in, c);
 }
 
 constexpr auto kMethods = Choices<Eap>({
@@ -373,5 +374,12 @@ constexpr auto kMethods = Choices<Eap>({
 }  // namespace
 
 const ChoiceSpan<Eap> kEapMethods = kMethods;
+
+void ShowSimpleConfiguration(const Place& in, Cursor& c) {
+  const KeyedAs keys(PacketOf(in), "eap");
+  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+  Eap eap{};
+  ShowElements<Eap>(in, c, kForm, "Attribute", kWscAttributes, eap);
+}
 
 }  // namespace qxview

@@ -16,6 +16,7 @@ constexpr auto kEthertypeNames = SortedNames({
     {0x0BAF, "VINES Echo"}, {0x1000, "Berkeley Trailer Negotiation"}, {0x1234, "DCA Multicast"},
     {0x1600, "Valid System"}, {0x1984, "Netmon Train"}, {0x1989, "Artificial Horizons"}, {0x1995, "Datapoint RCL"},
     {0x2000, "CDP"}, {0x2001, "CGMP"}, {0x2003, "VTP"}, {0x2004, "DTP"}, {0x22E5, "Gigamon Header"},
+    {0x22E7, "Congestion Notification Message"}, {0x22E9, "Congestion Notification Tag"},
     {0x22EA, "Stream Reservation (SRP)"}, {0x22F0, "Audio Video Transport (AVTP)"},
     {0x22F1, "Robust Header Compression"}, {0x22F3, "TRILL"}, {0x22F4, "Layer 2 IS-IS"},
     {0x2452, "802.11 Centrino Promiscuous"}, {0x3C00, "3Com NBP Virtual Circuit"},
