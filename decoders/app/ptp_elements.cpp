@@ -1,5 +1,4 @@
-// Elements of PTP messages (IEEE 1588-2019 clause 14, IEEE 802.1AS): management's data, paths, alternate time scales,
-// unicast
+// Elements of PTP messages (IEEE 1588-2019 clause 14, IEEE 802.1AS): management's data, paths, alternate time scales, unicast
 // negotiation, what organizations extend.
 //
 //   type (2)   length (2)   value; a management element's begins with its identifier
@@ -273,6 +272,48 @@ void ShowOrganization(const Place& in, Cursor& c, PtpElement& out) {
   }
 }
 
+constexpr auto kSource = Rows<PtpElement>({Eui64("Source Clock Identity"), Number(2, "Source Port ID")});
+constexpr auto kTiming = Rows<PtpElement>({
+    Number(2, "Sequence ID"), Number(6, "Sync Origin Timestamp Seconds"), Number(4, "Sync Origin Timestamp Nanoseconds"),
+    Signed(8, "Total Correction", " x 2^-16 ns"), Signed(4, "Scaled Cumulative Rate Offset"),
+    Number(6, "Sync Ingress Timestamp Seconds"), Number(4, "Sync Ingress Timestamp Nanoseconds")});
+constexpr auto kComputedHead = Rows<PtpElement>({
+    Word(1), Bits(0, 5, "Reserved"), Flag(5, "Offset from Master Valid"), Flag(6, "Mean Path Delay Valid"),
+    Flag(7, "Neighbour Rate Ratio Valid"), Number(1, "Reserved")});
+constexpr auto kComputed = Rows<PtpElement>({
+    Number(2, "Sequence ID"), Signed(8, "Offset from Master", " x 2^-16 ns"), Signed(8, "Mean Path Delay", " x 2^-16 ns"),
+    Signed(4, "Scaled Neighbour Rate Ratio")});
+constexpr auto kSentHead = Rows<PtpElement>({
+    Word(1), Bits(0, 4, "Reserved"), Bits(4, 4, "Event Message Type", kMessageNames), Number(1, "Reserved")});
+constexpr auto kSent = Rows<PtpElement>({
+    Number(2, "Sequence ID"), Number(6, "Egress Timestamp Seconds"), Number(4, "Egress Timestamp Nanoseconds")});
+constexpr auto kAvailability = Rows<PtpElement>({
+    Word(1), Bits(0, 5, "Reserved"), Flag(5, "Unicast with Negotiation"), Flag(6, "Unicast"), Flag(7, "Multicast"), Word(1),
+    Bits(0, 5, "Reserved"), Flag(5, "Delay Responses by Unicast with Negotiation"), Flag(6, "Delay Responses by Unicast"),
+    Flag(7, "Delay Responses by Multicast")});
+constexpr auto kMetrics = Rows<PtpElement>({
+    Number(1, "Boundary Clock Hops"), Number(1, "Transparent Clock Hops"), Number(2, "Reserved"),
+    Signed(8, "Maximum Grandmaster Inaccuracy", " x 2^-16 ns"), Signed(8, "Variance of Grandmaster Inaccuracy"),
+    Signed(8, "Maximum Transient Inaccuracy", " x 2^-16 ns"), Signed(8, "Variance of Transient Inaccuracy"),
+    Signed(8, "Maximum Dynamic Inaccuracy", " x 2^-16 ns"), Signed(8, "Variance of Dynamic Inaccuracy"),
+    Signed(8, "Maximum Static Instance Inaccuracy", " x 2^-16 ns"), Signed(8, "Variance of Static Instance Inaccuracy"),
+    Signed(8, "Maximum Static Medium Inaccuracy", " x 2^-16 ns"), Signed(8, "Variance of Static Medium Inaccuracy")});
+constexpr auto kFrequency = Rows<PtpElement>({Signed(4, "Cumulative Frequency Scale Factor Offset")});
+
+void ShowEach(const Place& in, Cursor& c, RowSpan<PtpElement> rows, PtpElement& out) {
+  Loop loop;
+  while (MoreAt(in, c, loop)) ShowRows<PtpElement>(in, c, rows, out);
+}
+void ShowTimings(const Place& in, Cursor& c, PtpElement& out) { ShowEach(in, c, kTiming, out); }
+void ShowComputed(const Place& in, Cursor& c, PtpElement& out) {
+  ShowRows<PtpElement>(in, c, kComputedHead, out);
+  ShowEach(in, c, kComputed, out);
+}
+void ShowSent(const Place& in, Cursor& c, PtpElement& out) {
+  ShowRows<PtpElement>(in, c, kSentHead, out);
+  ShowEach(in, c, kSent, out);
+}
+
 constexpr auto kElements = Choices<PtpElement>({
     {0x0001, "MANAGEMENT", {}, ShowManagement}, {0x0002, "MANAGEMENT_ERROR_STATUS", {}, ShowError},
     {0x0003, "ORGANIZATION_EXTENSION", {}, ShowOrganization}, {0x0004, "REQUEST_UNICAST_TRANSMISSION", kRequest},
@@ -280,12 +321,12 @@ constexpr auto kElements = Choices<PtpElement>({
     {0x0007, "ACKNOWLEDGE_CANCEL_UNICAST_TRANSMISSION", kCancel}, {0x0008, "PATH_TRACE", {}, ShowPath},
     {0x0009, "ALTERNATE_TIME_OFFSET_INDICATOR", kOffsetIndicator}, {0x2000, "AUTHENTICATION (2008)"},
     {0x2001, "AUTHENTICATION_CHALLENGE"}, {0x2002, "SECURITY_ASSOCIATION_UPDATE"}, {0x2003,
-    "CUM_FREQ_SCALE_FACTOR_OFFSET"},
-    {0x4000, "ORGANIZATION_EXTENSION_PROPAGATE", {}, ShowOrganization}, {0x4001, "ENHANCED_ACCURACY_METRICS"},
+    "CUM_FREQ_SCALE_FACTOR_OFFSET", kFrequency},
+    {0x4000, "ORGANIZATION_EXTENSION_PROPAGATE", {}, ShowOrganization}, {0x4001, "ENHANCED_ACCURACY_METRICS", kMetrics},
     {0x8000, "ORGANIZATION_EXTENSION_DO_NOT_PROPAGATE", {}, ShowOrganization}, {0x8001, "L1_SYNC", kLayer1},
-    {0x8002, "PORT_COMMUNICATION_AVAILABILITY"}, {0x8003, "PROTOCOL_ADDRESS", kAddresses},
-    {0x8004, "SLAVE_RX_SYNC_TIMING_DATA"}, {0x8005, "SLAVE_RX_SYNC_COMPUTED_DATA"}, {0x8006,
-    "SLAVE_TX_EVENT_TIMESTAMPS"},
+    {0x8002, "PORT_COMMUNICATION_AVAILABILITY", kAvailability}, {0x8003, "PROTOCOL_ADDRESS", kAddresses},
+    {0x8004, "SLAVE_RX_SYNC_TIMING_DATA", kSource, ShowTimings},
+    {0x8005, "SLAVE_RX_SYNC_COMPUTED_DATA", kSource, ShowComputed}, {0x8006, "SLAVE_TX_EVENT_TIMESTAMPS", kSource, ShowSent},
     {0x8007, "CUMULATIVE_RATE_RATIO", kCumulative}, {0x8008, "PAD", kPadding}, {0x8009, "AUTHENTICATION",
     kAuthentication}});
 

@@ -1,12 +1,8 @@
-// The methods of EAP: what stands behind the type of a request or response. MD5, one-time passwords and tokens (RFC
-// 3748),
+// The methods of EAP: what stands behind the type of a request or response. MD5, one-time passwords and tokens (RFC 3748),
 // TLS (RFC 5216) and what tunnels in it (TTLS: RFC 5281, FAST: RFC 4851, TEAP: RFC 7170), MSCHAPv2
-// (draft-kamath-pppext-eap-mschapv2), PAX (RFC 4746), SAKE (RFC 4763), PSK (RFC 4764), IKEv2 (RFC 5106), GPSK (RFC
-// 5433),
+// (draft-kamath-pppext-eap-mschapv2), PAX (RFC 4746), SAKE (RFC 4763), PSK (RFC 4764), IKEv2 (RFC 5106), GPSK (RFC 5433),
 // pwd (RFC 5931), EKE (RFC 6124), NOOB (RFC 9140), Wi-Fi Simple Configuration.
 #include "decoders/common/eap.h"
-
-#include "core/line_facts.h"
 #include "decoders/common/json_lines.h"
 
 namespace qxview {
@@ -83,16 +79,36 @@ constexpr auto kOuterLength = Rows<Eap>({Number(4, "Outer TLV Length").Into(&Eap
 constexpr auto kAuthority = Rows<Eap>({Bytes(0, "Authority ID")});
 constexpr uint32_t kLengthIncluded = 0x80, kStart = 0x20, kOuterIncluded = 0x10;
 
+// The records in a message, or in its first fragment; they are no stream of the connection that carries EAP. Later
+// fragments start in the middle of a record.
+void ShowRecords(const Place& in, Cursor& c) {
+  constexpr uint32_t kTlsApplication = 0x1E, kFirstType = 20, kLastType = 23, kMajorVersion = 3;
+  const DecoderRow* tls = FindBuiltinDecoder(kTlsApplication);
+  const uint32_t type = PeekU8(c);
+  const bool isRecord = type >= kFirstType && type <= kLastType && PeekU8(c, 1) == kMajorVersion && PeekU8(c, 2) <= 4;
+  const bool starts = Left(c) >= 6 && isRecord;
+  bool& quoted = PacketOf(in).quoted;
+  const bool wasQuoted = quoted;
+  quoted = true;
+  const int32_t shown = tls && starts ? TryDecoder(in, c, tls->decode, "TLS Data") : 0;
+  quoted = wasQuoted;
+  if (shown) {
+    TakeBytes(c, Left(c));
+  } else {
+    AddBlock(in, Rest(c), "TLS Data");
+  }
+}
+
 void ShowTls(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
-  AddBlock(in, Rest(c), "TLS Data");
+  ShowRecords(in, c);
 }
 constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .typeMask = 0x3FFF};
 constexpr auto kFastTlvs = Choices<Eap>({{4, "Authority ID", kAuthority}});
 void ShowFast(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
   if (eap.flags.value & kStart) ShowElements<Eap>(in, c, kTlvForm, "TLV", kFastTlvs, eap);
-  AddBlock(in, Rest(c), "TLS Data");
+  ShowRecords(in, c);
 }
 
 constexpr auto kTeapIdentityNames = SortedNames({{1, "User"}, {2, "Machine"}});
@@ -154,7 +170,7 @@ void ShowTeap(const Place& in, Cursor& c, Eap& eap) {
   const int32_t outer = eap.count.value < static_cast<uint32_t>(Left(c)) ? static_cast<int32_t>(eap.count.value) :
       Left(c);
   Cursor tls = TakeCursor(c, Left(c) - outer);
-  AddBlock(in, Rest(tls), "TLS Data");
+  ShowRecords(in, tls);
   ShowElements<Eap>(in, c, kTlvForm, "Outer TLV", kTeapTlvs, eap);
 }
 
@@ -240,16 +256,33 @@ constexpr auto kIkev2 = Rows<Eap>({
 void ShowIkev2(const Place& in, Cursor& c, Eap& eap) {
   constexpr auto kLength = Rows<Eap>({Number(4, "Message Length")});
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kLength, eap);
-  AddBlock(in, Rest(c), "IKEv2 Message");
+  constexpr uint32_t kKeyExchange = 0x270, kVersion2 = 2;
+  constexpr int32_t kKeyHeader = 28;
+  const DecoderRow* isakmp = FindBuiltinDecoder(kKeyExchange);
+  const bool starts = Left(c) >= kKeyHeader && PeekU8(c, 17) >> 4 == kVersion2;
+  if (isakmp && starts && TryDecoder(in, c, isakmp->decode, "IKEv2 Message")) {
+    TakeBytes(c, Left(c));
+  } else {
+    AddBlock(in, Rest(c), "IKEv2 Message");
+  }
 }
 constexpr auto kGpsk = Rows<Eap>({Number(1, "Operation", kGpskOperations).Into(&Eap::operation)});
+constexpr auto kSuiteNames = SortedNames({{1, "AES-CMAC-128"}, {2, "HMAC-SHA256"}});
+constexpr auto kCipherSuite = Rows<Eap>({Hex(4, "Cipher Suite Vendor"), Hex(2, "Cipher Suite", kSuiteNames)});
+void ShowCipherSuites(const Place& in, Cursor& c, const char* label, Eap& eap) {
+  const Field length = TakeU16(c);
+  AddLine(in, length, "%s Length: %u", label, length.value);
+  Cursor list = TakeCursor(c, length.value);
+  Loop loop;
+  while (Left(list) >= 6 && MoreAt(in, list, loop)) ShowRows<Eap>(in, list, kCipherSuite, eap);
+}
 constexpr auto kGpsk1 = Rows<Eap>({
-    Counted(2, Utf8(0, "Server ID")), Bytes(32, "Server Random"), Counted(2, Bytes(0, "Cipher Suite List"))});
+    Counted(2, Utf8(0, "Server ID")), Bytes(32, "Server Random"), Shown("Cipher Suite List", ShowCipherSuites)});
 constexpr auto kGpsk2 = Rows<Eap>({
     Counted(2, Utf8(0, "Peer ID")), Counted(2, Utf8(0, "Server ID")), Bytes(32, "Peer Random"), Bytes(32,
     "Server Random"),
-    Counted(2, Bytes(0, "Cipher Suite List")), Bytes(6, "Selected Cipher Suite"), Counted(2, Bytes(0,
-    "Protected Data Payload")),
+    Shown("Cipher Suite List", ShowCipherSuites), Hex(4, "Selected Cipher Suite Vendor"),
+    Hex(2, "Selected Cipher Suite", kSuiteNames), Counted(2, Bytes(0, "Protected Data Payload")),
     Bytes(0, "MAC")});
 constexpr auto kGpsk3 = Rows<Eap>({
     Bytes(32, "Peer Random"), Bytes(32, "Server Random"), Counted(2, Utf8(0, "Server ID")), Bytes(6,
@@ -312,45 +345,6 @@ constexpr auto kWsc = Rows<Eap>({
     Number(1, "Operation", kWscOperations), Hex(1, "WSC Flags").Into(&Eap::flags), Flag(7, "More Fragments"),
     Flag(6, "Length Field")});
 constexpr auto kWscLength = Rows<Eap>({Number(2, "Message Length")});
-constexpr auto kByte = Rows<Eap>({Number(1, nullptr)});
-constexpr auto kHex2 = Rows<Eap>({Hex(2, nullptr)});
-constexpr auto kAddress = Rows<Eap>({Mac(nullptr)});
-constexpr auto kWscAttributes = Choices<Eap>({
-    {0x1001, "AP Channel", kNumber2}, {0x1002, "Association State", kNumber2}, {0x1003, "Authentication Type", kHex2},
-    {0x1004, "Authentication Type Flags", kHex2}, {0x1005, "Authenticator", kOctets}, {0x1008, "Configuration Methods",
-    kHex2},
-    {0x1009, "Configuration Error", kNumber2}, {0x100B, "Confirmation URL IPv4", kName}, {0x100C,
-    "Confirmation URL IPv6", kName},
-    {0x100D, "Connection Type", kByte}, {0x100E, "Credential", kOctets}, {0x100F, "Encryption Type", kHex2},
-    {0x1010, "Encryption Type Flags", kHex2}, {0x1011, "Device Name", kName}, {0x1012, "Device Password ID", kNumber2},
-    {0x1014, "E-Hash1", kOctets}, {0x1015, "E-Hash2", kOctets}, {0x1016, "E-SNonce1", kOctets}, {0x1017, "E-SNonce2",
-    kOctets},
-    {0x1018, "Encrypted Settings", kOctets}, {0x101A, "Enrollee Nonce", kOctets}, {0x101B, "Feature ID", kOctets},
-    {0x101E, "Key Wrap Authenticator", kOctets}, {0x1020, "MAC Address", kAddress}, {0x1021, "Manufacturer", kName},
-    {0x1022, "Message Type", kByte}, {0x1023, "Model Name", kName}, {0x1024, "Model Number", kName},
-    {0x1026, "Network Index", kByte}, {0x1027, "Network Key", kOctets}, {0x1028, "Network Key Index", kByte},
-    {0x1029, "New Device Name", kName}, {0x102A, "New Password", kOctets}, {0x102C, "OOB Device Password", kOctets},
-    {0x102D, "OS Version", kOctets}, {0x102F, "Power Level", kByte}, {0x1030, "PSK Current", kByte}, {0x1031,
-    "PSK Max", kByte},
-    {0x1032, "Public Key", kOctets}, {0x1035, "Reboot", kByte}, {0x1036, "Reboot Current", kByte}, {0x1037,
-    "Reboot Max", kByte},
-    {0x1038, "Total Networks", kByte}, {0x1039, "Registrar Nonce", kOctets}, {0x103A, "Request Type", kByte},
-    {0x103B, "Response Type", kByte}, {0x103C, "RF Bands", kByte}, {0x103D, "R-Hash1", kOctets}, {0x103E, "R-Hash2",
-    kOctets},
-    {0x103F, "R-SNonce1", kOctets}, {0x1040, "R-SNonce2", kOctets}, {0x1041, "Selected Registrar", kByte},
-    {0x1042, "Serial Number", kName}, {0x1044, "Wi-Fi Protected Setup State", kByte}, {0x1045, "SSID", kName},
-    {0x1046, "Total Networks", kByte}, {0x1047, "UUID-E", kOctets}, {0x1048, "UUID-R", kOctets},
-    {0x1049, "Vendor Extension", kOctets}, {0x104A, "Version", kByte}, {0x104B, "X.509 Certificate Request", kOctets},
-    {0x104C, "X.509 Certificate", kOctets}, {0x104D, "EAP Identity", kName}, {0x104E, "Message Counter", kOctets},
-    {0x104F, "Public Key Hash", kOctets}, {0x1050, "Rekey Key", kOctets}, {0x1051, "Key Lifetime", kOctets},
-    {0x1052, "Permitted Configuration Methods", kHex2}, {0x1053, "Selected Registrar Configuration Methods", kHex2},
-    {0x1054, "Primary Device Type", kOctets}, {0x1055, "Secondary Device Type List", kOctets}, {0x1056,
-    "Portable Device", kByte},
-    {0x1057, "AP Setup Locked", kByte}, {0x1058, "Application Extension", kOctets}, {0x1059, "EAP Type", kOctets},
-    {0x1060, "Initialization Vector", kOctets}, {0x1061, "Key Provided Automatically", kByte}, {0x1062,
-    "802.1X Enabled", kByte},
-    {0x1063, "AppSessionKey", kOctets}, {0x1064, "WEP Transmit Key", kByte}, {0x106A, "Requested Device Type",
-    kOctets}});
 constexpr uint32_t kWifiAlliance = 0x00372A, kSimpleConfiguration = 1, kWscHasLength = 2;
 void ShowExpanded(const Place& in, Cursor& c, Eap& eap) {
   if (eap.vendor.value != kWifiAlliance || eap.vendorType.value != kSimpleConfiguration) return;
@@ -374,12 +368,4 @@ constexpr auto kMethods = Choices<Eap>({
 }  // namespace
 
 const ChoiceSpan<Eap> kEapMethods = kMethods;
-
-void ShowSimpleConfiguration(const Place& in, Cursor& c) {
-  const KeyedAs keys(PacketOf(in), "eap");
-  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
-  Eap eap{};
-  ShowElements<Eap>(in, c, kForm, "Attribute", kWscAttributes, eap);
-}
-
 }  // namespace qxview

@@ -13,13 +13,15 @@ enum AecpMessage : uint32_t { kModelCommand = 0, kModelResponse = 1, kAddressCom
 
 constexpr auto kDiscoveryNames = SortedNames({{0, "ENTITY_AVAILABLE"}, {1, "ENTITY_DEPARTING"}, {2, "ENTITY_DISCOVER"}});
 constexpr auto kDiscoveryBody = Rows<Avtp>({
-    Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Message Type", kDiscoveryNames).Note(", %s"), Word(2),
-    Bits(0, 5, "Valid Time", " x 2 seconds"), Bits(5, 11, "Control Data Length"), Hex(8, "Entity ID").Note(", Entity 0x%.016I64X"),
-    Hex(8, "Entity Model ID"), Flags(4, "Entity Capabilities", kAvdeccEntityMasks), Number(2, "Talker Stream Sources"),
-    Flags(2, "Talker Capabilities", kAvdeccStreamMasks), Number(2, "Listener Stream Sinks"), Flags(2, "Listener Capabilities", kAvdeccStreamMasks),
-    Flags(4, "Controller Capabilities", kAvdeccControllerMasks), Number(4, "Available Index"), Hex(8, "gPTP Grandmaster ID"),
-    Number(1, "gPTP Domain Number"), Hex(1, "Reserved"), Number(2, "Current Configuration Index"), Number(2, "Identify Control Index"),
-    Number(2, "Interface Index"), Hex(8, "Association ID"), Hex(4, "Reserved")});
+    Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Message Type", kDiscoveryNames).Note(", %s"),
+    Word(2), Bits(0, 5, "Valid Time", " x 2 seconds"), Bits(5, 11, "Control Data Length"),
+    Hex(8, "Entity ID").Note(", Entity 0x%.016I64X"), Hex(8, "Entity Model ID"),
+    Flags(4, "Entity Capabilities", kAvdeccEntityMasks), Number(2, "Talker Stream Sources"),
+    Flags(2, "Talker Capabilities", kAvdeccStreamMasks), Number(2, "Listener Stream Sinks"),
+    Flags(2, "Listener Capabilities", kAvdeccStreamMasks), Flags(4, "Controller Capabilities", kAvdeccControllerMasks),
+    Number(4, "Available Index"), Hex(8, "gPTP Grandmaster ID"), Number(1, "gPTP Domain Number"), Hex(1, "Reserved"),
+    Number(2, "Current Configuration Index"), Number(2, "Identify Control Index"), Number(2, "Interface Index"),
+    Hex(8, "Association ID"), Hex(4, "Reserved")});
 
 // --- connections ---
 
@@ -32,25 +34,26 @@ constexpr auto kConnectionStatus = SortedNames({
     {0, "SUCCESS"}, {1, "LISTENER_UNKNOWN_ID"}, {2, "TALKER_UNKNOWN_ID"}, {3, "TALKER_DEST_MAC_FAIL"},
     {4, "TALKER_NO_STREAM_INDEX"}, {5, "TALKER_NO_BANDWIDTH"}, {6, "TALKER_EXCLUSIVE"}, {7, "LISTENER_TALKER_TIMEOUT"},
     {8, "LISTENER_EXCLUSIVE"}, {9, "STATE_UNAVAILABLE"}, {10, "NOT_CONNECTED"}, {11, "NO_SUCH_CONNECTION"},
-    {12, "COULD_NOT_SEND_MESSAGE"}, {13, "TALKER_MISBEHAVING"}, {14, "LISTENER_MISBEHAVING"}, {16, "CONTROLLER_NOT_AUTHORIZED"},
-    {17, "INCOMPATIBLE_REQUEST"}, {31, "NOT_SUPPORTED"}});
+    {12, "COULD_NOT_SEND_MESSAGE"}, {13, "TALKER_MISBEHAVING"}, {14, "LISTENER_MISBEHAVING"},
+    {16, "CONTROLLER_NOT_AUTHORIZED"}, {17, "INCOMPATIBLE_REQUEST"}, {31, "NOT_SUPPORTED"}});
 constexpr auto kConnectionMasks = SortedNames({
     {0x0001, "CLASS_B"}, {0x0002, "FAST_CONNECT"}, {0x0004, "SAVED_STATE"}, {0x0008, "STREAMING_WAIT"},
-    {0x0010, "SUPPORTS_ENCRYPTED"}, {0x0020, "ENCRYPTED_PDU"}, {0x0040, "SRP_REGISTRATION_FAILED"}, {0x0080, "CL_ENTRIES_VALID"},
-    {0x0100, "NO_SRP"}, {0x0200, "UDP"}});
+    {0x0010, "SUPPORTS_ENCRYPTED"}, {0x0020, "ENCRYPTED_PDU"}, {0x0040, "SRP_REGISTRATION_FAILED"},
+    {0x0080, "CL_ENTRIES_VALID"}, {0x0100, "NO_SRP"}, {0x0200, "UDP"}});
 constexpr auto kConnectionBody = Rows<Avtp>({
-    Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Message Type", kConnectionNames).Note(", %s"), Word(2),
-    Bits(0, 5, "Status", kConnectionStatus), Bits(5, 11, "Control Data Length"), Hex(8, "Stream ID"), Hex(8, "Controller Entity ID"),
-    Hex(8, "Talker Entity ID"), Hex(8, "Listener Entity ID"), Number(2, "Talker Unique ID"), Number(2, "Listener Unique ID"),
-    Mac("Stream Destination Address"), Number(2, "Connection Count"), Number(2, "Sequence ID").Note(", Sequence %u"),
-    Flags(2, "Flags", kConnectionMasks), Number(2, "Stream VLAN ID"), Number(2, "Connected Listeners Entries")});
+    Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Message Type", kConnectionNames).Note(", %s"),
+    Word(2), Bits(0, 5, "Status", kConnectionStatus), Bits(5, 11, "Control Data Length"), Hex(8, "Stream ID"),
+    Hex(8, "Controller Entity ID"), Hex(8, "Talker Entity ID"), Hex(8, "Listener Entity ID"), Number(2, "Talker Unique ID"),
+    Number(2, "Listener Unique ID"), Mac("Stream Destination Address"), Number(2, "Connection Count"),
+    Number(2, "Sequence ID").Note(", Sequence %u"), Flags(2, "Flags", kConnectionMasks), Number(2, "Stream VLAN ID"),
+    Number(2, "Connected Listeners Entries")});
 
 // --- enumeration and control ---
 
 constexpr auto kControlNames = SortedNames({
-    {0, "AEM_COMMAND"}, {1, "AEM_RESPONSE"}, {2, "ADDRESS_ACCESS_COMMAND"}, {3, "ADDRESS_ACCESS_RESPONSE"}, {4, "AVC_COMMAND"},
-    {5, "AVC_RESPONSE"}, {6, "VENDOR_UNIQUE_COMMAND"}, {7, "VENDOR_UNIQUE_RESPONSE"}, {8, "HDCP_APM_COMMAND"},
-    {9, "HDCP_APM_RESPONSE"}, {14, "EXTENDED_COMMAND"}, {15, "EXTENDED_RESPONSE"}});
+    {0, "AEM_COMMAND"}, {1, "AEM_RESPONSE"}, {2, "ADDRESS_ACCESS_COMMAND"}, {3, "ADDRESS_ACCESS_RESPONSE"},
+    {4, "AVC_COMMAND"}, {5, "AVC_RESPONSE"}, {6, "VENDOR_UNIQUE_COMMAND"}, {7, "VENDOR_UNIQUE_RESPONSE"},
+    {8, "HDCP_APM_COMMAND"}, {9, "HDCP_APM_RESPONSE"}, {14, "EXTENDED_COMMAND"}, {15, "EXTENDED_RESPONSE"}});
 constexpr auto kModelStatus = SortedNames({
     {0, "SUCCESS"}, {1, "NOT_IMPLEMENTED"}, {2, "NO_SUCH_DESCRIPTOR"}, {3, "ENTITY_LOCKED"}, {4, "ENTITY_ACQUIRED"},
     {5, "NOT_AUTHENTICATED"}, {6, "AUTHENTICATION_DISABLED"}, {7, "BAD_ARGUMENTS"}, {8, "NO_RESOURCES"}, {9, "IN_PROGRESS"},
@@ -65,19 +68,19 @@ constexpr auto kCommandNames = SortedNames({
     {0x18, "SET_CONTROL"}, {0x19, "GET_CONTROL"}, {0x1A, "INCREMENT_CONTROL"}, {0x1B, "DECREMENT_CONTROL"},
     {0x1C, "SET_SIGNAL_SELECTOR"}, {0x1D, "GET_SIGNAL_SELECTOR"}, {0x1E, "SET_MIXER"}, {0x1F, "GET_MIXER"},
     {0x20, "SET_MATRIX"}, {0x21, "GET_MATRIX"}, {0x22, "START_STREAMING"}, {0x23, "STOP_STREAMING"},
-    {0x24, "REGISTER_UNSOLICITED_NOTIFICATION"}, {0x25, "DEREGISTER_UNSOLICITED_NOTIFICATION"}, {0x26, "IDENTIFY_NOTIFICATION"},
-    {0x27, "GET_AVB_INFO"}, {0x28, "GET_AS_PATH"}, {0x29, "GET_COUNTERS"}, {0x2A, "REBOOT"}, {0x2B, "GET_AUDIO_MAP"},
-    {0x2C, "ADD_AUDIO_MAPPINGS"}, {0x2D, "REMOVE_AUDIO_MAPPINGS"}, {0x2E, "GET_VIDEO_MAP"}, {0x2F, "ADD_VIDEO_MAPPINGS"},
-    {0x30, "REMOVE_VIDEO_MAPPINGS"}, {0x31, "GET_SENSOR_MAP"}, {0x32, "ADD_SENSOR_MAPPINGS"}, {0x33, "REMOVE_SENSOR_MAPPINGS"},
-    {0x34, "START_OPERATION"}, {0x35, "ABORT_OPERATION"}, {0x36, "OPERATION_STATUS"}, {0x37, "AUTH_ADD_KEY"},
-    {0x38, "AUTH_DELETE_KEY"}, {0x39, "AUTH_GET_KEY_LIST"}, {0x3A, "AUTH_GET_KEY"}, {0x3B, "AUTH_ADD_KEY_TO_CHAIN"},
-    {0x3C, "AUTH_DELETE_KEY_FROM_CHAIN"}, {0x3D, "AUTH_GET_KEYCHAIN_LIST"}, {0x3E, "AUTH_GET_IDENTITY"},
-    {0x3F, "AUTH_ADD_TOKEN"}, {0x40, "AUTH_DELETE_TOKEN"}, {0x41, "AUTHENTICATE"}, {0x42, "DEAUTHENTICATE"},
-    {0x43, "ENABLE_TRANSPORT_SECURITY"}, {0x44, "DISABLE_TRANSPORT_SECURITY"}, {0x45, "ENABLE_STREAM_ENCRYPTION"},
-    {0x46, "DISABLE_STREAM_ENCRYPTION"}, {0x47, "SET_MEMORY_OBJECT_LENGTH"}, {0x48, "GET_MEMORY_OBJECT_LENGTH"},
-    {0x49, "SET_STREAM_BACKUP"}, {0x4A, "GET_STREAM_BACKUP"}, {0x4B, "GET_DYNAMIC_INFO"}, {0x4C, "SET_MAX_TRANSIT_TIME"},
-    {0x4D, "GET_MAX_TRANSIT_TIME"}, {0x4E, "SET_SAMPLING_RATE_RANGE"}, {0x4F, "GET_SAMPLING_RATE_RANGE"},
-    {0x7FFF, "EXPANSION"}});
+    {0x24, "REGISTER_UNSOLICITED_NOTIFICATION"}, {0x25, "DEREGISTER_UNSOLICITED_NOTIFICATION"},
+    {0x26, "IDENTIFY_NOTIFICATION"}, {0x27, "GET_AVB_INFO"}, {0x28, "GET_AS_PATH"}, {0x29, "GET_COUNTERS"}, {0x2A, "REBOOT"},
+    {0x2B, "GET_AUDIO_MAP"}, {0x2C, "ADD_AUDIO_MAPPINGS"}, {0x2D, "REMOVE_AUDIO_MAPPINGS"}, {0x2E, "GET_VIDEO_MAP"},
+    {0x2F, "ADD_VIDEO_MAPPINGS"}, {0x30, "REMOVE_VIDEO_MAPPINGS"}, {0x31, "GET_SENSOR_MAP"}, {0x32, "ADD_SENSOR_MAPPINGS"},
+    {0x33, "REMOVE_SENSOR_MAPPINGS"}, {0x34, "START_OPERATION"}, {0x35, "ABORT_OPERATION"}, {0x36, "OPERATION_STATUS"},
+    {0x37, "AUTH_ADD_KEY"}, {0x38, "AUTH_DELETE_KEY"}, {0x39, "AUTH_GET_KEY_LIST"}, {0x3A, "AUTH_GET_KEY"},
+    {0x3B, "AUTH_ADD_KEY_TO_CHAIN"}, {0x3C, "AUTH_DELETE_KEY_FROM_CHAIN"}, {0x3D, "AUTH_GET_KEYCHAIN_LIST"},
+    {0x3E, "AUTH_GET_IDENTITY"}, {0x3F, "AUTH_ADD_TOKEN"}, {0x40, "AUTH_DELETE_TOKEN"}, {0x41, "AUTHENTICATE"},
+    {0x42, "DEAUTHENTICATE"}, {0x43, "ENABLE_TRANSPORT_SECURITY"}, {0x44, "DISABLE_TRANSPORT_SECURITY"},
+    {0x45, "ENABLE_STREAM_ENCRYPTION"}, {0x46, "DISABLE_STREAM_ENCRYPTION"}, {0x47, "SET_MEMORY_OBJECT_LENGTH"},
+    {0x48, "GET_MEMORY_OBJECT_LENGTH"}, {0x49, "SET_STREAM_BACKUP"}, {0x4A, "GET_STREAM_BACKUP"}, {0x4B, "GET_DYNAMIC_INFO"},
+    {0x4C, "SET_MAX_TRANSIT_TIME"}, {0x4D, "GET_MAX_TRANSIT_TIME"}, {0x4E, "SET_SAMPLING_RATE_RANGE"},
+    {0x4F, "GET_SAMPLING_RATE_RANGE"}, {0x7FFF, "EXPANSION"}});
 constexpr auto kReleaseMasks = SortedNames({{0x00000001, "PERSISTENT"}, {0x80000000, "RELEASE"}});
 constexpr auto kUnlockMasks = SortedNames({{0x00000001, "UNLOCK"}});
 constexpr auto kInfoMasks = SortedNames({
@@ -89,24 +92,27 @@ constexpr auto kInfoMasks = SortedNames({
 constexpr auto kInterfaceMasks = SortedNames({{0x01, "AS_CAPABLE"}, {0x02, "GPTP_ENABLED"}, {0x04, "SRP_ENABLED"}});
 
 constexpr auto kControlHead = Rows<Avtp>({
-    Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Message Type", kControlNames).Into(&Avtp::message), Word(2),
-    Bits(0, 5, "Status", kModelStatus), Bits(5, 11, "Control Data Length"), Hex(8, "Target Entity ID"), Hex(8, "Controller Entity ID"),
+    Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"),
+    Bits(4, 4, "Message Type", kControlNames).Into(&Avtp::message), Word(2), Bits(0, 5, "Status", kModelStatus),
+    Bits(5, 11, "Control Data Length"), Hex(8, "Target Entity ID"), Hex(8, "Controller Entity ID"),
     Number(2, "Sequence ID").Note(", Sequence %u")});
 constexpr auto kCommandHead = Rows<Avtp>({
     Word(2), Flag(0, "Unsolicited"), Bits(1, 15, "Command Type", kCommandNames).Into(&Avtp::type)});
 constexpr auto kTarget = Rows<Avtp>({
-    Hex(2, "Descriptor Type", AvdeccDescriptorName).Note(", %s").Into(&Avtp::type), Number(2, "Descriptor Index").Note(" %u")});
+    Hex(2, "Descriptor Type", AvdeccDescriptorName).Note(", %s").Into(&Avtp::type),
+    Number(2, "Descriptor Index").Note(" %u")});
 constexpr auto kAcquire = Rows<Avtp>({Flags(4, "Flags", kReleaseMasks), Hex(8, "Owner Entity ID")});
 constexpr auto kLock = Rows<Avtp>({Flags(4, "Flags", kUnlockMasks), Hex(8, "Locked Entity ID")});
 constexpr auto kAvailable = Rows<Avtp>({Hex(4, "Flags"), Hex(8, "Acquired Controller ID"), Hex(8, "Locked Controller ID")});
 constexpr auto kRead = Rows<Avtp>({Number(2, "Configuration Index"), Hex(2, "Reserved")});
 constexpr auto kConfiguration = Rows<Avtp>({Hex(2, "Reserved"), Number(2, "Configuration Index")});
 constexpr auto kStreamFormat = Rows<Avtp>({Shown(8, "Stream Format", ShowAvdeccFormat)});
-constexpr auto kFormat4 = Rows<Avtp>({Hex(4, "Format Specific"), Hex(2, "Aspect Ratio"), Hex(2, "Color Space"), Hex(4, "Frame Size")});
+constexpr auto kFormat4 = Rows<Avtp>({Hex(4, "Format Specific"), Hex(2, "Aspect Ratio"), Hex(2, "Color Space"),
+    Hex(4, "Frame Size")});
 constexpr auto kStreamInfo = Rows<Avtp>({
     Flags(4, "Stream Information Flags", kInfoMasks), Shown(8, "Stream Format", ShowAvdeccFormat), Hex(8, "Stream ID"),
-    Number(4, "MSRP Accumulated Latency", " ns"), Mac("Stream Destination Address"), Number(1, "MSRP Failure Code"), Hex(1, "Reserved"),
-    Hex(8, "MSRP Failure Bridge ID"), Number(2, "Stream VLAN ID"), Hex(2, "Reserved")});
+    Number(4, "MSRP Accumulated Latency", " ns"), Mac("Stream Destination Address"), Number(1, "MSRP Failure Code"),
+    Hex(1, "Reserved"), Hex(8, "MSRP Failure Bridge ID"), Number(2, "Stream VLAN ID"), Hex(2, "Reserved")});
 constexpr auto kNameTarget = Rows<Avtp>({Number(2, "Name Index"), Number(2, "Configuration Index")});
 constexpr auto kName = Rows<Avtp>({Text(64, "Name").Note(", %s")});
 constexpr auto kAssociation = Rows<Avtp>({Hex(8, "Association ID")});
@@ -117,8 +123,8 @@ constexpr auto kIndex = Rows<Avtp>({Number(2, "Index")});
 constexpr auto kSelector = Rows<Avtp>({
     Hex(2, "Signal Type", AvdeccDescriptorName), Number(2, "Signal Index"), Number(2, "Signal Output"), Hex(2, "Reserved")});
 constexpr auto kMatrix = Rows<Avtp>({
-    Number(2, "Matrix Column"), Number(2, "Matrix Row"), Number(2, "Region Width"), Number(2, "Region Height"), Word(2), Flag(0, "Repeat"),
-    Bits(1, 3, "Direction"), Bits(4, 12, "Value Count"), Number(2, "Item Offset")});
+    Number(2, "Matrix Column"), Number(2, "Matrix Row"), Number(2, "Region Width"), Number(2, "Region Height"), Word(2),
+    Flag(0, "Repeat"), Bits(1, 3, "Direction"), Bits(4, 12, "Value Count"), Number(2, "Item Offset")});
 constexpr auto kInterface = Rows<Avtp>({
     Hex(8, "gPTP Grandmaster ID"), Number(4, "Propagation Delay", " ns"), Number(1, "gPTP Domain Number"),
     Flags(1, "Interface Flags", kInterfaceMasks), Number(2, "MSRP Mappings").Into(&Avtp::count)});
@@ -128,19 +134,22 @@ constexpr auto kPath = Rows<Avtp>({Hex(8, "Clock Identity")});
 constexpr auto kCounters = Rows<Avtp>({Hex(4, "Valid Counters").Into(&Avtp::flags)});
 constexpr auto kMapTarget = Rows<Avtp>({Number(2, "Map Index"), Hex(2, "Reserved")});
 constexpr auto kMapAnswer = Rows<Avtp>({
-    Number(2, "Map Index"), Number(2, "Number of Maps"), Number(2, "Number of Mappings").Into(&Avtp::count), Hex(2, "Reserved")});
+    Number(2, "Map Index"), Number(2, "Number of Maps"), Number(2, "Number of Mappings").Into(&Avtp::count),
+    Hex(2, "Reserved")});
 constexpr auto kMapChange = Rows<Avtp>({Number(2, "Number of Mappings").Into(&Avtp::count), Hex(2, "Reserved")});
 constexpr auto kOperation = Rows<Avtp>({Number(2, "Operation ID"), Number(2, "Operation Type")});
 constexpr auto kOperationStatus = Rows<Avtp>({Number(2, "Operation ID"), Number(2, "Percent Complete")});
 constexpr auto kKey = Rows<Avtp>({
-    Hex(8, "Key EUI"), Word(4), Bits(0, 3, "Keychain ID"), Bits(3, 3, "Key Type"), Flag(6, "Continued"), Bits(7, 14, "Reserved"),
-    Bits(21, 11, "Key Length")});
+    Hex(8, "Key EUI"), Word(4), Bits(0, 3, "Keychain ID"), Bits(3, 3, "Key Type"), Flag(6, "Continued"),
+    Bits(7, 14, "Reserved"), Bits(21, 11, "Key Length")});
 constexpr auto kToken = Rows<Avtp>({Word(4), Bits(0, 21, "Reserved"), Bits(21, 11, "Token Length")});
-constexpr auto kMemory = Rows<Avtp>({Number(2, "Configuration Index"), Number(2, "Memory Object Index"), Number(8, "Length")});
+constexpr auto kMemory = Rows<Avtp>({Number(2, "Configuration Index"), Number(2, "Memory Object Index"),
+    Number(8, "Length")});
 constexpr auto kBackup = Rows<Avtp>({
-    Hex(8, "Backup Talker Entity ID 0"), Number(2, "Backup Talker Unique ID 0"), Hex(2, "Reserved"), Hex(8, "Backup Talker Entity ID 1"),
-    Number(2, "Backup Talker Unique ID 1"), Hex(2, "Reserved"), Hex(8, "Backup Talker Entity ID 2"), Number(2, "Backup Talker Unique ID 2"),
-    Hex(2, "Reserved"), Hex(8, "Backed-up Talker Entity ID"), Number(2, "Backed-up Talker Unique ID"), Hex(2, "Reserved")});
+    Hex(8, "Backup Talker Entity ID 0"), Number(2, "Backup Talker Unique ID 0"), Hex(2, "Reserved"),
+    Hex(8, "Backup Talker Entity ID 1"), Number(2, "Backup Talker Unique ID 1"), Hex(2, "Reserved"),
+    Hex(8, "Backup Talker Entity ID 2"), Number(2, "Backup Talker Unique ID 2"), Hex(2, "Reserved"),
+    Hex(8, "Backed-up Talker Entity ID"), Number(2, "Backed-up Talker Unique ID"), Hex(2, "Reserved")});
 constexpr auto kTransit = Rows<Avtp>({Number(8, "Maximum Transit Time", " ns")});
 constexpr auto kData = Rows<Avtp>({Bytes(0, "Values")});
 
@@ -157,9 +166,10 @@ const char* NameCounter(uint32_t descriptor, uint32_t bit) {
       {5, "gPTP Grandmaster Changed"}});
   constexpr auto kDomainCounters = SortedNames({{0, "Locked"}, {1, "Unlocked"}});
   constexpr auto kInputCounters = SortedNames({
-      {0, "Media Locked"}, {1, "Media Unlocked"}, {2, "Stream Interrupted"}, {3, "Sequence Number Mismatch"}, {4, "Media Reset"},
-      {5, "Time Stamp Uncertain"}, {6, "Time Stamp Valid"}, {7, "Time Stamp Not Valid"}, {8, "Unsupported Format"},
-      {9, "Late Time Stamp"}, {10, "Early Time Stamp"}, {11, "Frames Received"}, {12, "Frames Transmitted"}});
+      {0, "Media Locked"}, {1, "Media Unlocked"}, {2, "Stream Interrupted"}, {3, "Sequence Number Mismatch"},
+      {4, "Media Reset"}, {5, "Time Stamp Uncertain"}, {6, "Time Stamp Valid"}, {7, "Time Stamp Not Valid"},
+      {8, "Unsupported Format"}, {9, "Late Time Stamp"}, {10, "Early Time Stamp"}, {11, "Frames Received"},
+      {12, "Frames Transmitted"}});
   constexpr auto kSpecificCounters = SortedNames({
       {24, "Entity Specific 8"}, {25, "Entity Specific 7"}, {26, "Entity Specific 6"}, {27, "Entity Specific 5"},
       {28, "Entity Specific 4"}, {29, "Entity Specific 3"}, {30, "Entity Specific 2"}, {31, "Entity Specific 1"}});

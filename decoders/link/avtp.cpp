@@ -131,14 +131,16 @@ constexpr auto kSparse = SortedNames({{0, "In Every Packet"}, {1, "In Every Eigh
 constexpr auto kAudioHead = Rows<Avtp>({Number(1, "Format", kAudioFormats).Into(&Avtp::type)});
 constexpr auto kSamples = Rows<Avtp>({
     Word(2), Bits(0, 4, "Nominal Sample Rate", kSampleRates), Bits(4, 2, "Reserved"),
-    Bits(6, 10, "Channels per Frame").Into(&Avtp::count), Number(1, "Bit Depth"), Number(2, "Stream Data Length").Into(&Avtp::length),
-    Word(1), Bits(0, 3, "Reserved"), Bits(3, 1, "Sparse Time Stamp", kSparse), Bits(4, 4, "Event"), Hex(1, "Reserved")});
+    Bits(6, 10, "Channels per Frame").Into(&Avtp::count), Number(1, "Bit Depth"),
+    Number(2, "Stream Data Length").Into(&Avtp::length), Word(1), Bits(0, 3, "Reserved"),
+    Bits(3, 1, "Sparse Time Stamp", kSparse), Bits(4, 4, "Event"), Hex(1, "Reserved")});
 constexpr auto kAes = Rows<Avtp>({
     Word(2), Bits(0, 4, "Nominal Frame Rate", kSampleRates), Bits(4, 2, "Reserved"), Bits(6, 10, "Streams per Frame"),
     Hex(1, "AES3 Data Type High"), Number(2, "Stream Data Length").Into(&Avtp::length), Word(1),
     Bits(0, 3, "AES3 Data Type Reference"), Bits(3, 1, "Sparse Time Stamp", kSparse), Bits(4, 4, "Event"),
     Hex(1, "AES3 Data Type Low")});
-constexpr auto kAnyAudio = Rows<Avtp>({Hex(3, "Format Data"), Number(2, "Stream Data Length").Into(&Avtp::length), Hex(2, "Format Data")});
+constexpr auto kAnyAudio = Rows<Avtp>({Hex(3, "Format Data"), Number(2, "Stream Data Length").Into(&Avtp::length),
+    Hex(2, "Format Data")});
 
 void ShowStreamHead(const Place& in, Cursor& c, Avtp& avtp) {
   ShowRows<Avtp>(in, c, kStreamFlags, avtp);
@@ -162,7 +164,8 @@ void ShowAudio(const Place& in, Cursor& c, Avtp& avtp) {
   ShowRows<Avtp>(in, c, kAudioHead, avtp);
   const uint32_t format = avtp.type.value;
   const bool isSampled = format >= 1 && format <= 4;
-  ShowRows<Avtp>(in, c, isSampled ? RowSpan<Avtp>(kSamples) : format == 5 ? RowSpan<Avtp>(kAes) : RowSpan<Avtp>(kAnyAudio), avtp);
+  ShowRows<Avtp>(in, c, isSampled ? RowSpan<Avtp>(kSamples) : format == 5 ? RowSpan<Avtp>(kAes) : RowSpan<Avtp>(kAnyAudio),
+      avtp);
   Cursor data = TakeCursor(c, static_cast<int32_t>(avtp.length.value));
   if (isSampled) ShowSamples(in, data, format, avtp.count.value);
   data.ranShort = false;
@@ -174,17 +177,19 @@ void ShowAudio(const Place& in, Cursor& c, Avtp& avtp) {
 constexpr auto kVideoFormats = SortedNames({{2, "RFC Payload Type"}});
 constexpr auto kVideoSubtypes = SortedNames({{0, "MJPEG"}, {1, "H.264"}, {2, "JPEG 2000"}});
 constexpr auto kVideoHead = Rows<Avtp>({
-    Number(1, "Format", kVideoFormats), Number(1, "Format Subtype", kVideoSubtypes).Note(", %s").Into(&Avtp::type), Hex(2, "Reserved"),
-    Number(2, "Stream Data Length").Into(&Avtp::length), Word(1), Bits(0, 2, "Reserved"), Flag(2, "H.264 Time Stamp Valid"),
-    Flag(3, "Last Packet of the Frame"), Bits(4, 4, "Event"), Hex(1, "Reserved")});
+    Number(1, "Format", kVideoFormats), Number(1, "Format Subtype", kVideoSubtypes).Note(", %s").Into(&Avtp::type),
+    Hex(2, "Reserved"), Number(2, "Stream Data Length").Into(&Avtp::length), Word(1), Bits(0, 2, "Reserved"),
+    Flag(2, "H.264 Time Stamp Valid"), Flag(3, "Last Packet of the Frame"), Bits(4, 4, "Event"), Hex(1, "Reserved")});
 constexpr auto kMotionJpeg = Rows<Avtp>({
     Number(1, "Type Specific"), Number(3, "Fragment Offset"), Number(1, "JPEG Type"), Number(1, "Quantization"),
     Number(1, "Width / 8"), Number(1, "Height / 8")});
-constexpr auto kH264 = Rows<Avtp>({Number(4, "H.264 Time Stamp"), Word(1), Flag(0, "Forbidden Bit"), Bits(1, 2, "Reference Indication"),
+constexpr auto kH264 = Rows<Avtp>({Number(4, "H.264 Time Stamp"), Word(1), Flag(0, "Forbidden Bit"),
+    Bits(1, 2, "Reference Indication"),
                                    Bits(3, 5, "NAL Unit Type")});
 constexpr auto kJpeg2000 = Rows<Avtp>({
-    Word(1), Bits(0, 2, "Interlace"), Bits(2, 2, "Main Header Flag"), Bits(4, 3, "Main Header ID"), Flag(7, "Tile Field Invalid"),
-    Number(1, "Priority"), Number(2, "Tile Number"), Number(1, "Reserved"), Number(3, "Fragment Offset")});
+    Word(1), Bits(0, 2, "Interlace"), Bits(2, 2, "Main Header Flag"), Bits(4, 3, "Main Header ID"),
+    Flag(7, "Tile Field Invalid"), Number(1, "Priority"), Number(2, "Tile Number"), Number(1, "Reserved"),
+    Number(3, "Fragment Offset")});
 
 void ShowVideo(const Place& in, Cursor& c, Avtp& avtp) {
   ShowStreamHead(in, c, avtp);
@@ -192,20 +197,22 @@ void ShowVideo(const Place& in, Cursor& c, Avtp& avtp) {
   Cursor data = TakeCursor(c, static_cast<int32_t>(avtp.length.value));
   const uint32_t kind = avtp.type.value;
   if (kind <= 2) {
-    ShowRows<Avtp>(in, data, kind == 0 ? RowSpan<Avtp>(kMotionJpeg) : kind == 1 ? RowSpan<Avtp>(kH264) : RowSpan<Avtp>(kJpeg2000), avtp);
+    ShowRows<Avtp>(in, data, kind == 0 ? RowSpan<Avtp>(kMotionJpeg) : kind == 1 ? RowSpan<Avtp>(kH264) :
+        RowSpan<Avtp>(kJpeg2000), avtp);
   }
   data.ranShort = false;
   AddBlock(in, Rest(data), "Video Data");
 }
 
-constexpr auto kPixelDepths = SortedNames({{1, "8 Bits"}, {2, "10 Bits"}, {3, "12 Bits"}, {4, "16 Bits"}, {0xF, "User Specified"}});
+constexpr auto kPixelDepths = SortedNames({{1, "8 Bits"}, {2, "10 Bits"}, {3, "12 Bits"}, {4, "16 Bits"},
+    {0xF, "User Specified"}});
 constexpr auto kPixelFormats = SortedNames({
     {0, "Mono"}, {1, "4:1:1"}, {2, "4:2:0"}, {3, "4:2:2"}, {4, "4:4:4"}, {5, "4:2:2:4"}, {6, "4:4:4:4"}, {7, "Bayer GRBG"},
     {8, "Bayer RGGB"}, {9, "Bayer BGGR"}, {10, "Bayer GBRG"}, {0xF, "User Specified"}});
 constexpr auto kRawHead = Rows<Avtp>({
     Number(2, "Active Pixels"), Number(2, "Total Lines"), Number(2, "Stream Data Length").Into(&Avtp::length), Word(2),
-    Flag(0, "Active Pixels Only"), Bits(1, 1, "Reserved"), Flag(2, "Second Field"), Flag(3, "End of Frame"), Bits(4, 4, "Event"),
-    Flag(8, "Pull-down"), Flag(9, "Interlaced"), Bits(10, 6, "Reserved 2"), Hex(1, "Reserved"), Word(1),
+    Flag(0, "Active Pixels Only"), Bits(1, 1, "Reserved"), Flag(2, "Second Field"), Flag(3, "End of Frame"),
+    Bits(4, 4, "Event"), Flag(8, "Pull-down"), Flag(9, "Interlaced"), Bits(10, 6, "Reserved 2"), Hex(1, "Reserved"), Word(1),
     Bits(0, 4, "Pixel Depth", kPixelDepths), Bits(4, 4, "Pixel Format", kPixelFormats), Number(1, "Frame Rate"), Word(1),
     Bits(0, 4, "Color Space"), Bits(4, 4, "Number of Lines"), Hex(1, "Reserved"), Number(1, "Interval Sequence Number"),
     Number(2, "Line Number")});
@@ -227,7 +234,8 @@ constexpr auto kClockHead = Rows<Avtp>({
     Word(1), Flag(0, "Stream ID Valid"), Bits(1, 3, "Version"), Flag(4, "Media Clock Restart"), Bits(5, 1, "Reserved"),
     Flag(6, "Frame Synchronization"), Flag(7, "Time Stamp Uncertain"), Number(1, "Sequence Number").Note(", Sequence %u"),
     Number(1, "Clock Type", kClockTypes).Note(", %s"), Hex(8, "Stream ID"), Word(4), Bits(0, 3, "Pull", kPullNames),
-    Bits(3, 29, "Base Frequency", " Hz"), Number(2, "Clock Data Length").Into(&Avtp::length), Number(2, "Time Stamp Interval")});
+    Bits(3, 29, "Base Frequency", " Hz"), Number(2, "Clock Data Length").Into(&Avtp::length),
+    Number(2, "Time Stamp Interval")});
 constexpr auto kClockTime = Rows<Avtp>({Number(8, "Clock Time Stamp", " ns")});
 
 void ShowClock(const Place& in, Cursor& c, Avtp& avtp) {
@@ -242,19 +250,19 @@ void ShowClock(const Place& in, Cursor& c, Avtp& avtp) {
 // --- messages of control buses ---
 
 constexpr auto kFlexRay = Rows<Avtp>({
-    Word(1), Bits(0, 2, "Padding"), Flag(2, "Message Time Stamp Valid"), Bits(3, 5, "Bus ID"), Word(1), Bits(0, 2, "Reserved"),
-    Bits(2, 2, "Channel"), Flag(4, "Startup Frame"), Flag(5, "Synchronization Frame"), Flag(6, "Payload Preamble"),
-    Flag(7, "Null Frame"), Number(8, "Message Time Stamp", " ns"), Word(4), Bits(0, 11, "Frame ID").Note(", Frame %u"),
-    Bits(11, 15, "Reserved"), Bits(26, 6, "Cycle")});
+    Word(1), Bits(0, 2, "Padding"), Flag(2, "Message Time Stamp Valid"), Bits(3, 5, "Bus ID"), Word(1),
+    Bits(0, 2, "Reserved"), Bits(2, 2, "Channel"), Flag(4, "Startup Frame"), Flag(5, "Synchronization Frame"),
+    Flag(6, "Payload Preamble"), Flag(7, "Null Frame"), Number(8, "Message Time Stamp", " ns"), Word(4),
+    Bits(0, 11, "Frame ID").Note(", Frame %u"), Bits(11, 15, "Reserved"), Bits(26, 6, "Cycle")});
 constexpr auto kCanFlags = Rows<Avtp>({
     Word(1), Bits(0, 2, "Padding"), Flag(2, "Message Time Stamp Valid"), Flag(3, "Remote Transmission Request"),
-    Flag(4, "Extended Frame Format"), Flag(5, "Bit Rate Switch"), Flag(6, "Flexible Data Rate"), Flag(7, "Error State Indicator"),
-    Word(1), Bits(0, 3, "Reserved"), Bits(3, 5, "Bus ID")});
+    Flag(4, "Extended Frame Format"), Flag(5, "Bit Rate Switch"), Flag(6, "Flexible Data Rate"),
+    Flag(7, "Error State Indicator"), Word(1), Bits(0, 3, "Reserved"), Bits(3, 5, "Bus ID")});
 constexpr auto kMessageTime = Rows<Avtp>({Number(8, "Message Time Stamp", " ns")});
 constexpr auto kCanId = Rows<Avtp>({Word(4), Bits(0, 3, "Reserved"), Bits(3, 29, "CAN ID").Note(", ID %u")});
 constexpr auto kLin = Rows<Avtp>({
-    Word(1), Bits(0, 2, "Padding"), Flag(2, "Message Time Stamp Valid"), Bits(3, 5, "Bus ID"), Hex(1, "LIN ID").Note(", ID 0x%.02X"),
-    Number(8, "Message Time Stamp", " ns")});
+    Word(1), Bits(0, 2, "Padding"), Flag(2, "Message Time Stamp Valid"), Bits(3, 5, "Bus ID"),
+    Hex(1, "LIN ID").Note(", ID 0x%.02X"), Number(8, "Message Time Stamp", " ns")});
 constexpr auto kMost = Rows<Avtp>({
     Word(1), Bits(0, 2, "Padding"), Flag(2, "Message Time Stamp Valid"), Bits(3, 5, "Network ID"), Hex(1, "Reserved"),
     Number(8, "Message Time Stamp", " ns"), Hex(2, "Device ID"), Hex(1, "Function Block ID"), Hex(1, "Instance ID"), Word(2),
@@ -266,8 +274,8 @@ constexpr auto kSerial = Rows<Avtp>({
 constexpr auto kParallel = Rows<Avtp>({Word(1), Bits(0, 2, "Padding"), Bits(2, 6, "Reserved"), Number(1, "Bit Width")});
 constexpr auto kSensorSizes = SortedNames({{0, "Within the Message"}, {1, "8 Bits"}, {2, "16 Bits"}, {3, "32 Bits"}});
 constexpr auto kSensor = Rows<Avtp>({
-    Word(1), Flag(0, "Message Time Stamp Valid"), Bits(1, 7, "Number of Sensors"), Word(1), Bits(0, 2, "Sensor Size", kSensorSizes),
-    Bits(2, 6, "Sensor Group")});
+    Word(1), Flag(0, "Message Time Stamp Valid"), Bits(1, 7, "Number of Sensors"), Word(1),
+    Bits(0, 2, "Sensor Size", kSensorSizes), Bits(2, 6, "Sensor Group")});
 constexpr auto kAecp = Rows<Avtp>({Hex(2, "Reserved")});
 
 void ShowTimedCan(const Place& in, Cursor& c, Avtp& avtp) {
@@ -291,7 +299,8 @@ void ShowMessages(const Place& in, Cursor& c, Avtp& avtp) {
 
 constexpr auto kControlHead = Rows<Avtp>({
     Word(2), Flag(0, "Stream ID Valid"), Bits(1, 3, "Version"), Bits(4, 1, "Reserved"),
-    Bits(5, 11, "Control Data Length").Into(&Avtp::length), Number(1, "Sequence Number").Note(", Sequence %u"), Hex(8, "Stream ID")});
+    Bits(5, 11, "Control Data Length").Into(&Avtp::length), Number(1, "Sequence Number").Note(", Sequence %u"),
+    Hex(8, "Stream ID")});
 
 void ShowTimedMessages(const Place& in, Cursor& c, Avtp& avtp) {
   ShowStreamHead(in, c, avtp);
@@ -324,8 +333,9 @@ void ShowStream(const Place& in, Cursor& c, Avtp& avtp) {
 constexpr auto kMaapNames = SortedNames({{1, "MAAP_PROBE"}, {2, "MAAP_DEFEND"}, {3, "MAAP_ANNOUNCE"}});
 constexpr auto kMaapBody = Rows<Avtp>({
     Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Message Type", kMaapNames).Note(", %s"), Word(2),
-    Bits(0, 5, "MAAP Version"), Bits(5, 11, "Control Data Length"), Hex(8, "Stream ID"), Mac("Requested Start Address").Note(", %s"),
-    Number(2, "Requested Count").Note(" x %u"), Mac("Conflict Start Address"), Number(2, "Conflict Count")});
+    Bits(0, 5, "MAAP Version"), Bits(5, 11, "Control Data Length"), Hex(8, "Stream ID"),
+    Mac("Requested Start Address").Note(", %s"), Number(2, "Requested Count").Note(" x %u"), Mac("Conflict Start Address"),
+    Number(2, "Conflict Count")});
 
 constexpr auto kOther = Rows<Avtp>({Word(1), Flag(0, "Header Specific"), Bits(1, 3, "Version"), Bits(4, 4, "Type Specific")});
 

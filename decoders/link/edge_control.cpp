@@ -28,13 +28,14 @@ constexpr auto kIdNames = SortedNames({
 constexpr auto kFormatNames = SortedNames({
     {1, "VID"}, {2, "MAC and VID"}, {3, "Group and VID"}, {4, "Group, MAC and VID"}});
 constexpr auto kInterface = Rows<Edge>({
-    Word(1), Bits(0, 1, "Reserved"), Flag(1, "Acknowledgement"), Flag(2, "Suspended or Keep"), Flag(3, "Migrating or Hard Error"),
-    Bits(4, 4, "Error Type", kErrorNames), Number(3, "VSI Type ID").Note(", Type %u"),
+    Word(1), Bits(0, 1, "Reserved"), Flag(1, "Acknowledgement"), Flag(2, "Suspended or Keep"),
+    Flag(3, "Migrating or Hard Error"), Bits(4, 4, "Error Type", kErrorNames), Number(3, "VSI Type ID").Note(", Type %u"),
     Number(1, "VSI Type Version"), Number(1, "VSI ID Format", kIdNames).Into(&Edge::type)});
 constexpr auto kId = Rows<Edge>({Bytes(16, "VSI ID")});
 constexpr auto kIPv6 = Rows<Edge>({IPv6("VSI ID")});
 constexpr auto kFilter = Rows<Edge>({
-    Number(1, "Filter Information Format", kFormatNames).Into(&Edge::format), Number(2, "Number of Entries").Into(&Edge::count)});
+    Number(1, "Filter Information Format", kFormatNames).Into(&Edge::format),
+    Number(2, "Number of Entries").Into(&Edge::count)});
 constexpr auto kVlan = Rows<Edge>({Word(2), Flag(0, "Priority Significant"), Bits(1, 3, "Priority"), Bits(4, 12, "VLAN ID")});
 constexpr auto kMac = Rows<Edge>({Mac("MAC Address")});
 constexpr auto kGroup = Rows<Edge>({Hex(4, "Group ID")});
@@ -58,8 +59,9 @@ void ShowInterface(const Place& in, Cursor& c, Edge& edge) {
 
 constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 0, .typeBits = 7};
 constexpr auto kElements = Choices<Edge>({
-    {1, "Pre-Associate", kInterface, ShowInterface}, {2, "Pre-Associate with Resource Reservation", kInterface, ShowInterface},
-    {3, "Associate", kInterface, ShowInterface}, {4, "De-Associate", kInterface, ShowInterface}, {5, "VSI Manager ID", kManager},
+    {1, "Pre-Associate", kInterface, ShowInterface},
+    {2, "Pre-Associate with Resource Reservation", kInterface, ShowInterface}, {3, "Associate", kInterface, ShowInterface},
+    {4, "De-Associate", kInterface, ShowInterface}, {5, "VSI Manager ID", kManager},
     {127, "Organization Specific", kOrganization}});
 
 }  // namespace
@@ -68,7 +70,8 @@ int32_t DecodeEdgeControl(const Place& at, Cursor c) {
   constexpr uint32_t kInterfaces = 1;
   if (Left(c) < 4) return 0;
   const Edge ahead = PeekRows(c, kEdgeHead);
-  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Edge Control: %s", LookupName(kSubtypeNames, ahead.subtype.value)));
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Edge Control: %s",
+      LookupName(kSubtypeNames, ahead.subtype.value)));
   Edge edge = ShowRows(in, c, kEdgeHead);
   // keys: number Type, Length
   if (edge.subtype.value == kInterfaces && Left(c) >= 2) {
@@ -100,8 +103,8 @@ int32_t DecodeCongestionTag(const Place& at, Cursor c) {
 int32_t DecodeCongestionMessage(const Place& at, Cursor c) {
   static constexpr auto kMessage = Rows<Edge>({
       Word(2), Bits(0, 4, "Version"), Bits(4, 6, "Reserved"), Bits(10, 6, "Quantized Feedback").Note(", Feedback %u"),
-      Hex(8, "Congestion Point ID"), Signed(2, "Queue Offset", " x 64 octets"), Signed(2, "Queue Delta", " x 64 octets"), Word(2),
-      Bits(0, 3, "Encapsulated Priority"), Bits(3, 13, "Reserved"), Mac("Encapsulated Destination Address"),
+      Hex(8, "Congestion Point ID"), Signed(2, "Queue Offset", " x 64 octets"), Signed(2, "Queue Delta", " x 64 octets"),
+      Word(2), Bits(0, 3, "Encapsulated Priority"), Bits(3, 13, "Reserved"), Mac("Encapsulated Destination Address"),
       Number(2, "Encapsulated Length").Into(&Edge::size)});
   constexpr int32_t kSize = 24;
   if (Left(c) < kSize) return 0;

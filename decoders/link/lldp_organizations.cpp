@@ -7,17 +7,18 @@ namespace qxview {
 namespace {
 
 constexpr auto kOrganizationNames = SortedNames({
-    {0x00005E, "IANA"}, {0x000142, "Cisco"}, {0x00040D, "Avaya"}, {0x00055D, "D-Link"}, {0x0008F1, "Volktek"}, {0x000B86, "Aruba"},
-    {0x000ECF, "PROFINET"}, {0x00120F, "IEEE 802.3"}, {0x0012BB, "TIA Telecommunications"}, {0x001B21, "Data Center Bridging"},
-    {0x0080C2, "IEEE 802.1"}, {0x009069, "Juniper"}, {0x00E02B, "Extreme"}, {0x30B216, "Hytec Geraetebau"},
-    {0x8CFDF0, "Qualcomm"}, {0xA42305, "ONOS"}});
+    {0x00005E, "IANA"}, {0x000142, "Cisco"}, {0x00040D, "Avaya"}, {0x00055D, "D-Link"}, {0x0008F1, "Volktek"},
+    {0x000B86, "Aruba"}, {0x000ECF, "PROFINET"}, {0x00120F, "IEEE 802.3"}, {0x0012BB, "TIA Telecommunications"},
+    {0x001B21, "Data Center Bridging"}, {0x0080C2, "IEEE 802.1"}, {0x009069, "Juniper"}, {0x00E02B, "Extreme"},
+    {0x30B216, "Hytec Geraetebau"}, {0x8CFDF0, "Qualcomm"}, {0xA42305, "ONOS"}});
 
 // --- IEEE 802.1 ---
 
 constexpr auto kPortVlan = Rows<Lldp>({Number(2, "Port VLAN ID").Note(", %u")});
 constexpr auto kProtocolVlan = Rows<Lldp>({
     Hex(1, "Flags"), Bits(0, 5, "Reserved"), Flag(5, "Port and Protocol VLAN Enabled"),
-    Flag(6, "Port and Protocol VLAN Supported"), Bits(7, 1, "Reserved 0"), Number(2, "Port and Protocol VLAN ID").Note(", %u")});
+    Flag(6, "Port and Protocol VLAN Supported"), Bits(7, 1, "Reserved 0"),
+    Number(2, "Port and Protocol VLAN ID").Note(", %u")});
 constexpr auto kVlanName = Rows<Lldp>({
     Number(2, "VLAN ID").Note(", %u"), Number(1, "VLAN Name Length"), Utf8(0, "VLAN Name").Note(", %s")});
 constexpr auto kProtocolIdentity = Rows<Lldp>({
@@ -100,12 +101,14 @@ constexpr auto kMauNames = SortedNames({
     {144, "10BASE-T1S Full Duplex"}});
 constexpr auto kClassNames = SortedNames({{0, "PD"}, {1, "PSE"}});
 constexpr auto kPairNames = SortedNames({{1, "Signal"}, {2, "Spare"}});
-constexpr auto kPowerClassNames = SortedNames({{1, "Class 0"}, {2, "Class 1"}, {3, "Class 2"}, {4, "Class 3"}, {5, "Class 4 and Above"}});
+constexpr auto kPowerClassNames = SortedNames({{1, "Class 0"}, {2, "Class 1"}, {3, "Class 2"}, {4, "Class 3"},
+    {5, "Class 4 and Above"}});
 constexpr auto kPowerTypeNames = SortedNames({{0, "Type 2 PSE"}, {1, "Type 2 PD"}, {2, "Type 1 PSE"}, {3, "Type 1 PD"}});
 constexpr auto kPowerSourceNames = SortedNames({
     {0, "Unknown"}, {1, "PSE or Primary"}, {2, "Local or Backup"}, {3, "PSE and Local"}});
 constexpr auto kPriorityNames = SortedNames({{0, "Unknown"}, {1, "Critical"}, {2, "High"}, {3, "Low"}});
-constexpr auto kPsePairNames = SortedNames({{0, "Not Powering"}, {1, "Powering 2-Pair"}, {2, "Powering 4-Pair, Dual-Signature"},
+constexpr auto kPsePairNames = SortedNames({{0, "Not Powering"}, {1, "Powering 2-Pair"},
+    {2, "Powering 4-Pair, Dual-Signature"},
                                             {3, "Powering 4-Pair, Single-Signature"}});
 
 void ShowTenths(const Place& in, const Field& field, const char* label) {
@@ -122,8 +125,9 @@ constexpr auto kPower = Rows<Lldp>({
     Number(1, "Power Class", kPowerClassNames)});
 constexpr auto kPowerMore = Rows<Lldp>({
     Hex(1, "Power Type, Source and Priority"), Bits(0, 2, "Power Type", kPowerTypeNames),
-    Bits(2, 2, "Power Source", kPowerSourceNames), Bits(4, 1, "Reserved"), Flag(5, "PD 4PID"), Bits(6, 2, "Power Priority", kPriorityNames),
-    Shown(2, "PD Requested Power", ShowTenths), Shown(2, "PSE Allocated Power", ShowTenths)});
+    Bits(2, 2, "Power Source", kPowerSourceNames), Bits(4, 1, "Reserved"), Flag(5, "PD 4PID"),
+    Bits(6, 2, "Power Priority", kPriorityNames), Shown(2, "PD Requested Power", ShowTenths),
+    Shown(2, "PSE Allocated Power", ShowTenths)});
 constexpr auto kPowerFour = Rows<Lldp>({
     Shown(2, "PD Requested Power Mode A", ShowTenths), Shown(2, "PD Requested Power Mode B", ShowTenths),
     Shown(2, "PSE Allocated Power Alternative A", ShowTenths), Shown(2, "PSE Allocated Power Alternative B", ShowTenths),
@@ -139,7 +143,8 @@ constexpr auto kEnergy = Rows<Lldp>({
     Number(2, "Transmit Tw_sys", " microseconds"), Number(2, "Receive Tw_sys", " microseconds"),
     Number(2, "Fallback Receive Tw_sys", " microseconds"), Number(2, "Echo Transmit Tw_sys", " microseconds"),
     Number(2, "Echo Receive Tw_sys", " microseconds")});
-constexpr auto kFastWake = Rows<Lldp>({Hex(1, "Transmit Fast Wake"), Hex(1, "Receive Fast Wake"), Hex(1, "Echo Transmit Fast Wake"),
+constexpr auto kFastWake = Rows<Lldp>({Hex(1, "Transmit Fast Wake"), Hex(1, "Receive Fast Wake"),
+    Hex(1, "Echo Transmit Fast Wake"),
                                        Hex(1, "Echo Receive Fast Wake")});
 constexpr auto kPreemption = Rows<Lldp>({
     Hex(2, "Additional Ethernet Capabilities"), Bits(0, 11, "Reserved"), Bits(11, 2, "Additional Fragment Size"),
@@ -166,7 +171,8 @@ constexpr auto kLocationNames = SortedNames({
     {0, "Invalid"}, {1, "Coordinate-Based LCI"}, {2, "Civic Address LCI"}, {3, "ECS ELIN"}});
 constexpr auto kWhatNames = SortedNames({{0, "DHCP Server"}, {1, "Network Element"}, {2, "Client"}});
 constexpr auto kMedPowerTypeNames = SortedNames({{0, "PSE Device"}, {1, "PD Device"}, {2, "Reserved"}, {3, "Reserved"}});
-constexpr auto kMedSourceNames = SortedNames({{0, "Unknown"}, {1, "PSE or Primary"}, {2, "Local or Backup"}, {3, "PSE and Local"}});
+constexpr auto kMedSourceNames = SortedNames({{0, "Unknown"}, {1, "PSE or Primary"}, {2, "Local or Backup"},
+    {3, "PSE and Local"}});
 
 constexpr auto kMedCapabilities = Rows<Lldp>({
     Flags(2, "Capabilities", kMedMasks), Number(1, "Device Type", kMedClassNames).Note(", %s")});
@@ -204,31 +210,45 @@ constexpr auto kDelays = Rows<Lldp>({
 constexpr auto kRTClass3StateNames = SortedNames({
     {0, "Off"}, {1, "Reserved"}, {2, "Up"}, {3, "Down"}, {4, "Running"}});
 constexpr auto kPortStatus = Rows<Lldp>({
-    Hex(2, "RT Class 2 Port Status"), Hex(2, "RT Class 3 Port Status"), Bits(0, 2, "Reserved"), Flag(2, "Frame Preamble Length Optimized"),
-    Flag(3, "Fragmentation Active"), Bits(4, 9, "Reserved 2"), Bits(13, 3, "RT Class 3 State", kRTClass3StateNames)});
+    Hex(2, "RT Class 2 Port Status"), Hex(2, "RT Class 3 Port Status"), Bits(0, 2, "Reserved"),
+    Flag(2, "Frame Preamble Length Optimized"), Flag(3, "Fragmentation Active"), Bits(4, 9, "Reserved 2"),
+    Bits(13, 3, "RT Class 3 State", kRTClass3StateNames)});
 constexpr auto kMrp = Rows<Lldp>({Bytes(16, "Domain UUID"), Hex(2, "MRRT Port Status")});
 constexpr auto kPnMac = Rows<Lldp>({Mac("Chassis MAC Address").Note(", %s")});
 constexpr auto kPtcp = Rows<Lldp>({Mac("Master Source Address"), Bytes(16, "Subdomain UUID"), Bytes(16, "IR Data UUID"),
-                                   Number(4, "Length of Period"), Number(4, "Red Period Begin"), Number(4, "Orange Period Begin"),
-                                   Number(4, "Green Period Begin")});
+                                   Number(4, "Length of Period"), Number(4, "Red Period Begin"),
+                                   Number(4, "Orange Period Begin"), Number(4, "Green Period Begin")});
 constexpr auto kCiscoPower = Rows<Lldp>({
     Hex(1, "Four-Wire Power via MDI"), Bits(0, 4, "Reserved"), Flag(4, "PD Requests Spare Pair Power"),
     Flag(5, "PD Spare Pair Desired State"), Flag(6, "Spare Pair Detection Required"), Flag(7, "Four-Pair PoE Supported")});
 constexpr auto kAvayaElement = Rows<Lldp>({
-    Bytes(32, "HMAC-SHA256 Digest"), Hex(2, "Element and Management VLAN"), Bits(0, 6, "Element Type"), Bits(6, 4, "State"),
-    Bits(10, 6, "Management VLAN High"), Bytes(0, "System ID")});
+    Bytes(32, "HMAC-SHA256 Digest"), Hex(3, "Element and Management VLAN"), Bits(0, 6, "Element Type"), Bits(6, 6, "State"),
+    Bits(12, 12, "Management VLAN"), Hex(1, "Reserved"), Bytes(0, "System ID")});
+constexpr auto kAvayaStatusNames = SortedNames({
+    {0, "Reserved"}, {1, "Assignment Pending"}, {2, "Assignment Accepted"}, {3, "Rejected: Generic"},
+    {4, "Rejected: Resources"}, {6, "Rejected: VLAN Invalid"}, {8, "Rejected: VLAN Unavailable"},
+    {9, "Rejected: Application Interaction"}});
+constexpr auto kAvayaDigest = Rows<Lldp>({Bytes(32, "HMAC-SHA256 Digest")});
+constexpr auto kAvayaAssignment = Rows<Lldp>({
+    Word(2), Bits(0, 4, "Assignment Status", kAvayaStatusNames), Bits(4, 12, "VLAN ID").Note(", VLAN %u"),
+    Number(3, "I-SID").Note(" %u")});
+void ShowAssignments(const Place& in, Cursor& c, Lldp& lldp) {
+  Loop loop;
+  while (Left(c) >= 5 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kAvayaAssignment, lldp);
+}
 constexpr auto kUrl = Rows<Lldp>({Utf8(0, "MUD URL").Note(", %s")});
 
 constexpr auto kOrganizations = Choices<Lldp>({
     {LldpCode(0x00005E, 1), "Manufacturer Usage Description", kUrl},
     {LldpCode(0x000142, 1), "Four-Wire Power via MDI", kCiscoPower},
     {LldpCode(0x00040D, 11), "Fabric Attach Element", kAvayaElement},
+    {LldpCode(0x00040D, 12), "Fabric Attach Assignments", kAvayaDigest, ShowAssignments},
     {LldpCode(0x000ECF, 1), "Measured Delay Values", kDelays}, {LldpCode(0x000ECF, 2), "Port Status", kPortStatus},
     {LldpCode(0x000ECF, 3), "Alias", kText}, {LldpCode(0x000ECF, 4), "MRP Port Status", kMrp},
     {LldpCode(0x000ECF, 5), "Chassis MAC", kPnMac}, {LldpCode(0x000ECF, 6), "PTCP Status", kPtcp},
-    {LldpCode(0x00120F, 1), "MAC/PHY Configuration and Status", kPhy}, {LldpCode(0x00120F, 2), "Power via MDI", kPower, ShowPower},
-    {LldpCode(0x00120F, 3), "Link Aggregation", kAggregation1}, {LldpCode(0x00120F, 4), "Maximum Frame Size", kFrameSize},
-    {LldpCode(0x00120F, 5), "Energy-Efficient Ethernet", kEnergy},
+    {LldpCode(0x00120F, 1), "MAC/PHY Configuration and Status", kPhy},
+    {LldpCode(0x00120F, 2), "Power via MDI", kPower, ShowPower}, {LldpCode(0x00120F, 3), "Link Aggregation", kAggregation1},
+    {LldpCode(0x00120F, 4), "Maximum Frame Size", kFrameSize}, {LldpCode(0x00120F, 5), "Energy-Efficient Ethernet", kEnergy},
     {LldpCode(0x00120F, 6), "Energy-Efficient Ethernet Fast Wake", kFastWake},
     {LldpCode(0x00120F, 7), "Additional Ethernet Capabilities", kPreemption},
     {LldpCode(0x00120F, 8), "Power via MDI Measurements", kMeasurement},
@@ -241,9 +261,9 @@ constexpr auto kOrganizations = Choices<Lldp>({
     {LldpCode(0x0080C2, 1), "Port VLAN ID", kPortVlan}, {LldpCode(0x0080C2, 2), "Port and Protocol VLAN ID", kProtocolVlan},
     {LldpCode(0x0080C2, 3), "VLAN Name", kVlanName}, {LldpCode(0x0080C2, 4), "Protocol Identity", kProtocolIdentity},
     {LldpCode(0x0080C2, 5), "VID Usage Digest", kUsageDigest}, {LldpCode(0x0080C2, 6), "Management VID", kManagementVlan},
-    {LldpCode(0x0080C2, 7), "Link Aggregation", kAggregation1}, {LldpCode(0x0080C2, 8), "Congestion Notification", kCongestion},
-    {LldpCode(0x0080C2, 13), "EVB", kEvb}, {LldpCode(0x0080C2, 14), "CDCP", kCdcp, ShowChannels},
-    {LldpCode(0x009069, 1), "Chassis Serial Number", kText}});
+    {LldpCode(0x0080C2, 7), "Link Aggregation", kAggregation1},
+    {LldpCode(0x0080C2, 8), "Congestion Notification", kCongestion}, {LldpCode(0x0080C2, 13), "EVB", kEvb},
+    {LldpCode(0x0080C2, 14), "CDCP", kCdcp, ShowChannels}, {LldpCode(0x009069, 1), "Chassis Serial Number", kText}});
 
 }  // namespace
 

@@ -46,6 +46,7 @@ void ShowStream(const Place& in, const Field& field, const char* label) {
 }
 
 constexpr auto kVlan = Rows<Registration>({Number(2, "VLAN").Note(", VLAN %u")});
+constexpr auto kServiceInstance = Rows<Registration>({Number(4, "I-SID").Note(", I-SID %u")});
 constexpr auto kService = Rows<Registration>({Number(1, "Service Requirement", kServiceNames).Note(", %s")});
 constexpr auto kGroup = Rows<Registration>({Mac("MAC Address").Note(", %s")});
 constexpr auto kTalker = Rows<Registration>({
@@ -73,6 +74,7 @@ struct Application {
 };
 constexpr Attribute kMvrp[] = {{"VLAN", kVlan, {}, false}};
 constexpr Attribute kMmrp[] = {{"Service Requirement", kService, {}, false}, {"MAC Address", kGroup, {}, false}};
+constexpr Attribute kMirp[] = {{"I-SID", kServiceInstance, {}, false}};
 constexpr Attribute kMsrp[] = {{"Talker Advertise", kTalker, {}, false}, {"Talker Failed", kTalker, kFailure, false},
                                {"Listener", kListener, {}, true}, {"Domain", kDomain, {}, false}};
 
@@ -87,18 +89,21 @@ void ShowEvents(const Place& in, Cursor& c, uint32_t count, bool byFour) {
   Loop loop;
   for (uint32_t first = 0; first < count && MoreAt(in, c, loop); first += byFour ? 4 : 3) {
     const Field packed = TakeU8(c);
-    const Place under = Under(in, AddLine(in, packed, "%s: 0x%.02X", byFour ? "Listener Declarations" : "Events", packed.value));
+    const Place under = Under(in,
+        AddLine(in, packed, "%s: 0x%.02X", byFour ? "Listener Declarations" : "Events", packed.value));
     const uint32_t of = packed.value;
     const uint32_t three[4] = {of / 36, of / 6 % 6, of % 6, 0}, four[4] = {of >> 6, of >> 4 & 3, of >> 2 & 3, of & 3};
     const uint32_t* events = byFour ? four : three;
     for (uint32_t i = 0; i < (byFour ? 4u : 3u) && first + i < count; ++i) {
       if (byFour) {
-        AddLine(under, packed, "Listener Declaration %u: %u = %s", first + i + 1, events[i], LookupName(kListenerNames, events[i]));
+        AddLine(under, packed, "Listener Declaration %u: %u = %s", first + i + 1, events[i],
+            LookupName(kListenerNames, events[i]));
       } else {
         AddLine(under, packed, "Event %u: %u = %s", first + i + 1, events[i], LookupName(kEventNames, events[i]));
       }
       if (first + i == 0) {
-        AppendToParent(in, packed, ", %s", byFour ? LookupName(kListenerNames, events[i]) : LookupName(kEventNames, events[i]));
+        AppendToParent(in, packed, ", %s",
+            byFour ? LookupName(kListenerNames, events[i]) : LookupName(kEventNames, events[i]));
       }
     }
   }
@@ -167,6 +172,7 @@ int32_t DecodeRegistration(const Place& at, Cursor c, const Application& applica
 
 int32_t DecodeMvrp(const Place& at, Cursor c) { return DecodeRegistration(at, c, {"MVRP", kMvrp, 1, false}); }
 int32_t DecodeMmrp(const Place& at, Cursor c) { return DecodeRegistration(at, c, {"MMRP", kMmrp, 2, false}); }
+int32_t DecodeMirp(const Place& at, Cursor c) { return DecodeRegistration(at, c, {"MIRP", kMirp, 1, false}); }
 int32_t DecodeMsrp(const Place& at, Cursor c) { return DecodeRegistration(at, c, {"MSRP", kMsrp, 4, true}); }
 
 }  // namespace qxview

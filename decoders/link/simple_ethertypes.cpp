@@ -1,6 +1,6 @@
 // Ethertypes whose payload is shown as a titled block: DCA multicast, proprietary switch data, load-balancing
 // heartbeats and 3Com NBP.
-#include "core/decoder.h"
+#include "core/rows.h"
 
 namespace qxview {
 namespace {
@@ -23,8 +23,16 @@ int32_t DecodeDcaMulticast(const Place& at, Cursor c) {
 
 int32_t DecodeFoundry(const Place& at, Cursor c) { return AddRawRest(at, c, "Foundry Proprietary Data"); }
 
+// The body has no public text beyond the head that its maker's own parser names.
 int32_t DecodeLoadBalancingHeartbeat(const Place& at, Cursor c) {
-  return ShowTitledBlock(at, c, "MS Network Load Balancing Heartbeat", "Heartbeat Data");
+  static constexpr auto kHead = LittleRows<NoValues>({
+      Hex(4, "Signature"), Hex(4, "Version"), Number(4, "Unique Host ID"), IPv4("Cluster IP Address"),
+      IPv4("Dedicated IP Address")});
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "MS Network Load Balancing Heartbeat"));
+  AddBlock(in, Ahead(c, Left(c)), "Heartbeat Data");
+  constexpr int32_t kHeadSize = 20;
+  if (Left(c) >= kHeadSize) ShowRows(in, c, kHead);
+  return 1;
 }
 
 int32_t DecodeNbp(const Place& at, Cursor c) { return ShowTitledBlock(at, c, "3Com NBP", "NBP Data"); }

@@ -1,6 +1,5 @@
 // What switches of one maker tell each other behind a SNAP header: unidirectional link detection (UDLD, RFC 5171), trunk
-// negotiation (DTP), whose elements alone are known, and two protocols without a public text (PAgP, DRiP), of which the kind
-// of message is told.
+// negotiation (DTP), whose elements alone are known, aggregated ports (PAgP), and a protocol without a public text (DRiP).
 #include "core/elements.h"
 #include "core/internet_checksum.h"
 #include "decoders/common/checksum_line.h"
@@ -24,7 +23,8 @@ constexpr auto kOpcodeNames = SortedNames({{0, "Reserved"}, {1, "Probe"}, {2, "E
 constexpr auto kUdldHead = Rows<Control>({
     Hex(1, "Version and Opcode"), Bits(0, 3, "Version"), Bits(3, 5, "Opcode", kOpcodeNames).Into(&Control::kind),
     Hex(1, "Flags"), Bits(0, 6, "Reserved"), Flag(6, "Resynchronization"), Flag(7, "Recommended Timeout")});
-constexpr auto kEchoPair = Rows<Control>({Counted(2, Utf8(0, "Device ID")).Note(", %s"), Counted(2, Utf8(0, "Port ID")).Note(" %s")});
+constexpr auto kEchoPair = Rows<Control>({Counted(2, Utf8(0, "Device ID")).Note(", %s"),
+    Counted(2, Utf8(0, "Port ID")).Note(" %s")});
 
 void ShowEchoes(const Place& in, Cursor& c, Control& out) {
   const Field count = TakeU32(c);
@@ -57,10 +57,25 @@ constexpr auto kNeighbor = Rows<Control>({Mac("Sender ID").Note(", %s")});
 constexpr auto kDtp = Choices<Control>({
     {1, "Domain", kText}, {2, "Trunk Status", kStatus}, {3, "Trunk Type", kType}, {4, "Sender ID", kNeighbor}});
 
-// --- without a public text ---
+// --- aggregated ports: as the patent US 5,959,968 describes them; DRiP has no public text ---
 
 constexpr auto kPagpNames = SortedNames({{1, "Information"}, {2, "Flush"}});
-constexpr auto kPagpHead = Rows<Control>({Number(1, "Version", kPagpNames)});
+constexpr auto kLearnNames = SortedNames({{1, "Any Port"}, {2, "Source-Based Distribution"}});
+constexpr auto kPagpHead = Rows<Control>({Number(1, "Version", kPagpNames).Into(&Control::version)});
+constexpr auto kPagpInformation = Rows<Control>({
+    Hex(1, "Flags"), Bits(0, 5, "Reserved"), Flag(5, "Consistent State"), Flag(6, "Automatic Mode"), Flag(7, "Slow Hello"),
+    Mac("Local Device ID").Note(", %s"), Number(1, "Local Learn Capability", kLearnNames),
+    Number(1, "Local Hot Standby Priority"), Number(4, "Local Port").Note(", Port %u"), Hex(4, "Local Group Capability"),
+    Number(4, "Local Group"), Mac("Partner Device ID").Note(", Partner %s"),
+    Number(1, "Partner Learn Capability", kLearnNames), Number(1, "Partner Hot Standby Priority"),
+    Number(4, "Partner Port").Note(" Port %u"), Hex(4, "Partner Group Capability"), Number(4, "Partner Group"),
+    Number(2, "Partner Count"), Number(2, "Number of Elements")});
+constexpr auto kPagpFlush = Rows<Control>({
+    Hex(1, "Reserved"), Mac("Local Device ID").Note(", %s"), Mac("Partner Device ID").Note(", Partner %s"),
+    Hex(4, "Transaction ID").Note(", Transaction 0x%.08X")});
+constexpr auto kPortAddress = Rows<Control>({Mac("Port Address").Note(", %s")});
+constexpr auto kPagp = Choices<Control>({
+    {1, "Device Name", kText}, {2, "Physical Port Name", kText}, {3, "Aggregated Port Address", kPortAddress}});
 
 }  // namespace
 
@@ -89,9 +104,17 @@ int32_t DecodeDtp(const Place& at, Cursor c) {
 }
 
 int32_t DecodePagp(const Place& at, Cursor c) {
+  constexpr uint32_t kInformation = 1, kFlush = 2;
   if (Left(c) < 2) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "PAgP: %s", LookupName(kPagpNames, PeekU8(c))));
-  ShowRows(in, c, kPagpHead);
+  Control out = ShowRows(in, c, kPagpHead);
+  if (out.version.value == kInformation) {
+    ShowRows<Control>(in, c, kPagpInformation, out);
+    ShowElements(in, c, kForm, "Element", kPagp, out);
+  } else if (out.version.value == kFlush) {
+    ShowRows<Control>(in, c, kPagpFlush, out);
+  }
+  c.ranShort = false;
   AddBlock(in, Rest(c), "PAgP Data");
   return 1;
 }

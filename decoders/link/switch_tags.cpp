@@ -46,8 +46,8 @@ constexpr auto kRealtekTag8 = Rows<Tag>({
 constexpr auto kRealtekTag4 = Rows<Tag>({
     Word(2), Bits(0, 4, "Processor Tag Protocol"), Bits(4, 8, "Port Flags"), Bits(12, 4, "Port").Note(", Port %u")});
 constexpr auto kRrcp = Rows<Tag>({
-    Number(1, "Protocol", kRealtekProtocols), Number(1, "Operation", kRealtekOperations).Into(&Tag::operation), Hex(2,
-    "Authentication Key")});
+    Number(1, "Protocol", kRealtekProtocols), Number(1, "Operation", kRealtekOperations).Into(&Tag::operation),
+    Flag(0, "Reply"), Bits(1, 7, "Operation Code"), Hex(2, "Authentication Key")});
 constexpr auto kRrcpRegister = LittleRows<Tag>({Hex(2, "Register Address"), Hex(4, "Register Data")});
 constexpr auto kRrcpHello = Rows<Tag>({
     Number(1, "Downlink Port"), Number(1, "Uplink Port"), Mac("Uplink Address"), Hex(2, "Chip ID"), Hex(4,

@@ -75,7 +75,12 @@ void ShowJoin(const Place& in, Cursor& c) {
   const Field first = TakeU16(c), last = TakeU16(c);
   AddLine(in, first, "First VLAN: %u", first.value);
   AddLine(in, last, "Last VLAN: %u", last.value);
-  AddBlock(in, Rest(c), "Advertised VLANs");
+  const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "Advertised VLANs"));
+  Loop loop;
+  for (uint32_t vlan = first.value; MoreAt(in, c, loop); vlan += 8) {
+    const Field active = TakeU8(c);
+    AddLine(under, active, "VLANs %u to %u: 0x%.02X", vlan, vlan + 7, active.value);
+  }
 }
 
 }  // namespace

@@ -1,0 +1,79 @@
+#!/bin/bash
+# neighbours.pcap: how devices tell their neighbours who they are. The two hosts run lldpd, the left one with every sender that
+# it has: LLDP with the elements of 802.1, 802.3 and LLDP-MED, CDP in both versions, EDP, FDP, SONMP. And between two switches:
+# rapid spanning tree, LACP, and continuity checks of connectivity fault management.
+# shellcheck source-path=SCRIPTDIR source=hosts.sh
+. "$(dirname "$0")/hosts.sh"
+need lldpd lldpcli ovs-vswitchd ovsdb-server ovsdb-tool ovs-vsctl
+
+speakers=()
+schema=/usr/share/openvswitch/vswitch.ovsschema
+vsctl() { OVS_RUNDIR=$work/$1 ovs-vsctl --db="unix:$work/$1/db.sock" --timeout=10 "${@:2}" >>"$work/log"; }
+await_file() { for _ in $(seq 50); do [ -e "$1" ] && return; sleep 0.1; done; }
+
+start_switch() {
+  local folder=$work/$1
+  mkdir "$folder"
+  ovsdb-tool create "$folder/conf.db" "$schema"
+  OVS_RUNDIR=$folder start_on "$1" ovsdb-server --remote="punix:$folder/db.sock" --pidfile="$folder/db.pid" \
+    --unixctl="$folder/db.ctl" "$folder/conf.db"
+  await_file "$folder/db.sock"
+  vsctl "$1" --no-wait init
+  OVS_RUNDIR=$folder start_on "$1" ovs-vswitchd "unix:$folder/db.sock" --pidfile="$folder/switch.pid" \
+    --unixctl="$folder/switch.ctl" --disable-system
+}
+
+lay_cable
+for host in "$left" "$right"; do
+  on "$host" ip address flush dev cable
+  for interface in all default cable; do
+    on "$host" bash -c "echo 1 >/proc/sys/net/ipv6/conf/$interface/disable_ipv6"
+  done
+done
+plug_in
+record cable
+
+# Discovery: some rounds of every sender. What they tell is made up, not the machine's.
+for host in "$left" "$right"; do
+  cat >"$work/$host.conf" <<END
+configure system hostname ${host:2:4}.example.net
+configure lldp tx-interval 2
+configure med fast-start enable
+configure ports cable lldp portidsubtype local cable description "The cable"
+configure ports cable med policy application voice tagged vlan 100 priority voice dscp 46
+configure ports cable med location coordinate latitude 48.85667N longitude 2.2014E altitude 117.47 m datum WGS84
+configure ports cable med location address country US language en 3 "Denver" 6 "Pine Street" 19 "500"
+configure ports cable med location elin 911
+configure ports cable med power pd source pse priority high value 12500
+configure ports cable dot3 power pd supported enabled paircontrol powerpairs spare class class-3 type 2 source pse priority low requested 10000 allocated 12000
+END
+done
+introduce() {
+  local host=$1; shift
+  start_on "$host" lldpd -d -k -M 4 -I cable -u "$work/$host.socket" -O "$work/$host.conf" -S "A host of a recording" \
+    -P Recorder -m 192.0.2.9 "$@"
+  speakers+=($!)
+}
+introduce "$left" -ccc -eee -fff -sss
+introduce "$right"
+sleep 6
+kill "${speakers[@]}"
+sleep 1
+
+# Switches: a tree that converges; then two ports that become one, with both ends of a service watching each other.
+for host in "$left" "$right"; do
+  start_switch "$host"
+  vsctl "$host" add-br tree -- set bridge tree datapath_type=netdev rstp_enable=true
+  vsctl "$host" add-port tree cable
+done
+vsctl "$left" set bridge tree other_config:rstp-priority=4096
+sleep 4
+for host in "$left" "$right"; do
+  vsctl "$host" del-br tree
+  vsctl "$host" add-br joined -- set bridge joined datapath_type=netdev
+  vsctl "$host" add-port joined cable -- set port cable lacp=active other_config:lacp-time=fast
+done
+vsctl "$left" set interface cable cfm_mpid=1 other_config:cfm_interval=1000
+vsctl "$right" set interface cable cfm_mpid=2 other_config:cfm_interval=1000
+sleep 5
+keep_as neighbours.pcap
