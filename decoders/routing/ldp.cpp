@@ -41,16 +41,34 @@ constexpr auto kStatusNames = SortedNames({
     {0x23, "Unexpected FT Cork TLV"}, {0x24, "Illegal C-Bit"}, {0x25, "Wrong C-Bit"},
     {0x26, "Incompatible Bit-Rate"}, {0x27, "CEP-TDM Mis-Configuration"}, {0x28, "PW Status"},
     {0x29, "Unassigned/Unrecognized TAI"}, {0x2A, "Generic Misconfiguration Error"},
-    {0x2B, "Label Withdraw PW Status Method"},
-    {0x2E, "Unsupported Capability"},
-    {0x2F, "End-of-LIB"}, {0x30, "TAI in Use"}, {0x31, "Invalid Topology ID"}, {0x32, "Transport Connection Mismatch"},
-    {0x33, "Dual-Stack Noncompliance"}, {0x3A, "PW Loop Detected"},
-    {0x40, "LDP MP Status"},
+    {0x2B, "Label Withdraw PW Status Method"}, {0x2C, "IP Address of CE"},
+    {0x2D, "Attachment Circuit Bound to Different Remote Attachment Circuit"}, {0x2E, "Unsupported Capability"},
+    {0x2F, "End-of-LIB"}, {0x30, "Attachment Circuit Bound to Different PE"}, {0x31, "Invalid Topology ID"},
+    {0x32, "Transport Connection Mismatch"}, {0x33, "Dual-Stack Noncompliance"},
+    {0x34, "MRT Capability Negotiated without MT Capability"}, {0x35, "VCCV Type Error"},
+    {0x37, "Bandwidth Resources Unavailable"}, {0x38, "Resources Unavailable"}, {0x39, "AII Unreachable"},
+    {0x3A, "PW Loop Detected"}, {0x3B, "Reject - Unable to Use the Suggested Tunnel/LSPs"},
+    {0x3C, "The C-Bit or S-Bit Unknown"}, {0x40, "LDP MP Status"}, {0x4A, "IP Address Type Mismatch"},
+    {0x4B, "Wrong IP Address Type"}, {0x4C, "Session Rejected / Targeted Application Capability Mismatch"},
     {0x00010001, "Unknown ICCP RG"}, {0x00010002, "ICCP Connection Count Exceeded"},
     {0x00010003, "ICCP Application Connection Count Exceeded"}, {0x00010004, "ICCP Application Not in RG"},
     {0x00010005, "Incompatible ICCP Protocol Version"}, {0x00010006, "ICCP Rejected Message"},
     {0x00010007, "ICCP Administratively Disabled"}, {0x00010010, "ICCP RG Removed"},
-    {0x00010011, "ICCP Application Removed from RG"}});
+    {0x00010011, "ICCP Application Removed from RG"}, {0x01000001, "Unexpected Diff-Serv TLV"},
+    {0x01000002, "Unsupported PHB"}, {0x01000003, "Invalid EXP<->PHB Mapping"}, {0x01000004, "Unsupported PSC"},
+    {0x01000005, "Per-LSP Context Allocation Failure"}, {0x04000001, "Bad Explicit Routing TLV"},
+    {0x04000002, "Bad Strict Node"}, {0x04000003, "Bad Loose Node"}, {0x04000004, "Bad Initial ER-Hop"},
+    {0x04000005, "Resource Unavailable"}, {0x04000006, "Traffic Parameters Unavailable"},
+    {0x04000007, "LSP Preempted"}, {0x04000008, "Modify Request Not Supported"}, {0x04000009, "Invalid SNP ID"},
+    {0x0400000A, "Calling Party Busy"}, {0x0400000B, "Unavailable SNP ID"}, {0x0400000C, "Invalid SNPP ID"},
+    {0x0400000D, "Unavailable SNPP ID"}, {0x0400000E, "Failed to Create SNC"},
+    {0x0400000F, "Failed to Establish LC"}, {0x04000010, "Invalid A End-User Name"},
+    {0x04000011, "Invalid Z End-User Name"}, {0x04000012, "Invalid CoS"}, {0x04000013, "Unavailable CoS"},
+    {0x04000014, "Invalid GoS"}, {0x04000015, "Unavailable GoS"}, {0x04000016, "Failed Security Check"},
+    {0x04000017, "Timeout"}, {0x04000018, "Invalid Call Name"}, {0x04000019, "Failed to Release SNC"},
+    {0x0400001A, "Failed to Free LC"}, {0x20000000, "Unknown VPN ID"}, {0x20000001, "Illegal C-Bit"},
+    {0x20000002, "Wrong C-Bit"}, {0x20000003, "E-Tree VLAN Mapping Not Supported"},
+    {0x20000004, "Leaf-to-Leaf PW Released"}});
 
 constexpr auto kHeader = Rows<Ldp>({
     Number(2, "Version"), Number(2, "PDU Length").Into(&Ldp::length), IPv4("LSR ID"), Number(2, "Label Space ID")});
@@ -136,6 +154,38 @@ constexpr auto kHop6 = Rows<Ldp>({
 constexpr auto kHopAs = Rows<Ldp>({
     Word(4), Flag(0, "Loose"), Bits(1, 15, "Reserved"), Bits(16, 16, "AS Number")});
 
+constexpr auto kUpstreamLabel = Rows<Ldp>({Number(4, "Reserved"), Number(4, "Upstream-Assigned Label").Note(", %u")});
+constexpr auto kReserved = Rows<Ldp>({Number(4, "Reserved")});
+constexpr auto kMessageNumber = Rows<Ldp>({Number(4, "Sequence Number").Note(", %u")});
+constexpr auto kCryptographic = Rows<Ldp>({
+    Hex(4, "Security Association ID"), Number(8, "Cryptographic Sequence Number"), Bytes(0, "Authentication Data")});
+constexpr auto kFlushMasks = SortedNames({{0x40, "Negative Flush"}, {0x80, "Context: PBB"}});
+constexpr auto kFlush = Rows<Ldp>({Flags(1, "Flush Flags", kFlushMasks), Number(1, "Reserved")});
+constexpr auto kService = Rows<Ldp>({Number(3, "Service Instance").Note(", %u")});
+void ShowServices(const Place& in, Cursor& c, Ldp& ldp) {
+  Loop loop;
+  while (Left(c) >= 3 && MoreAt(in, c, loop)) ShowRows<Ldp>(in, c, kService, ldp);
+}
+constexpr auto kGeneralRequest = Rows<Ldp>({
+    Number(1, "LSP Encoding Type"), Number(1, "Switching Type"), Hex(2, "Generalized PID")});
+constexpr auto kLabelSet = Rows<Ldp>({Number(1, "Action"), Word(3), Bits(0, 10, "Reserved"), Bits(10, 14, "Label Type")});
+void ShowLabels(const Place& in, Cursor& c, Ldp& ldp) {
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Ldp>(in, c, kLabel, ldp);
+}
+constexpr auto kWaveband = Rows<Ldp>({Hex(4, "Waveband ID"), Hex(4, "Start Label"), Hex(4, "End Label")});
+constexpr auto kAdministrative = Rows<Ldp>({
+    Word(4), Flag(0, "Reflect"), Bits(1, 28, "Reserved"), Flag(29, "Testing"), Flag(30, "Administratively Down"),
+    Flag(31, "Deletion in Progress")});
+constexpr auto kProtection = Rows<Ldp>({
+    Word(4), Flag(0, "Secondary"), Bits(1, 25, "Reserved"), Bits(26, 6, "Link Flags")});
+constexpr auto kMpStatus = Rows<Ldp>({Hex(1, "Status Code").Note(", 0x%.02X")});
+constexpr auto kMpStatuses = Choices<Ldp>({{1, "Make-Before-Break Status", kMpStatus}});
+void ShowMpStatus(const Place& in, Cursor& c, Ldp& ldp) {
+  ShowElements<Ldp>(in, c, ElementForm{.lengthSize = 2}, "Status Element", kMpStatuses, ldp);
+}
+constexpr auto kRates = Rows<Ldp>({Float(4, "Forward Bandwidth"), Float(4, "Reverse Bandwidth")});
+
 void ShowAddresses(const Place& in, Cursor& c, Ldp& ldp) {
   ShowRows<Ldp>(in, c, kAddresses, ldp);
   Loop loop;
@@ -161,14 +211,19 @@ void ShowReturned(const Place& in, Cursor& c, Ldp&);
 void ShowRoute(const Place& in, Cursor& c, Ldp&);
 
 constexpr auto kTlvs = Choices<Ldp>({
-    {0x0100, "FEC", {}, ShowLdpFecs}, {0x0101, "Address List", {}, ShowAddresses}, {0x0103, "Hop Count", kHops},
+    {0x0001, "Sequence Number", kMessageNumber}, {0x001C, "RSVP-TE P2MP LSP"}, {0x001D, "LDP P2MP LSP"},
+    {0x001E, "IP Multicast Tunnel"}, {0x0100, "FEC", {}, ShowLdpFecs}, {0x0101, "Address List", {}, ShowAddresses}, {0x0103, "Hop Count", kHops},
     {0x0104, "Path Vector", {}, ShowPath}, {0x0200, "Generic Label", kLabel}, {0x0201, "ATM Label", kAtmLabel},
-    {0x0202, "Frame Relay Label", kFrameRelayLabel}, {0x0300, "Status", kStatus},
+    {0x0202, "Frame Relay Label", kFrameRelayLabel}, {0x0203, "FT Protection", kSequence},
+    {0x0204, "Upstream-Assigned Label", kUpstreamLabel}, {0x0205, "Upstream-Assigned Label Request", kReserved},
+    {0x0206, "Entropy Label Capability"}, {0x0300, "Status", kStatus},
     {0x0301, "Extended Status", kExtended},
     {0x0302, "Returned PDU"}, {0x0303, "Returned Message"}, {0x0304, "Returned TLVs", {}, ShowReturned},
     {0x0400, "Common Hello Parameters", kHello}, {0x0401, "IPv4 Transport Address", kTransport4},
     {0x0402, "Configuration Sequence Number", kConfiguration}, {0x0403, "IPv6 Transport Address", kTransport6},
-    {0x0404, "MAC List", {}, ShowMacs}, {0x0500, "Common Session Parameters", kSession},
+    {0x0404, "MAC List", {}, ShowMacs}, {0x0405, "Cryptographic Authentication", kCryptographic},
+    {0x0406, "MAC Flush Parameters", kFlush, ShowReturned}, {0x0407, "PBB B-MAC List", {}, ShowMacs},
+    {0x0408, "PBB I-SID List", {}, ShowServices}, {0x0500, "Common Session Parameters", kSession},
     {0x0501, "ATM Session Parameters", kAtmSession, ShowAtmRanges},
     {0x0502, "Frame Relay Session Parameters", kAtmSession, ShowFrameRelayRanges}, {0x0503, "FT Session", kTolerant},
     {0x0504, "FT Ack", kSequence}, {0x0505, "FT Cork"}, {0x0506, "Dynamic Capability Announcement", kCapability},
@@ -181,12 +236,27 @@ constexpr auto kTlvs = Choices<Ldp>({
     {0x0700, "ICCP Capability", kCapability}, {0x0701, "Dual-Stack Capability", kDualStack},
     {0x0800, "Explicit Route", {}, ShowRoute}, {0x0801, "IPv4 Explicit Route Hop", kHop4},
     {0x0802, "IPv6 Explicit Route Hop", kHop6}, {0x0803, "AS Explicit Route Hop", kHopAs},
-    {0x0804, "LSPID Explicit Route Hop", kLspId}, {0x0810, "Traffic Parameters", kTraffic},
+    {0x0804, "LSPID Explicit Route Hop", kLspId},
+    {0x0805, "Layer 2 PW Address of Switching Point"}, {0x0810, "Traffic Parameters", kTraffic},
     {0x0820, "Preemption", kPreemption}, {0x0821, "LSPID", kLspId}, {0x0822, "Resource Class", kClass},
-    {0x0823, "Route Pinning", kPinning}, {0x096A, "Pseudowire Status", kPwStatus},
+    {0x0823, "Route Pinning", kPinning}, {0x0824, "Generalized Label Request", kGeneralRequest},
+    {0x0825, "Generalized Label", {}, ShowLabels}, {0x0826, "Upstream Label", {}, ShowLabels},
+    {0x0827, "Label Set", kLabelSet, ShowLabels}, {0x0828, "Waveband Label", kWaveband}, {0x0829, "ER-Hop"},
+    {0x082A, "Acceptable Label Set", kLabelSet, ShowLabels}, {0x082B, "Administrative Status", kAdministrative},
+    {0x082C, "Interface ID"}, {0x082D, "IPv4 Interface ID"}, {0x082E, "IPv6 Interface ID"},
+    {0x082F, "IPv4 Interface Status"}, {0x0830, "IPv6 Interface Status"}, {0x0831, "Operator-Specific Call ID"},
+    {0x0832, "Globally Unique Call ID"}, {0x0833, "Call Capability"}, {0x0834, "Crankback"},
+    {0x0835, "Protection", kProtection}, {0x0836, "LSP Tunnel Interface ID"}, {0x0837, "Unnumbered Interface ID"},
+    {0x0838, "SONET/SDH Traffic Parameters"}, {0x0901, "Diff-Serv"}, {0x0902, "HSMP LSP Capability", kCapability},
+    {0x0960, "IPv4 Source ID"}, {0x0961, "IPv6 Source ID"}, {0x0962, "NSAP Source ID"},
+    {0x0963, "IPv4 Destination ID"}, {0x0964, "IPv6 Destination ID"}, {0x0965, "NSAP Destination ID"},
+    {0x0966, "Egress Label"}, {0x0967, "Local Connection ID"}, {0x0968, "Diversity"}, {0x0969, "Contract ID"},
+    {0x096A, "Pseudowire Status", kPwStatus},
     {0x096B, "Pseudowire Interface Parameters", {}, ShowLdpParameters}, {0x096C, "Pseudowire Group ID", kGroup},
-    {0x096D, "Pseudowire Switching Point", {}, ShowLdpSwitchingPoints}, {0x096E, "Pseudowire Bandwidth"},
-    {0x096F, "LDP MP Status"}, {0x3E00, "Vendor-Private", kVendor}});
+    {0x096D, "Pseudowire Switching Point", {}, ShowLdpSwitchingPoints}, {0x096E, "Pseudowire Bandwidth", kRates},
+    {0x096F, "LDP MP Status", {}, ShowMpStatus}, {0x0970, "UNI Service Level"}, {0x0971, "Queue Request"},
+    {0x0972, "MP Node Protection Capability", kCapability}, {0x0973, "PSN Tunnel Binding"},
+    {0x0974, "Egress Protection Capability", kCapability}, {0x3E00, "Vendor-Private", kVendor}});
 
 const Choice<Ldp>* TlvOf(uint32_t type) {
   constexpr uint32_t kVendorFirst = 0x3E00, kVendorLast = 0x3EFF;

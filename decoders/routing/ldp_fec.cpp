@@ -6,11 +6,12 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kWildcard = 1, kPrefix = 2, kHost = 3, kTypedWildcard = 5, kP2mp = 6, kMp2mpUp = 7, kMp2mpDown = 8;
+constexpr uint32_t kWildcard = 1, kPrefix = 2, kHost = 3, kRouted = 4, kHsmpUp = 9, kHsmpDown = 10;
+constexpr uint32_t kTypedWildcard = 5, kP2mp = 6, kMp2mpUp = 7, kMp2mpDown = 8;
 constexpr uint32_t kPwId = 128, kGeneralizedPwId = 129, kP2mpPwUp = 130, kP2mpPwDown = 132;
 
 constexpr auto kElementNames = SortedNames({
-    {1, "Wildcard"}, {2, "Prefix"}, {3, "Host Address"}, {5, "Typed Wildcard"}, {6, "P2MP"}, {7, "MP2MP Upstream"},
+    {1, "Wildcard"}, {2, "Prefix"}, {3, "Host Address"}, {4, "CR-LSP"}, {5, "Typed Wildcard"}, {6, "P2MP"}, {7, "MP2MP Upstream"},
     {8, "MP2MP Downstream"}, {9, "HSMP Upstream"}, {10, "HSMP Downstream"}, {128, "PWid"}, {129, "Generalized PWid"},
     {130, "P2MP PW Upstream"}, {131, "Protection"}, {132, "P2MP PW Downstream"}});
 constexpr auto kPwNames = SortedNames({
@@ -70,6 +71,13 @@ constexpr auto kVccv = Rows<Ldp>({
     Flags(1, "Control Channel Types", kChannelMasks), Flags(1, "Connectivity Verification Types", kVerificationMasks)});
 constexpr auto kFlow = Rows<Ldp>({
     Word(2), Flag(0, "Transmit Flow Labels"), Flag(1, "Receive Flow Labels"), Bits(2, 14, "Reserved")});
+constexpr auto kAal1Cells = Rows<Ldp>({Number(2, "Cells per Packet")});
+constexpr auto kAal1Mode = Rows<Ldp>({Number(2, "AAL1 Mode")});
+constexpr auto kStackable = Rows<Ldp>({Hex(2, "Stack Capability")});
+constexpr auto kGenericFlags = Rows<Ldp>({Hex(2, "Generic Protocol Flags")});
+constexpr auto kTreeFlags = Rows<Ldp>({
+    Word(2), Bits(0, 14, "Reserved"), Flag(14, "VLAN Mapping"), Flag(15, "Leaf Only")});
+constexpr auto kOtherParameter = Rows<Ldp>({Bytes(0, nullptr)});
 
 constexpr auto kParameters = Choices<Ldp>({
     {0x01, "Interface MTU", kMtu}, {0x02, "Concatenated ATM Cells", kCells},
@@ -77,7 +85,11 @@ constexpr auto kParameters = Choices<Ldp>({
     {0x04, "CEP/TDM Payload", kPayload}, {0x05, "CEP Options", kCepOptions}, {0x06, "Requested VLAN", kVlan},
     {0x07, "CEP/TDM Bit Rate", kRate}, {0x08, "DLCI Length", kDlci}, {0x09, "Fragmentation", kFragments},
     {0x0A, "FCS Retention", kRetention}, {0x0B, "TDM Options", kTdm}, {0x0C, "VCCV", kVccv},
-    {0x17, "Flow Label", kFlow}});
+    {0x0D, "ROHC over MPLS Configuration", kOtherParameter}, {0x0E, "TDMoIP AAL1 Cells per Packet", kAal1Cells},
+    {0x0F, "CRTP/ECRTP/IPHC over MPLS Configuration", kOtherParameter}, {0x10, "TDMoIP AAL1 Mode", kAal1Mode},
+    {0x11, "TDMoIP AAL2 Options", kOtherParameter}, {0x16, "Stack Capability", kStackable}, {0x17, "Flow Label", kFlow},
+    {0x18, "PW Generic Protocol Flags", kGenericFlags}, {0x19, "VCCV Extended CV", kOtherParameter},
+    {0x1A, "E-Tree", kTreeFlags}});
 
 constexpr auto kSwitchId = Rows<Ldp>({Number(4, "Pseudowire ID of the Last Segment")});
 constexpr auto kSwitchText = Rows<Ldp>({Utf8(0, "Switching Point Description").Note(", %s")});
@@ -91,11 +103,31 @@ constexpr auto kSwitches = Choices<Ldp>({
 
 constexpr auto kLspNumber = Rows<Ldp>({Number(4, "LSP ID").Note(", %u")});
 constexpr auto kOpaqueBytes = Rows<Ldp>({Bytes(0, nullptr)});
+constexpr auto kTransit4 = Rows<Ldp>({IPv4("Source").Note(", %s"), IPv4("Group").Note(", %s")});
+constexpr auto kTransit6 = Rows<Ldp>({IPv6("Source").Note(", %s"), IPv6("Group").Note(", %s")});
+constexpr auto kShared4 = Rows<Ldp>({
+    Number(1, "Mask Length"), IPv4("Rendezvous Point").Note(", %s"), IPv4("Group").Note(", %s")});
+constexpr auto kShared6 = Rows<Ldp>({
+    Number(1, "Mask Length"), IPv6("Rendezvous Point").Note(", %s"), IPv6("Group").Note(", %s")});
+constexpr auto kVpnInner = Rows<Ldp>({
+    Hex(8, "Route Distinguisher"), Number(1, "Inner FEC Element Type", kElementNames)});
+constexpr auto kInnerType = Rows<Ldp>({Number(1, "Inner FEC Element Type", kElementNames)});
+void ShowInner(const Place& in, Cursor& c, Ldp& ldp);
 constexpr auto kOpaques = Choices<Ldp>({
     {1, "Generic LSP Identifier", kLspNumber}, {2, "Extended Type", kOpaqueBytes},
-    {3, "Transit IPv4 Source", kOpaqueBytes}, {4, "Transit IPv6 Source", kOpaqueBytes},
-    {5, "Transit IPv4 Bidirectional", kOpaqueBytes}, {6, "Transit IPv6 Bidirectional", kOpaqueBytes},
-    {7, "Recursive Opaque", kOpaqueBytes}, {8, "VPN-Recursive Opaque", kOpaqueBytes}});
+    {3, "Transit IPv4 Source", kTransit4}, {4, "Transit IPv6 Source", kTransit6},
+    {5, "Transit IPv4 Bidirectional", kShared4}, {6, "Transit IPv6 Bidirectional", kShared6},
+    {7, "Recursive Opaque", kInnerType, ShowInner}, {8, "VPN-Recursive Opaque", kVpnInner, ShowInner}});
+
+// A class inside another one: its opaque value holds no further one.
+void ShowInner(const Place& in, Cursor& c, Ldp& ldp) {
+  ShowRows<Ldp>(in, c, kFamily, ldp);
+  ShowRows<Ldp>(in, c, kSize, ldp);
+  Cursor address = TakeCursor(c, ldp.size.value);
+  ShowFamilyAddress(in, address, "Root Node Address", ldp.family.value);
+  ShowRows<Ldp>(in, c, kOpaqueLength, ldp);
+  AddBlock(in, Rest(c), "Inner Opaque Value");
+}
 
 void ShowMultipoint(const Place& in, Cursor& c, Ldp& ldp) {
   constexpr ElementForm kForm{.lengthSize = 2};
@@ -129,7 +161,8 @@ void ShowGeneralizedPw(const Place& in, Cursor& c, Ldp& ldp) {
 
 void ShowFec(const Place& in, Cursor& c, uint32_t type, Ldp& ldp) {
   switch (type) {
-    case kWildcard: return;
+    case kWildcard:
+    case kRouted: return;
     case kPrefix:
       ShowRows<Ldp>(in, c, kFamily, ldp);
       ShowRows<Ldp>(in, c, kBits, ldp);
@@ -145,7 +178,9 @@ void ShowFec(const Place& in, Cursor& c, uint32_t type, Ldp& ldp) {
     case kTypedWildcard: ShowRows<Ldp>(in, c, kTyped, ldp); return;
     case kP2mp:
     case kMp2mpUp:
-    case kMp2mpDown: ShowMultipoint(in, c, ldp); return;
+    case kMp2mpDown:
+    case kHsmpUp:
+    case kHsmpDown: ShowMultipoint(in, c, ldp); return;
     case kPwId: ShowPw(in, c, ldp); return;
     case kGeneralizedPwId:
     case kP2mpPwUp:

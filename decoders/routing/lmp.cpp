@@ -19,12 +19,13 @@ constexpr auto kTypeNames = SortedNames({
     {24, "TraceMismatch"}, {25, "TraceMismatchAck"}, {26, "TraceReq"}, {27, "TraceReport"}, {28, "TraceReqNack"},
     {29, "InsertTrace"}, {30, "InsertTraceAck"}, {31, "InsertTraceNack"}, {50, "ServiceConfig"},
     {51, "ServiceConfigAck"},
-    {52, "ServiceConfigNack"}});
+    {52, "ServiceConfigNack"}, {241, "DiscoveryResponse"}, {242, "DiscoveryResponseAck"},
+    {243, "DiscoveryResponseNack"}});
 constexpr auto kClassNames = SortedNames({
     {1, "CONTROL_CHANNEL_ID"}, {2, "NODE_ID"}, {3, "LINK_ID"}, {4, "INTERFACE_ID"}, {5, "MESSAGE_ID"}, {6, "CONFIG"},
     {7, "HELLO"}, {8, "BEGIN_VERIFY"}, {9, "BEGIN_VERIFY_ACK"}, {10, "VERIFY_ID"}, {11, "TE_LINK"}, {12, "DATA_LINK"},
     {13, "CHANNEL_STATUS"}, {14, "CHANNEL_STATUS_REQUEST"}, {20, "ERROR_CODE"}, {21, "TRACE"}, {22, "TRACE_REQ"},
-    {51, "SERVICE_CONFIG"}});
+    {51, "SERVICE_CONFIG"}, {248, "DA_DCN_ADDRESS"}, {249, "LOCAL_LAD_INFO"}});
 constexpr auto kFlagMasks = SortedNames({{1, "Control Channel Down"}, {2, "LMP Restart"}});
 
 struct Lmp {
@@ -54,7 +55,7 @@ constexpr auto kConfig = Rows<Lmp>({
 constexpr auto kHello = Rows<Lmp>({Number(4, "Transmit Sequence Number"), Number(4, "Receive Sequence Number")});
 constexpr auto kEncodingNames = SortedNames({
     {1, "Packet"}, {2, "Ethernet"}, {3, "ANSI/ETSI PDH"}, {5, "SDH/SONET"}, {7, "Digital Wrapper"}, {8, "Lambda"},
-    {9, "Fiber"}, {11, "FibreChannel"}});
+    {9, "Fiber"}, {11, "FibreChannel"}, {12, "G.709 ODUk"}, {13, "G.709 Optical Channel"}, {14, "Line"}});
 constexpr auto kVerifyMasks = SortedNames({{1, "Verify All Links"}, {2, "Data Link Type Is a Port"}});
 constexpr auto kTransportMasks = SortedNames({
     {0x0800, "64-byte J1 Trace"}, {0x1000, "16-byte J1 Trace"}, {0x2000, "64-byte J0 Trace"},
@@ -132,6 +133,22 @@ constexpr auto kSummaryErrors = SortedNames({
 constexpr auto kVerifyError = Rows<Lmp>({Flags(4, "Begin Verify Errors", kVerifyErrors)});
 constexpr auto kSummaryError = Rows<Lmp>({Flags(4, "Link Summary Errors", kSummaryErrors)});
 
+// Traces of SONET and SDH (RFC 4207 4): what a link's other end shall show.
+constexpr auto kTraceNames = SortedNames({
+    {1, "SONET Section Trace (J0)"}, {2, "SONET Path Trace (J1)"}, {3, "SDH Section Trace (J0)"},
+    {4, "SDH Path Trace (J1)"}});
+constexpr auto kTrace = Rows<Lmp>({
+    Number(2, "Trace Type", kTraceNames).Note(", %s"), Counted(2, Text(0, "Trace Message")).Note(", %s")});
+void ShowTraces(const Place& in, Cursor& c, Lmp& lmp) {
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Lmp>(in, c, kTrace, lmp);
+}
+constexpr auto kTraceRequest = Rows<Lmp>({Number(2, "Trace Type", kTraceNames).Note(", %s"), Number(2, "Reserved")});
+constexpr auto kBehaviorMasks = SortedNames({
+    {0x20000000, "Data Channel Status Confirmation"}, {0x40000000, "Optical Line Systems"},
+    {0x80000000, "SONET/SDH Testing"}});
+constexpr auto kBehavior = Rows<Lmp>({Flags(4, "Behavior Flags", kBehaviorMasks)});
+
 // By class (high octet) and C-Type.
 constexpr auto kObjects = Choices<Lmp>({
     {0x0101, "Local", kLocalChannel}, {0x0102, "Remote", kRemoteChannel}, {0x0201, "Local", kLocalNode},
@@ -141,6 +158,7 @@ constexpr auto kObjects = Choices<Lmp>({
     {0x0401, "Local", kLocal4}, {0x0402, "Remote", kRemote4}, {0x0403, "Local", kLocal6}, {0x0404, "Remote", kRemote6},
     {0x0405, "Local", kLocalNumber}, {0x0406, "Remote", kRemoteNumber}, {0x0501, "Message ID", kMessageId},
     {0x0502, "Message ID Acknowledgement", kMessageId}, {0x0601, "Hello Configuration", kConfig},
+    {0x0603, "Behavior Configuration", kBehavior},
     {0x0701, "Hello", kHello},
     {0x0801, "Begin Verify", kBeginVerify}, {0x0901, "Begin Verify Acknowledgement", kVerifyAck},
     {0x0A01, "Verify ID", kVerifyId}, {0x0B01, "IPv4", kTeLink4}, {0x0B02, "IPv6", kTeLink6},
@@ -149,7 +167,8 @@ constexpr auto kObjects = Choices<Lmp>({
     {0x0D01, "IPv4", {}, ShowStates4}, {0x0D02, "IPv6", {}, ShowStates6}, {0x0D03, "Unnumbered", {},
     ShowStatesOfNumbers},
     {0x0E01, "IPv4", {}, ShowAsked4}, {0x0E02, "IPv6", {}, ShowAsked6}, {0x0E03, "Unnumbered", {}, ShowAskedNumbers},
-    {0x1401, "Begin Verify Error", kVerifyError}, {0x1402, "Link Summary Error", kSummaryError}});
+    {0x1401, "Begin Verify Error", kVerifyError}, {0x1402, "Link Summary Error", kSummaryError},
+    {0x1501, "Trace", {}, ShowTraces}, {0x1601, "Trace Request", kTraceRequest}});
 
 }  // namespace
 

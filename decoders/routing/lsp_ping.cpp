@@ -33,7 +33,15 @@ constexpr auto kReturnNames = SortedNames({
     {12, "Protocol Not Associated with Interface at FEC Stack-Depth"}, {13, "Premature Termination of Ping"},
     {14, "See DDMAP TLV for Meaning of Return Code and Return Subcode"}, {15, "Label Switched with FEC Change"},
     {16, "Proxy Ping Not Authorized"}, {17, "Proxy Ping Parameters Need to Be Modified"},
-    {18, "MPLS Echo Request Could Not Be Sent"}, {19, "Replying Router Has FEC Mapping for Topmost FEC"}});
+    {18, "MPLS Echo Request Could Not Be Sent"}, {19, "Replying Router Has FEC Mapping for Topmost FEC"},
+    {20, "One or More TLVs Not Returned Due to MTU Size"}, {33, "OAM Problem/Unsupported BFD Version"},
+    {34, "OAM Problem/Unsupported BFD Encapsulation Format"}, {35, "OAM Problem/Unsupported BFD Authentication Type"},
+    {36, "OAM Problem/Mismatch of BFD Authentication Key ID"},
+    {37, "OAM Problem/Unsupported Timestamp Format"}, {38, "OAM Problem/Unsupported Delay Mode"},
+    {39, "OAM Problem/Unsupported Loss Mode"}, {40, "OAM Problem/Delay Variation Unsupported"},
+    {41, "OAM Problem/Dyadic Mode Unsupported"}, {42, "OAM Problem/Loopback Mode Unsupported"},
+    {43, "OAM Problem/Combined Mode Unsupported"}, {44, "OAM Problem/Fault Management Signaling Unsupported"},
+    {45, "OAM Problem/Unable to Create Fault Management Association"}});
 constexpr auto kFlagMasks = SortedNames({
     {1, "Validate FEC Stack"}, {2, "Respond Only If TTL Expired"}, {4, "Validate Reverse Path"}});
 
@@ -95,6 +103,52 @@ constexpr auto kStatic = Rows<Ping>({
     Hex(4, "Source Global ID"), IPv4("Source Node ID"), Number(2, "Source Tunnel Number"), Number(2, "LSP Number"),
     Hex(4, "Destination Global ID"), IPv4("Destination Node ID"), Number(2, "Destination Tunnel Number"),
     Hex(2, "Reserved")});
+constexpr auto kMultipoint4 = Rows<Ping>({
+    Hex(4, "P2MP ID").Note(", P2MP 0x%.08X"), Number(2, "Reserved"), Number(2, "Tunnel ID").Note(", Tunnel %u"),
+    IPv4("Extended Tunnel ID"), IPv4("Tunnel Sender Address"), Number(2, "Reserved"),
+    Number(2, "LSP ID").Note(", LSP %u")});
+constexpr auto kMultipoint6 = Rows<Ping>({
+    Hex(4, "P2MP ID").Note(", P2MP 0x%.08X"), Number(2, "Reserved"), Number(2, "Tunnel ID").Note(", Tunnel %u"),
+    IPv6("Extended Tunnel ID"), IPv6("Tunnel Sender Address"), Number(2, "Reserved"),
+    Number(2, "LSP ID").Note(", LSP %u")});
+constexpr auto kStaticPw = Rows<Ping>({
+    Hex(8, "Service Identifier"), Hex(4, "Source Global ID"), IPv4("Source Node ID"),
+    Number(4, "Source Attachment Circuit ID"), Hex(4, "Destination Global ID"), IPv4("Destination Node ID"),
+    Number(4, "Destination Attachment Circuit ID")});
+
+// A multicast tree of label distribution: its root, and what its routers call it (RFC 6425 3.1.2).
+constexpr auto kTreeRoot = Rows<Ping>({
+    Number(2, "Address Family", AddressFamilyName).Into(&Ping::family), Number(1, "Address Length").Into(&Ping::length)});
+constexpr auto kTreeName = Rows<Ping>({Counted(2, Bytes(0, "Opaque Value")), Bytes(0, "Padding")});
+void ShowTree(const Place& in, Cursor& c, Ping& ping) {
+  ShowRows<Ping>(in, c, kTreeRoot, ping);
+  Cursor root = TakeCursor(c, ping.length.value);
+  ShowFamilyAddress(in, root, "Root LSR Address", ping.family.value);
+  ShowRows<Ping>(in, c, kTreeName, ping);
+}
+
+// The ends of an adjacency are told as its type and its protocol tell them (RFC 8287 5.3).
+constexpr auto kAdjacencyNames = SortedNames({
+    {0, "Unnumbered"}, {1, "Parallel"}, {4, "IPv4"}, {6, "IPv6"}});
+constexpr auto kAdjacency = Rows<Ping>({
+    Number(1, "Adjacency Type", kAdjacencyNames).Into(&Ping::family), Number(1, "IGP", kProtocolNames).Into(&Ping::type),
+    Hex(2, "Reserved")});
+constexpr auto kLinks4 = Rows<Ping>({
+    IPv4("Local Interface Address").Note(", %s"), IPv4("Remote Interface Address").Note(" -> %s")});
+constexpr auto kLinks6 = Rows<Ping>({
+    IPv6("Local Interface Address").Note(", %s"), IPv6("Remote Interface Address").Note(" -> %s")});
+constexpr auto kLinks = Rows<Ping>({Number(4, "Local Interface ID"), Number(4, "Remote Interface ID")});
+constexpr auto kRouters = Rows<Ping>({IPv4("Advertising Node ID"), IPv4("Receiving Node ID")});
+constexpr auto kSystems = Rows<Ping>({Bytes(6, "Advertising System ID"), Bytes(6, "Receiving System ID")});
+void ShowAdjacency(const Place& in, Cursor& c, Ping& ping) {
+  constexpr uint32_t kIsIs = 2, kAdjacency4 = 4, kAdjacency6 = 6;
+  ShowRows<Ping>(in, c, kAdjacency, ping);
+  const uint32_t kind = ping.family.value, igp = ping.type.value;
+  ShowRows<Ping>(in, c, kind == kAdjacency4   ? RowSpan<Ping>(kLinks4)
+                        : kind == kAdjacency6 ? RowSpan<Ping>(kLinks6)
+                                              : RowSpan<Ping>(kLinks), ping);
+  ShowRows<Ping>(in, c, igp == kIsIs ? RowSpan<Ping>(kSystems) : RowSpan<Ping>(kRouters), ping);
+}
 
 constexpr auto kFecs = Choices<Ping>({
     {1, "LDP IPv4 Prefix", kPrefix4}, {2, "LDP IPv6 Prefix", kPrefix6}, {3, "RSVP IPv4 LSP", kTunnel4},
@@ -103,11 +157,12 @@ constexpr auto kFecs = Choices<Ping>({
     {10, "FEC 128 Pseudowire - IPv4", kPw4}, {11, "FEC 129 Pseudowire - IPv4", kGeneral4},
     {12, "BGP Labeled IPv4 Prefix", kPrefix4}, {13, "BGP Labeled IPv6 Prefix", kPrefix6},
     {14, "Generic IPv4 Prefix", kPrefix4}, {15, "Generic IPv6 Prefix", kPrefix6}, {16, "Nil FEC", kNil},
-    {17, "RSVP P2MP IPv4 Session"}, {18, "RSVP P2MP IPv6 Session"}, {19, "Multicast P2MP LDP FEC Stack"},
-    {20, "Multicast MP2MP LDP FEC Stack"}, {22, "Static LSP", kStatic}, {23, "Static Pseudowire"},
+    {17, "RSVP P2MP IPv4 Session", kMultipoint4}, {18, "RSVP P2MP IPv6 Session", kMultipoint6},
+    {19, "Multicast P2MP LDP FEC Stack", {}, ShowTree}, {20, "Multicast MP2MP LDP FEC Stack", {}, ShowTree},
+    {22, "Static LSP", kStatic}, {23, "Static Pseudowire", kStaticPw},
     {24, "FEC 128 Pseudowire - IPv6", kPw6}, {25, "FEC 129 Pseudowire - IPv6", kGeneral6},
     {34, "IPv4 IGP-Prefix Segment ID", kSegment4}, {35, "IPv6 IGP-Prefix Segment ID", kSegment6},
-    {36, "IGP-Adjacency Segment ID"}});
+    {36, "IGP-Adjacency Segment ID", {}, ShowAdjacency}});
 void ShowFecs(const Place& in, Cursor& c, Ping& ping) { ShowElements<Ping>(in, c, kForm, "FEC", kFecs, ping); }
 
 constexpr auto kAddressNames = SortedNames({
@@ -184,7 +239,33 @@ constexpr auto kPad = Rows<Ping>({Number(1, "Pad Action", kPadNames), Bytes(0, "
 constexpr auto kVendor = Rows<Ping>({Number(4, "Vendor Enterprise Number")});
 constexpr auto kStackHead = Rows<Ping>({
     Number(1, "Address Type", kAddressNames).Into(&Ping::family), Hex(3, "Reserved")});
-constexpr auto kErrored = Rows<Ping>({Bytes(0, "Errored TLVs")});
+void ShowErrored(const Place& in, Cursor& c, Ping& ping);
+constexpr auto kResponder4 = Rows<Ping>({IPv4("Responder Address").Note(", %s")});
+constexpr auto kResponder6 = Rows<Ping>({IPv6("Responder Address").Note(", %s")});
+constexpr auto kResponders = Choices<Ping>({
+    {1, "IPv4 Egress Address", kResponder4}, {2, "IPv6 Egress Address", kResponder6},
+    {3, "IPv4 Node Address", kResponder4}, {4, "IPv6 Node Address", kResponder6}});
+void ShowResponders(const Place& in, Cursor& c, Ping& ping) {
+  ShowElements<Ping>(in, c, kForm, "Identifier", kResponders, ping);
+}
+constexpr auto kProxy = Rows<Ping>({
+    Number(1, "Address Type", kAddressNames).Into(&Ping::family), Number(1, "Reply Mode", kModeNames),
+    Hex(2, "Proxy Flags"), Number(1, "TTL"), Number(1, "Requested DSCP"), Number(2, "Source UDP Port"),
+    Hex(2, "Proxied Global Flags"), Number(2, "MPLS Payload Size")});
+constexpr auto kReplyTo = Rows<Ping>({
+    Number(1, "Address Type", kAddressNames).Into(&Ping::family), Hex(3, "Reserved")});
+constexpr auto kTo4 = Rows<Ping>({IPv4("Address").Note(", %s")});
+constexpr auto kTo6 = Rows<Ping>({IPv6("Address").Note(", %s")});
+void ShowTo(const Place& in, Cursor& c, Ping& ping) {
+  constexpr uint32_t kFirstIpv6 = 3, kLastIpv6 = 4;
+  const bool isSix = ping.family.value >= kFirstIpv6 && ping.family.value <= kLastIpv6;
+  ShowRows<Ping>(in, c, isSix ? RowSpan<Ping>(kTo6) : RowSpan<Ping>(kTo4), ping);
+}
+constexpr auto kNextHop = Choices<Ping>({{1, "IPv4 Next Hop", kTo4}, {2, "IPv6 Next Hop", kTo6}});
+void ShowProxied(const Place& in, Cursor& c, Ping& ping) {
+  ShowTo(in, c, ping);
+  ShowElements<Ping>(in, c, kForm, "Next Hop", kNextHop, ping);
+}
 constexpr auto kTos = Rows<Ping>({Hex(1, "Reply TOS"), Hex(3, "Reserved")});
 constexpr auto kDiscriminator = Rows<Ping>({Hex(4, "BFD Discriminator")});
 constexpr auto kJitter = Rows<Ping>({Number(4, "Echo Jitter", " milliseconds")});
@@ -195,11 +276,22 @@ constexpr auto kClass = Rows<Ping>({Word(4), Bits(0, 3, "Reply Traffic Class"), 
 constexpr auto kTlvs = Choices<Ping>({
     {1, "Target FEC Stack", {}, ShowFecs}, {2, "Downstream Mapping", kMapping, ShowMapping}, {3, "Pad", kPad},
     {5, "Vendor Enterprise Number", kVendor}, {7, "Interface and Label Stack", kStackHead, ShowStack},
-    {9, "Errored TLVs", kErrored}, {10, "Reply TOS Byte", kTos}, {11, "P2MP Responder Identifier"},
+    {9, "Errored TLVs", {}, ShowErrored}, {10, "Reply TOS Byte", kTos}, {11, "P2MP Responder Identifier", {}, ShowResponders},
     {12, "Echo Jitter", kJitter}, {13, "Source ID", kNode}, {14, "Destination ID", kNode},
     {15, "BFD Discriminator", kDiscriminator}, {20, "Downstream Detailed Mapping", kMapping, ShowDetailed},
-    {21, "Reply Path", kPath, ShowFecs}, {22, "Reply TC", kClass}, {23, "Proxy Echo Parameters"},
-    {24, "Reply-to Address"}});
+    {21, "Reply Path", kPath, ShowFecs}, {22, "Reply TC", kClass}, {23, "Proxy Echo Parameters", kProxy, ShowProxied},
+    {24, "Reply-to Address", kReplyTo, ShowTo}});
+
+// TLVs that were not understood come back as they were; those within are not opened again.
+constexpr auto kErroredTlv = Rows<Ping>({Number(2, "Errored TLV Type"), Counted(2, Bytes(0, "Errored TLV"))});
+void ShowErrored(const Place& in, Cursor& c, Ping& ping) {
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
+    const int32_t size = static_cast<int32_t>(PeekU16(c, 2));
+    ShowRows<Ping>(in, c, kErroredTlv, ping);
+    TakeBytes(c, -size & 3);
+  }
+}
 
 }  // namespace
 

@@ -13,6 +13,7 @@ ChoiceSpan<Rsvp> RsvpObjects();
 
 void ShowRsvpExplicitRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpRecordedRoute(const Place& in, Cursor& c, Rsvp& rsvp);
+void ShowRsvpPolicies(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpFlow(const Place& in, Cursor& c, Rsvp& rsvp);   // integrated services: specifications of flows
 
 }  // namespace qxview

@@ -60,24 +60,54 @@ constexpr auto kErrorNames = SortedNames({
     {8, "Conflicting Sender Ports"}, {12, "Service Preempted"}, {13, "Unknown Object Class"},
     {14, "Unknown Object C-Type"}, {20, "Reserved for API"}, {21, "Traffic Control Error"},
     {22, "Traffic Control System Error"}, {23, "RSVP System Error"}, {24, "Routing Problem"}, {25, "Notify"},
-    {26, "New Aggregate Needed"}, {27, "Diffserv-Aware TE Error"}, {28, "Reroute"}, {29, "Unknown Attributes TLV"},
-    {30, "Unknown Attributes Bit"}, {31, "Alarms"}, {32, "Call Management"}, {33, "User Error Spec"}});
+    {26, "New Aggregate Needed"}, {27, "Diffserv Error"}, {28, "Diffserv-Aware TE Error"},
+    {29, "Unknown Attributes TLV"}, {30, "Unknown Attributes Bit"}, {31, "Alarms"}, {32, "Call Management"},
+    {33, "User Error Spec"}, {34, "Reroute"}, {35, "Handover Procedure Failure"},
+    {36, "Unrecoverable Receiver Proxy Error"}, {37, "RSVP over MPLS Problem"}, {38, "LSP Hierarchy Issue"},
+    {39, "VCAT Call Management"}});
+constexpr auto kAdmissionNames = SortedNames({
+    {1, "Delay Bound Cannot Be Met"}, {2, "Requested Bandwidth Unavailable"},
+    {3, "MTU in Flowspec Larger than Interface MTU"}, {4, "LSP Admission Failure"}, {5, "Bad Association Type"}});
+constexpr auto kTrafficNames = SortedNames({
+    {1, "Service Conflict"}, {2, "Service Unsupported"}, {3, "Bad Flowspec Value"}, {4, "Bad Tspec Value"},
+    {5, "Bad Adspec Value"}});
+constexpr auto kDiffservNames = SortedNames({
+    {1, "Unexpected DIFFSERV Object"}, {2, "Unsupported PHB"}, {3, "Invalid EXP<->PHB Mapping"},
+    {4, "Unsupported PSC"}, {5, "Per-LSP Context Allocation Failure"}});
+constexpr auto kClassTypeNames = SortedNames({
+    {1, "Unexpected CLASSTYPE Object"}, {2, "Unsupported Class-Type"}, {3, "Invalid Class-Type Value"},
+    {4, "Class-Type and Setup Priority Do Not Form a Configured TE-Class"},
+    {5, "Class-Type and Holding Priority Do Not Form a Configured TE-Class"},
+    {6, "Class-Type and Both Priorities Do Not Form Configured TE-Classes"},
+    {7, "Inconsistency between PSC and Class-Type"}, {8, "Inconsistency between PSC and Class-Types of a Group"}});
 constexpr auto kRoutingNames = SortedNames({
     {1, "Bad EXPLICIT_ROUTE Object"}, {2, "Bad Strict Node"}, {3, "Bad Loose Node"}, {4, "Bad Initial Subobject"},
     {5, "No Route Available toward Destination"}, {6, "Unacceptable Label Value"}, {7, "RRO Indicated Routing Loops"},
     {8, "Non-RSVP-Capable Router in the Path"}, {9, "MPLS Label Allocation Failure"}, {10, "Unsupported L3PID"},
-    {11, "Label Set"}, {12, "Switching Type"}, {14, "Unsupported Encoding"}, {15, "Unsupported Link Protection"}});
+    {11, "Label Set"}, {12, "Switching Type"}, {14, "Unsupported Encoding"}, {15, "Unsupported Link Protection"},
+    {16, "Unknown Interface Index"}, {17, "Unsupported LSP Protection"}, {18, "PROTECTION Object Not Applicable"},
+    {19, "Bad PRIMARY_PATH_ROUTE Object"}, {20, "PRIMARY_PATH_ROUTE Object Not Applicable"},
+    {21, "LSP Admission Failure"}, {22, "Bad Association Type"}, {23, "Unable to Branch"},
+    {24, "Unsupported LSP Integrity"}, {25, "P2MP Re-Merge Detected"}, {26, "P2MP Re-Merge Parameter Mismatch"},
+    {27, "ERO Resulted in Re-Merge"}, {64, "Unsupported EXCLUDE_ROUTE Subobject Type"},
+    {65, "Inconsistent Subobject"}, {66, "Local Node in EXCLUDE_ROUTE"}, {67, "Route Blocked by EXCLUDE_ROUTE"},
+    {68, "EXCLUDE_ROUTE Object Too Complex"}, {69, "Explicit Exclusion Route Subobject Too Complex"}});
 constexpr auto kNotifyNames = SortedNames({
     {1, "RRO Too Large for MTU"}, {2, "RRO Notification"}, {3, "Tunnel Locally Repaired"},
     {4, "Control Channel Active"},
     {5, "Control Channel Degraded"}, {6, "Preferable Path Exists"}, {7, "Local Link Maintenance Required"},
-    {8, "Local Node Maintenance Required"}});
+    {8, "Local Node Maintenance Required"}, {9, "LSP Failure"}, {10, "LSP Recovered"}, {11, "LSP Locally Failed"}});
 
 const char* ErrorValueName(uint32_t code, uint32_t value) {
-  constexpr uint32_t kRouting = 24, kNotify = 25;
-  return code == kRouting  ? LookupName(kRoutingNames, value)
-         : code == kNotify ? LookupName(kNotifyNames, value)
-                           : nullptr;
+  switch (code) {
+    case 1: return LookupName(kAdmissionNames, value);
+    case 21: return LookupName(kTrafficNames, value);
+    case 24: return LookupName(kRoutingNames, value);
+    case 25: return LookupName(kNotifyNames, value);
+    case 27: return LookupName(kDiffservNames, value);
+    case 28: return LookupName(kClassTypeNames, value);
+    default: return nullptr;
+  }
 }
 constexpr auto kErrorCode = Rows<Rsvp>({
     Flags(1, "Error Flags", kErrorMasks), Number(1, "Error Code", kErrorNames).Note(", %s").Into(&Rsvp::code)});
@@ -259,7 +289,6 @@ void ShowPathAttributes(const Place& in, Cursor& c, Rsvp& rsvp) {
 constexpr auto kClassType = Rows<Rsvp>({Word(4), Bits(0, 29, "Reserved"), Bits(29, 3, "Class Type")});
 constexpr auto kSubPath4 = Rows<Rsvp>({IPv4("S2L Sub-LSP Destination").Note(", %s")});
 constexpr auto kSubPath6 = Rows<Rsvp>({IPv6("S2L Sub-LSP Destination").Note(", %s")});
-constexpr auto kOptions = Rows<Rsvp>({Bytes(0, "Object Contents")});
 constexpr auto kCall = Rows<Rsvp>({Number(1, "Call ID Type"), Bytes(0, "Call ID")});
 
 // The end points of connections that users ask optical networks for (OIF UNI 1.0).
@@ -284,9 +313,41 @@ void ShowUni(const Place& in, Cursor& c, Rsvp& rsvp) {
   ShowElements<Rsvp>(in, c, kForm, "Subobject", kUniParts, rsvp);
 }
 
+// What aggregates of reservations are named by (RFC 3175).
+constexpr auto kAggregate4 = Rows<Rsvp>({
+    IPv4("Destination Address").Note(", %s"), Number(3, "Reserved"), Number(1, "DSCP").Note(", DSCP %u")});
+constexpr auto kAggregate6 = Rows<Rsvp>({
+    IPv6("Destination Address").Note(", %s"), Number(3, "Reserved"), Number(1, "DSCP").Note(", DSCP %u")});
+constexpr auto kAggregator4 = Rows<Rsvp>({IPv4("Aggregator Address").Note(", %s")});
+constexpr auto kAggregator6 = Rows<Rsvp>({IPv6("Aggregator Address").Note(", %s")});
+constexpr auto kDetour6 = Rows<Rsvp>({
+    IPv6("Point of Local Repair").Note(", %s"), IPv6("Avoided Node").Note(" avoids %s")});
+void ShowDetours6(const Place& in, Cursor& c, Rsvp& rsvp) {
+  Loop loop;
+  while (Left(c) >= 32 && MoreAt(in, c, loop)) ShowRows<Rsvp>(in, c, kDetour6, rsvp);
+}
+constexpr auto kChallenge = Rows<Rsvp>({
+    Hex(1, "Challenge Flags"), Number(1, "Reserved"), Bytes(6, "Key Identifier"), Bytes(0, "Challenge Cookie")});
+constexpr auto kMapCount = Rows<Rsvp>({
+    Word(4), Bits(0, 28, "Reserved"), Bits(28, 4, "Number of Mappings").Note(", %u mappings")});
+constexpr auto kMap = Rows<Rsvp>({
+    Word(4), Bits(0, 13, "Reserved"), Bits(13, 3, "EXP"), Bits(16, 6, "PHB DSCP"), Bits(22, 8, "PHB Reserved"),
+    Flag(30, "PHB Set"), Flag(31, "Private PHB")});
+void ShowMaps(const Place& in, Cursor& c, Rsvp& rsvp) {
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Rsvp>(in, c, kMap, rsvp);
+}
+constexpr auto kScheduling = Rows<Rsvp>({
+    Number(2, "Reserved"), Hex(2, "PHB Scheduling Class").Note(", 0x%.04X"), Bits(0, 6, "PHB DSCP"),
+    Bits(6, 8, "PHB Reserved"), Flag(14, "PHB Set"), Flag(15, "Private PHB")});
+constexpr auto kUserError = Rows<Rsvp>({
+    Number(4, "Enterprise Number"), Number(1, "Suborganization"), Number(1, "Description Length").Into(&Rsvp::size),
+    Number(2, "User Error Value").Note(", %u"), Utf8(0, "Error Description").Note(", %s").SizedBy(&Rsvp::size),
+    Bytes(0, "Padding")});
+
 constexpr auto kObjects = Choices<Rsvp>({
     {0x0101, "IPv4", kSession4}, {0x0102, "IPv6", kSession6}, {0x0107, "LSP Tunnel IPv4", kTunnel4},
-    {0x0108, "LSP Tunnel IPv6", kTunnel6}, {0x010B, "UNI IPv4", kTunnel4},
+    {0x0108, "LSP Tunnel IPv6", kTunnel6}, {0x0109, "Aggregate IPv4", kAggregate4}, {0x010A, "Aggregate IPv6", kAggregate6}, {0x010B, "UNI IPv4", kTunnel4},
     {0x010D, "P2MP LSP Tunnel IPv4", kMultipoint4},
     {0x010E, "P2MP LSP Tunnel IPv6", kMultipoint6}, {0x010F, "E-NNI IPv4", kTunnel4}, {0x0301, "IPv4", kHop4},
     {0x0302, "IPv6", kHop6}, {0x0303, "IPv4 IF_ID", kHop4, ShowInterfaces},
@@ -297,13 +358,13 @@ constexpr auto kObjects = Choices<Rsvp>({
     {0x0801, "Style", kStyle}, {0x0902, "Integrated Services", {}, ShowRsvpFlow}, {0x0904, "SONET/SDH", kSonet},
     {0x0905, "G.709", kOptical}, {0x0906, "Ethernet", kEthernet, ShowProfiles}, {0x0A01, "IPv4", kSender4},
     {0x0A02, "IPv6", kSender6}, {0x0A03, "IPv6 Flow Label", kSenderFlow}, {0x0A07, "LSP Tunnel IPv4", kSenderTunnel4},
-    {0x0A08, "LSP Tunnel IPv6", kSenderTunnel6}, {0x0A0C, "P2MP LSP IPv4", kSenderTunnel4, ShowSubGroup4},
+    {0x0A08, "LSP Tunnel IPv6", kSenderTunnel6}, {0x0A09, "Aggregate IPv4", kAggregator4}, {0x0A0A, "Aggregate IPv6", kAggregator6}, {0x0A0C, "P2MP LSP IPv4", kSenderTunnel4, ShowSubGroup4},
     {0x0A0D, "P2MP LSP IPv6", kSenderTunnel6, ShowSubGroup6}, {0x0B01, "IPv4", kSender4}, {0x0B02, "IPv6", kSender6},
     {0x0B03, "IPv6 Flow Label", kSenderFlow}, {0x0B07, "LSP Tunnel IPv4", kSenderTunnel4},
-    {0x0B08, "LSP Tunnel IPv6", kSenderTunnel6}, {0x0B0C, "P2MP LSP IPv4", kSenderTunnel4, ShowSubGroup4},
+    {0x0B08, "LSP Tunnel IPv6", kSenderTunnel6}, {0x0B09, "Aggregate IPv4", kAggregator4}, {0x0B0A, "Aggregate IPv6", kAggregator6}, {0x0B0C, "P2MP LSP IPv4", kSenderTunnel4, ShowSubGroup4},
     {0x0B0D, "P2MP LSP IPv6", kSenderTunnel6, ShowSubGroup6}, {0x0C02, "Integrated Services", {}, ShowRsvpFlow},
     {0x0C04, "SONET/SDH", kSonet}, {0x0C05, "G.709", kOptical}, {0x0C06, "Ethernet", kEthernet, ShowProfiles},
-    {0x0D02, "Integrated Services", {}, ShowRsvpFlow}, {0x0E01, "Policy Data", kOptions}, {0x0F01, "IPv4", kReceiver4},
+    {0x0D02, "Integrated Services", {}, ShowRsvpFlow}, {0x0E01, "Policy Data", {}, ShowRsvpPolicies}, {0x0F01, "IPv4", kReceiver4},
     {0x0F02, "IPv6", kReceiver6}, {0x1001, "Label", {}, ShowLabels}, {0x1002, "Generalized Label", {}, ShowLabels},
     {0x1003, "Waveband", kWaveband}, {0x1301, "Label Request", kRequest}, {0x1302, "ATM Label Request", kRequestAtm},
     {0x1303, "Frame Relay Label Request", kRequestFrameRelay}, {0x1304, "Generalized Label Request", kRequestGeneral},
@@ -316,14 +377,15 @@ constexpr auto kObjects = Choices<Rsvp>({
     {0x2401, "Label Set", kLabelSet, ShowLabels}, {0x2501, "Link Protection", kProtection},
     {0x2502, "LSP Protection", kProtection2}, {0x2601, "Primary Path Route", {}, ShowRsvpExplicitRoute},
     {0x3201, "IPv4", kSubPath4}, {0x3202, "IPv6", kSubPath6}, {0x3F07, "Detour", {}, ShowDetours},
+    {0x3F08, "Detour IPv6", {}, ShowDetours6}, {0x4001, "Challenge", kChallenge},
+    {0x4101, "E-LSP", kMapCount, ShowMaps}, {0x4102, "L-LSP", kScheduling},
     {0x4201, "Class Type", kClassType}, {0x4301, "LSP Required Attributes", {}, ShowPathAttributes},
     {0x8101, "Label", {}, ShowLabels}, {0x8102, "Generalized Label", {}, ShowLabels}, {0x8103, "Waveband", kWaveband},
     {0x8201, "Label Set", kLabelSet, ShowLabels}, {0x8301, "Restart Capability", kRestart},
     {0x8601, "Capability", kCapability}, {0xC101, "LSP Tunnel Interface", kTunnelInterface},
-    {0xC301, "IPv4", kNotifyNode4}, {0xC302, "IPv6", kNotifyNode6}, {0xC401, "Administrative Status", kAdministrative},
+    {0xC201, "User Error", kUserError}, {0xC301, "IPv4", kNotifyNode4}, {0xC302, "IPv6", kNotifyNode6}, {0xC401, "Administrative Status", kAdministrative},
     {0xC501, "LSP Attributes", {}, ShowPathAttributes}, {0xC701, "IPv4", kAssociation4},
-    {0xC702, "IPv6", kAssociation6},
-    {0xC801, "Secondary Explicit Route", {}, ShowRsvpExplicitRoute},
+    {0xC702, "IPv6", kAssociation6}, {0xC801, "Secondary Explicit Route", {}, ShowRsvpExplicitRoute},
     {0xC901, "Secondary Record Route", {}, ShowRsvpRecordedRoute}, {0xCD01, "Fast Reroute", kReroute},
     {0xCD07, "Fast Reroute (Type 7)", kReroute7},
     {0xCF01, "Session Attribute with Affinities", kAffinities, ShowPadding},
