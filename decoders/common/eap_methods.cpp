@@ -285,8 +285,8 @@ constexpr auto kGpsk2 = Rows<Eap>({
     Hex(2, "Selected Cipher Suite", kSuiteNames), Counted(2, Bytes(0, "Protected Data Payload")),
     Bytes(0, "MAC")});
 constexpr auto kGpsk3 = Rows<Eap>({
-    Bytes(32, "Peer Random"), Bytes(32, "Server Random"), Counted(2, Utf8(0, "Server ID")), Bytes(6,
-    "Selected Cipher Suite"),
+    Bytes(32, "Peer Random"), Bytes(32, "Server Random"), Counted(2, Utf8(0, "Server ID")),
+    Hex(4, "Selected Cipher Suite Vendor"), Hex(2, "Selected Cipher Suite", kSuiteNames),
     Counted(2, Bytes(0, "Protected Data Payload")), Bytes(0, "MAC")});
 constexpr auto kGpsk4 = Rows<Eap>({Counted(2, Bytes(0, "Protected Data Payload")), Bytes(0, "MAC")});
 constexpr auto kGpskFail = Rows<Eap>({Number(4, "Failure Code", kGpskFailures), Bytes(0, "MAC")});

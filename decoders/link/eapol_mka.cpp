@@ -35,8 +35,13 @@ constexpr auto kBasic = Rows<Mka>({
     Number(1, "MKA Version"), Number(1, "Key Server Priority"), Word(2), Flag(0, "Key Server"), Flag(1,
     "MACsec Desired"),
     Bits(2, 2, "MACsec Capability", kCapabilityNames), Bits(4, 12, "Parameter Set Length").Into(&Mka::length)});
+// The secure channel's identifier is an address and a port.
+void ShowChannel(const Place& in, Cursor& c, const char* label, Mka&) {
+  const Field channel = PeekBytes(c, 0, 8);
+  AddLine(in, channel, "%s: %s", label, HexText(channel));
+}
 constexpr auto kBasicBody = Rows<Mka>({
-    Mac("SCI Address"), Hex(2, "SCI Port"), Bytes(12, "Actor Member Identifier"), Number(4, "Actor Message Number"),
+    Shown("SCI", ShowChannel), Mac("SCI Address"), Hex(2, "SCI Port"), Bytes(12, "Actor Member Identifier"), Number(4, "Actor Message Number"),
     Hex(4, "Algorithm Agility", kAgilityNames), Bytes(0, "CAK Name")});
 constexpr auto kType = Rows<Mka>({Number(1, "Parameter Set Type", kSetNames)});
 constexpr auto kPlainHead = Rows<Mka>({

@@ -91,6 +91,18 @@ constexpr auto kUuid = Rows<Lltd>({Bytes(16, "UUID")});
 constexpr auto kQosFlags = Rows<Lltd>({Flags(4, "QoS Characteristics", kQosCharacteristics)});
 constexpr auto kRadio = Rows<Lltd>({Number(1, "Physical Medium", kRadioNames)});
 constexpr auto kWorkingSet = Rows<Lltd>({Number(2, "Sees-list Working Set")});
+constexpr auto kAssociated = Rows<Lltd>({
+    Mac("Associated Station"), Number(2, "Maximum Operational Rate", " x 500 kbit/s"),
+    Number(1, "Physical Medium", kRadioNames), Number(1, "Reserved")});
+constexpr auto kAncestor = Rows<Lltd>({Mac("Access Point")});
+void ShowAssociations(const Place& in, Cursor& c, Lltd& lltd) {
+  Loop loop;
+  while (Left(c) >= 10 && MoreAt(in, c, loop)) ShowRows<Lltd>(in, c, kAssociated, lltd);
+}
+void ShowLineage(const Place& in, Cursor& c, Lltd& lltd) {
+  Loop loop;
+  while (Left(c) >= 6 && MoreAt(in, c, loop)) ShowRows<Lltd>(in, c, kAncestor, lltd);
+}
 constexpr auto kProperties = Choices<Lltd>({
     {0, "End of Property List"}, {1, "Host ID", kHost}, {2, "Characteristics", kCharacteristics}, {3,
     "Physical Medium", kMedium},
@@ -100,8 +112,9 @@ constexpr auto kProperties = Choices<Lltd>({
     {12, "Link Speed", kSpeed}, {13, "802.11 RSSI", kStrength}, {14, "Icon Image"}, {15, "Machine Name", kWideName},
     {16, "Support Information", kWideName}, {17, "Friendly Name", kWideName}, {18, "Device UUID", kUuid},
     {19, "Hardware ID", kWideName}, {20, "QoS Characteristics", kQosFlags}, {21, "802.11 Physical Medium", kRadio},
-    {22, "AP Association Table"}, {23, "Detailed Icon Image"}, {24, "Sees-list Working Set", kWorkingSet},
-    {25, "Component Table"}, {26, "Repeater AP Lineage"}, {27, "Repeater AP Table"}});
+    {22, "AP Association Table", {}, ShowAssociations}, {23, "Detailed Icon Image"},
+    {24, "Sees-list Working Set", kWorkingSet}, {25, "Component Table"}, {26, "Repeater AP Lineage", {}, ShowLineage},
+    {27, "Repeater AP Table"}});
 
 void ShowDescriptors(const Place& in, Cursor& c, RowSpan<Lltd> rows, const char* title, Lltd& lltd) {
   Loop loop;

@@ -63,7 +63,7 @@ void ShowList(const Place& in, Cursor& c, const char* title, ChoiceSpan<Slow> ch
   }
   c.ranShort = false;
   const Field padding = Rest(c);
-  constexpr int32_t kReserved = 64;   // the octets behind the elements of version 1, and fewer when a frame is cut
+  constexpr int32_t kReserved = 90;   // the octets behind the elements: of LACP 50, of markers 90, fewer when a frame is cut
   if (padding.here && padding.length <= kReserved) {
     AddLine(in, padding, "Reserved: %s", HexText(padding));
   } else {

@@ -1,12 +1,13 @@
 #!/bin/bash
 # neighbours.pcap: how devices tell their neighbours who they are. The two hosts run lldpd, the left one with every sender that
-# it has: LLDP with the elements of 802.1, 802.3 and LLDP-MED, CDP in both versions, EDP, FDP, SONMP. And between two switches:
+# it has: LLDP with the elements of 802.1, 802.3 and LLDP-MED, CDP, EDP, FDP, SONMP. Then the hosts are switches (Open vSwitch):
 # rapid spanning tree, LACP, and continuity checks of connectivity fault management.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
 need lldpd lldpcli ovs-vswitchd ovsdb-server ovsdb-tool ovs-vsctl
 
 speakers=()
+name_of() { if [ "$1" = "$left" ]; then echo left; else echo right; fi; }
 schema=/usr/share/openvswitch/vswitch.ovsschema
 vsctl() { OVS_RUNDIR=$work/$1 ovs-vsctl --db="unix:$work/$1/db.sock" --timeout=10 "${@:2}" >>"$work/log"; }
 await_file() { for _ in $(seq 50); do [ -e "$1" ] && return; sleep 0.1; done; }
@@ -36,7 +37,7 @@ record cable
 # Discovery: some rounds of every sender. What they tell is made up, not the machine's.
 for host in "$left" "$right"; do
   cat >"$work/$host.conf" <<END
-configure system hostname ${host:2:4}.example.net
+configure system hostname $(name_of "$host").example.net
 configure lldp tx-interval 2
 configure med fast-start enable
 configure ports cable lldp portidsubtype local cable description "The cable"
