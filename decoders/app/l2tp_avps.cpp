@@ -10,7 +10,7 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kHidden = 0x4000, kLengthMask = 0x03FF;
-constexpr uint32_t kBroadbandForum = 3561;
+constexpr uint32_t kBroadbandForum = 3561, kCableLabs = 4491;
 
 constexpr auto kMessageNames = SortedNames({
     {0, "Reserved"}, {1, "Start-Control-Connection-Request"}, {2, "Start-Control-Connection-Reply"},
@@ -165,8 +165,21 @@ constexpr auto kLineAvps = Choices<Avp>({
     {142, "Actual Interleaving Delay Downstream", kNumber}, {144, "Access Loop Encapsulation", kBytes},
     {145, "ANCP Access Line Type", kNumber}, {254, "IWF Session", kBytes}});
 
+// CableLabs' downstream external PHY interface (DEPI, CM-SP-DEPI).
+constexpr auto kCableAvps = Choices<Avp>({
+    {1, "DEPI Result Code", kShort}, {2, "DEPI Resource Allocation Request", kBytes},
+    {3, "DEPI Resource Allocation Reply", kBytes}, {4, "DEPI Local MTU", kShort}, {5, "DOCSIS SYNC Control", kBytes},
+    {6, "EQAM Capability Bits", kBytes}, {7, "DEPI Remote MTU", kShort}, {8, "DEPI Local UDP Port", kShort},
+    {9, "DPR Session Type", kBytes}, {10, "DPR Session Status", kBytes},
+    {100, "Downstream QAM Channel TSID Group", kBytes}, {101, "Downstream QAM Channel Frequency", kBytes},
+    {102, "Downstream QAM Channel Power", kBytes}, {103, "Downstream QAM Channel Modulation", kBytes},
+    {104, "Downstream QAM Channel J.83 Annex", kBytes}, {105, "Downstream QAM Channel Symbol Rate", kBytes},
+    {106, "Downstream QAM Channel Interleaver Depth", kBytes}, {107, "Downstream QAM Channel RF Block Muting", kBytes},
+    {200, "DEPI Redundancy Capabilities", kBytes}});
+
 const Choice<Avp>* FindAvp(uint32_t vendor, uint32_t type) {
   if (vendor == 0) return FindChoice<Avp>(kAvps, type);
+  if (vendor == kCableLabs) return FindChoice<Avp>(kCableAvps, type);
   return vendor == kBroadbandForum ? FindChoice<Avp>(kLineAvps, type) : nullptr;
 }
 

@@ -52,7 +52,6 @@ constexpr auto kCache = Rows<Wccp>({
     IPv4("Web Cache Address"), Number(2, "Hash Revision"), Hex(2, "Cache Flags").Into(&Wccp::flags), Flag(12,
     "Version Request"),
     Bits(13, 2, "Assignment Type", kAssignmentNames).Into(&Wccp::kind), Flag(15, "Historical Assignment")});
-constexpr auto kBuckets = Rows<Wccp>({Bytes(32, "Bucket Blocks")});
 constexpr auto kWeight = Rows<Wccp>({Number(2, "Assignment Weight"), Number(2, "Status")});
 constexpr auto kChange = Rows<Wccp>({Number(4, "Change Number")});
 constexpr auto kKey = Rows<Wccp>({IPv4("Assignment Key Address"), Number(4, "Assignment Key Change Number")});
@@ -60,7 +59,6 @@ constexpr auto kRouters = Rows<Wccp>({Number(4, "Routers").Into(&Wccp::count)});
 constexpr auto kRouterAddress = Rows<Wccp>({IPv4("Router Address")});
 constexpr auto kCaches = Rows<Wccp>({Number(4, "Web Caches").Into(&Wccp::count)});
 constexpr auto kCacheAddress = Rows<Wccp>({IPv4("Web Cache Address")});
-constexpr auto kBucketList = Rows<Wccp>({Bytes(0, "Buckets")});
 constexpr auto kForwarding = Rows<Wccp>({Flags(4, nullptr, kForwardingMasks)});
 constexpr auto kAssignment = Rows<Wccp>({Flags(4, nullptr, kAssignmentMasks)});
 constexpr auto kTimer = Rows<Wccp>({Number(2, "Upper Limit"), Number(2, "Lower Limit")});
@@ -85,6 +83,36 @@ constexpr auto kTableIPv6 = Rows<Wccp>({IPv6("Address")});
 void Repeat(const Place& in, Cursor& c, uint32_t count, RowSpan<Wccp> rows, Wccp& out) {
   Loop loop;
   for (uint32_t i = 0; i < count && MoreAt(in, c, loop); ++i) ShowRows<Wccp>(in, c, rows, out);
+}
+
+// A bit for each of 256 buckets, a line for eight.
+void ShowBucketBits(const Place& at, Cursor& c) {
+  constexpr int32_t kBytes = 32;
+  if (Left(c) < kBytes) return;
+  const Place in = Under(at, AddLine(at, Ahead(c, kBytes), "Bucket Blocks"));
+  for (uint32_t i = 0; i < kBytes; ++i) {
+    const Field eight = TakeU8(c);
+    AddLine(in, eight, "Buckets: %u to %u, 0x%.02X", i * 8, i * 8 + 7, eight.value);
+  }
+}
+// A byte for each bucket: the number of its web cache, and whether the other hash counts. Runs of the same are one line.
+void ShowBucketList(const Place& at, Cursor& c) {
+  constexpr uint32_t kUnassigned = 0xFF, kAlternate = 0x80;
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Bucket Assignment"));
+  Loop loop;
+  for (int32_t first = 0; MoreAt(in, c, loop);) {
+    const uint32_t value = PeekU8(c);
+    int32_t run = 1;
+    while (run < Left(c) && PeekU8(c, run) == value) ++run;
+    const Field buckets = TakeBytes(c, run);
+    if (value == kUnassigned) {
+      AddLine(in, buckets, "Buckets: %d to %d, Unassigned", first, first + run - 1);
+    } else {
+      AddLine(in, buckets, "Buckets: %d to %d, Web Cache %u%s", first, first + run - 1, value & ~kAlternate,
+              value & kAlternate ? ", Alternate Hash" : "");
+    }
+    first += run;
+  }
 }
 
 void ShowSecurity(const Place& in, Cursor& c, Wccp& out) {
@@ -115,7 +143,7 @@ void ShowCache(const Place& at, Cursor& c, Wccp& out) {
   if (Left(c) < 8) return;
   const Place in = Under(at, AddLine(at, Ahead(c, 8), "Web Cache %s", IPv4Text(PeekBytes(c, 0, 4).bytes)));
   ShowRows<Wccp>(in, c, kCache, out);
-  if (out.kind.value == kByHash) ShowRows<Wccp>(in, c, kBuckets, out);
+  if (out.kind.value == kByHash) ShowBucketBits(in, c);
   if (out.kind.value == kByMask) ShowMasks(in, c, out);
   if (out.kind.value <= kByMask) ShowRows<Wccp>(in, c, kWeight, out);
 }
@@ -152,7 +180,7 @@ void ShowRouterAssignments(const Place& in, Cursor& c, Wccp& out) {
 void ShowBuckets(const Place& in, Cursor& c, Wccp& out) {
   ShowRows<Wccp>(in, c, kCaches, out);
   Repeat(in, c, out.count.value, kCacheAddress, out);
-  if (Left(c) > 0) ShowRows<Wccp>(in, c, kBucketList, out);
+  if (Left(c) > 0) ShowBucketList(in, c);
 }
 void ShowAssignmentInfo(const Place& in, Cursor& c, Wccp& out) {
   ShowRouterAssignments(in, c, out);
@@ -194,28 +222,38 @@ constexpr auto kComponents = Choices<Wccp>({
 
 // ---- Version 1.
 
-constexpr auto kHere = Rows<Wccp>({Number(4, "Hash Revision"), Bytes(32, "Hash Information"), Hex(4, "Hash Flags"),
-                                   Number(4, "Received ID")});
-constexpr auto kSee = Rows<Wccp>({Number(4, "Change Number"), Number(4, "Received ID"), Number(4,
-    "Web Caches").Into(&Wccp::count)});
-constexpr auto kEntry = Rows<Wccp>({IPv4("Web Cache Address"), Number(4, "Hash Revision"), Bytes(32,
-    "Hash Information"),
-                                    Hex(4, "Hash Flags")});
+constexpr auto kRevision = Rows<Wccp>({Number(4, "Hash Revision")});
+constexpr auto kHashFlags = Rows<Wccp>({Hex(4, "Hash Flags")});
+constexpr auto kReceivedId = Rows<Wccp>({Number(4, "Received ID")});
+constexpr auto kSee = Rows<Wccp>({
+    Number(4, "Change Number"), Number(4, "Received ID"), Number(4, "Web Caches").Into(&Wccp::count)});
+void ShowHash(const Place& in, Cursor& c, Wccp& out) {
+  ShowRows<Wccp>(in, c, kRevision, out);
+  ShowBucketBits(in, c);
+  ShowRows<Wccp>(in, c, kHashFlags, out);
+}
 constexpr auto kAssign = Rows<Wccp>({Number(4, "Received ID"), Number(4, "Web Caches").Into(&Wccp::count)});
 
 void ShowVersion1(const Place& in, Cursor& c) {
   Wccp out{};
   ShowRows<Wccp>(in, c, kHeader1, out);
   if (out.type.value == 7 || out.type.value == 8) ShowRows<Wccp>(in, c, kVersion1, out);
-  if (out.type.value == 7) ShowRows<Wccp>(in, c, kHere, out);
+  if (out.type.value == 7) {
+    ShowHash(in, c, out);
+    ShowRows<Wccp>(in, c, kReceivedId, out);
+  }
   if (out.type.value == 8) {
     ShowRows<Wccp>(in, c, kSee, out);
-    Repeat(in, c, out.count.value, kEntry, out);
+    Loop loop;
+    for (uint32_t i = 0; i < out.count.value && MoreAt(in, c, loop); ++i) {
+      ShowRows<Wccp>(in, c, kCacheAddress, out);
+      ShowHash(in, c, out);
+    }
   }
   if (out.type.value == 9) {
     ShowRows<Wccp>(in, c, kAssign, out);
     Repeat(in, c, out.count.value, kCacheAddress, out);
-    if (Left(c) > 0) ShowRows<Wccp>(in, c, kBucketList, out);
+    if (Left(c) > 0) ShowBucketList(in, c);
   }
 }
 

@@ -87,14 +87,28 @@ int32_t DecodeBridging(const Place& in, const Place& network, Cursor c) {
   }
 }
 
-// Fragments of a bundle (RFC 1990); the long sequence form, which is the one in use. What a fragment carries cannot
-// be told unless it is a whole packet.
+// Whether a packet's protocol stands here: of one byte, or of two; none of padding and compressed headers.
+bool StartsWithProtocol(const Cursor& c) {
+  constexpr uint32_t kFraming = 0xFF03, kIp = 0x0021;
+  const uint32_t protocol = PeekU8(c) & 1 ? PeekU8(c) : PeekU16(c);
+  return PeekU16(c) == kFraming ||
+         (protocol >= kIp && (protocol & 1) && LookupName(kProtocolNames, protocol, nullptr) != nullptr);
+}
+
+// Fragments of a bundle (RFC 1990, with the classes of RFC 2686). The links agree on sequence numbers of 24 or 12 bits: a
+// fragment that begins a packet shows which, behind others the long ones are taken. What a fragment carries cannot be told
+// unless it is a whole packet.
 int32_t DecodeMultilink(const Place& in, const Place& network, Cursor c) {
-  const Field head = TakeU32(c);
-  const BitPicture begin = BitsOf(head, 0, 1), end = BitsOf(head, 1, 1), sequence = BitsOf(head, 8, 24);
+  constexpr uint32_t kBegins = 0x80;
+  Cursor behindShort = c, behindLong = c;
+  TakeBytes(behindShort, 2);
+  TakeBytes(behindLong, 4);
+  const bool isShort = (PeekU8(c) & kBegins) && !StartsWithProtocol(behindLong) && StartsWithProtocol(behindShort);
+  const Field head = isShort ? TakeU16(c) : TakeU32(c);
+  const BitPicture begin = BitsOf(head, 0, 1), end = BitsOf(head, 1, 1);
+  const BitPicture priority = BitsOf(head, 2, isShort ? 2 : 4), sequence = BitsOf(head, isShort ? 4 : 8, isShort ? 12 : 24);
   AddBitLine(in, head, "%s: Beginning Fragment = %s", begin.picture, TrueOrFalse(begin.value));
   AddBitLine(in, head, "%s: Ending Fragment = %s", end.picture, TrueOrFalse(end.value));
-  const BitPicture priority = BitsOf(head, 2, 4);
   AddBitLine(in, head, "%s: Class = %u", priority.picture, priority.value);
   AddBitLine(in, head, "%s: Sequence Number = %u", sequence.picture, sequence.value);
   if (head.here && begin.value && end.value) return DecodeCarriedFrame(network, c, Carried::kPpp);

@@ -127,9 +127,28 @@ constexpr auto kBandwidthNames = SortedNames({
     {8, "Call-Status-Response"}});
 constexpr auto kResponseNames = SortedNames({
     {0, "Request-Ack"}, {1, "Request-Nak"}, {2, "Request-Rej"}, {3, "Request-Full-Nak"}});
+// The cause values of Q.931, and one of its own.
 constexpr auto kCallNames = SortedNames({
-    {0, "Success"}, {1, "Unassigned or Unallocated Number"}, {16, "Normal Call Clearing"}, {17, "User Busy"},
-    {18, "No User Responding"}, {19, "No Answer from User"}, {21, "Call Rejected"}, {34, "No Circuit Available"},
+    {0, "Success"}, {1, "Unassigned or Unallocated Number"}, {2, "No Route to Specified Transit Network"},
+    {3, "No Route to Destination"}, {6, "Channel Unacceptable"}, {7, "Call Awarded in an Established Channel"},
+    {16, "Normal Call Clearing"}, {17, "User Busy"}, {18, "No User Responding"}, {19, "No Answer from User"},
+    {20, "Subscriber Absent"}, {21, "Call Rejected"}, {22, "Number Changed"}, {26, "Non-Selected User Clearing"},
+    {27, "Destination out of Order"}, {28, "Invalid Number Format"}, {29, "Facility Rejected"},
+    {30, "Response to Status Enquiry"}, {31, "Normal, Unspecified"}, {34, "No Circuit Available"},
+    {38, "Network out of Order"}, {41, "Temporary Failure"}, {42, "Switching Equipment Congestion"},
+    {43, "Access Information Discarded"}, {44, "Requested Circuit Not Available"}, {47, "Resources Unavailable"},
+    {49, "Quality of Service Unavailable"}, {50, "Requested Facility Not Subscribed"},
+    {57, "Bearer Capability Not Authorized"}, {58, "Bearer Capability Not Presently Available"},
+    {63, "Service or Option Not Available"}, {65, "Bearer Capability Not Implemented"},
+    {66, "Channel Type Not Implemented"}, {69, "Requested Facility Not Implemented"},
+    {70, "Only Restricted Digital Information Available"}, {79, "Service or Option Not Implemented"},
+    {81, "Invalid Call Reference"}, {82, "Identified Channel Does Not Exist"}, {83, "No Such Suspended Call"},
+    {84, "Call Identity in Use"}, {85, "No Call Suspended"}, {86, "Suspended Call Has Been Cleared"},
+    {88, "Incompatible Destination"}, {91, "Invalid Transit Network Selection"}, {95, "Invalid Message"},
+    {96, "Mandatory Information Element Missing"}, {97, "Message Type Not Implemented"},
+    {98, "Message Not Compatible with Call State"}, {99, "Information Element Not Implemented"},
+    {100, "Invalid Information Element Contents"}, {101, "Message Not Compatible with Call State"},
+    {102, "Recovery on Timer Expiry"}, {111, "Protocol Error"}, {127, "Interworking, Unspecified"},
     {255, "Failure, No Reason"}});
 constexpr auto kActionNames = SortedNames({{0, "No Retry"}, {1, "Retry"}});
 constexpr auto kLinkMasks = SortedNames({

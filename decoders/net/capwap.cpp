@@ -1,5 +1,5 @@
 // Control and provisioning of wireless access points: a controller's messages and the stations' frames that go through it
-// (CAPWAP, RFC 5415, with the elements of IEEE 802.11, RFC 5416), and LWAPP before it (RFC 5412).
+// (CAPWAP, RFC 5415, with the elements of IEEE 802.11, RFC 5416).
 //
 //   preamble   header length, radio, binding, flags   fragment   [radio's address]   [wireless information]   then
 //   control: message type, sequence, length, flags, elements      data: an 802.11 frame, an Ethernet frame, or a keepalive
@@ -107,13 +107,13 @@ bool OpenHeader(const Place& at, Cursor& c, const char* channel, Header& header,
 // A frame control whose version is not 0 has its bytes in the other order.
 bool IsSwapped(const Cursor& c) { return (PeekU8(c) & 3) != 0 && (PeekU8(c, 1) & 3) == 0; }
 
-int32_t DecodeWireless(const Place& network, const Cursor& c) {
+}  // namespace
+
+int32_t DecodeTunnelledWireless(const Place& network, const Cursor& c) {
   if (!IsSwapped(c)) return DecodeCarriedFrame(network, c, Carried::kWireless, "802.11 Data");
   CallDecoder(network, c, DecodeSwappedWirelessHeader, "802.11 Data");
   return 1;
 }
-
-}  // namespace
 
 int32_t DecodeCapwapData(const Place& at, Cursor c) {
   if (Left(c) < 4 || PeekU8(c) > 1) return 0;
@@ -128,7 +128,7 @@ int32_t DecodeCapwapData(const Place& at, Cursor c) {
     return 1;
   }
   if (!header.native.value) return DecodeCarriedFrame(Deeper(at), c, Carried::kEthernet, "CAPWAP Data");
-  if (header.binding.value == kWireless) return DecodeWireless(Deeper(at), c);
+  if (header.binding.value == kWireless) return DecodeTunnelledWireless(Deeper(at), c);
   return DecodeCarriedFrame(Deeper(at), c, Carried::kUnknown, "CAPWAP Data");
 }
 
@@ -139,59 +139,6 @@ int32_t DecodeCapwapControl(const Place& at, Cursor c) {
   if (!OpenHeader(at, c, "Control", header, in)) return 1;
   ShowCapwapMessage(in, c);
   CoverBytes(in, c);
-  return 1;
-}
-
-namespace {
-
-// ---- LWAPP.
-
-constexpr auto kChannelNames = SortedNames({{0, "Data"}, {1, "Control"}});
-constexpr auto kLwappMessages = SortedNames({
-    {1, "Discovery Request"}, {2, "Discovery Response"}, {3, "Join Request"}, {4, "Join Response"},
-    {10, "Configure Request"}, {11, "Configure Response"}, {12, "Configure Command Request"},
-    {13, "Configure Command Response"}, {14, "Statistics Report"}, {15, "Statistics Report Response"},
-    {16, "Change State Event Request"}, {17, "Change State Event Response"}, {22, "Echo Request"},
-    {23, "Echo Response"}, {24, "Image Data Request"}, {25, "Image Data Response"}, {26, "Reset Request"},
-    {27, "Reset Response"}, {32, "Key Update Request"}, {33, "Key Update Response"}, {34, "Primary Discovery Request"},
-    {35, "Primary Discovery Response"}, {36, "Data Transfer Request"}, {37, "Data Transfer Response"},
-    {38, "Clear Configuration Request"}, {39, "Clear Configuration Response"}});
-struct Lwapp {
-  Field length, control, fragment, elements;
-};
-constexpr auto kIdentity = Rows<Lwapp>({Mac("Access Point Identity")});
-constexpr auto kLwapp = Rows<Lwapp>({
-    Word(1), Bits(0, 2, "Version"), Bits(2, 3, "Radio ID"), Bits(5, 1, "Channel", kChannelNames).Into(&Lwapp::control),
-    Flag(6, "Fragment").Into(&Lwapp::fragment), Flag(7, "Not the Last Fragment"), Number(1, "Fragment ID"),
-    Number(2, "Length").Into(&Lwapp::length), Signed(1, "RSSI", " dBm"), Signed(1, "SNR", " dB")});
-constexpr auto kLwappControl = Rows<Lwapp>({
-    Number(1, "Message Type", kLwappMessages).Note(", %s"), Number(1, "Sequence Number"),
-    Number(2, "Message Element Length").Into(&Lwapp::elements), Hex(4, "Session ID")});
-constexpr ElementForm kLwappForm{.lengthSize = 2};
-
-}  // namespace
-
-int32_t DecodeLwapp(const Place& at, Cursor c) {
-  constexpr int32_t kHeaderSize = 6, kAddress = 6;
-  if (Left(c) < kHeaderSize) return 0;
-  // Over IP the access point's address may stand in front: then the length fits behind it.
-  const bool hasIdentity = static_cast<int32_t>(PeekU16(c, 2)) != Left(c) - kHeaderSize &&
-                           static_cast<int32_t>(PeekU16(c, kAddress + 2)) == Left(c) - kHeaderSize - kAddress;
-  const bool isControl = PeekU8(c, hasIdentity ? kAddress : 0) & 4;
-  const Place in = Under(at, AddLine(at, Ahead(c, hasIdentity ? kHeaderSize + kAddress : kHeaderSize), "LWAPP %s",
-                                     isControl ? "Control" : "Data"));
-  Lwapp lwapp{};
-  if (hasIdentity) ShowRows<Lwapp>(in, c, kIdentity, lwapp);
-  ShowRows<Lwapp>(in, c, kLwapp, lwapp);
-  Cursor body = TakeCursor(c, static_cast<int64_t>(lwapp.length.value));
-  body.begin = c.begin;
-  if (lwapp.fragment.value) return CallDecoder(Deeper(at), body, nullptr, "LWAPP Fragment Data"), 1;
-  if (!isControl) return DecodeWireless(Deeper(at), body);
-  ShowRows<Lwapp>(in, body, kLwappControl, lwapp);
-  Cursor elements = TakeCursor(body, static_cast<int64_t>(lwapp.elements.value));
-  ShowElements<Lwapp>(in, elements, kLwappForm, "Message Element", {}, lwapp);
-  AddBlock(in, Rest(elements), "Message Element Data");
-  CoverBytes(in, body);
   return 1;
 }
 

@@ -60,6 +60,15 @@ constexpr auto kCombinerNames = SortedNames({{1, "Sectorized (Left)"}, {2, "Sect
 constexpr auto kAssessmentNames = SortedNames({
     {1, "Energy Detect Only"}, {2, "Carrier Sense Only"}, {4, "Carrier Sense and Energy Detect"},
     {8, "Carrier Sense with Timer"}, {16, "High-Rate Carrier Sense and Energy Detect"}});
+constexpr auto kBandMasks = SortedNames({
+    {0x01, "5.15-5.25 GHz"}, {0x02, "5.25-5.35 GHz"}, {0x04, "5.725-5.825 GHz"}, {0x08, "5.47-5.725 GHz"},
+    {0x10, "Lower Japanese 5.25 GHz"}, {0x20, "5.03-5.091 GHz"}, {0x40, "4.94-4.99 GHz"}});
+// Of a WLAN and of a station, from the first bit on.
+constexpr auto kCapabilityMasks = SortedNames({
+    {0x0001, "Immediate Block Ack"}, {0x0002, "Delayed Block Ack"}, {0x0004, "DSSS-OFDM"}, {0x0010, "APSD"},
+    {0x0020, "Short Slot Time"}, {0x0040, "QoS"}, {0x0080, "Spectrum Management"}, {0x0100, "Channel Agility"},
+    {0x0200, "PBCC"}, {0x0400, "Short Preamble"}, {0x0800, "Privacy"}, {0x1000, "CF-Poll Request"},
+    {0x2000, "CF-Pollable"}, {0x4000, "IBSS"}, {0x8000, "ESS"}});
 
 struct Capwap {
   Field type, length, count;
@@ -250,9 +259,8 @@ constexpr auto kDomain = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(2, "First Channel"), Number(2, "Channels"),
     Number(2, "Maximum Transmit Power Level", " dBm")});
 constexpr auto kOfdm = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(1, "Current Channel"), Number(1,
-    "Bands Supported"),
-    Number(4, "TI Threshold")});
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Reserved"), Number(1, "Current Channel"),
+    Flags(1, "Bands Supported", kBandMasks), Number(4, "TI Threshold")});
 constexpr auto kRates = Rows<Capwap>({Number(1, "Radio ID").Note(": Radio %u"), Bytes(0, "Rates (0.5 Mbit/s)")});
 constexpr auto kReport = Rows<Capwap>({
     Mac("Client MAC Address"), Mac("BSSID"), Number(1, "Radio ID").Note(": Radio %u"), Number(1,
@@ -262,7 +270,7 @@ constexpr auto kReport = Rows<Capwap>({
     "TKIP Replays")});
 constexpr auto kStation = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(2, "Association ID"), Hex(1, "Flags"), Mac("MAC Address"),
-    Hex(2, "Capabilities"),
+    Flags(2, "Capabilities", kCapabilityMasks),
     Number(1, "WLAN ID").Note(", WLAN %u"), Bytes(0, "Supported Rates (0.5 Mbit/s)")});
 constexpr auto kProfile = Rows<Capwap>({Mac("MAC Address"), Word(2), Bits(0, 13, "Reserved"), Bits(13, 3,
     "802.1p Priority")});
@@ -306,8 +314,8 @@ constexpr auto kUpdateQos = Rows<Capwap>({
     "Reserved"), Word(1),
     Bits(0, 2, "Reserved"), Bits(2, 6, "DSCP Tag")});
 constexpr auto kUpdateWlan = Rows<Capwap>({
-    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"), Hex(2, "Capability"),
-    Number(1, "Key Index"),
+    Number(1, "Radio ID").Note(": Radio %u"), Number(1, "WLAN ID").Note(", WLAN %u"),
+    Flags(2, "Capability", kCapabilityMasks), Number(1, "Key Index"),
     Number(1, "Key Status"), Counted(2, Bytes(0, "Key"))});
 constexpr auto kConfiguration = Rows<Capwap>({
     Number(1, "Radio ID").Note(": Radio %u"), Number(1, "Short Preamble", kFalseTrueNames), Number(1, "BSSIDs"),

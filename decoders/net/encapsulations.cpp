@@ -1,6 +1,6 @@
 // The thin encapsulations of IP and UDP, which add a word or nothing at all: IP in IP by its older numbers (4, 94), Ethernet
 // in IP (RFC 3378), MPLS in IP (RFC 4023) and in UDP (RFC 7510), foo over UDP (any protocol of IP behind UDP), generic UDP
-// encapsulation (draft-ietf-intarea-gue) and the tunnels of transition: Teredo (RFC 4380), AYIYA (draft-massar-v6ops-ayiya).
+// encapsulation (draft-ietf-intarea-gue) and the tunnels of transition: Teredo (RFC 4380, 6081), AYIYA (draft-massar-v6ops-ayiya).
 #include "core/elements.h"
 #include "decoders/common/ahead_cut.h"
 #include "decoders/link/carried.h"
@@ -28,6 +28,32 @@ constexpr auto kGueFlags = Rows<Encapsulation>({
     Flag(4, "Fragmentation"), Flag(5, "Payload Transform"), Flag(6, "Remote Checksum Offload"), Flag(7, "Checksum"),
     Flag(15, "Private or Extended Fields")});
 
+// Optional fields, in the order of their flags (draft-ietf-intarea-gue-extensions).
+constexpr auto kGroupRow = Rows<Encapsulation>({Hex(4, "Group Identifier")});
+constexpr auto kFragmentRow = Rows<Encapsulation>({
+    Word(2), Bits(0, 13, "Fragment Offset", " x 8 bytes"), Bits(13, 2, "Reserved"), Flag(15, "More Fragments"),
+    Number(1, "Original Protocol", NameProtocol), Hex(5, "Identification")});
+constexpr auto kTransformRow = Rows<Encapsulation>({
+    Number(1, "Transform Type"), Number(1, "Payload Protocol", NameProtocol), Hex(2, "Transform Data")});
+constexpr auto kRemoteRow = Rows<Encapsulation>({Number(2, "Checksum Start"), Number(2, "Checksum Offset")});
+constexpr auto kChecksumRow = Rows<Encapsulation>({Hex(2, "Checksum"), Number(2, "Payload Coverage", " bytes")});
+constexpr auto kPrivateRow = Rows<Encapsulation>({Hex(4, "Private Flags")});
+
+constexpr auto kDiscoveryNames = SortedNames({{0, "Discovery Solicitation"}, {1, "Discovery Advertisement"}});
+constexpr auto kNonceTrailer = Rows<Encapsulation>({Hex(4, nullptr)});
+constexpr auto kReservedTrailer = Rows<Encapsulation>({Hex(2, "Reserved")});
+constexpr auto kAlternate = Rows<Encapsulation>({IPv4("Alternate Address"), Number(2, "Alternate Port")});
+constexpr auto kNeighbourTrailer = Rows<Encapsulation>({
+    Number(1, "Discovery Type", kDiscoveryNames), Hex(3, "Reserved")});
+constexpr auto kPortTrailer = Rows<Encapsulation>({Number(2, nullptr)});
+void ShowAlternates(const Place& in, Cursor& c, Encapsulation& out) {
+  Loop loop;
+  while (Left(c) >= 6 && MoreAt(in, c, loop)) ShowRows<Encapsulation>(in, c, kAlternate, out);
+}
+constexpr auto kTrailers = Choices<Encapsulation>({
+    {1, "Nonce", kNonceTrailer}, {3, "Alternate Address", kReservedTrailer, ShowAlternates},
+    {4, "Neighbor Discovery Option", kNeighbourTrailer}, {5, "Random Port", kPortTrailer}});
+
 constexpr auto kConfirmationNames = SortedNames({{0, "Secure"}, {1, "Key Needs Refreshing"}});
 constexpr auto kTeredoAuthentication = Rows<Encapsulation>({
     Hex(2, "Indicator"), Number(1, "Client ID Length"), Number(1, "Authentication Length")});
@@ -48,6 +74,28 @@ constexpr auto kAyiya = Rows<Encapsulation>({
     Bits(0, 4, "Authentication Method", kSignerNames),
     Bits(4, 4, "Operation", kOperationNames), Number(1, "Next Header", NameProtocol).Into(&Encapsulation::protocol),
     UnixTime(4, "Epoch Time")});
+
+void ShowGueOptions(const Place& in, Cursor c, Encapsulation& gue) {
+  constexpr uint32_t kGroup = 0x8000, kSecurity = 0x7000, kFragmentation = 0x0800, kTransform = 0x0400, kRemote = 0x0200,
+                     kChecksum = 0x0100, kPrivate = 0x0001;
+  const uint32_t flags = gue.flags.value, security = (flags & kSecurity) >> 12;
+  const auto show = [&](uint32_t flag, RowSpan<Encapsulation> rows) {
+    if (flags & flag) ShowRows<Encapsulation>(in, c, rows, gue);
+  };
+  show(kGroup, kGroupRow);
+  if (security > 0 && security < 4) {   // 8, 16 or 32 bytes
+    const Field cookie = TakeBytes(c, 4 << security);
+    AddLine(in, cookie, "Security: %s", HexText(cookie));
+  }
+  show(kFragmentation, kFragmentRow);
+  show(kTransform, kTransformRow);
+  show(kRemote, kRemoteRow);
+  show(kChecksum, kChecksumRow);
+  show(kPrivate, kPrivateRow);
+  c.ranShort = false;
+  const Field rest = Rest(c);
+  if (rest.length > 0) AddLine(in, rest, "Optional Fields: %s", HexText(rest));
+}
 
 int32_t DecodeNext(const Place& network, const Cursor& c, uint32_t protocol, const char* title) {
   if (protocol == 4 || protocol == 41) return DecodeCarriedFrame(network, c, Carried::kIp, title);
@@ -129,8 +177,7 @@ int32_t DecodeGue(const Place& at, Cursor c) {
   ShowRows<Encapsulation>(in, c, kGue, gue);
   ShowRows<Encapsulation>(in, c, isControl ? RowSpan<Encapsulation>(kGueControl) : RowSpan<Encapsulation>(kGueData), gue);
   ShowRows<Encapsulation>(in, c, kGueFlags, gue);
-  const Field optional = TakeBytes(c, int64_t{gue.words.value} * 4);
-  if (optional.length > 0) AddLine(in, optional, "Optional Fields: %s", HexText(optional));
+  ShowGueOptions(in, TakeCursor(c, int64_t{gue.words.value} * 4), gue);
   CoverBytes(in, c);
   if (isControl) {
     AddBlock(in, Rest(c), "Control Data");
@@ -141,6 +188,7 @@ int32_t DecodeGue(const Place& at, Cursor c) {
 
 int32_t DecodeTeredo(const Place& at, Cursor c) {
   constexpr uint32_t kAuthentication = 0x0001, kOrigin = 0x0000;
+  constexpr int64_t kIpv6Header = 40;
   const uint32_t first = PeekU16(c);
   if (Left(c) < 8 || (first != kAuthentication && first != kOrigin && PeekU8(c) >> 4 != 6)) return 0;
   const Cursor start = c;
@@ -150,7 +198,15 @@ int32_t DecodeTeredo(const Place& at, Cursor c) {
   if (first == kAuthentication) ShowTeredoAuthentication(in, c);
   if (Left(c) >= 8 && PeekU16(c) == kOrigin) ShowTeredoOrigin(in, c);
   if (in.parent && c.offset > start.offset) CoverBytes(in, c);
-  return DecodeCarriedFrame(Deeper(at), c, Carried::kIp, "Teredo Data");
+  Cursor packet = TakeCursor(c, kIpv6Header + static_cast<int64_t>(PeekU16(c, 4)));
+  DecodeCarriedFrame(Deeper(at), packet, Carried::kIp, "Teredo Data");
+  if (Left(c) < 2) return 1;
+  const Place trailers = Under(at, AddLine(at, Ahead(c, Left(c)), "Teredo Trailers"));
+  constexpr ElementForm kTrailerForm{};
+  Encapsulation out{};
+  ShowElements<Encapsulation>(trailers, c, kTrailerForm, "Trailer", kTrailers, out);
+  AddBlock(trailers, Rest(c), "Trailer Data");
+  return 1;
 }
 
 int32_t DecodeAyiya(const Place& at, Cursor c) {

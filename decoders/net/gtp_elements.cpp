@@ -2,15 +2,11 @@
 // 128 on with a length of two bytes.
 #include "core/elements.h"
 #include "decoders/common/mobile_identity.h"
-#include "decoders/net/gtp.h"
 #include "decoders/net/gtp_names.h"
+#include "decoders/net/gtp_parts.h"
 
 namespace qxview {
 namespace {
-
-struct GtpElement {
-  Field type, length, kind, count;
-};
 
 constexpr auto kCause = Rows<GtpElement>({Number(1, nullptr, kGtpCauseNames).Note(": %s")});
 constexpr auto kByte = Rows<GtpElement>({Number(1, nullptr).Note(": %u")});
@@ -56,17 +52,24 @@ constexpr auto kUser = Rows<GtpElement>({
     Hex(1, "PDP Type Number", kGtpPdpNames).Into(&GtpElement::kind)});
 constexpr auto kIp4 = Rows<GtpElement>({IPv4("IPv4 Address").Note(": %s")});
 constexpr auto kIp6 = Rows<GtpElement>({IPv6("IPv6 Address").Note(": %s")});
-void ShowAddresses(const Place& in, Cursor& c, GtpElement& element) {
+}  // namespace
+
+void ShowGtpAddress(const Place& in, Cursor& c, GtpElement& element) {
   if (Left(c) == 4 || Left(c) == 20) ShowRows<GtpElement>(in, c, kIp4, element);
   if (Left(c) == 16) ShowRows<GtpElement>(in, c, kIp6, element);
 }
+
+namespace {
+
 void ShowUser(const Place& in, Cursor& c, GtpElement& element) {
   ShowRows<GtpElement>(in, c, kUser, element);
-  ShowAddresses(in, c, element);
+  ShowGtpAddress(in, c, element);
 }
 
+}  // namespace
+
 // Labels of a length and so many characters.
-void ShowName(const Place& in, Cursor& c, GtpElement&) {
+void ShowGtpName(const Place& in, Cursor& c, GtpElement&) {
   char name[128];
   int32_t used = 0;
   const Field whole = Ahead(c, Left(c));
@@ -83,6 +86,9 @@ void ShowName(const Place& in, Cursor& c, GtpElement&) {
   if (whole.bytes) AddLine(in, whole, "Name: %s", static_cast<const char*>(name));
   AppendToParent(in, whole, ": %s", static_cast<const char*>(name));
 }
+
+namespace {
+
 
 // Protocol configuration (TS 24.008 10.5.6.3): packets of PPP's control protocols and containers by number.
 constexpr auto kOptionsHead = Rows<GtpElement>({
@@ -233,10 +239,10 @@ void ShowContext(const Place& in, Cursor& c, GtpElement& element) {
   ShowRows<GtpElement>(in, c, kContextNumbers, element);
   for (int32_t i = 0; i < 3; ++i) {   // the user's, and the gateway's for control and for traffic
     Cursor address = TakeCounted(in, c, element);
-    ShowAddresses(in, address, element);
+    ShowGtpAddress(in, address, element);
   }
   Cursor name = TakeCounted(in, c, element);
-  if (Left(name) > 0) ShowName(in, name, element);
+  if (Left(name) > 0) ShowGtpName(in, name, element);
   if (Left(c) >= 2) ShowRows<GtpElement>(in, c, kTransaction, element);
 }
 
@@ -283,52 +289,31 @@ constexpr auto kElements = Choices<GtpElement>({
     {24, "Radio Priority", kPriority}, {25, "Packet Flow ID", kFlow}, {26, "Charging Characteristics", kCharging},
     {27, "Trace Reference", kShort}, {28, "Trace Type", kShort}, {29, "MS Not Reachable Reason", kByte},
     {126, "Packet Transfer Command", kCommand}, {127, "Charging ID", kIdentifier},
-    {128, "End User Address", {}, ShowUser}, {129, "MM Context", kPdu}, {130, "PDP Context", {}, ShowContext},
-    {131, "Access Point Name", {}, ShowName}, {132, "Protocol Configuration Options", {}, ShowOptions},
-    {133, "GSN Address", {}, ShowAddresses}, {134, "MSISDN", {}, ShowMobileNumber},
+    {128, "End User Address", {}, ShowUser}, {130, "PDP Context", {}, ShowContext},
+    {131, "Access Point Name", {}, ShowGtpName}, {132, "Protocol Configuration Options", {}, ShowOptions},
+    {133, "GSN Address", {}, ShowGtpAddress}, {134, "MSISDN", {}, ShowMobileNumber},
     {135, "Quality of Service Profile", {}, ShowQuality}, {136, "Authentication Quintuplet", kQuintuplet},
-    {137, "Traffic Flow Template", {}, ShowTemplate}, {138, "Target Identification", kPdu},
-    {139, "UTRAN Transparent Container", kPdu}, {140, "RAB Setup Information", kPdu},
+    {137, "Traffic Flow Template", {}, ShowTemplate},
+    {139, "UTRAN Transparent Container", kPdu},
     {141, "Extension Header Type List", {}, ShowHeaderList}, {142, "Trigger ID", kPdu}, {143, "OMC Identity", kPdu},
-    {144, "RAN Transparent Container", kPdu}, {145, "PDP Context Prioritization", kPdu},
-    {146, "Additional RAB Setup Information", kPdu}, {147, "SGSN Number", {}, ShowMobileNumber},
+    {144, "RAN Transparent Container", kPdu}, {147, "SGSN Number", {}, ShowMobileNumber},
     {148, "Common Flags", kFlags}, {149, "APN Restriction", kRestriction}, {150, "Radio Priority LCS", kByte},
     {151, "RAT Type", kRadio}, {152, "User Location Information", {}, ShowLocation}, {153, "MS Time Zone", kZone},
     {154, "IMEI(SV)", {}, ShowDigits}, {155, "CAMEL Charging Information Container", kPdu},
-    {156, "MBMS UE Context", kPdu}, {157, "Temporary Mobile Group Identity (TMGI)", kPdu},
-    {158, "RIM Routing Address", kPdu}, {159, "MBMS Protocol Configuration Options", kPdu},
-    {160, "MBMS Service Area", kPdu}, {161, "Source RNC PDCP Context Information", kPdu},
-    {162, "Additional Trace Information", kPdu}, {163, "Hop Counter", kByte}, {164, "Selected PLMN ID", {}, ShowOperator},
-    {165, "MBMS Session Identifier", kPdu}, {166, "MBMS 2G/3G Indicator", kByte}, {167, "Enhanced NSAPI", kByte},
-    {168, "MBMS Session Duration", kPdu}, {169, "Additional MBMS Trace Information", kPdu},
+    {158, "RIM Routing Address", kPdu}, {159, "MBMS Protocol Configuration Options", kPdu}, {161, "Source RNC PDCP Context Information", kPdu}, {163, "Hop Counter", kByte}, {164, "Selected PLMN ID", {}, ShowOperator}, {166, "MBMS 2G/3G Indicator", kByte}, {167, "Enhanced NSAPI", kByte},
     {170, "MBMS Session Repetition Number", kByte}, {171, "MBMS Time to Data Transfer", kByte},
-    {173, "BSS Container", kPdu}, {174, "Cell Identification", kPdu}, {175, "PDU Numbers", kPdu},
-    {176, "BSSGP Cause", kByte}, {177, "Required MBMS Bearer Capabilities", kPdu},
-    {178, "RIM Routing Address Discriminator", kByte}, {179, "List of Set-Up PFCs", kPdu},
-    {180, "PS Handover XID Parameters", kPdu}, {181, "MS Info Change Reporting Action", kReports},
-    {182, "Direct Tunnel Flags", kDirect}, {183, "Correlation-ID", kByte}, {184, "Bearer Control Mode", kByte},
-    {185, "MBMS Flow Identifier", kPdu}, {186, "MBMS IP Multicast Distribution", kPdu},
-    {187, "MBMS Distribution Acknowledgement", kByte}, {188, "Reliable Inter-RAT Handover Info", kByte},
-    {189, "RFSP Index", kShort}, {190, "Fully Qualified Domain Name (FQDN)", {}, ShowName},
-    {191, "Evolved Allocation/Retention Priority I", kRetention},
-    {192, "Evolved Allocation/Retention Priority II", kPdu}, {193, "Extended Common Flags", kMoreFlags},
-    {194, "User CSG Information", kPdu}, {195, "CSG Information Reporting Action", kByte}, {196, "CSG ID", kIdentifier},
-    {197, "CSG Membership Indication", kByte}, {198, "Aggregate Maximum Bit Rate (AMBR)", kRates},
-    {199, "UE Network Capability", kPdu}, {200, "UE-AMBR", kRates}, {201, "APN-AMBR with NSAPI", kPdu},
-    {202, "GGSN Back-Off Time", kByte}, {203, "Signalling Priority Indication", kYes},
-    {204, "Signalling Priority Indication with NSAPI", kPdu}, {205, "Higher Bitrates than 16 Mbit/s", kByte},
-    {207, "Additional MM Context for SRVCC", kPdu}, {208, "Additional Flags for SRVCC", kByte},
+    {173, "BSS Container", kPdu},
+    {176, "BSSGP Cause", kByte}, {177, "Required MBMS Bearer Capabilities", kPdu}, {181, "MS Info Change Reporting Action", kReports},
+    {182, "Direct Tunnel Flags", kDirect}, {183, "Correlation-ID", kByte},
+    {189, "RFSP Index", kShort}, {190, "Fully Qualified Domain Name (FQDN)", {}, ShowGtpName},
+    {191, "Evolved Allocation/Retention Priority I", kRetention}, {193, "Extended Common Flags", kMoreFlags}, {198, "Aggregate Maximum Bit Rate (AMBR)", kRates},
+    {199, "UE Network Capability", kPdu}, {200, "UE-AMBR", kRates},
     {209, "STN-SR", {}, ShowMobileNumber}, {210, "C-MSISDN", {}, ShowMobileNumber}, {211, "Extended RANAP Cause", kShort},
-    {212, "eNodeB ID", kPdu}, {213, "Selection Mode with NSAPI", kPdu}, {214, "ULI Timestamp", kPdu},
-    {215, "LHN-ID with NSAPI", kPdu}, {216, "CN Operator Selection Entity", kByte}, {217, "UE Usage Type", kPdu},
-    {218, "Extended Common Flags II", kByte}, {219, "Node Identifier", kPdu},
-    {220, "CIoT Optimizations Support Indication", kByte}, {221, "SCEF PDN Connection", kPdu},
-    {222, "IOV_updates Counter", kByte}, {223, "Mapped UE Usage Type", kShort},
-    {224, "UP Function Selection Indication Flags", kByte}, {238, "IE Type Extension", kPdu},
+    {222, "IOV_updates Counter", kByte}, {238, "IE Type Extension", kPdu},
     {249, "Sequence Numbers of Released Packets", {}, ShowNumbers},
     {250, "Sequence Numbers of Cancelled Packets", {}, ShowNumbers},
-    {251, "Charging Gateway Address", {}, ShowAddresses}, {252, "Data Record Packet", {}, ShowRecords},
-    {253, "Requests Responded", {}, ShowNumbers}, {254, "Address of Recommended Node", {}, ShowAddresses},
+    {251, "Charging Gateway Address", {}, ShowGtpAddress}, {252, "Data Record Packet", {}, ShowRecords},
+    {253, "Requests Responded", {}, ShowNumbers}, {254, "Address of Recommended Node", {}, ShowGtpAddress},
     {255, "Private Extension", kVendor}});
 
 // The sizes of elements without a length; 0 for a type that is not known, whose end nothing tells.
@@ -352,8 +337,9 @@ constexpr auto kElements0 = Choices<GtpElement>({
     {19, "MS Not Reachable Reason", kByte}});
 
 const Choice<GtpElement>* FindElement(uint32_t type, bool isVersion0) {
-  const Choice<GtpElement>* older = isVersion0 ? FindChoice<GtpElement>(kElements0, type) : nullptr;
-  return older ? older : FindChoice<GtpElement>(kElements, type);
+  const Choice<GtpElement>* found = isVersion0 ? FindChoice<GtpElement>(kElements0, type) : nullptr;
+  if (!found) found = FindChoice<GtpElement>(kElements, type);
+  return found ? found : FindGtpContext(type);
 }
 
 }  // namespace

@@ -44,7 +44,8 @@ constexpr auto kService = Rows<Overlay>({
     Bits(0, 4, "Unassigned"), Bits(4, 4, "Metadata Type", kMetadataNames).Into(&Overlay::metadata),
     Number(1, "Next Protocol", kServiceNextNames).Into(&Overlay::next),
     Number(3, "Service Path Identifier").Into(&Overlay::path), Number(1, "Service Index")});
-constexpr auto kFixedMetadata = Rows<Overlay>({Bytes(16, "Context Header")});
+constexpr auto kFixedMetadata = Rows<Overlay>({
+    Hex(4, "Context Header 1"), Hex(4, "Context Header 2"), Hex(4, "Context Header 3"), Hex(4, "Context Header 4")});
 constexpr auto kVariableMetadata = Rows<Overlay>({
     Hex(2, "Metadata Class", kClassNames), Number(1, "Type"), Word(1), Bits(0, 1, "Unassigned"),
     Bits(1, 7, "Length", " bytes").Into(&Overlay::length)});
