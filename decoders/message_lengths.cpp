@@ -110,6 +110,53 @@ int32_t LengthOfLdp(const Cursor& c) {
   return PeekU16(c) != kVersion || length < kLeast ? kNoMessage : kUncounted + static_cast<int32_t>(length);
 }
 
+int32_t LengthOfBgp(const Cursor& c) {
+  constexpr uint8_t kMarker[] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+  constexpr int32_t kHeader = 19;
+  constexpr uint32_t kLastType = 6;
+  if (Left(c) < kHeader) return PeekU8(c) == kMarker[0] ? 0 : kNoMessage;
+  const uint32_t length = PeekU16(c, sizeof kMarker), type = PeekU8(c, kHeader - 1);
+  return PeekIs(c, 0, kMarker) && length >= kHeader && type > 0 && type <= kLastType ? static_cast<int32_t>(length) : kNoMessage;
+}
+
+int32_t LengthOfMsdp(const Cursor& c) {
+  constexpr uint32_t kLastType = 7, kHeader = 3;
+  if (PeekU8(c) == 0 || PeekU8(c) > kLastType) return kNoMessage;
+  if (Left(c) < 3) return 0;
+  return PeekU16(c, 1) < kHeader ? kNoMessage : static_cast<int32_t>(PeekU16(c, 1));
+}
+
+int32_t LengthOfDlep(const Cursor& c) {
+  constexpr uint32_t kLastType = 16;
+  if (Left(c) < 4) return 0;
+  return PeekU16(c) == 0 || PeekU16(c) > kLastType ? kNoMessage : 4 + static_cast<int32_t>(PeekU16(c, 2));
+}
+
+int32_t LengthOfRpkiRtr(const Cursor& c) {
+  constexpr uint32_t kLastVersion = 2, kLastType = 11, kUnused = 5, kHeader = 8, kMost = 1 << 17;
+  const uint32_t type = PeekU8(c, 1);
+  if (PeekU8(c) > kLastVersion || type > kLastType || type == kUnused) return kNoMessage;
+  if (Left(c) < 8) return 0;
+  const uint32_t length = PeekU32(c, 4);
+  return length < kHeader || length > kMost ? kNoMessage : static_cast<int32_t>(length);
+}
+
+int32_t LengthOfBmp(const Cursor& c) {
+  constexpr uint32_t kVersion = 3, kHeader = 6, kMost = 1 << 20, kLastType = 6;
+  if (PeekU8(c) != kVersion) return kNoMessage;
+  if (Left(c) < 6) return 0;
+  const uint32_t length = PeekU32(c, 1);
+  return length < kHeader || length > kMost || PeekU8(c, 5) > kLastType ? kNoMessage : static_cast<int32_t>(length);
+}
+
+int32_t LengthOfPcep(const Cursor& c) {
+  constexpr uint32_t kVersion = 1, kLastType = 13;
+  if (PeekU8(c) >> 5 != kVersion || PeekU8(c, 1) > kLastType) return kNoMessage;
+  if (Left(c) < 4) return 0;
+  const uint32_t length = PeekU16(c, 2);
+  return length < 4 || length % 4 != 0 ? kNoMessage : static_cast<int32_t>(length);
+}
+
 int32_t LengthOfOpenVpnOverTcp(const Cursor& c) {
   constexpr int32_t kLengthSize = 2;
   constexpr uint32_t kLastOpcode = 11;

@@ -10,6 +10,7 @@
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/icmp_extensions.h"
 #include "decoders/net/quoted.h"
+#include "decoders/net/rpl.h"
 
 namespace qxview {
 namespace {
@@ -29,19 +30,12 @@ constexpr auto kParameterProblemCodes = SortedNames({
     {5, "Unrecognized Next Header at Intermediate Node"}, {6, "Extension Header Too Big"},
     {7, "Extension Header Chain Too Long"}, {8, "Too Many Extension Headers"},
     {9, "Too Many Options in Extension Header"}, {10, "Option Too Big"}});
-constexpr auto kRplCodes = SortedNames({
-    {0x00, "DODAG Information Solicitation"}, {0x01, "DODAG Information Object"},
-    {0x02, "Destination Advertisement Object"}, {0x03, "Destination Advertisement Object Acknowledgement"},
-    {0x80, "Secure DODAG Information Solicitation"}, {0x81, "Secure DODAG Information Object"},
-    {0x82, "Secure Destination Advertisement Object"},
-    {0x83, "Secure Destination Advertisement Object Acknowledgement"}, {0x8A, "Consistency Check"}});
-
 const char* CodeName(uint32_t type, uint32_t code) {
   switch (type) {
     case kDestinationUnreachable: return LookupName(kUnreachableCodes, code);
     case kTimeExceeded: return LookupName(kTimeExceededCodes, code);
     case kParameterProblem: return LookupName(kParameterProblemCodes, code);
-    case kRplControl: return LookupName(kRplCodes, code);
+    case kRplControl: return RplCodeName(code);
     default: return nullptr;
   }
 }
@@ -122,8 +116,6 @@ void DecodeHomeAgentDiscovery(const Place& in, Cursor& c, Icmpv6Message&) {
   AddLine(in, reserved, "Reserved: 0x%.04X", reserved.value);
   for (Loop loop; Left(c) >= 16 && MoreAt(in, c, loop);) AddAddress(in, c, "Home Agent Address");
 }
-
-void DecodeRpl(const Place& in, Cursor& c, Icmpv6Message&) { AddBlock(in, Rest(c), "RPL Data"); }
 
 struct MessageRow {
   uint32_t type;

@@ -5,7 +5,8 @@
 //   version 3 reports:         4  reserved   6  group records   8  records
 //   a record:  0  type   1  words of auxiliary data   2  number of sources   4  group   8  sources, auxiliary data
 //
-// Multicast router discovery (RFC 4286) and the messages of older routing protocols use further types.
+// Multicast router discovery (RFC 4286), routers that tell switches which groups they want (RGMP, RFC 3488) and the messages
+// of older routing protocols use further types.
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
 #include "decoders/common/checksum_line.h"
@@ -17,7 +18,7 @@ namespace {
 
 enum IgmpType : uint32_t {
   kQuery = 0x11, kDvmrp = 0x13, kPim1 = 0x14, kTraceResponse = 0x1E, kTrace = 0x1F, kReportV3 = 0x22,
-  kRouterAdvertisement = 0x30,
+  kRouterAdvertisement = 0x30, kRgmpLeave = 0xFC, kRgmpJoin = 0xFD, kRgmpBye = 0xFE, kRgmpHello = 0xFF,
 };
 constexpr int32_t kShortMessage = 8;
 
@@ -26,7 +27,8 @@ constexpr auto kTypeNames = SortedNames({
     {0x15, "Cisco Trace"}, {0x16, "Version 2 Membership Report"}, {0x17, "Leave Group"},
     {0x1E, "Multicast Traceroute Response"}, {0x1F, "Multicast Traceroute"}, {0x22, "Version 3 Membership Report"},
     {0x30, "Multicast Router Advertisement"}, {0x31, "Multicast Router Solicitation"},
-    {0x32, "Multicast Router Termination"}});
+    {0x32, "Multicast Router Termination"}, {0xFC, "RGMP Leave Group"}, {0xFD, "RGMP Join Group"}, {0xFE, "RGMP Bye"},
+    {0xFF, "RGMP Hello"}});
 
 constexpr auto kRecordNames = SortedNames({
     {1, "Mode Is Include"}, {2, "Mode Is Exclude"}, {3, "Change to Include Mode"}, {4, "Change to Exclude Mode"},
@@ -134,6 +136,7 @@ int32_t DecodeIgmp(const Place& at, Cursor c) {
   switch (type.value) {
     case kReportV3: DecodeReport(in, c); break;
     case kQuery: case kReportV1: case kReportV2: case kLeave:
+    case kRgmpLeave: case kRgmpJoin: case kRgmpBye: case kRgmpHello:
       AddGroup(in, c);
       if (version3) DecodeQueryTail(in, c);
       break;

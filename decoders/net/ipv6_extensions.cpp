@@ -10,11 +10,12 @@
 #include "decoders/net/ip_fragments.h"
 #include "decoders/net/ip_protocol_names.h"
 #include "decoders/net/ipv6_checksum.h"
+#include "decoders/net/rpl.h"
 
 namespace qxview {
 namespace {
 
-constexpr uint32_t kPad1 = 0, kPadN = 1, kJumboPayload = 0xC2, kHomeAddress = 0xC9;
+constexpr uint32_t kPad1 = 0, kPadN = 1, kJumboPayload = 0xC2, kHomeAddress = 0xC9, kRplOld = 0x63, kRpl = 0x23;
 
 constexpr auto kOptionNames = SortedNames({
     {0x00, "Pad1"}, {0x01, "PadN"}, {0x04, "Tunnel Encapsulation Limit"}, {0x05, "Router Alert"}, {0x07, "CALIPSO"},
@@ -63,6 +64,7 @@ void DecodeLongOption(const Place& in, Cursor c, HeaderChain& chain) {
   if (type.value == kJumboPayload && length.value == 4 && Left(c) >= 4 && chain.payloadLength == 0) {
     chain.payloadLength = PeekU32(c);
   }
+  if ((type.value == kRpl || type.value == kRplOld) && length.value >= 4) ShowRplOption(in, c);
   AddBlock(in, Rest(c), "Option Data:");
 }
 
@@ -85,7 +87,7 @@ void DecodeOption(const Place& in, Cursor& c, HeaderChain& chain) {
   DecodeLongOption(Under(in, line), TakeCursor(c, size), chain);
 }
 
-constexpr uint32_t kSourceRoute = 0, kHomeRoute = 2, kSegmentRouting = 4;
+constexpr uint32_t kSourceRoute = 0, kHomeRoute = 2, kRplRoute = 3, kSegmentRouting = 4;
 
 // Type 0: every address on the way; the last one is where the packet goes in the end.
 void DecodeSourceRoute(const Place& in, Cursor& c, HeaderChain& chain, uint32_t segmentsLeft) {
@@ -155,6 +157,8 @@ bool DecodeRoutingHeader(const Place& at, Cursor& c, HeaderChain& chain) {
     DecodeSourceRoute(in, header, chain, segmentsLeft.value);
   } else if (type.value == kHomeRoute) {
     DecodeHomeRoute(in, header, chain, segmentsLeft.value);
+  } else if (type.value == kRplRoute) {
+    ShowRplRoute(in, header, chain, segmentsLeft.value);
   } else if (type.value == kSegmentRouting && segmentsLeft.value > 0 && Left(header) >= 4 + 16) {
     chain.destination = PeekBytes(header, 4, 16).bytes;   // the list of segments is in reverse order
   }

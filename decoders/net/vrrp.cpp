@@ -1,6 +1,7 @@
 // Virtual Router Redundancy Protocol, version 2 (RFC 3768) and 3 (RFC 5798, RFC 9568): which router answers for a shared
-// address?
+// address? The Common Address Redundancy Protocol has its number and first octet, and says so by the words of its digest.
 #include "core/internet_checksum.h"
+#include "core/line_facts.h"
 #include "core/rows.h"
 #include "decoders/common/checksum_line.h"
 
@@ -41,10 +42,35 @@ void AddChecksum(const Place& in, const Field& checksum, const Field& message, u
   AddChecksumLine(in, checksum, "Checksum:", whole ? nullptr : "Not Checked - Partial Capture", sum, BadChecksum::kAlone);
 }
 
+// --- CARP ---
+
+constexpr int32_t kCarpSize = 36;
+constexpr uint32_t kCarpWords = 7;   // of counter and digest
+
+constexpr auto kCarpHead = Rows<NoValues>({
+    Word(1), Bits(0, 4, "Version"), Bits(4, 4, "Type", kTypeNames), Number(1, "Virtual Host ID"),
+    Number(1, "Advertisement Skew"), Number(1, "Authentication Length", " words"), Number(1, "Demotion"),
+    Number(1, "Advertisement Interval", " seconds")});
+constexpr auto kCarpTail = Rows<NoValues>({Number(8, "Counter"), Bytes(20, "HMAC")});
+
+// Seven addresses would make a longer message.
+bool IsCarp(const Cursor& c) { return Left(c) == kCarpSize && PeekU8(c, 3) == kCarpWords; }
+
+int32_t ShowCarp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "carp");
+  const Field message = Ahead(c, Left(c));
+  const Place in = Under(at, AddLine(at, message, "CARP: Virtual Host %u", PeekU8(c, 1)));
+  ShowRows(in, c, kCarpHead);
+  AddChecksum(in, TakeU16(c), message, kVersion2);
+  ShowRows(in, c, kCarpTail);
+  return 1;
+}
+
 }  // namespace
 
 int32_t DecodeVrrp(const Place& at, Cursor c) {
   const uint32_t version = PeekU8(c) >> 4;
+  if (version == kVersion2 && IsCarp(c)) return ShowCarp(at, c);
   if (Left(c) < kHeaderSize || (version != kVersion2 && version != kVersion3)) return 0;
   const Field message = Ahead(c, Left(c));
   const Vrrp ahead = PeekRows(c, kHeader);

@@ -9,6 +9,7 @@
 #include "decoders/routing/bgp.h"
 
 #include "core/elements.h"
+#include "core/line_facts.h"
 #include "decoders/routing/bgp_names.h"
 #include "decoders/routing/prefix.h"
 #include "decoders/states.h"
@@ -273,6 +274,12 @@ uint16_t BgpFamilyBit(uint32_t afi, uint32_t safi) {
     if (kSafis[i] == safi && (afi == kFamilyIPv4 || afi == kFamilyIPv6)) return static_cast<uint16_t>(1u << (2 * i + afi - 1));
   }
   return afi == 25 && safi == 70 ? 0x8000 : 0;
+}
+
+void ShowBgpMessages(const Place& in, Cursor& c, Bgp& bgp) {
+  const KeyedAs keys(PacketOf(in), "bgp");
+  Loop loop;
+  while (StartsMessage(c) && MoreAt(in, c, loop)) ShowMessage(in, c, bgp);
 }
 
 // Messages, one behind the other; what begins with none is the rest of an earlier segment's.

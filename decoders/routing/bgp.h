@@ -18,8 +18,12 @@ struct Bgp {
   BgpSession session;
   int32_t direction;      // the end that sends
   bool known;             // both opens were seen
+  bool isWidthTold;       // by what carries the message
   int32_t nesting;        // of attributes within one another
 };
+
+// Whole messages, one behind the other, that another protocol carries.
+void ShowBgpMessages(const Place& in, Cursor& c, Bgp& bgp);
 
 // The path attributes of an UPDATE; they take all that is left.
 void ShowBgpAttributes(const Place& in, Cursor& c, Bgp& bgp);

@@ -82,7 +82,7 @@ void ShowSegments(const Place& at, Cursor& c, int32_t width, Bgp&) {
 // What the session's opening said, else what the bytes fit.
 void ShowPath(const Place& in, Cursor& c, Bgp& bgp) {
   AppendToParent(in, Ahead(c, 0), ":");
-  if (bgp.known) {
+  if (bgp.known || bgp.isWidthTold) {
     ShowSegments(in, c, bgp.session.wide[0] && bgp.session.wide[1] ? 4 : 2, bgp);
     return;
   }

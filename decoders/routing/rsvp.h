@@ -14,6 +14,7 @@ ChoiceSpan<Rsvp> RsvpObjects();
 void ShowRsvpExplicitRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpRecordedRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpPolicies(const Place& in, Cursor& c, Rsvp& rsvp);
+void ShowRsvpExcludedRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpFlow(const Place& in, Cursor& c, Rsvp& rsvp);   // integrated services: specifications of flows
 
 }  // namespace qxview

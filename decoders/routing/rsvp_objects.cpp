@@ -391,7 +391,7 @@ constexpr auto kObjects = Choices<Rsvp>({
     {0xCF01, "Session Attribute with Affinities", kAffinities, ShowPadding},
     {0xCF07, "Session Attribute", kAttribute, ShowPadding}, {0xE101, "DCLASS", {}, ShowDscps},
     {0xE501, "Generalized UNI", {}, ShowUni}, {0xE601, "Operator Specific", kCall}, {0xE602, "Globally Unique", kCall},
-    {0xE801, "Exclude Route", {}, ShowRsvpExplicitRoute}});
+    {0xE801, "Exclude Route", {}, ShowRsvpExcludedRoute}});
 
 }  // namespace
 
