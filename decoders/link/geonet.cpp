@@ -85,7 +85,10 @@ constexpr auto kNumber0 = Rows<Geo>({Number(2, "Sequence Number").Note(", Number
 constexpr auto kArea = Rows<Geo>({
     Shown(4, "Latitude", ShowDegrees), Shown(4, "Longitude", ShowDegrees), Number(2, "Distance A", " metres"),
     Number(2, "Distance B", " metres"), Number(2, "Angle", " degrees"), Hex(2, "Reserved")});
-constexpr auto kMediaData = Rows<Geo>({Hex(4, "Media-Dependent Data")});
+// Of radio by IEEE 802.11 (ETSI TS 102 636-4-2).
+constexpr auto kMediaData = Rows<Geo>({
+    Number(1, "Local Channel Busy Ratio", " / 255"), Number(1, "One-Hop Channel Busy Ratio", " / 255"), Word(1),
+    Bits(0, 5, "Output Power", " dBm"), Bits(5, 3, "Reserved"), Hex(1, "Reserved")});
 constexpr auto kBtpARows = Rows<Geo>({
     Number(2, "Destination Port", kPortNames).Note(", %s"), Number(2, "Source Port", kPortNames)});
 constexpr auto kBtpBRows = Rows<Geo>({

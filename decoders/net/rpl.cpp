@@ -119,9 +119,9 @@ constexpr auto kMetricHead = Rows<Rpl>({
 constexpr auto kNodeState = Rows<Rpl>({
     Hex(1, "Reserved"), Word(1), Bits(0, 6, "Reserved"), Flag(6, "Data Aggregation"), Flag(7, "Overloaded")});
 constexpr auto kEnergy = Rows<Rpl>({
-    Word(1), Bits(0, 4, "Reserved"), Flag(4, "Include"), Bits(5, 2, "Energy Type", kEnergyNames),
-    Flag(7, "Estimation Present"), Number(1, "Energy Estimation")});
-constexpr auto kHops = Rows<Rpl>({Word(1), Bits(0, 4, "Reserved"), Bits(4, 4, "Flags"), Number(1, "Hop Count").Note(", %u")});
+    Word(2), Bits(0, 4, "Reserved"), Flag(4, "Include"), Bits(5, 2, "Energy Type", kEnergyNames),
+    Flag(7, "Estimation Present"), Bits(8, 8, "Energy Estimation")});
+constexpr auto kHops = Rows<Rpl>({Word(2), Bits(0, 4, "Reserved"), Bits(4, 4, "Flags"), Bits(8, 8, "Hop Count").Note(", %u")});
 constexpr auto kThroughput = Rows<Rpl>({Number(4, "Throughput", " bytes per second").Note(", %u")});
 constexpr auto kLatency = Rows<Rpl>({Number(4, "Latency", " microseconds").Note(", %u")});
 constexpr auto kReserved = Rows<Rpl>({Hex(1, "Reserved")});

@@ -70,6 +70,13 @@ void ShowBody(const Place& in, Cursor& c, uint32_t type, Layout layout) {
   switch (type) {
     case kRequest:
       ShowRows<Aodv>(in, c, kRequestHead, aodv);
+      if (layout.numberFirst) {
+        ShowNumber(in, c, "Destination");
+        ShowNumber(in, c, "Originator");
+        ShowAddress(in, c, layout.isSix, "Destination");
+        ShowAddress(in, c, layout.isSix, "Originator");
+        break;
+      }
       ShowNode(in, c, layout, "Destination");
       ShowNode(in, c, layout, "Originator");
       break;
