@@ -10,7 +10,8 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kPacketHeader = 4, kLinkHeader = 4;
-enum : uint32_t { kHello = 1, kTopology = 2, kInterfaces = 3, kNetworks = 4, kNames = 130, kQualityHello = 201, kQualityTopology = 202 };
+enum : uint32_t { kHello = 1, kTopology = 2, kInterfaces = 3, kNetworks = 4, kNames = 130,
+                kQualityHello = 201, kQualityTopology = 202 };
 
 constexpr auto kTypeNames = SortedNames({
     {1, "HELLO"}, {2, "TC"}, {3, "MID"}, {4, "HNA"}, {130, "Name Service"}, {201, "LQ HELLO"}, {202, "LQ TC"}});

@@ -205,7 +205,8 @@ void ShowAddresses(const Place& at, Cursor& c, Bb& bb) {
   }
   if (flags & (kHasOneLength | kHasLengths)) {
     Loop lengths;
-    for (uint32_t i = 0; i < (flags & kHasLengths ? count : 1) && MoreAt(in, c, lengths); ++i) ShowRows<Bb>(in, c, kPrefixLength, bb);
+    const uint32_t all = flags & kHasLengths ? count : 1;
+    for (uint32_t i = 0; i < all && MoreAt(in, c, lengths); ++i) ShowRows<Bb>(in, c, kPrefixLength, bb);
   }
   ShowTlvBlock(in, c, Scope::kAddress, bb);
   if (!in.dead) SetRange(in, in.parent, start.offset, c.offset - start.offset);
