@@ -18,7 +18,7 @@ PAIRS = {
 }
 FIELDS = ["frame.number", *(field for fields, _ in PAIRS.values() for field in fields)]
 KEYS = {key: name for name, (_, keys) in PAIRS.items() for key in keys}
-PORTS = ("tcp.port==9443,tls", "tcp.port==8443,tls", "udp.port==4433,dtls")   # of the sample; what is taken for others there
+PORTS = (9443, 8443)   # of the recordings; what others have there
 
 
 def read_theirs(path, key_log):
@@ -26,7 +26,8 @@ def read_theirs(path, key_log):
     if key_log:
         preferences += ("tls.keylog_file:" + key_log,)
     told = {}
-    for values in oracle.tshark_fields(path, FIELDS, preferences=preferences, decode_as=PORTS):
+    ports = ("udp.port==4433,dtls", *(f"tcp.port=={port},tls" for port in PORTS))
+    for values in oracle.tshark_fields(path, FIELDS, preferences=preferences, decode_as=ports):
         at = 1
         for name, (fields, _) in PAIRS.items():
             found = [v for value in values[at:at + len(fields)] for v in value.split(oracle.AGGREGATOR) if v]
@@ -36,7 +37,9 @@ def read_theirs(path, key_log):
 
 
 def read_ours(qxview, path, key_log):
-    options = ["--keys"] + (["--set", "TlsKeyLog=" + key_log] if key_log else [])
+    options = ["--keys", *(f"--decode-as=tcp:{port}=TLS" for port in PORTS)]
+    if key_log:
+        options += ["--set", "TlsKeyLog=" + key_log]
     told = {}
     for packet in oracle.decoded_packets(qxview, path, *options):
         for line in oracle.walk(packet["lines"]):

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "core/output_file.h"
+#include "decoders/tls/tls.h"
 #include "tests/support/cases.h"
 #include "tests/support/samples.h"
 #include "tests/support/small_stack.h"
@@ -270,6 +271,105 @@ INSTANTIATE_TEST_SUITE_P(Registry, Properties, ::testing::ValuesIn(Subjects()), 
   for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
   return name;
 });
+
+// A record of one handshake message.
+Bytes HandshakeRecord(uint8_t type, const Bytes& body) {
+  const size_t size = body.size(), record = size + 4;
+  return Bytes{22, 3, 3, static_cast<uint8_t>(record >> 8), static_cast<uint8_t>(record), type,
+               static_cast<uint8_t>(size >> 16), static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(size)} + body;
+}
+Bytes BehindLength(const Bytes& bytes) {
+  return Bytes{static_cast<uint8_t>(bytes.size() >> 16), static_cast<uint8_t>(bytes.size() >> 8),
+               static_cast<uint8_t>(bytes.size())} + bytes;
+}
+// An element around others, its length in two octets.
+Bytes Element(uint8_t tag, const Bytes& contents) {
+  return Bytes{tag, 0x82, static_cast<uint8_t>(contents.size() >> 8), static_cast<uint8_t>(contents.size())} + contents;
+}
+
+// Where elements start in the bytes: of what is constructed, and of what may hold elements.
+void FindElements(const Bytes& bytes, size_t at, size_t end, std::vector<size_t>& starts) {
+  while (at + 2 <= end) {
+    const size_t tag = bytes[at], form = bytes[at + 1], octets = form < 0x80 ? 0 : form - 0x80;
+    if (octets > 2 || at + 2 + octets > end) return;
+    size_t length = form & 0x7F;
+    for (size_t i = length = octets ? 0 : length; i < octets; ++i) length = length << 8 | bytes[at + 2 + i];
+    const size_t first = at + 2 + octets;
+    if (first + length > end) return;
+    starts.push_back(at);
+    if (tag & 0x20) FindElements(bytes, first, first + length, starts);
+    if (tag == 3 || tag == 4) FindElements(bytes, first + (tag == 3), first + length, starts);
+    at = first + length;
+  }
+}
+
+// Bodies of whole certificate and status messages of a recorded segment, by their types.
+void FindCertificates(const Bytes& segment, std::vector<std::pair<uint8_t, Bytes>>& found) {
+  for (size_t at = 0; at + 9 < segment.size() && segment[at] == 22; at += 5 + (segment[at + 3] << 8 | segment[at + 4])) {
+    for (size_t each = at + 5; each + 4 < segment.size();) {
+      const uint8_t type = segment[each];
+      const size_t size = segment[each + 1] << 16 | segment[each + 2] << 8 | segment[each + 3], end = each + 4 + size;
+      if (end > segment.size()) break;
+      const auto byte = [&](size_t i) { return segment.begin() + static_cast<ptrdiff_t>(i); };
+      if (type == 11 || type == 22) found.emplace_back(type, Bytes(byte(each + 4), byte(end)));
+      each = end;
+    }
+  }
+}
+
+TEST(Certificates, HoldWhateverTheirTagsAndLengthsSay) {
+  std::vector<std::pair<uint8_t, Bytes>> messages;
+  NamingHost host;
+  TestView view(&host);
+  ForEachRecord("tls", [&](const FrameRecord* record) {
+    ClearDecodeTree(&view.view(), &view.tree(), true);
+    DecodeFrame(&view.view(), record, 0, 0, 0);
+    const ReachedLayer& reached = view.context().packet.reached;
+    if (reached.length > 0) FindCertificates(Bytes(reached.bytes, reached.bytes + reached.length), messages);
+  });
+  ASSERT_GT(messages.size(), 3u);
+
+  ThreeModes modes;
+  Payload payload{.row = FindBuiltinDecoder(kTlsProtocol & 0xFFFF), .overTcp = true};
+  size_t inputs = 0;
+  const auto holds = [&](uint8_t type, const Bytes& body) {
+    payload.bytes = HandshakeRecord(type, body);
+    const std::string fault = modes.Fault(payload);
+    EXPECT_EQ(fault, "") << "input " << inputs;
+    return ++inputs, fault.empty();
+  };
+  for (auto& [type, body] : messages) {
+    std::vector<size_t> starts;
+    const size_t front = type == 11 ? 6 : 4;   // the lengths of list and certificate, the type of status and its length
+    FindElements(body, front, body.size(), starts);
+    EXPECT_TRUE(inputs > 0 || starts.size() > 60) << "the elements of a certificate";
+    for (const size_t at : starts) {
+      const uint8_t tag = body[at], length = body[at + 1];
+      for (const int value : {0, 1, 0x7F, 0x80, 0x81, 0x84, 0xFF}) {
+        body[at + 1] = static_cast<uint8_t>(value);
+        if (!holds(type, body)) return;
+      }
+      body[at + 1] = length;
+      for (const int value : {0, 2, 3, 6, 0x17, 0x1F, 0x30, 0xA0, 0xFF}) {
+        body[at] = static_cast<uint8_t>(value);
+        if (!holds(type, body)) return;
+      }
+      body[at] = tag;
+      if (!holds(type, Bytes(body.begin(), body.begin() + static_cast<ptrdiff_t>(at + 1)))) return;
+    }
+  }
+
+  // What no sender makes: nested without end, numbers and identifiers without end, elements of nothing.
+  Bytes nested, endless = Element(0x30, Element(0x30, Element(6, Bytes(50000, 0x81)))), empty;
+  for (int depth = 0; depth < 5000; ++depth) nested = Element(depth % 3 ? 0x30 : 0xA3, nested);
+  for (int i = 0; i < 12000; ++i) empty = empty + Bytes{0x30, 0x03, 0x31, 0x01, 0x30};
+  const Bytes values[] = {nested, endless, Element(0x30, Element(0x30, empty)), Element(0x30, Element(2, Bytes(60000, 0xFF))),
+                          Element(0x30, Element(0x30, Element(3, Bytes(60000, 9)))), Bytes(60000, 0x30)};
+  for (const Bytes& value : values) {
+    EXPECT_TRUE(holds(11, BehindLength(BehindLength(value))));
+    EXPECT_TRUE(holds(22, Bytes{1} + BehindLength(value)));
+  }
+}
 
 }  // namespace
 }  // namespace qxview::testing
