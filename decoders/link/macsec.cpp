@@ -22,6 +22,7 @@ constexpr auto kTag = Rows<MacSec>({
     Number(4, "Packet Number").Note(", Packet Number %u").Into(&MacSec::number)});
 constexpr auto kIdentifier = Rows<MacSec>({Mac("System Identifier").Note(", %s"), Number(2, "Port Identifier")});
 constexpr auto kCheck = Rows<MacSec>({Bytes(16, "Integrity Check Value (ICV)")});
+constexpr auto kCutCheck = Rows<MacSec>({Bytes(0, "Integrity Check Value (ICV)")});
 
 }  // namespace
 
@@ -38,13 +39,15 @@ int32_t DecodeMacSec(const Place& at, Cursor c) {
   const int32_t behind = Left(c) - kCheckSize;
   // A short length counts the data where it has less than 48 octets; padding follows the check value then.
   const int32_t counted = static_cast<int32_t>(security.shortLength.value);
-  const int32_t size = counted > 0 && counted < behind ? counted : behind > 0 ? behind : 0;
+  const int32_t size = counted > 0 && counted <= Left(c) ? counted : behind > 0 ? behind : 0;
   Cursor data = TakeCursor(c, size);
   if (!isPlain) {
     const Field sealed = Rest(data);
     AddLine(in, sealed, "Encrypted Data: %d bytes", sealed.length);
   }
-  if (Left(c) >= kCheckSize) ShowRows<MacSec>(in, c, kCheck, security);
+  if (Left(c) > 0) {   // a frame that is cut ends within it
+    ShowRows<MacSec>(in, c, Left(c) >= kCheckSize ? RowSpan<MacSec>(kCheck) : RowSpan<MacSec>(kCutCheck), security);
+  }
   const Field padding = Rest(c);
   if (padding.length > 0) AddLine(in, padding, "Padding: %s", HexText(padding));
   if (!isPlain || Left(data) < 2) return 1;

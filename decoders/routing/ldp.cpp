@@ -212,7 +212,8 @@ void ShowRoute(const Place& in, Cursor& c, Ldp&);
 
 constexpr auto kTlvs = Choices<Ldp>({
     {0x0001, "Sequence Number", kMessageNumber}, {0x001C, "RSVP-TE P2MP LSP"}, {0x001D, "LDP P2MP LSP"},
-    {0x001E, "IP Multicast Tunnel"}, {0x0100, "FEC", {}, ShowLdpFecs}, {0x0101, "Address List", {}, ShowAddresses}, {0x0103, "Hop Count", kHops},
+    {0x001E, "IP Multicast Tunnel"}, {0x0100, "FEC", {}, ShowLdpFecs}, {0x0101, "Address List", {}, ShowAddresses},
+    {0x0103, "Hop Count", kHops},
     {0x0104, "Path Vector", {}, ShowPath}, {0x0200, "Generic Label", kLabel}, {0x0201, "ATM Label", kAtmLabel},
     {0x0202, "Frame Relay Label", kFrameRelayLabel}, {0x0203, "FT Protection", kSequence},
     {0x0204, "Upstream-Assigned Label", kUpstreamLabel}, {0x0205, "Upstream-Assigned Label Request", kReserved},
