@@ -10,11 +10,11 @@ export NSS_IGNORE_SYSTEM_POLICY=1
 mkdir store
 certutil -N -d store --empty-password
 for name in server client; do
-  openssl req -x509 -newkey rsa:2048 -nodes -keyout "$name.key" -out "$name.pem" -days 3650 -subj "/C=XX/O=Sample/CN=$name.test" 2>>log
-  openssl pkcs12 -export -name "$name" -inkey "$name.key" -in "$name.pem" -out "$name.p12" -passout pass: 2>>log
-  pk12util -d store -i "$name.p12" -W '' >>log
+  openssl req -x509 -newkey rsa:2048 -nodes -keyout "$name.key" -out "$name.pem" -days 3650 -subj "/C=XX/O=Sample/CN=$name.test"
+  openssl pkcs12 -export -name "$name" -inkey "$name.key" -in "$name.pem" -out "$name.p12" -passout pass:
+  pk12util -d store -i "$name.p12" -W ''
   certutil -M -d store -n "$name" -t CTu,CTu,CTu
-done
+done >>log 2>&1
 
 connect_hosts
 start_on "$right" selfserv -d store -n server -p 443 -V ssl3:tls1.2 -c :0005:002F:000A
