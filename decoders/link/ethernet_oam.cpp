@@ -1,7 +1,6 @@
-// Ethernet operations, administration and maintenance of one link (IEEE 802.3 clause 57), and what organizations carry
-// in
-// the same way (IEEE 802.3 annex 57B): the synchronization status messages of ITU-T G.8264. The subtype of the slow
-// protocols stands in front.
+// Ethernet operations, administration and maintenance of one link (IEEE 802.3 clause 57), and what organizations carry in
+// the same way (IEEE 802.3 annex 57B): the synchronization status messages of ITU-T G.8264. The subtype of the slow protocols
+// stands in front.
 //
 //   subtype (1) = 3    flags (2)   code (1)   elements: type (1), length of the whole (1), value
 //   subtype (1) = 10   organization (3)   what it says

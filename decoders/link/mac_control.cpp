@@ -1,5 +1,4 @@
-// MAC control (IEEE 802.3 clause 31 and its annexes): pause, pause by priority (802.1Q clause 36), and the protocol by
-// which an
+// MAC control (IEEE 802.3 clause 31 and its annexes): pause, pause by priority (802.1Q clause 36), and the protocol by which an
 // optical line terminal gives its units their turns (multipoint control, clauses 64 and 77).
 //
 //   operation code (2)   multipoint control: time stamp (4)   what the code says   zeros up to the smallest frame
@@ -49,6 +48,8 @@ constexpr auto kDiscovery = Rows<Control>({
 constexpr auto kReportHead = Rows<Control>({Number(1, "Number of Queue Sets").Into(&Control::sets)});
 constexpr auto kRequest = Rows<Control>({
     Number(1, "Request", kRequestNames).Note(", %s"), Number(1, "Pending Grants"), Hex(2, "Discovery Information"),
+    Bits(0, 10, "Reserved"), Flag(10, "10G Registration Attempt"), Flag(11, "1G Registration Attempt"), Bits(12, 2, "Reserved"),
+    Flag(14, "10G Upstream Capable"), Flag(15, "1G Upstream Capable"),
     Number(1, "Laser On Time"), Number(1, "Laser Off Time")});
 constexpr auto kRegisterBody = Rows<Control>({
     Number(2, "Assigned Port").Note(", Port %u"), Number(1, "Register Flags", kRegisterNames).Note(", %s"), Number(2,

@@ -44,12 +44,13 @@ constexpr auto kVlan = Rows<Vtp>({
     Number(1, "VLAN Name Length").Into(&Vtp::size), Number(2, "ISL VLAN ID").Note(" %u"), Number(2, "MTU Size"),
     Hex(4, "802.10 Index"), Shown("VLAN Name", ShowName)});
 constexpr auto kWord = Rows<Vtp>({Number(2, nullptr)});
+constexpr auto kTranslated = Rows<Vtp>({Number(2, "First Bridged VLAN"), Number(2, "Second Bridged VLAN")});
 constexpr auto kHexWord = Rows<Vtp>({Hex(2, nullptr)});
 constexpr auto kBridgeType = Rows<Vtp>({Number(2, nullptr, kBridgeTypeNames)});
 constexpr auto kBackup = Rows<Vtp>({Number(2, nullptr, kBackupNames)});
 constexpr auto kVlanElements = Choices<Vtp>({
     {1, "Source-Routing Ring Number", kHexWord}, {2, "Source-Routing Bridge Number", kHexWord},
-    {3, "Spanning Tree Protocol Type", kWord}, {4, "Parent VLAN", kWord}, {5, "Translationally Bridged VLANs"},
+    {3, "Spanning Tree Protocol Type", kWord}, {4, "Parent VLAN", kWord}, {5, "Translationally Bridged VLANs", kTranslated},
     {6, "Pruning", kWord}, {7, "Bridge Type", kBridgeType}, {8, "Maximum ARE Hop Count", kWord},
     {9, "Maximum STE Hop Count", kWord}, {10, "Backup CRF Mode", kBackup}});
 constexpr ElementForm kVlanForm{.unit = 2};
