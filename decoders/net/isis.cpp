@@ -12,7 +12,7 @@ namespace {
 
 enum PduType : uint32_t {
   kLanHello1 = 15, kLanHello2 = 16, kPointHello = 17, kLinkState1 = 18, kLinkState2 = 20, kComplete1 = 24, kComplete2 = 25,
-  kPartial1 = 26, kPartial2 = 27,
+  kPartial1 = 26, kPartial2 = 27, kScopedState = 10, kScopedComplete = 11, kScopedPartial = 12,
 };
 
 constexpr auto kTypeNames = SortedNames({
@@ -26,6 +26,14 @@ constexpr auto kSystemNames = SortedNames({{0, "Unused"}, {1, "Level 1"}, {2, "U
 void ShowSystem(const Place& in, const Field& field, const char* label) {
   AddLine(in, field, "%s: %s", label, SystemIdText(field));
   AppendToParent(in, field, ", %s", SystemIdText(field));
+}
+
+// With the octet of the circuit behind the system.
+void ShowSource(const Place& in, const Field& field, const char* label) {
+  constexpr int32_t kSystemSize = 6;
+  ShowSystem(in, field, label);
+  const Field circuit = Slice(field, kSystemSize, 1);
+  AddLine(in, circuit, "Source Circuit ID: 0x%02X", PeekU8(circuit));
 }
 
 constexpr auto kHead = Rows<Isis>({
@@ -47,19 +55,27 @@ constexpr auto kLinkStateFlags = Rows<Isis>({
     Flag(3, "Attached, Delay Metric"), Flag(4, "Attached, Default Metric"), Flag(5, "Overload"),
     Bits(6, 2, "IS Type", kSystemNames)});
 constexpr auto kCompleteRows = Rows<Isis>({
-    Shown(7, "Source ID", ShowSystem), Shown(8, "Start LSP ID", ShowSystem), Shown(8, "End LSP ID", ShowSystem)});
-constexpr auto kPartialRows = Rows<Isis>({Shown(7, "Source ID", ShowSystem)});
+    Shown(7, "Source ID", ShowSource), Shown(8, "Start LSP ID", ShowSystem), Shown(8, "End LSP ID", ShowSystem)});
+constexpr auto kPartialRows = Rows<Isis>({Shown(7, "Source ID", ShowSource)});
+
+// --- with a scope of flooding (RFC 7356) ---
+
+constexpr auto kScope = Rows<Isis>({
+    Hex(1, "Scope Octet"), Flag(0, "Priority"), Bits(1, 7, "Flooding Scope", kIsisScopeNames).Note(", %s").Into(&Isis::kind)});
+constexpr auto kScopedFlags = Rows<Isis>({
+    Hex(1, "LSP Flags"), Bits(0, 5, "Reserved"), Flag(5, "Overload"), Bits(6, 2, "IS Type", kSystemNames)});
 
 // The checksum covers the identifier and all behind it; of an expired advertisement none is left to check.
 void ShowLinkState(const Place& in, Cursor& c, Isis& isis, const Field& whole) {
-  constexpr int32_t kBeforeIdentifier = 12;
+  const bool isScoped = isis.type.value == kScopedState;
+  const int32_t beforeIdentifier = isScoped ? 13 : 12;
   ShowRows<Isis>(in, c, kLength, isis);
   ShowRows<Isis>(in, c, kLinkStateRows, isis);
   const Field checksum = TakeU16(c);
-  const bool isWhole = whole.length > kBeforeIdentifier && static_cast<int32_t>(isis.length.value) == whole.length;
+  const bool isWhole = whole.length > beforeIdentifier && static_cast<int32_t>(isis.length.value) == whole.length;
   const bool isChecked = isis.size.value && isWhole;
-  AddFletcherLine(in, checksum, isChecked ? Slice(whole, kBeforeIdentifier, whole.length - kBeforeIdentifier) : Field{});
-  ShowRows<Isis>(in, c, kLinkStateFlags, isis);
+  AddFletcherLine(in, checksum, isChecked ? Slice(whole, beforeIdentifier, whole.length - beforeIdentifier) : Field{});
+  ShowRows<Isis>(in, c, isScoped ? RowSpan<Isis>(kScopedFlags) : RowSpan<Isis>(kLinkStateFlags), isis);
 }
 
 void ShowFields(const Place& in, Cursor& c, Isis& isis, const Field& whole) {
@@ -72,11 +88,14 @@ void ShowFields(const Place& in, Cursor& c, Isis& isis, const Field& whole) {
       ShowRows<Isis>(in, c, kHello, isis);
       ShowRows<Isis>(in, c, kPoint, isis);
       break;
+    case kScopedState: ShowRows<Isis>(in, c, kScope, isis); [[fallthrough]];
     case kLinkState1: case kLinkState2: ShowLinkState(in, c, isis, whole); break;
+    case kScopedComplete: ShowRows<Isis>(in, c, kScope, isis); [[fallthrough]];
     case kComplete1: case kComplete2:
       ShowRows<Isis>(in, c, kLength, isis);
       ShowRows<Isis>(in, c, kCompleteRows, isis);
       break;
+    case kScopedPartial: ShowRows<Isis>(in, c, kScope, isis); [[fallthrough]];
     case kPartial1: case kPartial2:
       ShowRows<Isis>(in, c, kLength, isis);
       ShowRows<Isis>(in, c, kPartialRows, isis);
@@ -89,7 +108,7 @@ void ShowFields(const Place& in, Cursor& c, Isis& isis, const Field& whole) {
 int32_t LengthOfPdu(const Cursor& c) {
   const uint32_t type = PeekU8(c, 4) & 31;
   const bool isHello = type >= kLanHello1 && type <= kPointHello;
-  return static_cast<int32_t>(PeekU16(c, isHello ? 17 : 8));
+  return static_cast<int32_t>(PeekU16(c, isHello ? 17 : type < kLanHello1 ? 9 : 8));
 }
 
 }  // namespace
@@ -127,7 +146,7 @@ int32_t DecodeIsis(const Place& at, Cursor c) {
   if (isUsual) ShowFields(in, pdu, isis, whole);
   Cursor beyond = TakeCursor(pdu, static_cast<int32_t>(isis.headerLength.value) - Taken(pdu));
   AddBlock(in, Rest(beyond), "Data");
-  if (isUsual && isis.type.value >= kLanHello1) ShowIsisElements(in, pdu, isis);
+  if (isUsual && isis.type.value >= kScopedState) ShowIsisElements(in, pdu, isis);
   pdu.ranShort = false;
   AddBlock(in, Rest(pdu), "IS-IS Data");
   AddBlock(in, Rest(c), "Padding");

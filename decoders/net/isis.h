@@ -7,6 +7,7 @@ namespace qxview {
 
 struct Isis {
   Field type, idLength, headerLength, length, size, count, flags, kind, control, topology;
+  int32_t nesting;   // of elements in one another
 };
 
 inline constexpr ElementForm kIsisForm{};   // an octet of type and one of length, of elements and those in them alike
@@ -17,10 +18,26 @@ using OsiText = ShortText<96>;
 OsiText SystemIdText(const Field& id);
 OsiText OsiAddressText(const Field& address);
 
+// How far PDUs of a scope are flooded (RFC 7356).
+inline constexpr auto kIsisScopeNames = SortedNames({
+    {1, "Level 1 Circuit"}, {2, "Level 2 Circuit"}, {3, "Level 1"}, {4, "Level 2"}, {5, "Domain"}, {64, "Level 1 Circuit, Extended"},
+    {65, "Level 2 Circuit, Extended"}, {66, "Level 1, Extended"}, {67, "Level 2, Extended"}, {68, "Domain, Extended"}});
+
 void ShowIsisElements(const Place& in, Cursor& c, Isis& isis);
 // The elements within those of links, prefixes and capabilities of a router.
 void ShowIsisLinkElements(const Place& in, Cursor& c, Isis& isis);
 void ShowIsisPrefixElements(const Place& in, Cursor& c, Isis& isis);
 void ShowIsisCapabilities(const Place& in, Cursor& c, Isis& isis);
+void ShowIsisSidElements(const Place& in, Cursor& c, Isis& isis);
+// Masks of the applications that attributes of a link are for (RFC 9479).
+void ShowIsisApplications(const Place& in, Cursor& c, Isis& isis);
+
+// What bridges tell one another: their ports, trees and services, groups, neighbors, addresses behind them, abilities.
+void ShowIsisPort(const Place& in, Cursor& c, Isis& isis);
+void ShowIsisBridge(const Place& in, Cursor& c, Isis& isis);
+void ShowIsisGroups(const Place& in, Cursor& c, Isis& isis);
+void ShowIsisMacs(const Place& in, Cursor& c, Isis& isis);
+void ShowIsisBridgeNeighbors(const Place& in, Cursor& c, Isis& isis);
+void ShowIsisBridgeCapability(const Place& in, Cursor& c, uint32_t type, Isis& isis);
 
 }  // namespace qxview
