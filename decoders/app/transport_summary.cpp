@@ -3,6 +3,7 @@
 #include "core/internet_checksum.h"
 #include "decoders/app/layer_summaries.h"
 #include "decoders/app/service_names.h"
+#include "decoders/net/sctp.h"
 
 namespace qxview {
 namespace {
@@ -25,13 +26,6 @@ bool HasBadChecksum(const Cursor& segment, const PacketState& packet) {
   }
   return Left(segment) == network.totalLength && SumWords(network.pseudoHead, segment.at, Left(segment)) != 0xFFFF;
 }
-
-constexpr auto kChunkNames = SortedNames({
-    {0, "DATA"}, {1, "INIT"}, {2, "INIT ACK"}, {3, "SACK"}, {4, "HEARTBEAT"}, {5, "HEARTBEAT ACK"}, {6, "ABORT"},
-    {7, "SHUTDOWN"}, {8, "SHUTDOWN ACK"}, {9, "ERROR"}, {10, "COOKIE ECHO"}, {11, "COOKIE ACK"}, {12, "ECNE"},
-    {13, "CWR"}, {14, "SHUTDOWN COMPLETE"}, {15, "AUTH"}, {64, "I-DATA"}, {128, "ASCONF-ACK"}, {130, "RE-CONFIG"},
-    {132, "PAD"}, {192, "FORWARD TSN"}, {193, "ASCONF"}, {194, "I-FORWARD TSN"},
-});
 
 }  // namespace
 
@@ -75,7 +69,7 @@ void DescribeSctp(SummaryText& text, Cursor c, const PacketState&) {
     TakeU8(c);
     const uint32_t length = TakeU16(c).value;
     Add(text, i == 0 ? " " : " + ");
-    Add(text, LookupName(kChunkNames, chunk));
+    Add(text, LookupName(kSctpChunkNames, chunk));
     if (length < 4) break;
     TakeCursor(c, (length + 3) / 4 * 4 - 4);   // chunks are padded to words
   }

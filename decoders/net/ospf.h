@@ -6,6 +6,7 @@ namespace qxview {
 
 struct Ospf {
   Field version, type, length, options, count, id, size, kind, flags, opaque;
+  int32_t nesting;   // of attributes in one another
 };
 
 inline constexpr ElementForm kOspfForm{.typeSize = 2, .lengthSize = 2, .padTo = 4};
@@ -18,6 +19,7 @@ void ShowOspfOpaque(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspfTraffic(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspfRouterInformation(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspfGrace(const Place& in, Cursor& c, Ospf& ospf);
+void ShowOspfLinkAttributes(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspf3Extended(const Place& in, Cursor& c, Ospf& ospf);
 
 const char* OspfLsaName(uint32_t type);

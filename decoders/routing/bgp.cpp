@@ -93,7 +93,9 @@ constexpr auto kPathLimit = Rows<Bgp>({
     Number(2, "Address Family", AddressFamilyName), Number(1, "Subsequent Address Family", kBgpSafiNames), Number(2, "Paths Limit")});
 constexpr auto kName = Rows<Bgp>({Counted(1, Utf8(0, "Host Name")).Note(", %s"), Counted(1, Utf8(0, "Domain Name"))});
 constexpr auto kVersion = Rows<Bgp>({Counted(1, Utf8(0, "Software Version")).Note(", %s")});
-constexpr auto kBytes = Rows<Bgp>({Bytes(0, "Capability Data")});
+constexpr auto kSessions = Rows<Bgp>({
+    Word(1), Flag(0, "Grouping by Capabilities"), Bits(1, 7, "Reserved"), Bytes(0, "Session Identifier Codes")});
+constexpr auto kDynamic = Rows<Bgp>({Number(1, "Dynamic Capability Code", kBgpCapabilityNames)});
 
 void ShowWide(const Place& in, Cursor& c, Bgp& bgp) {
   ShowRows<Bgp>(in, c, kNumber, bgp);
@@ -103,7 +105,7 @@ void ShowPaths(const Place& in, Cursor& c, Bgp& bgp) {
   Loop loop;
   while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     ShowRows<Bgp>(in, c, kPaths, bgp);
-    const uint16_t family = BgpFamilyBit(bgp.afi.value, bgp.safi.value);
+    const uint32_t family = BgpFamilyBit(bgp.afi.value, bgp.safi.value);
     if (bgp.flags.value & 1) bgp.session.receivesPaths[bgp.direction] |= family;
     if (bgp.flags.value & 2) bgp.session.sendsPaths[bgp.direction] |= family;
   }
@@ -114,10 +116,12 @@ constexpr auto kCapabilities = Choices<Bgp>({
     {5, "Extended Next Hop Encoding", {}, ShowEach<kNextHop, 6>}, {6, "Extended Message"}, {7, "BGPsec", kSecure},
     {8, "Multiple Labels", {}, ShowEach<kLabels, 4>}, {9, "BGP Role", kRole},
     {64, "Graceful Restart", kRestart, ShowEach<kRestartFamily, 4>}, {65, "4-Octet AS Number", {}, ShowWide},
+    {66, "Dynamic Capability (Deprecated)", {}, ShowEach<kDynamic, 1>}, {67, "Dynamic Capability", {}, ShowEach<kDynamic, 1>},
+    {68, "Multisession", kSessions},
     {69, "ADD-PATH", {}, ShowPaths}, {70, "Enhanced Route Refresh"},
-    {71, "Long-Lived Graceful Restart", {}, ShowEach<kLongRestart, 7>}, {73, "FQDN", kName}, {75, "Software Version", kVersion},
+    {71, "Long-Lived Graceful Restart", {}, ShowEach<kLongRestart, 7>}, {73, "FQDN", kName}, {74, "BFD Strict"}, {75, "Software Version", kVersion},
     {76, "Paths Limit", {}, ShowEach<kPathLimit, 5>}, {128, "Route Refresh (Prestandard)"},
-    {130, "Outbound Route Filtering (Prestandard)", {}, ShowFilters}, {131, "Multisession (Prestandard)", kBytes}});
+    {130, "Outbound Route Filtering (Prestandard)", {}, ShowFilters}, {131, "Multisession (Prestandard)", kSessions}, {184, "FQDN (Prestandard)", kName}});
 
 void ShowCapabilities(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kCode = Rows<Bgp>({Number(1, "Code", kBgpCapabilityNames), Number(1, "Length")});
@@ -220,6 +224,23 @@ void ShowFilterEntries(const Place& in, Cursor& c, uint32_t type, uint32_t afi, 
     AddLine(in, bits, "Prefix Length: %u", bits.value);
     ShowPrefix(in, c, "Prefix", afi, bits.value);
   }
+  constexpr uint32_t kCommunityFilter = 2, kExtendedFilter = 3, kDistinguisherFilter = 66;
+  static constexpr auto kCommunity = Rows<Bgp>({Hex(4, "Community").Note(", 0x%08X")});
+  static constexpr auto kSequence = Rows<Bgp>({Number(4, "Sequence")});
+  while ((type == kCommunityFilter || type == kExtendedFilter || type == kDistinguisherFilter) && MoreAt(in, c, loop)) {
+    const bool removesAll = PeekU8(c) >> 6 == kRemoveAll;
+    ShowRows<Bgp>(in, c, kEntry, bgp);
+    if (removesAll) continue;
+    if (type == kCommunityFilter) ShowRows<Bgp>(in, c, kCommunity, bgp);
+    if (type == kExtendedFilter) {
+      Cursor one = TakeCursor(c, 8);
+      ShowBgpExtendedCommunities(in, one, bgp);
+    }
+    if (type == kDistinguisherFilter) {
+      ShowRows<Bgp>(in, c, kSequence, bgp);
+      ShowRouteDistinguisher(in, c);
+    }
+  }
   c.ranShort = false;
   AddBlock(in, Rest(c), "Filter Entries");
 }
@@ -268,12 +289,13 @@ void ShowMessage(const Place& at, Cursor& c, Bgp& bgp) {
 
 }  // namespace
 
-uint16_t BgpFamilyBit(uint32_t afi, uint32_t safi) {
-  constexpr uint32_t kSafis[] = {1, 2, 4, 128, 70, 133, 132};
+uint32_t BgpFamilyBit(uint32_t afi, uint32_t safi) {
+  constexpr uint32_t kSafis[] = {1, 2, 4, 5, 73, 76, 83, 85, 128, 129, 132, 133, 134}, kBridged = 25, kLinks = 16388;
   for (uint32_t i = 0; i < sizeof kSafis / sizeof *kSafis; ++i) {
-    if (kSafis[i] == safi && (afi == kFamilyIPv4 || afi == kFamilyIPv6)) return static_cast<uint16_t>(1u << (2 * i + afi - 1));
+    if (kSafis[i] == safi && (afi == kFamilyIPv4 || afi == kFamilyIPv6)) return 1u << (2 * i + afi - 1);
   }
-  return afi == 25 && safi == 70 ? 0x8000 : 0;
+  if (afi == kBridged) return safi == 70 ? 1u << 26 : safi == 65 ? 1u << 27 : safi == 133 ? 1u << 28 : safi == 134 ? 1u << 29 : 0;
+  return afi == kLinks && safi == 71 ? 1u << 30 : 0;
 }
 
 void ShowBgpMessages(const Place& in, Cursor& c, Bgp& bgp) {

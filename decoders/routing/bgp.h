@@ -9,9 +9,9 @@ namespace qxview {
 // identifiers in front (bits of BgpFamilyBit), sent or received.
 struct BgpSession {
   uint8_t seen[2], wide[2];
-  uint16_t sendsPaths[2], receivesPaths[2];
+  uint32_t sendsPaths[2], receivesPaths[2];
 };
-uint16_t BgpFamilyBit(uint32_t afi, uint32_t safi);
+uint32_t BgpFamilyBit(uint32_t afi, uint32_t safi);
 
 struct Bgp {
   Field type, length, flags, code, afi, safi, count;
@@ -19,6 +19,7 @@ struct Bgp {
   int32_t direction;      // the end that sends
   bool known;             // both opens were seen
   bool isWidthTold;       // by what carries the message
+  bool hasPaths;          // the routes that are shown have path identifiers
   int32_t nesting;        // of attributes within one another
 };
 
@@ -31,6 +32,14 @@ void ShowBgpAttributes(const Place& in, Cursor& c, Bgp& bgp);
 // Routes of a family, one after the other, each labelled "Prefix" or "Withdrawn Prefix" and the like by `what`.
 void ShowBgpRoutes(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, const char* what, Bgp& bgp);
 void ShowBgpEvpnRoutes(const Place& in, Cursor& c, Bgp& bgp);
+void ShowBgpServiceChains(const Place& in, Cursor& c, Bgp& bgp);
+void ShowBgpColorRoutes(const Place& in, Cursor& c, uint32_t afi, Bgp& bgp);
+void ShowBgpMobileRoutes(const Place& in, Cursor& c, uint32_t afi, Bgp& bgp);
+void ShowBgpPseudowires(const Place& in, Cursor& c, Bgp& bgp);
+void ShowBgpEndpoints(const Place& in, Cursor& c, uint32_t afi, Bgp& bgp);
+// The path identifier in front of a route, where the session has them.
+Field TakeBgpPath(Cursor& c, const Bgp& bgp);
+void ShowBgpPath(const Place& in, const Field& path);
 void ShowBgpMulticastRoutes(const Place& in, Cursor& c, Bgp& bgp);
 void ShowBgpFlows(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, Bgp& bgp);
 void ShowBgpLinkStates(const Place& in, Cursor& c, uint32_t safi, Bgp& bgp);
@@ -40,6 +49,9 @@ void ShowBgpExtendedCommunities(const Place& in, Cursor& c, Bgp& bgp);
 void ShowBgpCommunities6(const Place& in, Cursor& c, Bgp& bgp);
 void ShowBgpTunnels(const Place& in, Cursor& c, Bgp& bgp);
 void ShowBgpPrefixSid(const Place& in, Cursor& c, Bgp& bgp);
+void ShowBgpContainers(const Place& in, Cursor& c, Bgp& bgp);
+void ShowBgpServicePath(const Place& in, Cursor& c, Bgp& bgp);
+void ShowBgpHopCharacteristics(const Place& in, Cursor& c, Bgp& bgp);
 void ShowBgpSignatures(const Place& in, Cursor& c, Bgp& bgp);
 
 // A route distinguisher and a label, as lines and in the line above.

@@ -20,13 +20,32 @@ constexpr auto kFlags = Rows<Bgp>({
 constexpr auto kLeave = Rows<Bgp>({Hex(4, "Reserved"), Number(1, "Maximum Response Time")});
 constexpr auto kRegion = Rows<Bgp>({Bytes(8, "Region ID")});
 
-void ShowSegment(const Place& at, Cursor& c) {
+// What an identifier is made of, by its type; there is an octet of zero behind four and four.
+void ShowSegmentParts(const Place& in, const Field& all, uint32_t type, Bgp& bgp) {
+  static constexpr auto kAggregated = Rows<Bgp>({Mac("CE LACP System MAC"), Number(2, "CE LACP Port Key"), Hex(1, "Reserved")});
+  static constexpr auto kBridged = Rows<Bgp>({Mac("Root Bridge MAC"), Number(2, "Root Bridge Priority"), Hex(1, "Reserved")});
+  static constexpr auto kOfMac = Rows<Bgp>({Mac("System MAC"), Number(3, "Local Discriminator")});
+  static constexpr auto kOfRouter = Rows<Bgp>({IPv4("Router ID"), Number(4, "Local Discriminator"), Hex(1, "Reserved")});
+  static constexpr auto kOfSystem = Rows<Bgp>({Number(4, "AS Number"), Number(4, "Local Discriminator"), Hex(1, "Reserved")});
+  Cursor c = CursorOver(Slice(all, 1, 9));
+  switch (type) {
+    case 1: ShowRows<Bgp>(in, c, kAggregated, bgp); break;
+    case 2: ShowRows<Bgp>(in, c, kBridged, bgp); break;
+    case 3: ShowRows<Bgp>(in, c, kOfMac, bgp); break;
+    case 4: ShowRows<Bgp>(in, c, kOfRouter, bgp); break;
+    case 5: ShowRows<Bgp>(in, c, kOfSystem, bgp); break;
+    default: break;
+  }
+}
+
+void ShowSegment(const Place& at, Cursor& c, Bgp& bgp) {
   const Field all = TakeBytes(c, 10);
   if (!all.here) return;
   const Place in = Under(at, AddLine(at, all, "Ethernet Segment Identifier: %s", HexText(all)));
   const Field type = Slice(all, 0, 1), value = Slice(all, 1, 9);
   AddLine(in, type, "ESI Type: %u = %s", PeekU8(all), LookupName(kSegmentNames, PeekU8(all)));
   AddLine(in, value, "ESI Value: %s", HexText(value));
+  ShowSegmentParts(in, all, PeekU8(all), bgp);
 }
 
 // Where the routes are for VXLAN and its like the three octets are an identifier of a network (RFC 8365 5.1.3).
@@ -52,7 +71,7 @@ void ShowPrefixRoute(const Place& in, Cursor& c) {
 }
 
 void ShowAddressRoute(const Place& in, Cursor& c, Bgp& bgp) {
-  ShowSegment(in, c);
+  ShowSegment(in, c, bgp);
   ShowRows<Bgp>(in, c, kTag, bgp);
   ShowRows<Bgp>(in, c, kMac, bgp);
   ShowCountedAddress(in, c, "IP Address");   // keys: number IP Address Length
@@ -68,12 +87,26 @@ void ShowMembers(const Place& in, Cursor& c, uint32_t type, Bgp& bgp) {
   if (type != 10) ShowRows<Bgp>(in, c, kFlags, bgp);
 }
 
+// A leaf answers the route that stands in it; nobody means a leaf of leaves.
+void ShowLeaf(const Place& in, Cursor& c, Bgp& bgp) {
+  constexpr int32_t kMostNesting = 4;
+  if (bgp.nesting >= kMostNesting) return;
+  ++bgp.nesting;
+  bgp.hasPaths = false;
+  Cursor key = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));
+  ShowBgpEvpnRoutes(in, key, bgp);
+  --bgp.nesting;
+  ShowCountedAddress(in, c, "Originating Router");
+}
+
 void ShowRoute(const Place& in, Cursor& c, uint32_t type, Bgp& bgp) {
-  if (type == 0 || type > 10) return;
+  constexpr uint32_t kLeafRoute = 11;
+  if (type == kLeafRoute) return ShowLeaf(in, c, bgp);
+  if (type == 0 || type > kLeafRoute) return;
   ShowRouteDistinguisher(in, c);
   switch (type) {
     case 1:
-      ShowSegment(in, c);
+      ShowSegment(in, c, bgp);
       ShowRows<Bgp>(in, c, kTag, bgp);
       ShowLabel(in, c, "MPLS Label");
       break;
@@ -83,16 +116,16 @@ void ShowRoute(const Place& in, Cursor& c, uint32_t type, Bgp& bgp) {
       ShowCountedAddress(in, c, "Originating Router");
       break;
     case 4:
-      ShowSegment(in, c);
+      ShowSegment(in, c, bgp);
       ShowCountedAddress(in, c, "Originating Router");
       break;
     case 5:
-      ShowSegment(in, c);
+      ShowSegment(in, c, bgp);
       ShowRows<Bgp>(in, c, kTag, bgp);
       ShowPrefixRoute(in, c);
       break;
     case 7:
-    case 8: ShowSegment(in, c); [[fallthrough]];
+    case 8: ShowSegment(in, c, bgp); [[fallthrough]];
     case 6:
     case 10:
       ShowRows<Bgp>(in, c, kTag, bgp);
@@ -111,9 +144,12 @@ void ShowBgpEvpnRoutes(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kHead = Rows<Bgp>({Number(1, "Route Type", kRouteNames), Number(1, "Length")});
   Loop loop;
   while (Left(c) >= 2 && MoreAt(at, c, loop)) {
+    const Cursor start = c;
+    const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));
     const uint32_t type = PeekU8(route);
-    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "EVPN Route: %s", LookupName(kRouteNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "EVPN Route: %s", LookupName(kRouteNames, type)));
+    ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kHead, bgp);
     ShowRoute(in, route, type, bgp);
     route.ranShort = false;

@@ -1,5 +1,5 @@
-// Flow specifications of BGP (RFC 8955; IPv6: RFC 8956): which packets a rule is for, in components of prefixes, numbers compared
-// and bits masked.
+// Flow specifications of BGP (RFC 8955; IPv6: RFC 8956; of bridges: draft-ietf-idr-flowspec-l2vpn): which packets a rule is for,
+// in components of prefixes, addresses, numbers compared and bits masked.
 #include "core/elements.h"
 #include "decoders/routing/bgp.h"
 #include "decoders/routing/prefix.h"
@@ -10,8 +10,10 @@ namespace {
 constexpr auto kComponentNames = SortedNames({
     {1, "Destination Prefix"}, {2, "Source Prefix"}, {3, "IP Protocol"}, {4, "Port"}, {5, "Destination Port"},
     {6, "Source Port"}, {7, "ICMP Type"}, {8, "ICMP Code"}, {9, "TCP Flags"}, {10, "Packet Length"}, {11, "DSCP"},
-    {12, "Fragment"}, {13, "Flow Label"}});
-constexpr uint32_t kDestination = 1, kSource = 2, kTcpFlags = 9, kFragment = 12;
+    {12, "Fragment"}, {13, "Flow Label"}, {14, "Ethernet Type"}, {15, "Source MAC"}, {16, "Destination MAC"}, {17, "LLC DSAP"},
+    {18, "LLC SSAP"}, {19, "LLC Control"}, {20, "SNAP"}, {21, "VLAN ID"}, {22, "VLAN Priority"}, {23, "Inner VLAN ID"},
+    {24, "Inner VLAN Priority"}, {25, "Drop Eligible"}, {26, "Inner Drop Eligible"}});
+constexpr uint32_t kDestination = 1, kSource = 2, kTcpFlags = 9, kFragment = 12, kSourceMac = 15, kDestinationMac = 16;
 
 const char* ComparisonText(uint32_t op) {
   constexpr const char* kTexts[] = {"never", "=", ">", ">=", "<", "<=", "!=", "always"};
@@ -31,8 +33,55 @@ void ShowFlowPrefix(const Place& in, Cursor& c, uint32_t afi) {
   if (value.here) AddLine(in, value, "Pattern: %s", HexText(value));
 }
 
+void ShowFlowMac(const Place& in, Cursor& c) {
+  const Field length = TakeU8(c);
+  AddLine(in, length, "Address Length: %u", length.value);
+  const Field address = TakeBytes(c, length.value);
+  if (!address.here) return;
+  AddLine(in, address, "MAC Address: %s", HexText(address));
+  AppendToParent(in, address, ", %s", HexText(address));
+}
+
+void ShowOperator(const Place& in, const Field& op, bool isMask, const LineHandle line) {
+  const Place under = Under(in, line);
+  const auto flag = [&](int32_t bit, const char* label) {   // keys: text End of List, And, Not, Match, Less, Greater, Equal
+    const BitPicture bits = BitsOf(op, bit, 1);
+    AddBitLine(under, op, "%s: %s = %s", bits.picture, label, TrueOrFalse(bits.value));
+  };
+  const BitPicture size = BitsOf(op, 2, 2);
+  flag(0, "End of List");
+  flag(1, "And");
+  AddBitLine(under, op, "%s: Value Length = %u (%u bytes)", size.picture, size.value, 1u << size.value);
+  if (isMask) {
+    const BitPicture reserved = BitsOf(op, 4, 2);
+    AddBitLine(under, op, "%s: Reserved = %u", reserved.picture, reserved.value);
+    flag(6, "Not");
+    flag(7, "Match");
+  } else {
+    const BitPicture reserved = BitsOf(op, 4, 1);
+    AddBitLine(under, op, "%s: Reserved = %u", reserved.picture, reserved.value);
+    flag(5, "Less");
+    flag(6, "Greater");
+    flag(7, "Equal");
+  }
+}
+
+// The flags of TCP and of fragments that a mask names, in its last octet.
+void ShowMaskBits(const Place& in, const Field& value, bool isFragment, const LineHandle line) {
+  constexpr const char* kTcpNames[] = {"CWR", "ECE", "URG", "ACK", "PSH", "RST", "SYN", "FIN"};
+  constexpr const char* kFragmentNames[] = {"Last Fragment", "First Fragment", "Is a Fragment", "Don't Fragment"};
+  const Place under = Under(in, line);
+  const Field last = Slice(value, value.length - 1, 1);
+  for (int32_t i = isFragment ? 4 : 0; i < 8; ++i) {
+    const BitPicture bits = BitsOf(last, i, 1);
+    // keys: text CWR, ECE, URG, ACK, PSH, RST, SYN, FIN, Last Fragment, First Fragment, Is a Fragment, Don't Fragment
+    AddBitLine(under, last, "%s: %s = %s", bits.picture, isFragment ? kFragmentNames[i - 4] : kTcpNames[i], TrueOrFalse(bits.value));
+  }
+}
+
 // Pairs of an operator and a value, up to the one that says it is the last.
-void ShowPairs(const Place& at, Cursor& c, bool isMask) {
+void ShowPairs(const Place& at, Cursor& c, uint32_t type) {
+  const bool isMask = type == kTcpFlags || type == kFragment;
   constexpr uint32_t kLast = 0x80, kAnd = 0x40, kNot = 0x02, kMatch = 0x01;
   Loop loop;
   bool isFirst = true;
@@ -47,11 +96,11 @@ void ShowPairs(const Place& at, Cursor& c, bool isMask) {
     if (isMask) {
       const char* how = op.value & kMatch ? (op.value & kNot ? "not all of" : "all of")
                                           : (op.value & kNot ? "none of" : "any of");
-      AddLine(at, op, "Operator: 0x%02X = %s%s", op.value, joined, how);
-      AddLine(at, value, "Bits: 0x%I64X", number);
+      ShowOperator(at, op, isMask, AddLine(at, op, "Operator: 0x%02X = %s%s", op.value, joined, how));
+      ShowMaskBits(at, value, type == kFragment, AddLine(at, value, "Bits: 0x%I64X", number));
       AppendToParent(at, value, " %s%s 0x%I64X", joined, how, number);
     } else {
-      AddLine(at, op, "Operator: 0x%02X = %s%s", op.value, joined, ComparisonText(op.value));
+      ShowOperator(at, op, isMask, AddLine(at, op, "Operator: 0x%02X = %s%s", op.value, joined, ComparisonText(op.value)));
       AddLine(at, value, "Value: %I64u", number);
       AppendToParent(at, value, " %s%s %I64u", joined, ComparisonText(op.value), number);
     }
@@ -62,14 +111,17 @@ void ShowPairs(const Place& at, Cursor& c, bool isMask) {
 
 }  // namespace
 
-void ShowBgpFlows(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, Bgp&) {
+void ShowBgpFlows(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, Bgp& bgp) {
   constexpr uint32_t kFlowVpn = 134, kLong = 0xF0;
   Loop loop;
   while (MoreAt(at, c, loop)) {
+    const Cursor whole = c;
+    const Field path = TakeBgpPath(c, bgp);
     const bool isLong = PeekU8(c) >= kLong;
     const int64_t size = isLong ? 2 + static_cast<int64_t>(PeekU16(c) & 0xFFF) : 1 + static_cast<int64_t>(PeekU8(c));
     Cursor flow = TakeCursor(c, size);
-    const Place in = Under(at, AddLine(at, Ahead(flow, Left(flow)), "Flow Specification"));
+    const Place in = Under(at, AddLine(at, Ahead(whole, path.length + Left(flow)), "Flow Specification"));
+    ShowBgpPath(in, path);
     const Field length = isLong ? TakeU16(flow) : TakeU8(flow);
     AddLine(in, length, "Length: %u", length.value & (isLong ? 0xFFF : 0xFF));
     if (safi == kFlowVpn) ShowRouteDistinguisher(in, flow);
@@ -82,8 +134,10 @@ void ShowBgpFlows(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, Bgp&)
       AddLine(under, type, "Type: %u = %s", type.value, LookupName(kComponentNames, type.value));
       if (type.value == kDestination || type.value == kSource) {
         ShowFlowPrefix(under, flow, afi);
+      } else if (type.value == kSourceMac || type.value == kDestinationMac) {
+        ShowFlowMac(under, flow);
       } else {
-        ShowPairs(under, flow, type.value == kTcpFlags || type.value == kFragment);
+        ShowPairs(under, flow, type.value);
       }
       SetRange(under, line, start.offset, flow.offset - start.offset);
     }

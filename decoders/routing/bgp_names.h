@@ -20,7 +20,7 @@ inline constexpr auto kBgpCapabilityNames = SortedNames({
     {8, "Multiple Labels"}, {9, "BGP Role"}, {64, "Graceful Restart"}, {65, "4-Octet AS Number"},
     {66, "Dynamic Capability (Deprecated)"}, {67, "Dynamic Capability"}, {68, "Multisession"}, {69, "ADD-PATH"},
     {70, "Enhanced Route Refresh"}, {71, "Long-Lived Graceful Restart"}, {72, "Routing Policy Distribution"}, {73, "FQDN"},
-    {74, "BFD Strict"}, {75, "Software Version"}, {76, "Paths Limit"}, {128, "Route Refresh (Prestandard)"},
+    {74, "BFD Strict"}, {75, "Software Version"}, {76, "Paths Limit"}, {77, "Link-Local Next Hop"}, {128, "Route Refresh (Prestandard)"},
     {129, "Outbound Route Filtering (Prestandard)"}, {130, "Outbound Route Filtering (Prestandard)"},
     {131, "Multisession (Prestandard)"}, {184, "FQDN (Prestandard)"}, {185, "Operational Message (Prestandard)"}});
 inline constexpr auto kBgpAttributeNames = SortedNames({
@@ -32,7 +32,7 @@ inline constexpr auto kBgpAttributeNames = SortedNames({
     {25, "IPv6 Address Specific Extended Community"}, {26, "AIGP"}, {27, "PE Distinguisher Labels"},
     {28, "Entropy Label Capability"}, {29, "BGP-LS"}, {32, "LARGE_COMMUNITY"}, {33, "BGPsec_Path"},
     {34, "BGP Community Container"}, {35, "Only to Customer"}, {36, "D-PATH"}, {37, "SFP"},
-    {38, "BFD Discriminator"}, {39, "BGP Router Capabilities"}, {40, "BGP Prefix-SID"}, {128, "ATTR_SET"},
+    {38, "BFD Discriminator"}, {39, "Next Hop Dependent Characteristics"}, {40, "BGP Prefix-SID"}, {128, "ATTR_SET"},
     {129, "Deprecated"}, {241, "Deprecated"}, {242, "Deprecated"}, {243, "Deprecated"}, {255, "Reserved for Development"}});
 inline constexpr auto kBgpCommunityNames = SortedNames({
     {0xFFFF0000, "GRACEFUL_SHUTDOWN"}, {0xFFFF0001, "ACCEPT_OWN"}, {0xFFFF0002, "ROUTE_FILTER_TRANSLATED_v4"},
@@ -62,6 +62,7 @@ inline constexpr auto kBgpExtendedNames = SortedNames({
     {0x060F, "Service Carving Timestamp"}, {0x0610, "Link Bandwidth"}, {0x0615, "RT-Derived-EC"},
     {0x0700, "FlowSpec Transitive"}, {0x0701, "FlowSpec Redirect to IPv6"}, {0x0800, "Flow-spec Redirect/Mirror to IP"},
     {0x0900, "Flow-spec Redirect/Mirror to Interface-Set"}, {0x0A00, "Transport Class"}, {0x0B00, "Service Chaining"},
+    {0x0C00, "MUP Direct-Type Segment Identifier"},
     {0x8000, "OSPF Route Type"}, {0x8001, "OSPF Router ID"}, {0x8004, "Security Group"}, {0x8005, "OSPF Domain ID"},
     {0x8006, "Flow-spec Traffic-Rate in Bytes"}, {0x8007, "Flow-spec Traffic-Action"},
     {0x8008, "Flow-spec RT-Redirect AS-2"}, {0x8009, "Flow-spec Traffic-Remarking"}, {0x800A, "Layer2 Info"},

@@ -10,7 +10,8 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kUnicast = 1, kMulticast = 2, kLabelled = 4, kMulticastVpn = 5, kVpls = 65, kTunnelMdt = 66, kEvpn = 70,
-                   kLinkState = 71, kLinkStateVpn = 72, kPolicy = 73, kVpn = 128, kVpnMulticast = 129, kTargets = 132,
+                   kLinkState = 71, kLinkStateVpn = 72, kPolicy = 73, kTransport = 76, kLinkStatePath = 80, kPseudowires = 6,
+                   kEndpoints = 7, kLanMulticast = 8, kServiceChains = 9, kColors = 83, kMobile = 85, kVpn = 128, kVpnMulticast = 129, kTargets = 132,
                    kFlow = 133, kFlowVpn = 134;
 constexpr uint32_t kLayer2 = 25;
 constexpr uint32_t kBottom = 1, kWithdrawnLabel = 0x800000;
@@ -32,10 +33,9 @@ bool Fits(const Cursor& routes, bool hasPaths, uint32_t mostBits) {
   return !c.ranShort;
 }
 
-bool HasPaths(const Cursor& c, uint32_t afi, uint32_t safi, uint32_t mostBits, const Bgp& bgp, bool* assumed) {
+bool HasPaths(const Cursor& c, uint32_t mostBits, const Bgp& bgp, bool* assumed) {
   *assumed = false;
-  const uint16_t family = BgpFamilyBit(afi, safi);
-  if (bgp.known) return bgp.session.sendsPaths[bgp.direction] & bgp.session.receivesPaths[1 - bgp.direction] & family;
+  if (bgp.known) return bgp.hasPaths;
   if (Left(c) < 5 || Fits(c, false, mostBits)) return false;
   *assumed = Fits(c, true, mostBits);
   return *assumed;
@@ -54,10 +54,11 @@ uint32_t ShowLabels(const Place& in, Cursor& c, uint32_t bits) {
 }
 
 void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const char* what, const Bgp& bgp) {
-  const bool isVpn = safi == kVpn || safi == kVpnMulticast, isLabelled = safi == kLabelled || safi == kVpn;
+  const bool isVpn = safi == kVpn || safi == kVpnMulticast || safi == kTransport;
+  const bool isLabelled = safi == kLabelled || safi == kVpn || safi == kTransport;
   const uint32_t mostBits = (afi == kFamilyIPv6 ? 128 : 32) + (isVpn ? kDistinguisherBits : 0) + (isLabelled ? 24 * 8 : 0);
   bool assumed;
-  const bool hasPaths = HasPaths(c, afi, safi, mostBits, bgp, &assumed);
+  const bool hasPaths = HasPaths(c, mostBits, bgp, &assumed);
   Loop loop;
   while (MoreAt(at, c, loop)) {
     const int32_t bytes = (hasPaths ? 5 : 1) + (static_cast<int32_t>(PeekU8(c, hasPaths ? 4 : 0)) + 7) / 8;
@@ -82,8 +83,11 @@ void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const
 void ShowTargets(const Place& at, Cursor& c, const char* what, Bgp& bgp) {
   Loop loop;
   while (MoreAt(at, c, loop)) {
+    const Cursor start = c;
+    const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 1 + (static_cast<int64_t>(PeekU8(c)) + 7) / 8);
-    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "%s: Route Target", what));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "%s: Route Target", what));
+    ShowBgpPath(in, path);
     const Field length = TakeU8(route);
     AddLine(in, length, "Prefix Length: %u", length.value);
     if (!length.value) continue;
@@ -104,8 +108,11 @@ void ShowPrivateLans(const Place& at, Cursor& c, const char* what, Bgp& bgp) {
   constexpr int32_t kDiscovery = 12;
   Loop loop;
   while (Left(c) >= 2 && MoreAt(at, c, loop)) {
+    const Cursor start = c;
+    const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU16(c)));
-    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "%s: VPLS", what));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "%s: VPLS", what));
+    ShowBgpPath(in, path);
     const Field length = TakeU16(route);
     AddLine(in, length, "Length: %u", length.value);
     ShowRouteDistinguisher(in, route);
@@ -125,8 +132,11 @@ void ShowPolicies(const Place& at, Cursor& c, uint32_t afi, const char* what, Bg
       Number(1, "Length", " bits").Into(&Bgp::length), Number(4, "Distinguisher"), Number(4, "Color").Note(", Color %u")});
   Loop loop;
   while (MoreAt(at, c, loop)) {
+    const Cursor start = c;
+    const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 1 + static_cast<int64_t>(PeekU8(c)) / 8);
-    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "%s: SR Policy", what));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "%s: SR Policy", what));
+    ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kRows, bgp);
     ShowFamilyAddress(in, route, "Endpoint", afi);
   }
@@ -154,12 +164,16 @@ void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kSource = Rows<Bgp>({Number(4, "Source AS").Note(", AS %u")});
   Loop loop;
   while (Left(c) >= 2 && MoreAt(at, c, loop)) {
+    const Cursor start = c;
+    const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));
     const uint32_t type = PeekU8(route);
-    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "MVPN Route: %s", LookupName(kMulticastRouteNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "MVPN Route: %s", LookupName(kMulticastRouteNames, type)));
+    ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kHead, bgp);
     if (type == 4 && bgp.nesting < kMostNesting) {
       ++bgp.nesting;
+      bgp.hasPaths = false;
       Cursor key = TakeCursor(route, 2 + static_cast<int64_t>(PeekU8(route, 1)));
       ShowBgpMulticastRoutes(in, key, bgp);
       --bgp.nesting;
@@ -179,12 +193,22 @@ void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
   }
 }
 
+Field TakeBgpPath(Cursor& c, const Bgp& bgp) { return bgp.hasPaths ? TakeU32(c) : Field{}; }
+void ShowBgpPath(const Place& in, const Field& path) { AddLine(in, path, "Path Identifier: %u", path.value); }
+
 void ShowBgpRoutes(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, const char* what, Bgp& bgp) {
   const bool isInternet = afi == kFamilyIPv4 || afi == kFamilyIPv6;
-  if (isInternet && (safi == kUnicast || safi == kMulticast || safi == kLabelled || safi == kVpn || safi == kVpnMulticast)) {
+  bgp.hasPaths = bgp.known && (bgp.session.sendsPaths[bgp.direction] & bgp.session.receivesPaths[1 - bgp.direction] & BgpFamilyBit(afi, safi));
+  if (isInternet && (safi == kUnicast || safi == kMulticast || safi == kLabelled || safi == kVpn || safi == kVpnMulticast || safi == kTransport)) {
     return ShowPrefixes(in, c, afi, safi, what, bgp);
   }
   switch (safi) {
+    case kPseudowires: return ShowBgpPseudowires(in, c, bgp);
+    case kEndpoints: return ShowBgpEndpoints(in, c, afi, bgp);
+    case kServiceChains: return ShowBgpServiceChains(in, c, bgp);
+    case kColors: return ShowBgpColorRoutes(in, c, afi, bgp);
+    case kMobile: return ShowBgpMobileRoutes(in, c, afi, bgp);
+    case kLanMulticast:   // of virtual LANs with the same types (RFC 7117)
     case kMulticastVpn: return ShowBgpMulticastRoutes(in, c, bgp);
     case kVpls: return ShowPrivateLans(in, c, what, bgp);
     case kTunnelMdt: return ShowTree(in, c, what, bgp);
@@ -192,6 +216,7 @@ void ShowBgpRoutes(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, cons
       if (afi == kLayer2) return ShowBgpEvpnRoutes(in, c, bgp);
       break;
     case kLinkState:
+    case kLinkStatePath:
     case kLinkStateVpn: return ShowBgpLinkStates(in, c, safi, bgp);
     case kPolicy: return ShowPolicies(in, c, afi, what, bgp);
     case kTargets: return ShowTargets(in, c, what, bgp);

@@ -1,6 +1,7 @@
 // What BGP says of the way to a next hop: tunnel encapsulations (RFC 9012, with policies of RFC 9830), segments of prefixes
 // (RFC 8669, 9252), and the signatures of BGPsec (RFC 8205).
 #include "core/elements.h"
+#include "decoders/common/traffic_engineering.h"
 #include "decoders/routing/bgp.h"
 #include "decoders/routing/bgp_names.h"
 #include "decoders/routing/prefix.h"
@@ -44,6 +45,35 @@ bool TakeSub(const Place& at, Cursor& c, const char* title, const Names& names, 
   return true;
 }
 
+// Segments by prefixes and links (RFC 9831), each with a SID behind it where one is meant.
+constexpr auto kFlags4 = Rows<Bgp>({
+    Hex(1, "Segment Flags"), Flag(0, "Verification"), Flag(1, "Algorithm Present"), Flag(2, "SID Present"), Flag(3, "Behavior Present"),
+    Number(1, "Algorithm")});
+constexpr auto kSegmentBehavior = Rows<Bgp>({
+    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(2, "Reserved"), Number(1, "Locator Block Length"), Number(1, "Locator Node Length"),
+    Number(1, "Function Length"), Number(1, "Argument Length")});
+constexpr auto kNode4 = Rows<Bgp>({IPv4("Node Address").Note(", %s")});
+constexpr auto kNode6 = Rows<Bgp>({IPv6("Node Address").Note(", %s")});
+constexpr auto kNodeLink4 = Rows<Bgp>({Number(4, "Local Interface ID"), IPv4("Node Address").Note(", %s")});
+constexpr auto kLink4 = Rows<Bgp>({IPv4("Local Address").Note(", %s"), IPv4("Remote Address").Note(", %s")});
+constexpr auto kLink6 = Rows<Bgp>({IPv6("Local Address").Note(", %s"), IPv6("Remote Address").Note(", %s")});
+constexpr auto kInterfaceLink6 = Rows<Bgp>({
+    Number(4, "Local Interface ID"), IPv6("Local Address").Note(", %s"), Number(4, "Remote Interface ID"), IPv6("Remote Address").Note(", %s")});
+void ShowSegmentLabel(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kLabel = Rows<Bgp>({
+      Word(4), Bits(0, 20, "Label").Note(", %u"), Bits(20, 3, "Traffic Class"), Flag(23, "Bottom"), Bits(24, 8, "TTL")});
+  ShowRows<Bgp>(in, c, kLabel, bgp);
+}
+void ShowSegmentSid(const Place& in, Cursor& c, Bgp& bgp) {
+  static constexpr auto kSid = Rows<Bgp>({IPv6("SRv6 SID").Note(", %s")});
+  ShowRows<Bgp>(in, c, kSid, bgp);
+  if (Left(c) >= 8) ShowRows<Bgp>(in, c, kSegmentBehavior, bgp);
+}
+constexpr auto kSegments = Choices<Bgp>({
+    {3, "Type C", kNode4, ShowSegmentLabel}, {4, "Type D", kNode6, ShowSegmentLabel}, {5, "Type E", kNodeLink4, ShowSegmentLabel},
+    {6, "Type F", kLink4, ShowSegmentLabel}, {7, "Type G", kInterfaceLink6, ShowSegmentLabel}, {8, "Type H", kLink6, ShowSegmentLabel},
+    {14, "Type I", kNode6, ShowSegmentSid}, {15, "Type J", kInterfaceLink6, ShowSegmentSid}, {16, "Type K", kLink6, ShowSegmentSid}});
+
 void ShowSegments(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kReserved = Rows<Bgp>({Hex(1, "Reserved")});
   static constexpr auto kFlags = Rows<Bgp>({
@@ -58,11 +88,16 @@ void ShowSegments(const Place& at, Cursor& c, Bgp& bgp) {
   Loop loop;
   while (MoreAt(at, c, loop) && TakeSub(at, c, "Segment", kSegmentNames, segment)) {
     const uint32_t type = segment.type.value;
-    if (type == 9) {
+    if (const Choice<Bgp>* choice = FindChoice<Bgp>(kSegments, type)) {
+      ShowRows<Bgp>(segment.in, segment.value, kFlags4, bgp);
+      ShowRows<Bgp>(segment.in, segment.value, choice->rows, bgp);
+      if (choice->show && Left(segment.value)) choice->show(segment.in, segment.value, bgp);
+    } else if (type == 9) {
       ShowRows<Bgp>(segment.in, segment.value, kWeight, bgp);
     } else if (type == 1 || type == 13) {
       ShowRows<Bgp>(segment.in, segment.value, kFlags, bgp);
       ShowRows<Bgp>(segment.in, segment.value, type == 1 ? RowSpan<Bgp>(kLabel) : RowSpan<Bgp>(kSid), bgp);
+      if (type != 1 && Left(segment.value) >= 8) ShowRows<Bgp>(segment.in, segment.value, kSegmentBehavior, bgp);
     }
     segment.value.ranShort = false;
     AddBlock(segment.in, Rest(segment.value), "Segment Data");
@@ -91,10 +126,16 @@ void ShowBinding(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kLabel = Rows<Bgp>({Word(4), Bits(0, 20, "Binding Label").Note(", %u"), Bits(20, 12, "Reserved")});
   static constexpr auto kSid = Rows<Bgp>({IPv6("Binding SID").Note(", %s")});
   ShowRows<Bgp>(in, c, kHead, bgp);
-  if (Left(c) >= 16) ShowRows<Bgp>(in, c, kSid, bgp);
+  if (Left(c) >= 16) {
+    ShowRows<Bgp>(in, c, kSid, bgp);
+    if (Left(c) >= 8) ShowRows<Bgp>(in, c, kSegmentBehavior, bgp);
+  }
   if (Left(c) >= 4) ShowRows<Bgp>(in, c, kLabel, bgp);
 }
 
+constexpr auto kAuthenticator = Rows<Bgp>({Number(2, "Authenticator Type"), Bytes(0, "Authenticator Value")});
+constexpr auto kBalancing = Rows<Bgp>({Number(2, "Load-Balancing Block").Note(", %u")});
+constexpr auto kServicePath = Rows<Bgp>({Number(3, "Service Path Identifier").Note(", %u"), Number(1, "Service Index").Note(":%u")});
 constexpr auto kProtocol = Rows<Bgp>({Hex(2, "Protocol Type").Note(", 0x%04X")});
 constexpr auto kColor = Rows<Bgp>({Hex(2, "Community Type"), Hex(2, "Color Flags"), Number(4, "Color").Note(", %u")});
 constexpr auto kServices = Rows<Bgp>({Hex(1, "DS Field")});
@@ -116,7 +157,9 @@ void ShowSub(const Place& in, Cursor& c, uint32_t type, uint32_t tunnel, Bgp& bg
   switch (type) {
     case 1: return ShowEncapsulation(in, c, tunnel, bgp);
     case 2: ShowRows<Bgp>(in, c, kProtocol, bgp); return;
+    case 3: ShowRows<Bgp>(in, c, kAuthenticator, bgp); return;
     case 4: ShowRows<Bgp>(in, c, kColor, bgp); return;
+    case 5: ShowRows<Bgp>(in, c, kBalancing, bgp); return;
     case 6: return ShowEndpoint(in, c, bgp);
     case 7: ShowRows<Bgp>(in, c, kServices, bgp); return;
     case 8: ShowRows<Bgp>(in, c, kPort, bgp); return;
@@ -128,6 +171,8 @@ void ShowSub(const Place& in, Cursor& c, uint32_t type, uint32_t tunnel, Bgp& bg
     case 20: return ShowBinding(in, c, bgp);
     case 14: ShowRows<Bgp>(in, c, kNullPolicy, bgp); return;
     case 15: ShowRows<Bgp>(in, c, kPriority, bgp); return;
+    case 16: ShowRows<Bgp>(in, c, kServicePath, bgp); return;
+    case 17: return ShowStack(in, c, bgp);
     case 128: return ShowSegments(in, c, bgp);
     case 129:
     case 130: ShowRows<Bgp>(in, c, kName, bgp); return;

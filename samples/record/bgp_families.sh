@@ -45,7 +45,7 @@ peer-as = 65099
 passive-mode = true
 $families
 CONFIG
-go() { on "$left" gobgp global rib add -a "$@" >>"$work/log"; }
+go() { on "$left" gobgp global rib add -a "$@" >>"$work/log" || { cat "$work/log" >&2; exit 1; }; }
 
 connect_hosts
 record cable "tcp port 179"
@@ -53,8 +53,8 @@ start_on "$left" gobgpd -f "$work/left.toml" --pprof-disable
 sleep 2
 go ipv4-mpls 10.9.1.0/24 100/200 large-community 65001:1:2
 go vpnv4 10.8.1.0/24 label 800 rd 10.255.0.1:8 rt 65001:8 aigp metric 9
-go evpn a-d esi LACP 02:00:00:00:00:09 100 etag 10 label 60 rd 65001:6 rt 65001:6 encap vxlan esi-label 61 single-active
-go evpn macadv 02:00:00:00:06:01 10.6.1.1 esi AS 65001 7 etag 10 label 60 rd 65001:6 rt 65001:6 encap vxlan router-mac 02:00:00:00:00:01 default-gateway
+go evpn a-d esi LACP 02:00:00:00:00:09 100 etag 10 label 60 rd 65001:6 rt 65001:6 encap vxlan esi-label 61
+go evpn macadv 02:00:00:00:06:01 10.6.1.1 esi AS 65001 7 etag 10 label 60 rd 65001:6 rt 65001:6 encap vxlan router-mac 02:00:00:00:00:01
 go evpn multicast 10.255.0.1 etag 10 rd 65001:6 rt 65001:6 encap vxlan pmsi ingress-repl 60 10.255.0.1
 go evpn esi 10.255.0.1 esi ROUTERID 10.255.0.1 5 rd 65001:6 rt 65001:6
 go evpn prefix 10.6.2.0/24 gw 192.0.2.1 etag 10 label 62 rd 65001:6 rt 65001:6 encap vxlan router-mac 02:00:00:00:00:01
