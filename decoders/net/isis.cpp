@@ -61,7 +61,8 @@ constexpr auto kPartialRows = Rows<Isis>({Shown(7, "Source ID", ShowSource)});
 // --- with a scope of flooding (RFC 7356) ---
 
 constexpr auto kScope = Rows<Isis>({
-    Hex(1, "Scope Octet"), Flag(0, "Priority"), Bits(1, 7, "Flooding Scope", kIsisScopeNames).Note(", %s").Into(&Isis::kind)});
+    Hex(1, "Scope Octet"), Flag(0, "Priority"), Bits(1, 7, "Flooding Scope",
+    kIsisScopeNames).Note(", %s").Into(&Isis::kind)});
 constexpr auto kScopedFlags = Rows<Isis>({
     Hex(1, "LSP Flags"), Bits(0, 5, "Reserved"), Flag(5, "Overload"), Bits(6, 2, "IS Type", kSystemNames)});
 

@@ -20,7 +20,8 @@ OsiText OsiAddressText(const Field& address);
 
 // How far PDUs of a scope are flooded (RFC 7356).
 inline constexpr auto kIsisScopeNames = SortedNames({
-    {1, "Level 1 Circuit"}, {2, "Level 2 Circuit"}, {3, "Level 1"}, {4, "Level 2"}, {5, "Domain"}, {64, "Level 1 Circuit, Extended"},
+    {1, "Level 1 Circuit"}, {2, "Level 2 Circuit"}, {3, "Level 1"}, {4, "Level 2"}, {5, "Domain"},
+    {64, "Level 1 Circuit, Extended"},
     {65, "Level 2 Circuit, Extended"}, {66, "Level 1, Extended"}, {67, "Level 2, Extended"}, {68, "Domain, Extended"}});
 
 void ShowIsisElements(const Place& in, Cursor& c, Isis& isis);

@@ -275,7 +275,8 @@ void ShowVariableNeighbors(const Place& in, Cursor& c, Isis& isis) {
     AddLine(in, address, "LAN Address: %s", HexText(address));
   }
 }
-constexpr auto kFingerprint = Rows<Isis>({Word(1), Flag(0, "Originator Started"), Bits(1, 7, "Reserved"), Bytes(0, "Router Fingerprint")});
+constexpr auto kFingerprint = Rows<Isis>({Word(1), Flag(0, "Originator Started"), Bits(1, 7, "Reserved"),
+    Bytes(0, "Router Fingerprint")});
 constexpr auto kSystem = Rows<Isis>({Shown(6, "Proxy System ID", ShowSystem)});
 constexpr auto kPace = Rows<Isis>({Number(4, nullptr).Note(", %u")});
 constexpr auto kPaceTime = Rows<Isis>({Number(4, nullptr, " microseconds").Note(", %u")});
@@ -287,8 +288,10 @@ constexpr auto kPaces = Choices<Isis>({
 void ShowPaces(const Place& in, Cursor& c, Isis& isis) { ShowElements(in, c, kIsisForm, "Sub-TLV", kPaces, isis); }
 
 constexpr auto kBundle = Rows<Isis>({
-    Shown(7, "Parent Neighbor ID", ShowSystem), Hex(1, "Bundle Flags"), Flag(0, "Parent Information Present").Into(&Isis::flags)});
-constexpr auto kMembers = Rows<Isis>({Number(1, "Descriptor Length").Into(&Isis::size), Number(1, "Number of Members").Into(&Isis::count)});
+    Shown(7, "Parent Neighbor ID", ShowSystem), Hex(1, "Bundle Flags"),
+        Flag(0, "Parent Information Present").Into(&Isis::flags)});
+constexpr auto kMembers = Rows<Isis>({Number(1, "Descriptor Length").Into(&Isis::size),
+    Number(1, "Number of Members").Into(&Isis::count)});
 constexpr auto kMember = Rows<Isis>({Number(4, "Member Link Local Identifier")});
 void ShowBundle(const Place& in, Cursor& c, Isis& isis) {
   if (isis.flags.value) {   // what tells this of several links between the same two systems
@@ -327,17 +330,20 @@ void ShowAlgorithmPrefixes4(const Place& in, Cursor& c, Isis& isis) { ShowAlgori
 void ShowAlgorithmPrefixes6(const Place& in, Cursor& c, Isis& isis) { ShowAlgorithmPrefixes(in, c, isis, true); }
 
 constexpr auto kSharedRisk6 = Rows<Isis>({
-    Shown(7, "Neighbor System ID", ShowSystem), Hex(1, "Risk Flags"), Flag(7, "Neighbor Address Missing").Into(&Isis::flags), IPv6("IPv6 Interface")});
+    Shown(7, "Neighbor System ID", ShowSystem), Hex(1, "Risk Flags"), Flag(7,
+        "Neighbor Address Missing").Into(&Isis::flags), IPv6("IPv6 Interface")});
 constexpr auto kRiskNeighbor6 = Rows<Isis>({IPv6("IPv6 Neighbor")});
 void ShowRisks6(const Place& in, Cursor& c, Isis& isis) {
   if (!isis.flags.value) ShowRows<Isis>(in, c, kRiskNeighbor6, isis);
   ShowAll(in, c, kRiskGroup, 4, isis);
 }
 constexpr auto kInterSystem = Rows<Isis>({
-    IPv4("Router ID").Note(", %s"), Number(3, "Metric").Note(", Metric %u"), Hex(1, "Reachability Flags"), Flag(7, "Flood Domain-Wide"),
+    IPv4("Router ID").Note(", %s"), Number(3, "Metric").Note(", Metric %u"), Hex(1, "Reachability Flags"),
+    Flag(7, "Flood Domain-Wide"),
     Flag(6, "Down"), Number(1, "Sub-TLV Length").Into(&Isis::size)});
 constexpr auto kBinding = Rows<Isis>({
-    Hex(1, "Binding Flags"), Flag(0, "IPv6").Into(&Isis::flags), Flag(1, "Mirror Context"), Flag(2, "Domain-Wide"), Flag(3, "Down"), Flag(4, "Attached"),
+    Hex(1, "Binding Flags"), Flag(0, "IPv6").Into(&Isis::flags), Flag(1, "Mirror Context"), Flag(2, "Domain-Wide"),
+    Flag(3, "Down"), Flag(4, "Attached"),
     Hex(1, "Reserved"), Number(2, "Range"), Number(1, "Prefix Length").Into(&Isis::control)});
 void ShowBinding(const Place& in, Cursor& c, Isis& isis) {
   ShowRows<Isis>(in, c, kBinding, isis);
@@ -349,7 +355,8 @@ void ShowBinding(const Place& in, Cursor& c, Isis& isis) {
   ShowIsisSidElements(in, c, isis);
 }
 constexpr auto kReflection = Rows<Isis>({
-    Hex(1, "Reflection Flags"), Flag(0, "Client"), Bits(1, 7, "Reserved"), Number(4, "Flood Reflection Cluster ID").Note(", %u")});
+    Hex(1, "Reflection Flags"), Flag(0, "Client"), Bits(1, 7, "Reserved"),
+    Number(4, "Flood Reflection Cluster ID").Note(", %u")});
 constexpr auto kRiskNeighbor = Rows<Isis>({Shown(7, "Neighbor System ID", ShowSystem)});
 constexpr auto kRiskSize = Rows<Isis>({Number(1, "Sub-TLV Length").Into(&Isis::size)});
 void ShowApplicationRisks(const Place& in, Cursor& c, Isis& isis) {
@@ -358,10 +365,12 @@ void ShowApplicationRisks(const Place& in, Cursor& c, Isis& isis) {
   ShowSubElements(in, c, isis.size.value, isis, ShowIsisLinkElements);
   ShowAll(in, c, kRiskGroup, 4, isis);
 }
-constexpr auto kScopeBits = Rows<Isis>({Word(1), Flag(0, "Extended TLVs"), Bits(1, 7, "Flooding Scope", kIsisScopeNames).Note(", %s")});
+constexpr auto kScopeBits = Rows<Isis>({Word(1), Flag(0, "Extended TLVs"),
+    Bits(1, 7, "Flooding Scope", kIsisScopeNames).Note(", %s")});
 void ShowScopes(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kScopeBits, 1, isis); }
 constexpr auto kGeneric = Rows<Isis>({
-    Hex(1, "Information Flags").Into(&Isis::flags), Flag(4, "IPv6 Address Present"), Flag(5, "IPv4 Address Present"), Flag(6, "Down"),
+    Hex(1, "Information Flags").Into(&Isis::flags), Flag(4, "IPv6 Address Present"), Flag(5, "IPv4 Address Present"),
+    Flag(6, "Down"),
     Flag(7, "Flood Domain-Wide"), Number(2, "Application ID").Note(", %u")});
 constexpr auto kGeneric4 = Rows<Isis>({IPv4("Information IPv4 Address")});
 constexpr auto kGeneric6 = Rows<Isis>({IPv6("Information IPv6 Address")});
@@ -373,14 +382,19 @@ void ShowGeneric(const Place& in, Cursor& c, Isis& isis) {
 
 constexpr auto kElements = Choices<Isis>({
     {1, "Area Addresses", {}, ShowAreas}, {2, "IS Neighbors", {}, ShowNeighbors}, {3, "ES Neighbors", {}, ShowEndSystems},
-    {4, "Partition Designated Level 2 IS", kRestarting}, {5, "Prefix Neighbors", {}, ShowPrefixNeighbors}, {6, "IS Neighbors", {}, ShowNeighborMacs},
-    {7, "IS Neighbors (Variable Length)", {}, ShowVariableNeighbors}, {8, "Padding", {}, ShowPadding}, {9, "LSP Entries", {}, ShowEntries},
+    {4, "Partition Designated Level 2 IS", kRestarting}, {5, "Prefix Neighbors", {}, ShowPrefixNeighbors},
+    {6, "IS Neighbors", {}, ShowNeighborMacs},
+    {7, "IS Neighbors (Variable Length)", {}, ShowVariableNeighbors}, {8, "Padding", {}, ShowPadding},
+    {9, "LSP Entries", {}, ShowEntries},
     {10, "Authentication", kAuthentication, ShowAuthentication}, {11, "Extended Sequence Number", kExtendedSequence},
     {12, "Checksum", kChecksum}, {13, "Purge Originator Identification", kPurge, ShowPurgers},
-    {14, "LSP Buffer Size", kNumber2}, {15, "Router Fingerprint", kFingerprint}, {16, "Reverse Metric", kReverse, ShowReverse},
-    {17, "IS-IS Area Node IDs"}, {18, "IS-IS Flooding Path"}, {19, "IS-IS Flooding Request"}, {20, "Area Proxy", kSystem},
+    {14, "LSP Buffer Size", kNumber2}, {15, "Router Fingerprint", kFingerprint},
+    {16, "Reverse Metric", kReverse, ShowReverse},
+    {17, "IS-IS Area Node IDs"}, {18, "IS-IS Flooding Path"}, {19, "IS-IS Flooding Request"},
+    {20, "Area Proxy", kSystem},
     {21, "Flooding Parameters", {}, ShowPaces}, {22, "Extended IS Reachability", {}, ShowLinks},
-    {23, "IS Neighbor Attribute", {}, ShowLinkAttributes}, {24, "IS Alias ID"}, {25, "L2 Bundle Member Attributes", kBundle, ShowBundle},
+    {23, "IS Neighbor Attribute", {}, ShowLinkAttributes}, {24, "IS Alias ID"},
+    {25, "L2 Bundle Member Attributes", kBundle, ShowBundle},
     {26, "TE Attribute Instance"}, {27, "SRv6 Locator", kTopologyHead, ShowLocator}, {42, "DECnet Phase IV"},
     {66, "Lucent Proprietary"}, {126, "IPv4 Algorithm Prefix Reachability", kTopologyHead, ShowAlgorithmPrefixes4},
     {127, "IPv6 Algorithm Prefix Reachability", kTopologyHead, ShowAlgorithmPrefixes6},
@@ -389,20 +403,25 @@ constexpr auto kElements = Choices<Isis>({
     {132, "IP Interface Addresses", {}, ShowAddresses4}, {133, "Authentication (Early)", kAuthentication, ShowAuthentication},
     {134, "Traffic Engineering Router ID", kRouter4}, {135, "Extended IP Reachability", {}, ShowPrefixes4},
     {137, "Dynamic Hostname", kText}, {138, "Shared Risk Link Group", kSharedRisk, ShowRiskGroups},
-    {139, "IPv6 Shared Risk Link Group", kSharedRisk6, ShowRisks6}, {140, "IPv6 TE Router ID", kRouter6}, {141, "Inter-AS Reachability", kInterSystem, ShowReverse},
+    {139, "IPv6 Shared Risk Link Group", kSharedRisk6, ShowRisks6}, {140, "IPv6 TE Router ID", kRouter6},
+    {141, "Inter-AS Reachability", kInterSystem, ShowReverse},
     {142, "Group Address", {}, ShowIsisGroups}, {143, "MT Port Capability", kTopologyHead, ShowIsisPort},
     {144, "MT Capability", kTopologyHead, ShowIsisBridge}, {145, "TRILL Neighbor", {}, ShowIsisBridgeNeighbors},
-    {147, "MAC Reachability", {}, ShowIsisMacs}, {148, "BFD Enabled", {}, ShowBfds}, {149, "SID/Label Binding", {}, ShowBinding},
-    {150, "Multi-Topology SID/Label Binding", kTopologyHead, ShowBinding}, {151, "Reverse Path Forwarding"}, {161, "Flood Reflection", kReflection}, {176, "Nortel Proprietary"}, {177, "Nortel Proprietary"},
+    {147, "MAC Reachability", {}, ShowIsisMacs}, {148, "BFD Enabled", {}, ShowBfds},
+    {149, "SID/Label Binding", {}, ShowBinding},
+    {150, "Multi-Topology SID/Label Binding", kTopologyHead, ShowBinding}, {151, "Reverse Path Forwarding"},
+    {161, "Flood Reflection", kReflection}, {176, "Nortel Proprietary"}, {177, "Nortel Proprietary"},
     {211, "Restart", kRestart, ShowRestart}, {222, "Multi-Topology IS Reachability", kTopologyHead, ShowLinks},
     {223, "Multi-Topology IS Neighbor Attribute", kTopologyHead, ShowLinkAttributes},
     {229, "Multi-Topology", {}, ShowTopologies}, {232, "IPv6 Interface Addresses", {}, ShowAddresses6},
     {233, "IPv6 Global Interface Addresses", {}, ShowGlobals6},
     {235, "Multi-Topology IP Reachability", kTopologyHead, ShowPrefixes4}, {236, "IPv6 Reachability", {}, ShowPrefixes6},
     {237, "Multi-Topology IPv6 Reachability", kTopologyHead, ShowPrefixes6},
-    {238, "Application-Specific Shared Risk Link Group", kRiskNeighbor, ShowApplicationRisks}, {240, "Point-to-Point Three-Way Adjacency", kThreeWay, ShowThreeWay},
+    {238, "Application-Specific Shared Risk Link Group", kRiskNeighbor, ShowApplicationRisks},
+    {240, "Point-to-Point Three-Way Adjacency", kThreeWay, ShowThreeWay},
     {241, "IPv6 Extended Reachability"}, {242, "Router Capability", kCapability, ShowIsisCapabilities},
-    {243, "Scope Flooding Support", {}, ShowScopes}, {250, "Experimental"}, {251, "Generic Information", kGeneric, ShowGeneric}});
+    {243, "Scope Flooding Support", {}, ShowScopes}, {250, "Experimental"},
+    {251, "Generic Information", kGeneric, ShowGeneric}});
 
 }  // namespace
 

@@ -97,18 +97,21 @@ void ShowRanges(const Place& in, Cursor& c, Isis& isis) {
   }
 }
 
-// --- attributes for applications (RFC 9479), constraints of bandwidth (RFC 4124), adaptation (RFC 6001), timing (RFC 8169) ---
+// --- attributes for applications (RFC 9479), constraints of bandwidth (RFC 4124), adaptation (RFC 6001), timing
+// (RFC 8169) ---
 
 constexpr auto kApplicationMasks = SortedNames({
     {0x10, "Flexible Algorithm"}, {0x20, "Loop-Free Alternate"}, {0x40, "Segment Routing Policy"}, {0x80, "RSVP-TE"}});
 constexpr auto kMaskLengths = Rows<Isis>({
-    Hex(1, "Standard Mask Octet"), Flag(0, "Legacy"), Bits(1, 7, "Standard Mask Length").Into(&Isis::size), Hex(1, "User Mask Octet"),
+    Hex(1, "Standard Mask Octet"), Flag(0, "Legacy"), Bits(1, 7, "Standard Mask Length").Into(&Isis::size),
+    Hex(1, "User Mask Octet"),
     Bits(0, 1, "Reserved"), Bits(1, 7, "User Mask Length").Into(&Isis::count)});
 constexpr auto kStandardMask = Rows<Isis>({Flags(1, "Standard Applications", kApplicationMasks)});
 constexpr auto kMoreMask = Rows<Isis>({Bytes(0, "More Standard Applications")});
 constexpr auto kUserMask = Rows<Isis>({Bytes(0, "User-Defined Applications")});
 
-constexpr auto kModelNames = SortedNames({{0, "Russian Dolls"}, {1, "Maximum Allocation"}, {2, "Maximum Allocation with Reservation"}});
+constexpr auto kModelNames = SortedNames({{0, "Russian Dolls"}, {1, "Maximum Allocation"},
+    {2, "Maximum Allocation with Reservation"}});
 constexpr auto kModel = Rows<Isis>({Number(1, "Bandwidth Constraints Model", kModelNames), Bytes(3, "Reserved")});
 constexpr auto kConstraint = Rows<Isis>({Shown(4, "Bandwidth Constraint", ShowBandwidth)});
 constexpr auto kNumber2 = Rows<Isis>({Number(2, nullptr).Note(", %u")});
@@ -120,13 +123,18 @@ constexpr auto kAdaptation = Rows<Isis>({
     Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
     Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
     Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
-constexpr auto kMtu = Rows<Isis>({Word(1), Flag(0, "MTU Test Failed"), Bits(1, 7, "Reserved"), Number(2, "MTU").Note(", %u")});
-constexpr auto kBridgeLink = Rows<Isis>({Number(3, "Link Metric").Note(", %u"), Number(1, "Number of Ports"), Hex(2, "Port Identifier")});
+constexpr auto kMtu = Rows<Isis>({Word(1), Flag(0, "MTU Test Failed"), Bits(1, 7, "Reserved"),
+    Number(2, "MTU").Note(", %u")});
+constexpr auto kBridgeLink = Rows<Isis>({Number(3, "Link Metric").Note(", %u"), Number(1, "Number of Ports"),
+    Hex(2, "Port Identifier")});
 constexpr auto kBridgeOpaque = Rows<Isis>({Hex(4, "ECT Algorithm"), Bytes(0, "ECT Information")});
-constexpr auto kTiming = Rows<Isis>({Word(1), Bits(0, 3, "Residence Time Accuracy").Note(", %u"), Bits(3, 5, "Reserved"), Bytes(0, "Timing Value")});
-constexpr auto kBundleAdjacency = Rows<Isis>({Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"), Bytes(0, "Member SIDs").Note(", %s")});
+constexpr auto kTiming = Rows<Isis>({Word(1), Bits(0, 3, "Residence Time Accuracy").Note(", %u"),
+    Bits(3, 5, "Reserved"), Bytes(0, "Timing Value")});
+constexpr auto kBundleAdjacency = Rows<Isis>({Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"),
+    Bytes(0, "Member SIDs").Note(", %s")});
 constexpr auto kBundleLanAdjacency = Rows<Isis>({
-    Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"), Shown(6, "Neighbor System ID", ShowNeighborSystem),
+    Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"), Shown(6, "Neighbor System ID",
+    ShowNeighborSystem),
     Bytes(0, "Member SIDs").Note(", %s")});
 constexpr auto kReflector = Rows<Isis>({Number(4, "Flood Reflection Cluster ID").Note(", %u")});
 
@@ -149,15 +157,20 @@ void ShowForApplications(const Place& in, Cursor& c, Isis& isis) {
 
 constexpr auto kCrossMasks = SortedNames({{0x20, "Persistent"}, {0x40, "Set"}, {0x80, "Backup"}});
 constexpr auto kCrossConnect = Rows<Isis>({
-    Flags(1, "SID Flags", kCrossMasks), Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"), Hex(2, "Endpoint Behavior", kEndpointNames),
+    Flags(1, "SID Flags", kCrossMasks), Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"),
+    Hex(2, "Endpoint Behavior", kEndpointNames),
     IPv6("SRv6 SID").Note(", %s"), Number(1, "Sub-Sub-TLV Length")});
 constexpr auto kLanSystem = Rows<Isis>({Shown(6, "Neighbor System ID", ShowNeighborSystem)});
 constexpr auto kEndSid = Rows<Isis>({
-    Hex(1, "SID Flags"), Hex(2, "Endpoint Behavior", kEndpointNames), IPv6("SRv6 SID").Note(", %s"), Number(1, "Sub-Sub-TLV Length")});
+    Hex(1, "SID Flags"), Hex(2, "Endpoint Behavior", kEndpointNames), IPv6("SRv6 SID").Note(", %s"),
+    Number(1, "Sub-Sub-TLV Length")});
 constexpr auto kStructure = Rows<Isis>({
-    Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"), Number(1, "Argument Length")});
+    Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"),
+    Number(1, "Argument Length")});
 constexpr auto kSidParts = Choices<Isis>({{1, "SRv6 SID Structure", kStructure}});
-void ShowSidParts(const Place& in, Cursor& c, Isis& isis) { ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kSidParts, isis); }
+void ShowSidParts(const Place& in, Cursor& c, Isis& isis) {
+  ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kSidParts, isis);
+}
 void ShowLanCross(const Place& in, Cursor& c, Isis& isis) {
   ShowRows<Isis>(in, c, kCrossConnect, isis);
   ShowSidParts(in, c, isis);
@@ -165,11 +178,14 @@ void ShowLanCross(const Place& in, Cursor& c, Isis& isis) {
 
 // --- of prefixes: metrics of flexible algorithms (RFC 9350), bit index replication (RFC 8401) ---
 
-constexpr auto kFlexibleMetric = Rows<Isis>({Number(1, "Flexible Algorithm").Note(", %u"), Number(4, "Metric").Note(", Metric %u")});
+constexpr auto kFlexibleMetric = Rows<Isis>({Number(1, "Flexible Algorithm").Note(", %u"),
+    Number(4, "Metric").Note(", Metric %u")});
 constexpr auto kReplication = Rows<Isis>({
-    Number(1, "BIER Algorithm"), Number(1, "IGP Algorithm", NameAlgorithm), Number(1, "Sub-Domain ID"), Number(2, "BFR-ID").Note(", %u")});
+    Number(1, "BIER Algorithm"), Number(1, "IGP Algorithm", NameAlgorithm), Number(1, "Sub-Domain ID"),
+    Number(2, "BFR-ID").Note(", %u")});
 constexpr auto kReplicationLabel = Rows<Isis>({
-    Number(1, "Maximum Set Identifier"), Hex(3, "Encapsulation Word"), Bits(0, 4, "Bit String Length"), Bits(4, 20, "Label").Note(", Label %u")});
+    Number(1, "Maximum Set Identifier"), Hex(3, "Encapsulation Word"), Bits(0, 4, "Bit String Length"),
+    Bits(4, 20, "Label").Note(", Label %u")});
 constexpr auto kReplicationParts = Choices<Isis>({{1, "BIER MPLS Encapsulation", kReplicationLabel}});
 void ShowReplicationParts(const Place& in, Cursor& c, Isis& isis) {
   ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kReplicationParts, isis);
@@ -185,36 +201,46 @@ constexpr auto kGroup4 = Rows<Isis>({
 constexpr auto kGroup6 = Rows<Isis>({
     Number(4, "Mesh Group Number").Note(", %u"), IPv6("Tail-End Address"), Counted(1, Utf8(0, "Tail-End Name"))});
 constexpr auto kScopeMasks = SortedNames({
-    {0x0200, "Inter-Layer"}, {0x0400, "Inter-AS by Default"}, {0x0800, "Inter-AS"}, {0x1000, "Inter-Area by Default"}, {0x2000, "Inter-Area"}, {0x4000, "Intra-Area"}});
+    {0x0200, "Inter-Layer"}, {0x0400, "Inter-AS by Default"}, {0x0800, "Inter-AS"}, {0x1000, "Inter-Area by Default"},
+    {0x2000, "Inter-Area"}, {0x4000, "Intra-Area"}});
 constexpr auto kScope = Rows<Isis>({
-    Flags(2, "Path Scope", kScopeMasks), Word(2), Bits(0, 3, "Intra-Area Preference"), Bits(3, 3, "Inter-Area Preference"),
+    Flags(2, "Path Scope", kScopeMasks), Word(2), Bits(0, 3, "Intra-Area Preference"),
+    Bits(3, 3, "Inter-Area Preference"),
     Bits(6, 3, "Inter-AS Preference"), Bits(9, 3, "Inter-Layer Preference"), Bits(12, 4, "Reserved")});
 constexpr auto kComputerMasks = SortedNames({
-    {0x00400000, "Multiple Requests"}, {0x00800000, "Global Concurrent Optimization"}, {0x01000000, "Prioritization"}, {0x02000000, "Additive Constraints"}, {0x04000000, "Synchronized Requests"},
+    {0x00400000, "Multiple Requests"}, {0x00800000, "Global Concurrent Optimization"}, {0x01000000, "Prioritization"},
+    {0x02000000, "Additive Constraints"}, {0x04000000, "Synchronized Requests"},
     {0x08000000, "Multiple Objective Functions"}, {0x10000000, "Link-Diverse Paths"}, {0x20000000, "Equal Paths"},
     {0x40000000, "Bidirectional Paths"}, {0x80000000, "GMPLS Constraints"}});
 constexpr auto kComputerFlags = Rows<Isis>({Flags(4, "PCE Capabilities", kComputerMasks)});
 constexpr auto kAddressType = Rows<Isis>({Number(1, "Address Type")});
 constexpr auto kDomain = Rows<Isis>({Number(1, "Domain Type"), Bytes(0, "Domain Identifier")});
 void ShowComputerAddress(const Place& in, Cursor& c, Isis& isis) {
-  ShowRows<Isis>(in, c, Left(c) >= 16 ? RowSpan<Isis>(kAddress6) : RowSpan<Isis>(kAddress4), isis, "PCE Address");   // keys: address PCE Address
+  // keys: address PCE Address
+  ShowRows<Isis>(in, c, Left(c) >= 16 ? RowSpan<Isis>(kAddress6) : RowSpan<Isis>(kAddress4), isis, "PCE Address");
 }
 constexpr auto kComputerParts = Choices<Isis>({
     {1, "PCE Address", kAddressType, ShowComputerAddress}, {2, "Path Scope", kScope}, {3, "PCE Domain", kDomain},
     {4, "Neighbor PCE Domain", kDomain}, {5, "PCE Capability Flags", kComputerFlags}});
-void ShowComputer(const Place& in, Cursor& c, Isis& isis) { ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kComputerParts, isis); }
+void ShowComputer(const Place& in, Cursor& c, Isis& isis) {
+  ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kComputerParts, isis);
+}
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
   while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
 }
-constexpr auto kFlexibleFlags = Rows<Isis>({Hex(1, "Definition Flags"), Flag(0, "Prefix Metric"), Bytes(0, "More Flags")});
+constexpr auto kFlexibleFlags = Rows<Isis>({Hex(1, "Definition Flags"), Flag(0, "Prefix Metric"),
+    Bytes(0, "More Flags")});
 constexpr auto kRiskGroup = Rows<Isis>({Number(4, "Shared Risk Link Group")});
 constexpr auto kFlexibleParts = Choices<Isis>({
     {1, "Exclude Administrative Group", {}, ShowGroups}, {2, "Include Any Administrative Group", {}, ShowGroups},
-    {3, "Include All Administrative Groups", {}, ShowGroups}, {4, "Flexible Algorithm Definition Flags", kFlexibleFlags},
+    {3, "Include All Administrative Groups", {}, ShowGroups}, {4, "Flexible Algorithm Definition Flags",
+    kFlexibleFlags},
     {5, "Exclude Shared Risk Link Groups", {}, ShowEach<kRiskGroup, 4>}});
-void ShowFlexibleParts(const Place& in, Cursor& c, Isis& isis) { ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kFlexibleParts, isis); }
+void ShowFlexibleParts(const Place& in, Cursor& c, Isis& isis) {
+  ShowElements(in, c, kIsisForm, "Sub-Sub-TLV", kFlexibleParts, isis);
+}
 constexpr auto kLeader = Rows<Isis>({Number(1, "Leader Priority").Note(", %u"), Number(1, "Leader Algorithm")});
 constexpr auto kFloodingAlgorithm = Rows<Isis>({Number(1, "Flooding Algorithm")});
 template <uint32_t type>
@@ -226,12 +252,16 @@ constexpr auto kLinkElements = Choices<Isis>({
     {10, "Maximum Reservable Link Bandwidth", kBandwidth}, {11, "Unreserved Bandwidth", kUnreserved},
     {12, "IPv6 Interface Address", kAddress6}, {13, "IPv6 Neighbor Address", kAddress6},
     {14, "Extended Administrative Group", {}, ShowGroups}, {15, "Link MSD", {}, ShowDepths},
-    {16, "Application-Specific Link Attributes", {}, ShowForApplications}, {17, "Generic Metric", kGeneric}, {18, "TE Default Metric", kMetric3},
+    {16, "Application-Specific Link Attributes", {}, ShowForApplications}, {17, "Generic Metric", kGeneric},
+    {18, "TE Default Metric", kMetric3},
     {19, "Link Attributes", kLinkAttributes}, {20, "Link Protection Type", kProtection},
     {21, "Interface Switching Capability Descriptor", kSwitching}, {22, "Bandwidth Constraints", {}, ShowConstraints},
-    {23, "Unconstrained TE LSP Count", kNumber2}, {24, "Remote AS Number", kNumber4}, {25, "IPv4 Remote ASBR Identifier", kAddress4},
-    {26, "IPv6 Remote ASBR Identifier", kAddress6}, {27, "Interface Adjustment Capability Descriptor", kAdaptation}, {28, "MTU", kMtu},
-    {29, "SPB Link Metric", kBridgeLink}, {30, "SPB Adjacency Opaque ECT Algorithm", kBridgeOpaque}, {31, "Adjacency SID", kAdjacency, ShowSid},
+    {23, "Unconstrained TE LSP Count", kNumber2}, {24, "Remote AS Number", kNumber4},
+    {25, "IPv4 Remote ASBR Identifier", kAddress4},
+    {26, "IPv6 Remote ASBR Identifier", kAddress6}, {27, "Interface Adjustment Capability Descriptor", kAdaptation},
+    {28, "MTU", kMtu},
+    {29, "SPB Link Metric", kBridgeLink}, {30, "SPB Adjacency Opaque ECT Algorithm", kBridgeOpaque},
+    {31, "Adjacency SID", kAdjacency, ShowSid},
     {32, "LAN Adjacency SID", kLanAdjacency, ShowSid}, {33, "Unidirectional Link Delay", kDelay},
     {34, "Min/Max Unidirectional Link Delay", kDelayRange}, {35, "Unidirectional Delay Variation", kVariation},
     {36, "Unidirectional Link Loss", kLoss}, {37, "Unidirectional Residual Bandwidth", kBandwidth},
@@ -243,20 +273,29 @@ constexpr auto kLinkElements = Choices<Isis>({
 
 constexpr auto kPrefixElements = Choices<Isis>({
     {1, "32-bit Administrative Tag", {}, ShowTags}, {2, "64-bit Administrative Tag", kNumber8},
-    {3, "Prefix SID", kPrefixSid, ShowSid}, {4, "Prefix Attribute Flags", kPrefixAttributes}, {5, "SRv6 End SID", kEndSid, ShowSidParts},
-    {6, "Flexible Algorithm Prefix Metric", kFlexibleMetric}, {11, "IPv4 Source Router ID", kAddress4}, {12, "IPv6 Source Router ID", kAddress6},
+    {3, "Prefix SID", kPrefixSid, ShowSid}, {4, "Prefix Attribute Flags", kPrefixAttributes},
+    {5, "SRv6 End SID", kEndSid, ShowSidParts},
+    {6, "Flexible Algorithm Prefix Metric", kFlexibleMetric}, {11, "IPv4 Source Router ID", kAddress4},
+    {12, "IPv6 Source Router ID", kAddress6},
     {32, "BIER Information", kReplication, ShowReplicationParts}});
 
 constexpr auto kCapabilityElements = Choices<Isis>({
-    {1, "TE Node Capability Descriptor", kNode}, {2, "SR Capabilities", kCapabilityHead, ShowRanges}, {3, "TE Mesh Group IPv4", {}, ShowEach<kGroup4, 9>},
-    {4, "TE Mesh Group IPv6", {}, ShowEach<kGroup6, 21>}, {5, "PCED", {}, ShowComputer}, {6, "Nickname", {}, ShowBridge<6>},
-    {7, "Trees", {}, ShowBridge<7>}, {8, "Tree Identifiers", {}, ShowBridge<8>}, {9, "Trees Used Identifiers", {}, ShowBridge<9>},
+    {1, "TE Node Capability Descriptor", kNode}, {2, "SR Capabilities", kCapabilityHead, ShowRanges},
+    {3, "TE Mesh Group IPv4", {}, ShowEach<kGroup4, 9>},
+    {4, "TE Mesh Group IPv6", {}, ShowEach<kGroup6, 21>}, {5, "PCED", {}, ShowComputer},
+    {6, "Nickname", {}, ShowBridge<6>},
+    {7, "Trees", {}, ShowBridge<7>}, {8, "Tree Identifiers", {}, ShowBridge<8>},
+    {9, "Trees Used Identifiers", {}, ShowBridge<9>},
     {10, "Interested VLANs and Spanning Tree Roots", {}, ShowBridge<10>}, {11, "IPv4 TE Router ID", kAddress4},
-    {12, "IPv6 TE Router ID", kAddress6}, {13, "TRILL Version", {}, ShowBridge<13>}, {14, "VLAN Group", {}, ShowBridge<14>},
-    {15, "Interested Labels and Spanning Tree Roots", {}, ShowBridge<15>}, {16, "RBridge Channel Protocols", {}, ShowBridge<16>},
-    {17, "Affinity", {}, ShowBridge<17>}, {18, "Label Group", {}, ShowBridge<18>}, {19, "SR Algorithm", {}, ShowAlgorithms}, {20, "S-BFD Discriminators", kNumber4},
+    {12, "IPv6 TE Router ID", kAddress6}, {13, "TRILL Version", {}, ShowBridge<13>},
+    {14, "VLAN Group", {}, ShowBridge<14>},
+    {15, "Interested Labels and Spanning Tree Roots", {}, ShowBridge<15>},
+    {16, "RBridge Channel Protocols", {}, ShowBridge<16>},
+    {17, "Affinity", {}, ShowBridge<17>}, {18, "Label Group", {}, ShowBridge<18>},
+    {19, "SR Algorithm", {}, ShowAlgorithms}, {20, "S-BFD Discriminators", kNumber4},
     {21, "Node Administrative Tag", {}, ShowTags}, {22, "SR Local Block", kBlockHead, ShowRanges}, {23, "Node MSD", {}, ShowDepths},
-    {24, "SRMS Preference", kPreference}, {25, "SRv6 Capabilities", kSrv6}, {26, "Flexible Algorithm Definition", kFlexible, ShowFlexibleParts},
+    {24, "SRMS Preference", kPreference}, {25, "SRv6 Capabilities", kSrv6},
+    {26, "Flexible Algorithm Definition", kFlexible, ShowFlexibleParts},
     {27, "IS-IS Area Leader", kLeader}, {28, "IS-IS Dynamic Flooding", {}, ShowEach<kFloodingAlgorithm, 1>},
     {29, "IP Algorithm", {}, ShowAlgorithms}});
 

@@ -103,10 +103,14 @@ constexpr auto kIntraPrefixElement = Rows<Ospf>({Hex(2, "Reserved"), Number(2, "
 constexpr auto kLinkLocalIPv6 = Rows<Ospf>({IPv6("IPv6 Link-Local Address").Note(", %s")});
 constexpr auto kLinkLocalIPv4 = Rows<Ospf>({IPv4("IPv4 Link-Local Address").Note(", %s")});
 constexpr auto kForwarding4 = Rows<Ospf>({IPv4("IPv4 Forwarding Address")});
-constexpr auto kPrefixSidMasks = SortedNames({{0x04, "Local"}, {0x08, "Value"}, {0x10, "Explicit Null"}, {0x20, "Mapping Server"}, {0x40, "No PHP"}});
-constexpr auto kAdjacencyMasks = SortedNames({{0x08, "Persistent"}, {0x10, "Group"}, {0x20, "Local"}, {0x40, "Value"}, {0x80, "Backup"}});
-constexpr auto kPrefixSid = Rows<Ospf>({Flags(1, "SID Flags", kPrefixSidMasks), Number(1, "Algorithm", NameAlgorithm), Hex(2, "Reserved")});
-constexpr auto kAdjacencySid = Rows<Ospf>({Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"), Hex(2, "Reserved")});
+constexpr auto kPrefixSidMasks = SortedNames({{0x04, "Local"}, {0x08, "Value"}, {0x10, "Explicit Null"},
+    {0x20, "Mapping Server"}, {0x40, "No PHP"}});
+constexpr auto kAdjacencyMasks = SortedNames({{0x08, "Persistent"}, {0x10, "Group"}, {0x20, "Local"}, {0x40, "Value"},
+    {0x80, "Backup"}});
+constexpr auto kPrefixSid = Rows<Ospf>({Flags(1, "SID Flags", kPrefixSidMasks), Number(1, "Algorithm", NameAlgorithm),
+    Hex(2, "Reserved")});
+constexpr auto kAdjacencySid = Rows<Ospf>({Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"),
+    Hex(2, "Reserved")});
 constexpr auto kLanAdjacencySid = Rows<Ospf>({
     Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight"), Hex(2, "Reserved"), IPv4("Neighbor Router ID")});
 constexpr auto kLabel = Rows<Ospf>({Number(3, "SID/Label").Note(", %u")});
@@ -122,23 +126,32 @@ void ShowDepths(const Place& in, Cursor& c, Ospf& ospf) {
   while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, kDepth, ospf);
 }
 constexpr auto kFlexibleMetric = Rows<Ospf>({
-    Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"), Number(4, "Metric").Note(", Metric %u")});
+    Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"),
+    Number(4, "Metric").Note(", Metric %u")});
 constexpr auto kSourceRouter = Rows<Ospf>({IPv4("Prefix Source Router ID").Note(", %s")});
 constexpr auto kSourceAddress = Rows<Ospf>({IPv6("Prefix Source Router Address").Note(", %s")});
 constexpr auto kStructure = Rows<Ospf>({
-    Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"), Number(1, "Argument Length")});
-constexpr auto kStructures = Choices<Ospf>({{10, "SRv6 SID Structure", kStructure}, {30, "SRv6 SID Structure", kStructure}});
-void ShowStructure(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-Sub-TLV", kStructures, ospf); }
+    Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"),
+    Number(1, "Argument Length")});
+constexpr auto kStructures = Choices<Ospf>({{10, "SRv6 SID Structure", kStructure},
+    {30, "SRv6 SID Structure", kStructure}});
+void ShowStructure(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "Sub-Sub-TLV", kStructures, ospf);
+}
 constexpr auto kEndX = Rows<Ospf>({
-    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Hex(1, "Reserved"), Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"),
+    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Hex(1, "Reserved"),
+    Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"),
     Hex(2, "Reserved 2"), IPv6("SRv6 SID").Note(", %s")});
 constexpr auto kEndXLan = Rows<Ospf>({
-    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Hex(1, "Reserved"), Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"),
+    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Hex(1, "Reserved"),
+    Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"),
     Hex(2, "Reserved 2"), IPv4("Neighbor Router ID"), IPv6("SRv6 SID").Note(", %s")});
 constexpr auto kSubElements = Choices<Ospf>({
     {1, "IPv6 Forwarding Address", kForwarding}, {2, "IPv4 Forwarding Address", kForwarding4}, {3, "Route Tag", kTag},
-    {4, "Prefix SID", kPrefixSid, ShowSid}, {5, "Adjacency SID", kAdjacencySid, ShowSid}, {6, "LAN Adjacency SID", kLanAdjacencySid, ShowSid},
-    {7, "SID/Label", {}, ShowSid}, {9, "Link MSD", {}, ShowDepths}, {26, "Flexible Algorithm Prefix Metric", kFlexibleMetric},
+    {4, "Prefix SID", kPrefixSid, ShowSid}, {5, "Adjacency SID", kAdjacencySid, ShowSid},
+    {6, "LAN Adjacency SID", kLanAdjacencySid, ShowSid},
+    {7, "SID/Label", {}, ShowSid}, {9, "Link MSD", {}, ShowDepths}, {26, "Flexible Algorithm Prefix Metric",
+    kFlexibleMetric},
     {27, "Prefix Source OSPF Router ID", kSourceRouter}, {28, "Prefix Source Router Address", kSourceAddress},
     {31, "SRv6 End.X SID", kEndX, ShowStructure}, {32, "SRv6 LAN End.X SID", kEndXLan, ShowStructure}});
 
@@ -153,7 +166,8 @@ void ShowElementPrefix(const Place& in, Cursor& c, Ospf& ospf) {
 }
 
 constexpr auto kPrefixRange = Rows<Ospf>({
-    Number(1, "Prefix Length").Into(&Ospf::size), Number(1, "Address Family"), Number(2, "Range Size"), Hex(1, "Range Flags"), Bytes(3, "Reserved")});
+    Number(1, "Prefix Length").Into(&Ospf::size), Number(1, "Address Family"), Number(2, "Range Size"),
+    Hex(1, "Range Flags"), Bytes(3, "Reserved")});
 void ShowPrefixRange(const Place& in, Cursor& c, Ospf& ospf) {
   ShowRows<Ospf>(in, c, kPrefixRange, ospf);
   ShowOspf3Prefix(in, c, ospf.size.value, "Address Prefix");
@@ -165,18 +179,22 @@ constexpr auto kElements = Choices<Ospf>({
     {3, "Inter-Area-Prefix", kInterPrefixElement, ShowElementPrefix}, {4, "Inter-Area-Router", kInterRouter, ShowSubElements},
     {5, "External-Prefix", kExternalElement, ShowElementPrefix}, {6, "Intra-Area-Prefix", kIntraPrefixElement, ShowElementPrefix},
     {7, "IPv6 Link-Local Address", kLinkLocalIPv6, ShowSubElements},
-    {8, "IPv4 Link-Local Address", kLinkLocalIPv4, ShowSubElements}, {9, "Extended Prefix Range", {}, ShowPrefixRange}});
+    {8, "IPv4 Link-Local Address", kLinkLocalIPv4, ShowSubElements}, {9, "Extended Prefix Range", {},
+    ShowPrefixRange}});
 
 // --- locators of segments (RFC 9513) ---
 
 constexpr auto kRouteNames = SortedNames({
-    {1, "Intra-Area"}, {2, "Inter-Area"}, {3, "AS External Type 1"}, {4, "AS External Type 2"}, {5, "NSSA External Type 1"},
+    {1, "Intra-Area"}, {2, "Inter-Area"}, {3, "AS External Type 1"}, {4, "AS External Type 2"},
+    {5, "NSSA External Type 1"},
     {6, "NSSA External Type 2"}});
 constexpr auto kLocator = Rows<Ospf>({
-    Number(1, "Route Type", kRouteNames).Note(", %s"), Number(1, "Algorithm", NameAlgorithm), Number(1, "Locator Length").Into(&Ospf::size),
+    Number(1, "Route Type", kRouteNames).Note(", %s"), Number(1, "Algorithm", NameAlgorithm),
+    Number(1, "Locator Length").Into(&Ospf::size),
     Flags(1, "Prefix Options", kPrefixMasks), Number(4, "Metric")});
 constexpr auto kEndSid = Rows<Ospf>({
-    Hex(1, "SID Flags"), Hex(1, "Reserved"), Hex(2, "Endpoint Behavior", kEndpointNames), IPv6("SRv6 SID").Note(", %s")});
+    Hex(1, "SID Flags"), Hex(1, "Reserved"), Hex(2, "Endpoint Behavior", kEndpointNames),
+    IPv6("SRv6 SID").Note(", %s")});
 constexpr auto kLocatorParts = Choices<Ospf>({
     {1, "SRv6 End SID", kEndSid, ShowStructure}, {2, "IPv6 Forwarding Address", kForwarding}, {3, "Route Tag", kTag},
     {4, "Prefix Source OSPF Router ID", kSourceRouter}, {5, "Prefix Source Router Address", kSourceAddress}});

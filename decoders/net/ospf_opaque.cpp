@@ -1,5 +1,6 @@
 // What OSPF's opaque advertisements carry (RFC 5250): traffic engineering (RFC 3630, RFC 4203, RFC 7471), graceful restart
-// (RFC 3623), router information (RFC 7770), prefixes and links with segment routing (RFC 7684, RFC 8665), what computes paths (RFC 5088), meshes
+// (RFC 3623), router information (RFC 7770), prefixes and links with segment routing (RFC 7684, RFC 8665), what
+// computes paths (RFC 5088), meshes
 // (RFC 4972), flexible algorithms (RFC 9350), bit index replication (RFC 8444), applications (RFC 9492).
 #include "decoders/common/traffic_engineering.h"
 #include "decoders/net/ospf.h"
@@ -67,16 +68,20 @@ void ShowRemoteAddresses(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c
 void ShowRiskGroups(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kGroups, 4, ospf, "Shared Risk Link Group"); }
 void ShowAdminGroups(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kGroups, 4, ospf, "Extended Administrative Group"); }
 
-constexpr auto kModelNames = SortedNames({{0, "Russian Dolls"}, {1, "Maximum Allocation"}, {2, "Maximum Allocation with Reservation"}});
+constexpr auto kModelNames = SortedNames({{0, "Russian Dolls"}, {1, "Maximum Allocation"},
+    {2, "Maximum Allocation with Reservation"}});
 constexpr auto kModel = Rows<Ospf>({Number(1, "Bandwidth Constraints Model", kModelNames), Bytes(3, "Reserved")});
 constexpr auto kConstraint = Rows<Ospf>({Shown(4, "Bandwidth Constraint", ShowBandwidth)});
 void ShowConstraints(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kConstraint, 4, ospf, nullptr); }
 constexpr auto kNeighborId = Rows<Ospf>({Number(4, "Neighbor Interface ID"), IPv4("Neighbor Router ID").Note(", %s")});
 constexpr auto kAddress6 = Rows<Ospf>({IPv6(nullptr).Note(", %s")});
-void ShowLocalAddresses6(const Place& in, Cursor& c, Ospf& ospf) {   // keys: address Local Interface IPv6 Address, Remote Interface IPv6 Address
+// keys: address Local Interface IPv6 Address, Remote Interface IPv6 Address
+void ShowLocalAddresses6(const Place& in, Cursor& c, Ospf& ospf) {
   ShowAll(in, c, kAddress6, 16, ospf, "Local Interface IPv6 Address");
 }
-void ShowRemoteAddresses6(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kAddress6, 16, ospf, "Remote Interface IPv6 Address"); }
+void ShowRemoteAddresses6(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowAll(in, c, kAddress6, 16, ospf, "Remote Interface IPv6 Address");
+}
 constexpr auto kAdaptation = Rows<Ospf>({
     Number(1, "Lower Switching Capability", kSwitchingNames), Number(1, "Lower Encoding", kEncodingNames),
     Number(1, "Upper Switching Capability", kSwitchingNames), Number(1, "Upper Encoding", kEncodingNames),
@@ -94,7 +99,8 @@ constexpr auto kLinkElements = Choices<Ospf>({
     {15, "Interface Switching Capability Descriptor", kSwitching}, {16, "Shared Risk Link Group", {}, ShowRiskGroups},
     {17, "Bandwidth Constraints", kModel, ShowConstraints},
     {18, "Neighbor ID", kNeighborId}, {19, "Local Interface IPv6 Address", {}, ShowLocalAddresses6},
-    {20, "Remote Interface IPv6 Address", {}, ShowRemoteAddresses6}, {21, "Remote AS Number", kNumber}, {22, "IPv4 Remote ASBR ID", kAddress},
+    {20, "Remote Interface IPv6 Address", {}, ShowRemoteAddresses6}, {21, "Remote AS Number", kNumber},
+    {22, "IPv4 Remote ASBR ID", kAddress},
     {24, "IPv6 Remote ASBR ID", kAddress6}, {25, "Interface Adjustment Capability Descriptor", kAdaptation},
     {26, "Extended Administrative Group", {}, ShowAdminGroups}, {27, "Unidirectional Link Delay", kDelay},
     {28, "Min/Max Unidirectional Link Delay", kDelayRange}, {29, "Unidirectional Delay Variation", kVariation},
@@ -103,13 +109,17 @@ constexpr auto kLinkElements = Choices<Ospf>({
 
 void ShowLink(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kLinkElements, ospf); }
 
-constexpr auto kNodeAddress = Rows<Ospf>({Number(1, "Prefix Length").Note(", /%u"), IPv4("Node Local Address").Note(" of %s")});
-constexpr auto kNodeAddress6 = Rows<Ospf>({Number(1, "Prefix Length").Note(", /%u"), Hex(1, "Prefix Options"), Hex(2, "Reserved"), IPv6("Node Local Address").Note(" of %s")});
+constexpr auto kNodeAddress = Rows<Ospf>({Number(1, "Prefix Length").Note(", /%u"),
+    IPv4("Node Local Address").Note(" of %s")});
+constexpr auto kNodeAddress6 = Rows<Ospf>({Number(1, "Prefix Length").Note(", /%u"), Hex(1, "Prefix Options"),
+    Hex(2, "Reserved"), IPv6("Node Local Address").Note(" of %s")});
 void ShowNodeAddresses(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kNodeAddress, 5, ospf, nullptr); }
 void ShowNodeAddresses6(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kNodeAddress6, 20, ospf, nullptr); }
 constexpr auto kNodeParts = Choices<Ospf>({
     {1, "Node IPv4 Local Address", {}, ShowNodeAddresses}, {2, "Node IPv6 Local Address", {}, ShowNodeAddresses6}});
-void ShowNodeParts(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kNodeParts, ospf); }
+void ShowNodeParts(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "Sub-TLV", kNodeParts, ospf);
+}
 constexpr auto kTraffic = Choices<Ospf>({
     {1, "Router Address", kAddress}, {2, "Link", {}, ShowLink}, {3, "Router IPv6 Address", kAddress6},
     {5, "Node Attribute", {}, ShowNodeParts}});
@@ -140,7 +150,8 @@ void ShowTags(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kTag, 4, 
 void ShowDepths(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kDepth, 2, ospf, nullptr); }
 
 constexpr auto kNodeMasks = SortedNames({
-    {0x08000000, "P2MP Branch"}, {0x10000000, "P2MP Bud"}, {0x20000000, "GMPLS"}, {0x40000000, "MPLS"}, {0x80000000, "P2MP TE"}});
+    {0x08000000, "P2MP Branch"}, {0x10000000, "P2MP Bud"}, {0x20000000, "GMPLS"}, {0x40000000, "MPLS"},
+    {0x80000000, "P2MP TE"}});
 constexpr auto kNode = Rows<Ospf>({Flags(4, "TE Node Capabilities", kNodeMasks)});
 constexpr auto kGroup4 = Rows<Ospf>({
     Number(4, "Mesh Group Number").Note(", %u"), IPv4("Tail-End Address"), Counted(1, Utf8(0, "Tail-End Name"))});
@@ -150,30 +161,41 @@ void ShowMeshes4(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kGroup
 void ShowMeshes6(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kGroup6, 21, ospf, nullptr); }
 constexpr auto kComputerMasks = SortedNames({
     {0x00400000, "Multiple Requests"}, {0x00800000, "Global Concurrent Optimization"}, {0x01000000, "Prioritization"},
-    {0x02000000, "Additive Constraints"}, {0x04000000, "Synchronized Requests"}, {0x08000000, "Multiple Objective Functions"},
-    {0x10000000, "Link-Diverse Paths"}, {0x20000000, "Equal Paths"}, {0x40000000, "Bidirectional Paths"}, {0x80000000, "GMPLS Constraints"}});
+    {0x02000000, "Additive Constraints"}, {0x04000000, "Synchronized Requests"},
+    {0x08000000, "Multiple Objective Functions"},
+    {0x10000000, "Link-Diverse Paths"}, {0x20000000, "Equal Paths"}, {0x40000000, "Bidirectional Paths"},
+    {0x80000000, "GMPLS Constraints"}});
 constexpr auto kScopeMasks = SortedNames({
-    {0x04000000, "Inter-Layer"}, {0x08000000, "Inter-AS by Default"}, {0x10000000, "Inter-AS"}, {0x20000000, "Inter-Area by Default"}, {0x40000000, "Inter-Area"},
+    {0x04000000, "Inter-Layer"}, {0x08000000, "Inter-AS by Default"}, {0x10000000, "Inter-AS"},
+    {0x20000000, "Inter-Area by Default"}, {0x40000000, "Inter-Area"},
     {0x80000000, "Intra-Area"}});
 constexpr auto kComputerAddress = Rows<Ospf>({Number(2, "Address Type"), Hex(2, "Reserved")});
 constexpr auto kScope = Rows<Ospf>({
     Flags(4, "Path Scope", kScopeMasks), Bits(6, 3, "Intra-Area Preference"), Bits(9, 3, "Inter-Area Preference"),
     Bits(12, 3, "Inter-AS Preference"), Bits(15, 3, "Inter-Layer Preference")});
-constexpr auto kDomain = Rows<Ospf>({Number(2, "Domain Type"), Hex(2, "Reserved"), IPv4("Domain Identifier").Note(", %s")});
+constexpr auto kDomain = Rows<Ospf>({Number(2, "Domain Type"), Hex(2, "Reserved"),
+    IPv4("Domain Identifier").Note(", %s")});
 constexpr auto kComputerFlags = Rows<Ospf>({Flags(4, "PCE Capabilities", kComputerMasks)});
 void ShowComputerAddress(const Place& in, Cursor& c, Ospf& ospf) {
-  ShowRows<Ospf>(in, c, Left(c) >= 16 ? RowSpan<Ospf>(kAddress6) : RowSpan<Ospf>(kAddress), ospf, "PCE Address");   // keys: address PCE Address
+  // keys: address PCE Address
+  ShowRows<Ospf>(in, c, Left(c) >= 16 ? RowSpan<Ospf>(kAddress6) : RowSpan<Ospf>(kAddress), ospf, "PCE Address");
 }
 constexpr auto kComputerParts = Choices<Ospf>({
     {1, "PCE Address", kComputerAddress, ShowComputerAddress}, {2, "Path Scope", kScope}, {3, "PCE Domain", kDomain},
     {4, "Neighbor PCE Domain", kDomain}, {5, "PCE Capability Flags", kComputerFlags}});
-void ShowComputer(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kComputerParts, ospf); }
+void ShowComputer(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "Sub-TLV", kComputerParts, ospf);
+}
 constexpr auto kDefinitionFlags = Rows<Ospf>({Hex(4, "Definition Flags"), Flag(0, "Prefix Metric")});
 constexpr auto kFlexibleParts = Choices<Ospf>({
-    {1, "Exclude Administrative Group", {}, ShowAdminGroups}, {2, "Include Any Administrative Group", {}, ShowAdminGroups},
-    {3, "Include All Administrative Groups", {}, ShowAdminGroups}, {4, "Flexible Algorithm Definition Flags", kDefinitionFlags},
+    {1, "Exclude Administrative Group", {}, ShowAdminGroups}, {2, "Include Any Administrative Group", {},
+    ShowAdminGroups},
+    {3, "Include All Administrative Groups", {}, ShowAdminGroups}, {4, "Flexible Algorithm Definition Flags",
+    kDefinitionFlags},
     {5, "Exclude Shared Risk Link Groups", {}, ShowRiskGroups}});
-void ShowFlexibleParts(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kFlexibleParts, ospf); }
+void ShowFlexibleParts(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "Sub-TLV", kFlexibleParts, ospf);
+}
 constexpr auto kLeader = Rows<Ospf>({Number(1, "Leader Priority").Note(", %u"), Number(1, "Leader Algorithm")});
 constexpr auto kFloodingAlgorithm = Rows<Ospf>({Number(1, "Flooding Algorithm")});
 void ShowFlooding(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kFloodingAlgorithm, 1, ospf, nullptr); }
@@ -196,8 +218,10 @@ constexpr auto kRouterInformation = Choices<Ospf>({
     {5, "TE Node Capability Descriptor", kNode}, {6, "PCED", {}, ShowComputer},
     {7, "Dynamic Hostname", kHostname}, {8, "SR-Algorithm", {}, ShowAlgorithms}, {9, "SID/Label Range", kRange, ShowSids},
     {10, "Node Administrative Tag", {}, ShowTags}, {11, "S-BFD Discriminator", kNumber}, {12, "Node MSD", {}, ShowDepths},
-    {13, "Tunnel Encapsulations", {}, ShowTunnel}, {14, "SR Local Block", kRange, ShowSids}, {15, "SRMS Preference", kPreference},
-    {16, "Flexible Algorithm Definition", kFlexible, ShowFlexibleParts}, {17, "Area Leader", kLeader}, {18, "Dynamic Flooding", {}, ShowFlooding},
+    {13, "Tunnel Encapsulations", {}, ShowTunnel}, {14, "SR Local Block", kRange, ShowSids},
+    {15, "SRMS Preference", kPreference},
+    {16, "Flexible Algorithm Definition", kFlexible, ShowFlexibleParts}, {17, "Area Leader", kLeader},
+    {18, "Dynamic Flooding", {}, ShowFlooding},
     {20, "SRv6 Capabilities", kSrv6}, {21, "IP Algorithm", {}, ShowAlgorithms}});
 
 // --- graceful restart ---
@@ -226,25 +250,36 @@ constexpr auto kLanAdjacencySid = Rows<Ospf>({
     IPv4("Neighbor ID")});
 
 constexpr auto kFlexibleMetric = Rows<Ospf>({
-    Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"), Number(4, "Metric").Note(", Metric %u")});
+    Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"),
+    Number(4, "Metric").Note(", Metric %u")});
 constexpr auto kReplication = Rows<Ospf>({
-    Number(1, "Sub-Domain ID"), Number(1, "Multi-Topology ID"), Number(2, "BFR-ID").Note(", %u"), Number(1, "BIER Algorithm"),
+    Number(1, "Sub-Domain ID"), Number(1, "Multi-Topology ID"), Number(2, "BFR-ID").Note(", %u"),
+    Number(1, "BIER Algorithm"),
     Number(1, "IGP Algorithm"), Hex(2, "Reserved")});
 constexpr auto kReplicationLabel = Rows<Ospf>({
-    Number(1, "Maximum Set Identifier"), Number(3, "BIER Label").Note(", Label %u"), Hex(4, "Encapsulation Word"), Bits(0, 4, "Bit String Length")});
+    Number(1, "Maximum Set Identifier"), Number(3, "BIER Label").Note(", Label %u"), Hex(4, "Encapsulation Word"),
+    Bits(0, 4, "Bit String Length")});
 constexpr auto kReplicationParts = Choices<Ospf>({{10, "BIER MPLS Encapsulation", kReplicationLabel}});
-void ShowReplicationParts(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kReplicationParts, ospf); }
+void ShowReplicationParts(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "Sub-TLV", kReplicationParts, ospf);
+}
 constexpr auto kMoreFlags = Rows<Ospf>({Bytes(0, "Extended Prefix Flags")});
 
 constexpr auto kPrefixElements = Choices<Ospf>({
-    {2, "Prefix SID", kPrefixSid, ShowSid}, {3, "Flexible Algorithm Prefix Metric", kFlexibleMetric}, {4, "Prefix Source OSPF Router ID", kAddress},
-    {5, "Prefix Source Router Address", kAddress}, {9, "BIER", kReplication, ShowReplicationParts}, {11, "Prefix Extended Flags", kMoreFlags}});
-constexpr auto kTiming = Rows<Ospf>({Word(1), Bits(0, 3, "Residence Time Accuracy").Note(", %u"), Bits(3, 5, "Reserved"), Bytes(3, "Reserved 2")});
-constexpr auto kTwoPart = Rows<Ospf>({Number(1, "Multi-Topology ID"), Hex(1, "Reserved"), Number(2, "Network-to-Router Metric").Note(", %u")});
+    {2, "Prefix SID", kPrefixSid, ShowSid}, {3, "Flexible Algorithm Prefix Metric", kFlexibleMetric},
+    {4, "Prefix Source OSPF Router ID", kAddress},
+    {5, "Prefix Source Router Address", kAddress}, {9, "BIER", kReplication, ShowReplicationParts},
+    {11, "Prefix Extended Flags", kMoreFlags}});
+constexpr auto kTiming = Rows<Ospf>({Word(1), Bits(0, 3, "Residence Time Accuracy").Note(", %u"),
+    Bits(3, 5, "Reserved"), Bytes(3, "Reserved 2")});
+constexpr auto kTwoPart = Rows<Ospf>({Number(1, "Multi-Topology ID"), Hex(1, "Reserved"),
+    Number(2, "Network-to-Router Metric").Note(", %u")});
 constexpr auto kMaskLengths = Rows<Ospf>({
-    Number(1, "Standard Mask Length").Into(&Ospf::size), Number(1, "User Mask Length").Into(&Ospf::count), Hex(2, "Reserved")});
+    Number(1, "Standard Mask Length").Into(&Ospf::size), Number(1, "User Mask Length").Into(&Ospf::count),
+    Hex(2, "Reserved")});
 constexpr auto kApplicationMasks = SortedNames({
-    {0x10000000, "Flexible Algorithm"}, {0x20000000, "Loop-Free Alternate"}, {0x40000000, "Segment Routing Policy"}, {0x80000000, "RSVP-TE"}});
+    {0x10000000, "Flexible Algorithm"}, {0x20000000, "Loop-Free Alternate"}, {0x40000000, "Segment Routing Policy"},
+    {0x80000000, "RSVP-TE"}});
 constexpr auto kStandardMask = Rows<Ospf>({Flags(4, "Standard Applications", kApplicationMasks)});
 constexpr auto kUserMask = Rows<Ospf>({Bytes(0, "User-Defined Applications")});
 constexpr auto kMember = Rows<Ospf>({Number(4, "Member Link Local Identifier").Note(", %u")});
@@ -260,19 +295,24 @@ constexpr auto kLinkSids = Choices<Ospf>({
     {2, "Adjacency SID", kAdjacencySid, ShowSid}, {3, "LAN Adjacency SID", kLanAdjacencySid, ShowSid},
     {4, "Network-to-Router TE Metric", kTwoPart}, {5, "RTM Capability", kTiming},
     {6, "Link MSD", {}, ShowDepths}, {7, "Graceful Link Shutdown"}, {8, "Remote IPv4 Address", kAddress},
-    {9, "Local/Remote Interface ID", kInterfaces}, {10, "Application-Specific Link Attributes", {}, ShowForApplications},
+    {9, "Local/Remote Interface ID", kInterfaces}, {10, "Application-Specific Link Attributes", {},
+    ShowForApplications},
     {11, "Shared Risk Link Group", {}, ShowRiskGroups}, {12, "Unidirectional Link Delay", kDelay},
     {13, "Min/Max Unidirectional Link Delay", kDelayRange}, {14, "Unidirectional Delay Variation", kVariation},
     {15, "Unidirectional Link Loss", kLoss}, {16, "Unidirectional Residual Bandwidth", kBandwidth},
     {17, "Unidirectional Available Bandwidth", kBandwidth}, {18, "Unidirectional Utilized Bandwidth", kBandwidth},
     {19, "Administrative Group", kGroups}, {20, "Extended Administrative Group", {}, ShowAdminGroups},
-    {22, "TE Metric", kNumber}, {23, "Maximum Link Bandwidth", kBandwidth}, {24, "L2 Bundle Member Attributes", kMember, ShowOspfLinkAttributes}});
+    {22, "TE Metric", kNumber}, {23, "Maximum Link Bandwidth", kBandwidth},
+    {24, "L2 Bundle Member Attributes", kMember, ShowOspfLinkAttributes}});
 void ShowPrefixElements(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kPrefixElements, ospf); }
 void ShowLinkSids(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kLinkSids, ospf); }
 constexpr auto kBorder = Rows<Ospf>({IPv4("ASBR Router ID").Note(", %s")});
-constexpr auto kBorderMetric = Rows<Ospf>({Number(1, "Flexible Algorithm").Note(", %u"), Bytes(3, "Reserved"), Number(4, "Metric").Note(", Metric %u")});
+constexpr auto kBorderMetric = Rows<Ospf>({Number(1, "Flexible Algorithm").Note(", %u"), Bytes(3, "Reserved"),
+    Number(4, "Metric").Note(", Metric %u")});
 constexpr auto kBorderParts = Choices<Ospf>({{1, "Flexible Algorithm ASBR Metric", kBorderMetric}});
-void ShowBorderParts(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kBorderParts, ospf); }
+void ShowBorderParts(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowElements(in, c, kOspfForm, "Sub-TLV", kBorderParts, ospf);
+}
 constexpr auto kBorders = Choices<Ospf>({{1, "Extended Inter-Area ASBR", kBorder, ShowBorderParts}});
 
 constexpr auto kExtendedPrefixes = Choices<Ospf>({

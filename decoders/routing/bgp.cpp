@@ -116,12 +116,15 @@ constexpr auto kCapabilities = Choices<Bgp>({
     {5, "Extended Next Hop Encoding", {}, ShowEach<kNextHop, 6>}, {6, "Extended Message"}, {7, "BGPsec", kSecure},
     {8, "Multiple Labels", {}, ShowEach<kLabels, 4>}, {9, "BGP Role", kRole},
     {64, "Graceful Restart", kRestart, ShowEach<kRestartFamily, 4>}, {65, "4-Octet AS Number", {}, ShowWide},
-    {66, "Dynamic Capability (Deprecated)", {}, ShowEach<kDynamic, 1>}, {67, "Dynamic Capability", {}, ShowEach<kDynamic, 1>},
+    {66, "Dynamic Capability (Deprecated)", {}, ShowEach<kDynamic, 1>},
+    {67, "Dynamic Capability", {}, ShowEach<kDynamic, 1>},
     {68, "Multisession", kSessions},
     {69, "ADD-PATH", {}, ShowPaths}, {70, "Enhanced Route Refresh"},
-    {71, "Long-Lived Graceful Restart", {}, ShowEach<kLongRestart, 7>}, {73, "FQDN", kName}, {74, "BFD Strict"}, {75, "Software Version", kVersion},
+    {71, "Long-Lived Graceful Restart", {}, ShowEach<kLongRestart, 7>}, {73, "FQDN", kName}, {74, "BFD Strict"},
+    {75, "Software Version", kVersion},
     {76, "Paths Limit", {}, ShowEach<kPathLimit, 5>}, {128, "Route Refresh (Prestandard)"},
-    {130, "Outbound Route Filtering (Prestandard)", {}, ShowFilters}, {131, "Multisession (Prestandard)", kSessions}, {184, "FQDN (Prestandard)", kName}});
+    {130, "Outbound Route Filtering (Prestandard)", {}, ShowFilters}, {131, "Multisession (Prestandard)", kSessions},
+    {184, "FQDN (Prestandard)", kName}});
 
 void ShowCapabilities(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kCode = Rows<Bgp>({Number(1, "Code", kBgpCapabilityNames), Number(1, "Length")});

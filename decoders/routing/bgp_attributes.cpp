@@ -41,15 +41,20 @@ constexpr auto kOnly = Rows<Bgp>({Number(4, "AS Number").Note(", AS %u")});
 constexpr auto kBytes = Rows<Bgp>({Bytes(0, nullptr)});
 constexpr auto kSetOrigin = Rows<Bgp>({Number(4, "Origin AS").Note(", AS %u")});
 constexpr auto kDiscriminator = Rows<Bgp>({Number(1, "BFD Mode"), Hex(4, "BFD Discriminator").Note(", 0x%08X")});
-constexpr auto kPreferenceOf = Rows<Bgp>({Number(2, "AS Number").Note(", AS %u"), Number(4, "Destination Preference").Note(", %u")});
+constexpr auto kPreferenceOf = Rows<Bgp>({Number(2, "AS Number").Note(", AS %u"),
+    Number(4, "Destination Preference").Note(", %u")});
 constexpr auto kAdvertiser = Rows<Bgp>({IPv4("Advertiser").Note(", %s")});
 constexpr auto kRouteCluster = Rows<Bgp>({IPv4("Route Cluster ID").Note(", %s")});
 constexpr auto kEngineering = Rows<Bgp>({
     Number(1, "Switching Capability", kSwitchingNames), Number(1, "Encoding", kEncodingNames), Hex(2, "Reserved"),
-    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1",
+        ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3",
+        ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5",
+        ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7",
+        ShowBandwidth)});
 
 void ShowDiscriminator(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kSource = Rows<Bgp>({Bytes(0, "Source Address")});
@@ -204,7 +209,8 @@ void ShowPmsi(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kTreeId = Rows<Bgp>({Number(4, "Tree ID").Note(", %u")});
   if (type == 10) ShowRows<Bgp>(in, c, kReplication, bgp);
   if (type == 11 || type == 12) ShowRows<Bgp>(in, c, kTreeId, bgp);
-  if ((type == 6 || (type >= 9 && type <= 12)) && Left(c)) ShowFamilyAddress(in, c, "Tunnel Endpoint", Left(c) >= 16 ? kFamilyIPv6 : kFamilyIPv4);
+  if ((type == 6 || (type >= 9 && type <= 12)) && Left(c)) ShowFamilyAddress(in, c, "Tunnel Endpoint",
+      Left(c) >= 16 ? kFamilyIPv6 : kFamilyIPv4);
 }
 
 void ShowMetrics(const Place& in, Cursor& c, Bgp& bgp) {
@@ -251,7 +257,8 @@ constexpr auto kAttributes = Choices<Bgp>({
     {1, "ORIGIN", kOrigin}, {2, "AS_PATH", {}, ShowPath}, {3, "NEXT_HOP", kNextHop}, {4, "MULTI_EXIT_DISC", kMetric},
     {5, "LOCAL_PREF", kPreference}, {7, "AGGREGATOR", {}, ShowAggregator}, {8, "COMMUNITIES", {}, ShowCommunities},
     {9, "ORIGINATOR_ID", kOriginator}, {10, "CLUSTER_LIST", {}, ShowEach<kCluster, 4>}, {11, "DPA", kPreferenceOf},
-    {12, "ADVERTISER", kAdvertiser}, {13, "RCID_PATH / CLUSTER_ID", {}, ShowEach<kRouteCluster, 4>}, {14, "MP_REACH_NLRI", {}, ShowReach},
+    {12, "ADVERTISER", kAdvertiser}, {13, "RCID_PATH / CLUSTER_ID", {}, ShowEach<kRouteCluster, 4>},
+    {14, "MP_REACH_NLRI", {}, ShowReach},
     {15, "MP_UNREACH_NLRI", {}, ShowUnreach}, {16, "EXTENDED COMMUNITIES", {}, ShowBgpExtendedCommunities},
     {17, "AS4_PATH", {}, ShowWidePath}, {18, "AS4_AGGREGATOR", kAggregator4}, {20, "Connector", kConnector},
     {21, "AS_PATHLIMIT", kPathLimit}, {22, "PMSI_TUNNEL", {}, ShowPmsi}, {23, "Tunnel Encapsulation", {}, ShowBgpTunnels},
@@ -262,7 +269,8 @@ constexpr auto kAttributes = Choices<Bgp>({
     {33, "BGPsec_Path", {}, ShowBgpSignatures}, {34, "BGP Community Container", {}, ShowBgpContainers},
     {35, "Only to Customer", kOnly}, {36, "D-PATH", {}, ShowDomains},
     {37, "SFP", {}, ShowBgpServicePath},
-    {38, "BFD Discriminator", kDiscriminator, ShowDiscriminator}, {39, "Next Hop Dependent Characteristics", {}, ShowBgpHopCharacteristics}, {40, "BGP Prefix-SID", {}, ShowBgpPrefixSid},
+    {38, "BFD Discriminator", kDiscriminator, ShowDiscriminator}, {39, "Next Hop Dependent Characteristics", {},
+    ShowBgpHopCharacteristics}, {40, "BGP Prefix-SID", {}, ShowBgpPrefixSid},
     {99, "BGP-LS", {}, ShowBgpLinkStateAttribute}, {128, "ATTR_SET", {}, ShowSet}});
 
 }  // namespace

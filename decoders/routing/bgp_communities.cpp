@@ -74,33 +74,43 @@ constexpr auto kPmsiFlags = Rows<Bgp>({Bytes(6, "Additional PMSI Flags")});
 constexpr auto kLabelSpace = Rows<Bgp>({Number(2, "ID Type"), Number(4, "Label Space ID").Note(" %u")});
 constexpr auto kAttachment = Rows<Bgp>({Hex(2, "Reserved"), Number(4, "Attachment Circuit ID").Note(" %u")});
 constexpr auto kCarving = Rows<Bgp>({Number(4, "Timestamp Seconds").Note(" %u"), Number(2, "Timestamp Fraction")});
-constexpr auto kEvpnBandwidth = Rows<Bgp>({Number(1, "Value Units"), Hex(1, "Reserved"), Number(4, "Value Weight").Note(" %u")});
+constexpr auto kEvpnBandwidth = Rows<Bgp>({Number(1, "Value Units"), Hex(1, "Reserved"),
+    Number(4, "Value Weight").Note(" %u")});
 constexpr auto kMirror = Rows<Bgp>({IPv4("Next Hop").Note(" %s"), Hex(2, "Flags"), Flag(15, "Copy")});
-constexpr auto kIndirection = Rows<Bgp>({Hex(1, "Flags"), Flag(7, "Copy"), Number(1, "Tunnel ID"), Hex(4, "Generalized ID").Note(" 0x%08X")});
+constexpr auto kIndirection = Rows<Bgp>({Hex(1, "Flags"), Flag(7, "Copy"), Number(1, "Tunnel ID"),
+    Hex(4, "Generalized ID").Note(" 0x%08X")});
 constexpr auto kTransport = Rows<Bgp>({Hex(2, "Reserved"), Number(4, "Transport Class ID").Note(" %u")});
 constexpr auto kChaining = Rows<Bgp>({Number(2, "SFIR Pool Type"), Number(4, "SFIR Pool Value").Note(" %u")});
-constexpr auto kDirect = Rows<Bgp>({Number(2, "Direct Segment Administrator").Note(" %u"), Number(4, "Direct Segment ID").Note(":%u")});
+constexpr auto kDirect = Rows<Bgp>({Number(2, "Direct Segment Administrator").Note(" %u"),
+    Number(4, "Direct Segment ID").Note(":%u")});
 constexpr auto kSecurity = Rows<Bgp>({Hex(4, "Reserved"), Number(2, "Security Group Tag").Note(" %u")});
 constexpr auto kLeafInfo = Rows<Bgp>({Hex(2, "E-Tree Flags"), Flag(14, "Root"), Flag(15, "Leaf"), Hex(4, "Reserved")});
-constexpr auto kClassifier = Rows<Bgp>({Number(3, "Service Path Identifier").Note(" %u"), Number(1, "Service Index").Note(":%u"), Number(2, "Service Function Type")});
+constexpr auto kClassifier = Rows<Bgp>({Number(3, "Service Path Identifier").Note(" %u"),
+    Number(1, "Service Index").Note(":%u"), Number(2, "Service Function Type")});
 constexpr auto kEmpty = Rows<Bgp>({Bytes(6, "Reserved")});
 
 constexpr auto kCommunities = Choices<Bgp>({
     {0x0004, "Link Bandwidth", kBandwidth}, {0x0107, "OSPF Route ID", kRouteId}, {0x010C, "Redirect to IP", kMirror},
     {0x0300, "BGP Origin Validation State", kValidation}, {0x0301, "Cost", kCost},
     {0x0306, "OSPF Route Type", kOspfRoute}, {0x0307, "Additional PMSI Flags", kPmsiFlags},
-    {0x0308, "Context-Specific Label Space", kLabelSpace}, {0x030B, "Color", kColor}, {0x030C, "Encapsulation", kEncapsulation},
+    {0x0308, "Context-Specific Label Space", kLabelSpace}, {0x030B, "Color", kColor},
+    {0x030C, "Encapsulation", kEncapsulation},
     {0x030D, "Default Gateway", kEmpty},
     {0x0600, "MAC Mobility", kMobility}, {0x0601, "ESI Label", kSegment}, {0x0602, "ES-Import Route Target", kMac},
     {0x0603, "Router's MAC", kMac}, {0x0604, "Layer 2 Attributes", kLayer2}, {0x0605, "E-Tree", kTree},
     {0x0606, "DF Election", kElection}, {0x0607, "I-SID", kService}, {0x0608, "ARP/ND", kNeighbour},
     {0x0609, "Multicast Flags", kMulticastFlags}, {0x060A, "EVI Route Target", kSystem2}, {0x060B, "EVI Route Target", kAddress},
     {0x060C, "EVI Route Target", kSystem4}, {0x060E, "EVPN Attachment Circuit", kAttachment},
-    {0x060F, "Service Carving Timestamp", kCarving}, {0x0610, "Link Bandwidth", kEvpnBandwidth}, {0x0800, "Redirect/Mirror to IP", kMirror},
-    {0x0900, "Redirect to Indirection ID", kIndirection}, {0x0A00, "Transport Class", kTransport}, {0x0B00, "Service Chaining", kChaining},
-    {0x0C00, "MUP Direct Segment", kDirect}, {0x8000, "OSPF Route Type", kOspfRoute}, {0x8001, "OSPF Router ID", kOspfRouter},
-    {0x8004, "Security Group", kSecurity}, {0x8006, "Traffic Rate", kRate}, {0x8007, "Traffic Action", kAction}, {0x8008, "Redirect", kSystem2},
-    {0x8009, "Traffic Marking", kMarking}, {0x800A, "Layer 2 Info", kInfo}, {0x800B, "E-Tree Info", kLeafInfo}, {0x800C, "Traffic Rate", kRate},
+    {0x060F, "Service Carving Timestamp", kCarving}, {0x0610, "Link Bandwidth", kEvpnBandwidth},
+    {0x0800, "Redirect/Mirror to IP", kMirror},
+    {0x0900, "Redirect to Indirection ID", kIndirection}, {0x0A00, "Transport Class", kTransport},
+    {0x0B00, "Service Chaining", kChaining},
+    {0x0C00, "MUP Direct Segment", kDirect}, {0x8000, "OSPF Route Type", kOspfRoute},
+    {0x8001, "OSPF Router ID", kOspfRouter},
+    {0x8004, "Security Group", kSecurity}, {0x8006, "Traffic Rate", kRate}, {0x8007, "Traffic Action", kAction},
+    {0x8008, "Redirect", kSystem2},
+    {0x8009, "Traffic Marking", kMarking}, {0x800A, "Layer 2 Info", kInfo}, {0x800B, "E-Tree Info", kLeafInfo},
+    {0x800C, "Traffic Rate", kRate},
     {0x800D, "Service Function Chain Classifier", kClassifier},
     {0x8108, "Redirect", kAddress}, {0x8208, "Redirect", kSystem4}});
 

@@ -22,11 +22,15 @@ constexpr auto kRegion = Rows<Bgp>({Bytes(8, "Region ID")});
 
 // What an identifier is made of, by its type; there is an octet of zero behind four and four.
 void ShowSegmentParts(const Place& in, const Field& all, uint32_t type, Bgp& bgp) {
-  static constexpr auto kAggregated = Rows<Bgp>({Mac("CE LACP System MAC"), Number(2, "CE LACP Port Key"), Hex(1, "Reserved")});
-  static constexpr auto kBridged = Rows<Bgp>({Mac("Root Bridge MAC"), Number(2, "Root Bridge Priority"), Hex(1, "Reserved")});
+  static constexpr auto kAggregated = Rows<Bgp>({Mac("CE LACP System MAC"), Number(2, "CE LACP Port Key"),
+      Hex(1, "Reserved")});
+  static constexpr auto kBridged = Rows<Bgp>({Mac("Root Bridge MAC"), Number(2, "Root Bridge Priority"),
+      Hex(1, "Reserved")});
   static constexpr auto kOfMac = Rows<Bgp>({Mac("System MAC"), Number(3, "Local Discriminator")});
-  static constexpr auto kOfRouter = Rows<Bgp>({IPv4("Router ID"), Number(4, "Local Discriminator"), Hex(1, "Reserved")});
-  static constexpr auto kOfSystem = Rows<Bgp>({Number(4, "AS Number"), Number(4, "Local Discriminator"), Hex(1, "Reserved")});
+  static constexpr auto kOfRouter = Rows<Bgp>({IPv4("Router ID"), Number(4, "Local Discriminator"),
+      Hex(1, "Reserved")});
+  static constexpr auto kOfSystem = Rows<Bgp>({Number(4, "AS Number"), Number(4, "Local Discriminator"),
+      Hex(1, "Reserved")});
   Cursor c = CursorOver(Slice(all, 1, 9));
   switch (type) {
     case 1: ShowRows<Bgp>(in, c, kAggregated, bgp); break;
@@ -148,7 +152,8 @@ void ShowBgpEvpnRoutes(const Place& at, Cursor& c, Bgp& bgp) {
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));
     const uint32_t type = PeekU8(route);
-    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "EVPN Route: %s", LookupName(kRouteNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "EVPN Route: %s",
+        LookupName(kRouteNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kHead, bgp);
     ShowRoute(in, route, type, bgp);

@@ -1,4 +1,5 @@
-// Flow specifications of BGP (RFC 8955; IPv6: RFC 8956; of bridges: draft-ietf-idr-flowspec-l2vpn): which packets a rule is for,
+// Flow specifications of BGP (RFC 8955; IPv6: RFC 8956; of bridges: draft-ietf-idr-flowspec-l2vpn): which packets a
+// rule is for,
 // in components of prefixes, addresses, numbers compared and bits masked.
 #include "core/elements.h"
 #include "decoders/routing/bgp.h"
@@ -10,7 +11,8 @@ namespace {
 constexpr auto kComponentNames = SortedNames({
     {1, "Destination Prefix"}, {2, "Source Prefix"}, {3, "IP Protocol"}, {4, "Port"}, {5, "Destination Port"},
     {6, "Source Port"}, {7, "ICMP Type"}, {8, "ICMP Code"}, {9, "TCP Flags"}, {10, "Packet Length"}, {11, "DSCP"},
-    {12, "Fragment"}, {13, "Flow Label"}, {14, "Ethernet Type"}, {15, "Source MAC"}, {16, "Destination MAC"}, {17, "LLC DSAP"},
+    {12, "Fragment"}, {13, "Flow Label"}, {14, "Ethernet Type"}, {15, "Source MAC"}, {16, "Destination MAC"},
+    {17, "LLC DSAP"},
     {18, "LLC SSAP"}, {19, "LLC Control"}, {20, "SNAP"}, {21, "VLAN ID"}, {22, "VLAN Priority"}, {23, "Inner VLAN ID"},
     {24, "Inner VLAN Priority"}, {25, "Drop Eligible"}, {26, "Inner Drop Eligible"}});
 constexpr uint32_t kDestination = 1, kSource = 2, kTcpFlags = 9, kFragment = 12, kSourceMac = 15, kDestinationMac = 16;
@@ -44,26 +46,21 @@ void ShowFlowMac(const Place& in, Cursor& c) {
 
 void ShowOperator(const Place& in, const Field& op, bool isMask, const LineHandle line) {
   const Place under = Under(in, line);
-  const auto flag = [&](int32_t bit, const char* label) {   // keys: text End of List, And, Not, Match, Less, Greater, Equal
-    const BitPicture bits = BitsOf(op, bit, 1);
-    AddBitLine(under, op, "%s: %s = %s", bits.picture, label, TrueOrFalse(bits.value));
-  };
-  const BitPicture size = BitsOf(op, 2, 2);
-  flag(0, "End of List");
-  flag(1, "And");
+  const BitPicture end = BitsOf(op, 0, 1), both = BitsOf(op, 1, 1), size = BitsOf(op, 2, 2), fifth = BitsOf(op, 5, 1),
+                   sixth = BitsOf(op, 6, 1), last = BitsOf(op, 7, 1);
+  AddBitLine(under, op, "%s: End of List = %s", end.picture, TrueOrFalse(end.value));
+  AddBitLine(under, op, "%s: And = %s", both.picture, TrueOrFalse(both.value));
   AddBitLine(under, op, "%s: Value Length = %u (%u bytes)", size.picture, size.value, 1u << size.value);
+  const BitPicture reserved = BitsOf(op, 4, isMask ? 2 : 1);
+  AddBitLine(under, op, "%s: Reserved = %u", reserved.picture, reserved.value);
   if (isMask) {
-    const BitPicture reserved = BitsOf(op, 4, 2);
-    AddBitLine(under, op, "%s: Reserved = %u", reserved.picture, reserved.value);
-    flag(6, "Not");
-    flag(7, "Match");
-  } else {
-    const BitPicture reserved = BitsOf(op, 4, 1);
-    AddBitLine(under, op, "%s: Reserved = %u", reserved.picture, reserved.value);
-    flag(5, "Less");
-    flag(6, "Greater");
-    flag(7, "Equal");
+    AddBitLine(under, op, "%s: Not = %s", sixth.picture, TrueOrFalse(sixth.value));
+    AddBitLine(under, op, "%s: Match = %s", last.picture, TrueOrFalse(last.value));
+    return;
   }
+  AddBitLine(under, op, "%s: Less = %s", fifth.picture, TrueOrFalse(fifth.value));
+  AddBitLine(under, op, "%s: Greater = %s", sixth.picture, TrueOrFalse(sixth.value));
+  AddBitLine(under, op, "%s: Equal = %s", last.picture, TrueOrFalse(last.value));
 }
 
 // The flags of TCP and of fragments that a mask names, in its last octet.
@@ -75,7 +72,8 @@ void ShowMaskBits(const Place& in, const Field& value, bool isFragment, const Li
   for (int32_t i = isFragment ? 4 : 0; i < 8; ++i) {
     const BitPicture bits = BitsOf(last, i, 1);
     // keys: text CWR, ECE, URG, ACK, PSH, RST, SYN, FIN, Last Fragment, First Fragment, Is a Fragment, Don't Fragment
-    AddBitLine(under, last, "%s: %s = %s", bits.picture, isFragment ? kFragmentNames[i - 4] : kTcpNames[i], TrueOrFalse(bits.value));
+    AddBitLine(under, last, "%s: %s = %s", bits.picture, isFragment ? kFragmentNames[i - 4] : kTcpNames[i],
+        TrueOrFalse(bits.value));
   }
 }
 
@@ -100,7 +98,8 @@ void ShowPairs(const Place& at, Cursor& c, uint32_t type) {
       ShowMaskBits(at, value, type == kFragment, AddLine(at, value, "Bits: 0x%I64X", number));
       AppendToParent(at, value, " %s%s 0x%I64X", joined, how, number);
     } else {
-      ShowOperator(at, op, isMask, AddLine(at, op, "Operator: 0x%02X = %s%s", op.value, joined, ComparisonText(op.value)));
+      ShowOperator(at, op, isMask, AddLine(at, op, "Operator: 0x%02X = %s%s", op.value, joined,
+          ComparisonText(op.value)));
       AddLine(at, value, "Value: %I64u", number);
       AppendToParent(at, value, " %s%s %I64u", joined, ComparisonText(op.value), number);
     }

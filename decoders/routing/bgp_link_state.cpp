@@ -57,7 +57,8 @@ constexpr auto kLanSid = Rows<Bgp>({
 constexpr auto kPrefixSid = Rows<Bgp>({
     Hex(1, "SID Flags"), Number(1, "Algorithm"), Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
 constexpr auto kSid = Rows<Bgp>({Bytes(0, "SID").Note(", %s")});
-constexpr auto kBehavior = Rows<Bgp>({Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "Behavior Flags"), Number(1, "Algorithm")});
+constexpr auto kBehavior = Rows<Bgp>({Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "Behavior Flags"),
+    Number(1, "Algorithm")});
 constexpr auto kSidStructure = Rows<Bgp>({
     Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"), Number(1, "Argument Length")});
 
@@ -114,38 +115,50 @@ void ShowReached(const Place& in, Cursor& c, Bgp& bgp) {
 constexpr auto kFlags2 = Rows<Bgp>({Hex(2, "Flags"), Hex(2, "Reserved")});
 constexpr auto kWeight = Rows<Bgp>({Number(1, nullptr).Note(", %u")});
 constexpr auto kEndX = Rows<Bgp>({
-    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Number(1, "Algorithm"), Number(1, "Weight"), Hex(1, "Reserved")});
+    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Number(1, "Algorithm"), Number(1, "Weight"),
+    Hex(1, "Reserved")});
 constexpr auto kEndXNeighbor = Rows<Bgp>({Bytes(6, "Neighbor System ID")});
 constexpr auto kEndXRouter = Rows<Bgp>({IPv4("Neighbor Router ID")});
 constexpr auto kSid6 = Rows<Bgp>({IPv6("SRv6 SID").Note(", %s")});
-constexpr auto kLocator = Rows<Bgp>({Hex(1, "Locator Flags"), Number(1, "Algorithm"), Hex(2, "Reserved"), Number(4, "Metric").Note(", Metric %u")});
+constexpr auto kLocator = Rows<Bgp>({Hex(1, "Locator Flags"), Number(1, "Algorithm"), Hex(2, "Reserved"),
+    Number(4, "Metric").Note(", Metric %u")});
 constexpr auto kPeer = Rows<Bgp>({
-    Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Number(4, "Peer AS").Note(", AS %u"), IPv4("Peer BGP Identifier").Note(", %s")});
+    Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Number(4, "Peer AS").Note(", AS %u"),
+    IPv4("Peer BGP Identifier").Note(", %s")});
 constexpr auto kRange = Rows<Bgp>({Hex(1, "Range Flags"), Hex(1, "Reserved"), Number(2, "Range Size").Note(", %u")});
 constexpr auto kExtendedTag = Rows<Bgp>({Hex(8, nullptr)});
 constexpr auto kGroupMask = Rows<Bgp>({Hex(4, nullptr)});
 constexpr auto kFlexible = Rows<Bgp>({
-    Number(1, "Flexible Algorithm").Note(", %u"), Number(1, "Metric Type"), Number(1, "Calculation Type"), Number(1, "Priority")});
+    Number(1, "Flexible Algorithm").Note(", %u"), Number(1, "Metric Type"), Number(1, "Calculation Type"),
+    Number(1, "Priority")});
 constexpr auto kFlexibleMetric = Rows<Bgp>({
-    Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Flags"), Hex(2, "Reserved"), Number(4, "Metric").Note(", Metric %u")});
+    Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Flags"), Hex(2, "Reserved"),
+    Number(4, "Metric").Note(", Metric %u")});
 constexpr auto kMember = Rows<Bgp>({Number(4, "Member Link Local Identifier").Note(", %u")});
 constexpr auto kMaskLengths = Rows<Bgp>({
-    Number(1, "Standard Mask Length").Into(&Bgp::count), Number(1, "User Mask Length").Into(&Bgp::code), Hex(2, "Reserved")});
+    Number(1, "Standard Mask Length").Into(&Bgp::count), Number(1, "User Mask Length").Into(&Bgp::code),
+    Hex(2, "Reserved")});
 constexpr auto kMask = Rows<Bgp>({Bytes(0, "Applications")});
 constexpr auto kUserMask = Rows<Bgp>({Bytes(0, "User-Defined Applications")});
 constexpr auto kState = Rows<Bgp>({
-    Number(1, "Priority"), Hex(1, "Reserved"), Hex(2, "State Flags"), Flag(0, "Administratively Shut"), Flag(1, "Active"), Flag(2, "Backup"),
-    Flag(3, "Evaluated"), Flag(4, "Valid"), Flag(5, "On Demand"), Flag(6, "Delegated"), Flag(7, "Provisioned by PCE"), Flag(8, "Eligible"),
-    Flag(9, "Dropping"), Flag(10, "Transit Eligible"), Flag(11, "Dropping upon Invalid"), Number(4, "Preference").Note(", %u")});
+    Number(1, "Priority"), Hex(1, "Reserved"), Hex(2, "State Flags"), Flag(0, "Administratively Shut"),
+    Flag(1, "Active"), Flag(2, "Backup"),
+    Flag(3, "Evaluated"), Flag(4, "Valid"), Flag(5, "On Demand"), Flag(6, "Delegated"), Flag(7, "Provisioned by PCE"),
+    Flag(8, "Eligible"),
+    Flag(9, "Dropping"), Flag(10, "Transit Eligible"), Flag(11, "Dropping upon Invalid"),
+    Number(4, "Preference").Note(", %u")});
 constexpr auto kListHead = Rows<Bgp>({
-    Hex(2, "List Flags"), Hex(2, "Reserved"), Number(2, "Multi-Topology ID"), Number(1, "Algorithm"), Hex(1, "Reserved 2"), Number(4, "Weight").Note(", Weight %u")});
-constexpr auto kSegmentHead = Rows<Bgp>({Number(1, "Segment Type").Note(", Type %u"), Hex(1, "Reserved"), Hex(2, "Segment Flags"), Flag(0, "SID Present").Into(&Bgp::flags)});
+    Hex(2, "List Flags"), Hex(2, "Reserved"), Number(2, "Multi-Topology ID"), Number(1, "Algorithm"),
+    Hex(1, "Reserved 2"), Number(4, "Weight").Note(", Weight %u")});
+constexpr auto kSegmentHead = Rows<Bgp>({Number(1, "Segment Type").Note(", Type %u"), Hex(1, "Reserved"),
+    Hex(2, "Segment Flags"), Flag(0, "SID Present").Into(&Bgp::flags)});
 constexpr auto kSegmentRest = Rows<Bgp>({Bytes(0, "SID and Descriptor").Note(", %s")});
 constexpr auto kPathMetric = Rows<Bgp>({
     Number(1, "Metric Type").Note(", Type %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"), Number(4, "Metric Margin"),
     Number(4, "Metric Bound"), Number(4, "Metric Value").Note(", %u")});
 constexpr auto kCandidate = Rows<Bgp>({
-    Number(1, "Protocol Origin").Note(", Origin %u"), Hex(1, "Candidate Flags"), Flag(0, "Endpoint Is IPv6").Into(&Bgp::flags),
+    Number(1, "Protocol Origin").Note(", Origin %u"), Hex(1, "Candidate Flags"),
+    Flag(0, "Endpoint Is IPv6").Into(&Bgp::flags),
     Flag(1, "Originator Is IPv6").Into(&Bgp::count), Hex(2, "Reserved")});
 constexpr auto kCandidateColor = Rows<Bgp>({Number(4, "Color").Note(", Color %u"), Number(4, "Originator AS")});
 constexpr auto kCandidateId = Rows<Bgp>({Number(4, "Discriminator")});
@@ -176,14 +189,19 @@ void ShowForwarding(const Place& in, Cursor& c, Bgp& bgp) { ShowEither(in, c, bg
 void ShowSourceRouter(const Place& in, Cursor& c, Bgp& bgp) { ShowEither(in, c, bgp, "Source Router Address"); }
 void ShowTunnelAddress(const Place& in, Cursor& c, Bgp& bgp) { ShowEither(in, c, bgp, "Tunnel Address"); }
 constexpr auto kRangeParts = Choices<Bgp>({{1158, "Prefix-SID", kPrefixSid}});
-void ShowRangeParts(const Place& in, Cursor& c, Bgp& bgp) { ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kRangeParts, bgp); }
+void ShowRangeParts(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kRangeParts, bgp);
+}
 void ShowMasks(const Place& in, Cursor& c, Bgp& bgp) { ShowEach<kGroupMask, 4>(in, c, bgp); }
 // Within their element: masks are labelled by what they exclude or include.
 constexpr auto kFlexibleParts = Choices<Bgp>({
-    {1040, "Exclude Any Affinity", kGroupMask}, {1041, "Include Any Affinity", kGroupMask}, {1042, "Include All Affinity", kGroupMask},
+    {1040, "Exclude Any Affinity", kGroupMask}, {1041, "Include Any Affinity", kGroupMask},
+    {1042, "Include All Affinity", kGroupMask},
     {1043, "Flexible Algorithm Definition Flags", kBytes}, {1045, "Exclude Shared Risk Link Group", kGroupMask},
     {1046, "Unsupported", kBytes}});
-void ShowFlexibleParts(const Place& in, Cursor& c, Bgp& bgp) { ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kFlexibleParts, bgp); }
+void ShowFlexibleParts(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kFlexibleParts, bgp);
+}
 void ShowNested(const Place& in, Cursor& c, Bgp& bgp) {
   constexpr int32_t kMostNesting = 4;
   if (bgp.nesting >= kMostNesting) return;
@@ -204,9 +222,11 @@ void ShowBinding(const Place& in, Cursor& c, Bgp& bgp) {
   // keys: number Binding Label, Provisioned Binding Label
   static constexpr auto kLabel = Rows<Bgp>({Number(4, nullptr).Note(", 0x%08X")});
   const bool isSix = Left(c) >= 32;
-  if (isSix || Left(c) >= 4) ShowRows<Bgp>(in, c, isSix ? RowSpan<Bgp>(kIPv6) : RowSpan<Bgp>(kLabel), bgp, isSix ? "Binding SID" : "Binding Label");
+  if (isSix || Left(c) >= 4) ShowRows<Bgp>(in, c, isSix ? RowSpan<Bgp>(kIPv6) : RowSpan<Bgp>(kLabel), bgp,
+      isSix ? "Binding SID" : "Binding Label");
   if (Left(c) >= (isSix ? 16 : 4)) {
-    ShowRows<Bgp>(in, c, isSix ? RowSpan<Bgp>(kIPv6) : RowSpan<Bgp>(kLabel), bgp, isSix ? "Provisioned Binding SID" : "Provisioned Binding Label");
+    ShowRows<Bgp>(in, c, isSix ? RowSpan<Bgp>(kIPv6) : RowSpan<Bgp>(kLabel), bgp,
+        isSix ? "Provisioned Binding SID" : "Provisioned Binding Label");
   }
   ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kSidParts, bgp);
 }
@@ -231,7 +251,8 @@ constexpr auto kDescriptors = Choices<Bgp>({
     {258, "Link Local/Remote Identifiers", kLinkIds}, {259, "IPv4 Interface Address", kIPv4},
     {260, "IPv4 Neighbor Address", kIPv4}, {261, "IPv6 Interface Address", kIPv6}, {262, "IPv6 Neighbor Address", kIPv6},
     {263, "Multi-Topology Identifier", {}, ShowTopologies}, {264, "OSPF Route Type", kOspfRoute},
-    {265, "IP Reachability Information", {}, ShowReached}, {518, "SRv6 SID Information", kIPv6}, {550, "Tunnel ID", kTunnel2}, {551, "LSP ID", kTunnel2},
+    {265, "IP Reachability Information", {}, ShowReached}, {518, "SRv6 SID Information", kIPv6},
+    {550, "Tunnel ID", kTunnel2}, {551, "LSP ID", kTunnel2},
     {552, "Tunnel Head-End Address", {}, ShowTunnelAddress}, {553, "Tunnel Tail-End Address", {}, ShowTunnelAddress},
     {554, "SR Policy Candidate Path", {}, ShowCandidate}});
 
@@ -241,29 +262,39 @@ constexpr auto kAttributes = Choices<Bgp>({
     {1027, "IS-IS Area Identifier", kBytes}, {1028, "IPv4 Router-ID of Local Node", kIPv4},
     {1029, "IPv6 Router-ID of Local Node", kIPv6}, {1030, "IPv4 Router-ID of Remote Node", kIPv4},
     {1031, "IPv6 Router-ID of Remote Node", kIPv6}, {1034, "SR Capabilities", {}, ShowBlocks},
-    {1035, "SR Algorithm", {}, ShowAlgorithms}, {1036, "SR Local Block", {}, ShowBlocks}, {1037, "SRMS Preference", kWeight},
+    {1035, "SR Algorithm", {}, ShowAlgorithms}, {1036, "SR Local Block", {}, ShowBlocks},
+    {1037, "SRMS Preference", kWeight},
     {1038, "SRv6 Capabilities", kFlags2}, {1039, "Flexible Algorithm Definition", kFlexible, ShowFlexibleParts},
-    {1044, "Flexible Algorithm Prefix Metric", kFlexibleMetric}, {1088, "Administrative Group", kHex4}, {1089, "Maximum Link Bandwidth", kFloat},
+    {1044, "Flexible Algorithm Prefix Metric", kFlexibleMetric}, {1088, "Administrative Group", kHex4},
+    {1089, "Maximum Link Bandwidth", kFloat},
     {1090, "Maximum Reservable Link Bandwidth", kFloat}, {1091, "Unreserved Bandwidth", {}, ShowBandwidths},
     {1092, "TE Default Metric", kNumber4}, {1093, "Link Protection Type", kProtection}, {1094, "MPLS Protocol Mask", kLabelling},
     {1095, "IGP Metric", {}, ShowMetric}, {1096, "Shared Risk Link Group", {}, ShowGroups},
     {1097, "Opaque Link Attribute", kBytes}, {1098, "Link Name", kText}, {1099, "Adjacency SID", kAdjacencySid},
     {1100, "LAN Adjacency SID", kLanSid}, {1101, "Peer Node SID", kPeerSid}, {1102, "Peer Adjacency SID", kPeerSid},
-    {1103, "Peer Set SID", kPeerSid}, {1106, "SRv6 End.X SID", kEndX, ShowSid6}, {1107, "IS-IS SRv6 LAN End.X SID", kEndX, ShowNeighborSid6},
+    {1103, "Peer Set SID", kPeerSid}, {1106, "SRv6 End.X SID", kEndX, ShowSid6},
+    {1107, "IS-IS SRv6 LAN End.X SID", kEndX, ShowNeighborSid6},
     {1108, "OSPFv3 SRv6 LAN End.X SID", kEndX, ShowRouterSid6},
     {1114, "Unidirectional Link Delay", kDelay}, {1115, "Min/Max Unidirectional Link Delay", kDelays},
     {1116, "Unidirectional Delay Variation", kVariation}, {1117, "Unidirectional Link Loss", kLoss},
     {1118, "Unidirectional Residual Bandwidth", kFloat}, {1119, "Unidirectional Available Bandwidth", kFloat},
-    {1120, "Unidirectional Utilized Bandwidth", kFloat}, {1122, "Application-Specific Link Attributes", {}, ShowForApplications},
-    {1152, "IGP Flags", kIgpFlags}, {1153, "IGP Route Tag", kHex4}, {1154, "IGP Extended Route Tag", {}, ShowEach<kExtendedTag, 8>},
-    {1155, "Prefix Metric", kNumber4}, {1156, "OSPF Forwarding Address", {}, ShowForwarding}, {1157, "Opaque Prefix Attribute", kBytes},
-    {1158, "Prefix-SID", kPrefixSid}, {1159, "Range", kRange, ShowRangeParts}, {1161, "SID/Label", kSid}, {1162, "SRv6 Locator", kLocator},
+    {1120, "Unidirectional Utilized Bandwidth", kFloat}, {1122, "Application-Specific Link Attributes", {},
+    ShowForApplications},
+    {1152, "IGP Flags", kIgpFlags}, {1153, "IGP Route Tag", kHex4}, {1154, "IGP Extended Route Tag", {},
+    ShowEach<kExtendedTag, 8>},
+    {1155, "Prefix Metric", kNumber4}, {1156, "OSPF Forwarding Address", {}, ShowForwarding},
+    {1157, "Opaque Prefix Attribute", kBytes},
+    {1158, "Prefix-SID", kPrefixSid}, {1159, "Range", kRange, ShowRangeParts}, {1161, "SID/Label", kSid},
+    {1162, "SRv6 Locator", kLocator},
     {1170, "Prefix Attribute Flags", kBytes}, {1171, "Source Router Identifier", {}, ShowSourceRouter},
     {1172, "Layer 2 Bundle Member Attributes", kMember, ShowNested},
-    {1173, "Extended Administrative Group", {}, ShowMasks}, {1174, "Source OSPF Router-ID", kIPv4}, {1201, "SR Binding SID", kFlags2, ShowBinding},
-    {1202, "SR Candidate Path State", kState}, {1203, "SR Candidate Path Name", kText}, {1205, "SR Segment List", kListHead, ShowNested},
+    {1173, "Extended Administrative Group", {}, ShowMasks}, {1174, "Source OSPF Router-ID", kIPv4},
+    {1201, "SR Binding SID", kFlags2, ShowBinding},
+    {1202, "SR Candidate Path State", kState}, {1203, "SR Candidate Path Name", kText},
+    {1205, "SR Segment List", kListHead, ShowNested},
     {1206, "SR Segment", kSegmentHead, ShowSegmentRest}, {1207, "SR Segment List Metric", kPathMetric},
-    {1212, "SRv6 Binding SID", kFlags2, ShowBinding}, {1213, "SR Policy Name", kText}, {1250, "SRv6 Endpoint Behavior", kBehavior},
+    {1212, "SRv6 Binding SID", kFlags2, ShowBinding}, {1213, "SR Policy Name", kText},
+    {1250, "SRv6 Endpoint Behavior", kBehavior},
     {1251, "SRv6 BGP Peer Node SID", kPeer}, {1252, "SRv6 SID Structure", kSidStructure}});
 
 }  // namespace
@@ -279,7 +310,8 @@ void ShowBgpLinkStates(const Place& at, Cursor& c, uint32_t safi, Bgp& bgp) {
     const Field path = TakeBgpPath(c, bgp);
     const uint32_t type = PeekU16(c);
     Cursor state = TakeCursor(c, 4 + static_cast<int64_t>(PeekU16(c, 2)));
-    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(state)), "Link State: %s", LookupName(kRouteNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(state)), "Link State: %s",
+        LookupName(kRouteNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, state, kHead, bgp);
     if (safi == kOfVpn) ShowRouteDistinguisher(in, state);

@@ -20,7 +20,8 @@ inline constexpr auto kBgpCapabilityNames = SortedNames({
     {8, "Multiple Labels"}, {9, "BGP Role"}, {64, "Graceful Restart"}, {65, "4-Octet AS Number"},
     {66, "Dynamic Capability (Deprecated)"}, {67, "Dynamic Capability"}, {68, "Multisession"}, {69, "ADD-PATH"},
     {70, "Enhanced Route Refresh"}, {71, "Long-Lived Graceful Restart"}, {72, "Routing Policy Distribution"}, {73, "FQDN"},
-    {74, "BFD Strict"}, {75, "Software Version"}, {76, "Paths Limit"}, {77, "Link-Local Next Hop"}, {128, "Route Refresh (Prestandard)"},
+    {74, "BFD Strict"}, {75, "Software Version"}, {76, "Paths Limit"}, {77, "Link-Local Next Hop"},
+    {128, "Route Refresh (Prestandard)"},
     {129, "Outbound Route Filtering (Prestandard)"}, {130, "Outbound Route Filtering (Prestandard)"},
     {131, "Multisession (Prestandard)"}, {184, "FQDN (Prestandard)"}, {185, "Operational Message (Prestandard)"}});
 inline constexpr auto kBgpAttributeNames = SortedNames({

@@ -1,4 +1,5 @@
-// Routes of BGP's younger families: service function chains (RFC 9015), colors of intents (RFC 9871), user planes of mobile networks
+// Routes of BGP's younger families: service function chains (RFC 9015), colors of intents (RFC 9871), user planes of
+// mobile networks
 // (draft-ietf-bess-mup-safi), segments of pseudowires (RFC 7267), endpoints of encapsulations (RFC 5512).
 #include "core/elements.h"
 #include "decoders/routing/bgp.h"
@@ -25,7 +26,8 @@ void ShowPrefixWithLength(const Place& in, Cursor& c, uint32_t afi) {
 // --- colors ---
 
 constexpr auto kColorHead = Rows<Bgp>({
-    Number(1, "Length").Into(&Bgp::length), Number(1, "Key Length").Into(&Bgp::count), Number(1, "Route Type", kColorNames).Into(&Bgp::type)});
+    Number(1, "Length").Into(&Bgp::length), Number(1, "Key Length").Into(&Bgp::count),
+    Number(1, "Route Type", kColorNames).Into(&Bgp::type)});
 constexpr auto kColor = Rows<Bgp>({Number(4, "Color").Note(", Color %u")});
 constexpr auto kIndex = Rows<Bgp>({Hex(1, "Reserved"), Hex(2, "Flags"), Number(4, "Label Index").Note(", %u")});
 constexpr auto kSid = Rows<Bgp>({Bytes(0, "SRv6 SID").Note(", %s")});
@@ -33,13 +35,16 @@ void ShowLabels(const Place& in, Cursor& c, Bgp&) {
   Loop loop;
   while (Left(c) >= 3 && MoreAt(in, c, loop)) ShowMplsLabel(in, c, "Label");
 }
-constexpr auto kColorParts = Choices<Bgp>({{1, "Label", {}, ShowLabels}, {2, "Label Index", kIndex}, {3, "SRv6 SID", kSid}});
+constexpr auto kColorParts = Choices<Bgp>({{1, "Label", {}, ShowLabels}, {2, "Label Index", kIndex},
+    {3, "SRv6 SID", kSid}});
 
 // --- mobile user planes ---
 
 constexpr auto kMobileHead = Rows<Bgp>({
-    Number(1, "Architecture Type", kArchitectureNames), Number(2, "Route Type", kMobileNames).Into(&Bgp::type), Number(1, "Length")});
-constexpr auto kSession = Rows<Bgp>({Hex(4, "Tunnel Endpoint ID").Note(", TEID 0x%08X"), Number(1, "QoS Flow Identifier").Note(", QFI %u")});
+    Number(1, "Architecture Type", kArchitectureNames), Number(2, "Route Type", kMobileNames).Into(&Bgp::type),
+    Number(1, "Length")});
+constexpr auto kSession = Rows<Bgp>({Hex(4, "Tunnel Endpoint ID").Note(", TEID 0x%08X"),
+    Number(1, "QoS Flow Identifier").Note(", QFI %u")});
 
 // The endpoint's length counts the identifier behind the address, too, in whole or in its first bits.
 void ShowEndpoint(const Place& in, Cursor& c, uint32_t afi) {
@@ -76,7 +81,8 @@ void ShowBgpServiceChains(const Place& at, Cursor& c, Bgp& bgp) {
   while (Left(c) >= 4 && MoreAt(at, c, loop)) {
     const uint32_t type = PeekU16(c);
     Cursor route = TakeCursor(c, 4 + static_cast<int64_t>(PeekU16(c, 2)));
-    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "Service Chain Route: %s", LookupName(kChainNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "Service Chain Route: %s",
+        LookupName(kChainNames, type)));
     ShowRows<Bgp>(in, route, kHead, bgp);
     ShowRouteDistinguisher(in, route);
     if (type == 1) ShowRows<Bgp>(in, route, kFunction, bgp);
@@ -94,7 +100,8 @@ void ShowBgpColorRoutes(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 1 + static_cast<int64_t>(PeekU8(c)));
     const uint32_t type = PeekU8(route, 2);
-    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "CAR Route: %s", LookupName(kColorNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "CAR Route: %s",
+        LookupName(kColorNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kColorHead, bgp);
     Cursor key = TakeCursor(route, bgp.count.value);
@@ -113,7 +120,8 @@ void ShowBgpMobileRoutes(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 4 + static_cast<int64_t>(PeekU8(c, 3)));
     const uint32_t type = PeekU16(route, 1);
-    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "MUP Route: %s", LookupName(kMobileNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "MUP Route: %s",
+        LookupName(kMobileNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kMobileHead, bgp);
     ShowMobile(in, route, type, afi, bgp);
@@ -123,7 +131,8 @@ void ShowBgpMobileRoutes(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
 }
 
 void ShowBgpPseudowires(const Place& at, Cursor& c, Bgp& bgp) {
-  static constexpr auto kAttachment = Rows<Bgp>({Number(4, "Global ID"), Hex(4, "Prefix").Note(", 0x%08X"), Number(4, "Attachment Circuit").Note(", AC %u")});
+  static constexpr auto kAttachment = Rows<Bgp>({Number(4, "Global ID"), Hex(4, "Prefix").Note(", 0x%08X"),
+      Number(4, "Attachment Circuit").Note(", AC %u")});
   Loop loop;
   while (Left(c) >= 9 && MoreAt(at, c, loop)) {
     Cursor route = TakeCursor(c, 1 + (static_cast<int64_t>(PeekU8(c)) + 7) / 8);
@@ -153,7 +162,8 @@ constexpr auto kWide = Rows<Bgp>({
     Hex(4, "Community").Note(", 0x%08X"), Number(4, "Source AS").Note(", AS %u"), Number(4, "Context AS")});
 constexpr auto kContainerNames = SortedNames({{1, "Wide Community"}});
 constexpr auto kValue = Rows<Bgp>({Bytes(0, "Value")});
-constexpr auto kWideParts = Choices<Bgp>({{1, "Targets", kValue}, {2, "Exclude Targets", kValue}, {3, "Parameters", kValue}});
+constexpr auto kWideParts = Choices<Bgp>({{1, "Targets", kValue}, {2, "Exclude Targets", kValue},
+    {3, "Parameters", kValue}});
 
 constexpr ElementForm kLongForm{.lengthSize = 2};
 constexpr auto kAssociation = Rows<Bgp>({Number(1, "Association Type")});
@@ -169,21 +179,25 @@ void ShowInstances(const Place& in, Cursor& c, Bgp&) {
   while (Left(c) >= 8 && MoreAt(in, c, loop)) ShowRouteDistinguisher(in, c);
 }
 constexpr auto kSwapping = Rows<Bgp>({Number(1, "Swapping Type"), Bytes(0, "Swapping Value")});
-constexpr auto kHopParts = Choices<Bgp>({{3, "Service Function Type", kFunctions, ShowInstances}, {4, "MPLS Swapping/Stacking", kSwapping}});
+constexpr auto kHopParts = Choices<Bgp>({{3, "Service Function Type", kFunctions, ShowInstances},
+    {4, "MPLS Swapping/Stacking", kSwapping}});
 void ShowHop(const Place& in, Cursor& c, Bgp& bgp) { ShowElements<Bgp>(in, c, kLongForm, "Sub-TLV", kHopParts, bgp); }
 constexpr auto kPathParts = Choices<Bgp>({
-    {1, "Association", kAssociation, ShowAssociation}, {2, "Hop", kHop, ShowHop}, {4, "MPLS Swapping/Stacking", kSwapping}});
+    {1, "Association", kAssociation, ShowAssociation}, {2, "Hop", kHop, ShowHop},
+    {4, "MPLS Swapping/Stacking", kSwapping}});
 }  // namespace
 
 void ShowBgpContainers(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kHead = Rows<Bgp>({
-      Number(2, "Container Type", kContainerNames), Hex(1, "Container Flags"), Flag(0, "Transitive"), Flag(1, "Confederation"),
+      Number(2, "Container Type", kContainerNames), Hex(1, "Container Flags"), Flag(0, "Transitive"),
+      Flag(1, "Confederation"),
       Hex(1, "Reserved"), Number(2, "Container Length")});
   Loop loop;
   while (Left(c) >= 6 && MoreAt(at, c, loop)) {
     const uint32_t type = PeekU16(c);
     Cursor container = TakeCursor(c, 6 + static_cast<int64_t>(PeekU16(c, 4)));
-    const Place in = Under(at, AddLine(at, Ahead(container, Left(container)), "Container: %s", LookupName(kContainerNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(container, Left(container)), "Container: %s",
+        LookupName(kContainerNames, type)));
     ShowRows<Bgp>(in, container, kHead, bgp);
     if (type == 1) {
       ShowRows<Bgp>(in, container, kWide, bgp);
@@ -194,7 +208,9 @@ void ShowBgpContainers(const Place& at, Cursor& c, Bgp& bgp) {
   }
 }
 
-void ShowBgpServicePath(const Place& in, Cursor& c, Bgp& bgp) { ShowElements<Bgp>(in, c, kLongForm, "TLV", kPathParts, bgp); }
+void ShowBgpServicePath(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kLongForm, "TLV", kPathParts, bgp);
+}
 
 void ShowBgpHopCharacteristics(const Place& in, Cursor& c, Bgp& bgp) {
   constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};

@@ -10,8 +10,10 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kUnicast = 1, kMulticast = 2, kLabelled = 4, kMulticastVpn = 5, kVpls = 65, kTunnelMdt = 66, kEvpn = 70,
-                   kLinkState = 71, kLinkStateVpn = 72, kPolicy = 73, kTransport = 76, kLinkStatePath = 80, kPseudowires = 6,
-                   kEndpoints = 7, kLanMulticast = 8, kServiceChains = 9, kColors = 83, kMobile = 85, kVpn = 128, kVpnMulticast = 129, kTargets = 132,
+                   kLinkState = 71, kLinkStateVpn = 72, kPolicy = 73, kTransport = 76, kLinkStatePath = 80,
+                       kPseudowires = 6,
+                   kEndpoints = 7, kLanMulticast = 8, kServiceChains = 9, kColors = 83, kMobile = 85, kVpn = 128,
+                       kVpnMulticast = 129, kTargets = 132,
                    kFlow = 133, kFlowVpn = 134;
 constexpr uint32_t kLayer2 = 25;
 constexpr uint32_t kBottom = 1, kWithdrawnLabel = 0x800000;
@@ -168,7 +170,8 @@ void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));
     const uint32_t type = PeekU8(route);
-    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "MVPN Route: %s", LookupName(kMulticastRouteNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "MVPN Route: %s",
+        LookupName(kMulticastRouteNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kHead, bgp);
     if (type == 4 && bgp.nesting < kMostNesting) {

@@ -47,10 +47,12 @@ bool TakeSub(const Place& at, Cursor& c, const char* title, const Names& names, 
 
 // Segments by prefixes and links (RFC 9831), each with a SID behind it where one is meant.
 constexpr auto kFlags4 = Rows<Bgp>({
-    Hex(1, "Segment Flags"), Flag(0, "Verification"), Flag(1, "Algorithm Present"), Flag(2, "SID Present"), Flag(3, "Behavior Present"),
+    Hex(1, "Segment Flags"), Flag(0, "Verification"), Flag(1, "Algorithm Present"), Flag(2, "SID Present"),
+    Flag(3, "Behavior Present"),
     Number(1, "Algorithm")});
 constexpr auto kSegmentBehavior = Rows<Bgp>({
-    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(2, "Reserved"), Number(1, "Locator Block Length"), Number(1, "Locator Node Length"),
+    Hex(2, "Endpoint Behavior", kEndpointNames), Hex(2, "Reserved"), Number(1, "Locator Block Length"),
+    Number(1, "Locator Node Length"),
     Number(1, "Function Length"), Number(1, "Argument Length")});
 constexpr auto kNode4 = Rows<Bgp>({IPv4("Node Address").Note(", %s")});
 constexpr auto kNode6 = Rows<Bgp>({IPv6("Node Address").Note(", %s")});
@@ -58,7 +60,8 @@ constexpr auto kNodeLink4 = Rows<Bgp>({Number(4, "Local Interface ID"), IPv4("No
 constexpr auto kLink4 = Rows<Bgp>({IPv4("Local Address").Note(", %s"), IPv4("Remote Address").Note(", %s")});
 constexpr auto kLink6 = Rows<Bgp>({IPv6("Local Address").Note(", %s"), IPv6("Remote Address").Note(", %s")});
 constexpr auto kInterfaceLink6 = Rows<Bgp>({
-    Number(4, "Local Interface ID"), IPv6("Local Address").Note(", %s"), Number(4, "Remote Interface ID"), IPv6("Remote Address").Note(", %s")});
+    Number(4, "Local Interface ID"), IPv6("Local Address").Note(", %s"), Number(4, "Remote Interface ID"),
+    IPv6("Remote Address").Note(", %s")});
 void ShowSegmentLabel(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kLabel = Rows<Bgp>({
       Word(4), Bits(0, 20, "Label").Note(", %u"), Bits(20, 3, "Traffic Class"), Flag(23, "Bottom"), Bits(24, 8, "TTL")});
@@ -70,9 +73,12 @@ void ShowSegmentSid(const Place& in, Cursor& c, Bgp& bgp) {
   if (Left(c) >= 8) ShowRows<Bgp>(in, c, kSegmentBehavior, bgp);
 }
 constexpr auto kSegments = Choices<Bgp>({
-    {3, "Type C", kNode4, ShowSegmentLabel}, {4, "Type D", kNode6, ShowSegmentLabel}, {5, "Type E", kNodeLink4, ShowSegmentLabel},
-    {6, "Type F", kLink4, ShowSegmentLabel}, {7, "Type G", kInterfaceLink6, ShowSegmentLabel}, {8, "Type H", kLink6, ShowSegmentLabel},
-    {14, "Type I", kNode6, ShowSegmentSid}, {15, "Type J", kInterfaceLink6, ShowSegmentSid}, {16, "Type K", kLink6, ShowSegmentSid}});
+    {3, "Type C", kNode4, ShowSegmentLabel}, {4, "Type D", kNode6, ShowSegmentLabel},
+    {5, "Type E", kNodeLink4, ShowSegmentLabel},
+    {6, "Type F", kLink4, ShowSegmentLabel}, {7, "Type G", kInterfaceLink6, ShowSegmentLabel},
+    {8, "Type H", kLink6, ShowSegmentLabel},
+    {14, "Type I", kNode6, ShowSegmentSid}, {15, "Type J", kInterfaceLink6, ShowSegmentSid},
+    {16, "Type K", kLink6, ShowSegmentSid}});
 
 void ShowSegments(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kReserved = Rows<Bgp>({Hex(1, "Reserved")});
@@ -135,7 +141,8 @@ void ShowBinding(const Place& in, Cursor& c, Bgp& bgp) {
 
 constexpr auto kAuthenticator = Rows<Bgp>({Number(2, "Authenticator Type"), Bytes(0, "Authenticator Value")});
 constexpr auto kBalancing = Rows<Bgp>({Number(2, "Load-Balancing Block").Note(", %u")});
-constexpr auto kServicePath = Rows<Bgp>({Number(3, "Service Path Identifier").Note(", %u"), Number(1, "Service Index").Note(":%u")});
+constexpr auto kServicePath = Rows<Bgp>({Number(3, "Service Path Identifier").Note(", %u"),
+    Number(1, "Service Index").Note(":%u")});
 constexpr auto kProtocol = Rows<Bgp>({Hex(2, "Protocol Type").Note(", 0x%04X")});
 constexpr auto kColor = Rows<Bgp>({Hex(2, "Community Type"), Hex(2, "Color Flags"), Number(4, "Color").Note(", %u")});
 constexpr auto kServices = Rows<Bgp>({Hex(1, "DS Field")});
