@@ -58,7 +58,8 @@ constexpr auto kPriorities = Rows<Ospf>({
     Shown(4, "Unreserved Bandwidth Priority 6", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 7", ShowBandwidth)});
 
 void ShowAll(const Place& in, Cursor& c, RowSpan<Ospf> rows, int32_t size, Ospf& ospf, const char* title) {
-  // keys: address Local Interface IP Address, Remote Interface IP Address
+  // keys: address Local Interface IP Address, Remote Interface IP Address, Local Interface IPv6 Address
+  // keys: address Remote Interface IPv6 Address
   // keys: number Shared Risk Link Group, Extended Administrative Group
   Loop loop;
   while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf, title);
@@ -75,7 +76,6 @@ constexpr auto kConstraint = Rows<Ospf>({Shown(4, "Bandwidth Constraint", ShowBa
 void ShowConstraints(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kConstraint, 4, ospf, nullptr); }
 constexpr auto kNeighborId = Rows<Ospf>({Number(4, "Neighbor Interface ID"), IPv4("Neighbor Router ID").Note(", %s")});
 constexpr auto kAddress6 = Rows<Ospf>({IPv6(nullptr).Note(", %s")});
-// keys: address Local Interface IPv6 Address, Remote Interface IPv6 Address
 void ShowLocalAddresses6(const Place& in, Cursor& c, Ospf& ospf) {
   ShowAll(in, c, kAddress6, 16, ospf, "Local Interface IPv6 Address");
 }
