@@ -201,8 +201,10 @@ void ShowBgpPath(const Place& in, const Field& path) { AddLine(in, path, "Path I
 
 void ShowBgpRoutes(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, const char* what, Bgp& bgp) {
   const bool isInternet = afi == kFamilyIPv4 || afi == kFamilyIPv6;
-  bgp.hasPaths = bgp.known && (bgp.session.sendsPaths[bgp.direction] & bgp.session.receivesPaths[1 - bgp.direction] & BgpFamilyBit(afi, safi));
-  if (isInternet && (safi == kUnicast || safi == kMulticast || safi == kLabelled || safi == kVpn || safi == kVpnMulticast || safi == kTransport)) {
+  const uint32_t paths = bgp.session.sendsPaths[bgp.direction] & bgp.session.receivesPaths[1 - bgp.direction];
+  bgp.hasPaths = bgp.known && (paths & BgpFamilyBit(afi, safi));
+  const bool isOfSystems = safi == kUnicast || safi == kMulticast || safi == kLabelled;
+  if (isInternet && (isOfSystems || safi == kVpn || safi == kVpnMulticast || safi == kTransport)) {
     return ShowPrefixes(in, c, afi, safi, what, bgp);
   }
   switch (safi) {
