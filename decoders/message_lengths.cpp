@@ -20,6 +20,14 @@ int32_t LengthOfBer(const Cursor& c) {
   return Left(c) < 2 + octets ? 0 : PeekBer(c).here ? Checked(PeekBer(c).size) : kNoMessage;
 }
 
+// Messages that are a sequence, a number first: others stand within them, and a segment may begin with one of those.
+int32_t LengthOfNumberedSequence(const Cursor& c) {
+  constexpr uint32_t kInteger = 2;
+  if (PeekU8(c) != kAsnSequence) return kNoMessage;
+  const int32_t length = LengthOfBer(c), header = 2 + (PeekU8(c, 1) < 0x80 ? 0 : static_cast<int32_t>(PeekU8(c, 1) & 0x7F));
+  return length > header && Left(c) > header && PeekU8(c, header) != kInteger ? kNoMessage : length;
+}
+
 }  // namespace
 
 int32_t LengthOfDnsOverTcp(const Cursor& c) {
@@ -42,19 +50,22 @@ int32_t LengthOfNetBiosSession(const Cursor& c) {
   constexpr uint32_t kMessage = 0, kRequest = 0x81, kKeepAlive = 0x85;
   const uint32_t type = PeekU8(c);
   if ((type != kMessage && (type < kRequest || type > kKeepAlive)) || PeekU8(c, 1) > 1) return kNoMessage;
-  return Left(c) < 4 ? 0 : 4 + static_cast<int32_t>(PeekU24(c, 1) & 0x1FFFF);
+  if (Left(c) < 4) return 0;
+  const int32_t length = static_cast<int32_t>(PeekU24(c, 1) & 0x1FFFF);
+  return type == kMessage && length == 0 ? kNoMessage : 4 + length;   // zeros within another message
 }
 
 int32_t LengthOfSmbOverTcp(const Cursor& c) {
   constexpr uint32_t kMessage = 0, kKeepAlive = 0x85, kFirstMarker = 0xFC;
   if (PeekU8(c) != kMessage && PeekU8(c) != kKeepAlive) return kNoMessage;
-  if (Left(c) < 8 && PeekU24(c, 1) > 0) return 0;
+  if (Left(c) < 4 || (Left(c) < 8 && PeekU24(c, 1) > 0)) return 0;
   const bool marked = PeekU8(c, 4) >= kFirstMarker && PeekIs(c, 5, "SMB");
-  return marked || PeekU24(c, 1) == 0 ? 4 + static_cast<int32_t>(PeekU24(c, 1)) : kNoMessage;
+  const bool isEmpty = PeekU8(c) == kKeepAlive && PeekU24(c, 1) == 0;
+  return marked || isEmpty ? 4 + static_cast<int32_t>(PeekU24(c, 1)) : kNoMessage;
 }
 
 int32_t LengthOfLdap(const Cursor& c) {
-  if (PeekU8(c) == kAsnSequence) return LengthOfBer(c);
+  if (PeekU8(c) == kAsnSequence) return LengthOfNumberedSequence(c);
   if (PeekU8(c) != 0) return LengthOfTlsRecord(c);   // behind a StartTLS
   return Left(c) < 4 ? 0 : PeekU32(c) > 0 ? 4 + static_cast<int32_t>(PeekU32(c)) : kNoMessage;   // a SASL buffer
 }
@@ -65,7 +76,7 @@ int32_t LengthOfKerberosOverTcp(const Cursor& c) {
   return PeekU32(c) == 0 || PeekU32(c) > kMost ? kNoMessage : 4 + static_cast<int32_t>(PeekU32(c));
 }
 
-int32_t LengthOfSnmpOverTcp(const Cursor& c) { return PeekU8(c) == kAsnSequence ? LengthOfBer(c) : kNoMessage; }
+int32_t LengthOfSnmpOverTcp(const Cursor& c) { return LengthOfNumberedSequence(c); }
 
 int32_t LengthOfSmux(const Cursor& c) {
   constexpr uint32_t kApplication = 0x40, kContext = 0xA0;

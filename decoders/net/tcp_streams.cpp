@@ -46,8 +46,15 @@ class StreamWork {
   void Open(uint16_t protocol) {
     const auto* known = static_cast<const TcpStream*>(streams_.Recall(&key_, 1, nullptr));
     const int32_t distance = known ? Beyond(segment_.sequence, known->next) : 0;
-    if (known && known->protocol == protocol && distance > -kFarOff && distance < kFarOff) {
+    const bool isNear = known && distance > -kFarOff && distance < kFarOff;
+    if (isNear && known->protocol == protocol) {
       stream_ = *known;
+      return;
+    }
+    if (isNear && known->kept == known->used && !known->skips) {   // gone over to TLS, whose segments may wait behind a gap
+      stream_ = *known;
+      stream_.protocol = protocol;
+      stream_.messageLength = 0;
       return;
     }
     stream_ = TcpStream{};
