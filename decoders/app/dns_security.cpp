@@ -2,6 +2,7 @@
 // (RFC 4255), IPsec (RFC 4025), host identities (RFC 8005), transactions (RFC 2930, RFC 8945).
 #include "core/times.h"
 #include "decoders/app/dns_data.h"
+#include "decoders/common/digits.h"
 
 namespace qxview {
 namespace {
@@ -43,8 +44,8 @@ constexpr auto kErrorNames = SortedNames({
 void ShowPublicKey(const Place& in, Cursor& c, const char* label, DnsData& data) {
   static constexpr auto kShort = Rows<DnsData>({Number(1, "Exponent Length").Into(&DnsData::length)});
   static constexpr auto kLong = Rows<DnsData>({Hex(1, "Long Form"), Number(2, "Exponent Length").Into(&DnsData::length)});
-  static constexpr auto kRsa = Rows<DnsData>({Bytes(0, "Exponent").SizedBy(&DnsData::length), Bytes(0, "Modulus")});
-  static constexpr auto kWhole = Rows<DnsData>({Bytes(0, nullptr)});
+  static constexpr auto kRsa = Rows<DnsData>({Bytes(0, "Exponent").SizedBy(&DnsData::length), Digits("Modulus")});
+  static constexpr auto kWhole = Rows<DnsData>({Digits(nullptr)});
   const uint32_t algorithm = data.code.value;
   const bool isRsa = algorithm == 1 || algorithm == 5 || algorithm == 7 || algorithm == 8 || algorithm == 10;
   if (!isRsa || Left(c) < 3) return ShowRows<DnsData>(in, c, kWhole, data, label);
@@ -63,7 +64,7 @@ void ShowDnsSignature(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kRows = Rows<DnsData>({
       Number(2, "Type Covered", DnsTypeName).Note(", %s"), Number(1, "Algorithm", kAlgorithmNames), Number(1, "Labels"),
       Number(4, "Original TTL", " seconds"), UnixTime(4, "Signature Expiration"), UnixTime(4, "Signature Inception"),
-      Number(2, "Key Tag").Note(", Key %u"), Shown("Signer's Name", ShowDnsName), Bytes(0, "Signature")});
+      Number(2, "Key Tag").Note(", Key %u"), Shown("Signer's Name", ShowDnsName), Digits("Signature")});
   ShowRows<DnsData>(in, c, kRows, data);
 }
 
@@ -105,7 +106,7 @@ void ShowDnsNsec3(const Place& in, Cursor& c, DnsData& data) {
 void ShowDnsCertificate(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kRows = Rows<DnsData>({
       Number(2, "Certificate Type", kCertificateNames).Note(", %s"), Number(2, "Key Tag"),
-      Number(1, "Algorithm", kAlgorithmNames), Bytes(0, "Certificate")});
+      Number(1, "Algorithm", kAlgorithmNames), Digits("Certificate")});
   ShowRows<DnsData>(in, c, kRows, data);
 }
 
@@ -129,7 +130,7 @@ void ShowDnsIpsecKey(const Place& in, Cursor& c, DnsData& data) {
       Number(1, "Algorithm", kIpsecNames)});
   static constexpr auto kFour = Rows<DnsData>({IPv4("Gateway").Note(", %s")});
   static constexpr auto kSix = Rows<DnsData>({IPv6("Gateway").Note(", %s")});
-  static constexpr auto kKey = Rows<DnsData>({Bytes(0, "Public Key")});
+  static constexpr auto kKey = Rows<DnsData>({Digits("Public Key")});
   ShowRows<DnsData>(in, c, kHead, data);
   if (data.code.value == 1) ShowRows<DnsData>(in, c, kFour, data);
   if (data.code.value == 2) ShowRows<DnsData>(in, c, kSix, data);
@@ -141,7 +142,7 @@ void ShowDnsHostIdentity(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kRows = Rows<DnsData>({
       Number(1, "HIT Length").Into(&DnsData::code), Number(1, "Public Key Algorithm", kIpsecNames),
       Number(2, "Public Key Length").Into(&DnsData::length), Bytes(0, "HIT").SizedBy(&DnsData::code),
-      Bytes(0, "Public Key").SizedBy(&DnsData::length)});
+      Digits("Public Key").SizedBy(&DnsData::length)});
   ShowRows<DnsData>(in, c, kRows, data);
   Loop loop;
   while (MoreAt(in, c, loop)) ShowDnsName(in, c, "Rendezvous Server", data);
@@ -150,7 +151,7 @@ void ShowDnsHostIdentity(const Place& in, Cursor& c, DnsData& data) {
 void ShowDnsTransactionKey(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kRows = Rows<DnsData>({
       Shown("Algorithm Name", ShowDnsName), UnixTime(4, "Inception"), UnixTime(4, "Expiration"),
-      Number(2, "Mode", kModeNames).Note(", %s"), Number(2, "Error", kErrorNames), Counted(2, Bytes(0, "Key")),
+      Number(2, "Mode", kModeNames).Note(", %s"), Number(2, "Error", kErrorNames), Counted(2, Digits("Key")),
       Counted(2, Bytes(0, "Other Data"))});
   ShowRows<DnsData>(in, c, kRows, data);
 }
@@ -158,7 +159,7 @@ void ShowDnsTransactionKey(const Place& in, Cursor& c, DnsData& data) {
 void ShowDnsTransactionSignature(const Place& in, Cursor& c, DnsData& data) {
   static constexpr auto kRows = Rows<DnsData>({
       Shown("Algorithm Name", ShowDnsName), Shown(6, "Time Signed", ShowSignedTime), Number(2, "Fudge", " seconds"),
-      Counted(2, Bytes(0, "MAC")), Hex(2, "Original ID"), Number(2, "Error", kErrorNames).Note(", %s"),
+      Counted(2, Digits("MAC")), Hex(2, "Original ID"), Number(2, "Error", kErrorNames).Note(", %s"),
       Counted(2, Bytes(0, "Other Data"))});
   ShowRows<DnsData>(in, c, kRows, data);
 }

@@ -23,7 +23,7 @@ int32_t DecodeDcaMulticast(const Place& at, Cursor c) {
 
 int32_t DecodeFoundry(const Place& at, Cursor c) { return AddRawRest(at, c, "Foundry Proprietary Data"); }
 
-// The body has no public text beyond the head that its maker's own parser names.
+// No public text tells the body. Of its head the fields are those that analyzers agree on; the block below shows every byte.
 int32_t DecodeLoadBalancingHeartbeat(const Place& at, Cursor c) {
   static constexpr auto kHead = LittleRows<NoValues>({
       Hex(4, "Signature"), Hex(4, "Version"), Number(4, "Unique Host ID"), IPv4("Cluster IP Address"),

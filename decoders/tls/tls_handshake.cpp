@@ -133,10 +133,6 @@ bool ShowMessage(const Place& in, Cursor& c, TlsHandshake& handshake) {
 
 }  // namespace
 
-void ShowDigits(const Place& in, const Field& field, const char* label) {
-  if (field.length > 0) AddLine(in, field, "%s: %s", label, HexDigits(field));
-}
-
 Cursor TakeTlsList(const Place& in, Cursor& c, int32_t countSize, const char* title, Place* under) {
   const Field length = TakeSize(c, countSize);
   AddLine(in, length, "%s Length: %u", title, length.value);

@@ -1,6 +1,7 @@
 // The messages of a handshake: what their files share.
 #pragma once
 #include "core/elements.h"
+#include "decoders/common/digits.h"
 #include "decoders/tls/tls.h"
 #include "decoders/tls/tls_names.h"
 
@@ -39,10 +40,6 @@ void ShowTlsCertificates(const Place& in, Cursor& c, TlsMessage& message);
 void ShowCertificateStatus(const Place& in, Cursor& c, TlsMessage& message);
 void ShowCertificateRequest(const Place& in, Cursor& c, TlsMessage& message);
 void ShowTimestampList(const Place& in, Cursor& c);   // of certificate transparency (RFC 6962 3.3)
-
-// Octets that nothing explains, in one line however many they are: keys, tickets, signatures, what is encrypted.
-void ShowDigits(const Place& in, const Field& field, const char* label);
-consteval RowData Digits(const char* label) { return Shown(0, label, ShowDigits); }
 
 inline Field TakeSize(Cursor& c, int32_t size) { return size == 1 ? TakeU8(c) : size == 2 ? TakeU16(c) : TakeU24(c); }
 
