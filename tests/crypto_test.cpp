@@ -6,7 +6,7 @@
 
 #include "core/engine.h"
 #include "core/lines.h"
-#include "support/decoding.h"
+#include "tests/support/cases.h"
 
 namespace qxview::testing {
 namespace {
@@ -47,7 +47,7 @@ TEST(Crypto, OwnDigestsNeedNoLibrary) {
 class WithLibrary : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (HashText(test_.view(), HashKind::kSha1, "").empty()) GTEST_SKIP() << "no libcrypto here";
+    if (!HasLibcrypto()) GTEST_SKIP() << "no libcrypto here";
   }
   Bytes Mask(Cipher cipher, const Bytes& key, const std::string& sample) {
     Bytes out(16);

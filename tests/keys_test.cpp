@@ -96,6 +96,7 @@ TEST(KeyAliases, LeadToKeys) {
 // The rows that no case and no sample shows are counted for each protocol: tests/rows_without_a_case.txt holds the most
 // that there may be, none where it names nothing. Whoever adds cases lowers the number there.
 TEST(FieldKeys, OfRowsAreShownByCasesOrSamples) {
+  if (!HasLibcrypto()) GTEST_SKIP() << "no libcrypto here, which opens some samples";
   std::ifstream file(std::string(QXVIEW_CASES_DIR) + "/../rows_without_a_case.txt");
   std::map<std::string, int32_t> most, without;
   for (std::string line; std::getline(file, line);) {

@@ -4,13 +4,14 @@
 
 #include <fstream>
 
+#include "core/crypto.h"
 #include "core/frame_entry.h"
 #include "core/tls_secrets.h"
 #include "decoders/states.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
 #include "host/key_log.h"
-#include "core/crypto.h"
+#include "tests/support/cases.h"
 #include "tests/support/transport.h"
 
 namespace qxview {
@@ -100,9 +101,7 @@ Recorded ReadRecorded(const char* sample) {
 class TlsOpening : public ::testing::Test {
  protected:
   void SetUp() override {
-    uint8_t digest[kMostHash];
-    TestView test;
-    if (!HashOf(&test.view(), HashKind::kSha1, {}, digest)) GTEST_SKIP() << "no libcrypto here";
+    if (!HasLibcrypto()) GTEST_SKIP() << "no libcrypto here";
     recorded_ = ReadRecorded(QXVIEW_SAMPLES_DIR "/tls_keys.pcapng");
   }
   // All lines, with the secrets and the records as they are given.

@@ -75,7 +75,7 @@ void ShowTlsProtected(const Place& in, TlsSession& session, const TlsRecord& rec
   const TlsOpening opening = OpenTlsRecord(in.view, session, record, inside, opener, room.data, &opened);
   if (const char* reason = ReasonOf(opening)) {
     // keys: text Decryption
-    AddLine(in, encrypted, "Decryption: %s", reason);
+    AddLine(in, encrypted, "Decryption: %s", in.view->engine->cryptoMissing ? "needs OpenSSL's libcrypto" : reason);
   } else {
     ShowOpened(in, session, record, opener, opened);
   }

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "core/crypto.h"
+
 namespace qxview::testing {
 namespace {
 
@@ -130,6 +132,12 @@ const DecoderRow* RowNamed(const std::string& name) {
     }
   }
   return nullptr;
+}
+
+bool HasLibcrypto() {
+  uint8_t digest[kMostHash];
+  TestView test;
+  return HashOf(&test.view(), HashKind::kSha1, {}, digest);
 }
 
 }  // namespace qxview::testing

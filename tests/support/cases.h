@@ -47,6 +47,9 @@ struct PayloadRun {
 };
 PayloadRun RunPayload(View& view, const Payload& payload);
 
+// Whether libcrypto is here: without it, as under Wine, what is encrypted stays closed.
+bool HasLibcrypto();
+
 // A row by its table's and its own name, "application DNS"; null for none.
 const DecoderRow* RowNamed(const std::string& name);
 
