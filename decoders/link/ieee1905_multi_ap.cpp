@@ -1,4 +1,4 @@
-// The elements of IEEE 1905.1 that the Wi-Fi Alliance added (Multi-AP specification): how a controller steers access points
+// The elements of IEEE 1905.1 that the Wi-Fi Alliance added (Multi-AP): how a controller steers access points
 // and the stations at them.
 #include "decoders/link/ieee1905.h"
 

@@ -1,4 +1,4 @@
-// Flow specifications of BGP (RFC 8955; IPv6: RFC 8956; of bridges: draft-ietf-idr-flowspec-l2vpn): which packets a
+// Flow rules of BGP (RFC 8955; IPv6: RFC 8956; of bridges: draft-ietf-idr-flowspec-l2vpn): which packets a
 // rule is for,
 // in components of prefixes, addresses, numbers compared and bits masked.
 #include "core/elements.h"

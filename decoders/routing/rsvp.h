@@ -15,6 +15,6 @@ void ShowRsvpExplicitRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpRecordedRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpPolicies(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpExcludedRoute(const Place& in, Cursor& c, Rsvp& rsvp);
-void ShowRsvpFlow(const Place& in, Cursor& c, Rsvp& rsvp);   // integrated services: specifications of flows
+void ShowRsvpFlow(const Place& in, Cursor& c, Rsvp& rsvp);   // integrated services: what flows ask for
 
 }  // namespace qxview

@@ -1,4 +1,4 @@
-// Specifications of flows for integrated services, as RSVP carries them (RFC 2210, RFC 2211, RFC 2212, RFC 2215, RFC
+// What flows of integrated services ask for, as RSVP carries them (RFC 2210, RFC 2211, RFC 2212, RFC 2215, RFC
 // 2997).
 //
 //   version (4 bits), reserved, length in words (2)   services: number (1)   flags (1)   length in words (2)

@@ -1,5 +1,5 @@
 #!/bin/bash
-# bgp_families.pcap: what routers seldom say by BGP: flow specifications of IPv4, IPv6, VPNs and bridges, virtual LANs, every kind of
+# bgp_families.pcap: what routers seldom say by BGP: flow rules of IPv4, IPv6, VPNs and bridges, virtual LANs, every kind of
 # route of an Ethernet VPN, labels, segments of prefixes, routes with every attribute, several paths.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
