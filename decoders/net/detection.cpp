@@ -32,6 +32,8 @@ bool MsrpcIsOn(const Offered& offered) { return offered.settings.detection.flags
 bool FixIsOn(const Offered& offered) { return offered.settings.detection.flags & kFixDetection; }
 bool GiopIsOn(const Offered& offered) { return offered.settings.detection.flags2 & kGiopDetection; }
 bool TdsIsOn(const Offered& offered) { return !offered.settings.detection.tdsOff; }
+// A message of HTTP says where it ends, so that the next one is found: where messages are joined, any port may have it.
+bool MessagesAreJoined(const Offered& offered) { return offered.settings.reassembly; }
 bool IsExternalPort(const Offered& offered) {
   const uint16_t port = offered.settings.externalDecoderPort;
   return port != 0 && (offered.sourcePort == port || offered.destinationPort == port);
@@ -57,6 +59,7 @@ constexpr DetectionRow kOverTcp[] = {
     {LooksLikeFcip, Always, 0x1010070},
     {LooksLikeBitTorrent, Always, 0x101007E},
     {StartsTlsHello, Always, 0x101001E},
+    {LooksLikeHttp, MessagesAreJoined, 0x1010004},
 };
 
 // The decoder behind the identifier, or, where it has none or declines, a block under the protocol's display name.
