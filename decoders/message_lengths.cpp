@@ -20,13 +20,19 @@ int32_t LengthOfBer(const Cursor& c) {
   return Left(c) < 2 + octets ? 0 : PeekBer(c).here ? Checked(PeekBer(c).size) : kNoMessage;
 }
 
-// Messages that are a sequence, a number first: others stand within them, and a segment may begin with one of those.
-int32_t LengthOfNumberedSequence(const Cursor& c) {
+// Messages that are a sequence, a number first and then what `goesOn` knows: others stand within them, and a segment may
+// begin with one of those.
+int32_t LengthOfNumberedSequence(const Cursor& c, bool (*goesOn)(uint32_t tag)) {
   constexpr uint32_t kInteger = 2;
   if (PeekU8(c) != kAsnSequence) return kNoMessage;
   const int32_t length = LengthOfBer(c), header = 2 + (PeekU8(c, 1) < 0x80 ? 0 : static_cast<int32_t>(PeekU8(c, 1) & 0x7F));
-  return length > header && Left(c) > header && PeekU8(c, header) != kInteger ? kNoMessage : length;
+  if (length <= header || Left(c) < header + 2) return length;
+  const int32_t next = header + 2 + static_cast<int32_t>(PeekU8(c, header + 1));
+  const bool is = PeekU8(c, header) == kInteger && (next >= length || Left(c) <= next || goesOn(PeekU8(c, next)));
+  return is ? length : kNoMessage;
 }
+bool IsOperation(uint32_t tag) { return (tag & 0xC0) == 0x40; }                    // of LDAP: the application's class
+bool IsCommunity(uint32_t tag) { return tag == 0x04 || tag == kAsnSequence; }      // or version 3's header
 
 }  // namespace
 
@@ -65,7 +71,7 @@ int32_t LengthOfSmbOverTcp(const Cursor& c) {
 }
 
 int32_t LengthOfLdap(const Cursor& c) {
-  if (PeekU8(c) == kAsnSequence) return LengthOfNumberedSequence(c);
+  if (PeekU8(c) == kAsnSequence) return LengthOfNumberedSequence(c, IsOperation);
   if (PeekU8(c) != 0) return LengthOfTlsRecord(c);   // behind a StartTLS
   return Left(c) < 4 ? 0 : PeekU32(c) > 0 ? 4 + static_cast<int32_t>(PeekU32(c)) : kNoMessage;   // a SASL buffer
 }
@@ -76,7 +82,7 @@ int32_t LengthOfKerberosOverTcp(const Cursor& c) {
   return PeekU32(c) == 0 || PeekU32(c) > kMost ? kNoMessage : 4 + static_cast<int32_t>(PeekU32(c));
 }
 
-int32_t LengthOfSnmpOverTcp(const Cursor& c) { return LengthOfNumberedSequence(c); }
+int32_t LengthOfSnmpOverTcp(const Cursor& c) { return LengthOfNumberedSequence(c, IsCommunity); }
 
 int32_t LengthOfSmux(const Cursor& c) {
   constexpr uint32_t kApplication = 0x40, kContext = 0xA0;
