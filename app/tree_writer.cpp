@@ -59,6 +59,19 @@ bool IsDumpRow(Session& session, LineHandle line) {
          std::memcmp(tree.TextOf(line) + 4, "  ", 2) == 0 && std::memcmp(tree.TextOf(line) + 55, "   ", 3) == 0;
 }
 
+// Where the first character from `at` on stands that is not printable ASCII. Most lines have none: eight are looked at at once.
+size_t EndOfPlain(std::string_view text, size_t at) {
+  constexpr uint64_t kOnes = 0x0101010101010101, kTop = 0x80 * kOnes;
+  for (; at + 8 <= text.size(); at += 8) {
+    uint64_t c;
+    std::memcpy(&c, text.data() + at, 8);
+    const bool isAny = (c | (c + kOnes)) & kTop;                 // from 7F on
+    if (isAny || ((c + 0x60 * kOnes) & kTop) != kTop) break;     // below 20
+  }
+  while (at < text.size() && text[at] >= 0x20 && text[at] < 0x7F) ++at;
+  return at;
+}
+
 // Terminals give the soft hyphen no cell, one, or a line break.
 void PutDumpRow(Output& out, std::string_view text) {
   constexpr uint8_t kSoftHyphen = 0xAD;
@@ -100,9 +113,8 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
 
 void PutSafeText(Output& out, std::string_view text) {
   size_t plain = 0;
-  for (size_t i = 0; i < text.size(); ++i) {
+  for (size_t i = 0; (i = EndOfPlain(text, i)) < text.size(); ++i) {
     const uint8_t c = static_cast<uint8_t>(text[i]);
-    if (c >= 0x20 && c < 0x7F) continue;
     out.Put(text.substr(plain, i - plain));
     plain = i + 1;
     char scratch[8];

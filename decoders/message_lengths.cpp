@@ -26,7 +26,8 @@ int32_t LengthOfNumberedSequence(const Cursor& c, bool (*goesOn)(uint32_t tag)) 
   constexpr uint32_t kInteger = 2;
   if (PeekU8(c) != kAsnSequence) return kNoMessage;
   const int32_t length = LengthOfBer(c), header = 2 + (PeekU8(c, 1) < 0x80 ? 0 : static_cast<int32_t>(PeekU8(c, 1) & 0x7F));
-  if (length <= header || Left(c) < header + 2) return length;
+  if (length > 0 && length <= header) return kNoMessage;   // empty
+  if (length <= 0 || Left(c) < header + 2) return length;
   const int32_t next = header + 2 + static_cast<int32_t>(PeekU8(c, header + 1));
   const bool is = PeekU8(c, header) == kInteger && (next >= length || Left(c) <= next || goesOn(PeekU8(c, next)));
   return is ? length : kNoMessage;

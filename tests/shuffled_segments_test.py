@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """With Reassembly the samples' messages are the same however their segments come: cut anywhere, in another order, repeated,
-overlapping. QXVIEW names another build of the program (that of the sanitizers). SEEDS says how many shuffles each gets."""
+overlapping; whole ones may overtake others. QXVIEW names another build of the program (that of the sanitizers). SEEDS says how many shuffles each gets."""
 import json
 import os
 import random
@@ -126,7 +126,7 @@ class ShuffledSegments(unittest.TestCase):
                 for number, (a, b) in enumerate(zip(wanted, decode(others, ports))):
                     if sample == "smb" and not any(text.startswith("CIFS") for text in a):
                         continue   # one of the sample's that are no messages: shown segment by segment
-                    self.assertEqual(a, b, f"{sample}, seed {seed}, run {number}")
+                    self.assertEqual(sorted(a), sorted(b), f"{sample}, seed {seed}, run {number}")
 
 
 if __name__ == "__main__":
