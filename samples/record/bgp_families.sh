@@ -59,8 +59,8 @@ go evpn multicast 10.255.0.1 etag 10 rd 65001:6 rt 65001:6 encap vxlan pmsi ingr
 go evpn esi 10.255.0.1 esi ROUTERID 10.255.0.1 5 rd 65001:6 rt 65001:6
 go evpn prefix 10.6.2.0/24 gw 192.0.2.1 etag 10 label 62 rd 65001:6 rt 65001:6 encap vxlan router-mac 02:00:00:00:00:01
 go evpn prefix 2001:db8:6::/48 etag 10 label 63 rd 65001:6 rt 65001:6
-go l2vpn-flowspec rd 65001:7 match destination-mac 02:00:00:00:00:05 ether-type arp vid '>=10&<=20' cos '=3' inner-vid '=5' then rate-limit 1000 rt 65001:7
-go ipv6-flowspec match destination 2001:db8:5::/48 protocol tcp tcp-flags '=S' fragment first-fragment then redirect 65001:5
+go l2vpn-flowspec rd 65001:7 match destination-mac 02:00:00:00:00:05 ether-type arp vid '>=10&<=20' cos '=3' inner-vid '=5' "then" rate-limit 1000 rt 65001:7
+go ipv6-flowspec match destination 2001:db8:5::/48 protocol tcp tcp-flags '=S' fragment first-fragment "then" redirect 65001:5
 start_on "$right" env exabgp.daemon.user=root exabgp.api.cli=false exabgp "$work/right.conf"
 sleep 9
 on "$left" gobgp global rib del -a evpn multicast 10.255.0.1 etag 10 rd 65001:6 >>"$work/log" || true

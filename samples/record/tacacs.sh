@@ -12,6 +12,7 @@ record cable port 49
 
 # Secret, password and type of a login.
 ask() {
+  # shellcheck disable=SC2016   # Perl's own variables
   on "$left" timeout 5 perl -MAuthen::TacacsPlus -e '
     my ($secret, $password, $type) = @ARGV;
     my $client = Authen::TacacsPlus->new(Host => "192.0.2.2", Port => 49, Key => $secret, Timeout => 3) or exit;
