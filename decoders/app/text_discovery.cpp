@@ -1,5 +1,6 @@
 // Discovery by structured texts in datagrams: Dropbox's search for peers on the LAN (a JSON object), and Web Services
 // Dynamic Discovery (OASIS WS-Discovery 1.1: SOAP 1.2 envelopes over UDP).
+#include "decoders/common/digits.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/xml_lines.h"
@@ -37,8 +38,15 @@ Field ActionOf(Cursor c) {
 }  // namespace
 
 int32_t DecodeLanSyncDiscovery(const Place& at, Cursor c) {
-  if (!StartsJson(c)) return 0;
+  // Other programs that use the port put octets of their own in front of the object.
+  constexpr int32_t kMostInFront = 64;
+  Cursor object = c;
+  const int32_t inFront = StartsJson(c) ? 0 : FindU8(c, '{');
+  if (inFront < 0 || inFront > kMostInFront) return 0;
+  TakeBytes(object, inFront);
+  if (!StartsJson(object)) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Dropbox LAN Sync Discovery"));
+  if (inFront > 0) ShowDigits(in, TakeBytes(c, inFront), "In Front");
   ShowJson(in, c);
   AddBlock(in, Rest(c), "Data");
   return 1;

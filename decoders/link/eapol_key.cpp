@@ -2,6 +2,7 @@
 // with
 // the elements that their key data hold where these are not encrypted.
 #include "core/elements.h"
+#include "decoders/common/digits.h"
 #include "decoders/link/eapol.h"
 
 namespace qxview {
@@ -184,7 +185,7 @@ void ShowEapolKey(const Place& in, Cursor& c) {
   Cursor data = TakeCursor(c, key.dataLength.value);
   if (Left(data) < 1) return;
   if (key.info.value & kEncryptedData) {
-    AddBlock(in, Rest(data), "Encrypted Key Data");
+    ShowDigits(in, Rest(data), "Encrypted Key Data");
   } else {
     ShowKeyData(in, data, key);
   }

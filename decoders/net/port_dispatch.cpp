@@ -183,10 +183,12 @@ const DecoderRow* OtherPortsRow(const Place& at, const DecoderRow* row, uint8_t 
 }
 
 // A decoder that sees at once that the bytes are none of its protocol's gives way to the one of the other port, and that
-// to detection. Those whose ports are theirs alone show what they do not know as a block of theirs.
+// to detection. Those whose ports are theirs alone show what they do not know as a block of theirs; SIP's is borrowed by what
+// wants to pass firewalls.
 bool GivesWay(const DecoderRow* row) {
-  constexpr uint32_t kFirst = 0xA0, kLast = 0xCF, kFirstOfMore = 0x200;
-  return row && row->decode != DeclineData && (row->key >= kFirstOfMore || (row->key >= kFirst && row->key <= kLast));
+  constexpr uint32_t kFirst = 0xA0, kLast = 0xCF, kFirstOfMore = 0x200, kSip = 0x64;
+  return row && row->decode != DeclineData &&
+         (row->key >= kFirstOfMore || (row->key >= kFirst && row->key <= kLast) || row->key == kSip);
 }
 
 bool TryOther(const Place& at, const Cursor& c, const DecoderRow* row, uint8_t ipProtocol) {
