@@ -4,6 +4,7 @@
 
 #include "core/elements.h"
 #include "core/times.h"
+#include "decoders/common/digits.h"
 
 namespace qxview {
 namespace {
@@ -104,10 +105,8 @@ void ShowAutokey(const Place& in, Cursor& c, Ntp& ntp) {
   ShowRows<Ntp>(in, c, kAutokeyMessage, ntp);
 }
 void ShowPadded(const Place& in, Cursor& c, uint32_t length, const char* label) {
-  constexpr auto kPart = Rows<NoValues>({Bytes(0, nullptr)});
-  NoValues none;
   Cursor part = TakeCursor(c, length);
-  ShowRows<NoValues>(in, part, kPart, none, label);
+  ShowDigits(in, Rest(part), label);
   const Field padding = TakeBytes(c, (4 - length % 4) % 4);
   if (padding.length > 0) AddLine(in, padding, "Padding: %s", HexText(padding));
 }
