@@ -120,22 +120,9 @@ constexpr auto kLayer2Interface = Rows<Home>({Mac("Local Interface"), Number(2, 
 constexpr auto kLayer2Neighbour = Rows<Home>({Mac("Neighbour MAC Address"), Number(2, "Devices Behind").Into(&Home::size)});
 constexpr auto kBehind = Rows<Home>({Mac("Device Behind")});
 
-// As many as a number says, each counted with another number of lists within.
-void ShowCounted(const Place& in, Cursor& c, uint32_t count, RowSpan<Home> rows, Home& home) {
-  Loop loop;
-  for (uint32_t i = 0; i < count && MoreAt(in, c, loop); ++i) ShowRows<Home>(in, c, rows, home);
-}
 void ShowAll(const Place& in, Cursor& c, RowSpan<Home> rows, Home& home) {
   Loop loop;
   while (MoreAt(in, c, loop)) ShowRows<Home>(in, c, rows, home);
-}
-void ShowNested(const Place& in, Cursor& c, RowSpan<Home> outer, RowSpan<Home> inner, Home& home) {
-  const uint32_t count = home.count.value;
-  Loop loop;
-  for (uint32_t i = 0; i < count && MoreAt(in, c, loop); ++i) {
-    ShowRows<Home>(in, c, outer, home);
-    ShowCounted(in, c, home.inner.value, inner, home);
-  }
 }
 
 void ShowInterfaces(const Place& in, Cursor& c, Home& home) { ShowCounted(in, c, home.count.value, kInterface, home); }

@@ -106,18 +106,6 @@ constexpr auto kTime = Rows<Home>({Counted(1, Text(0, "Time Stamp"))});
 constexpr auto kReason = Rows<Home>({Number(2, "Reason Code")});
 constexpr auto kStatus = Rows<Home>({Number(2, "Status Code")});
 
-void ShowCounted(const Place& in, Cursor& c, uint32_t count, RowSpan<Home> rows, Home& home) {
-  Loop loop;
-  for (uint32_t i = 0; i < count && MoreAt(in, c, loop); ++i) ShowRows<Home>(in, c, rows, home);
-}
-void ShowNested(const Place& in, Cursor& c, RowSpan<Home> outer, RowSpan<Home> inner, Home& home) {
-  const uint32_t count = home.count.value;
-  Loop loop;
-  for (uint32_t i = 0; i < count && MoreAt(in, c, loop); ++i) {
-    ShowRows<Home>(in, c, outer, home);
-    ShowCounted(in, c, home.inner.value, inner, home);
-  }
-}
 void ShowServices(const Place& in, Cursor& c, Home& home) { ShowCounted(in, c, home.count.value, kService, home); }
 void ShowSets(const Place& in, Cursor& c, Home& home) { ShowNested(in, c, kRadioSets, kBss, home); }
 void ShowClients(const Place& in, Cursor& c, Home& home) { ShowNested(in, c, kClientSet, kClient, home); }

@@ -98,6 +98,10 @@ void ShowCertificateRequest(const Place& in, Cursor& c, TlsMessage& message) {
   const bool hasSchemes = version == kTls12 || version == kDtls12 ||
                           (version == 0 && PeekU16(c) + 2 != static_cast<uint32_t>(Left(c)));
   if (hasSchemes) ShowTlsList<TlsMessage>(in, c, 2, "Signature Algorithms", kScheme, message);
+  ShowTlsAuthorities(in, c, message);
+}
+
+void ShowTlsAuthorities(const Place& in, Cursor& c, TlsMessage&) {
   Place under;
   Cursor list = TakeTlsList(in, c, 2, "Distinguished Names", &under);
   Loop loop;

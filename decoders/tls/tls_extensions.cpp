@@ -227,18 +227,6 @@ void ShowStatusRequests(const Place& in, Cursor& c, TlsMessage& message) {
   }
 }
 
-// Distinguished names, each behind its length (RFC 8446 4.2.4, RFC 5246 7.4.4).
-void ShowAuthorities(const Place& in, Cursor& c, TlsMessage&) {
-  Place under;
-  Cursor list = TakeTlsList(in, c, 2, "Distinguished Names", &under);
-  Loop loop;
-  while (MoreAt(under, list, loop)) {
-    const Field length = TakeU16(list);
-    AddLine(under, length, "Distinguished Name Length: %u", length.value);
-    Cursor name = TakeCursor(list, length.value);
-    ShowX509Name(under, name, "Distinguished Name");
-  }
-}
 void ShowTrustedAuthorities(const Place& in, Cursor& c, TlsMessage& message) {
   constexpr uint32_t kPreAgreed = 0, kName = 2;
   if (!IsOffer(message)) return;
@@ -315,7 +303,7 @@ constexpr auto kExtensions = Choices<TlsMessage>({
     {29, nullptr, {}, ShowPasswordName}, {30, nullptr, {}, ShowPasswordName}, {31, nullptr, kSalt},
     {34, nullptr, {}, ShowDelegatedCredential}, {35, nullptr, {}, ShowTicket}, {41, nullptr, {}, ShowPreSharedKey},
     {42, nullptr, {}, AgreeOnEarlyData}, {43, nullptr, {}, ShowVersions}, {44, nullptr, kCookie},
-    {45, nullptr, {}, ShowModes}, {47, nullptr, {}, ShowAuthorities}, {48, nullptr, {}, ShowOidFilters},
+    {45, nullptr, {}, ShowModes}, {47, nullptr, {}, ShowTlsAuthorities}, {48, nullptr, {}, ShowOidFilters},
     {50, nullptr, {}, ShowSchemes}, {51, nullptr, {}, ShowKeyShare}, {53, nullptr, kConnectionId},
     {54, nullptr, {}, AgreeOnConnectionId}, {55, nullptr, kIdHash}, {56, nullptr, kExternalSession},
     {57, nullptr, {}, ShowQuicParameters}, {58, nullptr, {}, ShowTicketRequest}, {59, nullptr, {}, ShowDnsChain},

@@ -39,6 +39,8 @@ void ShowTlsSignature(const Place& in, Cursor& c, TlsMessage& message);    // wi
 void ShowTlsCertificates(const Place& in, Cursor& c, TlsMessage& message);
 void ShowCertificateStatus(const Place& in, Cursor& c, TlsMessage& message);
 void ShowCertificateRequest(const Place& in, Cursor& c, TlsMessage& message);
+// Distinguished names, each behind its length (RFC 8446 4.2.4, RFC 5246 7.4.4).
+void ShowTlsAuthorities(const Place& in, Cursor& c, TlsMessage& message);
 void ShowTimestampList(const Place& in, Cursor& c);   // of certificate transparency (RFC 6962 3.3)
 
 inline Field TakeSize(Cursor& c, int32_t size) { return size == 1 ? TakeU8(c) : size == 2 ? TakeU16(c) : TakeU24(c); }
