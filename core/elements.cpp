@@ -74,6 +74,24 @@ Place AddElementHead(const Place& in, const Element& element, const ElementForm&
   return under;
 }
 
+void AddElementValue(const Place& in, Cursor& value) {
+  constexpr int32_t kBytesOfLine = 160;   // a line holds so many
+  Loop loop;
+  while (Left(value) && MoreAt(in, value, loop)) {
+    const Field part = TakeBytes(value, Left(value) < kBytesOfLine ? Left(value) : kBytesOfLine);
+    AddLine(in, part, "Value: %s", HexText(part));
+  }
+}
+
+void AddLostElement(const Place& in, Cursor& c, Element& element, const ElementForm& form, const char* title,
+                    const char* name) {
+  if (!element.type.here || (!element.length.here && form.lengthSize)) return;
+  element.whole = Ahead(c, Left(c));
+  TakeCursor(c, form.typeSize + (form.typeBits ? 0 : form.lengthSize));
+  const Place under = AddElementHead(in, element, form, title, name);
+  AddElementValue(under, c);
+}
+
 void AddElementTail(const Place& in, const Element& element, const ElementForm&) {
   if (element.padding.here && element.padding.length > 0) {
     AddLine(in, element.padding, "Padding: %s", HexText(element.padding));

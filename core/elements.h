@@ -20,6 +20,7 @@ struct ElementForm {
   bool lengthCountsHeader = false;
   bool lengthFirst = false;
   bool little = false;
+  bool valueLines = false;                // what nothing explains is lines "Value: 00 01", not a block
   uint32_t typeMask = 0xFFFFFFFF;         // of the type's word: what selects
   int32_t padType = -1;                   // an element of one byte without length
   int32_t endType = -1;                   // the same; it ends the list
@@ -106,6 +107,11 @@ namespace detail {
 Place AddElementHead(const Place& in, const Element& element, const ElementForm& form, const char* title,
                      const char* name);
 void AddElementTail(const Place& in, const Element& element, const ElementForm& form);
+// The bytes of an element of an unknown type as lines.
+void AddElementValue(const Place& in, Cursor& value);
+// An element whose length leads nowhere, with all that is left.
+void AddLostElement(const Place& in, Cursor& c, Element& element, const ElementForm& form, const char* title,
+                    const char* name);
 }  // namespace detail
 
 // `unnamed` names a type without a choice.
@@ -114,10 +120,18 @@ void ShowElements(const Place& in, Cursor& c, const ElementForm& form, const cha
                   std::type_identity_t<ChoiceSpan<T>> choices, T& out, const char* unnamed = kUnknown) {
   Loop loop;
   Element element;
-  while (MoreAt(in, c, loop) && TakeElement(c, form, element)) {
+  while (MoreAt(in, c, loop)) {
+    const bool isTaken = TakeElement(c, form, element);
     const Choice<T>* choice = FindChoice<T>(choices, element.code);
-    const Place under = detail::AddElementHead(in, element, form, title, choice ? choice->name : unnamed);
+    const char* name = choice ? choice->name : unnamed;
+    if (!isTaken) {
+      if (form.valueLines) detail::AddLostElement(in, c, element, form, title, name);
+      break;
+    }
+    const Place under = detail::AddElementHead(in, element, form, title, name);
     if (!element.single) {
+      const bool isExplained = choice && (choice->rows.count || choice->show);
+      if (form.valueLines && !isExplained) detail::AddElementValue(under, element.value);
       ShowChoice(under, element.value, choice, out);
       detail::AddElementTail(under, element, form);
     }

@@ -481,6 +481,8 @@ class Scan:
                     labels[cell[1]] = cell[3][1:]
                 if cell and cell[1:2] == ['padTo']:
                     self.emit(protocol, 'Padding', BYTES)
+                if cell and cell[1:2] == ['valueLines']:
+                    self.emit(protocol, 'Value', BYTES)
         for label in labels.values():
             self.emit(protocol, label, NUMBER)
         self.emit(protocol, 'Data', NONE)

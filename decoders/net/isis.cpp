@@ -138,8 +138,8 @@ int32_t DecodeIsis(const Place& at, Cursor c) {
   constexpr int32_t kHeadSize = 8;
   if (Left(c) < kHeadSize || PeekU8(c) != kDiscriminator || static_cast<int32_t>(PeekU8(c, 1)) < kHeadSize) return 0;
   const uint32_t type = PeekU8(c, 4) & 31;
-  const int32_t length = LengthOfPdu(c);
-  Cursor pdu = TakeCursor(c, length > kHeadSize ? length : Left(c));
+  const int32_t length = LengthOfPdu(c), header = static_cast<int32_t>(PeekU8(c, 1));
+  Cursor pdu = TakeCursor(c, length <= kHeadSize ? Left(c) : length > header ? length : header);
   const Field whole = PeekBytes(pdu, 0, Left(pdu));
   const Place in = Under(at, AddLine(at, whole, "IS-IS %s", LookupName(kTypeNames, type)));
   Isis isis = ShowRows(in, pdu, kHead);

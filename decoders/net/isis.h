@@ -10,7 +10,8 @@ struct Isis {
   int32_t nesting;   // of elements in one another
 };
 
-inline constexpr ElementForm kIsisForm{};   // an octet of type and one of length, of elements and those in them alike
+// An octet of type and one of length, of elements and those in them alike.
+inline constexpr ElementForm kIsisForm{.valueLines = true};
 
 // An identifier of a system: "0000.0000.0001", with what stands behind it, "0000.0000.0001.02-00"; a network address
 // likewise, its first octet alone.

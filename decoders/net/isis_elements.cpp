@@ -265,19 +265,53 @@ void ShowPrefixNeighbors(const Place& in, Cursor& c, Isis& isis) {
     AppendToParent(in, prefix, ", %s", OsiAddressText(prefix));
   }
 }
-constexpr auto kAddressSize = Rows<Isis>({Number(1, "LAN Address Length").Into(&Isis::size)});
-void ShowVariableNeighbors(const Place& in, Cursor& c, Isis& isis) {
-  ShowRows<Isis>(in, c, kAddressSize, isis);
-  const int32_t size = static_cast<int32_t>(isis.size.value);
-  Loop loop;
-  while (size && Left(c) >= size && MoreAt(in, c, loop)) {
-    const Field address = TakeBytes(c, size);
-    AddLine(in, address, "LAN Address: %s", HexText(address));
-  }
+// Several instances over one link (RFC 8202).
+constexpr auto kInstance = Rows<Isis>({Number(2, "Instance ID").Note(", Instance %u")});
+constexpr auto kInstanceTopology = Rows<Isis>({Number(2, "Instance-Specific Topology ID").Note(", Topology %u")});
+void ShowInstanceTopologies(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kInstanceTopology, 2, isis); }
+
+// A topology of its own for flooding, of nodes by their index (RFC 9667).
+constexpr auto kAreaNodesHead = Rows<Isis>({
+    Number(2, "Starting Index").Note(", from %u"), Word(1), Flag(0, "Last"), Bits(1, 7, "Reserved")});
+constexpr auto kAreaNode = Rows<Isis>({Shown(7, "Node ID", ShowSystem)});
+void ShowAreaNodes(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kAreaNode, 7, isis); }
+constexpr auto kPathIndex = Rows<Isis>({Number(2, "Node Index").Note(", %u")});
+void ShowFloodingPath(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kPathIndex, 2, isis); }
+constexpr auto kLevelNames = SortedNames({{0, "None"}, {1, "Level 1"}, {2, "Level 2"}, {3, "Level 1 and 2"}});
+constexpr auto kFloodingLevels = Rows<Isis>({
+    Word(1), Bits(0, 6, "Reserved"), Bits(6, 2, "Levels", kLevelNames).Note(", %s")});
+constexpr auto kFloodingScope = Rows<Isis>({
+    Word(1), Bits(0, 1, "Reserved"), Bits(1, 7, "Flooding Scope", kIsisScopeNames)});
+void ShowFloodingScopes(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kFloodingScope, 1, isis); }
+
+// An area that is seen as one system from outside (RFC 9666).
+constexpr auto kAreaSid = Rows<Isis>({
+    Hex(1, "SID Flags"), Flag(0, "IPv6"), Flag(1, "No PHP"), Flag(2, "Explicit Null"), Flag(3, "Value"),
+    Flag(4, "Local"), Bits(5, 3, "Reserved"), Bytes(0, "SID").Note(", %s")});
+constexpr auto kProxySystem = Rows<Isis>({Shown(6, "Proxy System ID", ShowSystem)});
+constexpr auto kProxyParts = Choices<Isis>({{1, "Area Proxy System Identifier", kProxySystem}, {2, "Area SID", kAreaSid}});
+void ShowProxy(const Place& in, Cursor& c, Isis& isis) { ShowElements(in, c, kIsisForm, "Sub-TLV", kProxyParts, isis); }
+
+// Another name of the same system (RFC 5311), which may have elements of its own.
+constexpr auto kAlias = Rows<Isis>({
+    Shown(7, "Normal System ID", ShowSystem), Number(1, "Sub-TLV Length").Into(&Isis::size)});
+void ShowAlias(const Place& in, Cursor& c, Isis& isis) {
+  Cursor part = TakeCursor(c, isis.size.value);
+  ShowElements<Isis>(in, part, kIsisForm, "Sub-TLV", {}, isis);
+}
+
+// What routers to other domains say (RFC 1195 5.3.6).
+constexpr auto kInterDomainNames = SortedNames({{0, "Reserved"}, {1, "Local"}, {2, "Autonomous System Number Tag"}});
+constexpr auto kInterDomain = Rows<Isis>({
+    Number(1, "Inter-Domain Information Type", kInterDomainNames).Note(", %s").Into(&Isis::kind)});
+constexpr auto kSystemTag = Rows<Isis>({Number(2, "AS Number").Note(", AS %u")});
+constexpr auto kDomainBytes = Rows<Isis>({Bytes(0, "Inter-Domain Information")});
+void ShowInterDomain(const Place& in, Cursor& c, Isis& isis) {
+  constexpr uint32_t kTag = 2;
+  if (Left(c)) ShowRows<Isis>(in, c, isis.kind.value == kTag ? RowSpan<Isis>(kSystemTag) : RowSpan<Isis>(kDomainBytes), isis);
 }
 constexpr auto kFingerprint = Rows<Isis>({Word(1), Flag(0, "Originator Started"), Bits(1, 7, "Reserved"),
     Bytes(0, "Router Fingerprint")});
-constexpr auto kSystem = Rows<Isis>({Shown(6, "Proxy System ID", ShowSystem)});
 constexpr auto kPace = Rows<Isis>({Number(4, nullptr).Note(", %u")});
 constexpr auto kPaceTime = Rows<Isis>({Number(4, nullptr, " microseconds").Note(", %u")});
 constexpr auto kPaceMilliseconds = Rows<Isis>({Number(2, nullptr, " milliseconds").Note(", %u")});
@@ -384,22 +418,22 @@ constexpr auto kElements = Choices<Isis>({
     {1, "Area Addresses", {}, ShowAreas}, {2, "IS Neighbors", {}, ShowNeighbors}, {3, "ES Neighbors", {}, ShowEndSystems},
     {4, "Partition Designated Level 2 IS", kRestarting}, {5, "Prefix Neighbors", {}, ShowPrefixNeighbors},
     {6, "IS Neighbors", {}, ShowNeighborMacs},
-    {7, "IS Neighbors (Variable Length)", {}, ShowVariableNeighbors}, {8, "Padding", {}, ShowPadding},
+    {7, "Instance Identifier", kInstance, ShowInstanceTopologies}, {8, "Padding", {}, ShowPadding},
     {9, "LSP Entries", {}, ShowEntries},
     {10, "Authentication", kAuthentication, ShowAuthentication}, {11, "Extended Sequence Number", kExtendedSequence},
     {12, "Checksum", kChecksum}, {13, "Purge Originator Identification", kPurge, ShowPurgers},
     {14, "LSP Buffer Size", kNumber2}, {15, "Router Fingerprint", kFingerprint},
     {16, "Reverse Metric", kReverse, ShowReverse},
-    {17, "IS-IS Area Node IDs"}, {18, "IS-IS Flooding Path"}, {19, "IS-IS Flooding Request"},
-    {20, "Area Proxy", kSystem},
+    {17, "IS-IS Area Node IDs", kAreaNodesHead, ShowAreaNodes}, {18, "IS-IS Flooding Path", {}, ShowFloodingPath},
+    {19, "IS-IS Flooding Request", kFloodingLevels, ShowFloodingScopes}, {20, "Area Proxy", {}, ShowProxy},
     {21, "Flooding Parameters", {}, ShowPaces}, {22, "Extended IS Reachability", {}, ShowLinks},
-    {23, "IS Neighbor Attribute", {}, ShowLinkAttributes}, {24, "IS Alias ID"},
+    {23, "IS Neighbor Attribute", {}, ShowLinkAttributes}, {24, "IS Alias ID", kAlias, ShowAlias},
     {25, "L2 Bundle Member Attributes", kBundle, ShowBundle},
     {26, "TE Attribute Instance"}, {27, "SRv6 Locator", kTopologyHead, ShowLocator}, {42, "DECnet Phase IV"},
     {66, "Lucent Proprietary"}, {126, "IPv4 Algorithm Prefix Reachability", kTopologyHead, ShowAlgorithmPrefixes4},
     {127, "IPv6 Algorithm Prefix Reachability", kTopologyHead, ShowAlgorithmPrefixes6},
     {128, "IP Internal Reachability", {}, ShowNetworks}, {129, "Protocols Supported", {}, ShowProtocols},
-    {130, "IP External Reachability", {}, ShowNetworks}, {131, "Inter-Domain Routing Protocol Information"},
+    {130, "IP External Reachability", {}, ShowNetworks}, {131, "Inter-Domain Routing Protocol Information", kInterDomain, ShowInterDomain},
     {132, "IP Interface Addresses", {}, ShowAddresses4}, {133, "Authentication (Early)", kAuthentication, ShowAuthentication},
     {134, "Traffic Engineering Router ID", kRouter4}, {135, "Extended IP Reachability", {}, ShowPrefixes4},
     {137, "Dynamic Hostname", kText}, {138, "Shared Risk Link Group", kSharedRisk, ShowRiskGroups},
@@ -427,7 +461,7 @@ constexpr auto kElements = Choices<Isis>({
 
 // Of extended scopes the types and lengths have two octets.
 void ShowIsisElements(const Place& in, Cursor& c, Isis& isis) {
-  constexpr ElementForm kExtended{.typeSize = 2, .lengthSize = 2};
+  constexpr ElementForm kExtended{.typeSize = 2, .lengthSize = 2, .valueLines = true};
   constexpr uint32_t kFirstExtended = 64;
   ShowElements(in, c, isis.kind.value >= kFirstExtended ? kExtended : kIsisForm, "TLV", kElements, isis);
 }

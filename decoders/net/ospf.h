@@ -9,7 +9,7 @@ struct Ospf {
   int32_t nesting;   // of attributes in one another
 };
 
-inline constexpr ElementForm kOspfForm{.typeSize = 2, .lengthSize = 2, .padTo = 4};
+inline constexpr ElementForm kOspfForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .valueLines = true};
 
 // The body of an advertisement behind its header, by its type; of version 3 with the bits that say how it is flooded.
 void ShowOspfAdvertisement(const Place& in, Cursor& c, Ospf& ospf);

@@ -214,7 +214,7 @@ void ShowPmsi(const Place& in, Cursor& c, Bgp& bgp) {
 }
 
 void ShowMetrics(const Place& in, Cursor& c, Bgp& bgp) {
-  constexpr ElementForm kForm{.typeSize = 1, .lengthSize = 2, .lengthCountsHeader = true};
+  constexpr ElementForm kForm{.typeSize = 1, .lengthSize = 2, .lengthCountsHeader = true, .valueLines = true};
   static constexpr auto kAccumulated = Rows<Bgp>({Number(8, "Accumulated Metric").Note(", %I64u")});
   static constexpr auto kMetrics = Choices<Bgp>({{1, "AIGP", kAccumulated}});
   ShowElements<Bgp>(in, c, kForm, "TLV", kMetrics, bgp);

@@ -8,7 +8,7 @@
 namespace qxview {
 namespace {
 
-constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .valueLines = true};
 
 constexpr auto kRouteNames = SortedNames({
     {0, "Reserved"}, {1, "Node"}, {2, "Link"}, {3, "IPv4 Topology Prefix"}, {4, "IPv6 Topology Prefix"}, {5, "SR Policy Candidate Path"},

@@ -93,7 +93,7 @@ void ShowBgpServiceChains(const Place& at, Cursor& c, Bgp& bgp) {
 }
 
 void ShowBgpColorRoutes(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
-  constexpr ElementForm kForm{.typeMask = 0x3F};
+  constexpr ElementForm kForm{.valueLines = true, .typeMask = 0x3F};
   Loop loop;
   while (Left(c) >= 3 && MoreAt(at, c, loop)) {
     const Cursor start = c;
@@ -165,7 +165,7 @@ constexpr auto kValue = Rows<Bgp>({Bytes(0, "Value")});
 constexpr auto kWideParts = Choices<Bgp>({{1, "Targets", kValue}, {2, "Exclude Targets", kValue},
     {3, "Parameters", kValue}});
 
-constexpr ElementForm kLongForm{.lengthSize = 2};
+constexpr ElementForm kLongForm{.lengthSize = 2, .valueLines = true};
 constexpr auto kAssociation = Rows<Bgp>({Number(1, "Association Type")});
 constexpr auto kAssociated = Rows<Bgp>({Number(3, "Associated Service Path Identifier")});
 void ShowAssociation(const Place& in, Cursor& c, Bgp& bgp) {
@@ -213,7 +213,7 @@ void ShowBgpServicePath(const Place& in, Cursor& c, Bgp& bgp) {
 }
 
 void ShowBgpHopCharacteristics(const Place& in, Cursor& c, Bgp& bgp) {
-  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .valueLines = true};
   static constexpr auto kHead = Rows<Bgp>({
       Number(2, "Address Family", AddressFamilyName).Into(&Bgp::afi), Number(1, "Subsequent Address Family"),
       Number(1, "Next Hop Length").Into(&Bgp::length)});

@@ -187,6 +187,8 @@ void ShowSub(const Place& in, Cursor& c, uint32_t type, uint32_t tunnel, Bgp& bg
   }
 }
 
+constexpr ElementForm kForm{.typeSize = 1, .lengthSize = 2, .valueLines = true};
+
 // SRv6 services: a SID with its behavior, and how its bits are divided (RFC 9252).
 void ShowService(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kReserved = Rows<Bgp>({Hex(1, "Reserved")});
@@ -195,10 +197,9 @@ void ShowService(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kStructure = Rows<Bgp>({
       Number(1, "Locator Block Length"), Number(1, "Locator Node Length"), Number(1, "Function Length"),
       Number(1, "Argument Length"), Number(1, "Transposition Length"), Number(1, "Transposition Offset")});
-  constexpr ElementForm kForm{.typeSize = 1, .lengthSize = 2};
   static constexpr auto kStructures = Choices<Bgp>({{1, "SID Structure", kStructure}});
   static constexpr auto kSids = Choices<Bgp>({{1, "SID Information", kSid, [](const Place& in, Cursor& inner, Bgp& out) {
-                                                  ShowElements<Bgp>(in, inner, ElementForm{.typeSize = 1, .lengthSize = 2},
+                                                  ShowElements<Bgp>(in, inner, kForm,
                                                                     "SID Data", kStructures, out);
                                                 }}});
   ShowRows<Bgp>(at, c, kReserved, bgp);
@@ -240,7 +241,6 @@ void ShowBgpTunnels(const Place& at, Cursor& c, Bgp& bgp) {
 }
 
 void ShowBgpPrefixSid(const Place& in, Cursor& c, Bgp& bgp) {
-  constexpr ElementForm kForm{.typeSize = 1, .lengthSize = 2};
   ShowElements<Bgp>(in, c, kForm, "TLV", kPrefixSids, bgp);
 }
 

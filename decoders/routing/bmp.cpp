@@ -85,7 +85,7 @@ constexpr auto kStatisticsTypes = Choices<Bmp>({
     {16, "Routes in Pre-Policy Adj-RIB-Out of a Family", kFamilyGauge},
     {17, "Routes in Post-Policy Adj-RIB-Out of a Family", kFamilyGauge}});
 
-constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .valueLines = true};
 
 // The neighbour's session as the router has it: the router is the first end.
 ConnectionKey SessionOf(const PacketState& packet, const Bmp& bmp) {

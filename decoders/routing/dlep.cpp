@@ -116,7 +116,7 @@ constexpr auto kItems = Choices<Dlep>({
     {26, "Link Identifier Length", kIdLength}, {27, "Link Identifier", kId}, {28, "Latency Range", kRange}});
 
 void ShowMessage(const Place& at, Cursor& c, bool isSignal) {
-  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2};
+  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .valueLines = true};
   const uint32_t type = PeekU16(c, isSignal ? kMark : 0);
   const char* name = isSignal ? LookupName(kSignalNames, type) : LookupName(kMessageNames, type);
   const int32_t head = isSignal ? kMark + kHeaderSize : kHeaderSize;

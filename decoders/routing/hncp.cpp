@@ -136,7 +136,7 @@ constexpr auto kTlvs = Choices<Hncp>({
     {43, "Prefix Policy", {}, ShowPolicy}});
 
 void ShowTlvs(const Place& in, Cursor& c, Hncp& hncp) {
-  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4};
+  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .valueLines = true};
   if (hncp.nesting >= kMostNesting) return;
   ++hncp.nesting;
   ShowElements<Hncp>(in, c, kForm, "TLV", kTlvs, hncp);

@@ -130,7 +130,7 @@ void ShowInner(const Place& in, Cursor& c, Ldp& ldp) {
 }
 
 void ShowMultipoint(const Place& in, Cursor& c, Ldp& ldp) {
-  constexpr ElementForm kForm{.lengthSize = 2};
+  constexpr ElementForm kForm{.lengthSize = 2, .valueLines = true};
   ShowRows<Ldp>(in, c, kFamily, ldp);
   ShowRows<Ldp>(in, c, kSize, ldp);
   Cursor address = TakeCursor(c, ldp.size.value);
@@ -194,7 +194,7 @@ void ShowFec(const Place& in, Cursor& c, uint32_t type, Ldp& ldp) {
 const char* PseudowireTypeName(uint32_t type) { return LookupName(kPwNames, type); }
 
 void ShowLdpParameters(const Place& in, Cursor& c, Ldp& ldp) {
-  constexpr ElementForm kForm{.lengthCountsHeader = true};
+  constexpr ElementForm kForm{.lengthCountsHeader = true, .valueLines = true};
   ShowElements<Ldp>(in, c, kForm, "Interface Parameter", kParameters, ldp);
 }
 

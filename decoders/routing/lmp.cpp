@@ -97,7 +97,7 @@ constexpr auto kWavelength = Rows<Lmp>({Hex(2, "Reserved"), Number(4, "Wavelengt
 constexpr auto kSubobjects = Choices<Lmp>({
     {1, "Interface Switching Capability", kSwitching}, {2, "Wavelength", kWavelength}});
 void ShowSubobjects(const Place& in, Cursor& c, Lmp& lmp) {
-  constexpr ElementForm kForm{.lengthCountsHeader = true};
+  constexpr ElementForm kForm{.lengthCountsHeader = true, .valueLines = true};
   ShowElements<Lmp>(in, c, kForm, "Subobject", kSubobjects, lmp);
 }
 

@@ -11,7 +11,7 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kHeaderSize = 32;
-constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4};
+constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .valueLines = true};
 
 struct Ping {
   Field type, family, length, flags;

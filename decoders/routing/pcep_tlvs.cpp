@@ -164,7 +164,7 @@ constexpr auto kTlvs = Choices<Pcep>({
     {55, "TE-PATH-BINDING", kBindingHead, ShowBinding}, {56, "SRPOLICY-POL-NAME", kName},
     {57, "SRPOLICY-CPATH-ID", kCandidate, ShowOriginator}, {58, "SRPOLICY-CPATH-NAME", kName}, {59, "SRPOLICY-CPATH-PREFERENCE", kPreference}});
 
-constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4};
+constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .valueLines = true};
 
 // What stands within the capability of setup types and within bandwidth attributes is numbered on its own.
 constexpr auto kDepth = Rows<Pcep>({Number(1, "MSD Type"), Number(1, "MSD Value")});

@@ -25,10 +25,10 @@ constexpr auto kErrorNames = SortedNames({
 constexpr auto kAnnounceNames = SortedNames({{0, "Withdrawal"}, {1, "Announcement"}});
 
 struct Rtr {
-  Field length, size;
+  Field version, length, size;
 };
 
-constexpr auto kHead = Rows<Rtr>({Number(1, "Version"), Number(1, "Type", kTypeNames)});
+constexpr auto kHead = Rows<Rtr>({Number(1, "Version").Into(&Rtr::version), Number(1, "Type", kTypeNames)});
 constexpr auto kSession = Rows<Rtr>({Hex(2, "Session ID"), Number(4, "Length").Into(&Rtr::length)});
 constexpr auto kZero = Rows<Rtr>({Hex(2, "Reserved"), Number(4, "Length").Into(&Rtr::length)});
 constexpr auto kFlagged = Rows<Rtr>({
@@ -88,16 +88,26 @@ void ShowBody(const Place& in, Cursor& c, uint32_t type, Rtr& rtr) {
   }
 }
 
+// A message of a version to come or of an unknown type is as long as its head says, if that is sensible.
+int32_t LengthOfAny(const Cursor& c) {
+  constexpr uint32_t kMost = 1 << 16;
+  const int32_t known = LengthOfRpkiRtr(c);
+  const uint32_t length = PeekU32(c, 4);
+  return known != kNoMessage || length < kHeaderSize || length > kMost ? known : static_cast<int32_t>(length);
+}
+
 }  // namespace
 
 int32_t DecodeRpkiRtr(const Place& at, Cursor c) {
-  if (Left(c) < kHeaderSize || LengthOfRpkiRtr(c) == kNoMessage) return 0;
+  constexpr uint32_t kLastVersion = 2;
+  if (Left(c) < kHeaderSize || LengthOfAny(c) == kNoMessage) return 0;
   Loop loop;
-  while (Left(c) >= kHeaderSize && LengthOfRpkiRtr(c) != kNoMessage && MoreAt(at, c, loop)) {
+  while (Left(c) >= kHeaderSize && LengthOfAny(c) != kNoMessage && MoreAt(at, c, loop)) {
     const uint32_t type = PeekU8(c, 1);
-    Cursor message = TakeCursor(c, LengthOfRpkiRtr(c));
+    Cursor message = TakeCursor(c, LengthOfAny(c));
     const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "RPKI-RTR: %s", LookupName(kTypeNames, type)));
     Rtr rtr = ShowRows(in, message, kHead);
+    if (rtr.version.value > kLastVersion) AppendToParent(in, rtr.version, ", Unknown Version %u", rtr.version.value);
     ShowBody(in, message, type, rtr);
     message.ranShort = false;   // what is left of a message that is cut
     AddBlock(in, Rest(message), "Message Data");

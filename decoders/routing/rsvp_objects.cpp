@@ -40,7 +40,8 @@ constexpr auto kInterface = Rows<Rsvp>({
 constexpr auto kInterfaces = Choices<Rsvp>({
     {1, "IPv4", kInterface4}, {2, "IPv6", kInterface6}, {3, "IF_INDEX", kInterface},
     {4, "COMPONENT_IF_DOWNSTREAM", kInterface}, {5, "COMPONENT_IF_UPSTREAM", kInterface}});
-constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .lengthCountsHeader = true};
+constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .lengthCountsHeader = true,
+    .valueLines = true};
 void ShowInterfaces(const Place& in, Cursor& c, Rsvp& rsvp) {
   ShowElements<Rsvp>(in, c, kTlvForm, "Interface", kInterfaces, rsvp);
 }
@@ -309,7 +310,8 @@ constexpr auto kUniParts = Choices<Rsvp>({
     {1, "Source Address", {}, ShowTna}, {2, "Destination Address", {}, ShowTna}, {3, "Diversity", kUniOther},
     {4, "Egress Label", kUniOther}, {5, "Service Level", kUniOther}});
 void ShowUni(const Place& in, Cursor& c, Rsvp& rsvp) {
-  constexpr ElementForm kForm{.lengthSize = 2, .padTo = 4, .lengthCountsHeader = true, .lengthFirst = true};
+  constexpr ElementForm kForm{.lengthSize = 2, .padTo = 4, .lengthCountsHeader = true, .lengthFirst = true,
+    .valueLines = true};
   ShowElements<Rsvp>(in, c, kForm, "Subobject", kUniParts, rsvp);
 }
 
