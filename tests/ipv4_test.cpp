@@ -141,7 +141,7 @@ AH - Authentication Header: 24 bytes, SPI = 0x00000101, Sequence Number = 7 {20+
   Reserved: 0x0000 {22+2}
   Security Parameters Index (SPI): 0x00000101 (257) {24+4}
   Sequence Number: 7 {28+4}
-  Integrity Check Value (ICV) {32+12}
+  Integrity Check Value (ICV): EE EE EE EE EE EE EE EE EE EE EE EE {32+12}
 )")) << view.Text();
   // The transport's sum starts from what the transport is told, as if the header in front were not there.
   const NetworkState network = view.context().packet.network;

@@ -25,6 +25,13 @@ ChoiceSpan<Ike> IkePayloads2();
 void ShowIkeAttributes(const Place& in, Cursor& c, ChoiceSpan<Ike> attributes, Ike& ike);
 ChoiceSpan<Ike> IkeConfigurationAttributes();
 
+// A security association's proposals and their transforms: rows in front of both, and what else a transform holds.
+struct IkeProposalForm {
+  RowSpan<Ike> head, proposal;
+  void (*showTransform)(const Place& in, Cursor& c, Ike& ike);
+};
+void ShowIkeProposals(const Place& in, Cursor& c, const IkeProposalForm& form, Ike& ike);
+
 // What all versions have alike.
 void ShowIkeCertificate(const Place& in, Cursor& c, Ike& ike);
 void ShowIkeCertificateRequest(const Place& in, Cursor& c, Ike& ike);

@@ -93,6 +93,42 @@ void ShowIkeAttributes(const Place& in, Cursor& c, ChoiceSpan<Ike> attributes, I
 
 namespace {
 
+constexpr auto kProposalSpi = Rows<Ike>({Bytes(0, "SPI").SizedBy(&Ike::spiSize)});
+constexpr int32_t kPartHeader = 4;
+
+// Whether a proposal or a transform begins here, whose length says more than its own header.
+bool HasPart(const Cursor& c) { return Left(c) >= kPartHeader && PeekU16(c, 2) >= kPartHeader; }
+
+void ShowTransforms(const Place& in, Cursor& c, const IkeProposalForm& form, Ike& ike) {
+  Loop loop;
+  while (HasPart(c) && MoreAt(in, c, loop)) {
+    Cursor transform = TakeCursor(c, PeekU16(c, 2));
+    const Place under = Under(in, AddLine(in, Ahead(transform, Left(transform)), "Transform"));
+    ShowRows<Ike>(under, transform, form.head, ike);
+    form.showTransform(under, transform, ike);
+    transform.ranShort = false;   // what is left of a transform that is cut
+    AddBlock(under, Rest(transform), "Transform Data");
+  }
+}
+
+}  // namespace
+
+void ShowIkeProposals(const Place& in, Cursor& c, const IkeProposalForm& form, Ike& ike) {
+  Loop loop;
+  while (HasPart(c) && MoreAt(in, c, loop)) {
+    Cursor proposal = TakeCursor(c, PeekU16(c, 2));
+    const Place under = Under(in, AddLine(in, Ahead(proposal, Left(proposal)), "Proposal"));
+    ShowRows<Ike>(under, proposal, form.head, ike);
+    ShowRows<Ike>(under, proposal, form.proposal, ike);
+    if (ike.spiSize.value > 0) ShowRows<Ike>(under, proposal, kProposalSpi, ike);
+    ShowTransforms(under, proposal, form, ike);
+    proposal.ranShort = false;   // what is left of a proposal that is cut
+    AddBlock(under, Rest(proposal), "Proposal Data");
+  }
+}
+
+namespace {
+
 constexpr uint32_t kSignature = 4, kExchange = 5, kAttribute = 10, kOcsp = 14, kRawKey = 15;   // encodings
 bool IsCertificate(uint32_t encoding) {
   return encoding == kSignature || encoding == kExchange || encoding == kAttribute;

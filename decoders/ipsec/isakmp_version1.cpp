@@ -107,45 +107,18 @@ constexpr auto kProposal = Rows<Ike>({
     Number(1, "Proposal Number").Note(" %u"),
     Number(1, "Protocol ID", kProtocolNames).Note(", %s").Into(&Ike::protocol),
     Number(1, "SPI Size").Into(&Ike::spiSize), Number(1, "Number of Transforms").Into(&Ike::count)});
-constexpr auto kProposalSpi = Rows<Ike>({Bytes(0, "SPI").SizedBy(&Ike::spiSize)});
 constexpr auto kTransform = Rows<Ike>({Number(1, "Transform Number").Note(" %u")});
 constexpr auto kReserved2 = Rows<Ike>({Number(2, "Reserved")});
 
-constexpr int32_t kPartHeader = 4;
-bool HasPart(const Cursor& c) { return Left(c) >= kPartHeader && PeekU16(c, 2) >= kPartHeader; }
-
-void ShowTransforms(const Place& in, Cursor& c, Ike& ike) {
-  Loop loop;
-  while (HasPart(c) && MoreAt(in, c, loop)) {
-    Cursor transform = TakeCursor(c, PeekU16(c, 2));
-    const Place under = Under(in, AddLine(in, Ahead(transform, Left(transform)), "Transform"));
-    ShowRows<Ike>(under, transform, kPartHead, ike);
-    ShowRows<Ike>(under, transform, kTransform, ike);
-    const Field kind = TakeU8(transform);
-    const char* name = TransformName(ike.protocol.value, kind.value);
-    AddLine(under, kind, "Transform ID: %u = %s", kind.value, name);
-    AppendToParent(under, kind, ", %s", name);
-    ShowRows<Ike>(under, transform, kReserved2, ike);
-    const bool isKey = ike.protocol.value == kIsakmpProtocol;
-    ShowIkeAttributes(under, transform,
-                      isKey ? ChoiceSpan<Ike>(kKeyAttributes) : ChoiceSpan<Ike>(kIpsecAttributes), ike);
-    transform.ranShort = false;   // what is left of a transform that is cut
-    AddBlock(under, Rest(transform), "Transform Data");
-  }
-}
-
-void ShowProposals(const Place& in, Cursor& c, Ike& ike) {
-  Loop loop;
-  while (HasPart(c) && MoreAt(in, c, loop)) {
-    Cursor proposal = TakeCursor(c, PeekU16(c, 2));
-    const Place under = Under(in, AddLine(in, Ahead(proposal, Left(proposal)), "Proposal"));
-    ShowRows<Ike>(under, proposal, kPartHead, ike);
-    ShowRows<Ike>(under, proposal, kProposal, ike);
-    if (ike.spiSize.value > 0) ShowRows<Ike>(under, proposal, kProposalSpi, ike);
-    ShowTransforms(under, proposal, ike);
-    proposal.ranShort = false;   // what is left of a proposal that is cut
-    AddBlock(under, Rest(proposal), "Proposal Data");
-  }
+void ShowTransform(const Place& in, Cursor& c, Ike& ike) {
+  ShowRows<Ike>(in, c, kTransform, ike);
+  const Field kind = TakeU8(c);
+  const char* name = TransformName(ike.protocol.value, kind.value);
+  AddLine(in, kind, "Transform ID: %u = %s", kind.value, name);
+  AppendToParent(in, kind, ", %s", name);
+  ShowRows<Ike>(in, c, kReserved2, ike);
+  const bool isKey = ike.protocol.value == kIsakmpProtocol;
+  ShowIkeAttributes(in, c, isKey ? ChoiceSpan<Ike>(kKeyAttributes) : ChoiceSpan<Ike>(kIpsecAttributes), ike);
 }
 
 constexpr auto kSituationMasks = SortedNames({{1, "Identity Only"}, {2, "Secrecy"}, {4, "Integrity"}});
@@ -180,7 +153,7 @@ void ShowSecurityAssociation(const Place& in, Cursor& c, Ike& ike) {
   if (ike.situation.value & (kSecrecy | kIntegrityToo)) ShowRows<Ike>(in, c, kDomain, ike);
   if (ike.situation.value & kSecrecy) ShowLevel(in, c, "Secrecy", "Secrecy Category");
   if (ike.situation.value & kIntegrityToo) ShowLevel(in, c, "Integrity", "Integrity Category");
-  ShowProposals(in, c, ike);
+  ShowIkeProposals(in, c, {kPartHead, kProposal, ShowTransform}, ike);
 }
 
 constexpr auto kIdNames = SortedNames({

@@ -66,42 +66,19 @@ constexpr auto kPartHead = Rows<Ike>({
 constexpr auto kProposal = Rows<Ike>({
     Number(1, "Proposal Number").Note(" %u"), Number(1, "Protocol ID", kProtocolNames).Note(", %s"),
     Number(1, "SPI Size").Into(&Ike::spiSize), Number(1, "Number of Transforms").Into(&Ike::count)});
-constexpr auto kProposalSpi = Rows<Ike>({Bytes(0, "SPI").SizedBy(&Ike::spiSize)});
 constexpr auto kTransform = Rows<Ike>({
     Number(1, "Transform Type", kTypeNames).Note(": %s").Into(&Ike::type), Number(1, "Reserved")});
 
-constexpr int32_t kPartHeader = 4;
-bool HasPart(const Cursor& c) { return Left(c) >= kPartHeader && PeekU16(c, 2) >= kPartHeader; }
-
-void ShowTransforms(const Place& in, Cursor& c, Ike& ike) {
-  Loop loop;
-  while (HasPart(c) && MoreAt(in, c, loop)) {
-    Cursor transform = TakeCursor(c, PeekU16(c, 2));
-    const Place under = Under(in, AddLine(in, Ahead(transform, Left(transform)), "Transform"));
-    ShowRows<Ike>(under, transform, kPartHead, ike);
-    ShowRows<Ike>(under, transform, kTransform, ike);
-    const Field kind = TakeU16(transform);
-    const char* name = TransformName(ike.type.value, kind.value);
-    AddLine(under, kind, "Transform ID: %u = %s", kind.value, name);
-    AppendToParent(under, kind, ", %s", name);
-    ShowIkeAttributes(under, transform, kTransformAttributes, ike);
-    transform.ranShort = false;   // what is left of a transform that is cut
-    AddBlock(under, Rest(transform), "Transform Data");
-  }
+void ShowTransform(const Place& in, Cursor& c, Ike& ike) {
+  ShowRows<Ike>(in, c, kTransform, ike);
+  const Field kind = TakeU16(c);
+  const char* name = TransformName(ike.type.value, kind.value);
+  AddLine(in, kind, "Transform ID: %u = %s", kind.value, name);
+  AppendToParent(in, kind, ", %s", name);
+  ShowIkeAttributes(in, c, kTransformAttributes, ike);
 }
-
 void ShowProposals(const Place& in, Cursor& c, Ike& ike) {
-  Loop loop;
-  while (HasPart(c) && MoreAt(in, c, loop)) {
-    Cursor proposal = TakeCursor(c, PeekU16(c, 2));
-    const Place under = Under(in, AddLine(in, Ahead(proposal, Left(proposal)), "Proposal"));
-    ShowRows<Ike>(under, proposal, kPartHead, ike);
-    ShowRows<Ike>(under, proposal, kProposal, ike);
-    if (ike.spiSize.value > 0) ShowRows<Ike>(under, proposal, kProposalSpi, ike);
-    ShowTransforms(under, proposal, ike);
-    proposal.ranShort = false;   // what is left of a proposal that is cut
-    AddBlock(under, Rest(proposal), "Proposal Data");
-  }
+  ShowIkeProposals(in, c, {kPartHead, kProposal, ShowTransform}, ike);
 }
 
 constexpr auto kKeyExchange = Rows<Ike>({

@@ -32,7 +32,8 @@ bool DecodeAh(const Place& at, Cursor& c, uint8_t* nextHeader) {
   const Field sequence = TakeU32(header);
   AddLine(in, sequence, "Sequence Number: %u", sequence.value);
   AppendToParent(in, sequence, ", SPI = 0x%.08X, Sequence Number = %u", index.value, sequence.value);
-  AddBlock(in, Rest(header), "Integrity Check Value (ICV)");
+  const Field check = Rest(header);
+  if (check.length > 0) AddLine(in, check, "Integrity Check Value (ICV): %s", HexText(check));
   *nextHeader = static_cast<uint8_t>(next.value);
   const bool whole = sequence.here && length >= kFixedLength && Taken(header) == length;
   if (!whole) AddRawRest(at, c, "AH Data");
