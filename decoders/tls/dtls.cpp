@@ -27,23 +27,10 @@ int32_t IdSizeOf(const Cursor& c, const TlsSession& session) {
   return 0;
 }
 
-void ShowAck(const Place& in, Cursor& body) {
-  const Field length = TakeU16(body);
-  AddLine(in, length, "Record Numbers Length: %u", length.value);
-  Cursor list = TakeCursor(body, length.value);
-  Loop loop;
-  while (MoreAt(in, list, loop)) {
-    const WideField epoch = TakeU64(list), sequence = TakeU64(list);
-    AddLine(in, epoch, "Acknowledged Epoch: %I64u", epoch.wide);
-    AddLine(in, sequence, "Acknowledged Sequence Number: %I64u", sequence.wide);
-  }
-}
-
 void ShowFragment(const Place& in, TlsSession& session, const TlsRecord& record, Cursor& body) {
   const bool isClear = record.epoch == 0 && !record.isShort && record.type != kTlsApplicationData &&
                        record.type != kTlsWithConnectionId;
   if (!isClear) return ShowTlsProtected(in, session, record, body);
-  if (record.type == kTlsAck) ShowAck(in, body);
   ShowTlsContent(in, session, record, record.type, body);
 }
 

@@ -17,7 +17,7 @@ constexpr int32_t kTlsProtocol = 0x1001E, kDtlsProtocol = 0x10260;   // as defin
 
 enum TlsContentType : uint32_t {
   kTlsChangeCipherSpec = 20, kTlsAlert = 21, kTlsHandshakeType = 22, kTlsApplicationData = 23, kTlsHeartbeat = 24,
-  kTlsWithConnectionId = 25, kTlsAck = 26,
+  kTlsWithConnectionId = 25, kTlsAck = 26, kTlsReturnRoutability = 27,
 };
 enum TlsVersionNumber : uint32_t {
   kSsl2 = 0x0002, kSsl3 = 0x0300, kTls10 = 0x0301, kTls11 = 0x0302, kTls12 = 0x0303, kTls13 = 0x0304,

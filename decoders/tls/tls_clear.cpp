@@ -14,10 +14,10 @@ bool MayBeMessage(uint32_t type, uint32_t length) {
     case kHelloRetryRequest:   // of drafts, of datagrams, and what is never in clear
     case kRequestConnectionId:
     case kNewConnectionId:
-    case 17:
-    case 26:
+    case kClientCertificateRequest:
+    case kEktKey:
     case kNextProtocol:
-    case 203: return false;
+    case kChannelId: return false;
     default: return length < kMostMessage && LookupTlsMessage(type);
   }
 }

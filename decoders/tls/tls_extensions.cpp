@@ -17,10 +17,6 @@ constexpr auto kAuthorityTypes = SortedNames({
 constexpr auto kHeartbeatModes = SortedNames({{1, "peer_allowed_to_send"}, {2, "peer_not_allowed_to_send"}});
 constexpr auto kTokenParameters = SortedNames({{0, "rsa2048_pkcs1.5"}, {1, "rsa2048_pss"}, {2, "ecdsap256"}});
 constexpr auto kCachedTypes = SortedNames({{1, "cert"}, {2, "cert_req"}});
-constexpr auto kMappingTypes = SortedNames({{64, "upn_domain_hint"}});
-constexpr auto kAuthorizationFormats = SortedNames({
-    {0, "x509_attr_cert"}, {1, "saml_assertion"}, {2, "x509_attr_cert_url"}, {3, "saml_assertion_url"},
-    {64, "keynote_assertion_list"}, {65, "keynote_assertion_list_url"}, {66, "dtcp_authorization"}});
 
 constexpr auto kServerName = Rows<TlsMessage>({
     Number(1, "Name Type", kNameTypes), Counted(2, Text(0, "Server Name")).Note(", %s").Into(&TlsMessage::choice)});
@@ -65,8 +61,8 @@ constexpr auto kFlags = Rows<TlsMessage>({Counted(1, Digits("Flags"))});
 constexpr auto kRenegotiated = Rows<TlsMessage>({Counted(1, Digits("Renegotiation Info"))});
 constexpr auto kPassword = Rows<TlsMessage>({Counted(1, Digits("Password Name"))});
 constexpr auto kSalt = Rows<TlsMessage>({Counted(2, Digits("Password Salt"))});
-constexpr auto kMapping = Rows<TlsMessage>({Number(1, "User Mapping Type", kMappingTypes)});
-constexpr auto kAuthorization = Rows<TlsMessage>({Number(1, "Authorization Format", kAuthorizationFormats)});
+constexpr auto kMapping = Rows<TlsMessage>({Number(1, "User Mapping Type", TlsMappingName)});
+constexpr auto kAuthorization = Rows<TlsMessage>({Number(1, "Authorization Format", TlsAuthorizationName)});
 constexpr auto kCached = Rows<TlsMessage>({
     Number(1, "Cached Information Type", kCachedTypes), Counted(1, Digits("Hash Value"))});
 constexpr auto kCachedType = Rows<TlsMessage>({Number(1, "Cached Information Type", kCachedTypes)});
@@ -269,6 +265,11 @@ void ShowDelegatedCredential(const Place& in, Cursor& c, TlsMessage& message) {
 void ShowOuterExtensions(const Place& in, Cursor& c, TlsMessage& message) {
   ShowTlsList<TlsMessage>(in, c, 1, "Outer Extensions", kOuterExtension, message);
 }
+void ShowEncryptedName(const Place& in, Cursor& c, TlsMessage& message) {
+  constexpr auto kNameNonce = Rows<TlsMessage>({Bytes(16, "Nonce")});
+  ShowRows<TlsMessage>(in, c, IsOffer(message) ? RowSpan<TlsMessage>(kEncryptedName) : RowSpan<TlsMessage>(kNameNonce),
+                       message);
+}
 void ShowQuicParameters(const Place& in, Cursor& c, TlsMessage&) { ShowQuicTransportParameters(in, c); }
 
 // What both ends have of the extensions that change how records are made.
@@ -301,16 +302,18 @@ constexpr auto kExtensions = Choices<TlsMessage>({
     {22, nullptr, {}, AgreeOnMac}, {23, nullptr, {}, AgreeOnSecret}, {24, nullptr, {}, ShowTokenBinding},
     {25, nullptr, {}, ShowCached}, {27, nullptr, {}, ShowCompressions}, {28, nullptr, kSizeLimit},
     {29, nullptr, {}, ShowPasswordName}, {30, nullptr, {}, ShowPasswordName}, {31, nullptr, kSalt},
-    {34, nullptr, {}, ShowDelegatedCredential}, {35, nullptr, {}, ShowTicket}, {41, nullptr, {}, ShowPreSharedKey},
+    {32, nullptr, {}, ShowTicketPinning}, {34, nullptr, {}, ShowDelegatedCredential}, {35, nullptr, {}, ShowTicket},
+    {39, nullptr, {}, ShowEktCiphers}, {41, nullptr, {}, ShowPreSharedKey},
     {42, nullptr, {}, AgreeOnEarlyData}, {43, nullptr, {}, ShowVersions}, {44, nullptr, kCookie},
     {45, nullptr, {}, ShowModes}, {47, nullptr, {}, ShowTlsAuthorities}, {48, nullptr, {}, ShowOidFilters},
-    {50, nullptr, {}, ShowSchemes}, {51, nullptr, {}, ShowKeyShare}, {53, nullptr, kConnectionId},
+    {50, nullptr, {}, ShowSchemes}, {51, nullptr, {}, ShowKeyShare}, {52, nullptr, {}, ShowTransparencyItems},
+    {53, nullptr, kConnectionId},
     {54, nullptr, {}, AgreeOnConnectionId}, {55, nullptr, kIdHash}, {56, nullptr, kExternalSession},
     {57, nullptr, {}, ShowQuicParameters}, {58, nullptr, {}, ShowTicketRequest}, {59, nullptr, {}, ShowDnsChain},
     {62, nullptr, kFlags}, {13172, nullptr, {}, ShowNextProtocols}, {17513, nullptr, {}, ShowSettings},
     {17613, nullptr, {}, ShowSettings}, {0xFD00, nullptr, {}, ShowOuterExtensions},
     {0xFE0D, nullptr, {}, ShowEncryptedHello}, {0xFF01, nullptr, kRenegotiated},
-    {0xFFA5, nullptr, {}, ShowQuicParameters}, {0xFFCE, nullptr, kEncryptedName}});
+    {0xFFA5, nullptr, {}, ShowQuicParameters}, {0xFFCE, nullptr, {}, ShowEncryptedName}});
 constexpr Choice<TlsMessage> kUnexplained{0, nullptr, kOther};
 
 void ShowExtension(const Place& in, Cursor& c, TlsMessage& message) {

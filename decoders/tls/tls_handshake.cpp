@@ -28,9 +28,6 @@ constexpr auto kUsage = Rows<TlsMessage>({Number(1, "Usage", kUsageNames)});
 constexpr auto kChain = Rows<TlsMessage>({Number(1, "Chain Type", kChainNames)});
 constexpr auto kUrl = Rows<TlsMessage>({Counted(2, Text(0, "URL")), Number(1, "Padding"), Bytes(20, "SHA-1 Hash")});
 
-constexpr ElementForm kSupplementalForm{.typeSize = 2, .lengthSize = 2};
-constexpr auto kSupplementals = Choices<TlsMessage>({{0, "user_mapping_data"}, {16386, "authz_data"}});
-
 void ShowTicket(const Place& in, Cursor& c, TlsMessage& message) {
   if (message.isSpoken13) {
     ShowRows<TlsMessage>(in, c, kTicket13, message);
@@ -47,11 +44,6 @@ void ShowUrls(const Place& in, Cursor& c, TlsMessage& message) {
   ShowRows<TlsMessage>(in, c, kChain, message);
   ShowTlsList<TlsMessage>(in, c, 2, "URLs and Hashes", kUrl, message);
 }
-void ShowSupplemental(const Place& in, Cursor& c, TlsMessage& message) {
-  Place under;
-  Cursor list = TakeTlsList(in, c, 3, "Supplemental Data", &under);
-  ShowElements<TlsMessage>(under, list, kSupplementalForm, "Entry", kSupplementals, message);
-}
 
 constexpr auto kBodies = Choices<TlsMessage>({
     {kHelloRequest, "Hello Request"}, {kClientHello, "Client Hello", {}, ShowClientHello},
@@ -64,12 +56,15 @@ constexpr auto kBodies = Choices<TlsMessage>({
     {kServerKeyExchange, "Server Key Exchange", {}, ShowServerKeyExchange},
     {kCertificateRequest, "Certificate Request", {}, ShowCertificateRequest},
     {kServerHelloDone, "Server Hello Done"}, {kCertificateVerify, "Certificate Verify", {}, ShowTlsSignature},
-    {kClientKeyExchange, "Client Key Exchange", {}, ShowClientKeyExchange}, {kFinished, "Finished", kVerifyData},
+    {kClientKeyExchange, "Client Key Exchange", {}, ShowClientKeyExchange},
+    {kClientCertificateRequest, "Client Certificate Request", {}, ShowCertificateRequest},
+    {kFinished, "Finished", kVerifyData},
     {kCertificateUrl, "Certificate URL", {}, ShowUrls},
     {kCertificateStatus, "Certificate Status", {}, ShowCertificateStatus},
-    {kSupplementalData, "Supplemental Data", {}, ShowSupplemental}, {kKeyUpdate, "Key Update", kUpdate},
-    {kCompressedCertificate, "Compressed Certificate", kCompressed}, {kNextProtocol, "Next Protocol", kNext},
-    {kMessageHash, "Message Hash", kHash}});
+    {kSupplementalData, "Supplemental Data", {}, ShowSupplementalData}, {kKeyUpdate, "Key Update", kUpdate},
+    {kCompressedCertificate, "Compressed Certificate", kCompressed},
+    {kEktKey, "EKT Key", {}, ShowEktKey}, {kNextProtocol, "Next Protocol", kNext},
+    {kChannelId, "Encrypted Extensions (Channel ID)", {}, ShowChannelId}, {kMessageHash, "Message Hash", kHash}});
 
 struct MessageHeader {
   Field type, length;

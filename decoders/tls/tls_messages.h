@@ -11,8 +11,10 @@ enum TlsMessageType : uint32_t {
   kHelloRequest = 0, kClientHello = 1, kServerHello = 2, kHelloVerifyRequest = 3, kNewSessionTicket = 4,
   kEndOfEarlyData = 5, kHelloRetryRequest = 6, kEncryptedExtensions = 8, kRequestConnectionId = 9,
   kNewConnectionId = 10, kCertificate = 11, kServerKeyExchange = 12, kCertificateRequest = 13, kServerHelloDone = 14,
-  kCertificateVerify = 15, kClientKeyExchange = 16, kFinished = 20, kCertificateUrl = 21, kCertificateStatus = 22,
-  kSupplementalData = 23, kKeyUpdate = 24, kCompressedCertificate = 25, kNextProtocol = 67, kMessageHash = 254,
+  kCertificateVerify = 15, kClientKeyExchange = 16, kClientCertificateRequest = 17,
+  kFinished = 20, kCertificateUrl = 21, kCertificateStatus = 22,
+  kSupplementalData = 23, kKeyUpdate = 24, kCompressedCertificate = 25, kEktKey = 26,
+  kNextProtocol = 67, kChannelId = 203, kMessageHash = 254,
 };
 
 // A message while it is shown. Its rows keep their values here.
@@ -42,6 +44,15 @@ void ShowCertificateRequest(const Place& in, Cursor& c, TlsMessage& message);
 // Distinguished names, each behind its length (RFC 8446 4.2.4, RFC 5246 7.4.4).
 void ShowTlsAuthorities(const Place& in, Cursor& c, TlsMessage& message);
 void ShowTimestampList(const Place& in, Cursor& c);   // of certificate transparency (RFC 6962 3.3)
+
+// Of what is rarely met.
+void ShowTransparencyItems(const Place& in, Cursor& c, TlsMessage& message);
+void ShowTicketPinning(const Place& in, Cursor& c, TlsMessage& message);
+void ShowEktCiphers(const Place& in, Cursor& c, TlsMessage& message);
+void ShowEktKey(const Place& in, Cursor& c, TlsMessage& message);
+void ShowChannelId(const Place& in, Cursor& c, TlsMessage& message);
+void ShowSupplementalData(const Place& in, Cursor& c, TlsMessage& message);
+void ShowReturnRoutability(const Place& in, Cursor& c);   // a record's content
 
 inline Field TakeSize(Cursor& c, int32_t size) { return size == 1 ? TakeU8(c) : size == 2 ? TakeU16(c) : TakeU24(c); }
 

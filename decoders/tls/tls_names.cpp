@@ -28,7 +28,8 @@ constexpr auto kMessages = SortedNames({
     {23, "Supplemental Data"}, {24, "Key Update"}, {25, "Compressed Certificate"}, {26, "EKT Key"},
     {67, "Next Protocol"}, {203, "Encrypted Extensions (Channel ID)"}, {254, "Message Hash"}});
 constexpr auto kAlerts = SortedNames({
-    {0, "close_notify"}, {10, "unexpected_message"}, {20, "bad_record_mac"}, {21, "decryption_failed"},
+    {0, "close_notify"}, {1, "end_of_early_data (drafts)"}, {10, "unexpected_message"}, {20, "bad_record_mac"},
+    {21, "decryption_failed"},
     {22, "record_overflow"}, {30, "decompression_failure"}, {40, "handshake_failure"}, {41, "no_certificate"},
     {42, "bad_certificate"}, {43, "unsupported_certificate"}, {44, "certificate_revoked"}, {45, "certificate_expired"},
     {46, "certificate_unknown"}, {47, "illegal_parameter"}, {48, "unknown_ca"}, {49, "access_denied"},
@@ -64,7 +65,8 @@ constexpr auto kGroups = SortedNames({
     {0xFE32, "X25519Kyber768Draft00 (experimental)"}, {0xFF01, "arbitrary_explicit_prime_curves"},
     {0xFF02, "arbitrary_explicit_char2_curves"}});
 constexpr auto kSchemes = SortedNames({
-    {0x0101, "rsa_md5"}, {0x0201, "rsa_pkcs1_sha1"}, {0x0202, "dsa_sha1"}, {0x0203, "ecdsa_sha1"}, {0x0301, "rsa_sha224"},
+    {0x0101, "rsa_md5"}, {0x0201, "rsa_pkcs1_sha1"}, {0x0202, "dsa_sha1"}, {0x0203, "ecdsa_sha1"},
+    {0x0301, "rsa_sha224"},
     {0x0302, "dsa_sha224"}, {0x0303, "ecdsa_sha224"}, {0x0401, "rsa_pkcs1_sha256"}, {0x0402, "dsa_sha256"},
     {0x0403, "ecdsa_secp256r1_sha256"}, {0x0420, "rsa_pkcs1_sha256_legacy"}, {0x0501, "rsa_pkcs1_sha384"},
     {0x0502, "dsa_sha384"}, {0x0503, "ecdsa_secp384r1_sha384"}, {0x0520, "rsa_pkcs1_sha384_legacy"},
@@ -83,7 +85,8 @@ constexpr auto kSchemes = SortedNames({
     {0x091A, "slhdsa_shake_192f"}, {0x091B, "slhdsa_shake_256s"}, {0x091C, "slhdsa_shake_256f"},
     {0xEEEE, "gostr34102012_256_intrinsic"}, {0xEFEF, "gostr34102012_512_intrinsic"}});
 constexpr auto kHashes = SortedNames({
-    {0, "none"}, {1, "md5"}, {2, "sha1"}, {3, "sha224"}, {4, "sha256"}, {5, "sha384"}, {6, "sha512"}, {8, "Intrinsic"}});
+    {0, "none"}, {1, "md5"}, {2, "sha1"}, {3, "sha224"}, {4, "sha256"}, {5, "sha384"}, {6, "sha512"},
+    {8, "Intrinsic"}});
 constexpr auto kSignatures = SortedNames({
     {0, "anonymous"}, {1, "rsa"}, {2, "dsa"}, {3, "ecdsa"}, {7, "ed25519"}, {8, "ed448"}, {64, "gostr34102012_256"},
     {65, "gostr34102012_512"}});
@@ -96,10 +99,15 @@ constexpr auto kPskModes = SortedNames({{0, "psk_ke"}, {1, "psk_dhe_ke"}});
 constexpr auto kCertificateTypes = SortedNames({{0, "X509"}, {1, "OpenPGP"}, {2, "Raw Public Key"}, {3, "1609Dot2"}});
 constexpr auto kClientCertificateTypes = SortedNames({
     {1, "rsa_sign"}, {2, "dss_sign"}, {3, "rsa_fixed_dh"}, {4, "dss_fixed_dh"}, {5, "rsa_ephemeral_dh"},
-    {6, "dss_ephemeral_dh"}, {20, "fortezza_dms"}, {22, "gost_sign (legacy)"}, {64, "ecdsa_sign"},
-    {65, "rsa_fixed_ecdh"}, {66, "ecdsa_fixed_ecdh"}, {67, "gost_sign256"}, {68, "gost_sign512"}});
+    {6, "dss_ephemeral_dh"}, {20, "fortezza_dms"}, {21, "gost_sign94 (legacy)"}, {22, "gost_sign (legacy)"},
+    {64, "ecdsa_sign"},
+    {65, "rsa_fixed_ecdh"}, {66, "ecdsa_fixed_ecdh"}, {67, "gost_sign256"}, {68, "gost_sign512"},
+    {80, "ibc_params"}});
+constexpr auto kMappings = SortedNames({{64, "upn_domain_hint"}});
+constexpr auto kAuthorizations = SortedNames({
+    {0, "x509_attr_cert"}, {1, "saml_assertion"}, {2, "x509_attr_cert_url"}, {3, "saml_assertion_url"},
+    {64, "keynote_assertion_list"}, {65, "keynote_assertion_list_url"}, {66, "dtcp_authorization"}});
 constexpr auto kStatusTypes = SortedNames({{1, "ocsp"}, {2, "ocsp_multi"}});
-constexpr auto kSupplementals = SortedNames({{0, "user_mapping_data"}, {16386, "authz_data"}});
 constexpr auto kExtensions = SortedNames({
     {0, "server_name"}, {1, "max_fragment_length"}, {2, "client_certificate_url"}, {3, "trusted_ca_keys"},
     {4, "truncated_hmac"}, {5, "status_request"}, {6, "user_mapping"}, {7, "client_authz"}, {8, "server_authz"},
@@ -110,8 +118,10 @@ constexpr auto kExtensions = SortedNames({
     {25, "cached_info"}, {26, "tls_lts"}, {27, "compress_certificate"}, {28, "record_size_limit"}, {29, "pwd_protect"},
     {30, "pwd_clear"}, {31, "password_salt"}, {32, "ticket_pinning"}, {33, "tls_cert_with_extern_psk"},
     {34, "delegated_credential"}, {35, "session_ticket"}, {36, "TLMSP"}, {37, "TLMSP_proxying"},
-    {38, "TLMSP_delegate"}, {39, "supported_ekt_ciphers"}, {41, "pre_shared_key"}, {42, "early_data"},
-    {43, "supported_versions"}, {44, "cookie"}, {45, "psk_key_exchange_modes"}, {47, "certificate_authorities"},
+    {38, "TLMSP_delegate"}, {39, "supported_ekt_ciphers"}, {40, "key_share (drafts)"}, {41, "pre_shared_key"},
+    {42, "early_data"},
+    {43, "supported_versions"}, {44, "cookie"}, {45, "psk_key_exchange_modes"}, {46, "ticket_early_data_info (drafts)"},
+    {47, "certificate_authorities"},
     {48, "oid_filters"}, {49, "post_handshake_auth"}, {50, "signature_algorithms_cert"}, {51, "key_share"},
     {52, "transparency_info"}, {53, "connection_id (deprecated)"}, {54, "connection_id"}, {55, "external_id_hash"},
     {56, "external_session_id"}, {57, "quic_transport_parameters"}, {58, "ticket_request"}, {59, "dnssec_chain"},
@@ -119,7 +129,8 @@ constexpr auto kExtensions = SortedNames({
     {17513, "application_settings"}, {17613, "application_settings (new)"}, {30031, "channel_id (old)"},
     {30032, "channel_id"}, {0xFD00, "ech_outer_extensions"}, {0xFE0D, "encrypted_client_hello"},
     {0xFF01, "renegotiation_info"}, {0xFFA5, "quic_transport_parameters (drafts)"}, {0xFFCE, "encrypted_server_name"}});
-constexpr auto kKdfs = SortedNames({{1, "HKDF-SHA256"}, {2, "HKDF-SHA384"}, {3, "HKDF-SHA512"}});
+constexpr auto kKdfs = SortedNames({{1, "HKDF-SHA256"}, {2, "HKDF-SHA384"}, {3, "HKDF-SHA512"}, {0x0010, "SHAKE128"}, {0x0011, "SHAKE256"},
+    {0x0012, "TurboSHAKE128"}, {0x0013, "TurboSHAKE256"}});
 constexpr auto kAeads = SortedNames({
     {1, "AES-128-GCM"}, {2, "AES-256-GCM"}, {3, "ChaCha20Poly1305"}, {0xFFFF, "Export-only"}});
 constexpr auto kKems = SortedNames({
@@ -128,7 +139,7 @@ constexpr auto kKems = SortedNames({
     {0x0015, "DHKEM(CP-521, HKDF-SHA512)"}, {0x0016, "DHKEM(secp256k1, HKDF-SHA256)"},
     {0x0020, "DHKEM(X25519, HKDF-SHA256)"}, {0x0021, "DHKEM(X448, HKDF-SHA512)"},
     {0x0030, "X25519Kyber768Draft00"}, {0x0040, "ML-KEM-512"}, {0x0041, "ML-KEM-768"}, {0x0042, "ML-KEM-1024"},
-    {0x647A, "X-Wing"}});
+    {0x0050, "MLKEM768-P256"}, {0x0051, "MLKEM1024-P384"}, {0x647A, "X-Wing"}});
 constexpr auto kSrtpProfiles = SortedNames({
     {1, "SRTP_AES128_CM_HMAC_SHA1_80"}, {2, "SRTP_AES128_CM_HMAC_SHA1_32"}, {3, "SRTP_AES256_CM_SHA1_80"},
     {4, "SRTP_AES256_CM_SHA1_32"}, {5, "SRTP_NULL_HMAC_SHA1_80"}, {6, "SRTP_NULL_HMAC_SHA1_32"},
@@ -177,7 +188,8 @@ const char* TlsCertificateTypeName(uint32_t type) { return LookupName(kCertifica
 const char* TlsClientCertificateTypeName(uint32_t type) { return LookupName(kClientCertificateTypes, type); }
 const char* TlsStatusTypeName(uint32_t type) { return LookupName(kStatusTypes, type); }
 const char* TlsExtensionName(uint32_t type) { return OrGrease(kExtensions, type); }
-const char* TlsSupplementalName(uint32_t type) { return LookupName(kSupplementals, type); }
+const char* TlsMappingName(uint32_t type) { return LookupName(kMappings, type); }
+const char* TlsAuthorizationName(uint32_t format) { return LookupName(kAuthorizations, format); }
 const char* TlsKdfName(uint32_t kdf) { return LookupName(kKdfs, kdf); }
 const char* TlsAeadName(uint32_t aead) { return LookupName(kAeads, aead); }
 const char* TlsKemName(uint32_t kem) { return LookupName(kKems, kem); }

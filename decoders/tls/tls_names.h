@@ -30,7 +30,8 @@ const char* TlsCertificateTypeName(uint32_t type);   // X.509, raw public key
 const char* TlsClientCertificateTypeName(uint32_t type);   // of a request: rsa_sign, ecdsa_sign
 const char* TlsStatusTypeName(uint32_t type);
 const char* TlsExtensionName(uint32_t type);
-const char* TlsSupplementalName(uint32_t type);
+const char* TlsMappingName(uint32_t type);           // of users
+const char* TlsAuthorizationName(uint32_t format);
 const char* TlsKdfName(uint32_t kdf);                // of hybrid public key encryption (RFC 9180)
 const char* TlsAeadName(uint32_t aead);
 const char* TlsKemName(uint32_t kem);

@@ -84,6 +84,19 @@ void ShowHeartbeat(const Place& in, Cursor& c) {
   else AddLine(in, padding, "Payload: %s", HexText(padding));
 }
 
+// Of DTLS 1.3 (RFC 9147 7).
+void ShowAck(const Place& in, Cursor& body) {
+  const Field length = TakeU16(body);
+  AddLine(in, length, "Record Numbers Length: %u", length.value);
+  Cursor list = TakeCursor(body, length.value);
+  Loop loop;
+  while (MoreAt(in, list, loop)) {
+    const WideField epoch = TakeU64(list), sequence = TakeU64(list);
+    AddLine(in, epoch, "Acknowledged Epoch: %I64u", epoch.wide);
+    AddLine(in, sequence, "Acknowledged Sequence Number: %I64u", sequence.wide);
+  }
+}
+
 bool IsEncrypted(const TlsRecord& record, const TlsMark& mark, const Cursor& body) {
   switch (record.type) {
     case kTlsChangeCipherSpec: return record.length != 1;
@@ -214,6 +227,10 @@ void ShowTlsContent(const Place& in, TlsSession& session, const TlsRecord& recor
   } else if (type == kTlsHandshakeType) {
     TlsHandshake handshake = HandshakeOf(session, record.isDatagram ? TlsCarrier::kDatagrams : TlsCarrier::kRecords);
     ShowTlsMessages(in, body, handshake);
+  } else if (type == kTlsAck && record.isDatagram) {
+    ShowAck(in, body);
+  } else if (type == kTlsReturnRoutability && record.isDatagram) {
+    ShowReturnRoutability(in, body);
   }
   body.ranShort = false;
   AddBlock(in, Rest(body), "Data");
