@@ -8,22 +8,31 @@
 // delay since (4).
 #include "decoders/app/rtcp.h"
 
-#include "core/decoder.h"
+#include "core/rows.h"
 #include "decoders/app/rtcp_feedback.h"
 
 namespace qxview {
 namespace {
 
 constexpr auto kItemNames = SortedNames({{0, "END"}, {1, "CNAME"}, {2, "NAME"}, {3, "EMAIL"}, {4, "PHONE"}, {5, "LOC"},
-                                         {6, "TOOL"}, {7, "NOTE"}, {8, "PRIV"}});
+                                         {6, "TOOL"}, {7, "NOTE"}, {8, "PRIV"}, {9, "H323-CADDR"}, {10, "APSI"}, {11, "RGRP"},
+                                         {12, "RtpStreamId"}, {13, "RepairedRtpStreamId"}, {14, "CCID"}, {15, "MID"}});
 constexpr auto kTransportFeedbackNames = SortedNames({{1, "Generic NACK"}, {3, "TMMBR"}, {4, "TMMBN"},
                                                       {5, "RTCP-SR-REQ"}, {6, "RAMS"}, {7, "TLLEI"},
                                                       {8, "RTCP-ECN-FB"}, {9, "PAUSE-RESUME"}, {10, "DBI"}, {11, "CCFB"},
                                                       {15, "Transport-Wide"}});
 constexpr auto kPayloadFeedbackNames = SortedNames({{1, "PLI"}, {2, "SLI"}, {3, "RPSI"}, {4, "FIR"}, {5, "TSTR"},
                                                     {6, "TSTN"}, {7, "VBCM"}, {8, "PSLEI"}, {9, "ROI"},
-                                                    {15, "Application Layer Feedback"}});
+                                                    {10, "LRR"}, {15, "Application Layer Feedback"}});
 uint32_t Millionths(uint32_t fraction) { return static_cast<uint32_t>(uint64_t{fraction} * 1000000 >> 32); }
+
+constexpr auto kTime = Rows<NoValues>({NtpTime("UTC")});
+constexpr auto kTimeParts = Rows<NoValues>({Number(4, "Seconds"), Number(4, "Fraction")});
+constexpr auto kItem = Rows<NoValues>({Number(1, "Type", kItemNames), Number(1, "Length"), Utf8(0, "Text")});
+constexpr auto kPrivateItem = Rows<NoValues>({
+    Number(1, "Type", kItemNames), Number(1, "Length"), Counted(1, Utf8(0, "Prefix")), Utf8(0, "Text")});
+
+constexpr auto kReason = Rows<NoValues>({Number(1, "Length"), Utf8(0, "Text")});
 
 void AddSource(const Place& in, Cursor& c, const char* who) {
   const Field source = TakeU32(c);
@@ -34,7 +43,11 @@ void DecodeSenderInformation(const Place& in, Cursor& c) {
   const Field time = TakeBytes(c, 8);
   if (time.here) {
     const uint32_t seconds = PeekU32(time), fraction = PeekU32(time, 4);
-    AddLine(in, time, "NTP Time: %u.%.06u seconds (0x%.08X %.08X)", seconds, Millionths(fraction), seconds, fraction);
+    const Place under = Under(in, AddLine(in, time, "NTP Time: %u.%.06u seconds (0x%.08X %.08X)", seconds,
+                                          Millionths(fraction), seconds, fraction));
+    Cursor parts = CursorOver(time), whole = parts;
+    ShowRows(under, whole, kTime);
+    ShowRows(under, parts, kTimeParts);
   }
   const Field timestamp = TakeU32(c);
   AddLine(in, timestamp, "RTP Timestamp: %u", timestamp.value);
@@ -77,6 +90,7 @@ void DecodeReport(const Place& in, Cursor& c, const RtcpHeader& header) {
 
 // A chunk's items; the zero one that ends it is filled up to the next word.
 void DecodeChunk(const Place& at, Cursor& c, uint32_t number) {
+  constexpr uint32_t kPrivate = 8;
   const int32_t start = c.offset;
   const Place in = Under(at, AddLine(at, Ahead(c, 0), "Chunk %u:", number));
   AddSource(in, c, "SSRC");
@@ -93,8 +107,11 @@ void DecodeChunk(const Place& at, Cursor& c, uint32_t number) {
     const Field length = TakeU8(c);
     const Field text = TakeBytes(c, length.value);
     if (text.here) {
-      AddLine(in, Ahead(item, 2 + text.length), "Item: %u = %s, \"%s\"", type.value,
-              LookupName(kItemNames, type.value), Text(text));
+      const Place under = Under(in, AddLine(in, Ahead(item, 2 + text.length), "Item: %u = %s, \"%s\"", type.value,
+                                            LookupName(kItemNames, type.value), Text(text)));
+      Cursor parts = CursorOver(PeekBytes(item, 0, 2 + text.length));
+      if (type.value == kPrivate) ShowRows(under, parts, kPrivateItem);
+      else ShowRows(under, parts, kItem);
     }
   }
   if (!in.dead) SetRange(in, in.parent, start, c.offset - start);
@@ -111,7 +128,11 @@ void DecodeGoodbye(const Place& in, Cursor& c, uint32_t sources) {
   if (Left(c) < 1) return;
   const Cursor reason = c;
   const Field text = TakeBytes(c, TakeU8(c).value);
-  if (text.here) AddLine(in, Ahead(reason, 1 + text.length), "Reason: \"%s\"", Text(text));
+  if (text.here) {
+    const Place under = Under(in, AddLine(in, Ahead(reason, 1 + text.length), "Reason: \"%s\"", Text(text)));
+    Cursor parts = CursorOver(PeekBytes(reason, 0, 1 + text.length));
+    ShowRows(under, parts, kReason);
+  }
   if (text.here && Left(c) < 4) TakeBytes(c, Left(c));   // up to the next word
 }
 
@@ -148,6 +169,9 @@ const char* CountName(uint32_t type) {
     case kRtcpApplication: return "Subtype";
     case kRtcpTransportFeedback:
     case kRtcpPayloadFeedback: return "Feedback Message Type";
+    case 195: return "Item Count";
+    case 210: return "Sub-Message Type";
+    case 212: return "Reporting Source Count";
     default: return "Reserved";
   }
 }
@@ -186,7 +210,7 @@ void DecodeBody(const Place& in, Cursor& c, const RtcpHeader& header) {
     case kRtcpTransportFeedback:
     case kRtcpPayloadFeedback: DecodeFeedback(in, c, header); break;
     case kRtcpExtendedReport: DecodeExtendedReport(in, c); break;
-    default: break;
+    default: DecodeRtcpOther(in, c, header.type, header.count); break;
   }
   AddBlock(in, Rest(c), "Packet Data");
 }
@@ -203,14 +227,31 @@ void DecodePacket(const Place& at, Cursor c, const RtcpHeader& header) {
   AddBlock(in, Rest(c), "Padding");
 }
 
-// Types 192 to 223 are RTCP's (RFC 5761).
-bool IsRtcpHeader(const RtcpHeader& header) { return header.version == 2 && header.type >= 192 && header.type <= 223; }
+// Header and first source in clear, the rest encrypted, the index, a tag (RFC 3711 3.4; RFC 7714 has the tag in front of
+// the index, where it belongs to the ciphertext).
+int32_t DecodeProtected(const Place& at, Cursor c, int32_t indexAt) {
+  static constexpr auto kIndex = Rows<NoValues>({Word(4), Flag(0, "Encrypted"), Bits(1, 31, "SRTCP Index")});
+  RtcpHeader header;
+  ReadRtcpHeader(c, &header);
+  const char* name = RtcpTypeName(header.type);
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "SRTCP: %s", name ? name : kUnknown));
+  AddHeaderLines(in, c, header);
+  AddSource(in, c, "Sender SSRC");
+  const int32_t encrypted = indexAt - Taken(c);
+  const Field data = TakeBytes(c, encrypted);
+  if (encrypted > 0) AddBlock(in, data, "Encrypted Data");
+  ShowRows(in, c, kIndex);
+  const Field tag = Rest(c);
+  if (tag.here) AddLine(in, tag, "Authentication Tag: %s", HexText(tag));
+  return 1;
+}
 
 }  // namespace
 
 int32_t DecodeRtcp(const Place& at, Cursor c) {
   RtcpHeader header;
   if (!ReadRtcpHeader(c, &header) || !IsRtcpHeader(header)) return 0;
+  if (const int32_t index = SrtcpIndexAt(c); index > 0) return DecodeProtected(at, c, index);
   Loop loop;
   while (MoreAt(at, c, loop)) {
     if (!ReadRtcpHeader(c, &header) || !IsRtcpHeader(header)) break;

@@ -33,6 +33,13 @@ struct RtcpCompound {
 // the first of types 200 to 204, padding on the last alone.
 bool ParseRtcp(const uint8_t* data, int32_t length, RtcpCompound* out);
 
+// Types 192 to 223 are RTCP's (RFC 5761).
+bool IsRtcpHeader(const RtcpHeader& header);
+
+// Where the index of SRTCP stands in what is no compound in clear: before a tag of 10 or 4 bytes, or last (RFC 3711 3.4,
+// RFC 7714 9); 0 where none is seen. The index counts packets, so its high bits are taken to be unset.
+int32_t SrtcpIndexAt(const Cursor& c);
+
 // "Sender Report" for 200 and so on; null for a type that has no name.
 const char* RtcpTypeName(uint32_t type);
 

@@ -1,5 +1,4 @@
-// Feedback of RTCP (RFC 4585, RFC 5104, RFC 6679, RFC 7728, RFC 8888, and what browsers send without an RFC) and its
-// extended reports (RFC 3611).
+// Feedback of RTCP (RFC 4585, RFC 5104, RFC 6679, RFC 7728, RFC 8888, and what browsers send without an RFC).
 #include "decoders/app/rtcp_feedback.h"
 
 #include "core/elements.h"
@@ -26,21 +25,28 @@ constexpr auto kEcnNames = SortedNames({{0, "Not-ECT"}, {1, "ECT(1)"}, {2, "ECT(
 constexpr auto kChunkNames = SortedNames({{0, "Run Length"}, {1, "Status Vector"}});
 constexpr auto kStatusNames = SortedNames({
     {0, "Not Received"}, {1, "Received, Small Delta"}, {2, "Received, Large or Negative Delta"}, {3, "Reserved"}});
-constexpr auto kHopNames = SortedNames({{0, "None"}, {1, "IPv4 Time to Live"}, {2, "IPv6 Hop Limit"}});
-constexpr auto kConcealmentNames = SortedNames({
-    {0, "Unspecified"}, {1, "Disabled"}, {2, "Enhanced"}, {3, "Standard"}});
-constexpr auto kJitterNames = SortedNames({
-    {0, "Unknown"}, {1, "Reserved"}, {2, "Non-Adaptive"}, {3, "Adaptive"}});
 
 void ShowEach(const Place& in, Cursor& c, RowSpan<Feedback> rows, int32_t size, Feedback& feedback) {
   Loop loop;
   while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Feedback>(in, c, rows, feedback);
 }
 
+// Mantissa and exponent of six bits as one number; the fields follow.
+template <uint32_t kMantissaBits, uint32_t kBitsBehind>
+void ShowRate(const Place& in, Cursor& c, const char* label, Feedback&) {
+  constexpr int32_t kSize = static_cast<int32_t>((6 + kMantissaBits + kBitsBehind) / 8);
+  const uint32_t word = kSize == 4 ? PeekU32(c) : PeekU24(c);
+  const uint32_t exponent = word >> (kMantissaBits + kBitsBehind);
+  const uint64_t mantissa = word >> kBitsBehind & ((1u << kMantissaBits) - 1);
+  if (Left(c) < kSize || exponent > 45) return;
+  AddLine(in, Ahead(c, kSize), "%s: %I64u bits/s", label, mantissa << exponent);   // keys: number Maximum Bit Rate, Bit Rate
+}
+
 constexpr auto kLoss = Rows<Feedback>({
     Number(2, "Packet ID").Note(", %u"), Hex(2, "Bit Mask of Following Lost Packets")});
 constexpr auto kRate = Rows<Feedback>({
-    Hex(4, "SSRC"), Word(4), Bits(0, 6, "Exponent"), Bits(6, 17, "Mantissa"), Bits(23, 9, "Measured Overhead")});
+    Hex(4, "SSRC"), Shown<Feedback>("Maximum Bit Rate", ShowRate<17, 9>), Word(4), Bits(0, 6, "Exponent"), Bits(6, 17, "Mantissa"),
+    Bits(23, 9, "Measured Overhead")});
 constexpr auto kAcquisition = Rows<Feedback>({
     Number(1, "Subformat", kAcquisitionNames).Note(", %s"), Hex(3, "Reserved")});
 constexpr auto kAcquisitionReply = Rows<Feedback>({
@@ -74,6 +80,8 @@ constexpr auto kMetric = Rows<Feedback>({
 constexpr auto kWide = Rows<Feedback>({
     Number(2, "Base Sequence").Note(", Sequence %u"), Number(2, "Packet Status Count").Into(&Feedback::count),
     Number(3, "Reference Time", " * 64 milliseconds"), Number(1, "Feedback Packet Count")});
+constexpr auto kBudget = Rows<Feedback>({   // 3GPP TS 26.114 7.3.8
+    Number(2, "Delay Budget", " milliseconds"), Word(2), Flag(0, "Sign"), Flag(1, "Query"), Bits(2, 14, "Reserved")});
 constexpr auto kSlice = Rows<Feedback>({
     Word(4), Bits(0, 13, "First Macroblock"), Bits(13, 13, "Number of Macroblocks"), Bits(26, 6, "Picture ID")});
 constexpr auto kPicture = Rows<Feedback>({
@@ -86,7 +94,8 @@ constexpr auto kBackChannel = Rows<Feedback>({
     Counted(2, Bytes(0, "Message"))});
 constexpr auto kSource = Rows<Feedback>({Hex(4, "SSRC")});
 constexpr auto kBitrate = Rows<Feedback>({
-    Text(4, "Unique Identifier"), Number(1, "SSRC Count"), Word(3), Bits(0, 6, "Exponent"), Bits(6, 18, "Mantissa")});
+    Text(4, "Unique Identifier"), Number(1, "SSRC Count"), Shown<Feedback>("Bit Rate", ShowRate<18, 0>), Word(3),
+    Bits(0, 6, "Exponent"), Bits(6, 18, "Mantissa")});
 
 void ShowPauses(const Place& in, Cursor& c, Feedback& feedback) {
   Loop loop;
@@ -112,25 +121,59 @@ void ShowCongestion(const Place& in, Cursor& c, Feedback& feedback) {
   ShowRows<Feedback>(in, c, kTime, feedback);
 }
 
-// Chunks tell of each packet whether it came, a delta of one octet or two stands behind for each that did.
-void ShowTransportWide(const Place& in, Cursor& c, Feedback& feedback) {
-  constexpr uint32_t kVector = 0x8000, kLargeSymbols = 0x4000;
-  static constexpr auto kRun = Rows<Feedback>({
-      Word(2), Bits(0, 1, "Chunk Type", kChunkNames), Bits(1, 2, "Packet Status", kStatusNames), Bits(3, 13, "Run Length")});
-  static constexpr auto kSymbols = Rows<Feedback>({
-      Word(2), Bits(0, 1, "Chunk Type", kChunkNames), Bits(1, 1, "Symbol Size"), Bits(2, 14, "Symbols")});
-  ShowRows<Feedback>(in, c, kWide, feedback);
-  uint32_t left = feedback.count.value;
-  Loop loop;
-  while (left > 0 && Left(c) >= 2 && MoreAt(in, c, loop)) {
-    const uint32_t chunk = PeekU16(c);
-    const bool isVector = chunk & kVector;
-    ShowRows<Feedback>(in, c, isVector ? RowSpan<Feedback>(kSymbols) : RowSpan<Feedback>(kRun), feedback);
-    const uint32_t told = !isVector ? chunk & 0x1FFF : chunk & kLargeSymbols ? 7 : 14;
-    left = told < left ? left - told : 0;
+// What a chunk of two octets tells of the packets that follow one another from its first one on.
+struct StatusChunk {
+  uint32_t chunk;
+  bool IsVector() const { return chunk & 0x8000; }
+  bool HasLargeSymbols() const { return chunk & 0x4000; }
+  uint32_t Packets() const { return !IsVector() ? chunk & 0x1FFF : HasLargeSymbols() ? 7 : 14; }
+  uint32_t StatusOf(uint32_t packet) const {
+    if (!IsVector()) return chunk >> 13 & 3;
+    return HasLargeSymbols() ? chunk >> (12 - 2 * packet) & 3 : chunk >> (13 - packet) & 1;
   }
-  const Field deltas = Rest(c);
-  if (deltas.here) AddLine(in, deltas, "Receive Deltas: %s", HexText(deltas));
+};
+constexpr auto kRun = Rows<Feedback>({
+    Word(2), Bits(0, 1, "Chunk Type", kChunkNames), Bits(1, 2, "Packet Status", kStatusNames), Bits(3, 13, "Run Length")});
+constexpr auto kSymbols = Rows<Feedback>({
+    Word(2), Bits(0, 1, "Chunk Type", kChunkNames), Bits(1, 1, "Symbol Size"), Bits(2, 14, "Symbols")});
+
+// The octet or two that stand behind the chunks for each packet that came: a quarter of a millisecond each.
+void ShowDelta(const Place& in, Cursor& c, uint32_t sequence, uint32_t status) {
+  const bool isSmall = status == 1;
+  const Field delta = isSmall ? TakeU8(c) : TakeU16(c);
+  const int32_t quarters = isSmall ? static_cast<int32_t>(delta.value) : static_cast<int16_t>(delta.value);
+  AddLine(in, delta, "Receive Delta: %d * 250 microseconds, Sequence %u", quarters, sequence & 0xFFFF);
+}
+
+// Chunks tell of each packet whether it came, the deltas behind them when.
+void ShowTransportWide(const Place& in, Cursor& c, Feedback& feedback) {
+  const uint32_t first = PeekU16(c);
+  ShowRows<Feedback>(in, c, kWide, feedback);
+  const uint32_t count = feedback.count.value;
+  Cursor chunks = c;
+  Loop loop;
+  for (uint32_t told = 0; told < count && Left(c) >= 2 && MoreAt(in, c, loop);) {
+    const StatusChunk chunk{PeekU16(c)};
+    const Place under = Under(in, AddLine(in, Ahead(c, 2), "Packet Chunk: %u packets from %u on", chunk.Packets(),
+                                          (first + told) & 0xFFFF));
+    const Field word = Ahead(c, 2);
+    ShowRows<Feedback>(under, c, chunk.IsVector() ? RowSpan<Feedback>(kSymbols) : RowSpan<Feedback>(kRun), feedback);
+    for (uint32_t i = 0; chunk.IsVector() && i < chunk.Packets() && told + i < count; ++i) {
+      AddLine(under, word, "Packet %u: %s", (first + told + i) & 0xFFFF, LookupName(kStatusNames, chunk.StatusOf(i)));
+    }
+    told += chunk.Packets();
+  }
+  chunks.left = c.offset - chunks.offset;
+  for (uint32_t told = 0; told < count && Left(chunks) >= 2;) {
+    const StatusChunk chunk{TakeU16(chunks).value};
+    for (uint32_t i = 0; i < chunk.Packets() && told < count; ++i, ++told) {
+      const uint32_t status = chunk.StatusOf(i);
+      if (Left(c) < 1 || PacketOf(in).limitReached) return;
+      if (status == 1 || status == 2) ShowDelta(in, c, first + told, status);
+    }
+  }
+  const Field padding = Rest(c);
+  if (padding.here) AddLine(in, padding, "Padding: %s", HexText(padding));
 }
 
 void ShowAcquisition(const Place& in, Cursor& c, Feedback& feedback) {
@@ -163,6 +206,7 @@ void ShowTransport(const Place& in, Cursor& c, uint32_t format, Feedback& feedba
     case 6: ShowAcquisition(in, c, feedback); break;
     case 8: ShowRows<Feedback>(in, c, kEcn, feedback); break;
     case 9: ShowPauses(in, c, feedback); break;
+    case 10: ShowRows<Feedback>(in, c, kBudget, feedback); break;
     case kRtcpCongestionFeedback: ShowCongestion(in, c, feedback); break;
     case 15: ShowTransportWide(in, c, feedback); break;
     default: break;
@@ -188,77 +232,12 @@ void ShowPayload(const Place& in, Cursor& c, uint32_t format, Feedback& feedback
   }
 }
 
-// --- Extended reports ---
-
-constexpr auto kSpan = Rows<Feedback>({Hex(4, "SSRC"), Number(2, "Begin Sequence"), Number(2, "End Sequence")});
-constexpr auto kRunChunk = Rows<Feedback>({Hex(2, "Chunk")});
-constexpr auto kReceipt = Rows<Feedback>({Number(4, "Receipt Time")});
-constexpr auto kReference = Rows<Feedback>({NtpTime("NTP Timestamp")});
-constexpr auto kDelay = Rows<Feedback>({
-    Hex(4, "SSRC"), Hex(4, "Last RR Timestamp"), Number(4, "Delay Since Last RR", " / 65536 seconds")});
-constexpr auto kStatistics = Rows<Feedback>({
-    Number(4, "Lost Packets"), Number(4, "Duplicate Packets"), Number(4, "Minimum Jitter"), Number(4, "Maximum Jitter"),
-    Number(4, "Mean Jitter"), Number(4, "Jitter Deviation"), Number(1, "Minimum TTL or Hop Limit"),
-    Number(1, "Maximum TTL or Hop Limit"), Number(1, "Mean TTL or Hop Limit"), Number(1, "Deviation of TTL or Hop Limit")});
-constexpr auto kVoice = Rows<Feedback>({
-    Hex(4, "SSRC"), Number(1, "Loss Rate", " / 256"), Number(1, "Discard Rate", " / 256"),
-    Number(1, "Burst Density", " / 256"), Number(1, "Gap Density", " / 256"), Number(2, "Burst Duration", " milliseconds"),
-    Number(2, "Gap Duration", " milliseconds"), Number(2, "Round Trip Delay", " milliseconds"),
-    Number(2, "End System Delay", " milliseconds"), Signed(1, "Signal Level", " dBm"), Signed(1, "Noise Level", " dBm"),
-    Number(1, "Residual Echo Return Loss", " dB"), Number(1, "Gmin"), Number(1, "R Factor"), Number(1, "External R Factor"),
-    Number(1, "MOS-LQ", " / 10"), Number(1, "MOS-CQ", " / 10"), Word(1), Bits(0, 2, "Packet Loss Concealment", kConcealmentNames),
-    Bits(2, 2, "Jitter Buffer", kJitterNames), Bits(4, 4, "Jitter Buffer Rate"), Hex(1, "Reserved"),
-    Number(2, "Jitter Buffer Nominal Delay", " milliseconds"), Number(2, "Jitter Buffer Maximum Delay", " milliseconds"),
-    Number(2, "Jitter Buffer Absolute Maximum Delay", " milliseconds")});
-
-constexpr auto kReportNames = SortedNames({
-    {1, "Loss RLE"}, {2, "Duplicate RLE"}, {3, "Packet Receipt Times"}, {4, "Receiver Reference Time"}, {5, "DLRR"},
-    {6, "Statistics Summary"}, {7, "VoIP Metrics"}, {8, "RTCP XR"}, {9, "Texas Instruments Extended VoIP Quality"},
-    {10, "Post-Repair Loss RLE"}, {11, "Multicast Acquisition"}, {12, "IDMS"}, {13, "ECN Summary Report"},
-    {14, "Measurement Information"}, {15, "Packet Delay Variation Metrics"}, {16, "Delay Metrics"},
-    {17, "Burst/Gap Loss Summary Statistics"}, {18, "Burst/Gap Discard Summary Statistics"},
-    {19, "Frame Impairment Statistics Summary"}, {20, "Burst/Gap Loss Metrics"}, {21, "Burst/Gap Discard Metrics"},
-    {22, "MPEG2 Transport Stream PSI-Independent Decodability Statistics Metrics"}, {23, "De-Jitter Buffer Metrics"},
-    {24, "Discard Count Metrics"}, {25, "DRLE (Discard RLE Report)"}, {26, "BDR (Bytes Discarded Report)"},
-    {27, "RFISD (RTP Flows Initial Synchronization Delay)"}, {28, "RFSO (RTP Flows Synchronization Offset Metrics)"},
-    {29, "MOS Metrics"}, {30, "LCB (Loss Concealment Metrics)"}, {31, "CSB (Concealed Seconds Metrics)"},
-    {32, "MPEG2 Transport Stream PSI Decodability Statistics Metrics"}, {33, "Post-Repair Loss Count Metrics"},
-    {34, "Video Loss Concealment Metric"}, {35, "Independent Burst/Gap Discard Metrics"}});
-
-constexpr auto kRunHead = Rows<Feedback>({
-    Number(1, "Block Type", kReportNames), Word(1), Bits(0, 4, "Reserved"), Bits(4, 4, "Thinning")});
-constexpr auto kSummaryHead = Rows<Feedback>({
-    Number(1, "Block Type", kReportNames), Word(1), Flag(0, "Loss Report"), Flag(1, "Duplicate Report"), Flag(2, "Jitter"),
-    Bits(3, 2, "TTL or Hop Limit", kHopNames), Bits(5, 3, "Reserved")});
-constexpr auto kPlainHead = Rows<Feedback>({Number(1, "Block Type", kReportNames), Hex(1, "Type-Specific")});
-constexpr auto kLength = Rows<Feedback>({Number(2, "Block Length", " words")});
-
 }  // namespace
 
 void DecodeRtcpFeedback(const Place& in, Cursor& c, uint32_t packetType, uint32_t format) {
   Feedback feedback{};
   if (packetType == kRtcpTransportFeedback) ShowTransport(in, c, format, feedback);
   if (packetType == kRtcpPayloadFeedback) ShowPayload(in, c, format, feedback);
-}
-
-void DecodeRtcpReport(const Place& in, Cursor c) {
-  Feedback feedback{};
-  const uint32_t type = PeekU8(c);
-  const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "Report Block: %u = %s, %u bytes", type,
-                                        LookupName(kReportNames, type), Left(c)));
-  const bool hasRuns = type >= 1 && type <= 3;
-  ShowRows<Feedback>(under, c, hasRuns     ? RowSpan<Feedback>(kRunHead)
-                               : type == 6 ? RowSpan<Feedback>(kSummaryHead)
-                                           : RowSpan<Feedback>(kPlainHead), feedback);
-  ShowRows<Feedback>(under, c, kLength, feedback);
-  if (hasRuns || type == 6) ShowRows<Feedback>(under, c, kSpan, feedback);
-  if (type == 1 || type == 2) ShowEach(under, c, kRunChunk, 2, feedback);
-  if (type == 3) ShowEach(under, c, kReceipt, 4, feedback);
-  if (type == 4) ShowRows<Feedback>(under, c, kReference, feedback);
-  if (type == 5) ShowEach(under, c, kDelay, 12, feedback);
-  if (type == 6) ShowRows<Feedback>(under, c, kStatistics, feedback);
-  if (type == 7) ShowRows<Feedback>(under, c, kVoice, feedback);
-  AddBlock(under, Rest(c), "Report Block Data");
 }
 
 }  // namespace qxview

@@ -1,4 +1,4 @@
-// The bodies of RTCP's feedback messages and extended reports by their formats.
+// The bodies of RTCP's feedback messages and extended reports by their formats, and of the packets that few send.
 #pragma once
 #include "core/decoder.h"
 
@@ -10,5 +10,7 @@ constexpr uint32_t kRtcpCongestionFeedback = 11;   // of 205; each of its stream
 void DecodeRtcpFeedback(const Place& in, Cursor& c, uint32_t packetType, uint32_t format);
 // A block of an extended report (207), its header included.
 void DecodeRtcpReport(const Place& in, Cursor c);
+// What stands behind the header of a packet of the types 192 to 195 and 209 to 212; nothing for others.
+void DecodeRtcpOther(const Place& in, Cursor& c, uint32_t packetType, uint32_t count);
 
 }  // namespace qxview

@@ -4,14 +4,24 @@
 namespace qxview {
 namespace {
 
-constexpr auto kTypeNames = SortedNames({{kRtcpSenderReport, "Sender Report"},
+constexpr auto kTypeNames = SortedNames({{192, "Full Intra-Frame Request"},
+                                         {193, "Negative Acknowledgement"},
+                                         {194, "SMPTE Time Code"},
+                                         {195, "Extended Inter-Arrival Jitter Report"},
+                                         {kRtcpSenderReport, "Sender Report"},
                                          {kRtcpReceiverReport, "Receiver Report"},
                                          {kRtcpSourceDescription, "Source Description"},
                                          {kRtcpGoodbye, "Goodbye"},
                                          {kRtcpApplication, "Application-defined"},
                                          {kRtcpTransportFeedback, "Transport Layer Feedback"},
                                          {kRtcpPayloadFeedback, "Payload-Specific Feedback"},
-                                         {kRtcpExtendedReport, "Extended Report"}});
+                                         {kRtcpExtendedReport, "Extended Report"},
+                                         {208, "AVB RTCP Packet"},
+                                         {209, "Receiver Summary Information"},
+                                         {210, "Port Mapping"},
+                                         {211, "IDMS Settings"},
+                                         {212, "Reporting Group Reporting Sources"},
+                                         {213, "Splicing Notification"}});
 
 // Up to three zero bytes that fill the last word.
 bool IsFilling(const Field& filling) {
@@ -120,6 +130,24 @@ bool ParseRtcp(const uint8_t* data, int32_t length, RtcpCompound* out) {
     if (first) ReadReports(header, body, out);
   }
   return true;
+}
+
+bool IsRtcpHeader(const RtcpHeader& header) { return header.version == 2 && header.type >= 192 && header.type <= 223; }
+
+int32_t SrtcpIndexAt(const Cursor& c) {
+  constexpr int32_t kClear = 8, kIndex = 4;
+  constexpr uint32_t kEncrypted = 0x800;   // and eleven bits of the index
+  RtcpHeader header;
+  if (!ReadRtcpHeader(c, &header) || !IsRtcpHeader(header) || header.length < kClear || header.length > Left(c)) return 0;
+  Cursor walk = c;
+  while (ReadRtcpHeader(walk, &header) && IsRtcpHeader(header) && header.length <= Left(walk)) TakeBytes(walk, header.length);
+  if (Left(walk) == 0) return 0;
+  constexpr int32_t kTags[] = {10, 0, 4};
+  for (const int32_t tag : kTags) {
+    const int32_t at = Left(c) - tag - kIndex;
+    if (at >= kClear && PeekU32(c, at) >> 20 == kEncrypted) return at;
+  }
+  return 0;
 }
 
 }  // namespace qxview

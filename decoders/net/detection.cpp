@@ -2,6 +2,7 @@
 
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
+#include "decoders/app/rtcp.h"
 #include "decoders/app/stun.h"
 #include "decoders/ipsec/wireguard.h"
 #include "decoders/net/dynamic_udp.h"
@@ -16,6 +17,7 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kLearntOncRpc = 0x201008E, kLearntQuic = QX_OVER_UDP | kQuicProtocol;
+constexpr uint32_t kRtcpDetection = 2;   // of the first word of settings, as those of the next line
 constexpr uint32_t kMsrpcDetection = 8, kFixDetection = 16;   // of the first word of settings
 constexpr uint32_t kGiopDetection = 0x400;                    // of the second
 
@@ -120,6 +122,11 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   DynamicRecord record;
   if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
                                    nullptr, nullptr, &record)) {
+    if ((words.flags & kRtcpDetection) && SrtcpIndexAt(c) > 0) {   // media that STUN and DTLS have made way for
+      Learn(at.view, QX_OVER_UDP, kLearntRtcp, source, sourcePort, -1, -1, nullptr);
+      DecodeRecognised(at, c, kLearntRtcp);
+      return 1;
+    }
     if (LooksLikeDtls(c) || GoesOnAsDtls(at, c)) {
       DecodeRecognised(at, c, kDtlsProtocol);   // as with STUN
       return 1;
