@@ -3,6 +3,7 @@
 #include "core/decoder.h"
 #include "decoders/app/http_summary.h"
 #include "decoders/app/layer_summaries.h"
+#include "decoders/app/rtcp.h"
 #include "decoders/app/rtp_summary.h"
 #include "decoders/link/llc.h"
 #include "decoders/states.h"
@@ -71,6 +72,14 @@ int32_t SummarizeMgcp(const SummaryInput& in, char* out, int32_t size) {
 }
 int32_t SummarizeRtp(const SummaryInput& in, char* out, int32_t size) {
   return DescribeRtp(in.data, in.length, nullptr, 1, out, size);
+}
+int32_t SummarizeRtcp(const SummaryInput& in, char* out, int32_t size) {
+  const Cursor c = MakeCursor(in.data, 0, in.length);
+  const int32_t index = SrtcpIndexAt(c);
+  if (index == 0) return DescribeRtcp(in.data, in.length, out, size);
+  const char* name = RtcpTypeName(PeekU8(c, 1));   // the rest is encrypted
+  FormatInto(out, size, "SRTCP %s, SSRC: %u, Index: %u", name ? name : kUnknown, PeekU32(c, 4), PeekU32(c, index) & 0x7FFFFFFF);
+  return 1;
 }
 int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t size) {
   return DescribeSmb(in.data, in.length, out, size, in.isTcp, 1);

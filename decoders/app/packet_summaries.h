@@ -44,6 +44,7 @@ int32_t SummarizeFtpData(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeSmtp(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeTelnet(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeMgcp(const SummaryInput& in, char* out, int32_t outSize);
+int32_t SummarizeRtcp(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeRtp(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeFix(const SummaryInput& in, char* out, int32_t outSize);
