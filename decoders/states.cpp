@@ -12,6 +12,7 @@
 #include "decoders/app/radius_secret.h"
 #include "decoders/app/socks.h"
 #include "decoders/app/ssh.h"
+#include "decoders/app/telnet.h"
 #include "decoders/net/ip_fragments.h"
 #include "decoders/net/tcp_streams.h"
 #include "decoders/net/window_scales.h"
