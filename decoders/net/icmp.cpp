@@ -56,9 +56,10 @@ void AddIdentifiers(const Place& in, Cursor& c) {
 void DecodeQuote(const Message& message, Cursor& c, int32_t declared) {
   constexpr int32_t kOldQuoteLength = 128;   // of senders that extend messages but do not say where
   int32_t quoted = Left(c);
+  const bool isCut = PacketOf(message.at).network.totalLength > Taken(c) + quoted;
   if (declared > 0 && declared < quoted && HasIcmpExtensionVersion(Behind(c, declared))) {
     quoted = declared;   // some senders leave anything in the byte: the length counts if the rest bears it out
-  } else if (declared == 0 && quoted > kOldQuoteLength && HasSummedIcmpExtensions(Behind(c, kOldQuoteLength))) {
+  } else if (declared == 0 && quoted > kOldQuoteLength && HasSummedIcmpExtensions(Behind(c, kOldQuoteLength), isCut)) {
     quoted = kOldQuoteLength;
   }
   Cursor quote = TakeCursor(c, quoted);

@@ -132,8 +132,13 @@ bool DecodeObject(const Place& in, Cursor& c, uint32_t number) {
 
 bool HasIcmpExtensionVersion(const Cursor& c) { return Left(c) >= kStructureHeader && PeekU8(c) >> 4 == kVersion; }
 
-bool HasSummedIcmpExtensions(const Cursor& c) {
-  return HasIcmpExtensionVersion(c) && PeekU16(c, 2) != 0 && SumWords(0, c.at, Left(c)) == 0xFFFF;
+bool HasSummedIcmpExtensions(const Cursor& c, bool isCut) {
+  if (!HasIcmpExtensionVersion(c) || PeekU16(c, 2) == 0) return false;
+  // Where the capture ends before the message there is no sum: an object of a known class bears it out.
+  if (isCut) {
+    return PeekU16(c) == kVersion << 12 && PeekU16(c, 4) >= kObjectHeader && LookupName(kClassNames, PeekU8(c, 6), nullptr);
+  }
+  return SumWords(0, c.at, Left(c)) == 0xFFFF;
 }
 
 void DecodeIcmpExtensions(const Place& in, Cursor c) {

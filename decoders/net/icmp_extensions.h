@@ -16,6 +16,6 @@ inline Cursor Behind(Cursor c, int32_t length) {
 // Whether the bytes can be an extension structure: by the version alone, or by a good checksum too. The second tells one
 // from quoted bytes where a sender does not say how long its quote is.
 bool HasIcmpExtensionVersion(const Cursor& c);
-bool HasSummedIcmpExtensions(const Cursor& c);
+bool HasSummedIcmpExtensions(const Cursor& c, bool isCut);   // isCut: the capture ends before the message
 
 }  // namespace qxview

@@ -15,7 +15,8 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kDestinationUnreachable = 1, kTimeExceeded = 3, kParameterProblem = 4, kRplControl = 155;
+constexpr uint32_t kDestinationUnreachable = 1, kTimeExceeded = 3, kParameterProblem = 4, kRplControl = 155,
+                   kRouterRenumbering = 138, kNodeQuery = 139, kNodeResponse = 140, kExtendedEchoReply = 161;
 
 constexpr auto kUnreachableCodes = SortedNames({
     {0, "No Route to Destination"}, {1, "Communication Administratively Prohibited"},
@@ -30,12 +31,23 @@ constexpr auto kParameterProblemCodes = SortedNames({
     {5, "Unrecognized Next Header at Intermediate Node"}, {6, "Extension Header Too Big"},
     {7, "Extension Header Chain Too Long"}, {8, "Too Many Extension Headers"},
     {9, "Too Many Options in Extension Header"}, {10, "Option Too Big"}});
+constexpr auto kRenumberingCodes = SortedNames({{0, "Command"}, {1, "Result"}, {255, "Sequence Number Reset"}});
+constexpr auto kQueryCodes = SortedNames({{0, "Subject Is an IPv6 Address"}, {1, "Subject Is a Name"},
+                                          {2, "Subject Is an IPv4 Address"}});
+constexpr auto kResponseCodes = SortedNames({{0, "Success"}, {1, "Refused"}, {2, "Unknown Query Type"}});
+constexpr auto kExtendedEchoCodes = SortedNames({
+    {0, "No Error"}, {1, "Malformed Query"}, {2, "No Such Interface"}, {3, "No Such Table Entry"},
+    {4, "Multiple Interfaces Satisfy Query"}});
 const char* CodeName(uint32_t type, uint32_t code) {
   switch (type) {
     case kDestinationUnreachable: return LookupName(kUnreachableCodes, code);
     case kTimeExceeded: return LookupName(kTimeExceededCodes, code);
     case kParameterProblem: return LookupName(kParameterProblemCodes, code);
     case kRplControl: return RplCodeName(code);
+    case kRouterRenumbering: return LookupName(kRenumberingCodes, code);
+    case kNodeQuery: return LookupName(kQueryCodes, code);
+    case kNodeResponse: return LookupName(kResponseCodes, code);
+    case kExtendedEchoReply: return LookupName(kExtendedEchoCodes, code);
     default: return nullptr;
   }
 }
@@ -82,32 +94,6 @@ void DecodeEcho(const Place& in, Cursor& c, Icmpv6Message&) {
   AddBlock(in, Rest(c), "Echo Data");
 }
 
-// Extended echo (RFC 8335): the identifier, a byte of sequence and a byte of flags or state.
-void DecodeExtendedEcho(const Place& in, Cursor& c, Icmpv6Message&) {
-  const Field identifier = TakeU16(c);
-  AddLine(in, identifier, "Identifier: 0x%.04X (%u)", identifier.value, identifier.value);
-  const Field sequence = TakeU8(c);
-  AddLine(in, sequence, "Sequence Number: %u", sequence.value);
-  const Field flags = TakeU8(c);
-  AddLine(in, flags, "Flags: 0x%.02X", flags.value);
-}
-
-// Node information (RFC 4620): names and addresses of a node, asked of the node itself.
-void DecodeNodeInformation(const Place& in, Cursor& c, Icmpv6Message& message) {
-  constexpr auto kQueryNames = SortedNames({{0, "NOOP"}, {2, "Node Name"}, {3, "Node Addresses"},
-                                            {4, "IPv4 Addresses"}});
-  constexpr uint32_t kQuery = 139, kSubjectIsIPv6 = 0;
-  const Field query = TakeU16(c);
-  AddLine(in, query, "Query Type: %u = %s", query.value, LookupName(kQueryNames, query.value));
-  AppendToParent(in, query, ", %s", LookupName(kQueryNames, query.value));
-  const Field flags = TakeU16(c);
-  AddLine(in, flags, "Flags: 0x%.04X", flags.value);
-  const WideField nonce = TakeU64(c);
-  AddLine(in, nonce, "Nonce: 0x%.016I64X", nonce.wide);
-  if (message.type == kQuery && message.code == kSubjectIsIPv6 && Left(c) >= 16) AddAddress(in, c, "Subject");
-  AddBlock(in, Rest(c), "Node Information Data");
-}
-
 // Home agents of a mobile node's prefix (RFC 6275).
 void DecodeHomeAgentDiscovery(const Place& in, Cursor& c, Icmpv6Message&) {
   const Field identifier = TakeU16(c);
@@ -139,7 +125,7 @@ constexpr MessageRow kMessages[] = {
     {135, "Neighbor Solicitation", DecodeNeighborSolicitation},
     {136, "Neighbor Advertisement", DecodeNeighborAdvertisement},
     {137, "Redirect", DecodeRedirect},
-    {138, "Router Renumbering", nullptr},
+    {138, "Router Renumbering", DecodeRouterRenumbering},
     {139, "Node Information Query", DecodeNodeInformation},
     {140, "Node Information Response", DecodeNodeInformation},
     {141, "Inverse Neighbor Discovery Solicitation", DecodeInverseDiscovery},
@@ -149,20 +135,20 @@ constexpr MessageRow kMessages[] = {
     {145, "Home Agent Address Discovery Reply", DecodeHomeAgentDiscovery},
     {146, "Mobile Prefix Solicitation", DecodeMobilePrefixSolicitation},
     {147, "Mobile Prefix Advertisement", DecodeMobilePrefixAdvertisement},
-    {148, "Certification Path Solicitation", nullptr},
-    {149, "Certification Path Advertisement", nullptr},
-    {150, "Experimental Mobility", nullptr},
+    {148, "Certification Path Solicitation", DecodePathSolicitation},
+    {149, "Certification Path Advertisement", DecodePathAdvertisement},
+    {150, "Experimental Mobility", DecodeExperimentalMobility},
     {151, "Multicast Router Advertisement", DecodeMulticastRouterAdvertisement},
     {152, "Multicast Router Solicitation", nullptr},
     {153, "Multicast Router Termination", nullptr},
     {154, "Fast Handover", DecodeFastHandover},
     {155, "RPL Control", DecodeRpl},
-    {156, "ILNPv6 Locator Update", nullptr},
-    {157, "Duplicate Address Request", nullptr},
-    {158, "Duplicate Address Confirmation", nullptr},
-    {159, "MPL Control", nullptr},
-    {160, "Extended Echo Request", DecodeExtendedEcho},
-    {161, "Extended Echo Reply", DecodeExtendedEcho},
+    {156, "ILNPv6 Locator Update", DecodeLocatorUpdate},
+    {157, "Duplicate Address Request", DecodeDuplicateAddress},
+    {158, "Duplicate Address Confirmation", DecodeDuplicateAddress},
+    {159, "MPL Control", DecodeMplControl},
+    {160, "Extended Echo Request", DecodeIPv6ExtendedEcho},
+    {161, "Extended Echo Reply", DecodeIPv6ExtendedEcho},
 };
 
 const MessageRow* FindMessage(uint32_t type) {

@@ -25,6 +25,17 @@ void DecodeFastHandover(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeMobilePrefixSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeMobilePrefixAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
 
+// About nodes and routers (icmpv6_nodes.cpp).
+void DecodeRouterRenumbering(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeNodeInformation(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeDuplicateAddress(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeLocatorUpdate(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodePathSolicitation(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodePathAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeExperimentalMobility(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeMplControl(const Place& in, Cursor& c, Icmpv6Message& message);
+void DecodeIPv6ExtendedEcho(const Place& in, Cursor& c, Icmpv6Message& message);
+
 // The options of neighbour discovery (icmpv6_options.cpp): all that is left in the cursor.
 void DecodeNeighborOptions(const Place& in, Cursor& c, Icmpv6Message& message);
 
@@ -33,6 +44,12 @@ void DecodeListenerQuery(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeListenerReport(const Place& in, Cursor& c, Icmpv6Message& message);   // and done
 void DecodeListenerReport2(const Place& in, Cursor& c, Icmpv6Message& message);
 void DecodeMulticastRouterAdvertisement(const Place& in, Cursor& c, Icmpv6Message& message);
+
+// The next domain name, labels without compression, as dotted text. Not here when a label runs past the bytes.
+Field TakeIPv6DomainName(Cursor& c, char* text, int32_t size);
+
+// What options of securing discovery, handovers and mobility hold (icmpv6_rare_options.cpp).
+void ShowRareOption(const Place& in, uint32_t type, Cursor& c);
 
 // Lines that several families share.
 void AddReservedWord(const Place& in, Cursor& c);

@@ -124,33 +124,13 @@ void DecodeRecursiveServers(const Place& in, Cursor& c, Icmpv6Message&) {
   }
 }
 
-// The next domain name, labels without compression, as dotted text. Not here when a label runs past the option.
-Field TakeDomainName(Cursor& c, char* text, int32_t size) {
-  constexpr int32_t kMostLabel = 63;
-  const Cursor start = c;
-  text[0] = 0;
-  for (;;) {
-    const Field length = TakeU8(c);
-    if (!length.here || length.value > kMostLabel) break;
-    if (length.value == 0) {
-      Cursor again = start;
-      return TakeBytes(again, c.offset - start.offset);
-    }
-    const Field label = TakeBytes(c, length.value);
-    if (!label.here) break;
-    AppendFormat(text, size, "%s%s", text[0] ? "." : "", Text(label));
-  }
-  c = start;
-  return {nullptr, c.offset, 0, 0, false};
-}
-
 void DecodeSearchList(const Place& in, Cursor& c, Icmpv6Message&) {
   const Field reserved = TakeU16(c);
   AddLine(in, reserved, "Reserved: 0x%.04X", reserved.value);
   AddLifetime(in, c, "Lifetime");
   char name[256];
   for (Loop loop; MoreAt(in, c, loop) && PeekU8(c) != 0;) {
-    const Field taken = TakeDomainName(c, name, sizeof name);
+    const Field taken = TakeIPv6DomainName(c, name, sizeof name);
     if (!taken.here) return;
     const char* shown = name;
     AddLine(in, taken, "Domain Name: %s", shown);
@@ -239,7 +219,7 @@ void DecodeHandoverLinkLayer(const Place& in, Cursor& c, Icmpv6Message&) {
 struct OptionRow {
   uint32_t type;
   const char* name;
-  OptionDecoder decode;   // null: shown as data
+  OptionDecoder decode;   // null: by rows, or shown as data
 };
 
 constexpr OptionRow kOptions[] = {
@@ -279,8 +259,15 @@ constexpr OptionRow kOptions[] = {
     {36, "6LoWPAN Capability Indication", nullptr},
     {37, "Captive Portal", DecodeCaptivePortal},
     {38, "PREF64", DecodeTranslationPrefix},
+    {39, "Crypto-ID Parameters", nullptr},
+    {40, "NDP Signature", nullptr},
+    {41, "Resource Directory Address", nullptr},
+    {42, "Consistent Uptime", nullptr},
     {138, "Candidate Access Router Discovery Request", nullptr},
     {139, "Candidate Access Router Discovery Reply", nullptr},
+    {144, "Encrypted DNS", nullptr},
+    {253, "Experiment 1", nullptr},
+    {254, "Experiment 2", nullptr},
 };
 
 const OptionRow* FindOption(uint32_t type) {
@@ -302,11 +289,31 @@ void DecodeOption(const Place& in, Cursor& c, Icmpv6Message& message) {
   const Field length = TakeU8(option);
   AddLine(under, length, "Length: %u (%u bytes)%s", length.value, size, size == 0 ? " invalid" : "");
   if (row && row->decode && size > 0) row->decode(under, option, message);
+  if (row && !row->decode && size > 0) ShowRareOption(under, type.value, option);
   option.ranShort = false;   // what a decoder could not use is still shown
   AddBlock(under, Rest(option), "Option Data");
 }
 
 }  // namespace
+
+Field TakeIPv6DomainName(Cursor& c, char* text, int32_t size) {
+  constexpr int32_t kMostLabel = 63;
+  const Cursor start = c;
+  text[0] = 0;
+  for (;;) {
+    const Field length = TakeU8(c);
+    if (!length.here || length.value > kMostLabel) break;
+    if (length.value == 0) {
+      Cursor again = start;
+      return TakeBytes(again, c.offset - start.offset);
+    }
+    const Field label = TakeBytes(c, length.value);
+    if (!label.here) break;
+    AppendFormat(text, size, "%s%s", text[0] ? "." : "", Text(label));
+  }
+  c = start;
+  return {nullptr, c.offset, 0, 0, false};
+}
 
 void DecodeNeighborOptions(const Place& in, Cursor& c, Icmpv6Message& message) {
   for (Loop loop; Left(c) >= 2 && MoreAt(in, c, loop);) DecodeOption(in, c, message);

@@ -84,6 +84,10 @@ void WalkNextHeaders(const Place& at, Cursor c, HeaderChain chain) {
       case kAhHeader: goOn = DecodeAuthentication(at, c, chain); break;
       case kMobilityHeader: goOn = DecodeMobilityHeader(at, c, chain); break;
       case kNoNextHeader: return;
+      case kDraftMobilityHeader:
+        if (!IsDraftMobilityHeader(c)) return DispatchPayload(at, c, chain, atOnce);
+        goOn = DecodeMobilityHeader(at, c, chain);
+        break;
       default: return DispatchPayload(at, c, chain, atOnce);
     }
   }

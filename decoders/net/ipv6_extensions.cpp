@@ -64,6 +64,7 @@ void DecodeLongOption(const Place& in, Cursor c, HeaderChain& chain) {
   if (type.value == kJumboPayload && length.value == 4 && Left(c) >= 4 && chain.payloadLength == 0) {
     chain.payloadLength = PeekU32(c);
   }
+  ShowIPv6Option(in, type.value, c);
   if ((type.value == kRpl || type.value == kRplOld) && length.value >= 4) ShowRplOption(in, c);
   AddBlock(in, Rest(c), "Option Data:");
 }
@@ -87,7 +88,8 @@ void DecodeOption(const Place& in, Cursor& c, HeaderChain& chain) {
   DecodeLongOption(Under(in, line), TakeCursor(c, size), chain);
 }
 
-constexpr uint32_t kSourceRoute = 0, kHomeRoute = 2, kRplRoute = 3, kSegmentRouting = 4;
+constexpr uint32_t kSourceRoute = 0, kHomeRoute = 2, kRplRoute = 3, kSegmentRouting = 4, kCompactRoute = 5,
+                   kWideCompactRoute = 6;
 
 // Type 0: every address on the way; the last one is where the packet goes in the end.
 void DecodeSourceRoute(const Place& in, Cursor& c, HeaderChain& chain, uint32_t segmentsLeft) {
@@ -159,8 +161,10 @@ bool DecodeRoutingHeader(const Place& at, Cursor& c, HeaderChain& chain) {
     DecodeHomeRoute(in, header, chain, segmentsLeft.value);
   } else if (type.value == kRplRoute) {
     ShowRplRoute(in, header, chain, segmentsLeft.value);
-  } else if (type.value == kSegmentRouting && segmentsLeft.value > 0 && Left(header) >= 4 + 16) {
-    chain.destination = PeekBytes(header, 4, 16).bytes;   // the list of segments is in reverse order
+  } else if (type.value == kSegmentRouting) {
+    ShowSegmentRoute(in, header, chain, segmentsLeft.value);
+  } else if (type.value == kCompactRoute || type.value == kWideCompactRoute) {
+    ShowCompactRoute(in, header, type.value == kWideCompactRoute);
   }
   AddBlock(in, Rest(header), "IPv6 Routing Header Data");
   return Left(c) > 0;

@@ -7,7 +7,8 @@
 namespace qxview {
 
 constexpr uint32_t kHopByHopHeader = 0, kRoutingHeader = 43, kFragmentHeader = 44, kEspHeader = 50, kAhHeader = 51,
-                   kIcmpv6 = 58, kNoNextHeader = 59, kDestinationOptionsHeader = 60, kMobilityHeader = 135;
+                   kIcmpv6 = 58, kNoNextHeader = 59, kDestinationOptionsHeader = 60, kDraftMobilityHeader = 62,
+                   kMobilityHeader = 135;
 
 // What the walk from header to header knows.
 struct HeaderChain {
@@ -24,6 +25,15 @@ bool DecodeRoutingHeader(const Place& at, Cursor& c, HeaderChain& chain);
 bool DecodeFragmentHeader(const Place& at, Cursor& c, HeaderChain& chain);
 bool DecodeEspHeader(const Place& at, Cursor& c);
 bool DecodeMobilityHeader(const Place& at, Cursor& c, HeaderChain& chain);
+void DecodeMobilityOptions(const Place& in, Cursor& c);
+// Drafts of mobility had a number that is another protocol's now; whether the bytes are such a header.
+bool IsDraftMobilityHeader(const Cursor& c);
+
+// What an option holds, behind its length. And the ways of the later routing headers
+// (ipv6_options.cpp).
+void ShowIPv6Option(const Place& in, uint32_t type, Cursor& c);
+void ShowSegmentRoute(const Place& in, Cursor& c, HeaderChain& chain, uint32_t segmentsLeft);
+void ShowCompactRoute(const Place& in, Cursor& c, bool isWide);
 
 // The size in bytes that a header of the common form (next header, length in units of 8 bytes beyond the first 8)
 // declares; 0 when the cursor holds less than those two bytes.

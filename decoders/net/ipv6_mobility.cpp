@@ -11,12 +11,33 @@ namespace {
 
 constexpr auto kBindingStatusNames = SortedNames({
     {0, "Binding Update accepted"}, {1, "Accepted but prefix discovery necessary"},
+    {2, "GRE key option not required"}, {3, "GRE tunneling accepted, TLV header not supported"},
+    {4, "Multiple care-of addresses: not complete"}, {5, "Multiple care-of addresses: return home without discovery"},
+    {6, "Accepted, settings of transient binding ignored"},
     {128, "Reason unspecified"}, {129, "Administratively prohibited"}, {130, "Insufficient resources"},
     {131, "Home registration not supported"}, {132, "Not home subnet"}, {133, "Not home agent for this mobile node"},
     {134, "Duplicate Address Detection failed"}, {135, "Sequence number out of window"},
     {136, "Expired home nonce index"}, {137, "Expired care-of nonce index"}, {138, "Expired nonces"},
     {139, "Registration type change disallowed"}, {140, "Mobile Router operation not permitted"},
-    {141, "Invalid prefix"}, {142, "Not authorized for prefix"}, {143, "Forwarding setup failed"}});
+    {141, "Invalid prefix"}, {142, "Not authorized for prefix"}, {143, "Forwarding setup failed"},
+    {144, "Proxy registration not supported"}, {145, "Proxy registration not supported by the local mobility anchor"},
+    {146, "Proxy registrations from this gateway not allowed"}, {147, "No home address for this identifier"},
+    {148, "Invalid timestamp option"}, {149, "Permanent home keygen token exists"},
+    {150, "Non-null home nonce index expected"}, {151, "Service authorization failed"},
+    {152, "Proxy registration not enabled"}, {153, "Not local mobility anchor for this mobile node"},
+    {154, "Gateway not authorized for proxy registration"}, {155, "Not authorized for home network prefix"},
+    {156, "Timestamp mismatch"}, {157, "Timestamp lower than previously accepted"},
+    {158, "Missing home network prefix option"}, {159, "Prefix set does not match"},
+    {160, "Missing mobile node identifier option"}, {161, "Missing handoff indicator option"},
+    {162, "Missing access technology type option"}, {163, "GRE key option required"},
+    {164, "Multiple care-of addresses: malformed"}, {165, "Binding without multiple care-of addresses exists"},
+    {166, "Multiple care-of addresses prohibited"}, {167, "Unknown care-of address"},
+    {168, "Bulk registration prohibited"}, {169, "Simultaneous home and foreign binding prohibited"},
+    {170, "Not authorized for IPv4 mobility service"}, {171, "Not authorized for IPv4 home address"},
+    {172, "Not authorized for IPv6 mobility service"}, {173, "Assignment of several IPv4 home addresses not supported"},
+    {174, "Invalid care-of address"}, {175, "Invalid mobile node group identifier"},
+    {176, "Reinitialize security association with home agent controller"},
+    {177, "Not authorized for delegated mobile network prefix"}, {178, "Requested prefix not in use"}});
 
 constexpr auto kBindingErrorNames = SortedNames({
     {1, "Unknown binding for Home Address destination option"}, {2, "Unrecognized mobility header type"}});
@@ -55,10 +76,11 @@ constexpr auto kUpdateRows = Rows<Mobility>({
     kSequence, Hex(2, "Flags "), Flag(0, "Acknowledge"), Flag(1, "Home Registration"),
     Flag(2, "Link-Local Address Compatibility"), Flag(3, "Key Management Mobility Capability"),
     Flag(4, "MAP Registration"), Flag(5, "Mobile Router"), Flag(6, "Proxy Registration"), Flag(7, "UDP Encapsulation"),
+    Flag(8, "TLV-header format"), Flag(9, "Bulk Binding Update"),
     kLifetime});
 constexpr auto kAcknowledgementRows = Rows<Mobility>({
     Number(1, "Status ", kBindingStatusNames), Hex(1, "Flags "), kKeyManagement, Flag(1, "Mobile Router"),
-    Flag(2, "Proxy Registration"), Flag(3, "TLV-header format"), kSequence, kLifetime});
+    Flag(2, "Proxy Registration"), Flag(3, "TLV-header format"), Flag(4, "Bulk Binding Update"), kSequence, kLifetime});
 constexpr auto kErrorRows = Rows<Mobility>({
     Number(1, "Status ", kBindingErrorNames), kReserved8, IPv6("Home Address ")});
 constexpr auto kFastAcknowledgementRows = Rows<Mobility>({
@@ -68,9 +90,49 @@ constexpr auto kAgentSwitchRows =
 constexpr auto kHeartbeatRows = Rows<Mobility>({
     Hex(2, "Flags "), Flag(14, "Unsolicited"), Flag(15, "Response"), Number(4, "Sequence ")});
 constexpr auto kHandoverRows = Rows<Mobility>({
-    kSequence, Hex(1, "Flags "), Flag(0, "Assigned Address Configuration"), Flag(1, "Buffer"), Number(1, "Code ")});
+    kSequence, Hex(1, "Flags "), Flag(0, "Assigned Address Configuration"), Flag(1, "Buffer"), Flag(2, "Proxy"), Flag(3, "Forwarding"),
+    Number(1, "Code ")});
 constexpr auto kHandoverAcknowledgeRows =
     Rows<Mobility>({kSequence, kReserved8, Number(1, "Code ", kHandoverCodeNames)});
+
+constexpr auto kRevocationTypes = SortedNames({{1, "Binding Revocation Indication"},
+                                               {2, "Binding Revocation Acknowledgement"}});
+constexpr auto kTriggerNames = SortedNames({
+    {0, "Unspecified"}, {1, "Administrative reason"}, {2, "Inter-gateway handover, same access technology"},
+    {3, "Inter-gateway handover, different access technology"}, {4, "Inter-gateway handover, unknown"},
+    {5, "User initiated session termination"}, {6, "Access network session termination"}, {7, "Out-of-sync state of bindings"},
+    {128, "Per-peer policy"}, {129, "Revoking mobility node local policy"}});
+constexpr auto kRevocationStatus = SortedNames({
+    {0, "Success"}, {1, "Partial success"}, {128, "Binding does not exist"}, {129, "IPv4 home address binding does not exist"},
+    {130, "Global revocation not authorized"}, {131, "Revoked mobile nodes identity required"},
+    {132, "Revocation failed, mobile node attached"}, {133, "Revocation trigger not supported"},
+    {134, "Revocation function not supported"}, {135, "Proxy binding revocation not supported"}});
+constexpr auto kRevocationRows = Rows<Mobility>({
+    Number(1, "Revocation Type ", kRevocationTypes).Into(&Mobility::count)});
+constexpr auto kTriggerRow = Rows<Mobility>({Number(1, "Revocation Trigger ", kTriggerNames)});
+constexpr auto kStatusRow = Rows<Mobility>({Number(1, "Status ", kRevocationStatus)});
+constexpr auto kRevocationFlags = Rows<Mobility>({
+    kSequence, Hex(2, "Flags "), Flag(0, "Proxy Binding"), Flag(1, "IPv4 Home Address Binding Only"), Flag(2, "Global")});
+void ShowRevocation(const Place& in, Cursor& c, Mobility& message) {
+  ShowRows<Mobility>(in, c, message.count.value == 1 ? RowSpan<Mobility>(kTriggerRow) : RowSpan<Mobility>(kStatusRow), message);
+  ShowRows<Mobility>(in, c, kRevocationFlags, message);
+}
+
+constexpr auto kRoutingStatus = SortedNames({
+    {0, "Success"}, {128, "Localized routing not allowed"}, {129, "Mobile node not attached"}});
+constexpr auto kReasonNames = SortedNames({
+    {1, "Force re-registration"}, {2, "Update session parameters"}, {3, "Vendor-specific reason"},
+    {4, "Acknowledgement of bulk re-registration"}, {5, "Gateway's status"}, {6, "Update of controlled parameters"}});
+constexpr auto kNotifyStatus = SortedNames({
+    {0, "Success"}, {128, "Failed to update session parameters"}, {129, "Missing vendor-specific option"}});
+constexpr auto kRoutingRows = Rows<Mobility>({kSequence, kReserved16, kLifetime});
+constexpr auto kRoutingAcknowledgementRows = Rows<Mobility>({
+    kSequence, Word(1), Flag(0, "Unsolicited"), Bits(1, 7, "Reserved"), Number(1, "Status ", kRoutingStatus), kLifetime});
+constexpr auto kNotificationRows = Rows<Mobility>({
+    kSequence, Number(2, "Notification Reason ", kReasonNames), Hex(2, "Flags "), Flag(0, "Acknowledgement Requested"),
+    Flag(1, "Retransmission")});
+constexpr auto kNotificationAcknowledgementRows = Rows<Mobility>({
+    kSequence, Number(1, "Status ", kNotifyStatus), Hex(3, "Reserved ")});
 
 void ShowAgentAddresses(const Place& in, Cursor& c, Mobility& message) {
   static constexpr auto kAddress = Rows<NoValues>({IPv6("Home Agent Address ")});
@@ -86,63 +148,14 @@ constexpr auto kMessages = Choices<Mobility>({
     {10, "Fast Neighbor Advertisement", kRefreshRows}, {11, "Experimental Mobility Header"},
     {12, "Home Agent Switch", kAgentSwitchRows, ShowAgentAddresses}, {13, "Heartbeat", kHeartbeatRows},
     {14, "Handover Initiate", kHandoverRows}, {15, "Handover Acknowledge", kHandoverAcknowledgeRows},
-    {16, "Binding Revocation"}, {17, "Localized Routing Initiation"}, {18, "Localized Routing Acknowledgment"},
-    {19, "Update Notification"}, {20, "Update Notification Acknowledgement"}, {21, "Flow Binding"},
+    {16, "Binding Revocation", kRevocationRows, ShowRevocation},
+    {17, "Localized Routing Initiation", kRoutingRows},
+    {18, "Localized Routing Acknowledgment", kRoutingAcknowledgementRows}, {19, "Update Notification", kNotificationRows},
+    {20, "Update Notification Acknowledgement", kNotificationAcknowledgementRows}, {21, "Flow Binding"},
     {22, "Subscription Query"}, {23, "Subscription Response"}});
 const char* MessageName(uint32_t type) {
   const Choice<Mobility>* known = FindChoice<Mobility>(kMessages, type);
   return known ? known->name : kUnknown;
-}
-
-void DecodePadding(const Place& in, Cursor& c) {
-  const Field length = Slice(TakeU16(c), 1, 1);
-  AddLine(in, length, "Length : %u bytes", PeekU8(length));
-  AddBlock(in, Rest(c), "Padding");
-}
-
-constexpr auto kAdviceRows = Rows<Mobility>({Shown(2, "Refresh Interval ", ShowUnits)});
-constexpr auto kAlternateRows = Rows<Mobility>({IPv6("Alternate Care-of Address ")});
-constexpr auto kNonceRows = Rows<Mobility>({Number(2, "Home Nonce Index "), Number(2, "Care-of Nonce Index ")});
-void ShowAuthenticator(const Place& in, Cursor& c, Mobility&) { AddBlock(in, Rest(c), "Authenticator"); }
-
-constexpr auto kOptions = Choices<Mobility>({
-    {2, "Binding Refresh Advice", kAdviceRows}, {3, "Alternate Care-of Address", kAlternateRows},
-    {4, "Nonce Indices", kNonceRows}, {5, "Binding Authorization Data", {}, ShowAuthenticator}});
-constexpr uint32_t kPad1 = 0, kPadN = 1;
-
-constexpr auto kOtherRows = Rows<NoValues>({Number(1, "Type "), Number(1, "Length ")});
-
-void DecodeOtherOption(const Place& in, Cursor& c) {
-  ShowRows(in, c, kOtherRows);
-  AddBlock(in, Rest(c), "Data");
-}
-
-// An option with a length; `c` holds all of it that is in its header.
-void DecodeLongOption(const Place& in, Cursor c) {
-  const Field whole = Ahead(c, Left(c));
-  const uint32_t type = PeekU8(c);
-  if (type == kPadN) return DecodePadding(Under(in, AddLine(in, whole, "PadN")), c);
-  if (const Choice<Mobility>* known = FindChoice<Mobility>(kOptions, type)) {
-    Mobility option{};
-    TakeU16(c);   // type and length
-    return ShowChoice(Under(in, AddLine(in, whole, "%s", known->name)), c, known, option);
-  }
-  DecodeOtherOption(Under(in, AddLine(in, whole, "Mobility Option Data")), c);
-}
-
-void DecodeOptions(const Place& in, Cursor& c) {
-  if (Left(c) < 1) return;
-  const Place options = Under(in, AddLine(in, Ahead(c, Left(c)), "Mobility Options"));
-  for (Loop loop; MoreAt(in, c, loop);) {
-    if (PeekU8(c) == kPad1) {
-      const Field pad = TakeU8(c);
-      AddLine(Under(options, AddLine(options, pad, "Pad1")), pad, "Type : %u  (padding)", pad.value);
-    } else if (Left(c) < 2 || static_cast<int32_t>(PeekU8(c, 1)) > Left(c) - 2) {
-      AddBlock(options, Rest(c), "Mobility Support Options Data");   // an option that runs past its header
-    } else {
-      DecodeLongOption(options, TakeCursor(c, 2 + PeekU8(c, 1)));
-    }
-  }
 }
 
 void DecodeMessage(const Place& in, Cursor& c, uint32_t type) {
@@ -152,7 +165,7 @@ void DecodeMessage(const Place& in, Cursor& c, uint32_t type) {
     Mobility message{};
     ShowRows(under, c, known->rows, message);
     if (known->show) known->show(under, c, message);
-    return DecodeOptions(under, c);
+    return DecodeMobilityOptions(under, c);
   }
   AddBlock(under, Rest(c), "Message Data");
 }
@@ -167,8 +180,13 @@ constexpr auto kHeader = Rows<Header>({
 
 }  // namespace
 
+bool IsDraftMobilityHeader(const Cursor& c) {
+  constexpr uint32_t kHighestType = 12;   // of the time
+  return Left(c) >= 8 && PeekU8(c, 2) <= kHighestType;
+}
+
 bool DecodeMobilityHeader(const Place& at, Cursor& c, HeaderChain& chain) {
-  ReachLayer(at, DispatchTable::kIpProtocol, kMobilityHeader, c);
+  ReachLayer(at, DispatchTable::kIpProtocol, chain.nextHeader, c);
   const int32_t size = DeclaredHeaderSize(c);
   if (size == 0) return EndChain(at, c);
   const LineHandle top = AddLine(at, CapturedPart(c, size), "IPv6 Mobility Header: %u bytes", size);

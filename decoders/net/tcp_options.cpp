@@ -4,7 +4,6 @@
 //   kind  length  value (length - 2)     kinds 0 and 1 are a single byte
 #include "decoders/net/tcp_options.h"
 
-#include "core/decoder.h"
 #include "decoders/net/window_scales.h"
 
 namespace qxview {
@@ -116,7 +115,7 @@ int32_t AddOptionValue(const Place& in, uint32_t kind, const Field& length, Curs
       break;
     }
     case kMd5Signature: AddBlock(in, Rest(body), "MD5 digest"); break;
-    default: break;
+    default: ShowTcpOptionValue(in, kind, body); break;
   }
   return kNoWindowScale;
 }
