@@ -1,5 +1,5 @@
 // Precision Time Protocol, version 1 (IEEE 1588-2002): a message tells all of the clock that sent it.
-#include "core/rows.h"
+#include "decoders/link/ptp.h"
 
 namespace qxview {
 namespace {
@@ -10,17 +10,6 @@ constexpr int32_t kHeaderSize = 40;
 constexpr auto kTypeNames = SortedNames({{1, "Event"}, {2, "General"}});
 constexpr auto kControlNames = SortedNames({
     {0, "Sync"}, {1, "Delay_Req"}, {2, "Follow_Up"}, {3, "Delay_Resp"}, {4, "Management"}});
-constexpr auto kTechnologyNames = SortedNames({
-    {0, "Closed System"}, {1, "IEEE 802.3 (Ethernet)"}, {2, "FOUNDATION Fieldbus"}, {3, "PROFIBUS"}, {4, "LonTalk"},
-    {5, "DeviceNet"},
-    {6, "SDS"}, {7, "ControlNet"}, {8, "CANopen"}, {243, "IEEE 1394"}, {244, "IEEE 802.11a"}, {245, "IEEE Wireless"},
-    {246, "InfiniBand"}, {247, "Bluetooth"}, {248, "IEEE 802.15.1"}, {249, "IEEE 1451.3"}, {250, "IEEE 1451.5"}, {251,
-    "USB"},
-    {252, "ISA"}, {253, "PCI"}, {254, "VXI"}, {255, "Default"}});
-constexpr auto kStratumNames = SortedNames({
-    {0, "Set by Master"}, {1, "Primary Reference"}, {2, "Secondary Reference"}, {3, "Secondary, May Issue"}, {4,
-    "Default"},
-    {255, "Never Best Master"}});
 constexpr auto kKeyNames = SortedNames({
     {0, "NULL"}, {1, "OBTAIN_IDENTITY"}, {2, "CLOCK_IDENTITY"}, {3, "INITIALIZE_CLOCK"}, {4, "SET_SUBDOMAIN"},
     {5, "CLEAR_DESIGNATED_PREFERRED_MASTER"}, {6, "SET_DESIGNATED_PREFERRED_MASTER"}, {7, "GET_DEFAULT_DATA_SET"},
@@ -35,27 +24,27 @@ constexpr auto kFlagNames = SortedNames({
     {0x20, "Parent Statistics"}, {0x40, "Sync Burst"}});
 
 struct Ptp1 {
-  Field control, sequence, length;
+  Field control, sequence, length, key;
 };
 constexpr auto kHeader = Rows<Ptp1>({
     Number(2, "Version"), Number(2, "Network Version"), Utf8(16, "Subdomain"), Number(1, "Message Type", kTypeNames),
-    Number(1, "Source Communication Technology", kTechnologyNames), Mac("Source UUID"), Number(2, "Source Port ID"),
+    Number(1, "Source Communication Technology", kPtp1TechnologyNames), Mac("Source UUID"), Number(2, "Source Port ID"),
     Number(2, "Sequence ID").Into(&Ptp1::sequence), Number(1, "Control", kControlNames).Into(&Ptp1::control),
     Number(1, "Reserved"), Flags(2, "Flags", kFlagNames), Number(4, "Reserved")});
 constexpr auto kSyncBody = Rows<Ptp1>({
     Number(4, "Origin Timestamp Seconds"), Signed(4, "Origin Timestamp Nanoseconds"), Number(2, "Epoch Number"),
     Signed(2, "Current UTC Offset", " seconds"), Number(1, "Reserved"),
-    Number(1, "Grandmaster Communication Technology", kTechnologyNames), Mac("Grandmaster UUID"), Number(2,
+    Number(1, "Grandmaster Communication Technology", kPtp1TechnologyNames), Mac("Grandmaster UUID"), Number(2,
     "Grandmaster Port ID"),
-    Number(2, "Grandmaster Sequence ID"), Number(3, "Reserved"), Number(1, "Grandmaster Clock Stratum", kStratumNames),
+    Number(2, "Grandmaster Sequence ID"), Number(3, "Reserved"), Number(1, "Grandmaster Clock Stratum", kPtp1StratumNames),
     Text(4, "Grandmaster Clock Identifier"), Number(2, "Reserved"), Signed(2, "Grandmaster Clock Variance"), Number(1,
     "Reserved"),
     Number(1, "Grandmaster Preferred", kFalseTrueNames), Number(1, "Reserved"),
     Number(1, "Grandmaster Is Boundary Clock", kFalseTrueNames), Number(3, "Reserved"), Signed(1, "Sync Interval"),
     Number(2, "Reserved"), Signed(2, "Local Clock Variance"), Number(2, "Reserved"), Number(2, "Local Steps Removed"),
-    Number(3, "Reserved"), Number(1, "Local Clock Stratum", kStratumNames), Text(4, "Local Clock Identifier"),
+    Number(3, "Reserved"), Number(1, "Local Clock Stratum", kPtp1StratumNames), Text(4, "Local Clock Identifier"),
     Number(1, "Reserved"),
-    Number(1, "Parent Communication Technology", kTechnologyNames), Mac("Parent UUID"), Number(2, "Reserved"),
+    Number(1, "Parent Communication Technology", kPtp1TechnologyNames), Mac("Parent UUID"), Number(2, "Reserved"),
     Number(2, "Parent Port ID"), Number(2, "Reserved"), Signed(2, "Estimated Master Variance"), Signed(4,
     "Estimated Master Drift"),
     Number(3, "Reserved"), Number(1, "UTC Reasonable", kFalseTrueNames)});
@@ -65,14 +54,14 @@ constexpr auto kFollowUpBody = Rows<Ptp1>({
 constexpr auto kDelayBody = Rows<Ptp1>({
     Number(4, "Delay Receipt Timestamp Seconds"), Signed(4, "Delay Receipt Timestamp Nanoseconds"), Number(1,
     "Reserved"),
-    Number(1, "Requesting Communication Technology", kTechnologyNames), Mac("Requesting UUID"), Number(2,
+    Number(1, "Requesting Communication Technology", kPtp1TechnologyNames), Mac("Requesting UUID"), Number(2,
     "Requesting Port ID"),
     Number(2, "Requesting Sequence ID")});
 constexpr auto kManagementBody = Rows<Ptp1>({
-    Number(1, "Reserved"), Number(1, "Target Communication Technology", kTechnologyNames), Mac("Target UUID"),
+    Number(1, "Reserved"), Number(1, "Target Communication Technology", kPtp1TechnologyNames), Mac("Target UUID"),
     Number(2, "Target Port ID"), Number(2, "Starting Boundary Hops"), Number(2, "Boundary Hops"), Number(1, "Reserved"),
-    Number(1, "Management Message Key", kKeyNames).Note(", %s"), Number(2, "Reserved"),
-    Number(2, "Parameter Length").Into(&Ptp1::length), Bytes(0, "Parameters").SizedBy(&Ptp1::length)});
+    Number(1, "Management Message Key", kKeyNames).Note(", %s").Into(&Ptp1::key), Number(2, "Reserved"),
+    Number(2, "Parameter Length").Into(&Ptp1::length)});
 
 RowSpan<Ptp1> BodyOf(uint32_t control) {
   switch (control) {
@@ -94,6 +83,10 @@ int32_t DecodePtp1(const Place& at, Cursor c) {
                                      LookupName(kControlNames, ahead.control.value), ahead.sequence.value));
   Ptp1 ptp = ShowRows(in, c, kHeader);
   ShowRows<Ptp1>(in, c, BodyOf(ptp.control.value), ptp);
+  if (ptp.control.value == kManagement && ptp.length.value) {
+    Cursor parameters = TakeCursor(c, static_cast<int32_t>(ptp.length.value));
+    ShowPtp1Parameters(in, parameters, ptp.key.value);
+  }
   c.ranShort = false;
   AddBlock(in, Rest(c), "PTP Data");
   return 1;

@@ -12,6 +12,8 @@
 #include "decoders/app/radius_secret.h"
 #include "decoders/common/eap.h"
 #include "decoders/common/location.h"
+#include "decoders/net/ip_fragments.h"
+#include "decoders/states.h"
 
 namespace qxview {
 namespace {
@@ -64,6 +66,8 @@ struct Radius {
   Field code, identifier, length, vendor, vendorType, locationCode, salt;
   RadiusSecret secret;
   int32_t eapMissing;   // bytes of an EAP packet that the EAP-Message attributes to come hold
+  Cursor behind;        // the attributes behind the current one
+  EapCarrier eap;
 };
 
 constexpr auto kHeader = Rows<Radius>({
@@ -211,14 +215,71 @@ void ShowAssigned(const Place& in, Cursor& c, const char* name, Radius& radius) 
   AppendToParent(in, address, ", %s", meaning);
 }
 
+constexpr uint32_t kUserName = 1, kCallingStation = 31, kEapMessage = 79;
+
+// Which of the conversations between two ends that share a port an EAP packet belongs to: requests tell user and station,
+// and their number is that of the challenge that answers them.
+void FindConversation(const Place& in, Cursor attributes, Radius& radius) {
+  constexpr uint32_t kRequest = 1;
+  const RequestKey key = RequestOf(PacketOf(in), radius.identifier.value);
+  if (radius.code.value != kRequest) {
+    const EapConversation* known = Recall(in.view, kEapConversations, key);
+    if (known) std::memcpy(radius.eap.conversation, known->number, sizeof known->number);
+    return;
+  }
+  uint64_t number = 0xCBF29CE484222325;   // FNV-1a
+  Loop loop;
+  Element element;
+  while (More(attributes, loop) && TakeElement(attributes, kAttributeForm, element)) {
+    if (element.code != kUserName && element.code != kCallingStation) continue;
+    for (int32_t i = 0; i < element.whole.length; ++i) number = (number ^ PeekU8(element.whole, i)) * 0x100000001B3;
+  }
+  EapConversation conversation{{static_cast<uint32_t>(number), static_cast<uint32_t>(number >> 32)}};
+  std::memcpy(radius.eap.conversation, conversation.number, sizeof conversation.number);
+  Remember(in.view, kEapConversations, key, conversation);
+}
+
+// The packet that the attribute's value and those of the EAP-Message attributes behind it make.
+Cursor JoinEapMessages(const Place& in, const Cursor& c, Radius& radius) {
+  constexpr int32_t kMostPieces = 64;
+  const int32_t size = static_cast<int32_t>(PeekU16(c, 2));
+  const Cursor none = MakeCursor(nullptr, c.offset, 0);
+  uint8_t* memory = TakeFrameMemory(in.view, kMostPieces * sizeof(BytePiece) + static_cast<size_t>(size));
+  if (!memory) return none;
+  auto* pieces = reinterpret_cast<BytePiece*>(memory);
+  uint8_t* bytes = memory + kMostPieces * sizeof(BytePiece);
+  int32_t count = 0, length = 0;
+  Cursor value = c, behind = radius.behind;
+  Element element;
+  for (;;) {
+    const int32_t taken = Left(value) < size - length ? Left(value) : size - length;
+    const BytePiece piece{in.view->context->packetNumber, value.offset, taken};
+    std::memcpy(pieces + count++, &piece, sizeof piece);
+    std::memcpy(bytes + length, value.at, static_cast<size_t>(taken));
+    length += taken;
+    if (length == size) break;
+    if (count == kMostPieces || !TakeElement(behind, kAttributeForm, element) || element.code != kEapMessage) return none;
+    value = element.value;
+  }
+  radius.eap.pieces = pieces;
+  radius.eap.pieceCount = count;
+  return JoinedBytes(in.view, bytes, length, pieces, count, c.offset);
+}
+
 // An EAP packet takes as many attributes as it needs; those behind the first continue it.
 void ShowEap(const Place& in, Cursor& c, Radius& radius) {
   if (radius.eapMissing > 0 || Left(c) < kEapHeaderSize) {
     const Field part = Rest(c);
     AddBlock(in, part, "EAP Packet Continued");
     radius.eapMissing -= part.length;
+  } else if (const int32_t size = static_cast<int32_t>(PeekU16(c, 2)); JoinsFragments(in) && size > Left(c)) {
+    Cursor packet = JoinEapMessages(in, c, radius);
+    radius.eapMissing = size - Left(c);
+    if (!Left(packet)) AddEap(in, c);
+    else AddEap(in, packet, &radius.eap);
+    TakeBytes(c, Left(c));
   } else {
-    radius.eapMissing = AddEap(in, c);
+    radius.eapMissing = AddEap(in, c, &radius.eap);
   }
 }
 
@@ -389,6 +450,7 @@ void ShowAttributes(const Place& in, Cursor& c, const ElementForm& form, uint32_
     const RadiusAttribute* attribute = FindAttribute(space, element.code);
     const char* name = attribute ? NameAt(attribute->name) : UnassignedName(space, element.code);
     const Place under = detail::AddElementHead(in, element, form, "Attribute", name);
+    radius.behind = c;
     if (vendor && vendor->more) ShowRows<Radius>(under, element.value, kMoreRows, radius);
     if (attribute) ShowValue(under, element.value, *attribute, radius, nesting);
     if (nesting == 0 && element.code == kMessageAuthenticator) {
@@ -417,6 +479,7 @@ int32_t DecodeRadius(const Place& at, Cursor c) {
   radius.secret = secret;
   ShowAuthenticatorStatus(in, secret);
   Cursor attributes = TakeCursor(c, int64_t{radius.length.value} - kHeaderSize);
+  if (JoinsFragments(in)) FindConversation(in, attributes, radius);
   ShowAttributes(in, attributes, kAttributeForm, kRegistrySpace, radius, 0);
   CoverBytes(in, c);
   AddBlock(in, Rest(c), "Padding");

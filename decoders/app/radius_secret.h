@@ -14,6 +14,11 @@ struct RadiusRequest {
   uint8_t authenticator[kRadiusAuthenticatorSize];
 };
 
+// Which conversation of EAP a request goes on with.
+struct EapConversation {
+  uint32_t number[2];
+};
+
 struct RadiusSecret {
   ByteSpan text;            // without bytes when the user gave none
   Field packet;             // all of it, as its length says; not here when some is missing

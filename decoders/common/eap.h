@@ -2,14 +2,23 @@
 //
 //   code (1)   identifier (1)   length of all (2)   and in requests and responses: type (1), what the type says
 #pragma once
+#include "core/byte_origins.h"
 #include "core/elements.h"
 
 namespace qxview {
 
 constexpr int32_t kEapHeaderSize = 4;
 
+// What the protocol that carries a packet knows of it, for the setting Reassembly: which of its conversations this is, where
+// addresses and ports do not tell, and the pieces of the frame that the packet's bytes come from, where there are several.
+struct EapCarrier {
+  uint32_t conversation[2];
+  const BytePiece* pieces;
+  int32_t pieceCount;
+};
+
 // The packet at the cursor, under the place's line, as far as it is there. Result: how many of its bytes are missing.
-int32_t AddEap(const Place& in, Cursor& c);
+int32_t AddEap(const Place& in, Cursor& c, const EapCarrier* carrier = nullptr);
 
 inline constexpr auto kEapTypeNames = SortedNames({
     {0, "Reserved"}, {1, "Identity"}, {2, "Notification"}, {3, "Legacy Nak"}, {4, "MD5-Challenge"},
@@ -28,9 +37,16 @@ inline constexpr auto kEapTypeNames = SortedNames({
 
 // What the methods keep of a packet; the tables of decoders/common/eap_methods.cpp.
 struct Eap {
-  Field code, length, flags, operation, vendor, vendorType, cipher, count;
+  Field code, identifier, length, flags, operation, vendor, vendorType, cipher, count, total;
+  uint32_t type;
+  int32_t begin;               // of the packet
+  const EapCarrier* carrier;
 };
 extern const ChoiceSpan<Eap> kEapMethods;
+
+// What a method's message may be a fragment of (RFC 5216 section 2.1.5; others do it in the same way). True: the bytes at the
+// cursor are one, and `message` has the message when it is whole now; the cursor stands behind it.
+bool JoinEapFragment(const Place& in, Cursor& c, const Eap& eap, bool hasTotal, bool moreFollow, Cursor* message);
 
 // The attributes of Wi-Fi Simple Configuration, to the cursor's end.
 void ShowSimpleConfiguration(const Place& in, Cursor& c);

@@ -74,14 +74,14 @@ constexpr auto kTlsFlags = Rows<Eap>({
 constexpr auto kTeapFlags = Rows<Eap>({
     Word(1).Into(&Eap::flags), Flag(0, "Length Included"), Flag(1, "More Fragments"), Flag(2, "Start"),
     Flag(3, "Outer TLV Length Included"), Bits(4, 1, "Reserved"), Bits(5, 3, "Version")});
-constexpr auto kTlsLength = Rows<Eap>({Number(4, "TLS Message Length")});
+constexpr auto kTlsLength = Rows<Eap>({Number(4, "TLS Message Length").Into(&Eap::total)});
 constexpr auto kOuterLength = Rows<Eap>({Number(4, "Outer TLV Length").Into(&Eap::count)});
 constexpr auto kAuthority = Rows<Eap>({Bytes(0, "Authority ID")});
-constexpr uint32_t kLengthIncluded = 0x80, kStart = 0x20, kOuterIncluded = 0x10;
+constexpr uint32_t kLengthIncluded = 0x80, kMoreFragments = 0x40, kStart = 0x20, kOuterIncluded = 0x10;
 
 // The records in a message, or in its first fragment; they are no stream of the connection that carries EAP. Later
 // fragments start in the middle of a record.
-void ShowRecords(const Place& in, Cursor& c) {
+void ShowMessage(const Place& in, Cursor& c) {
   constexpr uint32_t kTlsApplication = 0x1E, kFirstType = 20, kLastType = 23, kMajorVersion = 3;
   const DecoderRow* tls = FindBuiltinDecoder(kTlsApplication);
   const uint32_t type = PeekU8(c);
@@ -95,20 +95,30 @@ void ShowRecords(const Place& in, Cursor& c) {
   if (shown) {
     TakeBytes(c, Left(c));
   } else {
-    AddBlock(in, Rest(c), "TLS Data");
+    AddBlock(in, Rest(c), "TLS Message Continued");
   }
 }
+bool JoinFlagged(const Place& in, Cursor& c, const Eap& eap, Cursor* message) {
+  const uint32_t flags = eap.flags.value;
+  return JoinEapFragment(in, c, eap, flags & kLengthIncluded, flags & kMoreFragments, message);
+}
+void ShowRecords(const Place& in, Cursor& c, const Eap& eap) {
+  Cursor message;
+  const bool isFragment = JoinFlagged(in, c, eap, &message);
+  ShowMessage(in, isFragment ? message : c);
+}
+
 
 void ShowTls(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
-  ShowRecords(in, c);
+  ShowRecords(in, c, eap);
 }
 constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .typeMask = 0x3FFF};
 constexpr auto kFastTlvs = Choices<Eap>({{4, "Authority ID", kAuthority}});
 void ShowFast(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
   if (eap.flags.value & kStart) ShowElements<Eap>(in, c, kTlvForm, "TLV", kFastTlvs, eap);
-  ShowRecords(in, c);
+  ShowRecords(in, c, eap);
 }
 
 constexpr auto kTeapIdentityNames = SortedNames({{1, "User"}, {2, "Machine"}});
@@ -170,7 +180,7 @@ void ShowTeap(const Place& in, Cursor& c, Eap& eap) {
   const int32_t outer = eap.count.value < static_cast<uint32_t>(Left(c)) ? static_cast<int32_t>(eap.count.value) :
       Left(c);
   Cursor tls = TakeCursor(c, Left(c) - outer);
-  ShowRecords(in, tls);
+  ShowRecords(in, tls, eap);
   ShowElements<Eap>(in, c, kTlvForm, "Outer TLV", kTeapTlvs, eap);
 }
 
@@ -254,16 +264,19 @@ constexpr auto kIkev2 = Rows<Eap>({
     "Integrity Checksum Data"),
     Bits(3, 5, "Reserved")});
 void ShowIkev2(const Place& in, Cursor& c, Eap& eap) {
-  constexpr auto kLength = Rows<Eap>({Number(4, "Message Length")});
+  constexpr auto kLength = Rows<Eap>({Number(4, "Message Length").Into(&Eap::total)});
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kLength, eap);
   constexpr uint32_t kKeyExchange = 0x270, kVersion2 = 2;
   constexpr int32_t kKeyHeader = 28;
   const DecoderRow* isakmp = FindBuiltinDecoder(kKeyExchange);
-  const bool starts = Left(c) >= kKeyHeader && PeekU8(c, 17) >> 4 == kVersion2;
-  if (isakmp && starts && TryDecoder(in, c, isakmp->decode, "IKEv2 Message")) {
-    TakeBytes(c, Left(c));
+  Cursor joined;
+  const bool isFragment = JoinFlagged(in, c, eap, &joined);
+  Cursor& message = isFragment ? joined : c;
+  const bool starts = Left(message) >= kKeyHeader && PeekU8(message, 17) >> 4 == kVersion2;
+  if (isakmp && starts && TryDecoder(in, message, isakmp->decode, "IKEv2 Message")) {
+    TakeBytes(message, Left(message));
   } else {
-    AddBlock(in, Rest(c), "IKEv2 Message");
+    AddBlock(in, Rest(message), "IKEv2 Message");
   }
 }
 constexpr auto kGpsk = Rows<Eap>({Number(1, "Operation", kGpskOperations).Into(&Eap::operation)});
@@ -304,7 +317,7 @@ void ShowGpsk(const Place& in, Cursor& c, Eap& eap) {
 constexpr auto kPwd = Rows<Eap>({
     Word(1).Into(&Eap::flags), Flag(0, "Total Length Included"), Flag(1, "More Fragments"),
     Bits(2, 6, "Exchange", kPwdExchanges).Into(&Eap::operation)});
-constexpr auto kPwdLength = Rows<Eap>({Number(2, "Total Length")});
+constexpr auto kPwdLength = Rows<Eap>({Number(2, "Total Length").Into(&Eap::total)});
 constexpr auto kPwdId = Rows<Eap>({
     Number(2, "Group Description", kGroups), Number(1, "Random Function", kRandomNames), Number(1, "PRF", kRandomNames),
     Hex(4, "Token"), Number(1, "Password Preparation", kPrepNames), Utf8(0, "Identity")});
@@ -312,10 +325,14 @@ constexpr auto kPwdElement = Rows<Eap>({Bytes(0, "Element and Scalar")});
 constexpr auto kPwdConfirm = Rows<Eap>({Bytes(0, "Confirm")});
 void ShowPwd(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kPwdLength, eap);
+  Cursor joined;
+  const bool isFragment = JoinFlagged(in, c, eap, &joined);
+  Cursor& message = isFragment ? joined : c;
+  if (Left(message) < 1) return;
   switch (eap.operation.value) {
-    case 1: return ShowRows<Eap>(in, c, kPwdId, eap);
-    case 2: return ShowRows<Eap>(in, c, kPwdElement, eap);
-    case 3: return ShowRows<Eap>(in, c, kPwdConfirm, eap);
+    case 1: return ShowRows<Eap>(in, message, kPwdId, eap);
+    case 2: return ShowRows<Eap>(in, message, kPwdElement, eap);
+    case 3: return ShowRows<Eap>(in, message, kPwdConfirm, eap);
     default: return;
   }
 }
@@ -344,13 +361,15 @@ constexpr auto kExpanded = Rows<Eap>({
 constexpr auto kWsc = Rows<Eap>({
     Number(1, "Operation", kWscOperations), Hex(1, "WSC Flags").Into(&Eap::flags), Flag(7, "More Fragments"),
     Flag(6, "Length Field")});
-constexpr auto kWscLength = Rows<Eap>({Number(2, "Message Length")});
-constexpr uint32_t kWifiAlliance = 0x00372A, kSimpleConfiguration = 1, kWscHasLength = 2;
+constexpr auto kWscLength = Rows<Eap>({Number(2, "Message Length").Into(&Eap::total)});
+constexpr uint32_t kWifiAlliance = 0x00372A, kSimpleConfiguration = 1, kWscHasLength = 2, kWscMore = 1;
 void ShowExpanded(const Place& in, Cursor& c, Eap& eap) {
   if (eap.vendor.value != kWifiAlliance || eap.vendorType.value != kSimpleConfiguration) return;
   ShowRows<Eap>(in, c, kWsc, eap);
   if (eap.flags.value & kWscHasLength) ShowRows<Eap>(in, c, kWscLength, eap);
-  ShowSimpleConfiguration(in, c);
+  Cursor joined;
+  const bool isFragment = JoinEapFragment(in, c, eap, eap.flags.value & kWscHasLength, eap.flags.value & kWscMore, &joined);
+  ShowSimpleConfiguration(in, isFragment ? joined : c);
 }
 
 constexpr auto kMethods = Choices<Eap>({

@@ -1,6 +1,6 @@
 // Networks of several media in a home (IEEE 1905.1-2013 and 1905.1a-2014): which devices are there, over which links, how
-// good are those? The elements and messages that the Wi-Fi Alliance added for access points of several makers (Multi-AP
-// standard) are named, the plain ones shown.
+// good are those? The elements that the Wi-Fi Alliance added for access points of several makers (Multi-AP) stand in files
+// of their own.
 //
 //   version   reserved   message type (2)   message ID (2)   fragment   flags   elements: type (1), length (2), value
 #include "core/elements.h"

@@ -26,5 +26,6 @@ inline void ShowNested(const Place& in, Cursor& c, RowSpan<HomeNetwork> outer, R
 
 // The elements of networks of several access points; null for none of them.
 const Choice<HomeNetwork>* FindMultiApElement(uint32_t type);
+const Choice<HomeNetwork>* FindProfileElement(uint32_t type);   // of its later profiles
 
 }  // namespace qxview

@@ -103,8 +103,37 @@ constexpr auto kProfile = Rows<Home>({Number(1, "Multi-AP Profile", kProfileName
 constexpr auto kDefaultQueue = Rows<Home>({Number(2, "Primary VLAN ID"), Word(1), Bits(0, 3, "Default Priority"),
     Bits(3, 5, "Reserved")});
 constexpr auto kTime = Rows<Home>({Counted(1, Text(0, "Time Stamp"))});
-constexpr auto kReason = Rows<Home>({Number(2, "Reason Code")});
-constexpr auto kStatus = Rows<Home>({Number(2, "Status Code")});
+constexpr auto kPolicyNames = SortedNames({
+    {0, "Agent-initiated Steering Disallowed"}, {1, "RCPI-based Steering Mandated"}, {2, "RCPI-based Steering Allowed"}});
+constexpr auto kDisallowed = Rows<Home>({Number(1, "Local Steering Disallowed").Into(&Home::count)});
+constexpr auto kBtmDisallowed = Rows<Home>({Number(1, "BTM Steering Disallowed").Into(&Home::count)});
+constexpr auto kPolicy = Rows<Home>({
+    Mac("Radio ID"), Number(1, "Steering Policy", kPolicyNames), Number(1, "Channel Utilization Threshold"),
+    Number(1, "RCPI Steering Threshold")});
+constexpr auto kReporting = Rows<Home>({
+    Number(1, "AP Metrics Reporting Interval", " seconds"), Number(1, "Radios").Into(&Home::count)});
+constexpr auto kReport = Rows<Home>({
+    Mac("Radio ID"), Number(1, "RCPI Reporting Threshold"), Number(1, "RCPI Hysteresis Margin Override"),
+    Number(1, "Channel Utilization Reporting Threshold"), Word(1), Flag(0, "Include Traffic Statistics"),
+    Flag(1, "Include Link Metrics"), Flag(2, "Include Wi-Fi 6 Station Status"), Bits(3, 5, "Reserved")});
+constexpr auto kRestricted = Rows<Home>({Number(1, "Operating Class"), Number(1, "Channels").Into(&Home::inner)});
+constexpr auto kRestriction = Rows<Home>({Number(1, "Channel"), Number(1, "Minimum Frequency Separation", " x 10 MHz")});
+constexpr auto kHeard = Rows<Home>({Number(1, "Operating Class"), Number(1, "Channels").Into(&Home::count)});
+constexpr auto kHeardChannel = Rows<Home>({Number(1, "Channel"), Number(1, "Stations").Into(&Home::inner)});
+constexpr auto kHeardStation = Rows<Home>({Mac("Station MAC Address")});
+constexpr auto kHeardAnswer = Rows<Home>({Number(1, "Operating Class"), Number(1, "Stations").Into(&Home::count)});
+constexpr auto kHeardLink = Rows<Home>({
+    Mac("Station MAC Address"), Number(1, "Channel"), Number(4, "Time Delta", " ms"), Number(1, "Uplink RCPI")});
+constexpr auto kBeacons = Rows<Home>({
+    Mac("Station MAC Address").Note(", %s"), Number(1, "Operating Class"), Number(1, "Channel"), Mac("BSSID"),
+    Number(1, "Reporting Detail"), Counted(1, Text(0, "SSID")), Number(1, "Channel Reports").Into(&Home::count)});
+constexpr auto kChannelReport = Rows<Home>({
+    Number(1, "Channel Report Length").Into(&Home::size), Bytes(0, "Channel Report").SizedBy(&Home::size)});
+constexpr auto kElementIds = Rows<Home>({Counted(1, Bytes(0, "Element IDs"))});
+constexpr auto kBeaconReports = Rows<Home>({
+    Mac("Station MAC Address").Note(", %s"), Hex(1, "Reserved"), Number(1, "Measurement Reports").Into(&Home::count)});
+constexpr auto kMeasurement = Rows<Home>({
+    Number(1, "Element ID"), Number(1, "Element Length").Into(&Home::size), Bytes(0, "Measurement Report").SizedBy(&Home::size)});
 
 void ShowServices(const Place& in, Cursor& c, Home& home) { ShowCounted(in, c, home.count.value, kService, home); }
 void ShowSets(const Place& in, Cursor& c, Home& home) { ShowNested(in, c, kRadioSets, kBss, home); }
@@ -123,6 +152,22 @@ void ShowSteering(const Place& in, Cursor& c, Home& home) {
   ShowRows<Home>(in, c, kTargets, home);
   ShowCounted(in, c, home.count.value, kTarget, home);
 }
+void ShowPolicy(const Place& in, Cursor& c, Home& home) {
+  ShowStations(in, c, home);
+  ShowRows<Home>(in, c, kBtmDisallowed, home);
+  ShowStations(in, c, home);
+  ShowRows<Home>(in, c, kRadios, home);
+  ShowCounted(in, c, home.count.value, kPolicy, home);
+}
+void ShowReporting(const Place& in, Cursor& c, Home& home) { ShowCounted(in, c, home.count.value, kReport, home); }
+void ShowRestrictions(const Place& in, Cursor& c, Home& home) { ShowNested(in, c, kRestricted, kRestriction, home); }
+void ShowHeard(const Place& in, Cursor& c, Home& home) { ShowNested(in, c, kHeardChannel, kHeardStation, home); }
+void ShowHeardAnswer(const Place& in, Cursor& c, Home& home) { ShowCounted(in, c, home.count.value, kHeardLink, home); }
+void ShowBeacons(const Place& in, Cursor& c, Home& home) {
+  ShowCounted(in, c, home.count.value, kChannelReport, home);
+  ShowRows<Home>(in, c, kElementIds, home);
+}
+void ShowReports(const Place& in, Cursor& c, Home& home) { ShowCounted(in, c, home.count.value, kMeasurement, home); }
 void ShowTargetBss(const Place& in, Cursor& c, Home& home) {
   if (Left(c) >= 6) ShowRows<Home>(in, c, kBssid, home);
 }
@@ -132,37 +177,28 @@ constexpr auto kElements = Choices<Home>({
     {0x82, "AP Radio Identifier", kRadio}, {0x83, "AP Operational BSS", kRadios, ShowSets},
     {0x84, "Associated Clients", kClients, ShowClients}, {0x85, "AP Radio Basic Capabilities", kRadioBasics, ShowBasics},
     {0x86, "AP HT Capabilities", kHt}, {0x87, "AP VHT Capabilities", kVht}, {0x88, "AP HE Capabilities", kHe},
-    {0x89, "Steering Policy"}, {0x8A, "Metric Reporting Policy"}, {0x8B, "Channel Preference", kClassSet, ShowPreferences},
-    {0x8C, "Radio Operation Restriction"}, {0x8D, "Transmit Power Limit", kPower},
+    {0x89, "Steering Policy", kDisallowed, ShowPolicy}, {0x8A, "Metric Reporting Policy", kReporting, ShowReporting},
+    {0x8B, "Channel Preference", kClassSet, ShowPreferences},
+    {0x8C, "Radio Operation Restriction", kClassSet, ShowRestrictions}, {0x8D, "Transmit Power Limit", kPower},
     {0x8E, "Channel Selection Response", kAnswer}, {0x8F, "Operating Channel Report", kClassSet, ShowOperating},
     {0x90, "Client Info", kClientInfo}, {0x91, "Client Capability Report", kClientReport},
     {0x92, "Client Association Event", kEvent}, {0x93, "AP Metric Query", kBssids, ShowBssids},
     {0x94, "AP Metrics", kApMetrics}, {0x95, "STA MAC Address", kStation},
-    {0x96, "Associated STA Link Metrics", kLinkSets, ShowLinks}, {0x97, "Unassociated STA Link Metrics Query"},
-    {0x98, "Unassociated STA Link Metrics Response"}, {0x99, "Beacon Metrics Query"}, {0x9A, "Beacon Metrics Response"},
+    {0x96, "Associated STA Link Metrics", kLinkSets, ShowLinks}, {0x97, "Unassociated STA Link Metrics Query", kHeard, ShowHeard},
+    {0x98, "Unassociated STA Link Metrics Response", kHeardAnswer, ShowHeardAnswer},
+    {0x99, "Beacon Metrics Query", kBeacons, ShowBeacons}, {0x9A, "Beacon Metrics Response", kBeaconReports, ShowReports},
     {0x9B, "Steering Request", kSteering, ShowSteering}, {0x9C, "Steering BTM Report", kBtm, ShowTargetBss},
     {0x9D, "Client Association Control Request", kAssociation, ShowStations}, {0x9E, "Backhaul Steering Request", kBackhaul},
     {0x9F, "Backhaul Steering Response", kBackhaulAnswer}, {0xA0, "Higher Layer Data", kLayer},
     {0xA1, "AP Capability", kApAbilities}, {0xA2, "Associated STA Traffic Statistics", kTraffic},
-    {0xA3, "Error Code", kError}, {0xA4, "Channel Scan Reporting Policy"}, {0xA5, "Channel Scan Capabilities"},
-    {0xA6, "Channel Scan Request"}, {0xA7, "Channel Scan Result"}, {0xA8, "Timestamp", kTime},
-    {0xA9, "1905 Layer Security Capability"}, {0xAA, "AP Wi-Fi 6 Capabilities"}, {0xAB, "MIC"}, {0xAC, "Encrypted Payload"},
-    {0xAD, "CAC Request"}, {0xAE, "CAC Termination"}, {0xAF, "CAC Completion Report"},
-    {0xB0, "Associated Wi-Fi 6 STA Status Report"}, {0xB1, "CAC Status Report"}, {0xB2, "CAC Capabilities"},
-    {0xB3, "Multi-AP Profile", kProfile}, {0xB4, "Profile-2 AP Capability"}, {0xB5, "Default 802.1Q Settings", kDefaultQueue},
-    {0xB6, "Traffic Separation Policy"}, {0xB7, "BSS Configuration Report"}, {0xB8, "BSSID"},
-    {0xB9, "Service Prioritization Rule"}, {0xBA, "DSCP Mapping Table"}, {0xBB, "BSS Configuration Request"},
-    {0xBC, "Profile-2 Error Code"}, {0xBD, "BSS Configuration Response"}, {0xBE, "AP Radio Advanced Capabilities"},
-    {0xBF, "Association Status Notification"}, {0xC0, "Source Info"}, {0xC1, "Tunneled Message Type"}, {0xC2, "Tunneled"},
-    {0xC3, "Profile-2 Steering Request"}, {0xC4, "Unsuccessful Association Policy"}, {0xC5, "Metric Collection Interval"},
-    {0xC6, "Radio Metrics"}, {0xC7, "AP Extended Metrics"}, {0xC8, "Associated STA Extended Link Metrics"},
-    {0xC9, "Status Code", kStatus}, {0xCA, "Reason Code", kReason}, {0xCB, "Backhaul STA Radio Capabilities"},
-    {0xCC, "AKM Suite Capabilities"}, {0xCD, "1905 Encapsulated DPP"}, {0xCE, "1905 Encapsulated EAPOL"},
-    {0xCF, "DPP Bootstrapping URI Notification"}, {0xD0, "Backhaul BSS Configuration"}, {0xD1, "DPP Message"},
-    {0xD2, "DPP CCE Indication"}, {0xD3, "DPP Chirp Value"}, {0xD4, "Device Inventory"}, {0xD5, "Agent List"}});
+    {0xA3, "Error Code", kError}, {0xA8, "Timestamp", kTime}, {0xB3, "Multi-AP Profile", kProfile},
+    {0xB5, "Default 802.1Q Settings", kDefaultQueue}});
 
 }  // namespace
 
-const Choice<HomeNetwork>* FindMultiApElement(uint32_t type) { return FindChoice<HomeNetwork>(kElements, type); }
+const Choice<HomeNetwork>* FindMultiApElement(uint32_t type) {
+  const Choice<HomeNetwork>* choice = FindChoice<HomeNetwork>(kElements, type);
+  return choice ? choice : FindProfileElement(type);
+}
 
 }  // namespace qxview

@@ -103,6 +103,20 @@ void ShowLineage(const Place& in, Cursor& c, Lltd& lltd) {
   Loop loop;
   while (Left(c) >= 6 && MoreAt(in, c, loop)) ShowRows<Lltd>(in, c, kAncestor, lltd);
 }
+// What an access point is made of: a version, then descriptors.
+constexpr auto kComponentVersion = Rows<Lltd>({Number(1, "Component Table Version")});
+constexpr auto kBridge = Rows<Lltd>({Number(1, "Behavior")});
+constexpr auto kBand = Rows<Lltd>({
+    Number(2, "Maximum Operational Rate", " x 500 kbit/s"), Number(1, "Physical Medium", kRadioNames),
+    Number(1, "Wireless Mode", kWirelessNames), Mac("BSSID")});
+constexpr auto kSwitch = Rows<Lltd>({Number(4, "Link Speed", " x 100 bit/s")});
+constexpr auto kComponents = Choices<Lltd>({
+    {0, "Bridge", kBridge}, {1, "Wireless Radio Band", kBand}, {2, "Built-in Switch", kSwitch}});
+void ShowComponents(const Place& in, Cursor& c, Lltd& lltd) {
+  if (Left(c) < 1) return;   // too large for this message: it is queried
+  ShowRows<Lltd>(in, c, kComponentVersion, lltd);
+  ShowElements<Lltd>(in, c, ElementForm{}, "Component", kComponents, lltd);
+}
 constexpr auto kProperties = Choices<Lltd>({
     {0, "End of Property List"}, {1, "Host ID", kHost}, {2, "Characteristics", kCharacteristics}, {3,
     "Physical Medium", kMedium},
@@ -113,7 +127,8 @@ constexpr auto kProperties = Choices<Lltd>({
     {16, "Support Information", kWideName}, {17, "Friendly Name", kWideName}, {18, "Device UUID", kUuid},
     {19, "Hardware ID", kWideName}, {20, "QoS Characteristics", kQosFlags}, {21, "802.11 Physical Medium", kRadio},
     {22, "AP Association Table", {}, ShowAssociations}, {23, "Detailed Icon Image"},
-    {24, "Sees-list Working Set", kWorkingSet}, {25, "Component Table"}, {26, "Repeater AP Lineage", {}, ShowLineage},
+    {24, "Sees-list Working Set", kWorkingSet}, {25, "Component Table", {}, ShowComponents},
+    {26, "Repeater AP Lineage", {}, ShowLineage},
     {27, "Repeater AP Table"}});
 
 void ShowDescriptors(const Place& in, Cursor& c, RowSpan<Lltd> rows, const char* title, Lltd& lltd) {

@@ -29,4 +29,18 @@ inline constexpr auto kPtpSourceNames = SortedNames({
     {0x50, "NTP"},
     {0x60, "Hand Set"}, {0x90, "Other"}, {0xA0, "Internal Oscillator"}});
 
+// Of version 1: what a management message's key says of its parameters, to the cursor's end.
+void ShowPtp1Parameters(const Place& in, Cursor& c, uint32_t key);
+inline constexpr auto kPtp1TechnologyNames = SortedNames({
+    {0, "Closed System"}, {1, "IEEE 802.3 (Ethernet)"}, {2, "FOUNDATION Fieldbus"}, {3, "PROFIBUS"}, {4, "LonTalk"},
+    {5, "DeviceNet"},
+    {6, "SDS"}, {7, "ControlNet"}, {8, "CANopen"}, {243, "IEEE 1394"}, {244, "IEEE 802.11a"}, {245, "IEEE Wireless"},
+    {246, "InfiniBand"}, {247, "Bluetooth"}, {248, "IEEE 802.15.1"}, {249, "IEEE 1451.3"}, {250, "IEEE 1451.5"}, {251,
+    "USB"},
+    {252, "ISA"}, {253, "PCI"}, {254, "VXI"}, {255, "Default"}});
+inline constexpr auto kPtp1StratumNames = SortedNames({
+    {0, "Set by Master"}, {1, "Primary Reference"}, {2, "Secondary Reference"}, {3, "Secondary, May Issue"}, {4,
+    "Default"},
+    {255, "Never Best Master"}});
+
 }  // namespace qxview

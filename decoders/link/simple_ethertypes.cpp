@@ -31,7 +31,8 @@ int32_t DecodeLoadBalancingHeartbeat(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "MS Network Load Balancing Heartbeat"));
   AddBlock(in, Ahead(c, Left(c)), "Heartbeat Data");
   constexpr int32_t kHeadSize = 20;
-  if (Left(c) >= kHeadSize) ShowRows(in, c, kHead);
+  constexpr uint32_t kSignature = 0xBF01DEC0;
+  if (Left(c) >= kHeadSize || PeekU32(c) == kSignature) ShowRows(in, c, kHead);
   return 1;
 }
 

@@ -8,6 +8,7 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kMostPayload = 65535;
+constexpr size_t kPieces = kMostFragments * sizeof(BytePiece);   // in front of joined bytes
 
 // The fragments of one datagram, the one that came first in front.
 struct Fragments {
@@ -86,23 +87,12 @@ bool IsNew(const Fragments& known, int64_t packet, uint32_t offset) {
   return true;
 }
 
-FragmentRun Take(const Place& at, const Cursor& c, const RequestKey& key, uint32_t offset, bool moreFollow,
-                 StateBytes* given) {
-  StateTable& table = UnrecordedTable(at.view, kIpFragments);
-  const int64_t packet = at.view->context->packetNumber;
-  Fragments known = RecallFragments(table, key);
-  if (IsNew(known, packet, offset)) {
-    // The identification is used again, or far too many came.
-    if (known.count == kMostFragments || (known.count > 0 && known.of[known.count - 1]->isDone)) table.Forget(&key);
-    const IpFragment own{{packet, c.offset, Left(c)}, static_cast<int32_t>(offset), !moreFollow, false};
-    table.Remember(&key, &own, {c.at, static_cast<uint32_t>(Left(c))});
-    known = RecallFragments(table, key);
-  }
+// Adds the fragments up and joins them when all are there.
+FragmentRun JoinKnown(const Place& at, StateTable& table, const RequestKey& key, const Fragments& known, StateBytes* given) {
   FragmentRun run{};
   int32_t end;
   Count(known, run, end);
   if (end == 0 || run.kept < end || end > kMostPayload) return run;
-  constexpr size_t kPieces = kMostFragments * sizeof(BytePiece);
   uint8_t* memory = TakeFrameMemory(at.view, static_cast<int64_t>(kPieces) + end);
   if (!memory || !Join(known, end, run, reinterpret_cast<BytePiece*>(memory), memory + kPieces)) {
     run.pieceCount = 0;
@@ -115,6 +105,72 @@ FragmentRun Take(const Place& at, const Cursor& c, const RequestKey& key, uint32
   return run;
 }
 
+FragmentRun Take(const Place& at, const Cursor& c, const RequestKey& key, uint32_t offset, bool moreFollow,
+                 StateBytes* given) {
+  StateTable& table = UnrecordedTable(at.view, kIpFragments);
+  const int64_t packet = at.view->context->packetNumber;
+  Fragments known = RecallFragments(table, key);
+  if (IsNew(known, packet, offset)) {
+    // The identification is used again, or far too many came.
+    if (known.count == kMostFragments || (known.count > 0 && known.of[known.count - 1]->isDone)) table.Forget(&key);
+    const IpFragment own{{packet, c.offset, Left(c)}, static_cast<int32_t>(offset), !moreFollow, false, 0, 0};
+    table.Remember(&key, &own, {c.at, static_cast<uint32_t>(Left(c))});
+    known = RecallFragments(table, key);
+  }
+  return JoinKnown(at, table, key, known, given);
+}
+
+// Where a fragment without an offset belongs: behind those that are kept, at the start, or (below 0) nowhere.
+int32_t PlaceNext(StateTable& table, const RequestKey& key, const Fragments& known, const NextFragment& fragment,
+                  int32_t length) {
+  const IpFragment* last = known.count ? known.of[known.count - 1] : nullptr;
+  int32_t kept = 0;
+  for (int32_t i = 0; i < known.count; ++i) kept += known.spans[i].left;
+  const int64_t total = last ? known.of[0]->total : 0, end = int64_t{kept} + length;
+  const bool follows = last && static_cast<uint8_t>(last->number + 1) == fragment.number;
+  const bool isOther = fragment.total && (!follows || fragment.total != total);
+  const bool fits = last && !last->isDone && !isOther && (fragment.moreFollow ? end < total : end == total);
+  if (fits && known.count + fragment.pieceCount <= kMostFragments) return kept;
+  if (known.count) table.Forget(&key);
+  return fragment.total && fragment.moreFollow && fragment.total <= kMostPayload ? 0 : -1;
+}
+
+FragmentRun TakeNext(const Place& at, Cursor c, const RequestKey& key, const NextFragment& fragment, StateBytes* given) {
+  StateTable& table = UnrecordedTable(at.view, kIpFragments);
+  const int64_t packet = at.view->context->packetNumber;
+  Fragments known = RecallFragments(table, key);
+  const IpFragment* last = known.count ? known.of[known.count - 1] : nullptr;
+  // The packet may be decoded twice, and its sender may say it twice.
+  const bool isAgain = last && last->number == fragment.number && (last->piece.packet == packet || !last->isDone);
+  if (!isAgain) {
+    int32_t offset = PlaceNext(table, key, known, fragment, Left(c));
+    if (offset < 0) return {};
+    const uint32_t total = fragment.total ? fragment.total : last ? known.of[0]->total : 0;
+    for (int32_t i = 0; i < fragment.pieceCount; ++i) {
+      const BytePiece& piece = fragment.pieces[i];
+      const Field bytes = TakeBytes(c, piece.length);
+      const bool isLast = !fragment.moreFollow && i + 1 == fragment.pieceCount;
+      const IpFragment own{piece, offset, isLast, false, fragment.number, total};
+      table.Remember(&key, &own, {bytes.bytes, static_cast<uint32_t>(bytes.length)});
+      offset += bytes.length;
+    }
+    known = RecallFragments(table, key);
+  }
+  FragmentRun run = JoinKnown(at, table, key, known, given);
+  if (run.length == 0 && known.count) run.needed = static_cast<int32_t>(known.of[0]->total) - run.kept;
+  return run;
+}
+
+// What the look-up gave, as a cursor over the joined bytes; empty while some are missing.
+Cursor JoinedOf(const Place& at, const Cursor& c, const FragmentRun& run, const StateBytes& bytes) {
+  const Cursor none = MakeCursor(nullptr, c.offset, 0);
+  if (run.length == 0 || bytes.length != kPieces + static_cast<size_t>(run.length)) return none;
+  auto* pieces = reinterpret_cast<BytePiece*>(TakeFrameMemory(at.view, kPieces));
+  if (!pieces) return none;
+  std::memcpy(pieces, bytes.data, kPieces);
+  return JoinedBytes(at.view, bytes.data + kPieces, run.length, pieces, run.pieceCount, c.offset);
+}
+
 }  // namespace
 
 bool JoinsFragments(const Place& at) {
@@ -123,7 +179,6 @@ bool JoinsFragments(const Place& at) {
 
 FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identification, uint8_t protocol, uint32_t offset,
                            bool moreFollow, Cursor* joined) {
-  constexpr size_t kPieces = kMostFragments * sizeof(BytePiece);
   RequestKey key{DirectionOf(PacketOf(at)), {identification, protocol, 0, 0}};
   key.connection.ports[0] = key.connection.ports[1] = 0;
   FragmentRun run{};
@@ -132,12 +187,19 @@ FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identifica
     *out = Take(at, c, key, offset, moreFollow, given);
     return true;
   });
-  *joined = MakeCursor(nullptr, c.offset, 0);
-  if (run.length == 0 || bytes.length != kPieces + static_cast<size_t>(run.length)) return run;
-  auto* pieces = reinterpret_cast<BytePiece*>(TakeFrameMemory(at.view, kPieces));
-  if (!pieces) return run;
-  std::memcpy(pieces, bytes.data, kPieces);
-  *joined = JoinedBytes(at.view, bytes.data + kPieces, run.length, pieces, run.pieceCount, c.offset);
+  *joined = JoinedOf(at, c, run, bytes);
+  return run;
+}
+
+FragmentRun TakeNextFragment(const Place& at, const Cursor& c, const RequestKey& key, const NextFragment& fragment,
+                             Cursor* joined) {
+  FragmentRun run{};
+  StateBytes bytes{};
+  RecallFromHost(at.view, kFragmentRuns, &run, &bytes, [&](FragmentRun* out, StateBytes* given) {
+    *out = TakeNext(at, c, key, fragment, given);
+    return true;
+  });
+  *joined = JoinedOf(at, c, run, bytes);
   return run;
 }
 

@@ -1,5 +1,6 @@
 // Fragments of datagrams of either IP version (RFC 791 section 3.2, RFC 8200 section 4.5), for the setting Reassembly:
-// they are kept until the last one has come, in whatever order, and the datagram is shown in that one's frame.
+// they are kept until the last one has come, in whatever order, and the datagram is shown in that one's frame. Messages of
+// EAP are joined in the same way.
 #pragma once
 #include "core/byte_origins.h"
 #include "core/decoder.h"
@@ -14,6 +15,8 @@ struct IpFragment {
   int32_t offset;      // in the datagram's payload
   bool isLast;
   bool isDone;         // with it all were there
+  uint8_t number;      // of fragments that tell no offset
+  uint32_t total;      // of these: how long all of them are, 0 when that is not known
 };
 
 // What becomes of a fragment.
@@ -33,6 +36,19 @@ bool JoinsFragments(const Place& at);
 // more follow. `joined` gets the payload when it is whole, and is empty otherwise.
 FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identification, uint8_t protocol, uint32_t offset,
                            bool moreFollow, Cursor* joined);
+
+// The same for a protocol whose fragments tell no offset but come strictly one behind the other. `number` tells one from
+// the next, `total` is how long all of them are, 0 when this one does not say it. A fragment may lie in several pieces of
+// the frame. Nothing is kept of what is no part of a message that was seen from its start on.
+struct NextFragment {
+  const BytePiece* pieces;
+  int32_t pieceCount;
+  uint8_t number;
+  uint32_t total;
+  bool moreFollow;
+};
+FragmentRun TakeNextFragment(const Place& at, const Cursor& c, const RequestKey& key, const NextFragment& fragment,
+                             Cursor* joined);
 
 // The line that says what the fragment waits for, or what the datagram was made of.
 void TellFragments(const Place& at, const Cursor& c, const FragmentRun& run);
