@@ -20,6 +20,26 @@ inline void ShowBandwidth(const Place& in, const Field& field, const char* label
   }
 }
 
+// One for each priority of eight.
+inline constexpr auto kLspBandwidths = Rows<NoValues>({
+    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
+    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+inline constexpr auto kUnreservedBandwidths = Rows<NoValues>({
+    Shown(4, "Unreserved Bandwidth Priority 0", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 1", ShowBandwidth),
+    Shown(4, "Unreserved Bandwidth Priority 2", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 3", ShowBandwidth),
+    Shown(4, "Unreserved Bandwidth Priority 4", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 5", ShowBandwidth),
+    Shown(4, "Unreserved Bandwidth Priority 6", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 7", ShowBandwidth)});
+template <class T>
+void ShowLspBandwidths(const Place& in, Cursor& c, const char*, T&) {
+  ShowRows(in, c, kLspBandwidths);
+}
+template <class T>
+void ShowUnreservedBandwidths(const Place& in, Cursor& c, const char*, T&) {
+  ShowRows(in, c, kUnreservedBandwidths);
+}
+
 // What a switching capability is of (RFC 4203, RFC 5307 and the registry of GMPLS signaling parameters).
 inline constexpr auto kSwitchingNames = SortedNames({
     {1, "Packet-Switch Capable 1"}, {2, "Packet-Switch Capable 2"}, {3, "Packet-Switch Capable 3"},

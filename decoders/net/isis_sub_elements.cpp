@@ -18,20 +18,13 @@ constexpr auto kInterfaces = Rows<Isis>({Number(4, "Link Local Identifier"), Num
 constexpr auto kAddress4 = Rows<Isis>({IPv4(nullptr).Note(", %s")});
 constexpr auto kAddress6 = Rows<Isis>({IPv6(nullptr).Note(", %s")});
 constexpr auto kBandwidth = Rows<Isis>({Shown(4, nullptr, ShowBandwidth)});
-constexpr auto kUnreserved = Rows<Isis>({
-    Shown(4, "Unreserved Bandwidth Priority 0", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Unreserved Bandwidth Priority 2", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Unreserved Bandwidth Priority 4", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Unreserved Bandwidth Priority 6", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 7", ShowBandwidth)});
+constexpr auto kUnreserved = Rows<Isis>({Shown<Isis>(nullptr, ShowUnreservedBandwidths<Isis>)});
 constexpr auto kMetric3 = Rows<Isis>({Number(3, nullptr).Note(", %u")});
 constexpr auto kLinkAttributes = Rows<Isis>({Flags(2, "Link Attributes", kLinkMasks)});
 constexpr auto kProtection = Rows<Isis>({Hex(1, "Protection Capability"), Hex(1, "Reserved")});
 constexpr auto kSwitching = Rows<Isis>({
     Number(1, "Switching Capability", kSwitchingNames), Number(1, "Encoding", kEncodingNames), Hex(2, "Reserved"),
-    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+    Shown<Isis>(nullptr, ShowLspBandwidths<Isis>)});
 constexpr auto kNumber4 = Rows<Isis>({Number(4, nullptr).Note(", %u")});
 constexpr auto kNumber8 = Rows<Isis>({Number(8, nullptr)});
 constexpr auto kAdjacency = Rows<Isis>({Flags(1, "Adjacency Flags", kAdjacencyMasks), Number(1, "Weight")});
@@ -119,10 +112,7 @@ constexpr auto kGeneric = Rows<Isis>({Number(1, "Metric Type"), Number(3, "Metri
 constexpr auto kAdaptation = Rows<Isis>({
     Number(1, "Lower Switching Capability", kSwitchingNames), Number(1, "Lower Encoding", kEncodingNames),
     Number(1, "Upper Switching Capability", kSwitchingNames), Number(1, "Upper Encoding", kEncodingNames),
-    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+    Shown<Isis>(nullptr, ShowLspBandwidths<Isis>)});
 constexpr auto kMtu = Rows<Isis>({Word(1), Flag(0, "MTU Test Failed"), Bits(1, 7, "Reserved"),
     Number(2, "MTU").Note(", %u")});
 constexpr auto kBridgeLink = Rows<Isis>({Number(3, "Link Metric").Note(", %u"), Number(1, "Number of Ports"),

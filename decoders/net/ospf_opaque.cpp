@@ -39,10 +39,7 @@ constexpr auto kInterfaces = Rows<Ospf>({Number(4, "Link Local Identifier"), Num
 constexpr auto kProtection = Rows<Ospf>({Hex(1, "Protection Capability"), Bytes(3, "Reserved")});
 constexpr auto kSwitching = Rows<Ospf>({
     Number(1, "Switching Capability", kSwitchingNames), Number(1, "Encoding", kEncodingNames), Hex(2, "Reserved"),
-    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+    Shown<Ospf>(nullptr, ShowLspBandwidths<Ospf>)});
 constexpr auto kDelay = Rows<Ospf>({
     Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Delay", " microseconds")});
 constexpr auto kDelayRange = Rows<Ospf>({
@@ -51,11 +48,7 @@ constexpr auto kDelayRange = Rows<Ospf>({
 constexpr auto kVariation = Rows<Ospf>({Word(4), Bits(0, 8, "Reserved"), Bits(8, 24, "Delay Variation", " microseconds")});
 constexpr auto kLoss = Rows<Ospf>({
     Word(4), Flag(0, "Anomalous"), Bits(1, 7, "Reserved"), Bits(8, 24, "Link Loss", " times 0.000003 percent")});
-constexpr auto kPriorities = Rows<Ospf>({
-    Shown(4, "Unreserved Bandwidth Priority 0", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Unreserved Bandwidth Priority 2", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Unreserved Bandwidth Priority 4", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Unreserved Bandwidth Priority 6", ShowBandwidth), Shown(4, "Unreserved Bandwidth Priority 7", ShowBandwidth)});
+constexpr auto kPriorities = Rows<Ospf>({Shown<Ospf>(nullptr, ShowUnreservedBandwidths<Ospf>)});
 
 void ShowAll(const Place& in, Cursor& c, RowSpan<Ospf> rows, int32_t size, Ospf& ospf, const char* title) {
   // keys: address Local Interface IP Address, Remote Interface IP Address, Local Interface IPv6 Address
@@ -85,10 +78,7 @@ void ShowRemoteAddresses6(const Place& in, Cursor& c, Ospf& ospf) {
 constexpr auto kAdaptation = Rows<Ospf>({
     Number(1, "Lower Switching Capability", kSwitchingNames), Number(1, "Lower Encoding", kEncodingNames),
     Number(1, "Upper Switching Capability", kSwitchingNames), Number(1, "Upper Encoding", kEncodingNames),
-    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5", ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7", ShowBandwidth)});
+    Shown<Ospf>(nullptr, ShowLspBandwidths<Ospf>)});
 
 constexpr auto kLinkElements = Choices<Ospf>({
     {1, "Link Type", kLinkType}, {2, "Link ID", kAddress}, {3, "Local Interface IP Address", {}, ShowLocalAddresses},

@@ -42,6 +42,9 @@ Field TakeBgpPath(Cursor& c, const Bgp& bgp);
 void ShowBgpPath(const Place& in, const Field& path);
 void ShowBgpMulticastRoutes(const Place& in, Cursor& c, Bgp& bgp);
 void ShowBgpFlows(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, Bgp& bgp);
+// What a component of a flow rule compares, behind its type.
+void ShowBgpFlowComponent(const Place& in, Cursor& c, uint32_t type, uint32_t afi);
+const char* BgpFlowComponentName(uint32_t type);
 void ShowBgpLinkStates(const Place& in, Cursor& c, uint32_t safi, Bgp& bgp);
 void ShowBgpLinkStateAttribute(const Place& in, Cursor& c, Bgp& bgp);
 

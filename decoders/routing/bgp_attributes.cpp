@@ -47,14 +47,7 @@ constexpr auto kAdvertiser = Rows<Bgp>({IPv4("Advertiser").Note(", %s")});
 constexpr auto kRouteCluster = Rows<Bgp>({IPv4("Route Cluster ID").Note(", %s")});
 constexpr auto kEngineering = Rows<Bgp>({
     Number(1, "Switching Capability", kSwitchingNames), Number(1, "Encoding", kEncodingNames), Hex(2, "Reserved"),
-    Shown(4, "Maximum LSP Bandwidth Priority 0", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 1",
-        ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 2", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 3",
-        ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 4", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 5",
-        ShowBandwidth),
-    Shown(4, "Maximum LSP Bandwidth Priority 6", ShowBandwidth), Shown(4, "Maximum LSP Bandwidth Priority 7",
-        ShowBandwidth)});
+    Shown<Bgp>(nullptr, ShowLspBandwidths<Bgp>)});
 
 void ShowDiscriminator(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kSource = Rows<Bgp>({Bytes(0, "Source Address")});

@@ -110,6 +110,18 @@ void ShowPairs(const Place& at, Cursor& c, uint32_t type) {
 
 }  // namespace
 
+const char* BgpFlowComponentName(uint32_t type) { return LookupName(kComponentNames, type); }
+
+void ShowBgpFlowComponent(const Place& in, Cursor& c, uint32_t type, uint32_t afi) {
+  if (type == kDestination || type == kSource) {
+    ShowFlowPrefix(in, c, afi);
+  } else if (type == kSourceMac || type == kDestinationMac) {
+    ShowFlowMac(in, c);
+  } else {
+    ShowPairs(in, c, type);
+  }
+}
+
 void ShowBgpFlows(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, Bgp& bgp) {
   constexpr uint32_t kFlowVpn = 134, kLong = 0xF0;
   Loop loop;
@@ -131,13 +143,7 @@ void ShowBgpFlows(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, Bgp& 
       const LineHandle line = AddLine(in, type, "Component: %s", LookupName(kComponentNames, type.value));
       const Place under = Under(in, line);
       AddLine(under, type, "Type: %u = %s", type.value, LookupName(kComponentNames, type.value));
-      if (type.value == kDestination || type.value == kSource) {
-        ShowFlowPrefix(under, flow, afi);
-      } else if (type.value == kSourceMac || type.value == kDestinationMac) {
-        ShowFlowMac(under, flow);
-      } else {
-        ShowPairs(under, flow, type.value);
-      }
+      ShowBgpFlowComponent(under, flow, type.value, afi);
       SetRange(under, line, start.offset, flow.offset - start.offset);
     }
   }

@@ -7,7 +7,9 @@
 #include "decoders/routing/pcep.h"
 
 #include "core/line_facts.h"
+#include "decoders/common/traffic_engineering.h"
 #include "decoders/message_lengths.h"
+#include "decoders/routing/prefix.h"
 #include "decoders/routing/rsvp.h"
 
 namespace qxview {
@@ -65,7 +67,11 @@ constexpr auto kLeaves6 = Rows<Pcep>({
     Number(4, "Leaf Type", kLeafNames).Note(", %s"), IPv6("Source IPv6 Address").Note(", %s")});
 constexpr auto kLeaf4 = Rows<Pcep>({IPv4("Destination IPv4 Address").Note(", %s")});
 constexpr auto kLeaf6 = Rows<Pcep>({IPv6("Destination IPv6 Address").Note(", %s")});
-constexpr auto kGeneralEnds = Rows<Pcep>({Hex(3, "Reserved"), Number(1, "Endpoint Type")});
+constexpr auto kEndpointNames = SortedNames({
+    {0, "Point-to-Point"}, {1, "Point-to-Multipoint, New Leaves to Add"},
+    {2, "Point-to-Multipoint, Old Leaves to Remove"}, {3, "Point-to-Multipoint, Old Leaves That May Be Modified"},
+    {4, "Point-to-Multipoint, Old Leaves That Must Stay"}});
+constexpr auto kGeneralEnds = Rows<Pcep>({Hex(3, "Reserved"), Number(1, "Endpoint Type", kEndpointNames).Note(", %s")});
 constexpr auto kBandwidth = Rows<Pcep>({Float(4, "Bandwidth").Note(", %s")});
 constexpr auto kMetric = Rows<Pcep>({
     Hex(2, "Reserved"), Word(1), Bits(0, 6, "Reserved"), Flag(6, "Computed"), Flag(7, "Bound"),
@@ -126,6 +132,52 @@ constexpr auto kControl = Rows<Pcep>({
     Hex(4, "CC-ID").Note(", 0x%.08X"), Hex(2, "Reserved"), Word(2), Bits(0, 15, "Reserved"), Flag(15, "Out-Label"), Word(4),
     Bits(0, 20, "Label").Note(", Label %u"), Bits(20, 12, "Reserved")});
 
+constexpr auto kNativeControl = Rows<Pcep>({Hex(4, "CC-ID").Note(", 0x%.08X"), Hex(2, "Reserved"), Hex(2, "Flags")});
+
+// Between layers (RFC 8282): which of them may be used, and what adapts one to the other.
+constexpr auto kInterLayer = Rows<Pcep>({
+    Word(4), Bits(0, 29, "Reserved"), Flag(29, "Triggered Signaling"), Flag(30, "Mono-Layer Path"),
+    Flag(31, "Inter-Layer Path")});
+constexpr auto kLayer = Rows<Pcep>({
+    Number(1, "LSP Encoding Type", kEncodingNames).Note(", %s"), Number(1, "Switching Type", kSwitchingNames), Word(2),
+    Bits(0, 15, "Reserved"), Flag(15, "Included")});
+constexpr auto kAdaptation = Rows<Pcep>({
+    Number(1, "Switching Capability", kSwitchingNames).Note(", %s"), Number(1, "Encoding", kEncodingNames),
+    Hex(2, "Reserved")});
+
+// Wavelengths (RFC 8780), flow rules (RFC 9168), several paths.
+constexpr auto kWavelengths = Rows<Pcep>({
+    Hex(2, "Reserved"), Word(2), Bits(0, 15, "Reserved Flags"), Flag(15, "Mode")});
+constexpr auto kFlows = Rows<Pcep>({
+    Number(4, "Flow Specification ID").Note(", %u"), Number(2, "AFI", AddressFamilyName).Into(&Pcep::afi),
+    Hex(1, "Reserved"), Word(1), Bits(0, 6, "Reserved Flags"), Flag(6, "Longest Prefix Match"), Flag(7, "Remove")});
+constexpr auto kPathAttributes = Rows<Pcep>({
+    Word(4), Bits(0, 29, "Reserved"), Bits(29, 3, "Operational", kStateNames).Note(", %s"),
+    Number(4, "Path ID").Note(", Path %u")});
+
+// Bandwidths as RSVP's traffic parameters have them (RFC 8779).
+constexpr auto kSpecNames = SortedNames({
+    {2, "Intserv"}, {4, "SONET/SDH"}, {5, "G.709"}, {6, "Ethernet"}, {7, "OTN-TDM"}, {8, "SSON"}});
+constexpr auto kGeneralBandwidth = Rows<Pcep>({
+    Number(2, "Bandwidth Spec Length").Into(&Pcep::length), Number(2, "Reverse Bandwidth Spec Length").Into(&Pcep::reverse),
+    Number(1, "Bandwidth Spec Type", kSpecNames).Note(", %s").Into(&Pcep::code), Hex(3, "Reserved")});
+constexpr auto kGeneralBalancing = Rows<Pcep>({
+    Number(2, "Bandwidth Spec Length").Into(&Pcep::length), Number(2, "Reverse Bandwidth Spec Length").Into(&Pcep::reverse),
+    Number(1, "Bandwidth Spec Type", kSpecNames).Note(", %s").Into(&Pcep::code), Number(1, "Maximum Number of LSPs"),
+    Hex(2, "Reserved")});
+void ShowSpec(const Place& in, Cursor& c, const char* title, const Field& length, uint32_t type) {
+  if (!length.value) return;
+  constexpr uint32_t kTrafficClass = 0x0C00;   // SENDER_TSPEC
+  Cursor part = TakeCursor(c, length.value);
+  const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "%s: %s", title, LookupName(kSpecNames, type)));
+  ShowPcepRsvpObject(under, part, kTrafficClass | type);
+}
+void ShowSpecs(const Place& in, Cursor& c, Pcep& pcep) {
+  ShowSpec(in, c, "Bandwidth Spec", pcep.length, pcep.code.value);
+  ShowSpec(in, c, "Reverse Bandwidth Spec", pcep.reverse, pcep.code.value);
+  ShowPcepTlvs(in, c, pcep);
+}
+
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Pcep& pcep) {
   Loop loop;
@@ -154,12 +206,13 @@ constexpr auto kObjects = Choices<Pcep>({
     {0x043, "END-POINTS (P2MP IPv4)", kLeaves4, ShowEach<kLeaf4, 4>},
     {0x044, "END-POINTS (P2MP IPv6)", kLeaves6, ShowEach<kLeaf6, 16>},
     {0x045, "END-POINTS (Generalized)", kGeneralEnds, ShowPcepTlvs}, {0x051, "BANDWIDTH (Requested)", kBandwidth},
-    {0x052, "BANDWIDTH (Existing)", kBandwidth}, {0x053, "BANDWIDTH (Generalized)"},
-    {0x054, "BANDWIDTH (Generalized, Existing)"}, {0x055, "BANDWIDTH (Adjusted)", kBandwidth}, {0x061, "METRIC", kMetric},
+    {0x052, "BANDWIDTH (Existing)", kBandwidth}, {0x053, "BANDWIDTH (Generalized)", kGeneralBandwidth, ShowSpecs},
+    {0x054, "BANDWIDTH (Generalized, Existing)", kGeneralBandwidth, ShowSpecs}, {0x055, "BANDWIDTH (Adjusted)", kBandwidth}, {0x061, "METRIC", kMetric},
     {0x071, "ERO", {}, ShowExplicit}, {0x081, "RRO", {}, ShowRecorded}, {0x091, "LSPA", kLspa, ShowPcepTlvs},
     {0x0A1, "IRO", {}, ShowExplicit}, {0x0A2, "IRO", {}, ShowExplicit}, {0x0B1, "SVEC", kSvec, ShowEach<kRequestId, 4>},
     {0x0C1, "NOTIFICATION", kNotice, ShowPcepTlvs}, {0x0D1, "PCEP-ERROR", kErrorHead, ShowErrorValue},
-    {0x0E1, "LOAD-BALANCING", kBalancing, ShowPcepTlvs}, {0x0F1, "CLOSE", kClose, ShowPcepTlvs},
+    {0x0E1, "LOAD-BALANCING", kBalancing, ShowPcepTlvs},
+    {0x0E2, "LOAD-BALANCING (Generalized)", kGeneralBalancing, ShowSpecs}, {0x0F1, "CLOSE", kClose, ShowPcepTlvs},
     {0x101, "PATH-KEY", {}, ShowExplicit}, {0x111, "XRO", kExclude, ShowExcluded},
     {0x131, "MONITORING", kMonitoring, ShowPcepTlvs}, {0x141, "PCC-ID-REQ (IPv4)", kAddress4},
     {0x142, "PCC-ID-REQ (IPv6)", kAddress6}, {0x151, "OF", kObjective, ShowPcepTlvs}, {0x161, "CLASSTYPE", kDiffServ},
@@ -168,11 +221,13 @@ constexpr auto kObjects = Choices<Pcep>({
     {0x1C1, "UNREACH-DESTINATION (IPv4)", {}, ShowEach<kLeaf4, 4>}, {0x1C2, "UNREACH-DESTINATION (IPv6)", {}, ShowEach<kLeaf6, 16>},
     {0x1D1, "SERO", {}, ShowExplicit}, {0x1E1, "SRRO", {}, ShowRecorded}, {0x1F1, "BNC (Branch Nodes)", {}, ShowExplicit},
     {0x1F2, "BNC (Other Nodes)", {}, ShowExplicit}, {0x201, "LSP", kLsp, ShowPcepTlvs}, {0x211, "SRP", kSrp, ShowPcepTlvs},
-    {0x221, "VENDOR-INFORMATION", kVendor}, {0x231, "BU", kUse}, {0x241, "INTER-LAYER"}, {0x251, "SWITCH-LAYER"},
-    {0x261, "REQ-ADAP-CAP"}, {0x271, "SERVER-INDICATION", {}, ShowPcepTlvs},
+    {0x221, "VENDOR-INFORMATION", kVendor}, {0x231, "BU", kUse}, {0x241, "INTER-LAYER", kInterLayer, ShowPcepTlvs},
+    {0x251, "SWITCH-LAYER", {}, ShowEach<kLayer, 4>}, {0x261, "REQ-ADAP-CAP", kAdaptation, ShowPcepTlvs},
+    {0x271, "SERVER-INDICATION", kAdaptation, ShowPcepTlvs},
     {0x281, "ASSOCIATION (IPv4)", kAssociation4, ShowPcepTlvs}, {0x282, "ASSOCIATION (IPv6)", kAssociation6, ShowPcepTlvs},
-    {0x291, "S2LS", kStates, ShowPcepTlvs}, {0x2A1, "WA"}, {0x2B1, "FLOWSPEC"}, {0x2C1, "CCI", kControl, ShowPcepTlvs},
-    {0x2D1, "PATH-ATTRIB"}});
+    {0x291, "S2LS", kStates, ShowPcepTlvs}, {0x2A1, "WA", kWavelengths, ShowPcepTlvs}, {0x2B1, "FLOWSPEC", kFlows, ShowPcepTlvs},
+    {0x2C1, "CCI", kControl, ShowPcepTlvs}, {0x2C2, "CCI (Native IP)", kNativeControl, ShowPcepTlvs},
+    {0x2D1, "PATH-ATTRIB", kPathAttributes, ShowPcepTlvs}});
 
 const Choice<Pcep>* ObjectOf(const Cursor& c) {
   return FindChoice<Pcep>(kObjects, PeekU8(c) << 4 | PeekU8(c, 1) >> 4);
@@ -197,6 +252,12 @@ void ShowObjects(const Place& at, Cursor& c) {
 }
 
 }  // namespace
+
+void ShowPcepRsvpObject(const Place& in, Cursor& c, uint32_t kind) {
+  const KeyedAs keys(PacketOf(in), "rsvp");
+  Rsvp rsvp{};
+  ShowChoice<Rsvp>(in, c, FindRsvpObject(kind), rsvp);   // keys: none Data
+}
 
 int32_t DecodePcep(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize || LengthOfPcep(c) == kNoMessage) return 0;

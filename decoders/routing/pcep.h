@@ -5,11 +5,14 @@
 namespace qxview {
 
 struct Pcep {
-  Field flags, type, length, code, count;
+  Field flags, type, length, code, count, afi, reverse;
 };
 
 // The TLVs that objects end in; they take all that is left.
 void ShowPcepTlvs(const Place& in, Cursor& c, Pcep& pcep);
+
+// What RSVP says by a class and a C-Type, without its head.
+void ShowPcepRsvpObject(const Place& in, Cursor& c, uint32_t kind);
 
 const char* PcepErrorName(uint32_t type);
 const char* PcepErrorValueName(uint32_t type, uint32_t value);

@@ -2,7 +2,11 @@
 // 8306, 8408, 8664, 8685, 8697, 8733, 8745, 8779, 8800, 8934, 9168, 9256 and others).
 //
 //   type (2)   length (2)   value, filled up to four octets
+#include "core/line_facts.h"
+#include "decoders/common/traffic_engineering.h"
+#include "decoders/routing/bgp.h"
 #include "decoders/routing/pcep.h"
+#include "decoders/routing/rsvp.h"
 
 namespace qxview {
 namespace {
@@ -57,7 +61,6 @@ constexpr auto kMultipoint6 = Rows<Pcep>({
     IPv6("Tunnel Sender Address").Note(", %s"), Number(2, "LSP ID"), Number(2, "Tunnel ID").Note(", Tunnel %u"),
     IPv6("Extended Tunnel ID"), Hex(4, "P2MP ID")});
 constexpr auto kLspError = Rows<Pcep>({Number(4, "LSP Error Code", kLspErrorNames).Note(", %s")});
-constexpr auto kErrorSpec = Rows<Pcep>({Bytes(0, "Error Specification")});
 constexpr auto kVersion = Rows<Pcep>({Number(8, "LSP Database Version").Note(", %I64u")});
 constexpr auto kSpeaker = Rows<Pcep>({Bytes(0, "Speaker Entity ID")});
 constexpr auto kSegments = Rows<Pcep>({
@@ -81,7 +84,8 @@ constexpr auto kIPv4Row = Rows<Pcep>({IPv4("IPv4 Address").Note(", %s")});
 constexpr auto kIPv6Row = Rows<Pcep>({IPv6("IPv6 Address").Note(", %s")});
 constexpr auto kUnnumbered = Rows<Pcep>({IPv4("Router ID").Note(", %s"), Number(4, "Interface ID").Note(", Interface %u")});
 constexpr auto kLabelRequest = Rows<Pcep>({
-    Number(1, "LSP Encoding Type"), Number(1, "Switching Type"), Number(2, "Generalized PID")});
+    Number(1, "LSP Encoding Type", kEncodingNames), Number(1, "Switching Type", kSwitchingNames),
+    Number(2, "Generalized PID")});
 constexpr auto kGmpls = Rows<Pcep>({Hex(4, "GMPLS Capability Flags")});
 constexpr auto kDisjoint = Rows<Pcep>({
     Word(4), Bits(0, 27, "Reserved"), Flag(27, "Strict"), Flag(28, "Shortest Path"), Flag(29, "SRLG Diverse"),
@@ -139,15 +143,112 @@ void ShowOriginator(const Place& in, Cursor& c, Pcep& pcep) {
   ShowRows<Pcep>(in, c, kDiscriminator, pcep);
 }
 
+// What RSVP says: a whole object, or what one holds.
+void ShowErrorSpec(const Place& in, Cursor& c, Pcep&) {
+  const KeyedAs keys(PacketOf(in), "rsvp");
+  ShowRsvpObjects(in, c);
+}
+template <uint32_t kind>
+void ShowRsvp(const Place& in, Cursor& c, Pcep&) { ShowPcepRsvpObject(in, c, kind); }
+
+// Wavelengths: how one is chosen, which links may use which, and which were chosen (RFC 8780; labels: RFC 6205, sets of
+// them: RFC 7579).
+constexpr auto kMethodNames = SortedNames({{0, "Unspecified"}, {1, "First-Fit"}, {2, "Random"}, {3, "Least-Loaded"}});
+constexpr auto kSelection = Rows<Pcep>({
+    Number(1, "Wavelength Assignment Method", kMethodNames).Note(", %s"), Hex(3, "Reserved")});
+constexpr auto kSetNames = SortedNames({
+    {0, "Inclusive List"}, {1, "Exclusive List"}, {2, "Inclusive Range"}, {3, "Exclusive Range"}, {4, "Bitmap Set"}});
+constexpr auto kRestriction = Rows<Pcep>({
+    Number(1, "Action", kSetNames), Number(1, "Count").Into(&Pcep::count), Hex(2, "Reserved")});
+constexpr auto kLinkNames = SortedNames({{1, "IPv4 Address"}, {2, "IPv6 Address"}, {3, "Unnumbered"}});
+constexpr auto kLinkHead = Rows<Pcep>({
+    Number(1, "Link Identifier Type", kLinkNames).Into(&Pcep::code), Hex(3, "Reserved")});
+constexpr auto kSetHead = Rows<Pcep>({
+    Word(2), Bits(0, 4, "Set Action", kSetNames).Note(", %s").Into(&Pcep::type), Bits(4, 12, "Number of Labels"),
+    Number(2, "Set Length")});
+constexpr auto kGridNames = SortedNames({{1, "DWDM"}, {2, "CWDM"}, {3, "Flexible"}});
+constexpr auto kWavelength = Rows<Pcep>({
+    Word(2), Bits(0, 3, "Grid", kGridNames), Bits(3, 4, "Channel Spacing"), Bits(7, 9, "Identifier"),
+    Signed(2, "Channel Number")});
+constexpr auto kBitMap = Rows<Pcep>({Bytes(0, "Bit Map")});
+constexpr auto kAllocation = Rows<Pcep>({Hex(2, "Reserved"), Word(2), Bits(0, 15, "Reserved Flags"), Flag(15, "Mode")});
+void ShowLink(const Place& in, Cursor& c, Pcep& pcep) {
+  ShowRows<Pcep>(in, c, kLinkHead, pcep);
+  const uint32_t kind = pcep.code.value;
+  if (kind == 1) ShowRows<Pcep>(in, c, kIPv4Row, pcep);
+  if (kind == 2) ShowRows<Pcep>(in, c, kIPv6Row, pcep);
+  if (kind == 3) ShowRows<Pcep>(in, c, kUnnumbered, pcep);
+}
+void ShowLabelSet(const Place& in, Cursor& c, Pcep& pcep) {
+  constexpr uint32_t kMap = 4;
+  if (Left(c) < 4) return;
+  ShowRows<Pcep>(in, c, kSetHead, pcep);
+  const bool isMap = pcep.type.value == kMap;
+  Loop loop;
+  for (int32_t i = 0; Left(c) >= 4 && (i == 0 || !isMap) && MoreAt(in, c, loop); ++i) ShowRows<Pcep>(in, c, kWavelength, pcep);
+  if (isMap && Left(c)) ShowRows<Pcep>(in, c, kBitMap, pcep);
+}
+void ShowRestriction(const Place& in, Cursor& c, Pcep& pcep) {
+  const uint32_t count = pcep.count.value;
+  Loop loop;
+  for (uint32_t i = 0; i < count && Left(c) >= 8 && MoreAt(in, c, loop); ++i) ShowLink(in, c, pcep);
+  ShowLabelSet(in, c, pcep);
+}
+void ShowAllocation(const Place& in, Cursor& c, Pcep& pcep) {
+  ShowLink(in, c, pcep);
+  ShowLabelSet(in, c, pcep);
+}
+
+// A flow rule's components, those of BGP with lengths (RFC 9168 7).
+void ShowFlows(const Place& in, Cursor& c, Pcep& pcep) {
+  constexpr ElementForm kComponentForm{.typeSize = 2, .lengthSize = 2, .padTo = 4};
+  const KeyedAs keys(PacketOf(in), "bgp");
+  Element element;
+  Loop loop;
+  while (MoreAt(in, c, loop) && TakeElement(c, kComponentForm, element)) {
+    const char* name = BgpFlowComponentName(element.code);
+    const Place under = Under(in, AddLine(in, element.whole, "Component: %s", name));
+    AddLine(under, element.type, "Type: %u = %s", element.code, name);
+    AddLine(under, element.length, "Length: %u", element.length.value);
+    ShowBgpFlowComponent(under, element.value, element.code, pcep.afi.value);
+    element.value.ranShort = false;
+    AddBlock(under, Rest(element.value), "Component Data");
+    if (element.padding.here) AddLine(under, element.padding, "Padding: %s", HexText(element.padding));
+  }
+}
+
+// Several paths of one candidate, and what else policies say (RFC 9862, RFC 9863).
+constexpr auto kMultipath = Rows<Pcep>({
+    Number(2, "Maximum Number of Paths").Note(", %u"), Word(2), Bits(0, 12, "Reserved"), Flag(12, "Composite"),
+    Flag(13, "Opposite Direction"), Flag(14, "Backup"), Flag(15, "Weight")});
+constexpr auto kWeight = Rows<Pcep>({Number(4, "Weight").Note(", %u")});
+constexpr auto kBackup = Rows<Pcep>({
+    Number(2, "Backup Path Count"), Word(2), Flag(0, "Pure Backup"), Bits(1, 15, "Reserved")});
+constexpr auto kBackupPath = Rows<Pcep>({Number(4, "Backup Path ID").Note(", Path %u")});
+constexpr auto kOpposite = Rows<Pcep>({
+    Hex(2, "Reserved"), Word(2), Bits(0, 14, "Reserved Flags"), Flag(14, "Link Co-Routed"), Flag(15, "Node Co-Routed"),
+    Number(4, "Opposite Direction Path ID").Note(", Path %u")});
+constexpr auto kMoreFlags = Rows<Pcep>({Bytes(0, "LSP Extended Flags")});
+constexpr auto kPriority = Rows<Pcep>({Number(1, "Priority").Note(", %u"), Hex(3, "Reserved")});
+constexpr auto kNullNames = SortedNames({
+    {0, "Reserved"}, {1, "IPv4 Explicit Null"}, {2, "IPv6 Explicit Null"}, {3, "Both"}, {4, "None"}});
+constexpr auto kNullPolicy = Rows<Pcep>({Number(1, "Explicit Null Label Policy", kNullNames).Note(", %s"), Hex(3, "Reserved")});
+constexpr auto kInvalidation = Rows<Pcep>({
+    Hex(1, "Operational Flags"), Hex(1, "Configuration Flags"), Hex(2, "Reserved")});
+constexpr auto kPolicyCapability = Rows<Pcep>({
+    Word(4), Bits(0, 27, "Reserved"), Flag(27, "Explicit Null Label Policy"), Flag(28, "Reserved 2"),
+    Flag(29, "Invalidation"), Flag(30, "Explicit Null"), Flag(31, "Computation Priority")});
+
 constexpr auto kTlvs = Choices<Pcep>({
     {1, "NO-PATH-VECTOR", kNoPath}, {2, "OVERLOAD-DURATION", kSeconds}, {3, "REQ-MISSING", kRequest},
     {4, "OF-List", {}, ShowEach<kObjective, 2>}, {5, "Order", kOrder}, {6, "P2MP Capable", kReserved},
-    {7, "VENDOR-INFORMATION", kVendor}, {8, "Wavelength Selection", kBytes}, {9, "Wavelength Restriction", kBytes},
-    {10, "Wavelength Allocation", kBytes}, {11, "Optical Interface Class List", kBytes},
+    {7, "VENDOR-INFORMATION", kVendor}, {8, "Wavelength Selection", kSelection},
+    {9, "Wavelength Restriction", kRestriction, ShowRestriction},
+    {10, "Wavelength Allocation", kAllocation, ShowAllocation}, {11, "Optical Interface Class List", kBytes},
     {12, "Client Signal Information", kBytes}, {13, "H-PCE-CAPABILITY", kHierarchy}, {14, "Domain-ID", kDomain},
     {15, "H-PCE-FLAG", kHierarchyFlags}, {16, "STATEFUL-PCE-CAPABILITY", kStateful}, {17, "SYMBOLIC-PATH-NAME", kName},
     {18, "IPV4-LSP-IDENTIFIERS", kIdentifiers4}, {19, "IPV6-LSP-IDENTIFIERS", kIdentifiers6},
-    {20, "LSP-ERROR-CODE", kLspError}, {21, "RSVP-ERROR-SPEC", kErrorSpec}, {23, "LSP-DB-VERSION", kVersion},
+    {20, "LSP-ERROR-CODE", kLspError}, {21, "RSVP-ERROR-SPEC", {}, ShowErrorSpec}, {23, "LSP-DB-VERSION", kVersion},
     {24, "SPEAKER-ENTITY-ID", kSpeaker}, {26, "SR-PCE-CAPABILITY", kSegments},
     {27, "PATH-SETUP-TYPE (Prestandard)", kSetup}, {28, "PATH-SETUP-TYPE", kSetup},
     {29, "OP-CONF-ASSOC-RANGE", {}, ShowEach<kRange, 8>}, {30, "GLOBAL-ASSOCIATION-SOURCE", kSource},
@@ -156,13 +257,19 @@ constexpr auto kTlvs = Choices<Pcep>({
     {35, "ASSOC-Type-List", {}, ShowEach<kAssociation, 2>}, {36, "AUTO-BANDWIDTH-CAPABILITY", kAutoFlags},
     {37, "AUTO-BANDWIDTH-ATTRIBUTES", {}, ShowBandwidths}, {38, "Path Protection Association Group", kProtection},
     {39, "IPV4-ADDRESS", kIPv4Row}, {40, "IPV6-ADDRESS", kIPv6Row}, {41, "UNNUMBERED-ENDPOINT", kUnnumbered},
-    {42, "LABEL-REQUEST", kLabelRequest}, {43, "LABEL-SET", kBytes}, {44, "PROTECTION-ATTRIBUTE", kBytes},
+    {42, "LABEL-REQUEST", kLabelRequest}, {43, "LABEL-SET", {}, ShowRsvp<0x2401>},
+    {44, "PROTECTION-ATTRIBUTE", {}, ShowRsvp<0x2502>},
     {45, "GMPLS-CAPABILITY", kGmpls}, {46, "DISJOINTNESS-CONFIGURATION", kDisjoint},
     {47, "DISJOINTNESS-STATUS", kDisjoint}, {48, "POLICY-PARAMETERS", kBytes}, {49, "SCHED-LSP-ATTRIBUTE", kSchedule},
     {50, "SCHED-PD-LSP-ATTRIBUTE", kSchedule}, {51, "PCE-FLOWSPEC-CAPABILITY", kFlowCapability},
-    {52, "FLOW FILTER", kBytes}, {53, "L2 FLOW FILTER", kBytes}, {54, "Bidirectional LSP Association Group", kBidirectional},
+    {52, "FLOW FILTER", {}, ShowFlows}, {53, "L2 FLOW FILTER", {}, ShowFlows}, {54, "Bidirectional LSP Association Group", kBidirectional},
     {55, "TE-PATH-BINDING", kBindingHead, ShowBinding}, {56, "SRPOLICY-POL-NAME", kName},
-    {57, "SRPOLICY-CPATH-ID", kCandidate, ShowOriginator}, {58, "SRPOLICY-CPATH-NAME", kName}, {59, "SRPOLICY-CPATH-PREFERENCE", kPreference}});
+    {57, "SRPOLICY-CPATH-ID", kCandidate, ShowOriginator}, {58, "SRPOLICY-CPATH-NAME", kName}, {59, "SRPOLICY-CPATH-PREFERENCE", kPreference},
+    {60, "MULTIPATH-CAP", kMultipath}, {61, "MULTIPATH-WEIGHT", kWeight}, {62, "MULTIPATH-BACKUP", kBackup,
+    ShowEach<kBackupPath, 4>}, {63, "MULTIPATH-OPPDIR-PATH", kOpposite}, {64, "LSP-EXTENDED-FLAG", kMoreFlags},
+    {65, "VIRTUAL-NETWORK", kName}, {67, "COLOR", kColor}, {68, "COMPUTATION-PRIORITY", kPriority},
+    {69, "EXPLICIT-NULL-LABEL-POLICY", kNullPolicy}, {70, "INVALIDATION", kInvalidation},
+    {71, "SRPOLICY-CAPABILITY", kPolicyCapability}});
 
 constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .valueLines = true};
 

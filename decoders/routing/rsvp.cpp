@@ -51,18 +51,22 @@ constexpr auto kRest = Rows<Rsvp>({
 constexpr auto kObjectHead = Rows<Rsvp>({
     Number(2, "Object Length"), Number(1, "Object Class", kClassNames), Number(1, "C-Type")});
 
-void ShowObjects(const Place& in, Cursor& c) {
+}  // namespace
+
+void ShowRsvpObjects(const Place& in, Cursor& c) {
   Rsvp rsvp{};
   Loop loop;
   while (Left(c) >= kObjectHeader && PeekU16(c) >= kObjectHeader && MoreAt(in, c, loop)) {
     Cursor object = TakeCursor(c, PeekU16(c));
-    const Choice<Rsvp>* choice = FindChoice<Rsvp>(RsvpObjects(), PeekU16(object, 2));
+    const Choice<Rsvp>* choice = FindRsvpObject(PeekU16(object, 2));
     const Place under = Under(in, AddLine(in, Ahead(object, Left(object)), "Object: %s",
                                           LookupName(kClassNames, PeekU8(object, 2))));
     ShowRows<Rsvp>(under, object, kObjectHead, rsvp);
     ShowChoice<Rsvp>(under, object, choice, rsvp);   // keys: none Data
   }
 }
+
+namespace {
 
 // A bundle holds messages of its own; none of them is a bundle (RFC 2961 3.2).
 bool ShowMessage(const Place& at, Cursor& c, bool isOuter) {
@@ -82,7 +86,7 @@ bool ShowMessage(const Place& at, Cursor& c, bool isOuter) {
     while (MoreAt(in, message, loop) && ShowMessage(in, message, false)) {
     }
   } else {
-    ShowObjects(in, message);
+    ShowRsvpObjects(in, message);
   }
   message.ranShort = false;   // what is left of a message that is cut
   AddBlock(in, Rest(message), "RSVP Data");

@@ -40,10 +40,8 @@ constexpr auto kInterface = Rows<Rsvp>({
 constexpr auto kInterfaces = Choices<Rsvp>({
     {1, "IPv4", kInterface4}, {2, "IPv6", kInterface6}, {3, "IF_INDEX", kInterface},
     {4, "COMPONENT_IF_DOWNSTREAM", kInterface}, {5, "COMPONENT_IF_UPSTREAM", kInterface}});
-constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .lengthCountsHeader = true,
-    .valueLines = true};
 void ShowInterfaces(const Place& in, Cursor& c, Rsvp& rsvp) {
-  ShowElements<Rsvp>(in, c, kTlvForm, "Interface", kInterfaces, rsvp);
+  ShowElements<Rsvp>(in, c, kRsvpForm, "Interface", kInterfaces, rsvp);
 }
 
 constexpr auto kIntegrityMasks = SortedNames({{0x01, "Handshake"}});
@@ -177,7 +175,7 @@ constexpr auto kProfile = Rows<Rsvp>({
 constexpr auto kProfiles = Choices<Rsvp>({
     {2, "Ethernet Bandwidth Profile", kProfile}, {129, "Ethernet Bandwidth Profile", kProfile}});
 void ShowProfiles(const Place& in, Cursor& c, Rsvp& rsvp) {
-  ShowElements<Rsvp>(in, c, kTlvForm, "Ethernet Parameter", kProfiles, rsvp);
+  ShowElements<Rsvp>(in, c, kRsvpForm, "Ethernet Parameter", kProfiles, rsvp);
 }
 
 constexpr auto kReceiver4 = Rows<Rsvp>({IPv4("Receiver Address").Note(", %s")});
@@ -282,11 +280,6 @@ constexpr auto kAssociation4 = Rows<Rsvp>({
 constexpr auto kAssociation6 = Rows<Rsvp>({
     Number(2, "Association Type", kAssociationNames), Number(2, "Association ID"),
     IPv6("Association Source").Note(", %s")});
-constexpr auto kPathFlags = Rows<Rsvp>({Hex(4, "Attribute Flags")});
-constexpr auto kPathAttributes = Choices<Rsvp>({{1, "Attribute Flags", kPathFlags}});
-void ShowPathAttributes(const Place& in, Cursor& c, Rsvp& rsvp) {
-  ShowElements<Rsvp>(in, c, kTlvForm, "LSP Attribute", kPathAttributes, rsvp);
-}
 constexpr auto kClassType = Rows<Rsvp>({Word(4), Bits(0, 29, "Reserved"), Bits(29, 3, "Class Type")});
 constexpr auto kSubPath4 = Rows<Rsvp>({IPv4("S2L Sub-LSP Destination").Note(", %s")});
 constexpr auto kSubPath6 = Rows<Rsvp>({IPv6("S2L Sub-LSP Destination").Note(", %s")});
@@ -385,13 +378,13 @@ constexpr auto kObjects = Choices<Rsvp>({
     {0x3201, "IPv4", kSubPath4}, {0x3202, "IPv6", kSubPath6}, {0x3F07, "Detour", {}, ShowDetours},
     {0x3F08, "Detour IPv6", {}, ShowDetours6}, {0x4001, "Challenge", kChallenge},
     {0x4101, "E-LSP", kMapCount, ShowMaps}, {0x4102, "L-LSP", kScheduling},
-    {0x4201, "Class Type", kClassType}, {0x4301, "LSP Required Attributes", {}, ShowPathAttributes},
+    {0x4201, "Class Type", kClassType}, {0x4301, "LSP Required Attributes", {}, ShowRsvpPathAttributes},
     {0x8101, "Label", {}, ShowLabels}, {0x8102, "Generalized Label", {}, ShowLabels}, {0x8103, "Waveband", kWaveband},
     {0x8201, "Label Set", kLabelSet, ShowLabels}, {0x8301, "Restart Capability", kRestart},
     {0x8601, "Capability", kCapability}, {0xC101, "LSP Tunnel Interface", kTunnelInterface},
     {0xC201, "User Error", kUserError}, {0xC301, "IPv4", kNotifyNode4}, {0xC302, "IPv6", kNotifyNode6},
     {0xC401, "Administrative Status", kAdministrative},
-    {0xC501, "LSP Attributes", {}, ShowPathAttributes}, {0xC701, "IPv4", kAssociation4},
+    {0xC501, "LSP Attributes", {}, ShowRsvpPathAttributes}, {0xC701, "IPv4", kAssociation4},
     {0xC702, "IPv6", kAssociation6}, {0xC801, "Secondary Explicit Route", {}, ShowRsvpExplicitRoute},
     {0xC901, "Secondary Record Route", {}, ShowRsvpRecordedRoute}, {0xCD01, "Fast Reroute", kReroute},
     {0xCD07, "Fast Reroute (Type 7)", kReroute7},
@@ -402,6 +395,10 @@ constexpr auto kObjects = Choices<Rsvp>({
 
 }  // namespace
 
-ChoiceSpan<Rsvp> RsvpObjects() { return kObjects; }
+const Choice<Rsvp>* FindRsvpObject(uint32_t kind) {
+  const Choice<Rsvp>* choice = FindChoice<Rsvp>(kObjects, kind);
+  return choice ? choice : FindRareRsvpObject(kind);
+}
+void ShowRsvpErrorSpec(const Place& in, Cursor& c, Rsvp& rsvp) { ShowError(in, c, rsvp); }
 
 }  // namespace qxview

@@ -100,15 +100,21 @@ constexpr auto kExcluded = Choices<Rsvp>({
     {32, "Autonomous System Number", kExcludedAs}, {34, "SRLG", kExcludedRisk}, {64, "Path Key", kPathKey},
     {65, "IPv6 Path Key", kPathKey6}});
 
+// Attributes of a hop (RFC 7570) and of where the route went (RFC 5420).
+constexpr auto kHopAttributes = Rows<Rsvp>({Hex(1, "Reserved"), Word(1), Bits(0, 7, "Reserved Flags"), Flag(7, "Required")});
+constexpr auto kRecordedAttributes = Rows<Rsvp>({Hex(2, "Reserved")});
+
 constexpr auto kExplicit = Choices<Rsvp>({
     {1, "IPv4 Prefix", kHop4}, {2, "IPv6 Prefix", kHop6}, {3, "Label", kLabel},
     {4, "Unnumbered Interface", kUnnumbered},
-    {32, "Autonomous System Number", kAs}, {33, "Explicit Exclusion Route"}, {34, "SRLG", kRisk},
+    {32, "Autonomous System Number", kAs}, {33, "Explicit Exclusion Route", {}, ShowRsvpExcludedRoute}, {34, "SRLG", kRisk},
+    {35, "Hop Attributes", kHopAttributes, ShowRsvpPathAttributes},
     {36, "Segment", kSegmentHead, ShowSegment}, {40, "SRv6 Segment", kSegmentHead6, ShowSegment6},
     {64, "Path Key", kPathKey}, {65, "IPv6 Path Key", kPathKey6}});
 constexpr auto kRecorded = Choices<Rsvp>({
     {1, "IPv4 Address", kRecorded4}, {2, "IPv6 Address", kRecorded6}, {3, "Label", kLabel},
-    {4, "Unnumbered Interface", kRecordedUnnumbered}, {34, "SRLG", kRisk}, {36, "Segment", kSegmentHead, ShowSegment},
+    {4, "Unnumbered Interface", kRecordedUnnumbered}, {5, "Attributes", kRecordedAttributes, ShowRsvpPathAttributes},
+    {34, "SRLG", kRisk}, {36, "Segment", kSegmentHead, ShowSegment},
     {40, "SRv6 Segment", kSegmentHead6, ShowSegment6}, {64, "Path Key", kPathKey}, {65, "IPv6 Path Key", kPathKey6}});
 
 const char* NameIn(ChoiceSpan<Rsvp> choices, uint32_t type) {
