@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <random>
 
 #include "core/states.h"
@@ -313,6 +314,60 @@ TEST(IpReassembly, FragmentsInAnyOrderMakeTheDatagram) {
   second->packetNumber = ++wire.number;
   wire.view.Decode(second);
   EXPECT_TRUE(Has(wire.view.Text(), "Domain Name:www.example.test")) << wire.view.Text();
+}
+
+// A control packet of OpenVPN with these TLS data, and its place in the capture.
+std::string ShowControl(Wire& wire, uint8_t number, const Bytes& data, uint64_t packet) {
+  const Bytes header = {0x20, 1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, number};
+  return wire.Show(Ethernet(0x0800, IPv4(17, Udp(5000, 1194, header + data))), packet);
+}
+
+TEST(DatagramReassembly, RecordsOverControlPacketsAreJoined) {
+  const Bytes alert = Hex("15 0303 0002 0228"), change = Hex("14 0303 0001 01"), all = change + alert + alert;
+  for (const bool joins : {false, true}) {
+    Wire wire;
+    wire.host.settings[0].second = joins ? "1" : "0";
+    std::map<uint64_t, std::string> shown;
+    // The third comes before the second, which comes twice.
+    const std::vector<std::pair<uint8_t, size_t>> order = {{1, 0}, {3, 10}, {2, 5}, {2, 5}, {4, 15}};
+    uint64_t packet = 0;
+    for (const auto& [number, first] : order) {
+      ++packet;
+      shown[packet] = ShowControl(wire, number, Part(all, first, 5), packet);
+    }
+    const auto expect = [&](uint64_t at, const char* text) { EXPECT_TRUE(Has(shown[at], text)) << at << shown[at]; };
+    if (joins) {
+      expect(1, "TLS Data: 5 bytes (kept for the rest of their record) {56+5}");
+      expect(2, "TLS Data: 5 bytes (kept, what is before them is missing) {56+5}");
+      expect(3, "TLS Record: Change Cipher Spec, TLS 1.2, 1 bytes {56+1}");
+      expect(3, "TLS Record: Alert, TLS 1.2, 2 bytes {57+4}");
+      expect(4, "TLS Data: 5 bytes (came before)");
+      expect(5, "TLS Record: Alert, TLS 1.2, 2 bytes {56+5}");
+    } else {
+      expect(1, "TLS Record: Change Cipher Spec, TLS 1.2, 1 bytes (cut) {56+5}");
+      expect(2, "TLS Data: 5 bytes (continued)");
+      expect(3, "TLS Record Continuation: Change Cipher Spec, 1 of 1 bytes {56+1}");
+      expect(5, "TLS Data: 5 bytes (continued)");   // the one before it was not read
+    }
+    for (uint64_t at = packet; joins && at > 0; --at) {   // looked at again, backwards
+      EXPECT_EQ(ShowControl(wire, order[at - 1].first, Part(all, order[at - 1].second, 5), at), shown[at]);
+    }
+  }
+}
+
+TEST(DatagramReassembly, FragmentsOfAHandshakeAreJoined) {
+  const Bytes body = Hex("FEFD 20") + Bytes(32, 0xAB);   // a cookie
+  const auto fragment = [&](uint8_t first, uint8_t length) {
+    const Bytes header = {3, 0, 0, static_cast<uint8_t>(body.size()), 0, 0, 0, 0, first, 0, 0, length};
+    const Bytes message = header + Part(body, first, length);
+    const Bytes record = {22, 0xFE, 0xFD, 0, 0, 0, 0, 0, 0, 0, first, 0, static_cast<uint8_t>(message.size())};
+    return Ethernet(0x0800, IPv4(17, Udp(5000, 443, record + message)));
+  };
+  Wire wire;
+  EXPECT_TRUE(Has(wire.Show(fragment(20, 15), 1), "Reassembly: 15 bytes of fragments kept, 20 more needed {67+15}"));
+  const std::string whole = wire.Show(fragment(0, 20), 2);
+  EXPECT_TRUE(Has(whole, "Version: 0xFEFD = DTLS 1.2 {67+2}")) << whole;
+  EXPECT_TRUE(Has(whole, "Cookie: ABABABABABABABABABABABABABABABABABABABABABABABABABABABABABABABAB {70+17}")) << whole;
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 //
 //   of TCP: length (2)   opcode and key (1)   session (8)   [HMAC (16 to 64)   packet (4)   time (4)]
 //   count of acknowledged packets (1)   their numbers (4 each)   [the other end's session (8)]   packet (4)   TLS
+#include "core/engine.h"
 #include "core/rows.h"
+#include "decoders/ipsec/openvpn_streams.h"
 
 namespace qxview {
 namespace {
@@ -23,19 +25,20 @@ constexpr auto kOpcodeNames = SortedNames({
     {11, "P_CONTROL_WKC_V1"}});
 
 struct OpenVpn {
-  Field opcode, hmacSize, acks, message;
+  Field opcode, keyId, hmacSize, acks, message;
+  uint64_t session;
 };
 
 constexpr auto kType = Rows<OpenVpn>({
-    Hex(1, "Type"), Bits(0, 5, "Opcode", kOpcodeNames).Into(&OpenVpn::opcode), Bits(5, 3, "Key ID")});
+    Hex(1, "Type"), Bits(0, 5, "Opcode", kOpcodeNames).Into(&OpenVpn::opcode), Bits(5, 3, "Key ID").Into(&OpenVpn::keyId)});
 constexpr auto kPeer = Rows<OpenVpn>({Number(3, "Peer ID").Note(", Peer %u")});
-constexpr auto kSession = Rows<OpenVpn>({Hex(8, "Session ID")});
+constexpr auto kSession = Rows<OpenVpn>({Hex(8, "Session ID").Into(&OpenVpn::session)});
 constexpr auto kHmac = Rows<OpenVpn>({Bytes(0, "HMAC").SizedBy(&OpenVpn::hmacSize)});
 constexpr auto kReplay = Rows<OpenVpn>({Number(4, "Packet ID"), UnixTime(4, "Net Time")});
 constexpr auto kAckCount = Rows<OpenVpn>({Number(1, "Acknowledged Packets").Into(&OpenVpn::acks)});
 constexpr auto kAckRow = Rows<OpenVpn>({Number(4, "Acknowledged Packet ID").Note(", Acknowledged %u")});
 constexpr auto kRemote = Rows<OpenVpn>({Hex(8, "Remote Session ID")});
-constexpr auto kMessage = Rows<OpenVpn>({Number(4, "Message Packet ID").Note(", Packet %u")});
+constexpr auto kMessage = Rows<OpenVpn>({Number(4, "Message Packet ID").Note(", Packet %u").Into(&OpenVpn::message)});
 
 enum class Wrapping { kUnknown, kPlain, kSigned, kEncrypted };
 struct Layout {
@@ -85,19 +88,41 @@ const char* WrappingName(Wrapping wrapping) {
                                             : " (of a layout that is not known)";
 }
 
-void ShowTls(const Place& at, const Place& in, Cursor& c) {
-  constexpr uint32_t kFirstType = 20, kLastType = 23, kMajor = 3;
+// The records at the cursor, which stand at this place in the session's stream. False when nothing is known to begin there.
+bool ShowRecords(const Place& at, Cursor c, uint32_t position, uint32_t session) {
+  const DecoderRow* row = FindBuiltinDecoder(kTlsIndex);
+  c.begin = c.offset;
+  PacketState& packet = PacketOf(at);
+  const TcpSegment carrier = packet.segment;   // of OpenVPN itself; TLS asks for the segment of its records
+  packet.segment = TcpSegment{.payload = c.at, .length = Left(c), .sequence = session + position, .flags = 0, .here = true};
+  const bool isShown = row && TryDecoder(Deeper(at), c, row->decode, "OpenVPN TLS Data");
+  packet.segment = carrier;
+  return isShown;
+}
+
+void ShowTls(const Place& at, const Place& in, Cursor& c, const OpenVpn& vpn) {
   if (Left(c) < 1) return;
-  const uint32_t type = PeekU8(c);
-  if (type >= kFirstType && type <= kLastType && PeekU8(c, 1) == kMajor) {
-    const DecoderRow* row = FindBuiltinDecoder(kTlsIndex);
-    Cursor tls = TakeCursor(c, Left(c));
-    tls.begin = tls.offset;
-    CallDecoder(Deeper(at), tls, row ? row->decode : nullptr, "OpenVPN TLS Data");
-    return;
+  const uint32_t session[2] = {static_cast<uint32_t>(vpn.session >> 32), static_cast<uint32_t>(vpn.session)};
+  const VpnPieceKey key{DirectionOf(PacketOf(at)), {session[0], session[1]}, vpn.keyId.value, vpn.message.value};
+  Cursor joined;
+  VpnRun run{};
+  const bool isKept = vpn.message.here && !PacketOf(at).quoted;
+  if (isKept) run = TakeVpnData(at, c, key, &joined);
+  const bool joins = isKept && at.view->engine->settings.reassembly;
+  const Cursor own = c;
+  const Field data = Rest(c);
+  if (joins && run.isSeen) {
+    AddLine(in, data, "TLS Data: %d bytes (came before)", data.length);
+  } else if (joins && run.isAhead) {
+    AddLine(in, data, "TLS Data: %d bytes (kept, what is before them is missing)", data.length);
+  } else if (joins && run.isPlaced) {
+    const Field rest = Slice(data, run.own, data.length - run.own);
+    if (rest.length > 0) AddLine(in, rest, "TLS Data: %d bytes (kept for the rest of their record)", rest.length);
+    const Cursor shown = run.pieceCount > 0 ? joined : CursorOver(Slice(data, 0, run.shown));
+    if (run.shown > 0) ShowRecords(at, shown, run.position, session[1]);
+  } else if (!ShowRecords(at, own, run.position, session[1])) {
+    AddLine(in, data, "TLS Data: %d bytes (continued)", data.length);
   }
-  const Field piece = Rest(c);
-  AddLine(in, piece, "TLS Data: %d bytes (continued)", piece.length);
 }
 
 // A client's key, wrapped for the server, stands at the end; its own end says how long it is.
@@ -135,7 +160,7 @@ void ShowControl(const Place& at, const Place& in, Cursor& c, const Layout& layo
   if (vpn.acks.value > 0) ShowRows<OpenVpn>(in, c, kRemote, vpn);
   if (opcode != kAck) ShowRows<OpenVpn>(in, c, kMessage, vpn);
   if (opcode == kControl) {
-    ShowTls(at, in, c);
+    ShowTls(at, in, c, vpn);
     return;
   }
   AddBlock(in, Rest(c), "OpenVPN Data");

@@ -161,17 +161,16 @@ FragmentRun TakeNext(const Place& at, Cursor c, const RequestKey& key, const Nex
   return run;
 }
 
-// What the look-up gave, as a cursor over the joined bytes; empty while some are missing.
-Cursor JoinedOf(const Place& at, const Cursor& c, const FragmentRun& run, const StateBytes& bytes) {
-  const Cursor none = MakeCursor(nullptr, c.offset, 0);
-  if (run.length == 0 || bytes.length != kPieces + static_cast<size_t>(run.length)) return none;
+}  // namespace
+
+Cursor JoinKept(const Place& at, const StateBytes& bytes, int32_t length, int32_t pieceCount, int32_t start) {
+  const Cursor none = MakeCursor(nullptr, start, 0);
+  if (pieceCount == 0 || length == 0 || bytes.length != kPieces + static_cast<size_t>(length)) return none;
   auto* pieces = reinterpret_cast<BytePiece*>(TakeFrameMemory(at.view, kPieces));
   if (!pieces) return none;
   std::memcpy(pieces, bytes.data, kPieces);
-  return JoinedBytes(at.view, bytes.data + kPieces, run.length, pieces, run.pieceCount, c.offset);
+  return JoinedBytes(at.view, bytes.data + kPieces, length, pieces, pieceCount, start);
 }
-
-}  // namespace
 
 bool JoinsFragments(const Place& at) {
   return at.view->engine->settings.reassembly && !PacketOf(at).quoted && !at.view->context->headersOnly;
@@ -181,13 +180,18 @@ FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identifica
                            bool moreFollow, Cursor* joined) {
   RequestKey key{DirectionOf(PacketOf(at)), {identification, protocol, 0, 0}};
   key.connection.ports[0] = key.connection.ports[1] = 0;
+  return TakeFragment(at, c, key, offset, moreFollow, joined);
+}
+
+FragmentRun TakeFragment(const Place& at, const Cursor& c, const RequestKey& key, uint32_t offset, bool moreFollow,
+                         Cursor* joined) {
   FragmentRun run{};
   StateBytes bytes{};
   RecallFromHost(at.view, kFragmentRuns, &run, &bytes, [&](FragmentRun* out, StateBytes* given) {
     *out = Take(at, c, key, offset, moreFollow, given);
     return true;
   });
-  *joined = JoinedOf(at, c, run, bytes);
+  *joined = JoinKept(at, bytes, run.length, run.pieceCount, c.offset);
   return run;
 }
 
@@ -199,7 +203,7 @@ FragmentRun TakeNextFragment(const Place& at, const Cursor& c, const RequestKey&
     *out = TakeNext(at, c, key, fragment, given);
     return true;
   });
-  *joined = JoinedOf(at, c, run, bytes);
+  *joined = JoinKept(at, bytes, run.length, run.pieceCount, c.offset);
   return run;
 }
 

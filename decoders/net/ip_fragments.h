@@ -1,9 +1,10 @@
 // Fragments of datagrams of either IP version (RFC 791 section 3.2, RFC 8200 section 4.5), for the setting Reassembly:
 // they are kept until the last one has come, in whatever order, and the datagram is shown in that one's frame. Messages of
-// EAP are joined in the same way.
+// EAP, and those of DTLS that come in several records, are joined in the same way.
 #pragma once
 #include "core/byte_origins.h"
 #include "core/decoder.h"
+#include "core/state_table.h"
 #include "decoders/net/connection_key.h"
 
 namespace qxview {
@@ -37,6 +38,10 @@ bool JoinsFragments(const Place& at);
 FragmentRun TakeIpFragment(const Place& at, const Cursor& c, uint32_t identification, uint8_t protocol, uint32_t offset,
                            bool moreFollow, Cursor* joined);
 
+// The same for fragments of any message: the key tells it from others of its connection's direction.
+FragmentRun TakeFragment(const Place& at, const Cursor& c, const RequestKey& key, uint32_t offset, bool moreFollow,
+                         Cursor* joined);
+
 // The same for a protocol whose fragments tell no offset but come strictly one behind the other. `number` tells one from
 // the next, `total` is how long all of them are, 0 when this one does not say it. A fragment may lie in several pieces of
 // the frame. Nothing is kept of what is no part of a message that was seen from its start on.
@@ -49,6 +54,9 @@ struct NextFragment {
 };
 FragmentRun TakeNextFragment(const Place& at, const Cursor& c, const RequestKey& key, const NextFragment& fragment,
                              Cursor* joined);
+
+// The bytes behind the table of their pieces, as an answer keeps them; empty where there are none.
+Cursor JoinKept(const Place& at, const StateBytes& bytes, int32_t length, int32_t pieceCount, int32_t start);
 
 // The line that says what the fragment waits for, or what the datagram was made of.
 void TellFragments(const Place& at, const Cursor& c, const FragmentRun& run);

@@ -1,5 +1,6 @@
 // The messages of a handshake (RFC 8446 4, RFC 5246 7.4, RFC 6347 4.2, RFC 9147 5).
 #include "core/line_facts.h"
+#include "decoders/net/ip_fragments.h"
 #include "decoders/tls/tls_messages.h"
 
 namespace qxview {
@@ -91,6 +92,16 @@ void ShowBody(const Place& in, Cursor& body, uint32_t type, TlsHandshake& handsh
   ShowChoice<TlsMessage>(in, body, FindChoice<TlsMessage>(kBodies, type), message);
 }
 
+// A fragment's bytes are kept until the message is whole, which is shown there.
+void ShowFragment(const Place& in, const Cursor& body, const MessageHeader& header, TlsHandshake& handshake) {
+  const uint32_t type = header.type.value, offset = header.offset.value, length = header.length.value;
+  const RequestKey key{DirectionOf(PacketOf(in)), {header.number.value, type << 24 | length, kDtlsProtocol, 0}};
+  Cursor joined;
+  const FragmentRun run = TakeFragment(in, body, key, offset, offset + header.size.value < length, &joined);
+  TellFragments(in, body, run);
+  if (run.length > 0 && static_cast<uint32_t>(run.length) == length) ShowBody(in, joined, type, handshake);
+}
+
 // One message, or a fragment of one. False when its header is not there.
 bool ShowMessage(const Place& in, Cursor& c, TlsHandshake& handshake) {
   const bool fragments = handshake.carrier == TlsCarrier::kDatagrams;
@@ -112,6 +123,10 @@ bool ShowMessage(const Place& in, Cursor& c, TlsHandshake& handshake) {
   AddLine(under, header.number, "Message Sequence: %u", header.number.value);
   AddLine(under, header.offset, "Fragment Offset: %u", header.offset.value);
   AddLine(under, header.size, "Fragment Length: %u", header.size.value);
+  if (isPart && JoinsFragments(in) && here > 0 && static_cast<uint32_t>(here) == length) {
+    ShowFragment(under, body, header, handshake);
+    return true;
+  }
   if (fragments && header.offset.value > 0) {
     AddLine(under, Rest(body), "Fragment: %d bytes", here);
   } else {
