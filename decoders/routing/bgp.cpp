@@ -244,6 +244,20 @@ void ShowFilterEntries(const Place& in, Cursor& c, uint32_t type, uint32_t afi, 
       ShowRouteDistinguisher(in, c);
     }
   }
+  constexpr uint32_t kCoveringFilter = 65;   // RFC 7543
+  static constexpr auto kCovering = Rows<Bgp>({
+      Number(4, "Sequence"), Number(1, "Minimum Length"), Number(1, "Maximum Length")});
+  static constexpr auto kRouteType = Rows<Bgp>({Number(1, "Route Type")});
+  static constexpr auto kHostMac = Rows<Bgp>({Mac("Host MAC Address").Note(", %s")});
+  while (type == kCoveringFilter && Left(c) >= 24 && MoreAt(in, c, loop)) {
+    ShowRows<Bgp>(in, c, kEntry, bgp);
+    ShowRows<Bgp>(in, c, kCovering, bgp);
+    Cursor targets = TakeCursor(c, 16);
+    ShowBgpExtendedCommunities(in, targets, bgp);
+    ShowRows<Bgp>(in, c, kRouteType, bgp);
+    if (afi == kFamilyIPv4 || afi == kFamilyIPv6) ShowFamilyAddress(in, c, "Host Address", afi);
+    else if (Left(c) >= 6) ShowRows<Bgp>(in, c, kHostMac, bgp);
+  }
   c.ranShort = false;
   AddBlock(in, Rest(c), "Filter Entries");
 }

@@ -246,6 +246,28 @@ void ShowDomains(const Place& in, Cursor& c, Bgp& bgp) {
   }
 }
 
+// Bit index replication (RFC 9793).
+constexpr auto kReplication = Rows<Bgp>({
+    Number(1, "Sub-Domain ID").Note(", Sub-Domain %u"), Number(2, "BFR-ID").Note(", BFR-ID %u"), Hex(1, "Reserved")});
+constexpr auto kEncapsulation = Rows<Bgp>({
+    Number(1, "Maximum Set Identifier"), Word(3), Bits(0, 4, "Bit String Length"), Bits(4, 20, "Label").Note(", Label %u")});
+constexpr auto kReplicationHop4 = Rows<Bgp>({IPv4("BIER Next Hop").Note(", %s")});
+constexpr auto kReplicationHop6 = Rows<Bgp>({IPv6("BIER Next Hop").Note(", %s")});
+void ShowReplicationHop(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowRows<Bgp>(in, c, Left(c) >= 16 ? RowSpan<Bgp>(kReplicationHop6) : RowSpan<Bgp>(kReplicationHop4), bgp);
+}
+constexpr ElementForm kWideForm{.typeSize = 2, .lengthSize = 2, .valueLines = true};
+constexpr auto kReplicationParts = Choices<Bgp>({
+    {1, "MPLS Encapsulation", kEncapsulation}, {2, "Non-MPLS Encapsulation", kEncapsulation},
+    {3, "Next Hop", {}, ShowReplicationHop}});
+void ShowReplicationParts(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kWideForm, "Sub-TLV", kReplicationParts, bgp);
+}
+constexpr auto kReplications = Choices<Bgp>({{1, "BIER", kReplication, ShowReplicationParts}});
+void ShowReplications(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kWideForm, "TLV", kReplications, bgp);
+}
+
 constexpr auto kAttributes = Choices<Bgp>({
     {1, "ORIGIN", kOrigin}, {2, "AS_PATH", {}, ShowPath}, {3, "NEXT_HOP", kNextHop}, {4, "MULTI_EXIT_DISC", kMetric},
     {5, "LOCAL_PREF", kPreference}, {7, "AGGREGATOR", {}, ShowAggregator}, {8, "COMMUNITIES", {}, ShowCommunities},
@@ -264,6 +286,7 @@ constexpr auto kAttributes = Choices<Bgp>({
     {37, "SFP", {}, ShowBgpServicePath},
     {38, "BFD Discriminator", kDiscriminator, ShowDiscriminator}, {39, "Next Hop Dependent Characteristics", {},
     ShowBgpHopCharacteristics}, {40, "BGP Prefix-SID", {}, ShowBgpPrefixSid},
+    {41, "BIER", {}, ShowReplications},
     {99, "BGP-LS", {}, ShowBgpLinkStateAttribute}, {128, "ATTR_SET", {}, ShowSet}});
 
 }  // namespace

@@ -16,7 +16,7 @@ constexpr auto kTypeNames = SortedNames({
     {0x0C, "Mobile User Plane"}, {0x40, "Non-Transitive Two-Octet AS-Specific"}, {0x41, "Non-Transitive IPv4-Address-Specific"},
     {0x42, "Non-Transitive Four-Octet AS-Specific"}, {0x43, "Non-Transitive Opaque"}, {0x44, "QoS Marking"},
     {0x47, "FlowSpec Non-Transitive"}, {0x4A, "Non-Transitive Transport Class"}, {0x80, "Generic Transitive"},
-    {0x81, "Generic Transitive Part 2"}, {0x82, "Generic Transitive Part 3"}, {0x88, "FlowSpec Redirect/Mirror"}});
+    {0x81, "Generic Transitive Part 2"}, {0x82, "Generic Transitive Part 3"}, {0x88, "EIGRP"}});
 constexpr auto kOspfNames = SortedNames({
     {1, "Intra-Area"}, {2, "Intra-Area"}, {3, "Inter-Area"}, {5, "External"}, {7, "NSSA"}, {129, "Sham Link"}});
 constexpr auto kValidationNames = SortedNames({{0, "Valid"}, {1, "Not Found"}, {2, "Invalid"}});
@@ -89,6 +89,15 @@ constexpr auto kClassifier = Rows<Bgp>({Number(3, "Service Path Identifier").Not
     Number(1, "Service Index").Note(":%u"), Number(2, "Service Function Type")});
 constexpr auto kEmpty = Rows<Bgp>({Bytes(6, "Reserved")});
 
+// Communities of a type of their own: which metrics a route of EIGRP had (by its vendor's text).
+constexpr auto kEigrpFlags = Rows<Bgp>({Hex(2, "Route Flags"), Flag(0, "Internal"), Number(4, "Route Tag").Note(" %u")});
+constexpr auto kEigrpDelay = Rows<Bgp>({Number(2, "AS Number").Note(" %u"), Number(4, "Delay").Note(":%u")});
+constexpr auto kEigrpBandwidth = Rows<Bgp>({
+    Number(1, "Reliability"), Number(1, "Hop Count"), Number(4, "Bandwidth").Note(" %u")});
+constexpr auto kEigrpLoad = Rows<Bgp>({Hex(1, "Reserved"), Number(1, "Load"), Number(4, "MTU").Note(" %u")});
+constexpr auto kEigrpExternal = Rows<Bgp>({Number(2, "External AS").Note(" %u"), IPv4("External Router ID").Note(":%s")});
+constexpr auto kEigrpProtocol = Rows<Bgp>({Number(2, "External Protocol").Note(" %u"), Number(4, "External Metric").Note(":%u")});
+
 constexpr auto kCommunities = Choices<Bgp>({
     {0x0004, "Link Bandwidth", kBandwidth}, {0x0107, "OSPF Route ID", kRouteId}, {0x010C, "Redirect to IP", kMirror},
     {0x0300, "BGP Origin Validation State", kValidation}, {0x0301, "Cost", kCost},
@@ -112,7 +121,10 @@ constexpr auto kCommunities = Choices<Bgp>({
     {0x8009, "Traffic Marking", kMarking}, {0x800A, "Layer 2 Info", kInfo}, {0x800B, "E-Tree Info", kLeafInfo},
     {0x800C, "Traffic Rate", kRate},
     {0x800D, "Service Function Chain Classifier", kClassifier},
-    {0x8108, "Redirect", kAddress}, {0x8208, "Redirect", kSystem4}});
+    {0x8108, "Redirect", kAddress}, {0x8208, "Redirect", kSystem4},
+    {0x8800, "EIGRP Route", kEigrpFlags}, {0x8801, "EIGRP Delay", kEigrpDelay}, {0x8802, "EIGRP Bandwidth", kEigrpBandwidth},
+    {0x8803, "EIGRP Load", kEigrpLoad}, {0x8804, "EIGRP External Router", kEigrpExternal},
+    {0x8805, "EIGRP External Protocol", kEigrpProtocol}});
 
 RowSpan<Bgp> RowsOf(uint32_t type) {
   switch (type) {

@@ -52,8 +52,9 @@ constexpr auto kPeerSid = Rows<Bgp>({
     Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
 constexpr auto kAdjacencySid = Rows<Bgp>({
     Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
-constexpr auto kLanSid = Rows<Bgp>({
-    Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Bytes(0, "Neighbor and SID").Note(", %s")});
+constexpr auto kLanSid = Rows<Bgp>({Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved")});
+constexpr auto kLanSystem = Rows<Bgp>({Bytes(6, "Neighbor System ID").Note(", %s")});
+constexpr auto kLanRouter = Rows<Bgp>({IPv4("Neighbor Router ID").Note(", %s")});
 constexpr auto kPrefixSid = Rows<Bgp>({
     Hex(1, "SID Flags"), Number(1, "Algorithm"), Hex(2, "Reserved"), Bytes(0, "SID").Note(", %s")});
 constexpr auto kSid = Rows<Bgp>({Bytes(0, "SID").Note(", %s")});
@@ -92,6 +93,12 @@ void ShowAlgorithms(const Place& in, Cursor& c, Bgp& bgp) {
   Loop loop;
   while (MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, kAlgorithm, bgp);
 }
+// The neighbor is a system of IS-IS or a router of OSPF, as the length tells.
+void ShowLanSid(const Place& in, Cursor& c, Bgp& bgp) {
+  constexpr int32_t kLeastOfSystem = 9;
+  ShowRows<Bgp>(in, c, Left(c) >= kLeastOfSystem ? RowSpan<Bgp>(kLanSystem) : RowSpan<Bgp>(kLanRouter), bgp);
+  if (Left(c)) ShowRows<Bgp>(in, c, kSid, bgp);
+}
 constexpr auto kSidChoices = Choices<Bgp>({{1161, "SID/Label", kSid}});
 void ShowBlocks(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kFlags = Rows<Bgp>({Hex(1, "Capability Flags"), Hex(1, "Reserved")});
@@ -126,7 +133,9 @@ constexpr auto kPeer = Rows<Bgp>({
     Hex(1, "SID Flags"), Number(1, "Weight"), Hex(2, "Reserved"), Number(4, "Peer AS").Note(", AS %u"),
     IPv4("Peer BGP Identifier").Note(", %s")});
 constexpr auto kRange = Rows<Bgp>({Hex(1, "Range Flags"), Hex(1, "Reserved"), Number(2, "Range Size").Note(", %u")});
-constexpr auto kExtendedTag = Rows<Bgp>({Hex(8, nullptr)});
+constexpr auto kReflector = Rows<Bgp>({Hex(4, "S-BFD Discriminator")});
+constexpr auto kExtendedTag = Rows<Bgp>({Hex(8, "Extended Route Tag")});
+constexpr auto kExtendedGroup = Rows<Bgp>({Hex(4, "Extended Administrative Group")});
 constexpr auto kGroupMask = Rows<Bgp>({Hex(4, nullptr)});
 constexpr auto kFlexible = Rows<Bgp>({
     Number(1, "Flexible Algorithm").Note(", %u"), Number(1, "Metric Type"), Number(1, "Calculation Type"),
@@ -150,9 +159,44 @@ constexpr auto kState = Rows<Bgp>({
 constexpr auto kListHead = Rows<Bgp>({
     Hex(2, "List Flags"), Hex(2, "Reserved"), Number(2, "Multi-Topology ID"), Number(1, "Algorithm"),
     Hex(1, "Reserved 2"), Number(4, "Weight").Note(", Weight %u")});
-constexpr auto kSegmentHead = Rows<Bgp>({Number(1, "Segment Type").Note(", Type %u"), Hex(1, "Reserved"),
-    Hex(2, "Segment Flags"), Flag(0, "SID Present").Into(&Bgp::flags)});
-constexpr auto kSegmentRest = Rows<Bgp>({Bytes(0, "SID and Descriptor").Note(", %s")});
+constexpr auto kSegmentHead = Rows<Bgp>({Number(1, "Segment Type").Note(", Type %u").Into(&Bgp::code), Hex(1, "Reserved"),
+    Hex(2, "Segment Flags"), Flag(0, "SID Present").Into(&Bgp::flags), Flag(1, "Explicit"), Flag(2, "Verified"),
+    Flag(3, "Resolved"), Flag(4, "Algorithm Present")});
+constexpr auto kSegmentLabel = Rows<Bgp>({
+    Word(4), Bits(0, 20, "Label").Note(", Label %u"), Bits(20, 3, "Traffic Class"), Flag(23, "Bottom"), Bits(24, 8, "TTL")});
+constexpr auto kSegmentAlgorithm = Rows<Bgp>({Number(1, "Algorithm", NameAlgorithm)});
+constexpr auto kSegmentNode4 = Rows<Bgp>({Number(1, "Algorithm", NameAlgorithm), IPv4("Node Address").Note(", %s")});
+constexpr auto kSegmentNode6 = Rows<Bgp>({Number(1, "Algorithm", NameAlgorithm), IPv6("Node Address").Note(", %s")});
+constexpr auto kSegmentInterface4 = Rows<Bgp>({IPv4("Node Address").Note(", %s"), Number(4, "Local Interface ID")});
+constexpr auto kSegmentLink4 = Rows<Bgp>({IPv4("Local Address").Note(", %s"), IPv4("Remote Address").Note(", %s")});
+constexpr auto kSegmentInterface6 = Rows<Bgp>({
+    IPv6("Local Node Address").Note(", %s"), Number(4, "Local Interface ID"), IPv6("Remote Node Address").Note(", %s"),
+    Number(4, "Remote Interface ID")});
+constexpr auto kSegmentLink6 = Rows<Bgp>({IPv6("Local Address").Note(", %s"), IPv6("Remote Address").Note(", %s")});
+
+// What computes or bounds a candidate path (RFC 9857 5.6).
+constexpr auto kConstraints = Rows<Bgp>({
+    Hex(2, "Constraint Flags"), Hex(2, "Reserved"), Number(2, "Multi-Topology ID"), Number(1, "Algorithm", NameAlgorithm),
+    Hex(1, "Reserved 2")});
+constexpr auto kAffinity = Rows<Bgp>({
+    Number(1, "Exclude Any Size").Into(&Bgp::count), Number(1, "Include Any Size").Into(&Bgp::code),
+    Number(1, "Include All Size").Into(&Bgp::length), Hex(1, "Reserved")});
+constexpr auto kExcludeAny = Rows<Bgp>({Hex(4, "Exclude Any")});
+constexpr auto kIncludeAny = Rows<Bgp>({Hex(4, "Include Any")});
+constexpr auto kIncludeAll = Rows<Bgp>({Hex(4, "Include All")});
+constexpr auto kRisk = Rows<Bgp>({Number(4, "Shared Risk Link Group").Note(", %u")});
+constexpr auto kDisjoint = Rows<Bgp>({
+    Hex(1, "Request Flags"), Flag(0, "SRLG Disjoint"), Flag(1, "Node Disjoint"), Flag(2, "Link Disjoint"),
+    Flag(3, "Fall Back"), Flag(4, "Fall Back to the IGP Path"), Hex(1, "Status Flags"), Flag(0, "SRLG Disjoint"),
+    Flag(1, "Node Disjoint"), Flag(2, "Link Disjoint"), Flag(3, "Fall Back"), Flag(4, "Fall Back to the IGP Path"),
+    Flag(5, "Path Not Computed"), Hex(2, "Reserved"), Bytes(0, "Disjoint Group Identifier").Note(", %s")});
+constexpr auto kBothWays = Rows<Bgp>({
+    Hex(2, "Bidirectional Flags"), Flag(0, "Reverse"), Flag(1, "Co-Routed"), Hex(2, "Reserved"),
+    Bytes(0, "Bidirectional Group Identifier").Note(", %s")});
+constexpr auto kMetricBound = Rows<Bgp>({
+    Number(1, "Metric Type").Note(", Type %u"), Hex(1, "Metric Flags"), Flag(0, "Optimization"), Flag(1, "Margin"),
+    Flag(2, "Absolute Margin"), Flag(3, "Bound"), Hex(2, "Reserved"), Number(4, "Metric Margin"),
+    Number(4, "Metric Bound").Note(", up to %u")});
 constexpr auto kPathMetric = Rows<Bgp>({
     Number(1, "Metric Type").Note(", Type %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"), Number(4, "Metric Margin"),
     Number(4, "Metric Bound"), Number(4, "Metric Value").Note(", %u")});
@@ -169,6 +213,8 @@ void ShowEach(const Place& in, Cursor& c, Bgp& bgp) {
   while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, rows, bgp);
 }
 constexpr auto kSidParts = Choices<Bgp>({{1252, "SRv6 SID Structure", kSidStructure}});
+constexpr auto kSegmentParts = Choices<Bgp>({
+    {1250, "SRv6 Endpoint Behavior", kBehavior}, {1252, "SRv6 SID Structure", kSidStructure}});
 void ShowSid6(const Place& in, Cursor& c, Bgp& bgp) {
   ShowRows<Bgp>(in, c, kSid6, bgp);
   ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kSidParts, bgp);
@@ -192,7 +238,6 @@ constexpr auto kRangeParts = Choices<Bgp>({{1158, "Prefix-SID", kPrefixSid}});
 void ShowRangeParts(const Place& in, Cursor& c, Bgp& bgp) {
   ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kRangeParts, bgp);
 }
-void ShowMasks(const Place& in, Cursor& c, Bgp& bgp) { ShowEach<kGroupMask, 4>(in, c, bgp); }
 // Within their element: masks are labelled by what they exclude or include.
 constexpr auto kFlexibleParts = Choices<Bgp>({
     {1040, "Exclude Any Affinity", kGroupMask}, {1041, "Include Any Affinity", kGroupMask},
@@ -238,7 +283,34 @@ void ShowCandidate(const Place& in, Cursor& c, Bgp& bgp) {
   ShowRows<Bgp>(in, c, isOriginatorSix ? RowSpan<Bgp>(kIPv6) : RowSpan<Bgp>(kIPv4), bgp, "Originator Address");
   ShowRows<Bgp>(in, c, kCandidateId, bgp);
 }
-void ShowSegmentRest(const Place& in, Cursor& c, Bgp& bgp) { if (Left(c)) ShowRows<Bgp>(in, c, kSegmentRest, bgp); }
+// The SID where there is one, of MPLS or of IPv6 by the segment's type, and what it was asked for by.
+void ShowSegment(const Place& in, Cursor& c, Bgp& bgp) {
+  constexpr uint32_t kLastType = 11;
+  constexpr RowSpan<Bgp> kDescriptors[kLastType + 1] = {
+      {}, kSegmentAlgorithm, kSegmentAlgorithm, kSegmentNode4, kSegmentNode6, kSegmentInterface4, kSegmentLink4,
+      kSegmentInterface6, kSegmentLink6, kSegmentNode6, kSegmentInterface6, kSegmentLink6};
+  const uint32_t type = bgp.code.value;
+  if (type == 0 || type > kLastType) return;
+  const bool isOfIPv6 = type == 2 || type >= 9;
+  if (bgp.flags.value) ShowRows<Bgp>(in, c, isOfIPv6 ? RowSpan<Bgp>(kSid6) : RowSpan<Bgp>(kSegmentLabel), bgp);
+  if (Left(c)) ShowRows<Bgp>(in, c, kDescriptors[type], bgp);
+  ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kSegmentParts, bgp);
+}
+void ShowAffinity(const Place& in, Cursor& c, Bgp& bgp) {
+  const auto show = [&](const Field& count, RowSpan<Bgp> rows) {
+    for (uint32_t i = 0; i < count.value && Left(c) >= 4; ++i) ShowRows<Bgp>(in, c, rows, bgp);
+  };
+  show(bgp.count, kExcludeAny);
+  show(bgp.code, kIncludeAny);
+  show(bgp.length, kIncludeAll);
+}
+constexpr auto kConstraintParts = Choices<Bgp>({
+    {1208, "SR Affinity Constraint", kAffinity, ShowAffinity}, {1209, "SR SRLG Constraint", {}, ShowEach<kRisk, 4>},
+    {1210, "SR Bandwidth Constraint", kFloat}, {1211, "SR Disjoint Group Constraint", kDisjoint},
+    {1214, "SR Bidirectional Group Constraint", kBothWays}, {1215, "SR Metric Constraint", kMetricBound}});
+void ShowConstraints(const Place& in, Cursor& c, Bgp& bgp) {
+  ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kConstraintParts, bgp);
+}
 constexpr auto kTunnel2 = Rows<Bgp>({Number(2, nullptr).Note(", %u")});
 
 constexpr auto kNodeParts = Choices<Bgp>({
@@ -261,7 +333,8 @@ constexpr auto kAttributes = Choices<Bgp>({
     {1024, "Node Flag Bits", kNodeFlags}, {1025, "Opaque Node Attribute", kBytes}, {1026, "Node Name", kText},
     {1027, "IS-IS Area Identifier", kBytes}, {1028, "IPv4 Router-ID of Local Node", kIPv4},
     {1029, "IPv6 Router-ID of Local Node", kIPv6}, {1030, "IPv4 Router-ID of Remote Node", kIPv4},
-    {1031, "IPv6 Router-ID of Remote Node", kIPv6}, {1034, "SR Capabilities", {}, ShowBlocks},
+    {1031, "IPv6 Router-ID of Remote Node", kIPv6}, {1032, "S-BFD Discriminators", {}, ShowEach<kReflector, 4>},
+    {1034, "SR Capabilities", {}, ShowBlocks},
     {1035, "SR Algorithm", {}, ShowAlgorithms}, {1036, "SR Local Block", {}, ShowBlocks},
     {1037, "SRMS Preference", kWeight},
     {1038, "SRv6 Capabilities", kFlags2}, {1039, "Flexible Algorithm Definition", kFlexible, ShowFlexibleParts},
@@ -271,14 +344,15 @@ constexpr auto kAttributes = Choices<Bgp>({
     {1092, "TE Default Metric", kNumber4}, {1093, "Link Protection Type", kProtection}, {1094, "MPLS Protocol Mask", kLabelling},
     {1095, "IGP Metric", {}, ShowMetric}, {1096, "Shared Risk Link Group", {}, ShowGroups},
     {1097, "Opaque Link Attribute", kBytes}, {1098, "Link Name", kText}, {1099, "Adjacency SID", kAdjacencySid},
-    {1100, "LAN Adjacency SID", kLanSid}, {1101, "Peer Node SID", kPeerSid}, {1102, "Peer Adjacency SID", kPeerSid},
+    {1100, "LAN Adjacency SID", kLanSid, ShowLanSid}, {1101, "Peer Node SID", kPeerSid}, {1102, "Peer Adjacency SID", kPeerSid},
     {1103, "Peer Set SID", kPeerSid}, {1106, "SRv6 End.X SID", kEndX, ShowSid6},
     {1107, "IS-IS SRv6 LAN End.X SID", kEndX, ShowNeighborSid6},
     {1108, "OSPFv3 SRv6 LAN End.X SID", kEndX, ShowRouterSid6},
     {1114, "Unidirectional Link Delay", kDelay}, {1115, "Min/Max Unidirectional Link Delay", kDelays},
     {1116, "Unidirectional Delay Variation", kVariation}, {1117, "Unidirectional Link Loss", kLoss},
     {1118, "Unidirectional Residual Bandwidth", kFloat}, {1119, "Unidirectional Available Bandwidth", kFloat},
-    {1120, "Unidirectional Utilized Bandwidth", kFloat}, {1122, "Application-Specific Link Attributes", {},
+    {1120, "Unidirectional Utilized Bandwidth", kFloat}, {1121, "Graceful Link Shutdown"},
+    {1122, "Application-Specific Link Attributes", {},
     ShowForApplications},
     {1152, "IGP Flags", kIgpFlags}, {1153, "IGP Route Tag", kHex4}, {1154, "IGP Extended Route Tag", {},
     ShowEach<kExtendedTag, 8>},
@@ -288,12 +362,14 @@ constexpr auto kAttributes = Choices<Bgp>({
     {1162, "SRv6 Locator", kLocator},
     {1170, "Prefix Attribute Flags", kBytes}, {1171, "Source Router Identifier", {}, ShowSourceRouter},
     {1172, "Layer 2 Bundle Member Attributes", kMember, ShowNested},
-    {1173, "Extended Administrative Group", {}, ShowMasks}, {1174, "Source OSPF Router-ID", kIPv4},
+    {1173, "Extended Administrative Group", {}, ShowEach<kExtendedGroup, 4>}, {1174, "Source OSPF Router-ID", kIPv4},
     {1201, "SR Binding SID", kFlags2, ShowBinding},
     {1202, "SR Candidate Path State", kState}, {1203, "SR Candidate Path Name", kText},
+    {1204, "SR Candidate Path Constraints", kConstraints, ShowConstraints},
     {1205, "SR Segment List", kListHead, ShowNested},
-    {1206, "SR Segment", kSegmentHead, ShowSegmentRest}, {1207, "SR Segment List Metric", kPathMetric},
+    {1206, "SR Segment", kSegmentHead, ShowSegment}, {1207, "SR Segment List Metric", kPathMetric},
     {1212, "SRv6 Binding SID", kFlags2, ShowBinding}, {1213, "SR Policy Name", kText},
+    {1216, "SR Segment List Bandwidth", kFloat}, {1217, "SR Segment List Identifier", kNumber4},
     {1250, "SRv6 Endpoint Behavior", kBehavior},
     {1251, "SRv6 BGP Peer Node SID", kPeer}, {1252, "SRv6 SID Structure", kSidStructure}});
 

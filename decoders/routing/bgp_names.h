@@ -33,7 +33,8 @@ inline constexpr auto kBgpAttributeNames = SortedNames({
     {25, "IPv6 Address Specific Extended Community"}, {26, "AIGP"}, {27, "PE Distinguisher Labels"},
     {28, "Entropy Label Capability"}, {29, "BGP-LS"}, {32, "LARGE_COMMUNITY"}, {33, "BGPsec_Path"},
     {34, "BGP Community Container"}, {35, "Only to Customer"}, {36, "D-PATH"}, {37, "SFP"},
-    {38, "BFD Discriminator"}, {39, "Next Hop Dependent Characteristics"}, {40, "BGP Prefix-SID"}, {128, "ATTR_SET"},
+    {38, "BFD Discriminator"}, {39, "Next Hop Dependent Characteristics"}, {40, "BGP Prefix-SID"},
+    {41, "BIER"}, {42, "Edge Metadata"}, {128, "ATTR_SET"},
     {129, "Deprecated"}, {241, "Deprecated"}, {242, "Deprecated"}, {243, "Deprecated"}, {255, "Reserved for Development"}});
 inline constexpr auto kBgpCommunityNames = SortedNames({
     {0xFFFF0000, "GRACEFUL_SHUTDOWN"}, {0xFFFF0001, "ACCEPT_OWN"}, {0xFFFF0002, "ROUTE_FILTER_TRANSLATED_v4"},
@@ -69,7 +70,8 @@ inline constexpr auto kBgpExtendedNames = SortedNames({
     {0x8008, "Flow-spec RT-Redirect AS-2"}, {0x8009, "Flow-spec Traffic-Remarking"}, {0x800A, "Layer2 Info"},
     {0x800B, "E-Tree Info"}, {0x800C, "Flow-spec Traffic-Rate in Packets"}, {0x800D, "Flow Specification for SFC Classifiers"},
     {0x8084, "Tag"}, {0x8085, "Origin Sub-Cluster"}, {0x8108, "Flow-spec RT-Redirect IPv4"},
-    {0x8208, "Flow-spec RT-Redirect AS-4"}});
+    {0x8208, "Flow-spec RT-Redirect AS-4"}, {0x8800, "EIGRP Route"}, {0x8801, "EIGRP Delay"}, {0x8802, "EIGRP Bandwidth"},
+    {0x8803, "EIGRP Load"}, {0x8804, "EIGRP External Router"}, {0x8805, "EIGRP External Protocol"}});
 inline constexpr auto kBgpErrorNames = SortedNames({
     {0, "Reserved"}, {1, "Message Header Error"}, {2, "OPEN Message Error"}, {3, "UPDATE Message Error"}, {4, "Hold Timer Expired"},
     {5, "Finite State Machine Error"}, {6, "Cease"}, {7, "ROUTE-REFRESH Message Error"}, {8, "Send Hold Timer Expired"},

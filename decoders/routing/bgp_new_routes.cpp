@@ -1,6 +1,6 @@
 // Routes of BGP's younger families: service function chains (RFC 9015), colors of intents (RFC 9871), user planes of
-// mobile networks
-// (draft-ietf-bess-mup-safi), segments of pseudowires (RFC 7267), endpoints of encapsulations (RFC 5512).
+// mobile networks (draft-ietf-bess-mup-safi), segments of pseudowires (RFC 7267), endpoints of encapsulations (RFC 5512),
+// edges of wide area networks (draft-ietf-idr-sdwan-edge-discovery), policies (draft-ietf-idr-rpd).
 #include "core/elements.h"
 #include "decoders/routing/bgp.h"
 #include "decoders/routing/prefix.h"
@@ -92,7 +92,7 @@ void ShowBgpServiceChains(const Place& at, Cursor& c, Bgp& bgp) {
   }
 }
 
-void ShowBgpColorRoutes(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
+void ShowBgpColorRoutes(const Place& at, Cursor& c, uint32_t afi, bool isVpn, Bgp& bgp) {
   constexpr ElementForm kForm{.valueLines = true, .typeMask = 0x3F};
   Loop loop;
   while (Left(c) >= 3 && MoreAt(at, c, loop)) {
@@ -105,6 +105,7 @@ void ShowBgpColorRoutes(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kColorHead, bgp);
     Cursor key = TakeCursor(route, bgp.count.value);
+    if (isVpn) ShowRouteDistinguisher(in, key);
     ShowPrefixWithLength(in, key, afi);
     if (type == 1) ShowRows<Bgp>(in, key, kColor, bgp);
     ShowElements<Bgp>(in, route, kForm, "TLV", kColorParts, bgp);
@@ -152,6 +153,42 @@ void ShowBgpEndpoints(const Place& at, Cursor& c, uint32_t afi, Bgp&) {
     const Field length = TakeU8(route);
     AddLine(in, length, "Prefix Length: %u", length.value);
     ShowFamilyAddress(in, route, "Endpoint", afi);
+  }
+}
+
+void ShowBgpEdges(const Place& at, Cursor& c, Bgp& bgp) {
+  static constexpr auto kHead = Rows<Bgp>({Number(2, "Route Type"), Number(2, "Length")});
+  static constexpr auto kEdge = Rows<Bgp>({Number(4, "Port Local ID").Note(", Port %u"), Number(4, "Color").Note(", Color %u")});
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(at, c, loop)) {
+    const Cursor start = c;
+    const Field path = TakeBgpPath(c, bgp);
+    const uint32_t type = PeekU16(c);
+    Cursor route = TakeCursor(c, 4 + static_cast<int64_t>(PeekU16(c, 2)));
+    const Place in = Under(at, AddLine(at, Ahead(start, path.length + Left(route)), "SD-WAN Route"));
+    ShowBgpPath(in, path);
+    ShowRows<Bgp>(in, route, kHead, bgp);
+    if (type == 1) {
+      ShowRows<Bgp>(in, route, kEdge, bgp);
+      ShowFamilyAddress(in, route, "Node Address", Left(route) >= 16 ? kFamilyIPv6 : kFamilyIPv4);
+    }
+    route.ranShort = false;
+    AddBlock(in, Rest(route), "Route Data");
+  }
+}
+
+void ShowBgpPolicies(const Place& at, Cursor& c, uint32_t afi, Bgp& bgp) {
+  static constexpr auto kPolicyNames = SortedNames({{1, "Export"}, {2, "Import"}});
+  static constexpr auto kHead = Rows<Bgp>({
+      Number(1, "Length"), Number(1, "Policy Type", kPolicyNames).Note(", %s"), Number(4, "Distinguisher").Note(", %u")});
+  Loop loop;
+  while (Left(c) >= 6 && MoreAt(at, c, loop)) {
+    Cursor route = TakeCursor(c, 1 + static_cast<int64_t>(PeekU8(c)));
+    const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "Routing Policy"));
+    ShowRows<Bgp>(in, route, kHead, bgp);
+    ShowFamilyAddress(in, route, "Peer", afi);
+    route.ranShort = false;
+    AddBlock(in, Rest(route), "Route Data");
   }
 }
 

@@ -12,7 +12,8 @@ namespace {
 constexpr uint32_t kUnicast = 1, kMulticast = 2, kLabelled = 4, kMulticastVpn = 5, kVpls = 65, kTunnelMdt = 66, kEvpn = 70,
                    kLinkState = 71, kLinkStateVpn = 72, kPolicy = 73, kTransport = 76, kLinkStatePath = 80,
                        kPseudowires = 6,
-                   kEndpoints = 7, kLanMulticast = 8, kServiceChains = 9, kColors = 83, kMobile = 85, kVpn = 128,
+                   kEndpoints = 7, kLanMulticast = 8, kServiceChains = 9, kEdges = 74, kRouting = 75, kColors = 83,
+                   kColorsVpn = 84, kMobile = 85, kVpn = 128,
                        kVpnMulticast = 129, kTargets = 132,
                    kFlow = 133, kFlowVpn = 134;
 constexpr uint32_t kLayer2 = 25;
@@ -211,7 +212,10 @@ void ShowBgpRoutes(const Place& in, Cursor& c, uint32_t afi, uint32_t safi, cons
     case kPseudowires: return ShowBgpPseudowires(in, c, bgp);
     case kEndpoints: return ShowBgpEndpoints(in, c, afi, bgp);
     case kServiceChains: return ShowBgpServiceChains(in, c, bgp);
-    case kColors: return ShowBgpColorRoutes(in, c, afi, bgp);
+    case kColors:
+    case kColorsVpn: return ShowBgpColorRoutes(in, c, afi, safi == kColorsVpn, bgp);
+    case kEdges: return ShowBgpEdges(in, c, bgp);
+    case kRouting: return ShowBgpPolicies(in, c, afi, bgp);
     case kMobile: return ShowBgpMobileRoutes(in, c, afi, bgp);
     case kLanMulticast:   // of virtual LANs with the same types (RFC 7117)
     case kMulticastVpn: return ShowBgpMulticastRoutes(in, c, bgp);

@@ -306,11 +306,12 @@ int32_t DecodeLdp(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize || PeekU16(c) != kVersion || PeekU16(c, 2) < kLeastLength) return 0;
   Loop loop;
   while (Left(c) >= kHeaderSize && PeekU16(c) == kVersion && PeekU16(c, 2) >= kLeastLength && MoreAt(at, c, loop)) {
+    const bool isCut = static_cast<int32_t>(PeekU16(c, 2)) + kUncounted > Left(c) && PacketOf(at).segment.here;
     Cursor unit = TakeCursor(c, int64_t{PeekU16(c, 2)} + kUncounted);
     const bool hasMessage = Left(unit) >= kHeaderSize + 2;
-    const Place in = Under(at, AddLine(at, Ahead(unit, Left(unit)), "LDP: %s%s",
+    const Place in = Under(at, AddLine(at, Ahead(unit, Left(unit)), "LDP: %s%s%s",
                                        hasMessage ? MessageName(PeekU16(unit, kHeaderSize) & 0x7FFF) : "No Message",
-                                       hasMessage ? " Message" : ""));
+                                       hasMessage ? " Message" : "", isCut ? ", continued in a later segment" : ""));
     ShowRows(in, unit, kHeader);
     Loop messages;
     while (Left(unit) >= kMessageHeader && MoreAt(in, unit, messages)) ShowMessage(in, unit);

@@ -67,8 +67,10 @@ int32_t DecodeMsdp(const Place& at, Cursor c) {
   Loop loop;
   while (Left(c) >= kHeaderSize && starts(c) && MoreAt(at, c, loop)) {
     const uint32_t type = PeekU8(c);
+    const bool isCut = static_cast<int32_t>(PeekU16(c, 1)) > Left(c);
     Cursor message = TakeCursor(c, PeekU16(c, 1));
-    const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "MSDP: %s", LookupName(kTypeNames, type)));
+    const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "MSDP: %s%s", LookupName(kTypeNames, type),
+                                       isCut ? ", continued in a later segment" : ""));
     ShowRows(in, message, kHead);
     Cursor carried = MakeCursor(nullptr, 0, 0);
     if (type == kActive || type == kResponse) {
