@@ -114,10 +114,25 @@ void ShowTls(const Place& in, Cursor& c, Eap& eap) {
   ShowRecords(in, c, eap);
 }
 constexpr ElementForm kTlvForm{.typeSize = 2, .lengthSize = 2, .typeMask = 0x3FFF};
+// Elements whose first bit says that whoever does not know the type must refuse.
+void ShowTlvs(const Place& in, Cursor& c, const char* title, ChoiceSpan<Eap> choices, Eap& eap) {
+  // keys: text TLV, Outer TLV, Attribute
+  // keys: number Type, Length
+  Loop loop;
+  Element element;
+  while (MoreAt(in, c, loop) && TakeElement(c, kTlvForm, element)) {
+    const Choice<Eap>* choice = FindChoice<Eap>(choices, element.code);
+    const Place under = detail::AddElementHead(in, element, kTlvForm, title, choice ? choice->name : kUnknown);
+    const BitPicture mandatory = BitsOf(element.type, 0, 1), type = BitsOf(element.type, 2, 14);
+    AddBitLine(under, element.type, "%s: Mandatory = %s", mandatory.picture, LookupName(kFalseTrueNames, mandatory.value));
+    AddBitLine(under, element.type, "%s: TLV Type = %u", type.picture, type.value);
+    ShowChoice(under, element.value, choice, eap);
+  }
+}
 constexpr auto kFastTlvs = Choices<Eap>({{4, "Authority ID", kAuthority}});
 void ShowFast(const Place& in, Cursor& c, Eap& eap) {
   if (eap.flags.value & kLengthIncluded) ShowRows<Eap>(in, c, kTlsLength, eap);
-  if (eap.flags.value & kStart) ShowElements<Eap>(in, c, kTlvForm, "TLV", kFastTlvs, eap);
+  if (eap.flags.value & kStart) ShowTlvs(in, c, "TLV", kFastTlvs, eap);
   ShowRecords(in, c, eap);
 }
 
@@ -166,11 +181,38 @@ constexpr auto kTeapHint = Rows<Eap>({Utf8(0, "Identity Hint")});
 constexpr auto kTeapCertificates = Rows<Eap>({Bytes(0, "Certificates")});
 constexpr auto kTeapRequest = Rows<Eap>({Bytes(0, "Certification Request")});
 constexpr auto kTeapOctets = Rows<Eap>({Bytes(0, nullptr)});
+// A method within the outer one; nesting is counted.
+int32_t DecodePayload(const Place& at, Cursor c) {
+  if (Left(c) < kEapHeaderSize) return 0;
+  AddEap(at, c);
+  return 1;
+}
+void ShowPayload(const Place& in, Cursor& c, Eap&) {
+  Cursor payload = TakeCursor(c, Left(c));
+  CallDecoder(in, payload, DecodePayload, "EAP Payload");
+}
+constexpr auto kPacNames = SortedNames({{1, "Tunnel PAC"}});
+constexpr auto kPacLifetime = Rows<Eap>({UnixTime(4, "PAC Lifetime")});
+constexpr auto kPacIdentity = Rows<Eap>({Utf8(0, nullptr)});
+constexpr auto kPacType = Rows<Eap>({Number(2, "PAC Type", kPacNames)});
+constexpr auto kPacAnswer = Rows<Eap>({Number(2, "Result", kTeapStatusNames)});
+constexpr auto kPacInside = Choices<Eap>({
+    {3, "PAC-Lifetime", kPacLifetime}, {4, "A-ID", kAuthority}, {5, "I-ID", kPacIdentity}, {7, "A-ID-Info", kPacIdentity},
+    {10, "PAC-Type", kPacType}});
+void ShowPacInside(const Place& in, Cursor& c, Eap& eap) {
+  ShowTlvs(in, c, "Attribute", kPacInside, eap);
+}
+constexpr auto kPacParts = Choices<Eap>({
+    {1, "PAC-Key", kTeapOctets}, {2, "PAC-Opaque", kTeapOctets}, {8, "PAC-Acknowledgement", kPacAnswer},
+    {9, "PAC-Info", {}, ShowPacInside}, {10, "PAC-Type", kPacType}});
+void ShowPac(const Place& in, Cursor& c, Eap& eap) {
+  ShowTlvs(in, c, "Attribute", kPacParts, eap);
+}
 constexpr auto kTeapTlvs = Choices<Eap>({
     {1, "Authority-ID", kAuthority}, {2, "Identity-Type", kTeapIdentity}, {3, "Result", kTeapStatus},
     {4, "NAK", kTeapNak}, {5, "Error", kTeapError}, {6, "Channel-Binding", kTeapOctets},
-    {7, "Vendor-Specific", kTeapVendor}, {8, "Request-Action", kTeapAction}, {9, "EAP-Payload", kTeapOctets},
-    {10, "Intermediate-Result", kTeapStatus}, {11, "PAC", kTeapOctets}, {12, "Crypto-Binding", kTeapBinding},
+    {7, "Vendor-Specific", kTeapVendor}, {8, "Request-Action", kTeapAction}, {9, "EAP-Payload", {}, ShowPayload},
+    {10, "Intermediate-Result", kTeapStatus}, {11, "PAC", {}, ShowPac}, {12, "Crypto-Binding", kTeapBinding},
     {13, "Basic-Password-Auth-Req", kTeapPrompt}, {14, "Basic-Password-Auth-Resp", kTeapPassword},
     {15, "PKCS#7", kTeapCertificates}, {16, "PKCS#10", kTeapRequest}, {17, "Trusted-Server-Root", kTeapRoot},
     {18, "CSR-Attributes", kTeapOctets}, {19, "Identity-Hint", kTeapHint}});
@@ -181,7 +223,7 @@ void ShowTeap(const Place& in, Cursor& c, Eap& eap) {
       Left(c);
   Cursor tls = TakeCursor(c, Left(c) - outer);
   ShowRecords(in, tls, eap);
-  ShowElements<Eap>(in, c, kTlvForm, "Outer TLV", kTeapTlvs, eap);
+  ShowTlvs(in, c, "Outer TLV", kTeapTlvs, eap);
 }
 
 // --- challenges ---

@@ -267,6 +267,13 @@ void ShowOther(const Place& in, Cursor& c, uint32_t command, bool isResponse, Av
     case 0x2C: case 0x2D:
       ShowRows<Avtp>(in, c, kMapChange, avtp);
       return ShowAvdeccMappings(in, c, avtp.count.value);
+    case 0x2E: case 0x31:
+      if (!isResponse) return ShowRows<Avtp>(in, c, kMapTarget, avtp);
+      ShowRows<Avtp>(in, c, kMapAnswer, avtp);
+      return ShowAvdeccOtherMappings(in, c, avtp.count.value, command == 0x2E);
+    case 0x2F: case 0x30: case 0x32: case 0x33:
+      ShowRows<Avtp>(in, c, kMapChange, avtp);
+      return ShowAvdeccOtherMappings(in, c, avtp.count.value, command <= 0x30);
     case 0x37: case 0x3A: ShowRows<Avtp>(in, c, kKey, avtp); break;
     case 0x3F: case 0x41: ShowRows<Avtp>(in, c, kToken, avtp); break;
     default: break;

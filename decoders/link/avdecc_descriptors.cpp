@@ -126,9 +126,10 @@ constexpr auto kMap = Rows<Avtp>({Number(2, "Mappings Offset"), Number(2, "Numbe
 constexpr auto kLatencies = Rows<Avtp>({Number(4, "Block Latency", " ns"), Number(4, "Control Latency", " ns"),
     Number(2, "Control Domain")});
 constexpr auto kValueType = Rows<Avtp>({
-    Word(2), Flag(0, "Read Only"), Flag(1, "Unknown"), Bits(2, 14, "Control Value Type", kValueTypes)});
+    Word(2), Flag(0, "Read Only"), Flag(1, "Unknown"), Bits(2, 14, "Control Value Type", kValueTypes).Into(&Avtp::status)});
 constexpr auto kControl = Rows<Avtp>({
-    Hex(8, "Control Type"), Number(4, "Reset Time", " us"), Number(2, "Values Offset"), Number(2, "Number of Values"),
+    Hex(8, "Control Type"), Number(4, "Reset Time", " us"), Number(2, "Values Offset"),
+    Number(2, "Number of Values").Into(&Avtp::size),
     Hex(2, "Signal Type", AvdeccDescriptorName), Number(2, "Signal Index"), Number(2, "Signal Output")});
 constexpr auto kSelector = Rows<Avtp>({
     Number(2, "Sources Offset"), Number(2, "Number of Sources").Into(&Avtp::count),
@@ -139,7 +140,7 @@ constexpr auto kMixer = Rows<Avtp>({
     Number(2, "Sources Offset"), Number(2, "Number of Sources").Into(&Avtp::count), Number(2, "Value Offset")});
 constexpr auto kMatrix = Rows<Avtp>({
     Hex(8, "Control Type"), Number(2, "Width"), Number(2, "Height"), Number(2, "Values Offset"),
-    Number(2, "Number of Values"), Number(2, "Number of Sources"), Number(2, "Base Source")});
+    Number(2, "Number of Values").Into(&Avtp::size), Number(2, "Number of Sources"), Number(2, "Base Source")});
 constexpr auto kMatrixSignal = Rows<Avtp>({Number(2, "Signals Count").Into(&Avtp::count), Number(2, "Signals Offset")});
 constexpr auto kSplitter = Rows<Avtp>({
     Number(2, "Number of Outputs"), Number(2, "Map Count").Into(&Avtp::count), Number(2, "Map Offset")});
@@ -148,7 +149,7 @@ constexpr auto kCombiner = Rows<Avtp>({
     Number(2, "Number of Sources").Into(&Avtp::count)});
 constexpr auto kSplitterMap = Rows<Avtp>({Number(2, "Sub-signal Start"), Number(2, "Sub-signal Count"),
     Number(2, "Output Index")});
-constexpr auto kTranscoder = Rows<Avtp>({Number(2, "Values Offset"), Number(2, "Number of Values")});
+constexpr auto kTranscoder = Rows<Avtp>({Number(2, "Values Offset"), Number(2, "Number of Values").Into(&Avtp::size)});
 constexpr auto kDomain = Rows<Avtp>({
     Number(2, "Clock Source Index"), Number(2, "Clock Sources Offset"), Number(2, "Clock Sources Count").Into(&Avtp::count)});
 constexpr auto kDomainSource = Rows<Avtp>({Number(2, "Clock Source")});
@@ -161,8 +162,15 @@ void ShowList(const Place& in, Cursor& c, RowSpan<Avtp> rows, Avtp& avtp) {
   for (uint32_t i = 0; i < avtp.count.value && MoreAt(in, c, loop); ++i) ShowRows<Avtp>(in, c, rows, avtp);
 }
 
-// A table of values that a row of numbers in front describes stays a run of octets: its form differs with its type.
-void ShowValues(const Place& in, Cursor& c, Avtp& avtp) {
+// What stands behind a descriptor's rows: the values of a control, the rest of a cluster, or what no row divides.
+void ShowTail(const Place& in, Cursor& c, uint32_t type, Avtp& avtp) {
+  constexpr uint32_t kVideo = 0x15, kSensor = 0x16, kControls = 0x1A, kMixers = 0x1C, kMatrices = 0x1D, kTranscoders = 0x23;
+  if (type == kVideo || type == kSensor) ShowAvdeccCluster(in, c, type == kVideo);
+  if (type == kMixers) ShowAvdeccValues(in, c, avtp.status.value, 1);
+  if (type == kControls || type == kMatrices || type == kTranscoders) {
+    ShowAvdeccValues(in, c, avtp.status.value, avtp.size.value);
+  }
+  c.ranShort = false;
   if (Left(c)) ShowRows<Avtp>(in, c, kValues, avtp);
 }
 
@@ -180,7 +188,7 @@ constexpr Part kParts[] = {
     {0x09, 0x09, true, {kInterface, {}, {}}, {}}, {0x0A, 0x0A, true, {kClockSource, {}, {}}, {}},
     {0x0B, 0x0B, true, {kMemory, {}, {}}, {}}, {0x0C, 0x0C, false, {kLocale, {}, {}}, {}},
     {0x0E, 0x0F, false, {kStreamPort, {}, {}}, {}}, {0x10, 0x13, false, {kPort, {}, {}}, {}},
-    {0x14, 0x14, true, {kSignal, kCluster, {}}, {}}, {0x15, 0x16, true, {}, {}},
+    {0x14, 0x14, true, {kSignal, kCluster, {}}, {}}, {0x15, 0x16, true, {kSignal, {}, {}}, {}},
     {0x1A, 0x1A, true, {kLatencies, kValueType, kControl}, {}}, {0x1B, 0x1B, true, {kLatencies, kSelector, {}}, kSignal},
     {0x1C, 0x1C, true, {kLatencies, kValueType, kMixer}, kSignal}, {0x1D, 0x1D, true, {kLatencies, kValueType, kMatrix}, {}},
     {0x1E, 0x1E, false, {kMatrixSignal, {}, {}}, kSignal}, {0x1F, 0x1F, true, {kLatencies, kSignal, kSplitter}, kSplitterMap},
@@ -243,7 +251,7 @@ void ShowAvdeccMappings(const Place& in, Cursor& c, uint32_t count) {
 }
 
 void ShowAvdeccDescriptor(const Place& in, Cursor& c) {
-  constexpr uint32_t kStrings = 0x0D, kAudioMap = 0x17;
+  constexpr uint32_t kStrings = 0x0D, kAudioMap = 0x17, kVideoMap = 0x18, kSensorMap = 0x19;
   const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "Descriptor"));
   Avtp avtp = ShowRows(under, c, kHead);
   const uint32_t type = avtp.type.value;
@@ -253,6 +261,9 @@ void ShowAvdeccDescriptor(const Place& in, Cursor& c) {
   } else if (type == kAudioMap) {
     ShowRows<Avtp>(under, c, kMap, avtp);
     ShowAvdeccMappings(under, c, avtp.count.value);
+  } else if (type == kVideoMap || type == kSensorMap) {
+    ShowRows<Avtp>(under, c, kMap, avtp);
+    ShowAvdeccOtherMappings(under, c, avtp.count.value, type == kVideoMap);
   }
   for (const Part& part : kParts) {
     if (type < part.first || type > part.last) continue;
@@ -262,8 +273,7 @@ void ShowAvdeccDescriptor(const Place& in, Cursor& c) {
     }
     if (part.list.count) ShowList(under, c, part.list, avtp);
   }
-  c.ranShort = false;
-  ShowValues(under, c, avtp);
+  ShowTail(under, c, type, avtp);
 }
 
 }  // namespace qxview

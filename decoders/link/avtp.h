@@ -37,5 +37,9 @@ const char* AvdeccDescriptorName(uint32_t type);
 void ShowAvdeccRate(const Place& in, const Field& field, const char* label);
 void ShowAvdeccFormat(const Place& in, const Field& field, const char* label);
 void ShowAvdeccMappings(const Place& in, Cursor& c, uint32_t count);
+void ShowAvdeccOtherMappings(const Place& in, Cursor& c, uint32_t count, bool isVideo);   // or of sensors
+// What a control may be set to, by the type of its values; what a cluster of video or of a sensor can.
+void ShowAvdeccValues(const Place& in, Cursor& c, uint32_t type, uint32_t count);
+void ShowAvdeccCluster(const Place& in, Cursor& c, bool isVideo);
 
 }  // namespace qxview

@@ -143,9 +143,40 @@ void ShowVendorData(const Place& in, Cursor& c, Key& key) {
   if (oui.value == kMicrosoft && type.value == kWpaElement) ShowRsn(in, c, key);
 }
 
+// --- elements of fast transitions ---
+
+constexpr auto kMobilityDomain = Rows<Key>({
+    Hex(2, "Mobility Domain ID"), Word(1), Bits(0, 6, "Reserved"), Flag(6, "Resource Request Protocol"),
+    Flag(7, "Fast Transition over DS")});
+constexpr auto kTransition = Rows<Key>({
+    Word(2), Bits(0, 7, "Reserved"), Flag(7, "RSNXE Used"), Bits(8, 8, "Element Count"), Bytes(16, "MIC"),
+    Bytes(32, "ANonce"), Bytes(32, "SNonce")});
+constexpr auto kHolder = Rows<Key>({Bytes(0, nullptr)});
+constexpr auto kTransitionGtk = LittleRows<Key>({
+    Word(2), Bits(0, 14, "Reserved"), Bits(14, 2, "Key ID"), Number(1, "Key Length"), Bytes(8, "Key RSC"),
+    Bytes(0, "Wrapped Key")});
+constexpr auto kTransitionIgtk = LittleRows<Key>({
+    Number(2, "Key ID"), Bytes(6, "Packet Number"), Number(1, "Key Length"), Bytes(0, "Wrapped Key")});
+constexpr auto kTransitionParts = Choices<Key>({
+    {1, "R1KH-ID", kHolder}, {2, "GTK", kTransitionGtk}, {3, "R0KH-ID", kHolder}, {4, "IGTK", kTransitionIgtk},
+    {5, "OCI", kOci}, {6, "BIGTK", kTransitionIgtk}});
+void ShowTransition(const Place& in, Cursor& c, Key& key) {
+  ShowElements<Key>(in, c, ElementForm{}, "Subelement", kTransitionParts, key);
+}
+constexpr auto kTimeoutNames = SortedNames({
+    {1, "Reassociation Deadline"}, {2, "Key Lifetime"}, {3, "Association Comeback"}, {4, "Time to Start"}});
+constexpr auto kTimeout = LittleRows<Key>({Number(1, "Timeout Type", kTimeoutNames), Number(4, "Timeout Value")});
+// The length of the field in octets less one stands in its first half.
+constexpr auto kExtendedCapabilities = Rows<Key>({
+    Word(1), Bits(4, 4, "Field Length - 1"), Flag(3, "Protected TWT Operations"), Flag(2, "SAE Hash-to-Element"),
+    Bits(0, 2, "Reserved"), Bytes(0, "Further Capabilities")});
+constexpr auto kExtensionId = Rows<Key>({Number(1, "Element ID Extension"), Bytes(0, "Element Data")});
+
 constexpr auto kElements = Choices<Key>({
-    {48, "RSN", {}, ShowRsn}, {54, "Mobility Domain"}, {55, "Fast BSS Transition"}, {56, "Timeout Interval"},
-    {221, "Vendor Specific", {}, ShowVendorData}, {244, "RSN Extension"}, {255, "Extension"}});
+    {48, "RSN", {}, ShowRsn}, {54, "Mobility Domain", kMobilityDomain},
+    {55, "Fast BSS Transition", kTransition, ShowTransition}, {56, "Timeout Interval", kTimeout},
+    {221, "Vendor Specific", {}, ShowVendorData}, {244, "RSN Extension", kExtendedCapabilities},
+    {255, "Extension", kExtensionId}});
 
 // Padding starts with an octet of 0xDD that a zero follows.
 void ShowKeyData(const Place& in, Cursor c, Key& key) {

@@ -160,6 +160,7 @@ constexpr auto kAccess = Rows<Mka>({
 constexpr auto kSuites = Rows<Mka>({
     Number(2, "Implementation Capability"), Hex(8, "MACsec Cipher Suite", kSuiteNames)});
 constexpr auto kIdentifier = Rows<Mka>({Utf8(0, "Network Identity")});
+constexpr auto kOrganization = Rows<Mka>({Hex(3, "Organization"), Number(1, "Subtype"), Bytes(0, "Information")});
 void ShowSuiteList(const Place& in, Cursor& c, Mka& mka) {
   Loop loop;
   while (MoreAt(in, c, loop)) ShowRows<Mka>(in, c, kSuites, mka);
@@ -167,8 +168,8 @@ void ShowSuiteList(const Place& in, Cursor& c, Mka& mka) {
 constexpr auto kAnnouncements = Choices<Mka>({
     {111, "Access Information", kAccess}, {112, "MACsec Cipher Suites", {}, ShowSuiteList}, {113,
     "Key Management Domain", kDomainName},
-    {114, "Network Identifier", kIdentifier}, {126, "Organizationally Specific Set"}, {127,
-    "Organizationally Specific"}});
+    {114, "Network Identifier", kIdentifier}, {126, "Organizationally Specific Set", kOrganization},
+    {127, "Organizationally Specific", kOrganization}});
 
 }  // namespace
 

@@ -216,8 +216,15 @@ constexpr auto kPortStatus = Rows<Lldp>({
 constexpr auto kMrp = Rows<Lldp>({Bytes(16, "Domain UUID"), Hex(2, "MRRT Port Status")});
 constexpr auto kPnMac = Rows<Lldp>({Mac("Chassis MAC Address").Note(", %s")});
 constexpr auto kPtcp = Rows<Lldp>({Mac("Master Source Address"), Bytes(16, "Subdomain UUID"), Bytes(16, "IR Data UUID"),
-                                   Number(4, "Length of Period"), Number(4, "Red Period Begin"),
-                                   Number(4, "Orange Period Begin"), Number(4, "Green Period Begin")});
+                                   Word(4), Flag(0, "Length of Period Valid"), Bits(1, 31, "Length of Period"), Word(4),
+                                   Flag(0, "Red Period Begin Valid"), Bits(1, 31, "Red Period Begin"), Word(4),
+                                   Flag(0, "Orange Period Begin Valid"), Bits(1, 31, "Orange Period Begin"), Word(4),
+                                   Flag(0, "Green Period Begin Valid"), Bits(1, 31, "Green Period Begin")});
+constexpr auto kUuid = Rows<Lldp>({Bytes(16, nullptr)});
+constexpr auto kManagementEntity = Rows<Lldp>({
+    Number(1, "Address String Length"), Number(1, "Address Subtype"), Bytes(0, "Management Address")});
+constexpr auto kTimeDomain = Rows<Lldp>({
+    Number(2, "Time Domain Number"), Bytes(16, "Time Domain UUID"), Bytes(8, "Time Domain Master Identity")});
 constexpr auto kCiscoPower = Rows<Lldp>({
     Hex(1, "Four-Wire Power via MDI"), Bits(0, 4, "Reserved"), Flag(4, "PD Requests Spare Pair Power"),
     Flag(5, "PD Spare Pair Desired State"), Flag(6, "Spare Pair Detection Required"), Flag(7, "Four-Pair PoE Supported")});
@@ -232,6 +239,14 @@ constexpr auto kAvayaDigest = Rows<Lldp>({Bytes(32, "HMAC-SHA256 Digest")});
 constexpr auto kAvayaAssignment = Rows<Lldp>({
     Word(2), Bits(0, 4, "Assignment Status", kAvayaStatusNames), Bits(4, 12, "VLAN ID").Note(", VLAN %u"),
     Number(3, "I-SID").Note(" %u")});
+constexpr auto kServer = Rows<Lldp>({IPv4("Server Address").Note(", %s")});
+void ShowServers(const Place& in, Cursor& c, Lldp& lldp) {
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kServer, lldp);
+}
+constexpr auto kPhone = Rows<Lldp>({IPv4("IP Address").Note(", %s"), IPv4("Subnet Mask"), IPv4("Default Router")});
+constexpr auto kFramingNames = SortedNames({{1, "Tagging"}, {2, "No Tagging"}, {3, "Automatic"}});
+constexpr auto kFraming = Rows<Lldp>({Number(1, "Framing", kFramingNames).Note(", %s")});
 void ShowAssignments(const Place& in, Cursor& c, Lldp& lldp) {
   Loop loop;
   while (Left(c) >= 5 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kAvayaAssignment, lldp);
@@ -241,11 +256,19 @@ constexpr auto kUrl = Rows<Lldp>({Utf8(0, "MUD URL").Note(", %s")});
 constexpr auto kOrganizations = Choices<Lldp>({
     {LldpCode(0x00005E, 1), "Manufacturer Usage Description", kUrl},
     {LldpCode(0x000142, 1), "Four-Wire Power via MDI", kCiscoPower},
+    {LldpCode(0x00040D, 3), "Call Server Addresses", {}, ShowServers},
+    {LldpCode(0x00040D, 4), "IP Phone Addresses", kPhone}, {LldpCode(0x00040D, 5), "CNA Server Addresses", {}, ShowServers},
+    {LldpCode(0x00040D, 6), "File Server Addresses", {}, ShowServers},
+    {LldpCode(0x00040D, 7), "802.1Q Framing", kFraming},
     {LldpCode(0x00040D, 11), "Fabric Attach Element", kAvayaElement},
     {LldpCode(0x00040D, 12), "Fabric Attach Assignments", kAvayaDigest, ShowAssignments},
     {LldpCode(0x000ECF, 1), "Measured Delay Values", kDelays}, {LldpCode(0x000ECF, 2), "Port Status", kPortStatus},
     {LldpCode(0x000ECF, 3), "Alias", kText}, {LldpCode(0x000ECF, 4), "MRP Port Status", kMrp},
     {LldpCode(0x000ECF, 5), "Chassis MAC", kPnMac}, {LldpCode(0x000ECF, 6), "PTCP Status", kPtcp},
+    {LldpCode(0x000ECF, 9), "TSN Domain", kUuid}, {LldpCode(0x000ECF, 10), "TSN Management Entity Address", kManagementEntity},
+    {LldpCode(0x000ECF, 11), "TSN Management Entity Name UUID", kUuid},
+    {LldpCode(0x000ECF, 12), "TSN Management Entity Parameter UUID", kUuid},
+    {LldpCode(0x000ECF, 13), "TSN Time Domain", kTimeDomain},
     {LldpCode(0x00120F, 1), "MAC/PHY Configuration and Status", kPhy},
     {LldpCode(0x00120F, 2), "Power via MDI", kPower, ShowPower}, {LldpCode(0x00120F, 3), "Link Aggregation", kAggregation1},
     {LldpCode(0x00120F, 4), "Maximum Frame Size", kFrameSize}, {LldpCode(0x00120F, 5), "Energy-Efficient Ethernet", kEnergy},
@@ -263,7 +286,9 @@ constexpr auto kOrganizations = Choices<Lldp>({
     {LldpCode(0x0080C2, 5), "VID Usage Digest", kUsageDigest}, {LldpCode(0x0080C2, 6), "Management VID", kManagementVlan},
     {LldpCode(0x0080C2, 7), "Link Aggregation", kAggregation1},
     {LldpCode(0x0080C2, 8), "Congestion Notification", kCongestion}, {LldpCode(0x0080C2, 13), "EVB", kEvb},
-    {LldpCode(0x0080C2, 14), "CDCP", kCdcp, ShowChannels}, {LldpCode(0x009069, 1), "Chassis Serial Number", kText}});
+    {LldpCode(0x0080C2, 14), "CDCP", kCdcp, ShowChannels}, {LldpCode(0x0080C2, 15), "Port Extension"},
+    {LldpCode(0x0080C2, 17), "LRP ECP Discovery"}, {LldpCode(0x0080C2, 18), "LRP TCP Discovery"},
+    {LldpCode(0x0080C2, 19), "Congestion Isolation"}, {LldpCode(0x0080C2, 20), "Topology Recognition"}, {LldpCode(0x009069, 1), "Chassis Serial Number", kText}});
 
 }  // namespace
 
