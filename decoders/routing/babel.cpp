@@ -106,8 +106,9 @@ void ShowAddress(const Place& in, Cursor& c, Babel& babel) {
 void ShowShortPrefix(const Place& in, Cursor& c, const char* label, uint32_t bits, uint32_t omitted, Babel& babel) {
   const uint32_t encoding = babel.encoding.value;
   const int32_t wanted = static_cast<int32_t>((bits + 7) / 8), known = static_cast<int32_t>(omitted);
+  if (!AddressSize(encoding)) return;
   const Field taken = TakeBytes(c, wanted > known ? wanted - known : 0);
-  if (!taken.here || !AddressSize(encoding)) return;
+  if (!taken.here) return;
   uint8_t prefix[16] = {};
   if (encoding == kLinkLocalEncoding) {
     MakeLinkLocal(taken, prefix);

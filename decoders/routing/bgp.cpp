@@ -163,6 +163,7 @@ void ShowOpen(const Place& at, Cursor& c, Bgp& bgp) {
     parameter.ranShort = false;
     AddBlock(in, Rest(parameter), "Parameter Data");
   }
+  AddBlock(at, Rest(parameters), "Parameter Data");   // too short for a head
 }
 
 void ShowUpdate(const Place& at, Cursor& c, Bgp& bgp) {

@@ -305,6 +305,7 @@ void ShowBgpAttributes(const Place& at, Cursor& c, Bgp& bgp) {
     AddLine(in, size, "Length: %u", size.value);
     ShowChoice<Bgp>(in, attribute, FindChoice<Bgp>(kAttributes, code), bgp);   // keys: none Data
   }
+  AddBlock(at, Rest(c), "Attribute Data");   // too short for a head
 }
 
 }  // namespace qxview

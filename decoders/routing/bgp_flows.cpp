@@ -68,7 +68,8 @@ void ShowMaskBits(const Place& in, const Field& value, bool isFragment, const Li
   constexpr const char* kTcpNames[] = {"CWR", "ECE", "URG", "ACK", "PSH", "RST", "SYN", "FIN"};
   constexpr const char* kFragmentNames[] = {"Last Fragment", "First Fragment", "Is a Fragment", "Don't Fragment"};
   const Place under = Under(in, line);
-  const Field last = Slice(value, value.length - 1, 1);
+  Field last = Slice(value, value.length - 1, 1);
+  last.value = PeekU8(value, value.length - 1);   // a slice has none
   for (int32_t i = isFragment ? 4 : 0; i < 8; ++i) {
     const BitPicture bits = BitsOf(last, i, 1);
     // keys: text CWR, ECE, URG, ACK, PSH, RST, SYN, FIN, Last Fragment, First Fragment, Is a Fragment, Don't Fragment

@@ -80,6 +80,8 @@ void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const
       bits -= kDistinguisherBits;
     }
     ShowPrefix(in, route, "Network", afi, bits);
+    route.ranShort = false;
+    AddBlock(in, Rest(route), "Route Data");   // of a length that no prefix of the family has
   }
 }
 

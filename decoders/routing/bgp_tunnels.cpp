@@ -258,8 +258,8 @@ void ShowBgpSignatures(const Place& at, Cursor& c, Bgp& bgp) {
   Loop loop;
   while (Left(path) >= 6 && MoreAt(at, path, loop)) ShowRows<Bgp>(at, path, kSystem, bgp);
   while (Left(c) >= 3 && MoreAt(at, c, loop)) {
-    Cursor block = TakeCursor(c, PeekU16(c));
-    if (Left(block) < 3) break;
+    const int32_t said = static_cast<int32_t>(PeekU16(c));
+    Cursor block = TakeCursor(c, said < 3 ? Left(c) : said);   // one shorter than its head cannot tell where the next starts
     const Place in = Under(at, AddLine(at, Ahead(block, Left(block)), "Signature Block"));
     ShowRows<Bgp>(in, block, kBlock, bgp);
     Loop each;

@@ -56,8 +56,9 @@ void ShowTlvs(const Place& in, Cursor& c, Hncp& hncp);
 // A prefix in as many octets as it needs, filled up to four octets of the element where elements follow.
 void ShowPrefixOf(const Place& in, Cursor& c, Hncp& hncp, uint32_t bits) {
   constexpr uint32_t kMapped = 96;
+  if (bits > 128) return;
   const Field taken = TakeBytes(c, (bits + 7) / 8);
-  if (!taken.here || taken.length > 16) return;
+  if (!taken.here) return;
   uint8_t prefix[16] = {};
   for (int32_t i = 0; i < taken.length; ++i) prefix[i] = static_cast<uint8_t>(PeekU8(taken, i));
   const Field line = taken.length ? taken : Stated(c.offset, 0);
