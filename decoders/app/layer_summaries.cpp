@@ -159,6 +159,9 @@ void DescribeLayers(const PacketState& packet, char* out, int32_t size) {
   const Cursor carried = CursorOf(packet.carrier);
   const LayerSummary describe = FindLayer(kIpProtocols, packet.carrier.key);
   if (describe) return describe(text, carried, packet);
+  const DecoderRow* row = FindIpProtocol(static_cast<uint8_t>(packet.carrier.key));
+  Add(text, "%s, Port: %u -> %u", row ? row->protocol->name : IpProtocolName(packet.carrier.key), packet.sourcePort,
+      packet.destinationPort);
   AddLength(text, carried);
 }
 
