@@ -56,6 +56,7 @@ struct TcpSegment {
   uint32_t flags;        // FIN = 1
   bool here;
   int32_t cut = 0;       // payload bytes that were not captured
+  uint32_t acknowledgment = 0;
 };
 
 // The table that a layer's payload was looked up in, with the key, and the payload itself: what a frame carries when no

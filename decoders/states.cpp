@@ -14,6 +14,7 @@
 #include "decoders/app/ssh.h"
 #include "decoders/app/telnet.h"
 #include "decoders/ipsec/openvpn_streams.h"
+#include "decoders/link/ppp_compression.h"
 #include "decoders/net/ip_fragments.h"
 #include "decoders/net/tcp_streams.h"
 #include "decoders/net/window_scales.h"

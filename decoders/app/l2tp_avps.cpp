@@ -5,12 +5,13 @@
 // The value of a hidden pair is encrypted with a secret of both ends.
 #include "core/elements.h"
 #include "decoders/app/l2tp.h"
+#include "decoders/link/ppp.h"
 
 namespace qxview {
 namespace {
 
 constexpr uint32_t kHidden = 0x4000, kLengthMask = 0x03FF;
-constexpr uint32_t kBroadbandForum = 3561, kCableLabs = 4491;
+constexpr uint32_t kCisco = 9, kBroadbandForum = 3561, kCableLabs = 4491;
 
 constexpr auto kMessageNames = SortedNames({
     {0, "Reserved"}, {1, "Start-Control-Connection-Request"}, {2, "Start-Control-Connection-Reply"},
@@ -111,6 +112,30 @@ constexpr auto kRtp = Rows<Avp>({Word(2), Bits(0, 1, "Differential Time Stamping
                                  Bits(8, 8, "Reserved"), Number(2, "Time Stamp Frequency", " x 8 kHz"),
                                  Hex(4, "Synchronization Source")});
 
+// The options of the caller that LCP settled, from the first one on.
+void ShowLinkOptions(const Place& in, Cursor& c, Avp&) { ShowLcpOptions(in, c); }
+constexpr auto kSessionRow = Rows<Avp>({Number(2, "Session ID")});
+void ShowSessions(const Place& in, Cursor& c, Avp& avp) {
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Avp>(in, c, kSessionRow, avp);
+}
+constexpr auto kReasonNames = SortedNames({
+    {0, "Reserved"}, {1, "No Alarm or Alarm Cleared"}, {2, "Unspecified or Unknown Alarm"}, {3, "F1 Alarm"},
+    {4, "F2 Alarm"}, {5, "F3 Alarm"}, {6, "F4 Alarm"}, {7, "F5 Alarm"}});
+constexpr auto kAlarmNames = SortedNames({
+    {0, "Reserved"}, {1, "Not Specified"}, {2, "Alarm Indication Signal (AIS)"}, {3, "Remote Defect Indicator (RDI)"},
+    {4, "Loss of Signal (LOS)"}, {5, "Loss of Pointer (LOP)"}, {6, "Loss of Framer (LOF)"}, {7, "Loopback Cells (LB)"},
+    {8, "Continuity Check (CC)"}});
+constexpr auto kAlarm = Rows<Avp>({Number(2, "Circuit Status Reason", kReasonNames), Number(2, "Alarm", kAlarmNames)});
+constexpr auto kLinkNames = SortedNames({{0, "ATM AAL5"}, {1, "Ethernet"}});
+constexpr auto kTaggingNames = SortedNames({{0, "Not Available"}, {1, "Untagged Ethernet"}, {2, "Single-Tagged Ethernet"}});
+constexpr auto kLoopNames = SortedNames({
+    {0, "Not Available"}, {1, "PPPoA LLC"}, {2, "PPPoA Null"}, {3, "IPoA LLC"}, {4, "IPoA Null"},
+    {5, "Ethernet over AAL5 LLC with FCS"}, {6, "Ethernet over AAL5 LLC without FCS"},
+    {7, "Ethernet over AAL5 Null with FCS"}, {8, "Ethernet over AAL5 Null without FCS"}});
+constexpr auto kLoop = Rows<Avp>({
+    Number(1, "Data Link", kLinkNames), Number(1, "Encapsulation 1", kTaggingNames), Number(1, "Encapsulation 2", kLoopNames)});
+
 void ShowWires(const Place& in, Cursor& c, Avp& avp) {
   Loop loop;
   while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Avp>(in, c, kWire, avp);
@@ -129,8 +154,8 @@ constexpr auto kAvps = Choices<Avp>({
     {15, "Call Serial Number", kNumber}, {16, "Minimum BPS", kNumber}, {17, "Maximum BPS", kNumber},
     {18, "Bearer Type", kBearer}, {19, "Framing Type", kFraming}, {21, "Called Number", kText},
     {22, "Calling Number", kText}, {23, "Sub-Address", kText}, {24, "Connect Speed", kNumber},
-    {25, "Physical Channel ID", kIdentifier}, {26, "Initial Received LCP CONFREQ", kBytes},
-    {27, "Last Sent LCP CONFREQ", kBytes}, {28, "Last Received LCP CONFREQ", kBytes},
+    {25, "Physical Channel ID", kIdentifier}, {26, "Initial Received LCP CONFREQ", {}, ShowLinkOptions},
+    {27, "Last Sent LCP CONFREQ", {}, ShowLinkOptions}, {28, "Last Received LCP CONFREQ", {}, ShowLinkOptions},
     {29, "Proxy Authen Type", kProxyType}, {30, "Proxy Authen Name", kText}, {31, "Proxy Authen Challenge", kBytes},
     {32, "Proxy Authen ID", kProxyId}, {33, "Proxy Authen Response", kBytes}, {34, "Call Errors", kCounters},
     {35, "ACCM", kCharacterMap}, {36, "Random Vector", kBytes}, {37, "Private Group ID", kText},
@@ -143,10 +168,10 @@ constexpr auto kAvps = Choices<Avp>({
     {73, "Control Message Authentication Nonce", kBytes}, {74, "Transmit Connect Speed", kLong},
     {75, "Receive Connect Speed", kLong}, {76, "Failover Capability", kFailover}, {77, "Tunnel Recovery", kRecovery},
     {78, "Suggested Control Sequence", kSuggested}, {79, "Failover Session State", kFailoverState},
-    {80, "Multicast Capability", kBytes}, {81, "New Outgoing Sessions", kBytes},
-    {82, "New Outgoing Sessions Acknowledgement", kBytes}, {83, "Withdraw Outgoing Sessions", kBytes},
+    {80, "Multicast Capability", kBytes}, {81, "New Outgoing Sessions", {}, ShowSessions},
+    {82, "New Outgoing Sessions Acknowledgement", {}, ShowSessions}, {83, "Withdraw Outgoing Sessions", {}, ShowSessions},
     {84, "Multicast Packets Priority", kShort}, {85, "Frame Relay Header Length", kShort},
-    {86, "ATM Maximum Concatenated Cells", kShort}, {87, "OAM Emulation Required"}, {88, "ATM Alarm Status", kBytes},
+    {86, "ATM Maximum Concatenated Cells", kShort}, {87, "OAM Emulation Required"}, {88, "ATM Alarm Status", kAlarm},
     {89, "Attachment Group Identifier", kBytes}, {90, "Local End Identifier", kBytes},
     {91, "Interface Maximum Transmission Unit", kShort}, {92, "FCS Retention", kShort},
     {93, "Tunnel Switching Aggregator ID", kText}, {94, "Maximum Receive Unit", kShort},
@@ -162,23 +187,67 @@ constexpr auto kLineAvps = Choices<Avp>({
     {136, "Maximum Data Rate Downstream", kLong}, {137, "Minimum Low-Power Data Rate Upstream", kLong},
     {138, "Minimum Low-Power Data Rate Downstream", kLong}, {139, "Maximum Interleaving Delay Upstream", kNumber},
     {140, "Actual Interleaving Delay Upstream", kNumber}, {141, "Maximum Interleaving Delay Downstream", kNumber},
-    {142, "Actual Interleaving Delay Downstream", kNumber}, {144, "Access Loop Encapsulation", kBytes},
+    {142, "Actual Interleaving Delay Downstream", kNumber}, {144, "Access Loop Encapsulation", kLoop},
     {145, "ANCP Access Line Type", kNumber}, {254, "IWF Session", kBytes}});
 
-// CableLabs' downstream external PHY interface (DEPI, CM-SP-DEPI).
+// CableLabs' downstream external PHY interface (DEPI, CM-SP-DEPI). Values of a channel start with a bit that locks them.
+constexpr auto kModulationNames = SortedNames({{0, "64-QAM"}, {1, "256-QAM"}});
+constexpr auto kAnnexNames = SortedNames({{0, "Annex A"}, {1, "Annex B"}, {2, "Annex C"}});
+constexpr auto kFlow = Rows<Avp>({Word(1), Bits(0, 2, "Reserved"), Bits(2, 6, "PHB ID")});
+constexpr auto kFlowPort = Rows<Avp>({
+    Word(1), Bits(0, 2, "Reserved"), Bits(2, 6, "PHB ID"), Word(1), Bits(0, 5, "Reserved"), Bits(5, 3, "Flow ID"),
+    Number(2, "UDP Destination Port")});
+constexpr auto kSync = Rows<Avp>({
+    Word(1), Bits(0, 7, "Reserved"), Flag(7, "SYNC Messages Enabled"), Number(1, "SYNC Interval")});
+constexpr auto kCapabilities = Rows<Avp>({Hex(2, nullptr)});
+constexpr auto kGroup = Rows<Avp>({Word(2), Flag(0, "Locked"), Bits(1, 7, "TSID Group"), Bits(8, 8, "Reserved")});
+constexpr auto kStream = Rows<Avp>({Number(2, "Transport Stream ID (TSID)")});
+constexpr auto kLocked = Rows<Avp>({Word(2), Flag(0, "Locked"), Bits(1, 15, "Reserved")});
+constexpr auto kFrequency = Rows<Avp>({Number(4, "Frequency", " Hz").Note(": %u Hz")});
+constexpr auto kPower = Rows<Avp>({Number(2, "Power", " x 0.1 dBmV")});
+constexpr auto kModulation = Rows<Avp>({
+    Word(2), Flag(0, "Locked"), Bits(1, 11, "Reserved"), Bits(12, 4, "Modulation", kModulationNames)});
+constexpr auto kAnnex = Rows<Avp>({Word(2), Flag(0, "Locked"), Bits(1, 11, "Reserved"), Bits(12, 4, "Annex", kAnnexNames)});
+constexpr auto kSymbolRate = Rows<Avp>({Number(2, "Numerator (M)"), Number(2, "Denominator (N)")});
+constexpr auto kInterleaver = Rows<Avp>({Number(1, "Taps (I)"), Number(1, "Increment (J)")});
+constexpr auto kMuting = Rows<Avp>({Word(2), Flag(0, "Locked"), Bits(1, 14, "Reserved"), Flag(15, "Muted")});
+void ShowEach(const Place& in, Cursor& c, int32_t size, RowSpan<Avp> rows, Avp& avp) {
+  Loop loop;
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Avp>(in, c, rows, avp);
+}
+void ShowFlows(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 1, kFlow, avp); }
+void ShowFlowPorts(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 4, kFlowPort, avp); }
+void ShowStreams(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 2, kStream, avp); }
+void ShowFrequency(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 4, kFrequency, avp); }
+void ShowPower(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 2, kPower, avp); }
+void ShowSymbolRate(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 4, kSymbolRate, avp); }
+void ShowInterleaver(const Place& in, Cursor& c, Avp& avp) { ShowEach(in, c, 2, kInterleaver, avp); }
 constexpr auto kCableAvps = Choices<Avp>({
-    {1, "DEPI Result Code", kShort}, {2, "DEPI Resource Allocation Request", kBytes},
-    {3, "DEPI Resource Allocation Reply", kBytes}, {4, "DEPI Local MTU", kShort}, {5, "DOCSIS SYNC Control", kBytes},
-    {6, "EQAM Capability Bits", kBytes}, {7, "DEPI Remote MTU", kShort}, {8, "DEPI Local UDP Port", kShort},
-    {9, "DPR Session Type", kBytes}, {10, "DPR Session Status", kBytes},
-    {100, "Downstream QAM Channel TSID Group", kBytes}, {101, "Downstream QAM Channel Frequency", kBytes},
-    {102, "Downstream QAM Channel Power", kBytes}, {103, "Downstream QAM Channel Modulation", kBytes},
-    {104, "Downstream QAM Channel J.83 Annex", kBytes}, {105, "Downstream QAM Channel Symbol Rate", kBytes},
-    {106, "Downstream QAM Channel Interleaver Depth", kBytes}, {107, "Downstream QAM Channel RF Block Muting", kBytes},
-    {200, "DEPI Redundancy Capabilities", kBytes}});
+    {1, "DEPI Result Code", kResult, ShowError}, {2, "DEPI Resource Allocation Request", {}, ShowFlows},
+    {3, "DEPI Resource Allocation Reply", {}, ShowFlowPorts}, {4, "DEPI Local MTU", kShort},
+    {5, "DOCSIS SYNC Control", kSync}, {6, "EQAM Capability Bits", kCapabilities}, {7, "DEPI Remote MTU", kShort},
+    {8, "DEPI Local UDP Port", kShort}, {9, "DPR Session Type", kBytes}, {10, "DPR Session Status", kBytes},
+    {100, "Downstream QAM Channel TSID Group", kGroup, ShowStreams},
+    {101, "Downstream QAM Channel Frequency", kLocked, ShowFrequency},
+    {102, "Downstream QAM Channel Power", kLocked, ShowPower}, {103, "Downstream QAM Channel Modulation", kModulation},
+    {104, "Downstream QAM Channel J.83 Annex", kAnnex},
+    {105, "Downstream QAM Channel Symbol Rate", kLocked, ShowSymbolRate},
+    {106, "Downstream QAM Channel Interleaver Depth", kLocked, ShowInterleaver},
+    {107, "Downstream QAM Channel RF Block Muting", kMuting}, {200, "DEPI Redundancy Capabilities", kBytes}});
+
+// Those of version 3 under Cisco's number, as they were before the standard gave them its own.
+constexpr auto kDraftVersion = Rows<Avp>({Number(2, nullptr).Note(": %u")});
+constexpr auto kCiscoAvps = Choices<Avp>({
+    {0, "Acknowledgment"}, {1, "Assigned Control Connection ID", kIdentifier},
+    {2, "Pseudowire Capabilities List", {}, ShowWires}, {3, "Local Session ID", kIdentifier},
+    {4, "Remote Session ID", kIdentifier}, {5, "Assigned Cookie", kBytes}, {6, "Remote End ID", kText},
+    {7, "Pseudowire Type", {}, ShowWires}, {8, "Circuit Status", kCircuit}, {9, "Session Tie Breaker", kWide},
+    {10, "Draft AVP Version", kDraftVersion}, {12, "Message Digest", kDigest},
+    {13, "Control Message Authentication Nonce", kBytes}, {14, "Interface Maximum Transmission Unit", kShort}});
 
 const Choice<Avp>* FindAvp(uint32_t vendor, uint32_t type) {
   if (vendor == 0) return FindChoice<Avp>(kAvps, type);
+  if (vendor == kCisco) return FindChoice<Avp>(kCiscoAvps, type);
   if (vendor == kCableLabs) return FindChoice<Avp>(kCableAvps, type);
   return vendor == kBroadbandForum ? FindChoice<Avp>(kLineAvps, type) : nullptr;
 }

@@ -10,32 +10,54 @@
 #include "decoders/link/llc.h"
 #include "decoders/link/medium.h"
 #include "decoders/link/ppp.h"
+#include "decoders/link/ppp_compression.h"
 
 namespace qxview {
 namespace {
 
 constexpr uint32_t kAllStations = 0xFF, kUnnumberedInformation = 0x03;
-constexpr uint32_t kOsi = 0x0023, kBridging = 0x0031, kMultilink = 0x003D;
+constexpr uint32_t kOsi = 0x0023, kBridging = 0x0031, kMultilink = 0x003D, kEncrypted = 0x0053, kCompressed = 0x00FD;
 
 constexpr auto kProtocolNames = SortedNames({
     {0x0001, "Padding"}, {0x0003, "ROHC Small CID"}, {0x0005, "ROHC Large CID"}, {0x0021, "IP"}, {0x0023, "OSI"},
     {0x0025, "XNS IDP"}, {0x0027, "DECnet Phase IV"}, {0x0029, "AppleTalk"}, {0x002B, "NetWare IPX"},
-    {0x002D, "Van Jacobson Compressed TCP/IP"}, {0x002F, "Van Jacobson Uncompressed TCP/IP"},
-    {0x0031, "Bridging PDU"}, {0x0033, "Stream Protocol"}, {0x0035, "VINES"}, {0x003D, "Multilink"},
-    {0x003F, "NetBIOS"}, {0x004B, "SNA over 802.2"}, {0x004D, "SNA"}, {0x004F, "IPv6 Header Compression"},
-    {0x0053, "Encrypted Data"}, {0x0055, "Link Encrypted Data"}, {0x0057, "IPv6"}, {0x0059, "PPP Mux"},
-    {0x0061, "RTP Full Header"}, {0x0063, "RTP Compressed TCP"}, {0x0065, "RTP Compressed Non-TCP"},
-    {0x0067, "RTP Compressed UDP 8"}, {0x0069, "RTP Compressed RTP 8"}, {0x00FB, "Link Compressed Data"},
+    {0x002D, "Van Jacobson Compressed TCP/IP"}, {0x002F, "Van Jacobson Uncompressed TCP/IP"}, {0x0031, "Bridging PDU"},
+    {0x0033, "Stream Protocol"}, {0x0035, "VINES"}, {0x0039, "AppleTalk EDDP"}, {0x003B, "AppleTalk SmartBuffered"},
+    {0x003D, "Multilink"}, {0x003F, "NetBIOS"}, {0x0041, "Cisco Systems"}, {0x0043, "Ascom Timeplex"},
+    {0x0045, "Fujitsu LBLB"}, {0x0047, "DCA Remote LAN"}, {0x0049, "SDTP"}, {0x004B, "SNA over 802.2"}, {0x004D, "SNA"},
+    {0x004F, "IPv6 Header Compression"}, {0x0051, "KNX Bridging Data"}, {0x0053, "Encrypted Data"},
+    {0x0055, "Link Encrypted Data"}, {0x0057, "IPv6"}, {0x0059, "PPP Mux"}, {0x005B, "VSNP"},
+    {0x005D, "TRILL Network Protocol"}, {0x0061, "RTP Full Header"}, {0x0063, "RTP Compressed TCP"},
+    {0x0065, "RTP Compressed Non-TCP"}, {0x0067, "RTP Compressed UDP 8"}, {0x0069, "RTP Compressed RTP 8"},
+    {0x006F, "Stampede Bridging"}, {0x0073, "MP+"}, {0x00C1, "NTCITS IPI"}, {0x00FB, "Link Compressed Data"},
     {0x00FD, "Compressed Data"}, {0x0201, "802.1D Hello"}, {0x0203, "IBM Source Routing BPDU"},
-    {0x0205, "DEC LAN Bridge"}, {0x0207, "CDP"}, {0x0281, "MPLS Unicast"}, {0x0283, "MPLS Multicast"},
-    {0x2063, "RTP Compressed TCP No Delta"}, {0x2065, "RTP Context State"}, {0x2067, "RTP Compressed UDP 16"},
-    {0x2069, "RTP Compressed RTP 16"}, {0x4021, "Stacker LZS"}, {0x8021, "IPCP"}, {0x8023, "OSINLCP"},
-    {0x8025, "XNSCP"}, {0x8027, "DNCP"}, {0x8029, "ATCP"}, {0x802B, "IPXCP"}, {0x8031, "BCP"}, {0x8033, "SDCP"},
-    {0x8035, "BVCP"}, {0x803D, "MLCP"}, {0x803F, "NBFCP"}, {0x804B, "SNA802CP"}, {0x804D, "SNACP"},
-    {0x804F, "IP6HCCP"}, {0x8053, "ECP"}, {0x8055, "ILECP"}, {0x8057, "IPV6CP"}, {0x8059, "MUXCP"},
-    {0x80FB, "ILCCP"}, {0x80FD, "CCP"}, {0x8207, "CDPCP"}, {0x8281, "MPLSCP"}, {0xC021, "LCP"}, {0xC023, "PAP"},
-    {0xC025, "LQR"}, {0xC027, "SPAP"}, {0xC029, "CBCP"}, {0xC02B, "BACP"}, {0xC02D, "BAP"}, {0xC223, "CHAP"},
-    {0xC225, "RSA Authentication"}, {0xC227, "EAP"}});
+    {0x0205, "DEC LAN Bridge"}, {0x0207, "CDP"}, {0x0209, "Netcs Twin Routing"},
+    {0x020B, "Scheduled Transfer Protocol"}, {0x020D, "EDP"}, {0x0211, "OSCP"}, {0x0213, "OSCP"}, {0x0231, "Luxcom"},
+    {0x0233, "Sigma Network Systems"}, {0x0235, "Apple Client Server Protocol"}, {0x0281, "MPLS Unicast"},
+    {0x0283, "MPLS Multicast"}, {0x0285, "IEEE 1284.4 Data"}, {0x0287, "TETRA Network Protocol"},
+    {0x0289, "Multichannel Flow Treatment Protocol"}, {0x2063, "RTP Compressed TCP No Delta"},
+    {0x2065, "RTP Context State"}, {0x2067, "RTP Compressed UDP 16"}, {0x2069, "RTP Compressed RTP 16"},
+    {0x4001, "Cray Communications Control Protocol"}, {0x4003, "CDPD Mobile Network Registration Protocol"},
+    {0x4005, "Expand Accelerator Protocol"}, {0x4007, "ODSICP NCP"}, {0x4009, "DOCSIS DLL"},
+    {0x400B, "Cetacean Network Detection Protocol"}, {0x4021, "Stacker LZS"}, {0x4023, "RefTek Protocol"},
+    {0x4025, "Fibre Channel"}, {0x4027, "OpenDOF"}, {0x405B, "VSP"}, {0x405D, "TRILL Link State Protocol"},
+    {0x8021, "IPCP"}, {0x8023, "OSINLCP"}, {0x8025, "XNSCP"}, {0x8027, "DNCP"}, {0x8029, "ATCP"}, {0x802B, "IPXCP"},
+    {0x8031, "BCP"}, {0x8033, "Stream Protocol Control Protocol"}, {0x8035, "BVCP"}, {0x803D, "MLCP"},
+    {0x803F, "NBFCP"}, {0x8041, "Cisco Systems Control Protocol"}, {0x8043, "Ascom Timeplex Control Protocol"},
+    {0x8045, "Fujitsu LBLB Control Protocol"}, {0x8047, "RLNCP"}, {0x8049, "SDCP"}, {0x804B, "SNA802CP"},
+    {0x804D, "SNACP"}, {0x804F, "IP6HCCP"}, {0x8051, "KNX Bridging Control Protocol"}, {0x8053, "ECP"},
+    {0x8055, "ILECP"}, {0x8057, "IPV6CP"}, {0x8059, "MUXCP"}, {0x805B, "VSNCP"},
+    {0x805D, "TRILL Network Control Protocol"}, {0x806F, "Stampede Bridging Control Protocol"},
+    {0x8073, "MP+ Control Protocol"}, {0x80C1, "NTCITS IPI Control Protocol"}, {0x80FB, "ILCCP"}, {0x80FD, "CCP"},
+    {0x8207, "CDPCP"}, {0x8209, "Netcs Twin Routing Control Protocol"}, {0x820B, "Scheduled Transfer Control Protocol"},
+    {0x820D, "EDPCP"}, {0x8235, "Apple Client Server Protocol Control"}, {0x8281, "MPLSCP"},
+    {0x8285, "IEEE 1284.4 Protocol Control"}, {0x8287, "TETRA Network Control Protocol"},
+    {0x8289, "Multichannel Flow Treatment Control Protocol"}, {0xC021, "LCP"}, {0xC023, "PAP"}, {0xC025, "LQR"},
+    {0xC027, "SPAP"}, {0xC029, "CBCP"}, {0xC02B, "BACP"}, {0xC02D, "BAP"}, {0xC05B, "VSAP"},
+    {0xC081, "Container Control Protocol"}, {0xC223, "CHAP"}, {0xC225, "RSA Authentication"}, {0xC227, "EAP"},
+    {0xC229, "Mitsubishi SIEP"}, {0xC26F, "Stampede Bridging Authorization Protocol"},
+    {0xC281, "Proprietary Authentication Protocol"}, {0xC283, "Proprietary Authentication Protocol"},
+    {0xC481, "Proprietary Node ID Authentication Protocol"}});
 
 // Network protocols that have an Ethertype.
 struct NetworkProtocol {
@@ -134,6 +156,8 @@ int32_t DispatchPppProtocol(const Place& in, const Place& network, Cursor c, uin
   FormatInto(title.text, sizeof title.text, "%s Data", name);
   DecoderFunction decode = FindPppControl(protocol);
   if (!decode) decode = FindPppLink(protocol);
+  if (protocol == kCompressed) decode = DecodePppCompressed;
+  if (protocol == kEncrypted) decode = DecodePppEncrypted;
   return CallDecoder(network, c, decode, title.text);
 }
 

@@ -7,6 +7,8 @@
 #include "core/elements.h"
 #include "core/line_facts.h"
 #include "decoders/link/ppp.h"
+#include "decoders/link/ppp_compression.h"
+#include "decoders/states.h"
 
 namespace qxview {
 namespace {
@@ -277,6 +279,15 @@ constexpr auto kBacpOptions = Choices<Control>({{1, "Favored-Peer", kMagicOption
 constexpr auto kDefaultProtocol = Rows<Control>({Hex(2, "Default Protocol", PppProtocolName).Note(": %s")});
 constexpr auto kMuxcpOptions = Choices<Control>({{1, "Default PID", kDefaultProtocol}});
 
+// Serial data (SDCP, RFC 1963). XNSCP (RFC 1764), DNCP (RFC 1762) and SNACP (RFC 2043) have no options.
+constexpr auto kSerialByte = Rows<Control>({Number(1, nullptr).Note(": %u")});
+constexpr auto kSerialSize = Rows<Control>({Number(2, nullptr, " bytes").Note(": %u bytes")});
+constexpr auto kSerialTime = Rows<Control>({Number(4, nullptr).Note(": %u")});
+constexpr auto kSdcpOptions = Choices<Control>({
+    {1, "Packet-Format", kSerialByte}, {2, "Header-Type", kSerialByte}, {3, "Length-Field-Present"}, {4, "Multi-Port"},
+    {5, "Transport-Mode", kSerialByte}, {6, "Maximum-Frame-Size", kSerialSize}, {7, "Allow-Odd-Frames"},
+    {8, "FCS-Type", kSerialByte}, {9, "Flow-Expiration-Time", kSerialTime}});
+
 // What stands behind the header of other codes than those with options.
 void ShowLinkBody(const Place& in, Cursor& c, Control& control) {
   const auto show = [&](RowSpan<Control> rows) { ShowRows<Control>(in, c, rows, control); };
@@ -354,8 +365,15 @@ int32_t DecodeBcp(const Place& at, Cursor c) {
   const KeyedAs keys(PacketOf(at), "bcp");
   return ShowControl(at, c, "BCP", kBcpOptions);
 }
+// The algorithm that one end acknowledges is what the other one sends from then on.
 int32_t DecodeCcp(const Place& at, Cursor c) {
   const KeyedAs keys(PacketOf(at), "ccp");
+  constexpr uint32_t kAck = 2;
+  int32_t direction;
+  const PacketState& packet = PacketOf(at);
+  if (PeekU8(c) == kAck && Left(c) > kHeaderSize && !packet.quoted) {
+    Remember(at.view, kPppCompressions, ConnectionOf(packet, &direction), {PeekU8(c, kHeaderSize), 0});
+  }
   return ShowControl(at, c, "CCP", kCcpOptions);
 }
 int32_t DecodeEcp(const Place& at, Cursor c) {
@@ -390,12 +408,34 @@ int32_t DecodeBvcp(const Place& at, Cursor c) {
   const KeyedAs keys(PacketOf(at), "bvcp");
   return ShowControl(at, c, "BVCP", kBvcpOptions);
 }
+int32_t DecodeSdcp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "sdcp");
+  return ShowControl(at, c, "SDCP", kSdcpOptions);
+}
+int32_t DecodeXnscp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "pppcp");
+  return ShowControl(at, c, "XNSCP", {});
+}
+int32_t DecodeDncp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "pppcp");
+  return ShowControl(at, c, "DNCP", {});
+}
+int32_t DecodeSnacp(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "pppcp");
+  return ShowControl(at, c, "SNACP", {});
+}
 int32_t DecodeOtherControl(const Place& at, Cursor c) {
   const KeyedAs keys(PacketOf(at), "pppcp");
   return ShowControl(at, c, "PPP Control Protocol", {});
 }
 
 }  // namespace
+
+void ShowLcpOptions(const Place& in, Cursor& c) {
+  const KeyedAs keys(PacketOf(in), "lcp");
+  Control control{};
+  ShowElements<Control>(in, c, kOptionForm, "Option", kLcpOptions, control);
+}
 
 DecoderFunction FindPppControl(uint32_t protocol) {
   switch (protocol) {
@@ -417,13 +457,30 @@ DecoderFunction FindPppControl(uint32_t protocol) {
     case 0x8059: return DecodeMuxcp;
     case 0x803F: return DecodeNbfcp;
     case 0x8035: return DecodeBvcp;
-    case 0x8025:
-    case 0x8027:
+    case 0x8025: return DecodeXnscp;
+    case 0x8027: return DecodeDncp;
+    case 0x8049: return DecodeSdcp;
+    case 0x804B:
+    case 0x804D: return DecodeSnacp;
     case 0x8033:
     case 0x803D:
-    case 0x804B:
-    case 0x804D:
-    case 0x804F: return DecodeOtherControl;
+    case 0x8041:
+    case 0x8043:
+    case 0x8045:
+    case 0x8047:
+    case 0x804F:
+    case 0x8051:
+    case 0x805D:
+    case 0x806F:
+    case 0x8073:
+    case 0x80C1:
+    case 0x8209:
+    case 0x820B:
+    case 0x820D:
+    case 0x8235:
+    case 0x8285:
+    case 0x8287:
+    case 0x8289: return DecodeOtherControl;
     default: return nullptr;
   }
 }

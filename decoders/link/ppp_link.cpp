@@ -1,4 +1,4 @@
-// Protocols of PPP that keep a link going: authentication by password (PAP, RFC 1334), by challenge (CHAP, RFC 1994) and by
+// Protocols of PPP that keep a link going: authentication by password (PAP, RFC 1334; SPAP), by challenge (CHAP, RFC 1994) and by
 // EAP (RFC 3748), callback (CBCP), reports of quality (RFC 1989), bandwidth on demand (BAP, RFC 2125), several small packets in
 // a frame (PPPMux, RFC 3153), and TCP/IP with Van Jacobson's compressed headers (RFC 1144).
 #include <cstring>
@@ -77,6 +77,20 @@ int32_t DecodeChap(const Place& at, Cursor c) {
   }
   body.ranShort = false;
   AddBlock(in, Rest(body), "CHAP Data");
+  CoverBytes(in, c);
+  return 1;
+}
+
+// Shiva's authentication has no public layout behind the header that protocols of PPP share.
+constexpr auto kShivaHeader = Rows<Link>({
+    Number(1, "Code").Into(&Link::code), Number(1, "Identifier"), Number(2, "Length").Into(&Link::length)});
+int32_t DecodeShiva(const Place& at, Cursor c) {
+  const KeyedAs keys(PacketOf(at), "spap");
+  if (Left(c) < kHeaderSize) return 0;
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "SPAP: Code %u, Identifier %u", PeekU8(c), PeekU8(c, 1)));
+  const Link link = ShowRows(in, c, kShivaHeader);
+  Cursor body = TakeCursor(c, static_cast<int64_t>(link.length.value) - kHeaderSize);
+  AddBlock(in, Rest(body), "SPAP Data");
   CoverBytes(in, c);
   return 1;
 }
@@ -298,6 +312,7 @@ DecoderFunction FindPppLink(uint32_t protocol) {
   switch (protocol) {
     case 0xC023: return DecodePap;
     case 0xC223: return DecodeChap;
+    case 0xC027: return DecodeShiva;
     case 0xC227: return DecodePppEap;
     case 0xC029: return DecodeCallback;
     case 0xC025: return DecodeQualityReport;

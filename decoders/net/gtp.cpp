@@ -12,6 +12,7 @@
 #include "decoders/common/ahead_cut.h"
 #include "decoders/common/mobile_identity.h"
 #include "decoders/link/carried.h"
+#include "decoders/net/gtp_parts.h"
 
 namespace qxview {
 namespace {
@@ -20,17 +21,6 @@ constexpr uint32_t kData = 255, kEndMarker = 254;
 constexpr uint32_t kPduSession = 0x85;
 
 constexpr auto kProtocolNames = SortedNames({{0, "GTP'"}, {1, "GTP"}});
-constexpr auto kExtensionNames = SortedNames({
-    {0x00, "No More Extension Headers"}, {0x01, "MBMS Support Indication"},
-    {0x02, "MS Info Change Reporting Support Indication"}, {0x03, "Long PDCP PDU Number"},
-    {0x20, "Service Class Indicator"}, {0x40, "UDP Port"}, {0x81, "RAN Container"}, {0x82, "Long PDCP PDU Number"},
-    {0x83, "Xw RAN Container"}, {0x84, "NR RAN Container"}, {0x85, "PDU Session Container"},
-    {0xC0, "PDCP PDU Number"}, {0xC1, "Suspend Request"}, {0xC2, "Suspend Response"}});
-constexpr auto kSessionNames = SortedNames({
-    {0, "Downlink PDU Session Information"}, {1, "Uplink PDU Session Information"}});
-constexpr auto kRanNames = SortedNames({
-    {0, "Downlink User Data"}, {1, "Downlink Data Delivery Status"}, {2, "Assistance Information Data"}});
-
 struct Gtp {
   Field flags, type, length, tunnel, next, session;
 };
@@ -41,7 +31,7 @@ constexpr auto kHeader1 = Rows<Gtp>({
     Hex(4, "Tunnel Endpoint Identifier (TEID)").Into(&Gtp::tunnel)});
 constexpr auto kOptional = Rows<Gtp>({
     Number(2, "Sequence Number"), Number(1, "N-PDU Number"),
-    Hex(1, "Next Extension Header Type", kExtensionNames).Into(&Gtp::next)});
+    Hex(1, "Next Extension Header Type", GtpExtensionName).Into(&Gtp::next)});
 constexpr auto kHeader0 = Rows<Gtp>({
     Hex(1, "Flags"), Bits(0, 3, "Version"), Bits(3, 1, "Protocol Type", kProtocolNames), Bits(4, 3, "Reserved"),
     Flag(7, "SNDCP N-PDU Number Present"), Number(1, "Message Type", GtpMessageName).Into(&Gtp::type),
@@ -52,54 +42,6 @@ constexpr auto kHeaderPrime = Rows<Gtp>({
     Bits(7, 1, "Header Length Bit"), Number(1, "Message Type", GtpMessageName).Into(&Gtp::type),
     Number(2, "Length").Into(&Gtp::length), Number(2, "Sequence Number").Note(", Sequence %u")});
 constexpr auto kSpare = Rows<Gtp>({Bytes(14, "Spare")});
-
-// What extension headers hold; their length counts in words of four bytes.
-constexpr auto kLength = Rows<Gtp>({Number(1, "Extension Header Length", " words")});
-constexpr auto kNext = Rows<Gtp>({Hex(1, "Next Extension Header Type", kExtensionNames).Into(&Gtp::next)});
-constexpr auto kServiceClass = Rows<Gtp>({Hex(1, "Service Class Indicator"), Hex(1, "Spare")});
-constexpr auto kPort = Rows<Gtp>({Number(2, "UDP Port")});
-constexpr auto kPdcp = Rows<Gtp>({Number(2, "PDCP PDU Number")});
-constexpr auto kLongPdcp = Rows<Gtp>({
-    Word(3), Bits(0, 6, "Spare"), Bits(6, 18, "Long PDCP PDU Number"), Hex(3, "Spare")});
-constexpr auto kDownlink = Rows<Gtp>({
-    Word(1), Bits(0, 4, "PDU Type", kSessionNames), Flag(4, "QoS Monitoring Packet"), Flag(5, "Sequence Number Presence"),
-    Flag(6, "MBS Sequence Number Presence"), Bits(7, 1, "Spare"), Word(1), Flag(0, "Paging Policy Presence (PPP)"),
-    Flag(1, "Reflective QoS Indicator (RQI)"), Bits(2, 6, "QoS Flow Identifier (QFI)")});
-constexpr auto kUplink = Rows<Gtp>({
-    Word(1), Bits(0, 4, "PDU Type", kSessionNames), Flag(4, "QoS Monitoring Packet"), Flag(5, "Downlink Delay Indication"),
-    Flag(6, "Uplink Delay Indication"), Flag(7, "Sequence Number Presence"), Word(1), Flag(0, "N3/N9 Delay Indication"),
-    Flag(1, "New IE Flag"), Bits(2, 6, "QoS Flow Identifier (QFI)")});
-constexpr auto kPaging = Rows<Gtp>({Word(1), Bits(0, 3, "Paging Policy Indicator (PPI)"), Bits(3, 5, "Spare")});
-constexpr auto kRan = Rows<Gtp>({Word(1), Bits(0, 4, "PDU Type", kRanNames), Bits(4, 4, "Flags")});
-
-void ShowSession(const Place& in, Cursor& c, Gtp& gtp) {
-  const bool isDownlink = PeekU8(c) >> 4 == 0, hasPaging = PeekU8(c, 1) & 0x80;
-  ShowRows<Gtp>(in, c, isDownlink ? RowSpan<Gtp>(kDownlink) : RowSpan<Gtp>(kUplink), gtp);
-  if (isDownlink && hasPaging) ShowRows<Gtp>(in, c, kPaging, gtp);
-  const Field rest = Rest(c);
-  if (rest.here) AddLine(in, rest, "Padding: %s", HexText(rest));
-}
-constexpr auto kExtensions = Choices<Gtp>({
-    {0x03, "Long PDCP PDU Number", kLongPdcp}, {0x20, "Service Class Indicator", kServiceClass}, {0x40, "UDP Port", kPort},
-    {0x82, "Long PDCP PDU Number", kLongPdcp}, {0x84, "NR RAN Container", kRan},
-    {0x85, "PDU Session Container", {}, ShowSession}, {0xC0, "PDCP PDU Number", kPdcp}});
-
-// Each extension header ends with the type of the next.
-void ShowExtensions(const Place& at, Cursor& c, Gtp& gtp) {
-  Loop loop;
-  while (gtp.next.value != 0 && PeekU8(c) != 0 && MoreAt(at, c, loop)) {
-    const int32_t size = static_cast<int32_t>(PeekU8(c)) * 4;
-    Cursor header = TakeCursor(c, size);
-    const uint32_t type = gtp.next.value;
-    gtp.next = Field{};
-    const Place in = Under(at, AddLine(at, Ahead(header, Left(header)), "Extension Header: %s",
-                                       LookupName(kExtensionNames, type)));
-    ShowRows<Gtp>(in, header, kLength, gtp);
-    Cursor body = TakeCursor(header, size - 2);
-    ShowChoice<Gtp>(in, body, FindChoice<Gtp>(kExtensions, type), gtp);
-    ShowRows<Gtp>(in, header, kNext, gtp);
-  }
-}
 
 int32_t DecodeUserData(const Place& network, const Cursor& c, bool isSession) {
   constexpr uint32_t kPppFraming = 0xFF03;
@@ -121,7 +63,7 @@ int32_t DecodeVersion1(const Place& at, Cursor c) {
   body.begin = c.begin;
   if (flags & kAnyOptional) ShowRows<Gtp>(in, body, kOptional, gtp);
   const bool isSession = gtp.next.value == kPduSession;
-  if (flags & kHasExtension) ShowExtensions(in, body, gtp);
+  if (flags & kHasExtension) ShowGtpExtensions(in, body, gtp.next.value);
   if (type == kData || type == kEndMarker) {
     CoverBytes(in, body);
     return DecodeUserData(Deeper(at), body, isSession);

@@ -38,7 +38,62 @@ constexpr auto kQuintuplet = Rows<GtpElement>({
 constexpr auto kReception = Rows<GtpElement>({
     Number(1, "Split PG Cycle Code"), Word(1), Bits(0, 4, "DRX Cycle Length Coefficient"), Flag(4, "Split on CCCH"),
     Bits(5, 3, "Non-DRX Timer")});
-constexpr auto kCapability = Rows<GtpElement>({Counted(1, Bytes(0, "MS Network Capability"))});
+// What a mobile can do in GPRS (TS 24.008 10.5.5.12) and in LTE (TS 24.301 9.9.3.34); each release added an octet.
+constexpr auto kCapabilityLength = Rows<GtpElement>({Number(1, "MS Network Capability Length").Into(&GtpElement::length)});
+constexpr auto kCapability1 = Rows<GtpElement>({
+    Word(1), Flag(0, "GEA/1"), Flag(1, "Short Messages via Dedicated Channels"), Flag(2, "Short Messages via GPRS"),
+    Flag(3, "No Preference of UCS2"), Bits(4, 2, "SS Screening Indicator"), Flag(6, "SoLSA"), Flag(7, "Release 99")});
+constexpr auto kCapability2 = Rows<GtpElement>({
+    Word(1), Flag(0, "Packet Flow Procedures"), Flag(1, "GEA/2"), Flag(2, "GEA/3"), Flag(3, "GEA/4"), Flag(4, "GEA/5"),
+    Flag(5, "GEA/6"), Flag(6, "GEA/7"), Flag(7, "LCS Value Added")});
+constexpr auto kCapability3 = Rows<GtpElement>({
+    Word(1), Flag(0, "PS Handover to UTRAN Iu"), Flag(1, "PS Handover to E-UTRAN S1"), Flag(2, "EMM Combined Procedures"),
+    Flag(3, "ISR"), Flag(4, "SRVCC to GERAN/UTRAN"), Flag(5, "EPC"), Flag(6, "Notification"),
+    Flag(7, "GERAN Network Sharing")});
+constexpr auto kCapability4 = Rows<GtpElement>({
+    Word(1), Flag(0, "User Plane Integrity"), Flag(1, "GIA/4"), Flag(2, "GIA/5"), Flag(3, "GIA/6"), Flag(4, "GIA/7"),
+    Flag(5, "Extended PCO"), Flag(6, "Restriction of Enhanced Coverage"), Flag(7, "Dual Connectivity with NR")});
+constexpr auto kLteCiphers = Rows<GtpElement>({
+    Word(1), Flag(0, "EEA0"), Flag(1, "128-EEA1"), Flag(2, "128-EEA2"), Flag(3, "128-EEA3"), Flag(4, "EEA4"),
+    Flag(5, "EEA5"), Flag(6, "EEA6"), Flag(7, "EEA7")});
+constexpr auto kLteIntegrity = Rows<GtpElement>({
+    Word(1), Flag(0, "EIA0"), Flag(1, "128-EIA1"), Flag(2, "128-EIA2"), Flag(3, "128-EIA3"), Flag(4, "EIA4"),
+    Flag(5, "EIA5"), Flag(6, "EIA6"), Flag(7, "EPS-UPIP")});
+constexpr auto kUmtsCiphers = Rows<GtpElement>({
+    Word(1), Flag(0, "UEA0"), Flag(1, "UEA1"), Flag(2, "UEA2"), Flag(3, "UEA3"), Flag(4, "UEA4"), Flag(5, "UEA5"),
+    Flag(6, "UEA6"), Flag(7, "UEA7")});
+constexpr auto kUmtsIntegrity = Rows<GtpElement>({
+    Word(1), Flag(0, "No Preference of UCS2"), Flag(1, "UIA1"), Flag(2, "UIA2"), Flag(3, "UIA3"), Flag(4, "UIA4"),
+    Flag(5, "UIA5"), Flag(6, "UIA6"), Flag(7, "UIA7")});
+constexpr auto kLteFeatures1 = Rows<GtpElement>({
+    Word(1), Flag(0, "ProSe Direct Discovery"), Flag(1, "ProSe"), Flag(2, "H.245 after Handover"),
+    Flag(3, "Access Class Control for CSFB"), Flag(4, "LTE Positioning Protocol"), Flag(5, "Location Services"),
+    Flag(6, "1xCS SRVCC"), Flag(7, "Notification")});
+constexpr auto kLteFeatures2 = Rows<GtpElement>({
+    Word(1), Flag(0, "Extended PCO"), Flag(1, "Header Compression for Control Plane CIoT"),
+    Flag(2, "EMM Registration without PDN"), Flag(3, "S1-U Data Transfer"), Flag(4, "User Plane CIoT"),
+    Flag(5, "Control Plane CIoT"), Flag(6, "ProSe Relay"), Flag(7, "ProSe Direct Communication")});
+constexpr auto kLteFeatures3 = Rows<GtpElement>({
+    Word(1), Flag(0, "15 Bearers"), Flag(1, "Service Gap Control"), Flag(2, "N1 Mode"), Flag(3, "Dual Connectivity with NR"),
+    Flag(4, "Control Plane Backoff"), Flag(5, "Restriction of Enhanced Coverage"), Flag(6, "V2X over PC5"),
+    Flag(7, "Multiple User Plane Bearers")});
+constexpr RowSpan<GtpElement> kCapabilities[] = {kCapability1, kCapability2, kCapability3, kCapability4};
+constexpr RowSpan<GtpElement> kLteCapabilities[] = {
+    kLteCiphers, kLteIntegrity, kUmtsCiphers, kUmtsIntegrity, kLteFeatures1, kLteFeatures2, kLteFeatures3};
+template <size_t kCount>
+void ShowOctets(const Place& in, Cursor& c, const RowSpan<GtpElement> (&octets)[kCount], GtpElement& element) {
+  for (const RowSpan<GtpElement>& octet : octets) {
+    if (Left(c) > 0) ShowRows<GtpElement>(in, c, octet, element);
+  }
+  const Field spare = Rest(c);
+  if (spare.length > 0) AddLine(in, spare, "Spare: %s", HexText(spare));
+}
+void ShowLteCapability(const Place& in, Cursor& c, GtpElement& element) { ShowOctets(in, c, kLteCapabilities, element); }
+void ShowCapability(const Place& in, Cursor& c, GtpElement& element) {
+  ShowRows<GtpElement>(in, c, kCapabilityLength, element);
+  Cursor octets = TakeCursor(c, static_cast<int64_t>(element.length.value));
+  ShowOctets(in, octets, kCapabilities, element);
+}
 constexpr auto kContainer = Rows<GtpElement>({Counted(2, Bytes(0, "Container"))});
 
 void ShowVectors(const Place& at, Cursor& c, uint32_t count, bool isTriplet, GtpElement& element) {
@@ -60,7 +115,7 @@ void ShowMobility(const Place& in, Cursor& c, GtpElement& element) {
   ShowRows<GtpElement>(in, c, hasGsmKey ? RowSpan<GtpElement>(kGsmKey) : RowSpan<GtpElement>(kUmtsKeys), element);
   ShowVectors(in, c, vectors, mode == kTriplets, element);
   ShowRows<GtpElement>(in, c, kReception, element);
-  ShowRows<GtpElement>(in, c, kCapability, element);
+  ShowCapability(in, c, element);
   if (Left(c) >= 2) ShowRows<GtpElement>(in, c, kContainer, element);
 }
 
@@ -242,7 +297,8 @@ constexpr auto kElements = Choices<GtpElement>({
     {187, "MBMS Distribution Acknowledgement", kAcknowledged}, {188, "Reliable Inter-RAT Handover Info", kReliable},
     {192, "Evolved Allocation/Retention Priority II", kRetention}, {194, "User CSG Information", {}, ShowSubscriber},
     {195, "CSG Information Reporting Action", kReporting}, {196, "CSG ID", kGroupId},
-    {197, "CSG Membership Indication", kMember}, {201, "APN-AMBR with NSAPI", kBitRates},
+    {197, "CSG Membership Indication", kMember}, {199, "UE Network Capability", {}, ShowLteCapability},
+    {201, "APN-AMBR with NSAPI", kBitRates},
     {202, "GGSN Back-Off Time", kTimer}, {203, "Signalling Priority Indication", kLow},
     {204, "Signalling Priority Indication with NSAPI", kLowOfBearer}, {205, "Higher Bitrates than 16 Mbit/s", kHigher},
     {207, "Additional MM Context for SRVCC", kRadioContinuity}, {208, "Additional Flags for SRVCC", kCentralized},

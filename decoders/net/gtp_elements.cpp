@@ -89,26 +89,6 @@ void ShowGtpName(const Place& in, Cursor& c, GtpElement&) {
 
 namespace {
 
-
-// Protocol configuration (TS 24.008 10.5.6.3): packets of PPP's control protocols and containers by number.
-constexpr auto kOptionsHead = Rows<GtpElement>({
-    Word(1), Flag(0, "Extension"), Bits(1, 4, "Spare"), Bits(5, 3, "Configuration Protocol")});
-constexpr auto kContainer = Rows<GtpElement>({
-    Hex(2, "Container ID", kGtpContainerNames).Note(": %s").Into(&GtpElement::kind),
-    Number(1, "Container Length").Into(&GtpElement::length)});
-constexpr auto kContents = Rows<GtpElement>({Bytes(0, "Contents").SizedBy(&GtpElement::length)});
-void ShowOptions(const Place& in, Cursor& c, GtpElement& element) {
-  ShowRows<GtpElement>(in, c, kOptionsHead, element);
-  Loop loop;
-  while (Left(c) >= 3 && MoreAt(in, c, loop)) {
-    const int32_t size = 3 + static_cast<int32_t>(PeekU8(c, 2));
-    Cursor container = TakeCursor(c, size);
-    const Place under = Under(in, AddLine(in, Ahead(container, Left(container)), "Container"));
-    ShowRows<GtpElement>(under, container, kContainer, element);
-    if (Left(container) > 0) ShowRows<GtpElement>(under, container, kContents, element);
-  }
-}
-
 // Quality of service (TS 24.008 10.5.6.5) behind the priority; each release added to it.
 constexpr auto kQuality = Rows<GtpElement>({
     Number(1, "Allocation/Retention Priority"), Word(1), Bits(0, 2, "Spare"), Bits(2, 3, "Delay Class"),
@@ -168,6 +148,16 @@ constexpr auto kRates = Rows<GtpElement>({
     Number(4, "Aggregate Maximum Bit Rate for Uplink", " kbit/s"),
     Number(4, "Aggregate Maximum Bit Rate for Downlink", " kbit/s")});
 constexpr auto kPdu = Rows<GtpElement>({Bytes(0, nullptr)});
+
+// What is coded by another protocol, in packed encoding rules but for the GPRS protocol of base stations.
+void AddContainer(const Place& in, Cursor& c, const char* protocol) {
+  const Field bytes = Rest(c);
+  AddLine(in, bytes, "Container: %d bytes of %s", bytes.length, protocol);
+}
+void ShowRanap(const Place& in, Cursor& c, GtpElement&) { AddContainer(in, c, "RANAP"); }
+void ShowRrc(const Place& in, Cursor& c, GtpElement&) { AddContainer(in, c, "RRC"); }
+void ShowBssgp(const Place& in, Cursor& c, GtpElement&) { AddContainer(in, c, "BSSGP"); }
+void ShowCamel(const Place& in, Cursor& c, GtpElement&) { AddContainer(in, c, "CAMEL"); }
 constexpr auto kVendor = Rows<GtpElement>({Number(2, "Extension Identifier"), Bytes(0, "Extension Value")});
 constexpr auto kHeaderList = Rows<GtpElement>({Hex(1, "Extension Header Type")});
 void ShowHeaderList(const Place& in, Cursor& c, GtpElement& element) {
@@ -246,34 +236,6 @@ void ShowContext(const Place& in, Cursor& c, GtpElement& element) {
   if (Left(c) >= 2) ShowRows<GtpElement>(in, c, kTransaction, element);
 }
 
-// A traffic flow template (TS 24.008 10.5.6.12): packet filters of components by number.
-constexpr auto kTemplate = Rows<GtpElement>({
-    Word(1), Bits(0, 3, "TFT Operation", kGtpTemplateNames), Flag(3, "Parameter List Present"),
-    Bits(4, 4, "Packet Filters").Into(&GtpElement::count)});
-constexpr auto kFilter = Rows<GtpElement>({
-    Word(1), Bits(0, 2, "Spare"), Bits(2, 2, "Filter Direction", kGtpDirectionNames), Bits(4, 4, "Filter Identifier"),
-    Number(1, "Evaluation Precedence"), Number(1, "Filter Length").Into(&GtpElement::length)});
-constexpr auto kFilterBytes = Rows<GtpElement>({Bytes(0, "Filter Contents")});
-constexpr uint32_t kDeleteFilters = 5;
-constexpr auto kFilterId = Rows<GtpElement>({Number(1, "Filter Identifier")});
-void ShowTemplate(const Place& at, Cursor& c, GtpElement& element) {
-  const uint32_t operation = PeekU8(c) >> 5;
-  ShowRows<GtpElement>(at, c, kTemplate, element);
-  const uint32_t filters = element.count.value;
-  Loop loop;
-  for (uint32_t i = 0; i < filters && MoreAt(at, c, loop); ++i) {
-    if (operation == kDeleteFilters) {
-      ShowRows<GtpElement>(at, c, kFilterId, element);
-      continue;
-    }
-    const int32_t size = 3 + static_cast<int32_t>(PeekU8(c, 2));
-    Cursor filter = TakeCursor(c, size);
-    const Place in = Under(at, AddLine(at, Ahead(filter, Left(filter)), "Packet Filter %u", i + 1));
-    ShowRows<GtpElement>(in, filter, kFilter, element);
-    if (Left(filter) > 0) ShowRows<GtpElement>(in, filter, kFilterBytes, element);
-  }
-}
-
 constexpr auto kReports = Rows<GtpElement>({Number(1, nullptr, kGtpReportNames)});
 
 constexpr auto kElements = Choices<GtpElement>({
@@ -290,24 +252,26 @@ constexpr auto kElements = Choices<GtpElement>({
     {27, "Trace Reference", kShort}, {28, "Trace Type", kShort}, {29, "MS Not Reachable Reason", kByte},
     {126, "Packet Transfer Command", kCommand}, {127, "Charging ID", kIdentifier},
     {128, "End User Address", {}, ShowUser}, {130, "PDP Context", {}, ShowContext},
-    {131, "Access Point Name", {}, ShowGtpName}, {132, "Protocol Configuration Options", {}, ShowOptions},
+    {131, "Access Point Name", {}, ShowGtpName}, {132, "Protocol Configuration Options", {}, ShowGtpOptions},
     {133, "GSN Address", {}, ShowGtpAddress}, {134, "MSISDN", {}, ShowMobileNumber},
     {135, "Quality of Service Profile", {}, ShowQuality}, {136, "Authentication Quintuplet", kQuintuplet},
-    {137, "Traffic Flow Template", {}, ShowTemplate},
-    {139, "UTRAN Transparent Container", kPdu},
+    {137, "Traffic Flow Template", {}, ShowGtpTemplate},
+    {139, "UTRAN Transparent Container", {}, ShowRanap},
     {141, "Extension Header Type List", {}, ShowHeaderList}, {142, "Trigger ID", kPdu}, {143, "OMC Identity", kPdu},
-    {144, "RAN Transparent Container", kPdu}, {147, "SGSN Number", {}, ShowMobileNumber},
+    {144, "RAN Transparent Container", {}, ShowBssgp}, {147, "SGSN Number", {}, ShowMobileNumber},
     {148, "Common Flags", kFlags}, {149, "APN Restriction", kRestriction}, {150, "Radio Priority LCS", kByte},
     {151, "RAT Type", kRadio}, {152, "User Location Information", {}, ShowLocation}, {153, "MS Time Zone", kZone},
-    {154, "IMEI(SV)", {}, ShowDigits}, {155, "CAMEL Charging Information Container", kPdu},
-    {158, "RIM Routing Address", kPdu}, {159, "MBMS Protocol Configuration Options", kPdu}, {161, "Source RNC PDCP Context Information", kPdu}, {163, "Hop Counter", kByte}, {164, "Selected PLMN ID", {}, ShowOperator}, {166, "MBMS 2G/3G Indicator", kByte}, {167, "Enhanced NSAPI", kByte},
+    {154, "IMEI(SV)", {}, ShowDigits}, {155, "CAMEL Charging Information Container", {}, ShowCamel},
+    {158, "RIM Routing Address", kPdu}, {159, "MBMS Protocol Configuration Options", kPdu},
+    {161, "Source RNC PDCP Context Information", {}, ShowRrc}, {163, "Hop Counter", kByte},
+    {164, "Selected PLMN ID", {}, ShowOperator}, {166, "MBMS 2G/3G Indicator", kByte}, {167, "Enhanced NSAPI", kByte},
     {170, "MBMS Session Repetition Number", kByte}, {171, "MBMS Time to Data Transfer", kByte},
-    {173, "BSS Container", kPdu},
+    {173, "BSS Container", {}, ShowBssgp},
     {176, "BSSGP Cause", kByte}, {177, "Required MBMS Bearer Capabilities", kPdu}, {181, "MS Info Change Reporting Action", kReports},
     {182, "Direct Tunnel Flags", kDirect}, {183, "Correlation-ID", kByte},
     {189, "RFSP Index", kShort}, {190, "Fully Qualified Domain Name (FQDN)", {}, ShowGtpName},
     {191, "Evolved Allocation/Retention Priority I", kRetention}, {193, "Extended Common Flags", kMoreFlags}, {198, "Aggregate Maximum Bit Rate (AMBR)", kRates},
-    {199, "UE Network Capability", kPdu}, {200, "UE-AMBR", kRates},
+    {200, "UE-AMBR", kRates},
     {209, "STN-SR", {}, ShowMobileNumber}, {210, "C-MSISDN", {}, ShowMobileNumber}, {211, "Extended RANAP Cause", kShort},
     {222, "IOV_updates Counter", kByte}, {238, "IE Type Extension", kPdu},
     {249, "Sequence Numbers of Released Packets", {}, ShowNumbers},

@@ -77,7 +77,10 @@ inline constexpr auto kGtpContainerNames = SortedNames({
     {0x000C, "P-CSCF IPv4 Address"}, {0x000D, "DNS Server IPv4 Address"}, {0x000E, "MSISDN"}, {0x000F, "IFOM Support"},
     {0x0010, "IPv4 Link MTU"}, {0x0011, "Network Support of Local Address in TFT"}, {0x0012, "P-CSCF Re-Selection Support"},
     {0x0013, "NBIFOM Request"}, {0x0014, "NBIFOM Mode"}, {0x0015, "Non-IP Link MTU"}, {0x0016, "APN Rate Control Support"},
-    {0x0017, "3GPP PS Data Off UE Status"}, {0x001A, "PDU Session ID"}, {0x8021, "IPCP"}, {0xC021, "LCP"},
+    {0x0017, "3GPP PS Data Off"}, {0x0018, "Reliable Data Service"}, {0x0019, "Additional APN Rate Control Support"},
+    {0x001A, "PDU Session ID"}, {0x001B, "S-NSSAI"}, {0x001C, "QoS Rules"}, {0x001D, "Session-AMBR"},
+    {0x001E, "PDU Session Address Lifetime"}, {0x001F, "QoS Flow Descriptions"}, {0x0020, "Ethernet Frame Payload MTU"},
+    {0x0021, "Unstructured Link MTU"}, {0x8021, "IPCP"}, {0xC021, "LCP"},
     {0xC023, "PAP"}, {0xC223, "CHAP"}});
 inline constexpr auto kGtpTrafficNames = SortedNames({
     {0, "Subscribed"}, {1, "Conversational"}, {2, "Streaming"}, {3, "Interactive"}, {4, "Background"}, {7, "Reserved"}});
@@ -95,6 +98,9 @@ inline constexpr auto kGtpTemplateNames = SortedNames({
     {4, "Replace Packet Filters"}, {5, "Delete Packet Filters"}, {6, "No TFT Operation"}, {7, "Reserved"}});
 inline constexpr auto kGtpDirectionNames = SortedNames({
     {0, "Before Release 7"}, {1, "Downlink Only"}, {2, "Uplink Only"}, {3, "Bidirectional"}});
+inline constexpr auto kGtpParameterNames = SortedNames({
+    {1, "Authorization Token"}, {2, "Flow Identifier"}, {3, "Packet Filter Identifier"}});
+inline constexpr auto kGtpBearerModeNames = SortedNames({{1, "MS Only"}, {2, "MS and Network"}});
 inline constexpr auto kGtpReportNames = SortedNames({
     {0, "Stop Reporting"}, {1, "Start Reporting CGI/SAI"}, {2, "Start Reporting RAI"}});
 

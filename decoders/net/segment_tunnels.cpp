@@ -7,6 +7,7 @@
 #include "decoders/common/header_lines.h"
 #include "decoders/common/xml_lines.h"
 #include "decoders/link/carried.h"
+#include "decoders/net/ip_fragments.h"
 
 namespace qxview {
 namespace {
@@ -29,20 +30,36 @@ bool IsText(const Cursor& c) {
 
 }  // namespace
 
-// The sequence number of what stands where TCP's header would is the length of the whole frame and where this piece belongs.
-int32_t DecodeStt(const Place& at, Cursor c) {
+namespace {
+
+int32_t DecodeSttFrame(const Place& at, Cursor c) {
   constexpr int32_t kHeader = 18;
-  const TcpSegment& segment = PacketOf(at).segment;
-  const uint32_t length = segment.sequence >> 16, offset = segment.sequence & 0xFFFF;
-  if (segment.here && offset > 0) {
-    AddLine(at, Ahead(c, 0), "STT: Piece at %u of a Frame of %u bytes", offset, length);
-    return CallDecoder(at, c, nullptr, "STT Fragment Data");
-  }
   if (Left(c) < kHeader || PeekU8(c) != 0) return 0;
-  const Place in = Under(at, AddLine(at, Ahead(c, kHeader), "STT: Context 0x%.08X%.08X", PeekU32(c, 8), PeekU32(c,
-      12)));
+  const Place in = Under(at, AddLine(at, Ahead(c, kHeader), "STT: Context 0x%.08X%.08X", PeekU32(c, 8), PeekU32(c, 12)));
   ShowRows(in, c, kStt);
   return DecodeCarriedFrame(Deeper(at), c, Carried::kEthernet, "STT Data");
+}
+
+}  // namespace
+
+// The sequence number of what stands where TCP's header would is the length of the whole frame and where this piece belongs;
+// the acknowledgment number is the frame's own. With Reassembly a frame is shown when its last piece has come.
+int32_t DecodeStt(const Place& at, Cursor c) {
+  constexpr uint8_t kTcp = 6;
+  const TcpSegment& segment = PacketOf(at).segment;
+  const uint32_t length = segment.sequence >> 16, offset = segment.sequence & 0xFFFF;
+  const uint32_t left = static_cast<uint32_t>(Left(c));
+  const bool isPiece = segment.here && (offset > 0 || length > left);
+  if (isPiece) {
+    AddLine(at, Ahead(c, 0), "STT: Piece at %u of a Frame of %u bytes", offset, length);
+    if (JoinsFragments(at) && segment.cut == 0) {
+      Cursor joined;
+      const FragmentRun run = TakeIpFragment(at, c, segment.acknowledgment, kTcp, offset, offset + left < length, &joined);
+      TellFragments(at, c, run);
+      return Left(joined) > 0 ? DecodeSttFrame(at, joined) : CallDecoder(at, c, nullptr, "STT Fragment Data");
+    }
+  }
+  return offset > 0 && segment.here ? CallDecoder(at, c, nullptr, "STT Fragment Data") : DecodeSttFrame(at, c);
 }
 
 int32_t DecodeTunnelSetup(const Place& at, Cursor c) {

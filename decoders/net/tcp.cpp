@@ -188,7 +188,8 @@ int32_t DecodePayload(const Place& at, Cursor c, const Segment& segment) {
   const uint32_t dataSequence = segment.sequence + (segment.flags & kSyn ? 1 : 0);
   PacketState& packet = PacketOf(at);
   const int32_t cut = segment.network->totalLength - segment.headerLength - Left(c);
-  packet.segment = {c.at, Left(c), dataSequence, segment.flags, true, cut > 0 ? cut : 0};
+  packet.segment = {c.at, Left(c), dataSequence, segment.flags, true, cut > 0 ? cut : 0,
+                    PeekU32(segment.start, 8)};
   if (at.view->engine->settings.reassembly) NoteTcpSegment(at, c, segment.protocol, PeekU32(segment.start, 8));
   if (Left(c) == 0 || (!packet.quoted && OfferPayload(at, PayloadHook::kTcp, c))) return 1;
   return DispatchTcpPayload(at, c, segment.protocol, segment.matchedSource);
