@@ -316,6 +316,28 @@ TEST(IpReassembly, FragmentsInAnyOrderMakeTheDatagram) {
   EXPECT_TRUE(Has(wire.view.Text(), "Domain Name:www.example.test")) << wire.view.Text();
 }
 
+// What looks like segments of TCP: the sequence number is a length and a place, the acknowledgment number the frame's own.
+TEST(IpReassembly, PiecesOfTwoFramesOfAnSttTunnelDoNotMix) {
+  Wire wire;
+  const Bytes inner = Ethernet(0x0800, IPv4(17, Udp(9, 9, Bytes(40, 'x'))));
+  Bytes frame{0, 6, 34, 0, 5, 0xB4, 0, 0, 0, 0, 0, 0, 0, 0, 0, 7, 0, 0};
+  frame.insert(frame.end(), inner.begin(), inner.end());
+  const auto send = [&](size_t first, size_t length, uint32_t identification) {
+    TcpParts parts;
+    parts.sourcePort = 40000;
+    parts.destinationPort = 7471;
+    parts.sequence = static_cast<uint32_t>(frame.size() << 16 | first);
+    parts.acknowledgement = identification;
+    parts.flags = kAckPush;
+    parts.payload = Part(frame, first, length);
+    return wire.Show(Ethernet(0x0800, IPv4(6, Tcp(parts))), ++wire.number);
+  };
+  EXPECT_NE(send(0, 50, 1).find("50 bytes of fragments kept"), std::string::npos);
+  EXPECT_NE(send(0, 30, 2).find("30 bytes of fragments kept"), std::string::npos);
+  EXPECT_NE(send(50, 100, 1).find("UDP, [9]"), std::string::npos);
+  EXPECT_NE(send(30, 100, 2).find("UDP, [9]"), std::string::npos);
+}
+
 // A control packet of OpenVPN with these TLS data, and its place in the capture.
 std::string ShowControl(Wire& wire, uint8_t number, const Bytes& data, uint64_t packet) {
   const Bytes header = {0x20, 1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, number};

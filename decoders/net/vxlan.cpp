@@ -19,7 +19,7 @@ constexpr auto kNextNames = SortedNames({
     {0x7E, "Experimentation"}, {0x7F, "Experimentation"}, {0x80, "Group-Based Policy Shim"}, {0x81, "iOAM Shim"},
     {0xFE, "Experimentation"}, {0xFF, "Experimentation"}});
 constexpr auto kServiceNextNames = SortedNames({
-    {1, "IPv4"}, {2, "IPv6"}, {3, "Ethernet"}, {4, "NSH"}, {5, "MPLS"}, {6, "CLNS"}, {0xFE, "Experiment 1"},
+    {1, "IPv4"}, {2, "IPv6"}, {3, "Ethernet"}, {4, "NSH"}, {5, "MPLS"}, {6, "IOAM"}, {7, "Active SFC OAM"}, {0xFE, "Experiment 1"},
     {0xFF, "Experiment 2"}});
 constexpr auto kMetadataNames = SortedNames({{1, "Fixed Length"}, {2, "Variable Length"}, {15, "Experimental"}});
 constexpr auto kClassNames = SortedNames({
@@ -49,6 +49,27 @@ constexpr auto kFixedMetadata = Rows<Overlay>({
 constexpr auto kVariableMetadata = Rows<Overlay>({
     Hex(2, "Metadata Class", kClassNames), Number(1, "Type"), Word(1), Bits(0, 1, "Unassigned"),
     Bits(1, 7, "Length", " bytes").Into(&Overlay::length)});
+// The types of the IETF's class (RFC 8979, 9145, 9263).
+constexpr auto kContextNames = SortedNames({
+    {0x00, "Subscriber Identifier"}, {0x01, "Performance Policy Identifier"}, {0x02, "MAC#1 Context"}, {0x03, "MAC#2 Context"},
+    {0x04, "Forwarding Context"}, {0x05, "Tenant Identifier"}, {0x06, "Ingress Network Node"},
+    {0x07, "Ingress Network Interface"}, {0x08, "Flow Identifier"}, {0x09, "Source and Destination Groups"},
+    {0x0A, "Policy Identifier"}});
+constexpr auto kForwardingNames = SortedNames({
+    {0, "VLAN"}, {1, "Two VLANs"}, {2, "MPLS VPN Label"}, {3, "Virtual Network Identifier (VNI)"}, {4, "Session"}});
+constexpr auto kOneVlan = Rows<Overlay>({
+    Word(4), Bits(0, 4, "Context Type", kForwardingNames), Bits(4, 16, "Reserved"), Bits(20, 12, "VLAN ID")});
+constexpr auto kTwoVlans = Rows<Overlay>({
+    Word(4), Bits(0, 4, "Context Type", kForwardingNames), Bits(4, 4, "Reserved"), Bits(8, 12, "Service VLAN ID"),
+    Bits(20, 12, "Customer VLAN ID")});
+constexpr auto kVpnLabel = Rows<Overlay>({
+    Word(4), Bits(0, 4, "Context Type", kForwardingNames), Bits(4, 8, "Reserved"), Bits(12, 20, "MPLS VPN Label")});
+constexpr auto kNetwork = Rows<Overlay>({
+    Word(4), Bits(0, 4, "Context Type", kForwardingNames), Bits(4, 4, "Reserved"),
+    Bits(8, 24, "Virtual Network Identifier (VNI)")});
+constexpr auto kSession = Rows<Overlay>({
+    Word(4), Bits(0, 4, "Context Type", kForwardingNames), Bits(4, 28, "Reserved"), Hex(4, "Session ID")});
+constexpr auto kFlowIdentifier = Rows<Overlay>({Word(4), Bits(0, 12, "Reserved"), Bits(12, 20, "Flow Identifier")});
 constexpr auto kVariableValue = Rows<Overlay>({Bytes(0, "Metadata").SizedBy(&Overlay::length)});
 
 int32_t DecodeNext(const Place& network, const Cursor& c, uint32_t next, const char* title) {
@@ -62,15 +83,31 @@ int32_t DecodeNext(const Place& network, const Cursor& c, uint32_t next, const c
   }
 }
 
+void ShowContext(const Place& in, Cursor& c, uint32_t number, uint32_t type, Overlay& overlay) {
+  constexpr RowSpan<Overlay> kForwarding[] = {kOneVlan, kTwoVlans, kVpnLabel, kNetwork, kSession};
+  constexpr uint32_t kForwardingType = 4, kFlowType = 8;
+  const uint32_t kind = PeekU8(c) >> 4, length = overlay.length.value;
+  const bool isOfIetf = number == 0;
+  if (isOfIetf) AppendToParent(in, overlay.length, ", %s", LookupName(kContextNames, type));
+  if (isOfIetf && type == kForwardingType && kind < 5 && length == (kind == 4 ? 8u : 4u)) {
+    ShowRows<Overlay>(in, c, kForwarding[kind], overlay);
+  } else if (isOfIetf && type == kFlowType && length == 4) {
+    ShowRows<Overlay>(in, c, kFlowIdentifier, overlay);
+  } else {
+    ShowRows<Overlay>(in, c, kVariableValue, overlay);
+  }
+}
+
 void ShowMetadata(const Place& at, Cursor c, Overlay& overlay) {
   if (overlay.metadata.value == 1) ShowRows<Overlay>(at, c, kFixedMetadata, overlay);
   Loop loop;
   while (overlay.metadata.value == 2 && Left(c) >= 4 && MoreAt(at, c, loop)) {
     const int32_t length = static_cast<int32_t>(PeekU8(c, 3) & 0x7F), padded = (length + 3) & ~3;
+    const Cursor head = c;
     const Place in = Under(at, AddLine(at, AheadCut(c, 4 + padded), "Context Header: Class 0x%.04X, Type %u", PeekU16(c),
                                        PeekU8(c, 2)));
     ShowRows<Overlay>(in, c, kVariableMetadata, overlay);
-    ShowRows<Overlay>(in, c, kVariableValue, overlay);
+    ShowContext(in, c, PeekU16(head), PeekU8(head, 2), overlay);
     const Field padding = TakeBytes(c, padded - length);
     if (padding.length > 0) AddLine(in, padding, "Padding: %s", HexText(padding));
   }
