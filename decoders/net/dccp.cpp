@@ -44,7 +44,18 @@ constexpr auto kShortSequence = Rows<Dccp>({Number(3, "Sequence Number").Note(",
 constexpr auto kLongSequence = Rows<Dccp>({Hex(1, "Reserved"), Number(6, "Sequence Number").Note(", Sequence %I64u")});
 constexpr auto kShortAck = Rows<Dccp>({Hex(1, "Reserved"), Number(3, "Acknowledgement Number").Note(", Ack %u")});
 constexpr auto kLongAck = Rows<Dccp>({Hex(2, "Reserved"), Number(6, "Acknowledgement Number").Note(", Ack %I64u")});
-constexpr auto kService = Rows<Dccp>({Hex(4, "Service Code")});
+constexpr auto kServiceNames = SortedNames({
+    {0x00000000, "None"}, {0x006C7470, "Licklider Transmission Protocol"}, {0x44495343, "Discard"},
+    {0x52544350, "RTCP"}, {0x52545041, "RTP, Audio"}, {0x5254504F, "RTP, Other Media"}, {0x52545054, "RTP, Text"},
+    {0x52545056, "RTP, Video"}, {0x53594C47, "Syslog"}, {0x64746E31, "Bundle Protocol"},
+    {0x6E706D70, "NetPerfMeter Data"}, {0xFFFFFFFF, "Invalid"}});
+void ShowServiceCode(const Place& in, const Field& field, const char* label) {
+  const uint32_t code = PeekU32(field);
+  const char* name = LookupName(kServiceNames, code, nullptr);
+  if (name) AddLine(in, field, "%s: 0x%.08X = %s", label, code, name);
+  else AddLine(in, field, "%s: 0x%.08X", label, code);
+}
+constexpr auto kService = Rows<Dccp>({Shown(4, "Service Code", ShowServiceCode)});
 constexpr auto kResetCode = Rows<Dccp>({
     Number(1, "Reset Code", kResetNames).Note(", %s"), Hex(1, "Data 1"), Hex(1, "Data 2"), Hex(1, "Data 3")});
 

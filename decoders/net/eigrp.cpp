@@ -3,7 +3,9 @@
 //   version   opcode   checksum (2)   flags (4)   sequence (4)   acknowledgement (4)   virtual router (2)   AS (2)   elements
 #include "core/elements.h"
 #include "core/internet_checksum.h"
+#include "core/line_facts.h"
 #include "decoders/common/checksum_line.h"
+#include "decoders/routing/bgp.h"
 
 namespace qxview {
 namespace {
@@ -105,6 +107,94 @@ void ShowExternal4(const Place& in, Cursor& c, Eigrp& eigrp) { ShowRoute(in, c, 
 void ShowInternal6(const Place& in, Cursor& c, Eigrp& eigrp) { ShowRoute(in, c, eigrp, true, false); }
 void ShowExternal6(const Place& in, Cursor& c, Eigrp& eigrp) { ShowRoute(in, c, eigrp, true, true); }
 
+// --- communities, and the families that are older than the standard: AppleTalk by cable ranges, IPX by networks ---
+
+constexpr auto kCommunityHead = Rows<Eigrp>({
+    Hex(2, "Reserved"), Number(2, "Community Length").Into(&Eigrp::size)});
+constexpr auto kDestination4 = Rows<Eigrp>({IPv4("Destination").Note(", %s")});
+constexpr auto kDestination6 = Rows<Eigrp>({IPv6("Destination").Note(", %s")});
+void ShowCommunityList(const Place& in, Cursor& c) {
+  const KeyedAs keys(PacketOf(in), "bgp");
+  Bgp bgp{};
+  ShowBgpExtendedCommunities(in, c, bgp);
+}
+void ShowCommunities(const Place& in, Cursor& c, Eigrp& eigrp) {
+  ShowRows<Eigrp>(in, c, kCommunityHead, eigrp);
+  Cursor list = TakeCursor(c, eigrp.size.value);
+  ShowCommunityList(in, list);
+}
+
+constexpr auto kTopologies = Rows<Eigrp>({
+    Hex(2, "Topology List Flags"), Number(2, "Topology List Size")});
+constexpr auto kTopology = Rows<Eigrp>({Number(2, "Topology ID").Note(", %u")});
+void ShowTopologies(const Place& in, Cursor& c, Eigrp& eigrp) {
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Eigrp>(in, c, kTopology, eigrp);
+}
+
+constexpr auto kOldExternal = Rows<Eigrp>({
+    Number(4, "Originating AS"), Number(4, "Administrative Tag"), Number(1, "External Protocol", kProtocolNames),
+    Flags(1, "External Flags", kExternalMasks)});
+constexpr auto kHopTalk = Rows<Eigrp>({Hex(4, "Next Hop Address")});
+constexpr auto kOriginTalk = Rows<Eigrp>({Hex(4, "Originating Router")});
+constexpr auto kMetricTalk = Rows<Eigrp>({Number(2, "External Metric")});
+constexpr auto kCable = Rows<Eigrp>({Number(2, "Cable Range Start").Note(", %u"), Number(2, "Cable Range End").Note(" to %u")});
+constexpr auto kCableRouter = Rows<Eigrp>({Hex(4, "AppleTalk Router ID")});
+constexpr auto kHopIpx = Rows<Eigrp>({Hex(4, "Next Hop Network"), Mac("Next Hop Node")});
+constexpr auto kOriginIpx = Rows<Eigrp>({Mac("Originating Router Node")});
+constexpr auto kMetricIpx = Rows<Eigrp>({Number(2, "External Delay"), Number(2, "External Metric")});
+constexpr auto kNetworkIpx = Rows<Eigrp>({Hex(4, "Destination Network").Note(", 0x%08X")});
+void ShowTalk(const Place& in, Cursor& c, Eigrp& eigrp, bool isExternal) {
+  ShowRows<Eigrp>(in, c, kHopTalk, eigrp);
+  if (isExternal) {
+    ShowRows<Eigrp>(in, c, kOriginTalk, eigrp);
+    ShowRows<Eigrp>(in, c, kOldExternal, eigrp);
+    ShowRows<Eigrp>(in, c, kMetricTalk, eigrp);
+  }
+  ShowRows<Eigrp>(in, c, kMetric, eigrp);
+  ShowRows<Eigrp>(in, c, kCable, eigrp);
+}
+void ShowIpx(const Place& in, Cursor& c, Eigrp& eigrp, bool isExternal) {
+  ShowRows<Eigrp>(in, c, kHopIpx, eigrp);
+  if (isExternal) {
+    ShowRows<Eigrp>(in, c, kOriginIpx, eigrp);
+    ShowRows<Eigrp>(in, c, kOldExternal, eigrp);
+    ShowRows<Eigrp>(in, c, kMetricIpx, eigrp);
+  }
+  ShowRows<Eigrp>(in, c, kMetric, eigrp);
+  ShowRows<Eigrp>(in, c, kNetworkIpx, eigrp);
+}
+void ShowCableRouter(const Place& in, Cursor& c, Eigrp& eigrp) { ShowRows<Eigrp>(in, c, kCableRouter, eigrp); }
+void ShowTalkInternal(const Place& in, Cursor& c, Eigrp& eigrp) { ShowTalk(in, c, eigrp, false); }
+void ShowTalkExternal(const Place& in, Cursor& c, Eigrp& eigrp) { ShowTalk(in, c, eigrp, true); }
+void ShowIpxInternal(const Place& in, Cursor& c, Eigrp& eigrp) { ShowIpx(in, c, eigrp, false); }
+void ShowIpxExternal(const Place& in, Cursor& c, Eigrp& eigrp) { ShowIpx(in, c, eigrp, true); }
+
+// Attributes of wide metrics: an opcode, and how many words of two octets it has.
+constexpr auto kAttributeNames = SortedNames({
+    {0, "No Operation"}, {1, "Scaled Metric"}, {2, "Administrative Tag"}, {3, "Community List"}, {4, "Jitter"},
+    {5, "Quiescent Energy"}, {6, "Energy"}, {7, "Additional Paths"}});
+constexpr auto kAttributeHead = Rows<Eigrp>({
+    Number(1, "Opcode", kAttributeNames), Number(1, "Offset", " words").Into(&Eigrp::flags)});
+constexpr auto kTag = Rows<Eigrp>({Number(4, "Administrative Tag").Note(", %u")});
+constexpr auto kAttributeBytes = Rows<Eigrp>({Bytes(0, "Attribute Value")});
+void ShowAttributes(const Place& at, Cursor& c, Eigrp& eigrp) {
+  constexpr uint32_t kTagCode = 2, kCommunityCode = 3;
+  Loop loop;
+  while (Left(c) >= 2 && MoreAt(at, c, loop)) {
+    const uint32_t code = PeekU8(c);
+    Cursor one = TakeCursor(c, code ? 2 + 2 * static_cast<int32_t>(PeekU8(c, 1)) : 2);
+    const Place in = Under(at, AddLine(at, Ahead(one, Left(one)), "Extended Attribute: %s", LookupName(kAttributeNames, code)));
+    ShowRows<Eigrp>(in, one, kAttributeHead, eigrp);
+    if (code == kTagCode) ShowRows<Eigrp>(in, one, kTag, eigrp);
+    if (code == kCommunityCode && Left(one)) ShowCommunityList(in, one);
+    if (Left(one)) ShowRows<Eigrp>(in, one, kAttributeBytes, eigrp);
+  }
+  c.ranShort = false;
+  const Field rest = Rest(c);
+  if (rest.length) AddLine(at, rest, "Extended Attributes: %s", HexText(rest));
+}
+
 // Of any family, with metrics of 48 bits; the offset counts words of attributes behind them.
 void ShowWide(const Place& in, Cursor& c, Eigrp& eigrp, bool isExternal) {
   constexpr uint32_t kIpv6Family = 2;
@@ -112,8 +202,7 @@ void ShowWide(const Place& in, Cursor& c, Eigrp& eigrp, bool isExternal) {
   ShowRows<Eigrp>(in, c, kWide, eigrp);
   if (eigrp.size.value) {
     Cursor attributes = TakeCursor(c, static_cast<int64_t>(eigrp.size.value) * 2);
-    const Field value = Rest(attributes);
-    AddLine(in, value, "Extended Attributes: %s", HexText(value));
+    ShowAttributes(in, attributes, eigrp);
   }
   const bool isSix = eigrp.family.value == kIpv6Family;
   if (isExternal) ShowRows<Eigrp>(in, c, kExternal, eigrp);
@@ -127,18 +216,19 @@ constexpr auto kElements = Choices<Eigrp>({
     {0x0001, "Parameters", kParameters}, {0x0002, "Authentication", kAuthentication}, {0x0003, "Sequence", {}, ShowSequence},
     {0x0004, "Software Version", kVersion}, {0x0005, "Next Multicast Sequence", kMulticast},
     {0x0006, "Peer Stub Information", kStub}, {0x0007, "Peer Termination List", {}, ShowSequence},
-    {0x0008, "Peer Topology ID List"}, {0x0102, "IPv4 Internal Route", {}, ShowInternal4},
-    {0x0103, "IPv4 External Route", {}, ShowExternal4}, {0x0104, "IPv4 Community"}, {0x0202, "AppleTalk Internal Route"},
-    {0x0203, "AppleTalk External Route"}, {0x0204, "AppleTalk Cable Configuration"}, {0x0302, "IPX Internal Route"},
-    {0x0303, "IPX External Route"}, {0x0402, "IPv6 Internal Route", {}, ShowInternal6},
-    {0x0403, "IPv6 External Route", {}, ShowExternal6}, {0x0404, "IPv6 Community"},
+    {0x0008, "Peer Topology ID List", kTopologies, ShowTopologies}, {0x0102, "IPv4 Internal Route", {}, ShowInternal4},
+    {0x0103, "IPv4 External Route", {}, ShowExternal4}, {0x0104, "IPv4 Community", kDestination4, ShowCommunities},
+    {0x0202, "AppleTalk Internal Route", {}, ShowTalkInternal}, {0x0203, "AppleTalk External Route", {}, ShowTalkExternal},
+    {0x0204, "AppleTalk Cable Configuration", kCable, ShowCableRouter}, {0x0302, "IPX Internal Route", {}, ShowIpxInternal},
+    {0x0303, "IPX External Route", {}, ShowIpxExternal}, {0x0402, "IPv6 Internal Route", {}, ShowInternal6},
+    {0x0403, "IPv6 External Route", {}, ShowExternal6}, {0x0404, "IPv6 Community", kDestination6, ShowCommunities},
     {0x0602, "Multiprotocol Internal Route", {}, ShowWideInternal},
     {0x0603, "Multiprotocol External Route", {}, ShowWideExternal}, {0x0604, "Multiprotocol Community"}});
 
 }  // namespace
 
 int32_t DecodeEigrp(const Place& at, Cursor c) {
-  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .lengthCountsHeader = true};
+  constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .lengthCountsHeader = true, .valueLines = true};
   constexpr int32_t kHeadSize = 20;
   constexpr uint32_t kHello = 5;
   if (Left(c) < kHeadSize) return 0;

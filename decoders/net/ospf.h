@@ -20,6 +20,10 @@ void ShowOspfTraffic(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspfRouterInformation(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspfGrace(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspfLinkAttributes(const Place& in, Cursor& c, Ospf& ospf);
+// One of them, by its number in version 2.
+void ShowOspfLinkAttribute(const Place& in, Cursor& c, uint32_t code, Ospf& ospf);
+// The masks of the applications that attributes are for (RFC 9492).
+void ShowOspfApplications(const Place& in, Cursor& c, Ospf& ospf);
 void ShowOspf3Extended(const Place& in, Cursor& c, Ospf& ospf);
 
 const char* OspfLsaName(uint32_t type);

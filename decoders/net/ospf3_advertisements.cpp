@@ -146,16 +146,47 @@ constexpr auto kEndXLan = Rows<Ospf>({
     Hex(2, "Endpoint Behavior", kEndpointNames), Hex(1, "SID Flags"), Hex(1, "Reserved"),
     Number(1, "Algorithm", NameAlgorithm), Number(1, "Weight"),
     Hex(2, "Reserved 2"), IPv4("Neighbor Router ID"), IPv6("SRv6 SID").Note(", %s")});
+// Attributes of links, numbered otherwise than in version 2 (RFC 9492), and members of bundles (RFC 9356).
+template <uint32_t code>
+void ShowLinkAttribute(const Place& in, Cursor& c, Ospf& ospf) { ShowOspfLinkAttribute(in, c, code, ospf); }
+constexpr auto kLocalAddress = Rows<Ospf>({IPv6("Local Interface IPv6 Address").Note(", %s")});
+constexpr auto kRemoteAddress = Rows<Ospf>({IPv6("Remote Interface IPv6 Address").Note(", %s")});
+constexpr auto kMember = Rows<Ospf>({Number(4, "Member Link Local Identifier").Note(", %u")});
+void ShowNested(const Place& in, Cursor& c, Ospf& ospf);
+void ShowForApplications(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowOspfApplications(in, c, ospf);
+  ShowNested(in, c, ospf);
+}
+
 constexpr auto kSubElements = Choices<Ospf>({
     {1, "IPv6 Forwarding Address", kForwarding}, {2, "IPv4 Forwarding Address", kForwarding4}, {3, "Route Tag", kTag},
     {4, "Prefix SID", kPrefixSid, ShowSid}, {5, "Adjacency SID", kAdjacencySid, ShowSid},
     {6, "LAN Adjacency SID", kLanAdjacencySid, ShowSid},
-    {7, "SID/Label", {}, ShowSid}, {9, "Link MSD", {}, ShowDepths}, {26, "Flexible Algorithm Prefix Metric",
-    kFlexibleMetric},
+    {7, "SID/Label", {}, ShowSid}, {8, "Graceful Link Shutdown"}, {9, "Link MSD", {}, ShowDepths},
+    {11, "Application-Specific Link Attributes", {}, ShowForApplications},
+    {12, "Shared Risk Link Group", {}, ShowLinkAttribute<11>}, {13, "Unidirectional Link Delay", {}, ShowLinkAttribute<12>},
+    {14, "Min/Max Unidirectional Link Delay", {}, ShowLinkAttribute<13>},
+    {15, "Unidirectional Delay Variation", {}, ShowLinkAttribute<14>},
+    {16, "Unidirectional Link Loss", {}, ShowLinkAttribute<15>},
+    {17, "Unidirectional Residual Bandwidth", {}, ShowLinkAttribute<16>},
+    {18, "Unidirectional Available Bandwidth", {}, ShowLinkAttribute<17>},
+    {19, "Unidirectional Utilized Bandwidth", {}, ShowLinkAttribute<18>},
+    {20, "Administrative Group", {}, ShowLinkAttribute<19>},
+    {21, "Extended Administrative Group", {}, ShowLinkAttribute<20>}, {22, "TE Metric", {}, ShowLinkAttribute<22>},
+    {23, "Maximum Link Bandwidth", {}, ShowLinkAttribute<23>}, {24, "Local Interface IPv6 Address", kLocalAddress},
+    {25, "Remote Interface IPv6 Address", kRemoteAddress}, {26, "Flexible Algorithm Prefix Metric", kFlexibleMetric},
     {27, "Prefix Source OSPF Router ID", kSourceRouter}, {28, "Prefix Source Router Address", kSourceAddress},
-    {31, "SRv6 End.X SID", kEndX, ShowStructure}, {32, "SRv6 LAN End.X SID", kEndXLan, ShowStructure}});
+    {29, "L2 Bundle Member Attributes", kMember, ShowNested}, {31, "SRv6 End.X SID", kEndX, ShowStructure}, {32, "SRv6 LAN End.X SID", kEndXLan, ShowStructure}});
 
 void ShowSubElements(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kSubElements, ospf); }
+// Attributes stand within attributes; nobody means it to go deeper than this.
+void ShowNested(const Place& in, Cursor& c, Ospf& ospf) {
+  constexpr int32_t kMostNesting = 3;
+  if (ospf.nesting >= kMostNesting) return;
+  ++ospf.nesting;
+  ShowSubElements(in, c, ospf);
+  --ospf.nesting;
+}
 void ShowNeighbors(const Place& in, Cursor& c, Ospf& ospf) {
   Loop loop;
   while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, kAttachedId, ospf);

@@ -274,10 +274,7 @@ constexpr auto kStandardMask = Rows<Ospf>({Flags(4, "Standard Applications", kAp
 constexpr auto kUserMask = Rows<Ospf>({Bytes(0, "User-Defined Applications")});
 constexpr auto kMember = Rows<Ospf>({Number(4, "Member Link Local Identifier").Note(", %u")});
 void ShowForApplications(const Place& in, Cursor& c, Ospf& ospf) {
-  ShowRows<Ospf>(in, c, kMaskLengths, ospf);
-  Cursor standard = TakeCursor(c, ospf.size.value), user = TakeCursor(c, ospf.count.value);
-  if (Left(standard) >= 4) ShowRows<Ospf>(in, standard, kStandardMask, ospf);
-  if (Left(user)) ShowRows<Ospf>(in, user, kUserMask, ospf);
+  ShowOspfApplications(in, c, ospf);
   ShowOspfLinkAttributes(in, c, ospf);
 }
 
@@ -318,6 +315,16 @@ void ShowOspfLinkAttributes(const Place& in, Cursor& c, Ospf& ospf) {
   ++ospf.nesting;
   ShowLinkSids(in, c, ospf);
   --ospf.nesting;
+}
+
+void ShowOspfApplications(const Place& in, Cursor& c, Ospf& ospf) {
+  ShowRows<Ospf>(in, c, kMaskLengths, ospf);
+  Cursor standard = TakeCursor(c, ospf.size.value), user = TakeCursor(c, ospf.count.value);
+  if (Left(standard) >= 4) ShowRows<Ospf>(in, standard, kStandardMask, ospf);
+  if (Left(user)) ShowRows<Ospf>(in, user, kUserMask, ospf);
+}
+void ShowOspfLinkAttribute(const Place& in, Cursor& c, uint32_t code, Ospf& ospf) {
+  ShowChoice<Ospf>(in, c, FindChoice<Ospf>(kLinkSids, code), ospf);   // keys: none Data
 }
 
 const char* OspfOpaqueName(uint32_t type) { return LookupName(kOpaqueNames, type); }

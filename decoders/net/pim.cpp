@@ -47,12 +47,28 @@ void ShowAddressList(const Place& in, Cursor& c, Pim&) {
   while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowPimUnicast(in, c, "Secondary Address");
 }
 
+// Who shares the load of a link (RFC 8775): masks that are hashed, and the candidates, of the addresses' family.
+void ShowSharers(const Place& in, Cursor& c, Pim&) {
+  constexpr int32_t kMasks = 3;
+  constexpr const char* kLabels[] = {"Group Hash Mask", "Source Hash Mask", "RP Hash Mask"};
+  // keys: address Group Hash Mask, Source Hash Mask, RP Hash Mask, GDR Candidate
+  const bool isSix = PacketOf(in).source.kind == kIPv6Kind;
+  const int32_t size = isSix ? 16 : 4;
+  Loop loop;
+  for (int32_t i = 0; Left(c) >= size && MoreAt(in, c, loop); ++i) {
+    const Field address = TakeBytes(c, size);
+    const char* label = i < kMasks ? kLabels[i] : "GDR Candidate";
+    if (isSix) AddLine(in, address, "%s: %s", label, IPv6Text(address.bytes));
+    else AddLine(in, address, "%s: %s", label, IPv4Text(address.bytes));
+  }
+}
+
 constexpr auto kOptions = Choices<Pim>({
     {1, "Hold Time", kSeconds}, {2, "LAN Prune Delay", kPruneDelay}, {17, "Announce"}, {18, "Deprecated"},
     {19, "DR Priority", kNumber4}, {20, "Generation ID", kNumber4}, {21, "State Refresh Capable", kRefresh},
     {22, "Bidirectional Capable"}, {24, "Address List", {}, ShowAddressList}, {26, "Join Attribute"},
     {30, "PIM MT-ID", kNumber2}, {31, "Interface ID", kInterfaceId}, {32, "ECMP Redirect"}, {33, "vPC Peer ID"},
-    {34, "DR Load-Balancing Capability", kSharing}, {35, "DR Load-Balancing List"}, {36, "Hierarchical Join/Prune Attribute"},
+    {34, "DR Load-Balancing Capability", kSharing}, {35, "DR Load-Balancing List", {}, ShowSharers}, {36, "Hierarchical Join/Prune Attribute"},
     {37, "Assert Packing"}, {65001, "Address List (Early)", {}, ShowAddressList}});
 
 // --- the messages ---
@@ -153,11 +169,11 @@ void ShowSourceHold(const Place& in, Cursor& c, Pim& pim) {
   Loop loop;
   for (uint32_t i = 0; i < count && Left(c) >= 2 && MoreAt(in, c, loop); ++i) ShowPimUnicast(in, c, "Source");
 }
-constexpr ElementForm kFloodingForm{.typeSize = 2, .lengthSize = 2, .typeMask = 0x7FFF};
+constexpr ElementForm kFloodingForm{.typeSize = 2, .lengthSize = 2, .valueLines = true, .typeMask = 0x7FFF};
 constexpr auto kFloodingElements = Choices<Pim>({{1, "Group Source Holdtime", {}, ShowSourceHold}});
 
 void ShowBody(const Place& at, const Place& in, Cursor& c, Pim& pim) {
-  constexpr ElementForm kOptionForm{.typeSize = 2, .lengthSize = 2};
+  constexpr ElementForm kOptionForm{.typeSize = 2, .lengthSize = 2, .valueLines = true};
   switch (pim.type.value) {
     case kHello: ShowElements(in, c, kOptionForm, "Option", kOptions, pim); break;
     case kRegister: ShowRegister(at, in, c, pim); break;

@@ -1,4 +1,5 @@
-// Addresses as PIM encodes them (RFC 7761 4.9.1) and the attributes of joined sources (RFC 5384, RFC 5496, RFC 8364).
+// Addresses as PIM encodes them (RFC 7761 4.9.1) and the attributes of joined sources (RFC 5384, RFC 5496, RFC 6420, RFC 7891,
+// RFC 8059).
 #include "decoders/net/pim.h"
 
 namespace qxview {
@@ -42,6 +43,33 @@ void SetAddressLine(const Place& in, LineHandle line, const Address& value, cons
   if (flags) AppendToLine(in, line, "%s", flags);
 }
 
+constexpr auto kTopology = Rows<Address>({Word(2), Bits(0, 4, "Reserved"), Bits(4, 12, "Topology ID").Note(", %u")});
+constexpr auto kTransportNames = SortedNames({{0, "Multicast"}, {1, "Unicast"}});
+constexpr auto kTransport = Rows<Address>({Word(1), Bits(0, 1, "Transport", kTransportNames), Bits(1, 7, "Reserved")});
+
+// What an attribute says, by its type.
+void ShowAttribute(const Place& in, Cursor& c, uint32_t type) {
+  enum : uint32_t { kVector = 0, kTopologyId = 2, kExplicitVector = 4, kTransportType = 5, kLocator = 6 };
+  Address value{};
+  if (type == kVector && Left(c) == 6) {
+    TakeBytes(c, 2);
+    const Field address = TakeBytes(c, 4);
+    AddLine(in, address, "RPF Vector: %s", IPv4Text(address.bytes));
+  } else if (type == kVector || type == kExplicitVector) {
+    ShowPimUnicast(in, c, "RPF Vector");
+  } else if (type == kTopologyId && Left(c) >= 2) {
+    ShowRows<Address>(in, c, kTopology, value);
+  } else if (type == kTransportType && Left(c)) {
+    ShowRows<Address>(in, c, kTransport, value);
+  } else if (type == kLocator && Left(c)) {
+    const Field family = TakeU8(c);
+    AddLine(in, family, "Address Family: %u = %s", family.value, LookupName(kFamilyNames, family.value));
+    ShowAddress(in, c, family.value, "Receiver RLOC");   // keys: address Receiver RLOC
+  }
+  const Field rest = Rest(c);
+  if (rest.length) AddLine(in, rest, "Attribute Value: %s", HexText(rest));
+}
+
 void ShowAttributes(const Place& in, Cursor& c) {
   Loop loop;
   while (Left(c) >= 2 && MoreAt(in, c, loop)) {
@@ -55,12 +83,7 @@ void ShowAttributes(const Place& in, Cursor& c) {
     AddBitLine(under, head, "%s: Last Attribute = %s", end.picture, TrueOrFalse(end.value));
     AddBitLine(under, head, "%s: Attribute Type = %u (%s)", kind.picture, kind.value, LookupName(kAttributeNames, type));
     AddLine(under, length, "Attribute Length: %u", length.value);
-    const Field value = Rest(part);
-    if (type == 0 && value.length == 6) {
-      AddLine(under, Slice(value, 2, 4), "RPF Vector: %s", IPv4Text(Slice(value, 2, 4).bytes));
-    } else {
-      AddLine(under, value, "Attribute Value: %s", HexText(value));
-    }
+    ShowAttribute(under, part, type);
     if (isLast) break;
   }
 }
