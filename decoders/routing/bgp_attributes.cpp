@@ -93,11 +93,18 @@ void ShowSegments(const Place& at, Cursor& c, int32_t width, Bgp&) {
   }
 }
 
-// What the session's opening said, else what the bytes fit.
+// What the session's opening said, unless the bytes decide otherwise: the opening of a session that came since was missed;
+// without an opening what the bytes fit.
 void ShowPath(const Place& in, Cursor& c, Bgp& bgp) {
+  constexpr int32_t kBothWidths = 2 + 4;
   AppendToParent(in, Ahead(c, 0), ":");
   if (bgp.known || bgp.isWidthTold) {
-    ShowSegments(in, c, bgp.session.wide[0] && bgp.session.wide[1] ? 4 : 2, bgp);
+    const int32_t told = bgp.session.wide[0] && bgp.session.wide[1] ? 4 : 2, other = kBothWidths - told;
+    const bool isOther = !Fits(c, told) && Fits(c, other);
+    if (isOther) {
+      AddLine(in, Stated(c.offset, 0), "AS Number Width: %d bytes (as the path tells, the opening said %d)", other, told);
+    }
+    ShowSegments(in, c, isOther ? other : told, bgp);
     return;
   }
   if (!Left(c)) return;

@@ -36,12 +36,17 @@ bool Fits(const Cursor& routes, bool hasPaths, uint32_t mostBits) {
   return !c.ranShort;
 }
 
-bool HasPaths(const Cursor& c, uint32_t mostBits, const Bgp& bgp, bool* assumed) {
-  *assumed = false;
-  if (bgp.known) return bgp.hasPaths;
-  if (Left(c) < 5 || Fits(c, false, mostBits)) return false;
-  *assumed = Fits(c, true, mostBits);
-  return *assumed;
+// What the opening said, unless the bytes decide otherwise; `note` is what lines say of it.
+bool HasPaths(const Cursor& c, uint32_t mostBits, const Bgp& bgp, const char** note) {
+  *note = "";
+  if (bgp.known) {
+    if (Fits(c, bgp.hasPaths, mostBits) || !Fits(c, !bgp.hasPaths, mostBits)) return bgp.hasPaths;
+    *note = " (as the bytes tell, the opening said otherwise)";
+    return !bgp.hasPaths;
+  }
+  if (Left(c) < 5 || Fits(c, false, mostBits) || !Fits(c, true, mostBits)) return false;
+  *note = " (assumed, the opening was not seen)";
+  return true;
 }
 
 // Labels down to the bottom of the stack, or the one that stands for none. Result: their bits.
@@ -60,8 +65,8 @@ void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const
   const bool isVpn = safi == kVpn || safi == kVpnMulticast || safi == kTransport;
   const bool isLabelled = safi == kLabelled || safi == kVpn || safi == kTransport;
   const uint32_t mostBits = (afi == kFamilyIPv6 ? 128 : 32) + (isVpn ? kDistinguisherBits : 0) + (isLabelled ? 24 * 8 : 0);
-  bool assumed;
-  const bool hasPaths = HasPaths(c, mostBits, bgp, &assumed);
+  const char* note;
+  const bool hasPaths = HasPaths(c, mostBits, bgp, &note);
   Loop loop;
   while (MoreAt(at, c, loop)) {
     const int32_t bytes = (hasPaths ? 5 : 1) + (static_cast<int32_t>(PeekU8(c, hasPaths ? 4 : 0)) + 7) / 8;
@@ -69,7 +74,7 @@ void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const
     const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "%s", what));
     if (hasPaths) {
       const Field path = TakeU32(route);
-      AddLine(in, path, "Path Identifier: %u%s", path.value, assumed ? " (assumed, the opening was not seen)" : "");
+      AddLine(in, path, "Path Identifier: %u%s", path.value, note);
     }
     const Field length = TakeU8(route);
     AddLine(in, length, "Prefix Length: %u", length.value);
