@@ -58,11 +58,11 @@ TEST_F(BgpSessions, GiveWayToBytesWhereARestartWasMissed) {
   From(true, Open(kWide + kBothPaths));
   From(false, Open(kWide + kBothPaths));
   ExpectInOrder(From(true, Update(kNarrowPath, kRoute)),
-                {"AS Number Width: 2 bytes (as the path tells, the opening said 4)", "AS_SEQUENCE 65000 65001",
+                {"AS Number Width: 2 bytes (as the path tells, 4 were announced)", "AS_SEQUENCE 65000 65001",
                  "Network: 192.0.2.0/24"});
   From(true, Open({}));   // the other end's opening was not captured
   ExpectInOrder(From(false, Update(kWidePath, kRouteWithPath)),
-                {"AS Number Width: 4 bytes (as the path tells, the opening said 2)", "AS_SEQUENCE 65000 65001",
+                {"AS Number Width: 4 bytes (as the path tells, 2 were announced)", "AS_SEQUENCE 65000 65001",
                  "Path Identifier: 7 (as the bytes tell, the opening said otherwise)"});
   From(false, Open({}));
   EXPECT_FALSE(Has(From(true, Update(kNarrowPath, kRoute)), "as the")) << "both ends have told it anew";

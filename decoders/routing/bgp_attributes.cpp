@@ -102,7 +102,7 @@ void ShowPath(const Place& in, Cursor& c, Bgp& bgp) {
     const int32_t told = bgp.session.wide[0] && bgp.session.wide[1] ? 4 : 2, other = kBothWidths - told;
     const bool isOther = !Fits(c, told) && Fits(c, other);
     if (isOther) {
-      AddLine(in, Stated(c.offset, 0), "AS Number Width: %d bytes (as the path tells, the opening said %d)", other, told);
+      AddLine(in, Stated(c.offset, 0), "AS Number Width: %d bytes (as the path tells, %d were announced)", other, told);
     }
     ShowSegments(in, c, isOther ? other : told, bgp);
     return;
