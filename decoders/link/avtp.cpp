@@ -58,7 +58,14 @@ constexpr auto kMusic = Rows<Avtp>({
     Bits(3, 1, "Rate Control Without Commands"), Bits(4, 1, "Reserved"), Bits(5, 3, "Sampling Frequency", kAudioRates),
     Hex(2, "Synchronization Time Stamp (SYT)")});
 constexpr auto kTransport = Rows<Avtp>({Hex(3, "Format Dependent Field"), Flag(0, "Time Shift"), Bits(1, 23, "Reserved")});
-constexpr auto kTransportPacket = Rows<Avtp>({Number(4, "Source Packet Time Stamp"), Bytes(188, "Transport Packet")});
+constexpr auto kScramblingNames = SortedNames({{0, "Not Scrambled"}, {2, "Even Key"}, {3, "Odd Key"}});
+constexpr auto kAdaptationNames = SortedNames({{1, "Payload"}, {2, "Adaptation Field"}, {3, "Adaptation Field and Payload"}});
+// ISO/IEC 13818-1, 2.4.3.2.
+constexpr auto kTransportPacket = Rows<Avtp>({
+    Number(4, "Source Packet Time Stamp"), Hex(1, "Sync Byte"), Word(2), Flag(0, "Transport Error"),
+    Flag(1, "Payload Unit Start"), Bits(2, 1, "Transport Priority"), Bits(3, 13, "PID"), Word(1),
+    Bits(0, 2, "Scrambling", kScramblingNames), Bits(2, 2, "Adaptation", kAdaptationNames), Bits(4, 4, "Continuity Counter"),
+    Bytes(184, "Transport Packet")});
 constexpr auto kFields = Rows<Avtp>({Hex(1, "Format Dependent Field"), Hex(2, "Synchronization Time Stamp (SYT)")});
 
 constexpr auto kQuadlet = Rows<Avtp>({Number(4, "Sample")});

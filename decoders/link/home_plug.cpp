@@ -3,12 +3,12 @@
 //
 //   version (1)   type (2): 14 bits and what it is (request, confirmation, indication, response)   fragment (2)   body
 //   version 0 has no word of fragments; numbers have their low byte first
-#include "core/elements.h"
+#include "decoders/link/home_plug.h"
 
 namespace qxview {
 namespace {
 
-constexpr uint32_t kRequest = 0, kConfirmation = 1, kIndication = 2, kResponse = 3, kVendorTypes = 0xA000;
+constexpr uint32_t kVendorTypes = 0xA000;
 
 constexpr auto kTypeNames = SortedNames({
     {0x0000, "CC_CCO_APPOINT"}, {0x0004, "CC_BACKUP_APPOINT"}, {0x0008, "CC_LINK_INFO"}, {0x000C, "CC_HANDOVER"},
@@ -59,9 +59,6 @@ constexpr auto kReceiverNames = SortedNames({{0, "Host of This Station"}, {1, "O
 constexpr auto kErrorNames = SortedNames({
     {0, "Type Not Supported"}, {1, "Supported, Invalid Fields"}, {2, "Unsupported Feature"}});
 
-struct HomePlug {
-  Field version, type, count, more, length;
-};
 using Body = RowSpan<HomePlug>;
 
 constexpr auto kVersion = Rows<HomePlug>({Number(1, "Version", kVersionNames).Into(&HomePlug::version)});
@@ -180,29 +177,6 @@ constexpr auto kUserData = LittleRows<HomePlug>({Bytes(0, "User Data")});
 // --- of a station's maker ---
 
 constexpr auto kVendor = Rows<HomePlug>({Hex(3, "OUI")});
-constexpr auto kStatus = LittleRows<HomePlug>({Number(1, "Status").Hex()});
-constexpr auto kSoftware = LittleRows<HomePlug>({
-    Number(1, "Status").Hex(), Number(1, "Device ID"), Counted(1, Text(0, "Software Version").Note(", %s"))});
-constexpr auto kMemory = LittleRows<HomePlug>({Hex(4, "Memory Address"), Number(4, "Memory Length")});
-constexpr auto kImage = LittleRows<HomePlug>({
-    Hex(4, "Image Load Address"), Number(4, "Image Length"), Hex(4, "Image Checksum"), Hex(4, "Image Start Address")});
-constexpr auto kNvm = LittleRows<HomePlug>({
-    Number(1, "Status").Hex(), Hex(4, "NVM Type"), Number(4, "NVM Page Size"), Number(4, "NVM Block Size"),
-    Number(4, "NVM Size")});
-constexpr auto kModule = LittleRows<HomePlug>({
-    Number(1, "Module ID"), Hex(1, "Reserved"), Number(2, "Module Length"), Number(4, "Module Offset"),
-    Hex(4, "Module Checksum")});
-constexpr auto kSniffer = LittleRows<HomePlug>({Number(1, "Sniffer Control")});
-constexpr auto kVendorKey = LittleRows<HomePlug>({
-    Number(1, "Encryption Key Select"), Bytes(16, "Network Membership Key"), Number(1, "Payload Encryption Key Select"),
-    Mac("Remote Address"), Bytes(16, "Device Access Key")});
-constexpr auto kMaker = LittleRows<HomePlug>({Number(1, "Status").Hex(),
-    Counted(1, Text(0, "Manufacturer String").Note(", %s"))});
-
-void ShowList(const Place& in, Cursor& c, Body rows, HomePlug& out) {
-  Loop loop;
-  for (uint32_t i = 0; i < out.count.value && MoreAt(in, c, loop); ++i) ShowRows<HomePlug>(in, c, rows, out);
-}
 void ShowDiscovered(const Place& in, Cursor& c, HomePlug& out) {
   ShowList(in, c, kFound, out);
   ShowRows<HomePlug>(in, c, kFoundNetworks, out);
@@ -221,14 +195,25 @@ void ShowGroups(const Place& in, Cursor& c, HomePlug& out) {
   ShowList(in, c, kGroup, out);
 }
 
-// What stands in a message: rows, rows that the first count, and a function for the rest.
-struct Message {
-  uint32_t type;
-  Body rows, list;
-  void (*show)(const Place& in, Cursor& c, HomePlug& out);
-};
-constexpr Message kMessages[] = {
-    {0x0014 | kConfirmation, kStations, {}, ShowDiscovered}, {0x6000 | kIndication, kUnassociated, {}, nullptr},
+// Associations, and who holds which of the network's numbers.
+constexpr auto kJoinNames = SortedNames({{0, "New"}, {1, "Renewal"}});
+constexpr auto kJoinResults = SortedNames({{0, "Success"}, {1, "Failure"}, {2, "Failure, Temporary Resource Exhaustion"},
+                                           {3, "Failure, Permanent Resource Exhaustion"}});
+constexpr auto kAssociate = LittleRows<HomePlug>({
+    Number(1, "Request Type", kJoinNames), Bytes(7, "Network ID"), Number(1, "Coordinator Capability", kCoordinatorNames),
+    Number(1, "Proxy Network Capability")});
+constexpr auto kAssociated = LittleRows<HomePlug>({
+    Number(1, "Result", kJoinResults).Note(", %s"), Bytes(7, "Network ID"), Number(1, "Short Network ID"), Number(1, "TEI"),
+    Number(2, "Lease Time", " minutes")});
+constexpr auto kMapModes = SortedNames({{0, "Update"}, {1, "Add"}, {2, "Delete"}});
+constexpr auto kMap = LittleRows<HomePlug>({Number(1, "Mode", kMapModes), Number(1, "Entries").Into(&HomePlug::count)});
+constexpr auto kMapEntry = LittleRows<HomePlug>({
+    Number(1, "TEI"), Mac("Station MAC Address"), Number(1, "Station Status")});
+
+constexpr HomePlugMessage kMessages[] = {
+    {0x0014 | kConfirmation, kStations, {}, ShowDiscovered}, {0x0030 | kRequest, kAssociate, {}, nullptr},
+    {0x0030 | kConfirmation, kAssociated, {}, nullptr}, {0x0038 | kIndication, kMap, kMapEntry, nullptr},
+    {0x6000 | kIndication, kUnassociated, {}, nullptr},
     {0x6004 | kIndication, kEncrypted, {}, nullptr}, {0x6004 | kResponse, kEncryptedAnswer, {}, nullptr},
     {0x6008 | kRequest, kSetKey, {}, nullptr}, {0x6008 | kConfirmation, kSetKeyAnswer, {}, nullptr},
     {0x600C | kRequest, kGetKey, {}, nullptr}, {0x600C | kConfirmation, kGetKeyAnswer, {}, nullptr},
@@ -243,13 +228,7 @@ constexpr Message kMessages[] = {
     {0x6074 | kIndication, kSound, {}, nullptr}, {0x6078 | kRequest, kValidate, {}, nullptr},
     {0x6078 | kConfirmation, kValidateAnswer, {}, nullptr}, {0x607C | kRequest, kMatch, {}, nullptr},
     {0x607C | kConfirmation, kMatch, kMatchKey, nullptr}, {0x6080 | kRequest, kUserData, {}, nullptr},
-    {0x6080 | kConfirmation, kUserData, {}, nullptr}, {0x6084 | kIndication, kProfile, kGroup, nullptr},
-    {0xA000 | kConfirmation, kSoftware, {}, nullptr}, {0xA004 | kRequest, kMemory, {}, nullptr},
-    {0xA008 | kRequest, kMemory, {}, nullptr}, {0xA00C | kRequest, kImage, {}, nullptr},
-    {0xA00C | kConfirmation, kStatus, {}, nullptr}, {0xA010 | kConfirmation, kNvm, {}, nullptr},
-    {0xA01C | kConfirmation, kStatus, {}, nullptr}, {0xA020 | kRequest, kModule, {}, nullptr},
-    {0xA034 | kRequest, kSniffer, {}, nullptr}, {0xA050 | kRequest, kVendorKey, {}, nullptr},
-    {0xA050 | kConfirmation, kStatus, {}, nullptr}, {0xA054 | kConfirmation, kMaker, {}, nullptr}};
+    {0x6080 | kConfirmation, kUserData, {}, nullptr}, {0x6084 | kIndication, kProfile, kGroup, nullptr}};
 
 }  // namespace
 
@@ -266,13 +245,16 @@ int32_t DecodeHomePlug(const Place& at, Cursor c) {
   AddLine(under, typeField, "Kind: %u = %s", kind, LookupName(kKindNames, kind));
   if (out.version.value) ShowRows<HomePlug>(in, c, kFragment, out);
   if (base >= kVendorTypes) ShowRows<HomePlug>(in, c, kVendor, out);
-  for (const Message& message : kMessages) {
-    if (message.type != type) continue;
-    ShowRows<HomePlug>(in, c, message.rows, out);
+  const HomePlugMessage* message = FindMakerMessage(type);
+  for (const HomePlugMessage& each : kMessages) {
+    if (each.type == type) message = &each;
+  }
+  if (message) {
+    ShowRows<HomePlug>(in, c, message->rows, out);
     // Rows behind the first that nothing counts stand there once.
-    if (message.list.count && out.count.here) ShowList(in, c, message.list, out);
-    else if (message.list.count) ShowRows<HomePlug>(in, c, message.list, out);
-    if (message.show) message.show(in, c, out);
+    if (message->list.count && out.count.here) ShowList(in, c, message->list, out);
+    else if (message->list.count) ShowRows<HomePlug>(in, c, message->list, out);
+    if (message->show) message->show(in, c, out);
   }
   c.ranShort = false;
   AddBlock(in, Rest(c), "HomePlug Data");
