@@ -199,10 +199,26 @@ constexpr auto kWide = Rows<Bgp>({
     Hex(4, "Community").Note(", 0x%08X"), Number(4, "Source AS").Note(", AS %u"), Number(4, "Context AS")});
 constexpr auto kContainerNames = SortedNames({{1, "Wide Community"}});
 constexpr auto kValue = Rows<Bgp>({Bytes(0, "Value")});
-constexpr auto kWideParts = Choices<Bgp>({{1, "Targets", kValue}, {2, "Exclude Targets", kValue},
-    {3, "Parameters", kValue}});
-
 constexpr ElementForm kLongForm{.lengthSize = 2, .valueLines = true};
+
+// What targets and parameters are made of (draft-ietf-idr-wide-bgp-communities).
+constexpr auto kAtomSystem = Rows<Bgp>({Number(4, "AS Number").Note(", AS %u")});
+constexpr auto kAtomNumber = Rows<Bgp>({Number(4, "Integer").Note(", %u")});
+constexpr auto kAtomFloat = Rows<Bgp>({Float(4, "Number")});
+constexpr auto kAtomText = Rows<Bgp>({Utf8(0, "Text").Note(", %s")});
+template <const auto& rows>
+void ShowWords(const Place& in, Cursor& c, Bgp& bgp) {
+  Loop loop;
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, rows, bgp);
+}
+constexpr auto kAtoms = Choices<Bgp>({
+    {1, "Autonomous System Numbers", {}, ShowWords<kAtomSystem>}, {2, "IPv4 Prefixes"}, {3, "IPv6 Prefixes"},
+    {4, "Integers", {}, ShowWords<kAtomNumber>}, {5, "Floating Point Numbers", {}, ShowWords<kAtomFloat>},
+    {6, "Neighbor Classes"}, {7, "User-Defined Classes"}, {8, "Text", kAtomText}});
+void ShowAtoms(const Place& in, Cursor& c, Bgp& bgp) { ShowElements<Bgp>(in, c, kLongForm, "Atom", kAtoms, bgp); }
+constexpr auto kWideParts = Choices<Bgp>({
+    {1, "Targets", {}, ShowAtoms}, {2, "Exclude Targets", {}, ShowAtoms}, {3, "Parameters", {}, ShowAtoms}});
+
 constexpr auto kAssociation = Rows<Bgp>({Number(1, "Association Type")});
 constexpr auto kAssociated = Rows<Bgp>({Number(3, "Associated Service Path Identifier")});
 void ShowAssociation(const Place& in, Cursor& c, Bgp& bgp) {

@@ -114,9 +114,13 @@ void ShowEncapsulation(const Place& in, Cursor& c, uint32_t tunnel, Bgp& bgp) {
   static constexpr auto kNetwork = Rows<Bgp>({
       Hex(1, "Flags"), Flag(0, "Network Identifier Valid"), Flag(1, "MAC Address Valid"), Number(3, "Virtual Network Identifier"),
       Mac("MAC Address"), Hex(2, "Reserved")});
+  static constexpr auto kExtension = Rows<Bgp>({
+      Hex(1, "Flags"), Bits(0, 2, "GPE Version"), Flag(2, "Network Identifier Valid"), Flag(3, "MAC Address Valid"),
+      Number(3, "Virtual Network Identifier"), Mac("MAC Address"), Hex(2, "Reserved")});
   static constexpr auto kSession = Rows<Bgp>({Hex(4, "Session ID"), Bytes(0, "Cookie")});
   static constexpr auto kKey = Rows<Bgp>({Hex(4, "GRE Key")});
   if (tunnel == 8 || tunnel == 9) ShowRows<Bgp>(in, c, kNetwork, bgp);
+  if (tunnel == 12) ShowRows<Bgp>(in, c, kExtension, bgp);
   if (tunnel == 1) ShowRows<Bgp>(in, c, kSession, bgp);
   if (tunnel == 2 || tunnel == 11) ShowRows<Bgp>(in, c, kKey, bgp);
 }

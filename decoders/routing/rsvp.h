@@ -20,6 +20,9 @@ void ShowRsvpErrorSpec(const Place& in, Cursor& c, Rsvp& rsvp);   // behind the 
 inline constexpr ElementForm kRsvpForm{
     .typeSize = 2, .lengthSize = 2, .padTo = 4, .lengthCountsHeader = true, .valueLines = true};
 
+const char* RsvpErrorName(uint32_t code);
+const char* RsvpErrorValueName(uint32_t code, uint32_t value);   // null for none
+
 void ShowRsvpExplicitRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpRecordedRoute(const Place& in, Cursor& c, Rsvp& rsvp);
 void ShowRsvpPolicies(const Place& in, Cursor& c, Rsvp& rsvp);

@@ -52,70 +52,14 @@ constexpr auto kTimes = Rows<Rsvp>({Number(4, "Refresh Period", " milliseconds")
 
 constexpr auto kErrorMasks = SortedNames({
     {0x01, "In Place"}, {0x02, "Not Guilty"}, {0x04, "Path State Removed"}});
-constexpr auto kErrorNames = SortedNames({
-    {0, "Confirmation"}, {1, "Admission Control Failure"}, {2, "Policy Control Failure"},
-    {3, "No Path Information for This Resv"}, {4, "No Sender Information for This Resv"},
-    {5, "Conflicting Reservation Style"}, {6, "Unknown Reservation Style"}, {7, "Conflicting Destination Ports"},
-    {8, "Conflicting Sender Ports"}, {12, "Service Preempted"}, {13, "Unknown Object Class"},
-    {14, "Unknown Object C-Type"}, {20, "Reserved for API"}, {21, "Traffic Control Error"},
-    {22, "Traffic Control System Error"}, {23, "RSVP System Error"}, {24, "Routing Problem"}, {25, "Notify"},
-    {26, "New Aggregate Needed"}, {27, "Diffserv Error"}, {28, "Diffserv-Aware TE Error"},
-    {29, "Unknown Attributes TLV"}, {30, "Unknown Attributes Bit"}, {31, "Alarms"}, {32, "Call Management"},
-    {33, "User Error Spec"}, {34, "Reroute"}, {35, "Handover Procedure Failure"},
-    {36, "Unrecoverable Receiver Proxy Error"}, {37, "RSVP over MPLS Problem"}, {38, "LSP Hierarchy Issue"},
-    {39, "VCAT Call Management"}});
-constexpr auto kAdmissionNames = SortedNames({
-    {1, "Delay Bound Cannot Be Met"}, {2, "Requested Bandwidth Unavailable"},
-    {3, "MTU in Flowspec Larger than Interface MTU"}, {4, "LSP Admission Failure"}, {5, "Bad Association Type"}});
-constexpr auto kTrafficNames = SortedNames({
-    {1, "Service Conflict"}, {2, "Service Unsupported"}, {3, "Bad Flowspec Value"}, {4, "Bad Tspec Value"},
-    {5, "Bad Adspec Value"}});
-constexpr auto kDiffservNames = SortedNames({
-    {1, "Unexpected DIFFSERV Object"}, {2, "Unsupported PHB"}, {3, "Invalid EXP<->PHB Mapping"},
-    {4, "Unsupported PSC"}, {5, "Per-LSP Context Allocation Failure"}});
-constexpr auto kClassTypeNames = SortedNames({
-    {1, "Unexpected CLASSTYPE Object"}, {2, "Unsupported Class-Type"}, {3, "Invalid Class-Type Value"},
-    {4, "Class-Type and Setup Priority Do Not Form a Configured TE-Class"},
-    {5, "Class-Type and Holding Priority Do Not Form a Configured TE-Class"},
-    {6, "Class-Type and Both Priorities Do Not Form Configured TE-Classes"},
-    {7, "Inconsistency between PSC and Class-Type"}, {8, "Inconsistency between PSC and Class-Types of a Group"}});
-constexpr auto kRoutingNames = SortedNames({
-    {1, "Bad EXPLICIT_ROUTE Object"}, {2, "Bad Strict Node"}, {3, "Bad Loose Node"}, {4, "Bad Initial Subobject"},
-    {5, "No Route Available toward Destination"}, {6, "Unacceptable Label Value"}, {7, "RRO Indicated Routing Loops"},
-    {8, "Non-RSVP-Capable Router in the Path"}, {9, "MPLS Label Allocation Failure"}, {10, "Unsupported L3PID"},
-    {11, "Label Set"}, {12, "Switching Type"}, {14, "Unsupported Encoding"}, {15, "Unsupported Link Protection"},
-    {16, "Unknown Interface Index"}, {17, "Unsupported LSP Protection"}, {18, "PROTECTION Object Not Applicable"},
-    {19, "Bad PRIMARY_PATH_ROUTE Object"}, {20, "PRIMARY_PATH_ROUTE Object Not Applicable"},
-    {21, "LSP Admission Failure"}, {22, "Bad Association Type"}, {23, "Unable to Branch"},
-    {24, "Unsupported LSP Integrity"}, {25, "P2MP Re-Merge Detected"}, {26, "P2MP Re-Merge Parameter Mismatch"},
-    {27, "ERO Resulted in Re-Merge"}, {64, "Unsupported EXCLUDE_ROUTE Subobject Type"},
-    {65, "Inconsistent Subobject"}, {66, "Local Node in EXCLUDE_ROUTE"}, {67, "Route Blocked by EXCLUDE_ROUTE"},
-    {68, "EXCLUDE_ROUTE Object Too Complex"}, {69, "Explicit Exclusion Route Subobject Too Complex"}});
-constexpr auto kNotifyNames = SortedNames({
-    {1, "RRO Too Large for MTU"}, {2, "RRO Notification"}, {3, "Tunnel Locally Repaired"},
-    {4, "Control Channel Active"},
-    {5, "Control Channel Degraded"}, {6, "Preferable Path Exists"}, {7, "Local Link Maintenance Required"},
-    {8, "Local Node Maintenance Required"}, {9, "LSP Failure"}, {10, "LSP Recovered"}, {11, "LSP Locally Failed"}});
-
-const char* ErrorValueName(uint32_t code, uint32_t value) {
-  switch (code) {
-    case 1: return LookupName(kAdmissionNames, value);
-    case 21: return LookupName(kTrafficNames, value);
-    case 24: return LookupName(kRoutingNames, value);
-    case 25: return LookupName(kNotifyNames, value);
-    case 27: return LookupName(kDiffservNames, value);
-    case 28: return LookupName(kClassTypeNames, value);
-    default: return nullptr;
-  }
-}
 constexpr auto kErrorCode = Rows<Rsvp>({
-    Flags(1, "Error Flags", kErrorMasks), Number(1, "Error Code", kErrorNames).Note(", %s").Into(&Rsvp::code)});
+    Flags(1, "Error Flags", kErrorMasks), Number(1, "Error Code", RsvpErrorName).Note(", %s").Into(&Rsvp::code)});
 constexpr auto kErrorNode4 = Rows<Rsvp>({IPv4("Error Node Address").Note(", %s")});
 constexpr auto kErrorNode6 = Rows<Rsvp>({IPv6("Error Node Address").Note(", %s")});
 void ShowError(const Place& in, Cursor& c, Rsvp& rsvp) {
   ShowRows<Rsvp>(in, c, kErrorCode, rsvp);
   const Field value = TakeU16(c);
-  const char* name = ErrorValueName(rsvp.code.value, value.value);
+  const char* name = RsvpErrorValueName(rsvp.code.value, value.value);
   if (name) {
     AddLine(in, value, "Error Value: %u = %s", value.value, name);
     AppendToParent(in, value, ", %s", name);
