@@ -29,6 +29,8 @@ int32_t LengthOfPcep(const Cursor& c);
 int32_t LengthOfOpenVpnOverTcp(const Cursor& c);
 int32_t LengthOfIpsecOverTcp(const Cursor& c);
 int32_t LengthOfTlsRecord(const Cursor& c);
+int32_t LengthOfGit(const Cursor& c);
+int32_t LengthOfAjp(const Cursor& c);
 int32_t LengthOfHttp(const Cursor& c);
 int32_t LengthOfSip(const Cursor& c);   // and RTSP
 

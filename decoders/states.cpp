@@ -12,6 +12,7 @@
 #include "decoders/app/radius_secret.h"
 #include "decoders/app/socks.h"
 #include "decoders/app/ssh.h"
+#include "decoders/app/stream_note.h"
 #include "decoders/app/telnet.h"
 #include "decoders/ipsec/openvpn_streams.h"
 #include "decoders/link/ppp_compression.h"

@@ -2,6 +2,7 @@
 // its extensions), POP3 (RFC 1939, 2449) and NNTP (RFC 3977).
 #include <iterator>
 
+#include "decoders/app/command_arguments.h"
 #include "decoders/app/internet_message.h"
 #include "decoders/app/tls_record.h"
 #include "decoders/common/header_lines.h"
@@ -105,23 +106,36 @@ void ShowDataPort(const Place& in, const Field& text) {
   }
 }
 
+// What a protocol's verbs and codes say.
+using ShowArgument = void (*)(const Place& in, const Field& verb, const Field& parameter);
+using ShowReplyText = void (*)(const Place& in, int32_t code, const Field& text);
+
+void ShowNoArgument(const Place&, const Field&, const Field&) {}
+void ShowNoReplyText(const Place&, int32_t, const Field&) {}
+
 template <class Codes>
-void ShowReply(const Place& at, const TextLine& line, const Codes& codes, bool isFtp) {
+void ShowReply(const Place& at, const TextLine& line, const Codes& codes, ShowReplyText show) {
   const int32_t code = CodeOf(line.text);
   const Place in = Under(at, AddTextLine(at, line.whole, "Reply", line.text));
-  if (code < 0) return;
+  if (code < 0) return show(in, code, line.text);
   AddLine(in, Slice(line.text, 0, 3), "Reply Code: %u = %s", code, LookupName(codes, static_cast<uint32_t>(code)));
   const Field text = Slice(line.text, 4, line.text.length - 4);
   if (text.length > 0) AddTextLine(in, text, "Reply Text");
-  if (isFtp && (code == 227 || code == 229)) ShowDataPort(in, text);
+  show(in, code, text);
 }
 
-void ShowCommand(const Place& at, const TextLine& line) {
+void ShowFtpText(const Place& in, int32_t code, const Field& text) {
+  if (code == 227 || code == 229) ShowDataPort(in, text);
+  ShowFtpReplyText(in, code, text);
+}
+
+void ShowCommand(const Place& at, const TextLine& line, ShowArgument show) {
   const Place in = Under(at, AddTextLine(at, line.whole, "Command", line.text));
   Field rest = line.text;
-  AddTextLine(in, TakeWord(rest), "Verb");
+  const Field verb = TakeWord(rest);
+  AddTextLine(in, verb, "Verb");
   rest = Trimmed(rest);
-  if (rest.length > 0) AddTextLine(in, rest, "Parameter");
+  if (rest.length > 0) show(Under(in, AddTextLine(in, rest, "Parameter")), verb, rest);
 }
 
 bool IsOneOf(const Field& line, const char* const* verbs, size_t count) {
@@ -139,6 +153,14 @@ constexpr const char* kSmtpVerbs[] = {"HELO", "EHLO", "LHLO", "MAIL", "RCPT", "D
 constexpr const char* kPopVerbs[] = {"USER", "PASS", "STAT", "LIST", "RETR", "DELE", "NOOP", "RSET", "QUIT", "TOP", "UIDL",
                                      "APOP", "AUTH", "CAPA", "STLS", "UTF8", "LANG"};
 
+bool IsPopReply(const Field& line) {
+  return StartsWithWord(line, "+OK") || StartsWithWord(line, "-ERR") || IsWord(line, "+") || StartsWithWord(line, "+ ");
+}
+
+void ShowPopArgument(const Place& in, const Field& verb, const Field& parameter) {
+  if (IsWord(verb, "AUTH")) ShowSmtpArgument(in, verb, parameter);
+}
+
 // The payload's line, which says its first line.
 Place TopLine(const Place& at, const Cursor& c, const char* name) {
   TextLine line;
@@ -147,28 +169,54 @@ Place TopLine(const Place& at, const Cursor& c, const char* name) {
   return Under(at, AddLine(at, Ahead(c, Left(c)), "%s: %s", name, Text(line.text)));
 }
 
-// The rest of a message, or a message from its headers on.
-void ShowMail(const Place& in, Cursor& c) {
-  if (StartsInternetMessage(c)) {
-    ShowInternetMessage(in, c, true);
+// The octets of a chunk (RFC 3030).
+void ShowChunk(const Place& in, Cursor& c, const Field& command) {
+  Field rest = command;
+  TakeWord(rest);
+  const int32_t length = DecimalOf(TakeWord(rest));
+  if (length <= 0) return;
+  Cursor chunk = TakeCursor(c, length);
+  const MessageEnd end{false, true, static_cast<uint32_t>(length - Left(chunk))};
+  if (StartsInternetMessage(chunk)) {
+    ShowInternetMessage(in, chunk, end);
   } else {
-    ShowMessageText(in, c, true);
+    ShowMessageText(in, chunk, end);
+  }
+}
+
+// The rest of a message, a message from its headers on, or what a client answers to a challenge.
+void ShowMail(const Place& in, Cursor& c) {
+  TextLine line;
+  Cursor next = c;
+  if (TakeLine(next, line) && Left(next) == 0 && IsSasl(line.text)) {
+    ShowSasl(Under(in, AddTextLine(in, line.whole, "Authentication", line.text)), line.text);
+    c = next;
+    return;
+  }
+  if (StartsInternetMessage(c)) {
+    ShowInternetMessage(in, c, kAtDot);
+  } else {
+    ShowMessageText(in, c, kAtDot);
   }
 }
 
 // Replies from `leastCode` on, commands by their verbs, and what is neither as part of a message.
 template <class Codes, size_t kVerbCount>
 void ShowConversation(const Place& in, Cursor& c, int32_t leastCode, const Codes& codes,
-                      const char* const (&verbs)[kVerbCount]) {
+                      const char* const (&verbs)[kVerbCount], ShowArgument showArgument, ShowReplyText showText) {
+  ShowMessageRest(in, c);
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop)) {
     Cursor next = c;
     if (!TakeLine(next, line)) break;
     if (CodeOf(line.text) >= leastCode) {
-      ShowReply(in, line, codes, false);
+      ShowReply(in, line, codes, showText);
     } else if (IsOneOf(line.text, verbs, kVerbCount)) {
-      ShowCommand(in, line);
+      ShowCommand(in, line, showArgument);
+      if (StartsWithWord(line.text, "BDAT ")) {
+        ShowChunk(in, next, line.text);
+      }
     } else {
       ShowMail(in, c);
       continue;
@@ -188,18 +236,18 @@ int32_t DecodeFtp(const Place& at, Cursor c) {
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
     if (isReply) {
-      ShowReply(in, line, kFtpCodes, true);
+      ShowReply(in, line, kFtpCodes, ShowFtpText);
     } else {
-      ShowCommand(in, line);
+      ShowCommand(in, line, ShowFtpArgument);
     }
   }
   return 1;
 }
 
 int32_t DecodeSmtp(const Place& at, Cursor c) {
-  if (!IsLines(c)) return 0;
+  if (!IsLines(c) && RecallNote(at, c).phase == 0) return 0;
   const Place in = TopLine(at, c, "SMTP");
-  ShowConversation(in, c, 200, kSmtpCodes, kSmtpVerbs);
+  ShowConversation(in, c, 200, kSmtpCodes, kSmtpVerbs, ShowSmtpArgument, ShowSmtpReplyText);
   return 1;
 }
 
@@ -208,34 +256,35 @@ int32_t DecodeNntp(const Place& at, Cursor c) {
                                     "HEAD", "HELP", "IHAVE", "LAST", "LIST", "LISTGROUP", "MODE", "NEWGROUPS", "NEWNEWS",
                                     "NEXT", "OVER", "POST", "QUIT", "SLAVE", "STARTTLS", "STAT", "TAKETHIS", "XGTITLE",
                                     "XHDR", "XOVER", "XPAT"};
-  if (!IsLines(c)) return 0;
+  if (!IsLines(c) && RecallNote(at, c).phase == 0) return 0;
   const Place in = TopLine(at, c, "NNTP");
-  ShowConversation(in, c, 100, kNntpCodes, kVerbs);
+  ShowConversation(in, c, 100, kNntpCodes, kVerbs, ShowNoArgument, ShowNoReplyText);
   return 1;
 }
 
 int32_t DecodePop3(const Place& at, Cursor c) {
-  if (!IsLines(c)) return 0;
+  if (!IsLines(c) && RecallNote(at, c).phase == 0) return 0;
   const Place in = TopLine(at, c, "POP3");
+  if (!IsPopReply(Ahead(c, Left(c)))) ShowMessageRest(in, c);
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop)) {
     Cursor next = c;
     if (!TakeLine(next, line)) break;
-    const bool isReply = StartsWithWord(line.text, "+OK") || StartsWithWord(line.text, "-ERR") || IsWord(line.text, "+");
+    const bool isReply = IsPopReply(line.text);
     if (!isReply && !IsOneOf(line.text, kPopVerbs, std::size(kPopVerbs))) {
       ShowMail(in, c);
       continue;
     }
     c = next;
     if (!isReply) {
-      ShowCommand(in, line);
+      ShowCommand(in, line, ShowPopArgument);
       continue;
     }
     const Place under = Under(in, AddTextLine(in, line.whole, "Reply", line.text));
     Field rest = line.text;
     AddTextLine(under, TakeWord(rest), "Status Indicator");
-    if (rest.length > 0) AddTextLine(under, rest, "Reply Text");
+    if (rest.length > 0) ShowSasl(Under(under, AddTextLine(under, rest, "Reply Text")), Trimmed(rest));
   }
   return 1;
 }

@@ -45,6 +45,57 @@ bool IsCommandName(const Field& word) {
   return word.length > 2;
 }
 
+// Where the list that is opened at `from` ends, behind its bracket.
+int32_t EndOfList(const Field& text, int32_t from) {
+  int32_t depth = 0;
+  bool isQuoted = false;
+  for (int32_t i = from; i < text.length; ++i) {
+    const uint32_t c = PeekU8(text, i);
+    if (isQuoted && c == '\\') ++i;
+    else if (c == '"') isQuoted = !isQuoted;
+    else if (!isQuoted && c == '(') ++depth;
+    else if (!isQuoted && c == ')' && --depth == 0) return i + 1;
+  }
+  return text.length;
+}
+
+// The end of a text in quotation marks, or of an atom with the brackets that it may hold, "BODY[HEADER (DATE)]".
+int32_t EndOfWord(const Field& text, int32_t from) {
+  const bool isQuoted = PeekU8(text, from) == '"';
+  int32_t brackets = 0;
+  for (int32_t i = from + isQuoted; i < text.length; ++i) {
+    const uint32_t c = PeekU8(text, i);
+    if (isQuoted && c == '\\') ++i;
+    else if (isQuoted && c == '"') return i + 1;
+    else if (c == '[') ++brackets;
+    else if (c == ']' && brackets > 0) --brackets;
+    else if (!isQuoted && brackets == 0 && (c == ' ' || c == ')')) return i;
+  }
+  return text.length;
+}
+
+// Numbers, names, texts and lists of them (RFC 9051 4).
+void ShowValues(const Place& in, const Field& text, int32_t depth) {
+  constexpr int32_t kMostDepth = 8;
+  for (int32_t at = 0; at < text.length && !PacketOf(in).limitReached;) {
+    const uint32_t c = PeekU8(text, at);
+    if (c == ' ' || c == ')') {
+      ++at;
+      continue;
+    }
+    const int32_t end = c == '(' ? EndOfList(text, at) : EndOfWord(text, at);
+    const Field value = Slice(text, at, end - at);
+    if (c != '(') {
+      AddTextLine(in, value, c == '"' ? "String" : c == '{' ? "Literal" : DecimalOf(value) >= 0 ? "Number" : "Name");
+    } else {
+      const Place list = Under(in, AddTextLine(in, value, "List"));
+      const int32_t inner = value.length - 1 - (value.length > 1 && PeekU8(value, value.length - 1) == ')');
+      if (depth < kMostDepth) ShowValues(list, Slice(value, 1, inner), depth + 1);
+    }
+    at = end > at ? end : at + 1;
+  }
+}
+
 void ShowLine(const Place& at, const TextLine& line) {
   Field rest = line.text;
   const Field tag = TakeWord(rest);
@@ -57,10 +108,12 @@ void ShowLine(const Place& at, const TextLine& line) {
   if (isResponse && IsStatus(word)) {
     AddTextLine(in, word, "Status");
     const Place text = Under(in, AddTextLine(in, ahead, "Text"));
+    const int32_t close = PeekU8(ahead) == '[' ? FindU8(CursorOver(ahead), ']') : -1;
+    if (close > 0) AddTextLine(text, Slice(ahead, 0, close + 1), "Response Code");
     const Field answered = TakeWord(ahead);
     if (!isUntagged && IsCommandName(answered)) AddTextLine(text, answered, "Answered Command");
   } else if (isResponse) {
-    AddTextLine(in, rest, "Data");
+    ShowValues(Under(in, AddTextLine(in, rest, "Data")), rest, 0);
   } else {
     AddTextLine(in, word, "Command");
     if (IsWord(word, "UID")) AddTextLine(in, TakeWord(ahead), "Command by UID");
@@ -68,8 +121,19 @@ void ShowLine(const Place& at, const TextLine& line) {
       AddTextLine(in, TakeWord(ahead), "User Name");
       AddTextLine(in, TakeWord(ahead), "Password");
     } else if (ahead.length > 0) {
-      AddTextLine(in, ahead, "Arguments");
+      ShowValues(Under(in, AddTextLine(in, ahead, "Arguments")), ahead, 0);
     }
+  }
+}
+
+// The octets of a literal, a message's or others'.
+void ShowLiteral(const Place& in, Cursor& c, int32_t length) {
+  Cursor octets = TakeCursor(c, length);
+  const MessageEnd end{false, true, static_cast<uint32_t>(length - Left(octets))};
+  if (StartsInternetMessage(octets)) {
+    ShowInternetMessage(in, octets, end);
+  } else {
+    ShowMessageText(in, octets, end);
   }
 }
 
@@ -78,15 +142,17 @@ void ShowLine(const Place& at, const TextLine& line) {
 int32_t DecodeImap(const Place& at, Cursor c) {
   TextLine line;
   Cursor ahead = c;
-  if (StartsTlsRecord(c.at, Left(c)) || !TakeLine(ahead, line)) return 0;
-  const bool isLine = IsImapLine(line.text);
-  if (!isLine && !StartsInternetMessage(c)) return 0;
+  if (StartsTlsRecord(c) || !TakeLine(ahead, line)) return 0;
+  const bool goesOn = RecallNote(at, c).phase != 0;
+  const bool isLine = !goesOn && IsImapLine(line.text);
+  if (!isLine && !goesOn && !StartsInternetMessage(c)) return 0;
   const Place in = isLine ? Under(at, AddLine(at, Ahead(c, Left(c)), "IMAP: %s", Text(line.text)))
                           : Under(at, AddLine(at, Ahead(c, Left(c)), "IMAP: Message"));
+  if (goesOn) ShowMessageRest(in, c);
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    if (!isLine && StartsInternetMessage(c)) {
-      ShowInternetMessage(in, c, false);
+    if (!isLine && !goesOn && StartsInternetMessage(c)) {
+      ShowInternetMessage(in, c, {});
       break;
     }
     TakeLine(c, line);
@@ -96,13 +162,7 @@ int32_t DecodeImap(const Place& at, Cursor c) {
       AddTextLine(in, line.whole, "Text", line.text);
     }
     const int32_t literal = LiteralOf(line.text);
-    if (literal <= 0) continue;
-    Cursor octets = TakeCursor(c, literal);
-    if (StartsInternetMessage(octets)) {
-      ShowInternetMessage(in, octets, false);
-    } else {
-      ShowMessageText(in, octets, false);
-    }
+    if (literal > 0) ShowLiteral(in, c, literal);
   }
   return 1;
 }

@@ -1,73 +1,186 @@
-// Internet message format (RFC 5322) with the headers of MIME (RFC 2045, 2183) and of netnews: what mail protocols carry.
 #include "decoders/app/internet_message.h"
 
-#include "decoders/common/header_lines.h"
+#include "decoders/common/text_lines.h"
+#include "decoders/common/transfer_text.h"
 
 namespace qxview {
 namespace {
 
-bool HoldsAddresses(const Field& name) {
-  constexpr const char* kNames[] = {"From", "To", "Cc", "Bcc", "Sender", "Reply-To", "Return-Path", "Resent-From",
-                                    "Resent-To", "Delivered-To", "Disposition-Notification-To"};
-  for (const char* each : kNames) {
-    if (IsWord(name, each)) return true;
+constexpr int32_t kMostDepth = 8;   // of messages and parts in one another
+constexpr uint8_t kInHeaders = 1, kInBody = 2;
+constexpr uint8_t kPlain = 0, kQuotedPrintable = 1, kBase64 = 2;
+
+// How a body ends, and how it goes on in the segments behind.
+struct Body {
+  MessageEnd end;
+  bool isEnded;
+  StreamNote note;
+};
+
+uint8_t EncodingOf(const Field& name) {
+  return IsWord(name, "quoted-printable") ? kQuotedPrintable : IsWord(name, "base64") ? kBase64 : kPlain;
+}
+
+bool IsDot(const Field& line) { return line.length == 1 && PeekU8(line) == '.'; }
+
+// "--boundary" or "--boundary--".
+bool IsBoundary(const Field& line, const Field& boundary) {
+  const int32_t length = boundary.length;
+  if (!boundary.here || length == 0 || line.length < length + 2 || !StartsWithText(CursorOver(line), "--")) return false;
+  for (int32_t i = 0; i < length; ++i) {
+    if (PeekU8(line, i + 2) != PeekU8(boundary, i)) return false;
   }
-  return false;
+  return true;
 }
 
-bool HoldsParameters(const Field& name) { return IsWord(name, "Content-Type") || IsWord(name, "Content-Disposition"); }
-
-// How much of a list stands in front of the next `end` that is in no quotation marks and no brackets.
-int32_t LengthUpTo(const Field& text, uint8_t end) {
-  bool quoted = false;
-  int32_t brackets = 0;
-  for (int32_t at = 0; at < text.length; ++at) {
-    const uint8_t c = PeekU8(text, at);
-    if (quoted && c == '\\') ++at;
-    else if (c == '"') quoted = !quoted;
-    else if (!quoted && (c == '<' || c == '(')) ++brackets;
-    else if (!quoted && brackets > 0 && (c == '>' || c == ')')) --brackets;
-    else if (!quoted && brackets == 0 && c == end) return at;
+// How far the next line stands that is a boundary or ends the message.
+int32_t LengthOfPart(Cursor c, const Field& boundary, bool takesDot) {
+  const int32_t start = c.offset;
+  TextLine line;
+  while (Left(c) > 0) {
+    const int32_t at = c.offset - start;
+    TakeLine(c, line);
+    if (IsBoundary(line.text, boundary) || (takesDot && IsDot(line.text))) return at;
   }
-  return text.length;
+  return c.offset - start;
 }
 
-Field WithoutSpace(Field text) {
-  while (text.length > 0 && IsSpace(PeekU8(text))) text = Slice(text, 1, text.length - 1);
-  while (text.length > 0 && IsSpace(PeekU8(text, text.length - 1))) text = Slice(text, 0, text.length - 1);
-  return text;
+void ShowEntity(const Place& in, Cursor& c, Body& body, int32_t depth);
+
+void ShowBase64(const Place& at, Cursor& c, const MimeEntity& entity, int32_t depth) {
+  const Field text = Rest(c);
+  if (!text.here) return;
+  Cursor octets = DecodeBase64(at, text);
+  const Place in = Under(at, AddLine(at, text, "Content: %u bytes in base64", static_cast<uint32_t>(Left(octets))));
+  const DerivedLines derived(at.view);
+  Body inner{};
+  if (IsWord(entity.type, "message/rfc822") && depth < kMostDepth) return ShowEntity(in, octets, inner, depth + 1);
+  if (StartsWithWord(entity.type, "text/") || IsReadable(octets)) return ShowLinesOfText(in, octets, "Text");
+  AddBlock(in, Rest(octets), "Decoded Data");
 }
 
-Field TakePiece(Field& rest, uint8_t end) {
-  const int32_t length = LengthUpTo(rest, end);
-  const Field piece = WithoutSpace(Slice(rest, 0, length));
-  const int32_t behind = length < rest.length ? length + 1 : length;
-  rest = Slice(rest, behind, rest.length - behind);
-  return piece;
-}
-
-// "Name" <local@domain>, each of a list.
-void ShowAddresses(const Place& in, Field rest) {
+void ShowPlain(const Place& in, Cursor& c, uint8_t encoding) {
+  TextLine line;
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    const Field item = TakePiece(rest, ',');
-    if (item.length == 0) continue;
-    const Place under = Under(in, AddTextLine(in, item, "Mailbox"));
-    int32_t open = item.length;
-    while (open > 0 && PeekU8(item, open - 1) != '<') --open;
-    const int32_t close = item.length - (PeekU8(item, item.length - 1) == '>');
-    if (open > 1) AddTextLine(under, WithoutSpace(Slice(item, 0, open - 1)), "Display Name");
-    AddTextLine(under, Slice(item, open, close - open), "Address");
+  while (MoreAt(in, c, loop) && TakeLine(c, line)) {
+    if (encoding != kQuotedPrintable) {
+      AddTextLine(in, line.whole, "Text", line.text);
+      continue;
+    }
+    uint8_t octets[kLineSize];
+    const int32_t used = ReadQuotedPrintable(line.text, false, octets, kLineSize);
+    AddTextLine(in, line.whole, "Text", Field{octets, line.whole.offset, used, 0, true});
   }
 }
 
-void ShowParameters(const Place& in, Field rest) {
-  AddTextLine(in, TakePiece(rest, ';'), "Type");
+void ShowParts(const Place& in, Cursor& c, const Field& boundary, Body& body, int32_t depth) {
+  TextLine line;
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    const Field parameter = TakePiece(rest, ';');
-    if (parameter.length > 0) AddTextLine(in, parameter, "Parameter");
+  while (MoreAt(in, c, loop)) {
+    Cursor next = c;
+    if (!TakeLine(next, line) || !IsBoundary(line.text, boundary)) {
+      Cursor text = TakeCursor(c, LengthOfPart(c, boundary, false));
+      ShowPlain(in, text, body.note.detail);
+      continue;
+    }
+    c = next;
+    const int32_t behind = boundary.length + 2;
+    const bool isLast = line.text.length >= behind + 2 && PeekU8(line.text, behind) == '-';
+    AddTextLine(in, line.whole, isLast ? "Last Boundary" : "Boundary", line.text);
+    Cursor part = TakeCursor(c, LengthOfPart(c, boundary, false));
+    if (Left(part) == 0) continue;
+    if (isLast) ShowPlain(in, part, kPlain);
+    else ShowEntity(Under(in, AddLine(in, Ahead(part, Left(part)), "Part")), part, body, depth + 1);
   }
+}
+
+// A body whose end is known, or the part of it that is here.
+void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, int32_t depth) {
+  body.note.phase = kInBody;
+  body.note.detail = EncodingOf(entity.encoding);
+  if (depth > kMostDepth) {
+    AddLine(in, Rest(c), "Parts nest too deeply to be shown");
+  } else if (entity.boundary.length > 0) {
+    PutText(body.note, entity.boundary);
+    ShowParts(in, c, entity.boundary, body, depth);
+    PutText(body.note, entity.boundary);
+  } else if (body.note.detail == kBase64) {
+    ShowBase64(in, c, entity, depth);
+  } else if (IsWord(entity.type, "message/rfc822")) {
+    ShowEntity(Under(in, AddLine(in, Ahead(c, Left(c)), "Internet Message")), c, body, depth + 1);
+  } else {
+    ShowPlain(in, c, body.note.detail);
+  }
+}
+
+void ShowHeadersOf(const Place& at, Cursor& c, MimeEntity& entity, Body& body, LineHandle title) {
+  HeaderLine header;
+  Loop loop;
+  while (MoreAt(at, c, loop) && TakeHeader(c, header)) {
+    ShowMessageHeader(at, header, entity);
+    if (title && IsWord(header.name, "Subject")) AppendToLine(at, title, ", Subject: %s", Text(header.value));
+  }
+  const bool isCut = Left(c) > 0 && FindU8(c, '\n') < 0;   // in front of its colon
+  if (isCut) AddTextLine(at, Rest(c), "Header, Cut");
+  body.note.phase = Left(c) > 0 ? kInBody : kInHeaders;
+  PutText(body.note, entity.boundary);
+  body.note.detail = entity.isAtType;
+  ShowEndOfHeaders(at, c);
+}
+
+void ShowEntity(const Place& in, Cursor& c, Body& body, int32_t depth) {
+  MimeEntity entity{};
+  ShowHeadersOf(in, c, entity, body, 0);
+  if (Left(c) > 0) ShowBody(in, c, entity, body, depth);
+}
+
+// The body up to its end.
+void ShowToEnd(const Place& at, Cursor& c, const MimeEntity& entity, Body& body) {
+  Cursor text = TakeCursor(c, body.end.takesDot ? LengthOfPart(c, {}, true) : Left(c));
+  if (Left(text) > 0) ShowBody(at, text, entity, body, 0);
+  TextLine line;
+  if (!body.end.takesDot || !TakeLine(c, line)) return;
+  AddLine(at, line.whole, "End of Message");
+  body.isEnded = true;
+}
+
+void NoteRest(const Place& at, const Cursor& c, const Cursor& before, Body& body) {
+  if (body.isEnded || Left(c) > 0 || (body.end.isCounted && body.end.lacking == 0)) return;
+  const int32_t size = c.offset - before.offset;
+  body.note.isMidLine = size > 0 && PeekU8(before, size - 1) != '\n';
+  body.note.lacking = body.end.lacking;
+  LeaveNote(at, c, body.note);
+}
+
+// The line that an earlier segment's headers ended in, or one that is folded behind them. A boundary that was cut goes on in it.
+void ShowHeaderRest(const Place& at, Cursor& c, StreamNote& note) {
+  TextLine line;
+  Cursor next = c;
+  const bool isFolded = PeekU8(c) == ' ' || PeekU8(c) == '\t';
+  if ((!note.isMidLine && !isFolded) || !TakeLine(next, line)) return;
+  AddTextLine(at, line.whole, "Rest of Header", line.text);
+  const int32_t end = FindU8(CursorOver(line.text), '"');
+  if (note.isMidLine && note.detail && end >= 0 && note.textLength > 0) AppendText(note, Slice(line.text, 0, end));
+  c = next;
+}
+
+void ShowWhole(const Place& in, Cursor& c, const MessageEnd& end, StreamNote note, const char* name) {
+  constexpr uint8_t kQuotedPrintableName[] = {'q', 'u', 'o', 't', 'e', 'd', '-', 'p', 'r', 'i', 'n', 't', 'a', 'b', 'l', 'e'};
+  Body body{end, false, note};
+  MimeEntity entity{};
+  const Cursor before = c;
+  const LineHandle title = AddLine(in, Ahead(c, Left(c)), "%s", name);   // keys: none Internet Message, Continued Message
+  const Place at = Under(in, title);
+  if (note.phase == kInHeaders) ShowHeaderRest(at, c, note);
+  entity.boundary = TextOf(note);
+  if (note.phase == kInBody) {
+    if (note.detail == kQuotedPrintable) entity.encoding = {kQuotedPrintableName, 0, sizeof kQuotedPrintableName, 0, true};
+  } else {
+    ShowHeadersOf(at, c, entity, body, title);
+  }
+  ShowToEnd(at, c, entity, body);
+  NoteRest(in, c, before, body);
+  if (!at.dead) SetRange(in, title, before.offset, c.offset - before.offset);
 }
 
 }  // namespace
@@ -84,35 +197,28 @@ bool StartsInternetMessage(const Cursor& c) {
   return TakeHeader(next, second);
 }
 
-void ShowMessageText(const Place& in, Cursor& c, bool takesDot) {
-  TextLine line;
-  Loop loop;
-  while (MoreAt(in, c, loop) && TakeLine(c, line)) {
-    if (takesDot && line.text.length == 1 && PeekU8(line.text) == '.') {
-      AddLine(in, line.whole, "End of Message");
-      return;
-    }
-    AddTextLine(in, line.whole, "Text", line.text);
-  }
+void ShowMessageText(const Place& in, Cursor& c, const MessageEnd& end) {
+  Body body{end, false, {}};
+  const Cursor before = c;
+  ShowToEnd(in, c, {}, body);
+  body.note.phase = kInBody;
+  NoteRest(in, c, before, body);
 }
 
-void ShowInternetMessage(const Place& in, Cursor& c, bool takesDot) {
-  const int32_t start = c.offset;
-  const LineHandle title = AddLine(in, Ahead(c, Left(c)), "Internet Message");
-  const Place at = Under(in, title);
-  HeaderLine header;
-  Loop loop;
-  while (MoreAt(at, c, loop) && TakeHeader(c, header)) {
-    const Place under = Under(at, ShowHeader(at, header));
-    AddTextLine(under, header.name, "Name");
-    const Place value = Under(under, AddTextLine(under, header.value, "Value"));
-    if (HoldsAddresses(header.name)) ShowAddresses(value, header.value);
-    if (HoldsParameters(header.name)) ShowParameters(value, header.value);
-    if (IsWord(header.name, "Subject")) AppendToLine(in, title, ", Subject: %s", Text(header.value));
+void ShowInternetMessage(const Place& in, Cursor& c, const MessageEnd& end) {
+  ShowWhole(in, c, end, {}, "Internet Message");
+}
+
+bool ShowMessageRest(const Place& in, Cursor& c) {
+  const StreamNote note = RecallNote(in, c);
+  if (note.phase == 0) return false;
+  if (note.lacking == 0) {
+    ShowWhole(in, c, kAtDot, note, "Continued Message");
+    return true;
   }
-  ShowEndOfHeaders(at, c);
-  ShowMessageText(at, c, takesDot);
-  if (!at.dead) SetRange(in, title, start, c.offset - start);
+  Cursor counted = TakeCursor(c, note.lacking);
+  ShowWhole(in, counted, {false, true, note.lacking - static_cast<uint32_t>(Left(counted))}, note, "Continued Message");
+  return true;
 }
 
 }  // namespace qxview
