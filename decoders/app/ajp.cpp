@@ -44,8 +44,8 @@ AjpText TakeString(Cursor& c) {
   const int32_t size = length == 0xFFFF ? 2 : static_cast<int32_t>(length) + 3;
   const Field whole = AheadCut(c, size);
   const Cursor all = TakeCursor(c, size);
-  const int32_t most = whole.length - 2 < 0 ? 0 : whole.length - 2;
-  return {whole, PeekBytes(all, 2, length == 0xFFFF ? 0 : most < static_cast<int32_t>(length) ? most : static_cast<int32_t>(length))};
+  const int32_t most = whole.length - 2 < 0 ? 0 : whole.length - 2, wanted = length == 0xFFFF ? 0 : static_cast<int32_t>(length);
+  return {whole, PeekBytes(all, 2, most < wanted ? most : wanted)};
 }
 
 void ShowString(const Place& in, Cursor& c, const char* label, Ajp&) {
