@@ -7,11 +7,14 @@ namespace qxview {
 class NewFile;
 
 void AddDecodeCommand(CommandLine* line);
+void AddFieldsCommand(CommandLine* line);
 void AddFindCommand(CommandLine* line);
+void AddFollowCommand(CommandLine* line);
 void AddListCommand(CommandLine* line);
 void AddPrintCommand(CommandLine* line);
 void AddProtocolsCommand(CommandLine* line);
 void AddSaveCommand(CommandLine* line);
+void AddStatCommand(CommandLine* line);
 void AddXmlCommand(CommandLine* line);
 
 // Says that standard output could not be written, and why; the exit status for it.

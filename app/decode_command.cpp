@@ -19,6 +19,7 @@ struct DecodeOptions {
   bool ranges = false;
   bool keys = false;
   bool bytes = false;
+  TreeShape shape;
 };
 
 int Decode(const DecodeOptions& options) {
@@ -29,11 +30,12 @@ int Decode(const DecodeOptions& options) {
   if (style.colors && IsTerminal(StandardOutputFile())) ResetColorsOnSignal();
   style.ranges = options.ranges;
   style.keys = options.keys;
+  style.shape = options.shape;
   style.cells = IsTerminal(StandardOutputFile());
   bool first = true, hasMemory = true;
   const int status = ForEachRun(options.reading, [&](PacketRun& run) {
     Session& session = run.GetSession();
-    hasMemory = !options.keys || KeepFacts(&session.Context(), true);
+    hasMemory = (!options.keys && options.shape.only.empty()) || KeepFacts(&session.Context(), true);
     if (!hasMemory) return Tell("no memory for keys"), false;
     run.ShowNotes(options.time);
     if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
@@ -42,7 +44,7 @@ int Decode(const DecodeOptions& options) {
       if (options.format == Format::kJson) {
         const char* const file = options.reading.prefixFile ? frame.file : nullptr;
         const QxHost* const host = options.keys ? run.Host().Record() : nullptr;
-        WriteJson(*out, session, {record, frame.number, handled, options.bytes, file, host});
+        WriteJson(*out, session, {record, frame.number, handled, options.bytes, options.keys, file, &options.shape, host});
       } else if (options.format == Format::kTree) {
         if (!first) out->Put('\n');
         first = false;
@@ -70,6 +72,7 @@ void AddDecodeCommand(CommandLine* line) {
                             {{"tree", Format::kTree}, {"text", Format::kText}, {"json", Format::kJson}},
                             &options->format);
   AddTimeOption(&command, &options->time);
+  AddShapeOptions(&command, &options->shape);
   command.AddFlag("--ranges", "each line's byte range behind it (tree)", &options->ranges);
   command.AddFlag("--keys", "each line's key and value: behind it, in json as \"key\" and \"value\"", &options->keys);
   command.AddFlag("-x", "the frame's bytes: behind its tree, in json as \"bytes\"", &options->bytes);
@@ -78,8 +81,13 @@ void AddDecodeCommand(CommandLine* line) {
       "  qxview decode capture.pcap\n"
       "  qxview decode --packets 3-9 --ranges -x capture.pcapng.gz\n"
       "  qxview decode -d tcp:8080=HTTP --format json capture.pcap\n"
+      "  qxview decode --only http,tls --no-dumps -Y 'ip.addr == 192.0.2.1' capture.pcap\n"
       "  tcpdump -U -w - | qxview decode -");
   command.SetAction([options] {
+    if (options->format == Format::kText && options->shape.IsUsed()) {
+      return Tell("decode: --only, --depth and --no-dumps are for the formats tree and json; text is what the "
+                  "save-as-text mode writes"), static_cast<int>(kUsage);
+    }
     const int status = FinishReadingOptions(&options->reading);
     return status == kDone ? Decode(*options) : status;
   });

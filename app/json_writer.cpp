@@ -82,7 +82,7 @@ void PutOrigin(Output& out, const OwnRange& own, const BytePiece* earlier, int32
   if (count > 0) out.Put(']');
 }
 
-void PutLineHead(Output& out, Session& session, LineHandle line) {
+void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) {
   constexpr int32_t kMostEarlier = 64;   // pieces of a line: the others are those of the lines under it
   const ArenaTree& tree = session.Tree();
   int32_t kind, offset;
@@ -102,26 +102,29 @@ void PutLineHead(Output& out, Session& session, LineHandle line) {
   PutNumber(out, tree.Image(line));
   if (IsDerived(&session.Context(), tree.RangeIndex(line))) out.Put(",\"derived\":true");
   PutOrigin(out, own, earlier, kMostEarlier);
-  if (session.Context().facts) PutFact(out, session.Context(), tree.RangeIndex(line));
+  if (withKeys) PutFact(out, session.Context(), tree.RangeIndex(line));
 }
 
-void PutLines(Output& out, Session& session) {
+void PutLines(Output& out, Session& session, const JsonPacket& packet) {
+  const TreeShape& shape = *packet.shape;
   const ArenaTree& tree = session.Tree();
-  for (LineHandle line = tree.FirstChild(0); line;) {
-    PutLineHead(out, session, line);
-    if (const LineHandle child = tree.FirstChild(line)) {
+  int32_t depth = 1;
+  for (LineHandle line = shape.FirstUnder(session, 0, 0); line;) {
+    PutLineHead(out, session, line, packet.withKeys);
+    if (const LineHandle child = shape.FirstUnder(session, line, depth)) {
       out.Put(",\"lines\":[");
       line = child;
+      ++depth;
       continue;
     }
     out.Put('}');
-    while (line && !tree.NextSibling(line)) {
-      line = tree.Parent(line);
-      if (line) out.Put("]}");
+    LineHandle next;
+    while (!(next = shape.Next(session, line)) && (line = tree.Parent(line))) {
+      out.Put("]}");
+      --depth;
     }
-    if (!line) break;
-    out.Put(',');
-    line = tree.NextSibling(line);
+    line = next;
+    if (line) out.Put(',');
   }
 }
 
@@ -200,7 +203,7 @@ void WriteJson(Output& out, Session& session, const JsonPacket& packet) {
   if (packet.withBytes) PutBytes(out, record);
   if (session.Tree().FirstChild(0)) {
     out.Put(",\"lines\":[");
-    PutLines(out, session);
+    PutLines(out, session, packet);
     out.Put("]}\n");
   } else {
     out.Put("}\n");

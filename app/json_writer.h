@@ -1,6 +1,7 @@
 // The decode tree as JSON, one object a line, one line a packet (docs/decode.schema.json).
 #pragma once
 #include "app/output.h"
+#include "app/tree_shape.h"
 #include "host/session.h"
 
 namespace qxview {
@@ -10,7 +11,9 @@ struct JsonPacket {
   uint64_t number;
   int32_t handled;
   bool withBytes;   // the frame's, in hexadecimal
+  bool withKeys;    // of the lines
   const char* file;   // its capture's name; null: not said
+  const TreeShape* shape;   // of the lines
   const QxHost* host;   // with the line of the packet list, which it names addresses for; null: without
 };
 

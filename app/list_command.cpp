@@ -11,6 +11,7 @@
 #include "app/output.h"
 #include "app/packet_protocol.h"
 #include "app/packet_run.h"
+#include "app/record_writer.h"
 #include "app/tree_writer.h"
 #include "core/decoder.h"
 #include "core/digits.h"
@@ -27,6 +28,8 @@ struct ListOptions {
   ReadingOptions reading;
   TimeForm time = TimeForm::kRelative;
   bool wide = false;
+  bool asData = false;
+  RecordFormat format = RecordFormat::kCsv;   // of data
 };
 
 constexpr size_t kNumberWidth = 6, kTimeWidth = 12, kAddressWidth = 17, kLengthWidth = 5;
@@ -157,7 +160,61 @@ class PacketList {
   std::optional<ListTable> table_;
 };
 
+// The list as data, under the names that its columns have as keys.
+class DataList {
+ public:
+  DataList(const ListOptions& options, Output& out)
+      : options_(options), time_(options.time), writer_(out, options.format, Names(options)) {
+    writer_.PutHeader();
+  }
+  void Put(PacketRun& run, const FrameRecord* record, const CaptureFrame& frame) {
+    ShownPacket packet(run.GetSession(), run.Host().Record());
+    packet.Take(record, frame.number, true);
+    char time[ListTime::kSize];
+    const int32_t timeLength = time_.Format(run.Times(), record->nanoseconds % 1000 == 0 ? 6 : 9, time);
+    const std::string_view timeText{time, static_cast<size_t>(timeLength)};
+    if (options_.reading.prefixFile) writer_.PutText(frame.file);
+    writer_.PutNumber(std::to_string(frame.number));
+    const bool isText = options_.time == TimeForm::kAbsolute || options_.time == TimeForm::kUtc || options_.time == TimeForm::kIso;
+    if (isText) writer_.PutText(timeText); else writer_.PutNumber(timeText);
+    writer_.PutText(ToUtf8(packet.Source()));
+    writer_.PutText(ToUtf8(packet.Destination()));
+    writer_.PutText(ToUtf8(packet.Protocol()));
+    writer_.PutNumber(std::to_string(packet.Length()));
+    writer_.PutText(ToUtf8(packet.Summary()));
+    writer_.EndRecord();
+  }
+
+ private:
+  static std::vector<std::string> Names(const ListOptions& options) {
+    std::vector<std::string> names{"frame.number",   "frame.time",   "frame.source", "frame.destination",
+                                   "frame.protocol", "frame.length", "frame.summary"};
+    if (options.reading.prefixFile) names.insert(names.begin(), "file");
+    return names;
+  }
+  const ListOptions& options_;
+  ListTime time_;
+  RecordWriter writer_;
+};
+
+int ListAsData(const ListOptions& options) {
+  auto out = std::make_unique<Output>();
+  DataList list(options, *out);
+  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
+    run.GetSession().DecodeHeadersOnly();
+    run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+      list.Put(run, record, frame);
+      if (options.reading.flushEachPacket) out->Flush();
+      return !out->Failed();
+    });
+    return !out->Failed();
+  });
+  out->Flush();
+  return out->Failed() ? OutputFault() : status;
+}
+
 int List(const ListOptions& options) {
+  if (options.asData) return ListAsData(options);
   auto out = std::make_unique<Output>();
   const int status = ForEachRun(options.reading, [&](PacketRun& run) {
     run.GetSession().DecodeHeadersOnly();
@@ -185,6 +242,11 @@ void AddListCommand(CommandLine* line) {
   AddPrefixOption(&command, &options->reading);
   AddTimeOption(&command, &options->time);
   command.AddFlag("--wide", "with all columns, not cut to the terminal's width", &options->wide);
+  command.AddOption("--format", "FORMAT", "as data: csv, tsv or json (an object a line)",
+                    [options](const std::string& value, std::string* wrong) {
+                      options->asData = true;
+                      return TakeRecordFormat(value, &options->format, wrong);
+                    });
   command.SetExamples(
       "Examples:\n"
       "  qxview list capture.pcap\n"

@@ -30,11 +30,14 @@ int main(int argc, char** argv) try {
   const std::vector<std::string> words = StartProgram(argc, argv);
   CommandLine line;
   AddDecodeCommand(&line);
+  AddFieldsCommand(&line);
   AddFindCommand(&line);
+  AddFollowCommand(&line);
   AddListCommand(&line);
   AddPrintCommand(&line);
   AddProtocolsCommand(&line);
   AddSaveCommand(&line);
+  AddStatCommand(&line);
   AddXmlCommand(&line);
   const int status = line.Run(words);
   EndBySignal();

@@ -7,6 +7,7 @@
 #include "host/text.h"
 #include "platform/mib_modules.h"
 #include "platform/platform.h"
+#include "query/filter.h"
 
 namespace qxview {
 namespace {
@@ -14,6 +15,28 @@ namespace {
 bool ParsePacketNumber(const std::string& text, uint64_t* number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *number);
   return !text.empty() && error == std::errc() && end == text.data() + text.size() && *number > 0;
+}
+
+}  // namespace
+
+namespace {
+
+// Takes a display filter that is right; else *wrong says what is not, with marks under the place.
+bool TakeFilter(const std::string& expression, std::string* filter, std::string* wrong) {
+  FilterFault fault;
+  *filter = expression;
+  if (Filter::Parse(expression, &fault)) return true;
+  *wrong = fault.message;
+  if (expression.find_first_of("\n\r\t") != expression.npos || expression.size() > 1000) return false;
+  // Bytes that go on a character of UTF-8 take no column.
+  const auto columns = [](std::string_view text) {
+    return std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; });
+  };
+  const std::string_view whole = expression;
+  const auto first = columns(whole.substr(0, fault.at)), marked = columns(whole.substr(fault.at, fault.length));
+  *wrong += "\n  " + expression + "\n  " + std::string(static_cast<size_t>(first), ' ') +
+            std::string(static_cast<size_t>(std::max<ptrdiff_t>(marked, 1)), '^');
+  return false;
 }
 
 }  // namespace
@@ -72,6 +95,12 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
                      });
   command->AddNumber("-c,--count", "N", "stop after N packets", 1, UINT64_MAX, &options->count);
   command->AddText("-f,--filter", "EXPR", "only packets that match a BPF expression", &options->filter);
+  command->AddOption("-Y,--where", "EXPR",
+                     "only packets whose fields it is true of: dns.qry.name contains \"test\" and ip.addr == 10.0.0.0/8; "
+                     "qxview protocols --fields lists the keys",
+                     [options](const std::string& value, std::string* wrong) {
+                       return TakeFilter(value, &options->where, wrong);
+                     });
   command->AddTexts("-d,--decode-as", "SPEC",
                     "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
                     "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address; tcp:80=none takes one away",

@@ -35,6 +35,7 @@ struct ReadingOptions {
   PacketSelection selection;
   uint64_t count = UINT64_MAX;
   std::string filter;
+  std::string where;                // a display filter that was found right
   HostOptions host;
   bool flushEachPacket = false;
   ColorChoice color = ColorChoice::kAuto;

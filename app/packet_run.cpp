@@ -75,6 +75,13 @@ bool PacketRun::Open(const ReadingOptions& options, const std::vector<std::strin
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());
   if (!TakeSecrets()) return false;
+  asked_ = std::make_unique<ShownPacket>(*session_, host_->Record());
+  probe_ = std::make_unique<Probe>(*session_);
+  if (!options.where.empty()) {
+    FilterFault fault;
+    where_ = Filter::Parse(options.where, &fault);
+    if (!where_) return status_ = kUsage, Tell("--where: " + fault.message), false;
+  }
   builder_ = std::make_unique<RecordBuilder>();
   return true;
 }
@@ -128,6 +135,26 @@ bool PacketRun::Matches(const CaptureFrame& frame) {
   return matches;
 }
 
+// Whether the packet is one that --where asks for.
+bool PacketRun::Answers(const CaptureFrame& frame) {
+  if (!where_) return true;
+  return Ask(where_->Keys(), frame) && where_->Holds();
+}
+
+bool PacketRun::Ask(KeyQuery& query, const CaptureFrame& frame) {
+  const FrameRecord* record = RecordOf(frame);
+  asked_->Take(record, frame.number);
+  wasDecoded_ |= query.AsksForLines();
+  if (probe_->Ask(query, record, *asked_)) return true;
+  status_ = kFileFault;
+  return Tell("no memory for keys"), false;
+}
+
+// A packet that is not shown teaches what later ones need.
+void PacketRun::PassBy(const CaptureFrame& frame) {
+  if (!wasDecoded_) session_->Pass(RecordOf(frame));
+}
+
 // A link type without a decoder is told once: its packets are an empty decode.
 void PacketRun::TellLinkType(const CaptureFrame& frame) {
   const uint16_t linkType = frame.linkType;
@@ -168,7 +195,9 @@ int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)
   while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
     if ((seen & 0xF) == 0xF) progress_.Show(reader_->FilePosition(), reader_->FileSize());
     if (frame.number > last) break;
-    const bool selected = Matches(frame);
+    record_ = nullptr;
+    wasDecoded_ = false;
+    const bool selected = Matches(frame) && Answers(frame);
     NoteTime(frame.nanoseconds, ++seen == 1, selected);
     selectedPackets += selected;
     if (selected && prefixed_) prefixed_->SetLinePrefix(frame.file);
@@ -183,7 +212,7 @@ int PacketRun::ForEach(const Handler& handle) {
     bool goOn = true;
     const FrameRecord* record = RecordOf(frame);
     if (!selected) {
-      session_->Pass(record);
+      PassBy(frame);
     } else {
       if (!FindFrameDecoder(record)) TellLinkType(frame);
       if (notes_) record = notes_->Add(record, frame, times_);
@@ -194,12 +223,41 @@ int PacketRun::ForEach(const Handler& handle) {
   });
 }
 
+int PacketRun::ForEachAsked(KeyQuery& query, const RecordHandler& handle) {
+  return Pass([&](const CaptureFrame& frame, bool selected) {
+    const bool goOn = !selected || (Ask(query, frame) && handle(RecordOf(frame), frame));
+    PassBy(frame);
+    host_->FinishPacket();
+    return goOn;
+  });
+}
+
+int PacketRun::ForEachProtocols(const ProtocolsHandler& handle) {
+  std::vector<const char*> protocols;
+  return Pass([&](const CaptureFrame& frame, bool selected) {
+    bool goOn = true;
+    if (selected) {
+      wasDecoded_ = probe_->ListProtocols(RecordOf(frame), &protocols);
+      goOn = handle(RecordOf(frame), frame, protocols);
+    }
+    PassBy(frame);
+    host_->FinishPacket();
+    return goOn;
+  });
+}
+
 int PacketRun::ForEachRecord(const RecordHandler& handle) {
   return ForEachFrame([&](const CaptureFrame& frame) { return handle(RecordOf(frame), frame); });
 }
 
 int PacketRun::ForEachFrame(const FrameHandler& handle) {
-  return Pass([&](const CaptureFrame& frame, bool selected) { return !selected || handle(frame); });
+  return Pass([&](const CaptureFrame& frame, bool selected) {
+    if (where_) {
+      PassBy(frame);
+      host_->FinishPacket();
+    }
+    return !selected || handle(frame);
+  });
 }
 
 int ForEachRun(const ReadingOptions& options, const std::function<bool(PacketRun& run)>& handle) {

@@ -8,10 +8,13 @@
 #include "app/output.h"
 #include "app/packet_notes.h"
 #include "app/progress.h"
+#include "app/shown_packet.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
 #include "host/key_log.h"
 #include "host/session.h"
+#include "query/filter.h"
+#include "query/probe.h"
 
 namespace qxview {
 
@@ -33,8 +36,17 @@ class PacketRun {
   // exit status.
   int ForEach(const Handler& handle);
 
-  // The same without decoding: for commands that keep packets as they are.
   using RecordHandler = std::function<bool(const FrameRecord* record, const CaptureFrame& frame)>;
+
+  // The same, for a query's values: its lines alone are made. `query` holds those of the packet when the handler is called.
+  int ForEachAsked(KeyQuery& query, const RecordHandler& handle);
+
+  // The same, with the short names of the packet's protocols, the outer ones first.
+  using ProtocolsHandler =
+      std::function<bool(const FrameRecord* record, const CaptureFrame& frame, const std::vector<const char*>& protocols)>;
+  int ForEachProtocols(const ProtocolsHandler& handle);
+
+  // The same without decoding: for commands that keep packets as they are.
   int ForEachRecord(const RecordHandler& handle);
   using FrameHandler = std::function<bool(const CaptureFrame& frame)>;
   int ForEachFrame(const FrameHandler& handle);
@@ -44,6 +56,8 @@ class PacketRun {
 
   Session& GetSession() { return *session_; }
   StandaloneHost& Host() { return *host_; }
+  // For what asks it for names when the run is over.
+  std::shared_ptr<StandaloneHost> KeepHost() { return host_; }
   int Status() const { return status_; }
 
   // For the handler: the times of the current packet and of those before it.
@@ -58,20 +72,29 @@ class PacketRun {
   bool TakeSecrets();
   int Pass(const std::function<bool(const CaptureFrame&, bool selected)>& handle);
   const FrameRecord* RecordOf(const CaptureFrame& frame) {
-    return frame.record ? frame.record : builder_->Build(frame);
+    if (!record_) record_ = frame.record ? frame.record : builder_->Build(frame);
+    return record_;
   }
   bool Matches(const CaptureFrame& frame);
+  bool Answers(const CaptureFrame& frame);
+  bool Ask(KeyQuery& query, const CaptureFrame& frame);
+  void PassBy(const CaptureFrame& frame);
   void TellLinkType(const CaptureFrame& frame);
   void NoteTime(int64_t nanoseconds, bool isFirst, bool selected);
   void TellEnd(ReadResult result);
 
   const ReadingOptions* options_ = nullptr;
-  std::unique_ptr<StandaloneHost> host_;
+  std::shared_ptr<StandaloneHost> host_;
   std::unique_ptr<Session> session_;
   std::unique_ptr<CaptureReader> reader_;
   std::unique_ptr<RecordBuilder> builder_;
   std::unique_ptr<KeyLog> keyLog_;   // of the captures themselves
   std::unique_ptr<BpfFilter> filter_;
+  std::unique_ptr<Filter> where_;
+  std::unique_ptr<ShownPacket> asked_;
+  std::unique_ptr<Probe> probe_;
+  const FrameRecord* record_ = nullptr;   // of the current packet, once it was built
+  bool wasDecoded_ = false;               // the current packet, to ask it
   Output* prefixed_ = nullptr;
   bool optionsHold_ = false;
   std::vector<uint16_t> toldLinkTypes_;

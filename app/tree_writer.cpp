@@ -138,18 +138,17 @@ int32_t CellsOf(std::string_view text) {
 void WriteTree(Output& out, Session& session, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
   int32_t depth = 0;
-  for (LineHandle line = tree.FirstChild(0); line;) {
+  const TreeShape& shape = style.shape;
+  for (LineHandle line = shape.FirstUnder(session, 0, 0); line;) {
     PutLine(out, session, line, depth, style);
-    if (const LineHandle child = tree.FirstChild(line)) {
+    if (const LineHandle child = shape.FirstUnder(session, line, depth + 1)) {
       line = child;
       ++depth;
       continue;
     }
-    while (line && !tree.NextSibling(line)) {
-      line = tree.Parent(line);
-      --depth;
-    }
-    if (line) line = tree.NextSibling(line);
+    LineHandle next;
+    while (!(next = shape.Next(session, line)) && (line = tree.Parent(line))) --depth;
+    line = next;
   }
 }
 

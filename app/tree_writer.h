@@ -1,6 +1,7 @@
 // The decode tree as indented text.
 #pragma once
 #include "app/output.h"
+#include "app/tree_shape.h"
 #include "host/session.h"
 
 namespace qxview {
@@ -11,6 +12,7 @@ struct TreeStyle {
   bool keys = false;        // each line's key and value behind it, of a view that keeps facts
   LineHandle marked = 0;    // a line shown with '>' in column 0
   bool markColumn = false;  // a column in front for the mark
+  TreeShape shape;
   bool cells = false;       // for a terminal: one cell a byte in the character column of dumps
 };
 

@@ -26,8 +26,16 @@ _qxview_values() {   # OPTION, what is typed of its value
       case ${COMP_WORDS[1]} in
         protocols) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
         save) mapfile -t COMPREPLY < <(compgen -W "pcap pcapng bfr" -- "$cur") ;;
+        fields | list) mapfile -t COMPREPLY < <(compgen -W "csv tsv json" -- "$cur") ;;
+        stat) mapfile -t COMPREPLY < <(compgen -W "table json csv" -- "$cur") ;;
+        follow) mapfile -t COMPREPLY < <(compgen -W "text hex raw" -- "$cur") ;;
+        find) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
         *) mapfile -t COMPREPLY < <(compgen -W "tree text json" -- "$cur") ;;
       esac ;;
+    --values) mapfile -t COMPREPLY < <(compgen -W "all first last" -- "$cur") ;;
+    --side) mapfile -t COMPREPLY < <(compgen -W "both a b" -- "$cur") ;;
+    --stream) mapfile -t COMPREPLY < <(compgen -W "tcp: udp:" -- "$cur") ;;
+    -e) _qxview_lines "$(qxview protocols --fields 2>/dev/null | sed 's/ .*//')" "$cur" ;;
     --set)
       case $cur in
         AliasFile=* | CustomLibrary?=* | ExternalDecoder=* | MibPath=*)
@@ -52,7 +60,7 @@ _qxview_values() {   # OPTION, what is typed of its value
 
 _qxview() {
   local command=${COMP_WORDS[1]} options
-  local commands="decode find help list print protocols save xml"
+  local commands="decode fields find follow help list print protocols save stat xml"
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "${COMP_WORDS[1]}")
@@ -74,23 +82,31 @@ _qxview() {
   fi
   _qxview_values "${COMP_WORDS[at - 1]}" "$cur" && return
   case ${COMP_WORDS[at - 1]} in
-    --packets | -c | --count | -f | --filter | --partial | --name) return ;;
+    --packets | -c | --count | -f | --filter | -Y | --where | --partial | --name | -O | --only | --depth) return ;;
+    --separator | --sort | --top | --interval) return ;;
   esac
+  if [[ $command == stat && $COMP_CWORD -eq 2 && $cur != -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "protocols endpoints conversations ports rate values lengths dns http tcp" -- "$cur")
+    return
+  fi
   if [[ $cur != -* || $cur == - ]]; then
     mapfile -t COMPREPLY < <(compgen -f -- "$cur")
     [[ $command == protocols ]] && COMPREPLY=()
     [[ $cur == - ]] || return
   fi
   options="--help --decode-as --settings"
-  [[ $command == protocols ]] || options+=" --set --packets --count --filter -l --color --files-from --merge --keep-going --modern --reassemble"
-  case $command in decode | find | list | print) options+=" --prefix-file" ;; esac
+  [[ $command == protocols ]] || options+=" --set --packets --count --filter --where -l --color --files-from --merge --keep-going --modern --reassemble"
+  case $command in decode | fields | find | list | print) options+=" --prefix-file" ;; esac
   case $command in
-    decode) options+=" -t --format --ranges --keys -x" ;;
-    find) options+=" --backward" ;;
-    list) options+=" -t --wide" ;;
+    decode) options+=" -t --format --ranges --keys -x --only --depth --no-dumps" ;;
+    fields) options+=" -e -t --format --values --separator --no-header" ;;
+    find) options+=" --backward --shown -i -E --no-dumps --all --hits --format" ;;
+    follow) options+=" --stream --format --side" ;;
+    list) options+=" -t --wide --format" ;;
     print) options+=" -o" ;;
     protocols) options+=" --format --fields" ;;
     save) options+=" --format --append --partial --name" ;;
+    stat) options+=" --format --sort --top --interval" ;;
   esac
   mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$options" -- "$cur")
 }

@@ -68,7 +68,7 @@ void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const 
   if (length > kMostDumped) length = kMostDumped;
   const uint8_t* translation = view->engine->settings.characterSet ? view->characterTable : nullptr;
   const Span span = TrimToRangeFilter(view->context, offset, length);
-  if (view->context->silent) {
+  if (view->context->silent || IsUnwanted(view)) {
     CountRows(&view->context->packet, static_cast<int32_t>((span.last - span.first + kRowBytes - 1) / kRowBytes));
     return;
   }

@@ -11,6 +11,7 @@ LineHandle CountSilentLine(const Place& at) {
 
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments) {
+  if (IsUnwanted(at.view)) return CountSilentLine(at);
   char line[kLineSize];
   const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
   const LineHandle added = AddDecodeLineOf(at.view, at.parent, line, length, image, at.tree,
@@ -33,6 +34,7 @@ LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const ch
 
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
+  if (WasUnwanted(at.view, line)) return;
   char added[kLineSize];
   FormatPieces(added, at.lineSize, text, pieces, arguments);
   AppendToDecodeLine(at.view, at.tree, line, added);
@@ -40,6 +42,7 @@ void AppendFormatted(const Place& at, LineHandle line, const char* text, const F
 
 void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                   const FormatArgument* arguments) {
+  if (WasUnwanted(at.view, line)) return;
   char made[kLineSize];
   FormatPieces(made, at.lineSize, text, pieces, arguments);
   SetDecodeLineText(at.view, at.tree, line, made);

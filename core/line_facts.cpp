@@ -247,23 +247,29 @@ void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t 
 
 }  // namespace
 
-bool KeepFacts(DecodeContext* context, bool keep) {
-  LineFacts*& facts = context->facts;
-  if (facts) {
-    std::free(facts->of);
-    std::free(facts->text);
-    std::free(facts);
-    facts = nullptr;
-  }
-  if (!keep) return true;
+LineFacts* CreateFacts() {
   auto* made = static_cast<LineFacts*>(std::calloc(1, sizeof(LineFacts)));
-  if (!made) return false;
+  if (!made) return nullptr;
   made->of = static_cast<LineFact*>(std::calloc(kFirstFacts, sizeof(LineFact)));
   made->text = static_cast<char*>(std::malloc(kFirstText));
   made->capacity = kFirstFacts;
   made->textCapacity = kFirstText;
-  facts = made;
-  return (made->of && made->text) || !KeepFacts(context, false);
+  if (made->of && made->text) return made;
+  DestroyFacts(made);
+  return nullptr;
+}
+
+void DestroyFacts(LineFacts* facts) {
+  if (!facts) return;
+  std::free(facts->of);
+  std::free(facts->text);
+  std::free(facts);
+}
+
+bool KeepFacts(DecodeContext* context, bool keep) {
+  DestroyFacts(context->facts);
+  context->facts = keep ? CreateFacts() : nullptr;
+  return !keep || context->facts;
 }
 
 void NoteFormatted(View* view, LineHandle line, const char* text, const FormatPiece* pieces,

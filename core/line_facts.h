@@ -47,10 +47,19 @@ struct LineFacts {
   uint32_t capacity, count;
   char* text;
   uint32_t textCapacity, textUsed;
+  // Whether lines of this protocol are wanted: others are counted alone, as if the context were silent. Null: all are.
+  bool (*wants)(const void* with, const char* protocol);
+  const void* wantsWith;
+  const char* lastProtocol;   // that was asked about
+  bool lastWanted;
 };
 
 // Starts to keep facts, or lets them go; false when there is no memory.
 bool KeepFacts(DecodeContext* context, bool keep);
+
+// Facts of one's own to put into a context for some frames, and what lets them go; null when there is no memory.
+LineFacts* CreateFacts();
+void DestroyFacts(LineFacts* facts);
 
 // The tree was cleared.
 inline void ForgetFacts(DecodeContext* context) {
@@ -74,6 +83,23 @@ void NumberLine(View* view, LineHandle line, uint64_t number, bool isSigned);
 void NoteEdited(View* view, LineHandle line, const char* text, int32_t length);
 
 inline bool KeepsFacts(const View* view) { return view->context->facts != nullptr; }
+
+// Whether nobody wants the line that is about to be added.
+inline bool IsUnwanted(const View* view) {
+  LineFacts* facts = view->context->facts;
+  if (!facts || !facts->wants) [[likely]] return false;
+  const char* protocol = view->context->packet.protocol;
+  if (facts->lastProtocol != protocol) {
+    facts->lastProtocol = protocol;
+    facts->lastWanted = !protocol || facts->wants(facts->wantsWith, protocol);
+  }
+  return !facts->lastWanted;
+}
+
+// Whether a line was counted alone: in the trees that wanted lines go into no handle is this one.
+inline bool WasUnwanted(const View* view, LineHandle line) {
+  return KeepsFacts(view) && view->context->facts->wants && line == kLineOutsideDisplay;
+}
 
 // The fact of a line's index in the range table; null when there is none.
 const LineFact* FactOf(const DecodeContext* context, uint32_t rangeIndex);

@@ -156,7 +156,7 @@ LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, 
   int32_t& linesLeft = view->context->packet.linesLeft;
   if (linesLeft <= 0) return ReachLimit(view, parentLine, image, tree, range);
   --linesLeft;
-  if (view->context->silent) return kLineOutsideDisplay;
+  if (view->context->silent || IsUnwanted(view)) return kLineOutsideDisplay;
   return RouteLine(view, parentLine, text, length, image, tree, range);
 }
 

@@ -155,7 +155,7 @@ LineHandle AddRowLine(const RowWalk& walk, const RowData& row, const Field& fiel
   if (row.form == RowForm::kBytes && field.length > kMostShownBytes) {
     return AddBlock(at, field, row.label ? row.label : walk.title);
   }
-  if (Silent(at)) return CountSilentLine(at);
+  if (Silent(at) || IsUnwanted(at.view)) return CountSilentLine(at);
   RowArguments arguments;
   Arrange(arguments, row.line, row, walk, field);
   char text[kLineSize];

@@ -80,4 +80,9 @@ void FormatPacketAddresses(const PacketState& packet, const QxHost* host, Packet
   PutHardware(host, packet.frame, places.destination, false, out->destination);
 }
 
+void FormatEndAddress(const AddressSlot& slot, const QxHost* host, char (&out)[kAddressTextSize]) {
+  if (slot.kind == kNoAddress) return PutAddress(host, kHardwareKind, slot.address, out);
+  PutSlot(host, slot, out);
+}
+
 }  // namespace qxview

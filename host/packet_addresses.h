@@ -16,4 +16,7 @@ struct PacketAddresses {
 // that the host has for it. Empty for media without addresses.
 void FormatPacketAddresses(const PacketState& packet, const QxHost* host, PacketAddresses* out);
 
+// One address by its name, or as it is written; of no kind: a hardware address in its first six bytes.
+void FormatEndAddress(const AddressSlot& slot, const QxHost* host, char (&out)[kAddressTextSize]);
+
 }  // namespace qxview

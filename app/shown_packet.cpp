@@ -1,0 +1,27 @@
+#include "app/shown_packet.h"
+
+#include "app/packet_protocol.h"
+
+namespace qxview {
+
+// The headers are read once more: the lines of the frame stay.
+void ShownPacket::Read() {
+  if (isRead_) return;
+  session_.ReadHeaders(record_);
+  Name();
+}
+
+void ShownPacket::Name() {
+  isRead_ = true;
+  FormatPacketAddresses(session_.Context().packet, host_, &addresses_);
+  protocol_ = ProtocolNameOf(session_.Context().packet, scratch_);
+}
+
+std::string_view ShownPacket::Summary() {
+  Read();
+  if (!isSummarized_) SummarizePacket(session_.GetView(), summary_, sizeof summary_);
+  isSummarized_ = true;
+  return summary_;
+}
+
+}  // namespace qxview

@@ -1,0 +1,342 @@
+// Who talks to whom, and how much: endpoints, conversations, ports, rate and lengths.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "app/bounded_counts.h"
+#include "app/record_writer.h"
+#include "app/statistics.h"
+#include "core/bounded_text.h"
+#include "core/frame_record.h"
+#include "host/packet_addresses.h"
+
+namespace qxview {
+namespace {
+
+constexpr size_t kMostKeys = 200000;   // of a statistic: some 60 MB
+
+enum Layer : uint8_t { kLinkLayer, kIPv4Layer, kIPv6Layer, kTcpLayer, kUdpLayer, kSctpLayer, kLayers };
+constexpr const char* kLayerNames[] = {"Ethernet", "IPv4", "IPv6", "TCP", "UDP", "SCTP"};
+
+constexpr uint8_t kTcp = 6, kUdp = 17, kSctp = 132;
+
+// An end of a conversation at a layer.
+struct End {
+  uint8_t address[16];
+  uint8_t layer, kind;   // of the address: AddressSlot's; 0 is a hardware address
+  uint16_t port;
+};
+static_assert(sizeof(End) == 20);
+
+std::string BytesOf(const End& end) { return {reinterpret_cast<const char*>(&end), sizeof end}; }
+End EndOf(const std::string& bytes, size_t at = 0) {
+  End end;
+  std::memcpy(&end, bytes.data() + at, sizeof end);
+  return end;
+}
+
+// The ends of a packet at each of its layers.
+template <typename Use>
+void ForEachLayer(const StatPacket& p, const Use& use) {
+  const PacketState& packet = p.packet;
+  const auto ends = [](uint8_t layer, uint32_t kind, const uint8_t* from, const uint8_t* to, size_t size) {
+    std::array<End, 2> made{};
+    for (End& end : made) {
+      end.layer = layer;
+      end.kind = static_cast<uint8_t>(kind);
+    }
+    std::memcpy(made[0].address, from, size);
+    std::memcpy(made[1].address, to, size);
+    return made;
+  };
+  constexpr int32_t kMacs = 12;
+  if (p.record->mediaType == 0 && !IsRawFrame(p.record) && p.record->capturedLength >= kMacs) {
+    const uint8_t* frame = FrameData(p.record);
+    use(ends(kLinkLayer, 0, frame + 6, frame, 6));
+  }
+  const uint32_t kind = packet.source.kind;
+  if (kind != kIPv4Kind && kind != kIPv6Kind) return;
+  auto made = ends(kind == kIPv4Kind ? kIPv4Layer : kIPv6Layer, kind, packet.source.address, packet.destination.address, 16);
+  use(made);
+  if (packet.carrier.table != DispatchTable::kIpProtocol) return;
+  const uint32_t carried = packet.carrier.key;
+  const uint8_t layer = carried == kTcp ? kTcpLayer : carried == kUdp ? kUdpLayer : carried == kSctp ? kSctpLayer : kLayers;
+  if (layer == kLayers) return;
+  made[0].layer = made[1].layer = layer;
+  made[0].port = packet.sourcePort;
+  made[1].port = packet.destinationPort;
+  use(made);
+}
+
+std::string TextOf(const End& end, const QxHost* host) {
+  AddressSlot slot{};
+  std::memcpy(slot.address, end.address, sizeof slot.address);
+  slot.kind = end.kind;
+  char text[kAddressTextSize];
+  FormatEndAddress(slot, host, text);
+  std::string made = ToUtf8(text);
+  if (end.layer < kTcpLayer) return made;
+  if (end.kind == kIPv6Kind && made.find(':') != made.npos) made.insert(0, 1, '[').push_back(']');
+  return made + ":" + std::to_string(end.port);
+}
+
+struct Traffic {
+  uint64_t packets = 0, bytes = 0;
+  Traffic& operator+=(const Traffic& other) {
+    packets += other.packets;
+    bytes += other.bytes;
+    return *this;
+  }
+};
+
+// Both directions: from the end that sent first, and back.
+struct TwoWays {
+  Traffic there, back;
+  int64_t first = 0, last = 0;
+  bool firstIsSecond = false;   // of the two ends in the key
+  TwoWays& operator+=(const TwoWays& other) {
+    there += other.there;
+    back += other.back;
+    return *this;
+  }
+};
+uint64_t PacketsOf(const TwoWays& count) { return count.there.packets + count.back.packets; }
+
+void RemarkMerged(StatTable& table, uint64_t merged, const Traffic& others, const char* what) {
+  if (merged == 0) return;
+  table.Remark("others: " + std::to_string(merged) + " " + what + " that counted least, with " + std::to_string(others.packets) +
+               " packets of " + std::to_string(others.bytes) + " bytes");
+}
+
+class Endpoints final : public Statistic {
+ public:
+  void Take(const StatPacket& p) override {
+    host_ = p.host;
+    ForEachLayer(p, [&](const std::array<End, 2>& ends) {
+      const auto weight = [](const TwoWays& count) { return PacketsOf(count); };
+      counts_[ends[0].layer].Of(BytesOf(ends[0]), weight).there += {1, p.length};
+      counts_[ends[0].layer].Of(BytesOf(ends[1]), weight).back += {1, p.length};
+    });
+  }
+
+  void LetHostGo() override { host_ = nullptr; }
+
+  std::vector<StatTable> Tables() override {
+    StatTable table("Endpoints", {{"layer", "Layer", false},
+                                  {"address", "Address", false},
+                                  {"packets", "Packets", true},
+                                  {"bytes", "Bytes", true},
+                                  {"packets_sent", "Sent", true},
+                                  {"bytes_sent", "Bytes", true},
+                                  {"packets_received", "Received", true},
+                                  {"bytes_received", "Bytes", true}});
+    for (const BoundedCounts<TwoWays>& layer : counts_) {
+      for (const auto& [key, count] : layer.All()) {
+        const End end = EndOf(key);
+        table.Text(kLayerNames[end.layer]).Text(TextOf(end, host_)).Number(PacketsOf(count));
+        table.Number(count.there.bytes + count.back.bytes).Number(count.there.packets).Number(count.there.bytes);
+        table.Number(count.back.packets).Number(count.back.bytes);
+      }
+      Traffic others = layer.Others().there;
+      RemarkMerged(table, layer.Merged(), others += layer.Others().back, "endpoints");
+    }
+    table.Sort("address");
+    table.Sort("packets");
+    return {table};
+  }
+
+ private:
+  const QxHost* host_ = nullptr;
+  std::vector<BoundedCounts<TwoWays>> counts_{kLayers, BoundedCounts<TwoWays>(kMostKeys)};
+};
+
+class Conversations final : public Statistic {
+ public:
+  void Take(const StatPacket& p) override {
+    host_ = p.host;
+    ForEachLayer(p, [&](const std::array<End, 2>& ends) {
+      const std::string from = BytesOf(ends[0]), to = BytesOf(ends[1]);
+      const bool swapped = to < from;
+      bool isNew = false;
+      TwoWays& count = counts_[ends[0].layer].Of(swapped ? to + from : from + to, PacketsOf, &isNew);
+      if (isNew) {
+        count.first = p.nanoseconds - p.first;
+        count.firstIsSecond = swapped;
+      }
+      count.last = std::max(count.last, p.nanoseconds - p.first);
+      (swapped == count.firstIsSecond ? count.there : count.back) += {1, p.length};
+    });
+  }
+
+  void LetHostGo() override { host_ = nullptr; }
+
+  std::vector<StatTable> Tables() override {
+    StatTable table("Conversations", {{"layer", "Layer", false},
+                                      {"a", "A", false},
+                                      {"b", "B", false},
+                                      {"packets", "Packets", true},
+                                      {"bytes", "Bytes", true},
+                                      {"packets_a_to_b", "A to B", true},
+                                      {"bytes_a_to_b", "Bytes", true},
+                                      {"packets_b_to_a", "B to A", true},
+                                      {"bytes_b_to_a", "Bytes", true},
+                                      {"first", "First", true},
+                                      {"last", "Last", true},
+                                      {"duration", "Duration", true}});
+    for (const BoundedCounts<TwoWays>& layer : counts_) {
+      for (const auto& [key, count] : layer.All()) {
+        const End one = EndOf(key), two = EndOf(key, sizeof(End));
+        table.Text(kLayerNames[one.layer]);
+        table.Text(TextOf(count.firstIsSecond ? two : one, host_)).Text(TextOf(count.firstIsSecond ? one : two, host_));
+        table.Number(PacketsOf(count)).Number(count.there.bytes + count.back.bytes);
+        table.Number(count.there.packets).Number(count.there.bytes);
+        table.Number(count.back.packets).Number(count.back.bytes);
+        table.Seconds(count.first).Seconds(count.last).Seconds(count.last - count.first);
+      }
+      Traffic others = layer.Others().there;
+      RemarkMerged(table, layer.Merged(), others += layer.Others().back, "conversations");
+    }
+    table.Sort("a");
+    table.Sort("packets");
+    return {table};
+  }
+
+ private:
+  const QxHost* host_ = nullptr;
+  std::vector<BoundedCounts<TwoWays>> counts_{kLayers, BoundedCounts<TwoWays>(kMostKeys)};
+};
+
+class Ports final : public Statistic {
+ public:
+  void Take(const StatPacket& p) override {
+    ForEachLayer(p, [&](const std::array<End, 2>& ends) {
+      if (ends[0].layer < kTcpLayer) return;
+      Count(ends[0], p.length);
+      if (ends[1].port != ends[0].port) Count(ends[1], p.length);
+    });
+  }
+
+  std::vector<StatTable> Tables() override {
+    StatTable table("Ports", {{"transport", "Transport", false},
+                              {"port", "Port", true},
+                              {"packets", "Packets", true},
+                              {"bytes", "Bytes", true}});
+    for (size_t layer = 0; layer < 3; ++layer) {
+      for (uint64_t port = 0; port < counts_[layer].size(); ++port) {
+        const Traffic& count = counts_[layer][port];
+        if (count.packets == 0) continue;
+        table.Text(kLayerNames[kTcpLayer + layer]).Number(port).Number(count.packets).Number(count.bytes);
+      }
+    }
+    table.Sort("packets");
+    return {table};
+  }
+
+ private:
+  void Count(const End& end, uint32_t length) {
+    std::vector<Traffic>& of = counts_[end.layer - kTcpLayer];
+    if (of.empty()) of.resize(65536);
+    of[end.port] += {1, length};
+  }
+
+  std::array<std::vector<Traffic>, 3> counts_;   // TCP, UDP, SCTP
+};
+
+// Packets by interval. When there are too many intervals, two are made one.
+class Rate final : public Statistic {
+ public:
+  explicit Rate(int64_t interval) : interval_(interval), asked_(interval) {}
+
+  void Take(const StatPacket& p) override {
+    constexpr uint64_t kMost = 100000;
+    const int64_t since = p.nanoseconds - p.first;
+    if (since < 0) {
+      ++early_;   // in front of the first packet: clocks are set back
+      return;
+    }
+    while (static_cast<uint64_t>(since / interval_) >= kMost) {
+      interval_ *= 2;
+      for (size_t i = 0; i < counts_.size(); ++i) {
+        const Traffic moved = std::exchange(counts_[i], {});
+        counts_[i / 2] += moved;
+      }
+      counts_.resize((counts_.size() + 1) / 2);
+    }
+    const size_t at = static_cast<size_t>(since / interval_);
+    if (at >= counts_.size()) counts_.resize(at + 1);
+    counts_[at] += {1, p.length};
+  }
+
+  std::vector<StatTable> Tables() override {
+    StatTable table("Rate, by " + SecondsText(interval_) + " s", {{"start", "Start", true},
+                                                                  {"end", "End", true},
+                                                                  {"packets", "Packets", true},
+                                                                  {"bytes", "Bytes", true}});
+    for (size_t i = 0; i < counts_.size(); ++i) {
+      const int64_t start = static_cast<int64_t>(i) * interval_;
+      table.Seconds(start).Seconds(start + interval_).Number(counts_[i].packets).Number(counts_[i].bytes);
+    }
+    if (interval_ != asked_) table.Remark("the interval was made longer: the capture is too long for that many");
+    if (early_) table.Remark(std::to_string(early_) + " packets are earlier than the first one and not counted");
+    return {table};
+  }
+
+ private:
+  int64_t interval_, asked_;
+  uint64_t early_ = 0;
+  std::vector<Traffic> counts_;
+};
+
+class Lengths final : public Statistic {
+ public:
+  void Take(const StatPacket& p) override {
+    size_t row = 0;
+    while (row + 1 < kFrom.size() && p.length >= kFrom[row + 1]) ++row;
+    Span& span = spans_[row];
+    span.least = span.packets == 0 ? p.length : std::min(span.least, p.length);
+    span.most = std::max(span.most, p.length);
+    ++span.packets;
+    span.bytes += p.length;
+    ++all_;
+  }
+
+  std::vector<StatTable> Tables() override {
+    StatTable table("Packet lengths", {{"from", "From", true},
+                                       {"to", "To", true},
+                                       {"packets", "Packets", true},
+                                       {"percent", "Percent", true},
+                                       {"least", "Least", true},
+                                       {"average", "Average", true},
+                                       {"most", "Most", true}});
+    for (size_t i = 0; i < kFrom.size(); ++i) {
+      table.Number(kFrom[i]);
+      if (i + 1 < kFrom.size()) table.Number(kFrom[i + 1] - 1); else table.Nothing();
+      table.Number(spans_[i].packets).Percent(spans_[i].packets, all_);
+      if (spans_[i].packets == 0) {
+        table.Nothing().Nothing().Nothing();
+      } else {
+        table.Number(spans_[i].least).Number(spans_[i].bytes / spans_[i].packets).Number(spans_[i].most);
+      }
+    }
+    return {table};
+  }
+
+ private:
+  static constexpr std::array<uint32_t, 10> kFrom = {0, 20, 40, 80, 160, 320, 640, 1280, 2560, 5120};
+  struct Span {
+    uint64_t packets = 0, bytes = 0;
+    uint32_t least = 0, most = 0;
+  };
+  std::array<Span, kFrom.size()> spans_{};
+  uint64_t all_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Statistic> MakeEndpoints() { return std::make_unique<Endpoints>(); }
+std::unique_ptr<Statistic> MakeConversations() { return std::make_unique<Conversations>(); }
+std::unique_ptr<Statistic> MakePorts() { return std::make_unique<Ports>(); }
+std::unique_ptr<Statistic> MakeRate(int64_t nanoseconds) { return std::make_unique<Rate>(nanoseconds); }
+std::unique_ptr<Statistic> MakeLengths() { return std::make_unique<Lengths>(); }
+
+}  // namespace qxview

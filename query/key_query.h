@@ -1,0 +1,86 @@
+// What lines say under keys that were asked for: "ip.source", "dns" (a protocol), "dns.question_record/dns.domain_name" (under
+// a line of another key), names of other tools, and what is told of the packet itself ("frame.number").
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/line_facts.h"
+#include "query/value.h"
+#include "view/arena_tree.h"
+
+namespace qxview {
+
+// What is known of a packet without its lines. The texts are in the characters of lines.
+class PacketTold {
+ public:
+  virtual uint64_t Number() const = 0;
+  virtual int64_t Nanoseconds() const = 0;
+  virtual uint32_t Length() const = 0;
+  virtual uint32_t Captured() const = 0;
+  virtual std::string_view Source() = 0;
+  virtual std::string_view Destination() = 0;
+  virtual std::string_view Protocol() = 0;
+  virtual std::string_view Summary() = 0;
+
+ protected:
+  ~PacketTold() = default;
+};
+
+class KeyQuery {
+ public:
+  // The number under which the values of this key are collected; -1 when there is no such key, then *wrong says why.
+  int32_t Ask(std::string_view name, std::string* wrong);
+  // The same for every line, whatever its key.
+  int32_t AskEveryLine();
+  // Whether Ask takes the name.
+  static bool IsKey(std::string_view name);
+
+  // Whether anything that was asked for is a line's, not the packet's own.
+  bool AsksForLines() const { return !parts_.empty() || everyLine_ >= 0; }
+  // Whether lines of this protocol may be of what was asked for.
+  bool Wants(const char* protocol) const;
+
+  // Collects the values of a packet whose lines are in the tree, with their facts; they are good until the tree changes.
+  void Collect(const DecodeContext& context, const ArenaTree& tree, PacketTold& told);
+  const std::vector<AskedValue>& ValuesOf(int32_t asked) const { return asked_[static_cast<size_t>(asked)].values; }
+  int32_t Count() const { return static_cast<int32_t>(asked_.size()); }
+
+ private:
+  enum class Own : uint8_t { kNo, kNumber, kTime, kLength, kCaptured, kSource, kDestination, kProtocol, kSummary };
+  // A key by its halves; without a label the whole protocol.
+  struct Part {
+    std::string protocol, label;
+  };
+  using Path = std::vector<uint32_t>;   // parts, the outermost line's first
+  struct Asked {
+    std::string name;
+    std::vector<Path> paths;   // any of them
+    std::vector<Own> own;
+    std::vector<AskedValue> values;
+  };
+  struct ProtocolParts {
+    const char* protocol;   // as the facts point to it
+    std::vector<uint32_t> parts;
+  };
+
+  static Own OwnOf(std::string_view key);
+  bool AddPath(std::string_view path, Asked* asked, std::string* wrong);
+  uint32_t PartOf(std::string_view protocol, std::string_view label);
+  const std::vector<uint32_t>& PartsOf(const char* protocol);
+  uint64_t Match(const DecodeContext& context, const LineFact& fact);
+  void Note(const DecodeContext& context, const LineFact* fact, std::string_view line, uint64_t matched);
+  void CollectOwn(PacketTold& told);
+
+  std::vector<Part> parts_;
+  std::vector<Asked> asked_;
+  std::vector<ProtocolParts> byProtocol_;
+  std::vector<uint64_t> matched_;   // parts of the line at each depth and those it is under
+  uint64_t wholeProtocols_ = 0;     // parts without a label
+  uint64_t wholeSeen_ = 0;
+  int32_t everyLine_ = -1;
+};
+
+}  // namespace qxview

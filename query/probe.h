@@ -1,0 +1,34 @@
+// Asks a frame: decodes it beside what its session shows and collects what a query asks for. Only the lines of protocols that
+// are asked about are made.
+#pragma once
+#include "host/session.h"
+#include "query/key_query.h"
+#include "query/partial_tree.h"
+
+namespace qxview {
+
+class Probe {
+ public:
+  explicit Probe(Session& session) : session_(session) {}
+  ~Probe() { DestroyFacts(facts_); }
+  Probe(const Probe&) = delete;
+  Probe& operator=(const Probe&) = delete;
+
+  // The query's values are those of the frame, until the next one is asked. The lines that the session held are gone; its mode
+  // is as it was. False when there is no memory.
+  bool Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told);
+
+  // The short names of the frame's protocols in their order, the outer ones first: of those that add lines.
+  bool ListProtocols(const FrameRecord* record, std::vector<const char*>* protocols);
+
+ private:
+  using WantsProtocol = bool (*)(const void* with, const char* protocol);
+  template <typename Use>
+  bool Decode(const FrameRecord* record, WantsProtocol wants, const void* with, const Use& use);
+
+  Session& session_;
+  LineFacts* facts_ = nullptr;
+  PartialTree tree_;
+};
+
+}  // namespace qxview

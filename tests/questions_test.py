@@ -1,0 +1,134 @@
+#!/usr/bin/env python3
+"""What a capture is asked by the command line: filters, columns, statistics, streams, hits."""
+import csv
+import io
+import json
+import os
+import struct
+import subprocess
+import tempfile
+import unittest
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
+HTTP = os.path.join(ROOT, "samples", "http.pcap")
+DNS = os.path.join(ROOT, "samples", "dns.pcap")
+
+
+def tcp(source, destination, sequence, acknowledgement, flags, data=b"", window=1000):
+    """An Ethernet frame with a segment between 10.0.0.1 and 10.0.0.2; port 80 is the second one's."""
+    segment = struct.pack(">HHIIBBHHH", source, destination, sequence, acknowledgement, 0x50, flags, window, 0, 0) + data
+    ends = [bytes([10, 0, 0, 1]), bytes([10, 0, 0, 2])]
+    if source == 80:
+        ends.reverse()
+    head = struct.pack(">BBHHHBBH", 0x45, 0, 20 + len(segment), 1, 0, 64, 6, 0) + ends[0] + ends[1]
+    return bytes.fromhex("0200000000010200000000020800") + head + segment
+
+
+def write_capture(path, frames):
+    with open(path, "wb") as file:
+        file.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, 1))
+        for i, frame in enumerate(frames):
+            file.write(struct.pack("<IIII", 1700000000, 1000 * i, len(frame), len(frame)) + frame)
+
+
+class Questions(unittest.TestCase):
+    def run_program(self, *words, status=0):
+        ran = subprocess.run([QXVIEW, *words], capture_output=True, timeout=60, check=False)
+        self.assertEqual(ran.returncode, status, ran.stderr)
+        self.errors = ran.stderr.decode().replace("\r\n", "\n")
+        return ran.stdout.decode()
+
+    def rows(self, *words):
+        return [json.loads(line) for line in self.run_program(*words, "--format", "json").splitlines()]
+
+    def test_filters_choose_packets_in_every_command(self):
+        every = self.rows("fields", DNS, "-e", "frame.number", "-e", "dns.id")
+        wanted = [row["frame.number"][0] for row in every if row["dns.id"] == [43795]]
+        where = ["-Y", "dns.id == 0xAB13"]
+        self.assertEqual([row["frame.number"] for row in self.rows("list", DNS, *where)], wanted)
+        self.assertEqual([row["packet"] for row in self.rows("decode", DNS, *where)], wanted)
+        with tempfile.TemporaryDirectory() as folder:
+            kept = os.path.join(folder, "kept.pcap")
+            self.run_program("save", *where, DNS, kept)
+            self.assertEqual(len(self.rows("list", kept)), len(wanted))
+        self.assertEqual(len(self.rows("list", DNS, "-Y", "udp", "-c", "3")), 3)   # of those that it lets through
+        self.run_program("list", DNS, "-Y", "dns.qry.nam == 3", status=2)
+        self.assertIn("\n  dns.qry.nam == 3\n  ^^^^^^^^^^^\n", self.errors)
+
+    def test_columns_are_quoted_and_run_no_formula(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, [tcp(1025, 80, 1, 1, 0x18, b"GET /=1+1,\"x\" HTTP/1.1\r\nHost: +cmd()\r\n\r\n")])
+            text = self.run_program("fields", path, "-e", "frame.number", "-e", "http.request.uri", "-e", "http.value", "--modern")
+            rows = list(csv.reader(io.StringIO(text, newline="")))
+            self.assertEqual(rows[0], ["frame.number", "http.request.uri", "http.value"])
+            self.assertEqual(rows[1], ["1", '/=1+1,"x"', "'+cmd()"])
+            self.assertTrue(text.endswith("\r\n"))
+        first = self.rows("fields", HTTP, "-e", "tcp.port", "--values", "first", "-c", "1")
+        self.assertEqual(first, [{"tcp.port": 50572}])
+        self.assertEqual(self.run_program("fields", HTTP, "-e", "tcp.port", "--no-header", "--separator", " ", "-c", "1"), "50572 80\r\n")
+        self.run_program("fields", HTTP, "-e", "tcp.prot", status=2)
+        self.assertIn("the nearest is", self.errors)
+
+    def test_statistics_count_every_packet_once(self):
+        packets = self.rows("list", HTTP)
+        lengths = sum(row["frame.length"] for row in packets)
+        hierarchy = self.rows("stat", "protocols", HTTP)
+        self.assertEqual((hierarchy[0]["packets"], hierarchy[0]["bytes"]), (len(packets), lengths))
+        self.assertEqual(sum(row["last"] for row in hierarchy), len(packets))
+        for what in ("conversations", "endpoints", "rate", "lengths"):
+            rows = [row for row in self.rows("stat", what, HTTP) if row.get("layer", "Ethernet") == "Ethernet"]
+            self.assertEqual(sum(row["packets"] for row in rows), len(packets) * (2 if what == "endpoints" else 1), what)
+        values = self.rows("stat", "values", "http.request.method", HTTP)
+        self.assertEqual(values[0]["value"], "GET")
+        answered = self.run_program("stat", "http", HTTP)
+        self.assertIn("code    200", answered)
+        self.run_program("stat", "everything", HTTP, status=2)
+        self.run_program("stat", "values", "http.methd", HTTP, status=2)
+        self.run_program("stat", "ports", HTTP, "--sort", "nothing", status=2)
+
+    def test_streams_are_put_in_order(self):
+        frames = [tcp(1025, 80, 99, 0, 0x02), tcp(80, 1025, 499, 100, 0x12), tcp(1025, 80, 100, 500, 0x18, b"one "),
+                  tcp(1025, 80, 108, 500, 0x18, b"three "), tcp(1025, 80, 104, 500, 0x18, b"two "),
+                  tcp(1025, 80, 100, 500, 0x18, b"one two "), tcp(80, 1025, 500, 114, 0x18, b"answer\n"),
+                  tcp(1025, 80, 120, 507, 0x18, b"end"), tcp(80, 1025, 507, 123, 0x10, window=0),
+                  tcp(80, 1025, 507, 123, 0x14)]
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, frames)
+            text = self.run_program("follow", path, "--modern", "--stream", "tcp:0")
+            self.assertIn("packet 3\none two three \n---", text)
+            self.assertIn("answer\n", text)
+            self.assertIn("[6 bytes are missing in the capture]\nend", text)
+            self.assertEqual(self.run_program("follow", path, "--modern", "--stream", "tcp:0", "--side", "b", "--format", "raw"), "answer\n")
+            self.run_program("follow", path, "--stream", "tcp:1", status=1)
+            self.run_program("follow", path, status=2)
+            row = self.rows("stat", "tcp", path, "--modern")[0]
+            self.assertEqual([row[name] for name in ("retransmissions", "out_of_order", "missing", "zero_windows", "resets")],
+                             [1, 1, 2, 1, 1])
+            self.assertEqual(row["handshake"], 0.002)
+
+    def test_hits_are_those_of_the_shown_tree(self):
+        hits = self.rows("find", HTTP, "content-length", "-i", "--all")
+        shown = self.run_program("decode", HTTP)
+        self.assertEqual(len(hits), sum("content-length" in line.lower() for line in shown.splitlines()))
+        self.assertEqual(self.run_program("find", HTTP, "-E", "Content-L[a-z]+", "--hits").strip(), str(len(hits)))
+        self.assertIn("\n>", self.run_program("find", HTTP, "--shown", "200 OK"))
+        self.run_program("find", HTTP, "-E", "a(", status=2)
+        self.run_program("find", HTTP, "no such text", status=1)
+        self.assertIn("no line holds", self.errors)
+
+    def test_less_of_a_tree(self):
+        text = self.run_program("decode", HTTP, "--packets", "4", "--only", "http", "--no-dumps")
+        self.assertIn("\nTCP ", text)
+        self.assertNotIn("Sequence number", text)
+        self.assertIn("  Request Line: ", text)
+        deep = self.run_program("decode", HTTP, "--packets", "4", "--depth", "1")
+        self.assertFalse([line for line in deep.splitlines() if line.startswith(" ")])
+        self.run_program("decode", HTTP, "--only", "nosuch", status=2)
+        self.run_program("decode", HTTP, "--depth", "1", "--format", "text", status=2)
+
+
+if __name__ == "__main__":
+    unittest.main()
