@@ -392,5 +392,32 @@ TEST(DatagramReassembly, FragmentsOfAHandshakeAreJoined) {
   EXPECT_TRUE(Has(whole, "Cookie: ABABABABABABABABABABABABABABABABABABABABABABABABABABABABABABABAB {70+17}")) << whole;
 }
 
+
+// Three handshake messages of nine bytes each in fragments of ten; `station` tells one supplicant's from another's.
+Bytes EapFragment(uint8_t identifier, size_t first, uint8_t station) {
+  const Bytes done = Hex("16 0303 0004 0E000000"), message = done + done + done, part = Part(message, first, 10);
+  const bool isFirst = first == 0, isLast = first + 10 >= message.size();
+  Bytes method = {13, static_cast<uint8_t>((isFirst ? 0x80 : 0) | (isLast ? 0 : 0x40))};
+  if (isFirst) method = method + Hex("0000001B");
+  method = method + part;
+  const uint8_t size = static_cast<uint8_t>(4 + method.size());
+  Bytes frame = Ethernet(0x888E, Bytes{2, 0, 0, size, 2, identifier, 0, size} + method);
+  frame[11] = station;
+  return frame;
+}
+
+TEST(EapReassembly, FragmentsOfAMethodsMessageAreJoinedConversationByConversation) {
+  Wire wire;
+  EXPECT_TRUE(Has(wire.Show(EapFragment(250, 0, 7), 1), "Reassembly: 10 bytes of fragments kept, 17 more needed {28+10}"));
+  wire.Show(EapFragment(9, 0, 8), 2);
+  wire.Show(EapFragment(251, 10, 7), 3);
+  EXPECT_TRUE(Has(wire.Show(EapFragment(251, 10, 7), 4), "20 bytes of fragments kept, 7 more needed"));   // said twice
+  const std::string whole = wire.Show(EapFragment(252, 20, 7), 5);
+  EXPECT_TRUE(Has(whole, "TLS Record: Handshake, TLS 1.2, 4 bytes {24+7}")) << whole;
+  EXPECT_TRUE(Has(wire.Show(EapFragment(252, 20, 7), 5), "TLS Record: Handshake, TLS 1.2, 4 bytes {24+7}"));   // looked at again
+  EXPECT_TRUE(Has(wire.Show(EapFragment(11, 20, 8), 6), "TLS Message Continued {24+7}"));   // one before it was lost
+  EXPECT_TRUE(Has(wire.Show(EapFragment(12, 0, 8), 7), "10 bytes of fragments kept, 17 more needed"));
+}
+
 }  // namespace
 }  // namespace qxview::testing

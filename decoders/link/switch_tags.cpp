@@ -18,6 +18,21 @@ constexpr auto kDsa = Rows<Tag>({
     Bits(3, 5, "Device"), Bits(8, 5, "Port or Trunk").Note(", Port %u"), Flag(13, "Trunk or Code Bit 2"), Bits(14, 1,
     "Code Bit 1"),
     Flag(15, "CFI"), Bits(16, 3, "Priority"), Bits(19, 1, "Code Bit 0"), Bits(20, 12, "VLAN ID")});
+// Why a frame goes to the processor, or how a sniffer got it.
+constexpr auto kCodeNames = SortedNames({
+    {0, "BPDU or Management"}, {1, "Frame to Register Read or Write"}, {2, "IGMP or MLD Trap"}, {3, "Policy Trap"},
+    {4, "ARP Mirror"}, {5, "Policy Mirror"}});
+Tag ShowDsa(const Place& in, Cursor& c) {
+  constexpr uint32_t kToProcessor = 0, kToSniffer = 2;
+  const Field word = PeekBytes(c, 0, 4);
+  const Tag tag = ShowRows(in, c, kDsa);
+  const uint32_t bits = PeekU32(word), code = (bits >> 17 & 3) << 1 | (bits >> 12 & 1);
+  if (tag.mode.here && tag.mode.value == kToProcessor) AddLine(in, word, "Code: %u = %s", code, LookupName(kCodeNames, code));
+  if (tag.mode.here && tag.mode.value == kToSniffer) {
+    AddLine(in, word, "Mirrored at: %s", bits >> 18 & 1 ? "Ingress" : "Egress");
+  }
+  return tag;
+}
 constexpr auto kExtendedHead = Rows<Tag>({Hex(2, "Reserved")});
 
 constexpr auto kBroadcomOperations = SortedNames({{0, "Egress Without Reason"}, {1, "Egress"}});
@@ -69,8 +84,7 @@ Place AddAddresses(const Place& at, Cursor& c) {
 
 int32_t DecodeDsaTag(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, Ahead(c, 4), "DSA Tag"));
-  const Tag tag = ShowRows(in, c, kDsa);
-  if (!tag.mode.here) return 1;
+  if (!ShowDsa(in, c).mode.here) return 1;
   return DecodeBehind(in, c);
 }
 
@@ -92,8 +106,8 @@ int32_t DecodeBroadcom(const Place& at, Cursor c, bool isInFront) {
 int32_t DecodeEtherTypeDsa(const Place& at, Cursor c) {
   if (Left(c) < 6) return 0;
   const Place in = Under(at, AddLine(at, Ahead(c, 6), "EtherType DSA Tag"));
-  Tag tag = ShowRows(in, c, kExtendedHead);
-  ShowRows<Tag>(in, c, kDsa, tag);
+  ShowRows(in, c, kExtendedHead);
+  ShowDsa(in, c);
   return DecodeBehind(in, c);
 }
 
