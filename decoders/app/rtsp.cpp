@@ -5,6 +5,7 @@
 #include "core/rows.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/net/dynamic_udp.h"
+#include "decoders/net/learn.h"
 
 namespace qxview {
 
@@ -34,6 +35,25 @@ void ShowParts(const Place& in, Field rest) {
   }
 }
 
+// The ports that both ends agreed on: the reply tells them, from the server to the client.
+void LearnPorts(const Place& at, Field rest) {
+  const PacketState& packet = PacketOf(at);
+  for (int32_t i = 0; i < 32 && rest.length > 0; ++i) {
+    Field part = TakeWord(rest, ";,");
+    const Field name = TakeWord(part, "=");
+    const bool isClient = IsWord(name, "client_port");
+    if (!isClient && !IsWord(name, "server_port")) continue;
+    const int32_t media = DecimalOf(TakeWord(part, "-")), control = DecimalOf(part);
+    const AddressSlot& address = isClient ? packet.destination : packet.source;
+    const auto learn = [&](uint32_t identifier, int32_t port) {
+      if (port < 1 || port > 65535) return;
+      Learn(at.view, QX_OVER_UDP, static_cast<int32_t>(identifier), address, static_cast<uint16_t>(port), -1, -1, nullptr);
+    };
+    learn(kLearntRtp, media);
+    learn(kLearntRtcp, control);
+  }
+}
+
 bool DecodeMessage(const Place& at, Cursor& c) {
   const Cursor begin = c;
   StartLine start;
@@ -49,6 +69,7 @@ bool DecodeMessage(const Place& at, Cursor& c) {
   while (MoreAt(in, c, loop) && TakeHeader(c, header)) {
     const Place under = Under(in, ShowHeader(in, header));
     if (IsWord(header.name, "Transport") || IsWord(header.name, "Session")) ShowParts(under, header.value);
+    if (!start.isRequest && IsWord(header.name, "Transport")) LearnPorts(at, header.value);
     if (IsWord(header.name, "Content-Length")) length = DecimalOf(header.value);
     if (IsWord(header.name, "Content-Type")) isSession = StartsWithWord(header.value, "application/sdp");
   }

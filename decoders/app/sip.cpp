@@ -2,7 +2,7 @@
 // 6665 and others): who calls whom, how, and what became of it. Messages over UDP, one after the other over TCP.
 #include <cstring>
 
-#include "core/rows.h"
+#include "decoders/app/sip_headers.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/xml_lines.h"
@@ -13,195 +13,19 @@ int32_t DecodeSdp(const Place& at, Cursor c);
 
 namespace {
 
-// What a header's value is made of.
-enum class Form { kText, kAddress, kVia, kCredentials, kSequence };
-
-struct HeaderRow {
-  const char* name;
-  char compact;   // the short name (RFC 3261 7.3.3)
-  Form form = Form::kText;
-};
-constexpr HeaderRow kHeaders[] = {
-    {"Accept-Contact", 'a'}, {"Allow-Events", 'u'}, {"Authorization", 0, Form::kCredentials}, {"Call-ID", 'i'},
-    {"Contact", 'm', Form::kAddress}, {"Content-Encoding", 'e'}, {"Content-Length", 'l'}, {"Content-Type", 'c'},
-    {"CSeq", 0, Form::kSequence}, {"Diversion", 0, Form::kAddress}, {"Event", 'o'}, {"From", 'f', Form::kAddress},
-    {"History-Info", 0, Form::kAddress}, {"Identity", 'y'}, {"Identity-Info", 'n'},
-    {"P-Asserted-Identity", 0, Form::kAddress}, {"P-Associated-URI", 0, Form::kAddress},
-    {"P-Called-Party-ID", 0, Form::kAddress}, {"P-Preferred-Identity", 0, Form::kAddress}, {"Path", 0, Form::kAddress},
-    {"Proxy-Authenticate", 0, Form::kCredentials}, {"Proxy-Authorization", 0, Form::kCredentials},
-    {"Record-Route", 0, Form::kAddress}, {"Refer-To", 'r', Form::kAddress}, {"Referred-By", 'b', Form::kAddress},
-    {"Reject-Contact", 'j'}, {"Remote-Party-ID", 0, Form::kAddress}, {"Reply-To", 0, Form::kAddress},
-    {"Request-Disposition", 'd'}, {"Route", 0, Form::kAddress}, {"Service-Route", 0, Form::kAddress},
-    {"Session-Expires", 'x'}, {"Subject", 's'}, {"Supported", 'k'}, {"To", 't', Form::kAddress}, {"Via", 'v', Form::kVia},
-    {"WWW-Authenticate", 0, Form::kCredentials}};
-
-const HeaderRow* FindHeader(const Field& name) {
-  for (const HeaderRow& row : kHeaders) {
-    if (IsWord(name, row.name)) return &row;
-    if (row.compact && name.length == 1 && (PeekU8(name) | 0x20) == static_cast<uint8_t>(row.compact)) return &row;
-  }
-  return nullptr;
-}
-
-// How much of a text stands in front of the first of `ends` that is in no quotation marks and no angle brackets.
-int32_t LengthUpTo(const Field& text, const char* ends) {
-  bool quoted = false, inBrackets = false;
-  for (int32_t at = 0; at < text.length; ++at) {
-    const uint8_t c = PeekU8(text, at);
-    if (quoted && c == '\\') {
-      ++at;
-    } else if (c == '"') {
-      quoted = !quoted;
-    } else if (!quoted && (c == '<' || c == '>')) {
-      inBrackets = c == '<';
-    } else if (!quoted && !inBrackets && std::strchr(ends, c) && c) {
-      return at;
-    }
-  }
-  return text.length;
-}
-
-// The piece up to one of `ends`, trimmed; the rest starts behind it.
-Field TakePiece(Field& rest, const char* ends) {
-  const int32_t length = LengthUpTo(rest, ends);
-  const Field piece = Trimmed(Slice(rest, 0, length));
-  const int32_t behind = length < rest.length ? length + 1 : length;
-  rest = Slice(rest, behind, rest.length - behind);
-  return piece;
-}
-
-int32_t FindByte(const Field& text, uint8_t wanted) {
-  for (int32_t at = 0; at < text.length; ++at) {
-    if (PeekU8(text, at) == wanted) return at;
-  }
-  return -1;
-}
-
-// Where the address opens; a name in quotation marks may hold a bracket of its own.
-int32_t FindBracket(const Field& text) {
-  bool quoted = false;
-  for (int32_t at = 0; at < text.length; ++at) {
-    if (quoted && PeekU8(text, at) == '\\') ++at;
-    else if (PeekU8(text, at) == '"') quoted = !quoted;
-    else if (!quoted && PeekU8(text, at) == '<') return at;
-  }
-  return -1;
-}
-
-// "name=value" or "name", separated by `separator`. A line stands over its value.
-void ShowParameters(const Place& in, Field rest, const char* separator) {
-  Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    const Field parameter = TakePiece(rest, separator);
-    if (parameter.length == 0) continue;
-    const int32_t equals = FindByte(parameter, '=');
-    if (equals < 0) {
-      AddLine(in, parameter, "%s", Text(parameter));
-    } else {
-      const Field value = Trimmed(Slice(parameter, equals + 1, parameter.length - equals - 1));
-      AddLine(in, value, "%s=%s", Text(Trimmed(Slice(parameter, 0, equals))), Text(value));
-    }
-  }
-}
-
-// "host", "host:port", "[2001:db8::1]:port".
-void ShowHostPort(const Place& in, const Field& text) {
-  const int32_t bracket = FindByte(text, ']');
-  const Field behind = bracket < 0 ? text : Slice(text, bracket, text.length - bracket);
-  const int32_t colon = FindByte(behind, ':');
-  if (colon < 0) {
-    AddTextLine(in, text, "Host");
-    return;
-  }
-  const int32_t host = text.length - behind.length + colon;
-  AddTextLine(in, Slice(text, 0, host), "Host");
-  AddTextLine(in, Slice(text, host + 1, text.length - host - 1), "Port");
-}
-
-// "sip:user:password@host:port;parameter?header".
-void ShowUriParts(const Place& in, const Field& uri) {
-  Field rest = uri;
-  const int32_t scheme = FindByte(rest, ':');
-  if (scheme < 0) return;
-  rest = Slice(rest, scheme + 1, rest.length - scheme - 1);
-  const int32_t sign = FindByte(rest, '@');
-  if (sign >= 0) {
-    Field user = Slice(rest, 0, sign);
-    AddTextLine(in, TakePiece(user, ":"), "User");
-    if (user.length > 0) AddTextLine(in, user, "Password");
-    rest = Slice(rest, sign + 1, rest.length - sign - 1);
-  }
-  const Field host = TakePiece(rest, ";?");
-  if (StartsWithWord(uri, "tel:")) {
-    AddTextLine(in, host, "Telephone Number");
-  } else {
-    ShowHostPort(in, host);
-  }
-  ShowParameters(in, rest, ";");
-}
-
-// "Name" <uri>;parameter or uri;parameter, each of a list. The parameters of a bare address are the header's.
-void ShowAddresses(const Place& in, Field rest) {
-  Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    Field parameters = TakePiece(rest, ",");
-    Field address = TakePiece(parameters, ";");
-    if (address.length == 0) continue;
-    const int32_t bracket = FindBracket(address);
-    if (bracket >= 0) {
-      const Field name = Trimmed(Slice(address, 0, bracket));
-      if (name.length > 0) AddTextLine(in, name, "Display Name");
-      address = Slice(address, bracket + 1, address.length - bracket - 1);
-      const int32_t end = FindByte(address, '>');
-      if (end >= 0) address = Slice(address, 0, end);
-    }
-    ShowUriParts(Under(in, AddTextLine(in, address, "URI")), address);
-    ShowParameters(in, parameters, ";");
-  }
-}
-
-// "SIP/2.0/UDP host:port;branch=..." for each hop.
-void ShowVia(const Place& in, Field rest) {
-  Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    Field parameters = TakePiece(rest, ",");
-    Field first = TakePiece(parameters, ";");
-    const Field protocol = TakeWord(first);
-    int32_t slash = protocol.length;
-    while (slash > 0 && PeekU8(protocol, slash - 1) != '/') --slash;
-    AddTextLine(in, Slice(protocol, slash, protocol.length - slash), "Transport");
-    ShowHostPort(in, Trimmed(first));
-    ShowParameters(in, parameters, ";");
-  }
-}
-
-void ShowValue(const Place& in, Form form, Field value) {
-  switch (form) {
-    case Form::kAddress: return ShowAddresses(in, value);
-    case Form::kVia: return ShowVia(in, value);
-    case Form::kCredentials:
-      AddTextLine(in, TakeWord(value), "Scheme");
-      return ShowParameters(in, value, ",");
-    case Form::kSequence:
-      AddTextLine(in, TakeWord(value), "Sequence Number");
-      AddTextLine(in, TakeWord(value), "Method");
-      return;
-    case Form::kText: return;
-  }
-}
-
 struct Sip {
   Field type, method, callId;
   int32_t length = -1;   // of the body; -1: not told
 };
 
+bool IsHeader(const Field& name, const char* word, const char* compact) {
+  return IsWord(name, word) || (compact && IsWord(name, compact));
+}
+
 void NoteHeader(Sip& sip, const Field& name, const Field& value) {
-  const HeaderRow* row = FindHeader(name);
-  if (!row) return;
-  const Field title{reinterpret_cast<const uint8_t*>(row->name), 0, static_cast<int32_t>(std::strlen(row->name)), 0, true};
-  if (IsWord(title, "Content-Type")) sip.type = value;
-  if (IsWord(title, "Content-Length")) sip.length = DecimalOf(value);
-  if (IsWord(title, "CSeq")) {
+  if (IsHeader(name, "Content-Type", "c")) sip.type = value;
+  if (IsHeader(name, "Content-Length", "l")) sip.length = DecimalOf(value);
+  if (IsHeader(name, "CSeq", nullptr)) {
     Field rest = value;
     TakeWord(rest);
     sip.method = TakeWord(rest);
@@ -216,17 +40,75 @@ Sip ReadHeaders(Cursor c) {
   return sip;
 }
 
-void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type) {
+// A message or its beginning that another one carries (RFC 3420): the answer to a reference, as a rule.
+void ShowFragment(const Place& in, Cursor& body) {
+  StartLine first;
+  if (TakeStartLine(body, "SIP/", first)) ShowStartLine(in, first);
+  HeaderLine header;
+  Loop loop;
+  while (MoreAt(in, body, loop) && TakeHeader(body, header)) {
+    const SipHeader* row = FindSipHeader(header.name);
+    const Place under = Under(in, ShowHeader(in, header));
+    if (row) ShowSipValue(under, *row, header.value);
+  }
+  ShowEndOfHeaders(in, body);
+}
+
+void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type, int32_t depth);
+
+// The parts of a multipart body stand between lines of two dashes and the boundary (RFC 2046 5.1).
+void ShowParts(const Place& at, const Place& in, Cursor& body, const Field& boundary, int32_t depth) {
+  const auto isBoundary = [&boundary](const Field& line) {
+    return line.length >= boundary.length + 2 && PeekU16(line) == 0x2D2D &&
+           std::memcmp(line.bytes + 2, boundary.bytes, static_cast<size_t>(boundary.length)) == 0;
+  };
+  TextLine line;
+  Loop loop;
+  while (MoreAt(in, body, loop) && TakeLine(body, line)) {
+    const bool isEnd = isBoundary(line.text) && PeekU16(line.text, boundary.length + 2) == 0x2D2D;
+    if (!isBoundary(line.text) || isEnd) {
+      if (line.text.length > 0) AddTextLine(in, line.whole, isEnd ? "End of Parts" : "Text", line.text);
+      continue;
+    }
+    AddTextLine(in, line.whole, "Boundary", line.text);
+    Cursor ahead = body;
+    int32_t length = 0;
+    TextLine each;
+    Loop lines;
+    while (More(ahead, lines) && TakeLine(ahead, each) && !isBoundary(each.text)) length = ahead.offset - body.offset;
+    Cursor part = TakeCursor(body, length);
+    const Place under = Under(in, AddLine(in, Ahead(part, length), "Body Part"));
+    Field type{};
+    HeaderLine header;
+    Loop headers;
+    while (MoreAt(under, part, headers) && TakeHeader(part, header)) {
+      const SipHeader* row = FindSipHeader(header.name);
+      const Place value = Under(under, ShowHeader(under, header));
+      if (row) ShowSipValue(value, *row, header.value);
+      if (IsHeader(header.name, "Content-Type", "c")) type = header.value;
+    }
+    ShowEndOfHeaders(under, part);
+    ShowBody(at, under, part, type, depth + 1);
+  }
+}
+
+void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type, int32_t depth) {
+  constexpr int32_t kDeepest = 6;   // parts within parts
   if (Left(body) == 0) return;
   if (StartsWithWord(type, "application/sdp")) {
     CallDecoder(Deeper(at), body, DecodeSdp, "SDP Data");
     return;
   }
   const Place under = Under(in, AddLine(in, Ahead(body, Left(body)), "Message Body"));
-  if (StartsXml(body)) {
+  const Field boundary = StartsWithWord(type, "multipart/") ? SipParameter(type, "boundary") : Field{};
+  if (boundary.here && boundary.length > 0 && depth < kDeepest) {
+    ShowParts(at, under, body, boundary, depth);
+  } else if (StartsXml(body)) {
     ShowXml(under, body);
   } else if (StartsJson(body)) {
     ShowJson(under, body);
+  } else if (StartsWithWord(type, "message/sip") && depth < kDeepest) {
+    ShowFragment(under, body);
   } else if (StartsWithWord(type, "text/") || StartsWithWord(type, "message/") || StartsWithWord(type, "application/dtmf")) {
     TextLine line;
     Loop loop;
@@ -246,18 +128,18 @@ bool DecodeMessage(const Place& at, Cursor& c) {
   if (!first.isRequest && sip.method.here) AppendToLine(at, line, " (%s)", Text(sip.method));
   const Place in = Under(at, line);
   const Place parts = ShowStartLine(in, first);
-  if (first.isRequest) ShowUriParts(parts, first.target);
+  if (first.isRequest) ShowSipUri(parts, first.target);
   HeaderLine header;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeHeader(c, header)) {
-    const HeaderRow* row = FindHeader(header.name);
-    const Place under = Under(in, ShowHeader(in, header, row ? row->name : nullptr));
-    if (row) ShowValue(under, row->form, header.value);
+    const SipHeader* row = FindSipHeader(header.name);
+    const Place under = Under(in, ShowHeader(in, header, row && header.name.length == 1 ? row->name : nullptr));
+    if (row) ShowSipValue(under, *row, header.value);
   }
   ShowEndOfHeaders(in, c);
   Cursor body = TakeCursor(c, sip.length >= 0 && sip.length < Left(c) ? sip.length : Left(c));
   if (!in.dead) SetRange(in, in.parent, start.offset, c.offset - start.offset);
-  ShowBody(at, in, body, sip.type);
+  ShowBody(at, in, body, sip.type, 0);
   return true;
 }
 
