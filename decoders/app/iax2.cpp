@@ -79,7 +79,6 @@ void ShowText(const Place& in, Cursor& c, const char* label, Iax&) {
 // keys: text Service Identifier
 constexpr auto kText = Rows<Iax>({Shown<Iax>(nullptr, ShowText)});
 constexpr auto kBytes = Rows<Iax>({Bytes(0, nullptr)});
-constexpr auto kU8 = Rows<Iax>({Number(1, nullptr)});
 constexpr auto kU16 = Rows<Iax>({Number(2, nullptr)});
 constexpr auto kU32 = Rows<Iax>({Number(4, nullptr)});
 constexpr auto kHex16 = Rows<Iax>({Hex(2, nullptr)});

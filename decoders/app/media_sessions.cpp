@@ -78,7 +78,7 @@ bool ReadAddressText(const Field& text, AddressSlot* out) {
   slot.kind = 1;
   if (ReadIPv4(text, slot.address + 12)) {
     *out = slot;
-    return ReadU32(slot.address + 12) != 0;   // zeros: nothing is to be sent
+    return (slot.address[12] | slot.address[13] | slot.address[14] | slot.address[15]) != 0;   // zeros: nothing is to be sent
   }
   slot = AddressSlot{};
   slot.kind = 2;

@@ -37,7 +37,8 @@ bool ReadAddressText(const Field& text, AddressSlot* out);
 
 // Remembered where the packet is not quoted; formats are added to those of the same key.
 void AnnounceMedia(const Place& at, const AddressSlot& address, uint16_t port, const MediaSession& session);
-// Of the packet's destination, or else its source, or what one of them announced without a port; null when nothing was announced. Good until the next look-up.
+// Of the packet's destination, or else its source, or what one of them announced without a port; null when nothing was
+// announced. Good until the next look-up.
 const MediaSession* FindMedia(const View* view);
 // The format of a payload type; null when none was announced.
 const MediaFormat* FindMediaFormat(const MediaSession* session, uint32_t payloadType);

@@ -1,7 +1,5 @@
 // Session Initiation Protocol (RFC 3261, with the headers of RFC 3262, 3265, 3311, 3325, 3326, 3327, 3515, 3608, 3903, 4028,
 // 6665 and others): who calls whom, how, and what became of it. Messages over UDP, one after the other over TCP.
-#include <cstring>
-
 #include "decoders/app/sip_headers.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
@@ -59,8 +57,10 @@ void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type,
 // The parts of a multipart body stand between lines of two dashes and the boundary (RFC 2046 5.1).
 void ShowParts(const Place& at, const Place& in, Cursor& body, const Field& boundary, int32_t depth) {
   const auto isBoundary = [&boundary](const Field& line) {
-    return line.length >= boundary.length + 2 && PeekU16(line) == 0x2D2D &&
-           std::memcmp(line.bytes + 2, boundary.bytes, static_cast<size_t>(boundary.length)) == 0;
+    if (line.length < boundary.length + 2 || PeekU16(line) != 0x2D2D) return false;
+    int32_t at = 0;
+    while (at < boundary.length && PeekU8(line, 2 + at) == PeekU8(boundary, at)) ++at;
+    return at == boundary.length;
   };
   TextLine line;
   Loop loop;

@@ -271,7 +271,8 @@ void ShowNumbers(const Place& in, Field rest, const char* first, const char* sec
   const char* const labels[] = {first, second, third};
   for (const char* label : labels) {
     const Field word = label ? TakeWord(rest) : Field{};
-    if (word.here && word.length > 0) AddTextLine(in, word, label);   // keys: text Sequence Number, Response Number, Method, Time, Delay
+    // keys: text Sequence Number, Response Number, Method, Time, Delay
+    if (word.here && word.length > 0) AddTextLine(in, word, label);
   }
 }
 

@@ -136,8 +136,9 @@ constexpr auto kPhoneFeatures = LittleRows<Skinny>({
     Word(2), Flag(0, "Abbreviated Dial"), Bits(1, 5, "Reserved"), Flag(6, "RFC 2833"), Flag(7, "Reserved"),
     Flag(8, "Dynamic Messages"), Bits(9, 2, "Reserved"), Flag(11, "UTF-8"), Bits(12, 4, "Reserved")});
 void ShowFeatures(const Place& in, Cursor& c, const char*, Skinny& skinny) {
+  if (Left(c) < 2) return;
   const Place under = Under(in, AddLine(in, Ahead(c, 2), "Phone Features: 0x%.04X", PeekLittleU16(c)));
-  if (Left(c) >= 2) ShowRows<Skinny>(under, c, kPhoneFeatures, skinny);
+  ShowRows<Skinny>(under, c, kPhoneFeatures, skinny);
 }
 constexpr Row<Skinny> Features() { return Shown<Skinny>(nullptr, ShowFeatures); }
 
