@@ -15,7 +15,8 @@ QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build/qxview"))
 SEEDS = int(os.environ.get("SEEDS", "1"))
 ACK, SYN_FIN_RST = 0x10, 0x07
 # Samples, and the ports whose protocols say how long their messages are.
-SAMPLES = {"http": (80,), "dns": (53,), "ldap": (389,), "kerberos": (88,), "smb": (445, 139), "diameter": (3868,), "tls": (443,)}
+SAMPLES = {"http": (80,), "dns": (53,), "ldap": (389,), "kerberos": (88,), "smb": (445, 139), "diameter": (3868,), "tls": (443,),
+           "segments": (53, 80, 135, 445)}
 
 
 def frames_of(path):

@@ -7,6 +7,8 @@
 // stay a dump, "Stub Data".
 #include "core/rows.h"
 #include "decoders/common/guid.h"
+#include "decoders/smb/ntlmssp.h"
+#include "decoders/smb/spnego.h"
 
 namespace qxview {
 namespace {
@@ -94,8 +96,14 @@ constexpr auto kResponseRows = Rows<NoValues>({kHint, kContextId, kCancels, kRes
 constexpr auto kFaultRows =
     Rows<NoValues>({kHint, kContextId, kCancels, kReserved, Hex(4, "Status"), Number(4, "Reserved")});
 constexpr auto kPad = Rows<NoValues>({Bytes(4, "Pad")});
-constexpr auto kVerifier = Rows<NoValues>({
-    Coded(1, "Authentication Type", kAuthTypes), Coded(1, "Authentication Level", kAuthLevels), Number(1, "Pad Length"), kReserved, Number(4, "Context ID")});
+struct Verifier {
+  Field type;
+};
+constexpr auto kVerifier = Rows<Verifier>({
+    Coded(1, "Authentication Type", kAuthTypes).Into(&Verifier::type), Coded(1, "Authentication Level", kAuthLevels),
+    Number(1, "Pad Length"), kReserved, Number(4, "Context ID")});
+constexpr auto kNtlmSignature = LittleRows<NoValues>({
+    Number(4, "Signature Version"), Bytes(8, "Checksum"), Number(4, "Sequence Number")});
 
 void AddUuid(const Place& in, Cursor& c, ByteOrder order, const char* label) {
   const Field uuid = TakeBytes(c, kGuidSize);
@@ -162,11 +170,23 @@ void AddRequest(const Place& in, Cursor& c, ByteOrder order, uint32_t flags) {
   if (flags & kHasObject) AddUuid(in, c, order, "Object");
 }
 
+// The tags of SPNEGO's tokens.
+bool IsNegotiation(uint32_t tag) { return tag == 0x60 || tag == 0xA0 || tag == 0xA1; }
+
 // The verifier behind the body. Its padding belongs to the body and stays there.
 void AddVerifier(const Place& at, Cursor& c, ByteOrder order) {
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Authentication"));
-  ShowRows(in, c, kVerifier, order);
-  AddBlock(in, Rest(c), "Authentication Value");
+  const Verifier verifier = ShowRows(in, c, kVerifier, order);
+  constexpr uint32_t kNegotiate = 9, kNtlm = 10;
+  constexpr int32_t kSignatureSize = 16;
+  const bool isToken = StartsNtlmssp(c) || (verifier.type.value == kNegotiate && IsNegotiation(PeekU8(c)));
+  if (isToken) {
+    AddSecurityBlob(in, Rest(c));
+  } else if (verifier.type.value == kNtlm && Left(c) == kSignatureSize) {
+    ShowRows(in, c, kNtlmSignature);
+  } else {
+    AddBlock(in, Rest(c), "Authentication Value");
+  }
 }
 
 void AddBody(const Place& in, Cursor& c, ByteOrder order, const Header& header, int32_t begin) {
