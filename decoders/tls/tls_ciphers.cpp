@@ -55,7 +55,7 @@ bool EndsWith(const char* text, const char* end) {
 
 TlsCiphers CiphersOf(uint32_t suite, uint32_t version) {
   const char* name = TlsSuiteName(suite);
-  TlsCiphers found{TlsProtection::kUnknown, Cipher::kNone, HashKind::kSha1, HashKind::kSha256, 0, 0, 0};
+  TlsCiphers found{TlsProtection::kUnknown, Cipher::kNone, HashKind::kSha1, HashKind::kSha256, 0, 0, 0, version == kDtls13};
   const bool is13 = version == kTls13 || version == kDtls13;
   const bool is12 = version == kTls12 || version == kDtls12;
   if (version == kSsl3 || version == kSsl2 || std::strstr(name, "_EXPORT")) return found;
@@ -115,16 +115,18 @@ bool DeriveTrafficKeys(const View* view, const TlsSecret& secret, const TlsCiphe
   if (secret.length != HashSize(ciphers.hash)) return false;
   std::memcpy(keys->code, secret.bytes, secret.length);
   keys->secretSize = secret.length;
-  return HkdfExpandLabel(view, ciphers.hash, BytesOf(secret), "tls13 key", {}, keys->key, ciphers.keySize) &&
-         HkdfExpandLabel(view, ciphers.hash, BytesOf(secret), "tls13 iv", {}, keys->nonce, kNonceSize);
+  const bool isDtls = ciphers.isDtls13;
+  return HkdfExpandLabel(view, ciphers.hash, BytesOf(secret), isDtls ? "dtls13key" : "tls13 key", {}, keys->key,
+                         ciphers.keySize) &&
+         HkdfExpandLabel(view, ciphers.hash, BytesOf(secret), isDtls ? "dtls13iv" : "tls13 iv", {}, keys->nonce, kNonceSize);
 }
 
 bool UpdateTrafficKeys(const View* view, const TlsCiphers& ciphers, TlsKeys* keys) {
   TlsSecret next{};
   next.length = keys->secretSize;
   return next.length == HashSize(ciphers.hash) &&
-         HkdfExpandLabel(view, ciphers.hash, {keys->code, keys->secretSize}, "tls13 traffic upd", {}, next.bytes,
-                         next.length) &&
+         HkdfExpandLabel(view, ciphers.hash, {keys->code, keys->secretSize},
+                         ciphers.isDtls13 ? "dtls13traffic upd" : "tls13 traffic upd", {}, next.bytes, next.length) &&
          DeriveTrafficKeys(view, next, ciphers, keys);
 }
 

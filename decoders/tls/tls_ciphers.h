@@ -21,6 +21,7 @@ struct TlsCiphers {
   HashKind code;       // of message authentication codes
   HashKind hash;       // that keys are derived with
   int32_t keySize, codeSize, fixedNonceSize;   // bytes
+  bool isDtls13;       // whose labels differ
 };
 
 // By the suite's name, which says it all but for what the version adds.

@@ -75,7 +75,8 @@ uint32_t ChosenVersion(Cursor c, uint32_t stated) {
     const Cursor value = TakeCursor(c, length);
     if (type == kSupportedVersions && Left(value) >= 2) stated = PeekU16(value);
   }
-  return stated > 0x7F00 && stated < 0x7F20 ? static_cast<uint32_t>(kTls13) : stated;   // its drafts
+  if (stated >= 0x7F20 && stated < 0x7F40) return kDtls13;   // their drafts
+  return stated > 0x7F00 && stated < 0x7F20 ? static_cast<uint32_t>(kTls13) : stated;
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ constexpr auto kDrafts = SortedNames({
     {0x7F11, "TLS 1.3 (draft 17)"}, {0x7F12, "TLS 1.3 (draft 18)"}, {0x7F13, "TLS 1.3 (draft 19)"},
     {0x7F14, "TLS 1.3 (draft 20)"}, {0x7F15, "TLS 1.3 (draft 21)"}, {0x7F16, "TLS 1.3 (draft 22)"},
     {0x7F17, "TLS 1.3 (draft 23)"}, {0x7F18, "TLS 1.3 (draft 24)"}, {0x7F19, "TLS 1.3 (draft 25)"},
-    {0x7F1A, "TLS 1.3 (draft 26)"}, {0x7F1B, "TLS 1.3 (draft 27)"}, {0x7F1C, "TLS 1.3 (draft 28)"},
+    {0x7F1A, "TLS 1.3 (draft 26)"}, {0x7F1B, "TLS 1.3 (draft 27)"}, {0x7F1C, "TLS 1.3 (draft 28)"}, {0x7F2B, "DTLS 1.3 (draft 43)"},
     {0xFB17, "TLS 1.3 (Facebook draft 23)"}, {0xFB1A, "TLS 1.3 (Facebook draft 26)"}});
 constexpr auto kContents = SortedNames({
     {20, "Change Cipher Spec"}, {21, "Alert"}, {22, "Handshake"}, {23, "Application Data"}, {24, "Heartbeat"},

@@ -156,11 +156,6 @@ bool Try(Attempt& attempt, const TlsOpener& opener, uint64_t sequence) {
   }
 }
 
-void MakeHello(const TlsConnection& connection, uint8_t (&out)[2 * kHelloPart]) {
-  std::memcpy(out, connection.clientRandom, kHelloPart);
-  std::memcpy(out + kHelloPart, connection.serverRandom, kHelloPart);
-}
-
 // The number that the record must have, as far as it says one.
 uint64_t NumberOf(const TlsRecord& record, const TlsOpener& opener) {
   return record.isDatagram ? uint64_t{record.epoch} << 48 | record.sequence : opener.sequence;
@@ -179,7 +174,7 @@ bool StartStage(const Attempt& attempt, uint8_t stage, uint32_t suite, uint32_t 
   opener->stage = stage;
   opener->suite = static_cast<uint16_t>(suite);
   opener->version = static_cast<uint16_t>(version);
-  MakeHello(session.connection, opener->hello);
+  MarkTlsHello(session.connection, opener);
   const TlsCiphers ciphers = CiphersOf(suite, version);
   if (stage == kUntil12) {
     if (!DeriveKeys(attempt.view, session.connection, ciphers, session.fromClient, &opener->keys)) return false;
@@ -196,9 +191,7 @@ bool TryStages(Attempt& attempt, TlsOpener& opener) {
   constexpr uint16_t kSuites13[] = {0x1301, 0x1302, 0x1303, 0x1304, 0x1305};
   const TlsSession& session = *attempt.session;
   const TlsConnection& connection = session.connection;
-  uint8_t hello[2 * kHelloPart];
-  MakeHello(connection, hello);
-  const bool isNew = opener.stage == kNoKeys || std::memcmp(hello, opener.hello, sizeof hello) != 0;
+  const bool isNew = opener.stage == kNoKeys || !IsOfTlsHello(connection, opener);
   const auto starts = [&](uint8_t stage, uint32_t suite, uint32_t version) {
     TlsOpener next;
     if (!StartStage(attempt, stage, suite, version, &next) || !Try(attempt, next, NumberOf(*attempt.record, next))) return false;
@@ -267,21 +260,29 @@ void GoOn(const Attempt& attempt, TlsOpener& opener, uint64_t sequence, bool ope
   if (!attempt.record->isDatagram) opener.sequence = sequence + 1;
 }
 
+}  // namespace
+
+void MarkTlsHello(const TlsConnection& connection, TlsOpener* opener) {
+  std::memcpy(opener->hello, connection.clientRandom, kHelloPart);
+  std::memcpy(opener->hello + kHelloPart, connection.serverRandom, kHelloPart);
+}
+
+bool IsOfTlsHello(const TlsConnection& connection, const TlsOpener& opener) {
+  return std::memcmp(opener.hello, connection.clientRandom, kHelloPart) == 0 &&
+         std::memcmp(opener.hello + kHelloPart, connection.serverRandom, kHelloPart) == 0;
+}
+
 // The content in front of its type and the zeros that pad it.
-void TakeInner(const Attempt& attempt, TlsOpened* opened) {
-  const int32_t offset = attempt.body.offset + attempt.first;
-  int32_t end = attempt.length;
-  while (end > 0 && attempt.out[attempt.first + end - 1] == 0) --end;
-  const uint8_t* content = attempt.out + attempt.first;
-  opened->padding = {content + end, offset + end, attempt.length - end, 0, attempt.length > end};
+void TakeTlsInner(const uint8_t* content, int32_t offset, int32_t length, TlsOpened* opened) {
+  int32_t end = length;
+  while (end > 0 && content[end - 1] == 0) --end;
+  opened->padding = {content + end, offset + end, length - end, 0, length > end};
   if (end > 0) --end;
-  Cursor type = MakeCursor(content + end, offset + end, attempt.length - end);
+  Cursor type = MakeCursor(content + end, offset + end, length - end);
   opened->innerType = TakeU8(type);
   opened->type = opened->innerType.value;
   opened->content = MakeCursor(content, offset, end);
 }
-
-}  // namespace
 
 bool HasTlsSecrets(const View* view, const TlsSession& session) {
   const ByteSpan random = {session.connection.clientRandom, kTlsRandomSize};
@@ -298,7 +299,7 @@ TlsOpening OpenTlsRecord(const View* view, const TlsSession& session, const TlsR
   if (opener.stage == kNoKeys && connection.version && !IsOpenable(connection.cipherSuite, connection.version)) {
     return TlsOpening::kUnsupported;
   }
-  if (record.isShort) return TlsOpening::kUnsupported;   // whose numbers are hidden, too
+  if (record.isShort) return OpenDtls13Record(view, session, record, body, opener, out, opened);
   Attempt attempt{view, &session, &record, PeekBytes(body, 0, Left(body)), out, 0, 0};
   if (!record.isWhole) {
     if (opener.stage != kNoKeys) GoOn(attempt, opener, opener.sequence, false, static_cast<int32_t>(record.length));
@@ -320,7 +321,9 @@ TlsOpening OpenTlsRecord(const View* view, const TlsSession& session, const TlsR
   opened->type = record.type;
   opened->innerType = opened->padding = Field{};
   opened->content = MakeCursor(out + attempt.first, attempt.body.offset + attempt.first, attempt.length);
-  if (HidesType(attempt, opener)) TakeInner(attempt, opened);
+  if (HidesType(attempt, opener)) {
+    TakeTlsInner(out + attempt.first, attempt.body.offset + attempt.first, attempt.length, opened);
+  }
   GoOn(attempt, opener, sequence, true, attempt.body.length);
   return TlsOpening::kOpened;
 }

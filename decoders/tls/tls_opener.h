@@ -15,7 +15,8 @@ struct TlsOpener {
   uint8_t stage;              // whose keys they are: 0 before the first
   uint8_t failures;           // records behind one another that could not be opened
   uint8_t hello[16];          // of both randoms: whose keys these are
-  uint8_t unused[7];
+  uint8_t epoch;              // DTLS 1.3
+  uint8_t unused[6];
   uint8_t vectors[4][16];     // TLS 1.0: the blocks before the last records, by the records' numbers
   TlsKeys keys;
   Rc4 stream;
@@ -27,6 +28,8 @@ struct TlsOpened {
   Field innerType;            // from 1.3 on, and in records with connection identifiers
   Field padding;
   uint32_t type;
+  uint32_t epoch;             // of records with the short header, whose number is hidden
+  uint64_t sequence;
 };
 
 enum class TlsOpening : uint8_t {
@@ -43,6 +46,15 @@ bool HasTlsSecrets(const View* view, const TlsSession& session);
 // afterwards, whatever came of it.
 TlsOpening OpenTlsRecord(const View* view, const TlsSession& session, const TlsRecord& record, const Cursor& body,
                          TlsOpener& opener, uint8_t* out, TlsOpened* opened);
+
+// The same for records with the short header of DTLS 1.3.
+TlsOpening OpenDtls13Record(const View* view, const TlsSession& session, const TlsRecord& record, const Cursor& body,
+                            TlsOpener& opener, uint8_t* out, TlsOpened* opened);
+
+// What both need: opened bytes up to their type and the zeros that pad them; whose hellos an opener is of.
+void TakeTlsInner(const uint8_t* content, int32_t offset, int32_t length, TlsOpened* opened);
+void MarkTlsHello(const TlsConnection& connection, TlsOpener* opener);
+bool IsOfTlsHello(const TlsConnection& connection, const TlsOpener& opener);
 
 // What application data are handed to: the protocol that was agreed on, or the one that the port is of.
 void ShowTlsApplicationData(const Place& in, const TlsSession& session, const TlsRecord& record, Cursor& c);

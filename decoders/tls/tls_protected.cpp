@@ -37,6 +37,10 @@ void ShowMessages(const Place& in, TlsSession& session, const TlsRecord& record,
 
 void ShowOpened(const Place& in, TlsSession& session, const TlsRecord& record, TlsOpener& opener, TlsOpened& opened) {
   const DerivedLines derived(in.view);
+  if (record.isShort) {
+    AddLine(in, record.header, "Epoch: %u", opened.epoch);
+    AddLine(in, record.header, "Sequence Number: %I64u", opened.sequence);
+  }
   AddLine(in, opened.innerType, "Inner Content Type: %u = %s", opened.type, TlsContentName(opened.type));
   AddLine(in, opened.padding, "Padding: %d bytes", opened.padding.length);
   if (opened.type == kTlsHandshakeType) return ShowMessages(in, session, record, opener, opened.content);

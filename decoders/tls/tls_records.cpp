@@ -89,7 +89,15 @@ void ShowAck(const Place& in, Cursor& body) {
   const Field length = TakeU16(body);
   AddLine(in, length, "Record Numbers Length: %u", length.value);
   Cursor list = TakeCursor(body, length.value);
+  // Drafts before the last ones counted both in 8 octets, the epoch in the first two.
+  constexpr uint32_t kMostEpoch = 0xFFFF;
+  const bool isOld = Left(list) % 16 != 0 || PeekU32(list) != 0 || PeekU32(list, 4) > kMostEpoch;
   Loop loop;
+  while (isOld && MoreAt(in, list, loop)) {
+    const Field epoch = TakeU16(list), number = TakeBytes(list, 6);
+    AddLine(in, epoch, "Acknowledged Epoch: %u", epoch.value);
+    AddLine(in, number, "Acknowledged Sequence Number: %I64u", uint64_t{PeekU16(number)} << 32 | PeekU32(number, 2));
+  }
   while (MoreAt(in, list, loop)) {
     const WideField epoch = TakeU64(list), sequence = TakeU64(list);
     AddLine(in, epoch, "Acknowledged Epoch: %I64u", epoch.wide);
