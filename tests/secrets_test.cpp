@@ -125,6 +125,53 @@ class TlsOpening : public ::testing::Test {
   Recorded recorded_;
 };
 
+// Records of DTLS 1.3 by its final form, made by another implementation of what seals them: a long and a short number, one
+// that is far from the last, and the epoch behind new keys.
+TEST_F(TlsOpening, ShortHeadersOfDtlsAreUncovered) {
+  struct Made {
+    const char *suite, *first, *far, *updated;
+  };
+  constexpr Made kMade[] = {
+      {"1301", "238093EA09F90B48158E404B0F46F00498B6BC932518D0EE7968", "2F337C00131C2FF30AD3C47C591ED13E00DC113CC85B343C",
+       "2CAB0100165625E703FAB5F1A8EF0E939A8AC80C069AFBB006E818"},
+      {"1303", "23F3E79EF7684AC1BE32EA5266D95F4C879DD4544D11DFD1F1C3", "2F7F7500139700F365B7152C194AC45C6348BE4A3683435B",
+       "2C58D5001689D4F8D299EAC6A0028EBDD013F98753EDF6830349E0"}};
+  for (const Made& made : kMade) {
+    const auto hello = [&](const char* type, const Bytes& more) {   // of one message, its length in a byte
+      const Bytes body = Hex("FEFD") + Bytes(32, 0x5A) + Hex("00") + more;
+      const uint8_t size = static_cast<uint8_t>(body.size());
+      return Hex("16 FEFD 0000 000000000000 00") + Bytes{static_cast<uint8_t>(size + 12)} + Hex(type) + Bytes{0, 0, size} +
+             Hex("0000 000000 0000") + Bytes{size} + body;
+    };
+    const auto framed = [](const Bytes& payload, bool fromServer) {
+      Bytes datagram = IPv4(17, fromServer ? Udp(443, 5000, payload) : Udp(5000, 443, payload));
+      if (fromServer) std::swap_ranges(datagram.begin() + 12, datagram.begin() + 16, datagram.begin() + 16);
+      return Ethernet(0x0800, datagram);
+    };
+    std::string digits;
+    for (int i = 0; i < 32; ++i) digits += "0123456789abcdef"[i / 16], digits += "0123456789abcdef"[i % 16];
+    std::string random, shown;
+    for (int i = 0; i < 32; ++i) random += "5a";
+    DefinitionsHost host;
+    host.settings = {{"IgnoreChecksums", "1"}};
+    TestView test(&host);
+    KeyLog log(&test.view());
+    log.Take("SERVER_TRAFFIC_SECRET_0 " + random + " " + digits + "\n");
+    const Bytes server = Hex(made.suite) + Hex("00 0006 002B 0002 FEFC");
+    test.Decode(framed(hello("01", Hex("00 0002") + Hex(made.suite) + Hex("0100")), false));
+    for (const Bytes& payload : {hello("02", server), Hex(made.first), Hex(made.far), Hex(made.updated), Hex(made.far)}) {
+      test.Decode(framed(payload, true));
+      shown += test.Text();
+    }
+    for (const char* text : {"Sequence Number: 0 {", "Padding: 2 bytes", "Sequence Number: 300 {",
+                             "Alert Description: 0 = close_notify", "Epoch: 4 {"}) {
+      EXPECT_TRUE(Contains(shown, text)) << made.suite << text << shown;
+    }
+    EXPECT_EQ(Count(shown, "Decrypted Application Data: 5 bytes"), 2) << shown;
+    EXPECT_EQ(Count(shown, "Decryption: failed"), 0) << shown;
+  }
+}
+
 TEST_F(TlsOpening, EveryRecordedRecordOpens) {
   const std::string all = Decode(recorded_.records, recorded_.secrets);
   EXPECT_EQ(Count(all, "Decryption: "), 0);
