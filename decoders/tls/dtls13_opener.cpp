@@ -32,8 +32,8 @@ uint64_t WholeNumber(uint64_t next, uint64_t low, int32_t bits) {
 }
 
 // Uncovers the number in the header's copy. False when there are too few bytes to make the mask from.
-bool UncoverNumber(const ShortRecord& from, const TlsCiphers& ciphers, const TlsOpener& opener, uint8_t (&header)[kMostHeader],
-                   uint64_t* number) {
+bool UncoverNumber(const ShortRecord& from, const TlsCiphers& ciphers, const TlsOpener& opener,
+                   uint8_t (&header)[kMostHeader], uint64_t* number) {
   constexpr int32_t kSample = 16;
   constexpr uint32_t kLongNumber = 0x08, kHasLength = 0x04;
   const Field& whole = from.record->header;
@@ -87,10 +87,11 @@ bool Try(const ShortRecord& from, TlsOpener& opener, RecordNumber* used) {
 // An epoch whose secret the key log told.
 bool StartEpoch(const ShortRecord& from, uint8_t epoch, TlsOpener* opener) {
   const TlsConnection& connection = from.session->connection;
-  const bool isHandshake = epoch == kHandshakeEpoch, ofClient = from.session->fromClient;
-  const TlsSecretKind kind = epoch < kHandshakeEpoch ? TlsSecretKind::kClientEarly
-                             : isHandshake           ? (ofClient ? TlsSecretKind::kClientHandshake : TlsSecretKind::kServerHandshake)
-                                                     : (ofClient ? TlsSecretKind::kClientTraffic : TlsSecretKind::kServerTraffic);
+  using enum TlsSecretKind;
+  const bool ofClient = from.session->fromClient;
+  const TlsSecretKind kind = epoch < kHandshakeEpoch    ? kClientEarly
+                             : epoch == kHandshakeEpoch ? (ofClient ? kClientHandshake : kServerHandshake)
+                                                        : (ofClient ? kClientTraffic : kServerTraffic);
   *opener = TlsOpener{};
   opener->suite = connection.cipherSuite;
   opener->version = connection.version;
@@ -115,7 +116,8 @@ bool TryEpochs(const ShortRecord& from, TlsOpener& opener, RecordNumber* number)
       return true;
     }
   }
-  if (low == 0 || (low == 1 && !from.session->fromClient) || !StartEpoch(from, low, &other) || !Try(from, other, number)) return false;
+  const bool mayStart = low != 0 && (low != 1 || from.session->fromClient);
+  if (!mayStart || !StartEpoch(from, low, &other) || !Try(from, other, number)) return false;
   if (isNew || opener.epoch < low) opener = other;
   return true;
 }
