@@ -55,7 +55,11 @@ constexpr auto kComplete = LittleRows<Hci>({Number(1, "Allowed Command Packets")
 constexpr auto kReportCount = LittleRows<Hci>({Number(1, "Number of Reports").Into(&Hci::reports)});
 constexpr auto kReport = LittleRows<Hci>({
     Number(1, "Advertising Event Type", kAdvertisingTypes), Number(1, "Address Type", kAddressTypes)});
-constexpr auto kExtendedReport = LittleRows<Hci>({Hex(2, "Extended Event Type"), Number(1, "Address Type",
+constexpr auto kDataStatusNames = SortedNames({
+    {0, "Complete"}, {1, "Incomplete, More to Come"}, {2, "Incomplete, Truncated"}, {3, "Reserved"}});
+constexpr auto kExtendedReport = LittleRows<Hci>({
+    Hex(2, "Extended Event Type"), Bits(0, 9, "Reserved"), Bits(9, 2, "Data Status", kDataStatusNames), Flag(11, "Legacy"),
+    Flag(12, "Scan Response"), Flag(13, "Directed"), Flag(14, "Scannable"), Flag(15, "Connectable"), Number(1, "Address Type",
     kAddressTypes)});
 constexpr auto kExtendedReportRest = LittleRows<Hci>({
     Hex(1, "Primary PHY"), Hex(1, "Secondary PHY"), Number(1, "Advertising SID"), Signed(1, "Transmit Power", " dBm"),
@@ -98,14 +102,16 @@ void ShowParameter(const Place& in, Cursor& c, const HciParameter& parameter) {
       AddLine(in, field, "%s: %I64d", parameter.name, static_cast<int64_t>(number << shift) >> shift);
       return;
     }
-    case HciKind::kHex: AddLine(in, field, "%s: 0x%I64X", parameter.name, number); return;
+    case HciKind::kHex:
+      ShowHciBits(Under(in, AddLine(in, field, "%s: 0x%I64X", parameter.name, number)), field, parameter.name);
+      return;
     case HciKind::kHandle:
       AddLine(in, field, "%s: 0x%.04X", parameter.name, static_cast<uint32_t>(number) & 0x0FFF);
       return;
     case HciKind::kText: AddLine(in, field, "%s: %s", parameter.name, Text(field)); return;
     default:
       if (field.length <= 64) {
-        AddLine(in, field, "%s: %s", parameter.name, HexText(field));
+        ShowHciBits(Under(in, AddLine(in, field, "%s: %s", parameter.name, HexText(field))), field, parameter.name);
       } else {
         AddBlock(in, field, parameter.name);
       }

@@ -36,6 +36,8 @@ const HciCommand* FindHciCommand(uint32_t code);
 const HciEvent* FindHciEvent(uint32_t code);
 const HciEvent* FindHciLowEnergyEvent(uint32_t code);
 void ShowHciParameters(const Place& in, Cursor& c, const HciParameters& parameters);
+// The bits of a parameter whose name has them, under `in`.
+void ShowHciBits(const Place& in, const Field& field, const char* parameter);
 const char* NameHciStatus(uint32_t status);
 
 template <size_t kCount>

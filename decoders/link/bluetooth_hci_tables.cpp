@@ -69,11 +69,11 @@ const HciParameter kList18[] = {{HciKind::kNumber, 1, "Status", kStatusNames.row
 const HciParameter kList19[] = {{HciKind::kHandle, 2, "Connection Handle"},
     {HciKind::kNumber, 4, "Transmit Bandwidth"}, {HciKind::kNumber, 4, "Receive Bandwidth"},
     {HciKind::kNumber, 2, "Maximum Latency"}, {HciKind::kHex, 2, "Voice Setting"},
-    {HciKind::kHex, 1, "Retransmission Effort"}, {HciKind::kHex, 2, "Packet Type"}};
+    {HciKind::kHex, 1, "Retransmission Effort"}, {HciKind::kHex, 2, "Synchronous Packet Type"}};
 const HciParameter kList20[] = {{HciKind::kAddress, 6, "BD_ADDR"}, {HciKind::kNumber, 4, "Transmit Bandwidth"},
     {HciKind::kNumber, 4, "Receive Bandwidth"}, {HciKind::kNumber, 2, "Maximum Latency"},
     {HciKind::kHex, 2, "Voice Setting"}, {HciKind::kHex, 1, "Retransmission Effort"},
-    {HciKind::kHex, 2, "Packet Type"}};
+    {HciKind::kHex, 2, "Synchronous Packet Type"}};
 const HciParameter kList21[] = {{HciKind::kAddress, 6, "BD_ADDR"}, {HciKind::kHex, 1, "IO Capability"},
     {HciKind::kHex, 1, "OOB Data Present"}, {HciKind::kHex, 1, "Authentication Requirements"}};
 const HciParameter kList22[] = {{HciKind::kAddress, 6, "BD_ADDR"}, {HciKind::kNumber, 4, "Numeric Value"}};

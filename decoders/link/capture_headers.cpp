@@ -105,12 +105,31 @@ constexpr auto kPpi = LittleRows<Ppi>({
     Number(1, "Version"), Flags(1, "Flags", kPpiFlagNames).Into(&Ppi::flags), Number(2,
     "Header Length").Into(&Ppi::length),
     Number(4, "Link Type", kLinkTypeNames).Note(", %s").Into(&Ppi::linkType)});
+constexpr auto kChannelFlags = SortedNames({
+    {0x0010, "Turbo"}, {0x0020, "CCK"}, {0x0040, "OFDM"}, {0x0080, "2 GHz"}, {0x0100, "5 GHz"}, {0x0200, "Passive Scan"},
+    {0x0400, "Dynamic CCK-OFDM"}, {0x0800, "GFSK"}});
+constexpr auto kHighFlags = SortedNames({
+    {0x01, "Greenfield"}, {0x02, "40 MHz"}, {0x04, "Short Guard Interval"}, {0x08, "Duplicate"}, {0x10, "Aggregate"},
+    {0x20, "More Aggregates"}, {0x40, "Delimiter CRC Error after This"}});
 constexpr auto kPpiCommon = LittleRows<Ppi>({
     Number(8, "Timer"), Flags(2, "Common Flags", kCommonFlags), Number(2, "Data Rate", " x 500 kbit/s"),
-    Number(2, "Channel Frequency", " MHz"), Hex(2, "Channel Flags"), Number(1, "Hop Set"), Number(1, "Hop Pattern"),
+    Number(2, "Channel Frequency", " MHz"), Flags(2, "Channel Flags", kChannelFlags), Number(1, "Hop Set"), Number(1, "Hop Pattern"),
     Signed(1, "Signal", " dBm"), Signed(1, "Noise", " dBm")});
 constexpr auto kPpiExtension = LittleRows<Ppi>({
-    Hex(4, "MAC Flags"), Number(4, "A-MPDU ID"), Number(1, "Delimiters")});
+    Flags(4, "MAC Flags", kHighFlags), Number(4, "A-MPDU ID"), Number(1, "Delimiters"), Bytes(0, "Reserved")});
+constexpr auto kPpiPhysical = LittleRows<Ppi>({
+    Flags(4, "MAC Flags", kHighFlags), Number(4, "A-MPDU ID"), Number(1, "Delimiters"), Number(1, "MCS"),
+    Number(1, "Streams"), Number(1, "RSSI, Combined"), Number(1, "RSSI, Antenna 0, Control Channel"),
+    Number(1, "RSSI, Antenna 1, Control Channel"), Number(1, "RSSI, Antenna 2, Control Channel"),
+    Number(1, "RSSI, Antenna 3, Control Channel"), Number(1, "RSSI, Antenna 0, Extension Channel"),
+    Number(1, "RSSI, Antenna 1, Extension Channel"), Number(1, "RSSI, Antenna 2, Extension Channel"),
+    Number(1, "RSSI, Antenna 3, Extension Channel"), Number(2, "Extension Channel Frequency", " MHz"),
+    Flags(2, "Extension Channel Flags", kChannelFlags), Signed(1, "Signal, Antenna 0", " dBm"),
+    Signed(1, "Noise, Antenna 0", " dBm"), Signed(1, "Signal, Antenna 1", " dBm"), Signed(1, "Noise, Antenna 1", " dBm"),
+    Signed(1, "Signal, Antenna 2", " dBm"), Signed(1, "Noise, Antenna 2", " dBm"), Signed(1, "Signal, Antenna 3", " dBm"),
+    Signed(1, "Noise, Antenna 3", " dBm"), Number(4, "Error Vector Magnitude, Chain 0"),
+    Number(4, "Error Vector Magnitude, Chain 1"), Number(4, "Error Vector Magnitude, Chain 2"),
+    Number(4, "Error Vector Magnitude, Chain 3")});
 constexpr auto kPpiSpectrum = LittleRows<Ppi>({
     Number(4, "Starting Frequency", " kHz"), Number(4, "Resolution", " Hz"), Number(4, "Amplitude Offset"),
     Number(4, "Amplitude Resolution"), Number(2, "Maximum Raw Signal"), Number(2, "Samples"), Bytes(0, "Sample Data")});
@@ -121,12 +140,58 @@ constexpr auto kPpiCapture = LittleRows<Ppi>({Utf8(0, "Capture Information")});
 constexpr auto kPpiAggregation = LittleRows<Ppi>({Number(4, "Interface ID")});
 constexpr auto kPpiLocation = LittleRows<Ppi>({
     Number(1, "Location Version"), Number(1, "Location Padding"), Number(2, "Location Length"), Hex(4, "Present")});
+// The position of a receiver: a bit for each field, in their order. Degrees and metres are fixed point above an offset.
+constexpr auto kPositionNames = SortedNames({
+    {0x00000001, "GPS Flags Present"}, {0x00000002, "Latitude Present"}, {0x00000004, "Longitude Present"},
+    {0x00000008, "Altitude Present"}, {0x00000010, "Altitude above Ground Present"}, {0x00000020, "GPS Time Present"},
+    {0x00000040, "Fractional Time Present"}, {0x00000080, "Horizontal Error Present"},
+    {0x00000100, "Vertical Error Present"}, {0x00000200, "Time Error Present"}, {0x10000000, "Description Present"},
+    {0x20000000, "Application ID Present"}, {0x40000000, "Application Data Present"}, {0x80000000, "Extended"}});
+constexpr auto kPpiPosition = LittleRows<Ppi>({
+    Number(1, "Location Version"), Number(1, "Location Padding"), Number(2, "Location Length"),
+    Flags(4, "Present", kPositionNames).Into(&Ppi::flags)});
+constexpr auto kPositionFlags = LittleRows<Ppi>({Hex(4, "GPS Flags")});
+constexpr auto kPositionTime = LittleRows<Ppi>({UnixTime(4, "GPS Time")});
+constexpr auto kPositionFraction = LittleRows<Ppi>({Number(4, "Fractional Time", " ns")});
+constexpr auto kPositionTimeError = LittleRows<Ppi>({Number(4, "Time Error", " ns")});
+constexpr auto kPositionText = LittleRows<Ppi>({Utf8(32, "Description")});
+constexpr auto kPositionApplication = LittleRows<Ppi>({Hex(4, "Application ID")});
+constexpr auto kPositionData = LittleRows<Ppi>({Bytes(60, "Application Data")});
+void AddFixed(const Place& in, Cursor& c, const char* label, int64_t offset, int64_t unit, uint32_t digits) {
+  const Field field = TakeLittleU32(c);
+  const int64_t value = static_cast<int64_t>(field.value) - offset * unit, size = value < 0 ? -value : value;
+  ShortText<16> fraction;
+  FormatInto(fraction.text, sizeof fraction.text, "%.09u", static_cast<uint32_t>(size % unit));
+  // keys: text Latitude, Longitude, Altitude, Altitude above Ground, Horizontal Error, Vertical Error
+  AddLine(in, field, "%s: %s%u.%s", label, value < 0 ? "-" : "", static_cast<uint32_t>(size / unit),
+          static_cast<const char*>(fraction.text + 9 - digits));
+}
+void ShowPosition(const Place& in, Cursor& c, Ppi& ppi) {
+  constexpr int64_t kSeventh = 10000000, kSixth = 1000000, kFourth = 10000;
+  const uint32_t present = ppi.flags.value;
+  const auto show = [&](uint32_t bit, RowSpan<Ppi> rows) {
+    if (present >> bit & 1 && Left(c) > 0) ShowRows<Ppi>(in, c, rows, ppi);
+  };
+  show(0, kPositionFlags);
+  if (present & 0x002) AddFixed(in, c, "Latitude", 180, kSeventh, 7);
+  if (present & 0x004) AddFixed(in, c, "Longitude", 180, kSeventh, 7);
+  if (present & 0x008) AddFixed(in, c, "Altitude", 180000, kFourth, 4);
+  if (present & 0x010) AddFixed(in, c, "Altitude above Ground", 180000, kFourth, 4);
+  show(5, kPositionTime);
+  show(6, kPositionFraction);
+  if (present & 0x080) AddFixed(in, c, "Horizontal Error", 0, kSixth, 6);
+  if (present & 0x100) AddFixed(in, c, "Vertical Error", 0, kSixth, 6);
+  show(9, kPositionTimeError);
+  show(28, kPositionText);
+  show(29, kPositionApplication);
+  show(30, kPositionData);
+}
 constexpr auto kPpiFields = Choices<Ppi>({
     {2, "802.11 Common", kPpiCommon}, {3, "802.11n MAC Extensions", kPpiExtension},
-    {4, "802.11n MAC and PHY Extensions", kPpiExtension}, {5, "Spectrum Map", kPpiSpectrum},
+    {4, "802.11n MAC and PHY Extensions", kPpiPhysical}, {5, "Spectrum Map", kPpiSpectrum},
     {6, "Process Information", kPpiProcess}, {7, "Capture Information", kPpiCapture}, {8, "Aggregation",
     kPpiAggregation},
-    {9, "802.3"}, {30002, "GPS", kPpiLocation}, {30003, "Vector", kPpiLocation}, {30004, "Sensor", kPpiLocation},
+    {9, "802.3"}, {30002, "GPS", kPpiPosition, ShowPosition}, {30003, "Vector", kPpiLocation}, {30004, "Sensor", kPpiLocation},
     {30005, "Antenna", kPpiLocation}});
 
 // --- SLIP ---

@@ -9,6 +9,7 @@
 #include "core/elements.h"
 #include "core/line_facts.h"
 #include "core/rows.h"
+#include "decoders/link/ieee802154.h"
 #include "decoders/link/medium.h"
 
 namespace qxview {
@@ -144,7 +145,7 @@ constexpr auto kGtsRequest = LittleRows<Wpan>({
 constexpr auto kChecks = SortedNames({{0, "None"}, {1, "CRC-16"}, {2, "CRC-32"}});
 constexpr auto kTapCheck = LittleRows<Wpan>({Number(1, "FCS Type", kChecks).Into(&Wpan::type)});
 constexpr auto kStrength = LittleRows<Wpan>({Float(4, "RSS")});
-constexpr auto kRate = LittleRows<Wpan>({Number(1, "Bit Rate")});
+constexpr auto kRate = LittleRows<Wpan>({Float(4, "Bit Rate")});
 constexpr auto kAssignment = LittleRows<Wpan>({Number(2, "Channel Number"), Number(1, "Channel Page")});
 constexpr auto kFskRate = LittleRows<Wpan>({Number(1, "Band"), Number(1, "Modulation"), Number(1, "Mode")});
 constexpr auto kTapTime = LittleRows<Wpan>({Number(8, "Time", " ns")});
@@ -222,10 +223,11 @@ struct ElementShape {
   const char* title;
   uint32_t lengthBits, idBits;
   Names names;
+  void (*show)(const Place& in, Cursor& c, uint32_t id);
 };
 
 // Shows one element; its identifier.
-uint32_t ShowElement(const Place& at, Cursor& c, const ElementShape& shape, void (*below)(const Place&, Cursor&)) {
+uint32_t ShowElement(const Place& at, Cursor& c, const ElementShape& shape) {
   const uint32_t word = PeekLittleU16(c), id = word >> shape.lengthBits & ((1u << shape.idBits) - 1);
   const uint32_t length = word & ((1u << shape.lengthBits) - 1);
   const int32_t whole = 2 + static_cast<int32_t>(length);
@@ -235,25 +237,31 @@ uint32_t ShowElement(const Place& at, Cursor& c, const ElementShape& shape, void
   AddLine(in, head, "Element ID: %u = %s", id, shape.names.NameOf(id));
   AddLine(in, head, "Element Length: %u", length);
   Cursor value = TakeCursor(c, length);
-  if (below && id == 1) below(in, value);
+  if (shape.show) shape.show(in, value, id);
+  value.ranShort = false;
   AddBlock(in, Rest(value), "Element Data");
   return id;
 }
-void ShowNested(const Place& in, Cursor& c) {
-  constexpr ElementShape kShortShape{"Short Element", 8, 7, kNestedElements}, kLongShape{"Long Element", 11, 4,
-      kNestedElements};
+void ShowShortValue(const Place& in, Cursor& c, uint32_t id) { ShowWpanNestedElement(in, c, id, false); }
+void ShowLongValue(const Place& in, Cursor& c, uint32_t id) { ShowWpanNestedElement(in, c, id, true); }
+// Elements of the payload: MLME's nest others, the others are their owners'.
+void ShowPayloadValue(const Place& in, Cursor& c, uint32_t id) {
+  constexpr uint32_t kManagement = 1, kVendorSpecific = 2;
+  constexpr ElementShape kShortShape{"Short Element", 8, 7, kNestedElements, ShowShortValue},
+      kLongShape{"Long Element", 11, 4, kNestedElements, ShowLongValue};
+  if (id == kVendorSpecific) ShowWpanVendor(in, c);
+  if (id != kManagement) return;
   Loop loop;
-  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowElement(in, c, PeekLittleU16(c) & 0x8000 ? kLongShape : kShortShape,
-      nullptr);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowElement(in, c, PeekLittleU16(c) & 0x8000 ? kLongShape : kShortShape);
 }
 
 // True when elements of the payload follow those of the header.
 bool ShowHeaderElements(const Place& in, Cursor& c) {
   constexpr uint32_t kTermination1 = 0x7E, kTermination2 = 0x7F;
-  constexpr ElementShape kShape{"Header Element", 7, 8, kHeaderElements};
+  constexpr ElementShape kShape{"Header Element", 7, 8, kHeaderElements, ShowWpanHeaderElement};
   Loop loop;
   while (Left(c) >= 2 && MoreAt(in, c, loop)) {
-    const uint32_t id = ShowElement(in, c, kShape, nullptr);
+    const uint32_t id = ShowElement(in, c, kShape);
     if (id == kTermination1) return true;
     if (id == kTermination2) return false;
   }
@@ -261,10 +269,10 @@ bool ShowHeaderElements(const Place& in, Cursor& c) {
 }
 void ShowPayloadElements(const Place& in, Cursor& c) {
   constexpr uint32_t kTermination = 15;
-  constexpr ElementShape kShape{"Payload Element", 11, 4, kPayloadElements};
+  constexpr ElementShape kShape{"Payload Element", 11, 4, kPayloadElements, ShowPayloadValue};
   Loop loop;
   while (Left(c) >= 2 && MoreAt(in, c, loop)) {
-    if (ShowElement(in, c, kShape, ShowNested) == kTermination) return;
+    if (ShowElement(in, c, kShape) == kTermination) return;
   }
 }
 

@@ -41,6 +41,13 @@ constexpr auto kFunctionNames = SortedNames({
     "Control Transfer Ex"}});
 constexpr auto kStageNames = SortedNames({{0, "Setup"}, {1, "Data"}, {2, "Status"}, {3, "Complete"}});
 
+constexpr auto kTransferFlags = SortedNames({
+    {0x00000001, "Short Is an Error"}, {0x00000002, "Isochronous as Soon as Possible"}, {0x00000004, "No Transfer DMA Map"},
+    {0x00000020, "No FSBR"}, {0x00000040, "Zero Packet"}, {0x00000080, "No Interrupt"}, {0x00000100, "Free Buffer"},
+    {0x00000200, "Inward"}, {0x00010000, "DMA Map Single"}, {0x00020000, "DMA Map Page"}, {0x00040000, "DMA Map Scatter"},
+    {0x00080000, "Map Local"}, {0x00100000, "Setup Map Single"}, {0x00200000, "Setup Map Local"},
+    {0x00400000, "DMA Scatter Combined"}, {0x00800000, "Aligned Temporary Buffer"}});
+
 struct Usb {
   Field event, transfer, endpoint, device, bus, setupFlag, dataFlag, urbLength, dataLength, frames, headerLength, stage;
 };
@@ -59,7 +66,7 @@ constexpr auto kUnusedSetup = LittleRows<Usb>({Bytes(8, "Unused Setup")});
 constexpr auto kIsochronousSetup = LittleRows<Usb>({
     Signed(4, "Isochronous Errors"), Number(4, "Isochronous Descriptors")});
 constexpr auto kLinuxMore = LittleRows<Usb>({
-    Signed(4, "Interval"), Signed(4, "Start Frame"), Hex(4, "Transfer Flags"), Number(4,
+    Signed(4, "Interval"), Signed(4, "Start Frame"), Flags(4, "Transfer Flags", kTransferFlags), Number(4,
     "Frame Descriptors").Into(&Usb::frames)});
 constexpr auto kFrame = LittleRows<Usb>({
     Signed(4, "Frame Status"), Number(4, "Frame Offset"), Number(4, "Frame Length"), Number(4, "Frame Padding")});
@@ -88,6 +95,7 @@ void ShowFrames(const Place& in, Cursor& c, RowSpan<Usb> rows, Usb& usb) {
 
 void ShowData(const Place& in, Cursor& c, bool hasDescriptors) {
   if (hasDescriptors) ShowUsbDescriptors(in, c);
+  ShowUsbStorage(in, c);
   c.ranShort = false;
   AddBlock(in, Rest(c), "USB Data");
 }

@@ -8,6 +8,8 @@ namespace qxview {
 void ShowUsbSetup(const Place& in, Cursor& c);
 
 // Descriptors one after the other, as far as lengths lead.
+// The wrappers of mass storage, where they fill the data; nothing otherwise.
+void ShowUsbStorage(const Place& in, Cursor& c);
 void ShowUsbDescriptors(const Place& in, Cursor& c);
 
 }  // namespace qxview

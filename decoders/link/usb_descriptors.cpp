@@ -40,6 +40,25 @@ constexpr auto kCapabilities = SortedNames({
     {11, "Precision Time Measurement"}, {12, "Wireless USB Extension"}, {13, "Billboard"}, {14, "Authentication"},
     {15, "Billboard Extended"}, {16, "Configuration Summary"}});
 
+// Requests of classes, by what they are addressed to: hubs, and interfaces of human interface devices, communications and
+// mass storage.
+constexpr auto kHubRequests = SortedNames({
+    {0, "GET_STATUS"}, {1, "CLEAR_FEATURE"}, {3, "SET_FEATURE"}, {6, "GET_DESCRIPTOR"}, {7, "SET_DESCRIPTOR"},
+    {8, "CLEAR_TT_BUFFER"}, {9, "RESET_TT"}, {10, "GET_TT_STATE"}, {11, "STOP_TT"}, {12, "SET_HUB_DEPTH"},
+    {13, "GET_PORT_ERR_COUNT"}});
+constexpr auto kInterfaceRequests = SortedNames({
+    {0x01, "GET_REPORT"}, {0x02, "GET_IDLE"}, {0x03, "GET_PROTOCOL"}, {0x09, "SET_REPORT"}, {0x0A, "SET_IDLE"},
+    {0x0B, "SET_PROTOCOL"}, {0x20, "SET_LINE_CODING"}, {0x21, "GET_LINE_CODING"}, {0x22, "SET_CONTROL_LINE_STATE"},
+    {0x23, "SEND_BREAK"}, {0xFE, "GET_MAX_LUN"}, {0xFF, "BULK_ONLY_RESET"}});
+constexpr auto kHubFeatures = SortedNames({
+    {0, "C_HUB_LOCAL_POWER or PORT_CONNECTION"}, {1, "C_HUB_OVER_CURRENT or PORT_ENABLE"}, {2, "PORT_SUSPEND"},
+    {3, "PORT_OVER_CURRENT"}, {4, "PORT_RESET"}, {5, "PORT_LINK_STATE"}, {8, "PORT_POWER"}, {9, "PORT_LOW_SPEED"},
+    {16, "C_PORT_CONNECTION"}, {17, "C_PORT_ENABLE"}, {18, "C_PORT_SUSPEND"}, {19, "C_PORT_OVER_CURRENT"},
+    {20, "C_PORT_RESET"}, {21, "PORT_TEST"}, {22, "PORT_INDICATOR"}, {23, "PORT_U1_TIMEOUT"}, {24, "PORT_U2_TIMEOUT"},
+    {25, "C_PORT_LINK_STATE"}, {26, "C_PORT_CONFIG_ERROR"}, {27, "PORT_REMOTE_WAKE_MASK"}, {28, "BH_PORT_RESET"},
+    {29, "C_BH_PORT_RESET"}, {30, "FORCE_LINKPM_ACCEPT"}});
+constexpr auto kReportTypes = SortedNames({{1, "Input"}, {2, "Output"}, {3, "Feature"}});
+
 struct Setup {
   Field type, kind, request, subordinate;
 };
@@ -48,6 +67,13 @@ constexpr auto kType = LittleRows<Setup>({
     Bits(1, 2, "Request Kind", kRequestTypes).Into(&Setup::kind), Bits(3, 5, "Recipient", kRecipients)});
 constexpr auto kStandard = LittleRows<Setup>({Number(1, "Request", kRequests).Into(&Setup::request)});
 constexpr auto kOtherRequest = LittleRows<Setup>({Number(1, "Request").Into(&Setup::request)});
+constexpr auto kHubRequest = LittleRows<Setup>({Number(1, "Request", kHubRequests)});
+constexpr auto kInterfaceRequest = LittleRows<Setup>({Number(1, "Request", kInterfaceRequests)});
+constexpr auto kHubValue = LittleRows<Setup>({Number(2, "Hub Feature", kHubFeatures), Number(1, "Port"), Number(1, "Selector")});
+constexpr auto kReportValue = LittleRows<Setup>({
+    Number(1, "Report ID"), Number(1, "Report Type", kReportTypes), Number(2, "Interface")});
+constexpr auto kIdleValue = LittleRows<Setup>({
+    Number(1, "Report ID"), Number(1, "Idle Rate", " x 4 ms"), Number(2, "Interface")});
 constexpr auto kDescriptorValue = LittleRows<Setup>({
     Number(1, "Descriptor Index"), Number(1, "Descriptor Type", kDescriptorTypes), Hex(2, "Language or Index")});
 constexpr auto kFeatureValue = LittleRows<Setup>({Number(2, "Feature", kFeatures), Number(2, "Index")});
@@ -69,6 +95,14 @@ RowSpan<Setup> ValueOf(uint32_t request) {
     case 11: return kInterfaceValue;
     default: return kPlainValue;
   }
+}
+
+RowSpan<Setup> ClassValueOf(bool isInterface, uint32_t request) {
+  if (!isInterface && (request == 1 || request == 3)) return kHubValue;
+  if (!isInterface && (request == 6 || request == 7)) return kDescriptorValue;
+  if (isInterface && (request == 1 || request == 9)) return kReportValue;
+  if (isInterface && (request == 2 || request == 10)) return kIdleValue;
+  return kPlainValue;
 }
 
 // --- descriptors ---
@@ -103,7 +137,31 @@ constexpr auto kAssociation = LittleRows<Setup>({
 constexpr auto kText = LittleRows<Setup>({Utf16(0, "String").Note(", %s")});
 constexpr auto kStore = LittleRows<Setup>({Number(2, "Total Length"), Number(1, "Number of Capabilities")});
 constexpr auto kCapability = LittleRows<Setup>({
-    Number(1, "Capability", kCapabilities).Note(", %s"), Bytes(0, "Capability Data")});
+    Number(1, "Capability", kCapabilities).Note(", %s").Into(&Setup::kind)});
+constexpr auto kCapabilityData = LittleRows<Setup>({Bytes(0, "Capability Data")});
+constexpr auto kExtension = LittleRows<Setup>({
+    Hex(4, "Attributes"), Bits(0, 16, "Reserved"), Bits(16, 4, "Deep BESL"), Bits(20, 4, "Baseline BESL"),
+    Bits(24, 3, "Reserved"), Flag(27, "Deep BESL Valid"), Flag(28, "Baseline BESL Valid"), Flag(29, "BESL"),
+    Flag(30, "Link Power Management"), Bits(31, 1, "Reserved")});
+constexpr auto kSuperSpeed = LittleRows<Setup>({
+    Hex(1, "Attributes"), Bits(0, 6, "Reserved"), Flag(6, "Latency Tolerance Messages"), Bits(7, 1, "Reserved"),
+    Hex(2, "Speeds Supported"), Flag(15, "Low Speed"), Flag(14, "Full Speed"), Flag(13, "High Speed"),
+    Flag(12, "5 Gbit/s"), Bits(0, 12, "Reserved"), Number(1, "Lowest Speed with Full Functionality"),
+    Number(1, "U1 Exit Latency", " us"), Number(2, "U2 Exit Latency", " us")});
+constexpr auto kIdentified = LittleRows<Setup>({
+    Number(1, "Reserved"), Bytes(16, "UUID"), Bytes(0, "Capability Data")});
+constexpr auto kSuperSpeedPlus = LittleRows<Setup>({
+    Number(1, "Reserved"), Hex(4, "Attributes"), Hex(2, "Functionality Support"), Hex(2, "Reserved"),
+    Bytes(0, "Sublink Speed Attributes")});
+void ShowCapability(const Place& in, Cursor& c, Setup& setup) {
+  const uint32_t kind = setup.kind.value;
+  if (Left(c) < 1) return;
+  ShowRows<Setup>(in, c, kind == 2 && Left(c) == 4          ? RowSpan<Setup>(kExtension)
+                         : kind == 3 && Left(c) == 7        ? RowSpan<Setup>(kSuperSpeed)
+                         : (kind == 4 || kind == 5) && Left(c) >= 17 ? RowSpan<Setup>(kIdentified)
+                         : kind == 10 && Left(c) >= 9       ? RowSpan<Setup>(kSuperSpeedPlus)
+                                                            : RowSpan<Setup>(kCapabilityData), setup);
+}
 constexpr auto kHid = LittleRows<Setup>({
     Hex(2, "HID Version"), Number(1, "Country Code"), Number(1, "Number of HID Descriptors"),
     Number(1, "Subordinate Descriptor Type", kDescriptorTypes), Number(2, "Subordinate Descriptor Length")});
@@ -120,8 +178,8 @@ constexpr auto kDescriptors = Choices<Setup>({
     {1, "Device", kDevice}, {2, "Configuration", kConfiguration}, {3, "String", kText}, {4, "Interface", kInterface},
     {5, "Endpoint", kEndpoint}, {6, "Device Qualifier", kQualifier}, {7, "Other Speed Configuration", kConfiguration},
     {9, "OTG", kOtg},
-    {11, "Interface Association", kAssociation}, {15, "Binary Object Store", kStore}, {16, "Device Capability",
-    kCapability},
+    {11, "Interface Association", kAssociation}, {15, "Binary Object Store", kStore}, {16, "Device Capability", kCapability,
+    ShowCapability},
     {0x21, "HID", kHid}, {0x24, "Class Specific Interface", kClassSpecific}, {0x25, "Class Specific Endpoint",
     kClassSpecific},
     {0x29, "Hub", kHub}, {0x30, "SuperSpeed Endpoint Companion", kCompanion}});
@@ -133,12 +191,23 @@ void ShowUsbSetup(const Place& in, Cursor& c) {
   if (Left(c) < kSize) return;
   const bool isStandard = (PeekU8(c) >> 5 & 3) == 0;
   const uint32_t request = PeekU8(c, 1);
-  const char* name = isStandard ? LookupName(kRequests, request) : LookupName(kRequestTypes, PeekU8(c) >> 5 & 3);
+  const bool isClass = (PeekU8(c) >> 5 & 3) == 1, isInterface = (PeekU8(c) & 31) == 1;
+  const bool isHub = isClass && !isInterface && (PeekU8(c) & 31) != 2;
+  const char* name = isStandard ? LookupName(kRequests, request)
+                     : isHub ? LookupName(kHubRequests, request)
+                     : isClass && isInterface && LookupName(kInterfaceRequests, request, nullptr)
+                         ? LookupName(kInterfaceRequests, request)
+                         : LookupName(kRequestTypes, PeekU8(c) >> 5 & 3);
   AppendToParent(in, Ahead(c, kSize), ", %s", name);
   const Place under = Under(in, AddLine(in, Ahead(c, kSize), "Setup Packet: %s", name));
   Setup setup = ShowRows(under, c, kType);
-  ShowRows<Setup>(under, c, isStandard ? RowSpan<Setup>(kStandard) : RowSpan<Setup>(kOtherRequest), setup);
-  ShowRows<Setup>(under, c, isStandard ? ValueOf(request) : RowSpan<Setup>(kPlainValue), setup);
+  ShowRows<Setup>(under, c, isStandard                 ? RowSpan<Setup>(kStandard)
+                            : isHub                    ? RowSpan<Setup>(kHubRequest)
+                            : isClass && isInterface   ? RowSpan<Setup>(kInterfaceRequest)
+                                                       : RowSpan<Setup>(kOtherRequest), setup);
+  ShowRows<Setup>(under, c, isStandard                       ? ValueOf(request)
+                            : isHub || (isClass && isInterface) ? ClassValueOf(isInterface, request)
+                                                             : RowSpan<Setup>(kPlainValue), setup);
   ShowRows<Setup>(under, c, kLength, setup);
 }
 
