@@ -286,8 +286,7 @@ void ShowFloodingScopes(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c,
 
 // An area that is seen as one system from outside (RFC 9666).
 constexpr auto kAreaSid = Rows<Isis>({
-    Hex(1, "SID Flags"), Flag(0, "IPv6"), Flag(1, "No PHP"), Flag(2, "Explicit Null"), Flag(3, "Value"),
-    Flag(4, "Local"), Bits(5, 3, "Reserved"), Bytes(0, "SID").Note(", %s")});
+    Hex(1, "SID Flags"), Flag(0, "IPv6"), Flag(1, "Value"), Flag(2, "Local"), Bits(3, 5, "Reserved"), Bytes(0, "SID").Note(", %s")});
 constexpr auto kProxySystem = Rows<Isis>({Shown(6, "Proxy System ID", ShowSystem)});
 constexpr auto kProxyParts = Choices<Isis>({{1, "Area Proxy System Identifier", kProxySystem}, {2, "Area SID", kAreaSid}});
 void ShowProxy(const Place& in, Cursor& c, Isis& isis) { ShowElements(in, c, kIsisForm, "Sub-TLV", kProxyParts, isis); }

@@ -149,7 +149,7 @@ constexpr auto kAdaptation = Rows<Pcep>({
 constexpr auto kWavelengths = Rows<Pcep>({
     Hex(2, "Reserved"), Word(2), Bits(0, 15, "Reserved Flags"), Flag(15, "Mode")});
 constexpr auto kFlows = Rows<Pcep>({
-    Number(4, "Flow Specification ID").Note(", %u"), Number(2, "AFI", AddressFamilyName).Into(&Pcep::afi),
+    Number(4, "FS-ID").Note(", %u"), Number(2, "AFI", AddressFamilyName).Into(&Pcep::afi),
     Hex(1, "Reserved"), Word(1), Bits(0, 6, "Reserved Flags"), Flag(6, "Longest Prefix Match"), Flag(7, "Remove")});
 constexpr auto kPathAttributes = Rows<Pcep>({
     Word(4), Bits(0, 29, "Reserved"), Bits(29, 3, "Operational", kStateNames).Note(", %s"),

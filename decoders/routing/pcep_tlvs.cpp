@@ -219,7 +219,7 @@ void ShowFlows(const Place& in, Cursor& c, Pcep& pcep) {
 
 // Several paths of one candidate, and what else policies say (RFC 9862, RFC 9863).
 constexpr auto kMultipath = Rows<Pcep>({
-    Number(2, "Maximum Number of Paths").Note(", %u"), Word(2), Bits(0, 12, "Reserved"), Flag(12, "Composite"),
+    Number(2, "Maximum Number of Paths").Note(", %u"), Word(2), Bits(0, 13, "Reserved"),
     Flag(13, "Opposite Direction"), Flag(14, "Backup"), Flag(15, "Weight")});
 constexpr auto kWeight = Rows<Pcep>({Number(4, "Weight").Note(", %u")});
 constexpr auto kBackup = Rows<Pcep>({
@@ -236,8 +236,8 @@ constexpr auto kNullPolicy = Rows<Pcep>({Number(1, "Explicit Null Label Policy",
 constexpr auto kInvalidation = Rows<Pcep>({
     Hex(1, "Operational Flags"), Hex(1, "Configuration Flags"), Hex(2, "Reserved")});
 constexpr auto kPolicyCapability = Rows<Pcep>({
-    Word(4), Bits(0, 27, "Reserved"), Flag(27, "Explicit Null Label Policy"), Flag(28, "Reserved 2"),
-    Flag(29, "Invalidation"), Flag(30, "Explicit Null"), Flag(31, "Computation Priority")});
+    Word(4), Bits(0, 27, "Reserved"), Flag(27, "Stateless Operation"), Flag(28, "Reserved 2"),
+    Flag(29, "Invalidation"), Flag(30, "Explicit Null Label Policy"), Flag(31, "Computation Priority")});
 
 constexpr auto kTlvs = Choices<Pcep>({
     {1, "NO-PATH-VECTOR", kNoPath}, {2, "OVERLOAD-DURATION", kSeconds}, {3, "REQ-MISSING", kRequest},

@@ -56,7 +56,7 @@ constexpr auto kPolicyNames = SortedNames({   // RFC 2750, RFC 5151
     {10, "Third Party Server Unavailable"}, {11, "Policy Data Object Has Bad Syntax"},
     {12, "Policy Data Object Failed Integrity Check"}, {13, "Policy Element Has Bad Syntax"},
     {14, "Mandatory Policy Element Is Missing"}, {15, "Out of Resources"}, {16, "RSVP Encountered Bad Syntax"},
-    {17, "Service Type Was Rejected"}, {18, "Reservation Style Was Rejected"}, {19, "Flow Specification Was Rejected"},
+    {17, "Service Type Was Rejected"}, {18, "Reservation Style Was Rejected"}, {19, "FLOWSPEC Was Rejected"},
     {103, "Inter-Domain Policy Failure"}, {104, "Inter-Domain Explicit Route Rejected"}});
 constexpr auto kCallNames = SortedNames({   // RFC 4974
     {1, "Call ID Contention"}, {2, "Connections Still Exist"}, {3, "Unknown Call ID"}, {4, "Duplicate Call"}});

@@ -73,7 +73,6 @@ void ShowFlags(const Place& in, Cursor& c, Rsvp& rsvp) {
   Loop loop;
   while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Rsvp>(in, c, kMore, rsvp);
 }
-constexpr auto kService = Rows<Rsvp>({Number(2, "Service ID").Note(", %u"), Hex(2, "Reserved")});
 constexpr auto kMaintenance = Rows<Rsvp>({Number(1, "OAM Type").Note(", %u"), Hex(3, "Reserved")});
 constexpr auto kMaintenanceFlags = Rows<Rsvp>({
     Hex(4, "OAM Function Flags"), Flag(0, "Continuity Check"), Flag(1, "Connectivity Verification"),
@@ -84,7 +83,7 @@ void ShowMaintenance(const Place& in, Cursor& c, Rsvp& rsvp) {
   ShowElements<Rsvp>(in, c, kRsvpForm, "OAM Sub-TLV", kMaintenanceParts, rsvp);
 }
 constexpr auto kPathAttributes = Choices<Rsvp>({
-    {1, "Attribute Flags", kFlags, ShowFlags}, {2, "Service ID", kService},
+    {1, "Attribute Flags", kFlags, ShowFlags}, {2, "Service ID"},
     {3, "OAM Configuration", kMaintenance, ShowMaintenance}});
 
 constexpr auto kObjects = Choices<Rsvp>({
