@@ -32,6 +32,7 @@ int32_t LengthOfTlsRecord(const Cursor& c);
 int32_t LengthOfGit(const Cursor& c);
 int32_t LengthOfAjp(const Cursor& c);
 int32_t LengthOfHttp(const Cursor& c);
+int32_t LengthOfHttp2(const Cursor& c);
 int32_t LengthOfSip(const Cursor& c);   // and RTSP
 int32_t LengthOfSkinny(const Cursor& c);
 

@@ -11,7 +11,10 @@
 
 #include <cstdlib>
 
+#include "decoders/app/http2.h"
 #include "decoders/app/tls_record.h"
+#include "decoders/app/websocket.h"
+#include "decoders/states.h"
 #include "decoders/tls/ssl2.h"
 
 namespace qxview {
@@ -60,6 +63,22 @@ void NoteContext(const Place& at, HttpState& state, const Field& message) {
   }
 }
 
+// The answer that lets a connection go over to another protocol, from its next byte on.
+bool GoesOver(const Place& at, const HttpFlags& flags, const Field& message, const HttpFirstLine& first) {
+  const Field code = Slice(message, first.tokens[1].offset, first.tokens[1].length);
+  if (first.kind != kHttpResponse || !PeekIs(CursorOver(code), 0, "101") || (!flags.toWebSocket && !flags.toHttp2)) return false;
+  int32_t direction;
+  const ConnectionKey key = ConnectionOf(PacketOf(at), &direction);
+  if (PacketOf(at).quoted) return false;
+  if (flags.toHttp2) {
+    Remember(at.view, kHttp2Connections, key, {true});
+  } else {
+    const bool keeps[] = {!flags.serverForgets, !flags.clientForgets};
+    Remember(at.view, kWebSockets, key, {flags.deflates, {keeps[0], keeps[1]}, static_cast<uint8_t>(direction)});
+  }
+  return true;
+}
+
 // One pass: a message, or the continuation of one, from its first line on. Result: whether another pass follows.
 bool DecodeMessage(const Place& at, HttpState& state, Cursor& c) {
   const Field message = Ahead(c, Left(c));
@@ -71,6 +90,10 @@ bool DecodeMessage(const Place& at, HttpState& state, Cursor& c) {
     ShowFirstLine(in, message, first);
     TakeBytes(c, first.taken);
     WalkHttpHeaders(in, state.flags, c);
+    if (GoesOver(at, state.flags, message, first)) {
+      if (Left(c) > 0) CallDecoder(at, TakeCursor(c, Left(c)), state.flags.toHttp2 ? DecodeHttp2 : DecodeWebSocket, "HTTP Data");
+      return false;
+    }
   }
   return Left(c) > 0 && DecodeHttpBody(in, state, first.kind, c);
 }
@@ -111,6 +134,11 @@ int32_t DecodeHttpPayload(View* view, const uint8_t* payload, int32_t frameOffse
 }
 
 int32_t DecodeHttp(const Place& at, Cursor c) {
+  if (StartsHttp2(c)) return DecodeHttp2(at, c);
+  if (ClassifyHttpFirstLine(c.at, Left(c)) == kHttpContinuation) {
+    if (IsHttp2Connection(at) || StartsHttp2Settings(c)) return DecodeHttp2(at, c);
+    if (IsWebSocketConnection(at)) return DecodeWebSocket(at, c);
+  }
   return DecodeHttpPayload(at.view, c.at, c.offset, Left(c), at.level, false);
 }
 

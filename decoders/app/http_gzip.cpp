@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/byte_origins.h"
+#include "decoders/app/http_inflate.h"
 #include "decoders/app/http_message.h"
 
 namespace qxview {
@@ -36,6 +38,7 @@ struct InflatedBody {
 // What inflation works with: made once an engine, so that few decodings allocate.
 struct HttpInflater {
   InflatedBody* bodies[kMostBodies];
+  InflatedBody* whole;                // what a frame has whole is inflated here
   uint32_t uses;
   uint8_t header[kMostHeaderCopied];
 };
@@ -276,7 +279,26 @@ void ShowInflated(const Place& in, const Field& cover, const uint8_t* text, int3
 void DestroyHttpInflater(HttpInflater* inflater) {
   if (!inflater) return;
   for (InflatedBody* body : inflater->bodies) std::free(body);
+  std::free(inflater->whole);
   std::free(inflater);
+}
+
+Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window) {
+  const Cursor none = MakeCursor(nullptr, data.offset, 0);
+  HttpState& state = *StateOf<HttpState>(at.view->engine, DecoderState::kHttp);
+  if (!data.here || data.length < 1) return none;
+  if (!state.inflater) state.inflater = static_cast<HttpInflater*>(std::calloc(1, sizeof(HttpInflater)));
+  if (!state.inflater) return none;
+  InflatedBody*& kept = state.inflater->whole;
+  if (!kept) kept = static_cast<InflatedBody*>(std::malloc(sizeof(InflatedBody)));
+  if (!kept || !StartStream(*kept, wrapping == Wrapping::kNone ? -15 : wrapping == Wrapping::kZlib ? 15 : 31)) return none;
+  z_stream& stream = kept->stream;
+  if (window.length && inflateSetDictionary(&stream, window.data, window.length) != Z_OK) return none;
+  stream.next_in = const_cast<Bytef*>(data.bytes);   // zlib does not write to it
+  stream.avail_in = static_cast<uInt>(data.length);
+  inflate(&stream, Z_SYNC_FLUSH);
+  const BytePiece piece{};   // none of them stands in the frame as it is
+  return JoinedBytes(at.view, kept->output, ProducedOf(*kept), &piece, 1, data.offset);
 }
 
 void DecodeHttpGzip(const Place& in, HttpState& state, bool continuation, const Cursor& c) {

@@ -2,6 +2,7 @@
 // and a body by its length, in chunks with their trailer, or to the end of the connection. Messages of its relatives
 // (SIP, RTSP) are read by the same rules.
 #include "decoders/app/http.h"
+#include "decoders/app/http2.h"
 #include "decoders/app/http_message.h"
 #include "decoders/message_lengths.h"
 
@@ -112,6 +113,7 @@ bool HasFirstLine(const Cursor& c, int32_t* said) {
 }  // namespace
 
 int32_t LengthOfHttp(const Cursor& c) {
+  if (LooksLikeHttp2(c)) return LengthOfHttp2(c);
   int32_t said;
   if (!HasFirstLine(c, &said)) return said;
   const HttpFirstLine first = SplitHttpFirstLine(c.at, Left(c));

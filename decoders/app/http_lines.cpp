@@ -1,5 +1,6 @@
 // HTTP's text: its lines, the first line's three tokens, the header lines.
 #include "decoders/app/http_message.h"
+#include "decoders/common/header_lines.h"
 
 namespace qxview {
 namespace {
@@ -14,6 +15,14 @@ bool Equals(const Field& text, const char (&word)[kSize]) {
   return text.length == static_cast<int32_t>(kSize) - 1 && Starts(text, word);
 }
 
+bool Holds(const Field& text, const char* word) {
+  const Cursor c = CursorOver(text);
+  for (int32_t at = FindU8(c, static_cast<uint8_t>(word[0])); at >= 0; at = FindU8(c, static_cast<uint8_t>(word[0]), at + 1)) {
+    if (StartsWithText(CursorOver(Slice(text, at, text.length - at)), word)) return true;
+  }
+  return false;
+}
+
 bool IsVersion(const Field& token) { return token.length > 5 && Starts(token, "HTTP/"); }
 
 bool IsStatusCode(const Field& token) {
@@ -25,6 +34,14 @@ bool IsStatusCode(const Field& token) {
 
 // A header's value, when its name is one that tells of the body. Any of the three names takes any of the values.
 void NoteHeader(HttpFlags& flags, const Field& name, const Field& value) {
+  if (IsWord(name, "Upgrade")) {
+    flags.toWebSocket = IsWord(value, "websocket");
+    flags.toHttp2 = IsWord(value, "h2c");
+  } else if (IsWord(name, "Sec-WebSocket-Extensions")) {
+    flags.deflates = Holds(value, "permessage-deflate");
+    flags.clientForgets = Holds(value, "client_no_context_takeover");
+    flags.serverForgets = Holds(value, "server_no_context_takeover");
+  }
   if (!Equals(name, "Transfer-Encoding") && !Equals(name, "Content-Encoding") && !Equals(name, "Content-Type")) return;
   if (Equals(value, "gzip")) flags.gzip = true;
   if (Equals(value, "chunked")) flags.chunked = true;

@@ -35,6 +35,8 @@ Field TakeTextLine(Cursor& c);
 // What a message's headers say of its body.
 struct HttpFlags {
   bool chunked, gzip, text, image, ocspRequest, ocspResponse;
+  bool toWebSocket, toHttp2;                   // what the connection goes over to
+  bool deflates, clientForgets, serverForgets;   // WebSocket's messages are compressed, an end's each for itself
 };
 
 // Earlier segments of the current frame's connection and direction, the nearest first; when the search found the

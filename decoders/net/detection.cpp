@@ -2,6 +2,7 @@
 
 #include "core/custom_libraries.h"
 #include "core/decoder.h"
+#include "decoders/app/http2.h"
 #include "decoders/app/rtcp.h"
 #include "decoders/app/stun.h"
 #include "decoders/ipsec/wireguard.h"
@@ -61,6 +62,8 @@ constexpr DetectionRow kOverTcp[] = {
     {LooksLikeFcip, Always, 0x1010070},
     {LooksLikeBitTorrent, Always, 0x101007E},
     {StartsTlsHello, Always, 0x101001E},
+    {StartsHttp2, Always, 0x1010390},
+    {StartsHttp2Settings, Always, 0x1010390},
     {LooksLikeHttp, MessagesAreJoined, 0x1010004},
 };
 

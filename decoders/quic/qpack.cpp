@@ -4,33 +4,18 @@
 //   1 T index   0 1 N T name index, value   0 0 1 N H name, value   0 0 0 1 index past the base   0 0 0 0 N name index, value
 #include "decoders/quic/qpack.h"
 
-#include <cstring>
-
 #include "decoders/common/huffman_text.h"
+#include "decoders/quic/field_table.h"
 #include "decoders/states.h"
 
 namespace qxview {
 namespace {
 
-constexpr int32_t kNameRoom = 256, kValueRoom = 1024;
-
-struct StaticField {
-  const char *name, *value;
-};
 constexpr StaticField kStatic[] = {
 #include "decoders/quic/qpack_table.inc"
 };
 constexpr uint64_t kStaticCount = sizeof kStatic / sizeof kStatic[0];
 static_assert(kStaticCount == 99);
-
-TextSlice SliceOf(const char* text) { return {text, static_cast<int32_t>(std::strlen(text))}; }
-constexpr TextSlice kNotKnown = {"?", 1};
-
-// A field line's name and value, wherever they stand.
-struct FieldLine {
-  TextSlice name = kNotKnown, value = kNotKnown;
-  char nameRoom[kNameRoom], valueRoom[kValueRoom];
-};
 
 // Looking into a connection's table: the end that fills it.
 struct Table {
@@ -43,20 +28,8 @@ struct Table {
     const QpackTable* table = Recall(in.view, kQpackTables, KeyOf(0));
     return table ? table->now : 0;
   }
-  // Entries count from 1. Copied, for the next look-up may take the place of this one.
-  void Read(uint64_t number, bool withValue, FieldLine& out) const {
-    StateBytes bytes{};
-    const QpackEntry* entry = Recall(in.view, kQpackEntries, KeyOf(number), 1, &bytes);
-    if (!entry || entry->nameLength > bytes.length) return;
-    const auto copy = [](const uint8_t* from, uint32_t length, char* room, int32_t size) {
-      const int32_t kept = length < static_cast<uint32_t>(size) ? static_cast<int32_t>(length) : size;
-      std::memcpy(room, from, static_cast<size_t>(kept));
-      return TextSlice{room, kept};
-    };
-    const uint32_t valueLength = bytes.length - entry->nameLength;
-    out.name = copy(bytes.data, entry->nameLength, out.nameRoom, kNameRoom);
-    if (withValue) out.value = copy(bytes.data + entry->nameLength, valueLength, out.valueRoom, kValueRoom);
-  }
+  // Entries count from 1.
+  void Read(uint64_t number, bool withValue, FieldLine& out) const { ReadFieldEntry(in, KeyOf(number), withValue, out); }
   // The instructions of a frame begin.
   void Begin() const {
     QpackTable table{};
@@ -69,29 +42,13 @@ struct Table {
     const uint64_t number = Inserted() + 1;
     QpackTable table{session.turn, number - 1, number};
     if (const QpackTable* known = Recall(in.view, kQpackTables, KeyOf(0))) table = {known->turn, known->before, number};
-    uint8_t bytes[kNameRoom + kValueRoom];
-    const auto cut = [](int32_t length, int32_t most) { return length < most ? length : most; };
-    const int32_t name = cut(line.name.length, kNameRoom), value = cut(line.value.length, kValueRoom);
-    std::memcpy(bytes, line.name.text, static_cast<size_t>(name));
-    std::memcpy(bytes + name, line.value.text, static_cast<size_t>(value));
-    Remember(in.view, kQpackEntries, KeyOf(number), {static_cast<uint32_t>(name)}, {bytes, static_cast<uint32_t>(name + value)});
+    KeepFieldEntry(in, KeyOf(number), line);
     Remember(in.view, kQpackTables, KeyOf(0), table);
   }
 };
 
 void ReadStatic(uint64_t index, bool withValue, FieldLine& out) {
-  if (index >= kStaticCount) return;
-  out.name = SliceOf(kStatic[index].name);
-  if (withValue) out.value = SliceOf(kStatic[index].value);
-}
-
-// The line of a name and a value, with what its bytes say under it.
-Place AddFieldLine(const Place& in, const Field& whole, const FieldLine& line, const char* form) {
-  const Place under = Under(in, AddLine(in, whole, "Header: %s: %s", line.name, line.value));
-  AddLine(under, whole, "Representation: %s", form);
-  AddLine(under, whole, "Name: %s", line.name);
-  AddLine(under, whole, "Value: %s", line.value);
-  return under;
+  if (index < kStaticCount) ReadStaticField(kStatic[index], withValue, out);
 }
 
 struct Index {
@@ -123,11 +80,11 @@ void ShowLine(const Place& in, Cursor& c, const Index& index) {
   } else if (first & 0x40) {
     number = TakePrefixedNumber(c, 4);
     ReadIndexed(index, number.wide, first & 0x10, false, false, line);
-    line.value = TakeCompressedText(c, 7, line.valueRoom, kValueRoom).text;
+    line.value = TakeCompressedText(c, 7, line.valueRoom, kFieldValueRoom).text;
     form = first & 0x10 ? "Literal, Name of the Static Table" : "Literal, Name of the Dynamic Table";
   } else if (first & 0x20) {
-    line.name = TakeCompressedText(c, 3, line.nameRoom, kNameRoom).text;
-    line.value = TakeCompressedText(c, 7, line.valueRoom, kValueRoom).text;
+    line.name = TakeCompressedText(c, 3, line.nameRoom, kFieldNameRoom).text;
+    line.value = TakeCompressedText(c, 7, line.valueRoom, kFieldValueRoom).text;
     form = "Literal";
   } else if (first & 0x10) {
     number = TakePrefixedNumber(c, 4);
@@ -136,11 +93,12 @@ void ShowLine(const Place& in, Cursor& c, const Index& index) {
   } else {
     number = TakePrefixedNumber(c, 3);
     ReadIndexed(index, number.wide, false, true, false, line);
-    line.value = TakeCompressedText(c, 7, line.valueRoom, kValueRoom).text;
+    line.value = TakeCompressedText(c, 7, line.valueRoom, kFieldValueRoom).text;
     form = "Literal, Name of the Dynamic Table behind the Base";
   }
   if (c.ranShort) return;
-  const Place under = AddFieldLine(in, PeekBytes(start, 0, c.offset - start.offset), line, form);
+  const Field whole = PeekBytes(start, 0, c.offset - start.offset);
+  const Place under = AddFieldLine(in, whole, line, form, whole);
   AddLine(under, number, "Index: %I64u", number.wide);
 }
 
@@ -183,11 +141,11 @@ void ShowEncoderInstructions(const Place& in, Cursor& c, const QuicSession& sess
       } else {
         table.Read(table.Inserted() - number.wide, false, line);
       }
-      line.value = TakeCompressedText(c, 7, line.valueRoom, kValueRoom).text;
+      line.value = TakeCompressedText(c, 7, line.valueRoom, kFieldValueRoom).text;
       name = "Insert with Name Reference";
     } else if (first & 0x40) {
-      line.name = TakeCompressedText(c, 5, line.nameRoom, kNameRoom).text;
-      line.value = TakeCompressedText(c, 7, line.valueRoom, kValueRoom).text;
+      line.name = TakeCompressedText(c, 5, line.nameRoom, kFieldNameRoom).text;
+      line.value = TakeCompressedText(c, 7, line.valueRoom, kFieldValueRoom).text;
       name = "Insert with Literal Name";
     } else if (first & 0x20) {
       number = TakePrefixedNumber(c, 5);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/lines.h"
+#include "decoders/app/http2.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/tls/tls_opener.h"
 
@@ -73,6 +74,9 @@ const DecoderRow* FindInner(const TlsConnection& connection, const TlsRecord& re
     const DecoderRow* row = *server ? RowOf(kind, *server) : nullptr;
     if (row && !IsTls(row)) return row;
   }
+  constexpr uint32_t kHttp2Row = kHttp2Protocol & 0xFFFF;
+  if (connection.alpnLength == 2 && std::memcmp(connection.alpn, "h2", 2) == 0) return FindBuiltinDecoder(kHttp2Row);
+  if (!isAgreed && StartsHttp2(c)) return FindBuiltinDecoder(kHttp2Row);
   if (isAgreed || !LooksLikeHttp(c)) return nullptr;
   *server = kHttpPort;
   return RowOf(DoorKind::kTcpPort, kHttpPort);
