@@ -1,5 +1,5 @@
-// What single bits of the parameters of Bluetooth's host controller interface mean (Bluetooth Core 5.3, volume 4, part E, clause 7,
-// volume 2, part C, 3.3 and volume 6, part B, 4.6).
+// What single bits of the parameters of Bluetooth's host controller interface mean (Bluetooth Core 5.3, volume 4, part E,
+// clause 7; volume 2, part C, 3.3; volume 6, part B, 4.6).
 #include <cstring>
 
 #include "decoders/link/bluetooth_hci.h"
@@ -114,6 +114,19 @@ constexpr auto kFlow = LittleRows<NoValues>({
     Number(1, "Flow Identifier"), Number(1, "Service Type", kFlowTypes), Number(2, "Maximum SDU Size", " bytes"),
     Number(4, "SDU Inter-Arrival Time", " us"), Number(4, "Access Latency", " us"), Number(4, "Flush Timeout", " us")});
 
+constexpr auto kAdvertisingChannels = LittleRows<NoValues>({
+    Word(1), Bits(0, 5, "Reserved"), Flag(5, "Channel 39"), Flag(6, "Channel 38"), Flag(7, "Channel 37")});
+constexpr auto kChannels = LittleRows<NoValues>({
+    Word(1), Flag(7, "Channel 0"), Flag(6, "Channel 1"), Flag(5, "Channel 2"), Flag(4, "Channel 3"), Flag(3,
+    "Channel 4"), Flag(2, "Channel 5"), Flag(1, "Channel 6"), Flag(0, "Channel 7"), Word(1), Flag(7, "Channel 8"),
+    Flag(6, "Channel 9"), Flag(5, "Channel 10"), Flag(4, "Channel 11"), Flag(3, "Channel 12"), Flag(2, "Channel 13"),
+    Flag(1, "Channel 14"), Flag(0, "Channel 15"), Word(1), Flag(7, "Channel 16"), Flag(6, "Channel 17"), Flag(5,
+    "Channel 18"), Flag(4, "Channel 19"), Flag(3, "Channel 20"), Flag(2, "Channel 21"), Flag(1, "Channel 22"), Flag(0,
+    "Channel 23"), Word(1), Flag(7, "Channel 24"), Flag(6, "Channel 25"), Flag(5, "Channel 26"), Flag(4,
+    "Channel 27"), Flag(3, "Channel 28"), Flag(2, "Channel 29"), Flag(1, "Channel 30"), Flag(0, "Channel 31"),
+    Word(1), Flag(7, "Channel 32"), Flag(6, "Channel 33"), Flag(5, "Channel 34"), Flag(4, "Channel 35"), Flag(3,
+    "Channel 36"), Bits(0, 3, "Reserved")});
+
 struct Meaning {
   const char* name;
   int32_t size;   // bytes
@@ -124,7 +137,9 @@ constexpr Meaning kMeanings[] = {
     {"Clock Offset", 2, kClock}, {"LMP Features", 8, kLinkFeatures}, {"Event Mask", 8, kEvents},
     {"LE Event Mask", 8, kLowEnergyEvents}, {"LE Features", 8, kLowEnergyFeatures}, {"Transmit PHYs", 1, kPhys},
     {"Receive PHYs", 1, kPhys}, {"Scanning PHYs", 1, kPhys}, {"Initiating PHYs", 1, kPhys},
-    {"All PHYs", 1, kPreferences}, {"Transmit Flow", 16, kFlow}, {"Receive Flow", 16, kFlow}};
+    {"All PHYs", 1, kPreferences}, {"Host Features", 8, kLinkFeatures}, {"Channel Map", 1, kAdvertisingChannels},
+    {"Channel Map", 5, kChannels},
+    {"Transmit Flow", 16, kFlow}, {"Receive Flow", 16, kFlow}};
 
 }  // namespace
 

@@ -62,10 +62,18 @@ void ShowSocketAddress(const Place& in, const Field& field, const char* label) {
   }
 }
 
+// States of TCP by their bits, and what a dump of local sockets is to show.
+constexpr auto kStateMasks = SortedNames({
+    {0x0002, "Established"}, {0x0004, "SYN Sent"}, {0x0008, "SYN Received"}, {0x0010, "FIN Wait 1"},
+    {0x0020, "FIN Wait 2"}, {0x0040, "Time Wait"}, {0x0080, "Close"}, {0x0100, "Close Wait"}, {0x0200, "Last ACK"},
+    {0x0400, "Listen"}, {0x0800, "Closing"}, {0x1000, "New SYN Received"}});
+constexpr auto kShownNames = SortedNames({
+    {0x01, "Show Name"}, {0x02, "Show VFS"}, {0x04, "Show Peer"}, {0x08, "Show Pending Connections"},
+    {0x10, "Show Receive Queue"}, {0x20, "Show Memory"}});
 constexpr auto kInetRequest = Rows<Generic>({
     Number(1, "Address Family", kLinuxFamilyNames), Number(1, "Transport", kTransportNames), Hex(1,
     "Wanted Extensions"), Word(1),
-    Hex(4, "Wanted States")});
+    Flags(4, "Wanted States", kStateMasks)});
 constexpr auto kSocketId = Rows<Generic>({
     Shown(2, "Source Port", ShowPorts), Shown(2, "Destination Port", ShowPorts), Shown(16, "Source Address",
     ShowSocketAddress),
@@ -78,9 +86,8 @@ constexpr auto kInetRest = Rows<Generic>({
     Number(4, "Timer Expires", " ms"), Number(4, "Receive Queue"), Number(4, "Send Queue"), Number(4, "User ID"),
     Number(4, "Inode")});
 constexpr auto kUnixRequest = Rows<Generic>({
-    Number(1, "Address Family", kLinuxFamilyNames), Number(1, "Transport"), Word(2), Hex(4, "Wanted States"), Number(4,
-    "Inode"),
-    Hex(4, "Shown"), Hex(8, "Socket Cookie")});
+    Number(1, "Address Family", kLinuxFamilyNames), Number(1, "Transport"), Word(2),
+    Flags(4, "Wanted States", kStateMasks), Number(4, "Inode"), Flags(4, "Shown", kShownNames), Hex(8, "Socket Cookie")});
 constexpr auto kUnixHead = Rows<Generic>({
     Number(1, "Address Family", kLinuxFamilyNames), Number(1, "Socket Type", kSocketTypes), Number(1, "Socket State",
     kStateNames),
