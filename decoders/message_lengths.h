@@ -30,6 +30,8 @@ int32_t LengthOfOpenVpnOverTcp(const Cursor& c);
 int32_t LengthOfIpsecOverTcp(const Cursor& c);
 int32_t LengthOfTlsRecord(const Cursor& c);
 int32_t LengthOfGit(const Cursor& c);
+int32_t LengthOfFastCgi(const Cursor& c);
+int32_t LengthOfSmpp(const Cursor& c);
 int32_t LengthOfAjp(const Cursor& c);
 int32_t LengthOfHttp(const Cursor& c);
 int32_t LengthOfHttp2(const Cursor& c);
