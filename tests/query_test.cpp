@@ -91,6 +91,38 @@ TEST(Filters, SayWhatIsWrongAndWhere) {
   EXPECT_TRUE(Filter::Parse(chain, &fault));
 }
 
+// Pieces of filters in any order: each is taken or told with a place inside it, and asking it ends.
+TEST(Filters, TakeAnyPiecesInAnyOrder) {
+  static constexpr const char* kPieces[] = {
+      "tcp", "frame.number", "ip.addr", "frame.summary", "line", "==", "!=", "<", ">=", "contains", "matches", "in", "{", "}", "(",
+      ")", "and", "or", "not", "!", "&&", ",", "..", "7", "0x1F", "-1.5", "10.0.0.0/8", "fe80::/10", "\"a\"", "\"[a\"", "\"(a|b)*\\x41\"",
+      "'", "2025-11-21", "\xC3\xA4", "\xFF", ";", "dns.question_record/dns.domain_name", "/", "frame.time", "ip.src"};
+  uint32_t state = 1;
+  const auto random = [&state](size_t below) { return (state = state * 1664525 + 1013904223) / 65536 % below; };
+  NoPacket told;
+  const std::unique_ptr<DecodeContext, decltype(&DestroyDecodeContext)> context(CreateDecodeContext(), DestroyDecodeContext);
+  const ArenaTree tree;
+  int32_t taken = 0;
+  for (int32_t i = 0; i < 800; ++i) {
+    std::string expression;
+    for (size_t pieces = 1 + random(9); pieces > 0; --pieces) {
+      expression += kPieces[random(std::size(kPieces))];
+      expression += " ";
+    }
+    FilterFault fault;
+    const auto filter = Filter::Parse(expression, &fault);
+    if (!filter) {
+      ASSERT_FALSE(fault.message.empty()) << expression;
+      ASSERT_LE(fault.at, expression.size()) << expression;
+      continue;
+    }
+    ++taken;
+    filter->Keys().Collect(*context, tree, told);
+    filter->Holds();
+  }
+  EXPECT_GT(taken, 15);
+}
+
 using Answers = std::vector<std::string>;
 
 Answers AnswersOf(const KeyQuery& query) {
