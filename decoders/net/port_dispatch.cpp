@@ -131,12 +131,14 @@ int32_t SortDtlsAndQuic(const Place& at, int32_t identifier, int32_t index, cons
 // What shares a port with media: the first byte tells STUN, DTLS, TURN's channel data and media apart (RFC 7983), the
 // second one RTCP from RTP (RFC 5761).
 int32_t SortMedia(int32_t identifier, const Cursor& c) {
+  constexpr int32_t kZrtpProtocol = kBuiltinProtocol | 0x3B1;
   constexpr uint32_t kFirstDtls = 20, kFirstChannel = 64, kLastChannel = 79, kFirstRtcp = 192, kLastRtcp = 223;
   constexpr int32_t kRtpHeader = 12;
   if (LooksLikeStun(c)) return kStunProtocol;
   const uint32_t first = PeekU8(c), second = PeekU8(c, 1);
   if (first >= kFirstDtls && first < kFirstChannel && LooksLikeDtls(c)) return kDtlsProtocol;
   if (first >= kFirstChannel && first <= kLastChannel && StartsStun(c)) return kStunProtocol;
+  if (PeekIs(c, 4, "ZRTP") && first >> 4 == 1) return kZrtpProtocol;
   if (first >> 6 != 2) return identifier;
   const bool isControl = second >= kFirstRtcp && second <= kLastRtcp;
   RtcpHeader header;
