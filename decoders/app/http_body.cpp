@@ -16,6 +16,14 @@ void ShowTextBody(const Place& in, Cursor& c) {
   }
 }
 
+// Bodies by their content type, for those who want today's reading of all: what is scripted on has the lines below. A body
+// that goes on in later segments is told as far as it is here.
+bool ShowsContent(const Place& in, const HttpFlags& flags) {
+  const Settings& settings = in.view->engine->settings;
+  return settings.dnsRecords && settings.ignoreChecksums && flags.content != WebContent::kUnknown &&
+         flags.content != WebContent::kOther;
+}
+
 }  // namespace
 
 bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c) {
@@ -26,7 +34,11 @@ bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c) 
     return false;
   }
   if (flags.chunked && DecodeHttpChunk(in, c)) return Left(c) > 0;
-  if (flags.text) {
+  if (ShowsContent(in, flags)) {
+    WebBody body{flags.content, false, false, false, false, 0};
+    ShowWebBody(in, c, body);
+    flags.text = flags.image = false;
+  } else if (flags.text) {
     ShowTextBody(in, c);
     flags.text = false;
   } else if (flags.image) {

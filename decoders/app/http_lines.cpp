@@ -34,6 +34,7 @@ bool IsStatusCode(const Field& token) {
 
 // A header's value, when its name is one that tells of the body. Any of the three names takes any of the values.
 void NoteHeader(HttpFlags& flags, const Field& name, const Field& value) {
+  if (IsWord(name, "Content-Type")) flags.content = WebContentOf(Text(value));
   if (IsWord(name, "Upgrade")) {
     flags.toWebSocket = IsWord(value, "websocket");
     flags.toHttp2 = IsWord(value, "h2c");

@@ -2,6 +2,7 @@
 #pragma once
 #include "core/decoder.h"
 #include "decoders/app/http.h"
+#include "decoders/app/web_body.h"
 
 namespace qxview {
 
@@ -35,6 +36,7 @@ Field TakeTextLine(Cursor& c);
 // What a message's headers say of its body.
 struct HttpFlags {
   bool chunked, gzip, text, image, ocspRequest, ocspResponse;
+  WebContent content;
   bool toWebSocket, toHttp2;                   // what the connection goes over to
   bool deflates, clientForgets, serverForgets;   // WebSocket's messages are compressed, an end's each for itself
 };

@@ -64,6 +64,7 @@ constexpr DetectionRow kOverTcp[] = {
     {StartsTlsHello, Always, 0x101001E},
     {StartsHttp2, Always, 0x1010390},
     {StartsHttp2Settings, Always, 0x1010390},
+    {AsksForWebSocket, Always, 0x1010004},
     {LooksLikeHttp, MessagesAreJoined, 0x1010004},
 };
 

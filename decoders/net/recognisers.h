@@ -17,6 +17,7 @@ bool LooksLikeOncRpcRecord(const Cursor& c);  // ONC RPC behind a record marker
 bool LooksLikeFix(const Cursor& c);           // "8=FIX" anywhere: a segment may start inside a message
 bool LooksLikeSip(const Cursor& c);
 bool LooksLikeHttp(const Cursor& c);          // of version 1
+bool AsksForWebSocket(const Cursor& c);       // the message of HTTP that a connection of WebSocket begins with
 bool LooksLikeGiop(const Cursor& c);
 bool LooksLikeFcip(const Cursor& c);
 bool LooksLikeBitTorrent(const Cursor& c);    // the handshake

@@ -78,4 +78,11 @@ bool LooksLikeFix(const Cursor& c) {
 bool LooksLikeSip(const Cursor& c) { return LooksLike(c, kSip); }
 bool LooksLikeHttp(const Cursor& c) { return LooksLike(c, kHttp); }
 
+bool AsksForWebSocket(const Cursor& c) {
+  if (!LooksLikeHttp(c)) return false;
+  int32_t at = FindU8(c, 'S');
+  while (at >= 0 && !PeekIs(c, at, "Sec-WebSocket-")) at = FindU8(c, 'S', at + 1);
+  return at >= 0;
+}
+
 }  // namespace qxview
