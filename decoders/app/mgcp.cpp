@@ -30,6 +30,18 @@ constexpr struct {
     {"I2", "Second Connection ID"}, {"F", "Requested Information"}, {"Q", "Quarantine Handling"}, {"T", "Detect Events"},
     {"RM", "Restart Method"}, {"RD", "Restart Delay"}, {"A", "Capabilities"}, {"ES", "Event States"},
     {"PL", "Package List"}, {"MD", "Maximum MGCP Datagram"}};
+// What lists of parameters consist of, parted by commas that stand in no parentheses.
+constexpr struct {
+  const char* code;
+  const char* label;
+} kLists[] = {
+    {"A", "Capability"}, {"B", "Bearer Attribute"}, {"ES", "Event"}, {"F", "Information Code"}, {"K", "Transaction Range"},
+    {"L", "Option"}, {"O", "Event"}, {"P", "Statistic"}, {"PL", "Package"}, {"Q", "Handling"}, {"R", "Event"}, {"S", "Signal"},
+    {"T", "Event"}};
+constexpr auto kReasons = SortedNames({
+    {0, "Endpoint State Is Nominal"}, {900, "Endpoint Malfunctioning"}, {901, "Endpoint Taken Out of Service"},
+    {902, "Loss of Lower Layer Connectivity"}, {903, "QoS Resource Reservation Lost"}, {904, "Manual Intervention"},
+    {905, "Facility Failure"}});
 constexpr auto kReplies = SortedNames({
     {0, "Acknowledged"}, {100, "Being Executed"}, {101, "Queued"}, {200, "Executed Normally"}, {250, "Connection Deleted"},
     {400, "Transient Error"}, {401, "Phone Already Off-Hook"}, {402, "Phone Already On-Hook"},
@@ -87,6 +99,31 @@ Place ShowFirstLine(const Place& at, const Field& message, const TextLine& line)
   return in;
 }
 
+void ShowItems(const Place& in, const Field& code, const Field& value) {
+  if (IsWord(code, "E")) {
+    Field rest = value;
+    const Field number = TakeWord(rest);
+    const int32_t reason = DecimalOf(number);
+    if (reason >= 0) AddLine(in, number, "Reason: %u = %s", reason, LookupName(kReasons, static_cast<uint32_t>(reason)));
+    return;
+  }
+  const char* label = nullptr;
+  for (const auto& each : kLists) {
+    if (IsWord(code, each.code)) label = each.label;
+  }
+  int32_t start = 0, depth = 0;
+  for (int32_t at = 0; label && at <= value.length && !PacketOf(in).limitReached; ++at) {
+    const uint32_t c = PeekU8(value, at);
+    depth += c == '(' ? 1 : c == ')' && depth > 0 ? -1 : 0;
+    if (at < value.length && (c != ',' || depth > 0)) continue;
+    const Field item = Trimmed(Slice(value, start, at - start));
+    // keys: text Capability, Bearer Attribute, Event, Information Code, Transaction Range, Option, Statistic, Package, Handling
+    // keys: text Signal
+    if (item.length > 0) AddTextLine(in, item, label);
+    start = at + 1;
+  }
+}
+
 bool IsFirstLine(const Field& line) {
   Field rest = line;
   const Field first = TakeWord(rest);
@@ -100,7 +137,9 @@ bool DecodeMessage(const Place& at, Cursor& c) {
   const Place in = ShowFirstLine(at, Ahead(start, Left(start)), line);
   HeaderLine header;
   Loop loop;
-  while (MoreAt(in, c, loop) && TakeHeader(c, header)) ShowHeader(in, header, ParameterName(header.name));
+  while (MoreAt(in, c, loop) && TakeHeader(c, header)) {
+    ShowItems(Under(in, ShowHeader(in, header, ParameterName(header.name))), header.name, header.value);
+  }
   ShowEndOfHeaders(in, c);
   // A session description goes on to the dot that parts messages.
   int32_t end = 0;
