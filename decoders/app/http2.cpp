@@ -55,7 +55,7 @@ struct Run {
   Http2Direction state;
   QuicTurn turn;
   StateBytes before, now;   // what stood in wait before the packet, and what does now
-  bool keeps;
+  bool keeps, isOther;      // isOther: another packet was the last one
 };
 
 void Load(const Place& at, Run& run) {
@@ -67,6 +67,7 @@ void Load(const Place& at, Run& run) {
   const bool isSame = known->turn.packet == run.turn.packet, isAgain = isSame && run.turn.frame <= known->turn.frame;
   if (!isSame || isAgain) ++run.state.pass;
   const uint32_t first = known->before.kept, second = known->now.kept;
+  run.isOther = !isSame;
   TakeTurn(run.turn, run.state.turn, run.state.before, run.state.now);
   if (first + second > bytes.length || bytes.length == 0) return;
   uint8_t* const copy = TakeFrameMemory(at.view, bytes.length);   // the next look-up may take its place
@@ -94,8 +95,14 @@ void Save(const Place& at, Run& run) {
 bool FollowSegment(const Place& at, Run& run, int32_t length) {
   const TcpSegment& segment = PacketOf(at).segment;
   Http2Side& side = run.state.now;
-  if (!segment.here || at.view->engine->settings.reassembly) return true;
+  if (at.view->engine->settings.reassembly) return true;
   const int32_t gap = static_cast<int32_t>(segment.sequence - side.nextSequence);
+  if (!segment.here) {   // behind TLS: records, of which a segment may bring several
+    if (side.hasSequence && (gap < 0 || (gap == 0 && run.isOther))) return false;
+    side.nextSequence = segment.sequence;
+    side.hasSequence = segment.sequence != 0;
+    return true;
+  }
   if (side.hasSequence && gap < 0) return false;
   if (side.hasSequence && gap > 0) {
     const uint32_t lost = static_cast<uint32_t>(gap);
@@ -224,15 +231,15 @@ int32_t DecodeHttp2(const Place& at, Cursor c) {
   int32_t direction;
   if (!isKnown && !PacketOf(at).quoted) Remember(at.view, kHttp2Connections, ConnectionOf(PacketOf(at), &direction), {true});
   Run run{DirectionOf(PacketOf(at)), {}, {static_cast<uint64_t>(at.view->context->packetNumber) + 1, TurnPlaceOf(c)}, {}, {},
-          !PacketOf(at).quoted};
+          !PacketOf(at).quoted, false};
   Load(at, run);
   const bool isNew = FollowSegment(at, run, Left(c));
-  if (!isNew) {
-    run.keeps = false;
-    run.state.now.bodyLeft = 0;
-    run.now = {};
+  if (!isNew) {   // its fields would be read by a table that has gone on
+    const Field again = Rest(c);
+    AddBlock(Under(at, AddLine(at, again, "HTTP/2: Sent Again, %d bytes", again.length)), again, "Data");
+    return 1;
   }
-  Cursor joined = isNew ? Join(at, run, c) : c;
+  Cursor joined = Join(at, run, c);
   const bool isLost = run.state.now.bodyLeft == 0 && Left(joined) == Left(c) && !LooksLikeHttp2(c) && Left(c) >= kHeadSize &&
                       PeekU8(c, 3) <= 9;
   if (isLost) {
@@ -240,7 +247,7 @@ int32_t DecodeHttp2(const Place& at, Cursor c) {
   } else {
     ShowFrames(at, joined, run);
   }
-  if (isNew) Save(at, run);
+  Save(at, run);
   return 1;
 }
 

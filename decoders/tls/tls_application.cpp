@@ -95,6 +95,7 @@ void ShowTlsApplicationData(const Place& in, const TlsSession& session, const Tl
   const DecoderRow* row = FindInner(session.connection, record, CursorOver(data), &server);
   // The segments that the host keeps are not those of what is inside.
   packet.segment = TcpSegment{};
+  packet.segment.sequence = segment.sequence;   // tells what was sent again
   if (row) {
     CallDecoder(Deeper(in), CursorOver(data), row->decode, "Application Data");
   } else {
