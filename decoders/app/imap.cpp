@@ -37,8 +37,16 @@ int32_t LiteralOf(const Field& line) {
   return PeekU8(line, open) == '{' ? DecimalOf(Slice(line, open + 1, end - open - 1)) : -1;
 }
 
-// A word of capitals alone: by which servers name the command that they answer.
+// By which servers name the command that they answer: a word of capitals alone, or a command in whatever case.
 bool IsCommandName(const Field& word) {
+  constexpr const char* kCommands[] = {
+      "Append", "Authenticate", "Capability", "Check", "Close", "Copy", "Create", "Delete", "Enable", "Examine", "Expunge",
+      "Fetch", "Getacl", "Getmetadata", "Getquota", "Getquotaroot", "ID", "Idle", "List", "Listrights", "Login", "Logout",
+      "Lsub", "Move", "Myrights", "Namespace", "NOOP", "Rename", "Search", "Select", "Setacl", "Setmetadata", "Setquota",
+      "Sort", "STARTTLS", "Status", "Store", "Subscribe", "Thread", "UID", "Unselect", "Unsubscribe"};
+  for (const char* each : kCommands) {
+    if (IsWord(word, each)) return true;
+  }
   for (int32_t i = 0; i < word.length; ++i) {
     if (PeekU8(word, i) < 'A' || PeekU8(word, i) > 'Z') return false;
   }
@@ -145,6 +153,10 @@ int32_t DecodeImap(const Place& at, Cursor c) {
   if (StartsTlsRecord(c) || !TakeLine(ahead, line)) return 0;
   const bool goesOn = RecallNote(at, c).phase != 0;
   const bool isLine = !goesOn && IsImapLine(line.text);
+  if (line.text.length == 0 && Left(ahead) == 0 && !goesOn) {
+    AddLine(at, line.whole, "IMAP: Empty Line");
+    return 1;
+  }
   if (!isLine && !goesOn && !StartsInternetMessage(c)) return 0;
   const Place in = isLine ? Under(at, AddLine(at, Ahead(c, Left(c)), "IMAP: %s", Text(line.text)))
                           : Under(at, AddLine(at, Ahead(c, Left(c)), "IMAP: Message"));

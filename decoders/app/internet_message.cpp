@@ -169,7 +169,7 @@ void ShowWhole(const Place& in, Cursor& c, const MessageEnd& end, StreamNote not
   Body body{end, false, note};
   MimeEntity entity{};
   const Cursor before = c;
-  const LineHandle title = AddLine(in, Ahead(c, Left(c)), "%s", name);   // keys: none Internet Message, Continued Message
+  const LineHandle title = AddLine(in, Ahead(c, Left(c)), "%s", name);   // keys: none Internet Message, Continued Message, Counted Octets
   const Place at = Under(in, title);
   if (note.phase == kInHeaders) ShowHeaderRest(at, c, note);
   entity.boundary = TextOf(note);
@@ -217,7 +217,7 @@ bool ShowMessageRest(const Place& in, Cursor& c) {
     return true;
   }
   Cursor counted = TakeCursor(c, note.lacking);
-  ShowWhole(in, counted, {false, true, note.lacking - static_cast<uint32_t>(Left(counted))}, note, "Continued Message");
+  ShowWhole(in, counted, {false, true, note.lacking - static_cast<uint32_t>(Left(counted))}, note, "Counted Octets");
   return true;
 }
 
