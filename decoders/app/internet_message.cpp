@@ -169,7 +169,8 @@ void ShowWhole(const Place& in, Cursor& c, const MessageEnd& end, StreamNote not
   Body body{end, false, note};
   MimeEntity entity{};
   const Cursor before = c;
-  const LineHandle title = AddLine(in, Ahead(c, Left(c)), "%s", name);   // keys: none Internet Message, Continued Message, Counted Octets
+  // keys: none Internet Message, Continued Message, Counted Octets
+  const LineHandle title = AddLine(in, Ahead(c, Left(c)), "%s", name);
   const Place at = Under(in, title);
   if (note.phase == kInHeaders) ShowHeaderRest(at, c, note);
   entity.boundary = TextOf(note);
