@@ -389,7 +389,9 @@ constexpr auto kOptions = Choices<Telnet>({
 }  // namespace
 
 void ShowTelnetSubnegotiation(const Place& in, Cursor& c, Telnet& telnet) {
-  ShowChoice<Telnet>(in, c, FindChoice<Telnet>(kOptions, telnet.option.value), telnet);
+  const Choice<Telnet>* option = FindChoice<Telnet>(kOptions, telnet.option.value);
+  if (!option) return ShowDigits(in, Rest(c), "Option Data");   // nothing tells what is in it
+  ShowChoice<Telnet>(in, c, option, telnet);
 }
 
 }  // namespace qxview
