@@ -64,9 +64,10 @@ void DecodeLongOption(const Place& in, Cursor c, HeaderChain& chain) {
   if (type.value == kJumboPayload && length.value == 4 && Left(c) >= 4 && chain.payloadLength == 0) {
     chain.payloadLength = PeekU32(c);
   }
-  ShowIPv6Option(in, type.value, c);
-  if ((type.value == kRpl || type.value == kRplOld) && length.value >= 4) ShowRplOption(in, c);
+  Cursor fields = c;
   AddBlock(in, Rest(c), "Option Data:");
+  ShowIPv6Option(in, type.value, fields);
+  if ((type.value == kRpl || type.value == kRplOld) && length.value >= 4) ShowRplOption(in, fields);
 }
 
 void DecodeOption(const Place& in, Cursor& c, HeaderChain& chain) {

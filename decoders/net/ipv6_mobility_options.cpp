@@ -193,7 +193,7 @@ constexpr auto kOptions = Choices<Option>({
     {65, "Mobile Access Gateway Identifier", kGatewayIdentity}, {66, "Anchored Prefix"}, {67, "Local Prefix"},
     {68, "Previous Gateway"}, {69, "Serving Gateway"}, {70, "Link-Local Address of the Logical Interface"},
     {71, "Link-Layer Address of the Logical Interface"}});
-constexpr uint32_t kPad1 = 0, kPadN = 1;
+constexpr uint32_t kPad1 = 0, kPadN = 1, kRefreshAdvice = 2, kAuthorization = 5;   // those between the two stand by their names
 constexpr auto kHead = Rows<Option>({Number(1, "Type "), Number(1, "Length ")});
 
 void DecodePadding(const Place& in, Cursor& c) {
@@ -208,11 +208,14 @@ void DecodeLongOption(const Place& in, Cursor c) {
   const uint32_t type = PeekU8(c);
   if (type == kPadN) return DecodePadding(Under(in, AddLine(in, whole, "PadN")), c);
   const Choice<Option>* known = FindChoice<Option>(kOptions, type);
+  const bool isNamed = type >= kRefreshAdvice && type <= kAuthorization;
   // keys: none Mobility Option Data
-  const Place under = Under(in, AddLine(in, whole, "%s", known ? known->name : "Mobility Option Data"));
+  const Place under = Under(in, AddLine(in, whole, "%s", isNamed ? known->name : "Mobility Option Data"));
   Option option{};
   ShowRows<Option>(under, c, kHead, option);
-  ShowChoice(under, c, known, option);
+  if (isNamed || !known) return ShowChoice(under, c, known, option);
+  const LineHandle line = AddLine(under, Ahead(c, Left(c)), "Option: %s", known->name);
+  if (Left(c) > 0) ShowChoice(Under(under, line), c, known, option);
 }
 
 }  // namespace
