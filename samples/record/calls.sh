@@ -1,6 +1,6 @@
 #!/bin/bash
-# calls.pcap: a registrar and proxy (kamailio) with baresip and sipp: a registration that is asked for a digest, calls with media, one
-# that is held and taken up again, a transfer, refusals, a cancelled call, options and an instant message.
+# calls.pcap: a registrar and proxy (kamailio) with sipp: a registration that is asked for a digest, calls, one that is held and taken
+# up again, a transfer, an end that is busy and a name that is not there.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
 need kamailio sipp
