@@ -78,7 +78,7 @@ class RoundTrip(Folder):
 
     def test_decodes_the_same_from_a_capture_buffer_file(self):
         # the secrets of a pcapng file have no place in a capture buffer file
-        captures = [path for path in SAMPLES if os.path.basename(path) != "tls_keys.pcapng"]
+        captures = [path for path in SAMPLES if os.path.basename(path) not in ("tls_keys.pcapng", "dtls13.pcapng")]
         if folder := os.environ.get("QXVIEW_CAPTURES"):
             captures = captures + sorted(path for path in glob.glob(os.path.join(folder, "*")) if "cap" in path)
         self.assertTrue(captures)

@@ -137,7 +137,7 @@ class CommandLine(unittest.TestCase):
         self.assertEqual((status, marked), (0, [b">  Request Line: GET / HTTP/1.1"]))
         first, last = run("find", HTTP, "Total IP length"), run("find", "--backward", HTTP, "Total IP length")
         self.assertNotEqual(first[1].splitlines()[0], last[1].splitlines()[0])
-        self.assertEqual(run("find", HTTP, "no such text"), (1, b"", ""))
+        self.assertEqual(run("find", HTTP, "no such text"), (1, b"", 'qxview: find: no line holds "no such text"\n'))
         frame = bytes(12) + b"\x88\x5a" + "Caf\xe9 5\u20ac".encode("cp1252")
         capture = (bytes.fromhex("d4c3b2a1020004000000000000000000ffff000001000000") + bytes(8) +
                    len(frame).to_bytes(4, "little") * 2 + frame)

@@ -126,7 +126,10 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   DynamicRecord record;
   if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
                                    nullptr, nullptr, &record)) {
-    if ((words.flags & kRtcpDetection) && SrtcpIndexAt(c) > 0) {   // media that STUN and DTLS have made way for
+    // Media that STUN and DTLS have made way for. On QUIC's port a short header may look so, whose connection is not known.
+    constexpr uint16_t kQuicPort = 443;
+    const bool isOnQuicPort = offered.sourcePort == kQuicPort || offered.destinationPort == kQuicPort;
+    if ((words.flags & kRtcpDetection) && !isOnQuicPort && SrtcpIndexAt(c) > 0) {
       Learn(at.view, QX_OVER_UDP, kLearntRtcp, source, sourcePort, -1, -1, nullptr);
       DecodeRecognised(at, c, kLearntRtcp);
       return 1;
