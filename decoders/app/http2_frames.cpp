@@ -11,7 +11,7 @@ enum FrameType : uint32_t {
   kData = 0, kHeaders = 1, kPriority = 2, kReset = 3, kSettings = 4, kPromise = 5, kPing = 6, kGoAway = 7, kWindow = 8,
   kContinuation = 9,
 };
-constexpr uint32_t kAck = 0x01, kEndHeaders = 0x04, kPadded = 0x08, kWithPriority = 0x20;
+constexpr uint32_t kEndHeaders = 0x04, kPadded = 0x08, kWithPriority = 0x20;
 
 constexpr auto kErrorNames = SortedNames({
     {0, "NO_ERROR"}, {1, "PROTOCOL_ERROR"}, {2, "INTERNAL_ERROR"}, {3, "FLOW_CONTROL_ERROR"}, {4, "SETTINGS_TIMEOUT"},
