@@ -1,4 +1,4 @@
-// What web servers hand to programs: FastCGI (its public specification 1.0) and SCGI (its public text).
+// What web servers hand to programs: FastCGI (its public text, 1.0) and SCGI (its public text).
 #include "core/elements.h"
 #include "decoders/common/ahead_cut.h"
 #include "decoders/common/text_lines.h"

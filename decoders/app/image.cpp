@@ -1,4 +1,4 @@
-// Images in bodies: GIF (GIF89a specification), PNG (W3C, third edition; RFC 2083), JPEG (ITU-T T.81 with JFIF 1.02). Their
+// Images in bodies: GIF (GIF89a), PNG (W3C, third edition; RFC 2083), JPEG (ITU-T T.81 with JFIF 1.02). Their
 // headers and blocks are told; what is compressed in them stays octets.
 //
 //   GIF   signature, screen, colors; blocks: "!" extension or "," image, each in sub-blocks that count their octets; ";"

@@ -1,5 +1,5 @@
 // Pictures in RTP: H.261 (RFC 4587), H.263 (RFC 2190, 4629), H.264 (RFC 6184, 6190), H.265 (RFC 7798), H.266 (RFC 9328),
-// VP8 (RFC 7741), VP9 (RFC 9628), AV1 (its payload specification), JPEG (RFC 2435), JPEG 2000 (RFC 5371).
+// VP8 (RFC 7741), VP9 (RFC 9628), AV1 (its public payload text), JPEG (RFC 2435), JPEG 2000 (RFC 5371).
 #include "decoders/app/rtp_video.h"
 
 #include "core/rows.h"
