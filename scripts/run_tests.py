@@ -21,7 +21,7 @@ import wine
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 LOGS = os.path.join(ROOT, "build", "test-logs")
 STEP_SECONDS = 1500     # a command that takes longer hangs
-WINE_SECONDS = 300      # the same for one under Wine
+WINE_SECONDS = 600      # the same for one under Wine
 WINDOWS_SCRIPTS = ["golden", "command_line", "list", "schema", "capture_files"]   # what drives the program alone
 SHOWN_LINES = 60        # of the log of a step that failed
 

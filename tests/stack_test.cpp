@@ -52,7 +52,12 @@ void DecodeFile(const fs::path& path) {
   const auto builder = std::make_unique<RecordBuilder>();
   TestView view;
   CaptureFrame frame;
-  while (reader->Next(&frame) == ReadResult::kFrame) {
+#ifdef _WIN32   // a sample: it is slow there
+  constexpr uint64_t kMostFrames = 25;
+#else
+  constexpr uint64_t kMostFrames = UINT64_MAX;
+#endif
+  while (reader->Next(&frame) == ReadResult::kFrame && frame.number <= kMostFrames) {
     DecodeNested(view, frame.record ? frame.record : builder->Build(frame));
   }
 }
