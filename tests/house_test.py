@@ -61,6 +61,11 @@ class Setup(unittest.TestCase):
 
 class Layout(unittest.TestCase):
     @unittest.skipUnless(shutil.which("git"), "no git")
+    def test_files_have_names_without_blanks(self):
+        names = run("git", "ls-files", folder=ROOT).stdout.splitlines()      # git quotes what is odd in a name
+        self.assertEqual([name for name in names if " " in name or name.startswith('"')], [])
+
+    @unittest.skipUnless(shutil.which("git"), "no git")
     def test_is_as_contributing_tells(self):
         kinds = ["*.cpp", "*.h", "*.c", "*.inc", "*.py", "*.sh", "*.cmake", "*.rc", "*.md", "CMakeLists.txt"]
         found = []

@@ -25,6 +25,9 @@ if os.environ.get("QXVIEW_PLATFORM") == "windows":
 LAN = os.path.join(ROOT, "samples", "lan.pcap")
 HEADER = struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 262144, 1)
 SIGNALS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
+for name in SIGNALS:
+    if signal.getsignal(name) == signal.SIG_IGN:   # as a run in the background inherits it, and would hand it on
+        signal.signal(name, signal.SIG_DFL)
 
 
 def packet(data):
