@@ -7,11 +7,11 @@
 #include "app/colors.h"
 #include "app/commands.h"
 #include "app/output.h"
+#include "app/packet_ends.h"
 #include "app/packet_run.h"
 #include "app/tcp_header.h"
 #include "app/tree_writer.h"
 #include "core/digits.h"
-#include "host/packet_addresses.h"
 #include "host/text.h"
 #include "platform/platform.h"
 
@@ -199,37 +199,14 @@ class SegmentOrder {
   std::deque<Segment> waiting_;
 };
 
-struct End {
-  uint8_t address[16];
-  uint32_t kind;
-  uint32_t port;
-};
-
-std::string BytesOf(const AddressSlot& slot, uint16_t port) {
-  End end{};
-  std::memcpy(end.address, slot.address, sizeof end.address);
-  end.kind = slot.kind;
-  end.port = port;
-  return {reinterpret_cast<const char*>(&end), sizeof end};
-}
-
-std::string TextOf(const AddressSlot& slot, uint16_t port, const QxHost* host) {
-  char text[kAddressTextSize];
-  FormatEndAddress(slot, host, text);
-  std::string made = text;
-  if (made.find(':') != made.npos) made.insert(0, 1, '[').push_back(']');
-  return made + ":" + std::to_string(port);
-}
-
 // Tells the streams of a capture apart: they are counted from 0 in the order of their first packets. A connection that starts
 // anew between the same ends is another one.
 class Streams {
  public:
   // The stream's number; UINT64_MAX when there are too many to tell.
   uint64_t NumberOf(const PacketState& packet, const TcpHeader* tcp) {
-    const std::string from = BytesOf(packet.source, packet.sourcePort), to = BytesOf(packet.destination, packet.destinationPort);
     constexpr size_t kMost = 2000000;
-    const auto [at, isNew] = streams_.try_emplace(from < to ? from + to : to + from);
+    const auto [at, isNew] = streams_.try_emplace(EndPair(SourceEnd(packet), DestinationEnd(packet)).bytes);
     if (isNew && streams_.size() > kMost) return streams_.erase(at), UINT64_MAX;
     Stream& stream = at->second;
     const bool isSyn = tcp && (tcp->flags & (kTcpSyn | kTcpAck)) == kTcpSyn;
@@ -264,12 +241,12 @@ class Follower {
     if (packet.quoted || (isAny ? !isTcp && !isUdp : options_.isTcp ? !isTcp : !isUdp)) return;
     if (!isAny && streams_.NumberOf(packet, isTcp ? &header : nullptr) != options_.stream) return;
     found_ = true;
-    const std::string from = BytesOf(packet.source, packet.sourcePort);
+    const std::string from = BytesOf(SourceEnd(packet));
     if (first_.empty()) first_ = from;
     // Of several conversations each end that is not the first one's is the other side.
     const bool isSecond = from != first_;
-    writer_.Name(isSecond, TextOf(packet.source, packet.sourcePort, host));
-    writer_.Name(!isSecond, TextOf(packet.destination, packet.destinationPort, host));
+    writer_.Name(isSecond, EndTextOf(SourceEnd(packet), host));
+    writer_.Name(!isSecond, EndTextOf(DestinationEnd(packet), host));
     if (isUdp || isAny) {
       const uint8_t* bytes = isTcp ? packet.segment.payload : packet.carrier.bytes + 8;
       const int32_t length = isTcp ? packet.segment.length : packet.carrier.length - 8;

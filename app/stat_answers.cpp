@@ -1,14 +1,13 @@
 // What was asked and answered: values of a key, names and pages with their codes and response times.
 #include <algorithm>
-#include <cstring>
 #include <map>
 
 #include "app/bounded_counts.h"
+#include "app/packet_ends.h"
 #include "app/packet_protocol.h"
 #include "app/record_writer.h"
 #include "app/statistics.h"
 #include "core/frame_record.h"
-#include "host/packet_addresses.h"
 
 namespace qxview {
 namespace {
@@ -109,20 +108,13 @@ void PutTimes(StatTable* table, const Times& times) {
 
 // The conversation from the end that asked: the same bytes for request and answer.
 std::string KeyOf(const PacketState& packet, bool isAnswer, uint32_t more) {
-  const AddressSlot& client = isAnswer ? packet.destination : packet.source;
-  const AddressSlot& server = isAnswer ? packet.source : packet.destination;
-  const uint16_t ports[2] = {isAnswer ? packet.destinationPort : packet.sourcePort,
-                             isAnswer ? packet.sourcePort : packet.destinationPort};
-  std::string key(reinterpret_cast<const char*>(client.address), sizeof client.address);
-  key.append(reinterpret_cast<const char*>(server.address), sizeof server.address);
-  key.append(reinterpret_cast<const char*>(ports), sizeof ports);
-  return key.append(reinterpret_cast<const char*>(&more), sizeof more);
+  const PacketEnd source = SourceEnd(packet), destination = DestinationEnd(packet);
+  const std::string key = isAnswer ? BytesOf(destination) + BytesOf(source) : BytesOf(source) + BytesOf(destination);
+  return key + std::string(reinterpret_cast<const char*>(&more), sizeof more);
 }
 
 std::string ServerOf(const StatPacket& p, bool isAnswer) {
-  char text[kAddressTextSize];
-  FormatEndAddress(isAnswer ? p.packet.source : p.packet.destination, p.host, text);
-  return ToUtf8(text);
+  return AddressTextOf(isAnswer ? SourceEnd(p.packet) : DestinationEnd(p.packet), p.host);
 }
 
 // Servers with what they were asked and how soon they answered, and how often each code.

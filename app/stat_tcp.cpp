@@ -3,10 +3,9 @@
 #include <cstring>
 
 #include "app/bounded_counts.h"
-#include "app/record_writer.h"
+#include "app/packet_ends.h"
 #include "app/statistics.h"
 #include "app/tcp_header.h"
-#include "host/packet_addresses.h"
 
 namespace qxview {
 namespace {
@@ -44,32 +43,6 @@ struct Connection {
   }
 };
 
-struct End {
-  uint8_t address[16];
-  uint16_t kind, port;
-};
-
-End EndOf(const AddressSlot& slot, uint16_t port) {
-  End end{};
-  std::memcpy(end.address, slot.address, sizeof end.address);
-  end.kind = static_cast<uint16_t>(slot.kind);
-  end.port = port;
-  return end;
-}
-
-std::string TextOf(const std::string& key, size_t at, const QxHost* host) {
-  End end;
-  std::memcpy(&end, key.data() + at, sizeof end);
-  AddressSlot slot{};
-  std::memcpy(slot.address, end.address, sizeof slot.address);
-  slot.kind = end.kind;
-  char text[kAddressTextSize];
-  FormatEndAddress(slot, host, text);
-  std::string made = ToUtf8(text);
-  if (made.find(':') != made.npos) made.insert(0, 1, '[').push_back(']');
-  return made + ":" + std::to_string(end.port);
-}
-
 // A segment with data: whether it fills a gap, was there before, or leaves a gap in front of it.
 void TakeData(Connection* connection, Direction* way, uint32_t sequence, uint32_t length) {
   const uint32_t end = sequence + length;
@@ -105,14 +78,11 @@ class Tcp final : public Statistic {
     const PacketState& packet = p.packet;
     if (packet.quoted || !ReadTcpHeader(packet, &header)) return;
     host_ = p.host;
-    const End ends[2] = {EndOf(packet.source, packet.sourcePort), EndOf(packet.destination, packet.destinationPort)};
-    const std::string from(reinterpret_cast<const char*>(&ends[0]), sizeof(End));
-    const std::string to(reinterpret_cast<const char*>(&ends[1]), sizeof(End));
-    const bool swapped = to < from;
+    const EndPair pair(SourceEnd(packet), DestinationEnd(packet));
     bool isNew = false;
-    Connection& c = connections_.Of(swapped ? to + from : from + to, [](const Connection& x) { return x.packets; }, &isNew);
-    if (isNew) c.firstIsSecond = swapped;
-    Count(&c, &c.of[swapped], header, packet.segment, p);
+    Connection& c = connections_.Of(pair.bytes, [](const Connection& x) { return x.packets; }, &isNew);
+    if (isNew) c.firstIsSecond = pair.swapped;
+    Count(&c, &c.of[pair.swapped], header, packet.segment, p);
   }
 
   void LetHostGo() override { host_ = nullptr; }
@@ -130,8 +100,8 @@ class Tcp final : public Statistic {
                                         {"resets", "RST", true},
                                         {"handshake", "Handshake", true}});
     for (const auto& [key, c] : connections_.All()) {
-      table.Text(TextOf(key, c.firstIsSecond ? sizeof(End) : 0, host_));
-      table.Text(TextOf(key, c.firstIsSecond ? 0 : sizeof(End), host_));
+      const std::string one = EndTextOf(EndPair::First(key), host_), two = EndTextOf(EndPair::Second(key), host_);
+      table.Text(c.firstIsSecond ? two : one).Text(c.firstIsSecond ? one : two);
       table.Number(c.packets).Number(c.bytes).Number(c.again).Number(c.outOfOrder).Number(c.missing).Number(c.duplicates);
       table.Number(c.zeroWindows).Number(c.resets);
       if (c.handshake >= 0) table.Seconds(c.handshake); else table.Nothing();

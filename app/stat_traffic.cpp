@@ -4,11 +4,10 @@
 #include <cstring>
 
 #include "app/bounded_counts.h"
-#include "app/record_writer.h"
+#include "app/packet_ends.h"
 #include "app/statistics.h"
 #include "core/bounded_text.h"
 #include "core/frame_record.h"
-#include "host/packet_addresses.h"
 
 namespace qxview {
 namespace {
@@ -18,66 +17,30 @@ constexpr size_t kMostKeys = 200000;   // of a statistic: some 60 MB
 enum Layer : uint8_t { kLinkLayer, kIPv4Layer, kIPv6Layer, kTcpLayer, kUdpLayer, kSctpLayer, kLayers };
 constexpr const char* kLayerNames[] = {"Ethernet", "IPv4", "IPv6", "TCP", "UDP", "SCTP"};
 
-constexpr uint8_t kTcp = 6, kUdp = 17, kSctp = 132;
-
-// An end of a conversation at a layer.
-struct End {
-  uint8_t address[16];
-  uint8_t layer, kind;   // of the address: AddressSlot's; 0 is a hardware address
-  uint16_t port;
-};
-static_assert(sizeof(End) == 20);
-
-std::string BytesOf(const End& end) { return {reinterpret_cast<const char*>(&end), sizeof end}; }
-End EndOf(const std::string& bytes, size_t at = 0) {
-  End end;
-  std::memcpy(&end, bytes.data() + at, sizeof end);
-  return end;
-}
-
 // The ends of a packet at each of its layers.
 template <typename Use>
 void ForEachLayer(const StatPacket& p, const Use& use) {
   const PacketState& packet = p.packet;
-  const auto ends = [](uint8_t layer, uint32_t kind, const uint8_t* from, const uint8_t* to, size_t size) {
-    std::array<End, 2> made{};
-    for (End& end : made) {
-      end.layer = layer;
-      end.kind = static_cast<uint8_t>(kind);
-    }
-    std::memcpy(made[0].address, from, size);
-    std::memcpy(made[1].address, to, size);
-    return made;
-  };
+  constexpr uint32_t kTcp = 6, kUdp = 17, kSctp = 132;
   constexpr int32_t kMacs = 12;
   if (p.record->mediaType == 0 && !IsRawFrame(p.record) && p.record->capturedLength >= kMacs) {
-    const uint8_t* frame = FrameData(p.record);
-    use(ends(kLinkLayer, 0, frame + 6, frame, 6));
+    PacketEnd source{}, destination{};
+    std::memcpy(destination.address, FrameData(p.record), 6);
+    std::memcpy(source.address, FrameData(p.record) + 6, 6);
+    use(kLinkLayer, source, destination);
   }
-  const uint32_t kind = packet.source.kind;
-  if (kind != kIPv4Kind && kind != kIPv6Kind) return;
-  auto made = ends(kind == kIPv4Kind ? kIPv4Layer : kIPv6Layer, kind, packet.source.address, packet.destination.address, 16);
-  use(made);
+  PacketEnd source = SourceEnd(packet), destination = DestinationEnd(packet);
+  if (source.kind != kIPv4Kind && source.kind != kIPv6Kind) return;
+  source.port = destination.port = 0;
+  use(source.kind == kIPv4Kind ? kIPv4Layer : kIPv6Layer, source, destination);
   if (packet.carrier.table != DispatchTable::kIpProtocol) return;
   const uint32_t carried = packet.carrier.key;
-  const uint8_t layer = carried == kTcp ? kTcpLayer : carried == kUdp ? kUdpLayer : carried == kSctp ? kSctpLayer : kLayers;
-  if (layer == kLayers) return;
-  made[0].layer = made[1].layer = layer;
-  made[0].port = packet.sourcePort;
-  made[1].port = packet.destinationPort;
-  use(made);
+  const Layer layer = carried == kTcp ? kTcpLayer : carried == kUdp ? kUdpLayer : carried == kSctp ? kSctpLayer : kLayers;
+  if (layer != kLayers) use(layer, SourceEnd(packet), DestinationEnd(packet));
 }
 
-std::string TextOf(const End& end, const QxHost* host) {
-  AddressSlot slot{};
-  std::memcpy(slot.address, end.address, sizeof slot.address);
-  slot.kind = end.kind;
-  char text[kAddressTextSize];
-  FormatEndAddress(slot, host, text);
-  std::string made = ToUtf8(text);
-  if (end.layer < kTcpLayer) return made;
-  if (end.kind == kIPv6Kind && made.find(':') != made.npos) made.insert(0, 1, '[').push_back(']');
-  return made + ":" + std::to_string(end.port);
+std::string TextOf(Layer layer, const PacketEnd& end, const QxHost* host) {
+  return layer < kTcpLayer ? AddressTextOf(end, host) : EndTextOf(end, host);
 }
 
 struct Traffic {
@@ -112,10 +75,9 @@ class Endpoints final : public Statistic {
  public:
   void Take(const StatPacket& p) override {
     host_ = p.host;
-    ForEachLayer(p, [&](const std::array<End, 2>& ends) {
-      const auto weight = [](const TwoWays& count) { return PacketsOf(count); };
-      counts_[ends[0].layer].Of(BytesOf(ends[0]), weight).there += {1, p.length};
-      counts_[ends[0].layer].Of(BytesOf(ends[1]), weight).back += {1, p.length};
+    ForEachLayer(p, [&](Layer layer, const PacketEnd& source, const PacketEnd& destination) {
+      counts_[layer].Of(BytesOf(source), PacketsOf).there += {1, p.length};
+      counts_[layer].Of(BytesOf(destination), PacketsOf).back += {1, p.length};
     });
   }
 
@@ -130,10 +92,10 @@ class Endpoints final : public Statistic {
                                   {"bytes_sent", "Bytes", true},
                                   {"packets_received", "Received", true},
                                   {"bytes_received", "Bytes", true}});
-    for (const BoundedCounts<TwoWays>& layer : counts_) {
+    for (int32_t i = 0; i < kLayers; ++i) {
+      const BoundedCounts<TwoWays>& layer = counts_[i];
       for (const auto& [key, count] : layer.All()) {
-        const End end = EndOf(key);
-        table.Text(kLayerNames[end.layer]).Text(TextOf(end, host_)).Number(PacketsOf(count));
+        table.Text(kLayerNames[i]).Text(TextOf(static_cast<Layer>(i), EndOf(key), host_)).Number(PacketsOf(count));
         table.Number(count.there.bytes + count.back.bytes).Number(count.there.packets).Number(count.there.bytes);
         table.Number(count.back.packets).Number(count.back.bytes);
       }
@@ -154,17 +116,16 @@ class Conversations final : public Statistic {
  public:
   void Take(const StatPacket& p) override {
     host_ = p.host;
-    ForEachLayer(p, [&](const std::array<End, 2>& ends) {
-      const std::string from = BytesOf(ends[0]), to = BytesOf(ends[1]);
-      const bool swapped = to < from;
+    ForEachLayer(p, [&](Layer layer, const PacketEnd& source, const PacketEnd& destination) {
+      const EndPair pair(source, destination);
       bool isNew = false;
-      TwoWays& count = counts_[ends[0].layer].Of(swapped ? to + from : from + to, PacketsOf, &isNew);
+      TwoWays& count = counts_[layer].Of(pair.bytes, PacketsOf, &isNew);
       if (isNew) {
         count.first = p.nanoseconds - p.first;
-        count.firstIsSecond = swapped;
+        count.firstIsSecond = pair.swapped;
       }
       count.last = std::max(count.last, p.nanoseconds - p.first);
-      (swapped == count.firstIsSecond ? count.there : count.back) += {1, p.length};
+      (pair.swapped == count.firstIsSecond ? count.there : count.back) += {1, p.length};
     });
   }
 
@@ -183,11 +144,12 @@ class Conversations final : public Statistic {
                                       {"first", "First", true},
                                       {"last", "Last", true},
                                       {"duration", "Duration", true}});
-    for (const BoundedCounts<TwoWays>& layer : counts_) {
+    for (int32_t i = 0; i < kLayers; ++i) {
+      const BoundedCounts<TwoWays>& layer = counts_[i];
       for (const auto& [key, count] : layer.All()) {
-        const End one = EndOf(key), two = EndOf(key, sizeof(End));
-        table.Text(kLayerNames[one.layer]);
-        table.Text(TextOf(count.firstIsSecond ? two : one, host_)).Text(TextOf(count.firstIsSecond ? one : two, host_));
+        const std::string one = TextOf(static_cast<Layer>(i), EndPair::First(key), host_);
+        const std::string two = TextOf(static_cast<Layer>(i), EndPair::Second(key), host_);
+        table.Text(kLayerNames[i]).Text(count.firstIsSecond ? two : one).Text(count.firstIsSecond ? one : two);
         table.Number(PacketsOf(count)).Number(count.there.bytes + count.back.bytes);
         table.Number(count.there.packets).Number(count.there.bytes);
         table.Number(count.back.packets).Number(count.back.bytes);
@@ -209,10 +171,10 @@ class Conversations final : public Statistic {
 class Ports final : public Statistic {
  public:
   void Take(const StatPacket& p) override {
-    ForEachLayer(p, [&](const std::array<End, 2>& ends) {
-      if (ends[0].layer < kTcpLayer) return;
-      Count(ends[0], p.length);
-      if (ends[1].port != ends[0].port) Count(ends[1], p.length);
+    ForEachLayer(p, [&](Layer layer, const PacketEnd& source, const PacketEnd& destination) {
+      if (layer < kTcpLayer) return;
+      Count(layer, source.port, p.length);
+      if (destination.port != source.port) Count(layer, destination.port, p.length);
     });
   }
 
@@ -233,10 +195,10 @@ class Ports final : public Statistic {
   }
 
  private:
-  void Count(const End& end, uint32_t length) {
-    std::vector<Traffic>& of = counts_[end.layer - kTcpLayer];
+  void Count(Layer layer, uint16_t port, uint32_t length) {
+    std::vector<Traffic>& of = counts_[layer - kTcpLayer];
     if (of.empty()) of.resize(65536);
-    of[end.port] += {1, length};
+    of[port] += {1, length};
   }
 
   std::array<std::vector<Traffic>, 3> counts_;   // TCP, UDP, SCTP
