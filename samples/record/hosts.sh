@@ -26,6 +26,16 @@ take_down() {
 }
 trap take_down EXIT
 
+# For servers whose own helpers outlive them.
+take_down_all() {
+  local host
+  for host in "$left" "$right"; do
+    # shellcheck disable=SC2046
+    kill -KILL $(ip netns pids "$host") 2>/dev/null || true
+  done
+  take_down 2>/dev/null
+}
+
 # Says what has to be installed when a program is not there.
 need() {
   local program
@@ -71,6 +81,17 @@ lay_cable() {
   on "$right" ip address add 192.0.2.2/24 dev cable
   on "$left" ip address add 2001:db8::1/64 dev cable nodad
   on "$right" ip address add 2001:db8::2/64 dev cable nodad
+}
+
+# Before they are plugged in: the hosts have no addresses and speak no IPv6, so that only what a script starts is heard.
+silence_hosts() {
+  local host interface
+  for host in "$left" "$right"; do
+    on "$host" ip address flush dev cable
+    for interface in all default cable; do
+      on "$host" bash -c "echo 1 >/proc/sys/net/ipv6/conf/$interface/disable_ipv6"
+    done
+  done
 }
 
 plug_in() {

@@ -4,33 +4,15 @@
 # rapid spanning tree, LACP, and continuity checks of connectivity fault management.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
-need lldpd lldpcli ovs-vswitchd ovsdb-server ovsdb-tool ovs-vsctl
+# shellcheck source=open_vswitch.sh
+. "$(dirname "$0")/open_vswitch.sh"
+need lldpd lldpcli
 
 speakers=()
 name_of() { if [ "$1" = "$left" ]; then echo left; else echo right; fi; }
-schema=/usr/share/openvswitch/vswitch.ovsschema
-vsctl() { OVS_RUNDIR=$work/$1 ovs-vsctl --db="unix:$work/$1/db.sock" --timeout=10 "${@:2}" >>"$work/log"; }
-await_file() { for _ in $(seq 50); do [ -e "$1" ] && return; sleep 0.1; done; }
-
-start_switch() {
-  local folder=$work/$1
-  mkdir "$folder"
-  ovsdb-tool create "$folder/conf.db" "$schema"
-  OVS_RUNDIR=$folder start_on "$1" ovsdb-server --remote="punix:$folder/db.sock" --pidfile="$folder/db.pid" \
-    --unixctl="$folder/db.ctl" "$folder/conf.db"
-  await_file "$folder/db.sock"
-  vsctl "$1" --no-wait init
-  OVS_RUNDIR=$folder start_on "$1" ovs-vswitchd "unix:$folder/db.sock" --pidfile="$folder/switch.pid" \
-    --unixctl="$folder/switch.ctl" --disable-system
-}
 
 lay_cable
-for host in "$left" "$right"; do
-  on "$host" ip address flush dev cable
-  for interface in all default cable; do
-    on "$host" bash -c "echo 1 >/proc/sys/net/ipv6/conf/$interface/disable_ipv6"
-  done
-done
+silence_hosts
 plug_in
 record cable
 
@@ -63,7 +45,7 @@ sleep 1
 
 # Switches: a tree that converges; then two ports that become one, with both ends of a service watching each other.
 for host in "$left" "$right"; do
-  start_switch "$host"
+  start_open_vswitch "$host"
   vsctl "$host" add-br tree -- set bridge tree datapath_type=netdev rstp_enable=true
   vsctl "$host" add-port tree cable
 done

@@ -70,15 +70,7 @@ done >>"$work/smb.conf"
 echo 'games = alice' >"$work/users"
 printf 'secret\nsecret\n' | pdbedit -s "$work/smb.conf" -a -u games -t >/dev/null
 
-end_all() {
-  local host
-  for host in "$left" "$right"; do
-    # shellcheck disable=SC2046
-    kill -KILL $(ip netns pids "$host") 2>/dev/null || true
-  done
-  take_down 2>/dev/null
-}
-trap end_all EXIT
+trap take_down_all EXIT
 connect_hosts
 on "$left" sysctl -q net.ipv4.tcp_timestamps=0
 on "$right" sysctl -q net.ipv4.tcp_timestamps=0

@@ -112,15 +112,7 @@ ask() {
 as_alice=(-U 'alice%secret')
 
 # Samba's own helpers outlive it, and its servers take their time.
-end_all() {
-  local host
-  for host in "$left" "$right"; do
-    # shellcheck disable=SC2046
-    kill -KILL $(ip netns pids "$host") 2>/dev/null || true
-  done
-  take_down 2>/dev/null
-}
-trap end_all EXIT
+trap take_down_all EXIT
 connect_hosts
 # Smaller recordings: no time stamps, and of SMB no bare acknowledgements.
 on "$left" sysctl -q net.ipv4.tcp_timestamps=0

@@ -4,13 +4,10 @@
 # III, which this switch sends and does not take back; Geneve with an option.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
-need ovs-vswitchd ovsdb-server ovsdb-tool ovs-vsctl ovs-ofctl
+# shellcheck source=open_vswitch.sh
+. "$(dirname "$0")/open_vswitch.sh"
 
-schema=/usr/share/openvswitch/vswitch.ovsschema
-vsctl() { OVS_RUNDIR=$work/$1 ovs-vsctl --db="unix:$work/$1/db.sock" --timeout=10 "${@:2}" >>"$work/log"; }
 ofctl() { OVS_RUNDIR=$work/$1 ovs-ofctl -OOpenFlow15 "$2" "unix:$work/$1/$3.mgmt" "${@:4}" >>"$work/log" 2>&1; }
-
-await_file() { for _ in $(seq 50); do [ -e "$1" ] && return; sleep 0.1; done; }
 
 # name, the digit of its stations' network 10.0.N.0/24, and what Open vSwitch is told of the tunnel
 tunnels=(
@@ -23,15 +20,8 @@ tunnels=(
 
 # The underlay is a switch with the cable and the host's address; each tunnel has a switch with one station.
 start_switch() {
-  local folder=$work/$1 other=$3
-  mkdir "$folder"
-  ovsdb-tool create "$folder/conf.db" "$schema"
-  OVS_RUNDIR=$folder start_on "$1" ovsdb-server --remote="punix:$folder/db.sock" --pidfile="$folder/db.pid" \
-    --unixctl="$folder/db.ctl" "$folder/conf.db"
-  await_file "$folder/db.sock"
-  vsctl "$1" --no-wait init
-  OVS_RUNDIR=$folder start_on "$1" ovs-vswitchd "unix:$folder/db.sock" --pidfile="$folder/switch.pid" \
-    --unixctl="$folder/switch.ctl" --disable-system
+  local other=$3
+  start_open_vswitch "$1"
   vsctl "$1" add-br under -- set bridge under datapath_type=netdev other-config:hwaddr="02:00:00:00:00:0$2"
   vsctl "$1" add-port under cable
   on "$1" ip address add "192.0.2.$2/24" dev under
@@ -53,13 +43,10 @@ start_switch() {
 }
 
 lay_cable
+silence_hosts
 number=0
 for host in "$left" "$right"; do
   number=$((number + 1))
-  on "$host" ip address flush dev cable
-  for interface in all default cable; do
-    on "$host" bash -c "echo 1 >/proc/sys/net/ipv6/conf/$interface/disable_ipv6"
-  done
   on "$host" bash -c 'echo 1 >/proc/sys/net/ipv4/conf/all/arp_ignore'
   start_switch "$host" "$number" $((3 - number))
 done

@@ -4,24 +4,13 @@
 # of the switches.
 # shellcheck source-path=SCRIPTDIR source=hosts.sh
 . "$(dirname "$0")/hosts.sh"
-need ovs-vswitchd ovsdb-server ovsdb-tool ovs-vsctl ovs-ofctl
+# shellcheck source=open_vswitch.sh
+. "$(dirname "$0")/open_vswitch.sh"
 
-schema=/usr/share/openvswitch/vswitch.ovsschema
-vsctl() { OVS_RUNDIR=$work/$1 ovs-vsctl --db="unix:$work/$1/db.sock" --timeout=10 "${@:2}" >>"$work/log"; }
-
-await_file() { for _ in $(seq 50); do [ -e "$1" ] && return; sleep 0.1; done; }
-
-# A switch on this host, with a database, sockets and pid files of its own.
+# A switch on this host with its stations.
 start_switch() {
   local folder=$work/$1
-  mkdir "$folder"
-  ovsdb-tool create "$folder/conf.db" "$schema"
-  OVS_RUNDIR=$folder start_on "$1" ovsdb-server --remote="punix:$folder/db.sock" --pidfile="$folder/db.pid" \
-    --unixctl="$folder/db.ctl" "$folder/conf.db"
-  await_file "$folder/db.sock"
-  vsctl "$1" --no-wait init
-  OVS_RUNDIR=$folder start_on "$1" ovs-vswitchd "unix:$folder/db.sock" --pidfile="$folder/switch.pid" \
-    --unixctl="$folder/switch.ctl" --disable-system
+  start_open_vswitch "$1"
   vsctl "$1" set Open_vSwitch . other_config:vlan-limit=2
   vsctl "$1" add-br trunk -- set bridge trunk datapath_type=netdev
   vsctl "$1" add-port trunk cable
@@ -42,13 +31,10 @@ FLOWS
 }
 
 lay_cable
+silence_hosts
 number=0
 for host in "$left" "$right"; do
   number=$((number + 1))
-  on "$host" ip address flush dev cable
-  for interface in all default cable; do
-    on "$host" bash -c "echo 1 >/proc/sys/net/ipv6/conf/$interface/disable_ipv6"
-  done
   # The cable itself is the switch's: it does not answer for the stations' addresses.
   on "$host" bash -c 'echo 1 >/proc/sys/net/ipv4/conf/all/arp_ignore'
   start_switch "$host"
