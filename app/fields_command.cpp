@@ -128,7 +128,8 @@ void AddFieldsCommand(CommandLine* line) {
   AddTimeOption(&command, &options->time);
   command.SetExamples(
       "Keys of the packet itself: frame.number, frame.time (in the form of -t), frame.length, frame.captured,\n"
-      "frame.source, frame.destination, frame.protocol, frame.summary.\n"
+      "frame.source, frame.destination, frame.protocol, frame.summary; of the conversation frame.source_address,\n"
+      "frame.destination_address, frame.source_port, frame.destination_port; frame.protocols (eth:ip:udp:dns).\n"
       "Examples:\n"
       "  qxview fields capture.pcap -e frame.number -e ip.addr -e dns.qry.name -Y dns\n"
       "  qxview fields capture.pcap -e frame.time -e tcp.srcport --format json --values first");

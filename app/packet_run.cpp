@@ -144,7 +144,7 @@ bool PacketRun::Answers(const CaptureFrame& frame) {
 bool PacketRun::Ask(KeyQuery& query, const CaptureFrame& frame) {
   const FrameRecord* record = RecordOf(frame);
   asked_->Take(record, frame.number);
-  wasDecoded_ |= query.AsksForLines();
+  wasDecoded_ |= query.AsksForLines() || query.AsksForProtocols();
   if (probe_->Ask(query, record, *asked_)) return true;
   status_ = kFileFault;
   return Tell("no memory for keys"), false;

@@ -16,7 +16,7 @@ class ShownPacket final : public PacketTold {
   void Take(const FrameRecord* record, uint64_t number, bool isRead = false) {
     record_ = record;
     number_ = number;
-    isRead_ = isSummarized_ = false;
+    isRead_ = isSummarized_ = isSpelled_ = false;
     if (isRead) Name();
   }
 
@@ -30,17 +30,23 @@ class ShownPacket final : public PacketTold {
   std::string_view Destination() override { return Read(), addresses_.destination; }
   std::string_view Protocol() override { return Read(), protocol_; }
   std::string_view Summary() override;
+  std::string_view SourceAddress() override { return Spell(), spelled_.source; }
+  std::string_view DestinationAddress() override { return Spell(), spelled_.destination; }
+  int32_t SourcePort() override { return Read(), HasPorts() ? session_.Context().packet.sourcePort : -1; }
+  int32_t DestinationPort() override { return Read(), HasPorts() ? session_.Context().packet.destinationPort : -1; }
 
  private:
   void Read();
   void Name();
+  void Spell();
+  bool HasPorts() const;
 
   Session& session_;
   const QxHost* host_;
   const FrameRecord* record_ = nullptr;
   uint64_t number_ = 0;
-  bool isRead_ = false, isSummarized_ = false;
-  PacketAddresses addresses_{};
+  bool isRead_ = false, isSummarized_ = false, isSpelled_ = false;
+  PacketAddresses addresses_{}, spelled_{};
   char scratch_[kMediumNameScratch];
   const char* protocol_ = "";
   char summary_[kSummarySize];

@@ -290,7 +290,11 @@ class FilterParser {
 
 std::unique_ptr<Filter> Filter::Parse(std::string_view expression, FilterFault* fault) {
   auto filter = std::make_unique<Filter>();
-  return FilterParser(expression, filter.get(), fault).Parse() ? std::move(filter) : nullptr;
+  return filter->Add(expression, fault) < 0 ? nullptr : std::move(filter);
+}
+
+int32_t Filter::Add(std::string_view expression, FilterFault* fault) {
+  return FilterParser(expression, this, fault).Parse() ? root_ : -1;
 }
 
 // "Unequal" holds where there is a value and none is equal: "not one of the addresses", for keys of several values.

@@ -21,6 +21,11 @@ class Filter {
   // Null with what is wrong.
   static std::unique_ptr<Filter> Parse(std::string_view expression, FilterFault* fault);
 
+  // Adds an expression whose keys are collected together with those of the others: its number for HoldsFor; -1 with what is
+  // wrong.
+  int32_t Add(std::string_view expression, FilterFault* fault);
+  bool HoldsFor(int32_t expression) const { return HoldsAt(expression); }
+
   KeyQuery& Keys() { return keys_; }
   // Of the values that were collected last.
   bool Holds() const { return HoldsAt(root_); }

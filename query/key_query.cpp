@@ -52,7 +52,10 @@ KeyQuery::Own KeyQuery::OwnOf(std::string_view key) {
       {"frame.number", Own::kNumber},           {"frame.time", Own::kTime},
       {"frame.length", Own::kLength},           {"frame.captured", Own::kCaptured},
       {"frame.source", Own::kSource},           {"frame.destination", Own::kDestination},
-      {"frame.protocol", Own::kProtocol},       {"frame.summary", Own::kSummary}};
+      {"frame.protocol", Own::kProtocol},       {"frame.summary", Own::kSummary},
+      {"frame.source_address", Own::kSourceAddress}, {"frame.destination_address", Own::kDestinationAddress},
+      {"frame.source_port", Own::kSourcePort},  {"frame.destination_port", Own::kDestinationPort},
+      {"frame.protocols", Own::kProtocols}};
   for (const auto& [name, own] : kOwn) {
     if (name == key) return own;
   }
@@ -70,7 +73,10 @@ uint32_t KeyQuery::PartOf(std::string_view protocol, std::string_view label) {
 }
 
 bool KeyQuery::AddPath(std::string_view path, Asked* asked, std::string* wrong) {
-  if (const Own own = OwnOf(path); own != Own::kNo) return asked->own.push_back(own), true;
+  if (const Own own = OwnOf(path); own != Own::kNo) {
+    asksForProtocols_ |= own == Own::kProtocols;
+    return asked->own.push_back(own), true;
+  }
   Path parts;
   for (std::string_view rest = path; !rest.empty();) {
     const size_t end = std::min(rest.find('/'), rest.size());
@@ -192,9 +198,17 @@ void KeyQuery::Note(const DecodeContext& context, const LineFact* fact, std::str
   }
 }
 
+void KeyQuery::TakeProtocols(const std::vector<const char*>& protocols) {
+  protocols_.clear();
+  for (const char* protocol : protocols) protocols_.append(protocols_.empty() ? "" : ":").append(protocol);
+}
+
 void KeyQuery::CollectOwn(PacketTold& told) {
   const auto number = [](AskedKind kind, uint64_t n) { return AskedValue{kind, n, {}, {}}; };
   const auto text = [](std::string_view t) { return AskedValue{AskedKind::kText, 0, t, t}; };
+  const auto port = [&](Asked* asked, int32_t p) {
+    if (p >= 0) asked->values.push_back(number(AskedKind::kNumber, static_cast<uint64_t>(p)));
+  };
   for (Asked& asked : asked_) {
     for (const Own own : asked.own) {
       switch (own) {
@@ -207,6 +221,11 @@ void KeyQuery::CollectOwn(PacketTold& told) {
         case Own::kDestination: asked.values.push_back(text(told.Destination())); break;
         case Own::kProtocol: asked.values.push_back(text(told.Protocol())); break;
         case Own::kSummary: asked.values.push_back(text(told.Summary())); break;
+        case Own::kSourceAddress: asked.values.push_back(text(told.SourceAddress())); break;
+        case Own::kDestinationAddress: asked.values.push_back(text(told.DestinationAddress())); break;
+        case Own::kSourcePort: port(&asked, told.SourcePort()); break;
+        case Own::kDestinationPort: port(&asked, told.DestinationPort()); break;
+        case Own::kProtocols: asked.values.push_back(text(protocols_)); break;
       }
     }
   }

@@ -24,6 +24,11 @@ class PacketTold {
   virtual std::string_view Destination() = 0;
   virtual std::string_view Protocol() = 0;
   virtual std::string_view Summary() = 0;
+  // The same ends by their addresses, whatever their names, and the ports of TCP, UDP and SCTP; -1 for none.
+  virtual std::string_view SourceAddress() { return Source(); }
+  virtual std::string_view DestinationAddress() { return Destination(); }
+  virtual int32_t SourcePort() { return -1; }
+  virtual int32_t DestinationPort() { return -1; }
 
  protected:
   ~PacketTold() = default;
@@ -40,6 +45,9 @@ class KeyQuery {
 
   // Whether anything that was asked for is a line's, not the packet's own.
   bool AsksForLines() const { return !parts_.empty() || everyLine_ >= 0; }
+  // Whether the packet's protocols are asked for: whoever collects hands them over first, the outer ones first.
+  bool AsksForProtocols() const { return asksForProtocols_; }
+  void TakeProtocols(const std::vector<const char*>& protocols);
   // Whether lines of this protocol may be of what was asked for.
   bool Wants(const char* protocol) const;
 
@@ -49,7 +57,10 @@ class KeyQuery {
   int32_t Count() const { return static_cast<int32_t>(asked_.size()); }
 
  private:
-  enum class Own : uint8_t { kNo, kNumber, kTime, kLength, kCaptured, kSource, kDestination, kProtocol, kSummary };
+  enum class Own : uint8_t {
+    kNo, kNumber, kTime, kLength, kCaptured, kSource, kDestination, kProtocol, kSummary, kSourceAddress, kDestinationAddress,
+    kSourcePort, kDestinationPort, kProtocols
+  };
   // A key by its halves; without a label the whole protocol.
   struct Part {
     std::string protocol, label;
@@ -81,6 +92,8 @@ class KeyQuery {
   uint64_t wholeProtocols_ = 0;     // parts without a label
   uint64_t wholeSeen_ = 0;
   int32_t everyLine_ = -1;
+  bool asksForProtocols_ = false;
+  std::string protocols_;   // "eth:ip:udp:dns"
 };
 
 }  // namespace qxview

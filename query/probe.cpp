@@ -61,6 +61,11 @@ bool Probe::Decode(const FrameRecord* record, WantsProtocol wants, const void* w
 }
 
 bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
+  if (query.AsksForProtocols()) {
+    std::vector<const char*> protocols;
+    if (!ListProtocols(record, &protocols)) return false;
+    query.TakeProtocols(protocols);
+  }
   const auto collect = [&] { query.Collect(session_.Context(), tree_.Lines(), told); };
   if (query.AsksForLines()) return Decode(record, WantsForQuery, &query, collect);
   collect();

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "core/line_facts.h"
+#include "query/key_query.h"
 #include "tests/support/cases.h"
 #include "tests/support/samples.h"
 
@@ -86,7 +87,7 @@ TEST(KeyAliases, LeadToKeys) {
     for (std::string key; std::getline(keys, key, ',');) {
       std::stringstream parts(key);
       for (std::string part; std::getline(parts, part, '/');) {
-        EXPECT_TRUE(FindFieldKey(part)) << aliases.aliases[i].name << " leads to " << part;
+        EXPECT_TRUE(KeyQuery::IsKey(part)) << aliases.aliases[i].name << " leads to " << part;
       }
     }
   }

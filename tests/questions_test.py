@@ -88,6 +88,20 @@ class Questions(unittest.TestCase):
         self.run_program("stat", "values", "http.methd", HTTP, status=2)
         self.run_program("stat", "ports", HTTP, "--sort", "nothing", status=2)
 
+    def test_rows_of_statistics_are_asked_for_by_the_keys_of_the_packet(self):
+        path = os.path.join(ROOT, "samples", "tunnels.pcap")
+        for row in self.rows("stat", "protocols", path):
+            found = self.rows("list", path, "-Y", f'frame.protocols matches "^{row["path"]}(:|$)"')
+            self.assertEqual(len(found), row["packets"], row["path"])
+        for capture in (HTTP, path):
+            for row in self.rows("stat", "conversations", capture):
+                if row["layer"] not in ("IPv4", "IPv6", "TCP"):
+                    continue
+                ends = [row[name].rpartition(":") if row["layer"] == "TCP" else (row[name], "", "") for name in "ab"]
+                where = " and ".join([f"frame.address == {address.strip('[]')}" for address, _, _ in ends] +
+                                     [f"frame.port == {port}" for _, _, port in ends if port])
+                self.assertEqual(len(self.rows("list", capture, "-Y", where)), row["packets"], where)
+
     def test_streams_are_put_in_order(self):
         frames = [tcp(1025, 80, 99, 0, 0x02), tcp(80, 1025, 499, 100, 0x12), tcp(1025, 80, 100, 500, 0x18, b"one "),
                   tcp(1025, 80, 108, 500, 0x18, b"three "), tcp(1025, 80, 104, 500, 0x18, b"two "),
