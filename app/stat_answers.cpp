@@ -5,6 +5,7 @@
 #include "app/bounded_counts.h"
 #include "app/packet_ends.h"
 #include "app/packet_protocol.h"
+#include "app/response_times.h"
 #include "app/record_writer.h"
 #include "app/statistics.h"
 #include "core/frame_record.h"
@@ -12,7 +13,7 @@
 namespace qxview {
 namespace {
 
-constexpr size_t kMostValues = 100000, kMostWaiting = 65536;
+constexpr size_t kMostValues = 100000;
 
 class Values final : public Statistic {
  public:
@@ -67,26 +68,6 @@ class Values final : public Statistic {
   uint64_t all_ = 0;
 };
 
-// Requests that wait for their answers, and how long those took.
-class ResponseTimes {
- public:
-  void Ask(const std::string& key, int64_t now) {
-    if (waiting_.size() >= kMostWaiting) waiting_.erase(waiting_.begin());
-    waiting_.try_emplace(key, now);   // asked again: the first time counts
-  }
-  // False when nobody asked.
-  bool Answer(const std::string& key, int64_t now, int64_t* took) {
-    const auto found = waiting_.find(key);
-    if (found == waiting_.end()) return false;
-    *took = now - found->second;
-    waiting_.erase(found);
-    return true;
-  }
-
- private:
-  std::map<std::string, int64_t> waiting_;
-};
-
 struct Times {
   uint64_t count = 0;
   int64_t least = 0, most = 0, sum = 0;
@@ -104,13 +85,6 @@ void PutTimes(StatTable* table, const Times& times) {
   } else {
     table->Seconds(times.least).Seconds(times.sum / static_cast<int64_t>(times.count)).Seconds(times.most);
   }
-}
-
-// The conversation from the end that asked: the same bytes for request and answer.
-std::string KeyOf(const PacketState& packet, bool isAnswer, uint32_t more) {
-  const PacketEnd source = SourceEnd(packet), destination = DestinationEnd(packet);
-  const std::string key = isAnswer ? BytesOf(destination) + BytesOf(source) : BytesOf(source) + BytesOf(destination);
-  return key + std::string(reinterpret_cast<const char*>(&more), sizeof more);
 }
 
 std::string ServerOf(const StatPacket& p, bool isAnswer) {
@@ -178,16 +152,15 @@ class Dns final : public Statistic {
     const bool isAnswer = message[2] & 0x80;
     const uint32_t operation = message[2] >> 3 & 0xF, code = message[3] & 0xF;
     Servers::Server& server = servers_.Of(ServerOf(p, isAnswer));
-    const std::string key = KeyOf(packet, isAnswer, id);
+    const std::string key = RequestKey(packet, isAnswer, id);
     if (!isAnswer) {
       ++server.requests;
       servers_.Count("operation", NameIn(kOperations, operation));
-      return times_.Ask(key, p.nanoseconds);
+      return times_.Ask(key, {p.nanoseconds, p.number, {}});
     }
     ++server.answers;
     servers_.Count("result", NameIn(kResults, code));
-    int64_t took;
-    if (times_.Answer(key, p.nanoseconds, &took)) server.times.Add(took);
+    if (const auto asked = times_.Answer(key)) server.times.Add(p.nanoseconds - asked->nanoseconds);
   }
   std::vector<StatTable> Tables() override { return servers_.Tables("DNS"); }
 
@@ -217,14 +190,13 @@ class Http final : public Statistic {
     for (const AskedValue& method : query_.ValuesOf(method_)) {
       ++servers_.Of(ServerOf(p, false)).requests;
       servers_.Count("method", ToUtf8(TextOfValue(method)));
-      times_.Ask(KeyOf(p.packet, false, 0), p.nanoseconds);
+      times_.Ask(RequestKey(p.packet, false, 0), {p.nanoseconds, p.number, {}});
     }
     for (const AskedValue& code : query_.ValuesOf(code_)) {
       Servers::Server& server = servers_.Of(ServerOf(p, true));
       ++server.answers;
       servers_.Count("code", ToUtf8(TextOfValue(code)));
-      int64_t took;
-      if (times_.Answer(KeyOf(p.packet, true, 0), p.nanoseconds, &took)) server.times.Add(took);
+      if (const auto asked = times_.Answer(RequestKey(p.packet, true, 0))) server.times.Add(p.nanoseconds - asked->nanoseconds);
     }
   }
   std::vector<StatTable> Tables() override { return servers_.Tables("HTTP"); }
