@@ -20,6 +20,18 @@ bool ByteSource::Skip(uint64_t count) {
   return true;
 }
 
+bool BufferedSource::MoveWindow(uint64_t position) {
+  ended_ = false;
+  failure_.clear();
+  const bool isHere = position >= windowOffset_ && position - windowOffset_ <= static_cast<uint64_t>(limit_ - window_);
+  if (!isHere) {
+    windowOffset_ = position;
+    limit_ = window_;
+  }
+  cursor_ = isHere ? window_ + (position - windowOffset_) : window_;
+  return isHere;
+}
+
 bool BufferedSource::Reserve(size_t wanted) {
   size_t kept = Remaining();
   if (wanted > capacity_) {

@@ -32,6 +32,10 @@ class ByteSource {
   // Moves on by `count` bytes; false when the data end before, which leaves the source at its end.
   bool Skip(uint64_t count);
 
+  // Goes to this byte of the data, back or forth, also when their end was seen: a file that has grown meanwhile goes on. False
+  // where the source cannot.
+  virtual bool Seek(uint64_t) { return false; }
+
   // Offset of the next byte in the data that the source shows.
   uint64_t Position() const { return windowOffset_ + static_cast<uint64_t>(cursor_ - window_); }
 
@@ -63,6 +67,9 @@ class ByteSource {
 class BufferedSource : public ByteSource {
  protected:
   void Refill(size_t wanted) override;
+
+  // For Seek: whether the byte stood in the window, which is at it now; if not, the window is empty and begins there.
+  bool MoveWindow(uint64_t position);
 
   // Reads up to `size` bytes (at least 1 is asked for), waiting only while there are none; 0 at the end. A failure
   // sets failure_ and returns 0.

@@ -69,7 +69,7 @@ class CaptureBufferReader : public CaptureReader {
 
  protected:
   ReadResult ReadFrame(CaptureFrame* frame) override {
-    const uint64_t position = source_->Position();
+    const uint64_t position = framePosition_ = source_->Position();
     const uint8_t* bytes = source_->Peek(kBareRecordHeader);
     if (!bytes) {
       if (source_->Remaining() > 0 || !source_->Failure().empty()) return CutShort(position, "a record header");

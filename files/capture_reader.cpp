@@ -67,6 +67,14 @@ ReadResult CaptureReader::Next(CaptureFrame* frame) noexcept {
   return last_;
 }
 
+bool CaptureReader::Seek(uint64_t position, uint64_t number) {
+  if (!source_->Seek(position) || !BeginAt(position)) return false;
+  frames_ = number - 1;
+  last_ = ReadResult::kFrame;
+  message_.clear();
+  return true;
+}
+
 int CaptureReader::Percent() const {
   uint64_t size = FileSize();
   if (size == 0) return -1;
@@ -104,20 +112,21 @@ std::unique_ptr<CaptureReader> OpenCapture(const char* path, std::string* messag
   return nullptr;
 }
 
+std::unique_ptr<ByteSource> OpenInflated(std::unique_ptr<ByteSource> source, std::string* reason) noexcept {
+  for (const CompressedFormat& format : kCompressed) {
+    if (!StartsWith(source.get(), format.magic, format.magicLength)) continue;
+    if (format.open) return format.open(std::move(source), reason);
+    *reason = std::string("is compressed with ") + format.name + ", which is not read here; it opens with: " +
+              format.command + " FILE | qxview ... -";
+    return nullptr;
+  }
+  return source;
+}
+
 std::unique_ptr<CaptureReader> OpenCapture(std::unique_ptr<ByteSource> source, const char* name,
                                            std::string* message) noexcept {
   std::string reason;
-  for (const CompressedFormat& format : kCompressed) {
-    if (!StartsWith(source.get(), format.magic, format.magicLength)) continue;
-    if (format.open) {
-      source = format.open(std::move(source), &reason);
-    } else {
-      reason = std::string("is compressed with ") + format.name + ", which is not read here; it opens with: " +
-               format.command + " FILE | qxview ... -";
-      source = nullptr;
-    }
-    break;
-  }
+  source = OpenInflated(std::move(source), &reason);
   for (const CaptureFormat& format : kFormats) {
     if (source && StartsWith(source.get(), format.magic, format.magicLength)) {
       return format.make(std::move(source), name, message);

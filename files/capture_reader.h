@@ -77,6 +77,16 @@ class CaptureReader {
   // Reads the next frame. After kEnd or kDamaged every further call gives the same answer.
   ReadResult Next(CaptureFrame* frame) noexcept;
 
+  // Where the frame begins that was read last, or that could not be read.
+  uint64_t FramePosition() const { return framePosition_; }
+
+  // The next frame is the one that begins at this byte, which was FramePosition() before, and has this number; also behind the
+  // end and damage, which are tried again. False where the source cannot go there.
+  bool Seek(uint64_t position, uint64_t number);
+
+  // From now on what later frames need of the structures between the frames is kept, for Seek.
+  virtual void KeepForSeek() {}
+
   const std::string& FileName() const { return fileName_; }
 
   // Who is given the secrets that stand between the frames.
@@ -99,6 +109,9 @@ class CaptureReader {
   // Reads one frame; the base numbers it.
   virtual ReadResult ReadFrame(CaptureFrame* frame) = 0;
 
+  // The source was moved to where a frame begins; false when that frame's section is not known.
+  virtual bool BeginAt(uint64_t) { return true; }
+
   // Composes the message for damage in the structure that starts at byte `position` and returns kDamaged.
   [[gnu::format(printf, 3, 4)]] ReadResult Damaged(uint64_t position, const char* format, ...);
 
@@ -110,6 +123,7 @@ class CaptureReader {
 
   std::unique_ptr<ByteSource> source_;
   SecretsHandler secrets_;
+  uint64_t framePosition_ = 0;
 
  private:
   std::string fileName_;
@@ -125,6 +139,9 @@ std::unique_ptr<CaptureReader> OpenCapture(const char* path, std::string* messag
 // The same for a source that is open already; `name` stands for it in messages.
 std::unique_ptr<CaptureReader> OpenCapture(std::unique_ptr<ByteSource> source, const char* name,
                                            std::string* message) noexcept;
+
+// The bytes of a capture file as they are, or what they hold compressed; null with a reason.
+std::unique_ptr<ByteSource> OpenInflated(std::unique_ptr<ByteSource> source, std::string* reason) noexcept;
 
 // The frames of several captures as one, by time: of frames with one time that of the earlier capture comes first. What
 // is wrong with one of them is told when the others have been read.

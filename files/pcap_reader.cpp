@@ -61,6 +61,7 @@ class PcapReader : public CaptureReader {
   ReadResult ReadFrame(CaptureFrame* frame) override {
     if (overhang_ && !source_->Skip(overhang_)) return CutShort(source_->Position(), "a packet");
     overhang_ = 0;
+    framePosition_ = source_->Position();
     const uint64_t position = source_->Position();
     const uint8_t* header = source_->Peek(packetHeader_);
     if (!header) {
@@ -94,6 +95,8 @@ class PcapReader : public CaptureReader {
     frame->checkSequenceLength = interface_.checkSequenceLength;
     return ReadResult::kFrame;
   }
+
+  bool BeginAt(uint64_t) override { return overhang_ = 0, true; }
 
  private:
   // Files before version 2.3 hold the lengths the other way round, those of 2.3 either way.

@@ -41,6 +41,19 @@ struct Interface {
   std::vector<uint8_t> options;   // which `told` points into
 };
 
+// What a section tells of its packets.
+struct Section {
+  uint64_t start = 0;
+  uint32_t number = 0;
+  FileOrder order;
+  std::vector<Interface> interfaces;
+  uint64_t interfacesUntil = 0;   // the blocks in front of this byte were read
+  std::vector<uint8_t> options;
+};
+
+// Sections that are kept for going back to their packets.
+constexpr size_t kMostSections = 65536;
+
 // Writers give the length of the check sequence in bytes or in bits.
 uint8_t CheckSequenceBytes(uint8_t length) {
   if (length == 16 || length == 32) return length / 8;
@@ -60,19 +73,28 @@ uint32_t ReceiveErrorsOf(uint32_t flags) {
 class PcapngReader : public CaptureReader {
  public:
   using CaptureReader::CaptureReader;
+  void KeepForSeek() override { keepsSections_ = true; }
 
  protected:
+  bool BeginAt(uint64_t position) override {
+    open_ = 0;
+    shown_ = 0;
+    while (current_ + 1 < sections_.size() && sections_[current_ + 1].start <= position) ++current_;
+    while (current_ > 0 && sections_[current_].start > position) --current_;
+    return sections_[current_].start <= position;
+  }
+
   ReadResult ReadFrame(CaptureFrame* frame) override {
     for (;;) {
       if (!CloseBlock()) return ReadResult::kDamaged;
-      start_ = source_->Position();
+      start_ = framePosition_ = source_->Position();
       const uint8_t* head = source_->Peek(8);
       if (!head) {
         if (source_->Remaining() == 0 && source_->Failure().empty()) return ReadResult::kEnd;
         return CutShort(start_, "a block header");
       }
       // The type of a section header reads alike in both orders: it comes before its own order is known.
-      uint32_t type = order_.Load32(head);
+      uint32_t type = Order().Load32(head);
       ReadResult result = type == kSectionHeader ? ReadSection() : ReadBlock(type, frame);
       if (result != ReadResult::kEnd) return result;
     }
@@ -84,23 +106,40 @@ class PcapngReader : public CaptureReader {
   ReadResult ReadSection() {
     const uint8_t* block = source_->Peek(16);
     if (!block) return CutShort(start_, "a section header");
-    order_.swapped = false;
-    if (order_.Load32(block + 8) != kByteOrderMagic) {
-      order_.swapped = true;
-      if (order_.Load32(block + 8) != kByteOrderMagic) {
+    FileOrder order;
+    if (order.Load32(block + 8) != kByteOrderMagic) {
+      order.swapped = true;
+      if (order.Load32(block + 8) != kByteOrderMagic) {
         return Damaged(start_, "a section header without a byte-order magic");
       }
     }
-    uint16_t major = order_.Load16(block + 12);
-    if (major != 1) return Damaged(start_, "pcapng version %u.%u is not known", major, order_.Load16(block + 14));
-    interfaces_.clear();
-    keptOptions_ = 0;
-    ++section_;
+    uint16_t major = order.Load16(block + 12);
+    if (major != 1) return Damaged(start_, "pcapng version %u.%u is not known", major, order.Load16(block + 14));
+    BeginSection(order);
     const uint32_t length = LoadLength(block + 4);
     block = OpenBlock(length, 28, "a section header");
     if (!block) return ReadResult::kDamaged;
-    sectionOptions_ = KeepOptions(block + 24, OptionsEnd(block, length));
+    if (Now().options.empty()) Now().options = KeepOptions(block + 24, OptionsEnd(block, length));
     return ReadResult::kEnd;
+  }
+
+  Section& Now() { return sections_[current_]; }
+  const FileOrder& Order() const { return sections_[current_].order; }
+
+  // One that was read before is the current one again.
+  void BeginSection(const FileOrder& order) {
+    if (Now().number > 0 && Now().start == start_) return;
+    if (current_ + 1 < sections_.size() && sections_[current_ + 1].start == start_) {
+      ++current_;
+      return;
+    }
+    const uint32_t number = sections_.back().number + 1;
+    if (!keepsSections_ || number == 1 || sections_.size() >= kMostSections) {
+      sections_.clear();
+      keptOptions_ = 0;
+    }
+    sections_.push_back({start_, number, order, {}, 0, {}});
+    current_ = sections_.size() - 1;
   }
 
   ReadResult ReadBlock(uint32_t type, CaptureFrame* frame) {
@@ -122,7 +161,7 @@ class PcapngReader : public CaptureReader {
   }
 
   // Blocks are padded to 4 bytes, also where their writer did not count the padding.
-  uint32_t LoadLength(const uint8_t* at) const { return (order_.Load32(at) + 3) & ~3u; }
+  uint32_t LoadLength(const uint8_t* at) const { return (Order().Load32(at) + 3) & ~3u; }
 
   // Checks the length of the block at the cursor and that the start of it, up to a window, is there; null after
   // damage.
@@ -165,24 +204,27 @@ class PcapngReader : public CaptureReader {
   ReadResult ReadInterface(uint32_t length) {
     const uint8_t* block = OpenBlock(length, 20, "an interface description");
     if (!block) return ReadResult::kDamaged;
-    if (interfaces_.size() == kMostInterfaces) return Damaged(start_, "more than %u interfaces", kMostInterfaces);
-    Interface added{NormalizeLinkType(order_.Load16(block + 8)), {}, {}, {}};
+    if (start_ < Now().interfacesUntil) return ReadResult::kEnd;
+    Now().interfacesUntil = start_ + 1;
+    std::vector<Interface>& interfaces = Now().interfaces;
+    if (interfaces.size() == kMostInterfaces) return Damaged(start_, "more than %u interfaces", kMostInterfaces);
+    Interface added{NormalizeLinkType(Order().Load16(block + 8)), {}, {}, {}};
     const uint8_t* const end = OptionsEnd(block, length);
-    ForEachOption({block + 16, static_cast<uint32_t>(end - block - 16), order_.swapped},
+    ForEachOption({block + 16, static_cast<uint32_t>(end - block - 16), Order().swapped},
                   [&](uint16_t code, uint16_t size, const uint8_t* at) {
                     if (code == kInterfaceResolution && size == 1) added.scale.resolution = *at;
                     if (code == kInterfaceCheckSequence && size == 1) {
                       added.told.checkSequenceLength = CheckSequenceBytes(*at);
                     }
                     if (code == kInterfaceTimeOffset && size == 8) {
-                      added.scale.offsetSeconds = static_cast<int64_t>(order_.Load64(at));
+                      added.scale.offsetSeconds = static_cast<int64_t>(Order().Load64(at));
                     }
                   });
     added.options = KeepOptions(block + 16, end);
-    added.told.section = section_;
-    added.told.snapLength = order_.Load32(block + 12);
+    added.told.section = Now().number;
+    added.told.snapLength = Order().Load32(block + 12);
     added.told.timeDigits = added.scale.resolution <= 6 ? 6 : 9;
-    interfaces_.push_back(std::move(added));
+    interfaces.push_back(std::move(added));
     return ReadResult::kEnd;
   }
 
@@ -190,8 +232,8 @@ class PcapngReader : public CaptureReader {
   ReadResult ReadSecrets(uint32_t length) {
     const uint8_t* block = OpenBlock(length, 20, "a block of secrets");
     if (!block) return ReadResult::kDamaged;
-    const uint32_t kind = order_.Load32(block + 8);
-    uint32_t left = order_.Load32(block + 12);
+    const uint32_t kind = Order().Load32(block + 8);
+    uint32_t left = Order().Load32(block + 12);
     if (left > length - 20) {
       return Damaged(start_, "%u bytes of secrets in a block with room for %u", left, length - 20);
     }
@@ -219,27 +261,27 @@ class PcapngReader : public CaptureReader {
     return {at, end};
   }
   FileOptions OptionsAt(const uint8_t* at, size_t length) const {
-    return {at, static_cast<uint32_t>(length), order_.swapped};
+    return {at, static_cast<uint32_t>(length), Order().swapped};
   }
 
   ReadResult ReadPacket(uint32_t length, bool obsolete, CaptureFrame* frame) {
     const uint8_t* block = OpenBlock(length, 32, "a packet block");
     if (!block) return ReadResult::kDamaged;
-    uint32_t index = obsolete ? order_.Load16(block + 8) : order_.Load32(block + 8);
+    uint32_t index = obsolete ? Order().Load16(block + 8) : Order().Load32(block + 8);
     Interface* from = FindInterface(index);
     if (!from) return ReadResult::kDamaged;
-    uint32_t captured = order_.Load32(block + 20);
+    uint32_t captured = Order().Load32(block + 20);
     if (!FillData(block, 28, captured, length - 32, *from, frame)) return ReadResult::kDamaged;
     frame->interfaceIndex = index;
-    frame->wireLength = order_.Load32(block + 24);
-    uint64_t ticks = uint64_t{order_.Load32(block + 12)} << 32 | order_.Load32(block + 16);
+    frame->wireLength = Order().Load32(block + 24);
+    uint64_t ticks = uint64_t{Order().Load32(block + 12)} << 32 | Order().Load32(block + 16);
     frame->nanoseconds = TicksToNanoseconds(ticks, from->scale);
     const uint8_t* end = OptionsEnd(block, length);
     size_t padded = 28 + ((size_t{captured} + 3) & ~size_t{3});
     if (padded < static_cast<size_t>(end - block)) {
       frame->options = OptionsAt(block + padded, static_cast<size_t>(end - block) - padded);
       ForEachOption(frame->options, [&](uint16_t code, uint16_t size, const uint8_t* at) {
-        if (code == kPacketFlags && size == 4) UsePacketFlags(order_.Load32(at), frame);
+        if (code == kPacketFlags && size == 4) UsePacketFlags(Order().Load32(at), frame);
       });
     }
     return ReadResult::kFrame;
@@ -250,7 +292,7 @@ class PcapngReader : public CaptureReader {
     if (!block) return ReadResult::kDamaged;
     Interface* from = FindInterface(0);
     if (!from) return ReadResult::kDamaged;
-    uint32_t wire = order_.Load32(block + 8);
+    uint32_t wire = Order().Load32(block + 8);
     uint32_t captured = from->told.snapLength && from->told.snapLength < wire ? from->told.snapLength : wire;
     if (!FillData(block, 12, captured, length - 16, *from, frame)) return ReadResult::kDamaged;
     frame->interfaceIndex = 0;
@@ -277,7 +319,7 @@ class PcapngReader : public CaptureReader {
     frame->linkType = from.linkType;
     frame->checkSequenceLength = from.told.checkSequenceLength;
     from.told.options = OptionsAt(from.options.data(), from.options.size());
-    from.told.sectionOptions = OptionsAt(sectionOptions_.data(), sectionOptions_.size());
+    from.told.sectionOptions = OptionsAt(Now().options.data(), Now().options.size());
     frame->interface = &from.told;
     return true;
   }
@@ -291,9 +333,10 @@ class PcapngReader : public CaptureReader {
   }
 
   Interface* FindInterface(uint32_t index) {
-    if (index < interfaces_.size()) return &interfaces_[index];
+    std::vector<Interface>& interfaces = Now().interfaces;
+    if (index < interfaces.size()) return &interfaces[index];
     Damaged(start_, "a packet of interface %u in a section with %u", index,
-            static_cast<uint32_t>(interfaces_.size()));
+            static_cast<uint32_t>(interfaces.size()));
     return nullptr;
   }
 
@@ -302,11 +345,10 @@ class PcapngReader : public CaptureReader {
     return block + (shown_ == length ? length - 4 : shown_);
   }
 
-  FileOrder order_;
-  std::vector<Interface> interfaces_;  // of the current section
-  std::vector<uint8_t> sectionOptions_;
+  std::vector<Section> sections_ = std::vector<Section>(1);   // all that were read, when they are kept
+  size_t current_ = 0;
+  bool keepsSections_ = false;
   size_t keptOptions_ = 0;
-  uint32_t section_ = 0;
   uint64_t start_ = 0;                 // of the current block
   size_t shown_ = 0;                   // how much of it stands in the window
   uint32_t open_ = 0;                  // what is left of it, until it is left

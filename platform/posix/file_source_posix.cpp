@@ -40,6 +40,10 @@ class ReadingSource : public BufferedSource {
   uint64_t FilePosition() const override { return start_ + Position(); }
   uint64_t FileSize() const override { return size_; }
   bool IsInterrupted() const override { return interrupted_; }
+  bool Seek(uint64_t position) override {
+    if (size_ == 0) return false;
+    return MoveWindow(position) || lseek(file_->Get(), static_cast<off_t>(start_ + position), SEEK_SET) >= 0;
+  }
 
  protected:
   size_t ReadSome(uint8_t* out, size_t size) override {

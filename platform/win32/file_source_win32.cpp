@@ -27,6 +27,12 @@ class HandleSource final : public BufferedSource {
   uint64_t FilePosition() const override { return start_ + Position(); }
   uint64_t FileSize() const override { return size_; }
   bool IsInterrupted() const override { return interrupted_; }
+  bool Seek(uint64_t position) override {
+    if (size_ == 0) return false;
+    LARGE_INTEGER to{};
+    to.QuadPart = static_cast<LONGLONG>(start_ + position);
+    return MoveWindow(position) || SetFilePointerEx(file_, to, nullptr, FILE_BEGIN);
+  }
 
  protected:
   size_t ReadSome(uint8_t* out, size_t size) override {
