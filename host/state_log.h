@@ -3,6 +3,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "core/states.h"
@@ -23,6 +24,11 @@ class StateLog {
   bool Complete() const { return complete_; }
   // How much there is: taken in front of a frame, where the frame's look-ups start.
   size_t End() const { return bytes_.size(); }
+
+  // For keeping a log elsewhere: what is there, nothing at all again, and what was kept.
+  const std::vector<uint8_t>& Bytes() const { return bytes_; }
+  void Clear() { bytes_.clear(); }
+  void Take(std::vector<uint8_t> bytes) { bytes_ = std::move(bytes); }
 
  private:
   friend class StateReplay;

@@ -19,6 +19,7 @@ LAYERS = {
     "decoders/common":       ["include/qxview", "core", "decoders/common"],
     "keys":                  ["keys"],
     "query":                 ["include/qxview", "core", "view", "host", "keys", "query"],
+    "browse":                ["include/qxview", "core", "view", "host", "files", "keys", "query", "browse"],
     "files":                 ["include/qxview", "core", "files"],
     "host":                  ["include/qxview", "core", "view", "files", "host"],
     "platform":              ["*"],
@@ -37,7 +38,7 @@ PRIVATE = {"platform": ["platform", "exports", "app", "tests", "bench", "fuzz"],
 HEAVY = ["string", "vector", "iostream", "ostream", "istream", "sstream", "fstream", "map", "unordered_map", "set", "list",
          "deque", "regex"]
 WINDOWS = ["windows.h", "winsock.h", "winsock2.h", "commctrl.h"]
-FORBIDDEN = {"core": HEAVY + WINDOWS, "decoders": HEAVY + WINDOWS, "decoders/common": HEAVY + WINDOWS, "view": WINDOWS,
+FORBIDDEN = {"core": HEAVY + WINDOWS, "decoders": HEAVY + WINDOWS, "decoders/common": HEAVY + WINDOWS, "view": WINDOWS, "browse": WINDOWS,
              "files": WINDOWS, "include/qxview": HEAVY}
 
 # System headers that only these places see (patterns over the path).
