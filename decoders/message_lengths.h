@@ -38,5 +38,6 @@ int32_t LengthOfHttp2(const Cursor& c);
 int32_t LengthOfSip(const Cursor& c);   // and RTSP
 int32_t LengthOfSkinny(const Cursor& c);
 int32_t LengthOfBfcp(const Cursor& c);
+int32_t LengthOfMegaco(const Cursor& c);
 
 }  // namespace qxview

@@ -2,7 +2,11 @@
 // forms; what stands in braces belongs to the word in front.
 //
 //   MEGACO/1 [192.0.2.1]:2944 Transaction = 1 { Context = $ { Add = A4444 { Media { Local { v=0 ... } } } } }
+#include "decoders/app/megaco.h"
+
+#include "core/rows.h"
 #include "decoders/common/header_lines.h"
+#include "decoders/message_lengths.h"
 
 namespace qxview {
 
@@ -85,9 +89,28 @@ void ShowItems(const Place& at, const Place& in, Cursor& c, int32_t depth) {
   }
 }
 
+// Messages over TCP and SCTP's like stand in packets of their own (RFC 1006 6, ITU-T H.248.1 Annex D).
+struct Framing { Field length; };
+constexpr auto kFraming = Rows<Framing>({
+    Number(1, "Version"), Number(1, "Reserved"), Number(2, "Length").Into(&Framing::length)});
+constexpr int32_t kFramingSize = 4;
+
+bool IsFramed(const Cursor& c) { return PeekU16(c) == 0x0300 && PeekU16(c, 2) > kFramingSize; }
+
 }  // namespace
 
+int32_t LengthOfMegaco(const Cursor& c) {
+  if (Left(c) < kFramingSize) return PeekU8(c) == 3 && PeekU8(c, 1) == 0 ? 0 : kNoMessage;
+  return IsFramed(c) ? static_cast<int32_t>(PeekU16(c, 2)) : kNoMessage;
+}
+
 int32_t DecodeMegaco(const Place& at, Cursor c) {
+  if (IsFramed(c)) {
+    const Place in = Under(at, AddLine(at, Ahead(c, kFramingSize), "TPKT"));
+    ShowRows(in, c, kFraming);
+    return CallDecoder(at, c, DecodeMegaco, "Megaco Data"), 1;
+  }
+  if (IsBinaryMegaco(c)) return DecodeBinaryMegaco(at, c);
   if (!StartsWithText(c, "MEGACO/") && !StartsWithText(c, "!/") && !StartsWithText(c, "Authentication") && !StartsWithText(c, "AU=")) {
     return 0;
   }

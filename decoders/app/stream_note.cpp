@@ -3,10 +3,7 @@
 #include "decoders/states.h"
 
 namespace qxview {
-namespace {
-
-// Where the cursor stands in the stream; false for bytes that are not the segment's own.
-bool FindKey(const Place& at, const Cursor& c, RequestKey* key) {
+bool FindStreamPlace(const Place& at, const Cursor& c, RequestKey* key) {
   const PacketState& packet = PacketOf(at);
   const Field place = PeekBytes(c, 0, 0);
   const TcpSegment& segment = packet.segment;
@@ -19,18 +16,16 @@ bool FindKey(const Place& at, const Cursor& c, RequestKey* key) {
   return true;
 }
 
-}  // namespace
-
 StreamNote RecallNote(const Place& at, const Cursor& c) {
   RequestKey key;
-  if (!FindKey(at, c, &key)) return {};
+  if (!FindStreamPlace(at, c, &key)) return {};
   const StreamNote* kept = Recall(at.view, kStreamNotes, key);
   return kept ? *kept : StreamNote{};
 }
 
 void LeaveNote(const Place& at, const Cursor& c, const StreamNote& note) {
   RequestKey key;
-  if (!PacketOf(at).quoted && FindKey(at, c, &key)) Remember(at.view, kStreamNotes, key, note);
+  if (!PacketOf(at).quoted && FindStreamPlace(at, c, &key)) Remember(at.view, kStreamNotes, key, note);
 }
 
 void PutText(StreamNote& note, const Field& text) {

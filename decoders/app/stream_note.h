@@ -15,6 +15,9 @@ struct StreamNote {
   uint8_t text[72];       // of multipart messages the boundary
 };
 
+// Where the cursor stands in the stream, as a key; false for bytes that are not the segment's own.
+bool FindStreamPlace(const Place& at, const Cursor& c, RequestKey* key);
+
 // What the bytes before the cursor left; all zero for nothing.
 StreamNote RecallNote(const Place& at, const Cursor& c);
 // Keeps it for what comes behind the cursor.
