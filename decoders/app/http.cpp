@@ -12,6 +12,7 @@
 #include <cstdlib>
 
 #include "decoders/app/http2.h"
+#include "decoders/app/http_fields.h"
 #include "decoders/app/tls_record.h"
 #include "decoders/app/websocket.h"
 #include "decoders/states.h"
@@ -36,7 +37,8 @@ void ShowFirstLine(const Place& in, const Field& message, const HttpFirstLine& f
   if (first.kind == kHttpRequest) {
     const Place parts = Under(in, AddLine(in, line, "Request Line: %s", Text(line)));
     AddLine(parts, Covering(message, tokens[0], 1), "Method: %s", TextOf(message, tokens[0]));
-    AddLine(parts, Covering(message, tokens[1], 1), "Request uri: %s", TextOf(message, tokens[1]));
+    const LineHandle uri = AddLine(parts, Covering(message, tokens[1], 1), "Request uri: %s", TextOf(message, tokens[1]));
+    if (TellsAll(in)) ShowHttpTarget(Under(parts, uri), Slice(message, tokens[1].offset, tokens[1].length));
     AddLine(parts, Covering(message, tokens[2], 1), "Version: %s", TextOf(message, tokens[2]));
   } else {
     const Place parts = Under(in, AddLine(in, line, "Status Line: %s", Text(line)));

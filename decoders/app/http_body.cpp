@@ -19,9 +19,7 @@ void ShowTextBody(const Place& in, Cursor& c) {
 // Bodies by their content type, for those who want today's reading of all: what is scripted on has the lines below. A body
 // that goes on in later segments is told as far as it is here.
 bool ShowsContent(const Place& in, const HttpFlags& flags) {
-  const Settings& settings = in.view->engine->settings;
-  return settings.dnsRecords && settings.ignoreChecksums && flags.content != WebContent::kUnknown &&
-         flags.content != WebContent::kOther;
+  return TellsAll(in) && flags.content != WebContent::kUnknown && flags.content != WebContent::kOther;
 }
 
 }  // namespace

@@ -32,27 +32,34 @@ HttpChunkSize ReadChunkSize(const uint8_t* line, int32_t length) {
   return read;
 }
 
-bool DecodeHttpChunk(const Place& in, Cursor& c) {
+bool DecodeHttpChunk(const Place& in, Cursor& c, bool withData) {
   Cursor next = c;
   Field line = TakeTextLine(next);
   if (!line.here) line = Rest(next);
   const HttpChunkSize chunk = ReadChunkSize(line.bytes, line.length);
   if (!chunk.valid) return false;
+  const Field sizeLine = Ahead(c, next.offset - c.offset);
   Cursor data = TakeCursor(next, chunk.size);
+  Field boundary{};
   if (Left(next) >= 1 && PeekU8(next) == '\r' && (Left(next) == 1 || PeekU8(next, 1) == '\n')) {
-    TakeBytes(next, Left(next) == 1 ? 1 : 2);
+    boundary = TakeBytes(next, Left(next) == 1 ? 1 : 2);
   }
+  const bool tellsAll = TellsAll(in);
   const Field whole = Ahead(c, next.offset - c.offset);
   const Field number = Slice(line, 0, chunk.digits);
   if (chunk.size == 0) {
     const Place parts = Under(in, AddLine(in, whole, "Last Chunk: Size = 0 Bytes"));
     AddLine(parts, number, "Chunk Data Length: %d = End of Chunked Http Data Indicator", chunk.size);
+    if (tellsAll) AddLine(parts, sizeLine, "Size Line: %d", chunk.size);
     if (chunk.extended) AddLine(parts, line, "Chunk Header: %s", Text(line));
+    if (tellsAll) AddLine(parts, boundary, "Chunk Boundary: %s", HexText(boundary));
   } else {
     const Place parts = Under(in, AddLine(in, whole, "Http Chunk Data: Size = %d Bytes", chunk.size));
     AddLine(parts, number, "Chunk Data Length: %d", chunk.size);
+    if (tellsAll) AddLine(parts, sizeLine, "Size Line: %d", chunk.size);
     if (chunk.extended) AddLine(parts, line, "Chunk Header: %s", Text(line));
-    AddBlock(parts, Rest(data), "Http Chunk Data");
+    if (withData) AddBlock(parts, Rest(data), "Http Chunk Data");
+    if (tellsAll) AddLine(parts, boundary, "Chunk Boundary: %s", HexText(boundary));
   }
   c = next;
   return true;

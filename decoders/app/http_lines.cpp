@@ -1,4 +1,5 @@
 // HTTP's text: its lines, the first line's three tokens, the header lines.
+#include "decoders/app/http_fields.h"
 #include "decoders/app/http_message.h"
 #include "decoders/common/header_lines.h"
 
@@ -59,8 +60,8 @@ LineHandle AddWrapped(const Place& at, const Field& text, const char* label) {
                              text.offset, false);
 }
 
-// "name: value". False for a line that is none.
-bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line) {
+// "name: value". False for a line that is none. `whole` is the line with its end.
+bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line, const Field& whole) {
   const int32_t nameLength = FindU8(CursorOver(line), ':');
   if (nameLength < 1) return false;
   int32_t start = nameLength + 1;
@@ -73,7 +74,21 @@ bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line) {
   AddLine(parts, name, "Name: %s", Text(name));
   AddLine(parts, separator, "Sep: %s", Text(separator));
   AddWrapped(parts, value, "Value");
+  if (TellsAll(in)) ShowHttpField(parts, whole, name, value);
   return true;
+}
+
+// A line among the headers that is none: it goes on with the one before, or is faulty. The last one may be cut.
+bool ShowOddHeader(const Place& in, const Field& line, const Field& whole) {
+  if (!TellsAll(in)) return false;
+  const bool isFolded = PeekU8(line) == ' ' || PeekU8(line) == '\t';
+  AddTextLine(in, whole, isFolded ? "Folded Header" : "Unknown Header", line);
+  return true;
+}
+
+// The last line of a segment, which the next one goes on with.
+void ShowHeaderInPart(const Place& in, Cursor& c) {
+  if (TellsAll(in) && Left(c) > 0) AddTextLine(in, Rest(c), "Header in Part");
 }
 
 }  // namespace
@@ -124,13 +139,14 @@ void WalkHttpHeaders(const Place& in, HttpFlags& flags, Cursor& c) {
   while (Left(c) >= 2 && MoreAt(in, c, loop)) {
     Cursor next = c;
     const Field line = TakeTextLine(next);
-    if (!line.here) return;
+    if (!line.here) return ShowHeaderInPart(in, c);
+    const Field whole = Ahead(c, next.offset - c.offset);
     if (line.length == 0) {
       AddLine(in, Ahead(c, 2), "End Headers (blank line)");
       c = next;
       return;
     }
-    if (!ShowHeader(in, flags, line)) return;
+    if (!ShowHeader(in, flags, line, whole) && !ShowOddHeader(in, line, whole)) return;
     c = next;
   }
 }

@@ -3,6 +3,7 @@
 #include "core/decoder.h"
 #include "decoders/app/http.h"
 #include "decoders/app/web_body.h"
+#include "decoders/common/tells_all.h"
 
 namespace qxview {
 
@@ -83,7 +84,7 @@ struct HttpChunkSize {
 HttpChunkSize ReadChunkSize(const uint8_t* line, int32_t length);
 
 // Shows one chunk and takes it with the CR LF behind it. Nothing, and false, when no chunk size is here.
-bool DecodeHttpChunk(const Place& in, Cursor& c);
+bool DecodeHttpChunk(const Place& in, Cursor& c, bool withData = true);
 
 // Shows a gzip body: the member header, then what it inflates to, line by line. A continuation is inflated with the
 // earlier segments of its message.

@@ -2,10 +2,9 @@
 // words with parameters.
 #include "decoders/app/sip_headers.h"
 
-#include <cstring>
-
 #include "decoders/app/h323_names.h"
 #include "decoders/common/header_lines.h"
+#include "decoders/common/header_values.h"
 
 namespace qxview {
 namespace {
@@ -82,33 +81,6 @@ constexpr auto kWarningNames = SortedNames({
     {331, "Unicast not available"}, {370, "Insufficient bandwidth"}, {380, "SIPS Not Allowed"}, {381, "SIPS Required"},
     {399, "Miscellaneous warning"}});
 
-// How much of a text stands in front of the first of `ends` that is in no quotation marks and no angle brackets.
-int32_t LengthUpTo(const Field& text, const char* ends) {
-  bool quoted = false, inBrackets = false;
-  for (int32_t at = 0; at < text.length; ++at) {
-    const uint8_t c = PeekU8(text, at);
-    if (quoted && c == '\\') {
-      ++at;
-    } else if (c == '"') {
-      quoted = !quoted;
-    } else if (!quoted && (c == '<' || c == '>')) {
-      inBrackets = c == '<';
-    } else if (!quoted && !inBrackets && std::strchr(ends, c) && c) {
-      return at;
-    }
-  }
-  return text.length;
-}
-
-// The piece up to one of `ends`, trimmed; the rest starts behind it.
-Field TakePiece(Field& rest, const char* ends) {
-  const int32_t length = LengthUpTo(rest, ends);
-  const Field piece = Trimmed(Slice(rest, 0, length));
-  const int32_t behind = length < rest.length ? length + 1 : length;
-  rest = Slice(rest, behind, rest.length - behind);
-  return piece;
-}
-
 int32_t FindByte(const Field& text, uint8_t wanted) {
   for (int32_t at = 0; at < text.length; ++at) {
     if (PeekU8(text, at) == wanted) return at;
@@ -125,22 +97,6 @@ int32_t FindBracket(const Field& text) {
     else if (!quoted && PeekU8(text, at) == '<') return at;
   }
   return -1;
-}
-
-// "name=value" or "name", separated by `separator`. A line stands over its value.
-void ShowParameters(const Place& in, Field rest, const char* separator) {
-  Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    const Field parameter = TakePiece(rest, separator);
-    if (parameter.length == 0) continue;
-    const int32_t equals = FindByte(parameter, '=');
-    if (equals < 0) {
-      AddLine(in, parameter, "%s", Text(parameter));
-    } else {
-      const Field value = Trimmed(Slice(parameter, equals + 1, parameter.length - equals - 1));
-      AddLine(in, value, "%s=%s", Text(Trimmed(Slice(parameter, 0, equals))), Text(value));
-    }
-  }
 }
 
 // "host", "host:port", "[2001:db8::1]:port".
@@ -217,19 +173,6 @@ void ShowVia(const Place& in, Field rest) {
   }
 }
 
-// "INVITE, ACK" or "presence;id=1": each word and the parameters behind it.
-void ShowItems(const Place& in, const char* label, Field rest, bool isList) {
-  Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
-    Field item = isList ? TakePiece(rest, ",") : rest;
-    if (!isList) rest.length = 0;
-    const Field word = TakePiece(item, ";");
-    if (word.length == 0 && item.length == 0) continue;
-    const LineHandle line = word.length > 0 ? AddTextLine(in, word, label) : 0;
-    ShowParameters(line ? Under(in, line) : in, item, ";");
-  }
-}
-
 // "Q.850;cause=21;text=\"Call rejected\"" (RFC 3326).
 void ShowReasons(const Place& in, const char* label, Field rest) {
   Loop loop;
@@ -293,9 +236,7 @@ Field SipParameter(const Field& value, const char* name) {
     const Field parameter = TakePiece(rest, ";");
     const int32_t equals = FindByte(parameter, '=');
     if (equals < 0 || !IsWord(Trimmed(Slice(parameter, 0, equals)), name)) continue;
-    const Field found = Trimmed(Slice(parameter, equals + 1, parameter.length - equals - 1));
-    const bool isQuoted = found.length >= 2 && PeekU8(found) == '"' && PeekU8(found, found.length - 1) == '"';
-    return isQuoted ? Slice(found, 1, found.length - 2) : found;
+    return Unquoted(Trimmed(Slice(parameter, equals + 1, parameter.length - equals - 1)));
   }
   return {};
 }

@@ -2,6 +2,7 @@
 
 #include "decoders/common/header_lines.h"
 #include "decoders/common/line_text.h"
+#include "decoders/common/tells_all.h"
 
 namespace qxview {
 namespace {
@@ -94,7 +95,7 @@ bool ShowMember(const Place& in, Cursor& c, int32_t depth) {
   SkipSpace(c);
   if (StartsContainer(c)) {
     const Place under = Under(in, AddLine(in, key, "%s: %s", name, KindOf(c)));
-    AddLine(under, key, "Key: %s", name);
+    AddLine(under, TellsAll(in) ? Ahead(start, c.offset + 1 - start.offset) : key, "Key: %s", name);
     const bool isWhole = ShowContainer(under, c, depth + 1);
     SetRange(under, under.parent, start.offset, c.offset - start.offset);
     return isWhole;
@@ -143,7 +144,9 @@ bool ShowContainer(const Place& in, Cursor& c, int32_t depth) {
     if (PeekU8(c) == ',') {
       TakeBytes(c, 1);
     } else if (PeekU8(c) == end) {
-      TakeBytes(c, 1);
+      const Field bracket = TakeBytes(c, 1);
+      // keys: none End of Object, End of Array
+      if (TellsAll(in)) AddLine(in, bracket, "%s", isObject ? "End of Object" : "End of Array");
       return true;
     } else {
       return false;

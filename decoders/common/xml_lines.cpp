@@ -4,6 +4,7 @@
 
 #include "decoders/common/header_lines.h"
 #include "decoders/common/line_text.h"
+#include "decoders/common/tells_all.h"
 
 namespace qxview {
 namespace {
@@ -129,14 +130,16 @@ void TakeEndTag(const Place& in, Walk& walk, Cursor& c) {
   for (int32_t depth = walk.depth; depth > 0; --depth) {
     if (!SameName(walk.open[depth - 1].name, name)) continue;
     while (walk.depth > depth) CloseInnermost(walk, start.offset);
+    if (TellsAll(in)) AddDataLine(walk.open[depth - 1].under, Ahead(start, c.offset - start.offset), "End Tag", name);
     CloseInnermost(walk, c.offset);
     return;
   }
   AddDataLine(PlaceIn(in, walk), Ahead(start, c.offset - start.offset), "End Without Start", name);
 }
 
-// A line over the attribute's value.
+// A line over the attribute's value, and all of it below where all is asked for.
 void ShowAttribute(const Place& under, Cursor& c) {
+  const Cursor start = c;
   const Field name = TakeName(c);
   if (!name.here || name.length == 0) {
     TakeBytes(c, 1);   // no attribute: passed over
@@ -158,7 +161,10 @@ void ShowAttribute(const Place& under, Cursor& c) {
     value = TakeName(c);
   }
   const ValueText label = TextOf(name);
-  AddLine(under, value, "%s = %s", label, TextOf(value));
+  const LineHandle line = AddLine(under, value, "%s = %s", label, TextOf(value));
+  if (!TellsAll(under)) return;
+  const Field whole = Ahead(start, c.offset - start.offset);
+  AddTextLine(Under(under, line), whole, "Attribute", whole);
 }
 
 void ShowAttributes(const Place& under, Cursor c) {
@@ -206,13 +212,35 @@ void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
       sole.here ? AddLine(at, tag, "%s: %s", label, TextOf(sole))
                 : AddLine(at, tag, "%s", label);
   const Place under = Under(at, line);
+  if (TellsAll(in)) AddDataLine(under, Ahead(start, c.offset - start.offset), "Tag", name);
   ShowAttributes(under, TakeCursor(c, behind.offset - c.offset - (isEmpty ? 2 : 1)));
   c = behind;
   if (isEmpty) return;
   if (walk.depth == kMostDepth) {
-    ++walk.deeper;
+    if (walk.deeper++ == 0) AddLine(under, name, "Nested Too Deeply: elements within stand beside one another");
   } else {
     walk.open[walk.depth++] = {under, name, start.offset};
+  }
+}
+
+// What a document type declaration names: the root element, where its grammar stands, and what of it stands here.
+void ShowDocumentType(const Place& in, const Field& declaration) {
+  Cursor c = CursorOver(declaration);
+  TakeName(c);
+  SkipSpace(c);
+  AddTextLine(in, TakeName(c), "Document Type");
+  SkipSpace(c);
+  const Field kind = TakeName(c);
+  bool isPublic = IsWord(kind, "PUBLIC");
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    SkipSpace(c);
+    const uint32_t mark = PeekU8(c);
+    if (mark == '[') AddTextLine(in, Rest(c), "Internal Subset");
+    if (mark != '"' && mark != '\'') return;
+    TakeBytes(c, 1);
+    AddTextLine(in, TakeUpTo(c, mark == '"' ? "\"" : "'"), isPublic ? "Public Identifier" : "System Identifier");
+    isPublic = false;
   }
 }
 
@@ -231,6 +259,10 @@ void TakeMarkup(const Place& in, Walk& walk, Cursor& c) {
   if (StartsWithText(c, "<?")) return (void)show("<?", "?>", "Processing Instruction");
   if (StartsWithText(c, "<!--")) return (void)show("<!--", "-->", "Comment");
   if (StartsWithText(c, "<![CDATA[")) return (void)show("<![CDATA[", "]]>", "Character Data");
+  if (StartsWithText(c, "<!DOCTYPE ") && TellsAll(in)) {
+    const Place under = show("<!", ">", "Declaration");
+    return ShowDocumentType(under, Slice(Ahead(start, c.offset - start.offset), 2, c.offset - start.offset - 3));
+  }
   if (StartsWithText(c, "<!")) return (void)show("<!", ">", "Declaration");
   if (StartsWithText(c, "</")) return TakeEndTag(in, walk, c);
   TakeStartTag(in, walk, c);
