@@ -35,6 +35,7 @@ int32_t LengthOfSmpp(const Cursor& c);
 int32_t LengthOfAjp(const Cursor& c);
 int32_t LengthOfHttp(const Cursor& c);
 int32_t LengthOfHttp2(const Cursor& c);
+int32_t LengthOfWebSocket(const Cursor& c);
 int32_t LengthOfSip(const Cursor& c);   // and RTSP
 int32_t LengthOfSkinny(const Cursor& c);
 int32_t LengthOfBfcp(const Cursor& c);

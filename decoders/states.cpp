@@ -20,6 +20,7 @@
 #include "decoders/app/telnet.h"
 #include "decoders/ipsec/openvpn_streams.h"
 #include "decoders/link/ppp_compression.h"
+#include "decoders/app/web_pieces.h"
 #include "decoders/app/websocket.h"
 #include "decoders/net/ip_fragments.h"
 #include "decoders/net/tcp_streams.h"

@@ -76,7 +76,7 @@ bool GoesOver(const Place& at, const HttpFlags& flags, const Field& message, con
     Remember(at.view, kHttp2Connections, key, {true});
   } else {
     const bool keeps[] = {!flags.serverForgets, !flags.clientForgets};
-    Remember(at.view, kWebSockets, key, {flags.deflates, {keeps[0], keeps[1]}, static_cast<uint8_t>(direction)});
+    Remember(at.view, kWebSockets, {key, {}}, {flags.deflates, {keeps[0], keeps[1]}, static_cast<uint8_t>(direction)});
   }
   return true;
 }
@@ -142,6 +142,13 @@ int32_t DecodeHttp(const Place& at, Cursor c) {
     if (IsWebSocketConnection(at)) return DecodeWebSocket(at, c);
   }
   return DecodeHttpPayload(at.view, c.at, c.offset, Left(c), at.level, false);
+}
+
+const DecoderRow& RowBehindUpgrade(const Place& at, const DecoderRow& row, const Cursor& c) {
+  if (row.decode != DecodeHttp || ClassifyHttpFirstLine(c.at, Left(c)) != kHttpContinuation) return row;
+  const int32_t protocol = IsWebSocketConnection(at) ? kWebSocketProtocol : IsHttp2Connection(at) ? kHttp2Protocol : 0;
+  const DecoderRow* behind = protocol ? FindBuiltinDecoder(protocol & 0xFFFF) : nullptr;
+  return behind ? *behind : row;
 }
 
 int32_t DecodeHttps(const Place& at, Cursor c) {

@@ -9,10 +9,8 @@
 
 #include <cstring>
 
-#include "core/byte_origins.h"
 #include "core/line_facts.h"
 #include "decoders/message_lengths.h"
-#include "decoders/states.h"
 
 namespace qxview {
 namespace {
@@ -50,84 +48,33 @@ bool IsLikely(const Head& head) {
 }
 
 // The state of the packet's direction while its frames are shown.
-struct Run {
-  ConnectionKey key;
-  Http2Direction state;
-  QuicTurn turn;
-  StateBytes before, now;   // what stood in wait before the packet, and what does now
-  bool keeps, isOther;      // isOther: another packet was the last one
+struct Run : DirectionRun<ConnectionKey, Http2Direction> {
+  StateBytes fieldPart;
+  bool keeps;
 };
 
-void Load(const Place& at, Run& run) {
-  StateBytes bytes{};
-  const Http2Direction* known = Recall(at.view, kHttp2Directions, run.key, 1, &bytes);
-  run.state.pass = 1;
-  if (!known) return;
-  run.state = *known;
-  const bool isSame = known->turn.packet == run.turn.packet, isAgain = isSame && run.turn.frame <= known->turn.frame;
-  if (!isSame || isAgain) ++run.state.pass;
-  const uint32_t first = known->before.kept, second = known->now.kept;
-  run.isOther = !isSame;
-  TakeTurn(run.turn, run.state.turn, run.state.before, run.state.now);
-  if (first + second > bytes.length || bytes.length == 0) return;
-  uint8_t* const copy = TakeFrameMemory(at.view, bytes.length);   // the next look-up may take its place
-  if (!copy) return;
-  std::memcpy(copy, bytes.data, bytes.length);
-  // What is waited for goes with its side.
-  run.before = isSame ? StateBytes{copy, first} : StateBytes{copy + first, second};
-  run.now = isSame && !isAgain ? StateBytes{copy + first, second} : run.before;
+void Load(const Place& at, const Cursor& c, Run& run) {
+  LoadRun(at, kHttp2Directions, c, run);
+  const uint32_t field = run.state.now.fieldKept < run.now.length ? run.state.now.fieldKept : run.now.length;
+  run.now.length -= field;
+  if (field) run.fieldPart = {run.now.data + run.now.length, field};
 }
 
 void Save(const Place& at, Run& run) {
-  const uint32_t length = run.before.length + run.now.length;
-  if (PacketOf(at).quoted) return;
-  run.state.turn = run.turn;
-  run.state.before.kept = run.before.length;
-  run.state.now.kept = run.now.length;
-  uint8_t* const bytes = length ? TakeFrameMemory(at.view, length) : nullptr;
-  if (length && !bytes) return;
-  if (run.before.length) std::memcpy(bytes, run.before.data, run.before.length);
-  if (run.now.length) std::memcpy(bytes + run.before.length, run.now.data, run.now.length);
-  Remember(at.view, kHttp2Directions, run.key, run.state, {bytes, length});
-}
-
-// Where segments are missing, or come again, by their numbers. False for one that was shown.
-bool FollowSegment(const Place& at, Run& run, int32_t length) {
-  const TcpSegment& segment = PacketOf(at).segment;
-  Http2Side& side = run.state.now;
-  if (at.view->engine->settings.reassembly) return true;
-  const int32_t gap = static_cast<int32_t>(segment.sequence - side.nextSequence);
-  if (!segment.here) {   // behind TLS: records, of which a segment may bring several
-    if (side.hasSequence && (gap < 0 || (gap == 0 && run.isOther))) return false;
-    side.nextSequence = segment.sequence;
-    side.hasSequence = segment.sequence != 0;
-    return true;
+  run.state.now.fieldKept = run.fieldPart.length;
+  if (run.fieldPart.length) {
+    uint8_t* const both = TakeFrameMemory(at.view, int64_t{run.now.length} + run.fieldPart.length);
+    if (!both) return;
+    if (run.now.length) std::memcpy(both, run.now.data, run.now.length);
+    std::memcpy(both + run.now.length, run.fieldPart.data, run.fieldPart.length);
+    run.now = {both, run.now.length + run.fieldPart.length};
   }
-  if (side.hasSequence && gap < 0) return false;
-  if (side.hasSequence && gap > 0) {
-    const uint32_t lost = static_cast<uint32_t>(gap);
-    side.bodyLeft = lost < side.bodyLeft ? side.bodyLeft - lost : 0;
-    run.now = {};
-  }
-  side.nextSequence = segment.sequence + static_cast<uint32_t>(length) + static_cast<uint32_t>(segment.cut);
-  side.hasSequence = true;
-  return true;
-}
-
-// The bytes that were waited for with those that came.
-Cursor Join(const Place& at, Run& run, const Cursor& c) {
-  const int32_t kept = static_cast<int32_t>(run.now.length);
-  uint8_t* const bytes = kept ? TakeFrameMemory(at.view, int64_t{kept} + Left(c)) : nullptr;
-  if (!bytes) return c;
-  std::memcpy(bytes, run.now.data, run.now.length);
-  std::memcpy(bytes + kept, c.at, static_cast<size_t>(Left(c)));
-  const BytePiece pieces[] = {{0, 0, kept}, {static_cast<int64_t>(at.view->context->packetNumber), c.offset, Left(c)}};
-  run.now = {};
-  return JoinedBytes(at.view, bytes, kept + Left(c), pieces, 2, c.offset);
+  SaveRun(at, kHttp2Directions, run);
 }
 
 Http2Frame FrameOf(Run& run, const Head& head, LineHandle top) {
-  return {&run.state.now, run.turn.packet, run.state.pass, run.keeps, head.type, head.flags, head.stream, {}, {}, {}, top};
+  return {&run.state.now, &run.fieldPart, run.turn.packet, run.state.pass, run.keeps, head.type, head.flags, head.stream, {}, {},
+          {}, 0, top};
 }
 
 // Data of a frame that came before.
@@ -138,9 +85,12 @@ void ShowRest(const Place& at, Cursor& c, Run& run) {
   side.bodyLeft -= static_cast<uint32_t>(here);
   const LineHandle top = AddLine(at, Ahead(c, here), "HTTP/2: Continued, Stream %u, %d bytes, %u to come", side.bodyStream,
                                  here, side.bodyLeft);
-  Http2Frame frame = FrameOf(run, {0, kData, 0, side.bodyStream, false}, top);
-  Cursor body = TakeCursor(c, here);
+  Http2Frame frame = FrameOf(run, {0, kData, side.bodyFlags, side.bodyStream, false}, top);
+  const uint32_t padding = side.bodyPadding > side.bodyLeft ? side.bodyPadding - side.bodyLeft : 0;   // of it, what is here
+  const int32_t shown = here > static_cast<int32_t>(padding) ? here - static_cast<int32_t>(padding) : 0;
+  Cursor body = TakeCursor(c, shown);
   ShowHttp2Body(Under(at, top), body, frame);
+  AddBlock(Under(at, top), TakeBytes(c, here - shown), "Padding");
 }
 
 // A frame; one that is not whole is waited for, or shown as far as it came.
@@ -165,6 +115,8 @@ void ShowFrame(const Place& at, Cursor& c, Run& run) {
   if (here < size) {
     run.state.now.bodyLeft = static_cast<uint32_t>(size - here);
     run.state.now.bodyStream = head.stream;
+    run.state.now.bodyFlags = head.type == kData ? head.flags : 0;
+    run.state.now.bodyPadding = 0;
     if (head.type != kData) {
       AddBlock(in, Rest(content), "Data in Part");
       return;
@@ -188,12 +140,6 @@ void ShowFrames(const Place& at, Cursor& c, Run& run) {
 }
 
 }  // namespace
-
-uint32_t TurnPlaceOf(const Cursor& c) {
-  constexpr uint32_t kOfFrame = 1u << 30;
-  const uint32_t offset = static_cast<uint32_t>(c.offset);
-  return offset >= static_cast<uint32_t>(kFirstRegionOffset) ? offset - kFirstRegionOffset : offset + kOfFrame;
-}
 
 bool StartsHttp2(const Cursor& c) { return PeekIs(c, 0, kPreface); }
 
@@ -230,18 +176,30 @@ int32_t DecodeHttp2(const Place& at, Cursor c) {
   if (Left(c) < 1 || (!isKnown && !LooksLikeHttp2(c))) return 0;
   int32_t direction;
   if (!isKnown && !PacketOf(at).quoted) Remember(at.view, kHttp2Connections, ConnectionOf(PacketOf(at), &direction), {true});
-  Run run{DirectionOf(PacketOf(at)), {}, {static_cast<uint64_t>(at.view->context->packetNumber) + 1, TurnPlaceOf(c)}, {}, {},
-          !PacketOf(at).quoted, false};
-  Load(at, run);
-  const bool isNew = FollowSegment(at, run, Left(c));
-  if (!isNew) {   // its fields would be read by a table that has gone on
+  Run run{};
+  run.key = DirectionOf(PacketOf(at));
+  run.keeps = !PacketOf(at).quoted;
+  Load(at, c, run);
+  uint32_t lost;
+  const SegmentNews news = FollowSegment(at, run.state.now.trail, run.isOther, Left(c), &lost);
+  if (news == SegmentNews::kSentAgain) {   // its fields would be read by a table that has gone on
     const Field again = Rest(c);
     AddBlock(Under(at, AddLine(at, again, "HTTP/2: Sent Again, %d bytes", again.length)), again, "Data");
     return 1;
   }
-  Cursor joined = Join(at, run, c);
-  const bool isLost = run.state.now.bodyLeft == 0 && Left(joined) == Left(c) && !LooksLikeHttp2(c) && Left(c) >= kHeadSize &&
+  if (news == SegmentNews::kBehindGap) {
+    uint32_t& bodyLeft = run.state.now.bodyLeft;
+    bodyLeft = lost < bodyLeft ? bodyLeft - lost : 0;
+    run.state.now.isInStep = false;
+    run.now = run.fieldPart = {};
+  }
+  const bool isJoined = run.now.length > 0;
+  Cursor joined = JoinInFront(at, run.now, 0, c.offset, c);
+  run.now = {};
+  bool& isInStep = run.state.now.isInStep;
+  const bool isLost = !isInStep && run.state.now.bodyLeft == 0 && !isJoined && !LooksLikeHttp2(c) && Left(c) >= kHeadSize &&
                       PeekU8(c, 3) <= 9;
+  isInStep = !isLost;
   if (isLost) {
     AddBlock(Under(at, AddLine(at, Ahead(c, Left(c)), "HTTP/2: In the Middle of a Frame")), Rest(c), "Data");
   } else {

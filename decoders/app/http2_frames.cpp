@@ -2,7 +2,7 @@
 // (RFC 8441), priorities (RFC 9218).
 #include "core/elements.h"
 #include "decoders/app/http2.h"
-#include "decoders/states.h"
+#include "decoders/app/websocket.h"
 
 namespace qxview {
 namespace {
@@ -11,7 +11,8 @@ enum FrameType : uint32_t {
   kData = 0, kHeaders = 1, kPriority = 2, kReset = 3, kSettings = 4, kPromise = 5, kPing = 6, kGoAway = 7, kWindow = 8,
   kContinuation = 9,
 };
-constexpr uint32_t kEndHeaders = 0x04, kPadded = 0x08, kWithPriority = 0x20;
+constexpr int32_t kSettingSize = 6;
+constexpr uint32_t kEndStream = 0x01, kPadded = 0x08, kWithPriority = 0x20;
 
 constexpr auto kErrorNames = SortedNames({
     {0, "NO_ERROR"}, {1, "PROTOCOL_ERROR"}, {2, "INTERNAL_ERROR"}, {3, "FLOW_CONTROL_ERROR"}, {4, "SETTINGS_TIMEOUT"},
@@ -40,7 +41,7 @@ constexpr auto kPadLength = Rows<Http2Frame>({Number(1, "Pad Length").Into(&Http
 constexpr auto kPriorityRows = Rows<Http2Frame>({
     Word(4), Flag(0, "Exclusive"), Bits(1, 31, "Stream Dependency"), Shown(1, "Weight", ShowWeight)});
 constexpr auto kResetRows = Rows<Http2Frame>({Number(4, "Error Code", kErrorNames)});
-constexpr auto kSettingRows = Rows<Http2Frame>({
+constexpr auto kSettingRows = Rows<NoValues>({
     Number(2, "Identifier", kSettingNames), Number(4, "Value")});
 constexpr auto kPromisedRows = Rows<Http2Frame>({Word(4), Bits(0, 1, "Reserved"), Bits(1, 31, "Promised Stream")});
 constexpr auto kPingRows = Rows<Http2Frame>({Bytes(8, "Opaque Data")});
@@ -52,18 +53,17 @@ constexpr auto kOriginRows = Rows<Http2Frame>({Counted(2, Text(0, "Origin"))});
 constexpr auto kUpdateRows = Rows<Http2Frame>({
     Word(4), Bits(0, 1, "Reserved"), Bits(1, 31, "Prioritized Stream"), Text(0, "Priority Field Value")});
 
-// The content of a frame that may be padded; the padding behind it is left for the caller.
+// The content of a frame that may be padded; the padding behind it is left for the caller, as far as it is here.
 Cursor TakePadded(const Place& in, Cursor& c, Http2Frame& frame) {
   frame.padding.value = 0;
   if (frame.flags & kPadded) ShowRows<Http2Frame>(in, c, kPadLength, frame);
-  const int32_t padding = static_cast<int32_t>(frame.padding.value);
+  const uint32_t toCome = frame.side->bodyLeft, stated = frame.padding.value;
+  const int32_t padding = stated > toCome ? static_cast<int32_t>(stated - toCome) : 0;
+  frame.side->bodyPadding = stated;
   return TakeCursor(c, padding < Left(c) ? Left(c) - padding : 0);
 }
 
-void ShowBlock(const Place& in, Cursor& c, Http2Frame& frame) {
-  ShowHpackFields(in, c, frame);
-  frame.side->headerStream = frame.flags & kEndHeaders ? 0 : frame.stream;
-}
+void ShowBlock(const Place& in, Cursor& c, Http2Frame& frame) { ShowHpackFields(in, c, frame); }
 
 void ShowData(const Place& in, Cursor& c, Http2Frame& frame) {
   Cursor content = TakePadded(in, c, frame);
@@ -74,13 +74,8 @@ void ShowHeaders(const Place& in, Cursor& c, Http2Frame& frame) {
   if (frame.flags & kWithPriority) ShowRows<Http2Frame>(in, content, kPriorityRows, frame);
   ShowBlock(in, content, frame);
 }
-void ShowSettings(const Place& in, Cursor& c, Http2Frame& frame) {
-  constexpr int32_t kSize = 6;
-  for (Loop loop; Left(c) >= kSize && MoreAt(in, c, loop);) {
-    const uint32_t number = PeekU16(c), value = PeekU32(c, 2);
-    const Place under = Under(in, AddLine(in, Ahead(c, kSize), "Setting: %s = %u", LookupName(kSettingNames, number), value));
-    ShowRows<Http2Frame>(under, c, kSettingRows, frame);
-  }
+void ShowSettings(const Place& in, Cursor& c, Http2Frame&) {
+  for (Loop loop; Left(c) >= kSettingSize && MoreAt(in, c, loop);) ShowHttp2Setting(in, c);
 }
 void ShowPromise(const Place& in, Cursor& c, Http2Frame& frame) {
   Cursor content = TakePadded(in, c, frame);
@@ -109,11 +104,11 @@ RowSpan<NoValues> FlagsOf(uint32_t type) {
   }
 }
 
-// The direction of a stream; the state that it stands in when this frame begins.
-Http2Stream StreamOf(const Place& in, const Http2Frame& frame, RequestKey* key) {
+// A direction of a stream; the state that it stands in when this frame begins.
+Http2Stream StreamOf(const Place& in, const Http2Frame& frame, bool isOther, RequestKey* key) {
   int32_t direction;
   const ConnectionKey connection = ConnectionOf(PacketOf(in), &direction);
-  *key = {connection, {frame.stream, static_cast<uint32_t>(direction), 0, 0}};
+  *key = {connection, {frame.stream, static_cast<uint32_t>(isOther ? 1 - direction : direction), 0, 0}};
   Http2Stream stream{};
   if (const Http2Stream* known = Recall(in.view, kHttp2Streams, *key)) stream = *known;
   if (stream.packet != frame.packet) {
@@ -124,6 +119,14 @@ Http2Stream StreamOf(const Place& in, const Http2Frame& frame, RequestKey* key) 
   stream.packet = frame.packet;
   stream.pass = frame.pass;
   return stream;
+}
+
+// Both directions of a stream go over to WebSocket.
+void BeginTunnel(const Place& in, const Http2Frame& frame, bool isOther) {
+  RequestKey key;
+  Http2Stream stream = StreamOf(in, frame, isOther, &key);
+  stream.now.content = WebContent::kWebSocket;
+  Remember(in.view, kHttp2Streams, key, stream);
 }
 
 }  // namespace
@@ -150,19 +153,57 @@ void ShowHttp2Payload(const Place& in, Cursor& c, Http2Frame& frame) {
   AddBlock(in, Rest(c), frame.flags & kPadded && frame.padding.value ? "Padding" : "Data");
 }
 
+void ShowHttp2Setting(const Place& in, Cursor& c) {
+  const uint32_t number = PeekU16(c), value = PeekU32(c, 2);
+  const Place under =
+      Under(in, AddLine(in, Ahead(c, kSettingSize), "Setting: %s = %u", LookupName(kSettingNames, number), value));
+  NoValues none;
+  ShowRows<NoValues>(under, c, kSettingRows, none);
+}
+
 void ShowHttp2Body(const Place& in, Cursor& c, Http2Frame& frame) {
   RequestKey key;
-  Http2Stream stream = StreamOf(in, frame, &key);
-  constexpr uint32_t kEndStream = 0x01;
-  ShowWebBody(in, c, stream.now, (frame.flags & kEndStream) && frame.side->bodyLeft == 0);
+  Http2Stream stream = StreamOf(in, frame, false, &key);
+  if (stream.now.content == WebContent::kWebSocket) return ShowWebSocketFrames(in, c, frame.stream);
+  const WebStreamKey pieces{DirectionOf(PacketOf(in)), frame.stream, kPiecesOfHttp2, frame.keeps};
+  ShowWebBody(in, c, stream.now, (frame.flags & kEndStream) && frame.side->bodyLeft == 0, &pieces);
   if (frame.keeps) Remember(in.view, kHttp2Streams, key, stream);
 }
 
-void RememberHttp2Body(const Place& in, const Http2Frame& frame, const WebBody& body) {
-  if (body.content == WebContent::kUnknown && !body.isCompressed) return;
+Http2Notes BeginHttp2Notes(const Place& in, const Http2Frame& frame) {
+  Http2Notes notes{};
   RequestKey key;
-  Http2Stream stream = StreamOf(in, frame, &key);
-  stream.now = body;
+  if (frame.type == kContinuation) notes.body = StreamOf(in, frame, false, &key).now;
+  return notes;
+}
+
+void KeepHttp2Notes(const Place& in, Http2Frame& frame, const Http2Notes& notes) {
+  RequestKey key;
+  Http2Stream stream = StreamOf(in, frame, false, &key);
+  if (notes.isTunnel && frame.keeps) {
+    BeginTunnel(in, frame, false);
+    return BeginTunnel(in, frame, true);
+  }
+  if (stream.now.content == WebContent::kWebSocket) {
+    if (notes.deflates && frame.keeps) {
+      int32_t direction;
+      const RequestKey socket{ConnectionOf(PacketOf(in), &direction), {frame.stream, 0, 0, 0}};
+      Remember(in.view, kWebSockets, socket,
+               {true, {!notes.serverForgets, !notes.clientForgets}, static_cast<uint8_t>(direction)});
+    }
+    return;
+  }
+  if (frame.flags & kEndStream) {   // trailers: the body is whole
+    Cursor none = MakeCursor(nullptr, frame.end, 0);
+    const WebStreamKey pieces{DirectionOf(PacketOf(in)), frame.stream, kPiecesOfHttp2, frame.keeps};
+    if (stream.now.hasBegun) ShowWebBody(in, none, stream.now, true, &pieces);
+  } else if (notes.body.content != WebContent::kUnknown || notes.body.isCompressed) {
+    const uint32_t number = stream.now.pieces.body;
+    stream.now = notes.body;
+    stream.now.pieces.body = number + 1;
+  } else {
+    return;
+  }
   if (frame.keeps) Remember(in.view, kHttp2Streams, key, stream);
 }
 

@@ -33,7 +33,8 @@ bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c) 
   }
   if (flags.chunked && DecodeHttpChunk(in, c)) return Left(c) > 0;
   if (ShowsContent(in, flags)) {
-    WebBody body{flags.content, false, false, false, false, 0};
+    WebBody body{};
+    body.content = flags.content;
     ShowWebBody(in, c, body);
     flags.text = flags.image = false;
   } else if (flags.text) {

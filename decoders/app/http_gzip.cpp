@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/byte_origins.h"
+#include "decoders/app/direction_run.h"
 #include "decoders/app/http_inflate.h"
 #include "decoders/app/http_message.h"
 
@@ -283,9 +284,10 @@ void DestroyHttpInflater(HttpInflater* inflater) {
   std::free(inflater);
 }
 
-Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window) {
+Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window, Inflation* how) {
   const Cursor none = MakeCursor(nullptr, data.offset, 0);
   HttpState& state = *StateOf<HttpState>(at.view->engine, DecoderState::kHttp);
+  *how = Inflation::kDamaged;
   if (!data.here || data.length < 1) return none;
   if (!state.inflater) state.inflater = static_cast<HttpInflater*>(std::calloc(1, sizeof(HttpInflater)));
   if (!state.inflater) return none;
@@ -296,9 +298,16 @@ Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, Sta
   if (window.length && inflateSetDictionary(&stream, window.data, window.length) != Z_OK) return none;
   stream.next_in = const_cast<Bytef*>(data.bytes);   // zlib does not write to it
   stream.avail_in = static_cast<uInt>(data.length);
-  inflate(&stream, Z_SYNC_FLUSH);
+  const int result = inflate(&stream, Z_SYNC_FLUSH);
+  const int32_t produced = ProducedOf(*kept);
+  if (produced == 0 && wrapping == Wrapping::kZlib) return InflateInFrame(at, data, Wrapping::kNone, {}, how);
+  if (result == Z_OK || result == Z_STREAM_END) *how = Inflation::kAll;
+  if (stream.avail_out == 0 && result != Z_STREAM_END) *how = Inflation::kToBound;
+  uint8_t* const copy = TakeFrameMemory(at.view, produced);
+  if (!copy) return none;
+  std::memcpy(copy, kept->output, static_cast<size_t>(produced));
   const BytePiece piece{};   // none of them stands in the frame as it is
-  return JoinedBytes(at.view, kept->output, ProducedOf(*kept), &piece, 1, data.offset);
+  return JoinedBytes(at.view, copy, produced, &piece, 1, StartInFrame(at, data.offset));
 }
 
 void DecodeHttpGzip(const Place& in, HttpState& state, bool continuation, const Cursor& c) {

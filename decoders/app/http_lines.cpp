@@ -1,7 +1,10 @@
 // HTTP's text: its lines, the first line's three tokens, the header lines.
+#include "core/line_facts.h"
+#include "decoders/app/http2.h"
 #include "decoders/app/http_fields.h"
 #include "decoders/app/http_message.h"
 #include "decoders/common/header_lines.h"
+#include "decoders/common/transfer_text.h"
 
 namespace qxview {
 namespace {
@@ -60,6 +63,14 @@ LineHandle AddWrapped(const Place& at, const Field& text, const char* label) {
                              text.offset, false);
 }
 
+// The settings of HTTP/2 that a client offers to go over with.
+void ShowUpgradeSettings(const Place& in, const Field& value) {
+  const KeyedAs keys(PacketOf(in), "http2");
+  const DerivedLines derived(in.view);
+  Cursor c = DecodeBase64(in, value);
+  for (Loop loop; Left(c) >= 6 && MoreAt(in, c, loop);) ShowHttp2Setting(in, c);
+}
+
 // "name: value". False for a line that is none. `whole` is the line with its end.
 bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line, const Field& whole) {
   const int32_t nameLength = FindU8(CursorOver(line), ':');
@@ -75,6 +86,7 @@ bool ShowHeader(const Place& in, HttpFlags& flags, const Field& line, const Fiel
   AddLine(parts, separator, "Sep: %s", Text(separator));
   AddWrapped(parts, value, "Value");
   if (TellsAll(in)) ShowHttpField(parts, whole, name, value);
+  if (TellsAll(in) && IsWord(name, "HTTP2-Settings")) ShowUpgradeSettings(parts, value);
   return true;
 }
 

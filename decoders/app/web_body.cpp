@@ -78,6 +78,13 @@ void ShowText(const Place& in, Cursor& c) {
   while (MoreAt(in, c, loop) && TakeLine(c, line)) AddTextLine(in, line.whole, "Text", line.text);
 }
 
+WebBody BodyOf(WebContent content, bool isCompressed = false) {
+  WebBody body{};
+  body.content = content;
+  body.isCompressed = isCompressed;
+  return body;
+}
+
 // Parts of a body: each behind a line of two dashes and the boundary, which the first such line tells.
 void ShowParts(const Place& in, Cursor& c) {
   TextLine line;
@@ -103,7 +110,7 @@ void ShowParts(const Place& in, Cursor& c) {
     }
     part = TakeCursor(c, size);
     const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "Part %u: %d bytes", number, Left(part)));
-    WebBody body{};
+    WebBody body = BodyOf(WebContent::kUnknown);
     HeaderLine header;
     Loop headers;
     while (MoreAt(under, part, headers) && TakeHeader(part, header)) {
@@ -118,36 +125,122 @@ void ShowParts(const Place& in, Cursor& c) {
   }
 }
 
+// What the octets inflate to, under a line of its own; false where they do not.
+bool ShowInflatedBody(const Place& in, const Field& whole, const WebBody& body, WebContent content) {
+  Inflation how;
+  if (!body.isGzip && !body.isDeflate) return false;
+  Cursor plain = InflateInFrame(in, whole, body.isGzip ? Wrapping::kGzip : Wrapping::kZlib, {}, &how);
+  if (Left(plain) < 1) return false;
+  const DerivedLines derived(in.view);
+  const Place under = Under(in, AddLine(in, whole, "Inflated Content: %d bytes%s", Left(plain), InflationNote(how)));
+  WebBody inflated = BodyOf(content);
+  ShowWebBody(under, plain, inflated, true);
+  return true;
+}
+
+constexpr int32_t kGrpcHead = 5;
+
+void ShowGrpcMessage(const Place& in, Cursor message, const WebBody& body) {
+  const Field compressed = TakeU8(message), length = TakeU32(message);
+  AddLine(in, compressed, "Compressed: %u = %s", compressed.value, TrueOrFalse(compressed.value != 0));
+  AddLine(in, length, "Message Length: %u", length.value);
+  if (length.value > static_cast<uint32_t>(Left(message))) {
+    AddBlock(in, Rest(message), compressed.value ? "Compressed Message" : "Message in Part");
+  } else if (compressed.value) {
+    const Field whole = Rest(message);
+    if (!ShowInflatedBody(in, whole, body, WebContent::kProtobuf)) AddBlock(in, whole, "Compressed Message");
+  } else if (length.value > 0) {
+    ShowProtobuf(in, message);
+  }
+}
+
+// A piece of a message that began in a frame before this one; the message, when that makes it whole.
+void ShowGrpcPiece(const Place& in, Cursor& c, WebBody& body, const WebStreamKey& key) {
+  constexpr uint32_t kHead = kGrpcHead;
+  const bool hadHead = body.pieces.length >= kHead;
+  const uint32_t lacks = hadHead ? body.messageLeft : kHead - body.pieces.length, left = static_cast<uint32_t>(Left(c));
+  const Field piece = TakeBytes(c, static_cast<int32_t>(lacks < left ? lacks : left));
+  KeepPiece(in, key, body.pieces, piece);
+  AddBlock(in, piece, "Message Continued");
+  if (hadHead) body.messageLeft -= static_cast<uint32_t>(piece.length);
+  if (!hadHead && body.pieces.length >= kHead) {
+    WebPieces look = body.pieces;
+    body.messageLeft = PeekU32(JoinPieces(in, key, look, piece.offset), 1);
+  }
+  if (body.pieces.length < kHead || body.messageLeft > 0) return;
+  const uint32_t count = body.pieces.count;
+  const Cursor joined = JoinPieces(in, key, body.pieces, piece.offset);
+  if (Left(joined) < 1) return;
+  const Field whole = Ahead(joined, Left(joined));
+  ShowGrpcMessage(Under(in, AddLine(in, whole, "gRPC Message: %d bytes, joined of %u pieces", whole.length - kGrpcHead, count)),
+                  joined, body);
+}
+
 // Messages of gRPC: whether compressed (8), length (32), the message. One that goes on behind the frame is told.
-void ShowGrpc(const Place& in, Cursor& c, WebBody& body) {
-  constexpr int32_t kHead = 5;
+void ShowGrpc(const Place& in, Cursor& c, WebBody& body, const WebStreamKey* key) {
   Loop loop;
   while (MoreAt(in, c, loop)) {
+    const uint32_t left = static_cast<uint32_t>(Left(c));
+    if (key && body.pieces.count > 0 && !body.pieces.isLost) {
+      ShowGrpcPiece(in, c, body, *key);
+      continue;
+    }
     if (body.messageLeft > 0) {
-      const uint32_t left = static_cast<uint32_t>(Left(c));
       const uint32_t here = body.messageLeft < left ? body.messageLeft : left;
       AddBlock(in, TakeBytes(c, static_cast<int32_t>(here)), "Message Continued");
       body.messageLeft -= here;
+      if (body.messageLeft == 0) DropPieces(body.pieces);
       continue;
     }
-    if (Left(c) < kHead) {
-      AddBlock(in, Rest(c), "Message in Part");
+    if (Left(c) < kGrpcHead) {
+      const Field head = Rest(c);
+      if (key) KeepPiece(in, *key, body.pieces, head);
+      AddBlock(in, head, "Message in Part");
       return;
     }
-    const uint32_t size = PeekU32(c, 1), left = static_cast<uint32_t>(Left(c) - kHead);
-    const int32_t here = kHead + static_cast<int32_t>(size < left ? size : left);
+    const uint32_t size = PeekU32(c, 1), there = left - kGrpcHead;
+    const int32_t here = kGrpcHead + static_cast<int32_t>(size < there ? size : there);
     const Place under = Under(in, AddLine(in, Ahead(c, here), "gRPC Message: %u bytes", size));
-    Cursor message = TakeCursor(c, here);
-    const Field compressed = TakeU8(message), length = TakeU32(message);
-    AddLine(under, compressed, "Compressed: %u = %s", compressed.value, TrueOrFalse(compressed.value != 0));
-    AddLine(under, length, "Message Length: %u", length.value);
-    if (size > left) body.messageLeft = size - left;
-    if (compressed.value || size > left) {
-      AddBlock(under, Rest(message), compressed.value ? "Compressed Message" : "Message in Part");
-    } else if (size > 0) {
-      ShowProtobuf(under, message);
+    const Cursor message = TakeCursor(c, here);
+    if (size > there) body.messageLeft = size - there;
+    if (size > there && key) {
+      if (size > kMostPiecedBytes) {
+        AddLine(under, Ahead(message, 0), "Longer than %u bytes: shown as it comes", kMostPiecedBytes);
+        body.pieces.isLost = true;
+      } else {
+        KeepPiece(in, *key, body.pieces, Ahead(message, here));
+      }
     }
+    ShowGrpcMessage(under, message, body);
   }
+}
+
+bool IsJoined(const Place& in, const WebBody& body) {
+  return in.view->engine->settings.reassembly &&
+         (body.isCompressed || (body.content != WebContent::kUnknown && body.content != WebContent::kOther));
+}
+
+// A body of more than one piece: each as it comes, and all when the last is here.
+void ShowInPieces(const Place& in, Cursor& c, WebBody& body, bool ends, const WebStreamKey& key) {
+  const Field piece = Rest(c);
+  if (piece.length > 0) {
+    const bool wasLost = body.pieces.isLost;
+    KeepPiece(in, key, body.pieces, piece);
+    AddBlock(in, piece, body.hasBegun ? "Content Continued" : "Content in Part");
+    if (body.pieces.isLost && !wasLost) {
+      AddLine(in, piece, "Longer than %u bytes or %u pieces: not joined", kMostPiecedBytes, kMostPieces);
+    }
+    body.hasBegun = true;
+  }
+  const uint32_t count = body.pieces.count;
+  if (!ends || count == 0) return;
+  const Cursor joined = JoinPieces(in, key, body.pieces, piece.offset);
+  if (Left(joined) < 1) return;
+  Cursor all = joined;
+  const Place under = Under(in, AddLine(in, Ahead(all, Left(all)), "Joined Content: %d bytes of %u pieces", Left(all), count));
+  WebBody whole = body;
+  whole.hasBegun = false;
+  ShowWebBody(under, all, whole, true);
 }
 
 }  // namespace
@@ -164,27 +257,29 @@ WebContent WebContentOf(const TextSlice& type) {
   return WebContent::kOther;
 }
 
-void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool isWhole) {
+void NoteContentCoding(const TextSlice& coding, WebBody& body) {
+  const Field text{reinterpret_cast<const uint8_t*>(coding.text), 0, coding.length, 0, true};
+  body.isCompressed = !IsWord(text, "identity");
+  body.isGzip = IsWord(text, "gzip") || IsWord(text, "x-gzip");
+  body.isDeflate = IsWord(text, "deflate");
+}
+
+void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const WebStreamKey* key) {
   const KeyedAs keys(PacketOf(in), "web");
-  const bool isFirst = !body.hasBegun;
+  const bool isFirst = !body.hasBegun, joins = key && IsJoined(in, body);
+  if (body.content == WebContent::kGrpc) {
+    body.hasBegun = true;
+    ShowGrpc(in, c, body, joins ? key : nullptr);
+    return;
+  }
+  if (joins && !(isFirst && ends)) return ShowInPieces(in, c, body, ends, *key);
   if (Left(c) < 1) return;
   body.hasBegun = true;
   const Field whole = Ahead(c, Left(c));
-  if (body.isCompressed && body.content != WebContent::kGrpc) {
-    const bool isOpen = isWhole && isFirst && (body.isGzip || body.isDeflate);
-    Cursor content = MakeCursor(nullptr, whole.offset, 0);
-    if (isOpen) content = InflateInFrame(in, whole, body.isGzip ? Wrapping::kGzip : Wrapping::kZlib);
-    if (Left(content) < 1) {
-      AddBlock(in, Rest(c), "Encoded Content");
-      return;
-    }
-    const DerivedLines derived(in.view);
-    const Place under = Under(in, AddLine(in, whole, "Inflated Content: %d bytes", Left(content)));
-    WebBody plain{body.content, false, false, false, false, 0};
-    ShowWebBody(under, content, plain, true);
+  if (body.isCompressed) {
+    if (!isFirst || !ends || !ShowInflatedBody(in, whole, body, body.content)) AddBlock(in, whole, "Encoded Content");
     Rest(c);
-  } else if (body.content == WebContent::kGrpc) {
-    ShowGrpc(in, c, body);
+    return;
   } else if (body.content == WebContent::kText) {
     ShowText(in, c);
   } else if (isFirst && body.content == WebContent::kJson && StartsJson(c)) {

@@ -7,13 +7,12 @@
 
 #include <cstring>
 
-#include "core/byte_origins.h"
 #include "core/line_facts.h"
 #include "core/rows.h"
 #include "decoders/app/http2.h"
 #include "decoders/app/http_inflate.h"
 #include "decoders/common/header_lines.h"
-#include "decoders/states.h"
+#include "decoders/message_lengths.h"
 
 namespace qxview {
 namespace {
@@ -28,7 +27,14 @@ constexpr auto kCloseNames = SortedNames({
     {1000, "Normal Closure"}, {1001, "Going Away"}, {1002, "Protocol Error"}, {1003, "Unsupported Data"},
     {1004, "Reserved"}, {1005, "No Status Received"}, {1006, "Abnormal Closure"}, {1007, "Invalid Payload Data"},
     {1008, "Policy Violation"}, {1009, "Message Too Big"}, {1010, "Mandatory Extension"}, {1011, "Internal Error"},
-    {1012, "Service Restart"}, {1013, "Try Again Later"}, {1014, "Bad Gateway"}, {1015, "TLS Handshake"}});
+    {1012, "Service Restart"}, {1013, "Try Again Later"}, {1014, "Bad Gateway"}, {1015, "TLS Handshake"},
+    {3000, "Unauthorized"}, {3003, "Forbidden"}, {3008, "Timeout"}});
+constexpr uint32_t kFirstUnregistered = 4000, kFirstInvalid = 5000;
+
+const char* CloseName(uint32_t code) {
+  if (code < 1000 || code >= kFirstInvalid) return "Not Used";
+  return LookupName(kCloseNames, code, code < kFirstUnregistered ? kUnknown : "Private Use");
+}
 
 struct Frame {
   Field opcode, length, key;
@@ -40,44 +46,13 @@ constexpr auto kHead = Rows<Frame>({
 constexpr auto kLength2 = Rows<NoValues>({Number(2, "Extended Payload Length")});
 constexpr auto kLength8 = Rows<NoValues>({Number(8, "Extended Payload Length")});
 constexpr auto kKey = Rows<Frame>({Hex(4, "Masking Key").Into(&Frame::key)});
-constexpr auto kCode = Rows<NoValues>({Number(2, "Close Code", kCloseNames)});
+constexpr auto kCode = Rows<NoValues>({Number(2, "Close Code", CloseName)});
 
 // The direction's state while its frames are shown.
-struct Run {
-  ConnectionKey key;
-  WebSocketDirection state;
-  QuicTurn turn;
-  StateBytes before, now;   // the windows
+struct Run : DirectionRun<RequestKey, WebSocketDirection> {
+  WebStreamKey pieces;
   bool keepsWindow;
 };
-
-void Load(const Place& at, Run& run) {
-  StateBytes bytes{};
-  const WebSocketDirection* known = Recall(at.view, kWebSocketDirections, run.key, 1, &bytes);
-  if (!known) return;
-  run.state = *known;
-  const bool isSame = known->turn.packet == run.turn.packet, isAgain = isSame && run.turn.frame <= known->turn.frame;
-  const uint32_t first = known->before.window, second = known->now.window;
-  TakeTurn(run.turn, run.state.turn, run.state.before, run.state.now);
-  uint8_t* const copy = bytes.length && first + second <= bytes.length ? TakeFrameMemory(at.view, bytes.length) : nullptr;
-  if (!copy) return;
-  std::memcpy(copy, bytes.data, bytes.length);
-  run.before = isSame ? StateBytes{copy, first} : StateBytes{copy + first, second};
-  run.now = isSame && !isAgain ? StateBytes{copy + first, second} : run.before;
-}
-
-void Save(const Place& at, Run& run) {
-  if (PacketOf(at).quoted) return;
-  const uint32_t length = run.before.length + run.now.length;
-  run.state.turn = run.turn;
-  run.state.before.window = run.before.length;
-  run.state.now.window = run.now.length;
-  uint8_t* const bytes = length ? TakeFrameMemory(at.view, length) : nullptr;
-  if (length && !bytes) return;
-  if (run.before.length) std::memcpy(bytes, run.before.data, run.before.length);
-  if (run.now.length) std::memcpy(bytes + run.before.length, run.now.data, run.now.length);
-  Remember(at.view, kWebSocketDirections, run.key, run.state, {bytes, length});
-}
 
 // The window behind a message: the last octets of what was there and of what it inflated to.
 void KeepWindow(const Place& at, Run& run, const Field& inflated) {
@@ -117,25 +92,68 @@ void ShowMessage(const Place& in, uint32_t opcode, Cursor c) {
   }
 }
 
-// Octets of a payload, whole or not, without their mask and their compression.
-void ShowPayload(const Place& in, const Field& payload, Run& run, bool isWhole) {
+// A message that has come whole: inflated, where it is compressed.
+void ShowWhole(const Place& in, const Field& message, Run& run) {
+  WebSocketSide& side = run.state.now;
+  if (!side.isCompressed) return ShowMessage(in, side.message, CursorOver(message));
+  Inflation how;
+  const Cursor inflated = InflateInFrame(in, message, Wrapping::kNone, run.now, &how);
+  if (Left(inflated) < 1 || how == Inflation::kDamaged) {
+    AddBlock(in, message, "Compressed Payload");
+    run.now = {};   // what comes behind it refers to what is not known
+    return;
+  }
+  if (run.keepsWindow) KeepWindow(in, run, Ahead(inflated, Left(inflated)));
+  if (how == Inflation::kToBound) run.now = {};
+  AddLine(in, message, "Inflated Payload: %d bytes%s", Left(inflated), InflationNote(how));
+  ShowMessage(in, side.message, inflated);
+}
+
+// A piece of a message that is shown when it is whole.
+void ShowPiece(const Place& in, const Field& clear, Run& run, bool ends) {
+  WebSocketSide& side = run.state.now;
+  const bool wasLost = side.pieces.isLost;
+  KeepPiece(in, run.pieces, side.pieces, clear);
+  AddBlock(in, clear, side.isCompressed ? "Compressed Payload in Part" : "Payload in Part");
+  if (side.pieces.isLost && !wasLost) {
+    AddLine(in, clear, "Longer than %u bytes or %u pieces: not joined", kMostPiecedBytes, kMostPieces);
+  }
+  if (!ends) return;
+  const uint32_t count = side.pieces.count;
+  const Cursor whole = JoinPieces(in, run.pieces, side.pieces, clear.offset);
+  if (Left(whole) < 1) {
+    if (side.isCompressed) run.now = {};
+    return;
+  }
+  const Field message = Ahead(whole, Left(whole));
+  const Place under = Under(in, AddLine(in, message, "Message: %s, %d bytes of %u pieces", LookupName(kOpcodeNames, side.message),
+                                        message.length, count));
+  ShowWhole(under, message, run);
+}
+
+// Octets of a frame's payload without their mask.
+void ShowPayload(const Place& in, const Field& payload, Run& run, bool isFirst) {
   WebSocketSide& side = run.state.now;
   Field clear = payload;
   const DerivedLines derived(in.view);
   if (side.isMasked) clear = Unmasked(in, payload, side.mask, side.passed);
   side.passed += static_cast<uint32_t>(payload.length);
-  if (side.isCompressed && isWhole) {
-    const Cursor inflated = InflateInFrame(in, clear, Wrapping::kNone, run.now);
-    if (Left(inflated) > 0) {
-      if (run.keepsWindow) KeepWindow(in, run, Ahead(inflated, Left(inflated)));
-      AddLine(in, payload, "Inflated Payload: %d bytes", Left(inflated));
-      return ShowMessage(in, side.opcode, inflated);
-    }
+  const bool isWhole = isFirst && side.left == 0;
+  if (side.opcode >= kClose) {   // between the frames of a message
+    if (isWhole) return ShowMessage(in, side.opcode, CursorOver(clear));
+    AddBlock(in, clear, "Payload in Part");
+    return;
   }
-  if (side.isCompressed) {
-    AddBlock(in, clear, "Compressed Payload");
+  const bool ends = side.isFinal && side.left == 0;
+  if (isWhole && ends && side.opcode != kContinuation) return ShowWhole(in, clear, run);
+  if (isFirst && side.opcode != kContinuation) {
+    side.isJoined = side.isCompressed || !side.isFinal || in.view->engine->settings.reassembly;
+    DropPieces(side.pieces);
+  }
+  if (side.isJoined) {
+    ShowPiece(in, clear, run, ends);
   } else {
-    ShowMessage(in, side.opcode, CursorOver(clear));
+    ShowMessage(in, side.message, CursorOver(clear));
   }
 }
 
@@ -156,7 +174,7 @@ void ShowFrame(const Place& at, Cursor& c, Run& run) {
   const Place in = Under(at, AddLine(at, Ahead(c, here), "WebSocket: %s%s, %I64u bytes", LookupName(kOpcodeNames, opcode),
                                      PeekU8(c) & 0x80 ? "" : " (more to come)", length));
   Cursor frame = TakeCursor(c, here);
-  const bool isCompressed = PeekU8(frame) & 0x40, isMasked = PeekU8(frame, 1) & 0x80;
+  const bool isFinal = PeekU8(frame) & 0x80, isCompressed = PeekU8(frame) & 0x40, isMasked = PeekU8(frame, 1) & 0x80;
   Frame fields = ShowRows(in, frame, kHead);
   if (extended == 126) ShowRows(in, frame, kLength2);
   if (extended == 127) ShowRows(in, frame, kLength8);
@@ -169,8 +187,12 @@ void ShowFrame(const Place& at, Cursor& c, Run& run) {
   side.passed = 0;
   side.opcode = static_cast<uint8_t>(opcode);
   side.isMasked = isMasked;
-  side.isCompressed = isCompressed;
-  if (Left(frame) > 0) ShowPayload(in, Rest(frame), run, toCome == 0);
+  side.isFinal = isFinal;
+  if (opcode != kContinuation && opcode < kClose) {
+    side.message = static_cast<uint8_t>(opcode);
+    side.isCompressed = isCompressed;
+  }
+  if (Left(frame) > 0 || (isFinal && opcode == kContinuation && toCome == 0)) ShowPayload(in, Rest(frame), run, true);
 }
 
 void ShowRest(const Place& at, Cursor& c, Run& run) {
@@ -183,33 +205,83 @@ void ShowRest(const Place& at, Cursor& c, Run& run) {
   ShowPayload(in, payload, run, false);
 }
 
+// A head that goes on in the next segment.
+bool KeepHead(const Place& at, Cursor& c, WebSocketSide& side) {
+  int32_t head = 2;
+  if (Left(c) >= 2) PeekLength(c, &head);
+  if (Left(c) >= head) return false;
+  const Field rest = Rest(c);
+  std::memcpy(side.head, rest.bytes, static_cast<size_t>(rest.length));
+  side.headLength = static_cast<uint8_t>(rest.length);
+  AddBlock(Under(at, AddLine(at, rest, "WebSocket: Frame in Part, %d bytes of its head", rest.length)), rest, "Data");
+  return true;
+}
+
+void ShowFrames(const Place& at, Cursor c, Run& run) {
+  WebSocketSide& side = run.state.now;
+  const uint32_t kept = side.headLength;
+  side.headLength = 0;
+  Cursor frames = kept ? JoinInFront(at, {side.head, kept}, 0, c.offset, c) : c;
+  Loop loop;
+  while (MoreAt(at, frames, loop)) {
+    if (side.left > 0) {
+      ShowRest(at, frames, run);
+    } else if (!KeepHead(at, frames, side)) {
+      ShowFrame(at, frames, run);
+    }
+  }
+}
+
 }  // namespace
 
+int32_t LengthOfWebSocket(const Cursor& c) {
+  constexpr uint32_t kReserved = 0x30, kMostOfControl = 125;
+  int32_t head;
+  if (Left(c) < 2) return 0;
+  const uint32_t opcode = PeekU8(c) & 15;
+  if (PeekU8(c) & kReserved || (opcode > kBinary && opcode < kClose) || opcode > kPong) return kNoMessage;
+  const uint64_t length = PeekLength(c, &head);
+  if (Left(c) < head) return 0;
+  if (opcode >= kClose && length > kMostOfControl) return kNoMessage;
+  const uint64_t size = length + static_cast<uint64_t>(head);
+  return size < kMessageToTheEnd ? static_cast<int32_t>(size) : kMessageToTheEnd - 1;
+}
+
 bool IsWebSocketConnection(const Place& at) {
+  return Recall(at.view, kWebSockets, RequestOf(PacketOf(at), 0)) != nullptr;
+}
+
+void ShowWebSocketFrames(const Place& at, Cursor& c, uint32_t stream) {
+  const KeyedAs keys(PacketOf(at), "websocket");
   int32_t direction;
-  return Recall(at.view, kWebSockets, ConnectionOf(PacketOf(at), &direction)) != nullptr;
+  const RequestKey connection{ConnectionOf(PacketOf(at), &direction), {stream, 0, 0, 0}};
+  const WebSocketConnection* known = Recall(at.view, kWebSockets, connection);
+  Run run{};
+  run.key = {DirectionOf(PacketOf(at)), {stream, 0, 0, 0}};
+  run.pieces = {DirectionOf(PacketOf(at)), stream, kPiecesOfWebSocket, !PacketOf(at).quoted};
+  run.keepsWindow = known && known->deflates && known->keepsWindow[direction == known->server ? 0 : 1];
+  LoadRun(at, kWebSocketDirections, c, run);
+  uint32_t lost = 0;
+  if (stream == 0 && FollowSegment(at, run.state.now.trail, run.isOther, Left(c), &lost) == SegmentNews::kSentAgain) {
+    const Field again = Rest(c);
+    AddBlock(Under(at, AddLine(at, again, "WebSocket: Sent Again, %d bytes", again.length)), again, "Data");
+    return;
+  }
+  if (lost > 0) {   // a message's frames behind the gap begin where the last one's octets end
+    WebSocketSide& side = run.state.now;
+    if (side.left < lost) side = {side.trail, 0, 0, 0, 0, side.pieces, 0, 0, false, false, false, false, 0, {}};
+    if (side.left >= lost) side.left -= lost;
+    side.passed += lost;
+    side.pieces.isLost = true;
+    run.now = {};
+  }
+  ShowFrames(at, TakeCursor(c, Left(c)), run);
+  SaveRun(at, kWebSocketDirections, run);
 }
 
 int32_t DecodeWebSocket(const Place& at, Cursor c) {
-  if (Left(c) < 2) return 0;
-  const KeyedAs keys(PacketOf(at), "websocket");
-  int32_t direction;
-  const WebSocketConnection* known = Recall(at.view, kWebSockets, ConnectionOf(PacketOf(at), &direction));
-  const bool keeps = known && known->deflates && known->keepsWindow[direction == known->server ? 0 : 1];
-  Run run{DirectionOf(PacketOf(at)), {}, {static_cast<uint64_t>(at.view->context->packetNumber) + 1, TurnPlaceOf(c)}, {}, {},
-          keeps};
-  Load(at, run);
-  Loop loop;
-  while (MoreAt(at, c, loop)) {
-    if (run.state.now.left > 0) {
-      ShowRest(at, c, run);
-    } else if (Left(c) < 2) {
-      AddBlock(Under(at, AddLine(at, Ahead(c, Left(c)), "WebSocket: Frame in Part")), Rest(c), "Data");
-    } else {
-      ShowFrame(at, c, run);
-    }
-  }
-  Save(at, run);
+  if (Left(c) < 2 && !IsWebSocketConnection(at)) return 0;
+  ShowWebSocketFrames(at, c, 0);
   return 1;
 }
 

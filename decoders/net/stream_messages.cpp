@@ -1,6 +1,7 @@
 #include "decoders/net/stream_messages.h"
 
 #include "core/line_facts.h"
+#include "decoders/app/http.h"
 #include "decoders/net/tcp_streams.h"
 
 namespace qxview {
@@ -37,7 +38,7 @@ void TellWaiting(const Place& at, const Field& segment, const StreamRun& run) {
 void ShowMessages(const Place& at, Cursor c, const DecoderRow& row, const char* title) {
   Loop loop;
   while (MoreAt(at, c, loop)) {
-    const int32_t length = row.protocol->takesRuns ? Left(c) : row.protocol->messageLength(c);
+    const int32_t length = row.protocol->takesRuns ? Left(c) : RowBehindUpgrade(at, row, c).protocol->messageLength(c);
     CallDecoder(at, TakeCursor(c, length < 1 ? Left(c) : length), row.decode, title);
   }
 }
@@ -53,7 +54,7 @@ bool JoinsMessages(const Place& at, const DecoderRow* row) {
 void ShowStreamMessages(const Place& at, Cursor c, const DecoderRow& row, const char* title) {
   const Field segment = Ahead(c, Left(c));
   Cursor joined;
-  const StreamRun run = TakeTcpSegment(at, c, row, &joined);
+  const StreamRun run = TakeTcpSegment(at, c, RowBehindUpgrade(at, row, c), &joined);
   {
     const KeyedAs keys(PacketOf(at), "tcp");
     TellPlace(at, segment, run);
