@@ -133,9 +133,10 @@ Command::Outcome Command::TellMisuse(int code, const std::string& word) const {
   return Outcome::kMisused;
 }
 
-// The words are read in their order, whatever POSIXLY_CORRECT says: '-' in front hands out arguments as they come.
+// The words are read in their order, whatever POSIXLY_CORRECT says: '-' in front hands out arguments as they come, and '+' ends
+// at the first.
 Command::Outcome Command::Parse(std::vector<std::string>& words, std::vector<std::string>* arguments) const {
-  std::string letters = "-:h";
+  std::string letters = takesRest_ ? "+:h" : "-:h";
   std::vector<option> names{{"help", no_argument, nullptr, 'h'}};
   for (size_t i = 0; i < options_.size(); ++i) {
     const CommandOption& described = options_[i];
@@ -151,7 +152,7 @@ Command::Outcome Command::Parse(std::vector<std::string>& words, std::vector<std
   pointers.push_back(nullptr);
   const int count = static_cast<int>(words.size());
   opterr = 0;
-  optind = 1;
+  optind = 0;   // anew, for a command within a command, too
   for (int code; (code = getopt_long(count, pointers.data(), letters.c_str(), names.data(), nullptr)) != -1;) {
     if (code == 'h') return Outcome::kHelp;
     if (code == '?' || code == ':') return TellMisuse(optopt, words[static_cast<size_t>(optind - 1)]);
@@ -171,6 +172,7 @@ Command::Outcome Command::Parse(std::vector<std::string>& words, std::vector<std
 }
 
 bool Command::TakeArguments(const std::vector<std::string>& given) const {
+  if (takesRest_) return *arguments_.back().values = given, true;
   const auto repeated = std::find_if(arguments_.begin(), arguments_.end(),
                                      [](const CommandArgument& argument) { return argument.values != nullptr; });
   const bool repeats = repeated != arguments_.end();
@@ -212,7 +214,8 @@ int Command::Run(std::vector<std::string> words) const {
 std::string Command::UsageText() const {
   std::string text = "Usage: qxview " + std::string(name_) + " [OPTION...]";
   for (const CommandArgument& argument : arguments_) {
-    text.append(" ").append(argument.name).append(argument.values ? "..." : "");
+    text.append(takesRest_ ? " [" : " ").append(argument.name);
+    text.append(takesRest_ ? " [OPTION...]]" : argument.values ? "..." : "");
   }
   return text;
 }

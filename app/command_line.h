@@ -4,11 +4,14 @@
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace qxview {
+
+class CaptureReader;
 
 enum ExitStatus : int { kDone = 0, kNothingFound = 1, kUsage = 2, kFileFault = 3 };
 
@@ -36,9 +39,15 @@ struct CommandArgument {
   const std::string* instead;         // and may be left out when this option is given
 };
 
+// Packets that are read in place of files: those of a capture that is going on.
+struct LiveInput {
+  std::string name;
+  std::function<std::unique_ptr<CaptureReader>()> open;
+};
+
 class Command {
  public:
-  Command(const char* name, const char* about) : name_(name), about_(about) {}
+  Command(const char* name, const char* about, const LiveInput* live) : name_(name), about_(about), live_(live) {}
 
   // `names` is "-c,--count", "-c" or "--count". The targets hold the defaults and live as long as the command.
   void AddFlag(const char* names, const char* about, bool* on);
@@ -76,11 +85,17 @@ class Command {
   void AddArguments(const char* name, const char* about, std::vector<std::string>* values, const std::string* instead) {
     arguments_.push_back({name, about, nullptr, values, instead});
   }
+  // Everything from the first word on that is no option, with its own options: another command.
+  void AddRest(const char* name, const char* about, std::vector<std::string>* words) {
+    arguments_.push_back({name, about, nullptr, words, nullptr});
+    takesRest_ = true;
+  }
   void SetExamples(const char* text) { examples_ = text; }
   void SetAction(std::function<int()> action) { action_ = std::move(action); }
 
   const char* Name() const { return name_; }
   const char* About() const { return about_; }
+  const LiveInput* Live() const { return live_; }   // null: files are read
   const CommandOption* FindOption(char letter) const;
   std::vector<std::string> LongSpellings() const;
   std::string HelpText() const;
@@ -101,6 +116,8 @@ class Command {
 
   const char* name_;
   const char* about_;
+  const LiveInput* live_;
+  bool takesRest_ = false;
   const char* examples_ = "";
   std::vector<CommandOption> options_;
   std::vector<CommandArgument> arguments_;
@@ -109,7 +126,9 @@ class Command {
 
 class CommandLine {
  public:
-  Command& Add(const char* name, const char* about) { return commands_.emplace_back(name, about); }
+  // What its commands read: files, or with `live` that.
+  explicit CommandLine(const LiveInput* live = nullptr) : live_(live) {}
+  Command& Add(const char* name, const char* about) { return commands_.emplace_back(name, about, live_); }
   // Runs the command that the words name; the exit status.
   int Run(const std::vector<std::string>& words) const;
 
@@ -118,6 +137,7 @@ class CommandLine {
   int TellUnknown(const std::string& word) const;
   std::string HelpText() const;
 
+  const LiveInput* live_;
   std::list<Command> commands_;
 };
 

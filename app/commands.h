@@ -6,6 +6,7 @@ namespace qxview {
 
 class NewFile;
 
+void AddCaptureCommand(CommandLine* line);
 void AddDecodeCommand(CommandLine* line);
 void AddFieldsCommand(CommandLine* line);
 void AddFindCommand(CommandLine* line);
@@ -16,6 +17,9 @@ void AddProtocolsCommand(CommandLine* line);
 void AddSaveCommand(CommandLine* line);
 void AddStatCommand(CommandLine* line);
 void AddXmlCommand(CommandLine* line);
+
+// All of them but the capture of live packets.
+void AddReadingCommands(CommandLine* line);
 
 // Says that standard output could not be written, and why; the exit status for it.
 int OutputFault();

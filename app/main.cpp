@@ -29,16 +29,8 @@ int main(int argc, char** argv) try {
   std::set_terminate(EndWithoutMemory);
   const std::vector<std::string> words = StartProgram(argc, argv);
   CommandLine line;
-  AddDecodeCommand(&line);
-  AddFieldsCommand(&line);
-  AddFindCommand(&line);
-  AddFollowCommand(&line);
-  AddListCommand(&line);
-  AddPrintCommand(&line);
-  AddProtocolsCommand(&line);
-  AddSaveCommand(&line);
-  AddStatCommand(&line);
-  AddXmlCommand(&line);
+  AddCaptureCommand(&line);
+  AddReadingCommands(&line);
   const int status = line.Run(words);
   EndBySignal();
   return status;

@@ -83,7 +83,8 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
   command->AddArguments("FILE",
                         "pcap, pcapng or BFR file, compressed or not; - for standard input. Of several each is a run of "
                         "its own",
-                        &options->files, &options->filesFrom);
+                        &options->files, command->Live() ? &command->Live()->name : &options->filesFrom);
+  options->live = command->Live();
   command->AddFileName("--files-from", "LIST", "further captures, named in this file a line each; - for standard input",
                    &options->filesFrom);
   command->AddFlag("--merge", "several captures as one run, by time", &options->merge);
@@ -164,6 +165,12 @@ int FinishReadingOptions(ReadingOptions* options) {
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;
   auto& files = options->files;
+  if (options->live) {
+    if (!files.empty()) return Tell(QuoteValue(files[0]) + ": the packets come from " + options->live->name + ", not from files"), kUsage;
+    if (!options->filesFrom.empty()) return Tell("--files-from: the packets come from " + options->live->name), kUsage;
+    files.push_back(options->live->name);
+    return kDone;
+  }
   const auto inputs = std::count(files.begin(), files.end(), "-") + (options->filesFrom == "-" ? 1 : 0);
   if (inputs > 1) return Tell("standard input can be read once, and is named twice"), kUsage;
   if (!options->filesFrom.empty() && !ReadList(options->filesFrom, &files)) return kFileFault;

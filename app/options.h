@@ -26,6 +26,7 @@ enum class ColorChoice { kAuto, kAlways, kNever };
 
 struct ReadingOptions {
   std::vector<std::string> files;   // each a run of its own
+  const LiveInput* live = nullptr;  // in place of files
   std::string filesFrom;            // a list of further ones
   bool merge = false;               // they are one run, by time
   bool keepGoing = false;           // a file fault does not end the command

@@ -1,5 +1,6 @@
 #include "app/commands.h"
 #include "app/packet_run.h"
+#include "app/save_format.h"
 #include "files/capture_buffer.h"
 #include "files/packet_writer.h"
 #include "host/text.h"
@@ -12,8 +13,6 @@
 namespace qxview {
 namespace {
 
-enum class SaveFormat { kByName, kCaptureBuffer, kPcap, kPcapng };
-
 struct SaveOptions {
   ReadingOptions reading;
   std::string out, name;
@@ -23,24 +22,17 @@ struct SaveOptions {
   bool ToStandardOutput() const { return out == "-"; }
 };
 
-bool EndsIgnoringCase(const std::string& text, std::string_view ending) {
-  return text.size() >= ending.size() && EqualsIgnoringCase(std::string_view(text).substr(text.size() - ending.size()), ending);
-}
-
 // The format by the name's ending; false, told, for options that do not go with it.
 bool SettleFormat(SaveOptions* options) {
   const auto refuse = [](const std::string& text) { return Tell("save: " + text), false; };
   if (options->format == SaveFormat::kByName && options->append) options->format = SaveFormat::kCaptureBuffer;
   if (options->format == SaveFormat::kByName) {
-    for (const char* ending : {".gz", ".zst", ".lz4", ".xz", ".bz2"}) {
-      if (!EndsIgnoringCase(options->out, ending)) continue;
+    if (const char* ending = CompressedEnding(options->out)) {
       return refuse("what is saved is not compressed; for a name that ends in " + std::string(ending) +
                     " write to standard output: qxview save --format pcap FILE - | gzip >" + QuoteValue(options->out));
     }
-    const std::string& out = options->out;
-    options->format = EndsIgnoringCase(out, ".pcap")     ? SaveFormat::kPcap
-                      : EndsIgnoringCase(out, ".pcapng") ? SaveFormat::kPcapng
-                                                         : SaveFormat::kCaptureBuffer;
+    options->format = FormatOfName(options->out);
+    if (options->format == SaveFormat::kByName) options->format = SaveFormat::kCaptureBuffer;
   }
   if (options->ToStandardOutput() && IsTerminal(StandardOutputFile())) {
     return refuse("a capture is nothing for a terminal: name a file, or lead standard output elsewhere");
@@ -207,13 +199,8 @@ void AddSaveCommand(CommandLine* line) {
   Command& command = line->Add("save", "packets to a capture file: BFR, pcap or pcapng");
   AddReadingOptions(&command, &options->reading);
   command.AddArgument("OUT", "the capture file, - for standard output", &options->out);
-  command.AddChoice<SaveFormat>("--format", "FORMAT",
-                                "pcap, pcapng or bfr (capture buffer file); else by the name's ending, bfr when it "
-                                "has none of these",
-                                {{"pcap", SaveFormat::kPcap},
-                                 {"pcapng", SaveFormat::kPcapng},
-                                 {"bfr", SaveFormat::kCaptureBuffer}},
-                                &options->format);
+  AddSaveFormat(&command, "pcap, pcapng or bfr (capture buffer file); else by the name's ending, bfr when it has none of these",
+                &options->format);
   command.AddFlag("--append", "add the packets to the end of an existing capture buffer file", &options->append);
   command.AddNumber("--partial", "BYTES", "cut packets to this many bytes", 0, 65535, &options->partialBytes);
   command.AddOption("--name", "TEXT", "the name kept in a capture buffer file, at most 260 characters",

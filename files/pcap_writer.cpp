@@ -34,9 +34,14 @@ class PcapWriter : public PacketWriter {
  public:
   using PacketWriter::PacketWriter;
 
+  void Announce(const CaptureFrame& like) override {
+    if (!hasBegun_) Begin(like);
+    hasBegun_ = true;
+  }
+
  protected:
   bool Put(const CaptureFrame& frame, uint32_t captured) override {
-    if (Written() == 0) Begin(frame);
+    Announce(frame);
     if (frame.linkType != linkType_) {
       return Refuse(frame, "is of link type " + std::to_string(frame.linkType) + " (" + LinkTypeName(frame.linkType) +
                                ") behind others of " + std::to_string(linkType_) +
@@ -75,6 +80,7 @@ class PcapWriter : public PacketWriter {
     ForEachOption(frame.options, [&](uint16_t code, uint16_t, const uint8_t*) { lostComments_ += code == kOptionComment; });
   }
 
+  bool hasBegun_ = false;
   uint16_t linkType_ = 0;
   int64_t nanosecondsPerTick_ = 1;
 };

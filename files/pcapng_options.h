@@ -9,7 +9,8 @@ namespace qxview {
 enum PcapngOption : uint16_t {
   kOptionComment = 1,
   kInterfaceName = 2, kInterfaceDescription = 3, kInterfaceResolution = 9, kInterfaceCheckSequence = 13,
-  kInterfaceTimeOffset = 14,
+  kInterfaceFilter = 11, kInterfaceSystem = 12, kInterfaceTimeOffset = 14,
+  kSectionSystem = 3, kSectionApplication = 4,
   kPacketFlags = 2,
 };
 

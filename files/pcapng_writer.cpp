@@ -27,11 +27,16 @@ class PcapngWriter : public PacketWriter {
  public:
   PcapngWriter(const OutputSink& sink, bool oneSection) : PacketWriter(sink), oneSection_(oneSection) {}
 
+  void Announce(const CaptureFrame& like) override {
+    if (BeginsSection(like)) PutSection(like);
+    InterfaceOf(like, CountsMicroseconds(like), like.nanoseconds < 0);
+  }
+
  protected:
   bool Put(const CaptureFrame& frame, uint32_t captured) override {
     if (BeginsSection(frame)) PutSection(frame);
     const bool early = frame.nanoseconds < 0;
-    const bool micro = frame.interface && frame.interface->timeDigits == 6;
+    const bool micro = CountsMicroseconds(frame);
     const uint32_t interface = InterfaceOf(frame, micro, early);
     uint64_t ticks = static_cast<uint64_t>(frame.nanoseconds);
     if (early) ticks += static_cast<uint64_t>(-kEarlySeconds) * kPerSecond;
@@ -49,14 +54,17 @@ class PcapngWriter : public PacketWriter {
   }
 
  private:
+  static bool CountsMicroseconds(const CaptureFrame& frame) { return frame.interface && frame.interface->timeDigits == 6; }
+
   bool BeginsSection(const CaptureFrame& frame) {
     const std::pair<uint32_t, uint32_t> from{Captures(), frame.interface ? frame.interface->section : 0};
-    const bool begins = Written() == 0 || (!oneSection_ && from != section_) || interfaces_.size() == kMostInterfaces;
+    const bool begins = !hasSection_ || (!oneSection_ && from != section_) || interfaces_.size() == kMostInterfaces;
     section_ = from;
     return begins;
   }
 
   void PutSection(const CaptureFrame& frame) {
+    hasSection_ = true;
     interfaces_.clear();
     body_.clear();
     for (const uint32_t word : {0x1A2B3C4Du, 1u, UINT32_MAX, UINT32_MAX}) Append32(word);   // version 1.0, any length
@@ -141,6 +149,7 @@ class PcapngWriter : public PacketWriter {
 
   using Key = std::tuple<uint32_t, uint32_t, uint32_t, uint16_t, bool>;
   const bool oneSection_;
+  bool hasSection_ = false;
   std::pair<uint32_t, uint32_t> section_;   // the capture's number, and which of its own
   std::map<Key, uint32_t> interfaces_;
   std::string body_;   // of the block that is being composed

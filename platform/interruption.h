@@ -12,6 +12,8 @@ bool IsInputEnded();
 
 // Ends the program by the signal that ended its input; returns when none did.
 void EndBySignal();
+// A signal is how this work is meant to end: the program then ends with its own status.
+void TakeSignalAsEnd();
 
 // What a second signal cleans up: a file that is not whole (empty: none), and a terminal left in some colour.
 void RemoveOnSignal(const std::string& path);

@@ -38,6 +38,11 @@ OutputSink FileSink(int64_t file);
 // Why the last write through such a sink failed; empty when none did.
 std::string WriteFailure();
 
+// A file that is written at its place, in place of what was there; -1 with a message that names it.
+int64_t CreateOutputFile(const std::string& path, std::string* message);
+bool CloseOutputFile(int64_t file);
+bool RemoveFile(const std::string& path);
+
 // Reads up to `length` bytes of an open file; 0 at the end, -1 on failure.
 int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length);
 

@@ -1,11 +1,9 @@
-#include <dlfcn.h>
-#include <pcap/pcap.h>
-
 #include <algorithm>
 #include <iterator>
 #include <map>
 
 #include "platform/bpf_filter.h"
+#include "platform/posix/pcap_library.h"
 
 namespace qxview {
 namespace {
@@ -25,37 +23,12 @@ int DltOf(uint16_t linkType) {
   }
 }
 
-// libpcap is looked up when a filter is asked for: a program that filters nothing starts without it, and one on a
-// machine that does not have it says so.
-struct Pcap {
-  decltype(&pcap_open_dead) openDead;
-  decltype(&pcap_compile) compile;
-  decltype(&pcap_geterr) getError;
-  decltype(&pcap_close) close;
-  decltype(&pcap_freecode) freeCode;
-  decltype(&pcap_offline_filter) match;
-
-  bool Load(std::string* why) {
-    void* library = dlopen("libpcap.so.0.8", RTLD_NOW | RTLD_LOCAL);
-    if (!library) *why = dlerror();
-    if (!library) library = dlopen("libpcap.so.1", RTLD_NOW | RTLD_LOCAL);
-    if (!library) return false;
-    *why = "it lacks functions";
-    const auto find = [&](auto& function, const char* name) {
-      function = reinterpret_cast<std::remove_reference_t<decltype(function)>>(dlsym(library, name));
-      return function != nullptr;
-    };
-    return find(openDead, "pcap_open_dead") && find(compile, "pcap_compile") && find(getError, "pcap_geterr") &&
-           find(close, "pcap_close") && find(freeCode, "pcap_freecode") && find(match, "pcap_offline_filter");
-  }
-};
-
 class PcapFilter final : public BpfFilter {
  public:
-  PcapFilter(const Pcap& pcap, const std::string& expression) : pcap_(pcap), expression_(expression) {}
+  PcapFilter(const PcapLibrary& pcap, const std::string& expression) : pcap_(pcap), expression_(expression) {}
   ~PcapFilter() override {
     for (auto& [linkType, program] : programs_) {
-      if (program.compiled) pcap_.freeCode(&program.code);
+      if (program.compiled) pcap_.freecode(&program.code);
     }
   }
 
@@ -67,7 +40,7 @@ class PcapFilter final : public BpfFilter {
     pcap_pkthdr header{};
     header.caplen = length;
     header.len = wireLength;
-    return pcap_.match(&program.code, &header, data) != 0;
+    return pcap_.offline_filter(&program.code, &header, data) != 0;
   }
 
   // The error text when it does not compile for this link type.
@@ -84,15 +57,15 @@ class PcapFilter final : public BpfFilter {
     const auto [found, isNew] = programs_.try_emplace(linkType);
     Program& program = found->second;
     if (!isNew) return program;
-    pcap_t* dead = pcap_.openDead(DltOf(linkType), kSnapLength);
+    pcap_t* dead = pcap_.open_dead(DltOf(linkType), kSnapLength);
     if (!dead) return program.error = "out of memory", program;
     program.compiled = pcap_.compile(dead, &program.code, expression_.c_str(), 1, PCAP_NETMASK_UNKNOWN) == 0;
-    if (!program.compiled) program.error = pcap_.getError(dead);
+    if (!program.compiled) program.error = pcap_.geterr(dead);
     pcap_.close(dead);
     return program;
   }
 
-  Pcap pcap_;
+  const PcapLibrary& pcap_;
   std::string expression_;
   std::map<uint16_t, Program> programs_;
 };
@@ -100,13 +73,13 @@ class PcapFilter final : public BpfFilter {
 }  // namespace
 
 std::unique_ptr<BpfFilter> BpfFilter::Create(const std::string& expression, std::string* message) {
-  Pcap pcap{};
   std::string why;
-  if (!pcap.Load(&why)) {
+  const PcapLibrary* const pcap = PcapLibrary::Load(&why);
+  if (!pcap) {
     *message = "--filter needs libpcap: " + why;
     return nullptr;
   }
-  auto filter = std::make_unique<PcapFilter>(pcap, expression);
+  auto filter = std::make_unique<PcapFilter>(*pcap, expression);
   // One that no kind of link takes is wrong; whether a capture's takes it is known at its first packet.
   const std::string& error = filter->Check(DLT_EN10MB);
   const auto compiles = [&](uint16_t linkType) { return filter->Check(linkType).empty(); };

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "platform/interruption.h"
+#include "platform/posix/wait.h"
 
 namespace qxview {
 namespace {
@@ -17,6 +18,7 @@ constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 volatile std::sig_atomic_t endingSignal = 0;
 volatile std::sig_atomic_t resetsColors = 0;
+volatile std::sig_atomic_t isRegularEnd = 0;
 int wakeEnds[2] = {-1, -1};   // a pipe that has a byte in it since the signal, so that none is missed before a wait
 char removedPath[PATH_MAX];
 std::atomic<bool> removes{false};
@@ -60,7 +62,7 @@ void EndInputOnSignals() {
 bool IsInputEnded() { return endingSignal != 0; }
 
 void EndBySignal() {
-  if (!endingSignal) return;
+  if (!endingSignal || isRegularEnd) return;
   std::signal(endingSignal, SIG_DFL);
   std::raise(endingSignal);
 }
@@ -79,12 +81,20 @@ void SetIdleAction(IdleAction action, void* with) {
   idleWith = with;
 }
 
-bool WaitForInput(int64_t file) {
-  pollfd waited[2] = {{static_cast<int>(file), POLLIN, 0}, {wakeEnds[0], POLLIN, 0}};
-  if (endingSignal || poll(waited, 1, 0) != 0) return !endingSignal;
+void TakeSignalAsEnd() { isRegularEnd = 1; }
+
+Waited WaitForFiles(const std::vector<int>& files, int milliseconds) {
+  if (endingSignal) return Waited::kInputEnded;
+  std::vector<pollfd> waited;
+  for (const int file : files) waited.push_back({file, POLLIN, 0});
+  if (poll(waited.data(), waited.size(), 0) != 0) return endingSignal ? Waited::kInputEnded : Waited::kReady;
   if (idleAction) idleAction(idleWith);
-  while (!endingSignal && poll(waited, 2, -1) < 0 && errno == EINTR) {}
-  return !endingSignal;
+  waited.push_back({wakeEnds[0], POLLIN, 0});
+  int ready = 0;
+  while (!endingSignal && (ready = poll(waited.data(), waited.size(), milliseconds)) < 0 && errno == EINTR) {}
+  return endingSignal ? Waited::kInputEnded : ready == 0 ? Waited::kTimeOut : Waited::kReady;
 }
+
+bool WaitForInput(int64_t file) { return WaitForFiles({static_cast<int>(file)}, -1) != Waited::kInputEnded; }
 
 }  // namespace qxview

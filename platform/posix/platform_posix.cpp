@@ -116,6 +116,19 @@ OutputSink FileSink(int64_t file) {
   return {reinterpret_cast<void*>(static_cast<intptr_t>(file)), WriteDescriptor, MoveDescriptorBack, file};
 }
 
+int64_t CreateOutputFile(const std::string& path, std::string* message) {
+  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (file < 0) *message = path + ": " + std::strerror(errno);
+  return file;
+}
+
+bool CloseOutputFile(int64_t file) {
+  if (close(static_cast<int>(file)) == 0) return true;
+  return writeError = errno, false;
+}
+
+bool RemoveFile(const std::string& path) { return unlink(path.c_str()) == 0; }
+
 std::string WriteFailure() { return writeError ? std::strerror(writeError) : ""; }
 
 int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {

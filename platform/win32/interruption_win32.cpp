@@ -12,6 +12,7 @@ constexpr DWORD kTimeToFinish = 10000;   // more than the system gives
 constexpr UINT kEndedByControlC = 0xC000013A;   // STATUS_CONTROL_C_EXIT
 
 std::atomic<bool> inputEnded{false};
+bool isRegularEnd = false;
 std::atomic<bool> removes{false};
 std::wstring removedPath;
 HANDLE mainThread = nullptr;
@@ -42,8 +43,10 @@ void EndInputOnSignals() {
 bool IsInputEnded() { return inputEnded; }
 
 void EndBySignal() {
-  if (inputEnded) ExitProcess(kEndedByControlC);
+  if (inputEnded && !isRegularEnd) ExitProcess(kEndedByControlC);
 }
+
+void TakeSignalAsEnd() { isRegularEnd = true; }
 
 void RemoveOnSignal(const std::string& path) {
   removes = false;

@@ -128,6 +128,21 @@ std::string ExecutableDirectory() {
 
 OutputSink FileSink(int64_t file) { return {HandleOf(file), WriteHandle, MoveHandleBack, file}; }
 
+int64_t CreateOutputFile(const std::string& path, std::string* message) {
+  const HANDLE file = CreateFileW(WidePathOf(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file != INVALID_HANDLE_VALUE) return reinterpret_cast<intptr_t>(file);
+  *message = path + ": " + ErrorText(GetLastError());
+  return -1;
+}
+
+bool CloseOutputFile(int64_t file) {
+  if (CloseHandle(HandleOf(file))) return true;
+  return writeError = GetLastError(), false;
+}
+
+bool RemoveFile(const std::string& path) { return DeleteFileW(WidePathOf(path).c_str()) != 0; }
+
 std::string WriteFailure() { return writeError ? ErrorText(writeError) : ""; }
 
 int32_t ReadFileBytes(int64_t file, uint8_t* out, int32_t length) {
