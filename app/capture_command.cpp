@@ -83,36 +83,37 @@ class CaptureJob {
   explicit CaptureJob(const CaptureOptions& options) : options_(options) {}
 
   int Run() {
-    std::string message;
-    bool isMisuse = false;
     EndInputOnSignals();
     TakeSignalAsEnd();
-    capture_ = LiveCapture::Open(options_.live, &message, &isMisuse);
-    if (!capture_) return Tell(message), isMisuse ? kUsage : kFileFault;
-    if (!options_.out.empty()) {
-      files_ = std::make_unique<CaptureFiles>(options_.out, options_.format, options_.ring, capture_->Interfaces());
-      if (!files_->Begin()) return Tell(files_->Message()), kFileFault;
-    }
-    Tell("capturing on " + capture_->Name());
     int status = options_.command.empty() ? Save() : RunCommand();
     if (files_ && !files_->Finish()) {
       if (status != kFileFault) Tell(files_->Message());
       status = kFileFault;
     }
-    TellCounts(*capture_);
-    return status;
+    if (capture_) TellCounts(*capture_);
+    return isMisuse_ ? kUsage : status;
   }
 
  private:
-  std::unique_ptr<CaptureReader> MakeReader() {
+  // A command whose own words are wrong never gets here: nothing is captured and no file is made.
+  std::unique_ptr<CaptureReader> MakeReader(std::string* message) {
+    capture_ = LiveCapture::Open(options_.live, message, &isMisuse_);
+    if (!capture_) return nullptr;
+    if (!options_.out.empty()) {
+      files_ = std::make_unique<CaptureFiles>(options_.out, options_.format, options_.ring, capture_->Interfaces());
+      if (!files_->Begin()) return *message = files_->Message(), files_ = nullptr, capture_ = nullptr, nullptr;
+    }
+    Tell("capturing on " + capture_->Name());
     if (!files_) return capture_->MakeReader(nullptr);
     auto reader = capture_->MakeReader([files = files_.get()] { files->Flush(); });
     return std::make_unique<SavingReader>(std::move(reader), files_.get());
   }
 
-  // What is shown of packets that are saved as well are their amounts.
+  // What is shown of packets that are saved is how many bytes there are.
   int Save() {
-    const auto reader = MakeReader();
+    std::string message;
+    const auto reader = MakeReader(&message);
+    if (!reader) return Tell(message), kFileFault;
     Progress progress;
     CaptureFrame frame;
     ReadResult result;
@@ -125,7 +126,7 @@ class CaptureJob {
   }
 
   int RunCommand() {
-    const LiveInput live{capture_->Name(), [this] { return MakeReader(); }};
+    const LiveInput live{InterfaceNames(), [this](std::string* message) { return MakeReader(message); }};
     CommandLine line(&live);
     AddReadingCommands(&line);
     std::vector<std::string> words{"qxview"};
@@ -133,9 +134,16 @@ class CaptureJob {
     return line.Run(words);
   }
 
+  std::string InterfaceNames() const {
+    std::string names;
+    for (const std::string& name : options_.live.interfaces) names += (names.empty() ? "" : ", ") + name;
+    return names.empty() ? "the network" : names;
+  }
+
   const CaptureOptions& options_;
   std::unique_ptr<LiveCapture> capture_;
   std::unique_ptr<CaptureFiles> files_;
+  bool isMisuse_ = false;
 };
 
 int ListInterfaces() {

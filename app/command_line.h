@@ -42,7 +42,7 @@ struct CommandArgument {
 // Packets that are read in place of files: those of a capture that is going on.
 struct LiveInput {
   std::string name;
-  std::function<std::unique_ptr<CaptureReader>()> open;
+  std::function<std::unique_ptr<CaptureReader>(std::string* message)> open;   // null with a message
 };
 
 class Command {

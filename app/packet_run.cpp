@@ -108,7 +108,7 @@ bool PacketRun::OpenCaptures(const std::vector<std::string>& files) {
   std::vector<std::unique_ptr<CaptureReader>> readers;
   for (const std::string& file : files) {
     std::string message;
-    auto reader = options_->live ? options_->live->open() : OpenCapture(file.c_str(), &message);
+    auto reader = options_->live ? options_->live->open(&message) : OpenCapture(file.c_str(), &message);
     if (reader) {
       readers.push_back(std::move(reader));
       continue;

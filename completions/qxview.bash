@@ -25,7 +25,7 @@ _qxview_values() {   # OPTION, what is typed of its value
     --format)
       case ${COMP_WORDS[1]} in
         protocols) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
-        save) mapfile -t COMPREPLY < <(compgen -W "pcap pcapng bfr" -- "$cur") ;;
+        capture | save) mapfile -t COMPREPLY < <(compgen -W "pcap pcapng bfr" -- "$cur") ;;
         fields | list) mapfile -t COMPREPLY < <(compgen -W "csv tsv json" -- "$cur") ;;
         stat) mapfile -t COMPREPLY < <(compgen -W "table json csv" -- "$cur") ;;
         follow) mapfile -t COMPREPLY < <(compgen -W "text hex raw" -- "$cur") ;;
@@ -60,7 +60,7 @@ _qxview_values() {   # OPTION, what is typed of its value
 
 _qxview() {
   local command=${COMP_WORDS[1]} options
-  local commands="decode fields find follow help list print protocols save stat xml"
+  local commands="capture decode fields find follow help list print protocols save stat xml"
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "${COMP_WORDS[1]}")
@@ -85,6 +85,18 @@ _qxview() {
     --packets | -c | --count | -f | --filter | -Y | --where | --partial | --name | -O | --only | --depth) return ;;
     --separator | --sort | --top | --interval) return ;;
   esac
+  local reading="decode fields find follow list print save stat xml"
+  if [[ $command == capture ]]; then
+    case ${COMP_WORDS[at - 1]} in
+      -i | --interface) _qxview_lines "$(qxview capture -D 2>/dev/null | sed 's/ .*//')" "$cur"; return ;;
+      -w | --write) mapfile -t COMPREPLY < <(compgen -f -- "$cur"); return ;;
+      --duration | -s | --snaplen | -B | --buffer | --ring-size | --ring-time | --ring-files) return ;;
+    esac
+    local options="--help --interface --list-interfaces --write --format --filter --count --duration --snaplen --no-promiscuous --buffer"
+    [[ $cur == -* ]] && reading="$options --ring-size --ring-time --ring-files"
+    mapfile -t COMPREPLY < <(compgen -W "$reading" -- "$cur")
+    return
+  fi
   if [[ $command == stat && $COMP_CWORD -eq 2 && $cur != -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "protocols endpoints conversations ports rate values lengths dns http tcp" -- "$cur")
     return

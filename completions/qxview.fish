@@ -23,15 +23,16 @@ function __qxview_definitions
   end
 end
 set -l reading decode fields find follow list print save stat xml
-set -l all $reading protocols help
+set -l all $reading capture protocols help
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l help -d 'the commands'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l version -d 'the version'
+complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a capture -d 'live packets'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a decode -d 'the decode tree of every packet'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a fields -d 'values of fields as columns'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a find -d 'the first packet and line holding a text'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a follow -d 'the bytes of a conversation'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a help -d 'the commands, or the options of one'
-complete -c qxview -f -n '__fish_seen_subcommand_from help' -a "$reading protocols"
+complete -c qxview -f -n '__fish_seen_subcommand_from help' -a "$reading capture protocols"
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a list -d 'one line a packet'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a print -d 'the lines as the print mode writes them'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a protocols -d 'the built-in decoders'
@@ -90,3 +91,17 @@ complete -c qxview -n '__fish_seen_subcommand_from save' -l format -x -a 'pcap p
 complete -c qxview -n '__fish_seen_subcommand_from save' -l append -d 'add to an existing file'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l partial -x -d 'cut packets to this many bytes'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l name -x -d 'the name kept in the file'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s i -l interface -x -a '(qxview capture -D 2>/dev/null | string replace -r " .*" "")' -d 'the interface'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s D -l list-interfaces -d 'the interfaces that there are'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s w -l write -r -d 'save the packets'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -l format -x -a 'pcap pcapng bfr' -d 'file format'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s f -l filter -x -d 'only packets that match a BPF expression'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s c -l count -x -d 'stop after N packets'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -l duration -x -d 'stop after so many seconds'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s s -l snaplen -x -d 'bytes of each packet at most'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s p -l no-promiscuous -d 'only what is addressed to this machine'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -s B -l buffer -x -d 'MB of the kernel'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -l ring-size -x -d 'a new file before one gets larger'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -l ring-time -x -d 'a new file after so many seconds'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -l ring-files -x -d 'keep the newest N files'
+complete -c qxview -n '__fish_seen_subcommand_from capture' -f -a "$reading"
