@@ -40,5 +40,11 @@ int32_t LengthOfSip(const Cursor& c);   // and RTSP
 int32_t LengthOfSkinny(const Cursor& c);
 int32_t LengthOfBfcp(const Cursor& c);
 int32_t LengthOfMegaco(const Cursor& c);
+int32_t LengthOfXmpp(const Cursor& c);
+int32_t LengthOfYmsg(const Cursor& c);
+int32_t LengthOfBeep(const Cursor& c);
+int32_t LengthOfUcp(const Cursor& c);
+int32_t LengthOfHl7(const Cursor& c);
+int32_t LengthOfSvn(const Cursor& c);
 
 }  // namespace qxview

@@ -8,6 +8,7 @@
 #include "core/tls_stream.h"
 #include "decoders/app/dnscrypt.h"
 #include "decoders/app/flow_templates.h"
+#include "decoders/app/ftp_data.h"
 #include "decoders/app/http2.h"
 #include "decoders/app/http_message.h"
 #include "decoders/app/iax2.h"

@@ -4,6 +4,7 @@
 #include "decoders/app/irc_names.h"
 #include "decoders/common/ahead_cut.h"
 #include "decoders/common/text_lines.h"
+#include "decoders/message_lengths.h"
 
 namespace qxview {
 namespace {
@@ -118,6 +119,11 @@ int32_t DecodeMsn(const Place& at, Cursor c) {
   Loop loop;
   while (MoreAt(in, c, loop)) ShowMsnCommand(in, c);
   return 1;
+}
+
+int32_t LengthOfYmsg(const Cursor& c) {
+  if (Left(c) < kYmsgHeaderSize) return 0;
+  return PeekIs(c, 0, "YMSG") ? kYmsgHeaderSize + static_cast<int32_t>(PeekU16(c, 8)) : kNoMessage;
 }
 
 int32_t DecodeYmsg(const Place& at, Cursor c) {

@@ -1,6 +1,8 @@
 #include "decoders/app/command_arguments.h"
 
 #include "core/rows.h"
+#include "decoders/app/ftp_data.h"
+#include "decoders/app/media_sessions.h"
 #include "decoders/common/text_lines.h"
 #include "decoders/common/transfer_text.h"
 
@@ -26,7 +28,13 @@ void ShowActivePort(const Place& in, const Field& text) {
     if (i < 4) split += before - rest.length;
   }
   AddLine(in, Slice(text, 0, split - 1), "Active IP Address: %u.%u.%u.%u", numbers[0], numbers[1], numbers[2], numbers[3]);
-  AddLine(in, Slice(text, split, text.length - split), "Active Port: %u", numbers[4] * 256 + numbers[5]);
+  const uint32_t port = numbers[4] * 256 + numbers[5];
+  AddLine(in, Slice(text, split, text.length - split), "Active Port: %u", port);
+  AddressSlot slot{};
+  slot.kind = 1;
+  for (int32_t i = 0; i < 4; ++i) slot.address[12 + i] = static_cast<uint8_t>(numbers[i]);
+  AnnounceFtpData(in, slot, static_cast<uint16_t>(port));
+  AnnounceFtpData(in, PacketOf(in).source, static_cast<uint16_t>(port));
 }
 
 // "|1|192.0.2.1|1024|" (RFC 2428): any character divides.
@@ -36,8 +44,12 @@ void ShowExtendedPort(const Place& in, const Field& text) {
   Field rest = Slice(text, 1, text.length - 1);
   const Field family = TakeWord(rest, ends);
   AddLine(in, family, "Address Family: %s", PeekU8(family) == '2' ? "2 = IPv6" : PeekU8(family) == '1' ? "1 = IPv4" : kUnknown);
-  AddTextLine(in, TakeWord(rest, ends), "Active IP Address");
-  AddTextLine(in, TakeWord(rest, ends), "Active Port");
+  const Field address = TakeWord(rest, ends), port = TakeWord(rest, ends);
+  AddTextLine(in, address, "Active IP Address");
+  AddTextLine(in, port, "Active Port");
+  AddressSlot slot;
+  const int32_t number = DecimalOf(port);
+  if (number > 0 && number <= 0xFFFF && ReadAddressText(address, &slot)) AnnounceFtpData(in, slot, static_cast<uint16_t>(number));
 }
 
 template <size_t kRows>
@@ -182,21 +194,6 @@ void ShowSasl(const Place& at, const Field& text) {
   } else {
     AddBlock(in, Rest(octets), "Decoded Data");
   }
-}
-
-// Lists and files: text in lines, whatever the file is otherwise.
-int32_t DecodeFtpData(const Place& at, Cursor c) {
-  const Field whole = Ahead(c, Left(c));
-  if (!IsReadable(c)) {
-    const Place in = Under(at, AddLine(at, whole, "FTP Data: %u bytes", static_cast<uint32_t>(Left(c))));
-    AddBlock(in, Rest(c), "Data");
-    return 1;
-  }
-  TextLine line;
-  Cursor ahead = c;
-  TakeLine(ahead, line);
-  ShowLinesOfText(Under(at, AddTextLine(at, whole, "FTP Data", line.text)), c, "Line");
-  return 1;
 }
 
 }  // namespace qxview

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "decoders/app/command_arguments.h"
+#include "decoders/app/ftp_data.h"
 #include "decoders/app/internet_message.h"
 #include "decoders/app/tls_record.h"
 #include "decoders/common/header_lines.h"
@@ -94,6 +95,8 @@ void ShowDataPort(const Place& in, const Field& text) {
     for (; split < address.length && commas < 4; ++split) commas += PeekU8(address, split) == ',';
     AddLine(in, Slice(address, 0, split - 1), "Passive IP Address: %s", IPv4Text(slot.address + 12));
     AddLine(in, Slice(address, split, address.length - split), "Passive Port: %u", port);
+    AnnounceFtpData(in, slot, port);
+    AnnounceFtpData(in, PacketOf(in).source, port);   // where addresses are translated on the way
     return;
   }
   Field rest = text;
@@ -103,6 +106,9 @@ void ShowDataPort(const Place& in, const Field& text) {
     Field number = Slice(rest, 3, rest.length - 3);
     number = TakeWord(number, ends);
     if (DecimalOf(number) >= 0) AddTextLine(in, number, "Passive Port");
+    if (DecimalOf(number) > 0 && DecimalOf(number) <= 0xFFFF) {
+      AnnounceFtpData(in, PacketOf(in).source, static_cast<uint16_t>(DecimalOf(number)));
+    }
   }
 }
 

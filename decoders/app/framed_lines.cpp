@@ -2,6 +2,7 @@
 // (EMI, its public text) and HL7 version 2 in MLLP blocks.
 #include "decoders/common/text_lines.h"
 #include "decoders/common/xml_lines.h"
+#include "decoders/message_lengths.h"
 
 namespace qxview {
 namespace {
@@ -45,7 +46,7 @@ void ShowSvnItems(const Place& in, Cursor& c, int32_t depth) {
       const LineHandle title = AddLine(in, Ahead(before, Left(before)), "List");
       const Place under = Under(in, title);
       if (depth < kMostDepth) ShowSvnItems(under, c, depth + 1);
-      else AddBlock(under, Rest(c), "Nested Too Deeply");
+      else AddBlock(under, Rest(c), "Lists Nest Too Deeply to Be Shown");
       SkipSpace(c);
       if (PeekU8(c) == ')') TakeBytes(c, 1);
       if (!under.dead) SetRange(in, title, before.offset, c.offset - before.offset);
@@ -66,6 +67,11 @@ void ShowSvnItems(const Place& in, Cursor& c, int32_t depth) {
   }
 }
 
+bool IsBeepType(const Field& type) {
+  return IsWord(type, "SEQ") || IsWord(type, "MSG") || IsWord(type, "RPY") || IsWord(type, "ANS") || IsWord(type, "ERR") ||
+         IsWord(type, "NUL");
+}
+
 // "MSG 0 1 . 52 120": the header of a frame, its payload and "END".
 void ShowBeepFrame(const Place& at, Cursor& c) {
   constexpr const char* kLabels[] = {"Channel", "Message Number", "More", "Sequence Number", "Size", "Answer Number"};
@@ -76,9 +82,7 @@ void ShowBeepFrame(const Place& at, Cursor& c) {
   const Field type = TakeWord(rest);
   if (IsWord(type, "END")) return (void)AddLine(at, line.whole, "End of Frame");
   const bool isSeq = IsWord(type, "SEQ");
-  const bool isFrame = isSeq || IsWord(type, "MSG") || IsWord(type, "RPY") || IsWord(type, "ANS") || IsWord(type, "ERR") ||
-                       IsWord(type, "NUL");
-  if (!isFrame) return (void)AddTextLine(at, line.whole, "Text", line.text);
+  if (!IsBeepType(type)) return (void)AddTextLine(at, line.whole, "Text", line.text);
   const Place in = Under(at, AddTextLine(at, line.whole, "Frame", line.text));
   AddTextLine(in, type, "Type");
   Field size{};
@@ -157,6 +161,60 @@ int32_t DecodeDict(const Place& at, Cursor c) {
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) ShowDictLine(in, line, isServer);
   return 1;
+}
+
+// A list with its texts and the blank behind it.
+int32_t LengthOfSvn(const Cursor& c) {
+  constexpr int64_t kMostNumber = 1 << 30;
+  if (PeekU8(c) != '(') return kNoMessage;
+  int64_t number = 0;
+  int32_t depth = 0;
+  for (int64_t at = 0; at < Left(c); ++at) {
+    const uint32_t octet = PeekU8(c, static_cast<int32_t>(at));
+    if (octet >= '0' && octet <= '9') {
+      number = number < kMostNumber ? number * 10 + (octet - '0') : kMostNumber;
+      continue;
+    }
+    if (octet == ':') at += number;
+    if (octet == '(') ++depth;
+    if (octet == ')' && --depth == 0) return static_cast<int32_t>(at) + 1 + IsSpace(PeekU8(c, static_cast<int32_t>(at) + 1));
+    number = 0;
+  }
+  return 0;
+}
+
+// The line that says a size, the payload and "END"; of a window the line alone.
+int32_t LengthOfBeep(const Cursor& c) {
+  constexpr int32_t kMostLine = 80, kTrailer = 5;
+  TextLine line;
+  Cursor next = c;
+  if (FindU8(c, '\n') < 0) return Left(c) > kMostLine ? kNoMessage : 0;
+  TakeLine(next, line);
+  Field rest = line.text;
+  const Field type = TakeWord(rest);
+  if (!IsBeepType(type)) return kNoMessage;
+  if (IsWord(type, "SEQ")) return line.whole.length;
+  for (int32_t i = 0; i < 4; ++i) TakeWord(rest);
+  const int32_t size = DecimalOf(TakeWord(rest));
+  return size < 0 ? kNoMessage : line.whole.length + size + kTrailer;
+}
+
+int32_t LengthOfUcp(const Cursor& c) {
+  constexpr int32_t kStart = 2, kEnd = 3, kFrame = 2;
+  constexpr int32_t kHead = 10;   // STX, two digits, "/", five digits, "/"
+  if (PeekU8(c) != kStart) return kNoMessage;
+  if (Left(c) < kHead) return 0;
+  const int32_t length = DecimalOf(PeekBytes(c, 4, 5));
+  if (length < 0 || PeekU8(c, 3) != '/' || PeekU8(c, 9) != '/') return kNoMessage;
+  return Left(c) < length + kFrame || PeekU8(c, length + 1) == kEnd ? length + kFrame : kNoMessage;
+}
+
+int32_t LengthOfHl7(const Cursor& c) {
+  constexpr uint32_t kStart = 0x0B;
+  constexpr uint8_t kEnd = 0x1C;
+  if (PeekU8(c) != kStart) return kNoMessage;
+  const int32_t end = FindU8(c, kEnd);
+  return end < 0 || Left(c) < end + 2 ? 0 : end + 2;
 }
 
 int32_t DecodeSvn(const Place& at, Cursor c) {

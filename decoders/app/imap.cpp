@@ -2,7 +2,7 @@
 // to which, and literals of counted octets inside.
 #include "decoders/app/internet_message.h"
 #include "decoders/app/tls_record.h"
-#include "decoders/common/header_lines.h"
+#include "decoders/common/text_lines.h"
 
 namespace qxview {
 namespace {
@@ -26,15 +26,6 @@ bool IsImapLine(const Field& line) {
     if (letter < 'a' || letter > 'z') return false;
   }
   return word.here;
-}
-
-// The octets that a line's end announces, "{310}" or "{310+}"; -1 for none.
-int32_t LiteralOf(const Field& line) {
-  if (line.length < 3 || PeekU8(line, line.length - 1) != '}') return -1;
-  int32_t open = line.length - 1;
-  while (open > 0 && PeekU8(line, open) != '{') --open;
-  const int32_t end = line.length - 1 - (PeekU8(line, line.length - 2) == '+');
-  return PeekU8(line, open) == '{' ? DecimalOf(Slice(line, open + 1, end - open - 1)) : -1;
 }
 
 // By which servers name the command that they answer: a word of capitals alone, or a command in whatever case.

@@ -15,6 +15,14 @@ Field TakeTerminated(Cursor& c) {
   return text;
 }
 
+int32_t LiteralOf(const Field& line) {
+  if (line.length < 3 || PeekU8(line, line.length - 1) != '}') return -1;
+  int32_t open = line.length - 1;
+  while (open > 0 && PeekU8(line, open) != '{') --open;
+  const int32_t end = line.length - 1 - (PeekU8(line, line.length - 2) == '+');
+  return PeekU8(line, open) == '{' ? DecimalOf(Slice(line, open + 1, end - open - 1)) : -1;
+}
+
 bool IsReadable(const Cursor& c, bool withZeros) {
   for (int32_t i = 0; i < Left(c); ++i) {
     const uint32_t octet = PeekU8(c, i);

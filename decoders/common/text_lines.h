@@ -13,4 +13,7 @@ Field TakeTerminated(Cursor& c);
 // Whether all that is left is text: printable, and no control character but tabs, line ends and, if so asked, zeros.
 bool IsReadable(const Cursor& c, bool withZeros = false);
 
+// The octets that a line's end announces, "{310}" or "{310+}"; -1 for none.
+int32_t LiteralOf(const Field& line);
+
 }  // namespace qxview

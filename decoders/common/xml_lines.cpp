@@ -100,9 +100,10 @@ struct OpenElement {
 };
 
 struct Walk {
+  const XmlVocabulary* vocabulary;
   OpenElement open[kMostDepth];
-  int32_t depth = 0;
-  int32_t deeper = 0;   // elements that are open and were not given a place of their own
+  int32_t depth;
+  int32_t deeper;   // elements that are open and were not given a place of their own
 };
 
 const Place& PlaceIn(const Place& in, const Walk& walk) { return walk.depth ? walk.open[walk.depth - 1].under : in; }
@@ -138,7 +139,7 @@ void TakeEndTag(const Place& in, Walk& walk, Cursor& c) {
 }
 
 // A line over the attribute's value, and all of it below where all is asked for.
-void ShowAttribute(const Place& under, Cursor& c) {
+void ShowAttribute(const Place& under, Cursor& c, const XmlVocabulary* vocabulary) {
   const Cursor start = c;
   const Field name = TakeName(c);
   if (!name.here || name.length == 0) {
@@ -161,17 +162,18 @@ void ShowAttribute(const Place& under, Cursor& c) {
     value = TakeName(c);
   }
   const ValueText label = TextOf(name);
-  const LineHandle line = AddLine(under, value, "%s = %s", label, TextOf(value));
+  const Place at = Under(under, AddLine(under, value, "%s = %s", label, TextOf(value)));
+  if (vocabulary) vocabulary->showAttribute(at, name, value);
   if (!TellsAll(under)) return;
   const Field whole = Ahead(start, c.offset - start.offset);
-  AddTextLine(Under(under, line), whole, "Attribute", whole);
+  AddTextLine(at, whole, "Attribute", whole);
 }
 
-void ShowAttributes(const Place& under, Cursor c) {
+void ShowAttributes(const Place& under, Cursor c, const XmlVocabulary* vocabulary) {
   SkipSpace(c);
   Loop loop;
   while (MoreAt(under, c, loop)) {
-    ShowAttribute(under, c);
+    ShowAttribute(under, c, vocabulary);
     SkipSpace(c);
   }
 }
@@ -213,7 +215,8 @@ void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
                 : AddLine(at, tag, "%s", label);
   const Place under = Under(at, line);
   if (TellsAll(in)) AddDataLine(under, Ahead(start, c.offset - start.offset), "Tag", name);
-  ShowAttributes(under, TakeCursor(c, behind.offset - c.offset - (isEmpty ? 2 : 1)));
+  ShowAttributes(under, TakeCursor(c, behind.offset - c.offset - (isEmpty ? 2 : 1)), walk.vocabulary);
+  if (sole.here && walk.vocabulary) walk.vocabulary->showText(under, name, sole);
   c = behind;
   if (isEmpty) return;
   if (walk.depth == kMostDepth) {
@@ -254,7 +257,7 @@ void TakeMarkup(const Place& in, Walk& walk, Cursor& c) {
   };
   if (StartsWithText(c, "<?xml ")) {
     const Place under = show("<?xml ", "?>", "XML Declaration");
-    return ShowAttributes(under, CursorOver(Slice(Ahead(start, c.offset - start.offset), 6, c.offset - start.offset - 8)));
+    return ShowAttributes(under, CursorOver(Slice(Ahead(start, c.offset - start.offset), 6, c.offset - start.offset - 8)), nullptr);
   }
   if (StartsWithText(c, "<?")) return (void)show("<?", "?>", "Processing Instruction");
   if (StartsWithText(c, "<!--")) return (void)show("<!--", "-->", "Comment");
@@ -280,9 +283,9 @@ bool StartsXml(const Cursor& c) {
   return PeekU8(start) == '<' && (next == '?' || next == '!' || next == '_' || ((next | 0x20) >= 'a' && (next | 0x20) <= 'z'));
 }
 
-void ShowXml(const Place& in, Cursor& c) {
+void ShowXml(const Place& in, Cursor& c, const XmlVocabulary* vocabulary) {
   if (StartsWithText(c, kByteOrderMark)) AddLine(in, TakeBytes(c, 3), "Byte Order Mark");
-  Walk walk;
+  Walk walk{vocabulary, {}, 0, 0};
   Loop loop;
   while (MoreAt(in, c, loop)) {
     const Field text = TakeText(c);

@@ -8,7 +8,13 @@ namespace qxview {
 // Whether markup begins here, behind blanks and a byte order mark.
 bool StartsXml(const Cursor& c);
 
+// What a vocabulary makes of an attribute's value and of the text of an element that holds nothing else, under their lines.
+struct XmlVocabulary {
+  void (*showAttribute)(const Place& under, const Field& name, const Field& value);
+  void (*showText)(const Place& under, const Field& element, const Field& text);
+};
+
 // Shows all that is left under `in`. Tags that do not match, and ends that are missing, are shown as far as they go.
-void ShowXml(const Place& in, Cursor& c);
+void ShowXml(const Place& in, Cursor& c, const XmlVocabulary* vocabulary = nullptr);
 
 }  // namespace qxview

@@ -5,6 +5,7 @@
 
 #include "core/decoder.h"
 #include "decoders/app/dnscrypt.h"
+#include "decoders/app/ftp_data.h"
 #include "decoders/app/rtcp.h"
 #include "decoders/app/packet_summaries.h"
 #include "decoders/app/proxy_protocol.h"
@@ -105,16 +106,18 @@ void StorePayload(PacketState& packet, const Cursor& c, bool matchedSource) {
 // proxies pass on (CONNECT) is continued data unless connections are followed.
 bool MayStartTls(const View* view, int32_t identifier) {
   constexpr int32_t kHttp = 0x10004;
-  constexpr int32_t kLdap = 0x10007, kFtp = 0x1000C, kSmtp = 0x1000E, kPop3 = 0x1000F;
-  constexpr int32_t kImap = 0x10250, kXmpp = 0x10252, kNntp = 0x10254;
+  constexpr int32_t kLdap = 0x10007, kFtp = 0x1000C, kFtpData = 0x1000D, kSmtp = 0x1000E, kPop3 = 0x1000F;
+  constexpr int32_t kImap = 0x10250, kXmpp = 0x10252, kNntp = 0x10254, kManageSieve = 0x103F0;
   switch (identifier > 0 ? identifier & (kBuiltinProtocol | 0xFFFF) : 0) {
     case kLdap:
     case kFtp:
+    case kFtpData:
     case kSmtp:
     case kPop3:
     case kImap:
     case kXmpp:
-    case kNntp: return true;
+    case kNntp:
+    case kManageSieve: return true;
     case kHttp: return view->engine->settings.reassembly;
     default: return false;
   }
@@ -286,6 +289,8 @@ void NoteTcpSegment(const Place& at, const Cursor& c, int32_t identifier, uint32
 }
 
 int32_t DispatchTcpPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource) {
+  constexpr int32_t kFtpData = 0x1000D;
+  if (IsFtpData(at.view)) identifier = kFtpData;
   return DispatchPayload(at, c, identifier, matchedSource, kIpProtocolTcp);
 }
 
