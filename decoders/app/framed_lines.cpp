@@ -163,7 +163,7 @@ int32_t DecodeDict(const Place& at, Cursor c) {
   return 1;
 }
 
-// A list with its texts and the blank behind it.
+// A list with its texts and the blank behind it, which is never left out.
 int32_t LengthOfSvn(const Cursor& c) {
   constexpr int64_t kMostNumber = 1 << 30;
   if (PeekU8(c) != '(') return kNoMessage;
@@ -177,7 +177,7 @@ int32_t LengthOfSvn(const Cursor& c) {
     }
     if (octet == ':') at += number;
     if (octet == '(') ++depth;
-    if (octet == ')' && --depth == 0) return static_cast<int32_t>(at) + 1 + IsSpace(PeekU8(c, static_cast<int32_t>(at) + 1));
+    if (octet == ')' && --depth == 0) return at + 1 < Left(c) ? static_cast<int32_t>(at) + 2 : 0;
     number = 0;
   }
   return 0;

@@ -19,7 +19,8 @@ FtpDataEnd EndOf(const AddressSlot& address, uint16_t port) {
 }  // namespace
 
 void AnnounceFtpData(const Place& at, const AddressSlot& address, uint16_t port) {
-  if (port == 0 || PacketOf(at).quoted) return;
+  constexpr uint16_t kLeast = 1024;   // below stand services, whose packets no announcement takes away
+  if (port < kLeast || PacketOf(at).quoted) return;
   Remember(at.view, kFtpDataEnds, EndOf(address, port), FtpDataState{});
 }
 

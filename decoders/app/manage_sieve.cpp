@@ -72,15 +72,6 @@ const char* LabelOf(const Field& verb, int32_t number) {
   return number == 0 ? "Script Name" : "Argument";
 }
 
-bool IsCapability(const Field& name) {
-  constexpr const char* kNames[] = {"IMPLEMENTATION", "SASL", "SIEVE", "STARTTLS", "MAXREDIRECTS", "NOTIFY", "LANGUAGE", "OWNER",
-                                    "VERSION", "UNAUTHENTICATE", "RENAME", "NOOP", "EXTLISTS"};
-  for (const char* each : kNames) {
-    if (IsWord(name, each)) return true;
-  }
-  return false;
-}
-
 bool IsStatus(const Field& word) { return IsWord(word, "OK") || IsWord(word, "NO") || IsWord(word, "BYE"); }
 
 // keys: text Status, Response Code, Response Text, Verb, Mechanism, Initial Response, Script Name, Script Size, Old Script Name
@@ -112,11 +103,11 @@ void ShowStatus(const Place& in, Cursor& c) {
 }
 
 // A line of strings: an ability, a script's name, or what a mechanism of SASL says.
-void ShowStrings(const Place& in, Cursor& c, const Argument& first) {
+void ShowStrings(const Place& in, Cursor& c, const Argument& first, bool isCapability) {
   if (first.isLiteral) return ShowScript(in, first, "Script");
-  const bool isCapability = IsCapability(first.value);
   const bool isSasl = !isCapability && IsSasl(first.value);
-  const Place under = Under(in, AddTextLine(in, first.whole, isCapability ? "Capability" : isSasl ? "Value" : "Script Name", first.value));
+  const char* label = isCapability ? "Capability" : isSasl ? "Value" : "Script Name";
+  const Place under = Under(in, AddTextLine(in, first.whole, label, first.value));
   if (isSasl) ShowSasl(under, first.value);
   Argument argument;
   Loop loop;
@@ -126,7 +117,7 @@ void ShowStrings(const Place& in, Cursor& c, const Argument& first) {
 }
 
 // Result: the octets of a literal that the segment lacks.
-int64_t ShowStatement(const Place& at, Cursor c) {
+int64_t ShowStatement(const Place& at, Cursor c, bool tellsAbilities) {
   const Field whole = Ahead(c, Left(c));
   TextLine line;
   Cursor ahead = c;
@@ -141,7 +132,7 @@ int64_t ShowStatement(const Place& at, Cursor c) {
   const Place in = Under(at, AddTextLine(at, whole, title, line.text));   // keys: text Response, Strings, Command
   Argument last = first;
   if (first.isString) {
-    ShowStrings(in, c, first);
+    ShowStrings(in, c, first, tellsAbilities);
   } else {
     AddTextLine(in, first.whole, isStatus ? "Status" : "Verb", first.value);
     Cursor arguments = c;
@@ -169,10 +160,11 @@ int32_t DecodeManageSieve(const Place& at, Cursor c) {
     ShowLinesOfText(in, rest, "Script Line");
     if (Left(c) > 0 && TakeLine(ahead = c, line) && line.text.length == 0) AddLine(in, TakeBytes(c, line.whole.length), "End of Line");
   }
+  const bool tellsAbilities = StartsWithText(c, "\"IMPLEMENTATION\"");   // they come first, and alone
   Loop loop;
   while (MoreAt(in, c, loop)) {
     Cursor statement = TakeCursor(c, LengthOfStatement(c));
-    lacking = ShowStatement(in, statement);
+    lacking = ShowStatement(in, statement, tellsAbilities);
   }
   StreamNote note{};
   note.phase = 1;

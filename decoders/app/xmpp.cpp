@@ -78,7 +78,9 @@ Field FirstTag(Cursor c) {
     TakeBytes(c, 1);
     if (PeekU8(c) == '?' || PeekU8(c) == '!') continue;
     Field rest = Ahead(c, Left(c));
-    return TakeWord(rest, " \t\r\n>");
+    const Field name = TakeWord(rest, " \t\r\n>");
+    const bool isEmpty = name.length > 1 && PeekU8(name, name.length - 1) == '/';
+    return isEmpty ? Slice(name, 0, name.length - 1) : name;
   }
   return {};
 }
