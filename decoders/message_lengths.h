@@ -46,5 +46,6 @@ int32_t LengthOfBeep(const Cursor& c);
 int32_t LengthOfUcp(const Cursor& c);
 int32_t LengthOfHl7(const Cursor& c);
 int32_t LengthOfSvn(const Cursor& c);
+int32_t LengthOfRelayedMessage(const Cursor& c);
 
 }  // namespace qxview

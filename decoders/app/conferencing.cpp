@@ -1,5 +1,5 @@
 // Small protocols around calls and conferences: T.38's UDP transport layer (ITU-T T.38 9.1), Session Announcement (RFC 2974),
-// Message Session Relay (RFC 4975), Binary Floor Control (RFC 8855).
+// Binary Floor Control (RFC 8855).
 #include "core/elements.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/message_lengths.h"
@@ -165,51 +165,6 @@ int32_t DecodeSap(const Place& at, Cursor c) {
   }
   if (!in.dead) SetRange(in, line, start, c.offset - start);
   if (Left(c) > 0) CallDecoder(Deeper(at), c, DecodeSdp, "SAP Payload");
-  return 1;
-}
-
-namespace {
-
-bool ShowRelayed(const Place& at, Cursor& c) {
-  if (!PeekIs(c, 0, "MSRP ")) return false;
-  const Cursor start = c;
-  TextLine line;
-  TakeLine(c, line);
-  Field rest = line.text;
-  TakeWord(rest);
-  const Field transaction = TakeWord(rest);
-  const Field what = Trimmed(rest);
-  const Place in = Under(at, AddLine(at, Ahead(start, Left(start)), "MSRP: %s", Text(what)));
-  const Place parts = Under(in, AddTextLine(in, line.whole, "Start Line", line.text));
-  AddTextLine(parts, transaction, "Transaction ID");
-  if (DecimalOf(TakeWord(rest)) >= 0) {
-    AddTextLine(parts, Slice(what, 0, 3), "Status Code");
-    if (what.length > 4) AddTextLine(parts, Slice(what, 4, what.length - 4), "Comment");
-  } else {
-    AddTextLine(parts, what, "Method");
-  }
-  HeaderLine header;
-  Loop loop;
-  while (MoreAt(in, c, loop) && TakeHeader(c, header)) ShowHeader(in, header);
-  ShowEndOfHeaders(in, c);
-  Loop lines;
-  while (MoreAt(in, c, lines) && TakeLine(c, line)) {
-    const bool isEnd = StartsWithWord(line.text, "-------");
-    AddTextLine(in, line.whole, isEnd ? "End Line" : "Content", line.text);
-    if (isEnd) break;
-  }
-  if (!in.dead) SetRange(in, in.parent, start.offset, c.offset - start.offset);
-  return true;
-}
-
-}  // namespace
-
-int32_t DecodeRelayedMessages(const Place& at, Cursor c) {
-  int32_t shown = 0;
-  Loop loop;
-  while (MoreAt(at, c, loop) && ShowRelayed(at, c)) ++shown;
-  if (shown == 0) return 0;
-  AddRawRest(at, c, "MSRP Data");
   return 1;
 }
 

@@ -39,7 +39,8 @@ constexpr auto kHmacNames = SortedNames({{0, "Reserved"}, {1, "SHA-1"}, {2, "Res
 struct Carried {
   uint32_t protocol, index;
 };
-constexpr Carried kCarried[] = {{7, 0x14}, {38, 0x219}, {39, 0x21A}, {40, 0x21C}, {41, 0x21E}, {46, 0xC3}, {63, 0x04}};
+constexpr Carried kCarried[] = {
+    {7, 0x14}, {38, 0x219}, {39, 0x21A}, {40, 0x21C}, {41, 0x21E}, {46, 0xC3}, {50, 0x3FA}, {51, 0x3FB}, {63, 0x04}};
 
 constexpr auto kPorts = Rows<Sctp>({
     Number(2, "Source Port"), Number(2, "Destination Port"), Hex(4, "Verification Tag")});
