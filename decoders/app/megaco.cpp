@@ -81,7 +81,9 @@ void ShowItems(const Place& at, const Place& in, Cursor& c, int32_t depth) {
       Cursor body = TakeCursor(c, end < 0 ? Left(c) : end);
       SkipSpace(body);
       if (Left(body) > 0) CallDecoder(Deeper(at), body, DecodeSdp, "Megaco Data");
-    } else if (depth < kDeepest) {
+    } else if (depth >= kDeepest) {
+      return (void)AddBlock(under, Rest(c), "Nested Items");
+    } else {
       ShowItems(at, under, c, depth + 1);
     }
     if (PeekU8(c) == '}') TakeU8(c);

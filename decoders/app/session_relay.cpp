@@ -13,7 +13,7 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kDashes = 7;
-constexpr int32_t kMostMessage = 1 << 20;   // of one whose end is waited for; senders cut theirs at 2048 bytes and more
+constexpr int32_t kMostMessage = 1 << 17;   // of one whose end is waited for; senders cut theirs at 2048 bytes and more
 
 const char* FlagName(uint32_t flag) {
   switch (flag) {

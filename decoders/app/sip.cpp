@@ -101,7 +101,9 @@ void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type,
   }
   const Place under = Under(in, AddLine(in, Ahead(body, Left(body)), "Message Body"));
   const Field boundary = StartsWithWord(type, "multipart/") ? SipParameter(type, "boundary") : Field{};
-  if (boundary.here && boundary.length > 0 && depth < kDeepest) {
+  const bool hasParts = boundary.here && boundary.length > 0;
+  if (hasParts && depth >= kDeepest) return (void)AddBlock(under, Rest(body), "Nested Parts");
+  if (hasParts) {
     ShowParts(at, under, body, boundary, depth);
   } else if (StartsXml(body)) {
     ShowXml(under, body);

@@ -6,6 +6,7 @@
 
 #include "core/line_facts.h"
 #include "decoders/app/http_inflate.h"
+#include "decoders/app/playlist.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/xml_lines.h"
@@ -30,6 +31,8 @@ constexpr ContentName kContents[] = {
     {"application/soap+xml", WebContent::kXml}, {"application/protobuf", WebContent::kProtobuf},
     {"application/x-protobuf", WebContent::kProtobuf}, {"application/x-ndjson", WebContent::kJson},
     {"application/javascript", WebContent::kText}, {"application/x-javascript", WebContent::kText},
+    {"application/vnd.apple.mpegurl", WebContent::kText}, {"application/x-mpegurl", WebContent::kText},
+    {"audio/mpegurl", WebContent::kText}, {"audio/x-mpegurl", WebContent::kText},
     {"application/graphql", WebContent::kText}, {"multipart/", WebContent::kParts}, {"text/xml", WebContent::kXml},
     {"text/json", WebContent::kJson}, {"text/", WebContent::kText}, {"image/svg+xml", WebContent::kXml},
     {"image/", WebContent::kImage}};
@@ -280,6 +283,8 @@ void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const Web
     if (!isFirst || !ends || !ShowInflatedBody(in, whole, body, body.content)) AddBlock(in, whole, "Encoded Content");
     Rest(c);
     return;
+  } else if (isFirst && StartsPlaylist(c)) {
+    ShowPlaylist(Under(in, AddLine(in, whole, "Playlist: %d bytes", whole.length)), c);
   } else if (body.content == WebContent::kText) {
     ShowText(in, c);
   } else if (isFirst && body.content == WebContent::kJson && StartsJson(c)) {
