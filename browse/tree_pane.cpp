@@ -1,34 +1,12 @@
 #include "browse/tree_pane.h"
 
 #include <algorithm>
-#include <cstdio>
-
-#include "core/line_facts.h"
-#include "core/lines.h"
 
 namespace qxview {
 namespace {
 
 constexpr int32_t kMostDepth = 200;   // trees are not as deep; a bound for the calls of one another
 constexpr size_t kMostChoices = 1000;
-
-// As filters take text: in quotation marks, with what is no printable ASCII by its code.
-std::string Quoted(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      quoted += '\\';
-      quoted += c;
-    } else if (c >= ' ' && c < 0x7F) {
-      quoted += c;
-    } else {
-      char code[8];
-      std::snprintf(code, sizeof code, "\\x%02X", static_cast<unsigned>(static_cast<uint8_t>(c)));
-      quoted += code;
-    }
-  }
-  return quoted + '"';
-}
 
 }  // namespace
 
@@ -187,90 +165,6 @@ size_t TreePane::ParentOf(size_t index) const {
     if (seen_[at].depth < seen_[index].depth) return at;
   }
   return index;
-}
-
-std::string TreePane::TextOf(LineHandle line) const {
-  return line ? std::string(tree_->TextOf(line), static_cast<size_t>(tree_->TextLength(line))) : std::string();
-}
-
-FrameBytes TreePane::BytesOf(LineHandle line) const {
-  if (!line) return {};
-  const DecodeContext* context = view_->context;
-  const ByteRange range = RangeInFrame(context, RangeOfLine(context, tree_, line));
-  const int32_t captured = context->packet.frame ? context->packet.frame->capturedLength : 0;
-  const int32_t offset = std::clamp(RangeOffset(range), 0, captured);
-  const auto length = static_cast<int32_t>(std::min(RangeLength(range), static_cast<uint32_t>(captured - offset)));
-  return {offset, length};
-}
-
-LineHandle TreePane::LineAt(int32_t offset) const {
-  LineHandle best = 0;
-  int32_t shortest = INT32_MAX;
-  for (LineHandle line = 1; line <= tree_->LineCount(); ++line) {
-    const FrameBytes bytes = BytesOf(line);
-    if (bytes.length == 0 || offset < bytes.offset || offset >= bytes.offset + bytes.length || bytes.length > shortest) continue;
-    // Of lines with the same bytes the first one under the others is meant.
-    bool isUnder = bytes.length < shortest;
-    for (LineHandle at = tree_->Parent(line); at && !isUnder; at = tree_->Parent(at)) isUnder = at == best;
-    if (!isUnder) continue;
-    LineHandle top = line;
-    while (tree_->Parent(top)) top = tree_->Parent(top);
-    bool isThere = false;   // lines that were deleted stay in the arena
-    for (LineHandle at = tree_->FirstChild(0); at && !isThere; at = tree_->NextSibling(at)) isThere = at == top;
-    if (!isThere) continue;
-    best = line;
-    shortest = bytes.length;
-  }
-  return best;
-}
-
-std::string TreePane::KeyOf(LineHandle line) const {
-  const LineFact* fact = line ? FactOf(view_->context, tree_->RangeIndex(line)) : nullptr;
-  char key[kKeySize];
-  const int32_t length = fact ? FormatKey(view_->context, *fact, key, sizeof key) : 0;
-  return {key, static_cast<size_t>(length)};
-}
-
-std::string TreePane::ValueOf(LineHandle line) const {
-  const LineFact* fact = line ? FactOf(view_->context, tree_->RangeIndex(line)) : nullptr;
-  if (!fact || fact->kind == ValueKind::kNone) return TextOf(line);
-  if (fact->kind == ValueKind::kNumber) return std::to_string(fact->number);
-  if (fact->kind == ValueKind::kSigned) return std::to_string(static_cast<int64_t>(fact->number));
-  return {ValueText(view_->context, *fact), static_cast<size_t>(fact->valueLength)};
-}
-
-std::string TreePane::FilterOf(LineHandle line) const {
-  const std::string key = KeyOf(line);
-  const LineFact* fact = key.empty() ? nullptr : FactOf(view_->context, tree_->RangeIndex(line));
-  if (!fact || fact->kind == ValueKind::kNone) return key;
-  const std::string value = ValueOf(line);
-  return key + " == " + (fact->kind == ValueKind::kText ? Quoted(value) : value);
-}
-
-LineHandle TreePane::Find(const Literal& text, LineHandle from, bool backward) const {
-  std::vector<LineHandle> order;
-  order.reserve(tree_->LineCount());
-  for (LineHandle line = tree_->FirstChild(0); line;) {
-    order.push_back(line);
-    LineHandle next = tree_->FirstChild(line);
-    while (!next && line) {
-      next = tree_->NextSibling(line);
-      if (!next) line = tree_->Parent(line);
-    }
-    line = next;
-  }
-  if (backward) std::reverse(order.begin(), order.end());
-  auto at = order.begin();
-  if (from) {
-    at = std::find(order.begin(), order.end(), from);
-    if (at != order.end()) ++at;
-  }
-  for (; at != order.end(); ++at) {
-    AskedValue value;
-    value.line = {tree_->TextOf(*at), static_cast<size_t>(tree_->TextLength(*at))};
-    if (text.IsPattern() ? text.Matches(value) : text.IsIn(value)) return *at;
-  }
-  return 0;
 }
 
 }  // namespace qxview

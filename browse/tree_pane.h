@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "browse/tree_lines.h"
 #include "core/context.h"
-#include "query/value.h"
 #include "view/arena_tree.h"
 
 namespace qxview {
@@ -16,12 +16,6 @@ struct SeenLine {
   LineHandle line;
   int32_t depth;     // from 0
   bool hasChildren, isExpanded;
-};
-
-// A line's bytes in the frame; none where it has no length.
-struct FrameBytes {
-  int32_t offset = 0;
-  int32_t length = 0;
 };
 
 class TreePane {
@@ -44,25 +38,21 @@ class TreePane {
   // The line that the one at this index is under; itself at the top.
   size_t ParentOf(size_t index) const;
 
-  std::string TextOf(LineHandle line) const;
-  FrameBytes BytesOf(LineHandle line) const;
-  // The innermost line that has the byte; 0 for none.
-  LineHandle LineAt(int32_t offset) const;
-  // The line's key; empty for none.
-  std::string KeyOf(LineHandle line) const;
-  // A filter that the line's key and value give ("dns.type == 1"); empty for a line without a key.
-  std::string FilterOf(LineHandle line) const;
-  // The line's value alone, as a filter or a user writes it; its text where it has none.
-  std::string ValueOf(LineHandle line) const;
-
+  std::string TextOf(LineHandle line) const { return Any().TextOf(line); }
+  FrameBytes BytesOf(LineHandle line) const { return Any().BytesOf(line); }
+  LineHandle LineAt(int32_t offset) const { return Any().LineAt(offset); }
+  std::string KeyOf(LineHandle line) const { return Any().KeyOf(line); }
+  std::string FilterOf(LineHandle line) const { return Any().FilterOf(line); }
+  std::string ValueOf(LineHandle line) const { return Any().ValueOf(line); }
   // The next line in the tree's order behind `from` (0: from the start) that holds the text, whether it is seen or not.
-  LineHandle Find(const Literal& text, LineHandle from, bool backward) const;
+  LineHandle Find(const Literal& text, LineHandle from, bool backward) const { return Any().Find(text, from, backward); }
 
  private:
   struct Step {
     int32_t index;
     std::string key;
   };
+  TreeLines Any() const { return {view_, tree_}; }   // seen or not
   void Refresh();
   void AddSeen(LineHandle first, int32_t depth);
   void Restore();

@@ -8,6 +8,7 @@
 #include "host/completed_host.h"
 #include "host/packet_addresses.h"
 #include "host/session.h"
+#include "platform/view_window.h"
 #include "qxview/qxview.h"
 
 namespace qxview {
@@ -31,6 +32,7 @@ struct ExportedView {
   bool hasPacket = false;                      // whether `record` holds one
   PacketLineTexts line;
   RecordBuilder builder;
+  std::unique_ptr<WindowPackets> windowPackets;   // what its window lists
   std::vector<char> text, utf8;                // a line's while it is visited
   std::string valueText;
   alignas(8) uint8_t record[kMaxRecord + 1];   // the last packet that was decoded
@@ -40,6 +42,11 @@ inline ExportedView* ViewOf(void* view) { return static_cast<ExportedView*>(view
 
 // Where the lines are: in memory, or in the view's window.
 inline DecodeTree& TreeOf(void* view) { return *ViewOf(view)->session->GetView()->tree; }
+
+// Whether everything that the header tells lies within the record.
+inline bool IsSound(const FrameRecord* record) {
+  return record->dataOffset >= kBareRecordHeader && record->dataOffset + record->capturedLength <= record->recordLength;
+}
 
 // Keeps the reason of a failure for QxView_LastError on this thread; the result is false, 0 and null.
 bool Fail(const char* reason);

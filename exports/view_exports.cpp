@@ -7,12 +7,12 @@
 #include "core/bounded_text.h"
 #include "core/formatter.h"
 #include "core/frame_entry.h"
-#include "exports/exported_view.h"
+#include "core/line_facts.h"
+#include "exports/view_packets.h"
 #include "files/capture_formats.h"
 #include "host/key_log.h"
 #include "platform/mib_modules.h"
 #include "platform/platform.h"
-#include "platform/view_window.h"
 #include "qxview/version.h"
 
 using namespace qxview;
@@ -97,14 +97,10 @@ int32_t DecodeOwnRecord(ExportedView* view, uint32_t userParam1, uint32_t userPa
                                     " is longer than a record holds and was cut");
   }
   TellLinkType(view, record);
+  ShowFrameInWindow(view->session.get(), record);
   return handled;
 } catch (...) {
   return Fail("out of memory");
-}
-
-// Whether everything that the header tells lies within the record.
-bool IsSound(const FrameRecord* record) {
-  return record->dataOffset >= kBareRecordHeader && record->dataOffset + record->capturedLength <= record->recordLength;
 }
 
 bool CheckBytes(void* view, const uint8_t* data, int32_t length) {
@@ -263,7 +259,11 @@ void ClearDecodeLists(void* view) {
 }
 
 void* CreateViewWindow(void* view, void* parent, int32_t left, int32_t top, int32_t width, int32_t height) try {
-  return view ? OpenViewWindow(ViewOf(view)->session.get(), parent, {left, top, width, height}) : nullptr;
+  if (!view) return nullptr;
+  ExportedView* exported = ViewOf(view);
+  if (!exported->windowPackets) exported->windowPackets = std::make_unique<ViewPackets>(exported);
+  KeepFacts(&exported->session->Context(), true);   // the selected line's key is shown
+  return OpenViewWindow(exported->session.get(), parent, {left, top, width, height}, exported->windowPackets.get());
 } catch (...) {
   return nullptr;
 }

@@ -43,6 +43,10 @@ CompletedHost::CompletedHost(const QxHost* lent, const StandaloneHost& own, bool
   Choose<&QxHost::unlockTable>(ownTables);
   Choose<&QxHost::learn>(ownTables);
   Choose<&QxHost::protocolDisplayName>(ownTables && !lent_.protocolDisplayName);
+  // The stand-alone host has no capture buffer and no windows around the view's.
+  Choose<&QxHost::captureBufferState>(false);
+  Choose<&QxHost::lendPacket>(false);
+  Choose<&QxHost::viewRequest>(false);
 }
 
 }  // namespace qxview

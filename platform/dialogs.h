@@ -15,6 +15,7 @@ struct FileDialog {
   const char* filterName;       // "Captures (*.BFR)"
   const char* filterPattern;    // "*.BFR"
   const char* inUseMessage;     // shown for a file that another program holds open; the dialog then stays
+  const char* extension = "BFR";   // of names without one
 };
 
 // The name stands in `fileName` on entry (to offer) and on return; false when cancelled.

@@ -1,9 +1,11 @@
-// The window of a packet view: the decode tree in a tree control of the platform. Where there is no desktop there is
-// none, and the functions below say so with null or false.
+// The window of a packet view: the packets that the host lends in a list, the decode tree in a tree control of the platform,
+// the packet's bytes. Where there is no desktop there is none, and the functions below say so with null or false.
 #pragma once
 #include <cstdint>
+#include <string>
 
 #include "host/session.h"
+#include "qxview/qxview_host.h"
 
 namespace qxview {
 
@@ -12,9 +14,37 @@ struct WindowPlace {
   int32_t left, top, width, height;
 };
 
+// A packet in a window's list. Texts are in the characters of lines.
+struct ListedPacket {
+  int64_t nanoseconds;
+  uint32_t length;   // on the wire
+  std::string source, destination, summary;
+};
+
+// What stands behind a window: the packets that it lists, and what it asks of the program around.
+class WindowPackets {
+ public:
+  virtual ~WindowPackets() = default;
+  // Packets that can be listed, numbered from 1; 0 where the host lends none.
+  virtual uint64_t Count() = 0;
+  // The packet's record, good until the next call of anything here; null when it is not there any more.
+  virtual const FrameRecord* Lend(uint64_t number) = 0;
+  virtual bool Describe(uint64_t number, ListedPacket* out) = 0;
+  // Decodes the packet into the view.
+  virtual bool Show(uint64_t number) = 0;
+  // Hands what the user asked for to the host; false when the host does not do that. With null: whether it would.
+  virtual bool Ask(const QxViewRequest* request) = 0;
+  // Saves the shown packet's lines as text; false with what is wrong.
+  virtual bool SaveText(const std::string& path, std::string* wrong) = 0;
+};
+
 // Makes the session's window, as a child of `parent` or with null as a window of its own, and shows the session in it
-// until the window is destroyed, by whomever. Null when the session has one already, or when it cannot be made.
-void* OpenViewWindow(Session* session, void* parent, const WindowPlace& place);
+// until the window is destroyed, by whomever. Null when the session has one already, or when it cannot be made. packets:
+// null for a window without a list.
+void* OpenViewWindow(Session* session, void* parent, const WindowPlace& place, WindowPackets* packets = nullptr);
+
+// The session decoded this frame into its tree: the other panes follow.
+void ShowFrameInWindow(Session* session, const FrameRecord* record);
 
 // False when the session has no window.
 bool CloseViewWindow(Session* session);

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Draws the images that lines of the decode tree have, one bitmap each: resources/tr0.bmp to tr21.bmp.
+"""Draws the images that lines of the decode tree have, one bitmap each: resources/tr0.bmp to tr21.bmp. For screens of 144
+and 192 dots per inch they stand side by side in one bitmap each: resources/tr_144.bmp and tr_192.bmp.
 
   scripts/draw_images.py             writes them (and the list of them, resources/images.rc)
   scripts/draw_images.py --check     exit status 1 when a file differs from what would be written
@@ -45,15 +46,38 @@ def cross(x, y, size):
     return min(abs(x), abs(y)) <= 1 and max(abs(x), abs(y)) <= size
 
 
-def draw(shape, size, line, fill, core=None):
-    """Rows of colour letters: the shape outlined and filled, with a smaller one in its middle when it has a core."""
-    def pixel(x, y):
-        if not shape(x, y, size):
+class Style:
+    """An image by its shape, drawn at any size: the letters of its colours by place, in units of the smallest image."""
+
+    def __init__(self, shape, size, line, fill, core=None):
+        self.shape, self.size, self.line, self.fill, self.core = shape, size, line, fill, core
+
+    def letter(self, x, y, scale):
+        """The shape outlined and filled, with a smaller one in its middle when it has a core."""
+        x, y, grown = x - MIDDLE, y - MIDDLE, (1 - 1 / scale) / 2   # of a pixel of the smallest the outer half, too
+        if not self.shape(x, y, self.size + grown):
             return "."
-        if not all(shape(x + dx, y + dy, size) for dx, dy in ((1, 0), (-1, 0), (0, 1), (0, -1))):
-            return line
-        return core if core and shape(x, y, size - 3) else fill
-    return ["".join(pixel(x - MIDDLE, y - MIDDLE) for x in range(WIDTH)) for y in range(HEIGHT)]
+        if not all(self.shape(x + dx, y + dy, self.size + grown) for dx, dy in ((1, 0), (-1, 0), (0, 1), (0, -1))):
+            return self.line
+        return self.core if self.core and self.shape(x, y, self.size - 3 + grown) else self.fill
+
+
+class Pixels:
+    """An image by its pixels, which are larger on other screens."""
+
+    def __init__(self, rows):
+        self.rows = rows
+
+    def letter(self, x, y, _scale):
+        return self.rows[int(y + 0.5)][int(x + 0.5)]
+
+
+def draw(style, scale=1):
+    """Rows of colour letters."""
+    def place(pixel):
+        return (pixel + 0.5) / scale - 0.5
+    return ["".join(style.letter(place(x), place(y), scale) for x in range(int(WIDTH * scale)))
+            for y in range(int(HEIGHT * scale))]
 
 
 def raw_data():
@@ -69,39 +93,43 @@ def bit_field():
 
 
 IMAGES = [
-    draw(square, 3, "a", "l"), draw(square, 5, "b", "w"), draw(circle, 5, "g", "w"), draw(diamond, 5, "o", "w"),
-    draw(triangle, 5, "r", "w"), draw(hexagon, 5, "p", "w"),
-    raw_data(),
-    draw(square, 6, "k", "l", "k"), draw(hexagon, 6, "k", "a", "w"),
-    draw(square, 6, "b", "B"), draw(circle, 6, "g", "G"), draw(diamond, 6, "o", "O"), draw(triangle, 6, "r", "R"),
-    bit_field(),
-    draw(square, 6, "b", "w", "b"), draw(circle, 6, "g", "w", "g"), draw(diamond, 6, "o", "w", "o"),
-    draw(hexagon, 6, "p", "w", "p"),
-    draw(circle, 3, "b", "B"), draw(circle, 3, "g", "G"), draw(circle, 3, "r", "R"), draw(cross, 5, "k", "k"),
+    Style(square, 3, "a", "l"), Style(square, 5, "b", "w"), Style(circle, 5, "g", "w"), Style(diamond, 5, "o", "w"),
+    Style(triangle, 5, "r", "w"), Style(hexagon, 5, "p", "w"),
+    Pixels(raw_data()),
+    Style(square, 6, "k", "l", "k"), Style(hexagon, 6, "k", "a", "w"),
+    Style(square, 6, "b", "B"), Style(circle, 6, "g", "G"), Style(diamond, 6, "o", "O"), Style(triangle, 6, "r", "R"),
+    Pixels(bit_field()),
+    Style(square, 6, "b", "w", "b"), Style(circle, 6, "g", "w", "g"), Style(diamond, 6, "o", "w", "o"),
+    Style(hexagon, 6, "p", "w", "p"),
+    Style(circle, 3, "b", "B"), Style(circle, 3, "g", "G"), Style(circle, 3, "r", "R"), Style(cross, 5, "k", "k"),
 ]
+LARGER = {144: 1.5, 192: 2}   # dots per inch: times the smallest, which is for 96
 
 
 def bitmap(rows):
     """The file of an image: 16 colours, rows from below, each of whole words."""
     letters = list(COLOURS)
-    stride = (WIDTH + 7) // 8 * 4
+    width, height = len(rows[0]), len(rows)
+    stride = (width + 7) // 8 * 4
     palette = b"".join(struct.pack("<I", COLOURS[letter]) for letter in letters) + bytes(4 * (16 - len(letters)))
     pixels = b""
     for row in reversed(rows):
-        indexes = [letters.index(letter) for letter in row] + [0] * (2 * stride - WIDTH)
+        indexes = [letters.index(letter) for letter in row] + [0] * (2 * stride - width)
         pixels += bytes(high << 4 | low for high, low in zip(indexes[::2], indexes[1::2]))
     start = 14 + 40 + len(palette)
     return (struct.pack("<2sIII", b"BM", start + len(pixels), 0, start)
-            + struct.pack("<IiiHHIIiiII", 40, WIDTH, HEIGHT, 1, 4, 0, len(pixels), 0, 0, 16, 0) + palette + pixels)
+            + struct.pack("<IiiHHIIiiII", 40, width, height, 1, 4, 0, len(pixels), 0, 0, 16, 0) + palette + pixels)
 
 
 def files():
     """What stands in resources/: name and bytes."""
     listed = "// The images of the decode tree's lines, drawn by scripts/draw_images.py.\n"
-    for number, rows in enumerate(IMAGES):
-        assert len(rows) == HEIGHT and all(len(row) == WIDTH for row in rows), number
-        yield f"tr{number}.bmp", bitmap(rows)
+    for number, style in enumerate(IMAGES):
+        yield f"tr{number}.bmp", bitmap(draw(style))
         listed += f'TR{number} BITMAP "resources/tr{number}.bmp"\n'
+    for dots, scale in LARGER.items():
+        yield f"tr_{dots}.bmp", bitmap(["".join(row) for row in zip(*(draw(style, scale) for style in IMAGES))])
+        listed += f'TR_{dots} BITMAP "resources/tr_{dots}.bmp"\n'
     yield "images.rc", listed.encode()
 
 

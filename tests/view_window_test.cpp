@@ -43,10 +43,10 @@ class ViewWindows : public ::testing::Test {
     return static_cast<HWND>(OpenViewWindow(session_.get(), parent_, place));
   }
   void DecodeArp() {
-    Record record(Ethernet(0x0806, Hex("0001 0800 06 04 0001") + Bytes(38)));
-    session_->Decode(record.get());
+    session_->Decode(arp_.get());
   }
   DecodeTree& Tree() { return *session_->GetView()->tree; }
+  Record arp_{Ethernet(0x0806, Hex("0001 0800 06 04 0001") + Bytes(38))};   // stays while it is shown
   TestHost host_;
   HWND parent_ = nullptr;
   std::unique_ptr<Session> session_;

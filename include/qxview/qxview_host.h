@@ -52,6 +52,24 @@ typedef struct QxCaptureBufferState {
   uint64_t packetCount;     /* packets that it holds */
 } QxCaptureBufferState;
 
+/* What the user asks of the host in a view's window, by its context menu. */
+enum QxViewRequestKind {
+  QX_START_CAPTURE = 1,     /* capture what the selected packet's addresses exchange */
+  QX_POST_FILTER = 2,       /* of the packets in the buffer show those */
+  QX_FILTER = 3             /* from now on capture those alone */
+};
+
+typedef struct QxViewRequest {
+  uint32_t size;            /* of this record */
+  int32_t kind;             /* QxViewRequestKind */
+  int64_t packetNumber;     /* the packet that is shown */
+  AddressSlot source;       /* of its innermost datagram; of kind 0 where there is none */
+  AddressSlot destination;
+  uint16_t sourcePort;      /* 0 where there are none */
+  uint16_t destinationPort;
+  const char *expression;   /* the selected line as a display filter, "dns.type == 1"; an empty text for none */
+} QxViewRequest;
+
 typedef struct QxHost {
   uint32_t size;            /* of this record */
   void *user;               /* handed back with every call */
@@ -100,6 +118,11 @@ typedef struct QxHost {
   const uint8_t *(*optionalElement)(void *user);
   /* How many packets compressed with FRF.9 were decompressed since the state was last asked for. */
   uint32_t (*decompressedPackets)(void *user);
+
+  /* ---- The packet view's window; called on the thread of the window ---- */
+
+  /* 1 when the host does this. Null, or a null request that is answered with 0: the menu does not offer it. */
+  int32_t (*viewRequest)(void *user, const QxViewRequest *request);
 } QxHost;
 
 #ifdef __cplusplus

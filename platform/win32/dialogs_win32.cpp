@@ -48,7 +48,7 @@ bool AskFileName(void* window, const FileDialog& dialog, char* fileName, int32_t
   ask.lpstrFile = fileName;
   ask.nMaxFile = static_cast<DWORD>(size);
   ask.lpstrTitle = dialog.title;
-  ask.lpstrDefExt = "BFR";
+  ask.lpstrDefExt = dialog.extension;
   ask.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_PATHMUSTEXIST |
               (dialog.saving ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
   const AskFunction show = FindAskFunction(dialog.saving);

@@ -225,12 +225,35 @@ const CommonControls* FindCommonControls() {
   return loaded ? &controls : nullptr;
 }
 
+// Of screens with more dots: all bitmaps side by side in one.
+struct LargerImages {
+  uint32_t fromDotsPerInch;
+  const char* name;
+  int32_t width, height;
+};
+constexpr LargerImages kLargerImages[] = {{168, "TR_192", 2 * kImageWidth, 2 * kImageHeight},
+                                          {120, "TR_144", 3 * kImageWidth / 2, 3 * kImageHeight / 2}};
+
+HIMAGELIST LoadLargerImages(const CommonControls& controls, HMODULE module, const LargerImages& larger) {
+  const HIMAGELIST images = controls.createList(larger.width, larger.height, ILC_COLOR24 | ILC_MASK, 2 * kBitmapCount, 0);
+  const HBITMAP bitmap = images ? LoadBitmapA(module, larger.name) : nullptr;
+  // Once more for the last image, which repeats the first.
+  for (int round = 0; bitmap && round < 2; ++round) controls.addMasked(images, bitmap, kTransparent);
+  if (bitmap) DeleteObject(bitmap);
+  if (images && controls.countImages(images) >= kImageCount) return images;
+  if (images) controls.destroyList(images);
+  return nullptr;
+}
+
 // The images of the levels from the resources of the module that this code is in; null when one is missing.
-HIMAGELIST LoadLevelImages(const CommonControls& controls) {
+HIMAGELIST LoadLevelImages(const CommonControls& controls, uint32_t dotsPerInch) {
   HMODULE module;
   if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                           reinterpret_cast<LPCSTR>(&kBitmapCount), &module)) {
     return nullptr;
+  }
+  for (const LargerImages& larger : kLargerImages) {
+    if (dotsPerInch >= larger.fromDotsPerInch) return LoadLargerImages(controls, module, larger);
   }
   const HIMAGELIST images = controls.createList(kImageWidth, kImageHeight, ILC_COLOR24 | ILC_MASK, kImageCount, 0);
   if (!images) return nullptr;
@@ -249,12 +272,12 @@ HIMAGELIST LoadLevelImages(const CommonControls& controls) {
 
 }  // namespace
 
-void* CreateTreeControl(void* parent) {
+void* CreateTreeControl(void* parent, uint32_t dotsPerInch) {
   const CommonControls* controls = FindCommonControls();
   if (!controls) return nullptr;
-  const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES};
+  const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_TREEVIEW_CLASSES | ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
   controls->init(&classes);
-  const HIMAGELIST images = LoadLevelImages(*controls);
+  const HIMAGELIST images = LoadLevelImages(*controls, dotsPerInch);
   if (!images) return nullptr;
   const DWORD style = WS_CHILD | WS_VISIBLE | WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
                       TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP;
@@ -266,6 +289,14 @@ void* CreateTreeControl(void* parent) {
   }
   Send(control, TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images));
   return control;
+}
+
+void ScaleTreeControl(void* control, uint32_t dotsPerInch) {
+  const CommonControls* controls = FindCommonControls();
+  const HIMAGELIST images = controls ? LoadLevelImages(*controls, dotsPerInch) : nullptr;
+  if (!images) return;
+  const LRESULT before = Send(control, TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images));
+  controls->destroyList(reinterpret_cast<HIMAGELIST>(before));
 }
 
 void DestroyTreeControl(void* control) {

@@ -53,9 +53,12 @@ class TreeControl final : public DecodeTree {
   bool held_ = false;
 };
 
-// A tree view control with the level images, as a child of `parent`; null when it cannot be made or an image is
-// missing.
-void* CreateTreeControl(void* parent);
+// A tree view control with the level images of a screen's size, as a child of `parent`; null when it cannot be made or an
+// image is missing.
+void* CreateTreeControl(void* parent, uint32_t dotsPerInch = 96);
+
+// The window came to a screen of other dots.
+void ScaleTreeControl(void* control, uint32_t dotsPerInch);
 
 // The image list of a control that CreateTreeControl made goes with it; the caller destroys the control first.
 void DestroyTreeControl(void* control);

@@ -1,19 +1,17 @@
-// A Windows program that shows packets with qxview.dll: a capture's packet as a tree in the upper part of its window,
-// the packet's bytes in the lower one, with those of the selected line marked.
+// A Windows program around qxview.dll: it lends a capture's packets, and the view's window shows them in a list, the selected
+// one as a tree and as bytes.
 //
-//   windows_host CAPTURE [PACKET [TEXT]]     CAPTURE: a pcap file of an Ethernet; the packet's number, from 1; a text:
-//                                            the first line that holds it is selected
+//   windows_host CAPTURE [PACKET [TEXT]]     CAPTURE: a file of any form that qxview reads; the packet's number, from 1; a
+//                                            text: the first line that holds it is selected
 //
-// Page Down and Page Up with Ctrl show the next and the previous packet.
+// The view's keys are those of its menu (right mouse button, Shift+F10).
 #include <windows.h>
 // Behind windows.h, whose types it uses.
 #include <commctrl.h>
 
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -26,6 +24,33 @@ namespace {
 HMODULE library;
 
 #define QX(name) reinterpret_cast<decltype(&name)>(reinterpret_cast<void*>(GetProcAddress(library, #name)))
+
+// ---- The capture: packets as the records that capture buffers hold (docs/capture-file.md), which begin with the packet's time
+// and have their length in bytes 14 and 15 ----
+
+std::vector<std::vector<char>> packets;
+
+void ReadCapture(const char* name) {
+  void* capture = QX(QxView_OpenCapture)(name);
+  QxPacket packet{};
+  packet.size = sizeof packet;
+  while (capture && QX(QxView_NextPacket)(capture, &packet) == 1) {
+    const char* record = static_cast<const char*>(packet.record);
+    uint16_t length;
+    std::memcpy(&length, record + 14, sizeof length);
+    packets.emplace_back(record, record + length);
+  }
+  QX(QxView_CloseCapture)(capture);
+}
+
+int32_t CountPackets(void*, QxCaptureBufferState* out) {
+  out->packetCount = packets.size();
+  return 1;
+}
+
+const void* LendPacket(void*, uint64_t number) {
+  return number >= 1 && number <= packets.size() ? packets[static_cast<size_t>(number) - 1].data() : nullptr;
+}
 
 // ---- What the module asks of its host: settings, names of addresses, protocols of ports ----
 
@@ -63,6 +88,21 @@ int32_t HashFind(void*, void*, uint16_t port, int32_t* identifier) {
   return 0;
 }
 
+// A program that captures would start it or set its filter; this one tells what it was asked for.
+HWND window;
+int32_t TakeRequest(void*, const QxViewRequest* request) {
+  if (!request) return 1;   // these are offered
+  const char* const kKinds[] = {"", "Start capture", "Post-filter", "Filter"};
+  char text[400];
+  const auto* from = request->source.address + 12;
+  const auto* to = request->destination.address + 12;
+  std::snprintf(text, sizeof text, "%s: %u.%u.%u.%u port %u, %u.%u.%u.%u port %u; the line: %s", kKinds[request->kind],
+                from[0], from[1], from[2], from[3], request->sourcePort, to[0], to[1], to[2], to[3],
+                request->destinationPort, request->expression);
+  SetWindowTextA(window, text);
+  return 1;
+}
+
 const QxHost* Host() {
   static QxHost host{};
   host.size = sizeof host;
@@ -70,86 +110,15 @@ const QxHost* Host() {
   host.addressAlias = AddressAlias;
   host.definitionTable = DefinitionTable;
   host.hashFind = HashFind;
+  host.captureBufferState = CountPackets;
+  host.lendPacket = LendPacket;
+  host.viewRequest = TakeRequest;
   return &host;
-}
-
-// ---- The capture: packets as records, the form that capture buffers hold them in (docs/capture-file.md) ----
-
-struct Record {
-  int64_t nanoseconds;
-  uint16_t capturedLength, flags, dataOffset, recordLength;
-  uint8_t medium, partial, layout, direction;
-  uint32_t receiveErrors;
-  uint64_t packetNumber;
-  uint32_t wireLength;
-  uint8_t unused[12];
-  uint8_t bytes[65535 - 48];
-};
-static_assert(offsetof(Record, bytes) == 48);
-
-// The packets of a pcap file in this machine's byte order, with times in microseconds.
-std::vector<std::unique_ptr<Record>> ReadCapture(const char* name) {
-  std::vector<std::unique_ptr<Record>> packets;
-  FILE* file = std::fopen(name, "rb");
-  uint32_t header[6], packet[4];   // of the file; seconds, microseconds, length captured and on the wire
-  if (file && std::fread(header, sizeof header, 1, file) == 1 && header[0] == 0xA1B2C3D4 && header[5] == 1) {
-    while (std::fread(packet, sizeof packet, 1, file) == 1 && packet[2] <= sizeof Record::bytes) {
-      auto record = std::make_unique<Record>();
-      if (packet[2] && std::fread(record->bytes, packet[2], 1, file) != 1) break;
-      record->nanoseconds = packet[0] * 1000000000ll + packet[1] * 1000ll;
-      record->capturedLength = static_cast<uint16_t>(packet[2]);
-      record->dataOffset = offsetof(Record, bytes);
-      record->recordLength = static_cast<uint16_t>(record->dataOffset + packet[2]);
-      record->layout = 1;
-      record->packetNumber = packets.size() + 1;
-      record->wireLength = packet[3];
-      packets.push_back(std::move(record));
-    }
-  }
-  if (file) std::fclose(file);
-  return packets;
 }
 
 // ---- The window ----
 
-std::vector<std::unique_ptr<Record>> packets;
-size_t shown;
 void* view;
-HWND tree, bytes;   // the view's window, with the tree view control in it; an edit control
-constexpr int kBytesHeight = 80;
-
-// The packet's bytes as text, sixteen a row; a byte's digits stand at 3 * index of its row, whose length is kRow.
-constexpr size_t kRow = 3 * 16 + 1;
-
-void ShowBytes() {
-  std::string text;
-  for (size_t i = 0; i < packets[shown]->capturedLength; ++i) {
-    char digits[8];
-    std::snprintf(digits, sizeof digits, i % 16 == 15 ? "%02X\r\n" : "%02X ", packets[shown]->bytes[i]);
-    text += digits;
-  }
-  SetWindowTextA(bytes, text.c_str());
-}
-
-void MarkBytesOf(uintptr_t line) {
-  int32_t offset = 0;
-  uint32_t length = 0;
-  QX(QxView_LineRange)(view, line, &offset, &length, nullptr);
-  const auto place = [](size_t index) { return index / 16 * kRow + index % 16 * 3; };
-  const size_t first = static_cast<size_t>(offset), last = first + length - 1;
-  SendMessageA(bytes, EM_SETSEL, length ? place(first) : 0, length ? static_cast<LPARAM>(place(last) + 2) : 0);
-  SendMessageA(bytes, EM_SCROLLCARET, 0, 0);
-}
-
-void ShowPacket(HWND window, size_t index) {
-  if (index >= packets.size()) return;
-  shown = index;
-  ShowBytes();
-  QX(QxView_DecodeFrame)(view, packets[index].get(), 0, 0, 0);
-  char title[80];
-  std::snprintf(title, sizeof title, "qxview - packet %zu of %zu", index + 1, packets.size());
-  SetWindowTextA(window, title);
-}
 
 // The first line that holds the text, from this one and its siblings on; 0 when none does.
 uintptr_t FindLine(uintptr_t line, const char* text) {
@@ -162,45 +131,13 @@ uintptr_t FindLine(uintptr_t line, const char* text) {
   return 0;
 }
 
-void PlaceParts(HWND window) {
-  RECT area;
-  GetClientRect(window, &area);
-  const int height = area.bottom > kBytesHeight ? area.bottom - kBytesHeight : 0;
-  MoveWindow(tree, 0, 0, area.right, height, TRUE);
-  MoveWindow(bytes, 0, height, area.right, kBytesHeight, TRUE);
-  QX(CorrectView)(view);
-}
-
-LRESULT CALLBACK RunWindow(HWND window, UINT message, WPARAM what, LPARAM value) {
+LRESULT CALLBACK RunWindow(HWND handle, UINT message, WPARAM what, LPARAM value) {
   switch (message) {
-    case WM_CREATE: {
-      const DWORD style = WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL;
-      bytes = CreateWindowExA(WS_EX_CLIENTEDGE, "EDIT", "", style, 0, 0, 0, 0, window, nullptr, nullptr, nullptr);
-      SendMessageA(bytes, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)), TRUE);
-      tree = static_cast<HWND>(QX(CreateViewWindow)(view, window, 0, 0, 100, 100));
-      return tree ? 0 : -1;
-    }
-    case WM_SIZE:
-      PlaceParts(window);
-      return 0;
-    case WM_SETFOCUS:
-      QX(SetFocusOnDecodeList)(view);
-      return 0;
-    case WM_NOTIFY: {   // of the tree view control
-      const auto* note = reinterpret_cast<const NMTREEVIEWA*>(value);
-      if (note->hdr.code == TVN_SELCHANGEDA) MarkBytesOf(reinterpret_cast<uintptr_t>(note->itemNew.hItem));
-      const auto* key = reinterpret_cast<const NMTVKEYDOWN*>(value);
-      if (note->hdr.code == TVN_KEYDOWN && GetKeyState(VK_CONTROL) < 0) {
-        if (key->wVKey == VK_NEXT) ShowPacket(window, shown + 1);
-        if (key->wVKey == VK_PRIOR && shown > 0) ShowPacket(window, shown - 1);
-      }
-      return 0;
-    }
-    case WM_DESTROY:
-      PostQuitMessage(0);
-      return 0;
-    default:
-      return DefWindowProcA(window, message, what, value);
+    case WM_CREATE: return QX(CreateViewWindow)(view, handle, 0, 0, 0, 0) ? 0 : -1;
+    case WM_SIZE: return QX(CorrectView)(view), 0;
+    case WM_SETFOCUS: return QX(SetFocusOnDecodeList)(view), 0;
+    case WM_DESTROY: return PostQuitMessage(0), 0;
+    default: return DefWindowProcA(handle, message, what, value);
   }
 }
 
@@ -209,14 +146,21 @@ int Fail(const char* message) {
   return 1;
 }
 
+void ShowPacket(size_t number, const char* text) {
+  if (number >= 1 && number <= packets.size()) QX(QxView_DecodeFrame)(view, packets[number - 1].data(), 0, 0, 0);
+  const HWND tree = FindWindowExA(GetWindow(window, GW_CHILD), nullptr, WC_TREEVIEWA, nullptr);
+  const uintptr_t line = text ? FindLine(QX(QxView_FirstLine)(view), text) : 0;
+  if (line) SendMessageA(tree, TVM_SELECTITEM, TVGN_CARET, static_cast<LPARAM>(line));
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
   if (count < 2) return Fail("usage: windows_host CAPTURE [PACKET [TEXT]]");
-  packets = ReadCapture(arguments[1]);
-  if (packets.empty()) return Fail("no packets there");
   library = LoadLibraryA("qxview.dll");
   if (!library) return Fail("qxview.dll cannot be loaded");
+  ReadCapture(arguments[1]);
+  if (packets.empty()) return Fail("no packets there");
   view = QX(QxView_CreateView)(Host());
   if (!view) return Fail("no view");
 
@@ -226,15 +170,13 @@ int main(int count, char** arguments) {
   windowClass.hInstance = GetModuleHandleA(nullptr);
   windowClass.lpszClassName = "WindowsHost";
   RegisterClassA(&windowClass);
-  const HWND window = CreateWindowExA(0, windowClass.lpszClassName, "qxview", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 20,
-                                      20, 800, 770, nullptr, nullptr, windowClass.hInstance, nullptr);
+  const std::string title = std::string("qxview - ") + arguments[1];
+  const int width = GetSystemMetrics(SM_CXSCREEN) - 40, height = GetSystemMetrics(SM_CYSCREEN) - 40;
+  window = CreateWindowExA(0, windowClass.lpszClassName, title.c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 20, 20,
+                           width, height, nullptr, nullptr, windowClass.hInstance, nullptr);
   if (!window) return Fail("no window");
-  ShowPacket(window, count > 2 ? std::strtoul(arguments[2], nullptr, 10) - 1 : 0);
   ShowWindow(window, SW_SHOW);
-  if (count > 3) {
-    const uintptr_t line = FindLine(QX(QxView_FirstLine)(view), arguments[3]);
-    SendMessageA(GetWindow(tree, GW_CHILD), TVM_SELECTITEM, TVGN_CARET, static_cast<LPARAM>(line));
-  }
+  ShowPacket(count > 2 ? std::strtoul(arguments[2], nullptr, 10) : 1, count > 3 ? arguments[3] : nullptr);
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) {
     TranslateMessage(&message);
