@@ -21,6 +21,7 @@ void AddReadingCommands(CommandLine* line) {
   AddListCommand(line);
   AddPrintCommand(line);
   AddProtocolsCommand(line);
+  AddReportCommand(line);
   AddSaveCommand(line);
   AddStatCommand(line);
   AddXmlCommand(line);

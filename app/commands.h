@@ -14,6 +14,7 @@ void AddFollowCommand(CommandLine* line);
 void AddListCommand(CommandLine* line);
 void AddPrintCommand(CommandLine* line);
 void AddProtocolsCommand(CommandLine* line);
+void AddReportCommand(CommandLine* line);
 void AddSaveCommand(CommandLine* line);
 void AddStatCommand(CommandLine* line);
 void AddXmlCommand(CommandLine* line);

@@ -43,6 +43,7 @@ bool TakeFilter(const std::string& expression, std::string* filter, std::string*
 
 bool PacketSelection::Parse(const std::string& list, std::string* wrong) {
   spans_.clear();
+  text_ = list;
   for (size_t at = 0; at <= list.size();) {
     const size_t comma = std::min(list.find(',', at), list.size());
     const std::string piece = list.substr(at, comma - at);

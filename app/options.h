@@ -17,9 +17,11 @@ class PacketSelection {
   bool Parse(const std::string& list, std::string* wrong);
   bool Holds(uint64_t number) const;
   uint64_t Last() const;   // no packet behind this one is selected
+  const std::string& Text() const { return text_; }   // as it was given
 
  private:
   std::vector<std::pair<uint64_t, uint64_t>> spans_;   // none: every packet
+  std::string text_;
 };
 
 enum class ColorChoice { kAuto, kAlways, kNever };

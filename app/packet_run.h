@@ -59,6 +59,7 @@ class PacketRun {
   // For what asks it for names when the run is over.
   std::shared_ptr<StandaloneHost> KeepHost() { return host_; }
   int Status() const { return status_; }
+  const std::string& Name() const { return reader_->FileName(); }   // of the capture
 
   // For the handler: the times of the current packet and of those before it.
   const PacketTimes& Times() const { return times_; }

@@ -1,39 +1,34 @@
 // The hierarchy of protocols, with the packets and bytes of each.
-#include <map>
-#include <string_view>
+#include <algorithm>
 
+#include "app/protocol_tree.h"
 #include "app/statistics.h"
 #include "core/dispatch.h"
 
 namespace qxview {
-namespace {
 
-// The registry's name of a protocol by its short one.
-std::string NameOf(std::string_view key) {
+std::vector<const std::pair<const std::string, ProtocolTree::Node>*> ProtocolTree::Node::ByPackets() const {
+  std::vector<const std::pair<const std::string, Node>*> sorted;
+  for (const auto& child : under) sorted.push_back(&child);
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const auto* a, const auto* b) { return a->second.traffic.packets > b->second.traffic.packets; });
+  return sorted;
+}
+
+std::string ProtocolTitle(std::string_view key) {
   for (int32_t i = 0; const ProtocolRow* row = RegistryProtocol(i); ++i) {
     if (row->key == key) return row->name;
   }
   return std::string(key);
 }
 
+namespace {
+
 class Protocols final : public Statistic {
  public:
   bool WantsProtocols() const override { return true; }
   void TakeProtocols(const std::vector<const char*>& protocols) override { path_ = &protocols; }
-
-  void Take(const StatPacket& p) override {
-    Node* node = &root_;
-    for (const char* protocol : *path_) {
-      if (nodes_ >= kMostNodes && !node->under.contains(protocol)) break;   // the packet counts towards what is there
-      nodes_ += !node->under.contains(protocol);
-      node->packets += 1;
-      node->bytes += p.length;
-      node = &node->under[protocol];
-    }
-    node->packets += 1;
-    node->bytes += p.length;
-    node->last += 1;
-  }
+  void Take(const StatPacket& p) override { tree_.Add(*path_, p.length); }
 
   std::vector<StatTable> Tables() override {
     StatTable table("Protocols", {{"depth", "Depth", true},
@@ -43,31 +38,23 @@ class Protocols final : public Statistic {
                                   {"percent", "Percent", true},
                                   {"bytes", "Bytes", true},
                                   {"last", "Innermost", true}});
-    AddRows(root_, 0, "", &table);
+    AddRows(tree_.Root(), 0, "", &table);
     return {table};
   }
 
  private:
-  static constexpr size_t kMostNodes = 20000;
-  struct Node {
-    uint64_t packets = 0, bytes = 0, last = 0;   // last: of packets that go no deeper
-    std::map<std::string, Node> under;
-  };
-
-  void AddRows(const Node& node, uint64_t depth, const std::string& path, StatTable* table) const {
-    std::multimap<uint64_t, const std::pair<const std::string, Node>*, std::greater<>> byPackets;
-    for (const auto& child : node.under) byPackets.emplace(child.second.packets, &child);
-    for (const auto& [packets, child] : byPackets) {
-      const std::string whole = path.empty() ? child->first : path + ":" + child->first;
-      table->Number(depth).Text(std::string(2 * depth, ' ') + NameOf(child->first)).Text(whole);
-      table->Number(packets).Percent(packets, root_.packets).Number(child->second.bytes).Number(child->second.last);
-      AddRows(child->second, depth + 1, whole, table);
+  void AddRows(const ProtocolTree::Node& node, uint64_t depth, const std::string& path, StatTable* table) const {
+    for (const auto* child : node.ByPackets()) {
+      const auto& [name, under] = *child;
+      const std::string whole = path.empty() ? name : path + ":" + name;
+      table->Number(depth).Text(std::string(2 * depth, ' ') + ProtocolTitle(name)).Text(whole).Number(under.traffic.packets);
+      table->Percent(under.traffic.packets, tree_.Root().traffic.packets).Number(under.traffic.bytes).Number(under.last);
+      AddRows(under, depth + 1, whole, table);
     }
   }
 
   const std::vector<const char*>* path_ = nullptr;
-  Node root_;
-  size_t nodes_ = 0;
+  ProtocolTree tree_;
 };
 
 }  // namespace

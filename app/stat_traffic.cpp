@@ -6,6 +6,7 @@
 #include "app/bounded_counts.h"
 #include "app/packet_ends.h"
 #include "app/statistics.h"
+#include "app/traffic.h"
 #include "core/bounded_text.h"
 #include "core/frame_record.h"
 
@@ -43,28 +44,6 @@ std::string TextOf(Layer layer, const PacketEnd& end, const QxHost* host) {
   return layer < kTcpLayer ? AddressTextOf(end, host) : EndTextOf(end, host);
 }
 
-struct Traffic {
-  uint64_t packets = 0, bytes = 0;
-  Traffic& operator+=(const Traffic& other) {
-    packets += other.packets;
-    bytes += other.bytes;
-    return *this;
-  }
-};
-
-// Both directions: from the end that sent first, and back.
-struct TwoWays {
-  Traffic there, back;
-  int64_t first = 0, last = 0;
-  bool firstIsSecond = false;   // of the two ends in the key
-  TwoWays& operator+=(const TwoWays& other) {
-    there += other.there;
-    back += other.back;
-    return *this;
-  }
-};
-uint64_t PacketsOf(const TwoWays& count) { return count.there.packets + count.back.packets; }
-
 void RemarkMerged(StatTable& table, uint64_t merged, const Traffic& others, const char* what) {
   if (merged == 0) return;
   table.Remark("others: " + std::to_string(merged) + " " + what + " that counted least, with " + std::to_string(others.packets) +
@@ -96,7 +75,7 @@ class Endpoints final : public Statistic {
       const BoundedCounts<TwoWays>& layer = counts_[i];
       for (const auto& [key, count] : layer.All()) {
         table.Text(kLayerNames[i]).Text(TextOf(static_cast<Layer>(i), EndOf(key), host_)).Number(PacketsOf(count));
-        table.Number(count.there.bytes + count.back.bytes).Number(count.there.packets).Number(count.there.bytes);
+        table.Number(BytesOf(count)).Number(count.there.packets).Number(count.there.bytes);
         table.Number(count.back.packets).Number(count.back.bytes);
       }
       Traffic others = layer.Others().there;
@@ -150,7 +129,7 @@ class Conversations final : public Statistic {
         const std::string one = TextOf(static_cast<Layer>(i), EndPair::First(key), host_);
         const std::string two = TextOf(static_cast<Layer>(i), EndPair::Second(key), host_);
         table.Text(kLayerNames[i]).Text(count.firstIsSecond ? two : one).Text(count.firstIsSecond ? one : two);
-        table.Number(PacketsOf(count)).Number(count.there.bytes + count.back.bytes);
+        table.Number(PacketsOf(count)).Number(BytesOf(count));
         table.Number(count.there.packets).Number(count.there.bytes);
         table.Number(count.back.packets).Number(count.back.bytes);
         table.Seconds(count.first).Seconds(count.last).Seconds(count.last - count.first);
