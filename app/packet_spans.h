@@ -13,7 +13,7 @@ class PacketSpans {
   void Add(uint64_t number) {
     if (number == last_) return;
     ++count_;
-    if (!spans_.empty() && spans_.back().second + 1 == number && last_ + 1 == number) {
+    if (!spans_.empty() && spans_.back().second + 1 == number) {
       ++spans_.back().second;
       ++held_;
     } else if (spans_.size() < kMostSpans) {

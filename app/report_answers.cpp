@@ -68,6 +68,8 @@ std::string PacketFigure(uint64_t number) {
   return Figure(CountText(number), {"frame.number == " + std::to_string(number), 1});
 }
 
+std::string CountOrZero(uint64_t count) { return count ? CountText(count) : "<span class=\"zero\">0</span>"; }
+
 std::string ServersTable(const Exchanges& exchanges) {
   using Entry = std::pair<const std::string, Exchanges::Server>;
   std::vector<const Entry*> servers;
@@ -116,7 +118,7 @@ std::string TimesPlot(const ResponseTimesPlot& times, const char* about) {
     const std::string from = TimeText(i ? ResponseTimesPlot::EndOf(i - 1) : 0), to = TimeText(ResponseTimesPlot::EndOf(i));
     plot.bars.push_back({static_cast<double>(times.bars[i].Count()),
                          (isLast ? "above " + from : from + " to " + to) + ": " + CountText(times.bars[i].Count()), Source::Of(times.bars[i])});
-    plot.ticks.push_back({static_cast<double>(i - first) / static_cast<double>(end - first), i ? from : "0"});
+    plot.ticks.push_back({static_cast<double>(i - first) / static_cast<double>(end - first), i ? from : CountOrZero(0)});
   }
   constexpr size_t kMostTicks = 8;   // else those of the powers of ten
   if (plot.ticks.size() > kMostTicks) {
@@ -167,9 +169,9 @@ std::string TcpSection(const ReportCounts& counts, const std::string& id) {
                              half("destination", from) + ")";
     const Source source{"tcp and " + both, connection.packets};
     table.Row({"<code>" + EscapeHtml(EndTextOf(from, nullptr)) + "</code>", "<code>" + EscapeHtml(EndTextOf(to, nullptr)) + "</code>",
-               CountFigure(connection.packets, source), CountText(t.again), CountText(t.outOfOrder), CountText(t.missing),
-               CountText(t.zeroWindows),
-               t.resets ? CountFigure(t.resets, {"tcp.flags.reset == 1 and " + both, t.resets}) : "0"});
+               CountFigure(connection.packets, source), CountOrZero(t.again), CountOrZero(t.outOfOrder), CountOrZero(t.missing),
+               CountOrZero(t.zeroWindows),
+               t.resets ? CountFigure(t.resets, {"tcp.flags.reset == 1 and " + both, t.resets}) : CountOrZero(0)});
   }
   constexpr size_t kShown = 8;
   html += table.IsEmpty() ? Empty("No connection lost or repeated anything.") : "<h3>Connections with trouble</h3>\n" + table.Html(kShown);

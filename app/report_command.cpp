@@ -58,6 +58,7 @@ std::string ListCommand(const ReadingOptions& options, const std::vector<std::st
   if (!options.selection.Text().empty()) add("--packets", options.selection.Text());
   if (!options.filter.empty()) add("-f", options.filter);
   if (files.size() > 1) command += " --merge";
+  if (options.live) return command + " -";   // what came by is read again from where it was saved
   for (const std::string& file : files) {
     const bool isOption = file.starts_with("-") && file != "-";
     command.append(isOption ? " ./" : " ").append(ShellWord(file));

@@ -66,6 +66,8 @@ void RateCounts::Take(int64_t since, uint64_t bytes) {
     ++early_;
     return;
   }
+  constexpr int64_t kLongest = 90000 * kDay;   // of the 106,751 days that can be told
+  since = std::min(since, kLongest);
   while (static_cast<size_t>(since / kFine[level_]) >= kMostFine && level_ + 1 < std::size(kFine)) Lengthen();
   const auto at = static_cast<size_t>(since / kFine[level_]);
   if (at >= counts_.size()) counts_.resize(at + 1);
@@ -74,14 +76,16 @@ void RateCounts::Take(int64_t since, uint64_t bytes) {
 
 std::vector<Traffic> RateCounts::Rounded(size_t most, int64_t* interval) const {
   const int64_t fine = kFine[level_];
-  const auto all = static_cast<int64_t>(counts_.size()) * fine;
-  *interval = RoundInterval(std::max<int64_t>((all + static_cast<int64_t>(most) - 1) / static_cast<int64_t>(most), fine), fine);
-  std::vector<Traffic> rounded(static_cast<size_t>((all + *interval - 1) / *interval));
+  const uint64_t all = counts_.size() * static_cast<uint64_t>(fine);
+  *interval = RoundInterval(std::max<int64_t>(static_cast<int64_t>((all + most - 1) / most), fine), fine);
+  const auto length = static_cast<uint64_t>(*interval);
+  std::vector<Traffic> rounded(static_cast<size_t>((all + length - 1) / length));
   for (size_t i = 0; i < counts_.size(); ++i) rounded[i / static_cast<size_t>(*interval / fine)] += counts_[i];
   return rounded;
 }
 
-ReportCounts::ReportCounts() : dns(kDnsKeys, &query_), http(kHttpKeys, &query_), findings(&filter_), names(&query_), owners(&query_) {
+ReportCounts::ReportCounts()
+    : dns(kDnsKeys, &query_), http(kHttpKeys, &query_), findings(&filter_), names(&query_), owners(&query_) {
   constexpr const char* kKeys[] = {"frame.source_address", "frame.destination_address", "frame.source",   "frame.destination",
                                    "frame.source_port",    "frame.destination_port",    "frame.protocols"};
   std::string wrong;
@@ -140,7 +144,7 @@ void ReportCounts::TakePorts(const StatPacket& packet, const std::string& source
   bool swapped = false, isNew = false;
   const std::string key = ConversationKey(kTransports[transport], source, sourcePort, destination, destinationPort, &swapped);
   TwoWays& count = conversations.Of(key, PacketsOf, &isNew);
-  const int64_t since = packet.nanoseconds - first;
+  const int64_t since = TimeBetween(first, packet.nanoseconds);
   if (isNew) {
     count.first = since;
     count.firstIsSecond = swapped;
@@ -165,7 +169,7 @@ void ReportCounts::Take(const StatPacket& packet, uint32_t capturedBytes, uint16
   captured += capturedBytes;
   lastNumber = packet.number;
   linkTypes.insert(linkType);
-  rate.Take(packet.nanoseconds - first, packet.length);
+  rate.Take(TimeBetween(first, packet.nanoseconds), packet.length);
   size_t length = 0;
   while (length + 1 < kLengthsFrom.size() && packet.length >= kLengthsFrom[length + 1]) ++length;
   lengths[length] += {1, packet.length};

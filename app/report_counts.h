@@ -90,7 +90,8 @@ class ReportCounts {
 
  private:
   static constexpr size_t kMostKeys = 100000;
-  enum Asked : size_t { kSource, kDestination, kSourceName, kDestinationName, kSourcePort, kDestinationPort, kProtocols, kAskedCount };
+  enum Asked : size_t { kSource, kDestination, kSourceName, kDestinationName, kSourcePort, kDestinationPort, kProtocols,
+                       kAskedCount };
   std::string ValueOf(Asked asked) const;
   void TakeHosts(const std::string& source, const std::string& destination, uint64_t bytes);
   void TakePorts(const StatPacket& packet, const std::string& source, const std::string& destination, size_t transport);

@@ -17,7 +17,7 @@ int64_t ResponseTimesPlot::EndOf(size_t bar) {
 void ResponseTimesPlot::Add(int64_t took, uint64_t packet) {
   least = count == 0 ? took : std::min(least, took);
   most = count == 0 ? took : std::max(most, took);
-  sum += took;
+  sum = TimeBehind(sum, took);
   ++count;
   size_t bar = 0;
   while (bar + 1 < kBars && took > EndOf(bar)) ++bar;
@@ -44,14 +44,14 @@ Exchanges::Server* Exchanges::ServerOf(const std::string& address) {
 
 void Exchanges::Answer(const StatPacket& packet, const std::string& source, uint32_t id) {
   const auto asked = waiting_.Answer(RequestKey(packet.packet, true, id));
-  const int64_t took = asked ? packet.nanoseconds - asked->nanoseconds : -1;
+  const int64_t took = asked ? TimeBetween(asked->nanoseconds, packet.nanoseconds) : -1;
   if (took < 0) return;
   times_.Add(took, packet.number);
   if (const auto server = servers_.find(source); server != servers_.end()) {
     Server& s = server->second;
     s.least = s.timed == 0 ? took : std::min(s.least, took);
     s.most = std::max(s.most, took);
-    s.sum += took;
+    s.sum = TimeBehind(s.sum, took);
     ++s.timed;
   }
   constexpr size_t kMostSlow = 10;
@@ -66,7 +66,7 @@ void Exchanges::Take(const StatPacket& packet, const KeyQuery& query, const std:
   const auto textOf = [&](int32_t asked, size_t at) {
     return asked < 0 || query.ValuesOf(asked).size() <= at ? "" : ToUtf8(TextOfValue(query.ValuesOf(asked)[at]));
   };
-  uint64_t requests = 0, answers = 0;
+  uint64_t requests = 0;
   const auto ask = [&](uint32_t id, size_t at) {
     const std::string more = textOf(more_, at);
     waiting_.Ask(RequestKey(packet.packet, false, id),
@@ -84,9 +84,8 @@ void Exchanges::Take(const StatPacket& packet, const KeyQuery& query, const std:
     for (size_t i = 0; i < query.ValuesOf(request_).size(); ++i) ask(0, i);
     answered.resize(query.ValuesOf(answer_).size());
   }
-  answers = answered.size();
-  if (requests) if (Server* server = ServerOf(destination)) ++server->requests;
-  if (answers) if (Server* server = ServerOf(source)) ++server->answers;
+  if (Server* server = requests ? ServerOf(destination) : nullptr) ++server->requests;
+  if (Server* server = answered.empty() ? nullptr : ServerOf(source)) ++server->answers;
   for (const uint32_t id : answered) Answer(packet, source, id);
 }
 

@@ -12,7 +12,8 @@ using HostEntry = std::pair<const std::string, HostCount>;
 
 // Most packets first; of as many, by the key, so that a report of a capture is the same every time.
 template <typename Entry, typename Packets>
-std::vector<const Entry*> ByPackets(const std::unordered_map<std::string, typename Entry::second_type>& map, const Packets& packetsOf) {
+std::vector<const Entry*> ByPackets(const std::unordered_map<std::string, typename Entry::second_type>& map,
+                                    const Packets& packetsOf) {
   std::vector<const Entry*> sorted;
   for (const Entry& entry : map) sorted.push_back(&entry);
   std::sort(sorted.begin(), sorted.end(), [&](const Entry* a, const Entry* b) {
@@ -126,7 +127,7 @@ std::string ConversationsSection(const ReportCounts& counts, const std::string& 
     if (count.firstIsSecond) one.swap(other);
     table.Row({one, other, ProtocolTitle(transport), CountFigure(PacketsOf(count), source),
                Figure(BytesText(static_cast<double>(BytesOf(count))), source), BytesText(static_cast<double>(count.back.bytes)),
-               EscapeHtml(TimeText(count.first)), EscapeHtml(TimeText(count.last - count.first))});
+               EscapeHtml(TimeText(count.first)), EscapeHtml(TimeText(TimeBetween(count.first, count.last)))});
   }
   std::string html = table.Html(kShown);
   if (conversations.size() > kMost) {
@@ -145,7 +146,7 @@ std::string PortsSection(const ReportCounts& counts, const std::string& id) {
   std::stable_sort(sorted.begin(), sorted.end(),
                    [&](uint32_t a, uint32_t b) { return counts.ports[a].all.packets > counts.ports[b].all.packets; });
   constexpr size_t kShown = 10, kMost = 50;
-  PageTable table({{"Port"}, {"Over", Kind::kText}, {"", Kind::kBar}, {"Packets"}, {"Bytes"}});
+  PageTable table({{"Port", Kind::kMark}, {"Over", Kind::kText}, {"", Kind::kBar}, {"Packets"}, {"Bytes"}});
   for (size_t i = 0; i < sorted.size() && i < kMost; ++i) {
     const PortCount& count = counts.ports[sorted[i]];
     const Source source{"frame.port == " + std::to_string(sorted[i]), count.all.packets};

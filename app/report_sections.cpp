@@ -42,7 +42,7 @@ std::string Tile(const char* label, const std::string& html, const std::string& 
 
 std::string GlanceSection(const ReportCounts& counts, const std::string& id) {
   const Traffic& all = counts.all;
-  const int64_t duration = counts.latest - counts.earliest;
+  const int64_t duration = TimeBetween(counts.earliest, counts.latest);
   const double seconds = static_cast<double>(duration) / 1e9;
   const auto bytes = static_cast<double>(all.bytes);
   std::string html = "<dl class=\"tiles\">\n";
@@ -77,11 +77,11 @@ std::string RateSection(const ReportCounts& counts, const std::string& id) {
   BarPlot packets{"Packets per " + per, {}, {}, [](double n) { return CountText(static_cast<uint64_t>(n)); }};
   BarPlot bytes{"Bytes per " + per, {}, {}, [](double n) { return BytesText(n); }};
   for (size_t i = 0; i < bars.size(); ++i) {
-    const int64_t start = interval * static_cast<int64_t>(i);
-    const Source source{"frame.time >= " + TimeLiteral(counts.first + start) + " and frame.time < " +
-                            TimeLiteral(counts.first + start + interval),
+    const int64_t start = TimeBehind(counts.first, interval * static_cast<int64_t>(i));
+    const Source source{"frame.time >= " + TimeLiteral(start) + " and frame.time < " +
+                            TimeLiteral(TimeBehind(start, interval)),
                         bars[i].packets};
-    const std::string about = ClockText(counts.first + start) + ", for " + length + ": " + CountText(bars[i].packets) +
+    const std::string about = ClockText(start) + ", for " + length + ": " + CountText(bars[i].packets) +
                               " packets, " + BytesText(static_cast<double>(bars[i].bytes));
     packets.bars.push_back({static_cast<double>(bars[i].packets), about, source});
     bytes.bars.push_back({static_cast<double>(bars[i].bytes), about, source});
@@ -109,7 +109,8 @@ Source WaySource(const std::string& path, const Traffic& traffic) {
   return {"frame.protocols matches \"^" + pattern + "(:|$)\"", traffic.packets};
 }
 
-void AddProtocolRows(const ProtocolTree::Node& node, const ProtocolTree& tree, const std::string& path, size_t depth, PageTable* table) {
+void AddProtocolRows(const ProtocolTree::Node& node, const ProtocolTree& tree, const std::string& path, size_t depth,
+                     PageTable* table) {
   const Traffic& all = tree.Root().traffic;
   for (const auto* child : node.ByPackets()) {
     const auto& [name, under] = *child;
@@ -198,9 +199,11 @@ std::string ReportArticle(const ReportCounts& counts, const ReportedCapture& cap
       {"ports", "Ports"}, {"lengths", "Lengths"}, {"dns", "DNS"}, {"http", "HTTP"}, {"tcp", "TCP"}, {"names", "Names"}};
   for (const auto& [section, title] : kSections) html += "<a href=\"#" + id + section + "\">" + title + "</a>";
   html += "</nav>\n<div class=\"sections\">\n" + GlanceSection(counts, id) + TroubleSection(counts, id) + RateSection(counts, id) +
-          ProtocolsSection(counts, id) + HostsSections(counts, id) + ConversationsSection(counts, id) + PortsSection(counts, id) +
-          LengthsSection(counts, id) + ExchangeSection(counts.dns, "DNS", id + "dns") +
-          ExchangeSection(counts.http, "HTTP", id + "http") + TcpSection(counts, id) + NamesSection(counts, id);
+          ProtocolsSection(counts, id) + HostsSections(counts, id) + ConversationsSection(counts, id);
+  // Two stacks beside one another, so that a short section leaves no hole.
+  html += "<div class=\"stack\">" + PortsSection(counts, id) + ExchangeSection(counts.dns, "DNS", id + "dns") +
+          "</div>\n<div class=\"stack\">" + LengthsSection(counts, id) + ExchangeSection(counts.http, "HTTP", id + "http") + "</div>\n" +
+          TcpSection(counts, id) + NamesSection(counts, id);
   return html + "</div>\n</article>\n";
 }
 

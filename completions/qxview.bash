@@ -21,7 +21,7 @@ _qxview_values() {   # OPTION, what is typed of its value
   case $option in
     --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur") ;;
     -t) mapfile -t COMPREPLY < <(compgen -W "r d dd a u e i" -- "$cur") ;;
-    --settings | --files-from | -o) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
+    --settings | --files-from | -o | --output) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
     --format)
       case ${COMP_WORDS[1]} in
         protocols) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
@@ -60,7 +60,7 @@ _qxview_values() {   # OPTION, what is typed of its value
 
 _qxview() {
   local command=${COMP_WORDS[1]} options
-  local commands="capture decode fields find follow help list print protocols save stat xml"
+  local commands="capture decode fields find follow help list print protocols report save stat xml"
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "${COMP_WORDS[1]}")
@@ -116,6 +116,7 @@ _qxview() {
     follow) options+=" --stream --format --side" ;;
     list) options+=" -t --wide --format" ;;
     print) options+=" -o" ;;
+    report) options+=" -o --output" ;;
     protocols) options+=" --format --fields" ;;
     save) options+=" --format --append --partial --name" ;;
     stat) options+=" --format --sort --top --interval" ;;

@@ -22,7 +22,7 @@ function __qxview_definitions
     string join \n tcp: udp:
   end
 end
-set -l reading decode fields find follow list print save stat xml
+set -l reading decode fields find follow list print report save stat xml
 set -l all $reading capture protocols help
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l help -d 'the commands'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l version -d 'the version'
@@ -36,6 +36,7 @@ complete -c qxview -f -n '__fish_seen_subcommand_from help' -a "$reading capture
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a list -d 'one line a packet'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a print -d 'the lines as the print mode writes them'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a protocols -d 'the built-in decoders'
+complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a report -d 'a capture at a glance, as a page'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a save -d 'packets to a capture file'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a stat -d 'statistics as tables'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a xml -d 'packets as an XML document'
@@ -87,6 +88,7 @@ complete -c qxview -n '__fish_seen_subcommand_from list' -l wide -d 'not cut to 
 complete -c qxview -n '__fish_seen_subcommand_from protocols' -l fields -d 'the keys of their lines'
 complete -c qxview -n '__fish_seen_subcommand_from protocols' -l format -x -a 'text json' -d 'output format'
 complete -c qxview -n '__fish_seen_subcommand_from print' -s o -r -d 'output file'
+complete -c qxview -n '__fish_seen_subcommand_from report' -s o -l output -r -d 'the page'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l format -x -a 'pcap pcapng bfr' -d 'file format'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l append -d 'add to an existing file'
 complete -c qxview -n '__fish_seen_subcommand_from save' -l partial -x -d 'cut packets to this many bytes'

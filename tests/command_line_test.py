@@ -169,7 +169,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(running.stderr.read(), b"")
 
     def test_every_command_has_help_with_examples(self):
-        for command in ("decode", "list", "find", "print", "save", "protocols", "xml"):
+        for command in ("decode", "list", "find", "print", "report", "save", "protocols", "xml"):
             status, out, _ = run(command, "--help")
             self.assertEqual(status, 0)
             self.assertIn(b"Example", out, command)
