@@ -123,7 +123,8 @@ document.addEventListener("click",event=>{const e=event.target.closest("[data-n]
 document.addEventListener("keydown",event=>{if(event.key==="Escape")box.hidden=true});
 box.querySelector(".close").addEventListener("click",()=>{box.hidden=true});
 box.querySelector(".copy").addEventListener("click",async event=>{const b=event.target;
-const range=document.createRange();range.selectNodeContents(code);const chosen=getSelection();chosen.removeAllRanges();chosen.addRange(range);
+const range=document.createRange();range.selectNodeContents(code);
+const chosen=getSelection();chosen.removeAllRanges();chosen.addRange(range);
 try{await navigator.clipboard.writeText(code.textContent)}catch{document.execCommand("copy")}
 b.textContent="Copied";setTimeout(()=>{b.textContent="Copy"},1500)});
 const theme=document.querySelector(".theme");theme.hidden=false;theme.addEventListener("click",()=>{
