@@ -10,4 +10,10 @@ inline bool TellsAll(const Place& at) {
   return settings.dnsRecords && settings.ignoreChecksums;
 }
 
+// Bytes that stand in a block of old, on a line that has their key.
+inline void TellBytes(const Place& in, const Field& field, const char* label) {
+  // keys: bytes Padding, Option Value, Authenticator, Message Value, Challenge, Prefix Lengths, Extension Value, Reserved
+  if (TellsAll(in) && field.length > 0) AddLine(in, field, "%s: %s", label, HexText(field));
+}
+
 }  // namespace qxview

@@ -5,8 +5,11 @@
 //
 //   0  type   1  code   2  checksum   4  by type
 //   errors:   4  pointer or unused   5  length of the quote in words   6  next hop's MTU or unused   8  the quote
+#include "core/frame_record.h"
 #include "core/internet_checksum.h"
+#include "core/times.h"
 #include "decoders/common/checksum_line.h"
+#include "decoders/common/tells_all.h"
 #include "decoders/net/icmp_extensions.h"
 #include "decoders/net/icmp_names.h"
 #include "decoders/net/icmp_router.h"
@@ -50,6 +53,27 @@ void AddIdentifiers(const Place& in, Cursor& c) {
   AddLine(in, identifier, "Identifier: 0x%.04X (%u)", identifier.value, identifier.value);
   AddLine(in, sequence, "Sequence Number: %u", sequence.value);
   AppendToParent(in, sequence, ", Identifier = %u, Sequence Number = %u", identifier.value, sequence.value);
+}
+
+// The time that programs put in front of an echo's data to learn how long its way was: seconds and microseconds of 32 bits in
+// either order, or of 64 bits. Only a time near the frame's own is one.
+void TellSendingTime(const Place& in, const Cursor& c) {
+  constexpr int64_t kMillion = 1000000, kDay = 86400;
+  if (!TellsAll(in) || !PacketOf(in).frame || Left(c) < 8) return;
+  const int64_t now = PacketOf(in).frame->nanoseconds / (1000 * kMillion);
+  const auto little = [&c](int32_t at) {
+    const uint32_t word = PeekU32(c, at);
+    return word >> 24 | (word >> 8 & 0xFF00) | (word << 8 & 0xFF0000) | word << 24;
+  };
+  const bool isWide = Left(c) >= 16 && little(4) == 0 && little(12) == 0;
+  const struct { uint32_t seconds, microseconds; int32_t size; } forms[] = {
+      {PeekU32(c), PeekU32(c, 4), 8}, {little(0), little(isWide ? 8 : 4), isWide ? 16 : 8}};
+  for (const auto& form : forms) {
+    const int64_t distance = int64_t{form.seconds} - now;
+    if (distance < -kDay || distance > kDay || form.microseconds >= kMillion) continue;
+    AddLine(in, Ahead(c, form.size), "Sending Time: %s", UtcText(form.seconds, form.microseconds * 1000, 6));
+    return;
+  }
 }
 
 // The rest of an error message is a datagram, and behind it may be an extension structure.
@@ -221,6 +245,7 @@ int32_t DecodeIcmp(const Place& at, Cursor c) {
   AddLine(in, code, "Code: %u%s%s", code.value, codeName ? " = " : "", codeName ? codeName : "");
   AddChecksum(in, checksum, start.at, Left(start));
   DecodeBody({at, in, type.value, code.value}, c);
+  if (type.value == kEchoRequest || type.value == kEchoReply) TellSendingTime(in, c);
   AddBlock(in, Rest(c), "ICMP Data");
   return 1;
 }

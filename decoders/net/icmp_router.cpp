@@ -5,11 +5,12 @@
 #include "decoders/net/icmp_router.h"
 
 #include "core/rows.h"
+#include "decoders/common/tells_all.h"
 
 namespace qxview {
 namespace {
 
-enum ExtensionType : uint32_t { kPadding = 0, kMobilityAgent = 16, kPrefixLengths = 19 };
+enum ExtensionType : uint32_t { kPadding = 0, kMobilityAgent = 16, kPrefixLengths = 19, kChallenge = 24 };
 
 constexpr auto kAgent = Rows<NoValues>({
     Number(2, "Sequence Number"), Number(2, "Registration Lifetime", " seconds"), Hex(2, "Flags"),
@@ -44,6 +45,10 @@ void DecodeAgentExtensions(const Place& in, Cursor& c) {
     if (type.value == kMobilityAgent) {
       AddMobilityAgent(under, extension);
     } else {
+      const char* label = type.value == kPrefixLengths ? "Prefix Lengths"
+                          : type.value == kChallenge   ? "Challenge"   // RFC 4721
+                                                       : "Extension Value";
+      TellBytes(under, Ahead(extension, Left(extension)), label);
       AddBlock(under, Rest(extension), type.value == kPrefixLengths ? "Prefix Lengths" : "Extension Data");
     }
   }

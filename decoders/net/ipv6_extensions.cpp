@@ -7,6 +7,7 @@
 //   ESP        0  security parameters index (32)   4  sequence number (32)   8  encrypted payload
 #include "decoders/net/ipv6_extensions.h"
 
+#include "decoders/common/tells_all.h"
 #include "decoders/net/ip_fragments.h"
 #include "decoders/net/ip_protocol_names.h"
 #include "decoders/net/ipv6_checksum.h"
@@ -54,6 +55,7 @@ void DecodeLongOption(const Place& in, Cursor c, HeaderChain& chain) {
   if (type.value == kPadN) {
     const Field length = TakeU8(c);
     AddLine(in, length, "Length : %u bytes", length.value);
+    TellBytes(in, Ahead(c, Left(c)), "Padding");
     AddBlock(in, Rest(c), "Padding");
     return;
   }
@@ -65,8 +67,9 @@ void DecodeLongOption(const Place& in, Cursor c, HeaderChain& chain) {
     chain.payloadLength = PeekU32(c);
   }
   Cursor fields = c;
-  AddBlock(in, Rest(c), "Option Data:");
-  ShowIPv6Option(in, type.value, fields);
+  const Field data = Rest(c);
+  AddBlock(in, data, "Option Data:");
+  if (!ShowIPv6Option(in, type.value, fields)) TellBytes(in, data, "Option Value");
   if ((type.value == kRpl || type.value == kRplOld) && length.value >= 4) ShowRplOption(in, fields);
 }
 

@@ -29,9 +29,9 @@ void DecodeMobilityOptions(const Place& in, Cursor& c);
 // Drafts of mobility had a number that is another protocol's now; whether the bytes are such a header.
 bool IsDraftMobilityHeader(const Cursor& c);
 
-// What an option holds, behind its length. And the ways of the later routing headers
+// What an option holds, behind its length; false for one that has no fields of its own. And the ways of the later routing headers
 // (ipv6_options.cpp).
-void ShowIPv6Option(const Place& in, uint32_t type, Cursor& c);
+bool ShowIPv6Option(const Place& in, uint32_t type, Cursor& c);
 void ShowSegmentRoute(const Place& in, Cursor& c, HeaderChain& chain, uint32_t segmentsLeft);
 void ShowCompactRoute(const Place& in, Cursor& c, bool isWide);
 

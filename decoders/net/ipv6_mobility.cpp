@@ -4,6 +4,7 @@
 //   0  payload protocol (8)   length in units of 8 bytes beyond the first 8 (8)   type (8)   reserved (8)
 //   4  checksum (16)          6  message, then options: type (8), length (8), data; Pad1 is its type byte alone
 #include "core/elements.h"
+#include "decoders/common/tells_all.h"
 #include "decoders/net/ipv6_extensions.h"
 
 namespace qxview {
@@ -139,6 +140,7 @@ void ShowAgentAddresses(const Place& in, Cursor& c, Mobility& message) {
   for (uint32_t i = 0; i < message.count.value && Left(c) >= 16; ++i) ShowRows(in, c, kAddress);
 }
 
+constexpr uint32_t kHomeTestInit = 1, kCareOfTestInit = 2;
 constexpr auto kMessages = Choices<Mobility>({
     {0, "Binding Refresh Request", kRefreshRows}, {1, "Home Test Init", kHomeTestInitRows},
     {2, "Care-of Test Init", kCareOfTestInitRows}, {3, "Home Test", kHomeTestRows},
@@ -163,10 +165,12 @@ void DecodeMessage(const Place& in, Cursor& c, uint32_t type) {
   const Place under = Under(in, AddLine(in, Ahead(c, Left(c)), "%s Message", known ? known->name : "Mobility"));
   if (known && known->rows.count) {
     Mobility message{};
+    if (type == kHomeTestInit || type == kCareOfTestInit) TellBytes(under, Ahead(c, 2), "Reserved");
     ShowRows(under, c, known->rows, message);
     if (known->show) known->show(under, c, message);
     return DecodeMobilityOptions(under, c);
   }
+  TellBytes(under, Ahead(c, Left(c)), "Message Value");
   AddBlock(under, Rest(c), "Message Data");
 }
 

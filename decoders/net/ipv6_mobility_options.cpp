@@ -3,6 +3,7 @@
 //
 //   type (8), length (8), data; Pad1 is its type byte alone
 #include "core/elements.h"
+#include "decoders/common/tells_all.h"
 #include "decoders/net/ipv6_extensions.h"
 
 namespace qxview {
@@ -21,7 +22,10 @@ void ShowUnits(const Place& in, const Field& time, const char* label) {
 constexpr auto kAdvice = Rows<Option>({Shown(2, "Refresh Interval ", ShowUnits)});
 constexpr auto kAlternate = Rows<Option>({IPv6("Alternate Care-of Address ")});
 constexpr auto kNonces = Rows<Option>({Number(2, "Home Nonce Index "), Number(2, "Care-of Nonce Index ")});
-void ShowAuthenticator(const Place& in, Cursor& c, Option&) { AddBlock(in, Rest(c), "Authenticator"); }
+void ShowAuthenticator(const Place& in, Cursor& c, Option&) {
+  TellBytes(in, Ahead(c, Left(c)), "Authenticator");
+  AddBlock(in, Rest(c), "Authenticator");
+}
 
 constexpr auto kPrefix = Rows<Option>({Number(1, "Reserved"), Number(1, "Prefix Length"), IPv6("Prefix")});
 constexpr auto kLinkCodes = SortedNames({
@@ -199,6 +203,7 @@ constexpr auto kHead = Rows<Option>({Number(1, "Type "), Number(1, "Length ")});
 void DecodePadding(const Place& in, Cursor& c) {
   const Field length = Slice(TakeU16(c), 1, 1);
   AddLine(in, length, "Length : %u bytes", PeekU8(length));
+  TellBytes(in, Ahead(c, Left(c)), "Padding");
   AddBlock(in, Rest(c), "Padding");
 }
 

@@ -219,13 +219,14 @@ constexpr auto kSegmentElements = Choices<Option>({
 
 }  // namespace
 
-void ShowIPv6Option(const Place& in, uint32_t type, Cursor& c) {
+bool ShowIPv6Option(const Place& in, uint32_t type, Cursor& c) {
   const Choice<Option>* known = FindChoice<Option>(kOptions, type);
-  if (!known) return;
+  if (!known) return false;
   Option option{};
   ShowRows<Option>(in, c, known->rows, option);
   if (known->show) known->show(in, c, option);
   c.ranShort = false;   // what is left of a field that is cut
+  return true;
 }
 
 void ShowSegmentRoute(const Place& in, Cursor& c, HeaderChain& chain, uint32_t segmentsLeft) {
