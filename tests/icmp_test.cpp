@@ -22,6 +22,24 @@ std::string Lines(const std::string& tree, const std::string& from, const std::s
   return start == std::string::npos ? tree : tree.substr(start, tree.find(to, start) - start);
 }
 
+TEST(Icmp, TellsWhenAnEchoWasSent) {
+  TestHost host;
+  host.settings = {{"Modern", "1"}};
+  TestView view(&host);
+  const auto show = [&view](const std::string& data) {
+    Record record(Ethernet(0x0800, IPv4(1, Summed(Hex("08 00 0000 00010001" + data)))));
+    record->nanoseconds = 1581189012'300000000;   // 2020-02-08 19:10:12.3
+    view.Decode(record);
+    return view.Text();
+  };
+  const std::string sent = "  Sending Time: 2020-02-08 19:10:12.231493";
+  EXPECT_TRUE(Has(show("94073F5E00000000 4588030000000000 1011"), sent)) << view.Text();   // 64 bits, the low octet first
+  EXPECT_TRUE(Has(show("94073F5E 45880300 1011"), sent)) << view.Text();
+  EXPECT_TRUE(Has(show("5E3F0794 00038845 1011"), sent)) << view.Text();
+  EXPECT_FALSE(Has(show("5E310794 00038845 1011"), "Sending Time")) << "another day";
+  EXPECT_FALSE(Has(show("5E3F0794 0F438845 1011"), "Sending Time")) << "no microseconds";
+}
+
 TEST(Icmp, AQuoteLeavesTheFramesOwnStateAlone) {
   // A segment of 8 bytes, as routers quote them, of a datagram whose checksum a router has not put right.
   const Bytes quote = Hex("45 00 05DC 0001 4000 40 06 BEEF 0A000007 0A000008  C000 0050 00000001");

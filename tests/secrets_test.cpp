@@ -231,6 +231,7 @@ TEST_F(QuicOpening, EveryRecordedPacketOpensAndNoDamagedOne) {
   EXPECT_EQ(Count(all, "Key Phase = 1"), 22);
   EXPECT_EQ(Count(all, "Header: :path: /"), 5);
   EXPECT_EQ(Count(all, "Header: :status: 200"), 5);
+  EXPECT_EQ(Count(all, "Text: <html><body>Hello over HTTP/3</body></html>"), 3);
   EXPECT_EQ(Count(Decode(recorded_.records, ""), "Packet Number: "), 12) << "Initial packets need no secrets";
   std::string wrong = recorded_.secrets;
   for (size_t at = 0; (at = wrong.find('\n', at)) != std::string::npos; ++at) wrong[at - 1] = wrong[at - 1] == '0' ? '1' : '0';

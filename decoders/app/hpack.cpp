@@ -45,16 +45,9 @@ bool Holds(const TextSlice& text, const char* word) {
 
 // What the frame's line says of a message, and what its body is.
 void NoteField(const Place& in, const FieldLine& line, const Http2Frame& frame, Http2Notes& notes) {
-  WebBody& body = notes.body;
+  NoteBodyField(line.name, line.value, notes.body);
   if (Is(line.name, ":method") || Is(line.name, ":path") || Is(line.name, ":status")) {
     AppendToLine(in, frame.top, ", %s", line.value);
-  } else if (Is(line.name, "content-type")) {
-    body.content = WebContentOf(line.value);
-  } else if (Is(line.name, "content-encoding")) {
-    NoteContentCoding(line.value, body);
-  } else if (Is(line.name, "grpc-encoding")) {
-    body.isGzip = Is(line.value, "gzip");
-    body.isDeflate = Is(line.value, "deflate");
   } else if (Is(line.name, ":protocol")) {
     notes.isTunnel = Is(line.value, "websocket");
   } else if (Is(line.name, "sec-websocket-extensions")) {

@@ -267,6 +267,19 @@ void NoteContentCoding(const TextSlice& coding, WebBody& body) {
   body.isDeflate = IsWord(text, "deflate");
 }
 
+void NoteBodyField(const TextSlice& name, const TextSlice& value, WebBody& body) {
+  const Field word{reinterpret_cast<const uint8_t*>(name.text), 0, name.length, 0, true};
+  if (IsWord(word, "content-type")) {
+    body.content = WebContentOf(value);
+  } else if (IsWord(word, "content-encoding")) {
+    NoteContentCoding(value, body);
+  } else if (IsWord(word, "grpc-encoding")) {
+    const Field coding{reinterpret_cast<const uint8_t*>(value.text), 0, value.length, 0, true};
+    body.isGzip = IsWord(coding, "gzip");
+    body.isDeflate = IsWord(coding, "deflate");
+  }
+}
+
 void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const WebStreamKey* key) {
   const KeyedAs keys(PacketOf(in), "web");
   const bool isFirst = !body.hasBegun, joins = key && IsJoined(in, body);

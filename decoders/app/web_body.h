@@ -21,6 +21,7 @@ WebContent WebContentOf(const TextSlice& type);                     // a media t
 // All that is left; `ends`: the body ends behind it. With a key and Reassembly what comes in pieces is shown when it is whole.
 void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends = false, const WebStreamKey* key = nullptr);
 void NoteContentCoding(const TextSlice& coding, WebBody& body);
+void NoteBodyField(const TextSlice& name, const TextSlice& value, WebBody& body);   // what a header field says of it
 
 void ShowImage(const Place& in, Cursor& c);                         // GIF, PNG, JPEG; a block of anything else
 void ShowProtobuf(const Place& in, Cursor& c, int32_t depth = 0);   // fields by their numbers (protobuf.cpp)

@@ -12,7 +12,7 @@ inline bool TellsAll(const Place& at) {
 
 // Bytes that stand in a block of old, on a line that has their key.
 inline void TellBytes(const Place& in, const Field& field, const char* label) {
-  // keys: bytes Padding, Option Value, Authenticator, Message Value, Challenge, Prefix Lengths, Extension Value, Reserved
+  // keys: bytes Padding, Option Value, Authenticator, Message Value, Challenge, Extension Value, Reserved
   if (TellsAll(in) && field.length > 0) AddLine(in, field, "%s: %s", label, HexText(field));
 }
 

@@ -17,6 +17,7 @@ constexpr auto kAgent = Rows<NoValues>({
     Flag(0, "Registration Required"), Flag(1, "Busy"), Flag(2, "Home Agent"), Flag(3, "Foreign Agent"),
     Flag(4, "Minimal Encapsulation"), Flag(5, "GRE Encapsulation"), Flag(6, "Reserved"), Flag(7, "Reverse Tunneling"),
     Flag(8, "UDP Tunneling"), Flag(9, "Revocation Support")});
+constexpr auto kPrefixLength = Rows<NoValues>({Number(1, "Prefix Length")});
 constexpr auto kCareOf = Rows<NoValues>({IPv4("Care-of Address")});
 
 void AddMobilityAgent(const Place& in, Cursor c) {
@@ -45,10 +46,12 @@ void DecodeAgentExtensions(const Place& in, Cursor& c) {
     if (type.value == kMobilityAgent) {
       AddMobilityAgent(under, extension);
     } else {
-      const char* label = type.value == kPrefixLengths ? "Prefix Lengths"
-                          : type.value == kChallenge   ? "Challenge"   // RFC 4721
-                                                       : "Extension Value";
-      TellBytes(under, Ahead(extension, Left(extension)), label);
+      if (type.value == kPrefixLengths) {
+        Cursor lengths = extension;
+        for (Loop each; TellsAll(under) && MoreAt(under, lengths, each);) ShowRows(under, lengths, kPrefixLength);
+      } else {   // challenges: RFC 4721
+        TellBytes(under, Ahead(extension, Left(extension)), type.value == kChallenge ? "Challenge" : "Extension Value");
+      }
       AddBlock(under, Rest(extension), type.value == kPrefixLengths ? "Prefix Lengths" : "Extension Data");
     }
   }

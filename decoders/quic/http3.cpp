@@ -40,6 +40,7 @@ constexpr auto kSettingNames = SortedNames({
 // A frame while it is shown.
 struct Frame {
   const QuicSession* session;
+  WebBody* body;
   Field text;
 };
 void ShowValue(const Place& in, Cursor& c, const char* label, Frame&) { ShowQuicNumber(in, c, label); }
@@ -60,7 +61,13 @@ void ShowSettings(const Place& in, Cursor& c, const char*, Frame&) {
     AddLine(under, value, "Value: %I64u", value.wide);
   }
 }
-void ShowFields(const Place& in, Cursor& c, const char*, Frame& frame) { ShowFieldSection(in, c, *frame.session); }
+void ShowFields(const Place& in, Cursor& c, const char*, Frame& frame) {
+  WebBody body{};
+  ShowFieldSection(in, c, *frame.session, body);
+  if (frame.body->hasBegun) return;   // trailers
+  body.pieces.body = frame.body->pieces.body + 1;
+  *frame.body = body;
+}
 void ShowText(const Place& in, Cursor& c, const char* label, Frame& frame) {
   frame.text = Rest(c);
   AddLine(in, frame.text, "%s: %s", label, Text(frame.text));
@@ -96,16 +103,35 @@ const char* FrameName(const Choice<Frame>* choice, uint64_t type) {
   return IsGrease(type) ? "Reserved (GREASE)" : kUnknown;
 }
 
-// The part that is here of a payload that is not waited for.
-void ShowBody(const Place& in, Cursor& c, QuicStreamPart& stream) {
+// A stream while its frames are shown.
+struct Stream {
+  QuicStreamPart& part;
+  const QuicSession& session;
+  WebStreamKey key;
+  bool isLast;             // it ends behind what is here
+};
+
+// The part that is here of a payload that is not waited for. What a header block said nothing of is not looked into.
+void ShowBody(const Place& in, Cursor& c, Stream& stream) {
+  QuicStreamPart& part = stream.part;
   const int32_t left = Left(c);
-  const int32_t here = stream.bodyLeft < static_cast<uint64_t>(left) ? static_cast<int32_t>(stream.bodyLeft) : left;
-  AddBlock(in, TakeBytes(c, here), "Data");
-  stream.bodyLeft -= static_cast<uint64_t>(here);
+  const int32_t here = part.bodyLeft < static_cast<uint64_t>(left) ? static_cast<int32_t>(part.bodyLeft) : left;
+  part.bodyLeft -= static_cast<uint64_t>(here);
+  Cursor piece = TakeCursor(c, here);
+  if (part.isBody && (part.body.content != WebContent::kUnknown || part.body.isCompressed)) {
+    return ShowWebBody(in, piece, part.body, stream.isLast && part.bodyLeft == 0 && Left(c) == 0, &stream.key);
+  }
+  AddBlock(in, Rest(piece), "Data");
+}
+
+// A body whose end comes behind its last piece: the stream's, or the trailers in front of it.
+void EndBody(const Place& in, Cursor c, Stream& stream) {
+  Cursor none = TakeCursor(c, 0);
+  if (stream.part.body.pieces.count > 0) ShowWebBody(in, none, stream.part.body, true, &stream.key);
 }
 
 // A frame; false when its bytes are not all here.
-bool ShowFrame(const Place& in, Cursor& c, QuicStreamPart& stream, const QuicSession& session) {
+bool ShowFrame(const Place& in, Cursor& c, Stream& stream) {
   const Cursor start = c;
   const WideField type = TakeQuicNumber(c);
   const WideField length = TakeQuicNumber(c);
@@ -123,30 +149,33 @@ bool ShowFrame(const Place& in, Cursor& c, QuicStreamPart& stream, const QuicSes
   AddLine(under, type, "Frame Type: 0x%I64X = %s", type.wide, name);
   AddLine(under, length, "Length: %I64u", length.wide);
   if (isBody) {
-    stream.bodyLeft = length.wide;
+    stream.part.bodyLeft = length.wide;
+    stream.part.isBody = type.wide == kData;
     ShowBody(under, c, stream);
     return true;
   }
   Cursor payload = TakeCursor(c, static_cast<int64_t>(length.wide));
-  Frame frame{&session, {}};
+  Frame frame{&stream.session, &stream.part.body, {}};
   ShowChoice<Frame>(under, payload, choice, frame);
   return true;
 }
 
-void ShowFrames(const Place& in, Cursor& c, QuicStreamPart& stream, const QuicSession& session) {
+void ShowFrames(const Place& in, Cursor& c, Stream& stream) {
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    if (stream.bodyLeft > 0) {
+    if (stream.part.bodyLeft > 0) {
       ShowBody(in, c, stream);
-    } else if (!ShowFrame(in, c, stream, session)) {
+    } else if (!ShowFrame(in, c, stream)) {
       AddLine(in, Ahead(c, Left(c)), "Frame in Part: %d bytes", Left(c));
       return;
     }
   }
+  if (stream.isLast) EndBody(in, c, stream);
 }
 
 // The streams of one direction say first what they are for.
-void ShowUnidirectional(const Place& in, Cursor& c, QuicStreamPart& stream, const QuicSession& session) {
+void ShowUnidirectional(const Place& in, Cursor& c, Stream& of) {
+  QuicStreamPart& stream = of.part;
   if (stream.type == 0) {
     const Cursor start = c;
     const WideField type = TakeQuicNumber(c);
@@ -164,8 +193,8 @@ void ShowUnidirectional(const Place& in, Cursor& c, QuicStreamPart& stream, cons
   }
   switch (stream.type - 1) {
     case kControl:
-    case kPush: ShowFrames(in, c, stream, session); break;
-    case kEncoder: ShowEncoderInstructions(in, c, session); break;
+    case kPush: ShowFrames(in, c, of); break;
+    case kEncoder: ShowEncoderInstructions(in, c, of.session); break;
     case kDecoder: ShowDecoderInstructions(in, c); break;
     default: AddBlock(in, Rest(c), "Stream Data");
   }
@@ -184,6 +213,13 @@ void ShowDns(const Place& in, Cursor& c) {
 
 }  // namespace
 
+void ShowHttp3Datagram(const Place& in, Cursor c, const char* label) {
+  const KeyedAs keys(PacketOf(in), "http3");
+  const WideField quarter = TakeQuicNumber(c);
+  AddLine(in, quarter, "Quarter Stream ID: %I64u (stream %I64u)", quarter.wide, quarter.wide * 4);
+  if (Left(c) > 0) AddBlock(in, Rest(c), label);
+}
+
 const char* Http3ErrorName(uint32_t code) { return LookupName(kErrorNames, code, nullptr); }
 
 int32_t ShowHttp3Stream(const Place& in, Cursor c, bool isLast, uint64_t id, QuicStreamPart& stream, QuicSession& session) {
@@ -192,10 +228,12 @@ int32_t ShowHttp3Stream(const Place& in, Cursor c, bool isLast, uint64_t id, Qui
     ShowDns(in, c);
   } else {
     const KeyedAs keys(PacketOf(in), "http3");
+    const uint32_t kind = kPiecesOfHttp3 | static_cast<uint32_t>(session.sender) << 8 | static_cast<uint32_t>(id >> 32) << 16;
+    Stream shown{stream, session, {session.key, static_cast<uint32_t>(id), kind, !PacketOf(in).quoted}, isLast};
     if (id & 2) {
-      ShowUnidirectional(in, c, stream, session);
+      ShowUnidirectional(in, c, shown);
     } else {
-      ShowFrames(in, c, stream, session);
+      ShowFrames(in, c, shown);
     }
   }
   return isLast ? all : all - Left(c);

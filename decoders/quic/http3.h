@@ -9,6 +9,9 @@ namespace qxview {
 // not needed any more.
 int32_t ShowHttp3Stream(const Place& in, Cursor c, bool isLast, uint64_t id, QuicStreamPart& stream, QuicSession& session);
 
+// A datagram: of which request it is, and what it carries.
+void ShowHttp3Datagram(const Place& in, Cursor c, const char* label);
+
 const char* Http3ErrorName(uint32_t code);   // null for none
 
 }  // namespace qxview

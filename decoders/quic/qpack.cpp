@@ -67,7 +67,7 @@ void ReadIndexed(const Index& index, uint64_t number, bool isStatic, bool isPast
   }
 }
 
-void ShowLine(const Place& in, Cursor& c, const Index& index) {
+void ShowLine(const Place& in, Cursor& c, const Index& index, WebBody& body) {
   const uint32_t first = PeekU8(c);
   const Cursor start = c;
   FieldLine line;
@@ -100,11 +100,12 @@ void ShowLine(const Place& in, Cursor& c, const Index& index) {
   const Field whole = PeekBytes(start, 0, c.offset - start.offset);
   const Place under = AddFieldLine(in, whole, line, form, whole);
   AddLine(under, number, "Index: %I64u", number.wide);
+  NoteBodyField(line.name, line.value, body);
 }
 
 }  // namespace
 
-void ShowFieldSection(const Place& in, Cursor& c, const QuicSession& session) {
+void ShowFieldSection(const Place& in, Cursor& c, const QuicSession& session, WebBody& body) {
   const Table table{in, session, static_cast<uint32_t>(session.sender)};
   const WideField required = TakePrefixedNumber(c, 8);
   AddLine(in, required, "Required Insert Count: %I64u", required.wide);
@@ -119,7 +120,7 @@ void ShowFieldSection(const Place& in, Cursor& c, const QuicSession& session) {
   const uint64_t base = sign ? (count > delta.wide ? count - delta.wide - 1 : 0) : count + delta.wide;
   const Index index{table, base};
   Loop loop;
-  while (MoreAt(in, c, loop)) ShowLine(in, c, index);
+  while (MoreAt(in, c, loop)) ShowLine(in, c, index, body);
   c.ranShort = false;
   AddBlock(in, Rest(c), "Data");
 }

@@ -1,6 +1,7 @@
 // QPACK (RFC 9204): the field lines of HTTP/3, compressed against a static table and one that each connection fills.
 #pragma once
 #include "core/decoder.h"
+#include "decoders/app/web_body.h"
 #include "decoders/quic/quic.h"
 
 namespace qxview {
@@ -21,8 +22,8 @@ struct QpackTable {
   uint64_t before, now;
 };
 
-// The field lines of a whole HEADERS frame, behind which `c` stands.
-void ShowFieldSection(const Place& in, Cursor& c, const QuicSession& session);
+// The field lines of a whole HEADERS frame, behind which `c` stands, and what they say of the body.
+void ShowFieldSection(const Place& in, Cursor& c, const QuicSession& session, WebBody& body);
 
 // Instructions of the encoder's and the decoder's streams; the bytes of those that are whole are taken.
 void ShowEncoderInstructions(const Place& in, Cursor& c, const QuicSession& session);

@@ -145,7 +145,11 @@ void ShowDatagram(const Place& in, Cursor& c, const char* label, Frame& frame) {
   frame.length = static_cast<uint64_t>(Left(c));
   if (frame.type & 1) frame.length = ShowQuicNumber(in, c, "Length");
   const Field data = TakeBytes(c, static_cast<int64_t>(frame.length < INT32_MAX ? frame.length : INT32_MAX));
-  if (data.length) AddBlock(in, data, label);
+  if (data.length && frame.session->state.content == QuicContent::kHttp3) {
+    ShowHttp3Datagram(in, CursorOver(data), label);
+  } else if (data.length) {
+    AddBlock(in, data, label);
+  }
 }
 void ShowAddress(const Place& in, Cursor& c, const char*, Frame& frame) {
   if (frame.type & 1) {

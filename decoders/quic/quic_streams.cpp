@@ -120,6 +120,10 @@ void Join(const Place& in, const Field& data, uint64_t offset, bool isLast, Join
   const uint64_t base = stream.before.done, end = offset + static_cast<uint64_t>(data.length);
   if (end <= now.done) {
     if (data.length) AddLine(in, data, "Retransmitted: %d bytes", data.length);
+    if (data.length == 0 && isLast && end == now.done && ExtentOf(now) <= now.done - base) {   // nothing but the end
+      consume(in, CursorOver(data), true, now, session, joining.key.stream);
+      KeepStream(in, joining, joining.kept);
+    }
     return;
   }
   if (end - base > kMostKept) {

@@ -1,6 +1,7 @@
 // The streams of a QUIC connection: bytes in their order, whatever packets brought them, and what they carry.
 #pragma once
 #include "core/decoder.h"
+#include "decoders/app/web_body.h"
 #include "decoders/quic/quic.h"
 
 namespace qxview {
@@ -25,6 +26,8 @@ struct QuicStreamPart {
   uint64_t done;         // all before this was shown
   uint64_t bodyLeft;     // of a frame of HTTP/3 whose bytes are not kept
   uint32_t type;         // of a unidirectional stream of HTTP/3, one more than it says; 0: not known yet
+  bool isBody;           // those are of a DATA frame
+  WebBody body;          // of a request or a response of HTTP/3
   uint32_t pieceCount;
   struct Piece {
     uint32_t from, length;
