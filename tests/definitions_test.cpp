@@ -146,7 +146,7 @@ TEST(Definitions, TakesEveryFormAndOverrides) {
   const auto http = std::find_if(list.begin(), list.end(), [](const auto& row) { return row.name == "HTTP"; });
   ASSERT_NE(http, list.end());
   EXPECT_EQ(http->identifier, 0x10004);
-  EXPECT_EQ(http->definitions, (std::vector<std::string>{"tcp:591", "tcp:8008", "tcp:8080", "tcp:8081", "tcp:10.0.0.1:0",
+  EXPECT_EQ(http->definitions, (std::vector<std::string>{"tcp:591", "tcp:631", "tcp:8008", "tcp:8080", "tcp:8081", "tcp:10.0.0.1:0",
                                                          "tcp:[2001:db8::1]:80"}));
 }
 

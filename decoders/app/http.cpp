@@ -81,6 +81,12 @@ bool GoesOver(const Place& at, const HttpFlags& flags, const Field& message, con
   return true;
 }
 
+// Answers of some codes have none, whatever their headers say (RFC 9112 6.3).
+bool HasBody(const Field& message, const HttpFirstLine& first) {
+  const Cursor code = CursorOver(Slice(message, first.tokens[1].offset, first.tokens[1].length));
+  return first.kind != kHttpResponse || (PeekU8(code) != '1' && !PeekIs(code, 0, "204") && !PeekIs(code, 0, "304"));
+}
+
 // One pass: a message, or the continuation of one, from its first line on. Result: whether another pass follows.
 bool DecodeMessage(const Place& at, HttpState& state, Cursor& c) {
   const Field message = Ahead(c, Left(c));
@@ -97,7 +103,9 @@ bool DecodeMessage(const Place& at, HttpState& state, Cursor& c) {
       return false;
     }
   }
-  return Left(c) > 0 && DecodeHttpBody(in, state, first.kind, c);
+  if (Left(c) < 1) return false;
+  if (first.kind == kHttpContinuation || !TellsAll(in)) return DecodeHttpBody(in, state, first.kind, c);
+  return ShowHttpContent(at, in, state.flags, HasBody(message, first), c);
 }
 
 void ShowTls(const Place& at, Cursor c) {

@@ -16,12 +16,6 @@ void ShowTextBody(const Place& in, Cursor& c) {
   }
 }
 
-// Bodies by their content type, for those who want today's reading of all: what is scripted on has the lines below. A body
-// that goes on in later segments is told as far as it is here.
-bool ShowsContent(const Place& in, const HttpFlags& flags) {
-  return TellsAll(in) && flags.content != WebContent::kUnknown && flags.content != WebContent::kOther;
-}
-
 }  // namespace
 
 bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c) {
@@ -32,12 +26,7 @@ bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c) 
     return false;
   }
   if (flags.chunked && DecodeHttpChunk(in, c)) return Left(c) > 0;
-  if (ShowsContent(in, flags)) {
-    WebBody body{};
-    body.content = flags.content;
-    ShowWebBody(in, c, body);
-    flags.text = flags.image = false;
-  } else if (flags.text) {
+  if (flags.text) {
     ShowTextBody(in, c);
     flags.text = false;
   } else if (flags.image) {

@@ -32,7 +32,7 @@ HttpChunkSize ReadChunkSize(const uint8_t* line, int32_t length) {
   return read;
 }
 
-bool DecodeHttpChunk(const Place& in, Cursor& c, bool withData) {
+bool DecodeHttpChunk(const Place& in, Cursor& c, HttpChunk* shown) {
   Cursor next = c;
   Field line = TakeTextLine(next);
   if (!line.here) line = Rest(next);
@@ -45,6 +45,7 @@ bool DecodeHttpChunk(const Place& in, Cursor& c, bool withData) {
     boundary = TakeBytes(next, Left(next) == 1 ? 1 : 2);
   }
   const bool tellsAll = TellsAll(in);
+  if (shown) *shown = {{}, chunk.size == 0, boundary.here};
   const Field whole = Ahead(c, next.offset - c.offset);
   const Field number = Slice(line, 0, chunk.digits);
   if (chunk.size == 0) {
@@ -58,7 +59,11 @@ bool DecodeHttpChunk(const Place& in, Cursor& c, bool withData) {
     AddLine(parts, number, "Chunk Data Length: %d", chunk.size);
     if (tellsAll) AddLine(parts, sizeLine, "Size Line: %d", chunk.size);
     if (chunk.extended) AddLine(parts, line, "Chunk Header: %s", Text(line));
-    if (withData) AddBlock(parts, Rest(data), "Http Chunk Data");
+    if (Left(data) < chunk.size && tellsAll) {
+      AddLine(parts, Ahead(data, Left(data)), "Chunk in Part: %d of %d bytes", Left(data), chunk.size);
+    }
+    if (shown) shown->data = Rest(data);
+    else AddBlock(parts, Rest(data), "Http Chunk Data");
     if (tellsAll) AddLine(parts, boundary, "Chunk Boundary: %s", HexText(boundary));
   }
   c = next;

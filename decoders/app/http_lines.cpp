@@ -4,6 +4,7 @@
 #include "decoders/app/http_fields.h"
 #include "decoders/app/http_message.h"
 #include "decoders/common/header_lines.h"
+#include "decoders/common/header_values.h"
 #include "decoders/common/transfer_text.h"
 
 namespace qxview {
@@ -36,9 +37,33 @@ bool IsStatusCode(const Field& token) {
   return token.length == 3;
 }
 
+// "gzip, chunked": what a body was put through. One coding is opened, not two.
+void NoteCodings(HttpFlags& flags, Field rest) {
+  Loop loop;
+  for (Cursor c = CursorOver(rest); rest.length > 0 && More(c, loop); c = CursorOver(rest)) {
+    const Field coding = TakePiece(rest, ",");
+    if (IsWord(coding, "chunked")) {
+      flags.inChunks = true;
+    } else if (coding.length > 0 && !IsWord(coding, "identity")) {
+      const bool isGzip = IsWord(coding, "gzip") || IsWord(coding, "x-gzip");
+      const ContentCoding known = isGzip ? ContentCoding::kGzip : IsWord(coding, "deflate") ? ContentCoding::kDeflate
+                                                                                              : ContentCoding::kOther;
+      flags.coding = flags.coding == ContentCoding::kNone ? known : ContentCoding::kOther;
+    }
+  }
+}
+
 // A header's value, when its name is one that tells of the body. Any of the three names takes any of the values.
 void NoteHeader(HttpFlags& flags, const Field& name, const Field& value) {
-  if (IsWord(name, "Content-Type")) flags.content = WebContentOf(Text(value));
+  if (IsWord(name, "Content-Type")) {
+    flags.content = WebContentOf(Text(value));
+    flags.mediaType = value;
+  } else if (IsWord(name, "Content-Length")) {
+    flags.length = DecimalOf(value);
+    flags.hasLength = flags.length >= 0;
+  } else if (IsWord(name, "Content-Encoding") || IsWord(name, "Transfer-Encoding")) {
+    NoteCodings(flags, value);
+  }
   if (IsWord(name, "Upgrade")) {
     flags.toWebSocket = IsWord(value, "websocket");
     flags.toHttp2 = IsWord(value, "h2c");

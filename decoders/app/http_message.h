@@ -34,10 +34,16 @@ int32_t FindLineEnd(const Cursor& c);
 // The next line without its CR LF; the cursor stands behind it. Not here, with nothing taken, when no CR LF follows.
 Field TakeTextLine(Cursor& c);
 
+enum class ContentCoding : uint8_t { kNone, kGzip, kDeflate, kOther };
+
 // What a message's headers say of its body.
 struct HttpFlags {
   bool chunked, gzip, text, image, ocspRequest, ocspResponse;
   WebContent content;
+  Field mediaType;
+  ContentCoding coding;
+  bool inChunks, hasLength;                    // whatever case the names have
+  int32_t length;
   bool toWebSocket, toHttp2;                   // what the connection goes over to
   bool deflates, clientForgets, serverForgets;   // WebSocket's messages are compressed, an end's each for itself
 };
@@ -75,6 +81,10 @@ void WalkHttpHeaders(const Place& in, HttpFlags& flags, Cursor& c);
 // Shows the body. Result: whether what is left behind a chunk is to be decoded as a message of its own.
 bool DecodeHttpBody(const Place& in, HttpState& state, int32_t kind, Cursor& c);
 
+// The same where all is asked for: what the message's lengths make the body is shown by its content, chunks joined and content
+// codings opened (http_content.cpp). Result: whether a further message follows.
+bool ShowHttpContent(const Place& at, const Place& in, HttpFlags& flags, bool hasBody, Cursor& c);
+
 struct HttpChunkSize {
   bool valid;
   bool extended;      // something follows behind ";" or "="
@@ -83,8 +93,13 @@ struct HttpChunkSize {
 };
 HttpChunkSize ReadChunkSize(const uint8_t* line, int32_t length);
 
-// Shows one chunk and takes it with the CR LF behind it. Nothing, and false, when no chunk size is here.
-bool DecodeHttpChunk(const Place& in, Cursor& c, bool withData = true);
+struct HttpChunk {
+  Field data;
+  bool isLast, hasBoundary;   // the CR LF behind it
+};
+// Shows one chunk and takes it with the CR LF behind it. Nothing, and false, when no chunk size is here. Its data is a block
+// where it is not handed out.
+bool DecodeHttpChunk(const Place& in, Cursor& c, HttpChunk* shown = nullptr);
 
 // Shows a gzip body: the member header, then what it inflates to, line by line. A continuation is inflated with the
 // earlier segments of its message.

@@ -7,6 +7,7 @@
 #include "core/line_facts.h"
 #include "decoders/app/http_inflate.h"
 #include "decoders/app/playlist.h"
+#include "decoders/app/web_vocabulary.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/xml_lines.h"
@@ -301,10 +302,14 @@ void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const Web
   } else if (body.content == WebContent::kText) {
     ShowText(in, c);
   } else if (isFirst && body.content == WebContent::kJson && StartsJson(c)) {
-    ShowJson(Under(in, AddLine(in, whole, "JSON: %d bytes", whole.length)), c);
+    const Place under = Under(in, AddLine(in, whole, "JSON: %d bytes", whole.length));
+    ShowJsonVocabulary(under, c);
+    ShowJson(under, c);
     SkipSpace(c);
   } else if (isFirst && body.content == WebContent::kXml && StartsXml(c)) {
-    ShowXml(Under(in, AddLine(in, whole, "XML: %d bytes", whole.length)), c);
+    const Place under = Under(in, AddLine(in, whole, "XML: %d bytes", whole.length));
+    ShowXmlVocabulary(under, c);
+    ShowXml(under, c);
   } else if (isFirst && body.content == WebContent::kForm) {
     ShowForm(Under(in, AddLine(in, whole, "Form: %d bytes", whole.length)), c);
   } else if (isFirst && body.content == WebContent::kParts) {

@@ -172,4 +172,39 @@ bool ShowJson(const Place& in, Cursor& c) {
   return true;
 }
 
+// A value as a whole: brackets are counted, whatever is within.
+Field TakeJsonValue(Cursor& c) {
+  if (!StartsContainer(c)) return TakeScalar(c);
+  const Cursor start = c;
+  Loop loop;
+  for (int32_t depth = 0; More(c, loop);) {
+    const uint32_t at = PeekU8(c);
+    if (at == '"') {
+      TakeString(c);
+      continue;
+    }
+    TakeBytes(c, 1);
+    if (at == '{' || at == '[') ++depth;
+    if ((at == '}' || at == ']') && --depth == 0) break;
+  }
+  return Ahead(start, c.offset - start.offset);
+}
+
+bool TakeJsonMember(Cursor& c, JsonMember& out) {
+  out = {};
+  const bool isFirst = Taken(c) == 0;
+  SkipSpace(c);
+  if (isFirst ? StartsContainer(c) : PeekU8(c) == ',') TakeBytes(c, 1);
+  SkipSpace(c);
+  out.value = TakeJsonValue(c);
+  SkipSpace(c);
+  if (PeekU8(c) == ':') {
+    TakeBytes(c, 1);
+    SkipSpace(c);
+    out.name = out.value;
+    out.value = TakeJsonValue(c);
+  }
+  return out.value.here && out.value.length > 0;
+}
+
 }  // namespace qxview

@@ -12,4 +12,11 @@ bool StartsJson(const Cursor& c);
 // deeply, ends it: the cursor stands there. Result: whether the value was whole.
 bool ShowJson(const Place& in, Cursor& c);
 
+// For those who look for members without lines: the next one of the object, or item of the array, whose bracket is next or was
+// taken. Names and texts have their quotation marks; an item has no name. False where none follows.
+struct JsonMember {
+  Field name, value;
+};
+bool TakeJsonMember(Cursor& c, JsonMember& out);
+
 }  // namespace qxview

@@ -25,6 +25,16 @@ Field TakeUpTo(Cursor& c, const char* mark) {
   return TakeBytes(c, Left(c));
 }
 
+// A declaration up to its ">", with what stands in brackets within.
+Field TakeDeclaration(Cursor& c) {
+  const Cursor start = c;
+  const int32_t bracket = FindU8(c, '['), end = FindU8(c, '>');
+  if (bracket >= 0 && bracket < end) TakeUpTo(c, "]");
+  TakeUpTo(c, ">");
+  const int32_t taken = c.offset - start.offset;
+  return Ahead(start, taken > 0 && PeekU8(start, taken - 1) == '>' ? taken - 1 : taken);
+}
+
 // Character data in front of the next markup, blanks at both ends left out.
 Field TakeText(Cursor& c) {
   const int32_t markup = FindU8(c, '<');
@@ -252,7 +262,7 @@ void TakeMarkup(const Place& in, Walk& walk, Cursor& c) {
   const Cursor start = c;
   const auto show = [&](const char* opening, const char* closing, const char* label) {
     TakeBytes(c, static_cast<int64_t>(std::strlen(opening)));
-    const Field inside = TakeUpTo(c, closing);
+    const Field inside = closing ? TakeUpTo(c, closing) : TakeDeclaration(c);
     return Under(at, AddTextLine(at, Ahead(start, c.offset - start.offset), label, inside));
   };
   if (StartsWithText(c, "<?xml ")) {
@@ -263,10 +273,10 @@ void TakeMarkup(const Place& in, Walk& walk, Cursor& c) {
   if (StartsWithText(c, "<!--")) return (void)show("<!--", "-->", "Comment");
   if (StartsWithText(c, "<![CDATA[")) return (void)show("<![CDATA[", "]]>", "Character Data");
   if (StartsWithText(c, "<!DOCTYPE ") && TellsAll(in)) {
-    const Place under = show("<!", ">", "Declaration");
+    const Place under = show("<!", nullptr, "Declaration");
     return ShowDocumentType(under, Slice(Ahead(start, c.offset - start.offset), 2, c.offset - start.offset - 3));
   }
-  if (StartsWithText(c, "<!")) return (void)show("<!", ">", "Declaration");
+  if (StartsWithText(c, "<!")) return (void)show("<!", nullptr, "Declaration");
   if (StartsWithText(c, "</")) return TakeEndTag(in, walk, c);
   TakeStartTag(in, walk, c);
 }
@@ -293,6 +303,60 @@ void ShowXml(const Place& in, Cursor& c, const XmlVocabulary* vocabulary) {
     if (Left(c) > 0) TakeMarkup(in, walk, c);
   }
   while (walk.depth > 0) CloseInnermost(walk, c.offset);
+}
+
+bool TakeXmlTag(Cursor& c, XmlTag& out) {
+  out = {};
+  Loop loop;
+  while (More(c, loop)) {
+    TakeText(c);
+    const Cursor start = c;
+    if (StartsWithText(c, "<!--")) {
+      TakeUpTo(c, "-->");
+    } else if (StartsWithText(c, "<![CDATA[")) {
+      TakeUpTo(c, "]]>");
+    } else if (StartsWithText(c, "<?")) {
+      TakeUpTo(c, "?>");
+    } else if (StartsWithText(c, "<!")) {
+      TakeDeclaration(c);
+    } else if (Left(c) > 0) {
+      out.isEnd = PeekU8(c, 1) == '/';
+      const Cursor behind = out.isEnd ? c : BehindStartTag(c);
+      TakeBytes(c, out.isEnd ? 2 : 1);
+      out.name = TakeName(c);
+      if (out.isEnd) {
+        TakeUpTo(c, ">");
+      } else {
+        const int32_t left = behind.offset - c.offset;
+        out.isEmpty = left > 1 && PeekU8(c, left - 2) == '/';
+        out.attributes = TakeBytes(c, left > 1 ? left - (out.isEmpty ? 2 : 1) : 0);
+        c = behind;
+        if (!out.isEmpty) out.text = SoleText(c);
+      }
+      out.whole = Ahead(start, c.offset - start.offset);
+      return true;
+    }
+  }
+  return false;
+}
+
+bool TakeXmlAttribute(Cursor& c, Field& name, Field& value) {
+  SkipSpace(c);
+  name = TakeName(c);
+  SkipSpace(c);
+  value = {};
+  if (PeekU8(c) == '=') {
+    TakeBytes(c, 1);
+    SkipSpace(c);
+    const uint32_t mark = PeekU8(c);
+    if (mark == '"' || mark == '\'') {
+      TakeBytes(c, 1);
+      value = TakeUpTo(c, mark == '"' ? "\"" : "'");
+    } else {
+      value = TakeName(c);
+    }
+  }
+  return name.length > 0;
 }
 
 }  // namespace qxview

@@ -17,4 +17,13 @@ struct XmlVocabulary {
 // Shows all that is left under `in`. Tags that do not match, and ends that are missing, are shown as far as they go.
 void ShowXml(const Place& in, Cursor& c, const XmlVocabulary* vocabulary = nullptr);
 
+// For those who look for elements without lines: the next tag, whatever stands in front passed over. The text is that of an
+// element that holds nothing else. False where none follows.
+struct XmlTag {
+  Field whole, name, attributes, text;
+  bool isEnd, isEmpty;
+};
+bool TakeXmlTag(Cursor& c, XmlTag& out);
+bool TakeXmlAttribute(Cursor& c, Field& name, Field& value);
+
 }  // namespace qxview
