@@ -297,7 +297,12 @@ int CommandLine::Run(const std::vector<std::string>& words) const {
   const std::string& first = given[0];
   if (const Command* command = Find(first)) return command->Run(given);
   if (first == "--version") return ShowText("qxview " QXVIEW_VERSION_TEXT "\n");
-  if (first != "help" && first != "--help" && first != "-h") return TellUnknown(first);
+  if (first != "help" && first != "--help" && first != "-h") {
+    if (!takesDefault_ || !takesDefault_(first)) return TellUnknown(first);
+    std::vector<std::string> meant = given;
+    meant.insert(meant.begin(), default_);
+    return Find(default_)->Run(std::move(meant));
+  }
   if (first != "help" || given.size() < 2 || given[1].starts_with("-")) return ShowText(HelpText());
   if (given[1] == "help") return ShowText(HelpText());
   const Command* command = Find(given[1]);

@@ -129,6 +129,11 @@ class CommandLine {
   // What its commands read: files, or with `live` that.
   explicit CommandLine(const LiveInput* live = nullptr) : live_(live) {}
   Command& Add(const char* name, const char* about) { return commands_.emplace_back(name, about, live_); }
+  // The command that a first word means which is none's name, when `takes` says so.
+  void SetDefault(const char* command, std::function<bool(const std::string& word)> takes) {
+    default_ = command;
+    takesDefault_ = std::move(takes);
+  }
   // Runs the command that the words name; the exit status.
   int Run(const std::vector<std::string>& words) const;
 
@@ -139,6 +144,8 @@ class CommandLine {
 
   const LiveInput* live_;
   std::list<Command> commands_;
+  std::string default_;
+  std::function<bool(const std::string&)> takesDefault_;
 };
 
 }  // namespace qxview

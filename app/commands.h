@@ -17,6 +17,7 @@ void AddProtocolsCommand(CommandLine* line);
 void AddReportCommand(CommandLine* line);
 void AddSaveCommand(CommandLine* line);
 void AddStatCommand(CommandLine* line);
+void AddViewCommand(CommandLine* line);   // where the build has a terminal's library
 void AddXmlCommand(CommandLine* line);
 
 // All of them but the capture of live packets.

@@ -1,15 +1,11 @@
 // The bytes of a conversation in their order, both sides told apart.
-#include <cstring>
-#include <deque>
-#include <map>
 #include <optional>
 
 #include "app/colors.h"
 #include "app/commands.h"
 #include "app/output.h"
-#include "app/packet_ends.h"
 #include "app/packet_run.h"
-#include "app/tcp_header.h"
+#include "app/stream_order.h"
 #include "app/tree_writer.h"
 #include "core/digits.h"
 #include "host/text.h"
@@ -30,14 +26,14 @@ struct FollowOptions {
 };
 
 // Writes what one side sent, and says when the other one goes on.
-class StreamWriter {
+class StreamWriter final : public StreamTarget {
  public:
   StreamWriter(const FollowOptions& options, Output& out)
       : options_(options), out_(out), colors_(options.format != FollowFormat::kRaw && UsesColor(options.reading.color)) {}
 
-  void Name(bool isSecond, std::string end) { ends_[isSecond] = std::move(end); }
+  void Name(bool isSecond, std::string end) override { ends_[isSecond] = std::move(end); }
 
-  void Put(bool isSecond, uint64_t packet, const uint8_t* bytes, size_t length) {
+  void Put(bool isSecond, uint64_t packet, const uint8_t* bytes, size_t length) override {
     if (!Turn(isSecond, packet) || length == 0) return;
     sent_[isSecond] += length;
     const std::string_view text{reinterpret_cast<const char*>(bytes), length};
@@ -57,8 +53,7 @@ class StreamWriter {
     }
   }
 
-  // Bytes that the capture does not have.
-  void PutGap(bool isSecond, uint64_t packet, uint64_t length) {
+  void PutGap(bool isSecond, uint64_t packet, uint64_t length) override {
     missing_ += length;
     if (!Turn(isSecond, packet) || options_.format == FollowFormat::kRaw) return;
     if (!atLineStart_) out_.Put('\n');
@@ -119,162 +114,32 @@ class StreamWriter {
   bool atLineStart_ = true;
 };
 
-// One direction of a TCP connection: puts segments in order. What stands behind a gap waits until the gap is closed, the other
-// end has acknowledged it, or too much waits.
-class SegmentOrder {
- public:
-  SegmentOrder(StreamWriter& writer, bool isSecond) : writer_(writer), isSecond_(isSecond) {}
-
-  void Start(uint32_t sequence) {
-    next_ = sequence;
-    started_ = true;
-  }
-  bool HasStarted() const { return started_; }
-
-  void Take(uint32_t sequence, const uint8_t* bytes, size_t length, size_t cut, uint64_t packet) {
-    if (!started_) Start(sequence);
-    waiting_.push_back({sequence, std::string(reinterpret_cast<const char*>(bytes), length), cut, packet});
-    held_ += length + cut;
-    Release();
-    constexpr size_t kMostSegments = 256, kMostHeld = 4 << 20;
-    while (waiting_.size() > kMostSegments || held_ > kMostHeld) SkipGap();
-  }
-  // The other end has all in front of this.
-  void Acknowledge(uint32_t sequence) {
-    while (!waiting_.empty() && SequenceDistance(next_, sequence) > 0) SkipGap();
-  }
-  void Finish() {
-    while (!waiting_.empty()) SkipGap();
-  }
-
- private:
-  struct Segment {
-    uint32_t sequence;
-    std::string bytes;
-    size_t cut;   // bytes behind them that were not captured
-    uint64_t packet;
-  };
-
-  // Writes what follows on what was written.
-  void Release() {
-    for (bool found = true; found;) {
-      found = false;
-      for (size_t i = 0; i < waiting_.size(); ++i) {
-        const Segment& segment = waiting_[i];
-        const int32_t ahead = SequenceDistance(next_, segment.sequence);
-        if (ahead > 0) continue;
-        const Segment taken = std::move(waiting_[i]);
-        waiting_.erase(waiting_.begin() + static_cast<ptrdiff_t>(i));
-        held_ -= taken.bytes.size() + taken.cut;
-        const size_t known = static_cast<size_t>(-static_cast<int64_t>(ahead));
-        const size_t all = taken.bytes.size() + taken.cut;
-        if (known < taken.bytes.size()) {
-          writer_.Put(isSecond_, taken.packet, reinterpret_cast<const uint8_t*>(taken.bytes.data()) + known,
-                      taken.bytes.size() - known);
-        }
-        if (taken.cut && known < all) writer_.PutGap(isSecond_, taken.packet, all - std::max(known, taken.bytes.size()));
-        if (known < all) next_ += static_cast<uint32_t>(all - known);
-        found = true;
-        break;
-      }
-    }
-  }
-  // Gives up the bytes in front of the segment that comes first.
-  void SkipGap() {
-    const Segment* first = &waiting_.front();
-    for (const Segment& segment : waiting_) {
-      if (SequenceDistance(segment.sequence, first->sequence) > 0) first = &segment;
-    }
-    const int32_t gap = SequenceDistance(next_, first->sequence);
-    if (gap > 0) writer_.PutGap(isSecond_, first->packet, static_cast<uint64_t>(gap));
-    next_ = first->sequence;
-    Release();
-  }
-
-  StreamWriter& writer_;
-  const bool isSecond_;
-  bool started_ = false;
-  uint32_t next_ = 0;
-  size_t held_ = 0;
-  std::deque<Segment> waiting_;
-};
-
-// Tells the streams of a capture apart: they are counted from 0 in the order of their first packets. A connection that starts
-// anew between the same ends is another one.
-class Streams {
- public:
-  // The stream's number; UINT64_MAX when there are too many to tell.
-  uint64_t NumberOf(const PacketState& packet, const TcpHeader* tcp) {
-    constexpr size_t kMost = 2000000;
-    const auto [at, isNew] = streams_.try_emplace(EndPair(SourceEnd(packet), DestinationEnd(packet)).bytes);
-    if (isNew && streams_.size() > kMost) return streams_.erase(at), UINT64_MAX;
-    Stream& stream = at->second;
-    const bool isSyn = tcp && (tcp->flags & (kTcpSyn | kTcpAck)) == kTcpSyn;
-    if (isNew || (isSyn && stream.hasStart && stream.start != tcp->sequence)) stream.number = count_++;
-    if (isSyn) {
-      stream.hasStart = true;
-      stream.start = tcp->sequence;
-    }
-    return stream.number;
-  }
-
- private:
-  struct Stream {
-    uint64_t number = 0;
-    uint32_t start = 0;
-    bool hasStart = false;
-  };
-  std::map<std::string, Stream> streams_;
-  uint64_t count_ = 0;
-};
-
 class Follower {
  public:
-  Follower(const FollowOptions& options, Output& out) : options_(options), writer_(options, out) {}
+  Follower(const FollowOptions& options, Output& out) : options_(options), writer_(options, out), stream_(writer_) {}
 
   void Take(const PacketState& packet, uint64_t number, const QxHost* host) {
     TcpHeader header;
     const bool isTcp = ReadTcpHeader(packet, &header);
-    constexpr uint32_t kUdp = 17;
-    const bool isUdp = !isTcp && packet.carrier.table == DispatchTable::kIpProtocol && packet.carrier.key == kUdp;
+    const bool isUdp = !isTcp && IsUdpPacket(packet);
     const bool isAny = !options_.isTcp && !options_.isUdp;   // what --where lets through
     if (packet.quoted || (isAny ? !isTcp && !isUdp : options_.isTcp ? !isTcp : !isUdp)) return;
-    if (!isAny && streams_.NumberOf(packet, isTcp ? &header : nullptr) != options_.stream) return;
-    found_ = true;
-    const std::string from = BytesOf(SourceEnd(packet));
-    if (first_.empty()) first_ = from;
-    // Of several conversations each end that is not the first one's is the other side.
-    const bool isSecond = from != first_;
-    writer_.Name(isSecond, EndTextOf(SourceEnd(packet), host));
-    writer_.Name(!isSecond, EndTextOf(DestinationEnd(packet), host));
-    if (isUdp || isAny) {
-      const uint8_t* bytes = isTcp ? packet.segment.payload : packet.carrier.bytes + 8;
-      const int32_t length = isTcp ? packet.segment.length : packet.carrier.length - 8;
-      if (length > 0) writer_.Put(isSecond, number, bytes, static_cast<size_t>(length));
-      return;
-    }
-    SegmentOrder& way = ways_[isSecond];
-    if (header.flags & kTcpSyn) way.Start(header.sequence + 1);
-    if (header.flags & kTcpAck) ways_[!isSecond].Acknowledge(header.acknowledgement);
-    const TcpSegment& segment = packet.segment;
-    if (segment.length + segment.cut > 0) {
-      way.Take(header.sequence, segment.payload, static_cast<size_t>(segment.length), static_cast<size_t>(segment.cut), number);
-    }
+    if (isAny) return stream_.TakeAsItComes(packet, isTcp, number, host);
+    if (streams_.NumberOf(packet, isTcp ? &header : nullptr) != options_.stream) return;
+    stream_.Take(packet, isTcp ? &header : nullptr, number, host);
   }
 
   bool Finish() {
-    for (SegmentOrder& way : ways_) way.Finish();
+    stream_.Finish();
     writer_.Finish();
-    return found_;
+    return !stream_.IsEmpty();
   }
 
  private:
   const FollowOptions& options_;
   StreamWriter writer_;
   Streams streams_;
-  SegmentOrder ways_[2] = {{writer_, false}, {writer_, true}};
-  std::string first_;
-  bool found_ = false;
+  FollowedStream stream_;
 };
 
 int Follow(const FollowOptions& options) {

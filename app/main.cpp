@@ -5,6 +5,9 @@
 #include <new>
 
 #include "app/commands.h"
+#ifdef QXVIEW_HAS_SCREEN
+#include "app/view/screen.h"
+#endif
 #include "platform/interruption.h"
 #include "platform/platform.h"
 
@@ -18,6 +21,9 @@ namespace {
   } catch (...) {
     std::abort();
   }
+#ifdef QXVIEW_HAS_SCREEN
+  qxview::LeaveScreenAtOnce();
+#endif
   std::fputs("qxview: out of memory\n", stderr);
   std::_Exit(qxview::kFileFault);
 }
@@ -31,6 +37,9 @@ int main(int argc, char** argv) try {
   CommandLine line;
   AddCaptureCommand(&line);
   AddReadingCommands(&line);
+#ifdef QXVIEW_HAS_SCREEN
+  AddViewCommand(&line);
+#endif
   const int status = line.Run(words);
   EndBySignal();
   return status;

@@ -80,6 +80,28 @@ uint64_t PacketSelection::Last() const {
   return last;
 }
 
+void AddWhereOption(Command* command, ReadingOptions* options) {
+  command->AddOption("-Y,--where", "EXPR",
+                     "only packets whose fields it is true of: dns.qry.name contains \"test\" and ip.addr == 10.0.0.0/8; "
+                     "qxview protocols --fields lists the keys",
+                     [options](const std::string& value, std::string* wrong) {
+                       return TakeFilter(value, &options->where, wrong);
+                     });
+}
+
+void AddDecodingOptions(Command* command, ReadingOptions* options) {
+  command->AddTexts("-d,--decode-as", "SPEC",
+                    "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
+                    "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address; tcp:80=none takes one away",
+                    &options->host.definitions);
+  command->AddFileName("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
+  command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);
+  command->AddFlag("--modern", "the same as --set Modern=1: all records of DNS, and bad checksums end nothing",
+                   &options->modern);
+  command->AddFlag("--reassemble", "the same as --set Reassembly=1: messages over segments and fragments are joined",
+                   &options->reassemble);
+}
+
 void AddReadingOptions(Command* command, ReadingOptions* options) {
   command->AddArguments("FILE",
                         "pcap, pcapng or BFR file, compressed or not; - for standard input. Of several each is a run of "
@@ -97,22 +119,8 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
                      });
   command->AddNumber("-c,--count", "N", "stop after N packets", 1, UINT64_MAX, &options->count);
   command->AddText("-f,--filter", "EXPR", "only packets that match a BPF expression", &options->filter);
-  command->AddOption("-Y,--where", "EXPR",
-                     "only packets whose fields it is true of: dns.qry.name contains \"test\" and ip.addr == 10.0.0.0/8; "
-                     "qxview protocols --fields lists the keys",
-                     [options](const std::string& value, std::string* wrong) {
-                       return TakeFilter(value, &options->where, wrong);
-                     });
-  command->AddTexts("-d,--decode-as", "SPEC",
-                    "a protocol definition, may be repeated: tcp:8080=HTTP, udp:10.0.0.1:5000=SNMP, "
-                    "tcp:[2001:db8::1]:80=HTTP; port 0: any port of the address; tcp:80=none takes one away",
-                    &options->host.definitions);
-  command->AddFileName("--settings", "FILE", "settings file instead of the user's own", &options->host.settingsFile);
-  command->AddTexts("--set", "NAME=VALUE", "one setting, may be repeated", &options->host.settings);
-  command->AddFlag("--modern", "the same as --set Modern=1: all records of DNS, and bad checksums end nothing",
-                   &options->modern);
-  command->AddFlag("--reassemble", "the same as --set Reassembly=1: messages over segments and fragments are joined",
-                   &options->reassemble);
+  AddWhereOption(command, options);
+  AddDecodingOptions(command, options);
   command->AddFlag("-l", "flush the output after every packet", &options->flushEachPacket);
   command->AddChoice<ColorChoice>(
       "--color", "WHEN", "colours: auto, always or never",

@@ -47,6 +47,10 @@ struct ReadingOptions {
 // Adds FILE and the options that every reading command takes.
 void AddReadingOptions(Command* command, ReadingOptions* options);
 
+// Of these the display filter, and those that say how packets are decoded.
+void AddWhereOption(Command* command, ReadingOptions* options);
+void AddDecodingOptions(Command* command, ReadingOptions* options);
+
 // For the commands that write something of every packet.
 void AddPrefixOption(Command* command, ReadingOptions* options);
 

@@ -34,6 +34,8 @@ class StatTable {
   bool Has(const std::string& column) const;
   const std::vector<Column>& Columns() const { return columns_; }
   size_t Rows() const { return rows_.size(); }
+  const std::string& Title() const { return title_; }
+  const std::vector<std::vector<Cell>>& AllRows() const { return rows_; }
   // Largest first for numbers, texts by their characters; rows that are the same stay in their order.
   void Sort(const std::string& column);
   // Keeps the first rows.

@@ -2,10 +2,9 @@
 // at already. What the file gets meanwhile is read on; what comes once (standard input, compressed captures) is kept in a
 // temporary file and read from there.
 #pragma once
-#include <functional>
+#include <deque>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "files/capture_reader.h"
 #include "files/temporary_file.h"
@@ -56,7 +55,7 @@ class PacketIndex {
   std::unique_ptr<CaptureInput> input_;
   std::shared_ptr<TemporaryFile> kept_;
   std::unique_ptr<CaptureReader> reader_;
-  std::vector<uint64_t> positions_;
+  std::deque<uint64_t> positions_;   // grows without being moved
   uint64_t readUntil_ = 0, lastFetched_ = 0;
   bool moved_ = false, ended_ = false, caughtUp_ = false;
 };

@@ -127,12 +127,29 @@ bool ViewedCapture::ReadBytes(uint64_t number, const uint8_t** bytes, int32_t* l
   return true;
 }
 
+const PacketState* ViewedCapture::ReadHeaders(uint64_t number, const FrameRecord** record) {
+  CaptureFrame frame;
+  if (!index_.Fetch(number, &frame)) return nullptr;
+  *record = RecordOf(frame, builder_);
+  WithAnswers(*rows_, number, true, [&] { rows_->ReadHeaders(*record); });
+  return &rows_->Context().packet;
+}
+
+bool ViewedCapture::ListProtocols(uint64_t number, std::vector<const char*>* protocols) {
+  CaptureFrame frame;
+  if (!index_.Fetch(number, &frame)) return false;
+  const FrameRecord* record = RecordOf(frame, builder_);
+  bool good = false;
+  WithAnswers(*rows_, number, false, [&] { good = probe_->ListProtocols(record, protocols); });
+  return good;
+}
+
 bool ViewedCapture::Asks(KeyQuery& query, uint64_t number) {
   CaptureFrame frame;
   if (!index_.Fetch(number, &frame)) return false;
   const FrameRecord* record = RecordOf(frame, builder_);
   bool good = false;
-  WithAnswers(*rows_, number, !query.AsksForLines(), [&] {
+  WithAnswers(*rows_, number, !query.AsksForLines() && !query.AsksForProtocols(), [&] {
     const std::shared_ptr<PacketTold> told = parts_.tell(*rows_, host_->Record(), record, number);
     good = probe_->Ask(query, record, *told);
   });

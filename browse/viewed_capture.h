@@ -2,8 +2,9 @@
 // filter lets through, and the next ones that hold what is looked for. Everything is done in steps, so that whoever shows it
 // stays at hand.
 #pragma once
+#include <deque>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,11 @@ class ViewedCapture {
   // Its bytes, as the tree's ranges count them; good until the next call.
   bool ReadBytes(uint64_t number, const uint8_t** bytes, int32_t* length);
 
+  // What the packet's headers tell, with its record; null when it cannot be read. Good until the next call of anything here.
+  const PacketState* ReadHeaders(uint64_t number, const FrameRecord** record);
+  // The short names of its protocols, the outer ones first.
+  bool ListProtocols(uint64_t number, std::vector<const char*>* protocols);
+
   // The filter: what it lets through comes with the work. An empty one lets everything through.
   bool SetFilter(const std::string& expression, FilterFault* fault);
   const std::string& FilterText() const { return filterText_; }
@@ -97,7 +103,7 @@ class ViewedCapture {
   bool shownWhole_ = false;
   std::string filterText_;
   std::unique_ptr<Filter> filter_;
-  std::vector<uint64_t> passed_;
+  std::deque<uint64_t> passed_;
   uint64_t asked_ = 0;
 };
 

@@ -32,6 +32,7 @@ _qxview_values() {   # OPTION, what is typed of its value
         find) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
         *) mapfile -t COMPREPLY < <(compgen -W "tree text json" -- "$cur") ;;
       esac ;;
+    --theme) mapfile -t COMPREPLY < <(compgen -W "auto dark light 16 none" -- "$cur") ;;
     --values) mapfile -t COMPREPLY < <(compgen -W "all first last" -- "$cur") ;;
     --side) mapfile -t COMPREPLY < <(compgen -W "both a b" -- "$cur") ;;
     --stream) mapfile -t COMPREPLY < <(compgen -W "tcp: udp:" -- "$cur") ;;
@@ -60,7 +61,7 @@ _qxview_values() {   # OPTION, what is typed of its value
 
 _qxview() {
   local command=${COMP_WORDS[1]} options
-  local commands="capture decode fields find follow help list print protocols report save stat xml"
+  local commands="capture decode fields find follow help list print protocols report save stat view xml"
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$commands --help --version" -- "${COMP_WORDS[1]}")
@@ -120,6 +121,7 @@ _qxview() {
     protocols) options+=" --format --fields" ;;
     save) options+=" --format --append --partial --name" ;;
     stat) options+=" --format --sort --top --interval" ;;
+    view) options=" --help --decode-as --settings --set --where --modern --reassemble -t --theme --no-mouse" ;;
   esac
   mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$options" -- "$cur")
 }

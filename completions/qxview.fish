@@ -22,7 +22,7 @@ function __qxview_definitions
     string join \n tcp: udp:
   end
 end
-set -l reading decode fields find follow list print report save stat xml
+set -l reading decode fields find follow list print report save stat view xml
 set -l all $reading capture protocols help
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l help -d 'the commands'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -l version -d 'the version'
@@ -39,6 +39,9 @@ complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a protocols -d 
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a report -d 'a capture at a glance, as a page'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a save -d 'packets to a capture file'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a stat -d 'statistics as tables'
+complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a view -d 'packets on the screen'
+complete -c qxview -n '__fish_seen_subcommand_from view' -l theme -x -a 'auto dark light 16 none' -d 'colours'
+complete -c qxview -n '__fish_seen_subcommand_from view' -l no-mouse -d "the mouse is the terminal's"
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a xml -d 'packets as an XML document'
 complete -c qxview -n "__fish_seen_subcommand_from $all" -l help -d 'help with examples'
 complete -c qxview -n "__fish_seen_subcommand_from $all" -s d -l decode-as -x -a '(__qxview_definitions)' -d 'a protocol definition'

@@ -9,8 +9,9 @@ set -eu
 
 needed_by() {
   case $1 in
-    build) echo "g++ cmake ninja-build pkg-config python3 zlib1g-dev libzstd-dev liblz4-dev libpcap-dev libsmi2-dev" ;;
-    test) echo "chromium chromium-driver libgtest-dev googletest iproute2 python3-jsonschema g++-mingw-w64-i686 libz-mingw-w64-dev" ;;
+    build) echo "g++ cmake ninja-build pkg-config python3 zlib1g-dev libzstd-dev liblz4-dev libpcap-dev libsmi2-dev
+                libncurses-dev" ;;
+    test) echo "chromium chromium-driver libgtest-dev googletest iproute2 python3-jsonschema tmux g++-mingw-w64-i686 libz-mingw-w64-dev" ;;
     wine) echo "wine wine32:i386 xvfb" ;;
     *) echo "setup: no group is called '$1' (build, test, wine)" >&2; exit 2 ;;
   esac

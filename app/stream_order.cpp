@@ -1,0 +1,114 @@
+#include "app/stream_order.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace qxview {
+
+void SegmentOrder::Take(uint32_t sequence, const uint8_t* bytes, size_t length, size_t cut, uint64_t packet) {
+  if (!started_) Start(sequence);
+  waiting_.push_back({sequence, std::string(reinterpret_cast<const char*>(bytes), length), cut, packet});
+  held_ += length + cut;
+  Release();
+  constexpr size_t kMostSegments = 256, kMostHeld = 4 << 20;
+  while (waiting_.size() > kMostSegments || held_ > kMostHeld) SkipGap();
+}
+
+void SegmentOrder::Acknowledge(uint32_t sequence) {
+  while (!waiting_.empty() && SequenceDistance(next_, sequence) > 0) SkipGap();
+}
+
+void SegmentOrder::Finish() {
+  while (!waiting_.empty()) SkipGap();
+}
+
+// Writes what follows on what was written.
+void SegmentOrder::Release() {
+  for (bool found = true; found;) {
+    found = false;
+    for (size_t i = 0; i < waiting_.size(); ++i) {
+      const Segment& segment = waiting_[i];
+      const int32_t ahead = SequenceDistance(next_, segment.sequence);
+      if (ahead > 0) continue;
+      const Segment taken = std::move(waiting_[i]);
+      waiting_.erase(waiting_.begin() + static_cast<ptrdiff_t>(i));
+      held_ -= taken.bytes.size() + taken.cut;
+      const size_t known = static_cast<size_t>(-static_cast<int64_t>(ahead));
+      const size_t all = taken.bytes.size() + taken.cut;
+      if (known < taken.bytes.size()) {
+        target_.Put(isSecond_, taken.packet, reinterpret_cast<const uint8_t*>(taken.bytes.data()) + known,
+                    taken.bytes.size() - known);
+      }
+      if (taken.cut && known < all) target_.PutGap(isSecond_, taken.packet, all - std::max(known, taken.bytes.size()));
+      if (known < all) next_ += static_cast<uint32_t>(all - known);
+      found = true;
+      break;
+    }
+  }
+}
+
+// Gives up the bytes in front of the segment that comes first.
+void SegmentOrder::SkipGap() {
+  const Segment* first = &waiting_.front();
+  for (const Segment& segment : waiting_) {
+    if (SequenceDistance(segment.sequence, first->sequence) > 0) first = &segment;
+  }
+  const int32_t gap = SequenceDistance(next_, first->sequence);
+  if (gap > 0) target_.PutGap(isSecond_, first->packet, static_cast<uint64_t>(gap));
+  next_ = first->sequence;
+  Release();
+}
+
+uint64_t Streams::NumberOf(const PacketState& packet, const TcpHeader* tcp) {
+  constexpr size_t kMost = 2000000;
+  const auto [at, isNew] = streams_.try_emplace(EndPair(SourceEnd(packet), DestinationEnd(packet)).bytes);
+  if (isNew && streams_.size() > kMost) return streams_.erase(at), UINT64_MAX;
+  Stream& stream = at->second;
+  const bool isSyn = tcp && (tcp->flags & (kTcpSyn | kTcpAck)) == kTcpSyn;
+  if (isNew || (isSyn && stream.hasStart && stream.start != tcp->sequence)) stream.number = count_++;
+  if (isSyn) {
+    stream.hasStart = true;
+    stream.start = tcp->sequence;
+  }
+  return stream.number;
+}
+
+bool IsUdpPacket(const PacketState& packet) {
+  constexpr uint32_t kUdp = 17;
+  return packet.carrier.table == DispatchTable::kIpProtocol && packet.carrier.key == kUdp;
+}
+
+// Of several conversations each end that is not the first one's is the other side.
+bool FollowedStream::SideOf(const PacketState& packet, const QxHost* host) {
+  const std::string from = BytesOf(SourceEnd(packet));
+  if (first_.empty()) first_ = from;
+  const bool isSecond = from != first_;
+  target_.Name(isSecond, EndTextOf(SourceEnd(packet), host));
+  target_.Name(!isSecond, EndTextOf(DestinationEnd(packet), host));
+  return isSecond;
+}
+
+void FollowedStream::TakeAsItComes(const PacketState& packet, bool isTcp, uint64_t number, const QxHost* host) {
+  const bool isSecond = SideOf(packet, host);
+  const uint8_t* bytes = isTcp ? packet.segment.payload : packet.carrier.bytes + 8;
+  const int32_t length = isTcp ? packet.segment.length : packet.carrier.length - 8;
+  if (length > 0) target_.Put(isSecond, number, bytes, static_cast<size_t>(length));
+}
+
+void FollowedStream::Take(const PacketState& packet, const TcpHeader* tcp, uint64_t number, const QxHost* host) {
+  if (!tcp) return TakeAsItComes(packet, false, number, host);
+  const bool isSecond = SideOf(packet, host);
+  SegmentOrder& way = ways_[isSecond];
+  if (tcp->flags & kTcpSyn) way.Start(tcp->sequence + 1);
+  if (tcp->flags & kTcpAck) ways_[!isSecond].Acknowledge(tcp->acknowledgement);
+  const TcpSegment& segment = packet.segment;
+  if (segment.length + segment.cut > 0) {
+    way.Take(tcp->sequence, segment.payload, static_cast<size_t>(segment.length), static_cast<size_t>(segment.cut), number);
+  }
+}
+
+void FollowedStream::Finish() {
+  for (SegmentOrder& way : ways_) way.Finish();
+}
+
+}  // namespace qxview
