@@ -219,7 +219,8 @@ TEST(Browse, SectionsKeepWhatTheyTell) {
   Bytes bytes;
   for (int section = 0; section < 3; ++section) {
     const CaptureWriter& writer = section == 1 ? big : little;
-    bytes = bytes + writer.Section() + writer.Interface(section == 1 ? 101 : 1) + writer.Packet(0, 1, 99, section == 1 ? raw : ethernet) +
+    bytes = bytes + writer.Section() + writer.Interface(section == 1 ? 101 : 1) +
+            writer.Packet(0, 1, 99, section == 1 ? raw : ethernet) +
             writer.Interface(147) + writer.Packet(1, 2, 77, raw);
   }
   const File file(bytes);

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""The packet view as a person uses it: keys go in by tmux, and the screen comes back. What is selected on both sides, places that are
-found again, search, filter, decode-as, files and the clipboard, sizes, signals, pipes that pause, files that grow or are damaged."""
+"""The packet view as a person uses it: keys go in by tmux, and the screen comes back. What is selected on both sides, places
+that are found again, search, filter, decode-as, files and the clipboard, sizes, signals, pipes that pause, files that grow or
+are damaged."""
 import json
 import os
 import re
@@ -16,7 +17,10 @@ QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
 if os.environ.get("QXVIEW_PLATFORM") == "windows":
     sys.exit(0)   # a terminal of POSIX
 DNS = os.path.join(ROOT, "samples", "dns.pcap")
-HTTP = os.path.join(ROOT, "samples", "http.pcap")
+
+
+def output(*words):
+    return subprocess.run(words, check=True, capture_output=True, text=True).stdout
 
 
 @unittest.skipUnless(shutil.which("tmux"), "tmux is not installed")
@@ -27,12 +31,13 @@ class View(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder, True)
         self.addCleanup(subprocess.run, ["tmux", "-S", self.socket, "kill-server"], capture_output=True)
 
-    def tmux(self, *words, check=True):
-        return subprocess.run(["tmux", "-S", self.socket, "-f", "/dev/null", *words], check=check, capture_output=True, text=True).stdout
+    def tmux(self, *words):
+        return output("tmux", "-S", self.socket, "-f", "/dev/null", *words)
 
     def start(self, words, before="", size=(120, 40)):
         """A shell that runs the view and says when it has ended, so that the terminal is looked at after it, too."""
-        environment = f"export XDG_STATE_HOME={self.folder}/state XDG_CONFIG_HOME={self.folder}/config NO_COLOR= LC_ALL=C.UTF-8; cd {self.folder}"
+        environment = (f"export XDG_STATE_HOME={self.folder}/state XDG_CONFIG_HOME={self.folder}/config NO_COLOR= LC_ALL=C.UTF-8; "
+                       f"cd {self.folder}")
         self.tmux("new-session", "-d", "-x", str(size[0]), "-y", str(size[1]), "bash --norc --noprofile")
         self.tmux("set-option", "-s", "set-clipboard", "on")
         self.type(f"{environment}; PS1='$ '; clear; {before}{QXVIEW} {words}; echo ended=$?\n")
@@ -152,14 +157,14 @@ class View(unittest.TestCase):
         self.type("kept.pcapng")
         self.keys("Enter")
         self.until(r"2 packets saved")
-        listed = subprocess.run([QXVIEW, "list", os.path.join(self.folder, "kept.pcapng")], capture_output=True, text=True, check=True).stdout
+        listed = output(QXVIEW, "list", os.path.join(self.folder, "kept.pcapng"))
         self.assertEqual(len(listed.splitlines()), 2)
         for name in ("all.bfr", "all.pcap"):
             self.keys("S", "p")
             self.type(name)
             self.keys("Enter")
             self.until(rf"72 packets saved in {name}")
-            listed = subprocess.run([QXVIEW, "list", os.path.join(self.folder, name)], capture_output=True, text=True, check=True).stdout
+            listed = output(QXVIEW, "list", os.path.join(self.folder, name))
             self.assertEqual(len(listed.splitlines()), 72)
         self.keys("S", "t")
         self.type("tree.json")
@@ -171,7 +176,7 @@ class View(unittest.TestCase):
         self.type("tree.txt")
         self.keys("Enter")
         self.until(r"tree saved in tree\.txt")
-        decoded = subprocess.run([QXVIEW, "decode", "--modern", "--packets", "3", DNS], capture_output=True, text=True, check=True).stdout
+        decoded = output(QXVIEW, "decode", "--modern", "--packets", "3", DNS)
         with open(os.path.join(self.folder, "tree.txt"), encoding="utf-8") as file:
             self.assertEqual(file.read(), decoded.rstrip("\n") + "\n")
         self.keys("Tab")
@@ -199,7 +204,7 @@ class View(unittest.TestCase):
             self.assertEqual(file.read(), "[Protocols]\nudp:53=none\n")
         self.keys("u")
         self.until(r"no longer decoded")
-        self.until(r"DNS: Query")
+        self.until(r"DNS Query: Notify")
         self.ask("a", os.path.join(self.folder, "names"))
         self.until(r"workstation")
         self.ask("C", " dns.type:9")

@@ -31,6 +31,16 @@ void TakeNumber(const std::string& value, int32_t least, int32_t most, int32_t* 
 
 }  // namespace
 
+std::string UserSettingsPath(const std::string& present) {
+  const char* config = std::getenv("XDG_CONFIG_HOME");
+  const char* home = std::getenv("HOME");
+  if (!present.empty()) return present;
+  if (!(config && config[0]) && !(home && home[0])) return {};
+  const std::string folder = (config && config[0] ? config : std::string(home) + "/.config") + std::string("/vantrell");
+  MakeFolders(folder);
+  return folder + "/view.ini";
+}
+
 void Remembered::Load() {
   const std::string folder = StateFolder();
   if (folder.empty()) return;

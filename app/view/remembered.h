@@ -21,4 +21,7 @@ struct Remembered {
   void Save() const;
 };
 
+// Where the user's settings file is, or would be; its folder is made. Empty where nobody knows.
+std::string UserSettingsPath(const std::string& present);
+
 }  // namespace qxview

@@ -50,7 +50,8 @@ bool Viewer::Work() {
     if (!step() && taskName_ == name) task_ = nullptr, taskName_.clear();
   }
   if (overlay_) busy |= overlay_->Work();
-  isDirty_ |= capture_.ShownCount() != count || (capture_.ShownNumber() == number_ && known < number_ && capture_.Known() >= number_);
+  const bool becameKnown = capture_.ShownNumber() == number_ && known < number_ && capture_.Known() >= number_;
+  isDirty_ |= becameKnown || capture_.ShownCount() != count;
   FitFilter();
   const uint64_t shown = capture_.ShownCount();
   if (shown && (number_ == 0 || (sticks_ && shown != count))) Select(capture_.NumberAt(sticks_ ? shown - 1 : 0));

@@ -85,7 +85,8 @@ const std::vector<Viewer::Action>& Viewer::Actions() {
 void Viewer::ShowHelp() {
   auto help = std::make_unique<TextOverlay>("Keys", "Up Down PgUp PgDn scroll  / search  q close");
   help->Add({"Up, Down, PgUp, PgDn, Home, End (h j k l) move in the pane that has the > in its head;", Style::kFaint});
-  help->Add({"Left and Right close and open lines of the tree. The mouse selects, scrolls, and drags the panes' heads.", Style::kFaint});
+  help->Add({"Left and Right close and open lines of the tree. The mouse selects, scrolls and drags the panes' heads.",
+             Style::kFaint});
   for (const Action& action : Actions()) {
     if (action.keys.empty()) {
       help->Add({"", Style::kPlain});
@@ -218,10 +219,10 @@ std::vector<std::string> KeysFrom(const std::string& word, const std::vector<std
 }  // namespace
 
 std::vector<std::string> CompleteKey(const std::string& word) {
-  static const std::vector<std::string> kOwn = {"frame.number", "frame.time", "frame.length", "frame.captured", "frame.source",
-                                                "frame.destination", "frame.protocol", "frame.summary", "frame.address", "frame.port",
-                                                "frame.source_address", "frame.destination_address", "frame.source_port",
-                                                "frame.destination_port", "frame.protocols", "contains", "matches"};
+  static const std::vector<std::string> kOwn = {
+      "frame.number", "frame.time", "frame.length", "frame.captured", "frame.source", "frame.destination", "frame.protocol",
+      "frame.summary", "frame.address", "frame.port", "frame.source_address", "frame.destination_address", "frame.source_port",
+      "frame.destination_port", "frame.protocols", "contains", "matches"};
   return KeysFrom(word, kOwn);
 }
 
@@ -314,10 +315,12 @@ void Viewer::UndoDecodeAs() {
 void Viewer::KeepDecodeAs() {
   if (decodings_ == 0) return Note("nothing was decoded otherwise");
   const HostOptions& options = capture_.Options();
-  const std::string path = options.settingsFile.empty() ? options.userSettings.file : options.settingsFile;
+  const std::string path = options.settingsFile.empty() ? UserSettingsPath(options.userSettings.file) : options.settingsFile;
   if (path.empty()) return Note("there is no settings file to keep it in: --settings FILE", true);
   std::string text, line, added;
-  for (size_t i = options.definitions.size() - decodings_; i < options.definitions.size(); ++i) added += options.definitions[i] + "\n";
+  for (size_t i = options.definitions.size() - decodings_; i < options.definitions.size(); ++i) {
+    added += options.definitions[i] + "\n";
+  }
   bool isIn = false;
   std::ifstream file(path);
   while (std::getline(file, line)) {
@@ -332,7 +335,8 @@ void Viewer::KeepDecodeAs() {
   std::string message;
   const bool isOpen = changed.Create(path, &message);
   const OutputSink sink = isOpen ? changed.Sink() : OutputSink{};
-  const bool written = isOpen && sink.write(sink.handle, text.data(), static_cast<int32_t>(text.size())) == 1 && changed.Keep(&message);
+  const auto length = static_cast<int32_t>(text.size());
+  const bool written = isOpen && sink.write(sink.handle, text.data(), length) == 1 && changed.Keep(&message);
   if (!written) return Note(message.empty() ? path + " cannot be written" : message, true);
   Note("kept in " + path);
 }

@@ -26,14 +26,13 @@ int32_t OwnColumn(const std::string& key) {
 bool IsRight(const std::string& key) { return key == "number" || key == "time" || key == "length"; }
 
 Style StyleOfPacket(const PacketRow& row) {
+  static constexpr std::pair<std::string_view, Style> kStyles[] = {
+      {kBoldRed, Style::kTrouble}, {kBlue, Style::kBlue},   {kGreen, Style::kGreen},    {kTeal, Style::kTeal},
+      {kViolet, Style::kViolet},   {kBrown, Style::kBrown}, {kMagenta, Style::kMagenta}};
   const std::string_view color = ColorOfPacket(row.protocol, row.summary);
-  if (color == kBoldRed) return Style::kTrouble;
-  if (color == kBlue) return Style::kBlue;
-  if (color == kGreen) return Style::kGreen;
-  if (color == kTeal) return Style::kTeal;
-  if (color == kViolet) return Style::kViolet;
-  if (color == kBrown) return Style::kBrown;
-  if (color == kMagenta) return Style::kMagenta;
+  for (const auto& [name, style] : kStyles) {
+    if (color == name) return style;
+  }
   return Style::kPlain;
 }
 
@@ -309,8 +308,9 @@ void Viewer::DrawList(const Rect& rect) {
   for (uint64_t i = 0; i < rows; ++i) DrawRow(rect, rect.row + 1 + static_cast<int32_t>(i), top_ + i, widths);
   if (count == 0 && rect.rows > 1) {
     const std::string fault = capture_.Index().Fault();
-    screen_.PutUtf8(rect.row + 1, rect.column + 1, filterRuns_ || !capture_.Index().IsCaughtUp() ? "..." : fault.empty() ? "no packets" : fault,
-                    rect.columns - 1, Style::kFaint);
+    const bool isMade = !filterRuns_ && capture_.Index().IsCaughtUp();
+    const std::string told = !isMade ? "..." : fault.empty() ? "no packets" : fault;
+    screen_.PutUtf8(rect.row + 1, rect.column + 1, told, rect.columns - 1, Style::kFaint);
   }
 }
 
@@ -359,11 +359,13 @@ void Viewer::DrawByteRow(const Rect& rect, int32_t row, int32_t offset, FrameByt
     const Style style = styleOf(offset + i);
     if (column < right) screen_.Put(row, column, {kHexPairs + 2 * bytes[offset + i], 2}, right - column, style);
     const bool goesOn = style == Style::kBytes && i + 1 < perRow && styleOf(offset + i + 1) == style;
-    if (goesOn && column + 2 < right) screen_.Fill(row, column + 2, std::min(i + 1 == perRow / 2 ? 2 : 1, right - column - 2), style);
+    const int32_t gap = std::min(i + 1 == perRow / 2 ? 2 : 1, right - column - 2);
+    if (goesOn && gap > 0) screen_.Fill(row, column + 2, gap, style);
     const int32_t character = at + 3 * perRow + 2 + i;
     const uint8_t c = bytes[offset + i];
     const char shown = c >= 0x20 && c < 0x7F ? static_cast<char>(c) : '.';
-    if (character < right) screen_.Put(row, character, {&shown, 1}, 1, style == Style::kPlain && shown == '.' ? Style::kFaint : style);
+    const Style faint = style == Style::kPlain && shown == '.' ? Style::kFaint : style;
+    if (character < right) screen_.Put(row, character, {&shown, 1}, 1, faint);
   }
 }
 

@@ -63,7 +63,8 @@ void Viewer::StartSearch(SearchText search, bool backward, bool selects) {
   auto run = std::make_shared<SearchRun>(capture_, std::move(search), number_, backward);
   StartTask("searching", [this, run, backward, selects] {
     const SearchRun::State state = run->Advance(kPiece);
-    taskName_ = std::string("searching ") + std::to_string(run->Looked() * 100 / std::max<uint64_t>(capture_.ShownCount(), 1)) + " %";
+    const uint64_t count = std::max<uint64_t>(capture_.ShownCount(), 1);
+    taskName_ = std::string("searching ") + std::to_string(run->Looked() * 100 / count) + " %";
     if (state == SearchRun::State::kGoesOn) return true;
     taskName_.clear();
     task_ = nullptr;
@@ -112,7 +113,8 @@ bool Viewer::FilterBy(const std::string& expression, std::string* wrong) {
 }
 
 void Viewer::AskFilter() {
-  Prompt prompt("filter", capture_.FilterText(), [this](const std::string& text, std::string* wrong) { return FilterBy(text, wrong); });
+  Prompt prompt("filter", capture_.FilterText(),
+                [this](const std::string& text, std::string* wrong) { return FilterBy(text, wrong); });
   prompt.CheckBy([](const std::string& text, std::string* wrong) {
     FilterFault fault;
     if (Filter::Parse(text, &fault)) return true;
@@ -206,7 +208,8 @@ void Viewer::FilterConversation() {
 void Viewer::FindTrouble(bool backward) {
   FindPacket("looking for trouble", backward, [this](uint64_t number) {
     PacketRow row;
-    return capture_.ReadRow(number, &row) && std::string_view(ColorOfPacket(row.protocol, row.summary)) == kBoldRed;
+    constexpr std::string_view kTrouble = kBoldRed;
+    return capture_.ReadRow(number, &row) && kTrouble.compare(ColorOfPacket(row.protocol, row.summary)) == 0;
   });
 }
 

@@ -158,7 +158,8 @@ void Viewer::ShowCopyMenu() {
 void Viewer::ShowSaveMenu() {
   Open(std::make_unique<MenuOverlay>(
       "Save", std::vector<MenuOverlay::Choice>{
-                  {'p', capture_.IsFiltered() ? "the packets that the filter lets through" : "all packets", [this] { AskPackets(false); }},
+                  {'p', capture_.IsFiltered() ? "the packets that the filter lets through" : "all packets",
+                   [this] { AskPackets(false); }},
                   {'m', "the marked packets", [this] { AskPackets(true); }},
                   {'b', "the bytes of the line", [this] { AskBytesFile(); }},
                   {'t', "the packet's tree, as text or .json", [this] { AskTreeFile(); }},

@@ -99,7 +99,8 @@ class FollowOverlay final : public TextOverlay, private StreamTarget {
       const Piece& piece = pieces_[written_];
       if (side_ >= 0 && piece.isSecond != (side_ == 1)) continue;
       if (turn_ != piece.isSecond) {
-        Add({"--- " + names_[piece.isSecond] + " to " + names_[!piece.isSecond] + ", packet " + std::to_string(piece.packet), Style::kFaint});
+        const std::string packet = std::to_string(piece.packet);
+        Add({"--- " + names_[piece.isSecond] + " to " + names_[!piece.isSecond] + ", packet " + packet, Style::kFaint});
         turn_ = piece.isSecond;
         atLineStart_ = true;
       }
@@ -262,7 +263,8 @@ class StatOverlay final : public TableOverlay {
 // Packets as arrows between hosts: those of the selected packet's two, or of a call all that signal it.
 class FlowOverlay final : public TextOverlay {
  public:
-  explicit FlowOverlay(Viewer& viewer) : TextOverlay("Flow", "Enter go to the packet at the top  / search  q close"), viewer_(viewer) {
+  explicit FlowOverlay(Viewer& viewer)
+      : TextOverlay("Flow", "Enter go to the packet at the top  / search  q close"), viewer_(viewer) {
     PacketRow row;
     if (!viewer.Capture().ReadRow(viewer.Number(), &row)) return;
     isCall_ = row.protocol == "SIP";
@@ -351,7 +353,8 @@ class FlowOverlay final : public TextOverlay {
 void Viewer::FollowStream() {
   const FrameRecord* record;
   const PacketState* packet = number_ ? capture_.ReadHeaders(number_, &record) : nullptr;
-  if (!packet || packet->quoted || !(packet->segment.here || IsUdpPacket(*packet))) return Note("the packet is of no stream of TCP or UDP");
+  const bool isOfOne = packet && !packet->quoted && (packet->segment.here || IsUdpPacket(*packet));
+  if (!isOfOne) return Note("the packet is of no stream of TCP or UDP");
   Open(std::make_unique<FollowOverlay>(*this));
 }
 
