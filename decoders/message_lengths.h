@@ -42,6 +42,8 @@ int32_t LengthOfBfcp(const Cursor& c);
 int32_t LengthOfMegaco(const Cursor& c);
 int32_t LengthOfXmpp(const Cursor& c);
 int32_t LengthOfYmsg(const Cursor& c);
+int32_t LengthOfOscar(const Cursor& c);
+int32_t LengthOfZ3950(const Cursor& c);
 int32_t LengthOfBeep(const Cursor& c);
 int32_t LengthOfUcp(const Cursor& c);
 int32_t LengthOfHl7(const Cursor& c);

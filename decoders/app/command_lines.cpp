@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "decoders/app/command_arguments.h"
+#include "decoders/app/command_lines.h"
 #include "decoders/app/ftp_data.h"
 #include "decoders/app/internet_message.h"
 #include "decoders/app/tls_record.h"
@@ -10,6 +11,68 @@
 #include "decoders/net/dynamic_udp.h"
 
 namespace qxview {
+namespace {
+
+bool IsText(const Field& line) {
+  for (int32_t i = 0; i < line.length; ++i) {
+    if (PeekU8(line, i) < ' ' && PeekU8(line, i) != '\t') return false;
+  }
+  return line.length > 0;
+}
+
+}  // namespace
+
+bool StartsCommandLines(const Cursor& c) {
+  TextLine line;
+  Cursor ahead = c;
+  return !StartsTlsRecord(c.at, Left(c)) && TakeLine(ahead, line) && IsText(line.text);
+}
+
+int32_t ReplyCodeOf(const Field& line) {
+  if (line.length < 3 || (line.length > 3 && PeekU8(line, 3) != ' ' && PeekU8(line, 3) != '-')) return -1;
+  return DecimalOf(Slice(line, 0, 3));
+}
+
+void ShowCommandLine(const Place& at, const TextLine& line, ShowArgument show) {
+  const Place in = Under(at, AddTextLine(at, line.whole, "Command", line.text));
+  Field rest = line.text;
+  const Field verb = TakeWord(rest);
+  AddTextLine(in, verb, "Verb");
+  rest = Trimmed(rest);
+  if (rest.length > 0) show(Under(in, AddTextLine(in, rest, "Parameter")), verb, rest);
+}
+
+bool HasVerb(const Field& line, const char* const* verbs, size_t count) {
+  Field rest = line;
+  const Field verb = TakeWord(rest);
+  for (size_t i = 0; i < count; ++i) {
+    if (IsWord(verb, verbs[i])) return true;
+  }
+  return false;
+}
+
+Place AddConversation(const Place& at, const Cursor& c, const char* name) {
+  TextLine line;
+  Cursor ahead = c;
+  TakeLine(ahead, line);
+  return Under(at, AddLine(at, Ahead(c, Left(c)), "%s: %s", name, Text(line.text)));
+}
+
+void ShowMailLines(const Place& in, Cursor& c) {
+  TextLine line;
+  Cursor next = c;
+  if (TakeLine(next, line) && Left(next) == 0 && IsSasl(line.text)) {
+    ShowSasl(Under(in, AddTextLine(in, line.whole, "Authentication", line.text)), line.text);
+    c = next;
+    return;
+  }
+  if (StartsInternetMessage(c)) {
+    ShowInternetMessage(in, c, kAtDot);
+  } else {
+    ShowMessageText(in, c, kAtDot);
+  }
+}
+
 namespace {
 
 constexpr auto kFtpCodes = SortedNames({
@@ -45,43 +108,6 @@ constexpr auto kSmtpCodes = SortedNames({
     {538, "Encryption Required for Authentication"}, {550, "Mailbox Unavailable"}, {551, "User Not Local"},
     {552, "Storage Allocation Exceeded"}, {553, "Mailbox Name Not Allowed"}, {554, "Transaction Failed"},
     {555, "Parameters Not Recognized"}, {556, "Domain Accepts No Mail"}});
-constexpr auto kNntpCodes = SortedNames({
-    {100, "Help Text Follows"}, {101, "Capabilities Follow"}, {111, "Server Date and Time"},
-    {200, "Service Available, Posting Allowed"}, {201, "Service Available, Posting Prohibited"}, {203, "Streaming Permitted"},
-    {205, "Connection Closing"}, {211, "Group Selected"}, {215, "Information Follows"}, {220, "Article Follows"},
-    {221, "Headers Follow"}, {222, "Body Follows"}, {223, "Article Exists"}, {224, "Overview Information Follows"},
-    {225, "Headers Follow"}, {230, "New Articles Follow"}, {231, "New Groups Follow"}, {235, "Article Transferred"},
-    {238, "Send Article"}, {239, "Article Transferred"}, {281, "Authentication Accepted"}, {335, "Send Article to Transfer"},
-    {340, "Send Article to Post"}, {381, "Password Required"}, {382, "Continue with TLS"}, {383, "Continue with SASL"},
-    {400, "Service Unavailable"}, {401, "Wrong Mode"}, {403, "Internal Fault"}, {411, "No Such Group"},
-    {412, "No Group Selected"}, {420, "No Article Selected"}, {421, "No Next Article"}, {422, "No Previous Article"},
-    {423, "No Such Article Number"}, {430, "No Such Article"}, {431, "Transfer Not Possible Now"},
-    {435, "Article Not Wanted"}, {436, "Transfer Not Possible, Try Later"}, {437, "Transfer Rejected"},
-    {438, "Article Not Wanted"}, {439, "Transfer Rejected"}, {440, "Posting Not Permitted"}, {441, "Posting Failed"},
-    {480, "Authentication Required"}, {481, "Authentication Failed"}, {482, "Authentication Out of Sequence"},
-    {483, "Encryption Required"}, {500, "Unknown Command"}, {501, "Syntax Error"}, {502, "Permission Denied"},
-    {503, "Feature Not Supported"}, {504, "Base64 Error"}, {580, "Cannot Start TLS"}});
-
-bool IsText(const Field& line) {
-  for (int32_t i = 0; i < line.length; ++i) {
-    if (PeekU8(line, i) < ' ' && PeekU8(line, i) != '\t') return false;
-  }
-  return line.length > 0;
-}
-
-// What is behind STARTTLS or AUTH TLS, or no text at all, is not of these protocols.
-bool IsLines(const Cursor& c) {
-  TextLine line;
-  Cursor ahead = c;
-  return !StartsTlsRecord(c.at, Left(c)) && TakeLine(ahead, line) && IsText(line.text);
-}
-
-// "220 text" or "220-text": the code; -1 for another line.
-int32_t CodeOf(const Field& line) {
-  if (line.length < 3 || (line.length > 3 && PeekU8(line, 3) != ' ' && PeekU8(line, 3) != '-')) return -1;
-  return DecimalOf(Slice(line, 0, 3));
-}
-
 // (192,0,2,1,4,0) or (|||1024|): where the server waits for the data connection.
 void ShowDataPort(const Place& in, const Field& text) {
   AddressSlot slot;
@@ -113,15 +139,11 @@ void ShowDataPort(const Place& in, const Field& text) {
 }
 
 // What a protocol's verbs and codes say.
-using ShowArgument = void (*)(const Place& in, const Field& verb, const Field& parameter);
 using ShowReplyText = void (*)(const Place& in, int32_t code, const Field& text);
-
-void ShowNoArgument(const Place&, const Field&, const Field&) {}
-void ShowNoReplyText(const Place&, int32_t, const Field&) {}
 
 template <class Codes>
 void ShowReply(const Place& at, const TextLine& line, const Codes& codes, ShowReplyText show) {
-  const int32_t code = CodeOf(line.text);
+  const int32_t code = ReplyCodeOf(line.text);
   const Place in = Under(at, AddTextLine(at, line.whole, "Reply", line.text));
   if (code < 0) return show(in, code, line.text);
   AddLine(in, Slice(line.text, 0, 3), "Reply Code: %u = %s", code, LookupName(codes, static_cast<uint32_t>(code)));
@@ -133,24 +155,6 @@ void ShowReply(const Place& at, const TextLine& line, const Codes& codes, ShowRe
 void ShowFtpText(const Place& in, int32_t code, const Field& text) {
   if (code == 227 || code == 229) ShowDataPort(in, text);
   ShowFtpReplyText(in, code, text);
-}
-
-void ShowCommand(const Place& at, const TextLine& line, ShowArgument show) {
-  const Place in = Under(at, AddTextLine(at, line.whole, "Command", line.text));
-  Field rest = line.text;
-  const Field verb = TakeWord(rest);
-  AddTextLine(in, verb, "Verb");
-  rest = Trimmed(rest);
-  if (rest.length > 0) show(Under(in, AddTextLine(in, rest, "Parameter")), verb, rest);
-}
-
-bool IsOneOf(const Field& line, const char* const* verbs, size_t count) {
-  Field rest = line;
-  const Field verb = TakeWord(rest);
-  for (size_t i = 0; i < count; ++i) {
-    if (IsWord(verb, verbs[i])) return true;
-  }
-  return false;
 }
 
 constexpr const char* kSmtpVerbs[] = {"HELO", "EHLO", "LHLO", "MAIL", "RCPT", "DATA", "BDAT", "RSET", "VRFY", "EXPN", "HELP",
@@ -165,14 +169,6 @@ bool IsPopReply(const Field& line) {
 
 void ShowPopArgument(const Place& in, const Field& verb, const Field& parameter) {
   if (IsWord(verb, "AUTH")) ShowSmtpArgument(in, verb, parameter);
-}
-
-// The payload's line, which says its first line.
-Place TopLine(const Place& at, const Cursor& c, const char* name) {
-  TextLine line;
-  Cursor ahead = c;
-  TakeLine(ahead, line);
-  return Under(at, AddLine(at, Ahead(c, Left(c)), "%s: %s", name, Text(line.text)));
 }
 
 // The octets of a chunk (RFC 3030).
@@ -190,22 +186,6 @@ void ShowChunk(const Place& in, Cursor& c, const Field& command) {
   }
 }
 
-// The rest of a message, a message from its headers on, or what a client answers to a challenge.
-void ShowMail(const Place& in, Cursor& c) {
-  TextLine line;
-  Cursor next = c;
-  if (TakeLine(next, line) && Left(next) == 0 && IsSasl(line.text)) {
-    ShowSasl(Under(in, AddTextLine(in, line.whole, "Authentication", line.text)), line.text);
-    c = next;
-    return;
-  }
-  if (StartsInternetMessage(c)) {
-    ShowInternetMessage(in, c, kAtDot);
-  } else {
-    ShowMessageText(in, c, kAtDot);
-  }
-}
-
 // Replies from `leastCode` on, commands by their verbs, and what is neither as part of a message.
 template <class Codes, size_t kVerbCount>
 void ShowConversation(const Place& in, Cursor& c, int32_t leastCode, const Codes& codes,
@@ -216,15 +196,15 @@ void ShowConversation(const Place& in, Cursor& c, int32_t leastCode, const Codes
   while (MoreAt(in, c, loop)) {
     Cursor next = c;
     if (!TakeLine(next, line)) break;
-    if (CodeOf(line.text) >= leastCode) {
+    if (ReplyCodeOf(line.text) >= leastCode) {
       ShowReply(in, line, codes, showText);
-    } else if (IsOneOf(line.text, verbs, kVerbCount)) {
-      ShowCommand(in, line, showArgument);
+    } else if (HasVerb(line.text, verbs, kVerbCount)) {
+      ShowCommandLine(in, line, showArgument);
       if (StartsWithWord(line.text, "BDAT ")) {
         ShowChunk(in, next, line.text);
       }
     } else {
-      ShowMail(in, c);
+      ShowMailLines(in, c);
       continue;
     }
     c = next;
@@ -234,43 +214,68 @@ void ShowConversation(const Place& in, Cursor& c, int32_t leastCode, const Codes
 }  // namespace
 
 int32_t DecodeFtp(const Place& at, Cursor c) {
-  if (!IsLines(c)) return 0;
-  const Place in = TopLine(at, c, "FTP");
+  if (!StartsCommandLines(c)) return 0;
+  const Place in = AddConversation(at, c, "FTP");
   // Lines of a long reply have no code of their own, but come from the server.
-  const bool isReply = PacketOf(at).matchedSource || CodeOf(Ahead(c, Left(c) < 4 ? Left(c) : 4)) >= 0;
+  const bool isReply = PacketOf(at).matchedSource || ReplyCodeOf(Ahead(c, Left(c) < 4 ? Left(c) : 4)) >= 0;
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
     if (isReply) {
       ShowReply(in, line, kFtpCodes, ShowFtpText);
     } else {
-      ShowCommand(in, line, ShowFtpArgument);
+      ShowCommandLine(in, line, ShowFtpArgument);
     }
   }
   return 1;
 }
 
 int32_t DecodeSmtp(const Place& at, Cursor c) {
-  if (!IsLines(c) && RecallNote(at, c).phase == 0) return 0;
-  const Place in = TopLine(at, c, "SMTP");
+  if (!StartsCommandLines(c) && RecallNote(at, c).phase == 0) return 0;
+  const Place in = AddConversation(at, c, "SMTP");
   ShowConversation(in, c, 200, kSmtpCodes, kSmtpVerbs, ShowSmtpArgument, ShowSmtpReplyText);
   return 1;
 }
 
-int32_t DecodeNntp(const Place& at, Cursor c) {
-  constexpr const char* kVerbs[] = {"ARTICLE", "AUTHINFO", "BODY", "CAPABILITIES", "CHECK", "COMPRESS", "DATE", "GROUP", "HDR",
-                                    "HEAD", "HELP", "IHAVE", "LAST", "LIST", "LISTGROUP", "MODE", "NEWGROUPS", "NEWNEWS",
-                                    "NEXT", "OVER", "POST", "QUIT", "SLAVE", "STARTTLS", "STAT", "TAKETHIS", "XGTITLE",
-                                    "XHDR", "XOVER", "XPAT"};
-  if (!IsLines(c) && RecallNote(at, c).phase == 0) return 0;
-  const Place in = TopLine(at, c, "NNTP");
-  ShowConversation(in, c, 100, kNntpCodes, kVerbs, ShowNoArgument, ShowNoReplyText);
-  return 1;
+namespace {
+
+// What answers LIST, UIDL and CAPA have behind their first line (RFC 1939 5 and 7, RFC 2449): "1 120", "1 whqtswO00WBw", "TOP".
+void ShowPopListing(const Place& at, const TextLine& line) {
+  constexpr const char* kAbilities[] = {"TOP", "USER", "SASL", "RESP-CODES", "LOGIN-DELAY", "PIPELINING", "EXPIRE", "UIDL",
+                                        "IMPLEMENTATION", "STLS", "AUTH-RESP-CODE", "UTF8", "LANG"};
+  Field rest = line.text;
+  const Field first = TakeWord(rest);
+  rest = Trimmed(rest);
+  if (line.text.length == 1 && PeekU8(line.text) == '.') return (void)AddLine(at, line.whole, "End of List");
+  if (DecimalOf(first) >= 0 && rest.length > 0) {
+    const Place in = Under(at, AddTextLine(at, line.whole, "Listing", line.text));
+    AddTextLine(in, first, "Message Number");
+    AddTextLine(in, rest, DecimalOf(rest) >= 0 ? "Message Size" : "Unique Identifier");   // keys: text Message Size, Unique Identifier
+    return;
+  }
+  const bool isAbility = HasVerb(line.text, kAbilities, std::size(kAbilities));
+  const Place in = Under(at, AddTextLine(at, line.whole, isAbility ? "Capability" : "Text", line.text));   // keys: text Capability, Text
+  if (isAbility && rest.length > 0) AddTextLine(in, rest, "Argument");
 }
 
+// Whether such lines, and no message, stand behind a reply.
+bool StartsPopListing(Cursor c) {
+  TextLine line;
+  if (!TakeLine(c, line)) return false;
+  Field rest = line.text;
+  const Field first = TakeWord(rest);
+  if (DecimalOf(first) > 0) return Trimmed(rest).length > 0 && FindU8(CursorOver(Trimmed(rest)), ' ') < 0;
+  for (int32_t i = 0; i < first.length; ++i) {
+    if ((PeekU8(first, i) < 'A' || PeekU8(first, i) > 'Z') && PeekU8(first, i) != '-') return false;
+  }
+  return first.length > 2;
+}
+
+}  // namespace
+
 int32_t DecodePop3(const Place& at, Cursor c) {
-  if (!IsLines(c) && RecallNote(at, c).phase == 0) return 0;
-  const Place in = TopLine(at, c, "POP3");
+  if (!StartsCommandLines(c) && RecallNote(at, c).phase == 0) return 0;
+  const Place in = AddConversation(at, c, "POP3");
   if (!IsPopReply(Ahead(c, Left(c)))) ShowMessageRest(in, c);
   TextLine line;
   Loop loop;
@@ -278,19 +283,22 @@ int32_t DecodePop3(const Place& at, Cursor c) {
     Cursor next = c;
     if (!TakeLine(next, line)) break;
     const bool isReply = IsPopReply(line.text);
-    if (!isReply && !IsOneOf(line.text, kPopVerbs, std::size(kPopVerbs))) {
-      ShowMail(in, c);
+    if (!isReply && !HasVerb(line.text, kPopVerbs, std::size(kPopVerbs))) {
+      ShowMailLines(in, c);
       continue;
     }
     c = next;
     if (!isReply) {
-      ShowCommand(in, line, ShowPopArgument);
+      ShowCommandLine(in, line, ShowPopArgument);
       continue;
     }
     const Place under = Under(in, AddTextLine(in, line.whole, "Reply", line.text));
     Field rest = line.text;
     AddTextLine(under, TakeWord(rest), "Status Indicator");
     if (rest.length > 0) ShowSasl(Under(under, AddTextLine(under, rest, "Reply Text")), Trimmed(rest));
+    if (!StartsPopListing(c)) continue;
+    Loop listing;
+    while (MoreAt(in, c, listing) && TakeLine(c, line)) ShowPopListing(in, line);
   }
   return 1;
 }

@@ -46,7 +46,7 @@ void ShowSvnItems(const Place& in, Cursor& c, int32_t depth) {
       const LineHandle title = AddLine(in, Ahead(before, Left(before)), "List");
       const Place under = Under(in, title);
       if (depth < kMostDepth) ShowSvnItems(under, c, depth + 1);
-      else AddBlock(under, Rest(c), "Lists Nest Too Deeply to Be Shown");
+      else AddBlock(under, Rest(c), "Lists nest too deeply to be shown");
       SkipSpace(c);
       if (PeekU8(c) == ')') TakeBytes(c, 1);
       if (!under.dead) SetRange(in, title, before.offset, c.offset - before.offset);

@@ -90,6 +90,7 @@ void ShowValues(const Place& in, const Field& text, int32_t depth) {
       const Place list = Under(in, AddTextLine(in, value, "List"));
       const int32_t inner = value.length - 1 - (value.length > 1 && PeekU8(value, value.length - 1) == ')');
       if (depth < kMostDepth) ShowValues(list, Slice(value, 1, inner), depth + 1);
+      else AddLine(list, value, "Lists nest too deeply to be shown");
     }
     at = end > at ? end : at + 1;
   }

@@ -1,5 +1,6 @@
 #include "decoders/app/internet_message.h"
 
+#include "decoders/asn1/der.h"
 #include "decoders/common/text_lines.h"
 #include "decoders/common/transfer_text.h"
 
@@ -47,6 +48,16 @@ int32_t LengthOfPart(Cursor c, const Field& boundary, bool takesDot) {
 
 void ShowEntity(const Place& in, Cursor& c, Body& body, int32_t depth);
 
+// Signed and enveloped messages, signatures and certificates (S/MIME, RFC 8551).
+bool HoldsDer(const Field& type) {
+  constexpr const char* kTypes[] = {"application/pkcs7-mime", "application/x-pkcs7-mime", "application/pkcs7-signature",
+                                    "application/x-pkcs7-signature", "application/pkix-cert", "application/x-x509-ca-cert"};
+  for (const char* each : kTypes) {
+    if (IsWord(type, each)) return true;
+  }
+  return false;
+}
+
 void ShowBase64(const Place& at, Cursor& c, const MimeEntity& entity, int32_t depth) {
   const Field text = Rest(c);
   if (!text.here) return;
@@ -54,15 +65,45 @@ void ShowBase64(const Place& at, Cursor& c, const MimeEntity& entity, int32_t de
   const Place in = Under(at, AddLine(at, text, "Content: %u bytes in base64", static_cast<uint32_t>(Left(octets))));
   const DerivedLines derived(at.view);
   Body inner{};
-  if (IsWord(entity.type, "message/rfc822") && depth < kMostDepth) return ShowEntity(in, octets, inner, depth + 1);
+  if (IsWord(entity.type, "message/rfc822")) return ShowEntity(in, octets, inner, depth + 1);
+  if (HoldsDer(entity.type)) return ShowDerValues(in, octets);
   if (StartsWithWord(entity.type, "text/") || IsReadable(octets)) return ShowLinesOfText(in, octets, "Text");
   AddBlock(in, Rest(octets), "Decoded Data");
+}
+
+// "begin 644 name", lines of up to 45 octets each, "end".
+bool StartsUuencoded(const Field& line) {
+  return line.length > 10 && StartsWithText(CursorOver(line), "begin ") && DecimalOf(Slice(line, 6, 3)) >= 0 && PeekU8(line, 9) == ' ';
+}
+
+void ShowUuencoded(const Place& at, const TextLine& begin, Cursor& c) {
+  const Cursor start = c;
+  uint8_t* const octets = TakeFrameMemory(at.view, Left(c));
+  int32_t used = 0;
+  TextLine line;
+  Cursor next = c;
+  while (octets && TakeLine(next, line) && !IsWord(line.text, "end") && PeekU8(line.text) >= ' ' && PeekU8(line.text) <= '`') {
+    used += ReadUuLine(line.text, octets + used, Left(start) - used);
+    c = next;
+  }
+  const Field text = Ahead(start, c.offset - start.offset);
+  AddTextLine(at, begin.whole, "Encoded File", Slice(begin.text, 10, begin.text.length - 10));
+  if (text.length == 0) return;
+  const Place in = Under(at, AddLine(at, text, "Content: %u bytes in uuencode", static_cast<uint32_t>(used)));
+  const DerivedLines derived(at.view);
+  Cursor decoded = MakeCursor(octets, text.offset, used);
+  if (IsReadable(decoded)) ShowLinesOfText(in, decoded, "Text");
+  else AddBlock(in, Rest(decoded), "Decoded Data");
 }
 
 void ShowPlain(const Place& in, Cursor& c, uint8_t encoding) {
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeLine(c, line)) {
+    if (encoding == kPlain && StartsUuencoded(line.text)) {
+      ShowUuencoded(in, line, c);
+      continue;
+    }
     if (encoding != kQuotedPrintable) {
       AddTextLine(in, line.whole, "Text", line.text);
       continue;
@@ -94,6 +135,27 @@ void ShowParts(const Place& in, Cursor& c, const Field& boundary, Body& body, in
   }
 }
 
+// Bodies that are groups of headers: what was delivered and displayed, and headers that come back alone (RFC 3464, 8098, 6522).
+bool HoldsFields(const Field& type) {
+  constexpr const char* kTypes[] = {"message/delivery-status", "message/disposition-notification", "message/feedback-report",
+                                    "text/rfc822-headers", "message/global-delivery-status", "message/global-headers"};
+  for (const char* each : kTypes) {
+    if (IsWord(type, each)) return true;
+  }
+  return false;
+}
+
+void ShowFieldGroups(const Place& in, Cursor& c) {
+  MimeEntity unused{};
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    HeaderLine header;
+    TextLine line;
+    if (TakeHeader(c, header)) ShowMessageHeader(in, header, unused);
+    else if (TakeLine(c, line)) AddTextLine(in, line.whole, line.text.length ? "Text" : "Empty Line", line.text);
+  }
+}
+
 // A body whose end is known, or the part of it that is here.
 void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, int32_t depth) {
   body.note.phase = kInBody;
@@ -106,7 +168,9 @@ void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, 
     PutText(body.note, entity.boundary);
   } else if (body.note.detail == kBase64) {
     ShowBase64(in, c, entity, depth);
-  } else if (IsWord(entity.type, "message/rfc822")) {
+  } else if (HoldsFields(entity.type)) {
+    ShowFieldGroups(in, c);
+  } else if (IsWord(entity.type, "message/rfc822") || IsWord(entity.type, "message/global")) {
     ShowEntity(Under(in, AddLine(in, Ahead(c, Left(c)), "Internet Message")), c, body, depth + 1);
   } else {
     ShowPlain(in, c, body.note.detail);

@@ -35,7 +35,7 @@ bool HoldsTags(const Field& name) {
 }
 
 bool HoldsIdentifiers(const Field& name) {
-  constexpr const char* kNames[] = {"References", "In-Reply-To"};
+  constexpr const char* kNames[] = {"References", "In-Reply-To", "Message-ID", "Content-ID", "Resent-Message-ID", "Original-Message-ID"};
   return IsAmong(name, kNames);
 }
 
@@ -68,6 +68,39 @@ Field TakePiece(Field& rest, uint8_t end) {
   return piece;
 }
 
+// local@domain, of which the first may stand in quotation marks and hold an "@", too.
+void ShowParts(const Place& in, const Field& text, const char* first) {
+  int32_t at = text.length - 1;
+  while (at >= 0 && PeekU8(text, at) != '@') --at;
+  if (at < 1 || at + 1 >= text.length) return;
+  AddTextLine(in, Slice(text, 0, at), first);
+  AddTextLine(in, Slice(text, at + 1, text.length - at - 1), "Domain");
+}
+
+void ShowAddress(const Place& in, const Field& address) {
+  const Place under = Under(in, AddTextLine(in, address, "Address"));
+  const Cursor c = CursorOver(address);
+  const int32_t open = FindU8(c, '('), close = open < 0 ? -1 : FindU8(c, ')', open);
+  ShowParts(under, open < 0 ? address : WithoutSpace(Slice(address, 0, open)), "Local Part");
+  if (close > open + 1) AddTextLine(under, Slice(address, open + 1, close - open - 1), "Comment");
+}
+
+// "Fri, 02 Jan 2026 03:04:05 +0000 (UTC)" (RFC 5322 3.3).
+void ShowDate(const Place& in, Field rest) {
+  constexpr const char* kLabels[] = {"Day", "Month", "Year", "Time", "Zone"};
+  Field word = TakeWord(rest, " \t\r\n");
+  if (word.length > 1 && PeekU8(word, word.length - 1) == ',') {
+    AddTextLine(in, Slice(word, 0, word.length - 1), "Day of Week");
+    word = TakeWord(rest, " \t\r\n");
+  }
+  if (DecimalOf(word) < 0) return;
+  for (size_t i = 0; i < std::size(kLabels) && word.length > 0; ++i) {
+    AddTextLine(in, word, kLabels[i]);   // keys: text Day, Month, Year, Time, Zone
+    word = TakeWord(rest, " \t\r\n");
+  }
+  if (word.length > 0) AddTextLine(in, word, "Zone Name");
+}
+
 // "Name" <local@domain>, each of a list.
 void ShowAddresses(const Place& in, Field rest) {
   Loop loop;
@@ -82,8 +115,43 @@ void ShowAddresses(const Place& in, Field rest) {
       const Field name = WithoutSpace(Slice(item, 0, open - 1));
       ShowEncodedWords(Under(under, AddTextLine(under, name, "Display Name")), name, "Decoded Name");
     }
-    AddTextLine(under, Slice(item, open, close - open), "Address");
+    ShowAddress(under, Slice(item, open, close - open));
   }
+}
+
+// "utf-8'en'%c2%a3 rates": octets of an extended value behind its character set and language, which the first section has
+// (RFC 2231 4).
+void ShowExtendedValue(const Place& in, const Field& value, bool isFirst) {
+  constexpr int32_t kMost = 400;
+  const Cursor c = CursorOver(value);
+  const int32_t set = isFirst ? FindU8(c, '\'') : -1, language = set < 0 ? -1 : FindU8(c, '\'', set + 1);
+  if (language >= 0) {
+    if (set > 0) AddTextLine(in, Slice(value, 0, set), "Character Set");
+    if (language > set + 1) AddTextLine(in, Slice(value, set + 1, language - set - 1), "Language");
+  }
+  uint8_t octets[kMost];
+  const Field text = Slice(value, language + 1, value.length - language - 1);
+  const int32_t used = ReadPercentText(text, octets, kMost);
+  AddTextLine(in, text, "Decoded Value", Field{octets, text.offset, used, 0, true});
+}
+
+// name=value; name*=charset'language'octets; name*0*=, name*1= ... of one that is divided.
+void ShowParameter(const Place& at, const Field& parameter) {
+  const Place in = Under(at, AddTextLine(at, parameter, "Parameter"));
+  ShowEncodedWords(in, parameter, "Decoded Parameter");
+  Field value = parameter;
+  Field name = Trimmed(TakePiece(value, '='));
+  if (value.length == 0) return;
+  const bool isExtended = name.length > 1 && PeekU8(name, name.length - 1) == '*';
+  AddTextLine(in, name, "Parameter Name");
+  value = Trimmed(value);
+  if (PeekU8(value) == '"') value = Slice(value, 1, value.length - 1 - (PeekU8(value, value.length - 1) == '"' && value.length > 1));
+  const Place under = Under(in, AddTextLine(in, value, "Parameter Value"));
+  if (isExtended) name.length -= 1;
+  const int32_t star = FindU8(CursorOver(name), '*');
+  const int32_t section = star < 0 ? 0 : DecimalOf(Slice(name, star + 1, name.length - star - 1));
+  if (star >= 0 && section >= 0) AddLine(in, Slice(name, star + 1, name.length - star - 1), "Section: %u", static_cast<uint32_t>(section));
+  if (isExtended) ShowExtendedValue(under, value, section == 0);
 }
 
 void ShowParameters(const Place& in, Field rest) {
@@ -91,25 +159,48 @@ void ShowParameters(const Place& in, Field rest) {
   Loop loop;
   while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
     const Field parameter = TakePiece(rest, ';');
-    if (parameter.length > 0) ShowEncodedWords(Under(in, AddTextLine(in, parameter, "Parameter")), parameter, "Decoded Parameter");
+    if (parameter.length > 0) ShowParameter(in, parameter);
   }
 }
+
+// Tags of signatures (RFC 6376 3.5, RFC 8617 4.1).
+constexpr struct { const char* tag; const char* name; } kTagNames[] = {
+    {"v", "Version"}, {"a", "Signing Algorithm"}, {"b", "Signature"}, {"bh", "Body Hash"}, {"c", "Canonicalization"},
+    {"d", "Signing Domain"}, {"h", "Signed Headers"}, {"i", "Agent or Instance"}, {"l", "Body Length"}, {"q", "Query Methods"},
+    {"s", "Selector"}, {"t", "Signed At"}, {"x", "Expires At"}, {"z", "Copied Headers"}, {"cv", "Chain Validation"},
+    {"addr", "Address"}, {"prefer-encrypt", "Encryption Preference"}, {"keydata", "Key"}};
 
 void ShowTags(const Place& in, Field rest) {
   Loop loop;
   while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
     const Field tag = TakePiece(rest, ';');
-    if (tag.length > 0) AddTextLine(in, tag, "Tag");
+    if (tag.length == 0) continue;
+    const Place under = Under(in, AddTextLine(in, tag, "Tag"));
+    Field value = tag;
+    const Field name = Trimmed(TakePiece(value, '='));
+    if (value.length == 0) continue;
+    const char* label = "Tag Value";
+    for (const auto& each : kTagNames) {
+      if (IsWord(name, each.tag)) label = each.name;
+    }
+    AddTextLine(under, name, "Tag Name");
+    // keys: text Tag Value, Version, Signing Algorithm, Signature, Body Hash, Canonicalization, Signing Domain, Signed Headers
+    // keys: text Agent or Instance, Body Length, Query Methods, Selector, Signed At, Expires At, Copied Headers, Chain Validation
+    // keys: text Address, Encryption Preference, Key
+    AddTextLine(under, Trimmed(value), label);
   }
 }
 
+// <left@right>, or several.
 void ShowIdentifiers(const Place& in, Field rest) {
   Loop loop;
   while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
     rest = WithoutSpace(rest);
     Field ahead = rest;
     const Field identifier = TakeWord(ahead, " \t\r\n");
-    AddTextLine(in, identifier, "Message Identifier");
+    const bool isBracketed = identifier.length > 2 && PeekU8(identifier) == '<';
+    const Field inner = isBracketed ? Slice(identifier, 1, identifier.length - 2) : identifier;
+    ShowParts(Under(in, AddTextLine(in, identifier, "Message Identifier")), inner, "Identifier");
     rest = ahead;
   }
 }
@@ -140,7 +231,24 @@ void ShowStation(const Place& in, Field rest) {
   }
   if (label) AddTextLine(in, WithoutSpace(clause), label);
   const Field time = WithoutSpace(rest);
-  if (time.length > 0) AddTextLine(in, time, "Date");
+  if (time.length > 0) ShowDate(Under(in, AddTextLine(in, time, "Date")), time);
+}
+
+bool HoldsDate(const Field& name) {
+  constexpr const char* kNames[] = {"Date", "Resent-Date", "NNTP-Posting-Date", "Expires", "Expiry-Date", "Last-Attempt-Date",
+                                    "Arrival-Date", "Will-Retry-Until", "Delivery-Date", "Injection-Date"};
+  return IsAmong(name, kNames);
+}
+
+// <mailto:a@b>, <https://...> (RFC 2369), and names with an identifier (RFC 2919).
+void ShowLinks(const Place& in, Field rest) {
+  Loop loop;
+  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+    const Field item = TakePiece(rest, ',');
+    const Cursor c = CursorOver(item);
+    const int32_t open = FindU8(c, '<'), close = open < 0 ? -1 : FindU8(c, '>', open);
+    if (close > open + 1) AddTextLine(in, Slice(item, open + 1, close - open - 1), "Link");
+  }
 }
 
 // The value of a parameter without its quotation marks.
@@ -173,6 +281,10 @@ void ShowMessageHeader(const Place& at, const HeaderLine& header, MimeEntity& en
     ShowIdentifiers(value, header.value);
   } else if (IsWord(header.name, "Received")) {
     ShowStation(value, header.value);
+  } else if (HoldsDate(header.name)) {
+    ShowDate(value, header.value);
+  } else if (StartsWithWord(header.name, "List-")) {
+    ShowLinks(value, header.value);
   } else {
     ShowEncodedWords(value, header.value, "Decoded Text");
   }

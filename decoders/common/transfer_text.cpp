@@ -69,6 +69,28 @@ int32_t ReadQuotedPrintable(const Field& line, bool isWord, uint8_t* out, int32_
   return used;
 }
 
+int32_t ReadPercentText(const Field& text, uint8_t* out, int32_t size) {
+  int32_t used = 0;
+  for (int32_t i = 0; i < text.length && used < size; ++i) {
+    const int32_t high = HexOf(PeekU8(text, i + 1)), low = HexOf(PeekU8(text, i + 2));
+    const bool isCode = PeekU8(text, i) == '%' && high >= 0 && low >= 0;
+    out[used++] = static_cast<uint8_t>(isCode ? static_cast<uint32_t>(high * 16 + low) : PeekU8(text, i));
+    if (isCode) i += 2;
+  }
+  return used;
+}
+
+int32_t ReadUuLine(const Field& line, uint8_t* out, int32_t size) {
+  const int32_t count = line.length > 0 ? static_cast<int32_t>((PeekU8(line) - ' ') & 0x3F) : 0;
+  uint32_t bits = 0;
+  int32_t used = 0;
+  for (int32_t i = 1; i < line.length && used < count && used < size; ++i) {
+    bits = bits << 6 | ((PeekU8(line, i) - ' ') & 0x3F);
+    if (i % 4 != 1) out[used++] = static_cast<uint8_t>(bits >> (2 * (3 - (i + 3) % 4)));
+  }
+  return used;
+}
+
 bool ReadEncodedWords(const Field& text, uint8_t* out, int32_t size, int32_t* used) {
   int32_t count = 0;
   bool any = false, isBehindWord = false;

@@ -15,6 +15,12 @@ Cursor DecodeBase64(const Place& in, const Field& text);
 // One line of quoted-printable without its end. Result: the octets written. "_" is a blank in encoded words.
 int32_t ReadQuotedPrintable(const Field& line, bool isWord, uint8_t* out, int32_t size);
 
+// Octets that "%C3" stands for (RFC 3986 2.1, RFC 2231), and others as they are. Result: the octets written.
+int32_t ReadPercentText(const Field& text, uint8_t* out, int32_t size);
+
+// Lines of uuencode behind "begin 644 name", without their count and their end. Result: the octets written.
+int32_t ReadUuLine(const Field& line, uint8_t* out, int32_t size);
+
 // A text with its encoded words decoded; false when it has none.
 bool ReadEncodedWords(const Field& text, uint8_t* out, int32_t size, int32_t* used);
 // A line that says it, where there are encoded words.

@@ -1,0 +1,245 @@
+// Information Retrieval (Z39.50, ISO 23950): searches of catalogues and what they find, in the basic encoding rules with tag
+// numbers of several octets and lengths that may be indefinite.
+#include <iterator>
+
+#include "decoders/asn1/der.h"
+#include "decoders/common/text_lines.h"
+#include "decoders/common/xml_lines.h"
+#include "decoders/message_lengths.h"
+
+namespace qxview {
+namespace {
+
+constexpr int32_t kDeepest = 16;   // of elements in one another
+constexpr uint32_t kContext = 0x80000000;   // of tags; universal ones have none
+constexpr uint32_t Tag(uint32_t number) { return kContext | number; }
+constexpr uint32_t kIntegerTag = 2, kObjectTag = 6, kExternalTag = 8, kSequenceTag = 16, kVisibleTag = 26, kGeneralTag = 27;
+
+// An element; what stands behind its contents ends one of indefinite length.
+struct Element {
+  uint32_t tag;
+  bool isConstructed, isCut;
+  Cursor contents;
+  Field whole;
+  bool here;
+};
+
+bool TakeTag(Cursor& c, uint32_t& tag, bool& isConstructed) {
+  constexpr uint32_t kMostOctets = 3;
+  const uint32_t first = TakeU8(c).value;
+  tag = first & 0x1F;
+  isConstructed = first & 0x20;
+  if (tag == 0x1F) {
+    uint32_t octet = 0x80;
+    tag = 0;
+    for (uint32_t i = 0; i < kMostOctets && (octet & 0x80) && Left(c) > 0; ++i) tag = tag << 7 | ((octet = TakeU8(c).value) & 0x7F);
+    if (octet & 0x80) return false;
+  }
+  const uint32_t kind = first >> 6;
+  tag |= kind << 30;
+  return kind == 0 || kind == 2;
+}
+
+bool TakeElement(Cursor& c, Element& out, int32_t depth = 0);
+
+// Up to the two octets of zero that end an indefinite length; -1 where they are not there.
+int32_t LengthToEnd(Cursor c, int32_t depth) {
+  const int32_t start = c.offset;
+  Element inner;
+  Loop loop;
+  while (More(c, loop) && PeekU16(c) != 0 && depth < kDeepest) {
+    if (!TakeElement(c, inner, depth + 1) || inner.isCut) return -1;
+  }
+  return Left(c) >= 2 && PeekU16(c) == 0 ? c.offset - start : -1;
+}
+
+bool TakeElement(Cursor& c, Element& out, int32_t depth) {
+  const Cursor start = c;
+  out = {};
+  if (Left(c) < 2 || !TakeTag(c, out.tag, out.isConstructed) || Left(c) < 1) return c = start, false;
+  const uint32_t first = TakeU8(c).value;
+  int64_t length = first;
+  bool isIndefinite = false;
+  if (first == 0x80) {
+    length = out.isConstructed ? LengthToEnd(c, depth) : -1;
+    isIndefinite = length >= 0;
+    if (length < 0) length = Left(c) + 1;   // cut
+  } else if (first > 0x80) {
+    length = 0;
+    if (first > 0x84 || static_cast<uint32_t>(Left(c)) < first - 0x80) return c = start, false;
+    for (uint32_t i = 0x80; i < first; ++i) length = length << 8 | TakeU8(c).value;
+  }
+  out.isCut = length > Left(c);
+  out.contents = TakeCursor(c, length < Left(c) ? length : Left(c));
+  if (isIndefinite) TakeBytes(c, 2);
+  out.whole = Ahead(start, c.offset - start.offset);
+  return out.here = true;
+}
+
+#include "decoders/app/z3950_rows.inc"
+
+const FieldRow* RowOf(const Group* group, uint32_t tag) {
+  for (size_t i = 0; group && i < group->count; ++i) {
+    if (group->rows[i].tag == tag) return &group->rows[i];
+  }
+  return nullptr;
+}
+
+void ShowGroup(const Place& in, Cursor& c, const Group* group, int32_t depth);
+
+void ShowText(const Place& in, const Element& element, const char* title) {
+  Cursor text = element.contents;
+  if (Left(text) == 0) return (void)AddLine(in, element.whole, "%s: Empty", title);
+  if (!IsReadable(text)) return (void)AddLine(in, element.whole, "%s: %s", title, HexDigits(Rest(text)));
+  const Place under = Under(in, AddTextLine(in, Ahead(text, Left(text)), title));
+  if (StartsXml(text)) ShowXml(under, text);
+}
+
+// A record for exchange (ISO 2709, MARC): a leader, a directory of tags with their fields' places, the fields.
+void ShowMarc(const Place& at, Cursor c) {
+  constexpr int32_t kLeader = 24, kEntry = 12;
+  constexpr uint8_t kFieldEnd = 0x1E;
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Record"));
+  const int32_t base = DecimalOf(PeekBytes(c, 12, 5));
+  AddTextLine(in, TakeBytes(c, kLeader), "Leader");
+  Cursor fields = c;
+  TakeBytes(fields, base - kLeader);
+  Loop loop;
+  while (MoreAt(in, c, loop) && Left(c) > kEntry && PeekU8(c) != kFieldEnd) {
+    const Field entry = TakeBytes(c, kEntry);
+    const int32_t length = DecimalOf(Slice(entry, 3, 4)), start = DecimalOf(Slice(entry, 7, 5));
+    const Field field = PeekBytes(fields, start, length - 1);
+    const Place under = Under(in, AddLine(in, entry, "Directory Entry: %s", Text(Slice(entry, 0, 3))));
+    if (length > 0 && start >= 0 && field.here) AddTextLine(under, field, "Field");
+  }
+  AddTextLine(in, Rest(fields), "Fields");
+}
+
+bool IsMarc(const Cursor& c) {
+  return DecimalOf(PeekBytes(c, 0, 5)) == Left(c) && DecimalOf(PeekBytes(c, 12, 5)) >= 25 && PeekU8(c, Left(c) - 1) == 0x1D;
+}
+
+void ShowBits(const Place& in, const Element& element, const FieldRow& row) {
+  Cursor octets = element.contents;
+  const Field unused = TakeU8(octets);
+  const Field bits = Ahead(octets, Left(octets));
+  if (bits.length < 1) return (void)AddLine(in, element.whole, "%s: Empty", row.title);
+  const Place under = Under(in, AddLine(in, bits, "%s: %s", row.title, HexText(bits)));
+  AddLine(under, unused, "Unused Bits: %u", unused.value);
+  for (size_t i = 0; i < row.nameCount && static_cast<int32_t>(i) < 8 * bits.length; ++i) {
+    Field octet = Slice(bits, static_cast<int32_t>(i / 8), 1);
+    octet.value = PeekU8(octet);
+    const BitPicture bit = BitsOf(octet, static_cast<uint8_t>(i % 8), 1);
+    AddBitLine(under, octet, "%s: %s = %s", bit.picture, row.names[i], LookupName(kFalseTrueNames, bit.value));
+  }
+}
+
+void ShowNumber(const Place& in, const Element& element, const FieldRow& row) {
+  const int32_t number = BerInteger(element.contents);
+  const Field contents = Ahead(element.contents, Left(element.contents));
+  if (number >= 0 && static_cast<size_t>(number) < row.nameCount) {
+    AddLine(in, contents, "%s: %d = %s", row.title, number, row.names[number]);
+  } else {
+    AddLine(in, contents, "%s: %d", row.title, number);
+  }
+}
+
+// An element that no row tells: by whether others stand in it.
+void ShowUntold(const Place& in, const Element& element, int32_t depth) {
+  const uint32_t number = element.tag & ~kContext;
+  if (element.isConstructed) {
+    const Place under = Under(in, AddLine(in, element.whole, "Elements [%u]", number));
+    Cursor inner = element.contents;
+    return ShowGroup(under, inner, nullptr, depth + 1);
+  }
+  const Field contents = Ahead(element.contents, Left(element.contents));
+  if (element.tag == kObjectTag) return (void)AddLine(in, contents, "Object: %s", DescribeObject(element.contents));
+  if (element.tag == kIntegerTag) return (void)AddLine(in, contents, "Integer: %d", BerInteger(element.contents));
+  if (contents.length > 0 && IsReadable(element.contents)) return (void)AddLine(in, contents, "Element [%u]: %s", number, Text(contents));
+  AddLine(in, element.whole, "Element [%u]: %s", number, HexDigits(contents));
+}
+
+// keys: text Preferred Record Syntax, Result Set Name, Database, Term, Record
+void ShowElement(const Place& in, const Element& element, const FieldRow& row, int32_t depth) {
+  const Field contents = Ahead(element.contents, Left(element.contents));
+  switch (row.form) {
+    case Form::kNumber: return ShowNumber(in, element, row);
+    case Form::kBoolean: return (void)AddLine(in, contents, "%s: %s", row.title, BerNumber(element.contents) ? "True" : "False");
+    case Form::kText: return ShowText(in, element, row.title);
+    case Form::kBits: return ShowBits(in, element, row);
+    case Form::kObject: return (void)AddLine(in, contents, "%s: %s", row.title, DescribeObject(element.contents));
+    case Form::kNull: return (void)AddLine(in, element.whole, "%s", row.title);
+    case Form::kExchange: return IsMarc(element.contents) ? ShowMarc(in, element.contents) : ShowText(in, element, row.title);
+    case Form::kOctets:
+      if (!element.isConstructed) return (void)AddLine(in, element.whole, "%s: %s", row.title, HexDigits(contents));
+      [[fallthrough]];
+    case Form::kGroup: break;
+  }
+  const Place under = Under(in, AddLine(in, element.whole, "%s", row.title));
+  Cursor inner = element.contents;
+  if (element.isConstructed) ShowGroup(under, inner, row.group, depth + 1);
+  else AddLine(under, contents, "Value: %s", HexDigits(contents));
+}
+
+void ShowGroup(const Place& in, Cursor& c, const Group* group, int32_t depth) {
+  if (depth > kDeepest) return (void)AddLine(in, Rest(c), "Elements nest too deeply to be shown");
+  Element element;
+  Loop loop;
+  while (MoreAt(in, c, loop) && TakeElement(c, element)) {
+    const FieldRow* row = RowOf(group, element.tag);
+    if (row && element.isConstructed && row->form == Form::kNumber) {
+      ShowUntold(in, element, depth);   // tags tell one of a choice from a number behind it
+    } else if (row) {
+      ShowElement(in, element, *row, depth);
+    } else if (group && element.isConstructed && (element.tag == kSequenceTag || element.tag == Tag(1))) {
+      ShowGroup(in, element.contents, group, depth + 1);   // a sequence within, of the same fields
+    } else {
+      ShowUntold(in, element, depth);
+    }
+  }
+  if (Left(c) > 0) AddBlock(in, Rest(c), "Data");
+}
+
+bool StartsMessage(const Cursor& c, Element& message) {
+  Cursor ahead = c;
+  if (!TakeElement(ahead, message) || !(message.tag & kContext) || !message.isConstructed) return false;
+  const uint32_t number = message.tag & ~kContext;
+  return number >= kFirstMessage && number <= kLastMessage && kMessages[number - kFirstMessage].title;
+}
+
+}  // namespace
+
+int32_t LengthOfZ3950(const Cursor& c) {
+  constexpr int32_t kMostHead = 8;
+  Element message;
+  if (!StartsMessage(c, message)) return Left(c) < kMostHead ? 0 : kNoMessage;
+  Cursor head = c;
+  uint32_t tag = 0;
+  bool isConstructed = false;
+  TakeTag(head, tag, isConstructed);
+  const uint32_t first = TakeU8(head).value;
+  if (first == 0x80) return message.isCut ? 0 : message.whole.length;
+  int64_t length = first;
+  if (first > 0x80) {
+    length = 0;
+    for (uint32_t i = 0x80; i < first; ++i) length = length << 8 | TakeU8(head).value;
+  }
+  length += head.offset - c.offset;
+  return length < 1 << 30 ? static_cast<int32_t>(length) : kNoMessage;
+}
+
+int32_t DecodeZ3950(const Place& at, Cursor c) {
+  Element message;
+  if (!StartsMessage(c, message)) return 0;
+  Loop loop;
+  while (MoreAt(at, c, loop) && StartsMessage(c, message)) {
+    TakeElement(c, message);
+    const auto& kind = kMessages[(message.tag & ~kContext) - kFirstMessage];
+    const Place in = Under(at, AddLine(at, message.whole, "Z39.50: %s", kind.title));
+    ShowGroup(in, message.contents, kind.group, 0);
+  }
+  if (Left(c) > 0) AddRawRest(at, c, "Z39.50 Data");
+  return 1;
+}
+
+}  // namespace qxview
