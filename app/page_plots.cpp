@@ -126,7 +126,7 @@ std::string DrawIcicle(const ProtocolTree& tree, const std::function<Source(cons
           const std::string kind = "v l" + std::to_string(level % 4);
           const std::string title = ProtocolTitle(name);
           std::string marks = Rect(kind.c_str(), 0, 0.5, 1, kRow - 1);
-          constexpr double kCharacter = 0.011;   // of the width of a page that is not wide
+          constexpr double kCharacter = 0.0085;   // of the width of a page that is not wide
           if (width > kCharacter * static_cast<double>(title.size())) marks += Text("in", "5", 18, title);
           rects += "<svg x=\"" + Percent(x) + "\" y=\"" + PlainDecimal(y) + "\" width=\"" + Percent(width) + "\" height=\"" +
                    PlainDecimal(kRow) + "\">" +
