@@ -109,7 +109,8 @@ h1{font-size:21px}
 nav,.theme,#source,details:not([open]){display:none!important}.n{text-decoration:none}.sections,.stack{display:block}
 section{border:0;border-top:1px solid var(--rule);border-radius:0;padding:10px 0}h2,h3,.key{break-after:avoid}
 svg,tr,.tiles{break-inside:avoid}
-table{font-size:10.5px}article+article{break-before:page}}
+table{font-size:11px}small,code,th,.weight,.key,.note,.empty,.more{font-size:10px!important}
+article+article{break-before:page}}
 )css";
 
 constexpr const char* kScript =
