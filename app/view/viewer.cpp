@@ -21,7 +21,8 @@ int Viewer::Run() {
     constexpr int32_t kLookAgain = 200;   // for what a file has got meanwhile
     constexpr int32_t kPieces = 12;       // of work between two pictures of its progress
     Key key;
-    bool got = screen_.ReadKey(&key, busy ? 0 : kLookAgain, input_);
+    const int64_t input = capture_.Index().IsComplete() ? -1 : input_;   // one that has ended is always ready
+    bool got = screen_.ReadKey(&key, busy ? 0 : kLookAgain, input);
     for (int32_t i = 0; busy && !got && i < kPieces && screen_.Ended() == 0 && Work(); ++i) {
       got = screen_.ReadKey(&key, 0);
     }
