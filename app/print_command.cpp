@@ -1,7 +1,9 @@
 #include "app/commands.h"
 #include "app/output.h"
 #include "app/packet_run.h"
+#include "app/print_paper.h"
 #include "platform/new_file.h"
+#include "platform/platform.h"
 
 namespace qxview {
 namespace {
@@ -9,9 +11,26 @@ namespace {
 struct PrintOptions {
   ReadingOptions reading;
   std::string out;
+  PaperOptions paper;
 };
 
-int Print(const PrintOptions& options) {
+// What is wrong with the options together is told.
+bool Settle(const PrintOptions& options) {
+  const auto refuse = [](const std::string& text) { return Tell("print: " + text), false; };
+  const PaperOptions& paper = options.paper;
+  if (paper.pdf.empty()) {
+    const std::string given = !paper.given.empty() ? paper.given : paper.landscape ? "--landscape" : paper.form.twoUp ? "--two-up" : "";
+    return given.empty() || refuse(given + " is for pages: --pdf OUT");
+  }
+  if (!options.out.empty()) return refuse("-o and --pdf are two ways of printing: one at a time");
+  if (options.reading.prefixFile) return refuse("the head of each page names the capture; --prefix-file is for text");
+  if (paper.pdf == "-" && IsTerminal(StandardOutputFile())) {
+    return refuse("a PDF file is nothing for a terminal: name a file, or lead standard output elsewhere");
+  }
+  return true;
+}
+
+int PrintText(const PrintOptions& options) {
   // A named file is written beside its place and moved there when it is whole: what was there is never half lost.
   NewFile target;
   std::unique_ptr<Output> out;
@@ -44,18 +63,23 @@ int Print(const PrintOptions& options) {
 
 void AddPrintCommand(CommandLine* line) {
   auto options = std::make_shared<PrintOptions>();
-  Command& command = line->Add("print", "the lines as the print mode writes them");
+  Command& command = line->Add("print", "the lines as the print mode writes them, as text or pages");
   AddReadingOptions(&command, &options->reading);
   AddPrefixOption(&command, &options->reading);
   command.AddFileName("-o", "OUT", "write to this file instead of standard output", &options->out);
+  AddPaperOptions(&command, &options->paper);
   command.SetExamples(
       "Examples:\n"
       "  qxview print capture.pcap | less\n"
       "  qxview print --packets 1-100 -o decode.txt capture.pcap\n"
+      "  qxview print --pdf decode.pdf --what list,tree -Y dns capture.pcap\n"
+      "  qxview print --pdf list.pdf --what list --paper Letter --landscape --two-up capture.pcap\n"
       "  qxview print --set RangeFilterOn=1 --set RangeFilterStart=14 --set RangeFilterLength=20 capture.pcap");
-  command.SetAction([options] {
+  command.SetAction([options]() -> int {
+    if (!Settle(*options)) return kUsage;
     const int status = FinishReadingOptions(&options->reading);
-    return status == kDone ? Print(*options) : status;
+    if (status != kDone) return status;
+    return options->paper.pdf.empty() ? PrintText(*options) : PrintOnPaper(options->reading, options->paper);
   });
 }
 

@@ -21,7 +21,7 @@ _qxview_values() {   # OPTION, what is typed of its value
   case $option in
     --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$cur") ;;
     -t) mapfile -t COMPREPLY < <(compgen -W "r d dd a u e i" -- "$cur") ;;
-    --settings | --files-from | -o | --output) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
+    --settings | --files-from | -o | --output | --pdf) mapfile -t COMPREPLY < <(compgen -f -- "$cur") ;;
     --format)
       case ${COMP_WORDS[1]} in
         protocols) mapfile -t COMPREPLY < <(compgen -W "text json" -- "$cur") ;;
@@ -33,6 +33,8 @@ _qxview_values() {   # OPTION, what is typed of its value
         *) mapfile -t COMPREPLY < <(compgen -W "tree text json" -- "$cur") ;;
       esac ;;
     --theme) mapfile -t COMPREPLY < <(compgen -W "auto dark light 16 none" -- "$cur") ;;
+    --what) mapfile -t COMPREPLY < <(compgen -W "tree list bytes all" -- "$cur") ;;
+    --paper) mapfile -t COMPREPLY < <(compgen -W "A4 A3 A5 Letter Legal Tabloid" -- "$cur") ;;
     --values) mapfile -t COMPREPLY < <(compgen -W "all first last" -- "$cur") ;;
     --side) mapfile -t COMPREPLY < <(compgen -W "both a b" -- "$cur") ;;
     --stream) mapfile -t COMPREPLY < <(compgen -W "tcp: udp:" -- "$cur") ;;
@@ -84,7 +86,7 @@ _qxview() {
   _qxview_values "${COMP_WORDS[at - 1]}" "$cur" && return
   case ${COMP_WORDS[at - 1]} in
     --packets | -c | --count | -f | --filter | -Y | --where | --partial | --name | -O | --only | --depth) return ;;
-    --separator | --sort | --top | --interval) return ;;
+    --margin | --font-size | --separator | --sort | --top | --interval) return ;;
   esac
   local reading="decode fields find follow list print save stat xml"
   if [[ $command == capture ]]; then
@@ -116,7 +118,7 @@ _qxview() {
     find) options+=" --backward --shown -i -E --no-dumps --all --hits --format" ;;
     follow) options+=" --stream --format --side" ;;
     list) options+=" -t --wide --format" ;;
-    print) options+=" -o" ;;
+    print) options+=" -o --pdf --what --paper --margin --font-size --landscape --two-up" ;;
     report) options+=" -o --output" ;;
     protocols) options+=" --format --fields" ;;
     save) options+=" --format --append --partial --name" ;;

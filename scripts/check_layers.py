@@ -22,6 +22,7 @@ LAYERS = {
     "browse":                ["include/qxview", "core", "view", "host", "files", "keys", "query", "browse"],
     "files":                 ["include/qxview", "core", "files"],
     "host":                  ["include/qxview", "core", "view", "files", "host"],
+    "paper":                 ["core", "paper"],
     "platform":              ["*"],
     "exports":               ["*"],
     "app":                   ["*"],
@@ -39,7 +40,7 @@ HEAVY = ["string", "vector", "iostream", "ostream", "istream", "sstream", "fstre
          "deque", "regex"]
 WINDOWS = ["windows.h", "winsock.h", "winsock2.h", "commctrl.h"]
 FORBIDDEN = {"core": HEAVY + WINDOWS, "decoders": HEAVY + WINDOWS, "decoders/common": HEAVY + WINDOWS, "view": WINDOWS, "browse": WINDOWS,
-             "files": WINDOWS, "include/qxview": HEAVY}
+             "files": WINDOWS, "paper": WINDOWS, "include/qxview": HEAVY}
 
 # System headers that only these places see (patterns over the path).
 RESERVED = {"zlib.h": [r"decoders/(.*/)?http[^/]*$", r"files/", r"host/", r"tests/", r"fuzz/", r"bench/"]}
