@@ -5,6 +5,7 @@
 #include "decoders/app/megaco.h"
 
 #include "core/rows.h"
+#include "decoders/app/megaco_names.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/message_lengths.h"
 
@@ -16,20 +17,29 @@ namespace {
 
 constexpr int32_t kDeepest = 16;   // braces in braces
 
-constexpr struct {
+struct Word {
   const char* brief;
   const char* name;
-} kWords[] = {
-    {"T", "Transaction"}, {"P", "Reply"}, {"PN", "Pending"}, {"K", "Transaction Response Acknowledgement"}, {"C", "Context"},
-    {"A", "Add"}, {"MV", "Move"}, {"MF", "Modify"}, {"S", "Subtract"}, {"AV", "Audit Value"}, {"AC", "Audit Capability"},
-    {"N", "Notify"}, {"SC", "Service Change"}, {"ER", "Error"}, {"M", "Media"}, {"ST", "Stream"}, {"L", "Local"}, {"R", "Remote"},
-    {"O", "Local Control"}, {"TS", "Termination State"}, {"E", "Events"}, {"OE", "Observed Events"}, {"SG", "Signals"},
-    {"SL", "Signal List"}, {"DM", "Digit Map"}, {"SV", "Services"}, {"AT", "Audit"}, {"MO", "Mode"}, {"SO", "Send Only"},
-    {"RC", "Receive Only"}, {"SR", "Send Receive"}, {"IN", "Inactive"}, {"LB", "Loopback"}, {"MD", "Modem"}, {"MX", "Mux"},
-    {"SA", "Statistics"}, {"PG", "Packages"}, {"EB", "Event Buffer"}, {"EM", "Embed"}, {"TP", "Topology"}, {"PR", "Priority"},
-    {"EG", "Emergency"}, {"MT", "Method"}, {"RE", "Reason"}, {"AD", "Address"}, {"DL", "Delay"}, {"PF", "Profile"},
-    {"V", "Version"}, {"MG", "MGC to Try"}, {"RP", "Reserved Group or Error Ratio"}, {"TL", "Termination"},
-    {"AU", "Authentication"}};
+  const char* wire = nullptr;    // the long form, of what has a value of its own
+  const char* value = nullptr;   // what the value is
+};
+constexpr const char* kTermination = "Termination ID";
+constexpr Word kWords[] = {
+    {"T", "Transaction", "Transaction", "Transaction Request ID"}, {"P", "Reply", "Reply", "Transaction Reply ID"},
+    {"PN", "Pending", "Pending", "Transaction Pending ID"}, {"K", "Transaction Response Acknowledgement"},
+    {"C", "Context", "Context", "Context ID"}, {"A", "Add", "Add", kTermination}, {"MV", "Move", "Move", kTermination},
+    {"MF", "Modify", "Modify", kTermination}, {"S", "Subtract", "Subtract", kTermination},
+    {"AV", "Audit Value", "AuditValue", kTermination}, {"AC", "Audit Capability", "AuditCapability", kTermination},
+    {"N", "Notify", "Notify", kTermination}, {"SC", "Service Change", "ServiceChange", kTermination},
+    {"ER", "Error", "Error", "Error Code"}, {"M", "Media"}, {"ST", "Stream", "Stream", "Stream ID"}, {"L", "Local"},
+    {"R", "Remote"}, {"O", "Local Control"}, {"TS", "Termination State"}, {"E", "Events", "Events", "Request ID"},
+    {"OE", "Observed Events", "ObservedEvents", "Request ID"}, {"SG", "Signals"},
+    {"SL", "Signal List", "SignalList", "Signal List ID"}, {"DM", "Digit Map", "DigitMap", "Digit Map Name"},
+    {"SV", "Services"}, {"AT", "Audit"}, {"MO", "Mode"}, {"SO", "Send Only"}, {"RC", "Receive Only"}, {"SR", "Send Receive"},
+    {"IN", "Inactive"}, {"LB", "Loopback"}, {"MD", "Modem"}, {"MX", "Mux"}, {"SA", "Statistics"}, {"PG", "Packages"},
+    {"EB", "Event Buffer"}, {"EM", "Embed"}, {"TP", "Topology"}, {"PR", "Priority"}, {"EG", "Emergency"}, {"MT", "Method"},
+    {"RE", "Reason"}, {"AD", "Address"}, {"DL", "Delay"}, {"PF", "Profile"}, {"V", "Version"}, {"MG", "MGC to Try"},
+    {"RP", "Reserved Group or Error Ratio"}, {"TL", "Termination"}, {"AU", "Authentication"}};
 
 // The bytes of a token that ends at one of the marks.
 Field TakeToken(Cursor& c) {
@@ -48,33 +58,97 @@ Field WithoutSpace(Field text) {
   return text;
 }
 
-const char* NameOf(const Field& token) {
+const Word* WordOf(const Field& token) {
   Field rest = token;
   const Field word = WithoutSpace(TakeWord(rest, "= \t\r\n"));
-  for (const auto& row : kWords) {
-    if (IsWord(word, row.brief)) return row.name;
+  for (const Word& row : kWords) {
+    if (IsWord(word, row.brief) || (row.wire && IsWord(word, row.wire))) return &row;
   }
   return nullptr;
+}
+
+const char* ContextNote(const Field& value) {
+  if (value.length != 1) return "";
+  switch (PeekU8(value)) {
+    case '-': return " = Null (0)";
+    case '$': return " = Choose";
+    case '*': return " = All";
+    default: return "";
+  }
+}
+
+// What a name, "package/item" or one of the words, is given. What opens braces has them at its end: `head` goes up to there.
+void ShowParts(const Place& in, const Field& head, const Field& token, const Word* word, bool opens) {
+  if (PeekU8(token) == '(') return;   // a digit map
+  if (PeekU8(token) == '"') {
+    AddTextLine(in, Slice(token, 1, token.length - (token.length > 1 ? 2 : 1)), "Quoted Text");
+    return;
+  }
+  Field rest = token;
+  Field name = WithoutSpace(TakeWord(rest, "=(<>#"));
+  const bool hasParameters = PeekU8(token, rest.offset - token.offset - 1) == '(';
+  const Field value = WithoutSpace(hasParameters ? Slice(rest, 0, rest.length - (rest.length > 0 ? 1 : 0)) : rest);
+  Field left = name;
+  const Field time = TakeWord(left, ":");
+  if (left.here && left.length > 0) {
+    AddTextLine(in, time, "Time");
+    name = left;
+  }
+  left = name;
+  const Field package = TakeWord(left, "/");
+  if (left.here && left.length > 0) {
+    AddTextLine(in, package, "Package");
+    AddTextLine(in, left, "Item Name");
+  }
+  if (value.length == 0) return;
+  // keys: text Transaction Request ID, Transaction Reply ID, Transaction Pending ID, Termination ID, Stream ID, Request ID
+  // keys: text Signal List ID, Digit Map Name
+  if (!word || !word->value) return (void)AddTextLine(in, value, hasParameters ? "Parameters" : "Value");
+  if (word->value == kTermination) AddTextLine(in, name, "Command");
+  if (IsWord(name, "ER") || IsWord(name, "Error")) {
+    AddLine(in, value, "Error Code: %s = %s", Text(value), LookupName(kMegacoErrorNames, static_cast<uint32_t>(DecimalOf(value))));
+  } else if (IsWord(name, "C") || IsWord(name, "Context")) {
+    AddLine(in, head, "Context ID: %s%s", Text(value), ContextNote(value));
+  } else {
+    const bool isWhole = opens && word->value != kTermination && !IsWord(name, "Events") && !IsWord(name, "ObservedEvents");
+    AddTextLine(in, isWhole ? head : value, word->value, value);
+  }
 }
 
 bool IsDescription(const Field& token) {
   return IsWord(token, "Local") || IsWord(token, "L") || IsWord(token, "Remote") || IsWord(token, "R");
 }
 
+bool IsBrief(const Field& token, const Word& word) {
+  Field rest = token;
+  return IsWord(WithoutSpace(TakeWord(rest, "= \t\r\n")), word.brief);
+}
+
+// Behind a semicolon, to the end of the line.
+void ShowComment(const Place& in, Cursor& c) {
+  TextLine line;
+  if (TakeLine(c, line)) AddTextLine(in, line.whole, "Comment", Trimmed(line.text));
+}
+
 void ShowItems(const Place& at, const Place& in, Cursor& c, int32_t depth) {
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    const int32_t start = c.offset;
-    const Field token = WithoutSpace(TakeToken(c));
+    SkipSpace(c);
+    const Cursor first = c;
+    const Field head = TakeToken(c), token = WithoutSpace(head);
     const uint32_t mark = PeekU8(c);
-    const char* name = NameOf(token);
+    const Word* word = WordOf(token);
     Place under = in;
     if (token.length > 0) {
-      const LineHandle line = name ? AddLine(in, token, "Item: %s (%s)", Text(token), name) : AddTextLine(in, token, "Item");
+      const bool isBrief = word && IsBrief(token, *word);
+      const LineHandle line = isBrief ? AddLine(in, token, "Item: %s (%s)", Text(token), word->name)
+                                      : AddTextLine(in, token, "Item");
       under = Under(in, line);
+      ShowParts(under, head, token, word, mark == '{');
     }
     if (mark == '}') return;
     if (Left(c) > 0) TakeU8(c);
+    if (mark == ';') ShowComment(in, c);
     if (mark != '{') continue;
     if (IsDescription(token)) {
       const int32_t end = FindU8(c, '}');
@@ -87,7 +161,7 @@ void ShowItems(const Place& at, const Place& in, Cursor& c, int32_t depth) {
       ShowItems(at, under, c, depth + 1);
     }
     if (PeekU8(c) == '}') TakeU8(c);
-    if (!under.dead && token.length > 0) SetRange(under, under.parent, start, c.offset - start);
+    if (!under.dead && token.length > 0) SetRange(under, under.parent, first.offset, c.offset - first.offset);
   }
 }
 
@@ -120,7 +194,10 @@ int32_t DecodeMegaco(const Place& at, Cursor c) {
   int32_t length = 0;
   while (length < Left(c) && !IsSpace(PeekU8(c, length))) ++length;
   const Field version = TakeBytes(c, length);
-  AddTextLine(in, version, "Protocol");
+  const Place protocol = Under(in, AddTextLine(in, version, "Protocol"));
+  Field number = version;
+  TakeWord(number, "/");
+  AddTextLine(protocol, number, "Version");
   SkipSpace(c);
   length = 0;
   while (length < Left(c) && !IsSpace(PeekU8(c, length))) ++length;
