@@ -22,19 +22,19 @@ struct Word {
   const char* name;
   const char* wire = nullptr;    // the long form, of what has a value of its own
   const char* value = nullptr;   // what the value is
+  bool isCommand = false;        // of a termination
 };
-constexpr const char* kTermination = "Termination ID";
 constexpr Word kWords[] = {
     {"T", "Transaction", "Transaction", "Transaction Request ID"}, {"P", "Reply", "Reply", "Transaction Reply ID"},
     {"PN", "Pending", "Pending", "Transaction Pending ID"}, {"K", "Transaction Response Acknowledgement"},
-    {"C", "Context", "Context", "Context ID"}, {"A", "Add", "Add", kTermination}, {"MV", "Move", "Move", kTermination},
-    {"MF", "Modify", "Modify", kTermination}, {"S", "Subtract", "Subtract", kTermination},
-    {"AV", "Audit Value", "AuditValue", kTermination}, {"AC", "Audit Capability", "AuditCapability", kTermination},
-    {"N", "Notify", "Notify", kTermination}, {"SC", "Service Change", "ServiceChange", kTermination},
-    {"ER", "Error", "Error", "Error Code"}, {"M", "Media"}, {"ST", "Stream", "Stream", "Stream ID"}, {"L", "Local"},
-    {"R", "Remote"}, {"O", "Local Control"}, {"TS", "Termination State"}, {"E", "Events", "Events", "Request ID"},
-    {"OE", "Observed Events", "ObservedEvents", "Request ID"}, {"SG", "Signals"},
-    {"SL", "Signal List", "SignalList", "Signal List ID"}, {"DM", "Digit Map", "DigitMap", "Digit Map Name"},
+    {"C", "Context", "Context", "Context"}, {"A", "Add", "Add", "Termination ID", true}, {"MV", "Move", "Move", "Termination ID", true},
+    {"MF", "Modify", "Modify", "Termination ID", true}, {"S", "Subtract", "Subtract", "Termination ID", true},
+    {"AV", "Audit Value", "AuditValue", "Termination ID", true}, {"AC", "Audit Capability", "AuditCapability", "Termination ID", true},
+    {"N", "Notify", "Notify", "Termination ID", true}, {"SC", "Service Change", "ServiceChange", "Termination ID", true},
+    {"ER", "Error", "Error", "Error Value"}, {"M", "Media"}, {"ST", "Stream", "Stream", "Stream"}, {"L", "Local"},
+    {"R", "Remote"}, {"O", "Local Control"}, {"TS", "Termination State"}, {"E", "Events", "Events", "Request"},
+    {"OE", "Observed Events", "ObservedEvents", "Request"}, {"SG", "Signals"},
+    {"SL", "Signal List", "SignalList", "Signal List"}, {"DM", "Digit Map", "DigitMap", "Digit Map Name"},
     {"SV", "Services"}, {"AT", "Audit"}, {"MO", "Mode"}, {"SO", "Send Only"}, {"RC", "Receive Only"}, {"SR", "Send Receive"},
     {"IN", "Inactive"}, {"LB", "Loopback"}, {"MD", "Modem"}, {"MX", "Mux"}, {"SA", "Statistics"}, {"PG", "Packages"},
     {"EB", "Event Buffer"}, {"EM", "Embed"}, {"TP", "Topology"}, {"PR", "Priority"}, {"EG", "Emergency"}, {"MT", "Method"},
@@ -101,16 +101,16 @@ void ShowParts(const Place& in, const Field& head, const Field& token, const Wor
     AddTextLine(in, left, "Item Name");
   }
   if (value.length == 0) return;
-  // keys: text Transaction Request ID, Transaction Reply ID, Transaction Pending ID, Termination ID, Stream ID, Request ID
-  // keys: text Signal List ID, Digit Map Name
+  // keys: text Transaction Request ID, Transaction Reply ID, Transaction Pending ID, Termination ID, Stream, Request
+  // keys: text Signal List, Digit Map Name
   if (!word || !word->value) return (void)AddTextLine(in, value, hasParameters ? "Parameters" : "Value");
-  if (word->value == kTermination) AddTextLine(in, name, "Command");
+  if (word->isCommand) AddTextLine(in, name, "Command");
   if (IsWord(name, "ER") || IsWord(name, "Error")) {
-    AddLine(in, value, "Error Code: %s = %s", Text(value), LookupName(kMegacoErrorNames, static_cast<uint32_t>(DecimalOf(value))));
+    AddLine(in, value, "Error Value: %s = %s", Text(value), LookupName(kMegacoErrorNames, static_cast<uint32_t>(DecimalOf(value))));
   } else if (IsWord(name, "C") || IsWord(name, "Context")) {
-    AddLine(in, head, "Context ID: %s%s", Text(value), ContextNote(value));
+    AddLine(in, head, "Context: %s%s", Text(value), ContextNote(value));
   } else {
-    const bool isWhole = opens && word->value != kTermination && !IsWord(name, "Events") && !IsWord(name, "ObservedEvents");
+    const bool isWhole = opens && !word->isCommand && !IsWord(name, "Events") && !IsWord(name, "ObservedEvents");
     AddTextLine(in, isWhole ? head : value, word->value, value);
   }
 }
