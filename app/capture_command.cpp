@@ -10,6 +10,9 @@
 #include "platform/interruption.h"
 #include "platform/live_capture.h"
 #include "platform/platform.h"
+#ifdef QXVIEW_HAS_SCREEN
+#include "app/view/live_view.h"
+#endif
 
 namespace qxview {
 
@@ -147,6 +150,26 @@ class CaptureJob {
   bool isMisuse_ = false;
 };
 
+#ifdef QXVIEW_HAS_SCREEN
+// What is looked at is a file that the packets are saved to.
+int CaptureAndView(CaptureOptions options) {
+  std::vector<std::string> words{"qxview", "view", "--live"};
+  words.insert(words.end(), options.command.begin() + 1, options.command.end());
+  options.command.clear();
+  const bool isKept = !options.out.empty();
+  std::string message;
+  if (options.ring.IsUsed()) return Tell("capture: the view shows one file, not a ring of them"), kUsage;
+  if (!isKept) options.out = MakeLiveFile(&message);
+  if (options.out.empty()) return Tell(message), kFileFault;
+  words.push_back(options.out);
+  return ViewLive(options.out, isKept, [&] { return CaptureJob(options).Run(); }, [&words] {
+    CommandLine line;
+    AddViewCommand(&line);
+    return line.Run(words);
+  });
+}
+#endif
+
 int ListInterfaces() {
   std::vector<LiveInterface> interfaces;
   std::string message;
@@ -243,10 +266,14 @@ void AddCaptureCommand(CommandLine* line) {
       "  qxview capture -i eth0 -f 'port 53' fields -e ip.src -e dns.qry.name\n"
       "  qxview capture -i eth0 -w ring.pcapng --ring-size 100M --ring-files 10\n"
       "  qxview capture -i any --duration 60 stat conversations\n"
+      "  qxview capture -i eth0 view\n"
       "  sudo setcap cap_net_raw,cap_net_admin+ep /usr/bin/qxview");
   command.SetAction([options]() -> int {
     if (options->lists) return ListInterfaces();
     if (!Settle(options.get())) return kUsage;
+#ifdef QXVIEW_HAS_SCREEN
+    if (!options->command.empty() && options->command.front() == "view") return CaptureAndView(*options);
+#endif
     return CaptureJob(*options).Run();
   });
 }

@@ -123,7 +123,7 @@ _qxview() {
     protocols) options+=" --format --fields" ;;
     save) options+=" --format --append --partial --name" ;;
     stat) options+=" --format --sort --top --interval" ;;
-    view) options=" --help --decode-as --settings --set --where --modern --reassemble -t --theme --no-mouse" ;;
+    view) options=" --help --decode-as --settings --set --where --modern --reassemble -t --theme --live --no-mouse" ;;
   esac
   mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$options" -- "$cur")
 }

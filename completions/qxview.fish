@@ -41,6 +41,7 @@ complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a save -d 'pack
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a stat -d 'statistics as tables'
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a view -d 'packets on the screen'
 complete -c qxview -n '__fish_seen_subcommand_from view' -l theme -x -a 'auto dark light 16 none' -d 'colours'
+complete -c qxview -n '__fish_seen_subcommand_from view' -l live -d 'the file is still written to'
 complete -c qxview -n '__fish_seen_subcommand_from view' -l no-mouse -d "the mouse is the terminal's"
 complete -c qxview -f -n "not __fish_seen_subcommand_from $all" -a xml -d 'packets as an XML document'
 complete -c qxview -n "__fish_seen_subcommand_from $all" -l help -d 'help with examples'

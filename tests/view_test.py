@@ -6,6 +6,7 @@ import json
 import os
 import re
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -36,7 +37,7 @@ class View(unittest.TestCase):
 
     def start(self, words, before="", size=(120, 40)):
         """A shell that runs the view and says when it has ended, so that the terminal is looked at after it, too."""
-        environment = (f"export XDG_STATE_HOME={self.folder}/state XDG_CONFIG_HOME={self.folder}/config NO_COLOR= LC_ALL=C.UTF-8; "
+        environment = (f"export XDG_STATE_HOME={self.folder}/state XDG_CONFIG_HOME={self.folder}/config TMPDIR={self.folder} NO_COLOR= LC_ALL=C.UTF-8; "
                        f"cd {self.folder}")
         self.tmux("new-session", "-d", "-x", str(size[0]), "-y", str(size[1]), "bash --norc --noprofile")
         self.tmux("set-option", "-s", "set-clipboard", "on")
@@ -267,6 +268,25 @@ class View(unittest.TestCase):
         self.until(r"^.*Packet \d+")
         self.keys("q")
         self.until(r"ended=0")
+
+
+    @unittest.skipUnless(os.geteuid() == 0, "packets are captured as root")
+    def test_live_capture(self):
+        self.start("capture -i lo -f 'udp port 39999' view")
+        sender = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.addCleanup(sender.close)
+        end = time.monotonic() + 15
+        while "2 packets" not in self.screen() and time.monotonic() < end:
+            if "live" in self.screen():
+                sender.sendto(b"to be seen", ("127.0.0.1", 39999))
+            time.sleep(0.3)
+        self.until(r"\d packets")
+        self.until("74 6F 20 62 65")   # in the pane of the bytes
+        self.until("live, at the end")
+        self.keys("q")
+        shown = self.until("ended=0")
+        self.assertRegex(shown, r"lo: \d+ packets captured, 0 dropped by the kernel")
+        self.assertEqual([name for name in os.listdir(self.folder) if name.endswith(".pcapng")], [], "nobody asked to keep it")
 
 
 if __name__ == "__main__":

@@ -23,7 +23,7 @@ struct ViewOptions {
   ReadingOptions reading;
   std::string file, theme;
   TimeForm time = TimeForm::kRelative;
-  bool givesTime = false, noMouse = false;
+  bool givesTime = false, noMouse = false, isLive = false;
 };
 
 // What comes through a pipe, as far as it is there.
@@ -104,7 +104,7 @@ int ShowView(const ViewOptions& options) {
   {
     Screen screen;
     if (!screen.Open(theme, !options.noMouse, &message)) return Tell(message), kUsage;
-    Viewer viewer(screen, *capture, remembered, pipe);
+    Viewer viewer(screen, *capture, remembered, pipe, options.isLive || pipe >= 0);
     endedBy = viewer.Run();
   }
   remembered.Save();
@@ -138,12 +138,14 @@ void AddViewCommand(CommandLine* line) {
                       *wrong = "auto, dark, light, 16 or none is wanted";
                       return TakeTheme(value, &theme);
                     });
+  command.AddFlag("--live", "the file is still written to: stay at its end until moved, as with a pipe", &options->isLive);
   command.AddFlag("--no-mouse", "leave the mouse to the terminal", &options->noMouse);
   command.SetExamples(
       "The key ? shows all keys; q leaves. qxview FILE at a terminal does the same.\n"
       "Examples:\n"
       "  qxview view capture.pcapng\n"
       "  qxview view -Y 'dns.qry.name contains \"example\"' capture.pcap.gz\n"
+      "  qxview capture -i eth0 view\n"
       "  tcpdump -U -w - | qxview view -");
   command.SetAction([options] {
     options->reading.files = {options->file};

@@ -6,8 +6,14 @@
 
 namespace qxview {
 
-Viewer::Viewer(Screen& screen, ViewedCapture& capture, Remembered& remembered, int64_t input)
-    : screen_(screen), capture_(capture), remembered_(remembered), input_(input), sticks_(input >= 0), time_(remembered.time) {
+Viewer::Viewer(Screen& screen, ViewedCapture& capture, Remembered& remembered, int64_t input, bool isLive)
+    : screen_(screen),
+      capture_(capture),
+      remembered_(remembered),
+      input_(input),
+      isLive_(isLive),
+      sticks_(isLive),
+      time_(remembered.time) {
   std::string wrong;
   if (!TakeColumns(remembered_.columns, &wrong)) TakeColumns(remembered_.columns = Remembered().columns, &wrong);
 }
@@ -83,7 +89,7 @@ void Viewer::SelectPlace(uint64_t place) {
   const uint64_t count = capture_.ShownCount();
   if (count == 0) return;
   place = std::min(place, count - 1);
-  sticks_ = input_ >= 0 && place + 1 == count;
+  sticks_ = isLive_ && place + 1 == count;
   Select(capture_.NumberAt(place));
 }
 

@@ -25,7 +25,7 @@ enum Pane : uint8_t { kListPane, kTreePane, kBytesPane, kPanes };
 class Viewer {
  public:
   // `input`: what packets come from while they are looked at; -1 for a file.
-  Viewer(Screen& screen, ViewedCapture& capture, Remembered& remembered, int64_t input);
+  Viewer(Screen& screen, ViewedCapture& capture, Remembered& remembered, int64_t input, bool isLive);
   // Until the user leaves; the signal that ended it, or 0.
   int Run();
 
@@ -180,6 +180,7 @@ class Viewer {
   ViewedCapture& capture_;
   Remembered& remembered_;
   const int64_t input_;
+  const bool isLive_;     // packets are still to come
   bool quits_ = false, isDirty_ = true;
   int endedBy_ = 0;
 

@@ -234,7 +234,7 @@ std::string Viewer::StatusText() const {
     return "learning " + std::to_string(capture_.Known() * 100 / index.Count()) + " %";
   }
   if (!index.Fault().empty()) return index.Fault();
-  return input_ >= 0 && !index.IsComplete() ? (sticks_ ? "live, at the end" : "live") : "";
+  return isLive_ && !index.IsComplete() ? (sticks_ ? "live, at the end" : "live") : "";
 }
 
 void Viewer::DrawStatus() {
