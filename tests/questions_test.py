@@ -85,7 +85,7 @@ class Questions(unittest.TestCase):
         answered = self.run_program("stat", "http", HTTP)
         self.assertIn("code    200", answered)
         self.run_program("stat", "everything", HTTP, status=2)
-        self.run_program("stat", "values", "http.methd", HTTP, status=2)
+        self.run_program("stat", "values", "tcp.sorce_port", HTTP, status=2)
         self.run_program("stat", "ports", HTTP, "--sort", "nothing", status=2)
 
     def test_rows_of_statistics_are_asked_for_by_the_keys_of_the_packet(self):

@@ -231,7 +231,9 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
   // Indices past the last built-in decoder have no row, nor have the holes of the table.
   const DecoderRow* row = RowOf(identifier);
   const bool carries = row && row->protocol->summary == SummarizeCarried;   // whose headers go on
-  if (at.view->context->headersOnly && !carries) return 1;
+  constexpr uint32_t kFtp = 0x0C;
+  const bool teaches = row && row->key == kFtp;   // which ends carry its data
+  if (at.view->context->headersOnly && !carries && !teaches) return 1;
   const auto name = ProtocolName(at.view, identifier);
   char title[kProtocolNameSize + 8];
   FormatInto(title, sizeof title, "%s Data", name);
