@@ -1,4 +1,4 @@
-// Action Message Format, version 0 and 3 (its specifications of 2007 and 2013): values that say what they are.
+// Action Message Format, version 0 and 3 (as published in 2007 and 2013): values that say what they are.
 #include "core/rows.h"
 #include "decoders/app/rtmp.h"
 

@@ -1,4 +1,4 @@
-// Real-Time Messaging (its specification 1.0): a handshake, then chunks, which are pieces of messages and leave out of
+// Real-Time Messaging (its public text, 1.0): a handshake, then chunks, which are pieces of messages and leave out of
 // their headers what the chunk before told.
 //
 //   handshake   version (1), time (4), zeros (4), octets (1528); time (4), time (4), octets (1528)

@@ -1,4 +1,4 @@
-// Messages of Real-Time Messaging (its specification 1.0, sections 5.4 and 7): control of the connection, commands and data in
+// Messages of Real-Time Messaging (its public text 1.0, sections 5.4 and 7): control of the connection, commands and data in
 // the Action Message Format, shared objects, audio and video as Flash Video tags them.
 #include "core/rows.h"
 #include "decoders/app/rtmp.h"
