@@ -150,8 +150,8 @@ bool ViewedCapture::Asks(KeyQuery& query, uint64_t number) {
   const FrameRecord* record = RecordOf(frame, builder_);
   bool good = false;
   WithAnswers(*rows_, number, !query.AsksForLines() && !query.AsksForProtocols(), [&] {
-    const std::shared_ptr<PacketTold> told = parts_.tell(*rows_, host_->Record(), record, number);
-    good = probe_->Ask(query, record, *told);
+    askedTold_ = parts_.tell(*rows_, host_->Record(), record, number);
+    good = probe_->Ask(query, record, *askedTold_);
   });
   return good;
 }

@@ -105,6 +105,7 @@ class ViewedCapture {
   std::unique_ptr<Filter> filter_;
   std::deque<uint64_t> passed_;
   uint64_t asked_ = 0;
+  std::shared_ptr<PacketTold> askedTold_;   // whose texts the values of the last question are
 };
 
 }  // namespace qxview
