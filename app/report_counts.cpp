@@ -144,13 +144,7 @@ void ReportCounts::TakePorts(const StatPacket& packet, const std::string& source
   bool swapped = false, isNew = false;
   const std::string key = ConversationKey(kTransports[transport], source, sourcePort, destination, destinationPort, &swapped);
   TwoWays& count = conversations.Of(key, PacketsOf, &isNew);
-  const int64_t since = TimeBetween(first, packet.nanoseconds);
-  if (isNew) {
-    count.first = since;
-    count.firstIsSecond = swapped;
-  }
-  count.last = std::max(count.last, since);
-  (swapped == count.firstIsSecond ? count.there : count.back) += one;
+  count.Add(isNew, swapped, TimeBetween(first, packet.nanoseconds), packet.length);
 }
 
 void ReportCounts::TakeTcp(const StatPacket& packet) {
@@ -203,7 +197,7 @@ void ReportCounts::Finish() {
   }
   tcpSegments += tcp.All().Others().packets;
   for (const auto& [number, connection] : opened) {
-    if (connection->answeredAt < 0) unanswered.Add(number);
+    if (!connection->isAnswered) unanswered.Add(number);
     if (connection->handshake >= 0) handshakes.Add(connection->handshake, number);
   }
   dns.Finish();

@@ -6,18 +6,9 @@
 #include <string>
 
 #include "app/packet_ends.h"
+#include "app/time_sums.h"
 
 namespace qxview {
-
-// Damaged captures have times at the ends of what can be counted: sums and differences stay there.
-inline int64_t TimeBetween(int64_t from, int64_t to) {
-  int64_t between;
-  return !__builtin_sub_overflow(to, from, &between) ? between : to > from ? INT64_MAX : INT64_MIN;
-}
-inline int64_t TimeBehind(int64_t from, int64_t time) {
-  int64_t sum;
-  return !__builtin_add_overflow(from, time, &sum) ? sum : INT64_MAX;
-}
 
 // The conversation from the end that asked: the same bytes for request and answer; `more` tells those of one apart.
 inline std::string RequestKey(const PacketState& packet, bool isAnswer, uint32_t more) {

@@ -71,10 +71,12 @@ class Values final : public Statistic {
 struct Times {
   uint64_t count = 0;
   int64_t least = 0, most = 0, sum = 0;
-  void Add(int64_t time) {
+  void Add(int64_t from, int64_t to) {
+    const int64_t time = TimeBetween(from, to);
+    if (time < 0) return;   // the clock was set back
     least = count == 0 ? time : std::min(least, time);
     most = count == 0 ? time : std::max(most, time);
-    sum += time;
+    sum = TimeBehind(sum, time);
     ++count;
   }
 };
@@ -160,7 +162,7 @@ class Dns final : public Statistic {
     }
     ++server.answers;
     servers_.Count("result", NameIn(kResults, code));
-    if (const auto asked = times_.Answer(key)) server.times.Add(p.nanoseconds - asked->nanoseconds);
+    if (const auto asked = times_.Answer(key)) server.times.Add(asked->nanoseconds, p.nanoseconds);
   }
   std::vector<StatTable> Tables() override { return servers_.Tables("DNS"); }
 
@@ -196,7 +198,7 @@ class Http final : public Statistic {
       Servers::Server& server = servers_.Of(ServerOf(p, true));
       ++server.answers;
       servers_.Count("code", ToUtf8(TextOfValue(code)));
-      if (const auto asked = times_.Answer(RequestKey(p.packet, true, 0))) server.times.Add(p.nanoseconds - asked->nanoseconds);
+      if (const auto asked = times_.Answer(RequestKey(p.packet, true, 0))) server.times.Add(asked->nanoseconds, p.nanoseconds);
     }
   }
   std::vector<StatTable> Tables() override { return servers_.Tables("HTTP"); }

@@ -6,6 +6,7 @@
 #include "app/bounded_counts.h"
 #include "app/packet_ends.h"
 #include "app/statistics.h"
+#include "app/time_sums.h"
 #include "app/traffic.h"
 #include "core/bounded_text.h"
 #include "core/frame_record.h"
@@ -99,12 +100,7 @@ class Conversations final : public Statistic {
       const EndPair pair(source, destination);
       bool isNew = false;
       TwoWays& count = counts_[layer].Of(pair.bytes, PacketsOf, &isNew);
-      if (isNew) {
-        count.first = p.nanoseconds - p.first;
-        count.firstIsSecond = pair.swapped;
-      }
-      count.last = std::max(count.last, p.nanoseconds - p.first);
-      (pair.swapped == count.firstIsSecond ? count.there : count.back) += {1, p.length};
+      count.Add(isNew, pair.swapped, TimeBetween(p.first, p.nanoseconds), p.length);
     });
   }
 
@@ -132,7 +128,7 @@ class Conversations final : public Statistic {
         table.Number(PacketsOf(count)).Number(BytesOf(count));
         table.Number(count.there.packets).Number(count.there.bytes);
         table.Number(count.back.packets).Number(count.back.bytes);
-        table.Seconds(count.first).Seconds(count.last).Seconds(count.last - count.first);
+        table.Seconds(count.first).Seconds(count.last).Seconds(TimeBetween(count.first, count.last));
       }
       Traffic others = layer.Others().there;
       RemarkMerged(table, layer.Merged(), others += layer.Others().back, "conversations");
@@ -190,7 +186,7 @@ class Rate final : public Statistic {
 
   void Take(const StatPacket& p) override {
     constexpr uint64_t kMost = 100000;
-    const int64_t since = p.nanoseconds - p.first;
+    const int64_t since = TimeBetween(p.first, p.nanoseconds);
     if (since < 0) {
       ++early_;   // in front of the first packet: clocks are set back
       return;
@@ -215,7 +211,7 @@ class Rate final : public Statistic {
                                                                   {"bytes", "Bytes", true}});
     for (size_t i = 0; i < counts_.size(); ++i) {
       const int64_t start = static_cast<int64_t>(i) * interval_;
-      table.Seconds(start).Seconds(start + interval_).Number(counts_[i].packets).Number(counts_[i].bytes);
+      table.Seconds(start).Seconds(TimeBehind(start, interval_)).Number(counts_[i].packets).Number(counts_[i].bytes);
     }
     if (interval_ != asked_) table.Remark("the interval was made longer: the capture is too long for that many");
     if (early_) table.Remark(std::to_string(early_) + " packets are earlier than the first one and not counted");

@@ -90,8 +90,15 @@ bool FollowedStream::SideOf(const PacketState& packet, const QxHost* host) {
 
 void FollowedStream::TakeAsItComes(const PacketState& packet, bool isTcp, uint64_t number, const QxHost* host) {
   const bool isSecond = SideOf(packet, host);
-  const uint8_t* bytes = isTcp ? packet.segment.payload : packet.carrier.bytes + 8;
-  const int32_t length = isTcp ? packet.segment.length : packet.carrier.length - 8;
+  constexpr int32_t kUdpHeader = 8;
+  const uint8_t* bytes = packet.segment.payload;
+  int32_t length = packet.segment.length;
+  if (!isTcp) {
+    bytes = packet.carrier.bytes + kUdpHeader;
+    length = packet.carrier.length - kUdpHeader;
+    const int32_t told = length >= 0 ? bytes[-4] << 8 | bytes[-3] : 0;   // behind it may be trailers; 0: it is a jumbogram's
+    if (told) length = std::min(length, told - kUdpHeader);
+  }
   if (length > 0) target_.Put(isSecond, number, bytes, static_cast<size_t>(length));
 }
 
@@ -103,7 +110,8 @@ void FollowedStream::Take(const PacketState& packet, const TcpHeader* tcp, uint6
   if (tcp->flags & kTcpAck) ways_[!isSecond].Acknowledge(tcp->acknowledgement);
   const TcpSegment& segment = packet.segment;
   if (segment.length + segment.cut > 0) {
-    way.Take(tcp->sequence, segment.payload, static_cast<size_t>(segment.length), static_cast<size_t>(segment.cut), number);
+    const uint32_t first = tcp->sequence + (tcp->flags & kTcpSyn ? 1 : 0);   // the SYN takes a number of its own
+    way.Take(first, segment.payload, static_cast<size_t>(segment.length), static_cast<size_t>(segment.cut), number);
   }
 }
 

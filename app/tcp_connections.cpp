@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "app/time_sums.h"
+
 namespace qxview {
 namespace {
 
@@ -47,8 +49,8 @@ void Count(Connection* c, Direction* way, const TcpHeader& header, const TcpSegm
     c->synAt = p.nanoseconds;
     if (c->firstSyn == 0) c->firstSyn = p.number;
   }
-  if (isSyn && isAck && c->synAt >= 0) c->answeredAt = p.nanoseconds;
-  if (!isSyn && isAck && c->answeredAt >= 0 && c->handshake < 0) c->handshake = p.nanoseconds - c->synAt;
+  if (isSyn && isAck && c->firstSyn) c->isAnswered = true;
+  if (!isSyn && isAck && c->isAnswered && c->handshake == INT64_MIN) c->handshake = TimeBetween(c->synAt, p.nanoseconds);
   if (header.flags & kTcpReset) ++c->trouble.resets;
   const bool isPlain = !(header.flags & (kTcpSyn | kTcpFin | kTcpReset));
   if (header.window == 0 && isPlain) ++c->trouble.zeroWindows;

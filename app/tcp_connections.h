@@ -30,7 +30,9 @@ class TcpConnections {
     uint64_t packets = 0, bytes = 0;
     TcpTrouble trouble;
     uint64_t firstSyn = 0;   // packet of the first attempt to connect; 0: none was seen
-    int64_t synAt = -1, answeredAt = -1, handshake = -1;
+    bool isAnswered = false;
+    int64_t synAt = 0;
+    int64_t handshake = INT64_MIN;   // nanoseconds; below 0: not seen, or the clock was set back
     bool firstIsSecond = false;
     Direction of[2];   // from the first end of the key, from the second
 

@@ -1,5 +1,6 @@
 // Packets and their bytes, as statistics add them up.
 #pragma once
+#include <algorithm>
 #include <cstdint>
 
 namespace qxview {
@@ -16,8 +17,19 @@ struct Traffic {
 // Both directions: from the end that sent first, and back.
 struct TwoWays {
   Traffic there, back;
-  int64_t first = 0, last = 0;   // nanoseconds since the run's first packet
+  int64_t first = 0, last = 0;   // of all packets, nanoseconds since the run's first one
   bool firstIsSecond = false;    // of the two ends in the key
+
+  // Counts a packet; `swapped`: the end that sent it stands second in the key.
+  void Add(bool isNew, bool swapped, int64_t since, uint64_t length) {
+    if (isNew) {
+      first = last = since;
+      firstIsSecond = swapped;
+    }
+    first = std::min(first, since);   // where the clock was set back
+    last = std::max(last, since);
+    (swapped == firstIsSecond ? there : back) += {1, length};
+  }
   TwoWays& operator+=(const TwoWays& other) {
     there += other.there;
     back += other.back;

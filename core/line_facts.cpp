@@ -87,8 +87,15 @@ void PutNumberless(LineFacts* facts, LineFact* fact, const char* text, uint32_t 
   }
 }
 
+// Whether the colons are no separators: an address of IPv6 starts with them, "::1" or "::".
+bool StartsAddress(const char* text, int32_t length) {
+  if (length < 2 || text[0] != ':' || text[1] != ':') return false;
+  const char behind = length > 2 ? static_cast<char>(text[2] | 0x20) : ' ';
+  return IsDigit(behind) || (behind >= 'a' && behind <= 'f') || behind == ' ' || behind == '/';
+}
+
 void PutValue(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
-  while (length > 0 && (*text == ' ' || *text == ':' || *text == '=' || *text == ',')) {
+  while (length > 0 && (*text == ' ' || *text == ':' || *text == '=' || *text == ',') && !StartsAddress(text, length)) {
     ++text;
     --length;
   }

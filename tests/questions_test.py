@@ -25,6 +25,28 @@ def tcp(source, destination, sequence, acknowledgement, flags, data=b"", window=
     return bytes.fromhex("0200000000010200000000020800") + head + segment
 
 
+def datagram(source, destination, data, told=None, trailer=b""):
+    """An Ethernet frame with a UDP datagram over IPv6 from ::1 to ::; its header tells `told` bytes."""
+    udp = struct.pack(">HHHH", source, destination, 8 + len(data) if told is None else told, 0) + data + trailer
+    return bytes.fromhex("02000000000102000000000286dd") + struct.pack(">IHBB", 6 << 28, len(udp), 17, 64) + bytes(15) + b"\1" + bytes(16) + udp
+
+
+def write_times(path, frames):
+    """(nanoseconds since 1970, frame), of which negative times are an interface's of its own that counts from -2^63 ns."""
+    def block(kind, body):
+        size = struct.pack("<I", 12 + len(body))
+        return struct.pack("<I", kind) + size + body + size
+    least = -2**63 // 10**9
+    with open(path, "wb") as file:
+        file.write(block(0x0A0D0D0A, struct.pack("<IHHq", 0x1A2B3C4D, 1, 0, -1)))
+        for offset in (0, least):
+            file.write(block(1, struct.pack("<HHI", 1, 0, 65535) + struct.pack("<HHB3xHHqHH", 9, 1, 9, 14, 8, offset, 0, 0)))
+        for time, frame in frames:
+            ticks = time if time >= 0 else time - least * 10**9
+            head = struct.pack("<IIIII", time < 0, ticks >> 32, ticks & 0xFFFFFFFF, len(frame), len(frame))
+            file.write(block(6, head + frame + bytes(-len(frame) % 4)))
+
+
 def write_capture(path, frames):
     with open(path, "wb") as file:
         file.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, 1))
@@ -122,6 +144,39 @@ class Questions(unittest.TestCase):
             self.assertEqual([row[name] for name in ("retransmissions", "out_of_order", "missing", "zero_windows", "resets")],
                              [1, 1, 2, 1, 1])
             self.assertEqual(row["handshake"], 0.002)
+
+    def test_streams_have_the_data_of_a_syn_and_no_trailers(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, [tcp(1025, 80, 99, 0, 0x02, b"early "), tcp(80, 1025, 499, 106, 0x12), tcp(1025, 80, 106, 500, 0x18, b"late"),
+                                 datagram(7, 7, b"told", trailer=b"not told"), datagram(7, 7, b" all", told=0)])
+            read = [self.run_program("follow", path, "--modern", "--stream", stream, "--format", "raw") for stream in ("tcp:0", "udp:0")]
+            self.assertEqual(read, ["early late", "told all"])
+            rows = self.rows("fields", path, "-e", "ipv6.src", "-e", "ipv6.dst", "-Y", "ipv6.src == ::1 and ipv6.dst == ::")
+            self.assertEqual(rows, [{"ipv6.src": ["::1"], "ipv6.dst": ["::"]}] * 2)
+
+    def test_times_are_counted_wherever_the_clock_was_set(self):
+        second, last = 10**9, 2**63 - 1
+        query = struct.pack(">HHHHHH", 1, 0x100, 1, 0, 0, 0) + b"\1a\0\0\1\0\1"
+        answer = query[:2] + b"\x81\x80" + query[4:]
+        back = datagram(53, 53, answer)
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcapng")
+            write_times(path, [(5 * second, datagram(5353, 53, query)), (3 * second, datagram(1, 2, b"")), (2 * second, datagram(1, 2, b""))])
+            row = next(row for row in self.rows("stat", "conversations", path) if row["a"] == "[::1]:1")
+            self.assertEqual([row[name] for name in ("first", "last", "duration")], [-3, -2, 1])
+            # Whatever a damaged capture has, each packet is counted, and times stay in what can be told.
+            times = [-second, last, -last, 0, last, -last, last, 0]
+            frames = [tcp(1025, 80, 99, 0, 0x02), tcp(80, 1025, 499, 100, 0x12), tcp(1025, 80, 100, 500, 0x10),
+                      datagram(53, 53, query), back, datagram(53, 53, query), back, tcp(1025, 80, 100, 500, 0x18, b"GET / HTTP/1.0\r\n\r\n")]
+            for shift in range(len(times)):
+                write_times(path, list(zip(times[shift:] + times[:shift], frames)))
+                sums = {what: sum(row["packets"] for row in self.rows("stat", what, path, "--modern")) for what in ("conversations", "rate", "tcp")}
+                early = len(times) - sums.pop("rate")
+                self.assertEqual(sums, {"conversations": 8 + 8 + 8, "tcp": 4})
+                self.assertEqual(early, sum(time < times[shift] for time in times))
+                self.assertTrue(all(row["least"] is None or row["least"] >= 0 for row in self.rows("stat", "dns", path, "--modern") if "server" in row))
+                self.assertIn("</html>", self.run_program("report", path, "--modern", "-o", "-"))
 
     def test_hits_are_those_of_the_shown_tree(self):
         hits = self.rows("find", HTTP, "content-length", "-i", "--all")
