@@ -190,6 +190,13 @@ TEST(Recognisers, MarkedProtocols) {
                 {8, "01", "flags without their complement"}, {9, "01 FF FE", "reserved"}, {12, "0014", "length"},
                 {12, "000E FFF1", "too short"}, {12, "03FF FC00", "too long"}, {12, "8013 7FEC", "reserved"}});
 
+  Bytes stream(3 * 188);
+  for (size_t at = 0; at < stream.size(); at += 188) stream[at] = 0x47, stream[at + 3] = 0x10;
+  EXPECT_TRUE(Asks(LooksLikeMpegTs, stream));
+  EXPECT_FALSE(Asks(LooksLikeMpegTs, With(stream, 188, Hex("46"))));
+  EXPECT_FALSE(Asks(LooksLikeMpegTs, With(stream, 191, Hex("00"))));
+  EXPECT_FALSE(Asks(LooksLikeMpegTs, Bytes(stream.begin(), stream.end() - 1)));
+  EXPECT_FALSE(Asks(LooksLikeMpegTs, Bytes(stream.begin(), stream.begin() + 188)));
   const Bytes handshake = Hex("13") + Ascii("BitTorrent protocol");
   EXPECT_TRUE(Asks(LooksLikeBitTorrent, handshake));
   EXPECT_FALSE(Asks(LooksLikeBitTorrent, With(handshake, 19, Hex("4C"))));
@@ -199,7 +206,7 @@ TEST(Recognisers, MarkedProtocols) {
 const std::vector<std::pair<const char*, Recogniser>> kAll = {
     {"MSRPC", LooksLikeMsrpc}, {"SMB", LooksLikeSmb}, {"TDS", LooksLikeTds}, {"TNS", LooksLikeTns},
     {"ONC RPC record", LooksLikeOncRpcRecord}, {"FIX", LooksLikeFix}, {"SIP", LooksLikeSip}, {"GIOP", LooksLikeGiop},
-    {"FCIP", LooksLikeFcip}, {"BitTorrent", LooksLikeBitTorrent}, {"ONC RPC", LooksLikeOncRpc},
+    {"FCIP", LooksLikeFcip}, {"BitTorrent", LooksLikeBitTorrent}, {"MPEG-TS", LooksLikeMpegTs}, {"ONC RPC", LooksLikeOncRpc},
     {"RTCP", [](const Cursor& c) {
        const DetectionSettings rtcpAlone{2, 0, 0};
        uint32_t identifier;

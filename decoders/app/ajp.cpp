@@ -48,11 +48,15 @@ AjpText TakeString(Cursor& c) {
   return {whole, PeekBytes(all, 2, most < wanted ? most : wanted)};
 }
 
+// The text with the zero behind it.
+Field BehindLength(const AjpText& string) { return Slice(string.whole, 2, string.whole.length - 2); }
+
 void ShowString(const Place& in, Cursor& c, const char* label, Ajp&) {
   if (Left(c) < 2) return;
   const AjpText string = TakeString(c);
   const Place under = Under(in, AddTextLine(in, string.whole, label, string.text));
   AddLine(under, Slice(string.whole, 0, 2), "Length: %u", PeekU16(string.whole));
+  if (string.text.length > 0) AddTextLine(under, BehindLength(string), "Text", string.text);
 }
 
 constexpr auto kHeader = Rows<Ajp>({Hex(2, "Magic").Into(&Ajp::magic), Number(2, "Length").Into(&Ajp::length)});
@@ -76,7 +80,8 @@ void ShowHeaderLines(const Place& at, Cursor& c, uint32_t count, const Names& na
     Cursor ahead = c;
     const bool isCoded = PeekU8(c) == 0xA0;
     const uint32_t code = PeekU16(c);
-    const Field name = isCoded ? TakeU16(ahead) : TakeString(ahead).text;
+    const AjpText named = isCoded ? AjpText{TakeU16(ahead), {}} : TakeString(ahead);
+    const Field name = isCoded ? named.whole : named.text;
     const AjpText value = TakeString(ahead);
     const Field whole = Ahead(c, ahead.offset - c.offset);
     Place in = at;
@@ -85,9 +90,11 @@ void ShowHeaderLines(const Place& at, Cursor& c, uint32_t count, const Names& na
       AddLine(in, name, "Header: 0x%04X = %s", code, LookupName(names, code));
     } else {
       in = Under(at, AddLine(at, whole, "Header: %s: %s", Text(name), Text(value.text)));
-      AddTextLine(in, name, "Name");
+      AddLine(in, Slice(named.whole, 0, 2), "Name Length: %u", code);
+      AddTextLine(in, BehindLength(named), "Name", name);
     }
-    AddTextLine(in, value.text, "Value");
+    AddLine(in, Slice(value.whole, 0, 2), "Value Length: %u", PeekU16(value.whole));
+    if (value.text.length > 0) AddTextLine(in, BehindLength(value), "Value", value.text);
     c = ahead;
   }
 }

@@ -255,7 +255,9 @@ void ShowPopListing(const Place& at, const TextLine& line) {
   }
   const bool isAbility = HasVerb(line.text, kAbilities, std::size(kAbilities));
   const Place in = Under(at, AddTextLine(at, line.whole, isAbility ? "Capability" : "Text", line.text));   // keys: text Capability, Text
-  if (isAbility && rest.length > 0) AddTextLine(in, rest, "Argument");
+  if (!isAbility || rest.length == 0) return;
+  AddTextLine(in, first, "Keyword");
+  AddTextLine(in, rest, "Argument");
 }
 
 // Whether such lines, and no message, stand behind a reply.

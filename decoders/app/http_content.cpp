@@ -7,8 +7,9 @@
 #include "core/line_facts.h"
 #include "decoders/app/dns.h"
 #include "decoders/app/http_message.h"
+#include "decoders/asn1/cms.h"
 #include "decoders/asn1/x509.h"
-#include "decoders/common/header_lines.h"
+#include "decoders/common/text_lines.h"
 
 namespace qxview {
 
@@ -37,6 +38,8 @@ struct MediaDecoder {
 };
 constexpr MediaDecoder kMediaDecoders[] = {{"application/ipp", DecodeCarriedIpp},
                                              {"application/dns-message", DecodeCarriedDns}};
+void ShowCmsBody(const Place& in, Cursor& c) { ShowCms(in, c, {}); }
+
 struct MediaPart {
   const char* type;
   void (*show)(const Place& in, Cursor& c);
@@ -44,7 +47,9 @@ struct MediaPart {
 constexpr MediaPart kMediaParts[] = {
     {"application/ocsp-request", ShowOcspRequest}, {"application/ocsp-response", ShowOcspResponse},
     {"application/pkix-cert", ShowX509Certificate}, {"application/x-x509-ca-cert", ShowX509Certificate},
-    {"application/x-x509-user-cert", ShowX509Certificate}};
+    {"application/x-x509-user-cert", ShowX509Certificate}, {"application/cms", ShowCmsBody},
+    {"application/pkcs7-mime", ShowCmsBody}, {"application/pkcs7-signature", ShowCmsBody},
+    {"application/x-pkcs7-certificates", ShowCmsBody}, {"application/x-pkcs7-mime", ShowCmsBody}};
 
 template <class Row, size_t kRows>
 const Row* FindMedia(const Row (&rows)[kRows], Field type) {
@@ -63,7 +68,8 @@ WebContent ContentOf(const HttpFlags& said, Cursor c) {
   if (!isVague || said.coding != ContentCoding::kNone) return said.content;
   SkipSpace(c);
   if (StartsWithText(c, "\xEF\xBB\xBF")) TakeBytes(c, 3);
-  return StartsWithText(c, "<?xml ") ? WebContent::kXml : said.content;
+  if (StartsWithText(c, "<?xml ")) return WebContent::kXml;
+  return said.content == WebContent::kUnknown && IsReadable(c) ? WebContent::kText : said.content;
 }
 
 void ShowContent(const Place& at, const Place& in, const HttpFlags& said, Cursor c) {

@@ -109,9 +109,15 @@ void ShowLine(const Place& at, const TextLine& line) {
     AddTextLine(in, word, "Status");
     const Place text = Under(in, AddTextLine(in, ahead, "Text"));
     const int32_t close = PeekU8(ahead) == '[' ? FindU8(CursorOver(ahead), ']') : -1;
-    if (close > 0) AddTextLine(text, Slice(ahead, 0, close + 1), "Response Code");
+    const Field whole = ahead;
+    Field told = close > 0 ? Slice(whole, close + 1, whole.length - close - 1) : whole;
+    if (close > 0) AddTextLine(text, Slice(whole, 0, close + 1), "Response Code");
     const Field answered = TakeWord(ahead);
-    if (!isUntagged && IsCommandName(answered)) AddTextLine(text, answered, "Answered Command");
+    if (!isUntagged && IsCommandName(answered)) {
+      AddTextLine(text, answered, "Answered Command");
+      told = ahead;
+    }
+    if (told.length < whole.length && Trimmed(told).length > 0) AddTextLine(text, Trimmed(told), "Response Text");
   } else if (isResponse) {
     ShowValues(Under(in, AddTextLine(in, rest, "Data")), rest, 0);
   } else {

@@ -1,6 +1,7 @@
 #include "decoders/app/internet_message.h"
 
-#include "decoders/asn1/der.h"
+#include "decoders/asn1/cms.h"
+#include "decoders/asn1/x509.h"
 #include "decoders/common/text_lines.h"
 #include "decoders/common/transfer_text.h"
 
@@ -48,12 +49,23 @@ int32_t LengthOfPart(Cursor c, const Field& boundary, bool takesDot) {
 
 void ShowEntity(const Place& in, Cursor& c, Body& body, int32_t depth);
 
-// Signed and enveloped messages, signatures and certificates (S/MIME, RFC 8551).
-bool HoldsDer(const Field& type) {
-  constexpr const char* kTypes[] = {"application/pkcs7-mime", "application/x-pkcs7-mime", "application/pkcs7-signature",
-                                    "application/x-pkcs7-signature", "application/pkix-cert", "application/x-x509-ca-cert"};
-  for (const char* each : kTypes) {
-    if (IsWord(type, each)) return true;
+// The entity that was signed or compressed.
+void ShowSignedEntity(const Place& in, Cursor& c, int32_t depth) {
+  Body inner{};
+  ShowEntity(in, c, inner, depth + 1);
+}
+
+// Signed and enveloped messages, signatures and certificates (S/MIME, RFC 8551); false for other types, and for what is no DER.
+bool ShowSecured(const Place& in, Cursor& c, const Field& type, int32_t depth) {
+  constexpr const char* kMessages[] = {"application/pkcs7-mime", "application/x-pkcs7-mime", "application/pkcs7-signature",
+                                       "application/x-pkcs7-signature"};
+  constexpr const char* kCertificates[] = {"application/pkix-cert", "application/x-x509-ca-cert"};
+  if (PeekU8(c) != kAsnSequence) return false;
+  for (const char* each : kCertificates) {
+    if (IsWord(type, each)) return ShowX509Certificate(in, c), true;
+  }
+  for (const char* each : kMessages) {
+    if (IsWord(type, each)) return ShowCms(in, c, {ShowSignedEntity, depth, nullptr}), true;
   }
   return false;
 }
@@ -66,7 +78,7 @@ void ShowBase64(const Place& at, Cursor& c, const MimeEntity& entity, int32_t de
   const DerivedLines derived(at.view);
   Body inner{};
   if (IsWord(entity.type, "message/rfc822")) return ShowEntity(in, octets, inner, depth + 1);
-  if (HoldsDer(entity.type)) return ShowDerValues(in, octets);
+  if (ShowSecured(in, octets, entity.type, depth)) return;
   if (StartsWithWord(entity.type, "text/") || IsReadable(octets)) return ShowLinesOfText(in, octets, "Text");
   AddBlock(in, Rest(octets), "Decoded Data");
 }
@@ -168,6 +180,8 @@ void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, 
     PutText(body.note, entity.boundary);
   } else if (body.note.detail == kBase64) {
     ShowBase64(in, c, entity, depth);
+  } else if (ShowSecured(in, c, entity.type, depth)) {
+    return;
   } else if (HoldsFields(entity.type)) {
     ShowFieldGroups(in, c);
   } else if (IsWord(entity.type, "message/rfc822") || IsWord(entity.type, "message/global")) {

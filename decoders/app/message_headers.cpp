@@ -211,7 +211,14 @@ void ShowStation(const Place& in, Field rest) {
   constexpr const char* kLabels[] = {"From", "By", "Via", "With", "Identifier", "For"};
   Field clauses = TakePiece(rest, ';');
   const char* label = nullptr;
-  Field clause = Slice(clauses, 0, 0);
+  Field keyword = Slice(clauses, 0, 0), clause = keyword;
+  const auto show = [&] {   // over the clause with its word
+    const Field text = WithoutSpace(clause);
+    const int32_t front = text.offset - keyword.offset;
+    if (!label || text.length == 0 || front < 0) return;
+    // keys: text Comment, From, By, Via, With, Identifier, For
+    AddTextLine(in, Field{keyword.bytes, keyword.offset, front + text.length, 0, true}, label, text);
+  };
   Loop loop;
   while (clauses.length > 0 && MoreAt(in, CursorOver(clauses), loop)) {
     const int32_t before = clauses.length;
@@ -221,15 +228,17 @@ void ShowStation(const Place& in, Field rest) {
       if (IsWord(word, kClauses[i])) next = kLabels[i];
     }
     if (next) {
-      if (label) AddTextLine(in, WithoutSpace(clause), label);   // keys: text From, By, Via, With, Identifier, For
+      if (!label) label = "Comment";
+      show();
       label = next;
+      keyword = word;
       clause = clauses;
       clause.length = 0;
     } else {
       clause.length += before - clauses.length;
     }
   }
-  if (label) AddTextLine(in, WithoutSpace(clause), label);
+  show();
   const Field time = WithoutSpace(rest);
   if (time.length > 0) ShowDate(Under(in, AddTextLine(in, time, "Date")), time);
 }

@@ -1,6 +1,7 @@
 // Commands for another machine in a few texts that zeros end: rexec, rsh (4.3BSD manual pages rexecd(8), rshd(8)), rlogin (RFC
 // 1282); and printing by LPD (RFC 1179).
 #include "core/rows.h"
+#include "decoders/common/ahead_cut.h"
 #include "decoders/common/text_lines.h"
 
 namespace qxview {
@@ -95,6 +96,43 @@ void ShowPrinterText(const Place& in, Cursor& c) {
   }
 }
 
+// What an end sends is multiplexed behind the greeting: the length of a message (24 bits), its kind behind 7 (8), both of them in
+// a word whose low octet is first.
+constexpr uint32_t kFirstKind = 7;
+constexpr auto kRsyncKinds = SortedNames({
+    {0, "Data"}, {1, "Transfer Error"}, {2, "Information"}, {3, "Error"}, {4, "Warning"}, {5, "Socket Error"}, {6, "Log"},
+    {7, "Client"}, {8, "Character Set Error"}, {9, "Redo"}, {10, "Statistics"}, {22, "I/O Error"}, {33, "I/O Timeout"},
+    {42, "No Operation"}, {86, "Exit on Error"}, {100, "Success"}, {101, "Deleted"}, {102, "Not Sent"}});
+
+bool StartsRsyncMessage(const Cursor& c) {
+  const uint32_t kind = PeekU8(c, 3);
+  return Left(c) >= 4 && kind >= kFirstKind && LookupName(kRsyncKinds, kind - kFirstKind, nullptr);
+}
+
+// Whether messages fill the bytes; the last one may go on behind them.
+bool HoldsRsyncMessages(Cursor c) {
+  Loop loop;
+  while (More(c, loop) && StartsRsyncMessage(c)) TakeCursor(c, 4 + static_cast<int32_t>(PeekLittleU32(c) & 0xFFFFFF));
+  return Left(c) == 0;
+}
+
+void ShowRsyncMessages(const Place& at, Cursor& c) {
+  constexpr int32_t kShort = 8;
+  Loop loop;
+  while (MoreAt(at, c, loop)) {
+    const uint32_t length = PeekLittleU32(c) & 0xFFFFFF, kind = PeekU8(c, 3) - kFirstKind;
+    const Field whole = AheadCut(c, 4 + static_cast<int32_t>(length));
+    const Place in = Under(at, AddLine(at, whole, "Message: %s, %u bytes", LookupName(kRsyncKinds, kind), length));
+    AddLine(in, TakeBytes(c, 3), "Length: %u", length);
+    AddLine(in, TakeU8(c), "Kind: %u = %s", kind + kFirstKind, LookupName(kRsyncKinds, kind));
+    Cursor data = TakeCursor(c, static_cast<int32_t>(length));
+    if (kind > 0 && IsReadable(data)) ShowLinesOfText(in, data, "Text");
+    const Field rest = Rest(data);
+    if (rest.length > 0 && rest.length <= kShort) AddLine(in, rest, "Data: %s", HexText(rest));
+    else AddBlock(in, rest, "Data");
+  }
+}
+
 }  // namespace
 
 int32_t DecodeRsh(const Place& at, Cursor c) {
@@ -162,7 +200,9 @@ int32_t DecodeRsync(const Place& at, Cursor c) {
                                                               : AddLine(at, all, "rsync: Data"));
   Loop loop;
   while (MoreAt(in, c, loop)) {
-    if (!isText && !StartsWithText(c, "@RSYNCD:") && !StartsWithText(c, "@ERROR")) {
+    if (!isText && HoldsRsyncMessages(c)) {
+      ShowRsyncMessages(in, c);
+    } else if (!isText && !StartsWithText(c, "@RSYNCD:") && !StartsWithText(c, "@ERROR")) {
       AddBlock(in, Rest(c), "Data");
     } else if (FindU8(c, 0) >= 0 && (FindU8(c, '\n') < 0 || FindU8(c, 0) < FindU8(c, '\n'))) {
       ShowTerminated(in, c, "Argument");

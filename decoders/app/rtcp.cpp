@@ -10,6 +10,8 @@
 
 #include "core/rows.h"
 #include "decoders/app/rtcp_feedback.h"
+#include "decoders/common/tells_all.h"
+#include "decoders/common/text_lines.h"
 
 namespace qxview {
 namespace {
@@ -140,6 +142,9 @@ void DecodeApplication(const Place& in, Cursor& c) {
   AddSource(in, c, "SSRC");
   const Field name = TakeBytes(c, 4);
   if (name.here) AddLine(in, name, "Name: %s", Text(name));
+  if (TellsAll(in) && Left(c) > 0 && IsReadable(c)) {
+    AddLine(in, Ahead(c, Left(c)), "Application Text: %s", Text(Ahead(c, Left(c))));
+  }
   AddBlock(in, Rest(c), "Application Data");
 }
 

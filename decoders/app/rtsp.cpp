@@ -20,7 +20,8 @@ constexpr auto kInterleaved = Rows<Interleaved>({
     Text(1, "Magic"), Number(1, "Channel").Into(&Interleaved::channel), Number(2, "Length").Into(&Interleaved::length)});
 
 // "RTP/AVP;unicast;client_port=8000-8001": each part a line.
-void ShowParts(const Place& in, Field rest) {
+void ShowParts(const Place& in, const Field& title, Field rest) {
+  AddTextLine(in, title, "Name");
   Loop loop;
   while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
     Field part = TakeWord(rest, ";");
@@ -28,7 +29,7 @@ void ShowParts(const Place& in, Field rest) {
     const Field whole = part;
     const Field name = TakeWord(part, "=");
     if (part.length > 0) {
-      AddLine(in, part, "%s=%s", Text(name), Text(part));
+      AddLine(in, whole, "%s=%s", Text(name), Text(part));
     } else {
       AddLine(in, whole, "%s", Text(whole));
     }
@@ -68,7 +69,7 @@ bool DecodeMessage(const Place& at, Cursor& c) {
   Loop loop;
   while (MoreAt(in, c, loop) && TakeHeader(c, header)) {
     const Place under = Under(in, ShowHeader(in, header));
-    if (IsWord(header.name, "Transport") || IsWord(header.name, "Session")) ShowParts(under, header.value);
+    if (IsWord(header.name, "Transport") || IsWord(header.name, "Session")) ShowParts(under, header.name, header.value);
     if (!start.isRequest && IsWord(header.name, "Transport")) LearnPorts(at, header.value);
     if (IsWord(header.name, "Content-Length")) length = DecimalOf(header.value);
     if (IsWord(header.name, "Content-Type")) isSession = StartsWithWord(header.value, "application/sdp");

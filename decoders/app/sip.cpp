@@ -1,6 +1,7 @@
 // Session Initiation Protocol (RFC 3261, with the headers of RFC 3262, 3265, 3311, 3325, 3326, 3327, 3515, 3608, 3903, 4028,
 // 6665 and others): who calls whom, how, and what became of it. Messages over UDP, one after the other over TCP.
 #include "decoders/app/sip_headers.h"
+#include "decoders/asn1/cms.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/xml_lines.h"
@@ -47,7 +48,7 @@ void ShowFragment(const Place& in, Cursor& body) {
   while (MoreAt(in, body, loop) && TakeHeader(body, header)) {
     const SipHeader* row = FindSipHeader(header.name);
     const Place under = Under(in, ShowHeader(in, header));
-    if (row) ShowSipValue(under, *row, header.value);
+    if (row) ShowSipHeader(under, *row, header);
   }
   ShowEndOfHeaders(in, body);
 }
@@ -84,7 +85,7 @@ void ShowParts(const Place& at, const Place& in, Cursor& body, const Field& boun
     while (MoreAt(under, part, headers) && TakeHeader(part, header)) {
       const SipHeader* row = FindSipHeader(header.name);
       const Place value = Under(under, ShowHeader(under, header));
-      if (row) ShowSipValue(value, *row, header.value);
+      if (row) ShowSipHeader(value, *row, header);
       if (IsHeader(header.name, "Content-Type", "c")) type = header.value;
     }
     ShowEndOfHeaders(under, part);
@@ -105,6 +106,8 @@ void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type,
   if (hasParts && depth >= kDeepest) return (void)AddBlock(under, Rest(body), "Nested Parts");
   if (hasParts) {
     ShowParts(at, under, body, boundary, depth);
+  } else if (StartsWithWord(type, "application/pkcs7-") && PeekU8(body) == kAsnSequence) {
+    ShowCms(under, body, {});
   } else if (StartsXml(body)) {
     ShowXml(under, body);
   } else if (StartsJson(body)) {
@@ -136,7 +139,7 @@ bool DecodeMessage(const Place& at, Cursor& c) {
   while (MoreAt(in, c, loop) && TakeHeader(c, header)) {
     const SipHeader* row = FindSipHeader(header.name);
     const Place under = Under(in, ShowHeader(in, header, row && header.name.length == 1 ? row->name : nullptr));
-    if (row) ShowSipValue(under, *row, header.value);
+    if (row) ShowSipHeader(under, *row, header);
   }
   ShowEndOfHeaders(in, c);
   Cursor body = TakeCursor(c, sip.length >= 0 && sip.length < Left(c) ? sip.length : Left(c));

@@ -219,6 +219,26 @@ void ShowNumbers(const Place& in, Field rest, const char* first, const char* sec
   }
 }
 
+void ShowValue(const Place& in, const SipHeader& header, const Field& field) {
+  Field value = field;
+  switch (header.form) {
+    case SipForm::kAddress: return ShowAddresses(in, value);
+    case SipForm::kVia: return ShowVia(in, value);
+    case SipForm::kCredentials:
+      AddTextLine(in, TakeWord(value), "Scheme");
+      return ShowParameters(in, value, ",");
+    case SipForm::kParameters: return ShowParameters(in, value, ",");
+    case SipForm::kSequence: return ShowNumbers(in, value, "Sequence Number", "Method", nullptr);
+    case SipForm::kReliable: return ShowNumbers(in, value, "Response Number", "Sequence Number", "Method");
+    case SipForm::kTimestamp: return ShowNumbers(in, value, "Time", "Delay", nullptr);
+    case SipForm::kItems: return ShowItems(in, header.label, value, true);
+    case SipForm::kValue: return ShowItems(in, header.label, value, false);
+    case SipForm::kReason: return ShowReasons(in, header.label, value);
+    case SipForm::kWarning: return ShowWarnings(in, value);
+    case SipForm::kText: return;
+  }
+}
+
 }  // namespace
 
 const SipHeader* FindSipHeader(const Field& name) {
@@ -241,24 +261,10 @@ Field SipParameter(const Field& value, const char* name) {
   return {};
 }
 
-void ShowSipValue(const Place& in, const SipHeader& header, const Field& field) {
-  Field value = field;
-  switch (header.form) {
-    case SipForm::kAddress: return ShowAddresses(in, value);
-    case SipForm::kVia: return ShowVia(in, value);
-    case SipForm::kCredentials:
-      AddTextLine(in, TakeWord(value), "Scheme");
-      return ShowParameters(in, value, ",");
-    case SipForm::kParameters: return ShowParameters(in, value, ",");
-    case SipForm::kSequence: return ShowNumbers(in, value, "Sequence Number", "Method", nullptr);
-    case SipForm::kReliable: return ShowNumbers(in, value, "Response Number", "Sequence Number", "Method");
-    case SipForm::kTimestamp: return ShowNumbers(in, value, "Time", "Delay", nullptr);
-    case SipForm::kItems: return ShowItems(in, header.label, value, true);
-    case SipForm::kValue: return ShowItems(in, header.label, value, false);
-    case SipForm::kReason: return ShowReasons(in, header.label, value);
-    case SipForm::kWarning: return ShowWarnings(in, value);
-    case SipForm::kText: return;
-  }
+void ShowSipHeader(const Place& in, const SipHeader& header, const HeaderLine& line) {
+  if (header.form == SipForm::kText) return;
+  AddTextLine(in, line.name, "Header Name");
+  ShowValue(in, header, line.value);
 }
 
 }  // namespace qxview

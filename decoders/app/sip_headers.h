@@ -1,6 +1,6 @@
 // The values of SIP's header fields, taken apart by what each is made of.
 #pragma once
-#include "core/decoder.h"
+#include "decoders/common/header_lines.h"
 
 namespace qxview {
 
@@ -29,7 +29,8 @@ struct SipHeader {
 
 // Null for a name that is not registered.
 const SipHeader* FindSipHeader(const Field& name);
-void ShowSipValue(const Place& in, const SipHeader& header, const Field& value);
+// The name of a header that has parts, and these.
+void ShowSipHeader(const Place& in, const SipHeader& header, const HeaderLine& line);
 // "sip:user:password@host:port;parameter?header".
 void ShowSipUri(const Place& in, const Field& uri);
 

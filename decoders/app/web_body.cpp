@@ -10,6 +10,7 @@
 #include "decoders/app/web_vocabulary.h"
 #include "decoders/common/header_lines.h"
 #include "decoders/common/json_lines.h"
+#include "decoders/common/text_lines.h"
 #include "decoders/common/xml_lines.h"
 
 namespace qxview {
@@ -299,7 +300,7 @@ void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const Web
     return;
   } else if (isFirst && StartsPlaylist(c)) {
     ShowPlaylist(Under(in, AddLine(in, whole, "Playlist: %d bytes", whole.length)), c);
-  } else if (body.content == WebContent::kText) {
+  } else if (body.content == WebContent::kText || (body.content == WebContent::kUnknown && IsReadable(c))) {
     ShowText(in, c);
   } else if (isFirst && body.content == WebContent::kJson && StartsJson(c)) {
     const Place under = Under(in, AddLine(in, whole, "JSON: %d bytes", whole.length));

@@ -11,7 +11,7 @@
 #include "core/rows.h"
 #include "decoders/app/http2.h"
 #include "decoders/app/http_inflate.h"
-#include "decoders/common/header_lines.h"
+#include "decoders/common/text_lines.h"
 #include "decoders/message_lengths.h"
 
 namespace qxview {
@@ -87,6 +87,8 @@ void ShowMessage(const Place& in, uint32_t opcode, Cursor c) {
     body.content = WebContent::kJson;
     if (PeekU8(c) != '{' && PeekU8(c) != '[') body.content = WebContent::kText;
     ShowWebBody(in, c, body);
+  } else if (opcode >= kPing && Left(c) > 0 && IsReadable(c)) {
+    AddTextLine(in, Rest(c), "Application Data");
   } else {
     AddBlock(in, Rest(c), "Payload");
   }

@@ -1,7 +1,10 @@
 // Information Retrieval (Z39.50, ISO 23950): searches of catalogues and what they find, in the basic encoding rules with tag
 // numbers of several octets and lengths that may be indefinite.
+#include <cstring>
 #include <iterator>
 
+#include "decoders/app/bib1_names.h"
+#include "decoders/app/marc.h"
 #include "decoders/asn1/der.h"
 #include "decoders/common/text_lines.h"
 #include "decoders/common/xml_lines.h"
@@ -85,7 +88,15 @@ const FieldRow* RowOf(const Group* group, uint32_t tag) {
   return nullptr;
 }
 
-void ShowGroup(const Place& in, Cursor& c, const Group* group, int32_t depth);
+// Where in the tree of elements: how deep, and of attributes which type was told last, unless they are of a set of their own.
+struct Level {
+  int32_t depth;
+  int32_t attribute;
+  bool isOtherSet;
+  Level Below() const { return {depth + 1, attribute, isOtherSet}; }
+};
+
+void ShowGroup(const Place& in, Cursor& c, const Group* group, Level level);
 
 void ShowText(const Place& in, const Element& element, const char* title) {
   Cursor text = element.contents;
@@ -93,30 +104,6 @@ void ShowText(const Place& in, const Element& element, const char* title) {
   if (!IsReadable(text)) return (void)AddLine(in, element.whole, "%s: %s", title, HexDigits(Rest(text)));
   const Place under = Under(in, AddTextLine(in, Ahead(text, Left(text)), title));
   if (StartsXml(text)) ShowXml(under, text);
-}
-
-// A record for exchange (ISO 2709, MARC): a leader, a directory of tags with their fields' places, the fields.
-void ShowMarc(const Place& at, Cursor c) {
-  constexpr int32_t kLeader = 24, kEntry = 12;
-  constexpr uint8_t kFieldEnd = 0x1E;
-  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Record"));
-  const int32_t base = DecimalOf(PeekBytes(c, 12, 5));
-  AddTextLine(in, TakeBytes(c, kLeader), "Leader");
-  Cursor fields = c;
-  TakeBytes(fields, base - kLeader);
-  Loop loop;
-  while (MoreAt(in, c, loop) && Left(c) > kEntry && PeekU8(c) != kFieldEnd) {
-    const Field entry = TakeBytes(c, kEntry);
-    const int32_t length = DecimalOf(Slice(entry, 3, 4)), start = DecimalOf(Slice(entry, 7, 5));
-    const Field field = PeekBytes(fields, start, length - 1);
-    const Place under = Under(in, AddLine(in, entry, "Directory Entry: %s", Text(Slice(entry, 0, 3))));
-    if (length > 0 && start >= 0 && field.here) AddTextLine(under, field, "Field");
-  }
-  AddTextLine(in, Rest(fields), "Fields");
-}
-
-bool IsMarc(const Cursor& c) {
-  return DecimalOf(PeekBytes(c, 0, 5)) == Left(c) && DecimalOf(PeekBytes(c, 12, 5)) >= 25 && PeekU8(c, Left(c) - 1) == 0x1D;
 }
 
 void ShowBits(const Place& in, const Element& element, const FieldRow& row) {
@@ -134,10 +121,23 @@ void ShowBits(const Place& in, const Element& element, const FieldRow& row) {
   }
 }
 
-void ShowNumber(const Place& in, const Element& element, const FieldRow& row) {
+// What a value of an attribute means hangs on the type in front of it, and both on the set.
+void NoteAttribute(const Element& element, const FieldRow& row, const Group* group, Level& level) {
+  constexpr uint8_t kBib1[] = {0x2A, 0x86, 0x48, 0xCE, 0x13, 0x03, 0x01};
+  if (row.form == Form::kObject && std::strcmp(row.title, "Attribute Set") == 0) {
+    level.isOtherSet = Left(element.contents) != sizeof kBib1 || !PeekIs(element.contents, 0, kBib1);
+  }
+  if (group == &kAttributeGroup && row.tag == Tag(120)) level.attribute = BerInteger(element.contents);
+}
+
+void ShowNumber(const Place& in, const Element& element, const FieldRow& row, const Level& level) {
   const int32_t number = BerInteger(element.contents);
   const Field contents = Ahead(element.contents, Left(element.contents));
-  if (number >= 0 && static_cast<size_t>(number) < row.nameCount) {
+  const bool isAttribute = std::strcmp(row.title, "Attribute Value") == 0 && !level.isOtherSet;
+  const char* name = isAttribute ? NameOfBib1(level.attribute, static_cast<uint32_t>(number)) : nullptr;
+  if (name) {
+    AddLine(in, contents, "%s: %d = %s", row.title, number, name);
+  } else if (number >= 0 && static_cast<size_t>(number) < row.nameCount) {
     AddLine(in, contents, "%s: %d = %s", row.title, number, row.names[number]);
   } else {
     AddLine(in, contents, "%s: %d", row.title, number);
@@ -145,12 +145,12 @@ void ShowNumber(const Place& in, const Element& element, const FieldRow& row) {
 }
 
 // An element that no row tells: by whether others stand in it.
-void ShowUntold(const Place& in, const Element& element, int32_t depth) {
+void ShowUntold(const Place& in, const Element& element, const Level& level) {
   const uint32_t number = element.tag & ~kContext;
   if (element.isConstructed) {
     const Place under = Under(in, AddLine(in, element.whole, "Elements [%u]", number));
     Cursor inner = element.contents;
-    return ShowGroup(under, inner, nullptr, depth + 1);
+    return ShowGroup(under, inner, nullptr, level.Below());
   }
   const Field contents = Ahead(element.contents, Left(element.contents));
   if (element.tag == kObjectTag) return (void)AddLine(in, contents, "Object: %s", DescribeObject(element.contents));
@@ -160,16 +160,17 @@ void ShowUntold(const Place& in, const Element& element, int32_t depth) {
 }
 
 // keys: text Preferred Record Syntax, Result Set Name, Database, Term, Record
-void ShowElement(const Place& in, const Element& element, const FieldRow& row, int32_t depth) {
+void ShowElement(const Place& in, const Element& element, const FieldRow& row, const Level& level) {
   const Field contents = Ahead(element.contents, Left(element.contents));
   switch (row.form) {
-    case Form::kNumber: return ShowNumber(in, element, row);
+    case Form::kNumber: return ShowNumber(in, element, row, level);
     case Form::kBoolean: return (void)AddLine(in, contents, "%s: %s", row.title, BerNumber(element.contents) ? "True" : "False");
     case Form::kText: return ShowText(in, element, row.title);
     case Form::kBits: return ShowBits(in, element, row);
     case Form::kObject: return (void)AddLine(in, contents, "%s: %s", row.title, DescribeObject(element.contents));
     case Form::kNull: return (void)AddLine(in, element.whole, "%s", row.title);
-    case Form::kExchange: return IsMarc(element.contents) ? ShowMarc(in, element.contents) : ShowText(in, element, row.title);
+    case Form::kExchange:
+      return IsMarcRecord(element.contents) ? ShowMarcRecord(in, element.contents) : ShowText(in, element, row.title);
     case Form::kOctets:
       if (!element.isConstructed) return (void)AddLine(in, element.whole, "%s: %s", row.title, HexDigits(contents));
       [[fallthrough]];
@@ -177,24 +178,25 @@ void ShowElement(const Place& in, const Element& element, const FieldRow& row, i
   }
   const Place under = Under(in, AddLine(in, element.whole, "%s", row.title));
   Cursor inner = element.contents;
-  if (element.isConstructed) ShowGroup(under, inner, row.group, depth + 1);
+  if (element.isConstructed) ShowGroup(under, inner, row.group, level.Below());
   else AddLine(under, contents, "Value: %s", HexDigits(contents));
 }
 
-void ShowGroup(const Place& in, Cursor& c, const Group* group, int32_t depth) {
-  if (depth > kDeepest) return (void)AddLine(in, Rest(c), "Elements nest too deeply to be shown");
+void ShowGroup(const Place& in, Cursor& c, const Group* group, Level level) {
+  if (level.depth > kDeepest) return (void)AddLine(in, Rest(c), "Elements nest too deeply to be shown");
   Element element;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeElement(c, element)) {
     const FieldRow* row = RowOf(group, element.tag);
     if (row && element.isConstructed && row->form == Form::kNumber) {
-      ShowUntold(in, element, depth);   // tags tell one of a choice from a number behind it
+      ShowUntold(in, element, level);   // tags tell one of a choice from a number behind it
     } else if (row) {
-      ShowElement(in, element, *row, depth);
+      NoteAttribute(element, *row, group, level);
+      ShowElement(in, element, *row, level);
     } else if (group && element.isConstructed && (element.tag == kSequenceTag || element.tag == Tag(1))) {
-      ShowGroup(in, element.contents, group, depth + 1);   // a sequence within, of the same fields
+      ShowGroup(in, element.contents, group, level.Below());   // a sequence within, of the same fields
     } else {
-      ShowUntold(in, element, depth);
+      ShowUntold(in, element, level);
     }
   }
   if (Left(c) > 0) AddBlock(in, Rest(c), "Data");
@@ -236,7 +238,7 @@ int32_t DecodeZ3950(const Place& at, Cursor c) {
     TakeElement(c, message);
     const auto& kind = kMessages[(message.tag & ~kContext) - kFirstMessage];
     const Place in = Under(at, AddLine(at, message.whole, "Z39.50: %s", kind.title));
-    ShowGroup(in, message.contents, kind.group, 0);
+    ShowGroup(in, message.contents, kind.group, {});
   }
   if (Left(c) > 0) AddRawRest(at, c, "Z39.50 Data");
   return 1;

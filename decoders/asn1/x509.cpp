@@ -103,7 +103,7 @@ void ShowX509Algorithm(const Place& in, Cursor& c, const char* title) {
   } else if (TakeDer(inner, kAsnNull, &parameters)) {
     AddLine(under, WholeOf(parameters), "Parameters: NULL");
   }
-  ShowRest(under, inner);
+  ShowDerValues(under, inner);   // an initialization vector, a key length
 }
 
 void ShowX509PublicKey(const Place& in, Cursor& c) {

@@ -18,6 +18,7 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kLearntOncRpc = 0x201008E, kLearntQuic = QX_OVER_UDP | kQuicProtocol;
+constexpr int32_t kMpegTsProtocol = 0x103B7;
 constexpr uint32_t kRtcpDetection = 2;   // of the first word of settings, as those of the next line
 constexpr uint32_t kMsrpcDetection = 8, kFixDetection = 16;   // of the first word of settings
 constexpr uint32_t kGiopDetection = 0x400;                    // of the second
@@ -115,6 +116,10 @@ int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) 
   }
   if (LooksLikeWireGuard(c)) {
     DecodeRecognised(at, c, kWireGuardProtocol);
+    return 1;
+  }
+  if (LooksLikeMpegTs(c)) {   // each datagram shows itself: nothing to learn
+    DecodeRecognised(at, c, kMpegTsProtocol);
     return 1;
   }
   if (LooksLikeOncRpc(c)) {

@@ -24,5 +24,6 @@ bool LooksLikeBitTorrent(const Cursor& c);    // the handshake
 
 // Over UDP: the payload is one whole message.
 bool LooksLikeOncRpc(const Cursor& c);
+bool LooksLikeMpegTs(const Cursor& c);        // packets of a transport stream, more than one
 
 }  // namespace qxview

@@ -4,6 +4,7 @@
 //   GIOP:        'G' 'I' 'O' 'P', version (2), flags, type, size (4)     (CORBA 3, chapter 15)
 //   FCIP:        protocol, version, their complements; the same again; flags, 0, complements;
 //                frame length and its complement; time stamp (8); CRC    (RFC 3643, RFC 3821)
+//   MPEG-TS:     'G', 187 further octets, for each packet                (ISO/IEC 13818-1)
 //   BitTorrent:  19, "BitTorrent protocol", ...                          (BEP 3)
 #include "decoders/net/recognisers.h"
 
@@ -52,6 +53,16 @@ bool LooksLikeFcip(const Cursor& c) {
   if (!IsComplemented(c, 12) || (PeekU8(c, 12) & 0xF8) != 0) return false;   // reserved flags of the length's word
   const uint32_t words = PeekU16(c, 12) & 0x3FF;
   return words >= kShortestFrame && words <= kLongestFrame;
+}
+
+bool LooksLikeMpegTs(const Cursor& c) {
+  constexpr int32_t kPacket = 188;
+  constexpr uint32_t kSync = 0x47, kReservedControl = 0x30;
+  if (Left(c) < 2 * kPacket || Left(c) % kPacket != 0) return false;
+  for (int32_t at = 0; at < Left(c); at += kPacket) {
+    if (PeekU8(c, at) != kSync || (PeekU8(c, at + 3) & kReservedControl) == 0) return false;
+  }
+  return true;
 }
 
 bool LooksLikeBitTorrent(const Cursor& c) { return PeekIs(c, 1, "BitTorrent protocol"); }
