@@ -3,13 +3,13 @@
 #include <string>
 
 #include "app/options.h"
-#include "paper/pages.h"
+#include "paper/packet_pages.h"
 
 namespace qxview {
 
 struct PaperOptions {
   std::string pdf;
-  bool tree = false, list = false, bytes = false;   // none of them: the tree
+  PaperParts parts;   // none of them: the tree
   PaperForm form;
   bool landscape = false;
   std::string given;   // the first of these options that means nothing without --pdf

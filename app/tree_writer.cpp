@@ -3,8 +3,9 @@
 #include <cstring>
 
 #include "app/colors.h"
-#include "core/digits.h"
+#include "core/frame_rows.h"
 #include "core/line_facts.h"
+#include "core/safe_text.h"
 
 namespace qxview {
 namespace {
@@ -42,13 +43,6 @@ void PutFact(Output& out, const DecodeContext& context, uint32_t rangeIndex) {
   out.Put('}');
 }
 
-bool IsControl(uint8_t c) {
-  char scratch[8];
-  const std::string_view shown = Utf8Of(c, scratch);
-  return c < 0x20 || c == 0x7F ||
-         (shown.size() == 2 && static_cast<uint8_t>(shown[0]) == 0xC2 && static_cast<uint8_t>(shown[1]) < 0xA0);
-}
-
 constexpr size_t kDumpCharacters = 58;   // the column where the characters of a dump's row start
 
 // "0010  41 42 ...   AB": four digits, two blanks, and as many characters as bytes.
@@ -59,26 +53,13 @@ bool IsDumpRow(Session& session, LineHandle line) {
          std::memcmp(tree.TextOf(line) + 4, "  ", 2) == 0 && std::memcmp(tree.TextOf(line) + 55, "   ", 3) == 0;
 }
 
-// Where the first character from `at` on stands that is not printable ASCII. Most lines have none: eight are looked at at once.
-size_t EndOfPlain(std::string_view text, size_t at) {
-  constexpr uint64_t kOnes = 0x0101010101010101, kTop = 0x80 * kOnes;
-  for (; at + 8 <= text.size(); at += 8) {
-    uint64_t c;
-    std::memcpy(&c, text.data() + at, 8);
-    const bool isAny = (c | (c + kOnes)) & kTop;                 // from 7F on
-    if (isAny || ((c + 0x60 * kOnes) & kTop) != kTop) break;     // below 20
-  }
-  while (at < text.size() && text[at] >= 0x20 && text[at] < 0x7F) ++at;
-  return at;
-}
-
 // Terminals give the soft hyphen no cell, one, or a line break.
 void PutDumpRow(Output& out, std::string_view text) {
   constexpr uint8_t kSoftHyphen = 0xAD;
   std::string row(text);
   for (size_t i = kDumpCharacters; i < row.size(); ++i) {
     const uint8_t c = static_cast<uint8_t>(row[i]);
-    if (IsControl(c) || c == kSoftHyphen) row[i] = '.';
+    if (IsControlCharacter(c) || c == kSoftHyphen) row[i] = '.';
   }
   PutSafeText(out, row);
 }
@@ -112,26 +93,13 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
 }  // namespace
 
 void PutSafeText(Output& out, std::string_view text) {
-  size_t plain = 0;
-  for (size_t i = 0; (i = EndOfPlain(text, i)) < text.size(); ++i) {
-    const uint8_t c = static_cast<uint8_t>(text[i]);
-    out.Put(text.substr(plain, i - plain));
-    plain = i + 1;
-    char scratch[8];
-    if (IsControl(c)) {
-      out.Put("\\x");
-      out.Put({kHexPairs + 2 * c, 2});
-    } else {
-      out.Put(Utf8Of(c, scratch));
-    }
-  }
-  out.Put(text.substr(plain));
+  PutSafely(text, [&out](std::string_view piece) { out.Put(piece); });
 }
 
 int32_t CellsOf(std::string_view text) {
   constexpr int32_t kEscape = 4;   // "\\xNN"
   int32_t cells = 0;
-  for (const char c : text) cells += IsControl(static_cast<uint8_t>(c)) ? kEscape : 1;
+  for (const char c : text) cells += IsControlCharacter(static_cast<uint8_t>(c)) ? kEscape : 1;
   return cells;
 }
 
@@ -153,26 +121,10 @@ void WriteTree(Output& out, Session& session, const TreeStyle& style) {
 }
 
 void WriteFrameBytes(Output& out, const FrameRecord* record) {
-  const uint8_t* data = FrameData(record);
-  for (int32_t at = 0; at < record->capturedLength; at += 16) {
-    const int32_t count = std::min<int32_t>(16, record->capturedLength - at);
-    char row[80];
-    int32_t length = FormatInto(row, sizeof row, "%.04X  ", at);
-    char characters[17];
-    for (int32_t i = 0; i < 16; ++i) {
-      if (i == 8) row[length++] = ' ';
-      if (i < count) {
-        std::memcpy(row + length, kHexPairs + 2 * data[at + i], 2);
-        characters[i] = data[at + i] >= 0x20 && data[at + i] < 0x7F ? static_cast<char>(data[at + i]) : '.';
-      } else {
-        row[length] = row[length + 1] = ' ';
-      }
-      row[length + 2] = ' ';
-      length += 3;
-    }
-    out.Put({row, static_cast<size_t>(length)});
-    out.Put("  ");
-    out.Put({characters, static_cast<size_t>(count)});
+  for (int32_t at = 0; at < record->capturedLength; at += kFrameRowBytes) {
+    char row[kFrameRowSize];
+    const int32_t count = std::min<int32_t>(kFrameRowBytes, record->capturedLength - at);
+    out.Put({row, static_cast<size_t>(FormatFrameRow(row, at, FrameData(record) + at, count))});
     out.Put('\n');
   }
 }

@@ -38,8 +38,8 @@ size_t RowLength(std::string_view text, int32_t cells) {
 
 PageGrid GridOf(const PaperForm& form, const CellSize& cell) {
   constexpr double kRounding = 1e-6;
-  const double width = form.width - 2 * form.margin;
-  const double height = form.height - 2 * form.margin - (kHeadLines + kFootLines) * cell.height;
+  const double width = form.width - form.margins.left - form.margins.right;
+  const double height = form.height - form.margins.top - form.margins.bottom - (kHeadLines + kFootLines) * cell.height;
   return {static_cast<int32_t>(std::floor(std::max(width, 0.0) / cell.width + kRounding)),
           static_cast<int32_t>(std::floor(std::max(height, 0.0) / cell.height + kRounding))};
 }

@@ -11,10 +11,15 @@ namespace qxview {
 
 constexpr double kPointsPerMillimetre = 72 / 25.4;
 
+struct PaperMargins {
+  double left, top, right, bottom;
+};
+constexpr PaperMargins EqualMargins(double margin) { return {margin, margin, margin, margin}; }
+
 // All in points.
 struct PaperForm {
   double width = 595.28, height = 841.89;   // of a page as it is read, turned already: A4
-  double margin = 12 * kPointsPerMillimetre;
+  PaperMargins margins = EqualMargins(12 * kPointsPerMillimetre);
   double fontSize = 9;
   bool twoUp = false;                       // two pages on each sheet
 };
@@ -31,6 +36,13 @@ struct PageGrid {
 constexpr int32_t kLeastColumns = 40, kLeastRows = 10;   // of a page that is worth printing
 constexpr double kHeadLines = 2, kFootLines = 1.5;       // heights, in lines
 PageGrid GridOf(const PaperForm& form, const CellSize& cell);
+
+constexpr bool IsWorthPrinting(const PageGrid& grid) { return grid.columns >= kLeastColumns && grid.rows >= kLeastRows; }
+
+// How a page looks, whoever draws it: heights in the font's size, from line to line, down to the letters' feet, and of the rule
+// under the head in lines; levels of gray, 0 for black.
+constexpr double kLineHeight = 1.22, kBaseline = 0.92, kRuleAt = 1.35, kRuleHeight = 0.5, kBandBeyond = 2;
+constexpr double kBlack = 0.07, kGray = 0.35, kRule = 0.6, kBand = 0.91;
 
 // A sheet of paper and where its pages stand, scaled from their upper left corners.
 struct Sheet {

@@ -22,7 +22,7 @@ LAYERS = {
     "browse":                ["include/qxview", "core", "view", "host", "files", "keys", "query", "browse"],
     "files":                 ["include/qxview", "core", "files"],
     "host":                  ["include/qxview", "core", "view", "files", "host"],
-    "paper":                 ["core", "paper"],
+    "paper":                 ["core", "files", "paper"],
     "platform":              ["*"],
     "exports":               ["*"],
     "app":                   ["*"],

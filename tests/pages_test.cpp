@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
+
+#include "paper/page_store.h"
 
 namespace qxview {
 namespace {
@@ -139,8 +142,36 @@ TEST(Pages, TwoPagesShareASheet) {
     EXPECT_LE(b.y + b.scale * form.height, sheet.height + 0.01);
   }
   PaperForm small;
-  small.margin = 400;
+  small.margins = EqualMargins(400);
   EXPECT_EQ(GridOf(small, {5.4, 11}).columns, 0);
+}
+
+TEST(PageStores, GiveBackEveryPageInAnyOrder) {
+  std::string reason;
+  const std::unique_ptr<PageStore> store = PageStore::Create(&reason);
+  ASSERT_TRUE(store) << reason;
+  Printing printing({40, 12});
+  printing.breaker.BeginCapture("caf\u00E9.pcap");
+  for (uint64_t i = 1; i <= 50; ++i) {
+    printing.breaker.BeginPacket({i, "noon", "title"}, true);
+    printing.breaker.Put("Packet " + std::to_string(i), RowKind::kPacket);
+    printing.Fill(static_cast<int32_t>(i % 7));
+  }
+  ASSERT_TRUE(printing.breaker.Finish());
+  for (const Page& page : printing.pages) ASSERT_TRUE(store->Add(page));
+  ASSERT_EQ(store->Count(), static_cast<int64_t>(printing.pages.size()));
+  for (size_t i = printing.pages.size(); i-- > 0;) {
+    Page page;
+    ASSERT_TRUE(store->Read(static_cast<int64_t>(i) + 1, &page));
+    const Page& put = printing.pages[i];
+    EXPECT_TRUE(page.number == put.number && page.capture == put.capture && page.packets == put.packets && page.time == put.time);
+    ASSERT_EQ(page.rows.size(), put.rows.size());
+    for (size_t row = 0; row < put.rows.size(); ++row) {
+      EXPECT_TRUE(page.rows[row].text == put.rows[row].text && page.rows[row].kind == put.rows[row].kind);
+    }
+  }
+  Page page;
+  EXPECT_FALSE(store->Read(0, &page) || store->Read(store->Count() + 1, &page));
 }
 
 }  // namespace

@@ -10,8 +10,6 @@ namespace {
 
 constexpr char kFonts[] = "DejaVu Sans Mono, Liberation Mono, Noto Sans Mono, monospace";
 constexpr char kHeadFonts[] = "DejaVu Sans, Liberation Sans, Noto Sans, sans-serif";
-constexpr double kLineHeight = 1.22, kBaseline = 0.92;   // of the font's size: from line to line, and down to the letters' feet
-constexpr double kBlack = 0.07, kGray = 0.35, kRule = 0.6, kBand = 0.91;
 
 struct Face {
   PangoFontDescription* font = nullptr;
@@ -138,7 +136,7 @@ class CairoPdfWriter final : public PdfWriter {
   }
 
   void Draw(const Page& page) {
-    const double left = form_.margin, right = form_.width - form_.margin, top = form_.margin;
+    const double left = form_.margins.left, right = form_.width - form_.margins.right, top = form_.margins.top;
     const double gap = 2 * cell_.width;
     Gray(kGray);
     const std::string about = page.packets + "    " + page.time;
@@ -146,10 +144,10 @@ class CairoPdfWriter final : public PdfWriter {
     ShowAt(right - aboutWidth, top);
     Lay(page.capture, head_.font, std::max(right - left - aboutWidth - gap, gap));
     ShowAt(left, top);
-    Fill(left, top + 1.35 * cell_.height, right - left, 0.5, kRule);
+    Fill(left, top + kRuleAt * cell_.height, right - left, kRuleHeight, kRule);
     double y = RowTop(0);
     for (const PageRow& row : page.rows) {
-      if (row.kind == RowKind::kPacket) Fill(left - 2, y - 0.04 * cell_.height, right - left + 4, cell_.height, kBand);
+      if (row.kind == RowKind::kPacket) Fill(left - kBandBeyond, y - 0.04 * cell_.height, right - left + 2 * kBandBeyond, cell_.height, kBand);
       if (!row.text.empty()) {
         Gray(kBlack);
         PutRow(row, left, y);
@@ -158,7 +156,7 @@ class CairoPdfWriter final : public PdfWriter {
     }
     Gray(kGray);
     const double numberWidth = Lay(std::to_string(page.number), head_.font, 0);
-    ShowAt((form_.width - numberWidth) / 2, form_.height - form_.margin - cell_.height);
+    ShowAt((form_.width - numberWidth) / 2, form_.height - form_.margins.bottom - cell_.height);
   }
 
   // ASCII, which every font has, needs nobody to look for fonts and shapes: that takes ten times as long.
@@ -174,12 +172,12 @@ class CairoPdfWriter final : public PdfWriter {
     }
   }
 
-  double RowTop(int32_t row) const { return form_.margin + (kHeadLines + row) * cell_.height; }
+  double RowTop(int32_t row) const { return form_.margins.top + (kHeadLines + row) * cell_.height; }
 
   void AddBookmarks(const Page& page, const Sheet::Place& place) {
     for (const Page::Start& start : page.starts) {
       char where[120];
-      std::snprintf(where, sizeof where, "page=%lld pos=[%.1f %.1f]", sheets_ + 1, place.x + place.scale * form_.margin,
+      std::snprintf(where, sizeof where, "page=%lld pos=[%.1f %.1f]", sheets_ + 1, place.x + place.scale * form_.margins.left,
                     place.y + place.scale * RowTop(start.row));
       cairo_.cairo_pdf_surface_add_outline(surface_, kPdfOutlineRoot, start.title.c_str(), where, kPdfOutlineOpen);
     }
