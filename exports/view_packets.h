@@ -18,6 +18,7 @@ class ViewPackets final : public WindowPackets {
   bool Show(uint64_t number) override;
   bool Ask(const QxViewRequest* request) override;
   bool SaveText(const std::string& path, std::string* wrong) override;
+  std::unique_ptr<PagesRun> StartPages(const PrintChoice& choice, PageBreaker::PutPage put) override;
 
  private:
   ExportedView* view_;

@@ -67,8 +67,9 @@ void PacketPages::Put(const PaperPacket& packet) {
 }
 
 void PacketPages::PutListRow(const PaperPacket& packet) {
-  const std::string cells[] = {std::to_string(packet.number), std::string(packet.elapsed), Shown(packet.source), Shown(packet.destination),
-                               Shown(packet.protocol), std::to_string(packet.length), Shown(packet.summary)};
+  const std::string cells[] = {std::to_string(packet.number), std::string(packet.elapsed), Shown(packet.source),
+                               Shown(packet.destination), Shown(packet.protocol), std::to_string(packet.length),
+                               Shown(packet.summary)};
   static_assert(std::size(cells) == std::size(kListCells));
   if (parts_.HasListAlone()) {
     const std::string row = ListRowOf(isWide_, [&](size_t i) { return cells[i]; }, &hang_);

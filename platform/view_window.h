@@ -2,9 +2,12 @@
 // the packet's bytes. Where there is no desktop there is none, and the functions below say so with null or false.
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <string>
 
+#include "host/packet_selection.h"
 #include "host/session.h"
+#include "paper/packet_pages.h"
 #include "qxview/qxview_host.h"
 
 namespace qxview {
@@ -19,6 +22,23 @@ struct ListedPacket {
   int64_t nanoseconds;
   uint32_t length;   // on the wire
   std::string source, destination, summary;
+};
+
+// Pages that are being made.
+class PagesRun {
+ public:
+  virtual ~PagesRun() = default;
+  // Goes over so many packets at most; false when the last page was put, or the printing ended.
+  virtual bool Advance(int32_t packets) = 0;
+  // Packets that it went over.
+  virtual uint64_t Looked() const = 0;
+};
+
+struct PrintChoice {
+  PacketSelection packets;
+  PaperParts parts;
+  std::string title;   // in each page's head, in UTF-8
+  PageGrid grid;
 };
 
 // What stands behind a window: the packets that it lists, and what it asks of the program around.
@@ -36,6 +56,8 @@ class WindowPackets {
   virtual bool Ask(const QxViewRequest* request) = 0;
   // Saves the shown packet's lines as text; false with what is wrong.
   virtual bool SaveText(const std::string& path, std::string* wrong) = 0;
+  // Puts packets on pages, as the print mode writes them and with what those in front of them teach. Null when there is no memory.
+  virtual std::unique_ptr<PagesRun> StartPages(const PrintChoice& choice, PageBreaker::PutPage put) = 0;
 };
 
 // Makes the session's window, as a child of `parent` or with null as a window of its own, and shows the session in it

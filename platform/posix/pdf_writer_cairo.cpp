@@ -147,7 +147,8 @@ class CairoPdfWriter final : public PdfWriter {
     Fill(left, top + kRuleAt * cell_.height, right - left, kRuleHeight, kRule);
     double y = RowTop(0);
     for (const PageRow& row : page.rows) {
-      if (row.kind == RowKind::kPacket) Fill(left - kBandBeyond, y - 0.04 * cell_.height, right - left + 2 * kBandBeyond, cell_.height, kBand);
+      const double bandTop = y - 0.04 * cell_.height, bandWidth = right - left + 2 * kBandBeyond;
+      if (row.kind == RowKind::kPacket) Fill(left - kBandBeyond, bandTop, bandWidth, cell_.height, kBand);
       if (!row.text.empty()) {
         Gray(kBlack);
         PutRow(row, left, y);

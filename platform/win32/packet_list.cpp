@@ -25,8 +25,9 @@ LRESULT Send(HWND window, UINT message, WPARAM what = 0, LPARAM value = 0) {
 
 }  // namespace
 
-bool PacketList::Create(HWND parent, HINSTANCE module, WindowPackets* packets, uint32_t dotsPerInch) {
+bool PacketList::Create(HWND parent, HINSTANCE module, WindowPackets* packets, const Marks* marks, uint32_t dotsPerInch) {
   packets_ = packets;
+  marks_ = marks;
   rows_.resize(kKept);
   const DWORD style = WS_CHILD | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER;
   window_ = CreateWindowExA(0, WC_LISTVIEWA, "Packets", style, 0, 0, 0, 0, parent, nullptr, module, nullptr);
@@ -90,7 +91,8 @@ void PacketList::FillCell(LPARAM note) {
   item.pszText[0] = 0;
   const Row* row = RowOf(static_cast<uint64_t>(item.iItem) + 1);
   const auto room = static_cast<size_t>(item.cchTextMax);
-  if (item.iSubItem == kNumber) std::snprintf(item.pszText, room, "%d", item.iItem + 1);
+  const bool isMarked = marks_->Has(static_cast<uint64_t>(item.iItem) + 1);
+  if (item.iSubItem == kNumber) std::snprintf(item.pszText, room, "%s%d", isMarked ? "* " : "", item.iItem + 1);
   if (!row) return;
   switch (item.iSubItem) {
     case kTime:

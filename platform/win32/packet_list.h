@@ -5,6 +5,7 @@
 // Behind a header of the library, which keeps it from naming macros min and max.
 #include <windows.h>
 
+#include "browse/places.h"
 #include "platform/view_window.h"
 
 namespace qxview {
@@ -12,7 +13,7 @@ namespace qxview {
 class PacketList {
  public:
   // Null when the system's common controls are not there.
-  bool Create(HWND parent, HINSTANCE module, WindowPackets* packets, uint32_t dotsPerInch);
+  bool Create(HWND parent, HINSTANCE module, WindowPackets* packets, const Marks* marks, uint32_t dotsPerInch);
   HWND Window() const { return window_; }
 
   // Rows are asked for anew; their number, too.
@@ -34,6 +35,7 @@ class PacketList {
   static constexpr size_t kKept = 256;   // rows, by their number modulo this
   HWND window_ = nullptr;
   WindowPackets* packets_ = nullptr;
+  const Marks* marks_ = nullptr;   // shown with a star
   std::vector<Row> rows_;
   int64_t firstTime_ = 0;
   bool hasFirstTime_ = false;

@@ -242,6 +242,15 @@ void ExpandTo3(ViewWindow* window) { ExpandTo(window, 3); }
 void ExpandTo4(ViewWindow* window) { ExpandTo(window, 4); }
 void ExpandAll(ViewWindow* window) { ExpandTo(window, kEveryLevel); }
 
+void ToggleMark(ViewWindow* window) {
+  window->marks.Toggle(window->shownNumber);
+  window->list.Refresh();
+  const size_t count = window->marks.All().size();
+  TellStatus(window, count == 1 ? "1 packet is marked" : std::to_string(count) + " packets are marked");
+}
+void ShowNextMark(ViewWindow* window) { ShowPacket(window, window->marks.Next(window->shownNumber)); }
+void ShowMarkBefore(ViewWindow* window) { ShowPacket(window, window->marks.Before(window->shownNumber)); }
+
 void NextPane(ViewWindow* window) { FocusNextPane(window, false); }
 void PreviousPane(ViewWindow* window) { FocusNextPane(window, true); }
 
@@ -308,6 +317,9 @@ constexpr Command kCommands[] = {
     {FindNext, "Find &next\tF3", Needs::kNothing, VK_F3},
     {FindPrevious, "Find &previous\tShift+F3", Needs::kNothing, VK_F3, false, true},
     {FindSameSegment, "Next packet with the &same bytes here\tF4", Needs::kPackets, VK_F4},
+    {ToggleMark, "&Mark the packet\tCtrl+M", Needs::kProgram, 'M', true},
+    {ShowNextMark, "Next marked pac&ket\tF2", Needs::kPackets, VK_F2},
+    {ShowMarkBefore, "Marked packet before\tShift+F2", Needs::kPackets, VK_F2, false, true},
     {nullptr, nullptr},
     {CollapseAll, "C&ollapse all\tCtrl+1", Needs::kNothing, '1', true},
     {ExpandTo2, "Expand to the &2nd level\tCtrl+2", Needs::kNothing, '2', true},
@@ -319,9 +331,10 @@ constexpr Command kCommands[] = {
     {PostFilter, "&Post-filter on these addresses", Needs::kHost},
     {FilterCapture, "F&ilter on these addresses", Needs::kHost},
     {nullptr, nullptr},
-    {ToggleList, "Pac&ket list\tCtrl+L", Needs::kPackets, 'L', true},
+    {ToggleList, "Packet list\tCtrl+L", Needs::kPackets, 'L', true},
     {ToggleBytes, "B&ytes\tCtrl+B", Needs::kNothing, 'B', true},
     {SaveText, "Save as &text...\tCtrl+S", Needs::kProgram, 'S', true},
+    {AskPrint, "&Print...\tCtrl+P", Needs::kProgram, 'P', true},
     {ShowNext, nullptr, Needs::kPackets, VK_F8},
     {ShowPrevious, nullptr, Needs::kPackets, VK_F7},
     {NextPane, nullptr, Needs::kNothing, VK_F6},

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/win32/hex_pane.h"
+#include "platform/win32/preview_window.h"
 #include "platform/win32/view_commands.h"
 
 namespace qxview {
@@ -239,6 +240,7 @@ bool CloseViewWindow(Session* session) {
   // Refused while there are others; after the last one the library may be unloaded.
   UnregisterClassA(kWindowClass, OwnModule());
   UnregisterHexPanes(OwnModule());
+  UnregisterPreviewWindow(OwnModule());
   return closed;
 }
 

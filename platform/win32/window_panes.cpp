@@ -92,7 +92,8 @@ bool MakePanes(ViewWindow* window, HINSTANCE module) {
   window->bytes = CreateHexPane(window->handle, module);
   window->status = CreateWindowExA(0, STATUSCLASSNAMEA, "", WS_CHILD | CCS_NOPARENTALIGN | CCS_NORESIZE, 0, 0, 0, 0,
                                    window->handle, nullptr, module, nullptr);
-  if (window->packets && !window->list.Create(window->handle, module, window->packets, window->dotsPerInch)) return false;
+  PacketList& list = window->list;
+  if (window->packets && !list.Create(window->handle, module, window->packets, &window->marks, window->dotsPerInch)) return false;
   if (!window->bytes || !window->status) return false;
   window->listed = window->packets ? window->packets->Count() : 0;
   ScalePanes(window);

@@ -6,10 +6,12 @@
 // Behind a header of the library, which keeps it from naming macros min and max.
 #include <windows.h>
 
+#include "browse/places.h"
 #include "browse/search_text.h"
 #include "browse/tree_lines.h"
 #include "platform/view_window.h"
 #include "platform/win32/packet_list.h"
+#include "platform/win32/print_window.h"
 #include "platform/win32/tree_control.h"
 
 namespace qxview {
@@ -37,6 +39,8 @@ struct ViewWindow {
   std::string typed;                               // what was looked for last
   SearchText search;
   bool hasSearch = false;
+  Marks marks;
+  PrintSettings printing;
 
   TreeLines Lines() const { return {session->GetView(), &tree}; }
 };

@@ -3,6 +3,7 @@
 // Behind windows.h, whose types they use.
 #include <commctrl.h>
 #include <dlgs.h>
+#include <winspool.h>
 
 #include <cstdio>
 
@@ -72,7 +73,7 @@ class WhenShown {
   }
 
  private:
-  static constexpr int kMostTries = 500;   // every 20 ms
+  static constexpr int kMostTries = 1500;   // every 20 ms
   static DWORD WINAPI Enter(void* self) { return static_cast<WhenShown*>(self)->Run(), 0; }
   void Run() {
     for (int i = 0; i < kMostTries && !done_; ++i) {
@@ -314,6 +315,205 @@ TEST_F(PacketWindow, SavesThePacketAsText) {
   DeleteFileA(path.c_str());
   EXPECT_EQ(std::string(text, got).rfind("Packet 3:", 0), 0u) << text;
   EXPECT_NE(FIND(library_, QxView_FirstLine)(view_), 0u) << "the tree is shown as before";
+}
+
+// A printer of Wine's that writes PostScript into a file; there for as long as this is.
+class PostScriptPrinter {
+ public:
+  explicit PostScriptPrinter(const std::string& folder) : ppd_(folder + "qxview.ppd"), out_(folder + "qxview.ps") {
+    FILE* file = std::fopen(ppd_.c_str(), "wb");
+    std::fputs(kDescription, file);
+    std::fclose(file);
+    char name[] = "qxview test", driver[] = "wineps.drv", type[] = "RAW", processor[] = "winprint";
+    DRIVER_INFO_3A drives{};
+    drives.cVersion = 3;
+    drives.pName = name;
+    drives.pDriverPath = drives.pConfigFile = driver;
+    drives.pDataFile = ppd_.data();
+    drives.pDefaultDataType = type;
+    AddPrinterDriverExA(nullptr, 3, reinterpret_cast<BYTE*>(&drives), APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY);
+    PRINTER_INFO_2A printer{};
+    printer.pPrinterName = printer.pDriverName = name;
+    printer.pPortName = out_.data();
+    printer.pPrintProcessor = processor;
+    printer.pDatatype = type;
+    printer_ = AddPrinterA(nullptr, 2, reinterpret_cast<BYTE*>(&printer));
+    if (!printer_) {   // left by a run that broke off
+      PRINTER_DEFAULTSA all{nullptr, nullptr, PRINTER_ALL_ACCESS};
+      OpenPrinterA(name, &printer_, &all);
+      SetPrinterA(printer_, 2, reinterpret_cast<BYTE*>(&printer), 0);
+    }
+    SetDefaultPrinterA(name);
+  }
+  ~PostScriptPrinter() {
+    DeletePrinter(printer_);
+    ClosePrinter(printer_);
+    DeleteFileA(ppd_.c_str());
+    DeleteFileA(out_.c_str());
+  }
+  bool Good() const { return printer_ != nullptr; }
+  const std::string& File() const { return out_; }
+  // The texts of the pages that were printed, without what is no letter and no digit: they are shown glyph by glyph, by name.
+  std::vector<std::string> Pages() const {
+    constexpr const char* kDigits[] = {"zero", "one", "two", "three", "four", "five", "six", "seven", "eight", "nine"};
+    std::vector<std::string> pages;
+    FILE* file = std::fopen(out_.c_str(), "rb");
+    char line[400], glyph[100];
+    while (file && std::fgets(line, sizeof line, file)) {
+      if (std::strncmp(line, "%%Page:", 7) == 0) pages.emplace_back();
+      if (pages.empty() || std::sscanf(line, "/%99s glyphshow", glyph) != 1 || !std::strstr(line, " glyphshow")) continue;
+      if (!glyph[1]) pages.back() += glyph[0];
+      for (int i = 0; i < 10; ++i) {
+        if (std::strcmp(glyph, kDigits[i]) == 0) pages.back() += static_cast<char>('0' + i);
+      }
+    }
+    if (file) std::fclose(file);
+    return pages;
+  }
+
+ private:
+  static constexpr char kDescription[] =
+      "*PPD-Adobe: \"4.3\"\r\n*FormatVersion: \"4.3\"\r\n*LanguageEncoding: ISOLatin1\r\n*Product: \"(test)\"\r\n"
+      "*ModelName: \"qxview test\"\r\n*NickName: \"qxview test\"\r\n*LanguageLevel: \"3\"\r\n*TTRasterizer: Type42\r\n"
+      "*LandscapeOrientation: Plus90\r\n*DefaultResolution: 600dpi\r\n*OpenUI *PageSize/Media Size: PickOne\r\n"
+      "*OrderDependency: 10 AnySetup *PageSize\r\n*DefaultPageSize: A5\r\n*PageSize A5/A5: \"\"\r\n*CloseUI: *PageSize\r\n"
+      "*DefaultImageableArea: A5\r\n*ImageableArea A5/A5: \"18 36 402 577\"\r\n*DefaultPaperDimension: A5\r\n"
+      "*PaperDimension A5/A5: \"420 595\"\r\n";
+  std::string ppd_, out_;
+  HANDLE printer_ = nullptr;
+};
+
+bool IsWine() { return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr; }
+
+constexpr int kPrintTree = 201, kPrintList = 202, kPrintBytes = 203, kPrintMarked = 205, kPrintChosen = 207, kPrintChosenText = 208,
+              kPrintFont = 209, kPrintTwoUp = 210, kPrintPreview = 213;
+constexpr int kPreviewPrint = 401, kPreviewNext = 403, kPreviewLarger = 404, kPreviewClose = 408;
+
+// What the preview tells of its page, once all pages are made.
+std::string ToldBy(HWND preview) {
+  char text[200] = "";
+  for (int i = 0; i < 500 && (!text[0] || std::strstr(text, "...")); ++i) {
+    Sleep(20);
+    GetWindowTextA(FindWindowExA(preview, nullptr, "STATIC", nullptr), text, sizeof text);
+  }
+  return text;
+}
+std::vector<std::string> told;
+
+TEST_F(PacketWindow, PrintsWhatItsPreviewShows) {
+  if (!IsWine()) GTEST_SKIP() << "a printer of the user's is no place for this";
+  char folder[MAX_PATH];
+  GetTempPathA(sizeof folder, folder);
+  PostScriptPrinter printer(folder);
+  ASSERT_TRUE(printer.Good());
+  told.clear();
+  Choose(1);
+  WhenShown dialog("#32770", "Print Packets", "", [](HWND shown, const std::string&) {
+    CheckDlgButton(shown, kPrintList, BST_CHECKED);
+    CheckDlgButton(shown, kPrintBytes, BST_CHECKED);
+    CheckRadioButton(shown, 204, kPrintChosen, kPrintChosen);
+    SetDlgItemTextA(shown, kPrintChosenText, "2-");
+    PostMessageA(shown, WM_COMMAND, kPrintPreview, 0);
+  });
+  WhenShown preview("QxViewPreview", nullptr, "", [](HWND shown, const std::string&) {
+    told.push_back(ToldBy(shown));
+    Send(shown, WM_COMMAND, kPreviewNext, reinterpret_cast<LPARAM>(shown));
+    Send(shown, WM_COMMAND, kPreviewLarger, reinterpret_cast<LPARAM>(shown));
+    told.push_back(ToldBy(shown));
+    PostMessageA(shown, WM_COMMAND, kPreviewPrint, reinterpret_cast<LPARAM>(shown));
+  });
+  WhenShown ask("#32770", "Print", printer.File(), [](HWND shown, const std::string& printed) {
+    const HWND before = FindWindowA("QxViewPreview", nullptr);
+    PostMessageA(shown, WM_COMMAND, IDOK, 0);
+    for (int i = 0; i < 1500 && GetFileAttributesA(printed.c_str()) == INVALID_FILE_ATTRIBUTES; ++i) Sleep(20);
+    for (int i = 0; i < 500 && !IsWindowEnabled(before); ++i) Sleep(20);
+    PostMessageA(before, WM_COMMAND, kPreviewClose, reinterpret_cast<LPARAM>(before));
+  });
+  Press(tree_, 'P', true);
+  EXPECT_TRUE(dialog.Done() && preview.Done() && ask.Done());
+  const std::vector<std::string> pages = printer.Pages();
+  ASSERT_GT(pages.size(), 1u) << ::testing::PrintToString(told);
+  const std::string count = std::to_string(pages.size());
+  EXPECT_EQ(told, (std::vector<std::string>{"Page 1 of " + count, "Page 2 of " + count}));
+  std::string all;
+  for (size_t i = 0; i < pages.size(); ++i) {
+    // Its head, what the window calls itself, and its number.
+    EXPECT_EQ(pages[i].rfind("Packet", 0), 0u) << pages[i];
+    EXPECT_NE(pages[i].find("Packets" + std::to_string(i + 1)), std::string::npos) << pages[i];
+    all += pages[i];
+  }
+  EXPECT_NE(pages[0].find("Packet273bytescaptured"), std::string::npos) << pages[0];
+  EXPECT_LT(all.find("Packet273bytescaptured"), all.find("Packet387bytescaptured")) << all;
+  EXPECT_EQ(all.find("Packet160"), std::string::npos) << "nobody wanted the first one";
+  EXPECT_NE(all.find("Timetolive64"), std::string::npos);
+  EXPECT_NE(all.find("DomainName"), std::string::npos);
+  EXPECT_NE(all.find("Bytes0000020000000001020000000002"), std::string::npos) << all;
+  EXPECT_EQ(FIND(library_, GetCurrentPacketNumber)(view_), 1) << "what is shown stays";
+}
+
+TEST_F(PacketWindow, PrintsMarkedPacketsTwoPagesOnASheet) {
+  told.clear();
+  for (const uint64_t number : {1u, 3u}) {
+    Choose(number);
+    Press(tree_, 'M', true);
+  }
+  EXPECT_EQ(Cell(0, 0) + Cell(1, 0) + Cell(2, 0), "* 12* 3");
+  EXPECT_EQ(Status(), "2 packets are marked");
+  Press(tree_, VK_F2);
+  EXPECT_EQ(FIND(library_, GetCurrentPacketNumber)(view_), 1) << "around to the first one that is marked";
+  WhenShown dialog("#32770", "Print Packets", "", [](HWND shown, const std::string&) {
+    CheckRadioButton(shown, 204, kPrintChosen, kPrintMarked);
+    CheckDlgButton(shown, kPrintTwoUp, BST_CHECKED);
+    SetDlgItemTextA(shown, kPrintFont, "15");
+    PostMessageA(shown, WM_COMMAND, kPrintPreview, 0);
+  });
+  WhenShown preview("QxViewPreview", nullptr, "", [](HWND shown, const std::string&) {
+    told.push_back(ToldBy(shown));
+    PostMessageA(shown, WM_KEYDOWN, VK_END, 0);
+    PostMessageA(shown, WM_KEYDOWN, VK_PRIOR, 0);
+    PostMessageA(shown, WM_KEYDOWN, VK_NEXT, 0);
+    Sleep(500);
+    told.push_back(ToldBy(shown));
+    PostMessageA(shown, WM_KEYDOWN, VK_ESCAPE, 0);
+  });
+  Press(tree_, 'P', true);
+  EXPECT_TRUE(dialog.Done() && preview.Done());
+  ASSERT_EQ(told.size(), 2u);
+  EXPECT_EQ(told[0].rfind("Pages 1 and 2 of ", 0), 0u) << ::testing::PrintToString(told);
+  EXPECT_EQ(told[1].rfind("Page", 0), 0u) << told[1];
+  EXPECT_NE(told[0], told[1]);
+}
+
+TEST_F(PacketWindow, TellsWhatCannotBePrinted) {
+  told.clear();
+  Choose(1);
+  WhenShown dialog("#32770", "Print Packets", "", [](HWND shown, const std::string&) {
+    const auto refused = [shown] {
+      PostMessageA(shown, WM_COMMAND, kPrintPreview, 0);
+      HWND box = nullptr;
+      for (int i = 0; i < 500 && !(box = FindWindowA("#32770", "Print")); ++i) Sleep(20);
+      char text[300] = "";
+      GetDlgItemTextA(box, 0xFFFF, text, sizeof text);
+      told.push_back(text);
+      SendMessageA(box, WM_CLOSE, 0, 0);
+      for (int i = 0; i < 500 && IsWindow(box); ++i) Sleep(20);
+    };
+    CheckRadioButton(shown, 204, kPrintChosen, kPrintChosen);
+    SetDlgItemTextA(shown, kPrintChosenText, "3-x");
+    refused();
+    CheckRadioButton(shown, 204, kPrintChosen, 204);
+    SetDlgItemTextA(shown, kPrintFont, "99");
+    refused();
+    CheckDlgButton(shown, kPrintTree, BST_UNCHECKED);
+    refused();
+    PostMessageA(shown, WM_COMMAND, IDCANCEL, 0);
+  });
+  Press(tree_, 'P', true);
+  EXPECT_TRUE(dialog.Done());
+  ASSERT_EQ(told.size(), 3u);
+  EXPECT_NE(told[0].find("\"3-x\" is no packet number"), std::string::npos) << told[0];
+  EXPECT_NE(told[1].find("from 3 to 36"), std::string::npos) << told[1];
+  EXPECT_NE(told[2].find("at least one"), std::string::npos) << told[2];
 }
 
 }  // namespace
