@@ -3,7 +3,8 @@
 
   scripts/run_tests.py [--list] [STEP...]
 
-Every step runs even when one before it failed. A step that cannot be built, crashes, hangs or runs no test at all counts
+Every step runs even when one before it failed; those behind `native` run two at a time, for one of them mostly builds on both
+processors while the other tests on one. A step that cannot be built, crashes, hangs or runs no test at all counts
 as one failure on top of the cases that failed in it. The output of a step stands in build/test-logs/STEP.log, and its end
 is shown when the step failed.
 """
@@ -14,13 +15,14 @@ import re
 import signal
 import subprocess
 import sys
+import threading
 import time
 
 import wine
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 LOGS = os.path.join(ROOT, "build", "test-logs")
-STEP_SECONDS = 1500     # a command that takes longer hangs
+STEP_SECONDS = 2400     # a command that takes longer hangs
 WINE_SECONDS = 600      # the same for one under Wine
 WINDOWS_SCRIPTS = ["golden", "command_line", "list", "schema", "capture_files"]   # what drives the program alone
 SHOWN_LINES = 60        # of the log of a step that failed
@@ -200,6 +202,9 @@ def step_win32(log, log_name):
 
 
 STEPS = {"layers": step_layers, "native": step_native, "scripts": step_scripts, "win32": step_win32, "asan": step_asan}
+ALONE = ["layers", "native"]            # what the other steps need
+LANES = [["scripts", "win32"], ["asan"]]    # each one after the other, beside the other lane
+speaking = threading.Lock()
 
 
 def perform(name):
@@ -213,14 +218,27 @@ def perform(name):
             result = Result(0, 1, f"{type(error).__name__}: {error}")
     if result.passed + result.failed == 0:
         result = Result(0, 1, "no check was made")
-    if result.failed:
-        with open(log_name, encoding="utf-8", errors="replace") as log:
-            for line in log.read().splitlines()[-SHOWN_LINES:]:
-                print("    " + line)
-    note = f" ({result.note.strip()})" if result.note else ""
-    print(f"{'FAIL' if result.failed else 'ok  '} {name}: {result.passed} of {result.passed + result.failed}{note}, "
-          f"{time.monotonic() - started:.0f} s", flush=True)
+    with speaking:
+        if result.failed:
+            with open(log_name, encoding="utf-8", errors="replace") as log:
+                for line in log.read().splitlines()[-SHOWN_LINES:]:
+                    print("    " + line)
+        note = f" ({result.note.strip()})" if result.note else ""
+        print(f"{'FAIL' if result.failed else 'ok  '} {name}: {result.passed} of {result.passed + result.failed}{note}, "
+              f"{time.monotonic() - started:.0f} s", flush=True)
     return result
+
+
+def perform_all(names):
+    """The steps that are asked for; what they found."""
+    results = [perform(name) for name in ALONE if name in names]
+    lanes = [threading.Thread(target=lambda lane=lane: results.extend(perform(name) for name in lane if name in names))
+             for lane in LANES]
+    for lane in lanes:
+        lane.start()
+    for lane in lanes:
+        lane.join()
+    return results
 
 
 def main(arguments):
@@ -233,7 +251,7 @@ def main(arguments):
         print(f"no such step: {' '.join(unknown)} (--list names them)", file=sys.stderr)
         return 2
     os.makedirs(LOGS, exist_ok=True)
-    results = [perform(name) for name in arguments or STEPS]
+    results = perform_all(arguments or STEPS)
     passed, failed = sum(r.passed for r in results), sum(r.failed for r in results)
     print(f"{passed} passed, {failed} failed")
     return 1 if failed else 0
