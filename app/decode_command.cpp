@@ -33,31 +33,34 @@ int Decode(const DecodeOptions& options) {
   style.shape = options.shape;
   style.cells = IsTerminal(StandardOutputFile());
   bool first = true, hasMemory = true;
-  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
-    Session& session = run.GetSession();
-    hasMemory = (!options.keys && options.shape.only.empty()) || KeepFacts(&session.Context(), true);
-    if (!hasMemory) return Tell("no memory for keys"), false;
-    run.ShowNotes(options.time);
-    if (options.format == Format::kText) session.SetOutput(kSaveMode, out->File());
-    if (options.reading.prefixFile && options.format != Format::kJson) run.PrefixLines(out.get());
-    run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
-      if (options.format == Format::kJson) {
-        const char* const file = options.reading.prefixFile ? frame.file : nullptr;
-        const QxHost* const host = options.keys ? run.Host().Record() : nullptr;
-        WriteJson(*out, session, {record, frame.number, handled, options.bytes, options.keys, file, &options.shape, host});
-      } else if (options.format == Format::kTree) {
-        if (!first) out->Put('\n');
-        first = false;
-        WriteTree(*out, session, style);
-        if (options.bytes) WriteFrameBytes(*out, record);
-      }
-      if (options.reading.flushEachPacket) out->Flush();
-      return !out->Failed();
+  const bool asText = options.format == Format::kText, asJson = options.format == Format::kJson;
+  const int status = ForEachRun(options.reading, [&](PacketRun& captured) {
+    captured.ShowNotes(options.time);
+    if (asJson && options.keys) captured.ListPackets();
+    captured.ForEachWritten(*out, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
+      Session& session = run.GetSession();
+      if ((options.keys || !options.shape.only.empty()) && !KeepFacts(&session.Context(), true)) hasMemory = false;
+      if (asText) session.SetOutput(kSaveMode, to.File());
+      if (options.reading.prefixFile && !asJson) run.PrefixLines(&to);
+      return [&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
+        if (!hasMemory) return false;
+        if (asJson) {
+          const char* const file = options.reading.prefixFile ? frame.file : nullptr;
+          WriteJson(to, session, {record, frame.number, handled, options.bytes, options.keys, file, &options.shape, run.Listing()});
+        } else if (!asText) {
+          // Of several threads only the first packet's knows that nothing stands in front.
+          if (first) first = false; else to.Put('\n');
+          WriteTree(to, session, style);
+          if (options.bytes) WriteFrameBytes(to, record);
+        }
+        if (options.reading.flushEachPacket) to.Flush();
+        return !to.Failed();
+      };
     });
-    return !out->Failed();
+    return hasMemory && !out->Failed();
   });
   out->Flush();
-  if (!hasMemory) return kFileFault;
+  if (!hasMemory) return Tell("no memory for keys"), kFileFault;
   return out->Failed() ? OutputFault() : status;
 }
 

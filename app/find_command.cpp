@@ -98,16 +98,16 @@ class TreeSearch {
   bool SearchRun(PacketRun& run) {
     Session& session = run.GetSession();
     run.ShowNotes(TimeForm::kUtc);
+    if (options_.all || options_.count) return CollectHits(run), true;
     TreeStyle style;
     style.colors = UsesColor(options_.reading.color);
     style.cells = IsTerminal(StandardOutputFile());
     style.markColumn = true;
     style.shape = shape_;
     std::string last;   // with --backward: the tree of the last packet that has the text, until the end
-    if (options_.asJson || options_.all) KeepFacts(&session.Context(), true);
     run.ForEach([&](const FrameRecord*, const CaptureFrame& frame, int32_t) {
       const LineHandle line = SearchTree(session, frame);
-      if (!line || options_.all || options_.count) return !out_.Failed();
+      if (!line) return !out_.Failed();
       style.marked = line;
       if (!options_.backward) {
         if (options_.reading.prefixFile) out_.SetLinePrefix(frame.file);
@@ -121,7 +121,7 @@ class TreeSearch {
       return true;
     });
     out_.Put(last);
-    return options_.all || options_.count || hits_ == 0;
+    return hits_ == 0;
   }
 
  private:
@@ -136,6 +136,22 @@ class TreeSearch {
       escaped += c;
     }
     return escaped;
+  }
+
+  // All hits of a capture.
+  void CollectHits(PacketRun& captured) {
+    std::vector<std::unique_ptr<TreeSearch>> searches;   // one a thread
+    captured.ForEachWritten(out_, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
+      searches.push_back(std::make_unique<TreeSearch>(options_, to));
+      TreeSearch& search = *searches.back();
+      search.literal_ = literal_;
+      if (options_.all) KeepFacts(&run.GetSession().Context(), true);
+      return [&](const FrameRecord*, const CaptureFrame& frame, int32_t) {
+        search.SearchTree(run.GetSession(), frame);
+        return !to.Failed();
+      };
+    });
+    for (const auto& search : searches) hits_ += search->hits_;
   }
 
   // The packet's first line that holds the text, with --backward its last one; each of them is written with --all.

@@ -1,10 +1,8 @@
 #include "app/json_writer.h"
 
-#include "app/packet_protocol.h"
+#include "app/packet_run.h"
 #include "core/digits.h"
 #include "core/line_facts.h"
-#include "decoders/app/packet_summaries.h"
-#include "host/packet_addresses.h"
 #include "host/time_text.h"
 
 namespace qxview {
@@ -128,23 +126,17 @@ void PutLines(Output& out, Session& session, const JsonPacket& packet) {
   }
 }
 
-// What the packet list says of the frame. Its headers are read once more: the lines stay.
-void PutListing(Output& out, Session& session, const JsonPacket& packet) {
+void PutListing(Output& out, const PacketListing& listing) {
   const auto put = [&](const char* member, std::string_view text) {
     out.Put(",\"");
     out.Put(member);
     out.Put("\":");
     PutJsonText(out, text);
   };
-  PacketAddresses addresses;
-  char summary[kSummarySize], scratch[kMediumNameScratch];
-  session.ReadHeaders(packet.record);
-  FormatPacketAddresses(session.Context().packet, packet.host, &addresses);
-  SummarizePacket(session.GetView(), summary, sizeof summary);
-  put("source", addresses.source);
-  put("destination", addresses.destination);
-  put("protocol", ProtocolNameOf(session.Context().packet, scratch));
-  put("summary", summary);
+  put("source", listing.source);
+  put("destination", listing.destination);
+  put("protocol", listing.protocol);
+  put("summary", listing.summary);
 }
 
 void PutBytes(Output& out, const FrameRecord* record) {
@@ -199,7 +191,7 @@ void WriteJson(Output& out, Session& session, const JsonPacket& packet) {
   out.Put(MediumName(record, scratch));
   out.Put("\",\"handled\":");
   PutNumber(out, packet.handled);
-  if (packet.host) PutListing(out, session, packet);
+  if (packet.listing) PutListing(out, *packet.listing);
   if (packet.withBytes) PutBytes(out, record);
   if (session.Tree().FirstChild(0)) {
     out.Put(",\"lines\":[");

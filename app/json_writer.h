@@ -6,6 +6,8 @@
 
 namespace qxview {
 
+struct PacketListing;
+
 struct JsonPacket {
   const FrameRecord* record;
   uint64_t number;
@@ -14,7 +16,7 @@ struct JsonPacket {
   bool withKeys;    // of the lines
   const char* file;   // its capture's name; null: not said
   const TreeShape* shape;   // of the lines
-  const QxHost* host;   // with the line of the packet list, which it names addresses for; null: without
+  const PacketListing* listing;   // null: without
 };
 
 void WriteJson(Output& out, Session& session, const JsonPacket& packet);

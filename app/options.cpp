@@ -72,6 +72,8 @@ void AddReadingOptions(Command* command, ReadingOptions* options) {
   command->AddText("-f,--filter", "EXPR", "only packets that match a BPF expression", &options->filter);
   AddWhereOption(command, options);
   AddDecodingOptions(command, options);
+  command->AddNumber("--jobs", "N", "threads that decode, the output is the same: 1 to 64; else one a processor, where that pays", 1, 64,
+                     &options->jobs);
   command->AddFlag("-l", "flush the output after every packet", &options->flushEachPacket);
   command->AddChoice<ColorChoice>(
       "--color", "WHEN", "colours: auto, always or never",

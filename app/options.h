@@ -28,6 +28,7 @@ struct ReadingOptions {
   std::string where;                // a display filter that was found right
   HostOptions host;
   bool flushEachPacket = false;
+  int32_t jobs = 0;                 // threads that decode; 0: as many as there are processors, where that pays
   ColorChoice color = ColorChoice::kAuto;
 };
 

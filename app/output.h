@@ -24,6 +24,9 @@ class Output {
   bool Failed() const { return file_.failed; }
   OutputFile* File() { return &file_; }
 
+  // Where what is put goes in the end, without prefixes.
+  const OutputSink& Target() const { return target_.write ? target_ : file_.sink; }
+
   // From now on every line but empty ones begins with this file's name and two blanks.
   void SetLinePrefix(std::string_view file);
 

@@ -1,14 +1,20 @@
 #include "app/packet_run.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 
+#include "app/packet_protocol.h"
+#include "app/packet_workers.h"
 #include "core/frame_entry.h"
+#include "decoders/app/packet_summaries.h"
+#include "host/packet_addresses.h"
 #include "host/text.h"
 #include "platform/bpf_filter.h"
 #include "platform/interruption.h"
 #include "platform/platform.h"
+#include "platform/threads.h"
 
 namespace qxview {
 
@@ -44,7 +50,8 @@ LibraryLoader TellingLibraryLoader() {
   };
   loader.loadCrypto = [] {
     void* library = PlatformLibraryLoader().loadCrypto();
-    if (!library) Tell("what is encrypted stays closed: OpenSSL 3's libcrypto cannot be loaded: " + LibraryFailure());
+    static std::atomic<bool> isTold{false};   // each thread asks
+    if (!library && !isTold.exchange(true)) Tell("what is encrypted stays closed: OpenSSL 3's libcrypto cannot be loaded: " + LibraryFailure());
     return library;
   };
   return loader;
@@ -221,6 +228,85 @@ int PacketRun::ForEach(const Handler& handle) {
     host_->FinishPacket();
     return goOn;
   });
+}
+
+// What is handed on to other threads costs its pass on this one first; the first packets of a capture are not worth that, and
+// user libraries may be made for one thread.
+int32_t PacketRun::JobsThatPay() const {
+  const bool hasLibraries = session_->GetEngine()->libraries.handles[0] != nullptr;
+  if (options_->flushEachPacket || options_->live || hasLibraries) return 1;
+  constexpr int32_t kMostUnasked = 8;
+  return options_->jobs > 0 ? options_->jobs : std::min(CountProcessors(), kMostUnasked);
+}
+
+void PacketRun::ReadListing(const FrameRecord* record) {
+  PacketAddresses addresses;
+  char summary[kSummarySize], scratch[kMediumNameScratch];
+  session_->ReadHeaders(record);
+  FormatPacketAddresses(session_->Context().packet, host_->Record(), &addresses);
+  SummarizePacket(session_->GetView(), summary, sizeof summary);
+  ownListing_ = {addresses.source, addresses.destination, ProtocolNameOf(session_->Context().packet, scratch), summary};
+  listing_ = &ownListing_;
+}
+
+int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
+  const Handler own = prepare(*this, out);
+  const int32_t jobs = JobsThatPay();
+  // Bytes of packets before others are started; the first packet is this thread's in any case.
+  const size_t alone = options_->jobs > 0 ? 0 : 64u << 10;
+  size_t shown = 0;
+  std::unique_ptr<PacketWorkers> workers;
+  bool tries = jobs > 1;
+  const int status = Pass([&](const CaptureFrame& frame, bool selected) {
+    bool goOn = true;
+    const FrameRecord* record = RecordOf(frame);
+    if (!selected) {
+      PassBy(frame);
+      return host_->FinishPacket(), true;
+    }
+    if (!FindFrameDecoder(record)) TellLinkType(frame);
+    const FrameRecord* const noted = notes_ ? notes_->Add(record, frame, times_) : record;
+    if (tries && shown > alone) {
+      tries = false;
+      workers = std::make_unique<PacketWorkers>(*this, out);
+      if (!workers->Start(jobs, prepare)) workers.reset();
+      // Input that is waited for may be long in coming.
+      if (workers) SetIdleAction([](void* with) { static_cast<PacketWorkers*>(with)->Drain(); }, workers.get());
+    }
+    if (workers) {
+      if (!workers->BeginPacket()) return false;
+      session_->Pass(noted);
+      if (lists_) ReadListing(noted);
+      goOn = workers->EndPacket(noted, frame, lists_ ? listing_ : nullptr);
+    } else {
+      shown += noted->recordLength;
+      const int32_t handled = session_->Decode(noted);
+      if (lists_) ReadListing(noted);
+      goOn = own(noted, frame, handled);
+    }
+    host_->FinishPacket();
+    return goOn;
+  });
+  if (workers) {
+    workers->Finish();
+    SetIdleAction([](void* output) { static_cast<Output*>(output)->Flush(); }, &out);
+  }
+  return status;
+}
+
+std::unique_ptr<PacketRun> PacketRun::MakeWorker() {
+  auto worker = std::make_unique<PacketRun>();
+  worker->options_ = options_;
+  worker->host_ = host_;
+  worker->session_ = Session::Create(host_->Record(), TellingLibraryLoader());
+  if (!worker->session_) worker.reset();
+  return worker;
+}
+
+void PacketRun::TakePacket(const CaptureFrame& frame, const PacketTimes& times, const PacketListing* listing) {
+  times_ = times;
+  listing_ = listing;
+  if (prefixed_) prefixed_->SetLinePrefix(frame.file);
 }
 
 int PacketRun::ForEachAsked(KeyQuery& query, const RecordHandler& handle) {

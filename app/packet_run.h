@@ -20,6 +20,11 @@ namespace qxview {
 
 class BpfFilter;
 
+// What the packet list says of a packet.
+struct PacketListing {
+  std::string source, destination, protocol, summary;
+};
+
 class PacketRun {
  public:
   // Opens the host and the capture, several ones as one run by time; false when that failed (the message is on standard
@@ -37,6 +42,18 @@ class PacketRun {
   int ForEach(const Handler& handle);
 
   using RecordHandler = std::function<bool(const FrameRecord* record, const CaptureFrame& frame)>;
+
+  // The same for what writes to an Output, on several threads where that pays: the handler of a run is made for each of them, with
+  // a run and an Output of its own, all of them by this thread. A handler does not end the pass but by an Output that failed.
+  using Prepare = std::function<Handler(PacketRun& run, Output& out)>;
+  int ForEachWritten(Output& out, const Prepare& prepare);
+  // From now on the handlers get what the packet list says.
+  void ListPackets() { lists_ = true; }
+  const PacketListing* Listing() const { return listing_; }   // of the current packet, on its handler's run
+
+  // For ForEachWritten: a run for a further thread, which is handed its packets; null when there is no memory.
+  std::unique_ptr<PacketRun> MakeWorker();
+  void TakePacket(const CaptureFrame& frame, const PacketTimes& times, const PacketListing* listing);
 
   // The same, for a query's values: its lines alone are made. `query` holds those of the packet when the handler is called.
   int ForEachAsked(KeyQuery& query, const RecordHandler& handle);
@@ -80,6 +97,8 @@ class PacketRun {
   bool Answers(const CaptureFrame& frame);
   bool Ask(KeyQuery& query, const CaptureFrame& frame);
   void PassBy(const CaptureFrame& frame);
+  int32_t JobsThatPay() const;
+  void ReadListing(const FrameRecord* record);
   void TellLinkType(const CaptureFrame& frame);
   void NoteTime(int64_t nanoseconds, bool isFirst, bool selected);
   void TellEnd(ReadResult result);
@@ -104,6 +123,9 @@ class PacketRun {
   int64_t lastShown_ = 0;
   bool hasShown_ = false;
   std::unique_ptr<PacketNotes> notes_;
+  bool lists_ = false;
+  PacketListing ownListing_;
+  const PacketListing* listing_ = nullptr;
   Progress progress_;
 };
 

@@ -110,7 +110,7 @@ _qxview() {
     [[ $cur == - ]] || return
   fi
   options="--help --decode-as --settings"
-  [[ $command == protocols ]] || options+=" --set --packets --count --filter --where -l --color --files-from --merge --keep-going --modern --reassemble"
+  [[ $command == protocols ]] || options+=" --set --packets --count --filter --where -l --color --files-from --jobs --merge --keep-going --modern --reassemble"
   case $command in decode | fields | find | list | print) options+=" --prefix-file" ;; esac
   case $command in
     decode) options+=" -t --format --ranges --keys -x --only --depth --no-dumps" ;;

@@ -54,6 +54,7 @@ complete -c qxview -n "__fish_seen_subcommand_from $reading" -s f -l filter -x -
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -s Y -l where -x -d 'only packets whose fields it is true of'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -s l -d 'flush after every packet'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l color -x -a 'auto always never' -d 'colours'
+complete -c qxview -n "__fish_seen_subcommand_from $reading" -l jobs -x -d 'threads that decode'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l files-from -r -d 'further captures, a line each'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l merge -d 'several captures as one, by time'
 complete -c qxview -n "__fish_seen_subcommand_from $reading" -l modern -d 'all records of DNS, and bad checksums end nothing'

@@ -11,6 +11,7 @@ LineHandle TopLineTree::Append(const NewLine& line) {
   context_->silent = true;
   if (taken_) return 0;
   taken_ = true;
+  range_ = line.rangeIndex;
   if (RangeKind(context_->rangeTable[line.rangeIndex]) == kFieldKind) SetText(kTop, line.text, line.length);
   return kTop;
 }

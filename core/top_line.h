@@ -17,7 +17,7 @@ class TopLineTree : public DecodeTree {
   LineHandle Append(const NewLine& line) override;
   int32_t GetText(LineHandle line, char* out, int32_t outSize) const override;
   void SetText(LineHandle line, const char* text, int32_t length) override;
-  uint32_t RangeIndex(LineHandle line) const override { return line == kTop ? 0 : UINT32_MAX; }
+  uint32_t RangeIndex(LineHandle line) const override { return line == kTop ? range_ : UINT32_MAX; }
   void SetRangeIndex(LineHandle, uint32_t) override {}
   int32_t Image(LineHandle) const override { return 0; }
   LineHandle FirstChild(LineHandle line) const override { return line == 0 && taken_ ? kTop : 0; }
@@ -39,6 +39,7 @@ class TopLineTree : public DecodeTree {
   DecodeContext* context_;
   char text_[kTextSize] = "";
   bool taken_ = false;
+  uint32_t range_ = 0;
 };
 
 }  // namespace qxview

@@ -1,0 +1,80 @@
+#include "app/ordered_writer.h"
+
+#include <new>
+
+namespace qxview {
+
+OutputSink OrderedWriter::SinkOf(Lane* lane) {
+  return {lane,
+          [](void* handle, const char* bytes, int32_t length) {
+            Lane& lane = *static_cast<Lane*>(handle);
+            return lane.writer.Write(lane, {bytes, static_cast<size_t>(length)});
+          },
+          // Only user decoder libraries take back what was written, and with them there is one thread.
+          [](void*, int64_t) { return int32_t{0}; }, -1};
+}
+
+bool OrderedWriter::WriteThrough(std::string_view bytes) {
+  if (bytes.empty()) return !failed_;
+  const OutputSink& sink = out_.Target();   // prefixes are the lanes' own
+  if (!failed_ && sink.write(sink.handle, bytes.data(), static_cast<int32_t>(bytes.size())) != 1) Fail();
+  return !failed_;
+}
+
+void OrderedWriter::Fail() {
+  InMonitor inside(monitor_);
+  failed_ = true;
+  monitor_.Changed();
+}
+
+// Inside the monitor. False when the lane has to wait for its turn.
+bool OrderedWriter::Hold(Lane& lane, std::string_view bytes) {
+  if (lane.held.size() + bytes.size() > kMostHeld) return false;
+  if (lane.held.empty() && !spare_.empty()) {
+    lane.held.swap(spare_.back());
+    spare_.pop_back();
+  }
+  try {
+    lane.held.append(bytes);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
+}
+
+int32_t OrderedWriter::Write(Lane& lane, std::string_view bytes) {
+  {
+    InMonitor inside(monitor_);
+    if (turn_ != lane.place && Hold(lane, bytes)) return failed_ ? 0 : 1;
+    while (turn_ != lane.place && !failed_) monitor_.Wait();
+  }
+  const bool written = WriteThrough(lane.held) && WriteThrough(bytes);
+  lane.held.clear();
+  return written ? 1 : 0;
+}
+
+void OrderedWriter::End(Lane& lane) {
+  monitor_.Enter();
+  if (turn_ != lane.place) {
+    ended_.emplace(lane.place, std::move(lane.held));
+    lane.held.clear();
+    return monitor_.Leave();
+  }
+  std::string text = std::move(lane.held);
+  lane.held.clear();
+  for (;;) {
+    monitor_.Leave();
+    WriteThrough(text);
+    monitor_.Enter();
+    text.clear();
+    if (text.capacity() > 0 && spare_.size() < 16) spare_.push_back(std::move(text));
+    const auto next = ended_.find(++turn_);
+    if (next == ended_.end()) break;
+    text = std::move(next->second);
+    ended_.erase(next);
+  }
+  monitor_.Changed();
+  monitor_.Leave();
+}
+
+}  // namespace qxview

@@ -1,0 +1,52 @@
+// What several threads write, in the order of their work's places: whose turn it is writes through, what others write is held
+// until theirs comes.
+#pragma once
+#include <atomic>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/output.h"
+#include "platform/threads.h"
+
+namespace qxview {
+
+class OrderedWriter {
+ public:
+  // What `out` holds is written in front of it all. The monitor is told when a turn ends.
+  OrderedWriter(Output& out, Monitor& monitor) : out_(out), monitor_(monitor) { out_.Flush(); }
+
+  // Of one thread: the place of its present work, from 0 without gaps over all of them.
+  struct Lane {
+    explicit Lane(OrderedWriter& all) : writer(all) {}
+    OrderedWriter& writer;
+    uint64_t place = 0;
+    std::string held;
+  };
+  static OutputSink SinkOf(Lane* lane);
+
+  // The lane's work is written as far as its Output is flushed.
+  void End(Lane& lane);
+
+  // Inside the monitor: whose turn it is.
+  uint64_t Turn() const { return turn_; }
+
+  // Nothing more is written: a write failed, or somebody gave up.
+  bool Failed() const { return failed_; }
+  void Fail();
+
+ private:
+  static constexpr size_t kMostHeld = 1u << 20;   // then a lane waits for its turn
+  int32_t Write(Lane& lane, std::string_view bytes);
+  bool Hold(Lane& lane, std::string_view bytes);
+  bool WriteThrough(std::string_view bytes);
+
+  Output& out_;
+  Monitor& monitor_;
+  uint64_t turn_ = 0;
+  std::map<uint64_t, std::string> ended_;   // what was held of work whose turn has not come
+  std::vector<std::string> spare_;          // their memory, when they are written
+  std::atomic<bool> failed_{false};
+};
+
+}  // namespace qxview

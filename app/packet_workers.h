@@ -1,0 +1,79 @@
+// Packets decoded on several threads, and what a command writes of them in the packets' order.
+//
+// The thread that reads passes every packet through in order, without lines, for what later ones need of it; what that packet's
+// look-ups of state gave goes with the packet to whoever decodes it (host/state_log.h). So the workers' lines are those that one
+// thread would have made. Packets travel in batches; there are so many of these, and what is written ahead of its turn is held to a
+// bound, so memory does not grow with the capture.
+#pragma once
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "app/ordered_writer.h"
+#include "app/packet_run.h"
+#include "host/state_log.h"
+
+namespace qxview {
+
+class PacketWorkers {
+ public:
+  // The run whose packets they are; what `prepare` makes writes to `out`.
+  PacketWorkers(PacketRun& run, Output& out) : run_(run), out_(out), writer_(out, monitor_) {}
+  ~PacketWorkers() { Finish(); }
+
+  // False when there is no memory, or no thread: then nothing was started.
+  bool Start(int32_t count, const PacketRun::Prepare& prepare);
+
+  // Around the pass of a packet: its look-ups are noted, and it is handed on with its listing, where it has one. False when
+  // nothing more can be written.
+  bool BeginPacket();
+  bool EndPacket(const FrameRecord* record, const CaptureFrame& frame, const PacketListing* listing);
+
+  // Decodes and writes what was handed on; false when it could not be written.
+  bool Drain();
+  bool Finish();
+
+ private:
+  struct Packet {
+    CaptureFrame frame;
+    PacketTimes times;
+    size_t record, answers;   // where they begin in the batch
+    std::unique_ptr<PacketListing> listing;
+  };
+  struct Batch {
+    uint64_t place = 0;
+    std::vector<uint8_t> records;
+    std::vector<Packet> packets;
+    StateLog log;
+  };
+  struct Worker {
+    Worker(PacketWorkers& all, OrderedWriter& writer) : workers(all), lane(writer), out(OrderedWriter::SinkOf(&lane)) {}
+    PacketWorkers& workers;
+    OrderedWriter::Lane lane;
+    Output out;
+    std::unique_ptr<PacketRun> run;
+    PacketRun::Handler handle;
+    Thread thread;
+  };
+
+  static constexpr size_t kBatchPackets = 128, kBatchBytes = 32u << 10;
+  static constexpr size_t kBatchesEach = 3, kAheadEach = 6;   // of a worker: batches, and those written ahead of their turn
+
+  void Work(Worker& worker);
+  bool DecodeBatch(Worker& worker, Batch& batch);
+  void Ship();
+
+  PacketRun& run_;
+  Output& out_;
+  Monitor monitor_;
+  OrderedWriter writer_;
+  std::vector<std::unique_ptr<Batch>> batches_;   // all there are
+  std::vector<Batch*> free_;
+  std::deque<Batch*> ready_;
+  bool closing_ = false;
+  Batch* current_ = nullptr;   // being filled
+  uint64_t places_ = 0;        // given out
+  std::vector<std::unique_ptr<Worker>> workers_;
+};
+
+}  // namespace qxview
