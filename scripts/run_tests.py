@@ -3,8 +3,8 @@
 
   scripts/run_tests.py [--list] [STEP...]
 
-Every step runs even when one before it failed; those behind `native` run two at a time, for one of them mostly builds on both
-processors while the other tests on one. A step that cannot be built, crashes, hangs or runs no test at all counts
+Every step runs even when one before it failed. Those behind `native` are built one after the other and then run in two lanes,
+for tests keep one processor busy and builds all of them. A step that cannot be built, crashes, hangs or runs no test at all counts
 as one failure on top of the cases that failed in it. The output of a step stands in build/test-logs/STEP.log, and its end
 is shown when the step failed.
 """
@@ -202,7 +202,8 @@ def step_win32(log, log_name):
 
 
 STEPS = {"layers": step_layers, "native": step_native, "scripts": step_scripts, "win32": step_win32, "asan": step_asan}
-ALONE = ["layers", "native"]            # what the other steps need
+ALONE = ["layers", "native"]                # what the other steps need
+BUILT = ["win32", "asan"]                   # have a build of their own, of that name
 LANES = [["scripts", "win32"], ["asan"]]    # each one after the other, beside the other lane
 speaking = threading.Lock()
 
@@ -232,6 +233,10 @@ def perform(name):
 def perform_all(names):
     """The steps that are asked for; what they found."""
     results = [perform(name) for name in ALONE if name in names]
+    for name in BUILT:
+        if name in names:
+            with open(os.path.join(LOGS, name + "-build.log"), "w", encoding="utf-8") as log:
+                build(name, log)    # what failed the step itself finds again, and tells
     lanes = [threading.Thread(target=lambda lane=lane: results.extend(perform(name) for name in lane if name in names))
              for lane in LANES]
     for lane in lanes:

@@ -233,7 +233,7 @@ class Browser(unittest.TestCase):
             self.assertFalse(driver.run("return 'hit' in window || document.querySelector('img') !== null"))
             driver.run("document.querySelectorAll('[data-n]').forEach(e=>e.dispatchEvent(new MouseEvent('click',{bubbles:true})))")
             self.assertFalse(driver.run("return 'hit' in window"))
-            self.assertEqual([url for url in driver.requested() if not url.startswith(("file:", "data:", "chrome:"))], [])
+            self.assertEqual([url for url in driver.requested() if not url.startswith(("file:", "data:", "chrome"))], [])
             self.assertEqual([entry for entry in driver.log("browser") if entry["level"] in ("SEVERE", "WARNING")], [])
 
 
