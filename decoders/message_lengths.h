@@ -35,6 +35,8 @@ int32_t LengthOfSmpp(const Cursor& c);
 int32_t LengthOfAjp(const Cursor& c);
 int32_t LengthOfHttp(const Cursor& c);
 int32_t LengthOfHttp2(const Cursor& c);
+int32_t LengthOfHttpChunks(Cursor c, int64_t before);   // with their trailer, which are `before` bytes into the message
+int32_t LengthOfIcap(const Cursor& c);
 int32_t LengthOfWebSocket(const Cursor& c);
 int32_t LengthOfSip(const Cursor& c);   // and RTSP
 int32_t LengthOfSkinny(const Cursor& c);

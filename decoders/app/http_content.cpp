@@ -9,6 +9,7 @@
 #include "decoders/app/http_message.h"
 #include "decoders/asn1/cms.h"
 #include "decoders/asn1/x509.h"
+#include "decoders/common/header_values.h"
 #include "decoders/common/text_lines.h"
 
 namespace qxview {
@@ -87,6 +88,11 @@ void ShowContent(const Place& at, const Place& in, const HttpFlags& said, Cursor
   body.isGzip = said.coding == ContentCoding::kGzip;
   body.isDeflate = said.coding == ContentCoding::kDeflate;
   const bool isKnown = body.content != WebContent::kUnknown && body.content != WebContent::kOther;
+  if (body.content == WebContent::kParts && isPlain) {
+    const KeyedAs keys(PacketOf(in), "web");
+    ShowWebParts(in, c, ParameterOf(said.mediaType, "boundary"), 0);
+    return (void)AddBlock(in, Rest(c), "Content");
+  }
   if (isKnown || body.isCompressed) return ShowWebBody(in, c, body, true);
   Cursor message = c;
   AddBlock(in, Rest(c), "Encoded Http Data");

@@ -59,8 +59,39 @@ bool TakeHeaders(Cursor& c, Framing* framing) {
   return false;
 }
 
+bool StatusIs(const Cursor& c, const HttpFirstLine& first, const char (&code)[4]) {
+  return first.tokens[1].length == 3 && PeekIs(c, first.tokens[1].offset, code);
+}
+
+// Responses that have no body whatever their headers say.
+bool HasNoBody(const Cursor& c, const HttpFirstLine& first, const Cursor& body) {
+  if (PeekU8(c, first.tokens[1].offset) == '1' || StatusIs(c, first, "204") || StatusIs(c, first, "304")) return true;
+  Cursor phrase = c;
+  TakeBytes(phrase, first.tokens[2].offset);
+  if (StatusIs(c, first, "200") && TakeWord(phrase, "connection established")) return true;   // a tunnel begins
+  return PeekIs(body, 0, "HTTP/1.");   // the next response stands there: this one answers HEAD
+}
+
+// The body behind headers that have been read, for a message without one where they say nothing.
+int32_t LengthWithBody(const Cursor& body, int64_t headers, const Framing& framing, int32_t otherwise) {
+  if (framing.chunked) return LengthOfHttpChunks(body, headers);
+  if (framing.length < 0) return otherwise;
+  const int64_t length = headers + framing.length;
+  return length < kMessageToTheEnd ? static_cast<int32_t>(length) : kMessageToTheEnd;
+}
+
+// The first line, when it is whole. False with what is to be said of it when it is not.
+bool HasFirstLine(const Cursor& c, int32_t* said) {
+  if (FindLineEnd(c) >= 0) return true;
+  const bool isLetter = LowerOf(PeekU8(c)) >= 'a' && LowerOf(PeekU8(c)) <= 'z';
+  *said = !isLetter || Left(c) > kMostFirstLine ? kNoMessage : 0;
+  return false;
+}
+
+}  // namespace
+
 // The chunks from the cursor on with their trailer, which are `before` bytes into the message.
-int32_t LengthOfChunks(Cursor c, int64_t before) {
+int32_t LengthOfHttpChunks(Cursor c, int64_t before) {
   const int32_t start = c.offset;
   for (Loop loop; More(c, loop);) {
     const int32_t end = FindLineEnd(c);
@@ -80,37 +111,6 @@ int32_t LengthOfChunks(Cursor c, int64_t before) {
   }
   return 0;
 }
-
-bool StatusIs(const Cursor& c, const HttpFirstLine& first, const char (&code)[4]) {
-  return first.tokens[1].length == 3 && PeekIs(c, first.tokens[1].offset, code);
-}
-
-// Responses that have no body whatever their headers say.
-bool HasNoBody(const Cursor& c, const HttpFirstLine& first, const Cursor& body) {
-  if (PeekU8(c, first.tokens[1].offset) == '1' || StatusIs(c, first, "204") || StatusIs(c, first, "304")) return true;
-  Cursor phrase = c;
-  TakeBytes(phrase, first.tokens[2].offset);
-  if (StatusIs(c, first, "200") && TakeWord(phrase, "connection established")) return true;   // a tunnel begins
-  return PeekIs(body, 0, "HTTP/1.");   // the next response stands there: this one answers HEAD
-}
-
-// The body behind headers that have been read, for a message without one where they say nothing.
-int32_t LengthWithBody(const Cursor& body, int64_t headers, const Framing& framing, int32_t otherwise) {
-  if (framing.chunked) return LengthOfChunks(body, headers);
-  if (framing.length < 0) return otherwise;
-  const int64_t length = headers + framing.length;
-  return length < kMessageToTheEnd ? static_cast<int32_t>(length) : kMessageToTheEnd;
-}
-
-// The first line, when it is whole. False with what is to be said of it when it is not.
-bool HasFirstLine(const Cursor& c, int32_t* said) {
-  if (FindLineEnd(c) >= 0) return true;
-  const bool isLetter = LowerOf(PeekU8(c)) >= 'a' && LowerOf(PeekU8(c)) <= 'z';
-  *said = !isLetter || Left(c) > kMostFirstLine ? kNoMessage : 0;
-  return false;
-}
-
-}  // namespace
 
 int32_t LengthOfHttp(const Cursor& c) {
   if (LooksLikeHttp2(c)) return LengthOfHttp2(c);

@@ -1,5 +1,6 @@
 #include "decoders/app/internet_message.h"
 
+#include "decoders/app/web_body.h"
 #include "decoders/asn1/cms.h"
 #include "decoders/asn1/x509.h"
 #include "decoders/common/text_lines.h"
@@ -70,6 +71,16 @@ bool ShowSecured(const Place& in, Cursor& c, const Field& type, int32_t depth) {
   return false;
 }
 
+// JSON, XML and pictures as what they are; false for other types.
+bool ShowStructured(const Place& in, Cursor& c, const Field& type, bool isBinary) {
+  WebBody body{};
+  body.content = type.here ? WebContentOf(Text(type)) : WebContent::kUnknown;
+  const bool isImage = body.content == WebContent::kImage && isBinary;
+  if (!isImage && body.content != WebContent::kJson && body.content != WebContent::kXml) return false;
+  ShowWebBody(in, c, body, true);
+  return true;
+}
+
 void ShowBase64(const Place& at, Cursor& c, const MimeEntity& entity, int32_t depth) {
   const Field text = Rest(c);
   if (!text.here) return;
@@ -79,6 +90,7 @@ void ShowBase64(const Place& at, Cursor& c, const MimeEntity& entity, int32_t de
   Body inner{};
   if (IsWord(entity.type, "message/rfc822")) return ShowEntity(in, octets, inner, depth + 1);
   if (ShowSecured(in, octets, entity.type, depth)) return;
+  if (ShowStructured(in, octets, entity.type, true)) return;
   if (StartsWithWord(entity.type, "text/") || IsReadable(octets)) return ShowLinesOfText(in, octets, "Text");
   AddBlock(in, Rest(octets), "Decoded Data");
 }
@@ -168,6 +180,18 @@ void ShowFieldGroups(const Place& in, Cursor& c) {
   }
 }
 
+// Structures that are quoted, or stand as they are.
+bool ShowQuotedStructure(const Place& in, Cursor& c, const Field& type, uint8_t encoding) {
+  if (encoding != kQuotedPrintable) return ShowStructured(in, c, type, false);
+  const WebContent content = type.here ? WebContentOf(Text(type)) : WebContent::kUnknown;
+  if (content != WebContent::kJson && content != WebContent::kXml) return false;
+  const Field text = Rest(c);
+  Cursor octets = DecodeQuotedPrintable(in, text);
+  const Place under = Under(in, AddLine(in, text, "Content: %u bytes in quoted-printable", static_cast<uint32_t>(Left(octets))));
+  const DerivedLines derived(in.view);
+  return ShowStructured(under, octets, type, false);
+}
+
 // A body whose end is known, or the part of it that is here.
 void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, int32_t depth) {
   body.note.phase = kInBody;
@@ -181,6 +205,8 @@ void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, 
   } else if (body.note.detail == kBase64) {
     ShowBase64(in, c, entity, depth);
   } else if (ShowSecured(in, c, entity.type, depth)) {
+    return;
+  } else if (ShowQuotedStructure(in, c, entity.type, body.note.detail)) {
     return;
   } else if (HoldsFields(entity.type)) {
     ShowFieldGroups(in, c);

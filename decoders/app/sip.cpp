@@ -3,6 +3,7 @@
 #include "decoders/app/sip_headers.h"
 #include "decoders/asn1/cms.h"
 #include "decoders/common/header_lines.h"
+#include "decoders/common/header_values.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/xml_lines.h"
 
@@ -101,7 +102,7 @@ void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type,
     return;
   }
   const Place under = Under(in, AddLine(in, Ahead(body, Left(body)), "Message Body"));
-  const Field boundary = StartsWithWord(type, "multipart/") ? SipParameter(type, "boundary") : Field{};
+  const Field boundary = StartsWithWord(type, "multipart/") ? ParameterOf(type, "boundary") : Field{};
   const bool hasParts = boundary.here && boundary.length > 0;
   if (hasParts && depth >= kDeepest) return (void)AddBlock(under, Rest(body), "Nested Parts");
   if (hasParts) {

@@ -181,7 +181,7 @@ void ShowReasons(const Place& in, const char* label, Field rest) {
     const Field all = parameters;
     const Field protocol = TakePiece(parameters, ";");
     const Place under = Under(in, AddTextLine(in, protocol, label));
-    const Field cause = SipParameter(all, "cause");
+    const Field cause = ParameterOf(all, "cause");
     const int32_t number = cause.here ? DecimalOf(cause) : -1;
     if (number >= 0 && IsWord(protocol, "Q.850")) {
       AddLine(under, cause, "Cause: %u = %s", number, LookupName(kQ931CauseNames, static_cast<uint32_t>(number)));
@@ -247,18 +247,6 @@ const SipHeader* FindSipHeader(const Field& name) {
     if (IsWord(name, row.name)) return &row;
   }
   return nullptr;
-}
-
-Field SipParameter(const Field& value, const char* name) {
-  Field rest = value;
-  TakePiece(rest, ";");
-  for (int32_t i = 0; i < 64 && rest.length > 0; ++i) {
-    const Field parameter = TakePiece(rest, ";");
-    const int32_t equals = FindByte(parameter, '=');
-    if (equals < 0 || !IsWord(Trimmed(Slice(parameter, 0, equals)), name)) continue;
-    return Unquoted(Trimmed(Slice(parameter, equals + 1, parameter.length - equals - 1)));
-  }
-  return {};
 }
 
 void ShowSipHeader(const Place& in, const SipHeader& header, const HeaderLine& line) {

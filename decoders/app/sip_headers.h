@@ -34,7 +34,4 @@ void ShowSipHeader(const Place& in, const SipHeader& header, const HeaderLine& l
 // "sip:user:password@host:port;parameter?header".
 void ShowSipUri(const Place& in, const Field& uri);
 
-// The value of a parameter behind ';', without quotation marks; not here when it is not given.
-Field SipParameter(const Field& value, const char* name);
-
 }  // namespace qxview

@@ -9,8 +9,10 @@
 #include "decoders/app/playlist.h"
 #include "decoders/app/web_vocabulary.h"
 #include "decoders/common/header_lines.h"
+#include "decoders/common/header_values.h"
 #include "decoders/common/json_lines.h"
 #include "decoders/common/text_lines.h"
+#include "decoders/common/transfer_text.h"
 #include "decoders/common/xml_lines.h"
 
 namespace qxview {
@@ -90,44 +92,52 @@ WebBody BodyOf(WebContent content, bool isCompressed = false) {
   return body;
 }
 
-// Parts of a body: each behind a line of two dashes and the boundary, which the first such line tells.
-void ShowParts(const Place& in, Cursor& c) {
-  TextLine line;
-  Cursor look = c;
-  if (!PeekIs(c, 0, "--") || !TakeLine(look, line)) return;
-  const Field boundary = Trimmed(line.text);
-  const auto isBoundary = [&boundary](const Cursor& at, int32_t ahead) {
-    const Field there = PeekBytes(at, ahead, boundary.length);
-    return there.here && std::memcmp(there.bytes, boundary.bytes, static_cast<size_t>(boundary.length)) == 0;
-  };
+constexpr int32_t kMostPartDepth = 6;
+
+// "--" and the boundary, and two more dashes behind the last part.
+bool IsBoundary(const Field& line, const Field& boundary) {
+  if (line.length < boundary.length + 2 || PeekU16(line) != 0x2D2D) return false;
+  return std::memcmp(Slice(line, 2, boundary.length).bytes, boundary.bytes, static_cast<size_t>(boundary.length)) == 0;
+}
+
+struct PartHead {
+  WebContent content;
+  Field boundary, encoding;
+};
+
+PartHead ShowPartHead(const Place& in, Cursor& part) {
+  PartHead head{WebContent::kUnknown, {}, {}};
+  HeaderLine header;
   Loop loop;
-  for (uint32_t number = 1; MoreAt(in, c, loop) && isBoundary(c, 0); ++number) {
-    TakeLine(c, line);
-    AddTextLine(in, line.whole, "Boundary", line.text);
-    if (Left(c) < 1) return;
-    Cursor part = c;
-    int32_t size = Left(c);
-    for (int32_t at = 0; at >= 0; at = FindU8(c, '\n', at + 1)) {
-      const int32_t start = at == 0 ? 0 : at + 1;
-      if (!isBoundary(c, start)) continue;
-      size = start;
-      break;
-    }
-    part = TakeCursor(c, size);
-    const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "Part %u: %d bytes", number, Left(part)));
-    WebBody body = BodyOf(WebContent::kUnknown);
-    HeaderLine header;
-    Loop headers;
-    while (MoreAt(under, part, headers) && TakeHeader(part, header)) {
-      ShowHeader(under, header);
-      if (IsWord(header.name, "Content-Type")) body.content = WebContentOf(Text(header.value));
-      if (IsWord(header.name, "Content-Transfer-Encoding")) body.isCompressed = IsWord(header.value, "base64");
-    }
-    ShowEndOfHeaders(under, part);
-    if (body.content == WebContent::kUnknown) body.content = WebContent::kText;   // where nothing is said
-    if (body.content == WebContent::kParts) body.content = WebContent::kOther;
-    if (Left(part) > 0) ShowWebBody(under, part, body);
+  while (MoreAt(in, part, loop) && TakeHeader(part, header)) {
+    ShowHeader(in, header);
+    if (IsWord(header.name, "Content-Transfer-Encoding")) head.encoding = Trimmed(header.value);
+    if (!IsWord(header.name, "Content-Type")) continue;
+    head.content = WebContentOf(Text(header.value));
+    head.boundary = ParameterOf(header.value, "boundary");
   }
+  ShowEndOfHeaders(in, part);
+  if (head.content == WebContent::kUnknown) head.content = WebContent::kText;   // where nothing is said
+  return head;
+}
+
+void ShowPartContent(const Place& in, Cursor& c, const PartHead& head, int32_t depth) {
+  if (head.content == WebContent::kParts) return ShowWebParts(in, c, head.boundary, depth + 1);
+  WebBody body = BodyOf(head.content);
+  ShowWebBody(in, c, body, true);
+}
+
+void ShowPart(const Place& in, Cursor part, int32_t depth) {
+  const PartHead head = ShowPartHead(in, part);
+  const bool isBase64 = IsWord(head.encoding, "base64");
+  if (Left(part) == 0) return;
+  if (!isBase64 && !IsWord(head.encoding, "quoted-printable")) return ShowPartContent(in, part, head, depth);
+  const Field text = Rest(part);
+  Cursor octets = isBase64 ? DecodeBase64(in, text) : DecodeQuotedPrintable(in, text);
+  if (Left(octets) == 0) return (void)AddBlock(in, text, "Encoded Content");
+  const DerivedLines derived(in.view);
+  const Place under = Under(in, AddLine(in, text, "Decoded Content: %d bytes in %s", Left(octets), Text(head.encoding)));
+  ShowPartContent(under, octets, head, depth);
 }
 
 // What the octets inflate to, under a line of its own; false where they do not.
@@ -314,7 +324,7 @@ void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const Web
   } else if (isFirst && body.content == WebContent::kForm) {
     ShowForm(Under(in, AddLine(in, whole, "Form: %d bytes", whole.length)), c);
   } else if (isFirst && body.content == WebContent::kParts) {
-    ShowParts(in, c);
+    ShowWebParts(in, c, {}, 0);
   } else if (isFirst && body.content == WebContent::kImage) {
     ShowImage(in, c);
   } else if (isFirst && body.content == WebContent::kProtobuf) {
@@ -322,6 +332,37 @@ void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const Web
   }
   c.ranShort = false;
   AddBlock(in, Rest(c), isFirst ? "Content" : "Content Continued");
+}
+
+// Each part stands behind a line of two dashes and the boundary, which the first such line tells where nothing else does.
+void ShowWebParts(const Place& in, Cursor& c, const Field& told, int32_t depth) {
+  TextLine line;
+  Cursor look = c;
+  if (depth > kMostPartDepth) return (void)AddBlock(in, Rest(c), "Parts nest too deeply to be shown");
+  const bool hasLine = TakeLine(look, line) && line.text.length > 2 && PeekU16(line.text) == 0x2D2D;
+  const Field boundary = told.length > 0 ? told : hasLine ? Trimmed(Slice(line.text, 2, line.text.length - 2)) : Field{};
+  uint32_t number = 0;
+  bool isOver = boundary.length == 0;
+  Loop loop;
+  while (!isOver && MoreAt(in, c, loop)) {
+    TakeLine(c, line);
+    if (!IsBoundary(line.text, boundary)) {   // in front of the first part
+      AddTextLine(in, line.whole, "Text", line.text);
+      continue;
+    }
+    AddTextLine(in, line.whole, "Boundary", line.text);
+    isOver = PeekIs(CursorOver(line.text), boundary.length + 2, "--");
+    look = c;
+    int32_t length = 0;
+    Loop lines;
+    while (!isOver && More(look, lines) && TakeLine(look, line) && !IsBoundary(line.text, boundary)) {
+      length = look.offset - c.offset;
+    }
+    if (length == 0) continue;
+    const Cursor part = TakeCursor(c, length);
+    ShowPart(Under(in, AddLine(in, Ahead(part, length), "Part %u: %d bytes", ++number, length)), part, depth);
+  }
+  while (isOver && boundary.length > 0 && MoreAt(in, c, loop) && TakeLine(c, line)) AddTextLine(in, line.whole, "Text", line.text);
 }
 
 }  // namespace qxview

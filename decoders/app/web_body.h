@@ -20,6 +20,8 @@ struct WebBody {
 WebContent WebContentOf(const TextSlice& type);                     // a media type with its parameters
 // All that is left; `ends`: the body ends behind it. With a key and Reassembly what comes in pieces is shown when it is whole.
 void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends = false, const WebStreamKey* key = nullptr);
+// The parts of a body; `boundary` as its header says it, empty where that is not known.
+void ShowWebParts(const Place& in, Cursor& c, const Field& boundary, int32_t depth);
 void NoteContentCoding(const TextSlice& coding, WebBody& body);
 void NoteBodyField(const TextSlice& name, const TextSlice& value, WebBody& body);   // what a header field says of it
 

@@ -63,4 +63,16 @@ void ShowItems(const Place& in, const char* label, Field rest, bool isList) {
   }
 }
 
+Field ParameterOf(const Field& value, const char* name) {
+  Field rest = value;
+  TakePiece(rest, ";");
+  for (int32_t i = 0; i < 64 && rest.length > 0; ++i) {
+    const Field parameter = TakePiece(rest, ";");
+    const int32_t equals = FindU8(CursorOver(parameter), '=');
+    if (equals < 0 || !IsWord(Trimmed(Slice(parameter, 0, equals)), name)) continue;
+    return Unquoted(Trimmed(Slice(parameter, equals + 1, parameter.length - equals - 1)));
+  }
+  return {};
+}
+
 }  // namespace qxview

@@ -12,6 +12,9 @@ Field TakePiece(Field& rest, const char* ends);
 // Without its quotation marks, where it has both.
 Field Unquoted(const Field& text);
 
+// The value of a parameter behind ';', without quotation marks; not here when it is not given.
+Field ParameterOf(const Field& value, const char* name);
+
 // "name=value" or "name", separated by `separator`. A line stands over its value.
 void ShowParameters(const Place& in, Field rest, const char* separator);
 // "INVITE, ACK" or "presence;id=1": each word under the label, and the parameters behind it.

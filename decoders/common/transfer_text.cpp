@@ -69,6 +69,22 @@ int32_t ReadQuotedPrintable(const Field& line, bool isWord, uint8_t* out, int32_
   return used;
 }
 
+Cursor DecodeQuotedPrintable(const Place& in, const Field& text) {
+  Cursor c = CursorOver(text);
+  const int32_t room = Left(c);
+  uint8_t* const octets = TakeFrameMemory(in.view, room);
+  int32_t used = 0;
+  TextLine line;
+  while (octets && TakeLine(c, line)) {
+    used += ReadQuotedPrintable(line.text, false, octets + used, room - used);
+    if (line.text.length > 0 && PeekU8(line.text, line.text.length - 1) == '=') continue;   // goes on in the next line
+    for (int32_t i = line.text.length; i < line.whole.length && used < room; ++i) {
+      octets[used++] = static_cast<uint8_t>(PeekU8(line.whole, i));
+    }
+  }
+  return MakeCursor(octets, text.offset, used);
+}
+
 int32_t ReadPercentText(const Field& text, uint8_t* out, int32_t size) {
   int32_t used = 0;
   for (int32_t i = 0; i < text.length && used < size; ++i) {

@@ -12,6 +12,9 @@ int32_t ReadBase64(Cursor c, uint8_t* out, int32_t size);
 // derived (DerivedLines). Empty for what is no base64 or too much.
 Cursor DecodeBase64(const Place& in, const Field& text);
 
+// Lines of quoted-printable in the same way, joined where a line goes on in the next.
+Cursor DecodeQuotedPrintable(const Place& in, const Field& text);
+
 // One line of quoted-printable without its end. Result: the octets written. "_" is a blank in encoded words.
 int32_t ReadQuotedPrintable(const Field& line, bool isWord, uint8_t* out, int32_t size);
 
