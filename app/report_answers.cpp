@@ -34,10 +34,10 @@ void AddOwners(const ReportCounts& counts, std::vector<Trouble>* all) {
     for (const auto& [hardware, count] : owners) {
       packets += count;
       claims += (claims.empty() ? "" : ", ") + ("<code>" + EscapeHtml(hardware) + "</code> ") +
-                CountFigure(count, {"arp.src.proto_ipv4 == " + AddressLiteral(address) + " and arp.src.hw_mac == " + AddressLiteral(hardware), count});
+                CountFigure(count, {"arp.source_ip_address == " + AddressLiteral(address) + " and arp.source_hardware_address == " + AddressLiteral(hardware), count});
     }
     all->push_back({Weight::kWarning, "Address claimed by several stations", "<code>" + EscapeHtml(address) + "</code> by " + claims, packets,
-                    {"arp.src.proto_ipv4 == " + AddressLiteral(address), packets}, 0});
+                    {"arp.source_ip_address == " + AddressLiteral(address), packets}, 0});
   }
 }
 

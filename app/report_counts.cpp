@@ -23,8 +23,8 @@ std::string ConversationKey(const char* transport, const std::string& one, const
   return std::string(transport) + "\n" + (*swapped ? b + a : a + b);
 }
 
-constexpr Exchanges::Keys kDnsKeys = {"dns.flags.response == 0", "dns.flags.response == 1", "dns.id", "dns.flags.response",
-                                      "dns.qry.name", nullptr};
+constexpr Exchanges::Keys kDnsKeys = {"dns.qr_query_response == 0", "dns.qr_query_response == 1", "dns.transaction_id",
+                                      "dns.qr_query_response", "dns.question_record/dns.domain_name", nullptr};
 constexpr Exchanges::Keys kHttpKeys = {"http.method", "http.code", nullptr, nullptr, "http.request_uri", "http.method"};
 
 }  // namespace

@@ -7,6 +7,8 @@
 namespace qxview {
 namespace {
 
+constexpr char kQuestion[] = "dns.question_record/dns.domain_name";
+
 constexpr Findings::Row kRows[] = {
     {Weight::kFault, "IPv4 header checksum is bad", "the header was damaged, or the capturing card calculates it",
      "ip.header_checksum contains \"BAD\""},
@@ -17,11 +19,11 @@ constexpr Findings::Row kRows[] = {
     {Weight::kFault, "SCTP checksum is bad", "the packet was damaged", "sctp.checksum contains \"BAD\""},
     {Weight::kFault, "DNS name that cannot be read", "a name's pointers lead nowhere, or it is cut", "dns.malformed_dns_name_field_data"},
     {Weight::kFault, "DNS server failure", "the server could not answer (SERVFAIL)",
-     "dns.flags.response == 1 and dns.flags.rcode == 2"},
-    {Weight::kWarning, "DNS name does not exist", "the answer was NXDOMAIN", "dns.flags.response == 1 and dns.flags.rcode == 3"},
+     "dns.qr_query_response == 1 and dns.rcode_result_code == 2"},
+    {Weight::kWarning, "DNS name does not exist", "the answer was NXDOMAIN", "dns.qr_query_response == 1 and dns.rcode_result_code == 3"},
     {Weight::kWarning, "DNS refused or failed otherwise", "FORMERR, NOTIMP, REFUSED and others",
-     "dns.flags.response == 1 and dns.flags.rcode in {1, 4..15}"},
-    {Weight::kNote, "DNS answer is truncated", "the client has to ask again over TCP", "dns.flags.truncated == 1"},
+     "dns.qr_query_response == 1 and dns.rcode_result_code in {1, 4..15}"},
+    {Weight::kNote, "DNS answer is truncated", "the client has to ask again over TCP", "dns.tc_truncation == 1"},
     {Weight::kFault, "HTTP server error", "status 500 to 599", "http.response.code in {500..599}"},
     {Weight::kWarning, "HTTP client error", "status 400 to 499", "http.response.code in {400..499}"},
     {Weight::kWarning, "Destination unreachable", "ICMP tells that packets did not arrive", "icmp.type == 3 or icmpv6.type == 1"},
@@ -76,9 +78,9 @@ void Findings::Take(const Filter& filter, uint64_t number, uint64_t bytes) {
 
 LearntNames::LearntNames(KeyQuery* query) {
   std::string wrong;
-  question_ = query->Ask("dns.qry.name", &wrong);
-  ipv4_ = query->Ask("dns.a", &wrong);
-  ipv6_ = query->Ask("dns.aaaa", &wrong);
+  question_ = query->Ask(kQuestion, &wrong);
+  ipv4_ = query->Ask("dns.host_address", &wrong);
+  ipv6_ = query->Ask("dns.ipv6_address", &wrong);
   server_ = query->Ask("tls.server_name", &wrong);
   header_ = query->Ask("http.header", &wrong);
   client_ = query->Ask("dhcp.hostname", &wrong);
@@ -110,8 +112,8 @@ void LearntNames::Take(const KeyQuery& query, const std::string& destination) {
   const auto addressOf = [](const AskedValue& value) { return ToUtf8(TextOfValue(value)); };
   // Of an answer's addresses, whatever aliases lead to them, the name that was asked for.
   if (const std::vector<AskedValue>& questions = query.ValuesOf(question_); questions.size() == 1) {
-    for (const AskedValue& value : query.ValuesOf(ipv4_)) Learn("DNS", addressOf(value), questions[0], "dns.qry.name", "dns.a");
-    for (const AskedValue& value : query.ValuesOf(ipv6_)) Learn("DNS", addressOf(value), questions[0], "dns.qry.name", "dns.aaaa");
+    for (const AskedValue& value : query.ValuesOf(ipv4_)) Learn("DNS", addressOf(value), questions[0], kQuestion, "dns.host_address");
+    for (const AskedValue& value : query.ValuesOf(ipv6_)) Learn("DNS", addressOf(value), questions[0], kQuestion, "dns.ipv6_address");
   }
   for (const AskedValue& value : query.ValuesOf(server_)) {
     Learn("TLS", destination, value, "tls.server_name", "frame.destination_address");
@@ -135,8 +137,8 @@ std::vector<LearntNames::Name> LearntNames::ByPackets() const {
 
 HardwareOwners::HardwareOwners(KeyQuery* query) {
   std::string wrong;
-  address_ = query->Ask("arp.src.proto_ipv4", &wrong);
-  hardware_ = query->Ask("arp.src.hw_mac", &wrong);
+  address_ = query->Ask("arp.source_ip_address", &wrong);
+  hardware_ = query->Ask("arp.source_hardware_address", &wrong);
 }
 
 void HardwareOwners::Take(const KeyQuery& query) {

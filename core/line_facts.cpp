@@ -351,6 +351,11 @@ void NumberLine(View* view, LineHandle line, uint64_t number, bool isSigned) {
   fact->number = number;
 }
 
+void ValueLine(View* view, LineHandle line, const char* text) {
+  LineFact* fact = OldFact(view, line);
+  if (fact) PutValue(view->context->facts, fact, text, static_cast<int32_t>(std::strlen(text)));
+}
+
 void NoteEdited(View* view, LineHandle line, const char* text, int32_t length) {
   LineFacts* facts = view->context->facts;
   LineFact* fact = OldFact(view, line);

@@ -79,6 +79,9 @@ void LabelLine(View* view, LineHandle line, const char* label);
 // For a line whose text says its number in words.
 void NumberLine(View* view, LineHandle line, uint64_t number, bool isSigned);
 
+// For a line whose text says its value in other words, or not at all.
+void ValueLine(View* view, LineHandle line, const char* text);
+
 // A line's text was changed: a line that had no value yet has what stands behind its label now.
 void NoteEdited(View* view, LineHandle line, const char* text, int32_t length);
 

@@ -27,8 +27,12 @@ def tcp(source, destination, sequence, acknowledgement, flags, data=b"", window=
 
 def datagram(source, destination, data, told=None, trailer=b""):
     """An Ethernet frame with a UDP datagram over IPv6 from ::1 to ::; its header tells `told` bytes."""
-    udp = struct.pack(">HHHH", source, destination, 8 + len(data) if told is None else told, 0) + data + trailer
-    return bytes.fromhex("02000000000102000000000286dd") + struct.pack(">IHBB", 6 << 28, len(udp), 17, 64) + bytes(15) + b"\1" + bytes(16) + udp
+    return ipv6(17, struct.pack(">HHHH", source, destination, 8 + len(data) if told is None else told, 0) + data + trailer)
+
+
+def ipv6(carried, data, trailer=b""):
+    head = struct.pack(">IHBB", 6 << 28, len(data), carried, 64) + bytes(15) + b"\1" + bytes(16)
+    return bytes.fromhex("02000000000102000000000286dd") + head + data + trailer
 
 
 def write_times(path, frames):
@@ -154,6 +158,18 @@ class Questions(unittest.TestCase):
             self.assertEqual(read, ["early late", "told all"])
             rows = self.rows("fields", path, "-e", "ipv6.src", "-e", "ipv6.dst", "-Y", "ipv6.src == ::1 and ipv6.dst == ::")
             self.assertEqual(rows, [{"ipv6.src": ["::1"], "ipv6.dst": ["::"]}] * 2)
+            write_capture(path, [ipv6(6, tcp(1025, 80, 100, 1, 0x18, b"told")[34:], trailer=b"FCS.")])
+            self.assertEqual(self.run_program("follow", path, "--modern", "--stream", "tcp:0", "--format", "raw"), "told")
+            self.assertEqual(self.rows("stat", "tcp", path, "--modern")[0]["bytes"], 4)
+
+    def test_names_of_other_tools_ask_what_they_ask_there(self):
+        root = struct.pack(">HHHHHH", 7, 0x100, 1, 0, 0, 0) + b"\0\0\1\0\1"
+        reverse = bytes(12) + bytes.fromhex("8035 0001 0800 06 04 0003") + bytes(20)   # RARP
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, [datagram(5353, port, root) for port in (53, 5353, 5355)] + [reverse])
+            rows = self.rows("fields", path, "--modern", "-e", "dns.id", "-e", "dns.qry.name", "-e", "arp.opcode")
+            self.assertEqual([list(row.values()) for row in rows], [[[7], ["."], []]] * 3 + [[[], [], [3]]])
 
     def test_times_are_counted_wherever_the_clock_was_set(self):
         second, last = 10**9, 2**63 - 1

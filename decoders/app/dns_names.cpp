@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/digits.h"
+#include "core/line_facts.h"
 #include "decoders/app/dns.h"
 
 namespace qxview {
@@ -177,6 +178,8 @@ int32_t DecodeDnsNameField(const Place& at, Cursor& c, DnsMessage& message, cons
   const LineHandle line = AddLine(at, Ahead(c, 0), "%s:", title);
   const int32_t result = DecodeNameParts(at, line, c, message);
   SetRange(at, line, begin, c.offset - begin);
+  const bool isRoot = result && c.offset - begin == 1;   // its length of zero alone
+  if (isRoot && KeepsFacts(at.view)) [[unlikely]] ValueLine(at.view, line, ".");
   return result;
 }
 

@@ -187,9 +187,12 @@ int32_t DecodePayload(const Place& at, Cursor c, const Segment& segment) {
   // A SYN takes the first number for itself, so its data start one behind.
   const uint32_t dataSequence = segment.sequence + (segment.flags & kSyn ? 1 : 0);
   PacketState& packet = PacketOf(at);
-  const int32_t cut = segment.network->totalLength - segment.headerLength - Left(c);
-  packet.segment = {c.at, Left(c), dataSequence, segment.flags, true, cut > 0 ? cut : 0,
-                    PeekU32(segment.start, 8)};
+  const NetworkState& network = *segment.network;
+  const int32_t declared = network.totalLength - segment.headerLength;
+  // Trailers of the medium stand behind what IPv6 declares: they are shown, and no part of the stream.
+  const bool hasTrailer = declared >= 0 && declared < Left(c) && !network.offloaded && !network.fragmented;
+  packet.segment = {c.at, hasTrailer ? declared : Left(c), dataSequence, segment.flags, true,
+                    declared > Left(c) ? declared - Left(c) : 0, PeekU32(segment.start, 8)};
   if (at.view->engine->settings.reassembly) NoteTcpSegment(at, c, segment.protocol, PeekU32(segment.start, 8));
   if (Left(c) == 0 || (!packet.quoted && OfferPayload(at, PayloadHook::kTcp, c))) return 1;
   return DispatchTcpPayload(at, c, segment.protocol, segment.matchedSource);
