@@ -25,7 +25,8 @@ std::string ConversationKey(const char* transport, const std::string& one, const
 
 constexpr Exchanges::Keys kDnsKeys = {"dns.qr_query_response == 0", "dns.qr_query_response == 1", "dns.transaction_id",
                                       "dns.qr_query_response", "dns.question_record/dns.domain_name", nullptr};
-constexpr Exchanges::Keys kHttpKeys = {"http.method", "http.code", nullptr, nullptr, "http.request_uri", "http.method"};
+constexpr Exchanges::Keys kHttpKeys = {"http.request_line/http.method", "http.status_line/http.code", nullptr, nullptr,
+                                       "http.request_uri", "http.request_line/http.method"};
 
 }  // namespace
 

@@ -183,8 +183,8 @@ class Http final : public Statistic {
  public:
   Http() {
     std::string wrong;
-    method_ = query_.Ask("http.method", &wrong);
-    code_ = query_.Ask("http.code", &wrong);
+    method_ = query_.Ask("http.request_line/http.method", &wrong);
+    code_ = query_.Ask("http.status_line/http.code", &wrong);
   }
   KeyQuery* Query() override { return &query_; }
 

@@ -7,6 +7,7 @@ namespace qxview {
 
 void SegmentOrder::Take(uint32_t sequence, const uint8_t* bytes, size_t length, size_t cut, uint64_t packet) {
   if (!started_) Start(sequence);
+  isTakenUp_ = true;
   waiting_.push_back({sequence, std::string(reinterpret_cast<const char*>(bytes), length), cut, packet});
   held_ += length + cut;
   Release();
@@ -15,6 +16,7 @@ void SegmentOrder::Take(uint32_t sequence, const uint8_t* bytes, size_t length, 
 }
 
 void SegmentOrder::Acknowledge(uint32_t sequence) {
+  isTakenUp_ |= started_ && sequence == next_;
   while (!waiting_.empty() && SequenceDistance(next_, sequence) > 0) SkipGap();
 }
 

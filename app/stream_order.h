@@ -28,7 +28,9 @@ class SegmentOrder {
  public:
   SegmentOrder(StreamTarget& target, bool isSecond) : target_(target), isSecond_(isSecond) {}
 
+  // What a SYN says, unless the other end went on with an earlier one.
   void Start(uint32_t sequence) {
+    if (isTakenUp_) return;
     next_ = sequence;
     started_ = true;
   }
@@ -50,6 +52,7 @@ class SegmentOrder {
   StreamTarget& target_;
   const bool isSecond_;
   bool started_ = false;
+  bool isTakenUp_ = false;   // it had data, or the other end acknowledged its start
   uint32_t next_ = 0;
   size_t held_ = 0;
   std::deque<Segment> waiting_;

@@ -40,7 +40,14 @@ void TakeData(Connection* connection, Direction* way, uint32_t sequence, uint32_
   if (SequenceDistance(way->next, end) > 0) way->next = end;
 }
 
-void Count(Connection* c, Direction* way, const TcpHeader& header, const TcpSegment& segment, const StatPacket& p) {
+// Whether a SYN starts its direction: not when the other end went on with an earlier one, and this is no connection anew.
+bool StartsWay(const TcpHeader& header, const Direction& way, const Direction& back) {
+  return !(header.flags & kTcpAck) || !way.hasStart || way.start == header.sequence || !back.hasAcknowledged ||
+         SequenceDistance(way.start, back.acknowledged) <= 0;
+}
+
+void Count(Connection* c, Direction* way, Direction* back, const TcpHeader& header, const TcpSegment& segment,
+           const StatPacket& p) {
   const uint32_t length = static_cast<uint32_t>(segment.length + segment.cut);
   const bool isSyn = header.flags & kTcpSyn, isAck = header.flags & kTcpAck;
   ++c->packets;
@@ -67,8 +74,11 @@ void Count(Connection* c, Direction* way, const TcpHeader& header, const TcpSegm
   }
   const uint32_t taken = length + (isSyn ? 1 : 0) + (header.flags & kTcpFin ? 1 : 0);
   if (isSyn) {   // a connection starts, or its first segment comes again
+    if (!StartsWay(header, *way, *back)) return;
     if (way->started && way->next == header.sequence + 1) ++c->trouble.again;
-    way->started = true;
+    if (!isAck && way->hasStart && way->start != header.sequence) *back = Direction{};
+    way->started = way->hasStart = true;
+    way->start = header.sequence;
     way->next = header.sequence + taken;
     way->gapCount = 0;
   } else if (taken > 0) {
@@ -96,7 +106,7 @@ TcpTrouble TcpConnections::Take(const StatPacket& p) {
   Connection& c = connections_.Of(pair.bytes, [](const Connection& x) { return x.packets; }, &isNew);
   if (isNew) c.firstIsSecond = pair.swapped;
   const TcpTrouble before = c.trouble;
-  Count(&c, &c.of[pair.swapped], header, packet.segment, p);
+  Count(&c, &c.of[pair.swapped], &c.of[!pair.swapped], header, packet.segment, p);
   const TcpTrouble& now = c.trouble;
   return {now.again - before.again, now.outOfOrder - before.outOfOrder, now.missing - before.missing,
           now.duplicates - before.duplicates, now.zeroWindows - before.zeroWindows, now.resets - before.resets};

@@ -19,7 +19,8 @@ class TcpConnections {
     uint32_t first, end;
   };
   struct Direction {
-    bool started = false;
+    bool started = false, hasStart = false;
+    uint32_t start = 0;              // the number of its SYN
     uint32_t next = 0;               // the sequence number behind all that was seen
     Gap gaps[kMostGaps];
     uint32_t gapCount = 0;

@@ -162,6 +162,27 @@ class Questions(unittest.TestCase):
             self.assertEqual(self.run_program("follow", path, "--modern", "--stream", "tcp:0", "--format", "raw"), "told")
             self.assertEqual(self.rows("stat", "tcp", path, "--modern")[0]["bytes"], 4)
 
+    def test_second_answer_to_a_syn_that_nobody_took_up_does_not_count(self):
+        frames = [tcp(1025, 80, 99, 0, 0x02), tcp(80, 1025, 499, 100, 0x12), tcp(1025, 80, 100, 500, 0x10), tcp(80, 1025, 7999, 100, 0x12),
+                  tcp(80, 1025, 500, 100, 0x18, b"one "), tcp(80, 1025, 504, 100, 0x18, b"two"),
+                  tcp(1025, 80, 9999, 0, 0x02), tcp(80, 1025, 19999, 10000, 0x12), tcp(80, 1025, 20000, 10000, 0x18, b"anew")]
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, frames)
+            read = [self.run_program("follow", path, "--modern", "--stream", stream, "--format", "raw") for stream in ("tcp:0", "tcp:1")]
+            self.assertEqual(read, ["one two", "anew"])
+            row = self.rows("stat", "tcp", path, "--modern")[0]
+            self.assertEqual([row[name] for name in ("retransmissions", "out_of_order", "missing")], [0, 0, 0])
+
+    def test_methods_that_an_answer_allows_are_no_requests(self):
+        answer = b"HTTP/1.1 200 OK\r\nAccess-Control-Allow-Methods: GET, POST\r\nContent-Length: 0\r\n\r\n"
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, [tcp(1025, 80, 1, 1, 0x18, b"PUT /a HTTP/1.1\r\n\r\n"), tcp(80, 1025, 1, 22, 0x18, answer)])
+            rows = self.rows("fields", path, "--modern", "-e", "http.request.method", "-e", "http.response.code")
+            self.assertEqual([list(row.values()) for row in rows], [[["PUT"], []], [[], ["200"]]])
+            self.assertEqual([(row["requests"], row["answers"]) for row in self.rows("stat", "http", path, "--modern") if "server" in row], [(1, 1)])
+
     def test_names_of_other_tools_ask_what_they_ask_there(self):
         root = struct.pack(">HHHHHH", 7, 0x100, 1, 0, 0, 0) + b"\0\0\1\0\1"
         reverse = bytes(12) + bytes.fromhex("8035 0001 0800 06 04 0003") + bytes(20)   # RARP
