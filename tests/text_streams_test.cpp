@@ -1,9 +1,11 @@
 // Protocols of text over several segments: what one segment leaves for the next, with the setting Reassembly and without.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 
+#include "tests/support/cases.h"
 #include "tests/support/samples.h"
 
 namespace qxview::testing {
@@ -94,6 +96,29 @@ TEST(TextStreams, DataConnectionsAreLearntFromTheControlConnection) {
   // A server's own services stay what they are.
   talk.Send(21, 40000, "227 Passive (10,0,0,2,0,25)\r\n", true);
   EXPECT_TRUE(talk.Send(40003, 25, "NOOP\r\n").starts_with("SMTP: NOOP\n"));
+}
+
+// What a session description in properties of binary Megaco announces is known of the datagrams that follow.
+TEST(TextStreams, MediaAreLearntFromPropertiesOfGateways) {
+  NamingHost host;
+  host.settings = {{"IgnoreChecksums", "1"}};
+  TestView view(&host);
+  const auto send = [&view](const Bytes& ports, const Bytes& payload, uint64_t number) {
+    const Bytes length{static_cast<uint8_t>((payload.size() + 8) >> 8), static_cast<uint8_t>(payload.size() + 8)};
+    Bytes datagram = IPv4(17, ports + length + Hex("0000") + payload);
+    const Bytes gateway = Hex("C0000209");
+    std::copy(gateway.begin(), gateway.end(), datagram.begin() + 12);
+    Record record(Ethernet(0x0800, datagram));
+    record->packetNumber = number;
+    view.Decode(record);
+    return view.Text();
+  };
+  const Bytes media = Hex("80 60 0001 00000000 00000001 FC") + Bytes(20, 1);
+  EXPECT_EQ(send(Hex("7530 0050"), media, 1).find("opus"), std::string::npos);
+  for (const DecodeCase& each : CasesOf("megaco_binary")) {
+    if (each.title.find("a session description in properties") != std::string::npos) send(Hex("0B81 0B81"), each.payload.bytes, 2);
+  }
+  EXPECT_NE(send(Hex("7530 0050"), media, 3).find("opus"), std::string::npos) << view.Text();
 }
 
 TEST(TextStreams, ElementsAndScriptsGoOnInTheNextSegment) {

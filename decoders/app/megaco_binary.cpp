@@ -2,10 +2,14 @@
 // of megaco_syntax.h. A line each over what an element holds; of what has members, over the whole element.
 #include "decoders/app/megaco.h"
 
+#include <cstring>
+
 #include "core/rows.h"
 #include "decoders/app/megaco_names.h"
 #include "decoders/app/megaco_syntax.h"
+#include "decoders/app/sdp.h"
 #include "decoders/asn1/der.h"
+#include "decoders/common/text_lines.h"
 
 namespace qxview {
 namespace {
@@ -17,6 +21,8 @@ constexpr uint32_t kAnyPackage = 0xFFFF;
 struct Walk {
   int32_t depth = 0;
   uint32_t item = 0;   // the package and item that parameters belong to
+  uint8_t* description = nullptr;   // the lines of a session description that a group of properties holds
+  int32_t described = 0;
 };
 
 // The element at the cursor. Of one without a definite length the contents run to the end of what is left: they end where
@@ -78,12 +84,42 @@ void ShowParameterName(const Walk& walk, const Place& in, const Cursor& contents
   AddLine(in, Over(contents), "%s: 0x%.04X = %s", label, parameter, isBase ? names.NameOf(code) : kUnknown);
 }
 
+constexpr int32_t kMostDescribed = 4096;
+constexpr uint32_t kFirstSdp = 0xB001, kLastSdp = 0xB00F;
+
+// Properties that stand for lines of session descriptions (ITU-T H.248.1 Annex C.11).
+void ShowSessionLine(Walk& walk, const Place& in, const Field& value) {
+  constexpr char kTypes[] = "vosiuepcbzkatrm";
+  const uint8_t type = static_cast<uint8_t>(kTypes[walk.item - kFirstSdp]);
+  ShowSdpValue(in, type, value);
+  if (!walk.description) walk.description = TakeFrameMemory(in.view, kMostDescribed);
+  constexpr int32_t kAround = 4;   // the type, "=", the line's end
+  if (!walk.description || walk.described + value.length + kAround > kMostDescribed) return;
+  uint8_t* const line = walk.description + walk.described;
+  line[0] = type;
+  line[1] = '=';
+  std::memcpy(line + 2, value.bytes, static_cast<size_t>(value.length));
+  line[value.length + 2] = '\r';
+  line[value.length + 3] = '\n';
+  walk.described += value.length + kAround;
+}
+
+void EndDescription(Walk& walk, const Place& in) {
+  if (walk.described > 0) AnnounceSdp(in, MakeCursor(walk.description, 0, walk.described));
+  walk.described = 0;
+}
+
 // An octet string that holds an element of a universal type: that, too. keys: text Value
-void ShowValue(const Place& in, const Cursor& contents, const char* label) {
+void ShowValue(Walk& walk, const Place& in, const Cursor& contents, const char* label) {
   const LineHandle line = AddLine(in, Over(contents), "%s: %s", label, HexDigits(Over(contents)));
   const BerElement inner = PeekBer(contents);
   const bool isUniversal = inner.here && (inner.identifier & kClass) == 0 && inner.identifier != 0;
-  if (!isUniversal || inner.size != Left(contents)) return;
+  const bool isWrapped = isUniversal && inner.size == Left(contents);
+  if (walk.item >= kFirstSdp && walk.item <= kLastSdp) {
+    const Cursor value = isWrapped ? inner.contents : contents;
+    if (Left(value) > 0 && IsReadable(value)) return ShowSessionLine(walk, Under(in, line), Over(value));
+  }
+  if (!isWrapped) return;
   Cursor c = contents;
   ShowDerValues(Under(in, line), c);
 }
@@ -141,7 +177,7 @@ void ShowLeaf(Walk& walk, const Place& in, const Element& element, MegacoType ty
     case kMegacoSignalParameterName: return ShowParameterName(walk, in, contents, label, kMegacoSignalParameterNames);
     case kMegacoTerminationName: return ShowTerminationName(in, contents, label);
     case kMegacoWildcard: return (void)ShowRows(in, parts, kWildcard);
-    case kMegacoValue: return ShowValue(in, contents, label);
+    case kMegacoValue: return ShowValue(walk, in, contents, label);
     case kMegacoAuditTokens: return ShowDerFlags(in, plain, label, kTokens, sizeof kTokens / sizeof *kTokens);
     case kMegacoCompletionBits: return ShowDerFlags(in, plain, label, kCompletions, sizeof kCompletions / sizeof *kCompletions);
     default: break;
@@ -216,6 +252,7 @@ void ShowElement(Walk& walk, const Place& in, Cursor& c, const Element& element,
   const Place under = Under(in, line);
   Cursor contents = element.contents;
   ShowMembers(walk, under, contents, TableOf(type));
+  if (type == kMegacoProperties) EndDescription(walk, under);
   EndElement(under, c, element, contents);
 }
 

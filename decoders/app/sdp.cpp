@@ -1,8 +1,11 @@
 // Session Description Protocol (RFC 8866; attributes of RFC 3264, 3605, 4566, 4568, 8839 and others): which media a session
 // has, where they go, and how they are coded. A line each: a letter, "=", a value.
+#include "decoders/app/sdp.h"
+
 #include <algorithm>
 
 #include "core/engine.h"
+#include "core/line_facts.h"
 #include "core/times.h"
 #include "decoders/app/media_sessions.h"
 #include "decoders/app/rtp_extension_names.h"
@@ -349,6 +352,29 @@ int32_t DecodeSdp(const Place& at, Cursor c) {
   }
   Announce(at, announced);
   return 1;
+}
+
+void ShowSdpValue(const Place& in, uint8_t type, const Field& value) {
+  const KeyedAs keys(PacketOf(in), "sdp");
+  if (type == 'm') return ShowMedia(Under(in, AddTextLine(in, value, "Media")), value);
+  ShowLine(in, {value, value}, type, value);
+}
+
+void AnnounceSdp(const Place& at, Cursor description) {
+  Announced announced;
+  TextLine line;
+  Loop loop;
+  while (More(description, loop) && TakeLine(description, line)) {
+    if (line.text.length < 2 || PeekU8(line.text, 1) != '=') continue;
+    const Field value = Slice(line.text, 2, line.text.length - 2);
+    if (PeekU8(line.text) == 'm') {
+      Announce(at, announced);
+      NoteMedia(announced, value);
+    } else {
+      NoteLine(announced, static_cast<uint8_t>(PeekU8(line.text)), value);
+    }
+  }
+  Announce(at, announced);
 }
 
 }  // namespace qxview
