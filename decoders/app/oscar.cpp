@@ -233,6 +233,133 @@ void ShowUserRequest(const Place& in, Cursor& c, Oscar& out) {
   ShowRows<Oscar>(in, c, kCapability, out);
   ShowRows<Oscar>(in, c, kName, out);
 }
+// Rates that change, families that pause, what a server's other one takes over.
+constexpr auto kRateNews = SortedNames({{1, "Limits Changed"}, {2, "Warning"}, {3, "Limited"}, {4, "Cleared"}});
+constexpr auto kRateMessage = Rows<Oscar>({Number(2, "Rate Message", kRateNews)});
+void ShowRateChange(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kRateMessage, out);
+  ShowMany<kRateClass>(in, c, out);
+}
+constexpr auto kWarned = Rows<Oscar>({Number(2, "New Warning Level")});
+void ShowMigration(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kCount, out);
+  Cursor families = TakeCursor(c, static_cast<int64_t>(out.count.value) * 2);
+  ShowMany<kFamily>(in, families, out);
+  ShowSignOnTlvs(in, c, out);
+}
+constexpr auto kPrivacy = Rows<Oscar>({Word(4), Flag(31, "Idle Time Is Seen"), Flag(30, "Membership Is Seen")});
+constexpr auto kVerify = Rows<Oscar>({Number(4, "Offset"), Number(4, "Length")});
+constexpr auto kVerified = Rows<Oscar>({Counted(2, Bytes(0, "Hash"))});
+constexpr auto kStatusItem = Rows<Oscar>({Number(2, "Status Type"), Hex(1, "Status Flags"), Counted(1, Bytes(0, "Status Data"))});
+constexpr auto kWideRequest = Rows<Oscar>({Hex(4, "Requested Information")});
+void ShowWideUserRequest(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kWideRequest, out);
+  ShowRows<Oscar>(in, c, kName, out);
+}
+
+// What messages may be, warnings, and messages that did not come.
+constexpr auto kParameters = Rows<Oscar>({
+    Number(2, "Message Channel", kMessageChannelNames), Hex(4, "Message Flags"), Number(2, "Longest Message"),
+    Number(2, "Highest Warning Level of Senders"), Number(2, "Highest Warning Level of Receivers"), Number(4, "Shortest Interval", " ms")});
+constexpr auto kChannel = Rows<Oscar>({Number(2, "Message Channel", kMessageChannelNames)});
+constexpr auto kAnonymous = Rows<Oscar>({Number(2, "Anonymous", kFalseTrueNames)});
+void ShowWarning(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kAnonymous, out);
+  ShowRows<Oscar>(in, c, kName, out);
+}
+constexpr auto kWarningResult = Rows<Oscar>({Number(2, "Warning Level Gained"), Number(2, "New Warning Level")});
+constexpr auto kMissedNames = SortedNames({
+    {0, "Invalid Message"}, {1, "Message Too Large"}, {2, "Rate Exceeded"}, {3, "Sender Too Evil"}, {4, "Receiver Too Evil"}});
+constexpr auto kMissed = Rows<Oscar>({Number(2, "Messages Missed"), Number(2, "Reason", kMissedNames)});
+void ShowMissed(const Place& in, Cursor& c, Oscar& out) {
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    ShowRows<Oscar>(in, c, kChannel, out);
+    ShowUser(in, c, out);
+    ShowRows<Oscar>(in, c, kMissed, out);
+  }
+}
+constexpr auto kResponseReasons = SortedNames({{1, "Channel Not Supported"}, {2, "Refused"}, {3, "Data of the Channel"}});
+constexpr auto kResponse = Rows<Oscar>({Number(2, "Reason", kResponseReasons)});
+void ShowClientResponse(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kMessageHead, out);
+  ShowRows<Oscar>(in, c, kName, out);
+  ShowRows<Oscar>(in, c, kResponse, out);
+}
+
+// Accounts, classes, intervals of reports.
+constexpr auto kAccount = Rows<Oscar>({Hex(2, "Permissions"), Number(2, "TLV Count").Into(&Oscar::count)});
+constexpr auto kStatus = Rows<Oscar>({Number(2, "Status")});
+constexpr auto kClasses = Rows<Oscar>({Hex(4, "User Classes")});
+constexpr auto kInterval = Rows<Oscar>({Number(2, "Interval", " hours")});
+
+// Rooms.
+constexpr auto kExchange = Rows<Oscar>({Number(2, "Exchange")});
+constexpr auto kRoom = Rows<Oscar>({
+    Number(2, "Exchange"), Counted(1, Utf8(0, "Room Cookie")), Number(2, "Room Instance"), Number(1, "Detail Level")});
+void ShowRoom(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kRoom, out);
+  ShowRows<Oscar>(in, c, kCount, out);
+  ShowElements<Oscar>(in, c, kForm, "TLV", kChatTlvs, out);
+}
+void ShowSearchResults(const Place& in, Cursor& c, Oscar& out) {
+  constexpr auto kHead = Rows<Oscar>({Number(2, "Status"), Number(2, "Reserved"), Number(2, "Count")});
+  ShowRows<Oscar>(in, c, kHead, out);
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    ShowRows<Oscar>(in, c, kCount, out);
+    Cursor tlvs = TakeCounted(c, out.count.value);
+    ShowTlvs(in, tlvs, out);
+  }
+}
+
+// Icons by the hash of their octets.
+constexpr auto kIconUpload = Rows<Oscar>({Number(2, "Icon Type"), Counted(2, Bytes(0, "Icon"))});
+constexpr auto kIconStored = Rows<Oscar>({
+    Number(1, "Result"), Number(2, "Icon Type"), Hex(1, "Icon Flags"), Counted(1, Bytes(0, "Icon Hash"))});
+constexpr auto kIconHash = Rows<Oscar>({Number(2, "Icon Type"), Hex(1, "Icon Flags"), Counted(1, Bytes(0, "Icon Hash"))});
+constexpr auto kIconData = Rows<Oscar>({Counted(2, Bytes(0, "Icon"))});
+void ShowIconRequest(const Place& in, Cursor& c, Oscar& out) {
+  constexpr auto kHashes = Rows<Oscar>({Number(1, "Icon Count")});
+  ShowRows<Oscar>(in, c, kName, out);
+  ShowRows<Oscar>(in, c, kHashes, out);
+  ShowMany<kIconHash>(in, c, out);
+}
+void ShowIcon(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kName, out);
+  ShowRows<Oscar>(in, c, kIconHash, out);
+  ShowRows<Oscar>(in, c, kIconData, out);
+}
+
+// Who may see whom: a name, an answer, and why.
+constexpr auto kReason = Rows<Oscar>({Counted(2, Utf8(0, "Reason Text"))});
+constexpr auto kAccepted = Rows<Oscar>({Number(1, "Accepted", kFalseTrueNames)});
+void ShowAuthorization(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kName, out);
+  ShowRows<Oscar>(in, c, kReason, out);
+}
+void ShowAuthorizationReply(const Place& in, Cursor& c, Oscar& out) {
+  ShowRows<Oscar>(in, c, kName, out);
+  ShowRows<Oscar>(in, c, kAccepted, out);
+  ShowRows<Oscar>(in, c, kReason, out);
+}
+
+// A message of the other service stands in a TLV, the low octets first.
+constexpr auto kIcqNames = SortedNames({
+    {0x3C, "Offline Messages Request"}, {0x3E, "Offline Messages Delete"}, {0x41, "Offline Message"}, {0x42, "End of Offline Messages"},
+    {0x7D0, "Information Request"}, {0x7DA, "Information"}});
+constexpr auto kIcq = LittleRows<Oscar>({
+    Number(2, "Message Length"), Number(4, "User Number"), Hex(2, "Message Type", kIcqNames).Into(&Oscar::subtype),
+    Number(2, "Message Number")});
+constexpr auto kIcqSubtype = LittleRows<Oscar>({Hex(2, "Message Subtype")});
+void ShowIcq(const Place& in, Cursor& c, Oscar& out) {
+  constexpr uint32_t kInformation = 0x7D0;
+  ShowRows<Oscar>(in, c, kIcq, out);
+  if (out.subtype.value >= kInformation) ShowRows<Oscar>(in, c, kIcqSubtype, out);
+}
+constexpr auto kIcqTlvs = Choices<Oscar>({{0x01, "Message of the Other Service", {}, ShowIcq}});
+void ShowIcqTlvs(const Place& in, Cursor& c, Oscar& out) { ShowElements<Oscar>(in, c, kForm, "TLV", kIcqTlvs, out); }
+
 constexpr auto kKeyLength = Rows<Oscar>({Counted(2, Utf8(0, "Key"))});
 
 constexpr uint32_t Request(uint32_t family, uint32_t subtype) { return family << 16 | subtype; }
@@ -240,57 +367,57 @@ constexpr auto kSnacs = Choices<Oscar>({
     {Request(0x01, 0x02), "Client Ready", {}, ShowMany<kReady>}, {Request(0x01, 0x03), "Server Families", {}, ShowMany<kFamily>},
     {Request(0x01, 0x04), "Service Request", kFamily, ShowTlvs}, {Request(0x01, 0x05), "Redirect", {}, ShowSignOnTlvs},
     {Request(0x01, 0x06), "Rate Request"}, {Request(0x01, 0x07), "Rates", {}, ShowRates},
-    {Request(0x01, 0x08), "Rates Accepted", {}, ShowMany<kRateGroup>}, {Request(0x01, 0x0A), "Rate Change"},
-    {Request(0x01, 0x0B), "Pause"}, {Request(0x01, 0x0D), "Resume"}, {Request(0x01, 0x0E), "Own Information Request"},
-    {Request(0x01, 0x0F), "Own Information", {}, ShowUsers}, {Request(0x01, 0x10), "Warned"}, {Request(0x01, 0x11), "Idle", kIdle},
-    {Request(0x01, 0x12), "Migration"}, {Request(0x01, 0x13), "Message of the Day", kCapability, ShowTlvs},
-    {Request(0x01, 0x14), "Privacy Flags"}, {Request(0x01, 0x15), "Well-Known URLs"}, {Request(0x01, 0x16), "No Operation"},
+    {Request(0x01, 0x08), "Rates Accepted", {}, ShowMany<kRateGroup>}, {Request(0x01, 0x0A), "Rate Change", {}, ShowRateChange},
+    {Request(0x01, 0x0B), "Pause", {}, ShowMany<kFamily>}, {Request(0x01, 0x0C), "Paused", {}, ShowMany<kFamily>}, {Request(0x01, 0x0D), "Resume", {}, ShowMany<kFamily>}, {Request(0x01, 0x0E), "Own Information Request"},
+    {Request(0x01, 0x0F), "Own Information", {}, ShowUsers}, {Request(0x01, 0x10), "Warned", kWarned, ShowUsers}, {Request(0x01, 0x11), "Idle", kIdle},
+    {Request(0x01, 0x12), "Migration", {}, ShowMigration}, {Request(0x01, 0x13), "Message of the Day", kCapability, ShowTlvs},
+    {Request(0x01, 0x14), "Privacy Flags", kPrivacy}, {Request(0x01, 0x15), "Well-Known URLs", {}, ShowTlvs}, {Request(0x01, 0x16), "No Operation"},
     {Request(0x01, 0x17), "Client Versions", {}, ShowMany<kVersion>}, {Request(0x01, 0x18), "Server Versions", {}, ShowMany<kVersion>},
-    {Request(0x01, 0x1E), "Status", {}, ShowTlvs}, {Request(0x01, 0x1F), "Client Verification Request"},
-    {Request(0x01, 0x20), "Client Verification"}, {Request(0x01, 0x21), "Extended Status"},
+    {Request(0x01, 0x1E), "Status", {}, ShowTlvs}, {Request(0x01, 0x1F), "Client Verification Request", kVerify},
+    {Request(0x01, 0x20), "Client Verification", kVerified}, {Request(0x01, 0x21), "Extended Status", {}, ShowMany<kStatusItem>},
     {Request(0x02, 0x02), "Limits Request"}, {Request(0x02, 0x03), "Limits", {}, ShowTlvs},
     {Request(0x02, 0x04), "Set Information", {}, ShowLocationTlvs}, {Request(0x02, 0x05), "User Information Request", {}, ShowUserRequest},
-    {Request(0x02, 0x06), "User Information", {}, ShowUserAndLocation}, {Request(0x02, 0x07), "Watcher Subscription"},
-    {Request(0x02, 0x08), "Watcher Notification"}, {Request(0x02, 0x09), "Set Directory Information", {}, ShowTlvs},
-    {Request(0x02, 0x0B), "Directory Information Request", {}, ShowNames}, {Request(0x02, 0x0C), "Directory Information"},
-    {Request(0x02, 0x15), "Newer User Information Request"},
+    {Request(0x02, 0x06), "User Information", {}, ShowUserAndLocation}, {Request(0x02, 0x07), "Watcher Subscription", {}, ShowNames},
+    {Request(0x02, 0x08), "Watcher Notification", {}, ShowNames}, {Request(0x02, 0x09), "Set Directory Information", {}, ShowTlvs},
+    {Request(0x02, 0x0A), "Set Directory Information Result", kStatus}, {Request(0x02, 0x0B), "Directory Information Request", {}, ShowNames}, {Request(0x02, 0x0C), "Directory Information", kAccount, ShowTlvs},
+    {Request(0x02, 0x15), "Newer User Information Request", {}, ShowWideUserRequest},
     {Request(0x03, 0x02), "Limits Request"}, {Request(0x03, 0x03), "Limits", {}, ShowTlvs},
     {Request(0x03, 0x04), "Add Buddies", {}, ShowNames}, {Request(0x03, 0x05), "Remove Buddies", {}, ShowNames},
     {Request(0x03, 0x0A), "Rejected Buddies", {}, ShowNames}, {Request(0x03, 0x0B), "Buddy Arrived", {}, ShowUsers},
     {Request(0x03, 0x0C), "Buddy Left", {}, ShowUsers},
-    {Request(0x04, 0x02), "Set Parameters"}, {Request(0x04, 0x03), "Reset Parameters"}, {Request(0x04, 0x04), "Parameters Request"},
-    {Request(0x04, 0x05), "Parameters"}, {Request(0x04, 0x06), "Message Sent", {}, ShowSentMessage},
-    {Request(0x04, 0x07), "Message Received", {}, ShowReceivedMessage}, {Request(0x04, 0x08), "Warning"},
-    {Request(0x04, 0x09), "Warning Result"}, {Request(0x04, 0x0A), "Missed Messages"}, {Request(0x04, 0x0B), "Client Response"},
+    {Request(0x04, 0x02), "Set Parameters", kParameters}, {Request(0x04, 0x03), "Reset Parameters"}, {Request(0x04, 0x04), "Parameters Request"},
+    {Request(0x04, 0x05), "Parameters", kParameters}, {Request(0x04, 0x06), "Message Sent", {}, ShowSentMessage},
+    {Request(0x04, 0x07), "Message Received", {}, ShowReceivedMessage}, {Request(0x04, 0x08), "Warning", {}, ShowWarning},
+    {Request(0x04, 0x09), "Warning Result", kWarningResult}, {Request(0x04, 0x0A), "Missed Messages", {}, ShowMissed}, {Request(0x04, 0x0B), "Client Response", {}, ShowClientResponse},
     {Request(0x04, 0x0C), "Message Acknowledgement", kMessageHead, ShowNames}, {Request(0x04, 0x14), "Typing", {}, ShowTyping},
-    {Request(0x07, 0x02), "Account Information Request", {}, ShowTlvs}, {Request(0x07, 0x03), "Account Information"},
-    {Request(0x07, 0x04), "Account Change", {}, ShowTlvs}, {Request(0x07, 0x05), "Account Change Result"},
-    {Request(0x07, 0x06), "Confirmation Request"}, {Request(0x07, 0x07), "Confirmation"},
+    {Request(0x07, 0x02), "Account Information Request", {}, ShowTlvs}, {Request(0x07, 0x03), "Account Information", kAccount, ShowTlvs},
+    {Request(0x07, 0x04), "Account Change", {}, ShowTlvs}, {Request(0x07, 0x05), "Account Change Result", kAccount, ShowTlvs},
+    {Request(0x07, 0x06), "Confirmation Request"}, {Request(0x07, 0x07), "Confirmation", kStatus, ShowTlvs},
     {Request(0x08, 0x02), "Popup", {}, ShowTlvs},
-    {Request(0x09, 0x02), "Limits Request"}, {Request(0x09, 0x03), "Limits", {}, ShowTlvs}, {Request(0x09, 0x04), "Permitted Classes"},
+    {Request(0x09, 0x02), "Limits Request"}, {Request(0x09, 0x03), "Limits", {}, ShowTlvs}, {Request(0x09, 0x04), "Permitted Classes", kClasses},
     {Request(0x09, 0x05), "Add Permitted", {}, ShowNames}, {Request(0x09, 0x06), "Remove Permitted", {}, ShowNames},
     {Request(0x09, 0x07), "Add Denied", {}, ShowNames}, {Request(0x09, 0x08), "Remove Denied", {}, ShowNames},
     {Request(0x0A, 0x02), "Search by E-Mail Address", {}, ShowText}, {Request(0x0A, 0x03), "Search Result", {}, ShowTlvs},
-    {Request(0x0B, 0x02), "Report Interval"}, {Request(0x0B, 0x03), "Report"}, {Request(0x0B, 0x04), "Report Acknowledgement"},
-    {Request(0x0D, 0x02), "Limits Request"}, {Request(0x0D, 0x03), "Exchange Request"}, {Request(0x0D, 0x04), "Room Request"},
-    {Request(0x0D, 0x08), "Room Creation"}, {Request(0x0D, 0x09), "Information", {}, ShowTlvs},
-    {Request(0x0E, 0x02), "Room Information"}, {Request(0x0E, 0x03), "Users Joined", {}, ShowUsers},
+    {Request(0x0B, 0x02), "Report Interval", kInterval}, {Request(0x0B, 0x03), "Report", {}, ShowTlvs}, {Request(0x0B, 0x04), "Report Acknowledgement"},
+    {Request(0x0D, 0x02), "Limits Request"}, {Request(0x0D, 0x03), "Exchange Request", kExchange}, {Request(0x0D, 0x04), "Room Request", kRoom},
+    {Request(0x0D, 0x08), "Room Creation", {}, ShowRoom}, {Request(0x0D, 0x09), "Information", {}, ShowTlvs},
+    {Request(0x0E, 0x02), "Room Information", {}, ShowRoom}, {Request(0x0E, 0x03), "Users Joined", {}, ShowUsers},
     {Request(0x0E, 0x04), "Users Left", {}, ShowUsers}, {Request(0x0E, 0x05), "Message Sent", {}, ShowChatMessage},
     {Request(0x0E, 0x06), "Message Received", {}, ShowChatMessage},
-    {Request(0x0F, 0x02), "Directory Search", {}, ShowTlvs}, {Request(0x0F, 0x03), "Directory Search Result"},
-    {Request(0x10, 0x02), "Icon Upload"}, {Request(0x10, 0x03), "Icon Upload Result"}, {Request(0x10, 0x04), "Icon Request"},
-    {Request(0x10, 0x05), "Icon"},
+    {Request(0x0F, 0x02), "Directory Search", {}, ShowTlvs}, {Request(0x0F, 0x03), "Directory Search Result", {}, ShowSearchResults},
+    {Request(0x10, 0x02), "Icon Upload", kIconUpload}, {Request(0x10, 0x03), "Icon Upload Result", kIconStored}, {Request(0x10, 0x04), "Icon Request", {}, ShowIconRequest},
+    {Request(0x10, 0x05), "Icon", {}, ShowIcon},
     {Request(0x13, 0x02), "Limits Request", {}, ShowTlvs}, {Request(0x13, 0x03), "Limits", {}, ShowTlvs},
     {Request(0x13, 0x04), "Roster Request"}, {Request(0x13, 0x05), "Roster if Changed", kRosterState},
     {Request(0x13, 0x06), "Roster", {}, ShowRoster}, {Request(0x13, 0x07), "Roster in Use"}, {Request(0x13, 0x08), "Add Items", {}, ShowItems},
     {Request(0x13, 0x09), "Update Items", {}, ShowItems}, {Request(0x13, 0x0A), "Remove Items", {}, ShowItems},
     {Request(0x13, 0x0E), "Results", {}, ShowMany<kResult>}, {Request(0x13, 0x0F), "Roster Unchanged", kRosterState},
-    {Request(0x13, 0x11), "Edit Begins"}, {Request(0x13, 0x12), "Edit Ends"}, {Request(0x13, 0x14), "Authorization Granted"},
-    {Request(0x13, 0x18), "Authorization Request"}, {Request(0x13, 0x19), "Authorization Asked"},
-    {Request(0x13, 0x1A), "Authorization Reply"}, {Request(0x13, 0x1B), "Authorization Answered"}, {Request(0x13, 0x1C), "Added"},
-    {Request(0x15, 0x02), "Request", {}, ShowTlvs}, {Request(0x15, 0x03), "Response", {}, ShowTlvs},
+    {Request(0x13, 0x11), "Edit Begins"}, {Request(0x13, 0x12), "Edit Ends"}, {Request(0x13, 0x14), "Authorization Granted", {}, ShowAuthorization}, {Request(0x13, 0x15), "Authorization Given", {}, ShowAuthorization},
+    {Request(0x13, 0x18), "Authorization Request", {}, ShowAuthorization}, {Request(0x13, 0x19), "Authorization Asked", {}, ShowAuthorization},
+    {Request(0x13, 0x1A), "Authorization Reply", {}, ShowAuthorizationReply}, {Request(0x13, 0x1B), "Authorization Answered", {}, ShowAuthorizationReply}, {Request(0x13, 0x1C), "Added", {}, ShowNames},
+    {Request(0x15, 0x02), "Request", {}, ShowIcqTlvs}, {Request(0x15, 0x03), "Response", {}, ShowIcqTlvs},
     {Request(0x17, 0x02), "Login", {}, ShowSignOnTlvs}, {Request(0x17, 0x03), "Login Result", {}, ShowSignOnTlvs},
-    {Request(0x17, 0x04), "Registration"}, {Request(0x17, 0x05), "Registration Result"},
+    {Request(0x17, 0x04), "Registration", {}, ShowTlvs}, {Request(0x17, 0x05), "Registration Result", {}, ShowTlvs},
     {Request(0x17, 0x06), "Key Request", {}, ShowSignOnTlvs}, {Request(0x17, 0x07), "Key", kKeyLength},
     {Request(0x17, 0x0A), "Token Request"}, {Request(0x17, 0x0B), "Token"}});
 constexpr Choice<Oscar> kAnyError{1, "Error", {}, ShowErrorTlvs};   // of every family
