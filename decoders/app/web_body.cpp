@@ -285,6 +285,13 @@ void NoteBodyField(const TextSlice& name, const TextSlice& value, WebBody& body)
     body.content = WebContentOf(value);
   } else if (IsWord(word, "content-encoding")) {
     NoteContentCoding(value, body);
+  } else if (IsWord(word, "capsule-protocol") && value.length >= 2 && value.text[1] == '1') {   // "?1"
+    body.content = WebContent::kCapsules;
+  } else if (IsWord(word, ":protocol")) {
+    const Field protocol{reinterpret_cast<const uint8_t*>(value.text), 0, value.length, 0, true};
+    const bool isTunnel = IsWord(protocol, "connect-udp") || IsWord(protocol, "connect-ip");
+    if (isTunnel) body.content = WebContent::kCapsules;
+    if (IsWord(protocol, "webtransport")) body.content = WebContent::kSessionCapsules;
   } else if (IsWord(word, "grpc-encoding")) {
     const Field coding{reinterpret_cast<const uint8_t*>(value.text), 0, value.length, 0, true};
     body.isGzip = IsWord(coding, "gzip");
@@ -295,6 +302,10 @@ void NoteBodyField(const TextSlice& name, const TextSlice& value, WebBody& body)
 void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const WebStreamKey* key) {
   const KeyedAs keys(PacketOf(in), "web");
   const bool isFirst = !body.hasBegun, joins = key && IsJoined(in, body);
+  if (body.content == WebContent::kCapsules || body.content == WebContent::kSessionCapsules) {
+    body.hasBegun = true;
+    return ShowCapsules(in, c, body);
+  }
   if (body.content == WebContent::kGrpc) {
     body.hasBegun = true;
     ShowGrpc(in, c, body, joins ? key : nullptr);

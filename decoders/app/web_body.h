@@ -5,7 +5,8 @@
 
 namespace qxview {
 
-enum class WebContent : uint8_t { kUnknown, kJson, kXml, kForm, kText, kParts, kImage, kProtobuf, kGrpc, kWebSocket, kOther };
+enum class WebContent : uint8_t { kUnknown, kJson, kXml, kForm, kText, kParts, kImage, kProtobuf, kGrpc, kWebSocket, kCapsules,
+                                  kSessionCapsules, kOther };
 
 // What is known of a body, and how far it was shown.
 struct WebBody {
@@ -20,6 +21,7 @@ struct WebBody {
 WebContent WebContentOf(const TextSlice& type);                     // a media type with its parameters
 // All that is left; `ends`: the body ends behind it. With a key and Reassembly what comes in pieces is shown when it is whole.
 void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends = false, const WebStreamKey* key = nullptr);
+void ShowCapsules(const Place& in, Cursor& c, WebBody& body);       // capsules.cpp
 // The parts of a body; `boundary` as its header says it, empty where that is not known.
 void ShowWebParts(const Place& in, Cursor& c, const Field& boundary, int32_t depth);
 void NoteContentCoding(const TextSlice& coding, WebBody& body);
