@@ -12,6 +12,14 @@ using Direction = TcpConnections::Direction;
 using Gap = TcpConnections::Gap;
 constexpr size_t kMostGaps = TcpConnections::kMostGaps;
 
+// What keeps a connection alive: the last byte once more, or none in its place. It is no data sent again, and what answers it no
+// acknowledgement once more.
+bool IsProbe(const TcpHeader& header, const Direction& way, uint32_t length) {
+  constexpr uint32_t kMost = 1;
+  return !(header.flags & (kTcpSyn | kTcpFin | kTcpReset)) && length <= kMost && way.started &&
+         SequenceDistance(header.sequence, way.next) == 1;
+}
+
 // A segment with data: whether it fills a gap, was there before, or leaves a gap in front of it.
 void TakeData(Connection* connection, Direction* way, uint32_t sequence, uint32_t length) {
   const uint32_t end = sequence + length;
@@ -26,7 +34,6 @@ void TakeData(Connection* connection, Direction* way, uint32_t sequence, uint32_
     if (way->gapCount == kMostGaps) std::memmove(way->gaps, way->gaps + 1, sizeof(Gap) * --way->gapCount);
     way->gaps[way->gapCount++] = {way->next, sequence};
   } else if (ahead < 0) {
-    constexpr uint32_t kProbe = 1;   // a byte that keeps the connection alive is no data sent again
     for (uint32_t i = 0; i < way->gapCount; ++i) {
       Gap& gap = way->gaps[i];
       if (SequenceDistance(gap.first, sequence) < 0 || SequenceDistance(gap.end, sequence) >= 0) continue;
@@ -35,7 +42,7 @@ void TakeData(Connection* connection, Direction* way, uint32_t sequence, uint32_
       if (SequenceDistance(gap.first, gap.end) <= 0) gap = way->gaps[--way->gapCount];
       return;
     }
-    if (length > kProbe || ahead != -1) ++connection->trouble.again;
+    if (!way->probed) ++connection->trouble.again;
   }
   if (SequenceDistance(way->next, end) > 0) way->next = end;
 }
@@ -62,7 +69,7 @@ void Count(Connection* c, Direction* way, Direction* back, const TcpHeader& head
   const bool isPlain = !(header.flags & (kTcpSyn | kTcpFin | kTcpReset));
   if (header.window == 0 && isPlain) ++c->trouble.zeroWindows;
   if (isAck && isPlain && length == 0) {
-    if (way->hasAcknowledged && way->acknowledged == header.acknowledgement && way->window == header.window &&
+    if (!back->probed && way->hasAcknowledged && way->acknowledged == header.acknowledgement && way->window == header.window &&
         header.window != 0 && way->started && header.sequence == way->next) {
       ++c->trouble.duplicates;
     }
@@ -72,6 +79,7 @@ void Count(Connection* c, Direction* way, Direction* back, const TcpHeader& head
     way->acknowledged = header.acknowledgement;
     way->window = header.window;
   }
+  way->probed = IsProbe(header, *way, length);
   const uint32_t taken = length + (isSyn ? 1 : 0) + (header.flags & kTcpFin ? 1 : 0);
   if (isSyn) {   // a connection starts, or its first segment comes again
     if (!StartsWay(header, *way, *back)) return;

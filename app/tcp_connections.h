@@ -19,7 +19,7 @@ class TcpConnections {
     uint32_t first, end;
   };
   struct Direction {
-    bool started = false, hasStart = false;
+    bool started = false, hasStart = false, probed = false;   // the last: by its last segment
     uint32_t start = 0;              // the number of its SYN
     uint32_t next = 0;               // the sequence number behind all that was seen
     Gap gaps[kMostGaps];

@@ -174,6 +174,15 @@ class Questions(unittest.TestCase):
             row = self.rows("stat", "tcp", path, "--modern")[0]
             self.assertEqual([row[name] for name in ("retransmissions", "out_of_order", "missing")], [0, 0, 0])
 
+    def test_ends_that_come_again_count_and_answers_to_probes_do_not(self):
+        ack, data = [tcp(80, 1025, 500, 104, 0x10)] * 2, b"once"
+        frames = [tcp(1025, 80, 100, 500, 0x18, data), *ack, tcp(1025, 80, 103, 500, 0x10, b"e"), *ack]   # the last byte again: a probe
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            write_capture(path, frames + [tcp(1025, 80, 108, 500, 0x18, data), *ack] + [tcp(1025, 80, 112, 500, 0x11)] * 3)
+            row = self.rows("stat", "tcp", path, "--modern")[0]
+            self.assertEqual([row[name] for name in ("retransmissions", "missing", "duplicate_acks")], [2, 1, 3])
+
     def test_methods_that_an_answer_allows_are_no_requests(self):
         answer = b"HTTP/1.1 200 OK\r\nAccess-Control-Allow-Methods: GET, POST\r\nContent-Length: 0\r\n\r\n"
         with tempfile.TemporaryDirectory() as folder:
