@@ -1,5 +1,9 @@
 #include "app/json_writer.h"
 
+#include <algorithm>
+#include <cstring>
+
+#include "app/fast_text.h"
 #include "app/packet_run.h"
 #include "core/digits.h"
 #include "core/line_facts.h"
@@ -88,16 +92,26 @@ void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) 
   BytePiece earlier[kMostEarlier];
   const OwnRange own = OwnRangeOfLine(&session.Context(), &tree, line, earlier, kMostEarlier);
   SplitByteRange(&own.range, &kind, &offset, &length);
-  out.Put("{\"text\":");
-  PutJsonText(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))});
-  out.Put(",\"offset\":");
-  PutNumber(out, offset);
-  out.Put(",\"length\":");
-  PutNumber(out, length);
-  out.Put(",\"kind\":");
-  PutNumber(out, kind);
-  out.Put(",\"image\":");
-  PutNumber(out, tree.Image(line));
+  const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+  constexpr size_t kNumbers = 200;   // what stands beside the text
+  if (const size_t room = kLongestEscape * text.size() + kWrittenAhead + kNumbers; room <= Output::kMostRoom) {
+    char* at = PutEscaped<true>(PutLiteral(out.Room(room), "{\"text\":\""), text);
+    at = PutSigned(PutLiteral(at, "\",\"offset\":"), offset);
+    at = PutDecimal(PutLiteral(at, ",\"length\":"), length);
+    at = PutSigned(PutLiteral(at, ",\"kind\":"), kind);
+    out.Took(PutSigned(PutLiteral(at, ",\"image\":"), tree.Image(line)));
+  } else {
+    out.Put("{\"text\":");
+    PutJsonText(out, text);
+    out.Put(",\"offset\":");
+    PutNumber(out, offset);
+    out.Put(",\"length\":");
+    PutNumber(out, length);
+    out.Put(",\"kind\":");
+    PutNumber(out, kind);
+    out.Put(",\"image\":");
+    PutNumber(out, tree.Image(line));
+  }
   if (IsDerived(&session.Context(), tree.RangeIndex(line))) out.Put(",\"derived\":true");
   PutOrigin(out, own, earlier, kMostEarlier);
   if (withKeys) PutFact(out, session.Context(), tree.RangeIndex(line));
@@ -142,32 +156,25 @@ void PutListing(Output& out, const PacketListing& listing) {
 void PutBytes(Output& out, const FrameRecord* record) {
   out.Put(",\"bytes\":\"");
   const uint8_t* const data = FrameData(record);
-  for (int32_t i = 0; i < record->capturedLength; ++i) out.Put({kHexPairs + 2 * data[i], 2});
+  constexpr int32_t kPiece = 8192;
+  for (int32_t i = 0; i < record->capturedLength;) {
+    char* at = out.Room(2 * kPiece);
+    for (const int32_t end = std::min<int32_t>(record->capturedLength, i + kPiece); i < end; ++i, at += 2) {
+      std::memcpy(at, kHexPairs + 2 * data[i], 2);
+    }
+    out.Took(at);
+  }
   out.Put('"');
 }
 
 }  // namespace
 
 void PutJsonText(Output& out, std::string_view text) {
+  constexpr size_t kPiece = 4096;
   out.Put('"');
-  size_t plain = 0;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const uint8_t c = static_cast<uint8_t>(text[i]);
-    if (c >= 0x20 && c < 0x7F && c != '"' && c != '\\') continue;
-    out.Put(text.substr(plain, i - plain));
-    plain = i + 1;
-    char scratch[8];
-    if (c == '"' || c == '\\') {
-      out.Put('\\');
-      out.Put(static_cast<char>(c));
-    } else if (c < 0x20 || c == 0x7F) {
-      out.Put("\\u00");
-      out.Put({kHexPairs + 2 * c, 2});
-    } else {
-      out.Put(Utf8Of(c, scratch));
-    }
+  for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
+    out.Took(PutEscaped<true>(out.Room(kLongestEscape * kPiece + kWrittenAhead), text.substr(0, kPiece)));
   }
-  out.Put(text.substr(plain));
   out.Put('"');
 }
 

@@ -20,6 +20,13 @@ class Output {
   void EscapeForTerminal();
   void Put(std::string_view text) { WriteOutput(&file_, text.data(), static_cast<int32_t>(text.size())); }
   void Put(char c) { WriteOutput(&file_, &c, 1); }
+  // Room for so many bytes, kMostRoom at most, in the buffer; behind them Took says where they end.
+  static constexpr size_t kMostRoom = 48u << 10;
+  char* Room(size_t wanted) {
+    if (sizeof file_.buffer - static_cast<size_t>(file_.used) < wanted) Flush();
+    return file_.buffer + file_.used;
+  }
+  void Took(const char* end) { file_.used = static_cast<int32_t>(end - file_.buffer); }
   void Flush() { FlushOutput(&file_); }
   bool Failed() const { return file_.failed; }
   OutputFile* File() { return &file_; }

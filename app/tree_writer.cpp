@@ -1,8 +1,10 @@
 #include "app/tree_writer.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "app/colors.h"
+#include "app/fast_text.h"
 #include "core/frame_rows.h"
 #include "core/line_facts.h"
 #include "core/safe_text.h"
@@ -64,8 +66,24 @@ void PutDumpRow(Output& out, std::string_view text) {
   PutSafeText(out, row);
 }
 
+// Indent and text, for the style that nearly all lines are written in. False for a text that is too long for that.
+bool PutPlainLine(Output& out, std::string_view text, size_t depth) {
+  const size_t room = 2 * depth + kLongestEscape * text.size() + kWrittenAhead;
+  if (room > Output::kMostRoom) return false;
+  char* at = out.Room(room);
+  for (size_t i = 0; i < 2 * depth; i += 8) std::memset(at + i, ' ', 8);
+  at = PutEscaped<false>(at + 2 * depth, text);
+  *at++ = '\n';
+  out.Took(at);
+  return true;
+}
+
 void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
+  const bool isPlain = !style.colors && !style.ranges && !style.keys && !style.markColumn && !style.cells;
+  if (isPlain && PutPlainLine(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))}, static_cast<size_t>(depth))) {
+    return;
+  }
   if (style.markColumn) out.Put(line == style.marked ? '>' : ' ');
   for (int32_t i = 0; i < depth; ++i) out.Put("  ");
   const char* color = style.colors ? ColorOf(tree.Image(line), depth == 0) : kNoColor;
@@ -93,7 +111,10 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
 }  // namespace
 
 void PutSafeText(Output& out, std::string_view text) {
-  PutSafely(text, [&out](std::string_view piece) { out.Put(piece); });
+  constexpr size_t kPiece = 4096;
+  for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
+    out.Took(PutEscaped<false>(out.Room(kLongestEscape * kPiece + kWrittenAhead), text.substr(0, kPiece)));
+  }
 }
 
 int32_t CellsOf(std::string_view text) {

@@ -1,0 +1,137 @@
+// The innermost steps of writing lines: a text with its escapes, and numbers, straight into an output's buffer.
+#pragma once
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include "core/digits.h"
+#include "core/safe_text.h"
+
+namespace qxview {
+
+// What stands for each character of Windows-1252; one that stands for itself is plain.
+struct EscapeTable {
+  struct Form {
+    uint8_t length;
+    char bytes[7];
+  };
+  Form forms[256];
+};
+
+constexpr void AddByte(EscapeTable::Form& form, uint32_t byte) { form.bytes[form.length++] = static_cast<char>(byte); }
+
+constexpr EscapeTable::Form Utf8Form(uint32_t point) {
+  EscapeTable::Form form{};
+  if (point < 0x80) {
+    AddByte(form, point);
+  } else if (point < 0x800) {
+    AddByte(form, 0xC0 | point >> 6);
+    AddByte(form, 0x80 | (point & 0x3F));
+  } else {
+    AddByte(form, 0xE0 | point >> 12);
+    AddByte(form, 0x80 | (point >> 6 & 0x3F));
+    AddByte(form, 0x80 | (point & 0x3F));
+  }
+  return form;
+}
+
+// For terminals: UTF-8, controls as \xNN.
+constexpr EscapeTable MakeTerminalForms() {
+  EscapeTable table{};
+  for (uint32_t c = 0; c < 256; ++c) {
+    EscapeTable::Form& form = table.forms[c];
+    form = Utf8Form(CodeOfWindows1252(static_cast<uint8_t>(c)));
+    if (!IsControlCharacter(static_cast<uint8_t>(c))) continue;
+    form = {};
+    for (const char part : {'\\', 'x', kHexUpper[c >> 4], kHexUpper[c & 15]}) AddByte(form, static_cast<uint8_t>(part));
+  }
+  return table;
+}
+inline constexpr EscapeTable kTerminalForms = MakeTerminalForms();
+
+// For JSON: UTF-8, quotation marks and controls escaped.
+constexpr EscapeTable MakeJsonForms() {
+  EscapeTable table{};
+  for (uint32_t c = 0; c < 256; ++c) {
+    EscapeTable::Form& form = table.forms[c];
+    form = Utf8Form(CodeOfWindows1252(static_cast<uint8_t>(c)));
+    if (c == '"' || c == '\\') {
+      form = {2, {'\\', static_cast<char>(c)}};
+    } else if (c < 0x20 || c == 0x7F) {
+      form = {6, {'\\', 'u', '0', '0', kHexUpper[c >> 4], kHexUpper[c & 15]}};
+    }
+  }
+  return table;
+}
+inline constexpr EscapeTable kJsonForms = MakeJsonForms();
+
+// How long a text may get, and how much further this writes without meaning it.
+constexpr size_t kLongestEscape = 6, kWrittenAhead = 16;
+
+// Writes a text of Windows-1252 by the table's forms, and returns its end. `to` has room for kLongestEscape times the text, and
+// kWrittenAhead.
+template <bool kIsJson>
+inline char* PutEscaped(char* to, std::string_view text) {
+  const EscapeTable& table = kIsJson ? kJsonForms : kTerminalForms;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+#ifdef __SSE2__
+  // Sixteen at once; of those that are not all plain the ones in front are good, and the loop goes on behind the first other.
+  const __m128i blank = _mm_set1_epi8(0x20), del = _mm_set1_epi8(0x7F), quote = _mm_set1_epi8('"'), slash = _mm_set1_epi8('\\');
+  while (end - at >= 16) {
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), c);
+    __m128i other = _mm_or_si128(_mm_cmplt_epi8(c, blank), _mm_cmpeq_epi8(c, del));   // from 80 on is below zero
+    if (kIsJson) other = _mm_or_si128(other, _mm_or_si128(_mm_cmpeq_epi8(c, quote), _mm_cmpeq_epi8(c, slash)));
+    const uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(other));
+    const uint32_t plain = mask ? static_cast<uint32_t>(__builtin_ctz(mask)) : 16;
+    at += plain;
+    to += plain;
+    if (!mask) continue;
+    do {
+      const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
+      std::memcpy(to, form.bytes, sizeof form.bytes);
+      to += form.length;
+    } while (at < end && static_cast<int8_t>(*at) < 0x20);   // they come in runs
+  }
+#endif
+  while (at < end) {
+    const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
+    std::memcpy(to, form.bytes, sizeof form.bytes);
+    to += form.length;
+  }
+  return to;
+}
+
+inline char* PutLiteral(char* to, std::string_view text) {
+  std::memcpy(to, text.data(), text.size());
+  return to + text.size();
+}
+
+// The decimal digits of a number: 20 at most.
+inline char* PutDecimal(char* to, uint64_t number) {
+  if (number < 10) {
+    *to = static_cast<char>('0' + number);
+    return to + 1;
+  }
+  if (number < 100) {
+    std::memcpy(to, kDigitPairs.decimal + 2 * number, 2);
+    return to + 2;
+  }
+  char digits[24];
+  char* const end = digits + sizeof digits;
+  const char* const first = WriteDecimal(end, number);
+  CopyShort(to, first, static_cast<size_t>(end - first));
+  return to + (end - first);
+}
+
+inline char* PutSigned(char* to, int64_t number) {
+  if (number < 0) *to++ = '-';
+  return PutDecimal(to, number < 0 ? 0 - static_cast<uint64_t>(number) : static_cast<uint64_t>(number));
+}
+
+}  // namespace qxview
