@@ -1,5 +1,6 @@
 // The innermost steps of writing lines: a text with its escapes, and numbers, straight into an output's buffer.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -73,8 +74,8 @@ inline constexpr EscapeTable kJsonForms = MakeJsonForms();
 constexpr size_t kLongestEscape = 6, kWrittenAhead = 16;
 
 // Writes a text of Windows-1252 by the table's forms, and returns its end. `to` has room for kLongestEscape times the text, and
-// kWrittenAhead.
-template <bool kIsJson>
+// kWrittenAhead; `readsAhead` where sixteen bytes behind the text may be read.
+template <bool kIsJson, bool readsAhead = false>
 inline char* PutEscaped(char* to, std::string_view text) {
   const EscapeTable& table = kIsJson ? kJsonForms : kTerminalForms;
   const char* at = text.data();
@@ -82,16 +83,17 @@ inline char* PutEscaped(char* to, std::string_view text) {
 #ifdef __SSE2__
   // Sixteen at once; of those that are not all plain the ones in front are good, and the loop goes on behind the first other.
   const __m128i blank = _mm_set1_epi8(0x20), del = _mm_set1_epi8(0x7F), quote = _mm_set1_epi8('"'), slash = _mm_set1_epi8('\\');
-  while (end - at >= 16) {
+  while (readsAhead ? at < end : end - at >= 16) {
     const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), c);
     __m128i other = _mm_or_si128(_mm_cmplt_epi8(c, blank), _mm_cmpeq_epi8(c, del));   // from 80 on is below zero
     if (kIsJson) other = _mm_or_si128(other, _mm_or_si128(_mm_cmpeq_epi8(c, quote), _mm_cmpeq_epi8(c, slash)));
-    const uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(other));
-    const uint32_t plain = mask ? static_cast<uint32_t>(__builtin_ctz(mask)) : 16;
+    const uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(other)) | 0x10000;   // at most sixteen are plain
+    const uint32_t plain = static_cast<uint32_t>(__builtin_ctz(mask));
+    if (readsAhead && end - at <= static_cast<ptrdiff_t>(plain)) return to + (end - at);
     at += plain;
     to += plain;
-    if (!mask) continue;
+    if (plain == 16) continue;
     do {
       const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
       std::memcpy(to, form.bytes, sizeof form.bytes);

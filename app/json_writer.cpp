@@ -95,7 +95,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) 
   const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
   constexpr size_t kNumbers = 200;   // what stands beside the text
   if (const size_t room = kLongestEscape * text.size() + kWrittenAhead + kNumbers; room <= Output::kMostRoom) {
-    char* at = PutEscaped<true>(PutLiteral(out.Room(room), "{\"text\":\""), text);
+    char* at = PutEscaped<true, true>(PutLiteral(out.Room(room), "{\"text\":\""), text);
     at = PutSigned(PutLiteral(at, "\",\"offset\":"), offset);
     at = PutDecimal(PutLiteral(at, ",\"length\":"), length);
     at = PutSigned(PutLiteral(at, ",\"kind\":"), kind);
@@ -118,12 +118,12 @@ void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) 
 }
 
 void PutLines(Output& out, Session& session, const JsonPacket& packet) {
-  const TreeShape& shape = *packet.shape;
+  const TreeWalk walk(session, *packet.shape);
   const ArenaTree& tree = session.Tree();
   int32_t depth = 1;
-  for (LineHandle line = shape.FirstUnder(session, 0, 0); line;) {
+  for (LineHandle line = walk.FirstUnder(0, 0); line;) {
     PutLineHead(out, session, line, packet.withKeys);
-    if (const LineHandle child = shape.FirstUnder(session, line, depth)) {
+    if (const LineHandle child = walk.FirstUnder(line, depth)) {
       out.Put(",\"lines\":[");
       line = child;
       ++depth;
@@ -131,7 +131,7 @@ void PutLines(Output& out, Session& session, const JsonPacket& packet) {
     }
     out.Put('}');
     LineHandle next;
-    while (!(next = shape.Next(session, line)) && (line = tree.Parent(line))) {
+    while (!(next = walk.Next(line)) && (line = tree.Parent(line))) {
       out.Put("]}");
       --depth;
     }

@@ -22,6 +22,21 @@ struct TreeShape {
   LineHandle Next(Session& session, LineHandle line) const;
 };
 
+// The steps through a tree in some shape.
+class TreeWalk {
+ public:
+  TreeWalk(Session& session, const TreeShape& shape) : session_(session), shape_(shape), isWhole_(!shape.IsUsed()) {}
+  LineHandle FirstUnder(LineHandle line, int32_t depthOfLine) const {
+    return isWhole_ ? session_.Tree().FirstChild(line) : shape_.FirstUnder(session_, line, depthOfLine);
+  }
+  LineHandle Next(LineHandle line) const { return isWhole_ ? session_.Tree().NextSibling(line) : shape_.Next(session_, line); }
+
+ private:
+  Session& session_;
+  const TreeShape& shape_;
+  const bool isWhole_;
+};
+
 // --only, --depth and --no-dumps.
 void AddShapeOptions(Command* command, TreeShape* shape);
 

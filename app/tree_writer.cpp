@@ -66,13 +66,13 @@ void PutDumpRow(Output& out, std::string_view text) {
   PutSafeText(out, row);
 }
 
-// Indent and text, for the style that nearly all lines are written in. False for a text that is too long for that.
+// Indent and text of a tree's line, for the style that nearly all lines are written in. False for a text that is too long for that.
 bool PutPlainLine(Output& out, std::string_view text, size_t depth) {
   const size_t room = 2 * depth + kLongestEscape * text.size() + kWrittenAhead;
   if (room > Output::kMostRoom) return false;
   char* at = out.Room(room);
   for (size_t i = 0; i < 2 * depth; i += 8) std::memset(at + i, ' ', 8);
-  at = PutEscaped<false>(at + 2 * depth, text);
+  at = PutEscaped<false, true>(at + 2 * depth, text);
   *at++ = '\n';
   out.Took(at);
   return true;
@@ -127,16 +127,16 @@ int32_t CellsOf(std::string_view text) {
 void WriteTree(Output& out, Session& session, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
   int32_t depth = 0;
-  const TreeShape& shape = style.shape;
-  for (LineHandle line = shape.FirstUnder(session, 0, 0); line;) {
+  const TreeWalk walk(session, style.shape);
+  for (LineHandle line = walk.FirstUnder(0, 0); line;) {
     PutLine(out, session, line, depth, style);
-    if (const LineHandle child = shape.FirstUnder(session, line, depth + 1)) {
+    if (const LineHandle child = walk.FirstUnder(line, depth + 1)) {
       line = child;
       ++depth;
       continue;
     }
     LineHandle next;
-    while (!(next = shape.Next(session, line)) && (line = tree.Parent(line))) --depth;
+    while (!(next = walk.Next(line)) && (line = tree.Parent(line))) --depth;
     line = next;
   }
 }

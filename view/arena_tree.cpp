@@ -33,7 +33,7 @@ ArenaTree::~ArenaTree() {
 }
 
 bool ArenaTree::ReserveText(uint32_t length) {
-  const uint64_t wanted = uint64_t{textUsed_} + length;
+  const uint64_t wanted = uint64_t{textUsed_} + length + kReadableBehind;
   if (wanted <= textCapacity_) return true;
   return wanted <= kMostText && Grow(text_, textCapacity_, static_cast<uint32_t>(wanted), kFirstText);
 }
@@ -90,19 +90,12 @@ void ArenaTree::SetText(LineHandle line, const char* text, int32_t length) {
   node.textLength = static_cast<uint32_t>(length);
 }
 
-uint32_t ArenaTree::RangeIndex(LineHandle line) const { return Holds(line) ? nodes_[line - 1].rangeIndex : 0; }
 void ArenaTree::SetRangeIndex(LineHandle line, uint32_t index) {
   if (Holds(line)) nodes_[line - 1].rangeIndex = index;
-}
-int32_t ArenaTree::Image(LineHandle line) const { return Holds(line) ? nodes_[line - 1].image : 0; }
-LineHandle ArenaTree::FirstChild(LineHandle line) const {
-  return line == 0 ? firstTop_ : Holds(line) ? nodes_[line - 1].firstChild : 0;
 }
 LineHandle ArenaTree::LastChild(LineHandle line) const {
   return line == 0 ? lastTop_ : Holds(line) ? nodes_[line - 1].lastChild : 0;
 }
-LineHandle ArenaTree::NextSibling(LineHandle line) const { return Holds(line) ? nodes_[line - 1].next : 0; }
-LineHandle ArenaTree::Parent(LineHandle line) const { return Holds(line) ? nodes_[line - 1].parent : 0; }
 
 void ArenaTree::Delete(LineHandle line) {
   if (!Holds(line)) return;

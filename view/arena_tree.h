@@ -15,13 +15,15 @@ class ArenaTree final : public DecodeTree {
   LineHandle Append(const NewLine& line) override;
   int32_t GetText(LineHandle line, char* out, int32_t outSize) const override;
   void SetText(LineHandle line, const char* text, int32_t length) override;
-  uint32_t RangeIndex(LineHandle line) const override;
+  uint32_t RangeIndex(LineHandle line) const override { return Holds(line) ? nodes_[line - 1].rangeIndex : 0; }
   void SetRangeIndex(LineHandle line, uint32_t index) override;
-  int32_t Image(LineHandle line) const override;
-  LineHandle FirstChild(LineHandle line) const override;
+  int32_t Image(LineHandle line) const override { return Holds(line) ? nodes_[line - 1].image : 0; }
+  LineHandle FirstChild(LineHandle line) const override {
+    return line == 0 ? firstTop_ : Holds(line) ? nodes_[line - 1].firstChild : 0;
+  }
   LineHandle LastChild(LineHandle line) const override;
-  LineHandle NextSibling(LineHandle line) const override;
-  LineHandle Parent(LineHandle line) const override;
+  LineHandle NextSibling(LineHandle line) const override { return Holds(line) ? nodes_[line - 1].next : 0; }
+  LineHandle Parent(LineHandle line) const override { return Holds(line) ? nodes_[line - 1].parent : 0; }
   bool Holds(LineHandle line) const override { return line >= 1 && line <= nodeCount_; }   // deleted lines too
   bool IsExpanded(LineHandle line) const override { return Holds(line) && nodes_[line - 1].expanded; }
   LineHandle Selected() const override { return selected_; }
@@ -32,7 +34,8 @@ class ArenaTree final : public DecodeTree {
   void ScrollToTop() override {}
   void HoldRedraw(bool) override {}
 
-  // The text in place, terminated; good until the tree changes.
+  // The text in place, terminated; good until the tree changes. Behind it so many bytes more may be read, whatever they are.
+  static constexpr uint32_t kReadableBehind = 16;
   const char* TextOf(LineHandle line) const { return text_ + nodes_[line - 1].textOffset; }
   int32_t TextLength(LineHandle line) const { return static_cast<int32_t>(nodes_[line - 1].textLength); }
   uint32_t LineCount() const { return nodeCount_; }   // deleted lines included
