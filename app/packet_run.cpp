@@ -346,8 +346,23 @@ int PacketRun::ForEachFrame(const FrameHandler& handle) {
   });
 }
 
+namespace {
+
+// With --keep-going, behind all captures: those that are not whole in what was written.
+void TellUnread(const std::vector<std::string>& unread, size_t captures) {
+  constexpr size_t kMostNamed = 20;
+  if (unread.empty() || captures < 2) return;
+  std::string told = std::to_string(unread.size()) + " of " + std::to_string(captures) + " captures could not be read to their end: ";
+  for (size_t i = 0; i < std::min(unread.size(), kMostNamed); ++i) told.append(i > 0 ? ", " : "").append(unread[i]);
+  if (unread.size() > kMostNamed) told += " and " + std::to_string(unread.size() - kMostNamed) + " more, told above";
+  Tell(told);
+}
+
+}  // namespace
+
 int ForEachRun(const ReadingOptions& options, const std::function<bool(PacketRun& run)>& handle) {
   int status = kDone;
+  std::vector<std::string> unread;
   const size_t step = options.merge ? options.files.size() : 1;
   for (size_t i = 0; i < options.files.size(); i += step) {
     PacketRun run;
@@ -355,8 +370,10 @@ int ForEachRun(const ReadingOptions& options, const std::function<bool(PacketRun
     const bool opened = run.Open(options, {first, first + static_cast<ptrdiff_t>(step)});
     const bool goOn = opened ? handle(run) : run.OtherMayOpen();
     status = std::max(status, run.Status());
+    if (run.Status() == kFileFault && options.keepGoing && !options.merge) unread.push_back(*first);
     if (!goOn || IsInputEnded() || (run.Status() == kFileFault && !options.keepGoing)) break;
   }
+  TellUnread(unread, options.files.size());
   return status;
 }
 

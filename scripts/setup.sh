@@ -11,7 +11,7 @@ needed_by() {
   case $1 in
     build) echo "g++ cmake ninja-build pkg-config python3 zlib1g-dev libzstd-dev liblz4-dev libpcap-dev libsmi2-dev
                 libncurses-dev" ;;
-    test) echo "chromium chromium-driver libgtest-dev googletest iproute2 poppler-utils libpangocairo-1.0-0 fonts-dejavu-core python3-jsonschema tmux g++-mingw-w64-i686 libz-mingw-w64-dev" ;;
+    test) echo "parallel openssh-client openssh-server chromium chromium-driver libgtest-dev googletest iproute2 poppler-utils libpangocairo-1.0-0 fonts-dejavu-core python3-jsonschema tmux g++-mingw-w64-i686 libz-mingw-w64-dev" ;;
     wine) echo "wine wine32:i386 xvfb" ;;
     *) echo "setup: no group is called '$1' (build, test, wine)" >&2; exit 2 ;;
   esac
