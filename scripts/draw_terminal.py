@@ -6,7 +6,10 @@
 import re
 import sys
 
-from PIL import Image, ImageDraw, ImageFont
+try:
+    from PIL import Image, ImageDraw, ImageFont
+except ImportError:
+    sys.exit("draw_terminal: Python's imaging library is not installed (Debian: python3-pil; scripts/setup.sh test brings it along)")
 
 FONTS = "/usr/share/fonts/truetype/dejavu/DejaVuSansMono{}.ttf"
 SIZE, CELL = 15, (9, 19)

@@ -20,7 +20,7 @@ needed_by() {
 optional_for() {
   case $1 in
     build) echo "ccache libpangocairo-1.0-0 fonts-dejavu-core" ;;
-    test) echo "tshark tcpdump shellcheck g++-mingw-w64-x86-64" ;;
+    test) echo "tshark tcpdump shellcheck g++-mingw-w64-x86-64 python3-pil" ;;
     *) ;;
   esac
 }
