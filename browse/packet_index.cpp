@@ -85,9 +85,9 @@ bool PacketIndex::Begin() {
 // Brings the reader to what follows the last packet; also behind an end that was one for a while.
 bool PacketIndex::GoOn() {
   CaptureFrame frame;
-  if (positions_.empty()) return !caughtUp_ || reader_->Seek(reader_->FramePosition(), 1);
+  if (positions_.Count() == 0) return !caughtUp_ || reader_->Seek(reader_->FramePosition(), 1);
   if (!moved_ && !caughtUp_) return true;
-  return reader_->Seek(positions_.back(), positions_.size()) && reader_->Next(&frame) == ReadResult::kFrame;
+  return reader_->Seek(positions_.Last(), positions_.Count()) && reader_->Next(&frame) == ReadResult::kFrame;
 }
 
 bool PacketIndex::Advance(int32_t packets) {
@@ -105,7 +105,7 @@ bool PacketIndex::Advance(int32_t packets) {
     const ReadResult result = reader_->Next(&frame);
     readUntil_ = reader_->FilePosition();
     if (result == ReadResult::kFrame) {
-      positions_.push_back(reader_->FramePosition());
+      positions_.Add(reader_->FramePosition());
       continue;
     }
     caughtUp_ = true;
@@ -125,11 +125,11 @@ int PacketIndex::Percent() const {
 }
 
 bool PacketIndex::Fetch(uint64_t number, CaptureFrame* frame) {
-  if (number < 1 || number > positions_.size()) return false;
+  if (number < 1 || number > positions_.Count()) return false;
   const bool follows = moved_ && lastFetched_ + 1 == number;
   moved_ = true;
   lastFetched_ = number;
-  return (follows || reader_->Seek(positions_[number - 1], number)) && reader_->Next(frame) == ReadResult::kFrame;
+  return (follows || reader_->Seek(positions_.At(number - 1), number)) && reader_->Next(frame) == ReadResult::kFrame;
 }
 
 }  // namespace qxview

@@ -1,11 +1,11 @@
-// Where the packets of a capture stand in its file: 8 bytes a packet, made piece by piece while the first packets are looked
+// Where the packets of a capture stand in its file: some two bytes a packet, made piece by piece while the first packets are looked
 // at already. What the file gets meanwhile is read on; what comes once (standard input, compressed captures) is kept in a
 // temporary file and read from there.
 #pragma once
-#include <deque>
 #include <memory>
 #include <string>
 
+#include "browse/packed_numbers.h"
 #include "files/capture_reader.h"
 #include "files/temporary_file.h"
 
@@ -33,7 +33,7 @@ class PacketIndex {
   // Everything that is there now is in the index.
   bool IsCaughtUp() const { return caughtUp_; }
 
-  uint64_t Count() const { return positions_.size(); }
+  uint64_t Count() const { return positions_.Count(); }
   // 0 to 100; -1 where nobody knows.
   int Percent() const;
   // What is wrong behind the last packet; empty for nothing.
@@ -55,7 +55,7 @@ class PacketIndex {
   std::unique_ptr<CaptureInput> input_;
   std::shared_ptr<TemporaryFile> kept_;
   std::unique_ptr<CaptureReader> reader_;
-  std::deque<uint64_t> positions_;   // grows without being moved
+  PackedNumbers positions_;
   uint64_t readUntil_ = 0, lastFetched_ = 0;
   bool moved_ = false, ended_ = false, caughtUp_ = false;
 };

@@ -2,9 +2,11 @@
 // come through a pipe, the selected line and its bytes, filter and search.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
+#include "browse/packed_numbers.h"
 #include "browse/places.h"
 #include "browse/search.h"
 #include "browse/tree_pane.h"
@@ -141,6 +143,29 @@ Bytes BytesOfFile(const std::string& path) {
 
 void WorkToEnd(ViewedCapture& capture) {
   while (capture.Work()) {}
+}
+
+TEST(Browse, NumbersArePackedWhateverTheyAre) {
+  PackedNumbers packed;
+  std::vector<uint64_t> numbers;
+  uint64_t at = 24, seed = 7;
+  for (int32_t i = 0; i < 5000; ++i) {
+    seed = seed * 6364136223846793005u + 1442695040888963407u;
+    at += i % 97 == 0 ? seed >> 20 : i % 31 == 0 ? 65534 + i % 3 : seed >> 52;
+    numbers.push_back(at);
+    packed.Add(at);
+  }
+  ASSERT_EQ(packed.Count(), numbers.size());
+  EXPECT_EQ(packed.Last(), at);
+  for (size_t i = 0; i < numbers.size(); ++i) {
+    ASSERT_EQ(packed.At(i), numbers[i]) << i;
+    for (const uint64_t wanted : {numbers[i], numbers[i] + 1}) {
+      const auto place = std::lower_bound(numbers.begin(), numbers.end(), wanted) - numbers.begin();
+      ASSERT_EQ(packed.PlaceOf(wanted), static_cast<uint64_t>(place)) << i;
+    }
+  }
+  packed.Add(24);   // a file may go back
+  EXPECT_EQ(packed.At(5000), 24u);
 }
 
 TEST(Browse, APacketLooksTheSameInAnyOrder) {
