@@ -33,6 +33,7 @@ bool ViewedCapture::OpenSessions(const HostOptions& options, std::string* messag
   history_ = std::move(history);
   tree_ = std::move(tree);
   rows_ = std::move(rows);
+  print_ = nullptr;
   host_ = std::move(host);
   host_->Attach(tree_.get());
   probe_ = std::make_unique<Probe>(*rows_);
@@ -44,7 +45,7 @@ bool ViewedCapture::DecodeWith(const HostOptions& options, std::string* message)
   const uint64_t shown = shown_;
   if (!OpenSessions(options, message)) return false;
   parts_.host = options;
-  passed_.clear();
+  passed_.Clear();
   asked_ = 0;
   if (shown) Show(shown);
   return true;
@@ -58,7 +59,7 @@ bool ViewedCapture::Work() {
     // What stands alone is asked, too, where no more will be known of it.
     if (asked_ >= history_->Known() && history_->IsWhole()) break;
     did = true;
-    if (Asks(filter_->Keys(), ++asked_) && filter_->Holds()) passed_.push_back(asked_);
+    if (Asks(filter_->Keys(), ++asked_) && filter_->Holds()) passed_.Add(asked_);
   }
   return did;
 }
@@ -90,6 +91,22 @@ bool ViewedCapture::Show(uint64_t number) {
   shown_ = number;
   shownWhole_ = number <= history_->Known();
   WithAnswers(*tree_, number, false, [&] { tree_->Decode(shownRecord_); });
+  return true;
+}
+
+bool ViewedCapture::PrintLines(uint64_t number, std::string* lines) {
+  CaptureFrame frame;
+  if (!index_.Fetch(number, &frame)) return false;
+  if (!print_) {
+    print_ = Session::Create(host_->Record(), parts_.loader);
+    if (!print_) return false;
+    printed_ = std::make_unique<TextOutput>();
+    print_->SetOutput(kPrintMode, printed_->File());
+  }
+  const FrameRecord* record = RecordOf(frame, builder_);
+  if (parts_.addNotes) record = parts_.addNotes(record, frame);
+  WithAnswers(*print_, number, false, [&] { print_->Decode(record); });
+  *lines = printed_->Take();
   return true;
 }
 
@@ -161,14 +178,14 @@ bool ViewedCapture::SetFilter(const std::string& expression, FilterFault* fault)
   if (!expression.empty() && !(filter = Filter::Parse(expression, fault))) return false;
   filter_ = std::move(filter);
   filterText_ = expression;
-  passed_.clear();
+  passed_.Clear();
   asked_ = 0;
   return true;
 }
 
 uint64_t ViewedCapture::PlaceOf(uint64_t number) const {
   if (!filter_) return number ? number - 1 : 0;
-  return static_cast<uint64_t>(std::lower_bound(passed_.begin(), passed_.end(), number) - passed_.begin());
+  return passed_.PlaceOf(number);
 }
 
 }  // namespace qxview

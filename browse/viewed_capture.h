@@ -2,14 +2,15 @@
 // filter lets through, and the next ones that hold what is looked for. Everything is done in steps, so that whoever shows it
 // stays at hand.
 #pragma once
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "browse/packed_numbers.h"
 #include "browse/packet_history.h"
 #include "browse/packet_index.h"
+#include "host/text_output.h"
 #include "query/filter.h"
 #include "query/probe.h"
 
@@ -59,6 +60,11 @@ class ViewedCapture {
   const FrameRecord* ShownRecord() const { return shownRecord_; }
   const StandaloneHost& Host() const { return *host_; }
 
+  // Whether all that will be known of what the packets in front teach is known.
+  bool IsKnown(uint64_t number) const { return number <= history_->Known() || !history_->IsWhole(); }
+  // The packet's lines as the print mode writes them.
+  bool PrintLines(uint64_t number, std::string* lines);
+
   bool ReadRow(uint64_t number, PacketRow* row);
   // When the packet was captured.
   bool ReadTime(uint64_t number, int64_t* nanoseconds);
@@ -76,8 +82,8 @@ class ViewedCapture {
   bool IsFiltered() const { return filter_ != nullptr; }
   bool IsFilterDone() const { return !filter_ || asked_ >= index_.Count(); }
   // Packets that are shown, in their order: how many, which, and the place of the first one not before a number.
-  uint64_t ShownCount() const { return filter_ ? passed_.size() : index_.Count(); }
-  uint64_t NumberAt(uint64_t place) const { return filter_ ? passed_[static_cast<size_t>(place)] : place + 1; }
+  uint64_t ShownCount() const { return filter_ ? passed_.Count() : index_.Count(); }
+  uint64_t NumberAt(uint64_t place) const { return filter_ ? passed_.At(place) : place + 1; }
   uint64_t PlaceOf(uint64_t number) const;
 
   // Whether the packet answers a question of its own; its values stand in the question afterwards.
@@ -94,7 +100,8 @@ class ViewedCapture {
   PacketIndex index_;
   std::unique_ptr<PacketHistory> history_;
   std::shared_ptr<StandaloneHost> host_;
-  std::unique_ptr<Session> tree_, rows_;
+  std::unique_ptr<Session> tree_, rows_, print_;   // the last when something is first printed
+  std::unique_ptr<TextOutput> printed_;
   std::unique_ptr<Probe> probe_;
   RecordBuilder builder_, shownBuilder_;
   std::vector<uint8_t> shownBytes_;
@@ -103,7 +110,7 @@ class ViewedCapture {
   bool shownWhole_ = false;
   std::string filterText_;
   std::unique_ptr<Filter> filter_;
-  std::deque<uint64_t> passed_;
+  PackedNumbers passed_;
   uint64_t asked_ = 0;
   std::shared_ptr<PacketTold> askedTold_;   // whose texts the values of the last question are
 };

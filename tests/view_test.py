@@ -18,6 +18,8 @@ QXVIEW = os.environ.get("QXVIEW", os.path.join(ROOT, "build", "qxview"))
 if os.environ.get("QXVIEW_PLATFORM") == "windows":
     sys.exit(0)   # a terminal of POSIX
 DNS = os.path.join(ROOT, "samples", "dns.pcap")
+CALLS = os.path.join(ROOT, "samples", "calls.pcap")
+PRESS, RELEASE, WHEEL_UP, WHEEL_DOWN = 0, 3, 64, 65   # of the mouse
 
 
 def output(*words):
@@ -51,6 +53,14 @@ class View(unittest.TestCase):
 
     def screen(self):
         return self.tmux("capture-pane", "-p")
+
+    def mouse(self, deed, row, column):
+        self.tmux("send-keys", "-H", "1b", "5b", "4d", *(f"{32 + value:02x}" for value in (deed, column + 1, row + 1)))
+
+    def row_of(self, expression):
+        """Of the screen, from 0."""
+        lines = self.until(expression).splitlines()
+        return next(i for i, line in enumerate(lines) if re.search(expression, line))
 
     def until(self, text, seconds=15, absent=False):
         """The screen once it shows what the expression says."""
@@ -217,6 +227,116 @@ class View(unittest.TestCase):
         self.keys("q")
         self.until(r"ended=0")
 
+    def test_printing(self):
+        self.start(f"view --modern {DNS}")
+        self.until(r"72 packets")
+        self.keys("J", "P", "p", "t")
+        self.type("two.txt")
+        self.keys("Enter")
+        self.until(r"1 packet printed in two\.txt")
+        with open(os.path.join(self.folder, "two.txt"), "rb") as file:
+            printed = file.read()
+        told = subprocess.run([QXVIEW, "print", "--modern", "--packets", "2", DNS], capture_output=True, check=True)
+        self.assertEqual(printed, told.stdout)
+        self.keys("f")
+        self.type("udp")
+        self.keys("Enter")
+        shown = re.search(r"(\d+) of 72 packets", self.until(r"\d+ of 72 packets"))[1]
+        self.keys("P", "a", "l")
+        self.type("rows.txt")
+        self.keys("Enter")
+        self.until(r"rows and bytes are for pages")
+        self.keys("C-u")
+        self.type("rows.pdf")
+        self.keys("Enter")
+        told = self.until(r"packets printed in rows\.pdf|print in .*pango")
+        if "pango" in told:
+            self.skipTest("pages need pango")
+        self.assertIn(f"{shown} packets printed in rows.pdf", told)
+        same = os.path.join(self.folder, "same.pdf")
+        subprocess.run([QXVIEW, "print", "--modern", "--pdf", same, "--what", "list", "-Y", "udp", DNS], check=True)
+        if shutil.which("pdftotext"):
+            texts = [output("pdftotext", "-layout", path, "-") for path in (same, os.path.join(self.folder, "rows.pdf"))]
+            self.assertEqual(*texts)
+        self.keys("q")
+        self.until(r"ended=0")
+
+    def test_mouse(self):
+        self.start(f"view --modern {DNS}")
+        self.until(r"72 packets")
+        row = self.row_of(r"^ *5 .*web\.example")
+        self.mouse(PRESS, row, 20)
+        self.mouse(RELEASE, row, 20)
+        self.until(r"Packet 5\b")
+        self.mouse(WHEEL_DOWN, row, 20)
+        self.until(r"Packet 8\b")
+        self.mouse(WHEEL_UP, row, 20)
+        self.until(r"Packet 5\b")
+        tree = self.row_of(r"▸ Ethernet|▾ Ethernet")
+        self.mouse(PRESS, tree, 10)
+        self.mouse(RELEASE, tree, 10)
+        self.until(r"ethernet\S* +bytes 0-13|eth\S* +bytes 0-13")
+        was = self.screen().splitlines()[tree]
+        self.mouse(PRESS, tree, was.index("Ethernet") - 2)   # on its sign
+        self.mouse(RELEASE, tree, was.index("Ethernet") - 2)
+        self.until("▸ Ethernet" if "▾" in was else "▾ Ethernet")
+        first = self.row_of(r"^0000 ")
+        self.mouse(PRESS, first + 1, 6 + 3 * 6)   # byte 22
+        self.mouse(RELEASE, first + 1, 6 + 3 * 6)
+        self.until(r"ip\.time_to_live +bytes 22")
+        head = first - 1   # the head of the bytes, dragged up by five rows
+        self.mouse(PRESS, head, 30)
+        self.mouse(RELEASE, head - 5, 30)
+        end = time.monotonic() + 10
+        while self.row_of(r"^0000 ") != first - 5:
+            self.assertLess(time.monotonic(), end, self.screen())
+        self.keys("q")
+        self.until(r"ended=0")
+
+    def test_troubles_conversations_and_calls(self):
+        self.start(f"view --modern {CALLS}")
+        self.until(r"Packet 1\b")
+        for key, number in (("e", 2), ("e", 6), ("E", 2), ("v", 3), ("v", 4), ("v", 9), ("V", 4)):
+            self.keys(key)
+            self.until(rf"Packet {number}\b")
+        self.ask("g", "9")
+        self.keys("L")
+        shown = self.until(r"192\.0\.2\.11 +192\.0\.2\.2 +192\.0\.2\.12")
+        self.assertIn("Flow of SIP", shown)
+        self.until(r"^ +9 .*\|- SIP INVITE .*->\|")
+        self.until(r"^ +11 .*\| +\|- SIP INVITE .*->\|")
+        self.assertNotIn("\u2026", self.screen())
+        self.until(r"^ +12 .*\| +\|< SIP Status: 180 Ringing")
+        self.keys("q", "q")
+        self.until(r"ended=0")
+        self.type(f"clear; {QXVIEW} view --modern {DNS}; echo ended=$?\n")
+        self.until(r"72 packets")
+        self.ask("g", "5")
+        self.keys("Tab", "Tab")
+        self.ask("/", "0x0377656207")   # the question's name
+        self.until(r"bytes 5[4-9]")
+        self.keys("s")
+        self.until(r"Packet 6\b")
+        self.keys("q")
+        self.until(r"ended=0")
+
+    def test_colours(self):
+        plain, reverse = r"\x1b\[(\d+;)*[349][0-8][;m]", r"\x1b\[[\d;]*7m"
+        for words, wanted, unwanted in (("--theme dark", r"48;5;24m", r"48;5;25m"), ("--theme light", r"48;5;25m", r"48;5;24m"),
+                                        ("--theme 16", r"\x1b\[[\d;]*44m", r"[34]8;5;"), ("--theme none", reverse, plain),
+                                        ("NO_COLOR=1", reverse, plain), ("COLORFGBG=0\\;15", r"48;5;25m", r"48;5;24m"),
+                                        ("TERM=vt100", r"72 packets", plain)):
+            environment = "TERM=screen-256color " + ("" if words.startswith("--") else words + " ")
+            with self.subTest(words):
+                self.setUp()
+                self.start(f"view {words if words.startswith('--') else ''} {DNS}", before=environment)
+                self.until(r"72 packets")
+                shown = self.tmux("capture-pane", "-p", "-e")
+                self.assertRegex(shown, wanted)
+                self.assertNotRegex(shown, unwanted)
+                self.keys("q")
+                self.until(r"ended=0")
+
     def test_sizes_and_signals(self):
         self.start(f"view --modern {DNS}")
         self.until(r"72 packets")
@@ -234,6 +354,7 @@ class View(unittest.TestCase):
         self.keys("/", "x", "C-c")   # what goes on ends first
         self.until(r"^search", absent=True)
         self.keys("C-c")
+        self.until(r"72 packets", absent=True)   # what is typed before that is its own
         self.type("clear; echo ended=$?\n")
         self.until(r"ended=(130|0)")
         self.type("stty -a | grep -o ' echo '; echo wh''ole\n")

@@ -17,6 +17,7 @@
 #include "browse/search.h"
 #include "browse/tree_pane.h"
 #include "browse/viewed_capture.h"
+#include "paper/packet_pages.h"
 
 namespace qxview {
 
@@ -166,7 +167,10 @@ class Viewer {
   void FindTrouble(bool backward);
   void FindPacket(const std::string& name, bool backward, std::function<bool(uint64_t)> holds);
 
-  // viewer_save.cpp, viewer_streams.cpp
+  // viewer_print.cpp, viewer_save.cpp, viewer_streams.cpp
+  void ShowPrintMenu();
+  void ShowPartsMenu(const std::vector<uint64_t>& numbers);
+  void AskPrintFile(const std::vector<uint64_t>& numbers, const PaperParts& parts);
   void ShowCopyMenu();
   void ShowSaveMenu();
   void AskPackets(bool marked);

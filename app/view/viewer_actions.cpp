@@ -40,6 +40,7 @@ const std::vector<Viewer::Action>& Viewer::Actions() {
       {{'L'}, "flow: who sent what to whom", &Viewer::ShowFlow},
       {{}, "Keeping it", nullptr},
       {{'S'}, "save packets, bytes or the tree", &Viewer::ShowSaveMenu},
+      {{'P'}, "print packets: pages of a PDF file, or text", &Viewer::ShowPrintMenu},
       {{'y', ControlKey('Y')}, "copy a line, value, bytes, filter, subtree", &Viewer::ShowCopyMenu},
       {{'m'}, "mark the packet, or not", &Viewer::ToggleMark},
       {{'.'}, "next marked packet", &Viewer::NextMark},

@@ -300,6 +300,7 @@ class FlowOverlay final : public TextOverlay {
   }
 
   void AddLine(std::string text, Style style, uint64_t number) {
+    text.erase(text.find_last_not_of(' ') + 1);   // blanks are nothing that could be left out
     Add({std::move(text), style});
     numbers_.push_back(number);
   }
