@@ -43,7 +43,8 @@ Exchanges::Server* Exchanges::ServerOf(const std::string& address) {
 }
 
 void Exchanges::Answer(const StatPacket& packet, const std::string& source, uint32_t id) {
-  const auto asked = waiting_.Answer(RequestKey(packet.packet, true, id));
+  const std::string key = RequestKey(packet.packet, true, id);
+  const auto asked = id_ >= 0 ? waiting_.Answer(key) : inOrder_.Answer(key);
   const int64_t took = asked ? TimeBetween(asked->nanoseconds, packet.nanoseconds) : -1;
   if (took < 0) return;
   times_.Add(took, packet.number);
@@ -69,8 +70,9 @@ void Exchanges::Take(const StatPacket& packet, const KeyQuery& query, const std:
   uint64_t requests = 0;
   const auto ask = [&](uint32_t id, size_t at) {
     const std::string more = textOf(more_, at);
-    waiting_.Ask(RequestKey(packet.packet, false, id),
-                 {packet.nanoseconds, packet.number, (more.empty() ? "" : more + " ") + textOf(what_, at)});
+    const std::string key = RequestKey(packet.packet, false, id);
+    ResponseTimes::Request request{packet.nanoseconds, packet.number, (more.empty() ? "" : more + " ") + textOf(what_, at)};
+    if (id_ >= 0) waiting_.Ask(key, std::move(request)); else inOrder_.Ask(key, packet.packet.segment.sequence, std::move(request));
     ++requests;
   };
   std::vector<uint32_t> answered;
@@ -83,6 +85,8 @@ void Exchanges::Take(const StatPacket& packet, const KeyQuery& query, const std:
   } else {
     for (size_t i = 0; i < query.ValuesOf(request_).size(); ++i) ask(0, i);
     answered.resize(query.ValuesOf(answer_).size());
+    const bool isOther = requests == 0 && answered.empty() && packet.packet.segment.length > 0;
+    if (isOther) inOrder_.Data(RequestKey(packet.packet, true, 0));
   }
   if (Server* server = requests ? ServerOf(destination) : nullptr) ++server->requests;
   if (Server* server = answered.empty() ? nullptr : ServerOf(source)) ++server->answers;
@@ -92,6 +96,7 @@ void Exchanges::Take(const StatPacket& packet, const KeyQuery& query, const std:
 void Exchanges::Finish() {
   std::vector<uint64_t> numbers;
   for (const auto& [key, request] : waiting_.Waiting()) numbers.push_back(request.packet);
+  inOrder_.ForEachWaiting([&](const ResponseTimes::Request& request) { numbers.push_back(request.packet); });
   std::sort(numbers.begin(), numbers.end());
   for (const uint64_t number : numbers) unanswered_.Add(number);
 }

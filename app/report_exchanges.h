@@ -61,7 +61,8 @@ class Exchanges {
 
   Keys keys_;
   int32_t request_, answer_, id_ = -1, isAnswer_ = -1, what_, more_ = -1;
-  ResponseTimes waiting_;
+  ResponseTimes waiting_;       // messages with an id
+  AnswersInOrder inOrder_;      // others
   ResponseTimesPlot times_;
   std::map<std::string, Server> servers_;
   uint64_t merged_ = 0;

@@ -1,6 +1,7 @@
 // Requests that wait for their answers, and the conversation that the two have in common.
 #pragma once
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
@@ -43,6 +44,57 @@ class ResponseTimes {
 
  private:
   std::map<std::string, Request> waiting_;
+};
+
+// Requests of connections that answer them one after another.
+class AnswersInOrder {
+ public:
+  using Request = ResponseTimes::Request;
+
+  // `sequence`: of the segment, by which it is known when it comes again.
+  void Ask(const std::string& key, uint32_t sequence, Request request) {
+    constexpr size_t kMostConnections = 65536, kMostWaiting = 64;
+    if (connections_.size() >= kMostConnections && !connections_.contains(key)) connections_.erase(connections_.begin());
+    Connection& c = connections_[key];
+    if (c.lastPacket != 0 && c.lastPacket != request.packet && c.lastSequence == sequence) return;
+    c.lastPacket = request.packet;
+    c.lastSequence = sequence;
+    if (c.state == State::kUnknownAnswer) c.waiting.clear();
+    c.state = State::kAsked;
+    if (c.waiting.size() < kMostWaiting) c.waiting.push_back(std::move(request));
+  }
+  // The other end sends what is no answer's start: the capture lacks it, or an answer goes on.
+  void Data(const std::string& key) {
+    const auto found = connections_.find(key);
+    if (found != connections_.end() && found->second.state == State::kAsked) found->second.state = State::kUnknownAnswer;
+  }
+  // The request that is answered; none when nobody asked.
+  std::optional<Request> Answer(const std::string& key) {
+    const auto found = connections_.find(key);
+    if (found == connections_.end()) return std::nullopt;
+    Connection& c = found->second;
+    c.state = State::kAnswered;
+    if (c.waiting.empty()) return std::nullopt;
+    std::optional<Request> request(std::move(c.waiting.front()));
+    c.waiting.pop_front();
+    return request;
+  }
+  template <typename Use>
+  void ForEachWaiting(const Use& use) const {
+    for (const auto& [key, connection] : connections_) {
+      for (const Request& request : connection.waiting) use(request);
+    }
+  }
+
+ private:
+  enum class State : uint8_t { kAsked, kAnswered, kUnknownAnswer };
+  struct Connection {
+    std::deque<Request> waiting;
+    State state = State::kAsked;   // since the last request
+    uint32_t lastSequence = 0;
+    uint64_t lastPacket = 0;
+  };
+  std::map<std::string, Connection> connections_;
 };
 
 }  // namespace qxview

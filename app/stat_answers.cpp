@@ -192,7 +192,10 @@ class Http final : public Statistic {
     for (const AskedValue& method : query_.ValuesOf(method_)) {
       ++servers_.Of(ServerOf(p, false)).requests;
       servers_.Count("method", ToUtf8(TextOfValue(method)));
-      times_.Ask(RequestKey(p.packet, false, 0), {p.nanoseconds, p.number, {}});
+      times_.Ask(RequestKey(p.packet, false, 0), p.packet.segment.sequence, {p.nanoseconds, p.number, {}});
+    }
+    if (p.packet.segment.length > 0 && query_.ValuesOf(code_).empty() && query_.ValuesOf(method_).empty()) {
+      times_.Data(RequestKey(p.packet, true, 0));
     }
     for (const AskedValue& code : query_.ValuesOf(code_)) {
       Servers::Server& server = servers_.Of(ServerOf(p, true));
@@ -206,7 +209,7 @@ class Http final : public Statistic {
  private:
   KeyQuery query_;
   int32_t method_, code_;
-  ResponseTimes times_;
+  AnswersInOrder times_;
   Servers servers_;
 };
 

@@ -183,6 +183,20 @@ class Questions(unittest.TestCase):
             row = self.rows("stat", "tcp", path, "--modern")[0]
             self.assertEqual([row[name] for name in ("retransmissions", "missing", "duplicate_acks")], [2, 1, 3])
 
+    def test_answers_belong_to_requests_in_their_order(self):
+        get, answer = b"GET / HTTP/1.1\r\n\r\n", b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"
+        n, m = len(get), len(answer)
+        lost = [tcp(1025, 80, 1, 1, 0x18, get), tcp(80, 1025, 50, 1 + n, 0x18, b"a body whose start is not here"),   # 0, 1 ms
+                tcp(1025, 80, 1 + n, 80, 0x18, get), tcp(1025, 80, 1 + n, 80, 0x18, get), tcp(80, 1025, 80, 1 + 2 * n, 0x18, answer)]   # 2, 3, 4 ms
+        both = [tcp(1025, 80, 1, 1, 0x18, get), tcp(1025, 80, 1 + n, 1, 0x18, get), tcp(80, 1025, 1, 1 + 2 * n, 0x18, answer),   # 0, 1, 2 ms
+                tcp(1025, 80, 1 + 2 * n, 1 + m, 0x10), tcp(80, 1025, 1 + m, 1 + 2 * n, 0x18, answer)]   # 4 ms
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "a.pcap")
+            for frames, times in ((lost, (0.002, 0.002)), (both, (0.002, 0.003))):
+                write_capture(path, frames)
+                row = self.rows("stat", "http", path, "--modern")[0]
+                self.assertEqual((row["least"], row["most"]), times)
+
     def test_methods_that_an_answer_allows_are_no_requests(self):
         answer = b"HTTP/1.1 200 OK\r\nAccess-Control-Allow-Methods: GET, POST\r\nContent-Length: 0\r\n\r\n"
         with tempfile.TemporaryDirectory() as folder:
