@@ -1,6 +1,7 @@
 #include "app/list_time.h"
 
 #include "app/command_line.h"
+#include "app/time_sums.h"
 #include "core/formatter.h"
 #include "host/time_text.h"
 #include "platform/platform.h"
@@ -28,7 +29,7 @@ int64_t ListTime::OffsetAt(int64_t seconds) {
 int32_t ListTime::Format(const PacketTimes& times, int32_t digits, char* out) {
   int64_t nanoseconds = times.now;
   if (form_ == TimeForm::kAbsolute || form_ == TimeForm::kUtc || form_ == TimeForm::kIso) {
-    if (form_ == TimeForm::kAbsolute) nanoseconds += OffsetAt(FloorSeconds(nanoseconds)) * kPerSecond;
+    if (form_ == TimeForm::kAbsolute) nanoseconds = TimeBehind(nanoseconds, OffsetAt(FloorSeconds(nanoseconds)) * kPerSecond);
     FormatUtcTime(nanoseconds, out, kSize);
     int32_t length = 20 + digits;
     if (form_ == TimeForm::kIso) {

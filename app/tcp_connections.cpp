@@ -83,8 +83,11 @@ void Count(Connection* c, Direction* way, Direction* back, const TcpHeader& head
   const uint32_t taken = length + (isSyn ? 1 : 0) + (header.flags & kTcpFin ? 1 : 0);
   if (isSyn) {   // a connection starts, or its first segment comes again
     if (!StartsWay(header, *way, *back)) return;
-    if (way->started && way->next == header.sequence + 1) ++c->trouble.again;
-    if (!isAck && way->hasStart && way->start != header.sequence) *back = Direction{};
+    if (way->hasStart && way->start == header.sequence) {
+      ++c->trouble.again;
+      return;
+    }
+    if (!isAck && way->hasStart) *back = Direction{};
     way->started = way->hasStart = true;
     way->start = header.sequence;
     way->next = header.sequence + taken;

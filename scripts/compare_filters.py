@@ -1,22 +1,24 @@
 #!/usr/bin/env python3
-"""The same questions asked of tshark and of qxview over captures: filters, columns, conversations, the hierarchy of protocols
-and followed streams.
+"""The same questions asked of tshark and of qxview over captures: which packets a filter finds, the values of columns, the bytes
+of followed streams.
 
-  scripts/compare_filters.py CAPTURES [--qxview build/qxview] [--files N] [--show N]
+  scripts/compare_filters.py CAPTURES [--qxview build/qxview] [--cache DIR] [--every N] [--match REGEX] [--only filters,columns,follow]
 
-CAPTURES is a folder of captures. For each question the N smallest captures are taken that hold its protocol, as tshark names
-those of every packet. What differs is printed, and counted in the end; a difference that KNOWN explains is counted beside.
+Each question is asked of all captures that hold its protocol, as the folder's list (INDEX.tsv) or tshark names those of every
+packet. What differs is explained by REASONS, packet by packet, or printed; the counts stand in the end. tshark needs Lua, in
+which it is asked all filters of a capture at once.
 """
-import argparse
 import collections
-import csv
 import json
-import os
-import subprocess
+import re
 import sys
 
-SAME = ["-o", "tcp.relative_sequence_numbers:false", "-o", "tcp.desegment_tcp_streams:false", "-o", "ip.defragment:false",
-        "-o", "tcp.reassemble_out_of_order:false", "-n"]
+from compare_support import Difference, Ledger, Peer, Reason, compare_all, list_captures, parse_options, run_qxview
+
+STREAMS = 3
+SEPARATOR = "\x1f"
+FOLLOWED = re.compile(r"Follow: (tcp|udp),raw\nFilter: \w+\.stream eq (\d+)\nNode 0: .*\nNode 1: .*\n((?:\t?[0-9a-f]*\n)*)")
+GAP = re.compile(rb"\[\d+ bytes missing in capture file\]\.?\0?")   # which tshark puts among the bytes
 
 # Protocol of the captures, our filter, tshark's where it is spelt otherwise.
 FILTERS = [
@@ -51,7 +53,7 @@ FILTERS = [
     ("dns", "dns.flags.rcode == 3", None),
     ("dns", "dns.id == 0x1234 or dns.count.answers > 1", None),
     ("dns", 'dns.qry.name contains "com"', None),
-    ("dns", 'dns.qry.name matches "^[a-z]+\\\\.(com|org|net)$"', None),
+    ("dns", 'dns.qry.name matches "^[a-z]+\\.(com|org|net)$"', 'dns.qry.name matches "^[a-z]+\\\\.(com|org|net)$"'),
     ("dns", "dns.qry.type == 28", None),
     ("arp", "arp.opcode == 1", None),
     ("arp", "arp.src.proto_ipv4 == 192.168.0.0/16", None),
@@ -79,124 +81,190 @@ COLUMNS = [
     ("http", "http.response.code"), ("ntp", "ntp.flags.vn"),
 ]
 
-# Why a question is answered otherwise on purpose: question, what the differing packets have.
-KNOWN = {
-    "dns.id": "messages whose AD or CD bit is set, or of record types that the text does not name, are blocks without --modern",
-}
+def is_start(ours, theirs):
+    return ours[:len(theirs)] == theirs
 
 
-def run(words):
-    return subprocess.run(words, capture_output=True).stdout.decode("utf-8", "replace")
+def names_root(ours, theirs):
+    return [name or "." for name in ours] == ["." if name == "<root>" else name for name in theirs]
+
+
+BROKEN = "_ws.malformed or _ws.short or _ws.unreassembled or _ws.type_length or frame.cap_len < frame.len"
+AGAIN = ("tcp.analysis.retransmission or tcp.analysis.fast_retransmission or tcp.analysis.spurious_retransmission or "
+         "tcp.analysis.out_of_order")
+FRAGMENT = "ip.flags.mf == 1 or ip.frag_offset > 0"
+QUOTED = "icmp.type in {3, 4, 5, 11, 12} or icmpv6.type in {1, 2, 3, 4}"
+HTTP_PORTS, DNS_PORTS = "{80, 591, 631, 8008, 8080, 443}", "{53, 5353, 5355}"
+TLS_PORTS = ("{443, 465, 563, 636, 853, 989, 990, 992, 993, 994, 995, 2083, 4740, 5061, 5349, 5671, 5684, 5868, 6514, 6697, 8443, 8883, "
+             "10161, 10162}")
+OPENFLOW = "openflow or openflow_v1 or openflow_v4 or openflow_v5"
+
+REASONS = [
+    Reason(r"frame\.cap_len|tcp\.len|^follow", "frame.cap_len > 65487",
+           "a record holds 65,487 bytes of a packet; that it is cut is said"),
+    Reason(r"ip\.len", "ip[2:2] == 00:00",
+           "a total length of 0 (segmentation offload) is shown as it stands; tshark shows that of the packet"),
+    Reason(r"^ip\.|^udp\.|^tcp\.", "ip.bogus_header_length",
+           "a header length below 20 bytes is shown, and 20 bytes are read; tshark shows nothing", "ours"),
+    Reason(r"^tcp\.", "tcp.bogus_header_length or tcp[12] < 50",
+           "a header length below 20 bytes is shown, and 20 bytes are read; tshark shows the ports alone", "ours"),
+    Reason(r"^(http|dns|tls)", AGAIN, "a segment that comes again is shown as any other; tshark leaves its payload", "ours"),
+    Reason(r"^tls$", "dtls", "records of DTLS are shown by the same lines and keys as those of TLS", "ours"),
+    Reason(r"^tls$", "tls and not tls.record or tls.ignored_unknown_record", "bytes that are no record of TLS are data of HTTPS",
+           "theirs"),
+    Reason(r"^tls$", f"tls and not tcp.port in {TLS_PORTS}",
+           "TLS is decoded on the ports that are defined for it; tshark recognises it on any", "theirs"),
+    Reason(r"^http", f"http and not tcp.port in {HTTP_PORTS}",
+           "HTTP is decoded on the ports that are defined for it; tshark recognises it on any", "theirs"),
+    Reason(r"^dns", f"dns and not udp.port in {DNS_PORTS} and not tcp.port == 53",
+           "DNS is decoded on the ports that are defined for it; tshark recognises it on any", "theirs"),
+    Reason(r"^dns", "dns.extraneous", "bytes behind a message are shown as a further one; tshark shows them as bytes", values=is_start),
+    Reason(r"^dns\.qry\.name$", "dns", "the root's name is \".\", of tshark \"<Root>\"", values=names_root),
+    Reason(r"tcp\.len", FRAGMENT, "of a first fragment the data are counted that it has; tshark counts none", "ours"),
+    Reason(r"tcp\.len", "sflow", "of a sampled header the data are counted that it has; tshark counts none", "ours"),
+    Reason(r"tcp\.len", QUOTED, "of a quoted segment the data are counted, too; tshark counts none", "ours"),
+    Reason(r"tcp\.len", "ipv6.plen + 54 < frame.len",
+           "the line counts bytes behind what IPv6 declares, too; they are no part of a stream"),
+    Reason(r"tcp\.len|^follow", "cfp", "tshark takes the last four bytes of a frame of FabricPath for its checksum"),
+    Reason(r"^(udp|tcp)\.|^follow .* differs", "ipv6.fraghdr", "the transport of fragments of IPv6 is shown when they are joined"),
+    Reason(r"^ipv6\.nxt in", "ipv6.hopopts or ipv6.routing or ipv6.fraghdr or ipv6.dstopts or mipv6 or ah",
+           "next headers of extension headers have the key, too", "ours"),
+    Reason(r"^(eth|ip|frame|vlan|udp|tcp)", "eth.type == 0xd28b",
+           "frames of time stamps are taken further: a VLAN and a network header stand behind them", "ours"),
+    Reason(r"^(eth|ip|frame|vlan)|^follow", "udp.port == 8472", "port 8472 carries VXLAN here"),
+    Reason(r"^eth\.", "cfp", "the outer header of FabricPath is an Ethernet header, too", values=lambda ours, theirs: ours[1:] == theirs),
+    Reason(r"^eth\.", "erspan", "what ERSPAN carries is shown as Ethernet whatever its bytes", values=is_start),
+    Reason(r"^icmp\.seq$", "icmp.type == 9", "the extension of mobility agents has a sequence number under the same key", "ours"),
+    Reason(r"^icmp\.type", "icmp.ext", "objects of extensions have types under the same key", values=is_start),
+    Reason(r"", OPENFLOW, "messages of OpenFlow are not decoded, nor the packets within them", "theirs"),
+    Reason(r"^(eth|ip|udp)\.|^follow", OPENFLOW, "messages of OpenFlow are not decoded, nor the packets within them",
+           values=lambda ours, theirs: len(ours) == 0 or isinstance(ours[0], int) or theirs[:len(ours)] == ours),
+    Reason(r"^follow (tcp|udp):\d+ is outer", "ip or ipv6", "of tunnels the innermost datagram's stream is followed"),
+    Reason(r"^follow (tcp|udp):\d+ is divided", "", "a stream is what is sent between two ends; some of tshark's decoders divide it"),
+    Reason(r"^follow tcp:\d+ has gaps", "tcp.analysis.lost_segment",
+           "bytes behind a gap that nobody acknowledged are shown in the end; tshark drops them"),
+    Reason(r"^follow udp", "ptp", "all that the UDP length covers is shown; tshark ends with PTP's own length"),
+    Reason(r"", "frame.len > 65535", "a length of 0 in UDP or IP, of packets above 64 KB, stands for the packet's"),
+    Reason(r"", BROKEN, "what is left of a packet that breaks off or contradicts itself is not taken for the same"),
+]
 
 
 class Comparison:
-    def __init__(self, options):
-        self.options = options
-        self.counts = collections.Counter()
-        self.shown = 0
+    def __init__(self, options, peer):
+        self.options, self.peer = options, peer
 
-    def note(self, kind, same, *what):
-        self.counts[kind, same] += 1
-        if not same and self.shown < self.options.show:
-            self.shown += 1
-            print(kind, *what)
+    def run(self, *words):
+        return run_qxview(self.options.qxview, *words)
 
-    def filters(self, files):
-        for protocol, ours, theirs in FILTERS:
-            for path in files[protocol]:
-                mine = run([self.options.qxview, "fields", "-e", "frame.number", "--no-header", "--modern", "-Y", ours, path]).split()
-                peer = run(["tshark", "-r", path, *SAME, "-Y", theirs or ours, "-T", "fields", "-e", "frame.number"]).split()
-                only = sorted(set(mine) ^ set(peer), key=int)
-                self.note("filter", not only, ours, os.path.basename(path), "only", "ours" if set(only) <= set(mine) else "theirs",
-                          ",".join(only[:8]))
+    def compare(self, path, protocols):
+        """Packets, counts of the same by kind, and differences of one capture."""
+        same, differences = collections.Counter(), []
+        columns = [key for protocol, key in COLUMNS if protocol in protocols]
+        mine, theirs = self.columns(path, columns)
+        kinds = self.options.only.split(",")
+        if "filters" in kinds or "follow" in kinds:
+            filters = [(ours, peers or ours) for protocol, ours, peers in FILTERS if protocol in protocols]
+            streams = [(kind, number) for kind in ("tcp", "udp") if kind in protocols for number in range(STREAMS)]
+            words = [word for kind, number in streams for word in ("-z", f"follow,{kind},raw,{number}")]
+            found, told = self.peer.packets(path, [peers for _, peers in filters], *words)
+            if "filters" in kinds:
+                self.filters(path, filters, found, same, differences)
+            if "follow" in kinds:
+                self.follow(path, told, same, differences)
+        if "columns" in kinds:
+            last = min(len(mine), len(theirs))
+            if len(mine) != len(theirs):
+                side = "ours" if len(mine) > last else "theirs"
+                differences.append(Difference("packets", "packets", path, {last + 1: (side, (len(mine), len(theirs)))}))
+            for key in columns:
+                different = {}
+                for number, (ours, peers) in enumerate(zip(mine, theirs), 1):
+                    said = [value for value in peers.get(key, "").split(SEPARATOR) if value != ""]
+                    pair = [plain(value) for value in ours[key]], [plain(value) for value in said]
+                    if pair[0] != pair[1]:
+                        different[number] = ("ours" if not pair[1] else "theirs" if not pair[0] else "both", pair)
+                if different:
+                    differences.append(Difference("columns", key, path, different))
+                else:
+                    same["columns"] += 1
+        return len(mine), same, differences
 
-    def columns(self, files):
-        wanted = collections.defaultdict(list)
-        for protocol, key in COLUMNS:
-            for path in files[protocol]:
-                wanted[path].append(key)
-        for path, keys in wanted.items():
-            asked = [word for key in ["frame.number", *keys] for word in ("-e", key)]
-            mine = [json.loads(line) for line in run([self.options.qxview, "fields", "--format", "json", "--modern", *asked, path]).splitlines()]
-            peer = run(["tshark", "-r", path, *SAME, "-T", "fields", "-E", "separator=/t", "-E", "aggregator=|", *asked]).splitlines()
-            theirs = [dict(zip(["frame.number", *keys], line.split("\t"))) for line in peer]
-            for key in keys:
-                different = [a["frame.number"][0] for a, b in zip(mine, theirs)
-                             if [plain(v) for v in a[key]] != [plain(v) for v in b.get(key, "").split("|") if v != ""]]
-                self.note("column", not different and len(mine) == len(theirs), key, os.path.basename(path), different[:8],
-                          [(a[key], b.get(key)) for a, b in zip(mine, theirs) if a["frame.number"][0] in different[:1]])
+    def columns(self, path, keys):
+        asked = [word for key in ["frame.number", *keys] for word in ("-e", key)]
+        mine = [json.loads(line) for line in self.run("fields", "--format", "json", *asked, path).splitlines()]
+        said = self.peer.ask(path, "-T", "fields", "-E", "separator=/t", "-E", "aggregator=" + SEPARATOR, *asked)
+        return mine, [dict(zip(["frame.number", *keys], line.split("\t"))) for line in said.split("\n") if line]
 
-    def conversations(self, files):
-        """Packets and bytes of each direction, of TCP and UDP."""
-        for path in files["tcp"] + files["udp"]:
-            rows = [json.loads(line) for line in
-                    run([self.options.qxview, "stat", "conversations", "--format", "json", "--modern", path]).splitlines()]
-            for layer in ("TCP", "UDP"):
-                mine = {}
-                for row in rows:
-                    if row["layer"] == layer:
-                        mine[row["a"].strip(), row["b"].strip()] = (row["packets"], row["bytes"])
-                peer = {}
-                for line in run(["tshark", "-r", path, *SAME, "-q", "-z", f"conv,{layer.lower()}"]).splitlines():
-                    words = line.split()
-                    if "<->" in words:
-                        peer[words[0], words[2]] = (int(words[9]), scaled(words[10:12]))
-                a = sorted((tuple(sorted(map(spell, key))), value[0]) for key, value in mine.items())
-                b = sorted((tuple(sorted(map(spell, key))), value[0]) for key, value in peer.items())
-                self.note("conversations", a == b, layer, os.path.basename(path), [x for x in a if x not in b][:2], [x for x in b if x not in a][:2])
+    def filters(self, path, filters, found, same, differences):
+        for (ours, peers), theirs in zip(filters, found):
+            mine = {int(number) for number in self.run("fields", "-e", "frame.number", "--no-header", "-Y", ours, path).split()}
+            if mine == theirs or mine == (theirs := self.peer.find(path, peers)):
+                same["filters"] += 1
+            else:
+                packets = {number: ("ours" if number in mine else "theirs", ()) for number in sorted(mine ^ theirs)}
+                differences.append(Difference("filters", ours, path, packets))
 
-    def follow(self, files):
-        for path in files["tcp"]:
-            for stream in range(3):
-                mine = [run_bytes([self.options.qxview, "follow", path, "--modern", "--stream", f"tcp:{stream}", "--format", "raw",
-                                   "--side", side]) for side in "ab"]
-                text = run(["tshark", "-r", path, *SAME, "-q", "-z", f"follow,tcp,raw,{stream}"])
-                sides = [b"", b""]
-                lines = text.splitlines()
-                start = next((i for i, line in enumerate(lines) if line.startswith("Node 1:")), None)
-                if start is None:
+    def follow(self, path, told, same, differences):
+        numbers = None
+        for part in FOLLOWED.finditer(told):
+            transport, stream = part[1], int(part[2])
+            sides = [b"", b""]
+            for line in part[3].splitlines():
+                sides[line.startswith("\t")] += bytes.fromhex(line.strip())
+            if not any(sides):
+                continue
+            mine = self.follow_ours(path, transport, stream)
+            theirs = sorted(GAP.sub(b"", side) for side in sides)
+            if mine != theirs:   # tshark numbers and divides streams otherwise where there are several in one another
+                numbers = numbers or self.number_streams(path)
+                ours = numbers[transport].get(stream)
+                if ours is not None and ours != stream:
+                    mine = self.follow_ours(path, transport, ours)
+            if mine == theirs:
+                same["follow " + transport] += 1
+                continue
+            kind, packets = "is outer", numbers["outer", transport].get(stream)
+            if not packets and sum(number == ours for number in numbers[transport].values()) > 1:
+                kind, packets = "is divided", [0]
+            elif not packets:
+                lost = self.peer.find(path, f"{transport}.stream == {stream} and tcp.analysis.lost_segment")
+                has_gaps = lost and all(one.startswith(other) for one, other in zip(mine, theirs))
+                kind = "has gaps" if has_gaps else "differs"
+                packets = lost if has_gaps else self.peer.find(path, f"{transport}.stream == {stream}")
+            shown = [len(side) for side in mine], [len(side) for side in theirs]
+            found = {number: ("both", shown) for number in packets}
+            differences.append(Difference("follow " + transport, f"follow {transport}:{stream} {kind}", path, found, 1))
+
+    def follow_ours(self, path, transport, stream):
+        return sorted(self.run("follow", path, "--stream", f"{transport}:{stream}", "--format", "raw", "--side", side) for side in "ab")
+
+    def number_streams(self, path):
+        """Our numbers of tshark's streams: of a packet's innermost datagram, in the order of their first packets; and the packets
+        of streams that are the outer ones of tunnels."""
+        keys = ["frame.number", "frame.protocols", "ip.src", "ip.dst", "ipv6.src", "ipv6.dst", "tcp.stream", "udp.stream", "tcp.srcport",
+                "tcp.dstport", "udp.srcport", "udp.dstport"]
+        asked = [word for key in keys for word in ("-e", key)]
+        said = self.peer.ask(path, "-T", "fields", "-E", "separator=/t", "-E", "aggregator=" + SEPARATOR, *asked)
+        ours, numbers = {}, collections.defaultdict(dict)
+        for line in said.splitlines():
+            packet = {key: [value for value in values.split(SEPARATOR) if value] for key, values in zip(keys, line.split("\t"))}
+            way = "".join(packet["frame.protocols"]).split(":")
+            way = way[:next((at for at, name in enumerate(way) if name in ("icmp", "icmpv6")), len(way))]
+            transports = [name for name in way if name in ("tcp", "udp")]
+            for at, name in enumerate(transports):
+                streams, of_kind = packet[name + ".stream"], transports[:at].count(name)
+                if of_kind >= len(streams):
                     continue
-                for line in lines[start + 1:]:
-                    if line.startswith("="):
-                        break
-                    part = line.strip()
-                    try:
-                        sides[line.startswith("\t")] += bytes.fromhex(part)
-                    except ValueError:
-                        sides[line.startswith("\t")] += b"?"
-                self.note("follow", sorted(mine) == sorted(sides), os.path.basename(path), stream, [len(x) for x in mine],
-                          [len(x) for x in sides])
-
-
-def list_captures(folder):
-    """Name, size and protocols of each capture, the smallest first: from the folder's list where it has one."""
-    captures = []
-    index = os.path.join(folder, "INDEX.tsv")
-    if os.path.exists(index):
-        with open(index, encoding="utf-8") as lines:
-            for row in csv.reader(lines, delimiter="\t"):
-                if row[0] != "file" and len(row) > 4 and row[2].isdigit():
-                    protocols = {word.split(":")[0] for word in row[4].split()}
-                    captures.append((row[0], int(row[2]), protocols | {row[3].replace("ether", "eth")}))
-    else:
-        for name in os.listdir(folder):
-            path = os.path.join(folder, name)
-            protocols = set(run(["tshark", "-r", path, "-T", "fields", "-e", "frame.protocols"]).replace(":", " ").split())
-            captures.append((name, os.path.getsize(path), protocols))
-    return sorted(captures, key=lambda capture: capture[1])
-
-
-def run_bytes(words):
-    return subprocess.run(words, capture_output=True).stdout
-
-
-def scaled(words):
-    return int(float(words[0]) * {"bytes": 1, "kB": 1000, "MB": 1000000}.get(words[1], 1))
-
-
-def spell(end):
-    host, _, port = end.rpartition(":")
-    return host.strip("[]") + ":" + port
+                stream = int(streams[of_kind])
+                if at + 1 < len(transports) or "ip" in way[way.index(name):] or "ipv6" in way[way.index(name):]:
+                    numbers["outer", name].setdefault(stream, []).append(int(packet["frame.number"][0]))
+                    continue
+                hosts = packet["ipv6.src"][-1:] + packet["ipv6.dst"][-1:] or packet["ip.src"][-1:] + packet["ip.dst"][-1:]
+                ends = sorted(zip(hosts, (packet[name + ".srcport"][-1], packet[name + ".dstport"][-1])))
+                key = (name, *ends, stream if name == "tcp" else 0)
+                of_name = ours.setdefault(name, {})
+                numbers[name].setdefault(stream, of_name.setdefault(key, len(of_name)))
+        return numbers
 
 
 def plain(value):
@@ -207,25 +275,10 @@ def plain(value):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("captures")
-    parser.add_argument("--qxview", default="build/qxview")
-    parser.add_argument("--files", type=int, default=6)
-    parser.add_argument("--show", type=int, default=60)
-    parser.add_argument("--only", default="filters,columns,conversations,follow")
-    options = parser.parse_args()
-    held = collections.defaultdict(list)
-    for name, size, protocols in list_captures(options.captures):
-        for protocol in protocols | {"frame"}:
-            if size > 5000:
-                held[protocol].append(os.path.join(options.captures, name))
-    files = collections.defaultdict(list, {protocol: paths[:options.files] for protocol, paths in held.items()})
-    comparison = Comparison(options)
-    for kind in options.only.split(","):
-        getattr(comparison, kind)(files)
-    for kind in sorted({kind for kind, _ in comparison.counts}):
-        print(f"{kind}: {comparison.counts[kind, True]} the same, {comparison.counts[kind, False]} differ")
-    return 1 if any(not same for _, same in comparison.counts) else 0
+    options = parse_options(__doc__, only={"default": "filters,columns,follow", "help": "of filters, columns, follow those that are asked"})
+    peer = Peer(options.cache)
+    comparison = Comparison(options, peer)
+    return compare_all(options, list_captures(options.captures), comparison.compare, Ledger(REASONS, options.show), peer)
 
 
 if __name__ == "__main__":
