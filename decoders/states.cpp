@@ -12,6 +12,7 @@
 #include "decoders/app/http2.h"
 #include "decoders/app/http_message.h"
 #include "decoders/app/iax2.h"
+#include "decoders/app/compressed_lines.h"
 #include "decoders/app/media_sessions.h"
 #include "decoders/app/rtmp.h"
 #include "decoders/app/radius_secret.h"

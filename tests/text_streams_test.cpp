@@ -1,5 +1,6 @@
 // Protocols of text over several segments: what one segment leaves for the next, with the setting Reassembly and without.
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <map>
@@ -96,6 +97,58 @@ TEST(TextStreams, DataConnectionsAreLearntFromTheControlConnection) {
   // A server's own services stay what they are.
   talk.Send(21, 40000, "227 Passive (10,0,0,2,0,25)\r\n", true);
   EXPECT_TRUE(talk.Send(40003, 25, "NOOP\r\n").starts_with("SMTP: NOOP\n"));
+}
+
+struct Deflater {
+  z_stream stream{};
+  Deflater() { deflateInit2(&stream, 9, Z_DEFLATED, -15, 8, Z_DEFAULT_STRATEGY); }
+  ~Deflater() { deflateEnd(&stream); }
+  Bytes Take(const std::string& text) {
+    Bytes plain = Ascii(text), out(text.size() + 100);
+    stream.next_in = plain.data();
+    stream.avail_in = static_cast<uInt>(plain.size());
+    stream.next_out = out.data();
+    stream.avail_out = static_cast<uInt>(out.size());
+    deflate(&stream, Z_SYNC_FLUSH);
+    return Bytes(out.begin(), out.end() - static_cast<ptrdiff_t>(stream.avail_out));
+  }
+};
+
+// Behind the answer that grants it each direction is one stream, which later segments refer back in; one that lacks a segment
+// stays closed.
+TEST(TextStreams, LinesGoOverToCompression) {
+  const struct {
+    uint16_t port;
+    std::string asks, refuses, grants, command, shows, answer, answers;
+  } kTalks[] = {
+      {143, "a1 COMPRESS DEFLATE\r\n", "a1 NO not now\r\n", "a1 OK active\r\n", "a2 SELECT \"box of letters\"\r\n", "Command: SELECT",
+       "* OK [READ-WRITE] the box of letters is selected\r\na2 OK done\r\n", "Answered"},
+      {119, "COMPRESS DEFLATE\r\n", "503 not now\r\n", "206 active\r\n", "GROUP misc.test.letters\r\n", "Verb: GROUP",
+       "211 1234 3000234 3002322 misc.test.letters\r\n", "Reply Code: 211"}};
+  for (const auto& talk : kTalks) {
+    for (const bool reassembles : {false, true}) {
+      Talk wire(reassembles);
+      Deflater client, server;
+      wire.Send(40000, talk.port, talk.asks);
+      wire.Send(talk.port, 40000, talk.refuses, true);
+      EXPECT_EQ(wire.Send(40000, talk.port, talk.command).find("Compressed"), std::string::npos);
+      wire.Send(40000, talk.port, talk.asks);
+      wire.Send(talk.port, 40000, talk.grants, true);
+      for (int i = 0; i < 3; ++i) {
+        const std::string shown = wire.Send(40000, talk.port, client.Take(talk.command));
+        EXPECT_NE(shown.find("Inflated Lines: "), std::string::npos) << shown;
+        EXPECT_NE(shown.find(talk.shows), std::string::npos) << shown;
+      }
+      const Bytes answer = server.Take(talk.answer);
+      const auto middle = answer.begin() + static_cast<ptrdiff_t>(answer.size() / 2);
+      EXPECT_NE(wire.Send(talk.port, 40000, Bytes(answer.begin(), middle), true).find("in Part"), std::string::npos);
+      const std::string joined = wire.Send(talk.port, 40000, Bytes(middle, answer.end()), true);
+      EXPECT_NE(joined.find(talk.answers == "Answered" ? "Response: a2 OK done" : talk.answers), std::string::npos) << joined;
+      EXPECT_NE(wire.Send(talk.port, 40000, Ascii("no stream"), true).find("in Part"), std::string::npos);
+      const std::string damaged = wire.Send(talk.port, 40000, Hex("0000FFFF"), true);
+      EXPECT_NE(damaged.find("Compressed Data"), std::string::npos) << damaged;
+    }
+  }
 }
 
 // What a session description in properties of binary Megaco announces is known of the datagrams that follow.

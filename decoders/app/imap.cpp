@@ -1,5 +1,6 @@
 // Internet Message Access Protocol (RFC 3501, RFC 9051): commands and responses in lines, with tags that tell which belongs
 // to which, and literals of counted octets inside.
+#include "decoders/app/compressed_lines.h"
 #include "decoders/app/internet_message.h"
 #include "decoders/app/tls_record.h"
 #include "decoders/common/text_lines.h"
@@ -107,6 +108,7 @@ void ShowLine(const Place& at, const TextLine& line) {
   AddTextLine(in, tag, "Tag");
   if (isResponse && IsStatus(word)) {
     AddTextLine(in, word, "Status");
+    if (IsWord(word, "OK") && !isUntagged) NoteCompressionGranted(at, tag);
     const Place text = Under(in, AddTextLine(in, ahead, "Text"));
     const int32_t close = PeekU8(ahead) == '[' ? FindU8(CursorOver(ahead), ']') : -1;
     const Field whole = ahead;
@@ -122,6 +124,7 @@ void ShowLine(const Place& at, const TextLine& line) {
     ShowValues(Under(in, AddTextLine(in, rest, "Data")), rest, 0);
   } else {
     AddTextLine(in, word, "Command");
+    if (IsWord(word, "COMPRESS") && IsWord(Trimmed(ahead), "DEFLATE")) NoteCompressionAsked(at, tag);
     if (IsWord(word, "UID")) AddTextLine(in, TakeWord(ahead), "Command by UID");
     if (IsWord(word, "LOGIN")) {
       AddTextLine(in, TakeWord(ahead), "User Name");
@@ -143,10 +146,29 @@ void ShowLiteral(const Place& in, Cursor& c, int32_t length) {
   }
 }
 
+// A line, and the literal that it announces.
+void ShowNext(const Place& in, Cursor& c) {
+  TextLine line;
+  TakeLine(c, line);
+  if (IsImapLine(line.text)) {
+    ShowLine(in, line);
+  } else if (line.text.length > 0) {
+    AddTextLine(in, line.whole, "Text", line.text);
+  }
+  const int32_t literal = LiteralOf(line.text);
+  if (literal > 0) ShowLiteral(in, c, literal);
+}
+
+void ShowInflatedLines(const Place& in, Cursor& c) {
+  Loop loop;
+  while (MoreAt(in, c, loop)) ShowNext(in, c);
+}
+
 }  // namespace
 
 int32_t DecodeImap(const Place& at, Cursor c) {
   TextLine line;
+  if (ShowCompressedLines(at, c, "IMAP", ShowInflatedLines)) return 1;
   Cursor ahead = c;
   if (StartsTlsRecord(c) || !TakeLine(ahead, line)) return 0;
   const bool goesOn = RecallNote(at, c).phase != 0;
@@ -165,14 +187,7 @@ int32_t DecodeImap(const Place& at, Cursor c) {
       ShowInternetMessage(in, c, {});
       break;
     }
-    TakeLine(c, line);
-    if (IsImapLine(line.text)) {
-      ShowLine(in, line);
-    } else if (line.text.length > 0) {
-      AddTextLine(in, line.whole, "Text", line.text);
-    }
-    const int32_t literal = LiteralOf(line.text);
-    if (literal > 0) ShowLiteral(in, c, literal);
+    ShowNext(in, c);
   }
   return 1;
 }

@@ -138,7 +138,15 @@ void ShowPlain(const Place& in, Cursor& c, uint8_t encoding) {
   }
 }
 
+// The line end in front of a boundary belongs to it (RFC 2046 5.1.1).
+Field WithLineEnd(const Field& all, const Field& line) {
+  constexpr uint32_t kLineEnd = 0x0D0A;
+  const int32_t at = line.offset - all.offset;
+  return at >= 2 && PeekU16(all, at - 2) == kLineEnd ? Slice(all, at - 2, line.length + 2) : line;
+}
+
 void ShowParts(const Place& in, Cursor& c, const Field& boundary, Body& body, int32_t depth) {
+  const Field all = Ahead(c, Left(c));
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop)) {
@@ -151,7 +159,7 @@ void ShowParts(const Place& in, Cursor& c, const Field& boundary, Body& body, in
     c = next;
     const int32_t behind = boundary.length + 2;
     const bool isLast = line.text.length >= behind + 2 && PeekU8(line.text, behind) == '-';
-    AddTextLine(in, line.whole, isLast ? "Last Boundary" : "Boundary", line.text);
+    AddTextLine(in, WithLineEnd(all, line.whole), isLast ? "Last Boundary" : "Boundary", line.text);
     Cursor part = TakeCursor(c, LengthOfPart(c, boundary, false));
     if (Left(part) == 0) continue;
     if (isLast) ShowPlain(in, part, kPlain);

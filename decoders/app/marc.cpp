@@ -71,7 +71,10 @@ void ShowMarcRecord(const Place& at, Cursor c) {
     const int32_t length = DecimalOf(size), start = DecimalOf(first);
     const Field field = length > 0 && start >= 0 ? PeekBytes(record, base + start, length - 1) : Field{};
     room -= field.length;
-    if (field.here && room >= 0) ShowField(in, tag, CursorOver(field));
+    if (!field.here || room < 0) continue;
+    ShowField(in, tag, CursorOver(field));
+    const Field end = PeekBytes(record, base + start + length - 1, 1);
+    if (PeekU8(end) == kFieldEnd) AddLine(in, end, "End of Field");
   }
   if (PeekU8(c) == kFieldEnd) AddLine(in, TakeBytes(c, 1), "End of Directory");
   AddLine(in, Slice(Ahead(record, Left(record)), Left(record) - 1, 1), "End of Record");

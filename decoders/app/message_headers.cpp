@@ -136,8 +136,9 @@ void ShowExtendedValue(const Place& in, const Field& value, bool isFirst) {
 }
 
 // name=value; name*=charset'language'octets; name*0*=, name*1= ... of one that is divided.
-void ShowParameter(const Place& at, const Field& parameter) {
-  const Place in = Under(at, AddTextLine(at, parameter, "Parameter"));
+// `whole`: with the blanks in front.
+void ShowParameter(const Place& at, const Field& whole, const Field& parameter) {
+  const Place in = Under(at, AddTextLine(at, whole, "Parameter", parameter));
   ShowEncodedWords(in, parameter, "Decoded Parameter");
   Field value = parameter;
   Field name = Trimmed(TakePiece(value, '='));
@@ -154,12 +155,15 @@ void ShowParameter(const Place& at, const Field& parameter) {
   if (isExtended) ShowExtendedValue(under, value, section == 0);
 }
 
-void ShowParameters(const Place& in, Field rest) {
+void ShowParameters(const Place& in, const Field& value) {
+  Field rest = value;
   AddTextLine(in, TakePiece(rest, ';'), "Type");
   Loop loop;
   while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+    const int32_t start = rest.offset - value.offset;
     const Field parameter = TakePiece(rest, ';');
-    if (parameter.length > 0) ShowParameter(in, parameter);
+    const int32_t end = parameter.offset + parameter.length - value.offset;
+    if (parameter.length > 0) ShowParameter(in, Slice(value, start, end - start), parameter);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include "decoders/app/command_arguments.h"
 #include "decoders/app/command_lines.h"
+#include "decoders/app/compressed_lines.h"
 #include "decoders/app/internet_message.h"
 #include "decoders/common/text_lines.h"
 
@@ -147,14 +148,8 @@ void ShowReply(const Place& at, Cursor& c, const TextLine& line, int32_t code) {
   if (code != 211 || StartsNumbers(c)) ShowList(at, c, code, false);
 }
 
-}  // namespace
-
-int32_t DecodeNntp(const Place& at, Cursor c) {
-  const StreamNote note = RecallNote(at, c);
-  if (!StartsCommandLines(c) && note.phase == 0) return 0;
-  const Place in = AddConversation(at, c, "NNTP");
-  if (note.phase == kInList) ShowList(in, c, note.detail + kFirstCode, note.isMidLine);
-  else ShowMessageRest(in, c);
+void ShowConversation(const Place& in, Cursor& c) {
+  constexpr int32_t kGoesOver = 206;
   TextLine line;
   Loop loop;
   while (MoreAt(in, c, loop)) {
@@ -169,7 +164,21 @@ int32_t DecodeNntp(const Place& at, Cursor c) {
     c = next;
     if (isCommand) ShowCommandLine(in, line, ShowArguments);
     else ShowReply(in, c, line, code);
+    if (isCommand && StartsWithWord(line.text, "COMPRESS DEFLATE")) NoteCompressionAsked(in, {});
+    if (!isCommand && code == kGoesOver) NoteCompressionGranted(in, {});
   }
+}
+
+}  // namespace
+
+int32_t DecodeNntp(const Place& at, Cursor c) {
+  if (ShowCompressedLines(at, c, "NNTP", ShowConversation)) return 1;
+  const StreamNote note = RecallNote(at, c);
+  if (!StartsCommandLines(c) && note.phase == 0) return 0;
+  const Place in = AddConversation(at, c, "NNTP");
+  if (note.phase == kInList) ShowList(in, c, note.detail + kFirstCode, note.isMidLine);
+  else ShowMessageRest(in, c);
+  ShowConversation(in, c);
   return 1;
 }
 

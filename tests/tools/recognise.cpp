@@ -26,6 +26,7 @@ constexpr Named kOverTcp[] = {{"MSRPC", LooksLikeMsrpc},       {"SMB", LooksLike
 std::string ClaimsOverUdp(uint16_t source, uint16_t destination, const std::vector<uint8_t>& payload) {
   const int32_t length = static_cast<int32_t>(payload.size());
   std::string claims = LooksLikeOncRpc(MakeCursor(payload.data(), 0, length)) ? " ONC-RPC" : "";
+  if (LooksLikeMpegTs(MakeCursor(payload.data(), 0, length))) claims += " MPEG-TS";
   const DetectionSettings all{0x1B, 0x400, 0};
   uint32_t identifier;
   if (DetermineDynamicUDPPrototol(&all, source, destination, payload.data(), length, &identifier, nullptr, nullptr,
