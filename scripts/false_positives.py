@@ -27,9 +27,9 @@ FIELDS = [transport + "." + name for transport in ("tcp", "udp") for name in ("s
 RECOGNISERS = {
     "MSRPC": {"dcerpc"}, "SMB": {"smb"}, "TDS": {"tds"}, "Oracle-TNS": {"tns"}, "ONC-RPC-record": {"rpc"},
     "FIX": {"fix"}, "SIP": {"sip"}, "GIOP": {"giop"}, "FCIP": {"fcip"}, "BitTorrent": {"bittorrent"},
-    "ONC-RPC": {"rpc"}, "RTP": {"rtp"}, "RTCP": {"rtcp"},
+    "ONC-RPC": {"rpc"}, "MPEG-TS": {"mp2t"}, "RTP": {"rtp"}, "RTCP": {"rtcp"},
 }
-OVER_UDP = {"ONC-RPC", "RTP", "RTCP"}
+OVER_UDP = {"ONC-RPC", "MPEG-TS", "RTP", "RTCP"}
 NAMELESS = {"", "data"}
 
 

@@ -14,7 +14,8 @@ const CompressedConnection* Known(const Place& at) {
   return Recall(at.view, kCompressedConnections, RequestOf(PacketOf(at), 0));
 }
 
-// The octets up to behind the last empty block, which ends what was flushed; 0 where none stands there.
+// The octets up to behind the last empty block, which ends what was flushed; 0 where none stands there. The last ones of a
+// stream may be without it.
 int32_t LengthToMark(const Cursor& c) {
   constexpr uint8_t kMark[] = {0, 0, 0xFF, 0xFF};
   for (int32_t end = Left(c); end >= kMarkSize; --end) {
@@ -60,13 +61,14 @@ void ShowRun(const Place& in, Cursor& c, Run& run, void (*decode)(const Place& i
   if (pending) std::memcpy(bytes, run.now.data + side.window, pending);
   std::memcpy(bytes + pending, whole.bytes, static_cast<size_t>(whole.length));
   const Field all{bytes, whole.offset, size, 0, true};
-  const int32_t length = LengthToMark(CursorOver(all));
-  if (length == 0) {
+  const int32_t mark = LengthToMark(CursorOver(all)), length = mark > 0 ? mark : size;
+  Inflation how;
+  bool isOver = false;
+  Cursor opened = InflateInFrame(in, Slice(all, 0, length), Wrapping::kNone, window, &how, &isOver);
+  if (mark == 0 && !isOver) {
     AddBlock(in, Rest(c), "Compressed Data in Part");
     return Keep(in, run, {}, all);
   }
-  Inflation how;
-  Cursor opened = InflateInFrame(in, Slice(all, 0, length), Wrapping::kNone, window, &how);
   if (Left(opened) < 1 || how != Inflation::kAll) return Lose(in, c, run);
   const Field plain = Ahead(opened, Left(opened));
   Keep(in, run, plain, Slice(all, length, size - length));

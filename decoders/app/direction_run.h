@@ -58,10 +58,12 @@ void LoadRun(const Place& at, StateId<Key, Direction> table, const Cursor& c, Di
   run.isOther = !isSame;
   TakeTurn(run.turn, run.state.turn, run.state.before, run.state.now);
   if (bytes.length == 0 || first + second > bytes.length) return;
-  uint8_t* const copy = TakeFrameMemory(at.view, bytes.length);   // the next look-up may take its place
+  // What this look needs of them: a packet that is looked at again takes no more memory than at first.
+  const uint32_t from = isSame ? 0 : first, length = (isSame ? first : 0) + (isAgain ? 0 : second);
+  uint8_t* const copy = TakeFrameMemory(at.view, length);   // the next look-up may take its place
   if (!copy) return;
-  std::memcpy(copy, bytes.data, bytes.length);
-  run.before = isSame ? StateBytes{copy, first} : StateBytes{copy + first, second};
+  if (length) std::memcpy(copy, bytes.data + from, length);
+  run.before = {copy, isSame ? first : second};
   run.now = isSame && !isAgain ? StateBytes{copy + first, second} : run.before;
 }
 

@@ -284,7 +284,7 @@ void DestroyHttpInflater(HttpInflater* inflater) {
   std::free(inflater);
 }
 
-Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window, Inflation* how) {
+Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window, Inflation* how, bool* ended) {
   const Cursor none = MakeCursor(nullptr, data.offset, 0);
   HttpState& state = *StateOf<HttpState>(at.view->engine, DecoderState::kHttp);
   *how = Inflation::kDamaged;
@@ -302,6 +302,7 @@ Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, Sta
   const int32_t produced = ProducedOf(*kept);
   if (produced == 0 && wrapping == Wrapping::kZlib) return InflateInFrame(at, data, Wrapping::kNone, {}, how);
   if (result == Z_OK || result == Z_STREAM_END) *how = Inflation::kAll;
+  if (ended) *ended = result == Z_STREAM_END;
   if (stream.avail_out == 0 && result != Z_STREAM_END) *how = Inflation::kToBound;
   uint8_t* const copy = TakeFrameMemory(at.view, produced);
   if (!copy) return none;

@@ -15,7 +15,8 @@ constexpr const char* InflationNote(Inflation how) {
 
 // Over the octets that the data inflate to, 900,000 of them at most, good as long as the frame is decoded, empty where they do
 // not inflate or the frame's memory ends (http_gzip.cpp). Lines of them stand where the data start. `window` is what stood in
-// front of them in the same stream. A stream in zlib's wrapping may be without it.
-Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window, Inflation* how);
+// front of them in the same stream. A stream in zlib's wrapping may be without it. `ended`: whether the stream is over.
+Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, StateBytes window, Inflation* how,
+                      bool* ended = nullptr);
 
 }  // namespace qxview
