@@ -16,7 +16,7 @@ def run(*words):
 class Fields(unittest.TestCase):
     def test_lists_the_keys_of_a_protocol_with_kinds_and_aliases(self):
         arp = run("protocols", "--fields", "ARP").stdout
-        for row in ("arp.operation                number    Operation\n", "arp.opcode                   alias     arp.operation\n",
+        for row in ("arp.operation                number    Operation\n", "arp.opcode                   alias     arp.operation,rarp.operation\n",
                     "arp.source_ip_address        address   Source IP Address\n"):
             self.assertIn(row, arp)
         self.assertEqual({line.split(".")[0].split()[0] for line in arp.splitlines()}, {"arp"})
