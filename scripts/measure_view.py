@@ -22,7 +22,7 @@ import termios
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-QUIET = 0.06   # seconds without a byte end a picture
+QUIET, GAP = 0.06, 0.012   # seconds without a byte: nothing goes on, and a picture is whole
 ESCAPES = re.compile(rb"\x1b\[[0-9;?]*[A-Za-z]|\x1b[()][A-Z0-9]|\x1b[=>78]|\r")
 
 
@@ -74,7 +74,7 @@ class View:
         start = time.monotonic()
         self.type(keys)
         last = None
-        while self.read(QUIET if last else 5):
+        while self.read(GAP if last else 5):
             last = time.monotonic()
         return (last or time.monotonic()) - start
 
