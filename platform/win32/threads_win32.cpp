@@ -29,6 +29,11 @@ struct Thread::State {
   HANDLE thread = nullptr;
   void (*run)(void* with);
   void* with;
+  static DWORD WINAPI Begin(void* state) {
+    auto* self = static_cast<State*>(state);
+    self->run(self->with);
+    return 0;
+  }
 };
 
 Thread::Thread() : state_(new State) {}
@@ -37,12 +42,7 @@ Thread::~Thread() { Join(); }
 bool Thread::Start(void (*run)(void* with), void* with) {
   state_->run = run;
   state_->with = with;
-  const auto begin = [](void* state) -> DWORD {
-    static_cast<State*>(state)->run(static_cast<State*>(state)->with);
-    return 0;
-  };
-  state_->thread = CreateThread(
-      nullptr, 0, static_cast<LPTHREAD_START_ROUTINE>(begin), state_.get(), 0, nullptr);
+  state_->thread = CreateThread(nullptr, 0, State::Begin, state_.get(), 0, nullptr);
   return state_->thread != nullptr;
 }
 
