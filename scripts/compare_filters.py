@@ -86,7 +86,15 @@ def is_start(ours, theirs):
 
 
 def names_root(ours, theirs):
-    return [name or "." for name in ours] == ["." if name == "<root>" else name for name in theirs]
+    return ours == ["." if name == "<root>" else name for name in theirs]
+
+
+def names_in_ascii(ours, theirs):
+    return [re.sub(r"[^ -~]+", "?", name) for name in ours] == [re.sub(r"[^ -~]+", "?", name) for name in theirs]
+
+
+def names_long(ours, theirs):
+    return len(ours) == len(theirs) and all(a == b or b == "<name too long>" for a, b in zip(ours, theirs))
 
 
 BROKEN = "_ws.malformed or _ws.short or _ws.unreassembled or _ws.type_length or frame.cap_len < frame.len"
@@ -114,12 +122,21 @@ REASONS = [
            "theirs"),
     Reason(r"^tls$", f"tls and not tcp.port in {TLS_PORTS}",
            "TLS is decoded on the ports that are defined for it; tshark recognises it on any", "theirs"),
+    Reason(r"^tls$", "imap or smtp or pop or ftp", "what goes on behind STARTTLS is TLS; tshark takes it for the text protocol's",
+           "ours"),
+    Reason(r"^tls$", "openvpn", "TLS within OpenVPN is shown in each of its packets; tshark shows it when it is whole", "ours"),
+    Reason(r"^tls$", "quic", "TLS in QUIC is shown where its packets can be opened", "ours"),
     Reason(r"^http", f"http and not tcp.port in {HTTP_PORTS}",
            "HTTP is decoded on the ports that are defined for it; tshark recognises it on any", "theirs"),
+    Reason(r"^http\.request\.uri", 'http contains "GET  "',
+           "blanks in front of a target are skipped; tshark takes it for empty", "ours"),
     Reason(r"^dns", f"dns and not udp.port in {DNS_PORTS} and not tcp.port == 53",
            "DNS is decoded on the ports that are defined for it; tshark recognises it on any", "theirs"),
     Reason(r"^dns", "dns.extraneous", "bytes behind a message are shown as a further one; tshark shows them as bytes", values=is_start),
     Reason(r"^dns\.qry\.name$", "dns", "the root's name is \".\", of tshark \"<Root>\"", values=names_root),
+    Reason(r"^dns\.qry\.name$", "dns", "a name above 255 bytes is shown as far as a line goes; tshark says that it is too long",
+           values=names_long),
+    Reason(r"^dns\.qry\.name$", "dns", "bytes above 127 are of Windows-1252; tshark writes them as they come", values=names_in_ascii),
     Reason(r"tcp\.len", FRAGMENT, "of a first fragment the data are counted that it has; tshark counts none", "ours"),
     Reason(r"tcp\.len", "sflow", "of a sampled header the data are counted that it has; tshark counts none", "ours"),
     Reason(r"tcp\.len", QUOTED, "of a quoted segment the data are counted, too; tshark counts none", "ours"),
@@ -143,6 +160,8 @@ REASONS = [
     Reason(r"^follow (tcp|udp):\d+ is divided", "", "a stream is what is sent between two ends; some of tshark's decoders divide it"),
     Reason(r"^follow tcp:\d+ has gaps", "tcp.analysis.lost_segment",
            "bytes behind a gap that nobody acknowledged are shown in the end; tshark drops them"),
+    Reason(r"^follow tcp", "tcp.analysis.reused_ports",
+           "an answer to a SYN that comes with another number begins the direction when data follow on it; tshark drops them"),
     Reason(r"^follow udp", "ptp", "all that the UDP length covers is shown; tshark ends with PTP's own length"),
     Reason(r"", "frame.len > 65535", "a length of 0 in UDP or IP, of packets above 64 KB, stands for the packet's"),
     Reason(r"", BROKEN, "what is left of a packet that breaks off or contradicts itself is not taken for the same"),
@@ -242,10 +261,10 @@ class Comparison:
         """Our numbers of tshark's streams: of a packet's innermost datagram, in the order of their first packets; and the packets
         of streams that are the outer ones of tunnels."""
         keys = ["frame.number", "frame.protocols", "ip.src", "ip.dst", "ipv6.src", "ipv6.dst", "tcp.stream", "udp.stream", "tcp.srcport",
-                "tcp.dstport", "udp.srcport", "udp.dstport"]
+                "tcp.dstport", "udp.srcport", "udp.dstport", "tcp.flags.syn"]
         asked = [word for key in keys for word in ("-e", key)]
         said = self.peer.ask(path, "-T", "fields", "-E", "separator=/t", "-E", "aggregator=" + SEPARATOR, *asked)
-        ours, numbers = {}, collections.defaultdict(dict)
+        ours, numbers, begun = {}, collections.defaultdict(dict), collections.Counter()
         for line in said.splitlines():
             packet = {key: [value for value in values.split(SEPARATOR) if value] for key, values in zip(keys, line.split("\t"))}
             way = "".join(packet["frame.protocols"]).split(":")
@@ -261,7 +280,9 @@ class Comparison:
                     continue
                 hosts = packet["ipv6.src"][-1:] + packet["ipv6.dst"][-1:] or packet["ip.src"][-1:] + packet["ip.dst"][-1:]
                 ends = sorted(zip(hosts, (packet[name + ".srcport"][-1], packet[name + ".dstport"][-1])))
-                key = (name, *ends, stream if name == "tcp" else 0)
+                if stream not in numbers[name]:   # another connection between the same ends starts with a SYN
+                    begun[name, *ends] += name == "tcp" and packet["tcp.flags.syn"][-1:] == ["1"]
+                key = (name, *ends, begun[name, *ends])
                 of_name = ours.setdefault(name, {})
                 numbers[name].setdefault(stream, of_name.setdefault(key, len(of_name)))
         return numbers
