@@ -88,6 +88,7 @@ int Fields(const FieldsOptions& options) {
   if (options.keys.empty()) return Tell("fields: -e KEY is missing: what the columns show"), kUsage;
   auto out = std::make_unique<Output>();
   FieldColumns columns(options, *out);
+  if (const std::string doubt = columns.Query().DoubtfulKeys(); !doubt.empty()) Tell("fields: note: " + doubt);
   const int status = ForEachRun(options.reading, [&](PacketRun& run) {
     run.ForEachAsked(columns.Query(), [&](const FrameRecord*, const CaptureFrame& frame) {
       columns.Put(frame, run.Times());

@@ -123,6 +123,10 @@ void FindSettings(HostOptions* options) {
 int FinishReadingOptions(ReadingOptions* options) {
   if (options->modern) options->host.settings.insert(options->host.settings.begin(), "Modern=1");
   if (options->reassemble) options->host.settings.insert(options->host.settings.begin(), "Reassembly=1");
+  FilterFault fault;
+  const auto where = options->where.empty() ? nullptr : Filter::Parse(options->where, &fault);
+  const std::string doubt = where ? where->Keys().DoubtfulKeys() : "";
+  if (!doubt.empty()) Tell("--where: note: " + doubt);
   FindSettings(&options->host);
   options->host.applicationDirectory = ExecutableDirectory();
   options->host.readMibModules = ReadMibModules;

@@ -58,6 +58,7 @@ int FinishKind(StatOptions* options) {
   KeyQuery query;
   std::string wrong;
   if (query.Ask(options->key, &wrong) < 0) return Tell("stat values: " + wrong), kUsage;
+  if (const std::string doubt = query.DoubtfulKeys(); !doubt.empty()) Tell("stat values: note: " + doubt);
   if (files.empty() && options->reading.filesFrom.empty()) return Tell("stat values: FILE is missing behind the key"), kUsage;
   return kDone;
 }

@@ -68,7 +68,7 @@ void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const 
   if (length > kMostDumped) length = kMostDumped;
   const uint8_t* translation = view->engine->settings.characterSet ? view->characterTable : nullptr;
   const Span span = TrimToRangeFilter(view->context, offset, length);
-  if (view->context->silent || IsUnwanted(view)) {
+  if (view->context->silent || OnlyTells(view) || LeavesOthers(view)) {
     CountRows(&view->context->packet, static_cast<int32_t>((span.last - span.first + kRowBytes - 1) / kRowBytes));
     return;
   }
@@ -118,7 +118,12 @@ void AddBitRows(View* view, LineHandle parentLine, const uint8_t* data, int32_t 
                 const char* label, int32_t level) {
   constexpr int32_t kBytes = 32;
   if (!view || !parentLine || !data || !label) return;
+  const bool isLeft = LeavesLabel(view, parentLine, label, false);
   for (int32_t at = 0; at < length; at += kBytes) {
+    if (isLeft) {
+      if (!CountLeftLine(view, parentLine)) return;
+      continue;
+    }
     const int32_t count = length - at < kBytes ? length - at : kBytes;
     const HexSlice bytes{data + at, count, ' '};
     char text[512];
@@ -138,6 +143,7 @@ LineHandle AddWrappedTextLines(View* view, LineHandle parentLine, const char* te
                                int32_t image, DecodeTree* tree, int32_t frameOffset, bool numbered) {
   constexpr int32_t kMostCharacters = 80, kLookAhead = 10;
   if (!text || !label) return 0;
+  const bool isLeft = LeavesLabel(view, parentLine, label, false);
   LineHandle line = 0;
   int32_t at = 0, piece = 1;
   do {
@@ -149,6 +155,11 @@ LineHandle AddWrappedTextLines(View* view, LineHandle parentLine, const char* te
           break;
         }
       }
+    }
+    if (isLeft) {
+      line = CountLeftLine(view, parentLine);
+      at += cut;
+      continue;
     }
     const TextSlice slice{text + at, cut};
     char out[512];

@@ -15,6 +15,7 @@ using ::AddressSlot;
 enum AddressKind : uint32_t { kNoAddress = 0, kIPv4Kind = 1, kIPv6Kind = 2 };
 
 struct ByteOrigins;
+struct DecodeContext;
 struct Engine;
 struct LineFacts;
 struct OutputFile;
@@ -26,6 +27,9 @@ constexpr char kFindMode = ':';
 
 // What add-line gives in every mode but display, so that decoders pass it on as a parent unchanged.
 constexpr LineHandle kLineOutsideDisplay = 1000;
+
+// The frame's own line where a question leaves it out: what is added under it tells of the frame all the same.
+constexpr LineHandle kLeftFrameLine = 1001;
 
 // The bounds of one frame. Nesting counts every decoder call that a decoder makes on carried data.
 constexpr int32_t kMostNesting = 64;
@@ -101,6 +105,7 @@ struct PacketState {
   int32_t linesLeft;         // below 0 once the bound is told
   bool limitReached;
   const char* protocol;      // the short name of the protocol whose lines are added, for their keys
+  DecodeContext* asked;      // the context, while a question wants some of the lines alone (core/line_facts.h)
   bool quoted;               // an error message quotes this datagram: of another frame, cut anywhere; learn nothing
 };
 
@@ -120,7 +125,7 @@ struct LineRun {
 struct DecodeContext {
   int64_t packetNumber;
   char outputMode;
-  bool silent;               // outside display mode: lines are counted and not even formatted
+  bool silent;               // lines are counted and not even formatted: outside display mode, or because nobody wants them
   bool headersOnly;          // application payloads are resolved and detected, not decoded
   OutputFile* outputFile;
   char findText[1024];

@@ -5,13 +5,10 @@
 namespace qxview {
 namespace detail {
 
-LineHandle CountSilentLine(const Place& at) {
-  return AddDecodeLineOf(at.view, at.parent, "", 0, kBitFieldImage, at.tree, 0);
-}
-
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments) {
-  if (IsUnwanted(at.view)) return CountSilentLine(at);
+  if (OnlyTells(at.view)) return CountSilentLine(at);
+  if (LeavesFormatted(at.view, at.parent, text, pieces, arguments)) return CountLeftLine(at.view, at.parent);
   char line[kLineSize];
   const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
   const LineHandle added = AddDecodeLineOf(at.view, at.parent, line, length, image, at.tree,
@@ -21,6 +18,7 @@ LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, cons
 }
 
 LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
+  if (LeavesMade(at.view, at.parent, text, length)) return CountLeftLine(at.view, at.parent);
   char line[kLineSize];
   if (length >= at.lineSize) {
     text = CopyTextN(line, at.lineSize, text, length);
@@ -34,7 +32,7 @@ LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const ch
 
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
-  if (WasUnwanted(at.view, line)) return;
+  if (WasLeft(at.view, line)) return;
   char added[kLineSize];
   FormatPieces(added, at.lineSize, text, pieces, arguments);
   AppendToDecodeLine(at.view, at.tree, line, added);
@@ -42,7 +40,7 @@ void AppendFormatted(const Place& at, LineHandle line, const char* text, const F
 
 void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                   const FormatArgument* arguments) {
-  if (WasUnwanted(at.view, line)) return;
+  if (WasLeft(at.view, line)) return;
   char made[kLineSize];
   FormatPieces(made, at.lineSize, text, pieces, arguments);
   SetDecodeLineText(at.view, at.tree, line, made);
@@ -55,10 +53,14 @@ int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char
   if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
   ++packet.nesting;
   c.begin = c.offset;   // a decoder covers what it takes itself
+  DecodeContext* const context = at.view->context;
   const char* const outer = packet.protocol;
+  const bool outerSilent = context->silent;
   if (KeepsFacts(at.view)) [[unlikely]] packet.protocol = ProtocolKeyOf(decode, outer);
+  if (packet.asked) [[unlikely]] ChooseLines(context);
   const int32_t result = decode(at, c);
   packet.protocol = outer;
+  if (packet.asked) [[unlikely]] context->silent = outerSilent;
   --packet.nesting;
   return result;
 }

@@ -62,7 +62,7 @@ inline bool Displaying(const Place& at) { return at.view->context->outputMode ==
 inline bool MoreAt(const Place& at, const Cursor& c, Loop& loop) { return !PacketOf(at).limitReached && More(c, loop); }
 
 namespace detail {
-LineHandle CountSilentLine(const Place& at);   // towards the frame's bound; the handle of every mode but display
+inline LineHandle CountSilentLine(const Place& at) { return CountLine(at.view); }
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments);
 LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length);

@@ -168,6 +168,7 @@ Place AddFrameSummary(const Place& at, const Cursor& c) {
   const KeyedAs keys(PacketOf(at), kFrameProtocol);
   const LineHandle line = AddLine(at, Ahead(c, Left(c)), "Packet %I64u:  %u bytes captured%s%s", record->packetNumber,
                                   record->capturedLength, note[0] ? "  " : "", note);
+  if (PacketOf(at).asked && line == kLineOutsideDisplay) [[unlikely]] return Under(at, kLeftFrameLine);
   if (KeepsFacts(at.view)) [[unlikely]] {
     LabelLine(at.view, line, "Number");
     NumberLine(at.view, line, record->packetNumber, false);
@@ -228,7 +229,7 @@ uint32_t SizeWithCheckSequence(const FrameRecord* record, uint32_t checkSequence
 ShortText<80> CheckAlias(const View* view, uint32_t kind, const uint8_t* address) {
   ShortText<80> made;
   made.text[0] = 0;
-  if (view->context->silent && view->context->outputMode != kDisplayMode) return made;
+  if (view->context->silent && (view->context->outputMode != kDisplayMode || view->context->packet.asked)) return made;
   char notation[kIPv6TextSize];
   if (kind == 0) {
     FormatMac(address, notation);
@@ -260,11 +261,13 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   packet.userParam2 = userParam2;
   packet.linesLeft = MostLinesOf(record->capturedLength);
   packet.protocol = kFrameProtocol;
+  const bool display = context->outputMode == kDisplayMode, silent = context->silent;
+  packet.asked = display && context->facts && context->facts->question ? context : nullptr;
+  if (packet.asked) ChooseLines(context);
   const int64_t number = static_cast<int64_t>(record->packetNumber);
   // The headers of the frame that is shown may be read once more: its lines keep their origins.
   if (!context->headersOnly || number != context->packetNumber) ForgetOrigins(context->origins);
   context->packetNumber = number;
-  const bool display = context->outputMode == kDisplayMode;
   if (display) view->tree->HoldRedraw(true);
 
   const Place at = TopLevel(view, kFirstLevel);
@@ -278,11 +281,17 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
     handled = DecodeRawFrame(at, c, record);
   } else if (const DecoderRow* medium = FindMedium(record->mediaType)) {
     packet.protocol = medium->protocol->key;
+    if (packet.asked) ChooseLines(context);
     handled = medium->decode(at, c);
   } else if (const DecoderRow* link = FindLinkType(record)) {
     handled = DecodeLinkFrame(at, c, link);
   }
   if (!display) return handled;
+  if (packet.asked) {   // nobody sees the lines
+    packet.asked = nullptr;
+    context->silent = silent;
+    return handled;
+  }
   ExpandTree(view);
   view->tree->ScrollToTop();
   view->tree->HoldRedraw(false);

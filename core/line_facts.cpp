@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/levels.h"
+#include "core/lines.h"
 
 namespace qxview {
 namespace {
@@ -36,6 +36,15 @@ bool TellsOfFrame(const View* view, LineHandle line) {
   return fact && std::strcmp(fact->protocol, kFrameProtocol) == 0;
 }
 
+// What is known of a protocol: the question is asked once, and anew where two protocols share a place.
+KnownProtocol& KnownProtocolOf(LineQuestion* question, const char* protocol) {
+  KnownProtocol& known = question->protocols[reinterpret_cast<uintptr_t>(protocol) / 4 % 64];
+  if (known.protocol == protocol) return known;
+  known = {protocol, 0, LinesWanted::kAll, false};
+  if (protocol) known.wanted = question->ofProtocol(question->with, protocol, &known.first);
+  return known;
+}
+
 // The place for a new line's fact, with room for its texts; null when there is no memory or no line.
 LineFact* NewFact(View* view, LineHandle line) {
   DecodeContext* context = view->context;
@@ -49,6 +58,7 @@ LineFact* NewFact(View* view, LineHandle line) {
   *fact = LineFact{};
   fact->protocol = TellsOfFrame(view, line) ? kFrameProtocol : context->packet.protocol;
   fact->label = static_cast<int32_t>(facts->textUsed);
+  if (facts->question) KnownProtocolOf(facts->question, fact->protocol).firstIn = facts->question->frame;
   return fact;
 }
 
@@ -160,18 +170,23 @@ int32_t LabelEnd(const char* text, int32_t length) {
   return end;
 }
 
+// Takes a picture that was drawn before off a text; whether there was one.
+bool SkipPicture(const char*& text, int32_t& length, uint64_t* bits) {
+  const int32_t picture = PictureLength(text, length, bits);
+  if (!picture) return false;
+  text += picture;
+  length -= picture;
+  while (length > 0 && (*text == ':' || *text == ' ')) {
+    ++text;
+    --length;
+  }
+  return true;
+}
+
 // A line without conversions, or whose text was made before.
 void TakeMade(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
   uint64_t bits;
-  const int32_t picture = PictureLength(text, length, &bits);
-  if (picture) {
-    text += picture;
-    length -= picture;
-    while (length > 0 && (*text == ':' || *text == ' ')) {
-      ++text;
-      --length;
-    }
-  }
+  const bool picture = SkipPicture(text, length, &bits);
   const int32_t end = LabelEnd(text, length);
   PutNumberless(facts, fact, text, static_cast<uint32_t>(end));
   if (picture) {
@@ -182,30 +197,67 @@ void TakeMade(LineFacts* facts, LineFact* fact, const char* text, int32_t length
   }
 }
 
-// Takes the label; `behind`: how much of the piece's literal it took, its separator left.
-void TakeLabel(LineFacts* facts, LineFact* fact, TextWalk& walk, uint32_t* behind) {
+// Takes the label; `behind`: how much of the piece's literal it took, its separator left. The result is how much
+// of the label every line of the text has, whatever its arguments: kWholeLabel where they have no part in it.
+constexpr int32_t kWholeLabel = INT32_MAX;
+
+int32_t TakeLabel(LineFacts* facts, LineFact* fact, TextWalk& walk, uint32_t* behind) {
+  int32_t fixed = kWholeLabel;
   for (*behind = 0;; walk.Next()) {
     const uint32_t length = walk.piece->literalLength;
     for (*behind = 0; *behind < length && !IsSeparator(walk.text[*behind]);) ++*behind;
     PutNumberless(facts, fact, walk.text, *behind);
-    if (*behind < length || IsNone(*walk.piece)) return;
+    if (*behind < length || IsNone(*walk.piece)) return fixed;
     if (walk.CountsLine()) continue;
+    if (IsText(*walk.piece) && fixed == kWholeLabel) fixed = fact->labelLength;
     const uint32_t form = walk.argument->form & 0xFF;
     // Texts of the frame are values wherever they stand.
     const char* given = reinterpret_cast<const char*>(static_cast<uintptr_t>(walk.argument->value));
-    if (!IsText(*walk.piece) || form != FormatArgument::kTerminated || !given) return;
+    if (!IsText(*walk.piece) || form != FormatArgument::kTerminated || !given) return fixed;
     const size_t givenLength = std::strlen(given), end = std::strcspn(given, ":=");
     const bool holdsSeparator = end < givenLength && std::strspn(given + end + 1, " ") == givenLength - end - 1;
     const bool isAll = fact->labelLength == 0 && IsNone(walk.piece[1]) && walk.piece[1].literalLength == 0;
-    if (!holdsSeparator && !isAll && !walk.SeparatorFollows()) return;
+    if (!holdsSeparator && !isAll && !walk.SeparatorFollows()) return fixed;
     PutNumberless(facts, fact, given, static_cast<uint32_t>(holdsSeparator ? end : givenLength));
     if (holdsSeparator) {
       walk.Next();
       *behind = 0;
-      return;
+      return fixed;
     }
   }
 }
+
+// What a text with conversions starts with.
+enum class TextStart { kLabel, kPicture, kMade };
+
+TextStart StartOf(const FormatPiece* pieces, const FormatArgument* arguments) {
+  const FormatPiece& first = *pieces;
+  if (first.literalLength > 0 || !IsText(first)) return TextStart::kLabel;
+  const uint32_t form = arguments->form & 0xFF;
+  if (form == FormatArgument::kBits) return TextStart::kPicture;
+  const char* given = reinterpret_cast<const char*>(static_cast<uintptr_t>(arguments->value));
+  if (form != FormatArgument::kTerminated || !given) return TextStart::kLabel;
+  // A text that is one argument, or starts with a picture that was drawn before.
+  uint64_t bits;
+  const bool isAlone = IsNone(pieces[1]) && pieces[1].literalLength == 0;
+  const bool isMade = isAlone || PictureLength(given, static_cast<int32_t>(std::strlen(given)), &bits);
+  return isMade ? TextStart::kMade : TextStart::kLabel;
+}
+
+// The pieces behind the first one's picture: what stands between it and the label belongs to the picture.
+struct BehindPicture {
+  FormatPiece pieces[24];
+  BehindPicture(TextWalk& walk) {
+    walk.Next();
+    uint32_t skipped = 0;
+    while (skipped < walk.piece->literalLength && (walk.text[skipped] == ':' || walk.text[skipped] == ' ')) ++skipped;
+    pieces[0] = *walk.piece;
+    pieces[0].literalLength -= skipped;
+    for (int32_t i = 0; !IsNone(pieces[i]) && i < 22; ++i) pieces[i + 1] = walk.piece[i + 1];
+    walk.text += skipped;
+    walk.piece = pieces;
+  }
+};
 
 // Whether words stand in front of the conversion: "Version 4" is a text, "[4]" and "0x04" are numbers.
 bool HasWords(const char* text, uint32_t length) {
@@ -285,36 +337,149 @@ void NoteFormatted(View* view, LineHandle line, const char* text, const FormatPi
   LineFact* fact = NewFact(view, line);
   if (!fact) return;
   TextWalk walk{text, pieces, arguments};
-  const FormatArgument* picture = nullptr;
-  FormatPiece first = *pieces;
-  if (first.literalLength == 0 && IsText(first) && (arguments->form & 0xFF) == FormatArgument::kBits) {
-    picture = arguments;
-    walk.Next();
-    uint32_t skipped = 0;
-    while (skipped < walk.piece->literalLength && (walk.text[skipped] == ':' || walk.text[skipped] == ' ')) ++skipped;
-    // The literal behind the picture starts with ": ", which belongs to the picture.
-    FormatPiece rest[24] = {*walk.piece};
-    rest[0].literalLength -= skipped;
-    for (int32_t i = 0; !IsNone(rest[i]) && i < 22; ++i) rest[i + 1] = walk.piece[i + 1];
-    walk.text += skipped;
-    walk.piece = rest;
-    uint32_t behind;
-    TakeLabel(facts, fact, walk, &behind);
-    return TakeValue(facts, fact, walk, behind, picture);
-  }
-  const uint32_t form = IsText(first) ? arguments->form & 0xFF : FormatArgument::kNumber;
-  uint64_t bits;
-  const char* given = reinterpret_cast<const char*>(static_cast<uintptr_t>(arguments->value));
-  const bool isGiven = first.literalLength == 0 && form == FormatArgument::kTerminated && given;
-  // A text that is one argument, or starts with a picture that was drawn before.
-  if (isGiven && ((IsNone(pieces[1]) && pieces[1].literalLength == 0) ||
-                  PictureLength(given, static_cast<int32_t>(std::strlen(given)), &bits))) {
-    char made[kMostValue];
-    return TakeMade(facts, fact, made, FormatPieces(made, sizeof made, text, pieces, arguments));
-  }
   uint32_t behind;
+  switch (StartOf(pieces, arguments)) {
+    case TextStart::kMade: {
+      char made[kMostValue];
+      return TakeMade(facts, fact, made, FormatPieces(made, sizeof made, text, pieces, arguments));
+    }
+    case TextStart::kPicture: {
+      const BehindPicture rest(walk);
+      TakeLabel(facts, fact, walk, &behind);
+      return TakeValue(facts, fact, walk, behind, arguments);
+    }
+    case TextStart::kLabel: break;
+  }
   TakeLabel(facts, fact, walk, &behind);
-  TakeValue(facts, fact, walk, behind, picture);
+  TakeValue(facts, fact, walk, behind, nullptr);
+}
+
+void AskFrame(LineFacts* facts, LineQuestion* question) {
+  facts->question = question;
+  if (!question) return;
+  ++question->frame;
+  question->asksForFrame = KnownProtocolOf(question, kFrameProtocol).wanted != LinesWanted::kNone;
+}
+
+void ChooseLines(DecodeContext* context) {
+  LineQuestion* question = context->facts->question;
+  context->silent = !question->asksForFrame && KnownProtocolOf(question, context->packet.protocol).wanted == LinesWanted::kNone;
+}
+
+namespace {
+
+// Whether the protocol alone decides about a line under `parent`; else its label does.
+bool IsDecided(View* view, LineHandle parent, KnownProtocol** known, bool* isLeft) {
+  LineQuestion* question = view->context->facts->question;
+  *known = nullptr;
+  *isLeft = parent == kLeftFrameLine;
+  if (*isLeft) return true;
+  bool isFrame = false;
+  if (question->asksForFrame && parent) {
+    const LineFact* above = FactOf(view->context, view->tree->RangeIndex(parent));
+    isFrame = above && std::strcmp(above->protocol, kFrameProtocol) == 0;
+  }
+  *known = &KnownProtocolOf(question, isFrame ? kFrameProtocol : view->context->packet.protocol);
+  *isLeft = (*known)->wanted == LinesWanted::kNone;
+  return (*known)->wanted != LinesWanted::kSome || ((*known)->first && (*known)->firstIn != question->frame);
+}
+
+// Whether the label that stands in the fact, or its start, is not asked about; its text is given back. A line without one is
+// wanted: it may get its label later.
+bool LeavesLabelOf(LineFacts* facts, const KnownProtocol& known, const LineFact& fact, bool isStart = false) {
+  facts->textUsed = static_cast<uint32_t>(fact.label);
+  if (fact.labelLength == 0) return false;
+  char label[kKeySize];
+  FormatKeyLabel(facts->text + fact.label, fact.labelLength, label, sizeof label);
+  return !facts->question->ofLabel(facts->question->with, known.protocol, label, isStart);
+}
+
+LineFact FactToTry(LineFacts* facts) {
+  LineFact fact{};
+  fact.label = static_cast<int32_t>(facts->textUsed);
+  return fact;
+}
+
+KnownLabel& PlaceOf(LineFacts* facts, const char* text) {
+  const uintptr_t at = reinterpret_cast<uintptr_t>(text);
+  return facts->question->labels[(at ^ at >> 10) % 1024];
+}
+
+}  // namespace
+
+bool LeavesFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces, const FormatArgument* arguments) {
+  if (!view->context->packet.asked) [[likely]] return false;
+  LineFacts* facts = view->context->facts;
+  KnownProtocol* known;
+  bool isLeft;
+  if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
+  const bool isPicture = pieces->literalLength == 0 && IsText(*pieces) && (arguments->form & 0xFF) == FormatArgument::kBits;
+  KnownLabel& place = PlaceOf(facts, text);
+  if (place.text == text && place.protocol == known->protocol && place.isPicture == isPicture) return !place.isWanted;
+  if (!Reserve(facts, 0, kMostLabel)) return false;
+  LineFact fact = FactToTry(facts);
+  TextWalk walk{text, pieces, arguments};
+  uint32_t behind;
+  int32_t fixed = 0;
+  switch (StartOf(pieces, arguments)) {
+    case TextStart::kMade: return false;
+    case TextStart::kPicture: {
+      const BehindPicture rest(walk);
+      fixed = TakeLabel(facts, &fact, walk, &behind);
+      break;
+    }
+    case TextStart::kLabel: fixed = TakeLabel(facts, &fact, walk, &behind);
+  }
+  const bool isFixed = fixed == kWholeLabel;
+  LineFact start = fact;
+  start.labelLength = fixed;
+  if (!isFixed && fixed > 0 && LeavesLabelOf(facts, *known, start, true)) {
+    place = {text, known->protocol, isPicture, false};
+    return true;
+  }
+  isLeft = LeavesLabelOf(facts, *known, fact);
+  if (isFixed) place = {text, known->protocol, isPicture, !isLeft};
+  return isLeft;
+}
+
+bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length) {
+  if (!view->context->packet.asked) [[likely]] return false;
+  LineFacts* facts = view->context->facts;
+  KnownProtocol* known;
+  bool isLeft;
+  if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
+  if (!Reserve(facts, 0, kMostLabel)) return false;
+  uint64_t bits;
+  SkipPicture(text, length, &bits);
+  LineFact fact = FactToTry(facts);
+  PutNumberless(facts, &fact, text, static_cast<uint32_t>(LabelEnd(text, length)));
+  return LeavesLabelOf(facts, *known, fact);
+}
+
+bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed) {
+  if (!view->context->packet.asked) [[likely]] return false;
+  LineFacts* facts = view->context->facts;
+  KnownProtocol* known;
+  bool isLeft;
+  if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
+  KnownLabel& place = PlaceOf(facts, label);
+  if (isFixed && place.text == label && place.protocol == known->protocol) return !place.isWanted;
+  if (!label || !Reserve(facts, 0, kMostLabel)) return false;
+  LineFact fact = FactToTry(facts);
+  PutLabel(facts, &fact, label, std::strlen(label));
+  isLeft = LeavesLabelOf(facts, *known, fact);
+  if (isFixed) place = {label, known->protocol, false, !isLeft};
+  return isLeft;
+}
+
+bool LeavesOthers(View* view) {
+  if (!view->context->packet.asked) [[likely]] return false;
+  return KnownProtocolOf(view->context->facts->question, view->context->packet.protocol).wanted != LinesWanted::kAll;
+}
+
+LineHandle CountLeftLine(View* view, LineHandle parent) {
+  const LineHandle counted = CountLine(view);
+  return counted && parent == kLeftFrameLine ? kLeftFrameLine : counted;
 }
 
 void NoteMade(View* view, LineHandle line, const char* text, int32_t length) {

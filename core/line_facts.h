@@ -15,19 +15,29 @@ namespace qxview {
 // The first line of a packet and those under it have keys of the frame.
 inline constexpr char kFrameProtocol[] = "frame";
 
+// Another protocol's lines are added from now on, of which a question may want none.
+void ChooseLines(DecodeContext* context);
+
 // For protocols that others call by name: the lines that are added while this is here have keys of the protocol.
 class KeyedAs {
  public:
   KeyedAs(PacketState& packet, const char* protocol) : packet_(packet), outer_(packet.protocol) {
     packet.protocol = protocol;
+    if (!packet.asked) [[likely]] return;
+    outerSilent_ = packet.asked->silent;
+    ChooseLines(packet.asked);
   }
-  ~KeyedAs() { packet_.protocol = outer_; }
+  ~KeyedAs() {
+    packet_.protocol = outer_;
+    if (packet_.asked) [[unlikely]] packet_.asked->silent = outerSilent_;
+  }
   KeyedAs(const KeyedAs&) = delete;
   KeyedAs& operator=(const KeyedAs&) = delete;
 
  private:
   PacketState& packet_;
   const char* outer_;
+  bool outerSilent_ = false;
 };
 
 enum class ValueKind : uint8_t { kNone, kNumber, kSigned, kText };
@@ -41,18 +51,52 @@ struct LineFact {
   bool edited;                  // the line was: what it got since is its value
 };
 
+// What a question wants of a protocol's lines.
+enum class LinesWanted : uint8_t { kNone, kSome, kAll };
+
+struct KnownProtocol {
+  const char* protocol;
+  uint64_t firstIn;   // the frame in which its first line was made
+  LinesWanted wanted;
+  bool first;
+};
+// Answers for the texts whose labels no argument changes.
+struct KnownLabel {
+  const char *text, *protocol;
+  bool isPicture, isWanted;
+};
+
+// Who asks for some lines alone: the others are counted as if the context were silent. The answers are kept, so they must not
+// change.
+struct LineQuestion {
+  // `first`: of kSome, whether the protocol's first line of a frame is wanted whatever its label.
+  LinesWanted (*ofProtocol)(const void* with, const char* protocol, bool* first);
+  // Whether the line of this label is wanted, which is as keys have it and terminated; of a label's start whether one may be.
+  bool (*ofLabel)(const void* with, const char* protocol, const char* label, bool isStart);
+  const void* with;
+
+  uint64_t frame;      // counts those that were asked
+  bool asksForFrame;   // for lines of the frame itself
+  KnownProtocol protocols[64];
+  KnownLabel labels[1024];
+};
+
 // Facts of the lines by their index in the range table; their texts stand behind one another.
 struct LineFacts {
   LineFact* of;
   uint32_t capacity, count;
   char* text;
   uint32_t textCapacity, textUsed;
-  // Whether lines of this protocol are wanted: others are counted alone, as if the context were silent. Null: all are.
-  bool (*wants)(const void* with, const char* protocol);
-  const void* wantsWith;
-  const char* lastProtocol;   // that was asked about
-  bool lastWanted;
+  // Told of the protocol of each line, and of the same one in a row once: no line is made. Null: they are made.
+  void (*tell)(void* with, const char* protocol);
+  void* tellWith;
+  const char* lastProtocol;   // that was told
+
+  LineQuestion* question;     // null: all lines are wanted
 };
+
+// The next frame is asked this, whose answers are empty at first; null: its lines are all wanted.
+void AskFrame(LineFacts* facts, LineQuestion* question);
 
 // Starts to keep facts, or lets them go; false when there is no memory.
 bool KeepFacts(DecodeContext* context, bool keep);
@@ -73,7 +117,7 @@ void NoteMade(View* view, LineHandle line, const char* text, int32_t length);
 void NoteNumber(View* view, LineHandle line, const char* label, uint64_t number, bool isSigned);
 void NoteText(View* view, LineHandle line, const char* label, const char* text, int32_t length);
 
-// For a line whose text has no label, or one that says its value.
+// For a line whose text starts with a value, so that it has no label.
 void LabelLine(View* view, LineHandle line, const char* label);
 
 // For a line whose text says its number in words.
@@ -87,21 +131,32 @@ void NoteEdited(View* view, LineHandle line, const char* text, int32_t length);
 
 inline bool KeepsFacts(const View* view) { return view->context->facts != nullptr; }
 
-// Whether nobody wants the line that is about to be added.
-inline bool IsUnwanted(const View* view) {
+// Whether lines are told of and none is made.
+inline bool OnlyTells(const View* view) {
   LineFacts* facts = view->context->facts;
-  if (!facts || !facts->wants) [[likely]] return false;
+  if (!facts || !facts->tell) [[likely]] return false;
   const char* protocol = view->context->packet.protocol;
   if (facts->lastProtocol != protocol) {
     facts->lastProtocol = protocol;
-    facts->lastWanted = !protocol || facts->wants(facts->wantsWith, protocol);
+    if (protocol) facts->tell(facts->tellWith, protocol);
   }
-  return !facts->lastWanted;
+  return true;
 }
 
-// Whether a line was counted alone: in the trees that wanted lines go into no handle is this one.
-inline bool WasUnwanted(const View* view, LineHandle line) {
-  return KeepsFacts(view) && view->context->facts->wants && line == kLineOutsideDisplay;
+// Whether a question leaves the line out that is about to be added: one made of a text with conversions, of a text that was
+// made before, of a label of its own (`isFixed`: wherever it stands, that text never changes), or without a fact.
+bool LeavesFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces, const FormatArgument* arguments);
+bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length);
+bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed);
+bool LeavesOthers(View* view);
+
+// Counts a line that is left out towards the frame's bound; the parent of its children.
+LineHandle CountLeftLine(View* view, LineHandle parent);
+
+// Whether a line is not in the tree: those that a question or a count left out.
+inline bool WasLeft(const View* view, LineHandle line) {
+  const LineFacts* facts = view->context->facts;
+  return facts && (facts->question || facts->tell) && (line == kLineOutsideDisplay || line == kLeftFrameLine);
 }
 
 // The fact of a line's index in the range table; null when there is none.

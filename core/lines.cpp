@@ -150,20 +150,25 @@ void DestroyDecodeContext(DecodeContext* context) {
 
 int64_t CurrentPacketNumber(const View* view) { return view && view->context ? view->context->packetNumber : -1; }
 
+LineHandle ReachLineLimit(View* view) { return ReachLimit(view, 0, kBitFieldImage, view->tree, 0); }
+
 LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
                            DecodeTree* tree, ByteRange range) {
   if (!view || !view->context || !tree || !text) return 0;
   int32_t& linesLeft = view->context->packet.linesLeft;
   if (linesLeft <= 0) return ReachLimit(view, parentLine, image, tree, range);
   --linesLeft;
-  if (view->context->silent || IsUnwanted(view)) return kLineOutsideDisplay;
+  if (view->context->silent || OnlyTells(view)) return kLineOutsideDisplay;
   return RouteLine(view, parentLine, text, length, image, tree, range);
 }
 
 LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, int32_t image, DecodeTree* tree,
                          ByteRange range) {
-  if (!text) return 0;
+  if (!view || !view->context || !text) return 0;
   const int32_t length = static_cast<int32_t>(std::strlen(text));
+  if (RangeKind(range) == kFieldKind ? LeavesMade(view, parentLine, text, length) : LeavesOthers(view)) {
+    return CountLeftLine(view, parentLine);
+  }
   const LineHandle line = AddDecodeLineOf(view, parentLine, text, length, image, tree, range);
   if (line && KeepsFacts(view) && RangeKind(range) == kFieldKind) [[unlikely]] NoteMade(view, line, text, length);
   return line;

@@ -14,6 +14,14 @@ namespace qxview {
 LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, int32_t image, DecodeTree* tree,
                          ByteRange range);
 
+// A line that is counted towards the frame's bound and not made.
+LineHandle ReachLineLimit(View* view);
+inline LineHandle CountLine(View* view) {
+  if (view->context->packet.linesLeft <= 0) [[unlikely]] return ReachLineLimit(view);
+  --view->context->packet.linesLeft;
+  return kLineOutsideDisplay;
+}
+
 // The same for a text whose length is known.
 LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
                            DecodeTree* tree, ByteRange range);

@@ -155,14 +155,15 @@ LineHandle AddRowLine(const RowWalk& walk, const RowData& row, const Field& fiel
   if (row.form == RowForm::kBytes && field.length > kMostShownBytes) {
     return AddBlock(at, field, row.label ? row.label : walk.title);
   }
-  if (Silent(at) || IsUnwanted(at.view)) return CountSilentLine(at);
+  if (Silent(at) || OnlyTells(at.view)) return CountSilentLine(at);
+  const LineHandle parent = row.form == RowForm::kBits ? walk.parent : at.parent;
+  if (LeavesLabel(at.view, parent, row.label ? row.label : walk.title, row.label != nullptr)) return CountLeftLine(at.view, parent);
   RowArguments arguments;
   Arrange(arguments, row.line, row, walk, field);
   char text[kLineSize];
   const bool isBits = row.form == RowForm::kBits;
   const int32_t length = FormatPieces(text, at.lineSize, row.line.text, row.line.pieces, arguments.of);
-  const LineHandle line = AddDecodeLineOf(at.view, isBits ? walk.parent : at.parent, text, length,
-                                          isBits ? kBitFieldImage : LevelImage(at.level), at.tree,
+  const LineHandle line = AddDecodeLineOf(at.view, parent, text, length, isBits ? kBitFieldImage : LevelImage(at.level), at.tree,
                                           MakeByteRange(kFieldKind, field.offset, field.length));
   if (KeepsFacts(at.view)) [[unlikely]] NoteRow(walk, line, row, field);
   return line;

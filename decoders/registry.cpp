@@ -183,11 +183,36 @@ int32_t ApplicationIndexOf(const ProtocolRow* protocol) {
   return -1;
 }
 
-const char* ProtocolKeyOf(DecoderFunction decode, const char* other) {
-  for (const Protocol& protocol : kProtocols) {
-    if (protocol.decode == decode) return protocol.key;
+namespace {
+
+// The protocols by their functions: the places that follow a function's own hold those that share it.
+class ProtocolsByFunction {
+ public:
+  ProtocolsByFunction() {
+    for (const Protocol& protocol : kProtocols) {
+      const Protocol*& place = PlaceOf(protocol.decode);
+      if (!place) place = &protocol;   // of several with one function the first
+    }
   }
-  return other;
+  const Protocol* Find(DecoderFunction decode) { return PlaceOf(decode); }
+
+ private:
+  static constexpr size_t kPlaces = 4096;
+  static_assert(kProtocolCount * 2 < kPlaces);
+  const Protocol*& PlaceOf(DecoderFunction decode) {
+    size_t at = reinterpret_cast<uintptr_t>(decode) / 16 % kPlaces;
+    while (places_[at] && places_[at]->decode != decode) at = (at + 1) % kPlaces;
+    return places_[at];
+  }
+  const Protocol* places_[kPlaces] = {};
+};
+
+}  // namespace
+
+const char* ProtocolKeyOf(DecoderFunction decode, const char* other) {
+  static ProtocolsByFunction byFunction;
+  const Protocol* found = byFunction.Find(decode);
+  return found ? found->key : other;
 }
 
 }  // namespace qxview

@@ -1,6 +1,7 @@
 #include "query/key_query.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #include "host/nearest_name.h"
@@ -11,6 +12,10 @@ namespace qxview {
 namespace {
 
 constexpr size_t kMostParts = 64;   // bits of a mask
+
+void Say(std::string* wrong, const char* text) {
+  if (wrong) *wrong = text;
+}
 
 std::string_view ProtocolOf(std::string_view key) { return key.substr(0, key.find('.')); }
 
@@ -31,16 +36,21 @@ std::string Lower(std::string_view text) {
   return lower;
 }
 
-std::string UnknownKey(std::string_view name) {
+// The keys of a protocol, or all of them, and the aliases.
+std::vector<std::string_view> NamesOf(std::string_view protocol, bool all) {
   std::vector<std::string_view> names;
-  const std::string_view protocol = ProtocolOf(name);
-  const bool known = IsProtocol(protocol);
   for (int32_t i = 0; i < FieldKeys().count; ++i) {
     const std::string_view key = FieldKeys().keys[i].key;
-    if (!known || ProtocolOf(key) == protocol) names.push_back(key);
+    if (all || ProtocolOf(key) == protocol) names.push_back(key);
   }
   for (int32_t i = 0; i < KeyAliases().count; ++i) names.push_back(KeyAliases().aliases[i].name);
-  std::string text = "there is no key " + QuoteValue(name) + NearestHint(std::string(name), names);
+  return names;
+}
+
+std::string UnknownKey(std::string_view name) {
+  const std::string_view protocol = ProtocolOf(name);
+  const bool known = IsProtocol(protocol);
+  std::string text = "there is no key " + QuoteValue(name) + NearestHint(std::string(name), NamesOf(protocol, !known));
   if (known) text += "; qxview protocols --fields " + std::string(protocol) + " lists those of " + std::string(protocol);
   return text;
 }
@@ -69,6 +79,8 @@ uint32_t KeyQuery::PartOf(std::string_view protocol, std::string_view label) {
   if (label.empty()) wholeProtocols_ |= uint64_t{1} << parts_.size();
   parts_.push_back({std::string(protocol), std::string(label)});
   byProtocol_.clear();
+  static std::atomic<uint64_t> versions{0};
+  version_ = ++versions;
   return static_cast<uint32_t>(parts_.size() - 1);
 }
 
@@ -83,18 +95,22 @@ bool KeyQuery::AddPath(std::string_view path, Asked* asked, std::string* wrong) 
     const std::string_view key = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     const size_t dot = key.find('.');
-    if (!(dot == key.npos ? IsProtocol(key) : FindFieldKey(key) != nullptr)) return *wrong = UnknownKey(key), false;
-    if (parts_.size() >= kMostParts) return *wrong = "more than 64 keys are asked for", false;
+    const FieldKey* known = dot == key.npos ? nullptr : FindFieldKey(key);
+    if (known && known->key != key) toldByPackets_.emplace_back(key);
+    if (!(dot == key.npos ? IsProtocol(key) : known != nullptr)) {
+      if (wrong) *wrong = UnknownKey(key);
+      return false;
+    }
+    if (parts_.size() >= kMostParts) return Say(wrong, "more than 64 keys are asked for"), false;
     parts.push_back(PartOf(key.substr(0, dot), dot == key.npos ? std::string_view{} : key.substr(dot + 1)));
   }
-  if (parts.empty()) return *wrong = "a key is wanted", false;
+  if (parts.empty()) return Say(wrong, "a key is wanted"), false;
+  for (const uint32_t part : parts) parts_[part].isOnPath |= parts.size() > 1;
   return asked->paths.push_back(std::move(parts)), true;
 }
 
 bool KeyQuery::IsKey(std::string_view name) {
-  KeyQuery query;
-  std::string wrong;
-  return query.Ask(name, &wrong) >= 0;
+  return KeyQuery().Ask(name, nullptr) >= 0;
 }
 
 int32_t KeyQuery::Ask(std::string_view name, std::string* wrong) {
@@ -110,9 +126,28 @@ int32_t KeyQuery::Ask(std::string_view name, std::string* wrong) {
     if (!AddPath(rest.substr(0, end), &asked, wrong)) return -1;
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
-  if (asked.paths.empty() && asked.own.empty()) return *wrong = "a key is wanted", -1;
+  if (asked.paths.empty() && asked.own.empty()) return Say(wrong, "a key is wanted"), -1;
   asked_.push_back(std::move(asked));
   return Count() - 1;
+}
+
+// Labels alone are compared: what stands in front of them is right.
+std::string KeyQuery::DoubtfulKeys() const {
+  std::string text;
+  for (const std::string& key : toldByPackets_) {
+    const std::string_view protocol = ProtocolOf(key);
+    std::vector<std::string_view> labels;
+    for (const std::string_view name : NamesOf(protocol, false)) {
+      if (ProtocolOf(name) == protocol && name.size() > protocol.size() && !name.ends_with('*')) {
+        labels.push_back(name.substr(protocol.size() + 1));
+      }
+    }
+    const std::string_view nearest = NearestName(std::string_view(key).substr(protocol.size() + 1), labels);
+    if (nearest.empty()) continue;
+    text += (text.empty() ? "" : "; ") + QuoteValue(key) + " is asked for as a name that packets may tell; the nearest known key is " +
+            std::string(protocol) + "." + std::string(nearest);
+  }
+  return text;
 }
 
 int32_t KeyQuery::AskEveryLine() {
@@ -123,9 +158,29 @@ int32_t KeyQuery::AskEveryLine() {
   return everyLine_;
 }
 
-bool KeyQuery::Wants(const char* protocol) const {
-  if (everyLine_ >= 0) return true;
-  return std::any_of(parts_.begin(), parts_.end(), [=](const Part& part) { return part.protocol == protocol; });
+// Of the frame and of lines that stand under one another all are wanted: what a line is under has to be there, too.
+LinesWanted KeyQuery::Wants(const char* protocol, bool* first) const {
+  if (everyLine_ >= 0) return LinesWanted::kAll;
+  LinesWanted wanted = LinesWanted::kNone;
+  for (const Part& part : parts_) {
+    if (part.protocol != protocol) continue;
+    if (part.isOnPath || part.protocol == kFrameProtocol) return LinesWanted::kAll;
+    wanted = LinesWanted::kSome;
+    *first |= part.label.empty();
+  }
+  return wanted;
+}
+
+// Of a whole protocol those that may have its name as their key: see Note.
+bool KeyQuery::WantsLabel(const char* protocol, const char* label, bool isStart) const {
+  const std::string_view given(label);
+  for (const Part& part : parts_) {
+    if (part.protocol != protocol) continue;
+    const std::string_view wanted = part.label.empty() ? std::string_view(part.protocol) : part.label;
+    if (part.label.empty() ? given.starts_with(wanted) : given == wanted) return true;
+    if (isStart && wanted.starts_with(given)) return true;
+  }
+  return false;
 }
 
 const std::vector<uint32_t>& KeyQuery::PartsOf(const char* protocol) {

@@ -36,20 +36,31 @@ class PacketTold {
 
 class KeyQuery {
  public:
-  // The number under which the values of this key are collected; -1 when there is no such key, then *wrong says why.
+  // The number under which the values of this key are collected; -1 when there is no such key, then *wrong says why unless it is
+  // null.
   int32_t Ask(std::string_view name, std::string* wrong);
   // The same for every line, whatever its key.
   int32_t AskEveryLine();
   // Whether Ask takes the name.
   static bool IsKey(std::string_view name);
 
+  // Of what was asked for the names that no line is known to have, but packets may tell ("http.methd"), where one that is known is
+  // near: a sentence, or nothing.
+  std::string DoubtfulKeys() const;
+
   // Whether anything that was asked for is a line's, not the packet's own.
   bool AsksForLines() const { return !parts_.empty() || everyLine_ >= 0; }
   // Whether the packet's protocols are asked for: whoever collects hands them over first, the outer ones first.
   bool AsksForProtocols() const { return asksForProtocols_; }
   void TakeProtocols(const std::vector<const char*>& protocols);
-  // Whether lines of this protocol may be of what was asked for.
-  bool Wants(const char* protocol) const;
+  // Whether lines of this protocol may be of what was asked for, all of them or those whose labels are; `first`: whether its
+  // first line is.
+  LinesWanted Wants(const char* protocol, bool* first) const;
+  // Whether the line of this label may be, or of one that starts so.
+  bool WantsLabel(const char* protocol, const char* label, bool isStart) const;
+  bool AsksForEveryLine() const { return everyLine_ >= 0; }
+  // Another one for every set of keys, of whatever query.
+  uint64_t Version() const { return version_; }
 
   // Collects the values of a packet whose lines are in the tree, with their facts; they are good until the tree changes.
   void Collect(const DecodeContext& context, const ArenaTree& tree, PacketTold& told);
@@ -64,6 +75,7 @@ class KeyQuery {
   // A key by its halves; without a label the whole protocol.
   struct Part {
     std::string protocol, label;
+    bool isOnPath = false;   // with lines above or below it that are asked about, too
   };
   using Path = std::vector<uint32_t>;   // parts, the outermost line's first
   struct Asked {
@@ -86,6 +98,7 @@ class KeyQuery {
   void CollectOwn(PacketTold& told);
 
   std::vector<Part> parts_;
+  std::vector<std::string> toldByPackets_;   // keys that are good because packets tell names of their protocol
   std::vector<Asked> asked_;
   std::vector<ProtocolParts> byProtocol_;
   std::vector<uint64_t> matched_;   // parts of the line at each depth and those it is under
@@ -93,6 +106,7 @@ class KeyQuery {
   uint64_t wholeSeen_ = 0;
   int32_t everyLine_ = -1;
   bool asksForProtocols_ = false;
+  uint64_t version_ = 0;
   std::string protocols_;   // "eth:ip:udp:dns"
 };
 

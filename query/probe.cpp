@@ -5,11 +5,6 @@
 namespace qxview {
 namespace {
 
-// The lines of the frame are made in any case: what stands under them has keys of the frame.
-bool WantsForQuery(const void* query, const char* protocol) {
-  return static_cast<const KeyQuery*>(query)->Wants(protocol) || std::strcmp(protocol, kFrameProtocol) == 0;
-}
-
 // The way into the frame: each protocol stands deeper than the one before it.
 struct ProtocolPath {
   const PacketState& packet;
@@ -17,26 +12,31 @@ struct ProtocolPath {
   std::vector<int32_t> depths;
 };
 
-bool NoteProtocol(const void* with, const char* protocol) {
-  auto& path = *static_cast<ProtocolPath*>(const_cast<void*>(with));
+void NoteProtocol(void* with, const char* protocol) {
+  auto& path = *static_cast<ProtocolPath*>(with);
   const int32_t depth = path.packet.nesting;
   const bool isDeeper = path.depths.empty() || depth > path.depths.back();
   bool isKnown = std::strcmp(protocol, kFrameProtocol) == 0 || depth < 0;
   for (const char* known : path.protocols) isKnown |= !isDeeper && std::strcmp(known, protocol) == 0;
   const bool isSame = !path.protocols.empty() && path.protocols.back() == protocol;
   constexpr size_t kMostProtocols = 64;
-  if (isKnown || isSame || path.protocols.size() >= kMostProtocols) return false;
+  if (isKnown || isSame || path.protocols.size() >= kMostProtocols) return;
   path.protocols.push_back(protocol);
   path.depths.push_back(depth);
-  return false;
+}
+
+LinesWanted ProtocolForQuery(const void* query, const char* protocol, bool* first) {
+  return static_cast<const KeyQuery*>(query)->Wants(protocol, first);
+}
+bool LabelForQuery(const void* query, const char* protocol, const char* label, bool isStart) {
+  return static_cast<const KeyQuery*>(query)->WantsLabel(protocol, label, isStart);
 }
 
 }  // namespace
 
+// Into the tree of its own, with what the caller has put into the facts.
 template <typename Use>
-bool Probe::Decode(const FrameRecord* record, WantsProtocol wants, const void* with, const Use& use) {
-  if (!facts_) facts_ = CreateFacts();
-  if (!facts_) return false;
+void Probe::Decode(const FrameRecord* record, const Use& use) {
   View& view = *session_.GetView();
   DecodeContext& context = *view.context;
   DecodeTree* const tree = view.tree;
@@ -44,9 +44,6 @@ bool Probe::Decode(const FrameRecord* record, WantsProtocol wants, const void* w
   OutputFile* const file = context.outputFile;
   const char mode = context.outputMode;
   const bool silent = context.silent, headersOnly = context.headersOnly;
-  facts_->wants = wants;
-  facts_->wantsWith = with;
-  facts_->lastProtocol = nullptr;
   context.facts = facts_;
   view.tree = &tree_;
   session_.SetOutput(kDisplayMode, nullptr);
@@ -57,7 +54,20 @@ bool Probe::Decode(const FrameRecord* record, WantsProtocol wants, const void* w
   session_.SetOutput(mode, file);
   context.silent = silent;
   context.headersOnly = headersOnly;
-  return true;
+}
+
+// The answers of the queries that were asked last are kept: a filter and the columns take turns.
+LineQuestion* Probe::QuestionOf(const KeyQuery& query) {
+  for (Asked& asked : asked_) {
+    if (asked.question && asked.version == query.Version()) return asked.question->with = &query, asked.question.get();
+  }
+  Asked& oldest = asked_[next_++ % asked_.size()];
+  oldest.version = query.Version();
+  oldest.question = std::make_unique<LineQuestion>();
+  oldest.question->ofProtocol = ProtocolForQuery;
+  oldest.question->ofLabel = LabelForQuery;
+  oldest.question->with = &query;
+  return oldest.question.get();
 }
 
 bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
@@ -67,15 +77,24 @@ bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
     query.TakeProtocols(protocols);
   }
   const auto collect = [&] { query.Collect(session_.Context(), tree_.Lines(), told); };
-  if (query.AsksForLines()) return Decode(record, WantsForQuery, &query, collect);
-  collect();
+  if (!query.AsksForLines()) return collect(), true;
+  if (!MakeFacts()) return false;
+  AskFrame(facts_, query.AsksForEveryLine() ? nullptr : QuestionOf(query));
+  Decode(record, collect);
+  AskFrame(facts_, nullptr);
   return true;
 }
 
 bool Probe::ListProtocols(const FrameRecord* record, std::vector<const char*>* protocols) {
   protocols->clear();
+  if (!MakeFacts()) return false;
   ProtocolPath path{session_.Context().packet, *protocols, {}};
-  return Decode(record, NoteProtocol, &path, [] {});
+  facts_->tell = NoteProtocol;
+  facts_->tellWith = &path;
+  facts_->lastProtocol = nullptr;
+  Decode(record, [] {});
+  facts_->tell = nullptr;
+  return true;
 }
 
 }  // namespace qxview

@@ -1,6 +1,9 @@
-// Asks a frame: decodes it beside what its session shows and collects what a query asks for. Only the lines of protocols that
-// are asked about are made.
+// Asks a frame: decodes it beside what its session shows and collects what a query asks for. Only the lines that are asked about
+// are made.
 #pragma once
+#include <array>
+#include <memory>
+
 #include "host/session.h"
 #include "query/key_query.h"
 #include "query/partial_tree.h"
@@ -22,10 +25,18 @@ class Probe {
   bool ListProtocols(const FrameRecord* record, std::vector<const char*>* protocols);
 
  private:
-  using WantsProtocol = bool (*)(const void* with, const char* protocol);
+  bool MakeFacts() { return facts_ || (facts_ = CreateFacts()); }
   template <typename Use>
-  bool Decode(const FrameRecord* record, WantsProtocol wants, const void* with, const Use& use);
+  void Decode(const FrameRecord* record, const Use& use);
 
+  LineQuestion* QuestionOf(const KeyQuery& query);
+
+  struct Asked {
+    uint64_t version = 0;
+    std::unique_ptr<LineQuestion> question;
+  };
+  std::array<Asked, 4> asked_;
+  size_t next_ = 0;
   Session& session_;
   LineFacts* facts_ = nullptr;
   PartialTree tree_;

@@ -117,6 +117,22 @@ bool DigitsAt(std::string_view text, size_t at, size_t count, int64_t* number) {
   return error == std::errc() && end == text.data() + at + count && *number >= 0;
 }
 
+// "192.0.2.1", which most addresses of packets are.
+bool TakeDotted(std::string_view text, uint8_t* out) {
+  size_t at = 0;
+  for (int32_t i = 0; i < 4; ++i) {
+    if (i > 0 && (at >= text.size() || text[at++] != '.')) return false;
+    uint32_t value = 0;
+    const size_t start = at;
+    for (; at < text.size() && at - start < 3 && text[at] >= '0' && text[at] <= '9'; ++at) {
+      value = value * 10 + static_cast<uint32_t>(text[at] - '0');
+    }
+    if (at == start || value > 255) return false;
+    out[i] = static_cast<uint8_t>(value);
+  }
+  return at == text.size();
+}
+
 // Days since 1970 of a date of the Gregorian calendar.
 int64_t DaysOf(int64_t year, int64_t month, int64_t day) {
   year -= month <= 2;
@@ -151,6 +167,12 @@ Quantity ParseQuantity(std::string_view text) {
 
 NetworkAddress ParseNetworkAddress(std::string_view text) {
   NetworkAddress address;
+  if (TakeDotted(text, address.bytes.data())) {
+    address.length = 4;
+    address.prefix = 32;
+    return address;
+  }
+  address.bytes.fill(0);
   const size_t slash = text.rfind('/');
   AliasKind kind;
   const std::string alone(text.substr(0, slash));

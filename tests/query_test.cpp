@@ -144,6 +144,11 @@ const std::vector<std::vector<const char*>> kQuestions = {
     {"eth.addr", "vlan.id", "frame.interface", "frame.network"},
     {"tls", "smb.command", "ldap", "kerberos", "snmp"},
     {"tcp", "icmp/ip.source", "arp.opcode"},
+    {"frame.network"},
+    {"frame", "tcp"},
+    {"ip.src", "ip.dst", "tcp.srcport", "tcp.dstport"},
+    {"tcp.finish", "tcp.flags.syn", "ip.flags.df", "udp.checksum"},
+    {"dns.domain_name", "snmp.version", "eth", "http.host", "tls.version"},
 };
 
 TEST(Probe, FindsInEverySampleWhatTheWholeTreeSays) {

@@ -82,6 +82,17 @@ class Questions(unittest.TestCase):
         self.run_program("list", DNS, "-Y", "dns.qry.nam == 3", status=2)
         self.assertIn("\n  dns.qry.nam == 3\n  ^^^^^^^^^^^\n", self.errors)
 
+    def test_names_that_packets_may_tell_are_doubted_when_a_known_key_is_near(self):
+        self.run_program("list", HTTP, "-Y", 'http.methd == "GET"')
+        self.assertIn('note: "http.methd" is asked for as a name that packets may tell; the nearest known key is http.method\n', self.errors)
+        self.assertEqual(self.errors.count("note"), 1)
+        self.run_program("fields", HTTP, "-e", "http.methd")
+        self.assertIn("http.methd", self.errors)
+        self.run_program("stat", "values", "http.methd", HTTP)
+        self.assertIn("http.methd", self.errors)
+        self.run_program("list", HTTP, "-Y", "http.zzzzzz or http.method")
+        self.assertEqual(self.errors, "")
+
     def test_columns_are_quoted_and_run_no_formula(self):
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "a.pcap")

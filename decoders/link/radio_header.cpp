@@ -119,7 +119,7 @@ void AddRadiotapField(const Place& in, int32_t bit, const Field& field) {
 void DecodeRadiotap(const Place& at, const Cursor& c) {
   const Place in = Under(at, AddLine(at, kOutside, "Radio Information: Radiotap, %d bytes", Left(c)));
   RadiotapWalk walk = StartWalk(c);
-  int32_t bit;
+  int32_t bit = 0;
   for (Field field; (field = NextField(walk, &bit)).here && !PacketOf(at).limitReached;) {
     AddRadiotapField(in, bit, field);
   }
