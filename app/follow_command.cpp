@@ -19,7 +19,7 @@ enum class Sides { kBoth, kFirst, kSecond };
 
 struct FollowOptions {
   ReadingOptions reading;
-  bool isTcp = false, isUdp = false;
+  bool isTcp = false, isUdp = false, isTls = false;   // TLS: what the records of a conversation over TCP were opened to
   uint64_t stream = 0;
   FollowFormat format = FollowFormat::kText;
   Sides sides = Sides::kBoth;
@@ -116,12 +116,21 @@ class StreamWriter final : public StreamTarget {
 
 class Follower {
  public:
-  Follower(const FollowOptions& options, Output& out) : options_(options), writer_(options, out), stream_(writer_) {}
+  Follower(const FollowOptions& options, Output& out)
+      : options_(options), writer_(options, out), stream_(writer_), records_(writer_) {}
+
+  RecordListener Listener() {
+    return {[](void* with, const OpenedRecord& record) { static_cast<FollowedRecords*>(with)->Note(record); }, &records_};
+  }
 
   void Take(const PacketState& packet, uint64_t number, const QxHost* host) {
     TcpHeader header;
     const bool isTcp = ReadTcpHeader(packet, &header);
     const bool isUdp = !isTcp && IsUdpPacket(packet);
+    if (options_.isTls) {
+      const bool isOfStream = isTcp && !packet.quoted && streams_.NumberOf(packet, &header) == options_.stream;
+      return isOfStream ? records_.Take(packet, number, host) : records_.Drop();
+    }
     const bool isAny = !options_.isTcp && !options_.isUdp;   // what --where lets through
     if (packet.quoted || (isAny ? !isTcp && !isUdp : options_.isTcp ? !isTcp : !isUdp)) return;
     if (isAny) return stream_.TakeAsItComes(packet, isTcp, number, host);
@@ -131,8 +140,23 @@ class Follower {
 
   bool Finish() {
     stream_.Finish();
+    records_.Finish();
     writer_.Finish();
-    return !stream_.IsEmpty();
+    return !stream_.IsEmpty() || !records_.IsEmpty();
+  }
+
+  // Whether nothing of a connection of TLS was opened.
+  bool IsClosed() const { return options_.isTls && !records_.IsEmpty() && records_.Opened() == 0; }
+  // What keeps it closed, or a part of it; an empty text when all was opened.
+  std::string WhyClosed() const {
+    const std::string name = "follow: tls:" + std::to_string(options_.stream);
+    if (!IsClosed()) {
+      if (records_.Failed() == 0) return "";
+      return name + ": records that could not be opened, and are left out: " + std::to_string(records_.Failed());
+    }
+    if (records_.Failed() > 0) return name + ": no record can be opened: the secrets are others', or its cipher is not supported";
+    if (records_.WithoutSecrets() == 0) return name + ": there are no encrypted records in this conversation";
+    return name + ": its secrets are not known: a key log is named with --set TlsKeyLog=FILE, or stands in the capture";
   }
 
  private:
@@ -140,6 +164,7 @@ class Follower {
   StreamWriter writer_;
   Streams streams_;
   FollowedStream stream_;
+  FollowedRecords records_;
 };
 
 int Follow(const FollowOptions& options) {
@@ -147,6 +172,10 @@ int Follow(const FollowOptions& options) {
   Follower follower(options, *out);
   const int status = ForEachRun(options.reading, [&](PacketRun& run) {
     run.GetSession().DecodeHeadersOnly();
+    if (options.isTls) {
+      run.GetSession().Context().headersOnly = false;   // nothing is shown, but all is decoded
+      if (!ListenToRecords(run.GetSession().GetView(), follower.Listener())) return Tell("no memory for what is encrypted"), false;
+    }
     run.ForEach([&](const FrameRecord*, const CaptureFrame& frame, int32_t) {
       follower.Take(run.GetSession().Context().packet, frame.number, run.Host().Record());
       return !out->Failed();
@@ -157,6 +186,9 @@ int Follow(const FollowOptions& options) {
   out->Flush();
   if (out->Failed()) return OutputFault();
   if (!found) Tell("follow: there is no such stream");
+  const std::string closed = follower.WhyClosed();
+  if (!closed.empty()) Tell(closed);
+  if (follower.IsClosed()) return std::max(status, static_cast<int>(kNothingFound));
   return found || status != kDone ? status : static_cast<int>(kNothingFound);
 }
 
@@ -166,13 +198,16 @@ void AddFollowCommand(CommandLine* line) {
   auto options = std::make_shared<FollowOptions>();
   Command& command = line->Add("follow", "the bytes of a conversation, both sides in order");
   AddReadingOptions(&command, &options->reading);
-  command.AddOption("--stream", "tcp:N|udp:N", "the N-th conversation, from 0; without it all that --where lets through",
+  command.AddOption("--stream", "tcp:N|udp:N|tls:N",
+                    "the N-th conversation, from 0; tls: what that of TCP has encrypted, where its secrets are known; without it all "
+                    "that --where lets through",
                     [options](const std::string& value, std::string* wrong) {
                       options->isTcp = value.starts_with("tcp:");
                       options->isUdp = value.starts_with("udp:");
+                      options->isTls = value.starts_with("tls:");
                       int64_t number = -1;
-                      *wrong = "tcp:N or udp:N is wanted, N from 0";
-                      if (!options->isTcp && !options->isUdp) return false;
+                      *wrong = "tcp:N, udp:N or tls:N is wanted, N from 0";
+                      if (!options->isTcp && !options->isUdp && !options->isTls) return false;
                       if (!ParseNumber(value.substr(4), &number) || number < 0) return false;
                       options->stream = static_cast<uint64_t>(number);
                       return true;
@@ -187,9 +222,12 @@ void AddFollowCommand(CommandLine* line) {
       "Examples:\n"
       "  qxview follow capture.pcap --stream tcp:0\n"
       "  qxview follow capture.pcap --stream tcp:3 --side b --format raw > answer.bin\n"
+      "  qxview follow capture.pcapng --stream tls:0 --set TlsKeyLog=keys.log\n"
       "  qxview follow capture.pcap -Y 'udp.port == 514'");
   command.SetAction([options] {
-    if (!options->isTcp && !options->isUdp && options->reading.where.empty() && options->reading.filter.empty()) {
+    if (options->isTls) options->reading.reassemble = true;   // records go over segments
+    const bool isNamed = options->isTcp || options->isUdp || options->isTls;
+    if (!isNamed && options->reading.where.empty() && options->reading.filter.empty()) {
       return Tell("follow: --stream or --where is missing: which conversation"), static_cast<int>(kUsage);
     }
     const int status = FinishReadingOptions(&options->reading);

@@ -80,8 +80,7 @@ bool IsUdpPacket(const PacketState& packet) {
   return packet.carrier.table == DispatchTable::kIpProtocol && packet.carrier.key == kUdp;
 }
 
-// Of several conversations each end that is not the first one's is the other side.
-bool FollowedStream::SideOf(const PacketState& packet, const QxHost* host) {
+bool StreamSides::Of(const PacketState& packet, const QxHost* host) {
   const std::string from = BytesOf(SourceEnd(packet));
   if (first_.empty()) first_ = from;
   const bool isSecond = from != first_;
@@ -90,8 +89,70 @@ bool FollowedStream::SideOf(const PacketState& packet, const QxHost* host) {
   return isSecond;
 }
 
+void FollowedRecords::Note(const OpenedRecord& record) {
+  constexpr size_t kMostNoted = 4096;
+  if (noted_.size() >= kMostNoted) return;
+  noted_.push_back({record.how, record.isData, record.keys, record.sequence, {}, static_cast<uint64_t>(record.length), 0});
+  if (record.how == OpenedRecord::kOpened && record.isData && record.length > 0) {
+    noted_.back().bytes.assign(reinterpret_cast<const char*>(record.bytes), static_cast<size_t>(record.length));
+  }
+}
+
+void FollowedRecords::Take(const PacketState& packet, uint64_t number, const QxHost* host) {
+  const bool isSecond = sides_.Of(packet, host);
+  for (Record& record : noted_) {
+    record.packet = number;
+    TakeOne(isSecond, std::move(record));
+  }
+  noted_.clear();
+}
+
+// Records that were not opened have no number: they follow on what was there.
+void FollowedRecords::TakeOne(bool isSecond, Record record) {
+  Way& way = ways_[isSecond];
+  if (record.how != OpenedRecord::kOpened) {
+    ++(record.how == OpenedRecord::kFailed ? failed_ : withoutSecrets_);
+    Release(isSecond, true);
+    ++way.next;
+    return;
+  }
+  ++opened_;
+  if (!way.started || way.keys != record.keys) {
+    Release(isSecond, true);
+    way.started = true;
+    way.keys = record.keys;
+    way.next = 0;
+  }
+  if (record.sequence < way.next) return;   // it was there before
+  const uint64_t sequence = record.sequence;
+  const size_t length = record.bytes.size();
+  if (way.waiting.try_emplace(sequence, std::move(record)).second) way.held += length;
+  Release(isSecond, false);
+  constexpr size_t kMostRecords = 256, kMostHeld = 4 << 20;
+  if (way.waiting.size() > kMostRecords || way.held > kMostHeld) Release(isSecond, true);
+}
+
+// What follows on what was put; `all`: also what stands behind records that did not come.
+void FollowedRecords::Release(bool isSecond, bool all) {
+  Way& way = ways_[isSecond];
+  while (!way.waiting.empty() && (all || way.waiting.begin()->first == way.next)) {
+    const auto first = way.waiting.begin();
+    const Record& record = first->second;
+    if (!record.bytes.empty()) {
+      target_.Put(isSecond, record.packet, reinterpret_cast<const uint8_t*>(record.bytes.data()), record.bytes.size());
+    }
+    way.held -= record.bytes.size();
+    way.next = first->first + 1;
+    way.waiting.erase(first);
+  }
+}
+
+void FollowedRecords::Finish() {
+  for (const bool isSecond : {false, true}) Release(isSecond, true);
+}
+
 void FollowedStream::TakeAsItComes(const PacketState& packet, bool isTcp, uint64_t number, const QxHost* host) {
-  const bool isSecond = SideOf(packet, host);
+  const bool isSecond = sides_.Of(packet, host);
   constexpr int32_t kUdpHeader = 8;
   const uint8_t* bytes = packet.segment.payload;
   int32_t length = packet.segment.length;
@@ -106,7 +167,7 @@ void FollowedStream::TakeAsItComes(const PacketState& packet, bool isTcp, uint64
 
 void FollowedStream::Take(const PacketState& packet, const TcpHeader* tcp, uint64_t number, const QxHost* host) {
   if (!tcp) return TakeAsItComes(packet, false, number, host);
-  const bool isSecond = SideOf(packet, host);
+  const bool isSecond = sides_.Of(packet, host);
   SegmentOrder& way = ways_[isSecond];
   if (tcp->flags & kTcpSyn) way.Start(tcp->sequence + 1);
   if (tcp->flags & kTcpAck) ways_[!isSecond].Acknowledge(tcp->acknowledgement);

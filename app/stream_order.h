@@ -4,9 +4,11 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "app/packet_ends.h"
 #include "app/tcp_header.h"
+#include "core/opened_records.h"
 
 namespace qxview {
 
@@ -78,24 +80,75 @@ class Streams {
 // Whether the packet is one of UDP; for one of TCP see ReadTcpHeader.
 bool IsUdpPacket(const PacketState& packet);
 
+// Which side of a conversation a packet is of. Of several conversations each end that is not the first one's is the other side.
+class StreamSides {
+ public:
+  explicit StreamSides(StreamTarget& target) : target_(target) {}
+  bool Of(const PacketState& packet, const QxHost* host);   // true: the second one's
+  bool IsEmpty() const { return first_.empty(); }
+
+ private:
+  StreamTarget& target_;
+  std::string first_;
+};
+
+// What records were opened to, a direction at a time by their numbers: segments that came in another order, or again, have told
+// theirs so.
+class FollowedRecords {
+ public:
+  explicit FollowedRecords(StreamTarget& target) : target_(target), sides_(target) {}
+
+  // Of the packet that is decoded: its bytes are copied.
+  void Note(const OpenedRecord& record);
+  // The packet was of the conversation, or was not.
+  void Take(const PacketState& packet, uint64_t number, const QxHost* host);
+  void Drop() { noted_.clear(); }
+  void Finish();
+  bool IsEmpty() const { return sides_.IsEmpty(); }
+  uint64_t Opened() const { return opened_; }
+  uint64_t Failed() const { return failed_; }
+  uint64_t WithoutSecrets() const { return withoutSecrets_; }
+
+ private:
+  struct Record {
+    OpenedRecord::How how;
+    bool isData;
+    uint64_t keys, sequence;
+    std::string bytes;
+    uint64_t length, packet;
+  };
+  struct Way {
+    bool started = false;
+    uint64_t keys = 0, next = 0;
+    std::map<uint64_t, Record> waiting;   // by their numbers under these keys
+    size_t held = 0;
+  };
+  void TakeOne(bool isSecond, Record record);
+  void Release(bool isSecond, bool all);
+
+  StreamTarget& target_;
+  StreamSides sides_;
+  Way ways_[2];
+  std::vector<Record> noted_;
+  uint64_t opened_ = 0, failed_ = 0, withoutSecrets_ = 0;
+};
+
 // A conversation, packet by packet.
 class FollowedStream {
  public:
-  explicit FollowedStream(StreamTarget& target) : target_(target) {}
+  explicit FollowedStream(StreamTarget& target) : target_(target), sides_(target) {}
 
   // With a TCP header the bytes are put in order, without one they follow as they come.
   void Take(const PacketState& packet, const TcpHeader* tcp, uint64_t number, const QxHost* host);
   // The payload of a segment as it comes, where several conversations follow one another.
   void TakeAsItComes(const PacketState& packet, bool isTcp, uint64_t number, const QxHost* host);
   void Finish();
-  bool IsEmpty() const { return first_.empty(); }
+  bool IsEmpty() const { return sides_.IsEmpty(); }
 
  private:
-  bool SideOf(const PacketState& packet, const QxHost* host);
-
   StreamTarget& target_;
+  StreamSides sides_;
   SegmentOrder ways_[2] = {{target_, false}, {target_, true}};
-  std::string first_;
 };
 
 }  // namespace qxview

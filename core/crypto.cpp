@@ -6,6 +6,7 @@
 
 #include "core/context.h"
 #include "core/engine.h"
+#include "core/opened_records.h"
 #include "core/states.h"
 
 namespace qxview {
@@ -112,6 +113,7 @@ struct Crypto {
   Made ciphers[kCipherCount], hashes[kHashCount];
   uint8_t* opened;   // kMostOpened bytes
   int32_t openedUsed;
+  RecordListener listener;   // null `take`: nobody listens
 };
 
 namespace {
@@ -407,6 +409,17 @@ OpenedBytes::OpenedBytes(const View* view, int32_t size) : engine_(view->engine)
 
 OpenedBytes::~OpenedBytes() {
   if (data) engine_->crypto->openedUsed -= size_;
+}
+
+bool ListenToRecords(const View* view, const RecordListener& listener) {
+  Crypto* crypto = CryptoOf(view);
+  if (crypto) crypto->listener = listener;
+  return crypto != nullptr;
+}
+
+void TellRecord(const View* view, const OpenedRecord& record) {
+  const Crypto* crypto = view->engine->crypto;
+  if (crypto && crypto->listener.take) crypto->listener.take(crypto->listener.with, record);
 }
 
 void DestroyCrypto(Engine* engine) {

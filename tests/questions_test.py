@@ -195,7 +195,7 @@ class Questions(unittest.TestCase):
             self.assertEqual([row[name] for name in ("retransmissions", "missing", "duplicate_acks")], [2, 1, 3])
 
     def test_answers_belong_to_requests_in_their_order(self):
-        get, answer = b"GET / HTTP/1.1\r\n\r\n", b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"
+        get, answer = b"GET /page HTTP/1.1\r\n\r\n", b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"
         n, m = len(get), len(answer)
         lost = [tcp(1025, 80, 1, 1, 0x18, get), tcp(80, 1025, 50, 1 + n, 0x18, b"a body whose start is not here"),   # 0, 1 ms
                 tcp(1025, 80, 1 + n, 80, 0x18, get), tcp(1025, 80, 1 + n, 80, 0x18, get), tcp(80, 1025, 80, 1 + 2 * n, 0x18, answer)]   # 2, 3, 4 ms
@@ -239,7 +239,7 @@ class Questions(unittest.TestCase):
             # Whatever a damaged capture has, each packet is counted, and times stay in what can be told.
             times = [-second, last, -last, 0, last, -last, last, 0]
             frames = [tcp(1025, 80, 99, 0, 0x02), tcp(80, 1025, 499, 100, 0x12), tcp(1025, 80, 100, 500, 0x10),
-                      datagram(53, 53, query), back, datagram(53, 53, query), back, tcp(1025, 80, 100, 500, 0x18, b"GET / HTTP/1.0\r\n\r\n")]
+                      datagram(53, 53, query), back, datagram(53, 53, query), back, tcp(1025, 80, 100, 500, 0x18, b"GET /page HTTP/1.0\r\n\r\n")]
             for shift in range(len(times)):
                 write_times(path, list(zip(times[shift:] + times[:shift], frames)))
                 sums = {what: sum(row["packets"] for row in self.rows("stat", what, path, "--modern")) for what in ("conversations", "rate", "tcp")}
@@ -248,6 +248,25 @@ class Questions(unittest.TestCase):
                 self.assertEqual(early, sum(time < times[shift] for time in times))
                 self.assertTrue(all(row["least"] is None or row["least"] >= 0 for row in self.rows("stat", "dns", path, "--modern") if "server" in row))
                 self.assertIn("</html>", self.run_program("report", path, "--modern", "-o", "-"))
+
+    def test_what_was_encrypted_is_followed_where_secrets_are_known(self):
+        capture = os.path.join(ROOT, "samples", "tls_keys.pcapng")
+        opened = 0
+        for number in range(40):
+            ran = subprocess.run([QXVIEW, "follow", capture, "--stream", f"tls:{number}", "--format", "raw"], capture_output=True, check=False)
+            if b"HTTP/1." not in ran.stdout:
+                continue
+            opened += 1
+            text = self.run_program("follow", capture, "--stream", f"tls:{number}")
+            self.assertLess(text.index("GET /page HTTP/1."), text.index("HTTP/1.0 200"), number)
+            sides = [self.run_program("follow", capture, "--stream", f"tls:{number}", "--format", "raw", "--side", side) for side in "ab"]
+            self.assertTrue(sides[0].startswith("GET /page HTTP/1."), number)
+            self.assertNotIn("GET /page HTTP", sides[1])
+        self.assertGreater(opened, 5)
+        self.run_program("follow", os.path.join(ROOT, "samples", "tls.pcap"), "--stream", "tls:0", status=1)
+        self.assertIn("TlsKeyLog", self.errors)
+        self.run_program("follow", HTTP, "--stream", "tls:0", status=1)
+        self.assertIn("there are no encrypted records", self.errors)
 
     def test_hits_are_those_of_the_shown_tree(self):
         hits = self.rows("find", HTTP, "content-length", "-i", "--all")

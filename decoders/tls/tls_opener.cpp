@@ -318,6 +318,7 @@ TlsOpening OpenTlsRecord(const View* view, const TlsSession& session, const TlsR
     return TlsOpening::kFailed;
   }
   opener.failures = 0;
+  opened->sequence = sequence;
   opened->type = record.type;
   opened->innerType = opened->padding = Field{};
   opened->content = MakeCursor(out + attempt.first, attempt.body.offset + attempt.first, attempt.length);

@@ -1,7 +1,10 @@
 // Records whose fragments are encrypted: a line with their length, and what is inside where the connection's secrets are
 // known.
+#include <cstring>
+
 #include "core/line_facts.h"
 #include "core/lines.h"
+#include "core/opened_records.h"
 #include "decoders/states.h"
 #include "decoders/tls/tls_messages.h"
 #include "decoders/tls/tls_opener.h"
@@ -57,6 +60,23 @@ const char* ReasonOf(TlsOpening opening) {
   }
 }
 
+// Records within records are not told, nor datagrams.
+bool IsTold(const Place& in, const TlsRecord& record) { return !record.isDatagram && in.view->context->derivedDepth == 0; }
+
+void TellUnopened(const Place& in, const TlsRecord& record, OpenedRecord::How how) {
+  if (IsTold(in, record)) {
+    TellRecord(in.view, {how, record.type == kTlsApplicationData, 0, 0, nullptr, static_cast<int32_t>(record.length)});
+  }
+}
+
+void TellOpened(const Place& in, const TlsRecord& record, const TlsOpener& opener, const TlsOpened& opened) {
+  if (!IsTold(in, record)) return;
+  uint64_t keys;
+  std::memcpy(&keys, opener.keys.key, sizeof keys);
+  TellRecord(in.view, {OpenedRecord::kOpened, opened.type == kTlsApplicationData, keys, opened.sequence, opened.content.at,
+                       Left(opened.content)});
+}
+
 }  // namespace
 
 void ShowTlsProtected(const Place& in, TlsSession& session, const TlsRecord& record, Cursor& body) {
@@ -68,19 +88,21 @@ void ShowTlsProtected(const Place& in, TlsSession& session, const TlsRecord& rec
   const Field encrypted = Rest(body);
   AddLine(in, encrypted, "Encrypted %s: %u bytes%s", record.isShort ? "Record" : TlsContentName(record.type), record.length,
           isHidden ? ", content type hidden" : "");
-  if (!session.keeps) return;
+  if (!session.keeps) return TellUnopened(in, record, OpenedRecord::kNoSecrets);
   const RequestKey key{session.key, {static_cast<uint32_t>(session.end)}};
   TlsOpener opener{};
   if (const TlsOpener* known = Recall(in.view, kTlsOpeners, key)) opener = *known;
-  if (opener.stage == 0 && !HasTlsSecrets(in.view, session)) return;
+  if (opener.stage == 0 && !HasTlsSecrets(in.view, session)) return TellUnopened(in, record, OpenedRecord::kNoSecrets);
   const OpenedBytes room(in.view, Left(inside));
   if (!room.data) return;
   TlsOpened opened;
   const TlsOpening opening = OpenTlsRecord(in.view, session, record, inside, opener, room.data, &opened);
   if (const char* reason = ReasonOf(opening)) {
+    TellUnopened(in, record, OpenedRecord::kFailed);
     // keys: text Decryption
     AddLine(in, encrypted, "Decryption: %s", in.view->engine->cryptoMissing ? "needs OpenSSL's libcrypto" : reason);
   } else {
+    TellOpened(in, record, opener, opened);
     ShowOpened(in, session, record, opener, opened);
   }
   if (opening != TlsOpening::kUnsupported) Remember(in.view, kTlsOpeners, key, opener);
