@@ -1,6 +1,7 @@
 #include "query/key_query.h"
 
 #include <algorithm>
+#include <iterator>
 #include <atomic>
 #include <cstring>
 
@@ -159,6 +160,13 @@ int32_t KeyQuery::AskEveryLine() {
 }
 
 // Of the frame and of lines that stand under one another all are wanted: what a line is under has to be there, too.
+bool KeyQuery::AsksForHeadersAlone() const {
+  static constexpr std::string_view kHeaders[] = {"arp", "eth", "icmp", "ip", "ipv6", "tcp", "udp", "vlan"};
+  return everyLine_ < 0 && std::all_of(parts_.begin(), parts_.end(), [](const Part& part) {
+           return std::find(std::begin(kHeaders), std::end(kHeaders), part.protocol) != std::end(kHeaders);
+         });
+}
+
 LinesWanted KeyQuery::Wants(const char* protocol, bool* first) const {
   if (everyLine_ >= 0) return LinesWanted::kAll;
   LinesWanted wanted = LinesWanted::kNone;

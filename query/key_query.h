@@ -59,6 +59,8 @@ class KeyQuery {
   // Whether the line of this label may be, or of one that starts so.
   bool WantsLabel(const char* protocol, const char* label, bool isStart) const;
   bool AsksForEveryLine() const { return everyLine_ >= 0; }
+  // Whether all lines that are asked about are of headers, up to TCP and UDP.
+  bool AsksForHeadersAlone() const;
   // Another one for every set of keys, of whatever query.
   uint64_t Version() const { return version_; }
 

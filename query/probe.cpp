@@ -1,6 +1,12 @@
 #include "query/probe.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <string_view>
+
+#include "core/dispatch.h"
+#include "core/engine.h"
 
 namespace qxview {
 namespace {
@@ -25,6 +31,25 @@ void NoteProtocol(void* with, const char* protocol) {
   path.depths.push_back(depth);
 }
 
+// Whether nothing of this application has headers of packets in it: the common ones are named. What carries packets as a tunnel is
+// decoded with the headers; samples of packets and the like are not.
+bool IsPlain(const ReachedLayer& reached) {
+  static constexpr std::string_view kPlain[] = {"dhcp", "dhcpv6", "dns",  "ftp",  "http", "https", "imap", "kerberos", "ldap",
+                                                "llmnr", "mdns",  "nbns", "nbss", "ntp",  "pop",   "quic", "rtcp",     "rtp",
+                                                "sip",   "smb",   "smb2", "smtp", "snmp", "ssdp",  "ssh",  "syslog",   "telnet",
+                                                "tftp",  "tls",   "whois"};
+  switch (reached.table) {
+    case DispatchTable::kEthertype:
+    case DispatchTable::kIpProtocol:
+    case DispatchTable::kIpFragment: return true;
+    case DispatchTable::kApplication: break;
+    default: return false;
+  }
+  if (reached.key == kNoApplication) return true;
+  const DecoderRow* row = FindBuiltinDecoder(reached.key);
+  return row && std::find(std::begin(kPlain), std::end(kPlain), row->protocol->key) != std::end(kPlain);
+}
+
 LinesWanted ProtocolForQuery(const void* query, const char* protocol, bool* first) {
   return static_cast<const KeyQuery*>(query)->Wants(protocol, first);
 }
@@ -34,9 +59,17 @@ bool LabelForQuery(const void* query, const char* protocol, const char* label, b
 
 }  // namespace
 
+// Whether a view that reads headers alone, the list's, finds the same lines so. What is decrypted or joined from fragments may
+// hold headers, too, and what user libraries do with a payload is theirs to know.
+bool Probe::MayReadHeadersAlone(const KeyQuery& query) const {
+  const View* view = const_cast<Session&>(session_).GetView();
+  return view->context->headersOnly && query.AsksForHeadersAlone() && !view->engine->settings.reassembly &&
+         !view->engine->libraries.handles[0] && !view->engine->crypto;
+}
+
 // Into the tree of its own, with what the caller has put into the facts.
 template <typename Use>
-void Probe::Decode(const FrameRecord* record, const Use& use) {
+void Probe::Decode(const FrameRecord* record, const Use& use, bool headersAlone) {
   View& view = *session_.GetView();
   DecodeContext& context = *view.context;
   DecodeTree* const tree = view.tree;
@@ -47,6 +80,7 @@ void Probe::Decode(const FrameRecord* record, const Use& use) {
   context.facts = facts_;
   view.tree = &tree_;
   session_.SetOutput(kDisplayMode, nullptr);
+  context.headersOnly = headersAlone;
   session_.Decode(record);
   use();
   view.tree = tree;
@@ -80,7 +114,15 @@ bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
   if (!query.AsksForLines()) return collect(), true;
   if (!MakeFacts()) return false;
   AskFrame(facts_, query.AsksForEveryLine() ? nullptr : QuestionOf(query));
-  Decode(record, collect);
+  bool isWhole = false;
+  if (MayReadHeadersAlone(query)) {
+    const auto collectWhole = [&] {
+      isWhole = IsPlain(session_.Context().packet.reached);
+      if (isWhole) collect();
+    };
+    Decode(record, collectWhole, true);
+  }
+  if (!isWhole) Decode(record, collect);
   AskFrame(facts_, nullptr);
   return true;
 }

@@ -27,7 +27,8 @@ class Probe {
  private:
   bool MakeFacts() { return facts_ || (facts_ = CreateFacts()); }
   template <typename Use>
-  void Decode(const FrameRecord* record, const Use& use);
+  void Decode(const FrameRecord* record, const Use& use, bool headersOnly = false);
+  bool MayReadHeadersAlone(const KeyQuery& query) const;
 
   LineQuestion* QuestionOf(const KeyQuery& query);
 
