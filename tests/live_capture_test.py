@@ -63,6 +63,11 @@ def numbers_of(frames):
     return [int.from_bytes(frame[42:46], "big") for frame in frames]
 
 
+def heed_signals():
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(number, signal.SIG_DFL)
+
+
 @unittest.skipUnless(sys.platform == "linux" and os.geteuid() == 0 and may_divide(), "no network namespaces here")
 class LiveCaptureTest(unittest.TestCase):
     @classmethod
@@ -92,8 +97,9 @@ class LiveCaptureTest(unittest.TestCase):
 
     def start(self, *arguments, through=()):
         """A capture that has begun."""
+        # Whoever runs the tests in the background may ignore signals, and what it starts would go on ignoring them.
         process = subprocess.Popen(self.within(1, *through, QXVIEW, "capture", "-i", "vb", *arguments), stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE)
+                                   stderr=subprocess.PIPE, preexec_fn=heed_signals)
         self.addCleanup(process.kill)
         first = process.stderr.readline()
         self.assertIn(b"capturing on", first)
