@@ -6,6 +6,7 @@
 #include "app/commands.h"
 #include "app/output.h"
 #include "app/progress.h"
+#include "app/time_sums.h"
 #include "host/text.h"
 #include "platform/interruption.h"
 #include "platform/live_capture.h"
@@ -57,7 +58,7 @@ class SavingReader final : public CaptureReader {
     if (result != ReadResult::kFrame) return result;
     const bool good = files_->Message().empty() && files_->Add(*frame);
     // A burst is written in large pieces; whoever reads along waits a second at most.
-    if (good && frame->nanoseconds - flushed_ < kFlushAfter) return result;
+    if (good && TimeBetween(flushed_, frame->nanoseconds) < kFlushAfter) return result;
     flushed_ = frame->nanoseconds;
     return good && files_->Flush() ? result : DamagedAs(files_->Message());
   }

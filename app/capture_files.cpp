@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "app/command_line.h"
+#include "app/time_sums.h"
 #include "host/time_text.h"
 #include "platform/platform.h"
 
@@ -103,7 +104,7 @@ bool CaptureFiles::Begin() { return Open(CurrentTime()); }
 bool CaptureFiles::IsFull(const CaptureFrame& frame) const {
   if (!ring_.IsUsed() || fileIsEmpty_) return false;
   if (ring_.bytes > 0 && fileBytes_ + pending_.size() + frame.dataLength + kMostAround > ring_.bytes) return true;
-  const int64_t since = frame.nanoseconds - fileStart_;
+  const int64_t since = TimeBetween(fileStart_, frame.nanoseconds);
   return ring_.seconds > 0 && since / kPerSecond >= static_cast<int64_t>(ring_.seconds);
 }
 

@@ -23,54 +23,44 @@ struct EscapeTable {
   Form forms[256];
 };
 
-constexpr void AddByte(EscapeTable::Form& form, uint32_t byte) { form.bytes[form.length++] = static_cast<char>(byte); }
-
-constexpr EscapeTable::Form Utf8Form(uint32_t point) {
-  EscapeTable::Form form{};
-  if (point < 0x80) {
-    AddByte(form, point);
-  } else if (point < 0x800) {
-    AddByte(form, 0xC0 | point >> 6);
-    AddByte(form, 0x80 | (point & 0x3F));
-  } else {
-    AddByte(form, 0xE0 | point >> 12);
-    AddByte(form, 0x80 | (point >> 6 & 0x3F));
-    AddByte(form, 0x80 | (point & 0x3F));
-  }
-  return form;
-}
-
-// For terminals: UTF-8, controls as \xNN.
-constexpr EscapeTable MakeTerminalForms() {
+// UTF-8, but for the characters that `escape` writes in another way: it gives how many bytes, 0 for none.
+template <class Escape>
+EscapeTable MakeForms(Escape&& escape) {
   EscapeTable table{};
   for (uint32_t c = 0; c < 256; ++c) {
     EscapeTable::Form& form = table.forms[c];
-    form = Utf8Form(CodeOfWindows1252(static_cast<uint8_t>(c)));
-    if (!IsControlCharacter(static_cast<uint8_t>(c))) continue;
-    form = {};
-    for (const char part : {'\\', 'x', kHexUpper[c >> 4], kHexUpper[c & 15]}) AddByte(form, static_cast<uint8_t>(part));
+    form.length = escape(static_cast<uint8_t>(c), form.bytes);
+    if (form.length > 0) continue;
+    char scratch[kMostUtf8Octets + 1];
+    const std::string_view text = Utf8Of(static_cast<uint8_t>(c), scratch);
+    form.length = static_cast<uint8_t>(text.size());
+    std::memcpy(form.bytes, text.data(), text.size());
   }
   return table;
 }
-inline constexpr EscapeTable kTerminalForms = MakeTerminalForms();
 
-// For JSON: UTF-8, quotation marks and controls escaped.
-constexpr EscapeTable MakeJsonForms() {
-  EscapeTable table{};
-  for (uint32_t c = 0; c < 256; ++c) {
-    EscapeTable::Form& form = table.forms[c];
-    form = Utf8Form(CodeOfWindows1252(static_cast<uint8_t>(c)));
-    if (c == '"' || c == '\\') {
-      form = {2, {'\\', static_cast<char>(c)}};
-    } else if (c < 0x20 || c == 0x7F) {
-      form = {6, {'\\', 'u', '0', '0', kHexUpper[c >> 4], kHexUpper[c & 15]}};
-    }
+// For terminals: controls as \xNN.
+inline const EscapeTable kTerminalForms = MakeForms([](uint8_t c, char* bytes) -> uint8_t {
+  if (!IsControlCharacter(c)) return 0;
+  std::memcpy(bytes, "\\x", 2);
+  std::memcpy(bytes + 2, kHexPairs + 2 * c, 2);
+  return 4;
+});
+
+// For JSON: quotation marks and controls escaped.
+inline const EscapeTable kJsonForms = MakeForms([](uint8_t c, char* bytes) -> uint8_t {
+  if (c == '"' || c == '\\') {
+    bytes[0] = '\\';
+    bytes[1] = static_cast<char>(c);
+    return 2;
   }
-  return table;
-}
-inline constexpr EscapeTable kJsonForms = MakeJsonForms();
+  if (c >= 0x20 && c != 0x7F) return 0;
+  std::memcpy(bytes, "\\u00", 4);
+  std::memcpy(bytes + 4, kHexPairs + 2 * c, 2);
+  return 6;
+});
 
-// How long a text may get, and how much further this writes without meaning it.
+// How many bytes a character may take, and how many bytes more are written behind the text without meaning.
 constexpr size_t kLongestEscape = 6, kWrittenAhead = 16;
 
 // Writes a text of Windows-1252 by the table's forms, and returns its end. `to` has room for kLongestEscape times the text, and

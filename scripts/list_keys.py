@@ -769,6 +769,9 @@ def scan():
 
 
 def main():
+    words = sys.argv[1:]
+    if len(words) != 1 or (words[0].startswith('-') and words[0] != '--open'):
+        sys.exit(__doc__)   # an option that is none is no file to write
     sys.setrecursionlimit(20000)
     found = scan()
     if sys.argv[1:] == ['--open']:

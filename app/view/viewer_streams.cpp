@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "app/time_sums.h"
 #include "app/packet_ends.h"
 #include "app/record_writer.h"
 #include "app/statistics.h"
@@ -327,7 +328,7 @@ class FlowOverlay final : public TextOverlay {
     if (number == viewer_.Capture().NumberAt(0) || firstTime_ == 0) firstTime_ = row.nanoseconds;
     char head[40];
     std::snprintf(head, sizeof head, "%8llu %11.6f ", static_cast<unsigned long long>(number),
-                  static_cast<double>(row.nanoseconds - firstTime_) / 1e9);
+                  static_cast<double>(TimeBetween(firstTime_, row.nanoseconds)) / 1e9);
     const size_t left = std::min(from, to), right = std::max(from, to);
     std::string text = head;
     for (size_t i = 0; i < left; ++i) text += '|' + std::string(kWidth - 1, ' ');
