@@ -246,7 +246,7 @@ TextStart StartOf(const FormatPiece* pieces, const FormatArgument* arguments) {
 
 // The pieces behind the first one's picture: what stands between it and the label belongs to the picture.
 struct BehindPicture {
-  FormatPiece pieces[24];
+  FormatPiece pieces[24] = {};
   BehindPicture(TextWalk& walk) {
     walk.Next();
     uint32_t skipped = 0;
