@@ -24,16 +24,12 @@ bool OrderedWriter::WriteThrough(std::string_view bytes) {
 void OrderedWriter::Fail() {
   InMonitor inside(monitor_);
   failed_ = true;
-  monitor_.Changed();
+  moved_.Changed();
 }
 
-// Inside the monitor. False when the lane has to wait for its turn.
+// False when the lane has to wait for its turn.
 bool OrderedWriter::Hold(Lane& lane, std::string_view bytes) {
   if (lane.held.size() + bytes.size() > kMostHeld) return false;
-  if (lane.held.empty() && !spare_.empty()) {
-    lane.held.swap(spare_.back());
-    spare_.pop_back();
-  }
   try {
     lane.held.append(bytes);
   } catch (const std::bad_alloc&) {
@@ -42,11 +38,12 @@ bool OrderedWriter::Hold(Lane& lane, std::string_view bytes) {
   return true;
 }
 
+// A turn ends by its lane alone, so a lane that has its turn needs no lock.
 int32_t OrderedWriter::Write(Lane& lane, std::string_view bytes) {
-  {
+  if (turn_ != lane.place) {
+    if (Hold(lane, bytes)) return failed_ ? 0 : 1;
     InMonitor inside(monitor_);
-    if (turn_ != lane.place && Hold(lane, bytes)) return failed_ ? 0 : 1;
-    while (turn_ != lane.place && !failed_) monitor_.Wait();
+    while (turn_ != lane.place && !failed_) moved_.Wait();
   }
   const bool written = WriteThrough(lane.held) && WriteThrough(bytes);
   lane.held.clear();
@@ -55,25 +52,33 @@ int32_t OrderedWriter::Write(Lane& lane, std::string_view bytes) {
 
 void OrderedWriter::End(Lane& lane) {
   monitor_.Enter();
+  while (turn_ != lane.place && endedBytes_ + lane.held.size() > kMostEnded && !failed_) moved_.Wait();
   if (turn_ != lane.place) {
+    endedBytes_ += lane.held.size();
     ended_.emplace(lane.place, std::move(lane.held));
     lane.held.clear();
+    if (!spare_.empty()) {
+      lane.held.swap(spare_.back());
+      spare_.pop_back();
+    }
     return monitor_.Leave();
   }
-  std::string text = std::move(lane.held);
+  monitor_.Leave();
+  WriteThrough(lane.held);
   lane.held.clear();
-  for (;;) {
-    monitor_.Leave();
-    WriteThrough(text);
+  for (std::string text;;) {
     monitor_.Enter();
-    text.clear();
-    if (text.capacity() > 0 && spare_.size() < 16) spare_.push_back(std::move(text));
+    if (text.capacity() > 0 && spare_.size() < kMostSpare) spare_.push_back(std::move(text));
     const auto next = ended_.find(++turn_);
     if (next == ended_.end()) break;
     text = std::move(next->second);
+    endedBytes_ -= text.size();
     ended_.erase(next);
+    monitor_.Leave();
+    WriteThrough(text);
+    text.clear();
   }
-  monitor_.Changed();
+  moved_.Changed();
   monitor_.Leave();
 }
 

@@ -13,8 +13,8 @@ namespace qxview {
 
 class OrderedWriter {
  public:
-  // What `out` holds is written in front of it all. The monitor is told when a turn ends.
-  OrderedWriter(Output& out, Monitor& monitor) : out_(out), monitor_(monitor) { out_.Flush(); }
+  // What `out` holds is written in front of it all. `moved` is told when a turn ends, or nothing more is written.
+  OrderedWriter(Output& out, Monitor& monitor, News& moved) : out_(out), monitor_(monitor), moved_(moved) { out_.Flush(); }
 
   // Of one thread: the place of its present work, from 0 without gaps over all of them.
   struct Lane {
@@ -28,7 +28,7 @@ class OrderedWriter {
   // The lane's work is written as far as its Output is flushed.
   void End(Lane& lane);
 
-  // Inside the monitor: whose turn it is.
+  // Whose turn it is.
   uint64_t Turn() const { return turn_; }
 
   // Nothing more is written: a write failed, or somebody gave up.
@@ -36,15 +36,18 @@ class OrderedWriter {
   void Fail();
 
  private:
-  static constexpr size_t kMostHeld = 1u << 20;   // then a lane waits for its turn
+  static constexpr size_t kMostHeld = 1u << 20, kMostEnded = 2u << 20;   // then a lane waits for its turn
+  static constexpr size_t kMostSpare = 8;
   int32_t Write(Lane& lane, std::string_view bytes);
-  bool Hold(Lane& lane, std::string_view bytes);
+  static bool Hold(Lane& lane, std::string_view bytes);
   bool WriteThrough(std::string_view bytes);
 
   Output& out_;
   Monitor& monitor_;
-  uint64_t turn_ = 0;
+  News& moved_;
+  std::atomic<uint64_t> turn_{0};
   std::map<uint64_t, std::string> ended_;   // what was held of work whose turn has not come
+  size_t endedBytes_ = 0;
   std::vector<std::string> spare_;          // their memory, when they are written
   std::atomic<bool> failed_{false};
 };

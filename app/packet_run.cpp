@@ -294,11 +294,11 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
   return status;
 }
 
-std::unique_ptr<PacketRun> PacketRun::MakeWorker() {
+std::unique_ptr<PacketRun> PacketRun::MakeWorker(bool forThisThread) {
   auto worker = std::make_unique<PacketRun>();
   worker->options_ = options_;
   worker->host_ = host_;
-  worker->session_ = Session::Create(host_->Record(), TellingLibraryLoader());
+  worker->session_ = forThisThread ? session_ : Session::Create(host_->Record(), TellingLibraryLoader());
   if (!worker->session_) worker.reset();
   return worker;
 }

@@ -51,8 +51,9 @@ class PacketRun {
   void ListPackets() { lists_ = true; }
   const PacketListing* Listing() const { return listing_; }   // of the current packet, on its handler's run
 
-  // For ForEachWritten: a run for a further thread, which is handed its packets; null when there is no memory.
-  std::unique_ptr<PacketRun> MakeWorker();
+  // For ForEachWritten: a run that is handed its packets, for this thread (with this run's session) or a further one; null when
+  // there is no memory.
+  std::unique_ptr<PacketRun> MakeWorker(bool forThisThread);
   void TakePacket(const CaptureFrame& frame, const PacketTimes& times, const PacketListing* listing);
 
   // The same, for a query's values: its lines alone are made. `query` holds those of the packet when the handler is called.
@@ -105,7 +106,7 @@ class PacketRun {
 
   const ReadingOptions* options_ = nullptr;
   std::shared_ptr<StandaloneHost> host_;
-  std::unique_ptr<Session> session_;
+  std::shared_ptr<Session> session_;
   std::unique_ptr<CaptureReader> reader_;
   std::unique_ptr<RecordBuilder> builder_;
   std::unique_ptr<KeyLog> keyLog_;   // of the captures themselves

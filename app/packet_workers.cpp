@@ -3,35 +3,56 @@
 #include <cstring>
 
 namespace qxview {
+namespace {
+
+void Prefetch(const uint8_t* record) {
+  constexpr int32_t kLines = 6, kLineSize = 64;
+  for (int32_t i = 0; i < kLines; ++i) __builtin_prefetch(record + i * kLineSize);
+}
+
+}  // namespace
+
+bool PacketWorkers::AddWorker(const PacketRun::Prepare& prepare, bool isOwn) {
+  auto worker = std::make_unique<Worker>(*this, writer_);
+  worker->run = run_.MakeWorker(isOwn);
+  if (!worker->run) return false;
+  worker->handle = prepare(*worker->run, worker->out);
+  workers_.push_back(std::move(worker));
+  return true;
+}
 
 bool PacketWorkers::Start(int32_t count, const PacketRun::Prepare& prepare) {
   for (int32_t i = 0; i < count; ++i) {
-    auto worker = std::make_unique<Worker>(*this, writer_);
-    worker->run = run_.MakeWorker();
-    if (!worker->run) return workers_.clear(), false;
-    worker->handle = prepare(*worker->run, worker->out);
-    workers_.push_back(std::move(worker));
+    if (!AddWorker(prepare, i == 0)) return workers_.clear(), false;
   }
   for (size_t i = 0; i < kBatchesEach * static_cast<size_t>(count); ++i) {
     batches_.push_back(std::make_unique<Batch>());
     free_.push_back(batches_.back().get());
   }
-  for (const auto& worker : workers_) {
+  size_t started = 1;
+  for (; started < workers_.size(); ++started) {
     const auto run = [](void* with) { static_cast<Worker*>(with)->workers.Work(*static_cast<Worker*>(with)); };
-    if (worker->thread.Start(run, worker.get())) continue;
-    if (worker == workers_.front()) return workers_.clear(), false;
-    break;   // fewer of them do, too
+    if (!workers_[started]->thread.Start(run, workers_[started].get())) break;   // fewer of them do, too
   }
+  if (started == 1) workers_.clear();
+  return started > 1;
+}
+
+// Takes a batch to fill; false when nothing more can be written.
+bool PacketWorkers::AwaitBatch() {
+  InMonitor inside(monitor_);
+  while (free_.empty() && !writer_.Failed()) {
+    if (ready_.empty()) moved_.Wait(); else DecodeNext(*workers_.front());
+  }
+  if (writer_.Failed()) return false;
+  current_ = free_.back();
+  free_.pop_back();
   return true;
 }
 
 bool PacketWorkers::BeginPacket() {
   if (!current_) {
-    InMonitor inside(monitor_);
-    while ((free_.empty() || places_ - writer_.Turn() >= kAheadEach * workers_.size()) && !writer_.Failed()) monitor_.Wait();
-    if (writer_.Failed()) return false;
-    current_ = free_.back();
-    free_.pop_back();
+    if (!AwaitBatch()) return false;
     current_->place = places_++;
     current_->records.clear();
     current_->packets.clear();
@@ -70,13 +91,15 @@ void PacketWorkers::Ship() {
   InMonitor inside(monitor_);
   ready_.push_back(current_);
   current_ = nullptr;
-  monitor_.Changed();
+  if (ready_.size() >= kBatchesToWake) work_.ChangedForOne();   // fewer are this thread's, if nobody takes them
 }
 
 bool PacketWorkers::Drain() {
   Ship();
   InMonitor inside(monitor_);
-  while (writer_.Turn() < places_ && !writer_.Failed()) monitor_.Wait();
+  while (writer_.Turn() < places_ && !writer_.Failed()) {
+    if (ready_.empty()) moved_.Wait(); else DecodeNext(*workers_.front());
+  }
   return !writer_.Failed();
 }
 
@@ -86,7 +109,7 @@ bool PacketWorkers::Finish() {
   {
     InMonitor inside(monitor_);
     closing_ = true;
-    monitor_.Changed();
+    work_.Changed();
   }
   workers_.clear();
   if (!written) out_.File()->failed = true;
@@ -94,30 +117,36 @@ bool PacketWorkers::Finish() {
 }
 
 void PacketWorkers::Work(Worker& worker) {
+  InMonitor inside(monitor_);
   for (;;) {
-    Batch* batch;
-    {
-      InMonitor inside(monitor_);
-      while (ready_.empty() && !closing_) monitor_.Wait();
-      if (ready_.empty()) return;
-      batch = ready_.front();
-      ready_.pop_front();
-    }
-    worker.lane.place = batch->place;
-    if (!writer_.Failed() && !DecodeBatch(worker, *batch)) writer_.Fail();
-    worker.out.Flush();
-    writer_.End(worker.lane);
-    InMonitor inside(monitor_);
-    free_.push_back(batch);
-    monitor_.Changed();
+    while (ready_.empty() && !closing_) work_.Wait();
+    if (ready_.empty()) return;
+    DecodeNext(worker);
   }
+}
+
+// Inside the monitor, which is left meanwhile.
+void PacketWorkers::DecodeNext(Worker& worker) {
+  Batch* const batch = ready_.front();
+  ready_.pop_front();
+  monitor_.Leave();
+  worker.lane.place = batch->place;
+  if (!writer_.Failed() && !DecodeBatch(worker, *batch)) writer_.Fail();
+  worker.out.Flush();
+  writer_.End(worker.lane);
+  monitor_.Enter();
+  free_.push_back(batch);
+  moved_.Changed();
 }
 
 bool PacketWorkers::DecodeBatch(Worker& worker, Batch& batch) {
   Session& session = worker.run->GetSession();
   StateReplay replay(batch.log, session.GetEngine());
-  for (Packet& packet : batch.packets) {
+  for (size_t i = 0; i < batch.packets.size(); ++i) {
+    Packet& packet = batch.packets[i];
     const auto* record = reinterpret_cast<const FrameRecord*>(batch.records.data() + packet.record);
+    // Another processor wrote it.
+    if (i + 1 < batch.packets.size()) Prefetch(batch.records.data() + batch.packets[i + 1].record);
     replay.Seek(packet.answers);
     worker.run->TakePacket(packet.frame, packet.times, packet.listing.get());
     if (!worker.handle(record, packet.frame, session.Decode(record))) return false;

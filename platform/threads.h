@@ -8,7 +8,7 @@ namespace qxview {
 // How many processors this program may run on; at least 1.
 int32_t CountProcessors();
 
-// A lock, and the news that something under it has changed.
+// A lock.
 class Monitor {
  public:
   Monitor();
@@ -18,10 +18,27 @@ class Monitor {
 
   void Enter();
   void Leave();
-  void Wait();      // inside: leaves until somebody changed something, and enters again
-  void Changed();   // wakes all that wait
 
  private:
+  friend class News;
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+// That something under a lock has changed.
+class News {
+ public:
+  explicit News(Monitor& monitor);
+  ~News();
+  News(const News&) = delete;
+  News& operator=(const News&) = delete;
+
+  void Wait();      // inside: leaves until there are news, and enters again
+  void Changed();   // wakes all that wait
+  void ChangedForOne();
+
+ private:
+  Monitor& monitor_;
   struct State;
   std::unique_ptr<State> state_;
 };

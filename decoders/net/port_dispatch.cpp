@@ -36,15 +36,18 @@ bool IsEmpty(const AddressSlot& slot) {
   return true;
 }
 
-// The look-ups in one address table, under its lock while this lives.
+// The look-ups in one address table, under its lock while this lives. What a record answers needs none: replays of several
+// threads would wait for each other.
 class AddressTable {
  public:
   AddressTable(const View* view, const QxHost* host, void* table)
-      : view_(view), host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)) {
-    if (const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable)) lock(host->user, table);
+      : view_(view), host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)), asksHost_(!Replays(view)) {
+    const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable);
+    if (asksHost_ && lock) lock(host->user, table);
   }
   ~AddressTable() {
-    if (const auto unlock = QXVIEW_HOST_FUNCTION(host_, unlockTable)) unlock(host_->user, table_);
+    const auto unlock = QXVIEW_HOST_FUNCTION(host_, unlockTable);
+    if (asksHost_ && unlock) unlock(host_->user, table_);
   }
   AddressTable(const AddressTable&) = delete;
   AddressTable& operator=(const AddressTable&) = delete;
@@ -64,6 +67,7 @@ class AddressTable {
   const QxHost* host_;
   void* table_;
   decltype(QxHost::hashFindGenericIPPort) find_;
+  const bool asksHost_;
 };
 
 // Address definitions; a port of 0 stands for any port of the address. False when none matches.

@@ -15,20 +15,24 @@ int32_t CountProcessors() {
 
 struct Monitor::State {
   pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
-  pthread_cond_t changed = PTHREAD_COND_INITIALIZER;
 };
 
 Monitor::Monitor() : state_(new State) {}
-
-Monitor::~Monitor() {
-  pthread_cond_destroy(&state_->changed);
-  pthread_mutex_destroy(&state_->lock);
-}
+Monitor::~Monitor() { pthread_mutex_destroy(&state_->lock); }
 
 void Monitor::Enter() { pthread_mutex_lock(&state_->lock); }
 void Monitor::Leave() { pthread_mutex_unlock(&state_->lock); }
-void Monitor::Wait() { pthread_cond_wait(&state_->changed, &state_->lock); }
-void Monitor::Changed() { pthread_cond_broadcast(&state_->changed); }
+
+struct News::State {
+  pthread_cond_t changed = PTHREAD_COND_INITIALIZER;
+};
+
+News::News(Monitor& monitor) : monitor_(monitor), state_(new State) {}
+News::~News() { pthread_cond_destroy(&state_->changed); }
+
+void News::Wait() { pthread_cond_wait(&state_->changed, &monitor_.state_->lock); }
+void News::Changed() { pthread_cond_broadcast(&state_->changed); }
+void News::ChangedForOne() { pthread_cond_signal(&state_->changed); }
 
 struct Thread::State {
   pthread_t thread;

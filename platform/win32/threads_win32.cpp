@@ -14,7 +14,6 @@ int32_t CountProcessors() {
 
 struct Monitor::State {
   SRWLOCK lock = SRWLOCK_INIT;
-  CONDITION_VARIABLE changed = CONDITION_VARIABLE_INIT;
 };
 
 Monitor::Monitor() : state_(new State) {}
@@ -22,8 +21,17 @@ Monitor::~Monitor() = default;
 
 void Monitor::Enter() { AcquireSRWLockExclusive(&state_->lock); }
 void Monitor::Leave() { ReleaseSRWLockExclusive(&state_->lock); }
-void Monitor::Wait() { SleepConditionVariableSRW(&state_->changed, &state_->lock, INFINITE, 0); }
-void Monitor::Changed() { WakeAllConditionVariable(&state_->changed); }
+
+struct News::State {
+  CONDITION_VARIABLE changed = CONDITION_VARIABLE_INIT;
+};
+
+News::News(Monitor& monitor) : monitor_(monitor), state_(new State) {}
+News::~News() = default;
+
+void News::Wait() { SleepConditionVariableSRW(&state_->changed, &monitor_.state_->lock, INFINITE, 0); }
+void News::Changed() { WakeAllConditionVariable(&state_->changed); }
+void News::ChangedForOne() { WakeConditionVariable(&state_->changed); }
 
 struct Thread::State {
   HANDLE thread = nullptr;
