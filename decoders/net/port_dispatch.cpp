@@ -41,7 +41,8 @@ bool IsEmpty(const AddressSlot& slot) {
 class AddressTable {
  public:
   AddressTable(const View* view, const QxHost* host, void* table)
-      : view_(view), host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)), asksHost_(!Replays(view)) {
+      : view_(view), host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)),
+        asksHost_(!Replays(view)) {
     const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable);
     if (asksHost_ && lock) lock(host->user, table);
   }
