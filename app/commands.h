@@ -26,8 +26,11 @@ void AddReadingCommands(CommandLine* line);
 // Says that standard output could not be written, and why; the exit status for it.
 int OutputFault();
 
+// Whether what was read after runs with this status may lack its end: a file that may be whole is not replaced by it. That could
+// not be read to its end, but with --keep-going; or a signal came in the middle of files on a disk (it is how pipes end).
+bool MayLackItsEnd(const ReadingOptions& options, int status);
+
 // Ends the writing of a new file after runs with this status: moves the file into its place, or says why it is not there.
-// What could not be read to its end does not take the place of a file that may be whole, but with --keep-going.
 int KeepFile(NewFile* file, const std::string& name, bool written, const ReadingOptions& options, int status);
 
 }  // namespace qxview

@@ -24,6 +24,7 @@ namespace {
 #ifdef QXVIEW_HAS_SCREEN
   qxview::LeaveScreenAtOnce();
 #endif
+  qxview::RemoveAtOnce();
   std::fputs("qxview: out of memory\n", stderr);
   std::_Exit(qxview::kFileFault);
 }

@@ -14,7 +14,10 @@ namespace qxview {
 class OrderedWriter {
  public:
   // What `out` holds is written in front of it all. `moved` is told when a turn ends, or nothing more is written.
-  OrderedWriter(Output& out, Monitor& monitor, News& moved) : out_(out), monitor_(monitor), moved_(moved) { out_.Flush(); }
+  OrderedWriter(Output& out, Monitor& monitor, News& moved) : out_(out), monitor_(monitor), moved_(moved) {
+    out_.Flush();
+    failed_ = out_.Failed();
+  }
 
   // Of one thread: the place of its present work, from 0 without gaps over all of them.
   struct Lane {

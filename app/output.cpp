@@ -86,10 +86,15 @@ int OutputFault() {
   return kFileFault;
 }
 
+bool MayLackItsEnd(const ReadingOptions& options, int status) {
+  if (IsInputEnded()) return !options.live && std::any_of(options.files.begin(), options.files.end(), IsDiskFile);
+  return status == kFileFault && !options.keepGoing;
+}
+
 int KeepFile(NewFile* file, const std::string& name, bool written, const ReadingOptions& options, int status) {
   std::string message;
   if (!written) return Tell(name + ": " + WriteFailure()), kFileFault;
-  if (status == kFileFault && !options.keepGoing && file->Replaces()) return Tell(name + ": stays as it was"), status;
+  if (MayLackItsEnd(options, status) && file->Replaces()) return Tell(name + ": stays as it was"), status;
   if (!file->Keep(&message)) return Tell(message), kFileFault;
   return status;
 }

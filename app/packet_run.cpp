@@ -177,11 +177,19 @@ void PacketRun::TellEnd(ReadResult result) {
     status_ = kFileFault;
     Tell(reader_->Message());
   }
+  NoteShort(*session_);
   if (builder_->CutFrames() > 0) {
     const uint64_t cut = builder_->CutFrames();
     Tell(reader_->FileName() + ": " + (cut == 1 ? "1 packet is" : std::to_string(cut) + " packets are") +
          " longer than a record holds and " + (cut == 1 ? "was cut" : "were cut"));
   }
+}
+
+void PacketRun::NoteShort(Session& session) {
+  if (!session.Tree().WasShort() || isShort_) return;
+  isShort_ = true;
+  status_ = kFileFault;
+  Tell(reader_->FileName() + ": no memory for some lines of its packets; they are not there");
 }
 
 void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst, bool selected) {

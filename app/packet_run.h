@@ -73,6 +73,8 @@ class PacketRun {
   void PrefixLines(Output* out) { prefixed_ = out; }
 
   Session& GetSession() { return *session_; }
+  // Tells it when lines are missing in this session's tree because memory ran out, and makes it the run's status.
+  void NoteShort(Session& session);
   StandaloneHost& Host() { return *host_; }
   // For what asks it for names when the run is over.
   std::shared_ptr<StandaloneHost> KeepHost() { return host_; }
@@ -123,6 +125,7 @@ class PacketRun {
   PacketTimes times_;
   int64_t lastShown_ = 0;
   bool hasShown_ = false;
+  bool isShort_ = false;   // told
   std::unique_ptr<PacketNotes> notes_;
   bool lists_ = false;
   PacketListing ownListing_;

@@ -106,6 +106,7 @@ bool PacketWorkers::Drain() {
 bool PacketWorkers::Finish() {
   if (workers_.empty()) return true;
   const bool written = Drain();
+  for (const auto& worker : workers_) run_.NoteShort(worker->run->GetSession());
   {
     InMonitor inside(monitor_);
     closing_ = true;

@@ -1,4 +1,5 @@
 // The capture at a glance: one page that needs nothing beside itself.
+#include <algorithm>
 #include <cstdio>
 
 #include "app/commands.h"
@@ -66,11 +67,13 @@ std::string ListCommand(const ReadingOptions& options, const std::vector<std::st
   return command;
 }
 
-ReportedCapture::File Describe(const std::string& name) {
+// What cannot be read a second time has no digest; why is told.
+ReportedCapture::File Describe(const std::string& name, int* status) {
   ReportedCapture::File file{name == "-" ? "standard input" : name, 0, ""};
+  if (name == "-" || !IsDiskFile(name)) return file;   // what is no plain file is read once
   std::string reason;
-  const std::unique_ptr<ByteSource> source = name == "-" ? nullptr : OpenFileSource(name.c_str(), &reason);
-  if (!source || source->FileSize() == 0) return file;   // what is no plain file is read once
+  const std::unique_ptr<ByteSource> source = OpenFileSource(name.c_str(), &reason);
+  if (!source) return Tell(name + ": " + reason), *status = kFileFault, file;
   file.size = source->FileSize();
   Sha256 hash;
   while (const uint8_t* bytes = source->Peek(1)) {
@@ -80,7 +83,8 @@ ReportedCapture::File Describe(const std::string& name) {
   }
   uint8_t digest[kSha256Size];
   hash.Finish(digest);
-  if (!source->Failure().empty()) return file;
+  if (IsInputEnded()) return file;
+  if (!source->Failure().empty()) return Tell(name + ": " + source->Failure()), *status = kFileFault, file;
   for (const uint8_t byte : digest) {
     char pair[3];
     std::snprintf(pair, sizeof pair, "%02x", byte);
@@ -102,11 +106,11 @@ void Count(PacketRun& run, ReportCounts* counts) {
 }
 
 // What one run is told of on the page.
-std::string ArticleOf(PacketRun& run, const ReadingOptions& options, const std::vector<std::string>& files, size_t number) {
+std::string ArticleOf(PacketRun& run, const ReadingOptions& options, const std::vector<std::string>& files, size_t number, int* status) {
   ReportCounts counts;
   Count(run, &counts);
   ReportedCapture capture;
-  for (const std::string& file : files) capture.files.push_back(Describe(file));
+  for (const std::string& file : files) capture.files.push_back(Describe(file, status));
   capture.command = ListCommand(options, files);
   capture.where = options.where;
   if (counts.all.packets == options.count) {   // of those that are asked for later the first ones may be others
@@ -129,16 +133,18 @@ int Report(const ReportOptions& options) {
   std::unique_ptr<Output> out;
   std::string message;
   size_t runs = 0;
-  const int status = ForEachRun(reading, [&](PacketRun& run) {
+  int status = kDone;
+  const int read = ForEachRun(reading, [&](PacketRun& run) {
     if (!out) {
       if (!toStandardOutput && !target.Create(options.out, &message)) return Tell(message), false;
       out = toStandardOutput ? std::make_unique<Output>() : std::make_unique<Output>(target.Sink());
       out->Put(PageHead(title + " - capture report", reading.merge ? std::vector<std::string>() : reading.files));
     }
     const std::vector<std::string> files = reading.merge ? reading.files : std::vector<std::string>{run.Name()};
-    out->Put(ArticleOf(run, reading, files, ++runs));
+    out->Put(ArticleOf(run, reading, files, ++runs, &status));
     return !out->Failed();
   });
+  status = std::max(status, read);
   if (!out) return message.empty() ? status : kFileFault;
   out->Put(PageFoot());
   out->Flush();

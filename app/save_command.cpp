@@ -168,7 +168,7 @@ class SaveJob {
     if (result_ == kSaved && (writer_ ? writer_->Written() : buffer_.Written()) == 0) result_ = kNoPackets;
     if (result_ == kSaved && writer_ && !writer_->Finish()) result_ = kLastWriteFailed;
     if (result_ == kSaved && !writer_) result_ = buffer_.Finish();
-    if (result_ == kSaved && status == kFileFault && !options_.reading.keepGoing && target_.Replaces()) {
+    if (result_ == kSaved && MayLackItsEnd(options_.reading, status) && target_.Replaces()) {
       return Tell(shown_ + ": stays as it was"), status;
     }
     if (result_ != kSaved && writer_ && !writer_->Message().empty()) return Tell(writer_->Message()), kFileFault;

@@ -17,6 +17,7 @@ void TakeSignalAsEnd();
 
 // What a second signal cleans up: a file that is not whole (empty: none), and a terminal left in some colour.
 void RemoveOnSignal(const std::string& path);
+void RemoveAtOnce();   // the same file, where the program ends otherwise
 void ResetColorsOnSignal();
 
 // What to do before waiting for input that is not there yet; null for nothing.

@@ -26,6 +26,8 @@ UserSettings FindUserSettings();
 
 // Whether both paths lead to one file that is there; "-" is standard input.
 bool IsSameFile(const std::string& a, const std::string& b);
+// Whether it is a file on a disk, which has an end of its own; pipes and terminals have not.
+bool IsDiskFile(const std::string& path);
 
 // Seconds since 1970-01-01T00:00:00Z, and what this machine's zone adds to UTC at such a time; 0 for times that it
 // cannot tell.

@@ -67,27 +67,43 @@ bool Probe::MayReadHeadersAlone(const KeyQuery& query) const {
          !view->engine->libraries.handles[0] && !view->engine->crypto;
 }
 
+// What a probe changes in a view for one packet is put back, also where memory ends in what is done with the lines.
+class Borrowed {
+ public:
+  explicit Borrowed(Session& session)
+      : session_(session), view_(*session.GetView()), tree_(view_.tree), facts_(view_.context->facts), file_(view_.context->outputFile),
+        mode_(view_.context->outputMode), silent_(view_.context->silent), headersOnly_(view_.context->headersOnly) {}
+  ~Borrowed() {
+    view_.tree = tree_;
+    view_.context->facts = facts_;
+    session_.SetOutput(mode_, file_);
+    view_.context->silent = silent_;
+    view_.context->headersOnly = headersOnly_;
+  }
+  Borrowed(const Borrowed&) = delete;
+  Borrowed& operator=(const Borrowed&) = delete;
+
+ private:
+  Session& session_;
+  View& view_;
+  DecodeTree* const tree_;
+  LineFacts* const facts_;
+  OutputFile* const file_;
+  const char mode_;
+  const bool silent_, headersOnly_;
+};
+
 // Into the tree of its own, with what the caller has put into the facts.
 template <typename Use>
 void Probe::Decode(const FrameRecord* record, const Use& use, bool headersAlone) {
+  const Borrowed borrowed(session_);
   View& view = *session_.GetView();
-  DecodeContext& context = *view.context;
-  DecodeTree* const tree = view.tree;
-  LineFacts* const facts = context.facts;
-  OutputFile* const file = context.outputFile;
-  const char mode = context.outputMode;
-  const bool silent = context.silent, headersOnly = context.headersOnly;
-  context.facts = facts_;
+  view.context->facts = facts_;
   view.tree = &tree_;
   session_.SetOutput(kDisplayMode, nullptr);
-  context.headersOnly = headersAlone;
+  view.context->headersOnly = headersAlone;
   session_.Decode(record);
   use();
-  view.tree = tree;
-  context.facts = facts;
-  session_.SetOutput(mode, file);
-  context.silent = silent;
-  context.headersOnly = headersOnly;
 }
 
 // The answers of the queries that were asked last are kept: a filter and the columns take turns.

@@ -35,13 +35,15 @@ ArenaTree::~ArenaTree() {
 bool ArenaTree::ReserveText(uint32_t length) {
   const uint64_t wanted = uint64_t{textUsed_} + length + kReadableBehind;
   if (wanted <= textCapacity_) return true;
-  return wanted <= kMostText && Grow(text_, textCapacity_, static_cast<uint32_t>(wanted), kFirstText);
+  if (wanted <= kMostText && Grow(text_, textCapacity_, static_cast<uint32_t>(wanted), kFirstText)) return true;
+  wasShort_ = true;
+  return false;
 }
 
 LineHandle ArenaTree::Append(const NewLine& line) {
   const uint32_t length = line.length > 0 ? static_cast<uint32_t>(line.length) : 0;
   if (line.parent != 0 && !Holds(line.parent)) return 0;
-  if (nodeCount_ == nodeCapacity_ && !Grow(nodes_, nodeCapacity_, nodeCount_ + 1, kFirstNodes)) return 0;
+  if (nodeCount_ == nodeCapacity_ && !Grow(nodes_, nodeCapacity_, nodeCount_ + 1, kFirstNodes)) return wasShort_ = true, 0;
   if (!ReserveText(length + 1)) return 0;
   const uint32_t handle = ++nodeCount_;
   const uint32_t parent = static_cast<uint32_t>(line.parent);

@@ -39,6 +39,7 @@ class ArenaTree final : public DecodeTree {
   const char* TextOf(LineHandle line) const { return text_ + nodes_[line - 1].textOffset; }
   int32_t TextLength(LineHandle line) const { return static_cast<int32_t>(nodes_[line - 1].textLength); }
   uint32_t LineCount() const { return nodeCount_; }   // deleted lines included
+  bool WasShort() const { return wasShort_; }         // some text or line found no memory, ever
 
  private:
   struct Node {
@@ -59,6 +60,7 @@ class ArenaTree final : public DecodeTree {
   uint32_t textUsed_ = 0, textCapacity_ = 0;
   uint32_t firstTop_ = 0, lastTop_ = 0;
   LineHandle selected_ = 0;
+  bool wasShort_ = false;
 };
 
 }  // namespace qxview

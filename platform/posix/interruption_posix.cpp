@@ -27,7 +27,7 @@ void* idleWith = nullptr;
 
 // Takes effect when the handler returns. A terminal that takes nothing at the moment is not waited for.
 void EndAtOnce(int number) {
-  if (removes) unlink(removedPath);
+  RemoveAtOnce();
   pollfd terminal{STDOUT_FILENO, POLLOUT, 0};
   if (resetsColors && poll(&terminal, 1, 0) == 1 && write(STDOUT_FILENO, "\033[0m", 4) < 0) {
     // Then the terminal is gone.
@@ -72,6 +72,10 @@ void RemoveOnSignal(const std::string& path) {
   if (path.empty() || path.size() >= sizeof removedPath) return;
   std::memcpy(removedPath, path.c_str(), path.size() + 1);
   removes = true;
+}
+
+void RemoveAtOnce() {
+  if (removes) unlink(removedPath);
 }
 
 void ResetColorsOnSignal() { resetsColors = 1; }

@@ -83,6 +83,11 @@ bool IsSameFile(const std::string& a, const std::string& b) {
   return ReadStatus(a, &one) && ReadStatus(b, &other) && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
+bool IsDiskFile(const std::string& path) {
+  struct stat about {};
+  return ReadStatus(path, &about) && S_ISREG(about.st_mode);
+}
+
 int64_t CurrentTime() { return std::time(nullptr); }
 
 int64_t LocalOffset(int64_t utcSeconds) {

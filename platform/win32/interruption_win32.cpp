@@ -23,7 +23,7 @@ void* idleWith = nullptr;
 // program is ended: the main thread does that before.
 BOOL WINAPI HandleControl(DWORD event) {
   if (inputEnded.exchange(true)) {
-    if (removes) DeleteFileW(removedPath.c_str());
+    RemoveAtOnce();
     return FALSE;
   }
   CancelSynchronousIo(mainThread);
@@ -52,6 +52,10 @@ void RemoveOnSignal(const std::string& path) {
   removes = false;
   removedPath = WidePathOf(path);
   removes = !path.empty();
+}
+
+void RemoveAtOnce() {
+  if (removes) DeleteFileW(removedPath.c_str());
 }
 
 void ResetColorsOnSignal() {}   // the console keeps no colour of a program's that has ended

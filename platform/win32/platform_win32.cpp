@@ -169,6 +169,11 @@ bool IsSameFile(const std::string& a, const std::string& b) {
          one.nFileIndexHigh == other.nFileIndexHigh && one.dwVolumeSerialNumber == other.dwVolumeSerialNumber;
 }
 
+bool IsDiskFile(const std::string& path) {
+  BY_HANDLE_FILE_INFORMATION about{};   // pipes and consoles have none
+  return FileInformation(path, &about) && !(about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
 std::vector<std::string> StartProgram(int argc, char** argv) {
   endsOnClosedPipe = true;
   _setmode(_fileno(stdout), _O_BINARY);   // line ends are the same everywhere
