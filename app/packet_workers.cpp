@@ -106,7 +106,9 @@ bool PacketWorkers::Drain() {
 bool PacketWorkers::Finish() {
   if (workers_.empty()) return true;
   const bool written = Drain();
-  for (const auto& worker : workers_) run_.NoteShort(worker->run->GetSession());
+  for (const auto& worker : workers_) {
+    if (written) run_.NoteShort(worker->run->GetSession());   // else it may be at work still
+  }
   {
     InMonitor inside(monitor_);
     closing_ = true;

@@ -106,7 +106,8 @@ void Count(PacketRun& run, ReportCounts* counts) {
 }
 
 // What one run is told of on the page.
-std::string ArticleOf(PacketRun& run, const ReadingOptions& options, const std::vector<std::string>& files, size_t number, int* status) {
+std::string ArticleOf(PacketRun& run, const ReadingOptions& options, const std::vector<std::string>& files, size_t number,
+                      int* status) {
   ReportCounts counts;
   Count(run, &counts);
   ReportedCapture capture;
