@@ -72,7 +72,8 @@ class Borrowed {
  public:
   explicit Borrowed(Session& session)
       : session_(session), view_(*session.GetView()), tree_(view_.tree), facts_(view_.context->facts),
-        file_(view_.context->outputFile), mode_(view_.context->outputMode), silent_(view_.context->silent), headersOnly_(view_.context->headersOnly) {}
+        file_(view_.context->outputFile), mode_(view_.context->outputMode), silent_(view_.context->silent),
+        headersOnly_(view_.context->headersOnly) {}
   ~Borrowed() {
     view_.tree = tree_;
     view_.context->facts = facts_;
