@@ -30,6 +30,11 @@ uint32_t FormatBits(uint32_t value, int32_t width, char* picture, int32_t firstB
   if (bitCount < 0) bitCount = 0;
   if (bitCount > width - firstBit) bitCount = width - firstBit;
   const uint64_t field = ((uint64_t{1} << bitCount) - 1) << (width - firstBit - bitCount);
+  if (width == 8) {
+    DrawOctet(value & 0xFF, static_cast<uint32_t>(field), picture);
+    picture[8] = 0;
+    return static_cast<uint32_t>((value & field) >> (width - firstBit - bitCount));
+  }
   char* at = picture;
   for (int32_t shift = width - 8; shift >= 0; shift -= 8) {
     if (at != picture) *at++ = ' ';

@@ -51,17 +51,38 @@ void ByteHexToString(const uint8_t* bytes, int32_t count, TextBuffer* out) {
   *at = 0;
 }
 
+namespace {
+
+// The decimal digits of every octet, with a full stop behind them.
+struct Octets {
+  char text[256][4];
+  uint8_t length[256];
+};
+constexpr Octets MakeOctets() {
+  Octets octets{};
+  for (int32_t i = 0; i < 256; ++i) {
+    int32_t length = 0;
+    if (i >= 100) octets.text[i][length++] = static_cast<char>('0' + i / 100);
+    if (i >= 10) octets.text[i][length++] = static_cast<char>('0' + i / 10 % 10);
+    octets.text[i][length++] = static_cast<char>('0' + i % 10);
+    octets.text[i][length] = '.';
+    octets.length[i] = static_cast<uint8_t>(length);
+  }
+  return octets;
+}
+constexpr Octets kOctets = MakeOctets();
+
+}  // namespace
+
 int32_t FormatIPv4(const uint8_t* address, char* out) {
+  static_assert(kIPv4TextSize >= 3 * 4 + 4);   // the last octet is copied with what stands behind it
   char* at = out;
   for (int32_t i = 0; i < 4; ++i) {
-    if (i > 0) *at++ = '.';
-    char digits[4];
-    char* const end = digits + sizeof digits;
-    char* first = WriteDecimal(end, address[i]);
-    while (first < end) *at++ = *first++;
+    std::memcpy(at, kOctets.text[address[i]], 4);
+    at += kOctets.length[address[i]] + 1;
   }
-  *at = 0;
-  return static_cast<int32_t>(at - out);
+  at[-1] = 0;
+  return static_cast<int32_t>(at - 1 - out);
 }
 
 namespace {

@@ -81,8 +81,8 @@ LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_ide
   if constexpr (sizeof...(Args) == 0) {
     return detail::AddPlain(at, field, LevelImage(at.level), text.text, text.pieces[0].literalLength);
   } else {
-    const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-    return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments);
+    const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+    return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments.of);
   }
 }
 
@@ -99,8 +99,8 @@ LineHandle AddBitLine(const Place& at, const Field& field, FormatText<std::type_
                       const Args&... args) {
   if (!field.here || at.dead) return 0;
   if (Silent(at)) return detail::CountSilentLine(at);
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  return detail::AddFormatted(at, field, kBitFieldImage, text.text, text.pieces, arguments);
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  return detail::AddFormatted(at, field, kBitFieldImage, text.text, text.pieces, arguments.of);
 }
 
 // Appends to the text of a line that this decoder added. Seen in the tree alone, as all edits are.
@@ -108,8 +108,8 @@ template <class... Args>
 void AppendToLine(const Place& at, LineHandle line, FormatText<std::type_identity_t<Args>...> text,
                   const Args&... args) {
   if (!Displaying(at) || !line) return;
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  detail::AppendFormatted(at, line, text.text, text.pieces, arguments);
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  detail::AppendFormatted(at, line, text.text, text.pieces, arguments.of);
 }
 
 // The same for the line that `at` is the place under, when the field is here.
@@ -117,16 +117,16 @@ template <class... Args>
 void AppendToParent(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
                     const Args&... args) {
   if (!field.here || at.dead || !Displaying(at)) return;
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  detail::AppendFormatted(at, at.parent, text.text, text.pieces, arguments);
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  detail::AppendFormatted(at, at.parent, text.text, text.pieces, arguments.of);
 }
 
 // Replaces the text of a line.
 template <class... Args>
 void SetLine(const Place& at, LineHandle line, FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
   if (!Displaying(at) || !line) return;
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  detail::SetFormatted(at, line, text.text, text.pieces, arguments);
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  detail::SetFormatted(at, line, text.text, text.pieces, arguments.of);
 }
 
 // The range of a line; of the line that `at` is the place under: all bytes that the cursor took.

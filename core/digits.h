@@ -29,30 +29,33 @@ inline constexpr const char* kHexPairs = kDigitPairs.hex;   // two upper-case di
 
 // Copies a length that is nearly always short, without reading or writing past it.
 inline void CopyShort(char* to, const char* from, size_t length) {
-  if (length > 32) {
-    std::memcpy(to, from, length);
-  } else if (length >= 16) {
-    char head[16], tail[16];
-    std::memcpy(head, from, 16);
-    std::memcpy(tail, from + length - 16, 16);
-    std::memcpy(to, head, 16);
-    std::memcpy(to + length - 16, tail, 16);
-  } else if (length >= 8) {
-    uint64_t head, tail;
-    std::memcpy(&head, from, 8);
-    std::memcpy(&tail, from + length - 8, 8);
-    std::memcpy(to, &head, 8);
-    std::memcpy(to + length - 8, &tail, 8);
-  } else if (length >= 4) {
+  if (length < 4) {
+    if (length == 0) return;
+    to[0] = from[0];
+    if (length == 1) return;
+    char tail[2];
+    std::memcpy(tail, from + length - 2, 2);
+    std::memcpy(to + length - 2, tail, 2);
+  } else if (length < 8) {
     uint32_t head, tail;
     std::memcpy(&head, from, 4);
     std::memcpy(&tail, from + length - 4, 4);
     std::memcpy(to, &head, 4);
     std::memcpy(to + length - 4, &tail, 4);
-  } else if (length > 0) {
-    to[0] = from[0];
-    if (length > 1) to[1] = from[1];
-    if (length > 2) to[2] = from[2];
+  } else if (length <= 16) {
+    uint64_t head, tail;
+    std::memcpy(&head, from, 8);
+    std::memcpy(&tail, from + length - 8, 8);
+    std::memcpy(to, &head, 8);
+    std::memcpy(to + length - 8, &tail, 8);
+  } else if (length <= 32) {
+    char head[16], tail[16];
+    std::memcpy(head, from, 16);
+    std::memcpy(tail, from + length - 16, 16);
+    std::memcpy(to, head, 16);
+    std::memcpy(to + length - 16, tail, 16);
+  } else {
+    std::memcpy(to, from, length);
   }
 }
 
@@ -73,6 +76,48 @@ inline char* WriteDecimal(char* end, uint64_t value) {
     end -= 2;
     std::memcpy(end, kDigitPairs.decimal + 2 * value, 2);
   }
+  return end;
+}
+
+// How many decimal digits a number below kCountedDigits has.
+inline constexpr uint64_t kCountedDigits = 1000000000;
+inline int32_t CountDigits(uint32_t value) {
+  constexpr uint32_t kPowers[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+  const int32_t bits = 32 - __builtin_clz(value | 1);
+  const int32_t least = bits * 1233 >> 12;   // of numbers of so many bits; others have one more
+  return least + (value >= kPowers[least] ? 1 : 0);
+}
+
+// Both write digits from `to` on and return their end: decimal ones of a number below kCountedDigits, upper-case hexadecimal ones,
+// as many as the number has and at least `least`, which is 8 at most.
+inline char* PutDigits(char* to, uint32_t value) {
+  if (value < 10) {
+    *to = static_cast<char>('0' + value);
+    return to + 1;
+  }
+  char* const end = to + CountDigits(value);
+  WriteDecimal(end, value);
+  return end;
+}
+
+// The same with zeros in front where there are less than `least`, which is 16 at most: so many have room.
+inline char* PutFilledDigits(char* to, uint32_t value, int32_t least) {
+  const int32_t count = CountDigits(value);
+  char* const end = to + (count > least ? count : least);
+  std::memset(to, '0', 16);
+  WriteDecimal(end, value);
+  return end;
+}
+
+inline char* PutHexDigits(char* to, uint32_t value, int32_t least) {
+  const int32_t count = (35 - __builtin_clz(value | 1)) / 4;
+  char* const end = to + (count > least ? count : least);
+  char* at = end;
+  for (; at - to >= 2; value >>= 8) {
+    at -= 2;
+    std::memcpy(at, kHexPairs + 2 * (value & 0xFF), 2);
+  }
+  if (at > to) *to = kHexUpper[value & 15];
   return end;
 }
 

@@ -4,6 +4,7 @@
 // C's printf reads some of these differently on each platform; here "l" is 32 bits and "I64" 64 bits everywhere.
 // A text whose conversions do not fit its arguments does not compile. A percent sign is written as an argument.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -47,6 +48,12 @@ struct FormatArgument {
   uint64_t value;   // the number, or the address of the text
   int32_t length;   // of a slice
   uint32_t form;    // Form in the low byte; above it a separator, an AddressForm, or width, first bit and count of bits
+};
+
+// Those of one text, of which there may be none.
+template <size_t kCount>
+struct FormatArguments {
+  FormatArgument of[kCount > 0 ? kCount : 1];
 };
 
 template <class T>
@@ -197,8 +204,8 @@ int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiec
 template <class... Args>
 int32_t FormatInto(char* out, int32_t size, FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
   if (!out || size < 1) return 0;
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  return FormatPieces(out, size, text.text, text.pieces, arguments);
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  return FormatPieces(out, size, text.text, text.pieces, arguments.of);
 }
 
 // Appends behind the text that `out` holds, within `size` bytes in all; returns the new length.
@@ -207,8 +214,8 @@ int32_t AppendFormat(char* out, int32_t size, FormatText<std::type_identity_t<Ar
   if (!out || size < 1) return 0;
   const int32_t used = static_cast<int32_t>(strnlen(out, static_cast<size_t>(size)));
   if (used >= size) return used;
-  const FormatArgument arguments[] = {ArgumentOf(args)..., FormatArgument{}};
-  return used + FormatPieces(out + used, size - used, text.text, text.pieces, arguments);
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  return used + FormatPieces(out + used, size - used, text.text, text.pieces, arguments.of);
 }
 
 }  // namespace qxview

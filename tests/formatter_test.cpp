@@ -43,8 +43,10 @@ TEST(Formatter, AgreesWithTheLibraryWhereBothReadAlike) {
               ByLibrary("%.02X|%.04X|%04X|%08x|%.2d|%.01d", number, number, number, number, sign, sign));
     EXPECT_EQ(Formatted("%4u|%2d|%12d|%08d|%10X|", number, sign, sign, sign, number),
               ByLibrary("%4u|%2d|%12d|%08d|%10X|", number, sign, sign, sign, number));
-    EXPECT_EQ(Formatted("%I64u|%I64d|%I64X", wide, static_cast<int64_t>(wide), wide),
-              ByLibrary("%" PRIu64 "|%" PRId64 "|%" PRIX64, wide, wide, wide));
+    for (const uint64_t value : {wide, uint64_t{number}}) {
+      EXPECT_EQ(Formatted("%I64u|%I64d|%I64X|%.4I64X", value, static_cast<int64_t>(value), value, value),
+                ByLibrary("%" PRIu64 "|%" PRId64 "|%" PRIX64 "|%.4" PRIX64, value, value, value, value));
+    }
   }
   EXPECT_EQ(Formatted("%12s|%s|", "right", ""), "       right||");
 }
@@ -66,8 +68,30 @@ TEST(Formatter, TakesTextsOfAllKinds) {
   EXPECT_EQ(Formatted("[%.4s] [%.3s]", HexSlice{bytes, 3, ' '}, MacText(bytes)), "[00 7] [00:]");
 }
 
+TEST(Formatter, CountsDigitsAtTheirBorders) {
+  for (uint64_t power = 1; power <= 1000000000; power *= 10) {
+    for (const uint64_t number : {power - 1, power, power + 1}) {
+      const uint32_t value = static_cast<uint32_t>(number);
+      EXPECT_EQ(Formatted("%u", value), std::to_string(value));
+    }
+  }
+}
+
 TEST(Formatter, NeverPassesItsBuffer) {
-  const uint8_t address[] = {255, 255, 255, 255};
+  const uint8_t address[] = {255, 255, 255, 255, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  const std::string whole = "Text name of 4000000000 and           -5, 255.255.255.255, ff ABCD 00AB 7 ........ ....1010: " +
+                            std::string("FF FF FF FF 01 02-FF-FF-01020304, ffff:ffff:102:304:506:708:90a:b0c");
+  for (int32_t size = 1; size < 180; ++size) {
+    std::vector<char> out(static_cast<size_t>(size) + 1, '#');
+    const int32_t length =
+        FormatInto(out.data(), size, "Text %s of %u and %12d, %s, %x %X %.04X %u %s: %s-%.5s-%s, %s", "name", 4000000000u, -5,
+                   IPv4Text(address), 255u, 0xABCDu, 0xABu, 7u, BitSlice{10, 16, 12, 4}, HexSlice{address, 6, ' '},
+                   HexSlice{address, 6, '-'}, HexSlice{address + 4, 4, 0}, IPv6Text(address));
+    EXPECT_EQ(length, std::min<int32_t>(size - 1, static_cast<int32_t>(whole.size())));
+    EXPECT_EQ(out[static_cast<size_t>(length)], 0);
+    EXPECT_EQ(out[static_cast<size_t>(size)], '#');
+    EXPECT_EQ(std::string(out.data()), whole.substr(0, static_cast<size_t>(length)));
+  }
   for (int32_t size = 1; size < 60; ++size) {
     std::vector<char> out(static_cast<size_t>(size) + 1, '#');
     const int32_t length = FormatInto(out.data(), size, "Text %s of %u and %12d, %s", "name", 4000000000u, -5,

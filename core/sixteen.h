@@ -1,0 +1,72 @@
+// Sixteen characters at once, where the processor has that; elsewhere eight.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace qxview {
+
+constexpr size_t kSixteen = 16;
+
+// Whether all are printable ASCII. Up to sixteen characters behind the text must be there and be printable, too.
+inline bool IsPrintable(const char* text, size_t length) {
+#ifdef __SSE2__
+  const __m128i blank = _mm_set1_epi8(0x20), most = _mm_set1_epi8('~' - 0x20);
+  __m128i worst = most;
+  for (size_t at = 0; at < length; at += kSixteen) {
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
+    worst = _mm_max_epu8(worst, _mm_sub_epi8(c, blank));
+  }
+  return _mm_movemask_epi8(_mm_cmpeq_epi8(worst, most)) == 0xFFFF;
+#else
+  constexpr uint64_t kOnes = 0x0101010101010101, kTops = 0x80 * kOnes;
+  uint64_t others = 0;
+  for (size_t at = 0; at < length; at += 8) {
+    uint64_t c;
+    std::memcpy(&c, text + at, sizeof c);
+    // A byte's top bit: it is above 7F, below 20 (the sum stays below 80), or 7F.
+    const uint64_t low = c & ~kTops;
+    others |= c | ~(low + 0x60 * kOnes) | (low + kOnes);
+  }
+  return (others & kTops) == 0;
+#endif
+}
+
+// Copies sixteen characters with a full stop for controls below 20, to where sixteen have room.
+inline void CopyShownSixteen(char* to, const uint8_t* from) {
+#ifdef __SSE2__
+  const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i isShown = _mm_cmpeq_epi8(_mm_max_epu8(c, _mm_set1_epi8(0x20)), c);
+  const __m128i shown = _mm_or_si128(_mm_and_si128(isShown, c), _mm_andnot_si128(isShown, _mm_set1_epi8('.')));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), shown);
+#else
+  for (size_t i = 0; i < kSixteen; ++i) to[i] = from[i] < 0x20 ? '.' : static_cast<char>(from[i]);
+#endif
+}
+
+// The length of a terminated text. Reads whole aligned sixteens with a byte of the text in each: what lies beside it there is in
+// the same page, and ignored.
+#if defined(__SSE2__) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
+inline size_t LengthOfText(const char* text) {
+  const uintptr_t beside = reinterpret_cast<uintptr_t>(text) % kSixteen;
+  const __m128i* at = reinterpret_cast<const __m128i*>(text - beside);
+  const __m128i zero = _mm_setzero_si128();
+  const uint32_t first = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_load_si128(at), zero))) >> beside;
+  if (first != 0) return static_cast<size_t>(__builtin_ctz(first));
+  for (size_t length = kSixteen - beside;; length += kSixteen) {
+    const uint32_t ends = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_load_si128(++at), zero)));
+    if (ends != 0) return length + static_cast<size_t>(__builtin_ctz(ends));
+  }
+}
+#else
+inline size_t LengthOfText(const char* text) { return std::strlen(text); }
+#endif
+
+// Sixteen blanks.
+inline void PutBlanks(char* to) { std::memset(to, ' ', kSixteen); }
+
+}  // namespace qxview
