@@ -78,17 +78,26 @@ inline char* PutEscaped(char* to, std::string_view text) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), c);
     __m128i other = _mm_or_si128(_mm_cmplt_epi8(c, blank), _mm_cmpeq_epi8(c, del));   // from 80 on is below zero
     if (kIsJson) other = _mm_or_si128(other, _mm_or_si128(_mm_cmpeq_epi8(c, quote), _mm_cmpeq_epi8(c, slash)));
-    const uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(other)) | 0x10000;   // at most sixteen are plain
+    uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(other));
+    if (readsAhead && end - at < 16) {
+      const uint32_t left = static_cast<uint32_t>(end - at);
+      mask &= (1u << left) - 1;
+      if (mask == 0) return to + left;
+    }
+    if (mask == 0) [[likely]] {
+      at += 16;
+      to += 16;
+      continue;
+    }
     const uint32_t plain = static_cast<uint32_t>(__builtin_ctz(mask));
-    if (readsAhead && end - at <= static_cast<ptrdiff_t>(plain)) return to + (end - at);
     at += plain;
     to += plain;
-    if (plain == 16) continue;
     do {
       const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
       std::memcpy(to, form.bytes, sizeof form.bytes);
       to += form.length;
     } while (at < end && static_cast<int8_t>(*at) < 0x20);   // they come in runs
+    if (end - at < 24) break;   // as in a dump's row, where others follow
   }
 #endif
   while (at < end) {
@@ -106,14 +115,7 @@ inline char* PutLiteral(char* to, std::string_view text) {
 
 // The decimal digits of a number: 20 at most.
 inline char* PutDecimal(char* to, uint64_t number) {
-  if (number < 10) {
-    *to = static_cast<char>('0' + number);
-    return to + 1;
-  }
-  if (number < 100) {
-    std::memcpy(to, kDigitPairs.decimal + 2 * number, 2);
-    return to + 2;
-  }
+  if (number < kCountedDigits) [[likely]] return PutDigits(to, static_cast<uint32_t>(number));
   char digits[24];
   char* const end = digits + sizeof digits;
   const char* const first = WriteDecimal(end, number);

@@ -160,7 +160,7 @@ class TreeSearch {
     LineHandle found = 0;
     for (LineHandle line = shape_.FirstUnder(session, 0, 0); line;) {
       AskedValue value;
-      value.line = {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+      value.line = tree.TextOf(line);
       if (literal_.IsPattern() ? literal_.Matches(value) : literal_.IsIn(value)) {
         ++hits_;
         if (!found || options_.backward) found = line;
@@ -184,7 +184,7 @@ class TreeSearch {
     uint32_t length;
     const ByteRange range = RangeOfLine(&session.Context(), &tree, line);
     SplitByteRange(&range, &kind, &offset, &length);
-    const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+    const std::string_view text = tree.TextOf(line);
     if (!options_.asJson) {
       if (options_.reading.prefixFile) out_.SetLinePrefix(frame.file);
       out_.Put(std::to_string(frame.number) + "  [" + std::to_string(offset) + ", " + std::to_string(length) + "]  ");

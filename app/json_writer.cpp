@@ -84,42 +84,70 @@ void PutOrigin(Output& out, const OwnRange& own, const BytePiece* earlier, int32
   if (count > 0) out.Put(']');
 }
 
-void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) {
-  constexpr int32_t kMostEarlier = 64;   // pieces of a line: the others are those of the lines under it
-  const ArenaTree& tree = session.Tree();
-  int32_t kind, offset;
-  uint32_t length;
+constexpr int32_t kMostEarlier = 64;   // pieces of a line: the others are those of the lines under it
+
+// What is said of few lines: that their bytes stood elsewhere.
+void PutElsewhere(Output& out, const DecodeContext& context, uint32_t rangeIndex, ByteRange stored) {
+  if (IsDerived(&context, rangeIndex)) out.Put(",\"derived\":true");
   BytePiece earlier[kMostEarlier];
-  const OwnRange own = OwnRangeOfLine(&session.Context(), &tree, line, earlier, kMostEarlier);
-  SplitByteRange(&own.range, &kind, &offset, &length);
-  const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+  PutOrigin(out, FindOwnRange(&context, stored, earlier, kMostEarlier), earlier, kMostEarlier);
+}
+
+// A line up to where its end or the lines under it come.
+void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) {
+  const ArenaTree& tree = session.Tree();
+  const DecodeContext& context = session.Context();
+  const uint32_t rangeIndex = tree.RangeIndex(line);
+  const bool isStored = rangeIndex < context.rangeCount && rangeIndex < context.rangeCapacity;
+  const ByteRange stored = isStored ? context.rangeTable[rangeIndex] : 0, range = RangeInFrame(&context, stored);
+  const std::string_view text = tree.TextOf(line);
   constexpr size_t kNumbers = 200;   // what stands beside the text
   if (const size_t room = kLongestEscape * text.size() + kWrittenAhead + kNumbers; room <= Output::kMostRoom) {
     char* at = PutEscaped<true, true>(PutLiteral(out.Room(room), "{\"text\":\""), text);
-    at = PutSigned(PutLiteral(at, "\",\"offset\":"), offset);
-    at = PutDecimal(PutLiteral(at, ",\"length\":"), length);
-    at = PutSigned(PutLiteral(at, ",\"kind\":"), kind);
+    at = PutSigned(PutLiteral(at, "\",\"offset\":"), RangeOffset(range));
+    at = PutDecimal(PutLiteral(at, ",\"length\":"), RangeLength(range));
+    at = PutSigned(PutLiteral(at, ",\"kind\":"), RangeKind(range));
     out.Took(PutSigned(PutLiteral(at, ",\"image\":"), tree.Image(line)));
   } else {
     out.Put("{\"text\":");
     PutJsonText(out, text);
     out.Put(",\"offset\":");
-    PutNumber(out, offset);
+    PutNumber(out, RangeOffset(range));
     out.Put(",\"length\":");
-    PutNumber(out, length);
+    PutNumber(out, RangeLength(range));
     out.Put(",\"kind\":");
-    PutNumber(out, kind);
+    PutNumber(out, RangeKind(range));
     out.Put(",\"image\":");
     PutNumber(out, tree.Image(line));
   }
-  if (IsDerived(&session.Context(), tree.RangeIndex(line))) out.Put(",\"derived\":true");
-  PutOrigin(out, own, earlier, kMostEarlier);
-  if (withKeys) PutFact(out, session.Context(), tree.RangeIndex(line));
+  if (context.derivedCount > 0 || IsInRegion(stored)) PutElsewhere(out, context, rangeIndex, stored);
+  if (withKeys) PutFact(out, context, rangeIndex);
+}
+
+// A tree whose lines come as they are shown: what is under a line is told by their depths.
+void PutLinesInOrder(Output& out, Session& session, bool withKeys) {
+  const ArenaTree& tree = session.Tree();
+  for (LineHandle line = 1;; ++line) {
+    PutLineHead(out, session, line, withKeys);
+    const bool isLast = line == tree.LineCount();
+    int32_t ends = tree.DepthOf(line) - (isLast ? 0 : tree.DepthOf(line + 1));
+    if (ends < 0) {
+      out.Put(",\"lines\":[");
+      continue;
+    }
+    char* at = out.Room(4);
+    *at++ = '}';
+    out.Took(at);
+    for (; ends > 0; --ends) out.Put("]}");
+    if (isLast) return;
+    out.Put(',');
+  }
 }
 
 void PutLines(Output& out, Session& session, const JsonPacket& packet) {
-  const TreeWalk walk(session, *packet.shape);
   const ArenaTree& tree = session.Tree();
+  if (!packet.shape->IsUsed() && tree.IsInOrder()) return PutLinesInOrder(out, session, packet.withKeys);
+  const TreeWalk walk(session, *packet.shape);
   int32_t depth = 1;
   for (LineHandle line = walk.FirstUnder(0, 0); line;) {
     PutLineHead(out, session, line, packet.withKeys);

@@ -50,9 +50,9 @@ constexpr size_t kDumpCharacters = 58;   // the column where the characters of a
 // "0010  41 42 ...   AB": four digits, two blanks, and as many characters as bytes.
 bool IsDumpRow(Session& session, LineHandle line) {
   const ArenaTree& tree = session.Tree();
-  const size_t length = static_cast<size_t>(tree.TextLength(line));
-  return tree.Image(line) == kBitFieldImage && length > kDumpCharacters && length <= kDumpCharacters + 16 &&
-         std::memcmp(tree.TextOf(line) + 4, "  ", 2) == 0 && std::memcmp(tree.TextOf(line) + 55, "   ", 3) == 0;
+  const std::string_view text = tree.TextOf(line);
+  return tree.Image(line) == kBitFieldImage && text.size() > kDumpCharacters && text.size() <= kDumpCharacters + 16 &&
+         text.substr(4, 2) == "  " && text.substr(55, 3) == "   ";
 }
 
 // Terminals give the soft hyphen no cell, one, or a line break.
@@ -64,6 +64,10 @@ void PutDumpRow(Output& out, std::string_view text) {
     if (IsControlCharacter(c) || c == kSoftHyphen) row[i] = '.';
   }
   PutSafeText(out, row);
+}
+
+bool IsPlain(const TreeStyle& style) {
+  return !style.colors && !style.ranges && !style.keys && !style.markColumn && !style.cells;
 }
 
 // Indent and text of a tree's line, for the style that nearly all lines are written in. False for a text that is too long for that.
@@ -80,15 +84,14 @@ bool PutPlainLine(Output& out, std::string_view text, size_t depth) {
 
 void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
-  const bool isPlain = !style.colors && !style.ranges && !style.keys && !style.markColumn && !style.cells;
-  if (isPlain && PutPlainLine(out, {tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))}, static_cast<size_t>(depth))) {
+  if (IsPlain(style) && PutPlainLine(out, tree.TextOf(line), static_cast<size_t>(depth))) {
     return;
   }
   if (style.markColumn) out.Put(line == style.marked ? '>' : ' ');
   for (int32_t i = 0; i < depth; ++i) out.Put("  ");
   const char* color = style.colors ? ColorOf(tree.Image(line), depth == 0) : kNoColor;
   out.Put(color);
-  const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+  const std::string_view text = tree.TextOf(line);
   if (style.cells && IsDumpRow(session, line)) {
     PutDumpRow(out, text);
   } else {
@@ -106,6 +109,17 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
   }
   if (style.keys) PutFact(out, session.Context(), tree.RangeIndex(line));
   out.Put('\n');
+}
+
+// What nearly all trees are: runs of lines as they stand there, and between them those that are changed or escaped.
+void WriteInOrder(Output& out, Session& session, const TreeStyle& style) {
+  const ArenaTree& tree = session.Tree();
+  for (LineHandle line = tree.FirstChild(0); line;) {
+    out.Put(tree.PrintedFrom(&line));
+    if (!line) return;
+    PutLine(out, session, line, tree.DepthOf(line), style);
+    line = tree.Holds(line + 1) ? line + 1 : 0;
+  }
 }
 
 }  // namespace
@@ -126,6 +140,7 @@ int32_t CellsOf(std::string_view text) {
 
 void WriteTree(Output& out, Session& session, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
+  if (IsPlain(style) && !style.shape.IsUsed() && tree.IsInOrder()) return WriteInOrder(out, session, style);
   int32_t depth = 0;
   const TreeWalk walk(session, style.shape);
   for (LineHandle line = walk.FirstUnder(0, 0); line;) {

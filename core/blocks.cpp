@@ -7,6 +7,7 @@
 #include "core/digits.h"
 #include "core/engine.h"
 #include "core/line_facts.h"
+#include "core/sixteen.h"
 
 namespace qxview {
 namespace {
@@ -14,10 +15,12 @@ namespace {
 constexpr int32_t kRowBytes = 16;
 constexpr int32_t kMostDumped = 32768;
 constexpr int32_t kCharacterColumn = 58;   // counted from 0
+constexpr int32_t kRowSize = kCharacterColumn + kRowBytes + 1;
 
 // "0010  41 42 ...  43 44 ...   AB..CD": one row; returns its length.
 int32_t FormatDumpRow(char* out, int32_t rowOffset, const uint8_t* bytes, int32_t count, const uint8_t* translation) {
-  std::memset(out, ' ', kCharacterColumn);
+  static_assert(4 * kSixteen >= kCharacterColumn && 4 * kSixteen <= kRowSize);
+  for (size_t i = 0; i < 4; ++i) PutBlanks(out + i * kSixteen);
   std::memcpy(out, kHexPairs + 2 * (rowOffset >> 8 & 0xFF), 2);
   std::memcpy(out + 2, kHexPairs + 2 * (rowOffset & 0xFF), 2);
   char* at = out + 6;
@@ -26,6 +29,11 @@ int32_t FormatDumpRow(char* out, int32_t rowOffset, const uint8_t* bytes, int32_
     std::memcpy(at, kHexPairs + 2 * bytes[i], 2);
   }
   at = out + kCharacterColumn;
+  if (count == kRowBytes && !translation) {
+    CopyShownSixteen(at, bytes);
+    at[count] = 0;
+    return kCharacterColumn + count;
+  }
   for (int32_t i = 0; i < count; ++i) {
     const uint8_t shown = translation ? translation[bytes[i]] : bytes[i];
     at[i] = shown < 32 ? '.' : static_cast<char>(shown);
@@ -72,15 +80,20 @@ void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const 
     CountRows(&view->context->packet, static_cast<int32_t>((span.last - span.first + kRowBytes - 1) / kRowBytes));
     return;
   }
-  char row[kCharacterColumn + kRowBytes + 1];
   for (int32_t at = static_cast<int32_t>(span.first); at < span.last; at += kRowBytes) {
     const int32_t left = static_cast<int32_t>(span.last) - at;
     const int32_t count = left < kRowBytes ? left : kRowBytes;
-    const int32_t rowLength = FormatDumpRow(row, at, data + at, count, translation);
-    if (!AddDecodeLineOf(view, parentLine, row, rowLength, kBitFieldImage, tree,
-                         MakeByteRange(kRawDataKind, offset + at, count))) {
-      return;
+    const ByteRange range = MakeByteRange(kRawDataKind, offset + at, count);
+    LineHandle line;
+    if (char* const room = RoomForLine(view, parentLine, tree, kRowSize)) {
+      line = AddMadeInPlace(view->context, parentLine, FormatDumpRow(room, at, data + at, count, translation), kBitFieldImage,
+                            tree, range);
+    } else {
+      char row[kRowSize];
+      const int32_t rowLength = FormatDumpRow(row, at, data + at, count, translation);
+      line = AddDecodeLineOf(view, parentLine, row, rowLength, kBitFieldImage, tree, range);
     }
+    if (!line) return;
   }
 }
 

@@ -1,31 +1,64 @@
 #include "core/decoder.h"
 
+#include "core/digits.h"
 #include "core/line_facts.h"
+#include "core/made_line.h"
+#include "core/pieces_line.h"
 
 namespace qxview {
 namespace detail {
+namespace {
+
+// For lines that no tree keeps in place.
+[[gnu::noinline]] LineHandle AddPiecesAside(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
+                                            const FormatPiece* pieces, const FormatArgument* arguments) {
+  char line[kLineSize];
+  const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
+  return AddDecodeLineOf(at.view, parent, line, length, image, at.tree, MakeByteRange(kFieldKind, field.offset, field.length));
+}
+
+inline LineHandle MakePiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
+                         const FormatPiece* pieces, const FormatArgument* arguments) {
+  char* const line = RoomForLineOf(at.view->context, parent, at.tree, at.lineSize);
+  if (!line) [[unlikely]] return AddPiecesAside(at, parent, field, image, text, pieces, arguments);
+  const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
+  return AddMadeLineOf(at.view->context, parent, length, image, at.tree,
+                        MakeByteRange(kFieldKind, field.offset, field.length));
+}
+
+}  // namespace
+
+LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
+                         const FormatPiece* pieces, const FormatArgument* arguments) {
+  return MakePiecesLine(at, parent, field, image, text, pieces, arguments);
+}
 
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments) {
+  if (!KeepsFacts(at.view)) [[likely]] return MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
   if (OnlyTells(at.view)) return CountSilentLine(at);
   if (LeavesFormatted(at.view, at.parent, text, pieces, arguments)) return CountLeftLine(at.view, at.parent);
-  char line[kLineSize];
-  const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
-  const LineHandle added = AddDecodeLineOf(at.view, at.parent, line, length, image, at.tree,
-                                           MakeByteRange(kFieldKind, field.offset, field.length));
-  if (KeepsFacts(at.view)) [[unlikely]] NoteFormatted(at.view, added, text, pieces, arguments);
+  const LineHandle added = MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
+  NoteFormatted(at.view, added, text, pieces, arguments);
   return added;
 }
 
 LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
   if (LeavesMade(at.view, at.parent, text, length)) return CountLeftLine(at.view, at.parent);
-  char line[kLineSize];
+  const ByteRange range = MakeByteRange(kFieldKind, field.offset, field.length);
+  LineHandle added;
+  char cut[kLineSize];
   if (length >= at.lineSize) {
-    text = CopyTextN(line, at.lineSize, text, length);
+    text = CopyTextN(cut, at.lineSize, text, length);
     length = at.lineSize - 1;
   }
-  const LineHandle added = AddDecodeLineOf(at.view, at.parent, text, length, image, at.tree,
-                                           MakeByteRange(kFieldKind, field.offset, field.length));
+  char* const line = OnlyTells(at.view) ? nullptr : RoomForLine(at.view, at.parent, at.tree, length);
+  if (line) [[likely]] {
+    CopyShort(line, text, static_cast<size_t>(length));
+    added = AddMadeInPlace(at.view->context, at.parent, length, image, at.tree, range);
+  } else {
+    added = AddDecodeLineOf(at.view, at.parent, text, length, image, at.tree, range);
+  }
   if (KeepsFacts(at.view)) [[unlikely]] NoteMade(at.view, added, text, length);
   return added;
 }

@@ -114,8 +114,10 @@ int32_t KindOfLine(View* view, LineHandle line) {
 }
 
 void ExpandTree(View* view) {
+  const auto& levels = view->engine->settings.expandLevel;
+  const bool areExpanded = view->tree->ExpandLevels(levels);
   for (LineHandle top = view->tree->FirstChild(0); top; top = view->tree->NextSibling(top)) {
-    ExpandBelow(view->tree, top, view->engine->settings.expandLevel, 0);
+    if (!areExpanded) ExpandBelow(view->tree, top, levels, 0);
     const int32_t kind = KindOfLine(view, top);
     if (view->expansionMask & BitMask(static_cast<uint32_t>(kind))) view->tree->Expand(top, true);
   }

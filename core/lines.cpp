@@ -6,6 +6,7 @@
 #include "core/byte_origins.h"
 #include "core/engine.h"
 #include "core/line_facts.h"
+#include "core/made_line.h"
 #include "core/output_file.h"
 
 namespace qxview {
@@ -20,17 +21,6 @@ bool InDisplay(const View* view, const DecodeTree* tree) {
 // User decoder libraries choose their lines' tags and count in the table themselves.
 ByteRange* StoredRange(const DecodeContext* context, uint32_t index) {
   return index < context->rangeCount && index < context->rangeCapacity ? &context->rangeTable[index] : nullptr;
-}
-
-// The table is grown before it is full, so that the entry at `rangeCount` always exists.
-bool GrowRangeTable(DecodeContext* context) {
-  const uint32_t capacity = context->rangeCapacity * 2;
-  auto* grown = static_cast<ByteRange*>(std::realloc(context->rangeTable, size_t{capacity} * sizeof(ByteRange)));
-  if (!grown) return context->rangeCount < context->rangeCapacity;
-  std::memset(grown + context->rangeCapacity, 0, size_t{capacity - context->rangeCapacity} * sizeof(ByteRange));
-  context->rangeTable = grown;
-  context->rangeCapacity = capacity;
-  return true;
 }
 
 LineHandle AppendToTree(DecodeContext* context, LineHandle parent, const char* text, int32_t length, int32_t image,
@@ -48,8 +38,7 @@ LineHandle AppendToTree(DecodeContext* context, LineHandle parent, const char* t
 
 LineHandle ShowLine(DecodeContext* context, LineHandle parent, const char* text, int32_t length, int32_t image,
                     DecodeTree* tree, ByteRange range) {
-  if (context->rangeCount + 1 >= context->rangeCapacity && !GrowRangeTable(context)) return 0;
-  context->rangeTable[context->rangeCount] = range;
+  if (!StoreRange(context, range)) return 0;
   const LineHandle line = AppendToTree(context, parent, text, length, image, tree, context->rangeCount);
   if (line) ++context->rangeCount;
   return line;
@@ -124,6 +113,17 @@ LineHandle ReachLimit(View* view, LineHandle parentLine, int32_t image, DecodeTr
 
 }  // namespace
 
+// The table is grown before it is full, so that the entry at `rangeCount` always exists.
+bool GrowRangeTable(DecodeContext* context) {
+  const uint32_t capacity = context->rangeCapacity * 2;
+  auto* grown = static_cast<ByteRange*>(std::realloc(context->rangeTable, size_t{capacity} * sizeof(ByteRange)));
+  if (!grown) return context->rangeCount < context->rangeCapacity;
+  std::memset(grown + context->rangeCapacity, 0, size_t{capacity - context->rangeCapacity} * sizeof(ByteRange));
+  context->rangeTable = grown;
+  context->rangeCapacity = capacity;
+  return true;
+}
+
 DecodeContext* CreateDecodeContext() {
   auto* context = static_cast<DecodeContext*>(std::calloc(1, sizeof(DecodeContext)));
   if (!context) return nullptr;
@@ -160,6 +160,15 @@ LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, 
   --linesLeft;
   if (view->context->silent || OnlyTells(view)) return kLineOutsideDisplay;
   return RouteLine(view, parentLine, text, length, image, tree, range);
+}
+
+char* RoomForLine(const View* view, LineHandle parentLine, DecodeTree* tree, int32_t size) {
+  return RoomForLineOf(view->context, parentLine, tree, size);
+}
+
+LineHandle AddMadeInPlace(DecodeContext* context, LineHandle parentLine, int32_t length, int32_t image, DecodeTree* tree,
+                          ByteRange range) {
+  return AddMadeLineOf(context, parentLine, length, image, tree, range);
 }
 
 LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, int32_t image, DecodeTree* tree,

@@ -26,6 +26,14 @@ inline LineHandle CountLine(View* view) {
 LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, int32_t length, int32_t image,
                            DecodeTree* tree, ByteRange range);
 
+// The quick way of most lines, without a copy: room for a text of the next line where the tree keeps it. Null where lines go
+// another way: outside display mode, while the context is silent or has found something, at the frame's bound, in trees that
+// have no such room.
+char* RoomForLine(const View* view, LineHandle parentLine, DecodeTree* tree, int32_t size);
+// The line whose text of so many characters was written there.
+LineHandle AddMadeInPlace(DecodeContext* context, LineHandle parentLine, int32_t length, int32_t image, DecodeTree* tree,
+                          ByteRange range);
+
 // Appends a line that has its range elsewhere or none, in display mode: what user decoder libraries add on their own.
 LineHandle AddTaggedLine(View* view, LineHandle parentLine, const char* text, int32_t image, uint32_t tag);
 

@@ -5,6 +5,7 @@
 
 #include "core/characters.h"
 #include "core/line_facts.h"
+#include "core/pieces_line.h"
 #include "core/times.h"
 
 namespace qxview::detail {
@@ -160,11 +161,8 @@ LineHandle AddRowLine(const RowWalk& walk, const RowData& row, const Field& fiel
   if (LeavesLabel(at.view, parent, row.label ? row.label : walk.title, row.label != nullptr)) return CountLeftLine(at.view, parent);
   RowArguments arguments;
   Arrange(arguments, row.line, row, walk, field);
-  char text[kLineSize];
-  const bool isBits = row.form == RowForm::kBits;
-  const int32_t length = FormatPieces(text, at.lineSize, row.line.text, row.line.pieces, arguments.of);
-  const LineHandle line = AddDecodeLineOf(at.view, parent, text, length, isBits ? kBitFieldImage : LevelImage(at.level), at.tree,
-                                          MakeByteRange(kFieldKind, field.offset, field.length));
+  const int32_t image = row.form == RowForm::kBits ? kBitFieldImage : LevelImage(at.level);
+  const LineHandle line = AddPiecesLine(at, parent, field, image, row.line.text, row.line.pieces, arguments.of);
   if (KeepsFacts(at.view)) [[unlikely]] NoteRow(walk, line, row, field);
   return line;
 }

@@ -302,7 +302,7 @@ void KeyQuery::Collect(const DecodeContext& context, const ArenaTree& tree, Pack
   wholeSeen_ = 0;
   for (LineHandle line = tree.FirstChild(0); line;) {
     const LineFact* fact = FactOf(&context, tree.RangeIndex(line));
-    const std::string_view text{tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))};
+    const std::string_view text = tree.TextOf(line);
     const uint64_t matched = fact ? Match(context, *fact) : 0;
     matched_.push_back(matched);
     if (matched) Note(context, fact, text, matched);

@@ -1,4 +1,7 @@
 // The decode tree itself, whatever stands behind it: what decoders, user libraries and the view ask of it.
+#include <cstring>
+#include <random>
+
 #include "tests/support/trees.h"
 
 namespace qxview::testing {
@@ -125,6 +128,94 @@ TEST_P(Tree, HoldsDeepAndWideTrees) {
   EXPECT_EQ(tree_->RangeIndex(tree_->LastChild(tree_->FirstChild(0))), 2999u);
   tree_->Delete(tree_->FirstChild(0));
   EXPECT_EQ(tree_->FirstChild(0), 0u);
+}
+
+TEST_P(Tree, ExpandsWholeLevels) {
+  const LineHandle top = Add(0, "top"), first = Add(top, "first"), second = Add(first, "second"), third = Add(second, "third");
+  Add(third, "fourth");
+  if (!tree_->ExpandLevels({true, false, true})) return;   // told line by line
+  for (const auto& [line, expanded] : {std::pair{top, false}, {first, true}, {second, false}, {third, true}}) {
+    EXPECT_EQ(tree_->IsExpanded(line), expanded) << line;
+  }
+  EXPECT_FALSE(tree_->IsExpanded(tree_->FirstChild(third)));
+  tree_->Expand(first, false);
+  tree_->Expand(second, true);
+  EXPECT_FALSE(tree_->IsExpanded(first));
+  EXPECT_TRUE(tree_->IsExpanded(second));
+  EXPECT_FALSE(tree_->ExpandLevels({true, true, true})) << "what lines were told by themselves stays";
+}
+
+// A tree's lines as they are printed, by steps from line to line.
+std::string PrintedByWalk(const ArenaTree& tree, LineHandle parent = 0, int depth = 0) {
+  std::string out;
+  for (LineHandle line = tree.FirstChild(parent); line; line = tree.NextSibling(line)) {
+    EXPECT_EQ(tree.DepthOf(line), depth);
+    out.append(static_cast<size_t>(2 * depth), ' ').append(tree.TextOf(line)).push_back('\n');
+    out += PrintedByWalk(tree, line, depth + 1);
+  }
+  return out;
+}
+
+// The same from the runs that stand ready; false where the tree has none.
+bool PrintRuns(const ArenaTree& tree, std::string* out, size_t* others) {
+  if (!tree.IsInOrder()) return false;
+  for (LineHandle line = tree.FirstChild(0); line;) {
+    out->append(tree.PrintedFrom(&line));
+    if (!line) break;
+    out->append(static_cast<size_t>(2 * tree.DepthOf(line)), ' ').append(tree.TextOf(line)).push_back('\n');
+    ++*others;
+    line = tree.Holds(line + 1) ? line + 1 : 0;
+  }
+  return true;
+}
+
+TEST(ArenaTrees, AreWhatTheirRunsSay) {
+  std::mt19937 random(7);
+  ArenaTree tree;
+  size_t ready = 0;
+  for (int round = 0; round < 3000; ++round) {
+    tree.Clear();
+    std::vector<LineHandle> path{0};   // the last line, those above it and the top
+    const uint32_t edits = random() % 8, breaks = random() % 200 == 0 ? 1 : 0, deep = random() % 4;
+    for (uint32_t i = random() % (round % 50 == 0 ? 2000 : 60); i > 0; --i) {
+      const size_t kept = random() % 3 < deep ? path.size() : 1 + random() % path.size();
+      path.resize(kept);
+      const LineHandle parent = breaks && random() % 20 == 0 ? random() % (tree.LineCount() + 1) : path.back();
+      std::string text(random() % 70, 'x');
+      for (char& c : text) c = static_cast<char>(' ' + random() % 95);
+      if (random() % 10 == 0) text += "\n\x01\x7F\x80\xFF"[random() % 5];
+      const auto length = static_cast<int32_t>(text.size());
+      LineHandle line;
+      if (random() % 2) {
+        line = tree.Append({parent, text.c_str(), length, 9, i, false});
+      } else {
+        char* const room = tree.RoomForText(parent, 80);
+        ASSERT_TRUE(room);
+        std::memcpy(room, text.c_str(), text.size() + 1);
+        line = tree.AppendMade(parent, length, 9, i);
+      }
+      EXPECT_EQ(tree.TextOf(line), text);
+      EXPECT_EQ(tree.RangeIndex(line), i);
+      path.push_back(line);
+      while (random() % 8 < edits) {
+        const LineHandle edited = random() % 2 ? line : 1 + random() % tree.LineCount();
+        const std::string changed = std::string(tree.TextOf(edited)).substr(0, random() % 90) + std::string(random() % 30, 'e');
+        tree.SetText(edited, changed.c_str(), static_cast<int32_t>(changed.size()));
+        EXPECT_EQ(tree.TextOf(edited), changed);
+      }
+      if (breaks && random() % 30 == 0) {
+        tree.Delete(line);
+        path.pop_back();
+      }
+    }
+    std::string printed;
+    size_t others = 0;
+    if (!PrintRuns(tree, &printed, &others)) continue;
+    EXPECT_EQ(printed, PrintedByWalk(tree));
+    ready += tree.LineCount() - others;
+  }
+  EXPECT_GT(ready, 20000u);
+  EXPECT_FALSE(tree.RoomForText(tree.LineCount() + 1, 10));
 }
 
 }  // namespace

@@ -20,6 +20,10 @@ class DecodeTree {
  public:
   // Appends as the last child; 0 when there is no memory for it.
   virtual LineHandle Append(const NewLine& line) = 0;
+  // Where the tree itself keeps the text of a line that is added next under `parent`: room for `size` bytes. What is written
+  // there is a line once AppendMade says so, with nothing else done to the tree between the two. Null: Append takes its lines.
+  virtual char* RoomForText(LineHandle /*parent*/, int32_t /*size*/) { return nullptr; }
+  virtual LineHandle AppendMade(LineHandle /*parent*/, int32_t /*length*/, int32_t /*image*/, uint32_t /*rangeIndex*/) { return 0; }
   // Copies the text out, cut to outSize - 1 characters and terminated; returns the length copied.
   virtual int32_t GetText(LineHandle line, char* out, int32_t outSize) const = 0;
   virtual void SetText(LineHandle line, const char* text, int32_t length) = 0;
@@ -41,6 +45,8 @@ class DecodeTree {
   virtual void Clear() = 0;
 
   virtual void Expand(LineHandle line, bool expanded) = 0;
+  // Every line of levels[i] is below i + 1 others. False, with nothing done, by a tree that is told line by line.
+  virtual bool ExpandLevels(const bool (&/*levels*/)[3]) { return false; }
   virtual void Select(LineHandle line) = 0;   // 0: none
   virtual void ScrollToTop() = 0;             // caret to the first line, then to none
   virtual void HoldRedraw(bool held) = 0;     // while lines are added

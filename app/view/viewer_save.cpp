@@ -113,7 +113,7 @@ std::string HexOf(const uint8_t* bytes, int32_t length) {
 void AddSubtree(const ArenaTree& tree, LineHandle line, int32_t depth, std::string* text) {
   constexpr int32_t kMostDepth = 200;
   text->append(static_cast<size_t>(2 * depth), ' ');
-  text->append(ToUtf8({tree.TextOf(line), static_cast<size_t>(tree.TextLength(line))})).push_back('\n');
+  text->append(ToUtf8(tree.TextOf(line))).push_back('\n');
   for (LineHandle child = tree.FirstChild(line); child && depth < kMostDepth; child = tree.NextSibling(child)) {
     AddSubtree(tree, child, depth + 1, text);
   }

@@ -1,0 +1,10 @@
+// A line made of a text taken apart, under any parent: what AddLine and rows come down to.
+#pragma once
+#include "core/decoder.h"
+
+namespace qxview::detail {
+
+LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
+                         const FormatPiece* pieces, const FormatArgument* arguments);
+
+}  // namespace qxview::detail
