@@ -2,10 +2,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 
 #include "app/colors.h"
 #include "app/commands.h"
+#include "app/fast_text.h"
 #include "app/list_table.h"
 #include "app/list_time.h"
 #include "app/output.h"
@@ -32,6 +34,8 @@ struct ListOptions {
   RecordFormat format = RecordFormat::kCsv;   // of data
 };
 
+constexpr size_t kMostWidth = 24;   // of a column
+constexpr size_t kRowRoom = 8 * kMostWidth + kWrittenAhead;   // what a row takes beside its texts
 constexpr size_t kNumberWidth = 6, kTimeWidth = 12, kAddressWidth = 17, kLengthWidth = 5;
 
 // A TCP summary with the window as it is meant: what the segment says, times the scale that the connection agreed on.
@@ -81,14 +85,22 @@ class PacketList {
     SummarizePacket(run_.GetSession().GetView(), summary, sizeof summary);
     const std::string_view timeText{time, static_cast<size_t>(timeLength)};
     if (table_) return PutTableRow(number, timeText, addresses, length, summary);
-    PutNumber(number, kNumberWidth);
-    PutRight(timeText, kTimeWidth);
-    PutLeft(addresses.source);
-    PutLeft(addresses.destination);
-    PutNumber(length, kLengthWidth);
-    out_.Put("  ");
-    PutSummary(packet, summary);
-    out_.Put('\n');
+    constexpr size_t kTexts = sizeof addresses + sizeof summary;
+    static_assert(kLongestEscape * kTexts + kRowRoom <= Output::kMostRoom);
+    char* at = PutNumber(out_.Room(kLongestEscape * kTexts + kRowRoom), number, kNumberWidth);
+    at = PutRight(PutGap(at), timeText, kTimeWidth);
+    at = PutLeft(PutGap(at), addresses.source);
+    at = PutLeft(PutGap(at), addresses.destination);
+    at = PutGap(PutNumber(PutGap(at), length, kLengthWidth));
+    if (colors_) {
+      out_.Took(at);
+      PutColoredSummary(packet, summary);
+      out_.Put('\n');
+    } else {
+      at = PutEscaped<false>(at, summary);
+      *at++ = '\n';
+      out_.Took(at);
+    }
   }
 
   // Shows what is there, also what is held back for the columns' widths.
@@ -117,38 +129,30 @@ class PacketList {
                   std::to_string(length), std::string(WithoutName(ScaleWindow(summary, exponent), protocol))},
                  ColorOfPacket(protocol, summary)});
   }
-  void PutSummary(const PacketState& packet, const char* summary) {
-    if (!colors_) return PutSafeText(out_, summary);
+  void PutColoredSummary(const PacketState& packet, const char* summary) {
     char scratch[kMediumNameScratch];
     out_.Put(ColorOfPacket(ProtocolNameOf(packet, scratch), summary));
     PutSafeText(out_, summary);
     out_.Put(kPlainText);
   }
-  void Fill(size_t length, size_t width) {
-    static constexpr std::string_view kBlanks = "                                        ";
-    if (length < width) out_.Put(kBlanks.substr(0, width - length));
+
+  // Each writes from `to` on and returns its end; columns are filled with blanks.
+  static char* PutGap(char* to) { return PutLiteral(to, "  "); }
+  static char* Fill(char* to, size_t length, size_t width) {
+    if (length >= width) return to;
+    std::memset(to, ' ', kMostWidth);
+    return to + (width - length);
   }
-  void PutRight(std::string_view text, size_t width) {
-    out_.Put("  ");
-    Fill(text.size(), width);
-    out_.Put(text);
+  static char* PutRight(char* to, std::string_view text, size_t width) {
+    to = Fill(to, text.size(), width);
+    CopyShort(to, text.data(), text.size());
+    return to + text.size();
   }
-  void PutLeft(std::string_view text) {
-    out_.Put("  ");
-    PutSafeText(out_, text);
-    Fill(text.size(), kAddressWidth);
-  }
-  void PutNumber(uint64_t number, size_t width) {
-    char digits[24];
-    char* const end = digits + sizeof digits;
-    const char* at = WriteDecimal(end, number);
-    const std::string_view text{at, static_cast<size_t>(end - at)};
-    if (width == kNumberWidth) {
-      Fill(text.size(), width);
-      out_.Put(text);
-    } else {
-      PutRight(text, width);
-    }
+  static char* PutLeft(char* to, std::string_view text) { return Fill(PutEscaped<false>(to, text), text.size(), kAddressWidth); }
+  static char* PutNumber(char* to, uint64_t number, size_t width) {
+    // Longer ones fill every column.
+    const size_t digits = number < kCountedDigits ? static_cast<size_t>(CountDigits(static_cast<uint32_t>(number))) : width;
+    return PutDecimal(Fill(to, digits, width), number);
   }
 
   PacketRun& run_;

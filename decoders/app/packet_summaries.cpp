@@ -120,18 +120,24 @@ bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
   TopLineTree tree(&context);
   View once = *view;
   once.tree = &tree;
-  const DecodeContext before = context;
+  const PacketState packet = context.packet;
+  const char outputMode = context.outputMode;
+  const bool silent = context.silent;
+  const uint32_t findFound = context.findFound, rangeCount = context.rangeCount, derivedCount = context.derivedCount;
+  LineFacts* const facts = context.facts;
   context.outputMode = kDisplayMode;
   context.silent = false;
   context.findFound = 0;
   context.facts = nullptr;   // they are those of the lines that are shown
-  const ReachedLayer& reached = before.packet.reached;
+  const ReachedLayer& reached = packet.reached;
   TryDecoder(TopLevel(&once, kFirstLevel), MakeCursor(reached.bytes, 0, reached.length), decode, nullptr);
-  ByteRange* const table = context.rangeTable;
-  const uint32_t capacity = context.rangeCapacity;
-  context = before;
-  context.rangeTable = table;   // it may have grown
-  context.rangeCapacity = capacity;
+  context.packet = packet;
+  context.outputMode = outputMode;
+  context.silent = silent;
+  context.findFound = findFound;
+  context.facts = facts;
+  context.rangeCount = rangeCount;   // the tables may have grown
+  context.derivedCount = derivedCount;
   CopyString(out, size, tree.Text());
   return tree.Text()[0] != 0;
 }
