@@ -100,11 +100,11 @@ inline char* PutDigits(char* to, uint32_t value) {
   return end;
 }
 
-// The same with zeros in front where there are less than `least`, which is 16 at most: so many have room.
-inline char* PutFilledDigits(char* to, uint32_t value, int32_t least) {
+// The same with `fill` in front where there are less than `least`, which is 16 at most: so many have room.
+inline char* PutFilledDigits(char* to, uint32_t value, int32_t least, char fill) {
   const int32_t count = CountDigits(value);
   char* const end = to + (count > least ? count : least);
-  std::memset(to, '0', 16);
+  std::memset(to, fill, 16);
   WriteDecimal(end, value);
   return end;
 }

@@ -1,5 +1,7 @@
 #include "core/formatter.h"
 
+#include <bit>
+
 #include "core/bits.h"
 #include "core/bounded_text.h"
 #include "core/digits.h"
@@ -16,18 +18,17 @@ struct Output {
 
 inline size_t RoomOf(const Output& out) { return static_cast<size_t>(out.end - out.at); }
 
-inline void PutBytes(Output& out, const char* text, size_t length) {
-  const size_t room = RoomOf(out);
+inline char* PutBytes(char* at, const char* end, const char* text, size_t length) {
+  const size_t room = static_cast<size_t>(end - at);
   if (length > room) [[unlikely]] length = room;
-  CopyShort(out.at, text, length);
-  out.at += length;
+  CopyShort(at, text, length);
+  return at + length;
 }
+inline void PutBytes(Output& out, const char* text, size_t length) { out.at = PutBytes(out.at, out.end, text, length); }
 
 inline void PutFill(Output& out, char fill, int32_t count) {
   for (; count > 0 && out.at < out.end; --count) *out.at++ = fill;
 }
-
-inline bool IsPlain(FormatPiece piece) { return piece.width == 0 && piece.precision == 0; }
 
 constexpr size_t kMostDigits = 20;
 
@@ -67,7 +68,7 @@ inline const uint8_t* BytesOf(const FormatArgument& argument) {
   return reinterpret_cast<const uint8_t*>(static_cast<uintptr_t>(argument.value));
 }
 
-[[gnu::noinline]] char* PutHexSlice(const Output& whole, FormatPiece piece, const FormatArgument& argument) {
+[[gnu::noinline]] char* PutHexSlice(const Output whole, FormatPiece piece, const FormatArgument& argument) {
   Output out{whole.at, whole.at + CutLength(piece, RoomOf(whole))};
   const uint8_t* bytes = BytesOf(argument);
   const char separator = static_cast<char>(argument.form >> 8);
@@ -128,68 +129,84 @@ inline int32_t DrawBits(const FormatArgument& argument, char* out) {
   return out.at;
 }
 
-inline char* PutText(Output& out, FormatPiece piece, const FormatArgument& argument) {
+// The fields of a piece out of its word: the innermost loop looks at few of them.
+constexpr uint32_t BitsAt(uint32_t word, int32_t first, int32_t count) {
+  const int32_t shift = std::endian::native == std::endian::little ? first : 32 - first - count;
+  return word >> shift & ((1u << count) - 1);
+}
+inline uint32_t WordOf(FormatPiece piece) {
+  uint32_t word;
+  std::memcpy(&word, &piece, sizeof word);
+  return word;
+}
+constexpr uint32_t LiteralOf(uint32_t word) { return BitsAt(word, 0, 10); }
+constexpr uint32_t ConversionLengthOf(uint32_t word) { return BitsAt(word, 10, 4); }
+constexpr bool IsPlain(uint32_t word) { return BitsAt(word, 14, 11) == 0; }   // no precision, no width
+constexpr bool IsWide(uint32_t word) { return BitsAt(word, 26, 1) != 0; }
+constexpr Conversion ConversionOf(uint32_t word) { return static_cast<Conversion>(BitsAt(word, 27, 4)); }
+
+// The other forms of texts than a terminated one that is neither cut nor filled.
+[[gnu::noinline]] char* PutText(Output out, FormatPiece piece, const FormatArgument& argument) {
   constexpr size_t kMostMade = 48;   // of addresses and pictures, with their terminator
   static_assert(kIPv6TextSize <= kMostMade && kBitPictureSize <= kMostMade);
   const uint32_t form = argument.form & 0xFF;
-  const char* text = reinterpret_cast<const char*>(BytesOf(argument));
-  if (form == FormatArgument::kTerminated) {
-    if (!text) return out.at;
-    if (!IsPlain(piece)) return PutCutText(out, piece, argument);
-    PutBytes(out, text, LengthOfText(text));
-    return out.at;
-  }
-  const bool isQuick = IsPlain(piece) && RoomOf(out) >= kMostMade;
+  const bool isQuick = IsPlain(WordOf(piece)) && RoomOf(out) >= kMostMade;
   if (form == FormatArgument::kBits) return isQuick ? out.at + DrawBits(argument, out.at) : PutMade(out, piece, argument);
-  if (!text) return out.at;
+  if (argument.value == 0) return out.at;
   if (form == FormatArgument::kAddress) return isQuick ? out.at + FormatAddress(argument, out.at) : PutMade(out, piece, argument);
   if (form == FormatArgument::kHex) return PutHexSlice(out, piece, argument);
   return PutCutText(out, piece, argument);
+}
+
+// Numbers that are filled or have a least count of digits, in the ways that most texts have them.
+[[gnu::noinline]] char* PutFormedNumber(Output out, FormatPiece piece, uint64_t given) {
+  const uint64_t value = piece.wide ? given : static_cast<uint32_t>(given);
+  if (value <= UINT32_MAX && RoomOf(out) >= kMostDigits) {
+    const uint32_t number = static_cast<uint32_t>(value);
+    const Conversion conversion = static_cast<Conversion>(piece.conversion);
+    if (conversion == Conversion::kHexUpper && piece.width == 0 && piece.precision <= 8) {
+      return PutHexDigits(out.at, number, static_cast<int32_t>(piece.precision));
+    }
+    if (conversion == Conversion::kUnsigned && piece.precision == 0 && piece.width <= kSixteen && value < kCountedDigits) {
+      return PutFilledDigits(out.at, number, static_cast<int32_t>(piece.width), piece.zeroFill ? '0' : ' ');
+    }
+  }
+  return PutNumber(out, piece, given);
 }
 
 }  // namespace
 
 int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
-  Output to{out, out + size - 1};
+  char* at = out;
+  char* const end = out + size - 1;
   for (;; ++pieces, ++arguments) {
-    const FormatPiece piece = *pieces;
-    if (piece.literalLength > 0) PutBytes(to, text, piece.literalLength);
-    text += piece.literalLength + piece.conversionLength;
-    switch (static_cast<Conversion>(piece.conversion)) {
-      case Conversion::kNone:
-        *to.at = 0;
-        return static_cast<int32_t>(to.at - out);
-      case Conversion::kText:
-        to.at = PutText(to, piece, *arguments);
-        break;
+    const uint32_t word = WordOf(*pieces);
+    if (const size_t literal = LiteralOf(word); literal > 0) at = PutBytes(at, end, text, literal);
+    text += LiteralOf(word) + ConversionLengthOf(word);
+    switch (ConversionOf(word)) {
+      case Conversion::kNone: *at = 0; return static_cast<int32_t>(at - out);
       case Conversion::kCharacter:
-        PutFill(to, static_cast<char>(arguments->value), 1);
-        break;
+        if (at < end) *at++ = static_cast<char>(arguments->value);
+        continue;
+      case Conversion::kText:
+        if (arguments->form == FormatArgument::kTerminated && IsPlain(word)) {
+          const char* const given = reinterpret_cast<const char*>(BytesOf(*arguments));
+          if (given) at = PutBytes(at, end, given, LengthOfText(given));
+        } else {
+          at = PutText({at, end}, *pieces, *arguments);
+        }
+        continue;
       case Conversion::kUnsigned: {
-        const uint64_t value = piece.wide ? arguments->value : static_cast<uint32_t>(arguments->value);
-        if (value >= kCountedDigits || RoomOf(to) < kMostDigits) {
-          to.at = PutNumber(to, piece, arguments->value);
-        } else if (IsPlain(piece)) {
-          to.at = PutDigits(to.at, static_cast<uint32_t>(value));
-        } else if (piece.precision == 0 && piece.zeroFill && piece.width <= kSixteen) {
-          to.at = PutFilledDigits(to.at, static_cast<uint32_t>(value), static_cast<int32_t>(piece.width));
+        const uint64_t value = IsWide(word) ? arguments->value : static_cast<uint32_t>(arguments->value);
+        if (IsPlain(word) && value < kCountedDigits && end - at >= static_cast<ptrdiff_t>(kMostDigits)) {
+          at = PutDigits(at, static_cast<uint32_t>(value));
         } else {
-          to.at = PutNumber(to, piece, arguments->value);
+          at = PutFormedNumber({at, end}, *pieces, arguments->value);
         }
-        break;
+        continue;
       }
-      case Conversion::kHexUpper: {
-        const uint64_t value = piece.wide ? arguments->value : static_cast<uint32_t>(arguments->value);
-        if (piece.width == 0 && piece.precision <= 8 && value <= UINT32_MAX && RoomOf(to) >= kMostDigits) {
-          to.at = PutHexDigits(to.at, static_cast<uint32_t>(value), static_cast<int32_t>(piece.precision));
-        } else {
-          to.at = PutNumber(to, piece, arguments->value);
-        }
-        break;
-      }
-      default:
-        to.at = PutNumber(to, piece, arguments->value);
+      default: at = PutFormedNumber({at, end}, *pieces, arguments->value);
     }
   }
 }
