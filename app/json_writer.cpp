@@ -1,6 +1,7 @@
 #include "app/json_writer.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "app/fast_text.h"
@@ -93,54 +94,100 @@ void PutElsewhere(Output& out, const DecodeContext& context, uint32_t rangeIndex
   PutOrigin(out, FindOwnRange(&context, stored, earlier, kMostEarlier), earlier, kMostEarlier);
 }
 
+// What a line's kind and image are written as; those of nearly all lines stand ready.
+struct Looks {
+  char text[31];
+  uint8_t length;
+};
+constexpr uint32_t kReadyImages = 32;
+using LooksTable = std::array<Looks, 2 * kReadyImages>;
+
+char* PutLooks(char* at, int32_t kind, int32_t image) {
+  at = PutSigned(PutLiteral(at, ",\"kind\":"), kind);
+  return PutSigned(PutLiteral(at, ",\"image\":"), image);
+}
+constexpr int32_t ReadyKind(uint32_t index) { return index < kReadyImages ? kFieldKind : kRawDataKind; }
+
+LooksTable MakeLooks() {
+  LooksTable made{};
+  for (uint32_t i = 0; i < made.size(); ++i) {
+    const char* const end = PutLooks(made[i].text, ReadyKind(i), static_cast<int32_t>(i % kReadyImages));
+    made[i].length = static_cast<uint8_t>(end - made[i].text);
+  }
+  return made;
+}
+const LooksTable kReadyLooks = MakeLooks();
+
+ByteRange StoredRangeOf(const DecodeContext& context, uint32_t rangeIndex) {
+  return rangeIndex < context.rangeCount && rangeIndex < context.rangeCapacity ? context.rangeTable[rangeIndex] : 0;
+}
+
+// Text, range and looks of a line, and what they take at most beside the text, with what closes the line.
+constexpr size_t kBesideText = kWrittenAhead + 256;
+
+char* PutPlainHead(char* at, std::string_view text, ByteRange range, int32_t image) {
+  at = PutEscaped<true, true>(PutLiteral(at, "{\"text\":\""), text);
+  at = PutSigned(PutLiteral(at, "\",\"offset\":"), RangeOffset(range));
+  at = PutDecimal(PutLiteral(at, ",\"length\":"), RangeLength(range));
+  const int32_t kind = RangeKind(range);
+  const uint32_t index = static_cast<uint32_t>(image) + (kind == kRawDataKind ? kReadyImages : 0);
+  if (static_cast<uint32_t>(image) >= kReadyImages || kind != ReadyKind(index)) return PutLooks(at, kind, image);
+  const Looks& looks = kReadyLooks[index];
+  std::memcpy(at, looks.text, sizeof looks.text);
+  return at + looks.length;
+}
+
 // A line up to where its end or the lines under it come.
 void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) {
   const ArenaTree& tree = session.Tree();
   const DecodeContext& context = session.Context();
   const uint32_t rangeIndex = tree.RangeIndex(line);
-  const bool isStored = rangeIndex < context.rangeCount && rangeIndex < context.rangeCapacity;
-  const ByteRange stored = isStored ? context.rangeTable[rangeIndex] : 0, range = RangeInFrame(&context, stored);
+  const ByteRange stored = StoredRangeOf(context, rangeIndex), range = RangeInFrame(&context, stored);
   const std::string_view text = tree.TextOf(line);
-  constexpr size_t kNumbers = 200;   // what stands beside the text
-  if (const size_t room = kLongestEscape * text.size() + kWrittenAhead + kNumbers; room <= Output::kMostRoom) {
-    char* at = PutEscaped<true, true>(PutLiteral(out.Room(room), "{\"text\":\""), text);
-    at = PutSigned(PutLiteral(at, "\",\"offset\":"), RangeOffset(range));
-    at = PutDecimal(PutLiteral(at, ",\"length\":"), RangeLength(range));
-    at = PutSigned(PutLiteral(at, ",\"kind\":"), RangeKind(range));
-    out.Took(PutSigned(PutLiteral(at, ",\"image\":"), tree.Image(line)));
+  if (const size_t room = kLongestEscape * text.size() + kBesideText; room <= Output::kMostRoom) {
+    out.Took(PutPlainHead(out.Room(room), text, range, tree.Image(line)));
   } else {
+    char numbers[kBesideText];
     out.Put("{\"text\":");
     PutJsonText(out, text);
-    out.Put(",\"offset\":");
-    PutNumber(out, RangeOffset(range));
-    out.Put(",\"length\":");
-    PutNumber(out, RangeLength(range));
-    out.Put(",\"kind\":");
-    PutNumber(out, RangeKind(range));
-    out.Put(",\"image\":");
-    PutNumber(out, tree.Image(line));
+    char* at = PutSigned(PutLiteral(numbers, ",\"offset\":"), RangeOffset(range));
+    at = PutDecimal(PutLiteral(at, ",\"length\":"), RangeLength(range));
+    at = PutLooks(at, RangeKind(range), tree.Image(line));
+    out.Put({numbers, static_cast<size_t>(at - numbers)});
   }
   if (context.derivedCount > 0 || IsInRegion(stored)) PutElsewhere(out, context, rangeIndex, stored);
   if (withKeys) PutFact(out, context, rangeIndex);
 }
 
+// What stands between a line and the next one: `ends` lines above it end with it, or the next one is under it (-1).
+char* PutBetween(char* at, int32_t ends, bool isLast) {
+  if (ends < 0) return PutLiteral(at, ",\"lines\":[");
+  *at++ = '}';
+  for (; ends > 0; --ends) at = PutLiteral(at, "]}");
+  if (!isLast) *at++ = ',';
+  return at;
+}
+
 // A tree whose lines come as they are shown: what is under a line is told by their depths.
 void PutLinesInOrder(Output& out, Session& session, bool withKeys) {
   const ArenaTree& tree = session.Tree();
-  for (LineHandle line = 1;; ++line) {
-    PutLineHead(out, session, line, withKeys);
-    const bool isLast = line == tree.LineCount();
-    int32_t ends = tree.DepthOf(line) - (isLast ? 0 : tree.DepthOf(line + 1));
-    if (ends < 0) {
-      out.Put(",\"lines\":[");
-      continue;
+  const DecodeContext& context = session.Context();
+  const LineHandle count = tree.LineCount();
+  int32_t depth = 0;
+  for (LineHandle line = 1; line <= count; ++line) {
+    const bool isLast = line == count;
+    const int32_t next = isLast ? 0 : tree.DepthOf(line + 1), ends = depth - next;
+    depth = next;
+    const std::string_view text = tree.TextOf(line);
+    const ByteRange stored = StoredRangeOf(context, tree.RangeIndex(line));
+    const size_t room = kLongestEscape * text.size() + kBesideText + 2 * static_cast<size_t>(ends > 0 ? ends : 0);
+    if (withKeys || context.derivedCount > 0 || IsInRegion(stored) || room > Output::kMostRoom) {
+      PutLineHead(out, session, line, withKeys);
+      for (int32_t left = ends; left >= 0; --left) out.Put(left > 0 ? "}]" : "}");
+      if (!isLast) out.Put(ends < 0 ? ",\"lines\":[" : ",");
+    } else {
+      out.Took(PutBetween(PutPlainHead(out.Room(room), text, stored, tree.Image(line)), ends, isLast));
     }
-    char* at = out.Room(4);
-    *at++ = '}';
-    out.Took(at);
-    for (; ends > 0; --ends) out.Put("]}");
-    if (isLast) return;
-    out.Put(',');
   }
 }
 
