@@ -27,6 +27,12 @@ void OrderedWriter::Fail() {
   moved_.Changed();
 }
 
+// For more text; the memory of a packet that has very much of it is given back.
+void OrderedWriter::Clear(std::string* text) {
+  text->clear();
+  if (text->capacity() > kMostSpareSize) text->shrink_to_fit();
+}
+
 // False when the lane has to wait for its turn.
 bool OrderedWriter::Hold(Lane& lane, std::string_view bytes) {
   if (lane.held.size() + bytes.size() > kMostHeld) return false;
@@ -46,7 +52,7 @@ int32_t OrderedWriter::Write(Lane& lane, std::string_view bytes) {
     while (turn_ != lane.place && !failed_) moved_.Wait();
   }
   const bool written = WriteThrough(lane.held) && WriteThrough(bytes);
-  lane.held.clear();
+  Clear(&lane.held);
   return written ? 1 : 0;
 }
 
@@ -65,7 +71,7 @@ void OrderedWriter::End(Lane& lane) {
   }
   monitor_.Leave();
   WriteThrough(lane.held);
-  lane.held.clear();
+  Clear(&lane.held);
   for (std::string text;;) {
     monitor_.Enter();
     if (text.capacity() > 0 && spare_.size() < kMostSpare) spare_.push_back(std::move(text));
@@ -76,7 +82,7 @@ void OrderedWriter::End(Lane& lane) {
     ended_.erase(next);
     monitor_.Leave();
     WriteThrough(text);
-    text.clear();
+    Clear(&text);
   }
   moved_.Changed();
   monitor_.Leave();

@@ -39,10 +39,11 @@ class OrderedWriter {
   void Fail();
 
  private:
-  static constexpr size_t kMostHeld = 1u << 20, kMostEnded = 2u << 20;   // then a lane waits for its turn
-  static constexpr size_t kMostSpare = 8;
+  static constexpr size_t kMostHeld = 1u << 20, kMostEnded = 1u << 20;   // then a lane waits for its turn
+  static constexpr size_t kMostSpare = 8, kMostSpareSize = 256u << 10;
   int32_t Write(Lane& lane, std::string_view bytes);
   static bool Hold(Lane& lane, std::string_view bytes);
+  static void Clear(std::string* text);
   bool WriteThrough(std::string_view bytes);
 
   Output& out_;

@@ -82,7 +82,8 @@ bool PacketWorkers::EndPacket(const FrameRecord* record, const CaptureFrame& fra
   records.resize(packet.record);
   const auto* bytes = reinterpret_cast<const uint8_t*>(record);
   records.insert(records.end(), bytes, bytes + record->recordLength);
-  if (current_->packets.size() >= kBatchPackets || records.size() >= kBatchBytes) Ship();
+  const bool isFull = current_->packets.size() >= kBatchPackets || records.size() >= kBatchBytes;
+  if (isFull || current_->log.End() >= kBatchAnswers) Ship();
   return !writer_.Failed();
 }
 

@@ -59,7 +59,7 @@ class PacketWorkers {
   };
 
   // Few enough that what is written of them stays in the processor's own cache.
-  static constexpr size_t kBatchPackets = 32, kBatchBytes = 16u << 10;
+  static constexpr size_t kBatchPackets = 32, kBatchBytes = 16u << 10, kBatchAnswers = 64u << 10;
   static constexpr size_t kBatchesEach = 5;   // of a thread
   static constexpr size_t kBatchesToWake = 3;   // for one alone a thread would soon sleep again
 

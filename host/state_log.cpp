@@ -24,6 +24,13 @@ void StateLog::Record(Engine* engine) {
   if (engine) engine->states->recorder = &recorder_;
 }
 
+// What much was noted in once is not held for ever.
+void StateLog::Clear() {
+  constexpr size_t kMostKept = 256u << 10;
+  bytes_.clear();
+  if (bytes_.capacity() > kMostKept) bytes_.shrink_to_fit();
+}
+
 void StateLog::Append(const void* bytes, size_t size) {
   const auto* first = static_cast<const uint8_t*>(bytes);
   bytes_.insert(bytes_.end(), first, first + size);

@@ -27,7 +27,7 @@ class StateLog {
 
   // For keeping a log elsewhere: what is there, nothing at all again, and what was kept.
   const std::vector<uint8_t>& Bytes() const { return bytes_; }
-  void Clear() { bytes_.clear(); }
+  void Clear();
   void Take(std::vector<uint8_t> bytes) { bytes_ = std::move(bytes); }
 
  private:

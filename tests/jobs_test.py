@@ -60,6 +60,12 @@ class Jobs(unittest.TestCase):
         for words in (["--all"], ["--hits"], ["--all", "--format", "json"]):
             self.assertGreater(len(self.same("find", *words, self.large, "Source")), 2)
 
+    def test_commands_of_one_thread_take_the_option(self):
+        for words in (["list"], ["list", "--format", "json"], ["fields", "-e", "ip.src", "-e", "dns.qry.name"], ["stat", "tcp"]):
+            self.assertGreater(len(self.same(*words, self.large)), 500)
+        for words in (["save", "--format", "pcap"], ["xml"]):
+            self.assertGreater(len(self.same(*words, self.large, "-")), 10000)
+
     def test_lines_have_their_bytes_with_and_without_keys(self):
         """The listing reads headers once more, which leaves the lines' ranges alone."""
         import json

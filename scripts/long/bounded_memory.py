@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Memory over millions of connections that all leave something to wait for, with Reassembly.
+"""Memory and time over millions of connections that all leave something to wait for.
 
-    scripts/long/bounded_memory.py [--qxview build/qxview] [--connections 10000000] [--most MEGABYTES]
+    scripts/long/bounded_memory.py [--qxview build/qxview] [--connections 10000000] [--most MEGABYTES] [--shown [--jobs N]]
 
 Each connection is new: requests and records that never become whole, segments behind a gap that never closes, datagrams that
-lack a fragment, hellos of TLS and long headers of QUIC. They are written to the program as they are made and passed without being
-shown. Prints the peak of its resident memory as it goes on; the exit status is 1 when that is above --most in the end, or has
-grown by more than a twentieth over the last half. docs/long-checks.md has the last result.
+lack a fragment, hellos of TLS and long headers of QUIC. They are written to the program as they are made and passed with
+Reassembly without being shown; with --shown they are decoded as text, without it. Prints the peak of its resident memory as it
+goes on, and what a frame took of processor time since it was told last; the exit status is 1 when the peak is above --most in
+the end, or has grown by more than a twentieth over the last half. docs/long-checks.md has the last result.
 """
 import argparse
 import os
@@ -86,14 +87,23 @@ def peak_megabytes(pid):
         return next(int(line.split()[1]) for line in status if line.startswith("VmHWM")) / 1024
 
 
+def processor_seconds(pid):
+    with open(f"/proc/{pid}/stat", encoding="ascii") as stat:
+        return sum(map(int, stat.read().rsplit(")", 1)[1].split()[11:13])) / os.sysconf("SC_CLK_TCK")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--qxview", default=os.path.join(ROOT, "build/qxview"))
     parser.add_argument("--connections", type=int, default=10000000)
     parser.add_argument("--most", type=int, default=256)
+    parser.add_argument("--shown", action="store_true")
+    parser.add_argument("--jobs", default="1")
     options = parser.parse_args()
-    began = time.monotonic()
-    with subprocess.Popen([options.qxview, "decode", "--reassemble", "--set", "IgnoreChecksums=1", "--packets", "4000000000-", "-"],
+    began, used = time.monotonic(), 0
+    passed = ["--reassemble", "--set", "IgnoreChecksums=1", "--packets", "4000000000-"]
+    shown = ["--format", "text", "--jobs", options.jobs]
+    with subprocess.Popen([options.qxview, "decode", *(shown if options.shown else passed), "-"],
                           stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as program:
         program.stdin.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, 1))
         block, peaks = Block(), []
@@ -104,7 +114,10 @@ def main():
             if done % max(options.connections // 10, BLOCK) == 0:
                 program.stdin.flush()
                 peaks.append(peak_megabytes(program.pid))
-                print(f"{done:>10} connections  peak {peaks[-1]:.1f} MB  {time.monotonic() - began:.0f} s", flush=True)
+                before, used = used, processor_seconds(program.pid)
+                frames = len(block.times) * max(options.connections // 10, BLOCK) // BLOCK
+                print(f"{done:>10} connections  peak {peaks[-1]:.1f} MB  {(used - before) / frames * 1e6:.2f} us a frame  "
+                      f"{time.monotonic() - began:.0f} s", flush=True)
         program.stdin.close()
         status = program.wait()
     half = peaks[len(peaks) // 2 - 1]
