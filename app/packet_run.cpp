@@ -258,7 +258,7 @@ void PacketRun::ReadListing(const FrameRecord* record) {
 }
 
 int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
-  const Handler own = prepare(*this, out);
+  Handler own = prepare(*this, out);
   const int32_t jobs = JobsThatPay();
   // Bytes of packets before others are started; the first packet is this thread's in any case.
   const size_t alone = options_->jobs > 0 ? 0 : 64u << 10;
@@ -277,7 +277,10 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
     if (tries && shown > alone) {
       tries = false;
       workers = std::make_unique<PacketWorkers>(*this, out);
-      if (!workers->Start(jobs, prepare)) workers.reset();
+      if (!workers->Start(jobs, prepare)) {
+        workers.reset();
+        own = prepare(*this, out);   // one of them had this run's session
+      }
       // Input that is waited for may be long in coming.
       if (workers) SetIdleAction([](void* with) { static_cast<PacketWorkers*>(with)->Drain(); }, workers.get());
     }

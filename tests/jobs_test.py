@@ -4,6 +4,7 @@ output that cannot be written."""
 import glob
 import os
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -108,6 +109,18 @@ class Jobs(unittest.TestCase):
             shown += process.stdout.read()
             rest.join()
         self.assertTrue(shown == expected)
+
+    @unittest.skipUnless(sys.platform.startswith("linux"), "no limits")
+    def test_where_no_thread_starts_one_decodes(self):
+        import resource
+
+        def limit():   # a thread's stack is larger than what there is
+            resource.setrlimit(resource.RLIMIT_STACK, (4 << 30, resource.RLIM_INFINITY))
+            resource.setrlimit(resource.RLIMIT_AS, (3 << 30, 3 << 30))
+        for words in (["decode", "--format", "text"], ["decode", "--prefix-file"], ["find", "--all"]):
+            text = ["Source"] if words[0] == "find" else []
+            one = run(*words, "--jobs", "1", self.large, *text)
+            self.assertEqual(run(*words, "--jobs", "3", self.large, *text, preexec_fn=limit), one, words)
 
     def test_output_that_cannot_be_written_is_told(self):
         if not os.path.exists("/dev/full"):
