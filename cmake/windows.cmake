@@ -32,5 +32,6 @@ function(qxview_windows_file target type description)
   target_sources(${target} PRIVATE ${CMAKE_BINARY_DIR}/${target}.rc)
   set_property(SOURCE ${CMAKE_BINARY_DIR}/${target}.rc PROPERTY OBJECT_DEPENDS
                ${CMAKE_SOURCE_DIR}/resources/qxview.manifest)
-  target_link_options(${target} PRIVATE -s -Wl,--file-alignment,4096)
+  # No time of the link in the header: the same sources give the same file.
+  target_link_options(${target} PRIVATE -s -Wl,--file-alignment,4096 -Wl,--no-insert-timestamp)
 endfunction()
