@@ -329,7 +329,7 @@ class Scan:
             kind = kind & ~(TEXT | NONE) or NUMBER
         if target in function.labelled:
             labels = {function.labelled[target]}
-        for label in labels:
+        for label in sorted(labels):
             self.emit(protocol, label, kind, where)
 
     def label(self, pieces, rest, arguments, function, env):
@@ -437,13 +437,13 @@ class Scan:
                     self.line(protocol, text[0][1:], arguments[adder + 1:], function, env, target, name == 'AddBitLine')
                 return
             labels, kind, _ = self.whole(self.strings(text, function, env))
-            for label in labels:
+            for label in sorted(labels):
                 self.emit(protocol, label, TEXT if name in TEXT_ADDERS else kind, function.file + ': ' + name)
             if name == 'AddCountedString':
                 self.emit(protocol, 'String Length', NUMBER)
             return
         if name == 'ShowElements':
-            for label in self.strings(arguments[3], function, env):
+            for label in sorted(self.strings(arguments[3], function, env)):
                 self.emit(protocol, label, TEXT)
             self.element_form(protocol, arguments[2], function)
         if name == 'ShowRows' and len(arguments) > 4:
@@ -576,7 +576,7 @@ class Scan:
                     self.emit(protocol, label + ' Length', NUMBER)
             return self.row(protocol, inner, function, depth, titles)
         labels = self.row_labels(row, function, titles)
-        for label in labels:
+        for label in sorted(labels):
             if form != 'Shown':
                 self.emit(protocol, label, ROW_KINDS.get(form, NUMBER) | ROW)
         if form == 'Flags':
@@ -642,7 +642,7 @@ class Scan:
         for row in rows:
             cells = split(row[1:-1])
             if len(cells) > 2:
-                for title in self.strings(cells[1], anchor, {}) - {ANY}:
+                for title in sorted(self.strings(cells[1], anchor, {}) - {ANY}):
                     self.ber_row(protocol, title, [t for t in cells[2] if t != '&'], anchor, depth)
 
     def rows_in_code(self, protocol, function, depth):
@@ -654,7 +654,7 @@ class Scan:
             if body[i] == '{' and (body[i - 1] == ',' or body[i - 2] == 'BerRow'):
                 cells = split(body[i + 1:closing(body, i)])
                 if len(cells) == 3 and ('&' in cells[2] or cells[2][0] == 'ValueOf'):
-                    for title in self.strings(cells[1], function, {}) - {ANY}:
+                    for title in sorted(self.strings(cells[1], function, {}) - {ANY}):
                         self.ber_row(protocol, title, [t for t in cells[2] if t != '&'], function, depth)
 
     def ber_row(self, protocol, title, reference, anchor, depth):
