@@ -104,7 +104,9 @@ ByteRange SortPieces(const Region& region, ByteRange range, int64_t packet, Byte
       if (ownFrom == ownEnd) ownFrom = offset;
       ownEnd = offset + length;
     } else {
-      if (*earlierCount < mostEarlier) earlier[*earlierCount] = {piece.packet, offset, length};
+      // Of bytes that were joined in that packet already the packet alone is known.
+      const bool isKnown = piece.offset < kFirstRegionOffset;
+      if (*earlierCount < mostEarlier) earlier[*earlierCount] = {piece.packet, isKnown ? offset : 0, isKnown ? length : 0};
       ++*earlierCount;
     }
   }
@@ -160,11 +162,16 @@ Cursor JoinedBytes(View* view, const uint8_t* bytes, int32_t length, const ByteP
 }
 
 OwnRange FindOwnRange(const DecodeContext* context, ByteRange range, BytePiece* earlier, int32_t mostEarlier) {
-  if (!IsInRegion(range)) return {range, 0};
-  const Region* region = FindRegion(context->origins, RangeOffset(range));
-  if (!region) return {MakeByteRange(RangeKind(range), 0, 0), 0};
   OwnRange own{range, 0};
-  own.range = SortPieces(*region, range, context->packetNumber, earlier, mostEarlier, &own.earlierCount);
+  // Joined bytes may be joined again, as segments are whose datagrams came in fragments: each region leads to one before it.
+  // Pieces that are kept for later packets may say such an offset: it is good while their packet is the current one.
+  for (int32_t before = INT32_MAX; IsInRegion(own.range);) {
+    const int32_t offset = RangeOffset(own.range);
+    const Region* region = offset < before ? FindRegion(context->origins, offset) : nullptr;
+    if (!region) return {MakeByteRange(RangeKind(range), 0, 0), own.earlierCount};
+    before = region->first;
+    own.range = SortPieces(*region, own.range, context->packetNumber, earlier, mostEarlier, &own.earlierCount);
+  }
   return own;
 }
 

@@ -316,6 +316,38 @@ TEST(IpReassembly, FragmentsInAnyOrderMakeTheDatagram) {
   EXPECT_TRUE(Has(wire.view.Text(), "Domain Name:www.example.test")) << wire.view.Text();
 }
 
+// A segment whose datagram came in fragments ends a message that another one began: bytes that are joined twice have their places
+// in the frame all the same, and of an earlier packet's the packet is told.
+TEST(IpReassembly, WhatIsJoinedTwiceHasPlacesInTheFrame) {
+  const Bytes message = Post("twice", 400);
+  const auto segment = [&](uint32_t sequence, size_t first, size_t length) {
+    return Part(Wire::SegmentOf(sequence, Part(message, first, length), kAckPush), 34, 10000);   // behind both headers
+  };
+  const auto fragment = [&](const Bytes& whole, bool isLast, uint8_t id) {
+    Bytes piece = FragmentOf(whole, isLast ? 64 : 0, isLast ? 1000 : 64, id, isLast);
+    piece[23] = 6;
+    return piece;
+  };
+  Wire wire;
+  const Bytes front = segment(1000, 0, 100), rest = segment(1100, 100, 1000);
+  for (const auto& [whole, id] : {std::pair(front, uint8_t{1}), std::pair(rest, uint8_t{2})}) {
+    wire.Show(fragment(whole, false, id), ++wire.number);
+    wire.Show(fragment(whole, true, id), ++wire.number);
+  }
+  ASSERT_TRUE(Has(wire.view.Text(), "Request Line: POST /twice HTTP/1.1")) << wire.view.Text();
+  const DecodeContext& context = wire.view.context();
+  const auto size = static_cast<int64_t>(fragment(rest, true, 2).size());
+  int32_t twice = 0;
+  for (uint32_t i = 0; i < context.rangeCount; ++i) {
+    BytePiece earlier[8];
+    const OwnRange own = FindOwnRange(&context, context.rangeTable[i], earlier, 8);
+    EXPECT_LE(RangeOffset(own.range) + int64_t{RangeLength(own.range)}, size) << i;
+    twice += own.earlierCount > 1 && earlier[0].packet == 2 && earlier[0].length == 0;
+    for (int32_t k = 0; k < own.earlierCount; ++k) EXPECT_LE(earlier[k].offset + earlier[k].length, 100) << i << " " << k;
+  }
+  EXPECT_GT(twice, 0);   // lines over both segments
+}
+
 // What looks like segments of TCP: the sequence number is a length and a place, the acknowledgment number the frame's own.
 TEST(IpReassembly, PiecesOfTwoFramesOfAnSttTunnelDoNotMix) {
   Wire wire;

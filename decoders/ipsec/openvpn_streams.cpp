@@ -142,8 +142,7 @@ VpnRun Take(const Place& at, const Cursor& c, const VpnPieceKey& key, StateBytes
   if (known) {
     own = *known;
   } else {
-    const ByteRange range = RangeInFrame(at.view->context, MakeByteRange(kFieldKind, c.offset, Left(c)));
-    own.piece = {packet, RangeOffset(range), Left(c)};
+    own.piece = {packet, c.offset, Left(c)};
     PlacePiece(table, key, c, own);
     table.Remember(&key, &own, joins ? StateBytes{c.at, static_cast<uint32_t>(Left(c))} : StateBytes{nullptr, 0});
     if (own.isPlaced) PlaceWaiting(table, key, own);
