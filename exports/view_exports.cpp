@@ -152,7 +152,8 @@ void* QxView_CreateView(const QxHost* host) try {
 void* QxView_CreateViewWith(const QxViewOptions* options) try {
   ForgetError();
   QxViewOptions told{};
-  if (options) std::memcpy(&told, options, std::min<size_t>(options->size, sizeof told));
+  // Members are as wide as pointers: half of one is none.
+  if (options) std::memcpy(&told, options, std::min<size_t>(options->size / sizeof(void*) * sizeof(void*), sizeof told));
   std::string message;
   auto view = MakeView(told.host, told.settings, &message);
   if (view) {

@@ -178,6 +178,30 @@ class Windows(unittest.TestCase):
             LIB.QxView_DestroyView(at)
 
 
+MESSAGE = ctypes.CFUNCTYPE(None, ctypes.c_void_p, INT, ctypes.c_char_p)
+
+
+class ViewOptions(ctypes.Structure):
+    _fields_ = [("size", ctypes.c_uint32), ("host", ctypes.c_void_p), ("settings", ctypes.c_char_p),
+                ("message", MESSAGE), ("user", ctypes.c_void_p)]
+
+
+class Views(unittest.TestCase):
+    def test_options_that_end_within_a_member_do_not_have_it(self):
+        told = []
+        options = ViewOptions(settings=b"", message=MESSAGE(lambda _, kind, text: told.append(text)))
+        LIB.QxView_CreateViewWith.restype = ctypes.c_void_p
+        whole = ViewOptions.message.offset + ViewOptions.message.size
+        for size in range(ctypes.sizeof(options) + 1):
+            options.size = size
+            view = ctypes.c_void_p(LIB.QxView_CreateViewWith(ctypes.byref(options)))
+            self.assertTrue(view, size)
+            told.clear()
+            LIB.QxView_DecodeBytes(view, 7, b"\0" * 60, 60, 60, ctypes.c_int64(0))   # of a medium without a decoder
+            self.assertEqual(bool(told), size >= whole, size)
+            LIB.QxView_DestroyView(view)
+
+
 class Summaries(unittest.TestCase):
     def test_texts(self):
         for name, (_, _, message, text) in MEMBERS.items():
