@@ -112,7 +112,7 @@ def step_native(log, log_name):
 
 
 def step_asan(log, log_name):
-    """the same under AddressSanitizer and UndefinedBehaviorSanitizer, and the samples decoded there"""
+    """the same under AddressSanitizer and UndefinedBehaviorSanitizer, and the samples decoded and fuzz inputs run there"""
     if not build("asan", log):
         return Result(0, 1, "the build failed")
     result = run_cases("build-asan/qxview_tests", log, log_name)
@@ -121,6 +121,8 @@ def step_asan(log, log_name):
             result.passed += 1
         else:
             result.failed += 1
+    result.add(run_script("tests/fuzz_corpus_test.py", log, log_name, FUZZ_RUN=os.path.join(ROOT, "build-asan", "fuzz_run")),
+               "fuzz_corpus")
     return result
 
 
