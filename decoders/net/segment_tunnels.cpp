@@ -73,7 +73,15 @@ int32_t DecodeTunnelSetup(const Place& at, Cursor c) {
   if (hasHeader) ShowRows(in, c, kBroker);
   TextLine line;
   Loop loop;
-  while (MoreAt(in, c, loop) && !StartsXml(c) && TakeLine(c, line)) {
+  int32_t noXmlTo = -1;   // of blanks in front of a text each is asked once
+  while (MoreAt(in, c, loop)) {
+    if (c.offset > noXmlTo) {
+      if (StartsXml(c)) break;
+      Cursor blanks = c;
+      SkipSpace(blanks);
+      noXmlTo = blanks.offset;
+    }
+    if (!TakeLine(c, line)) break;
     if (line.text.length > 0) AddTextLine(in, line.whole, "Line", line.text);
   }
   if (Left(c) > 0) {
