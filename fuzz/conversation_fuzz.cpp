@@ -95,7 +95,8 @@ void AddFrames(std::vector<Bytes>& frames, const PacketHead& head, uint8_t proto
 }
 
 // A segment at the place in its direction that `what` says.
-Bytes Segment(const PacketHead& head, Direction& own, const Direction& other, uint32_t what, uint32_t number, const Piece& payload) {
+Bytes Segment(const PacketHead& head, Direction& own, const Direction& other, uint32_t what, uint32_t number,
+              const Piece& payload) {
   uint32_t sequence = own.next;
   uint8_t flags = 0x18;
   if (what == 1) sequence = own.lastStart;

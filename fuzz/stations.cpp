@@ -175,7 +175,8 @@ Station::Station(uint32_t its, char mode) : wishes(its & kHostWishes) {
   session->Context().silent = mode == kSilent;
 }
 
-Stations::Stations(uint32_t wishes) : wishes_(wishes), kept_(new KeptText, [](DecodeTree* tree) { delete static_cast<KeptText*>(tree); }), files_(2) {
+Stations::Stations(uint32_t wishes)
+    : wishes_(wishes), kept_(new KeptText, [](DecodeTree* tree) { delete static_cast<KeptText*>(tree); }), files_(2) {
   const size_t count = wishes & kEveryMode ? std::size(kModes) : kFewModes;
   outcomes_.resize(count);
   for (size_t i = 0; i < count; ++i) {

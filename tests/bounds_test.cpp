@@ -1,0 +1,152 @@
+// The bounds of docs/architecture.md that hold for every decoder, each reached and kept: nesting, lines, texts, dumps, bytes that
+// are joined for a frame, and every table of state between frames. Those of one protocol are reached in its own tests.
+#include "core/byte_origins.h"
+#include "core/engine.h"
+#include "core/states.h"
+#include "tests/support/cases.h"
+#include "tests/support/samples.h"
+#include "tests/support/small_stack.h"
+
+namespace qxview::testing {
+namespace {
+
+// What is asked of the bounds, in one place; a decoder's own stands with it.
+constexpr int32_t kDumpedBytes = 32768;
+constexpr int32_t kBytesOfARow = 16;
+constexpr size_t kMostTextOfALine = 512;
+constexpr int32_t kMostRegions = 4096;
+
+int32_t DeepestOf(View& view, LineHandle line, int32_t depth) {
+  int32_t deepest = depth;
+  for (LineHandle each = view.tree->FirstChild(line); each; each = view.tree->NextSibling(each)) {
+    deepest = std::max(deepest, DeepestOf(view, each, depth + 1));
+  }
+  return deepest;
+}
+
+TEST(Bounds, OfNestingEndsInARawBlock) {
+  for (const int32_t headers : {kMostNesting - 2, kMostNesting, 3 * kMostNesting}) {
+    Bytes packet = Udp(9, 9, Bytes(8, 'x'));
+    for (int32_t i = 0; i < headers; ++i) packet = IPv4(i ? 4 : 17, packet);
+    TestHost host;
+    TestView view(&host);
+    RunOnSmallStack([&] { view.Decode(Ethernet(0x0800, packet)); });
+    const std::string text = view.Text();
+    size_t shown = 0;
+    for (size_t at = 0; (at = text.find("IP: ", at)) != std::string::npos; ++at) ++shown;
+    EXPECT_LE(shown, static_cast<size_t>(kMostNesting)) << headers;
+    EXPECT_GT(shown, static_cast<size_t>(kMostNesting) / 2) << headers;
+    EXPECT_EQ(text.find("UDP, [9]") != std::string::npos, headers < kMostNesting - 1) << headers;
+    EXPECT_LT(DeepestOf(view.view(), 0, 0), 2 * kMostNesting);
+    EXPECT_EQ(view.context().packet.nesting, 0);
+  }
+}
+
+// A decoder that has no end of its own.
+int32_t ShowForever(const Place& at, Cursor c) {
+  const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "Forever:"));
+  Loop loop;
+  while (MoreAt(in, c, loop)) {
+    const Field byte = TakeU8(c);
+    for (int i = 0; i < 100; ++i) AddLine(in, byte, "Line: %u", byte.value);
+  }
+  return 1;
+}
+
+TEST(Bounds, OfLinesGrowWithTheFrameAndAreTold) {
+  for (const int32_t size : {1, 60, 1514, 65000}) {
+    Record record(Bytes(static_cast<size_t>(size), 'x'));
+    for (const bool silent : {false, true}) {
+      TestView view;
+      view.context().silent = silent;
+      view.context().packet = PacketState{};
+      view.context().packet.frame = record.get();
+      view.context().packet.linesLeft = MostLinesOf(size);
+      ShowForever(TopLevel(&view.view(), kFirstLevel), MakeCursor(FrameData(record.get()), 0, size));
+      const bool isReached = int64_t{100} * size + 1 > MostLinesOf(size);
+      EXPECT_EQ(view.context().packet.limitReached, isReached) << size;
+      const int32_t lines = silent ? 0 : isReached ? MostLinesOf(size) + 1 : 100 * size + 1;
+      EXPECT_EQ(view.context().rangeCount, static_cast<uint32_t>(lines));
+    }
+  }
+  EXPECT_EQ(MostLinesOf(INT32_MAX), kMostLines);
+}
+
+TEST(Bounds, OfTextsAndDumps) {
+  TestView view;
+  const std::string word(5000, 'w');
+  const Place at = TopLevel(&view.view(), kFirstLevel);
+  const Bytes bytes(kDumpedBytes + 100, 'b');
+  Cursor c = MakeCursor(bytes.data(), 0, static_cast<int32_t>(bytes.size()));
+  const Field all = Ahead(c, Left(c));
+  view.context().packet.linesLeft = kMostLines;
+  const LineHandle line = AddLine(at, all, "Text: %s", word.c_str());
+  EXPECT_LT(view.LineText(line).size(), kMostTextOfALine);
+  EXPECT_GT(view.LineText(line).size(), kMostTextOfALine / 2);
+  for (int i = 0; i < 5; ++i) AppendToLine(at, line, " and %s", word.c_str());
+  EXPECT_LT(view.LineText(line).size(), kMostTextOfALine);
+  const uint32_t before = view.context().rangeCount;
+  AddBlock(Under(at, line), all, "Dump");
+  EXPECT_EQ(view.context().rangeCount - before, 1u + kDumpedBytes / kBytesOfARow);
+}
+
+TEST(Bounds, OfMemoryAndRegionsOfAFrame) {
+  TestView view;
+  int64_t taken = 0;
+  while (TakeFrameMemory(&view.view(), 100000)) taken += 100000;
+  EXPECT_GT(taken, kMostFrameMemory / 2);
+  EXPECT_LE(taken, kMostFrameMemory);
+  EXPECT_EQ(TakeFrameMemory(&view.view(), int64_t{1} << 40), nullptr);
+  EXPECT_EQ(TakeFrameMemory(&view.view(), 0), nullptr);
+  ForgetOrigins(view.context().origins);
+  const uint8_t byte = 0;
+  const BytePiece piece{1, 0, 1};
+  int32_t regions = 0;
+  while (Left(JoinedBytes(&view.view(), &byte, 1, &piece, 1, 0)) == 1) ++regions;
+  EXPECT_EQ(regions, kMostRegions);
+  ForgetOrigins(view.context().origins);
+  EXPECT_EQ(Left(JoinedBytes(&view.view(), &byte, 1, &piece, 1, 0)), 1) << "the next frame has its own";
+}
+
+// What a search for slow payloads found: one byte again and again.
+TEST(Bounds, OfTimeHoldForBlankLines) {
+  Payload payload{.row = RowNamed("application TSP Setup"), .overTcp = true, .bytes = Hex("56455253494F4E3D322E302E300D0A")};
+  ASSERT_TRUE(payload.row);
+  payload.bytes = payload.bytes + Bytes(65000, '\n');
+  TestView view;
+  EXPECT_LT(BestMilliseconds([&] { RunPayload(view.view(), payload); }, 3), kMostMilliseconds);
+}
+
+// Every table is told of more keys, values and bytes than it holds.
+TEST(Bounds, OfEveryTableOfState) {
+  int32_t rows;
+  const StateRow* row = StateRows(&rows);
+  const HashSecret secret = MakeHashSecret(7);
+  const Bytes some(3000, 's');
+  for (int32_t i = 0; i < rows; ++i, ++row) {
+    const StateBounds& bounds = row->bounds;
+    if (bounds.mostKeys == 0) continue;   // kept by the host, and recorded alone
+    StateMemory memory{0, SIZE_MAX};
+    StateTable table(*row, memory, secret);
+    Bytes key(row->keySize), value(row->valueSize, 'v');
+    const StateBytes bytes{some.data(), bounds.mostBytes ? static_cast<uint32_t>(some.size()) : 0};
+    const uint32_t keys = bounds.mostKeys + 100;
+    for (uint32_t number = 1; number <= keys; ++number) {
+      std::memcpy(key.data(), &number, sizeof number);
+      table.Remember(key.data(), value.data(), bytes);
+      ASSERT_LE(table.Count(), bounds.mostKeys) << row->name;
+      ASSERT_LE(table.BytesHeld(), bounds.mostBytes ? bounds.mostBytes : SIZE_MAX) << row->name;
+    }
+    EXPECT_NE(table.Recall(key.data(), 1, nullptr), nullptr) << row->name;
+    EXPECT_GE(table.Count(), bounds.mostBytes ? std::min<size_t>(bounds.mostKeys, bounds.mostBytes / 8000) : bounds.mostKeys)
+        << row->name;
+    for (uint32_t told = 0; told < bounds.depth + 10u; ++told) table.Remember(key.data(), value.data(), {nullptr, 0});
+    EXPECT_EQ(table.Recall(key.data(), bounds.depth + 1, nullptr), nullptr) << row->name;
+    EXPECT_TRUE(bounds.mostBytes || table.Recall(key.data(), bounds.depth, nullptr)) << row->name;
+    table.Clear();
+    EXPECT_EQ(memory.used, 0u) << row->name;
+  }
+}
+
+}  // namespace
+}  // namespace qxview::testing
