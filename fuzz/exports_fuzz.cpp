@@ -15,7 +15,7 @@
 namespace qxview::fuzz {
 namespace {
 
-constexpr size_t kLongest = 16000, kMostViews = 3, kMostCalls = 60;
+constexpr size_t kLongest = 16000, kMostViews = 3, kMostMade = 8, kMostCalls = 60;
 
 // A program around the library: what it holds, and what the input makes it do.
 class Program {
@@ -84,9 +84,11 @@ class Program {
   void* views_[kMostViews] = {};
   void* capture_ = nullptr;
   int file_ = -1;
+  size_t made_ = 0;
 };
 
 void Program::MakeView() {
+  if (++made_ > kMostMade) return;   // each reads all definitions
   void*& view = AView();
   QxView_DestroyView(view);
   const uint32_t way = input_.U8();
