@@ -131,7 +131,7 @@ void AddBitRows(View* view, LineHandle parentLine, const uint8_t* data, int32_t 
                 const char* label, int32_t level) {
   constexpr int32_t kBytes = 32;
   if (!view || !parentLine || !data || !label) return;
-  const bool isLeft = LeavesLabel(view, parentLine, label, false);
+  const bool isLeft = view->context->silent || LeavesLabel(view, parentLine, label, false);
   for (int32_t at = 0; at < length; at += kBytes) {
     if (isLeft) {
       if (!CountLeftLine(view, parentLine)) return;
@@ -156,7 +156,7 @@ LineHandle AddWrappedTextLines(View* view, LineHandle parentLine, const char* te
                                int32_t image, DecodeTree* tree, int32_t frameOffset, bool numbered) {
   constexpr int32_t kMostCharacters = 80, kLookAhead = 10;
   if (!text || !label) return 0;
-  const bool isLeft = LeavesLabel(view, parentLine, label, false);
+  const bool isLeft = view->context->silent || LeavesLabel(view, parentLine, label, false);
   LineHandle line = 0;
   int32_t at = 0, piece = 1;
   do {

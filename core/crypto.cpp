@@ -272,9 +272,33 @@ bool HkdfExtract(const View* view, HashKind kind, const ByteSpan& salt, const By
   return HmacOf(view, kind, salt, {secret}, out);
 }
 
-bool HkdfExpandLabel(const View* view, HashKind kind, const ByteSpan& secret, const char* label, const ByteSpan& context,
-                     uint8_t* out, int32_t length) {
-  const int32_t size = HashSize(kind);
+HkdfSecret::HkdfSecret(const View* view, HashKind kind, const ByteSpan& secret) : view_(view), kind_(kind), secret_(secret) {
+  constexpr int32_t kBlock = 64;
+  if (kind != HashKind::kSha256 || secret.length > kBlock) return;
+  uint8_t pad[kBlock];
+  for (const bool isInner : {true, false}) {
+    std::memset(pad, isInner ? 0x36 : 0x5C, sizeof pad);
+    for (int32_t i = 0; i < secret.length; ++i) pad[i] ^= secret.data[i];
+    (isInner ? inner_ : outer_).Add({pad, kBlock});
+  }
+  isBegun_ = true;
+}
+
+bool HkdfSecret::Hmac(std::initializer_list<ByteSpan> parts, uint8_t* out) const {
+  if (!isBegun_) return HmacOf(view_, kind_, secret_, parts, out);
+  Sha256 inner = inner_, outer = outer_;
+  for (const ByteSpan& part : parts) {
+    if (part.length > 0) inner.Add(part);
+  }
+  uint8_t hash[kSha256Size];
+  inner.Finish(hash);
+  outer.Add({hash, kSha256Size});
+  outer.Finish(out);
+  return true;
+}
+
+bool HkdfSecret::ExpandLabel(const char* label, const ByteSpan& context, uint8_t* out, int32_t length) const {
+  const int32_t size = HashSize(kind_);
   const ByteSpan text = SpanOf(label);
   const uint8_t head[3] = {static_cast<uint8_t>(length >> 8), static_cast<uint8_t>(length),
                            static_cast<uint8_t>(text.length)};
@@ -283,12 +307,15 @@ bool HkdfExpandLabel(const View* view, HashKind kind, const ByteSpan& secret, co
   uint8_t number = 1;
   for (int32_t done = 0; done < length; done += size, ++number) {
     const ByteSpan before = {part, done ? size : 0};
-    if (!HmacOf(view, kind, secret, {before, {head, 3}, text, {&contextLength, 1}, context, {&number, 1}}, part)) {
-      return false;
-    }
+    if (!Hmac({before, {head, 3}, text, {&contextLength, 1}, context, {&number, 1}}, part)) return false;
     std::memcpy(out + done, part, static_cast<size_t>(length - done < size ? length - done : size));
   }
   return true;
+}
+
+bool HkdfExpandLabel(const View* view, HashKind kind, const ByteSpan& secret, const char* label, const ByteSpan& context,
+                     uint8_t* out, int32_t length) {
+  return HkdfSecret(view, kind, secret).ExpandLabel(label, context, out, length);
 }
 
 bool TlsPrf(const View* view, HashKind kind, const ByteSpan& secret, const char* label,

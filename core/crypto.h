@@ -28,6 +28,21 @@ bool HashOf(const View* view, HashKind kind, std::initializer_list<ByteSpan> par
 bool HmacOf(const View* view, HashKind kind, const ByteSpan& key, std::initializer_list<ByteSpan> parts, uint8_t* out);
 // RFC 5869 without its info.
 bool HkdfExtract(const View* view, HashKind kind, const ByteSpan& salt, const ByteSpan& secret, uint8_t* out);
+// A secret that several keys come from: what their digests begin with is worked out once. The secret's bytes must stay.
+class HkdfSecret {
+ public:
+  HkdfSecret(const View* view, HashKind kind, const ByteSpan& secret);
+  bool ExpandLabel(const char* label, const ByteSpan& context, uint8_t* out, int32_t length) const;
+
+ private:
+  bool Hmac(std::initializer_list<ByteSpan> parts, uint8_t* out) const;
+
+  const View* view_;
+  HashKind kind_;
+  ByteSpan secret_;
+  bool isBegun_ = false;
+  Sha256 inner_{}, outer_{};
+};
 // RFC 8446, section 7.1: `label` with its prefix, as "tls13 key" or "dtls13key".
 bool HkdfExpandLabel(const View* view, HashKind kind, const ByteSpan& secret, const char* label, const ByteSpan& context,
                      uint8_t* out, int32_t length);

@@ -37,14 +37,20 @@ LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, cons
                         const FormatPiece* pieces, const FormatArgument* arguments) {
   if (!KeepsFacts(at.view)) [[likely]] return MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
   if (OnlyTells(at.view)) return CountSilentLine(at);
+  const DecodeContext& context = *at.view->context;
+  if (context.packet.asked && at.parent != kLeftFrameLine) [[unlikely]] {
+    const bool isPicture = pieces->literalLength == 0 && (arguments->form & 0xFF) == FormatArgument::kBits;
+    if (IsKnownToBeLeft(context, text, isPicture)) return CountSilentLine(at);
+  }
   if (LeavesFormatted(at.view, at.parent, text, pieces, arguments)) return CountLeftLine(at.view, at.parent);
   const LineHandle added = MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
   NoteFormatted(at.view, added, text, pieces, arguments);
   return added;
 }
 
-LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
-  if (LeavesMade(at.view, at.parent, text, length)) return CountLeftLine(at.view, at.parent);
+namespace {
+
+LineHandle AddText(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
   const ByteRange range = MakeByteRange(kFieldKind, field.offset, field.length);
   LineHandle added;
   char cut[kLineSize];
@@ -61,6 +67,20 @@ LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const ch
   }
   if (KeepsFacts(at.view)) [[unlikely]] NoteMade(at.view, added, text, length);
   return added;
+}
+
+}  // namespace
+
+LineHandle AddLiteral(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
+  const DecodeContext& context = *at.view->context;
+  if (context.packet.asked && at.parent != kLeftFrameLine && IsKnownToBeLeft(context, text, false)) return CountSilentLine(at);
+  if (LeavesMade(at.view, at.parent, text, length, true)) return CountLeftLine(at.view, at.parent);
+  return AddText(at, field, image, text, length);
+}
+
+LineHandle AddMade(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
+  if (LeavesMade(at.view, at.parent, text, length)) return CountLeftLine(at.view, at.parent);
+  return AddText(at, field, image, text, length);
 }
 
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
@@ -81,15 +101,27 @@ void SetFormatted(const Place& at, LineHandle line, const char* text, const Form
 
 }  // namespace detail
 
-int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
-  PacketState& packet = PacketOf(at);
-  if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
+namespace {
+
+// Whether nobody wants the lines of this decoder, and it does nothing else.
+bool PassesOver(const Place& at, DecoderFunction decode) {
+  const DecodeContext& context = *at.view->context;
+  if (!context.silent && !context.packet.asked) [[likely]] return false;
+  const ProtocolRow* protocol = ProtocolOf(decode);
+  return protocol && protocol->isPlain && (!context.packet.asked || detail::NobodyAsksFor(context, {protocol->key}));
+}
+
+int32_t Decode(const Place& at, Cursor& c, DecoderFunction decode) {
+  DecodeContext* const context = at.view->context;
+  PacketState& packet = context->packet;
   ++packet.nesting;
   c.begin = c.offset;   // a decoder covers what it takes itself
-  DecodeContext* const context = at.view->context;
   const char* const outer = packet.protocol;
   const bool outerSilent = context->silent;
-  if (KeepsFacts(at.view)) [[unlikely]] packet.protocol = ProtocolKeyOf(decode, outer);
+  if (KeepsFacts(at.view)) [[unlikely]] {
+    const ProtocolRow* protocol = ProtocolOf(decode);
+    if (protocol) packet.protocol = protocol->key;
+  }
   if (packet.asked) [[unlikely]] ChooseLines(context);
   const int32_t result = decode(at, c);
   packet.protocol = outer;
@@ -98,7 +130,23 @@ int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char
   return result;
 }
 
+}  // namespace
+
+int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
+  PacketState& packet = PacketOf(at);
+  if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
+  if (!PassesOver(at, decode)) [[likely]] return Decode(at, c, decode);
+  const bool reached = packet.limitReached;
+  const int32_t left = packet.linesLeft;
+  packet.limitReached = true;
+  const int32_t result = Decode(at, c, decode);
+  packet.limitReached = reached;
+  if (packet.linesLeft < left) packet.linesLeft = left - 1;   // that it shows something counts, and not how much is left for the end
+  return result;
+}
+
 int32_t CallDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
+  if (decode && title && PassesOver(at, decode)) return 1;
   const int32_t result = decode ? TryDecoder(at, c, decode, title) : 0;
   if (result != 0 || !title) return result;
   return AddRawRest(at, c, title);

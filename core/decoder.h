@@ -9,6 +9,8 @@
 //
 // A field that is not here, or a dead place, adds nothing.
 #pragma once
+#include <initializer_list>
+
 #include "core/blocks.h"
 #include "core/bounded_text.h"
 #include "core/cursor.h"
@@ -49,6 +51,28 @@ inline Place Deeper(const Place& at) {
 inline PacketState& PacketOf(const Place& at) { return at.view->context->packet; }
 inline bool Silent(const Place& at) { return at.view->context->silent; }
 
+namespace detail {
+bool NobodyAsksFor(const DecodeContext& context, std::initializer_list<const char*> protocols);
+}
+
+// Whether nobody wants the lines that would be added here, nor those of other protocols that are called by name on the way: what is
+// made for lines alone (fingerprints, names, certificates) may be left, and is not counted then.
+inline bool NobodyWants(const Place& at, std::initializer_list<const char*> others = {}) {
+  const DecodeContext& context = *at.view->context;
+  return context.silent && (!context.packet.asked || detail::NobodyAsksFor(context, others));
+}
+
+// Counts lines that nobody wants towards the frame's bound.
+inline void CountLines(const Place& at, int32_t count) {
+  if (at.dead) return;
+  int32_t& left = PacketOf(at).linesLeft;
+  if (count < left) [[likely]] {
+    left -= count;
+    return;
+  }
+  while (count-- > 0) CountLine(at.view);
+}
+
 // Leaves what the payload was looked up by.
 inline void ReachLayer(const Place& at, DispatchTable table, uint32_t key, const Cursor& c) {
   PacketState& packet = PacketOf(at);
@@ -65,7 +89,8 @@ namespace detail {
 inline LineHandle CountSilentLine(const Place& at) { return CountLine(at.view); }
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments);
-LineHandle AddPlain(const Place& at, const Field& field, int32_t image, const char* text, int32_t length);
+LineHandle AddLiteral(const Place& at, const Field& field, int32_t image, const char* text, int32_t length);
+LineHandle AddMade(const Place& at, const Field& field, int32_t image, const char* text, int32_t length);
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments);
 void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
@@ -79,7 +104,7 @@ LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_ide
   if (!field.here || at.dead) return 0;
   if (Silent(at)) return detail::CountSilentLine(at);
   if constexpr (sizeof...(Args) == 0) {
-    return detail::AddPlain(at, field, LevelImage(at.level), text.text, text.pieces[0].literalLength);
+    return detail::AddLiteral(at, field, LevelImage(at.level), text.text, text.pieces[0].literalLength);
   } else {
     const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
     return detail::AddFormatted(at, field, LevelImage(at.level), text.text, text.pieces, arguments.of);
@@ -90,7 +115,7 @@ LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_ide
 inline LineHandle AddMadeLine(const Place& at, const Field& field, const char* text, int32_t length) {
   if (!field.here || at.dead) return 0;
   if (Silent(at)) return detail::CountSilentLine(at);
-  return detail::AddPlain(at, field, LevelImage(at.level), text, length);
+  return detail::AddMade(at, field, LevelImage(at.level), text, length);
 }
 
 // A bit-field detail line: the fixed image of bit fields, over the whole field that the bits are of.

@@ -53,6 +53,25 @@ void MixMd5(uint32_t (&state)[4], const uint8_t* block) {
   state[3] += d;
 }
 
+// Eight rounds, after which each word stands where it stood before: none has to be moved.
+inline void MixEight(uint32_t (&v)[8], const uint32_t* words, const uint32_t* constants) {
+  const auto round = [&](uint32_t a, uint32_t b, uint32_t c, uint32_t& d, uint32_t e, uint32_t f, uint32_t g, uint32_t& h,
+                         int32_t i) {
+    const uint32_t first = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) + (g ^ (e & (f ^ g))) + constants[i] + words[i];
+    d += first;
+    h = first + (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & b) | (c & (a | b)));
+  };
+  auto& [a, b, c, d, e, f, g, h] = v;
+  round(a, b, c, d, e, f, g, h, 0);
+  round(h, a, b, c, d, e, f, g, 1);
+  round(g, h, a, b, c, d, e, f, 2);
+  round(f, g, h, a, b, c, d, e, 3);
+  round(e, f, g, h, a, b, c, d, 4);
+  round(d, e, f, g, h, a, b, c, 5);
+  round(c, d, e, f, g, h, a, b, 6);
+  round(b, c, d, e, f, g, h, a, 7);
+}
+
 void MixSha256(uint32_t (&state)[8], const uint8_t* block) {
   uint32_t words[64];
   for (int32_t i = 0; i < 16; ++i) words[i] = ReadU32(block + 4 * i);
@@ -63,16 +82,7 @@ void MixSha256(uint32_t (&state)[8], const uint8_t* block) {
   }
   uint32_t v[8];
   std::memcpy(v, state, sizeof v);
-  for (int32_t i = 0; i < 64; ++i) {
-    const uint32_t e = v[4], a = v[0];
-    const uint32_t first = v[7] + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) + ((e & v[5]) ^ (~e & v[6])) +
-                           kSha256Constants[i] + words[i];
-    const uint32_t second =
-        (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & v[1]) ^ (a & v[2]) ^ (v[1] & v[2]));
-    std::memmove(v + 1, v, 7 * sizeof v[0]);
-    v[4] += first;
-    v[0] = first + second;
-  }
+  for (int32_t i = 0; i < 64; i += 8) MixEight(v, words + i, kSha256Constants + i);
   for (int32_t i = 0; i < 8; ++i) state[i] += v[i];
 }
 

@@ -32,6 +32,7 @@ struct ProtocolRow {
   SummaryFunction summary;   // null: the packet list shows the decoder's top line
   MessageLengthFunction messageLength = nullptr;   // null: its messages are not joined
   bool takesRuns = false;    // the decoder gets all messages that are whole at once, not one by one
+  bool isPlain = false;      // the decoder keeps and asks for nothing beside its bytes, and its lines are all of this key
 };
 
 // What leads to a protocol. The numbers are those of the registry's tables.
@@ -71,8 +72,8 @@ int32_t ApplicationIndexOf(const ProtocolRow* protocol);
 // 3Com NBP stands on a run of Ethertypes.
 constexpr uint16_t kFirstNbp = 0x3C00, kLastNbp = 0x3C0D;
 
-// The short name that the keys of a decoder's lines start with; `other` for a function that no row holds.
-const char* ProtocolKeyOf(DecoderFunction decode, const char* other);
+// The protocol of a decoder; null for a function that no row holds.
+const ProtocolRow* ProtocolOf(DecoderFunction decode);
 
 // The names of Ethertypes; null for one that has none.
 const char* EthertypeName(uint16_t ethertype);
@@ -83,10 +84,12 @@ void DestroyDecoderStates(Engine* engine);
 
 // Calls a decoder on carried data and counts the nesting. At the bound, and when the decoder declines with 0, the
 // caller's fallback is shown: a top-level raw data block with `title`; none for a null title. Result: the decoder's,
-// or 1 when the fallback was shown in its place.
+// or 1 when the fallback was shown in its place. Where nobody wants the lines, the decoder of a plain protocol is not
+// called, and the result is 1.
 int32_t CallDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title);
 
-// The same without the fallback on 0: for callers that have a fallback of their own.
+// The same without the fallback on 0: for callers that have a fallback of their own. A plain protocol's decoder is called
+// in any case, since it may decline, but with the bound of lines reached, so that its loops end.
 int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title);
 
 // Link headers that more than one medium carries: a MAC header with its addresses, the type/length field and what

@@ -185,24 +185,38 @@ void AddPartialSize(const Place& in, const Cursor& c) {
   }
 }
 
-void AddCaptureLines(const Place& in) {
-  constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
+namespace {
+
+constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
+
+void AddTimeLine(const Place& in, int64_t nanoseconds) {
   constexpr int64_t kPerSecond = 1000000000;
+  const int64_t rest = nanoseconds % kPerSecond;
+  const CivilTime time = TimeOfSecond(nanoseconds / kPerSecond - (rest < 0));
+  const uint32_t fraction = static_cast<uint32_t>(rest < 0 ? rest + kPerSecond : rest);
+  char digits[12];
+  if (fraction % 1000 == 0) {
+    FormatInto(digits, sizeof digits, "%06u", fraction / 1000);
+  } else {
+    FormatInto(digits, sizeof digits, "%09u", fraction);
+  }
+  AddLine(in, kNowhere, "Time: %04u-%02u-%02u %02u:%02u:%02u.%s UTC", static_cast<uint32_t>(time.year), time.month, time.day,
+          time.hour, time.minute, time.second, static_cast<const char*>(digits));
+}
+
+}  // namespace
+
+void AddCaptureLines(const Place& in) {
   const FrameRecord* record = PacketOf(in).frame;
+  const bool isLeft = Silent(in) || in.parent == kLeftFrameLine;
   int32_t left;
   const char* note = reinterpret_cast<const char*>(FindExtension(record, kExtensionNotes, &left));
   if (record->nanoseconds != 0 && (left == 0 || note[0] == 0)) {
-    const int64_t rest = record->nanoseconds % kPerSecond;
-    const CivilTime time = TimeOfSecond(record->nanoseconds / kPerSecond - (rest < 0));
-    const uint32_t fraction = static_cast<uint32_t>(rest < 0 ? rest + kPerSecond : rest);
-    char digits[12];
-    if (fraction % 1000 == 0) {
-      FormatInto(digits, sizeof digits, "%06u", fraction / 1000);
+    if (isLeft) {
+      CountLines(in, 1);
     } else {
-      FormatInto(digits, sizeof digits, "%09u", fraction);
+      AddTimeLine(in, record->nanoseconds);
     }
-    AddLine(in, kNowhere, "Time: %04u-%02u-%02u %02u:%02u:%02u.%s UTC", static_cast<uint32_t>(time.year), time.month,
-            time.day, time.hour, time.minute, time.second, static_cast<const char*>(digits));
   }
   while (left > 0) {
     const void* end = std::memchr(note, 0, static_cast<size_t>(left));

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "core/lines.h"
+#include "core/decoder.h"
 
 namespace qxview {
 namespace {
@@ -88,13 +88,17 @@ LineFact* OldFact(View* view, LineHandle line) {
 
 // A label's text, numbers behind '#' left out.
 void PutNumberless(LineFacts* facts, LineFact* fact, const char* text, uint32_t length) {
-  for (uint32_t i = 0; i < length; ++i) {
-    if (text[i] == '#') {
-      while (i + 1 < length && IsDigit(text[i + 1])) ++i;
-    } else {
-      PutLabel(facts, fact, text + i, 1);
+  while (const void* found = std::memchr(text, '#', length)) {
+    const uint32_t before = static_cast<uint32_t>(static_cast<const char*>(found) - text);
+    PutLabel(facts, fact, text, before);
+    text += before + 1;
+    length -= before + 1;
+    while (length > 0 && IsDigit(*text)) {
+      ++text;
+      --length;
     }
   }
+  PutLabel(facts, fact, text, length);
 }
 
 // Whether the colons are no separators: an address of IPv6 starts with them, "::1" or "::".
@@ -361,6 +365,15 @@ void AskFrame(LineFacts* facts, LineQuestion* question) {
   question->asksForFrame = KnownProtocolOf(question, kFrameProtocol).wanted != LinesWanted::kNone;
 }
 
+bool detail::NobodyAsksFor(const DecodeContext& context, std::initializer_list<const char*> protocols) {
+  LineQuestion* question = context.facts->question;
+  if (question->asksForFrame) return false;
+  for (const char* protocol : protocols) {
+    if (KnownProtocolOf(question, protocol).wanted != LinesWanted::kNone) return false;
+  }
+  return true;
+}
+
 void ChooseLines(DecodeContext* context) {
   LineQuestion* question = context->facts->question;
   context->silent = !question->asksForFrame && KnownProtocolOf(question, context->packet.protocol).wanted == LinesWanted::kNone;
@@ -400,9 +413,10 @@ LineFact FactToTry(LineFacts* facts) {
   return fact;
 }
 
-KnownLabel& PlaceOf(LineFacts* facts, const char* text) {
-  const uintptr_t at = reinterpret_cast<uintptr_t>(text);
-  return facts->question->labels[(at ^ at >> 10) % 1024];
+// Keeps the answer for the text.
+void Note(LineFacts* facts, const char* text, const KnownProtocol& known, bool isPicture, bool isWanted) {
+  const bool isAlwaysLeft = !isWanted && !known.first && !facts->question->asksForFrame;
+  facts->question->PlaceOf(text) = {text, known.protocol, isPicture, isWanted, isAlwaysLeft};
 }
 
 }  // namespace
@@ -414,7 +428,7 @@ bool LeavesFormatted(View* view, LineHandle parent, const char* text, const Form
   bool isLeft;
   if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
   const bool isPicture = pieces->literalLength == 0 && IsText(*pieces) && (arguments->form & 0xFF) == FormatArgument::kBits;
-  KnownLabel& place = PlaceOf(facts, text);
+  const KnownLabel& place = facts->question->PlaceOf(text);
   if (place.text == text && place.protocol == known->protocol && place.isPicture == isPicture) return !place.isWanted;
   if (!Reserve(facts, 0, kMostLabel)) return false;
   LineFact fact = FactToTry(facts);
@@ -434,26 +448,31 @@ bool LeavesFormatted(View* view, LineHandle parent, const char* text, const Form
   LineFact start = fact;
   start.labelLength = fixed;
   if (!isFixed && fixed > 0 && LeavesLabelOf(facts, *known, start, true)) {
-    place = {text, known->protocol, isPicture, false};
+    Note(facts, text, *known, isPicture, false);
     return true;
   }
   isLeft = LeavesLabelOf(facts, *known, fact);
-  if (isFixed) place = {text, known->protocol, isPicture, !isLeft};
+  if (isFixed) Note(facts, text, *known, isPicture, !isLeft);
   return isLeft;
 }
 
-bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length) {
+bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length, bool isFixed) {
   if (!view->context->packet.asked) [[likely]] return false;
   LineFacts* facts = view->context->facts;
   KnownProtocol* known;
   bool isLeft;
   if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
+  const char* const whole = text;
+  const KnownLabel& place = facts->question->PlaceOf(whole);
+  if (isFixed && place.text == whole && place.protocol == known->protocol && !place.isPicture) return !place.isWanted;
   if (!Reserve(facts, 0, kMostLabel)) return false;
   uint64_t bits;
   SkipPicture(text, length, &bits);
   LineFact fact = FactToTry(facts);
   PutNumberless(facts, &fact, text, static_cast<uint32_t>(LabelEnd(text, length)));
-  return LeavesLabelOf(facts, *known, fact);
+  isLeft = LeavesLabelOf(facts, *known, fact);
+  if (isFixed) Note(facts, whole, *known, false, !isLeft);
+  return isLeft;
 }
 
 bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed) {
@@ -462,13 +481,13 @@ bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed)
   KnownProtocol* known;
   bool isLeft;
   if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
-  KnownLabel& place = PlaceOf(facts, label);
+  const KnownLabel& place = facts->question->PlaceOf(label);
   if (isFixed && place.text == label && place.protocol == known->protocol) return !place.isWanted;
   if (!label || !Reserve(facts, 0, kMostLabel)) return false;
   LineFact fact = FactToTry(facts);
   PutLabel(facts, &fact, label, std::strlen(label));
   isLeft = LeavesLabelOf(facts, *known, fact);
-  if (isFixed) place = {label, known->protocol, false, !isLeft};
+  if (isFixed) Note(facts, label, *known, false, !isLeft);
   return isLeft;
 }
 

@@ -64,6 +64,7 @@ struct KnownProtocol {
 struct KnownLabel {
   const char *text, *protocol;
   bool isPicture, isWanted;
+  bool isAlwaysLeft;   // wherever such a line stands: its protocol's first line is not wanted either
 };
 
 // Who asks for some lines alone: the others are counted as if the context were silent. The answers are kept, so they must not
@@ -79,6 +80,11 @@ struct LineQuestion {
   bool asksForFrame;   // for lines of the frame itself
   KnownProtocol protocols[64];
   KnownLabel labels[1024];
+
+  KnownLabel& PlaceOf(const char* text) {
+    const uintptr_t at = reinterpret_cast<uintptr_t>(text);
+    return labels[(at ^ at >> 10) % 1024];
+  }
 };
 
 // Facts of the lines by their index in the range table; their texts stand behind one another.
@@ -146,12 +152,19 @@ inline bool OnlyTells(const View* view) {
 // Whether a question leaves the line out that is about to be added: one made of a text with conversions, of a text that was
 // made before, of a label of its own (`isFixed`: wherever it stands, that text never changes), or without a fact.
 bool LeavesFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces, const FormatArgument* arguments);
-bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length);
+bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length, bool isFixed = false);
 bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed);
 bool LeavesOthers(View* view);
 
 // Counts a line that is left out towards the frame's bound; the parent of its children.
 LineHandle CountLeftLine(View* view, LineHandle parent);
+
+// Whether a question was asked about a line of this text before, which is left out wherever it stands: all that most lines of a
+// protocol of which something is asked about need.
+inline bool IsKnownToBeLeft(const DecodeContext& context, const char* text, bool isPicture) {
+  const KnownLabel& place = context.facts->question->PlaceOf(text);
+  return place.text == text && place.isAlwaysLeft && place.protocol == context.packet.protocol && place.isPicture == isPicture;
+}
 
 // Whether a line is not in the tree: those that a question or a count left out.
 inline bool WasLeft(const View* view, LineHandle line) {

@@ -30,6 +30,8 @@ struct MessageForm {   // how long its messages over TCP are
   MessageLengthFunction length;
   bool runs;
 };
+struct PlainForm {};   // its decoder is of no use to a pass without lines
+constexpr PlainForm Plain() { return {}; }
 constexpr MessageForm Messages(MessageLengthFunction length) { return {length, false}; }
 constexpr MessageForm MessageRuns(MessageLengthFunction length) { return {length, true}; }
 constexpr Door Medium(uint32_t key) { return {DoorKind::kMedium, key}; }
@@ -61,6 +63,8 @@ consteval Protocol MakeProtocol(const ProtocolRow& row, const Doors&... doors) {
     } else if constexpr (std::is_same_v<std::remove_cvref_t<decltype(door)>, MessageForm>) {
       made.messageLength = door.length;
       made.takesRuns = door.runs;
+    } else if constexpr (std::is_same_v<std::remove_cvref_t<decltype(door)>, PlainForm>) {
+      made.isPlain = true;
     } else {
       made.doors[made.doorCount++] = door;
     }
@@ -209,10 +213,9 @@ class ProtocolsByFunction {
 
 }  // namespace
 
-const char* ProtocolKeyOf(DecoderFunction decode, const char* other) {
+const ProtocolRow* ProtocolOf(DecoderFunction decode) {
   static ProtocolsByFunction byFunction;
-  const Protocol* found = byFunction.Find(decode);
-  return found ? found->key : other;
+  return byFunction.Find(decode);
 }
 
 }  // namespace qxview

@@ -24,7 +24,8 @@ enum class StateNumber : int32_t {
 
 // The values of what the host lends.
 struct AddressDefinition {
-  int32_t identifier;   // of the protocol
+  int32_t identifier;      // of the protocol
+  int32_t matchedSource;   // it is the source's
 };
 struct EarlierSegment {   // with its payload
   int64_t packetNumber;

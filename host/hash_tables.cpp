@@ -1,6 +1,7 @@
 #include "host/hash_tables.h"
 
 #include <algorithm>
+#include <bitset>
 #include <list>
 #include <new>
 #include <unordered_map>
@@ -25,6 +26,7 @@ class HashTable {
       held->identifier = made.identifier;
       return held;
     }
+    if (made.form == HashKeyForm::kPort) ports[made.first.port] = true;
     entries.push_back(made);
     try {
       index.emplace(key, std::prev(entries.end()));
@@ -41,6 +43,10 @@ class HashTable {
     return found == index.end() ? nullptr : &*found->second;
   }
 
+  // Every packet asks for its ports, of which most are in no table.
+  HashEntry* FindPort(uint16_t port) { return ports[port] ? Find(PortKey(port)) : nullptr; }
+
+  std::bitset<65536> ports;   // that were inserted once
   EntryList entries;   // in the order of their insertion
   std::unordered_map<HashKey, EntryList::iterator, HashKeyHash> index;
   std::vector<HashIterator*> iterators;
@@ -74,6 +80,7 @@ HashEntry* InsertEntry(HashTable* table, const HashEntry& made) noexcept {
 }
 
 HashEntry* FindEntry(HashTable* table, const HashKey& key) noexcept { return table ? table->Find(key) : nullptr; }
+bool HasEntries(const HashTable* table) noexcept { return table && !table->entries.empty(); }
 
 }  // namespace
 
@@ -93,9 +100,9 @@ HashEntry* HashInsertNetAddrPair(HashTable* table, const AddressSlot& first, con
   return InsertEntry(table, {HashKeyForm::kAddressPair, {first, 0}, {second, 0}, 0, identifier, nullptr});
 }
 
-HashEntry* HashFind(HashTable* table, uint16_t port) noexcept { return FindEntry(table, PortKey(port)); }
+HashEntry* HashFind(HashTable* table, uint16_t port) noexcept { return table ? table->FindPort(port) : nullptr; }
 HashEntry* HashFindGenericIPPort(HashTable* table, const AddressSlot& address, uint16_t port) noexcept {
-  return FindEntry(table, AddressPortKey(address, port));
+  return HasEntries(table) ? FindEntry(table, AddressPortKey(address, port)) : nullptr;
 }
 HashEntry* HashFindIpPortPairWithAttrByte(HashTable* table, const NetworkEnd& first, const NetworkEnd& second,
                                           uint8_t attribute) noexcept {

@@ -48,7 +48,7 @@ int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
   const Field type = TakeU16(c);
   const Place network = NetworkPlace(in);
   if (type.value > kMostLength) {
-    const char* name = EthertypeName(static_cast<uint16_t>(type.value));
+    const char* name = Silent(in) ? nullptr : EthertypeName(static_cast<uint16_t>(type.value));
     AddLine(in, type, "Ethertype: 0x%.04X = %s", type.value, name ? name : kUnknown);
     if (Left(c) < 4) return 1;
     const int32_t handled = DispatchEthertype(network, c, static_cast<uint16_t>(type.value));
@@ -66,6 +66,13 @@ int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
 int32_t DecodeMacHeader(const Place& at, Cursor c) {
   const KeyedAs keys(PacketOf(at), "eth");
   if (Left(c) < 2 * kMacAddressLength) return 0;
+  if (Silent(at)) {
+    constexpr int32_t kLines = 3;
+    CountLines(at, kLines);
+    TakeBytes(c, 2 * kMacAddressLength);
+    DecodeEthernetHeader(Under(at, kLineOutsideDisplay), c);
+    return 1;
+  }
   const LineHandle top =
       AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",
               CheckAlias(at.view, 0, PeekBytes(c, kMacAddressLength, kMacAddressLength).bytes),
@@ -89,7 +96,7 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   const Field checkSequence = CutCheckSequence(at, c);
   const Place in = AddFrameSummary(at, frame);
   const Field whole = Ahead(frame, Left(frame));
-  AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", NameFrameType(c));
+  AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", Silent(in) ? kUnknown : NameFrameType(c));
   AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
   AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
   AddCaptureLines(in);

@@ -74,10 +74,12 @@ void DecodeRecognised(const Place& at, const Cursor& c, int32_t identifier) {
   ReachLayer(at, DispatchTable::kApplication, static_cast<uint32_t>(identifier) & 0xFFFF, c);
   if (at.view->context->headersOnly) return;
   const DecoderRow* row = FindBuiltinDecoder(static_cast<uint32_t>(identifier) & 0xFFFF);
-  const auto known = ProtocolName(at.view, identifier);
-  const char* name = known.text[0] || !row ? known.text : row->name;
-  char title[kProtocolNameSize + 8];
-  FormatInto(title, sizeof title, "%s Data", name);
+  char title[kProtocolNameSize + 8] = "Data";
+  if (!Silent(at)) {
+    const auto known = ProtocolName(at.view, identifier);
+    const char* name = known.text[0] || !row ? known.text : row->name;
+    FormatInto(title, sizeof title, "%s Data", name);
+  }
   if (JoinsMessages(at, row)) {
     ShowStreamMessages(Deeper(at), c, *row, title);
   } else {

@@ -87,8 +87,10 @@ void AddUserService(const Place& in, const Field& service, const TypeOfServiceSe
 }  // namespace
 
 void AddTypeOfService(const Place& in, const Field& service) {
-  const Place parts = Under(in, AddLine(in, service, "Type of Service:"));
   const TypeOfServiceSettings& settings = in.view->engine->settings.typeOfService;
+  constexpr int32_t kClassicLines = 7;
+  if (Silent(in) && settings.mode == 0) return CountLines(in, kClassicLines);
+  const Place parts = Under(in, AddLine(in, service, "Type of Service:"));
   switch (settings.mode) {
     case 1: return AddRoutingMetric(parts, service);
     case 2: return AddDifferentiatedService(parts, service);

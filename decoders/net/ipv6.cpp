@@ -28,6 +28,12 @@ void RecordAddress(AddressSlot& slot, const uint8_t* address) {
 
 // The fields of the fixed header, as far as they are there.
 void ShowHeader(const Place& in, Cursor& c) {
+  if (Silent(in) && Left(c) >= kHeaderSize) {
+    constexpr int32_t kLines = 8;
+    CountLines(in, kLines);
+    TakeBytes(c, kHeaderSize);
+    return;
+  }
   const Field word = TakeU32(c);
   const BitPicture version = BitsOf(word, 0, 4);
   AddBitLine(in, Slice(word, 0, 1), "IP Version   : (%s) %u ", version.picture, version.value);

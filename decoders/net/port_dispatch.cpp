@@ -36,52 +36,31 @@ bool IsEmpty(const AddressSlot& slot) {
   return true;
 }
 
-// The look-ups in one address table, under its lock while this lives. What a record answers needs none: replays of several
-// threads would wait for each other.
-class AddressTable {
- public:
-  AddressTable(const View* view, const QxHost* host, void* table)
-      : view_(view), host_(host), table_(table), find_(QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort)),
-        asksHost_(!Replays(view)) {
-    const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable);
-    if (asksHost_ && lock) lock(host->user, table);
-  }
-  ~AddressTable() {
-    const auto unlock = QXVIEW_HOST_FUNCTION(host_, unlockTable);
-    if (asksHost_ && unlock) unlock(host_->user, table_);
-  }
-  AddressTable(const AddressTable&) = delete;
-  AddressTable& operator=(const AddressTable&) = delete;
-
-  bool Find(const AddressSlot& address, uint16_t port, int32_t* identifier) const {
-    AddressDefinition defined{};
-    const auto find = [&](AddressDefinition* out, StateBytes*) {
-      return find_ && find_(host_->user, table_, &address, port, &out->identifier) != 0;
-    };
-    if (!RecallFromHost(view_, kAddressDefinitions, &defined, nullptr, find)) return false;
-    *identifier = defined.identifier;
-    return true;
-  }
-
- private:
-  const View* view_;
-  const QxHost* host_;
-  void* table_;
-  decltype(QxHost::hashFindGenericIPPort) find_;
-  const bool asksHost_;
-};
-
-// Address definitions; a port of 0 stands for any port of the address. False when none matches.
+// Address definitions; a port of 0 stands for any port of the address. The table is read under its lock, which what a record answers
+// does without: replays of several threads would wait for each other. False when none matches.
 bool ResolveByAddress(const View* view, void* table, const AddressSlot& source, uint16_t sourcePort,
                       const AddressSlot& destination, uint16_t destinationPort, int32_t* identifier,
                       bool* matchedSource) {
-  const AddressTable addresses(view, view->engine->host, table);
-  *matchedSource = (!IsEmpty(source) && addresses.Find(source, 0, identifier)) ||
-                   (sourcePort != 0 && addresses.Find(source, sourcePort, identifier));
-  if (*matchedSource) return true;
-  if (IsEmpty(destination)) return false;
-  return addresses.Find(destination, 0, identifier) ||
-         (destinationPort != 0 && addresses.Find(destination, destinationPort, identifier));
+  const auto ask = [&](AddressDefinition* out, StateBytes*) {
+    const QxHost* host = view->engine->host;
+    const auto hashFind = QXVIEW_HOST_FUNCTION(host, hashFindGenericIPPort);
+    if (!hashFind) return false;
+    const auto lock = QXVIEW_HOST_FUNCTION(host, lockTable), unlock = QXVIEW_HOST_FUNCTION(host, unlockTable);
+    const auto finds = [&](const AddressSlot& address, uint16_t port) {
+      return hashFind(host->user, table, &address, port, &out->identifier) != 0;
+    };
+    if (lock) lock(host->user, table);
+    out->matchedSource = (!IsEmpty(source) && finds(source, 0)) || (sourcePort != 0 && finds(source, sourcePort));
+    const bool found = out->matchedSource || (!IsEmpty(destination) && (finds(destination, 0) ||
+                                                                        (destinationPort != 0 && finds(destination, destinationPort))));
+    if (unlock) unlock(host->user, table);
+    return found;
+  };
+  AddressDefinition defined{};
+  if (!RecallFromHost(view, kAddressDefinitions, &defined, nullptr, ask)) return false;
+  *identifier = defined.identifier;
+  *matchedSource = defined.matchedSource != 0;
+  return true;
 }
 
 // Port definitions: the lower port, which is the service's more often than not, is tried first.
@@ -239,10 +218,13 @@ int32_t DispatchPayload(const Place& at, Cursor c, int32_t defined, bool matched
   constexpr uint32_t kFtp = 0x0C;
   const bool teaches = row && row->key == kFtp;   // which ends carry its data
   if (at.view->context->headersOnly && !carries && !teaches) return 1;
-  const auto name = ProtocolName(at.view, identifier);
   char title[kProtocolNameSize + 8];
-  FormatInto(title, sizeof title, "%s Data", name);
-  const char* shown = name.text[0] ? title : unnamed;
+  const char* shown = unnamed;
+  if (!Silent(at)) {
+    const auto name = ProtocolName(at.view, identifier);
+    FormatInto(title, sizeof title, "%s Data", name);
+    if (name.text[0]) shown = title;
+  }
   if (JoinsMessages(at, row)) {
     ShowStreamMessages(Deeper(at), c, *row, shown);
   } else if (!GivesWay(row)) {

@@ -20,7 +20,7 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kPorts = 4, kThroughFlags = 14, kFixedHeader = 20;
+constexpr int32_t kPorts = 4, kThroughFlags = 14, kChecksum = 16, kFixedHeader = 20;
 constexpr uint32_t kFin = 1, kSyn = 2, kRst = 4, kPsh = 8, kAck = 16, kUrg = 32, kEce = 64, kCwr = 128;
 
 // The segment as its parts learn of it.
@@ -49,6 +49,7 @@ void ResolveSegment(const Place& at, Segment& segment) {
   segment.protocol = ResolveProtocol(at.view, kIpProtocolTcp, packet.source, packet.sourcePort, packet.destination,
                                      packet.destinationPort, &segment.matchedSource);
   segment.sourceName.text[0] = segment.destinationName.text[0] = 0;
+  if (Silent(at)) return;
   (segment.matchedSource ? segment.sourceName : segment.destinationName) = ProtocolName(at.view, segment.protocol);
 }
 
@@ -132,6 +133,22 @@ const char* WhyNotCalculated(const Segment& segment, const Field& checksum) {
   return stored ? "Not Calculated" : "Not Checked";
 }
 
+struct ChecksumFinding {
+  const char* unchecked;   // why it tells nothing
+  uint32_t sum;
+  bool isBad;
+};
+
+// Of a segment that is no fragment.
+ChecksumFinding CheckSegment(const Segment& segment, const Field& checksum) {
+  const NetworkState& network = *segment.network;
+  if (network.offloaded) return {"Not Checked - Segmentation Offload", 0, false};
+  if (network.totalLength > Left(segment.start)) return {"Not Checked - Partial Capture", 0, false};
+  const uint32_t sum = SumWords(network.pseudoHead, segment.start.at, Left(segment.start));
+  const char* unchecked = sum == 0xFFFF ? nullptr : WhyNotCalculated(segment, checksum);
+  return {unchecked, sum, !unchecked && sum != 0xFFFF};
+}
+
 void AddChecksum(const Place& in, Cursor& c, Segment& segment) {
   const Field checksum = TakeU16(c);
   if (!checksum.here) return;
@@ -142,15 +159,35 @@ void AddChecksum(const Place& in, Cursor& c, Segment& segment) {
                  network.moreFragments ? "more fragments to follow" : "last fragment");
     return;
   }
-  const bool isPartial = network.totalLength > Left(segment.start) || network.offloaded;
-  const uint32_t sum = isPartial ? 0 : SumWords(network.pseudoHead, segment.start.at, Left(segment.start));
-  const char* unchecked = network.offloaded ? "Not Checked - Segmentation Offload"
-                          : isPartial       ? "Not Checked - Partial Capture"
-                          : sum == 0xFFFF   ? nullptr
-                                            : WhyNotCalculated(segment, checksum);
-  segment.isBad = !AddChecksumLine(in, checksum, "Checksum:                ", unchecked, sum, BadChecksum::kWithRight);
-  if (segment.isBad) AppendToLine(in, segment.topLine, "(Bad Checksum)");
-  if (in.view->engine->settings.ignoreChecksums) segment.isBad = false;   // it is told, and that is all
+  const ChecksumFinding found = CheckSegment(segment, checksum);
+  AddChecksumLine(in, checksum, "Checksum:                ", found.unchecked, found.sum, BadChecksum::kWithRight);
+  if (found.isBad) AppendToLine(in, segment.topLine, "(Bad Checksum)");
+  segment.isBad = found.isBad && !in.view->engine->settings.ignoreChecksums;   // it is told, and that is all
+}
+
+// The fields of the fixed header, as far as they are there.
+void ShowHeader(const Place& in, Cursor& c, Segment& segment) {
+  AddPorts(in, c, segment);
+  const Field sequence = TakeU32(c);
+  AddLine(in, sequence, "Sequence number:          %4lu", sequence.value);
+  const Field acknowledgement = TakeU32(c);
+  AddLine(in, acknowledgement, "Acknowledgement:          %4lu", acknowledgement.value);
+  AddFlags(in, c, segment);
+  AddWindow(in, c, segment);
+  AddChecksum(in, c, segment);
+  const Field urgent = TakeU16(c);
+  AddLine(in, urgent, "Urgent Pointer:           %d - %ssignificant", urgent.value, segment.flags & kUrg ? "" : "not ");
+}
+
+// The header where nobody wants its lines, of a segment that has all its bytes.
+void PassHeader(const Place& in, Cursor& c, Segment& segment) {
+  constexpr int32_t kLines = 19;   // under the top line, without options and what is calculated
+  CountLines(in, kLines);
+  if (!(segment.flags & kSyn)) FindWindowScale(in);   // asked in every pass: what a look-up gave may be recorded
+  TakeBytes(c, kChecksum);
+  const Field checksum = TakeU16(c);
+  segment.isBad = !in.view->engine->settings.ignoreChecksums && CheckSegment(segment, checksum).isBad;
+  TakeU16(c);
 }
 
 // What follows from the header: lines over the fields that they are calculated from.
@@ -226,18 +263,9 @@ int32_t DecodeTcpSegment(const Place& at, Cursor c, const NetworkState& network,
   segment.topLine = AddTopLine(at, segment);
 
   const Place in = Under(at, segment.topLine);
-  AddPorts(in, c, segment);
-  const Field sequence = TakeU32(c);
-  AddLine(in, sequence, "Sequence number:          %4lu", sequence.value);
-  const Field acknowledgement = TakeU32(c);
-  AddLine(in, acknowledgement, "Acknowledgement:          %4lu", acknowledgement.value);
-  AddFlags(in, c, segment);
-  AddWindow(in, c, segment);
-  AddChecksum(in, c, segment);
-  const Field urgent = TakeU16(c);
-  AddLine(in, urgent, "Urgent Pointer:           %d - %ssignificant", urgent.value,
-          segment.flags & kUrg ? "" : "not ");
-  if (!urgent.here) return 1;   // the header is cut
+  const bool passes = Silent(at) && Left(c) >= kFixedHeader && !network.fragmented;
+  if (passes) PassHeader(in, c, segment); else ShowHeader(in, c, segment);
+  if (c.ranShort) return 1;   // the header is cut
 
   const int32_t behind = Left(segment.start) - segment.headerLength;
   AddCalculatedLines(in, segment, behind > 0 ? behind : 0);

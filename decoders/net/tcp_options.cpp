@@ -138,7 +138,7 @@ int32_t DecodeTcpOptions(const Place& in, Cursor c, int32_t declared) {
     const Cursor value = TakeCursor(c, fits ? valueLength : 0);   // what of it was captured
 
     const Field option = Ahead(start, Taken(c) - Taken(start));
-    const char* name = LookupName(kShownKinds, kind.value, nullptr);
+    const char* name = Silent(in) ? kUndefined : LookupName(kShownKinds, kind.value, nullptr);
     const Place inOption =
         Under(in, name ? AddLine(in, option, "Option #%u: %s", number, name)
                        : AddLine(in, option, "Option #%u: Type %u = %s", number, kind.value, kUndefined));

@@ -22,6 +22,12 @@ const char* WhyUnchecked(uint32_t stored, const NetworkState& network, bool part
 }
 
 void AddHeaderLines(const Place& in, Cursor& c) {
+  if (Silent(in)) {   // a bad checksum stops nothing
+    constexpr int32_t kLines = 4;
+    CountLines(in, kLines);
+    TakeBytes(c, kHeader);
+    return;
+  }
   const NetworkState& network = PacketOf(in).network;
   const Cursor datagram = c;
   const Field source = TakeU16(c);
@@ -53,7 +59,7 @@ int32_t DecodeUdp(const Place& at, Cursor c) {
   bool matchedSource;
   const int32_t identifier = ResolveProtocol(at.view, kIpProtocolUdp, packet.source, packet.sourcePort,
                                              packet.destination, packet.destinationPort, &matchedSource);
-  const auto name = ProtocolName(at.view, identifier);
+  const auto name = ProtocolName(at.view, Silent(at) ? 0 : identifier);
   const Place in = Under(at, AddLine(at, Ahead(c, kHeader), "UDP%s, [%u] %s -> [%u] %s",
                                      packet.network.fragmented ? " First Fragment" : "", packet.sourcePort,
                                      matchedSource ? name.text : "", packet.destinationPort,

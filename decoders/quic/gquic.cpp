@@ -103,6 +103,7 @@ struct Header {
 
 // What is behind the header: the hash and frames in clear, or what is encrypted.
 void ShowBody(const Place& in, Cursor& c, const Cursor& whole, uint32_t version, bool fromClient, int32_t numberLength) {
+  if (NobodyWants(in)) return static_cast<void>(Rest(c));
   const Field header = PeekBytes(whole, 0, c.offset - whole.offset);
   const Field hash = PeekBytes(c, 0, kHashSize), frames = PeekBytes(c, kHashSize, Left(c) - kHashSize);
   // A cut packet has no hash to hold: what its frames look like tells.

@@ -76,9 +76,8 @@ const RetryKey* RetryKeyOf(uint32_t version) {
   return draft < 29 ? &kRetry25 : draft < 33 ? &kRetry29 : &kRetry1;
 }
 
-bool Expand(const View* view, uint32_t version, HashKind hash, const ByteSpan& secret, const char* label,
-            const char* label2, uint8_t* out, int32_t length) {
-  return HkdfExpandLabel(view, hash, secret, version == kQuicVersion2 ? label2 : label, {nullptr, 0}, out, length);
+bool Expand(const HkdfSecret& secret, uint32_t version, const char* label, const char* label2, uint8_t* out, int32_t length) {
+  return secret.ExpandLabel(version == kQuicVersion2 ? label2 : label, {nullptr, 0}, out, length);
 }
 
 Cipher MaskOf(Cipher cipher) {
@@ -107,13 +106,14 @@ bool MakeQuicKeys(const View* view, uint32_t version, HashKind hash, Cipher ciph
   out.cipher = cipher;
   out.mask = MaskOf(cipher);
   const int32_t size = FormOf(cipher).keySize;
-  return Expand(view, version, hash, secret, "tls13 quic key", "tls13 quicv2 key", out.key, size) &&
-         Expand(view, version, hash, secret, "tls13 quic iv", "tls13 quicv2 iv", out.vector, kNonceSize) &&
-         Expand(view, version, hash, secret, "tls13 quic hp", "tls13 quicv2 hp", out.headerKey, size);
+  const HkdfSecret from(view, hash, secret);
+  return Expand(from, version, "tls13 quic key", "tls13 quicv2 key", out.key, size) &&
+         Expand(from, version, "tls13 quic iv", "tls13 quicv2 iv", out.vector, kNonceSize) &&
+         Expand(from, version, "tls13 quic hp", "tls13 quicv2 hp", out.headerKey, size);
 }
 
 bool UpdateQuicSecret(const View* view, uint32_t version, HashKind hash, const ByteSpan& secret, uint8_t* out) {
-  return Expand(view, version, hash, secret, "tls13 quic ku", "tls13 quicv2 ku", out, secret.length);
+  return Expand({view, hash, secret}, version, "tls13 quic ku", "tls13 quicv2 ku", out, secret.length);
 }
 
 bool MakeInitialKeys(const View* view, uint32_t version, const QuicId& original, bool fromClient, QuicKeys& out) {

@@ -224,7 +224,7 @@ void ShowJa4(const Place& in, const Field& whole, const TlsMessage& message, Hel
 
 void ShowHelloFingerprints(const Place& in, const TlsMessage& message) {
   const Field whole = Ahead(message.body, Left(message.body));
-  if (in.dead) return;
+  if (in.dead || NobodyWants(in)) return;
   HelloNumbers hello{};
   hello.alpn[0] = hello.alpn[1] = '0';
   ReadHello(message.body, message, hello);

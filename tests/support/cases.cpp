@@ -101,7 +101,7 @@ std::vector<DecodeCase> CasesOf(const std::string& name) {
   return cases;
 }
 
-PayloadRun RunPayload(View& view, const Payload& payload) {
+PayloadRun RunPayload(View& view, const Payload& payload, bool isTried) {
   const uint16_t tag = payload.extension.empty() ? 0 : payload.mediaType == 6 ? kExtensionAtm : kExtensionMedium;
   Record record(payload.bytes, payload.mediaType, tag, payload.extension);
   record->linkType = payload.linkType;
@@ -118,9 +118,11 @@ PayloadRun RunPayload(View& view, const Payload& payload) {
   packet.segment = {c.at, payload.overTcp ? c.left : 0, 0, 0, payload.overTcp};
   ForgetOrigins(view.context->origins);   // a frame begins
   const uint64_t before = CountAllocations();
-  payload.row->decode(TopLevel(&view, kFirstLevel), c);
+  const Place at = TopLevel(&view, kFirstLevel);
+  const int32_t result = isTried ? TryDecoder(at, c, payload.row->decode, nullptr) : payload.row->decode(at, c);
   packet.frame = nullptr;
-  return {MostLinesOf(c.left) - packet.linesLeft, CountAllocations() - before};
+  const int32_t lines = MostLinesOf(c.left) - packet.linesLeft;
+  return {lines, CountAllocations() - before, result != 0 || lines > 0};
 }
 
 const DecoderRow* RowNamed(const std::string& name) {

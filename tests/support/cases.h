@@ -40,12 +40,13 @@ std::vector<std::string> CaseFiles();
 std::vector<DecodeCase> CasesOf(const std::string& file);
 
 // Runs the payload's decoder as if the packet carried it, into the view's tree or wherever its mode leads. The payload
-// stands in an allocation of its own size.
+// stands in an allocation of its own size. `isTried`: as others try it, where in silence the loops of plain decoders end at once.
 struct PayloadRun {
   int32_t lines;           // added, or counted in silence
   uint64_t allocations;    // that the decoder made
+  bool takes;              // it did not decline
 };
-PayloadRun RunPayload(View& view, const Payload& payload);
+PayloadRun RunPayload(View& view, const Payload& payload, bool isTried = false);
 
 // Whether libcrypto is here: without it, as under Wine, what is encrypted stays closed.
 bool HasLibcrypto();
