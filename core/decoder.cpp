@@ -141,7 +141,7 @@ int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char
   packet.limitReached = true;
   const int32_t result = Decode(at, c, decode);
   packet.limitReached = reached;
-  if (packet.linesLeft < left) packet.linesLeft = left - 1;   // that it shows something counts, and not how much is left for the end
+  if (packet.linesLeft < left) packet.linesLeft = left - 1;   // that it shows something counts, not how much
   return result;
 }
 

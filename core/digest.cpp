@@ -57,7 +57,8 @@ void MixMd5(uint32_t (&state)[4], const uint8_t* block) {
 inline void MixEight(uint32_t (&v)[8], const uint32_t* words, const uint32_t* constants) {
   const auto round = [&](uint32_t a, uint32_t b, uint32_t c, uint32_t& d, uint32_t e, uint32_t f, uint32_t g, uint32_t& h,
                          int32_t i) {
-    const uint32_t first = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) + (g ^ (e & (f ^ g))) + constants[i] + words[i];
+    const uint32_t first = h + (std::rotr(e, 6) ^ std::rotr(e, 11) ^ std::rotr(e, 25)) + (g ^ (e & (f ^ g))) + constants[i] +
+                           words[i];
     d += first;
     h = first + (std::rotr(a, 2) ^ std::rotr(a, 13) ^ std::rotr(a, 22)) + ((a & b) | (c & (a | b)));
   };

@@ -36,8 +36,8 @@ bool IsEmpty(const AddressSlot& slot) {
   return true;
 }
 
-// Address definitions; a port of 0 stands for any port of the address. The table is read under its lock, which what a record answers
-// does without: replays of several threads would wait for each other. False when none matches.
+// Address definitions; a port of 0 stands for any port of the address. The table is read under its lock, which what a record
+// answers does without: replays of several threads would wait for each other. False when none matches.
 bool ResolveByAddress(const View* view, void* table, const AddressSlot& source, uint16_t sourcePort,
                       const AddressSlot& destination, uint16_t destinationPort, int32_t* identifier,
                       bool* matchedSource) {
@@ -51,8 +51,9 @@ bool ResolveByAddress(const View* view, void* table, const AddressSlot& source, 
     };
     if (lock) lock(host->user, table);
     out->matchedSource = (!IsEmpty(source) && finds(source, 0)) || (sourcePort != 0 && finds(source, sourcePort));
-    const bool found = out->matchedSource || (!IsEmpty(destination) && (finds(destination, 0) ||
-                                                                        (destinationPort != 0 && finds(destination, destinationPort))));
+    const bool isKnown = out->matchedSource != 0;
+    const bool found = isKnown || (!IsEmpty(destination) && (finds(destination, 0) ||
+                                                             (destinationPort != 0 && finds(destination, destinationPort))));
     if (unlock) unlock(host->user, table);
     return found;
   };
