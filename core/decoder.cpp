@@ -33,19 +33,29 @@ LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field,
   return MakePiecesLine(at, parent, field, image, text, pieces, arguments);
 }
 
+namespace {
+
+// Apart from what most lines need where a question leaves them out.
+[[gnu::noinline]] LineHandle MakeFormatted(const Place& at, const Field& field, int32_t image, const char* text,
+                                           const FormatPiece* pieces, const FormatArgument* arguments) {
+  if (LeavesFormatted(at.view, at.parent, text, pieces, arguments)) return CountLeftLine(at.view, at.parent);
+  const LineHandle added = MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
+  NoteFormatted(at.view, added, text, pieces, arguments);
+  return added;
+}
+
+}  // namespace
+
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments) {
   if (!KeepsFacts(at.view)) [[likely]] return MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
   if (OnlyTells(at.view)) return CountSilentLine(at);
   const DecodeContext& context = *at.view->context;
-  if (context.packet.asked && at.parent != kLeftFrameLine) [[unlikely]] {
+  if (context.packet.asked && at.parent != kLeftFrameLine) {
     const bool isPicture = pieces->literalLength == 0 && (arguments->form & 0xFF) == FormatArgument::kBits;
     if (IsKnownToBeLeft(context, text, isPicture)) return CountSilentLine(at);
   }
-  if (LeavesFormatted(at.view, at.parent, text, pieces, arguments)) return CountLeftLine(at.view, at.parent);
-  const LineHandle added = MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
-  NoteFormatted(at.view, added, text, pieces, arguments);
-  return added;
+  return MakeFormatted(at, field, image, text, pieces, arguments);
 }
 
 namespace {

@@ -38,7 +38,12 @@ bool TellsOfFrame(const View* view, LineHandle line) {
 
 // What is known of a protocol: the question is asked once, and anew where two protocols share a place.
 KnownProtocol& KnownProtocolOf(LineQuestion* question, const char* protocol) {
-  KnownProtocol& known = question->protocols[reinterpret_cast<uintptr_t>(protocol) / 4 % 64];
+  const uint64_t mixed = reinterpret_cast<uintptr_t>(protocol) * uint64_t{0x9E3779B97F4A7C15};
+  uint32_t place = static_cast<uint32_t>(mixed >> 58);
+  for (int32_t i = 0; i < 4 && question->protocols[place].protocol && question->protocols[place].protocol != protocol; ++i) {
+    place = (place + 1) % 64;
+  }
+  KnownProtocol& known = question->protocols[place];
   if (known.protocol == protocol) return known;
   known = {protocol, 0, LinesWanted::kAll, false};
   if (protocol) known.wanted = question->ofProtocol(question->with, protocol, &known.first);
@@ -280,8 +285,10 @@ bool IsPartOfNotation(const TextWalk& walk) {
   return between == '-' || between == ':' || between == '.' || between == '/';
 }
 
-// The value that stands behind the label: a number with or without its name, or all that follows as text.
-void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t behind, const FormatArgument* picture) {
+// The value that stands behind the label: a number with or without its name, or all that follows as text, of a line that was made
+// whole and whose label stands in its first literal that text.
+void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t behind, const FormatArgument* picture,
+               const char* made = nullptr, int32_t madeLength = 0) {
   const FormatPiece* piece = walk.piece;
   const bool isWorded = HasWords(walk.text + behind, piece->literalLength - behind);
   if (!IsNone(*piece) && !IsText(*piece) && !isWorded && !IsPartOfNotation(walk)) {
@@ -298,6 +305,10 @@ void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t 
     fact->kind = ValueKind::kNumber;
     fact->number = picture->value >> (width - first - count) & ((uint64_t{1} << count) - 1);
     return;
+  }
+  if (made) {
+    const int32_t label = static_cast<int32_t>(behind);
+    return PutValue(facts, fact, made + label, madeLength - label);
   }
   char value[kMostValue];
   FormatPiece first = *piece;
@@ -355,6 +366,12 @@ void NoteFormatted(View* view, LineHandle line, const char* text, const FormatPi
     case TextStart::kLabel: break;
   }
   TakeLabel(facts, fact, walk, &behind);
+  constexpr int32_t kNeverCut = 256;   // no line of fewer characters was cut
+  char made[kNeverCut + 1];
+  if (walk.piece == pieces) {
+    const int32_t length = view->tree->GetText(line, made, sizeof made);
+    if (length < kNeverCut) return TakeValue(facts, fact, walk, behind, nullptr, made, length);
+  }
   TakeValue(facts, fact, walk, behind, nullptr);
 }
 
@@ -402,6 +419,11 @@ bool IsDecided(View* view, LineHandle parent, KnownProtocol** known, bool* isLef
 bool LeavesLabelOf(LineFacts* facts, const KnownProtocol& known, const LineFact& fact, bool isStart = false) {
   facts->textUsed = static_cast<uint32_t>(fact.label);
   if (fact.labelLength == 0) return false;
+  const char letter = static_cast<char>(facts->text[fact.label] | 0x20);
+  if (letter >= 'a' && letter <= 'z') {
+    const char first[2] = {letter, 0};
+    if (!facts->question->ofLabel(facts->question->with, known.protocol, first, true)) return true;
+  }
   char label[kKeySize];
   FormatKeyLabel(facts->text + fact.label, fact.labelLength, label, sizeof label);
   return !facts->question->ofLabel(facts->question->with, known.protocol, label, isStart);

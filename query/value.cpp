@@ -57,8 +57,16 @@ Quantity QuantityOf(const AskedValue& value) {
   return {};
 }
 
+bool TakeDotted(std::string_view text, uint8_t* out);
+
 NetworkAddress AddressOf(const AskedValue& value) {
   if (value.kind != AskedKind::kText) return {};
+  NetworkAddress dotted;
+  if (TakeDotted(value.text, dotted.bytes.data())) {   // which most are
+    dotted.length = 4;
+    dotted.prefix = 32;
+    return dotted;
+  }
   const NetworkAddress first = ParseNetworkAddress(FirstWord(value.text));
   return first.length ? first : ParseNetworkAddress(InBrackets(value.text));
 }

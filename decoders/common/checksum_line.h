@@ -8,7 +8,7 @@ namespace qxview {
 enum class BadChecksum { kAlone, kWithRight };
 
 // `sum` is of all that the checksum covers, itself included; `unchecked` says why it tells nothing, and is null where it
-// does. Result: false for a bad one.
+// does; `label` is a literal. Result: false for a bad one.
 bool AddChecksumLine(const Place& in, const Field& checksum, const char* label, const char* unchecked, uint32_t sum,
                      BadChecksum form);
 

@@ -109,6 +109,7 @@ void AddFlags(const Place& in, Cursor& c, const Segment& segment) {
   AddBitLine(at, word, "%s : Push function %s", psh.picture, SetOrNotSet(psh.value));
   AddBitLine(at, word, "%s : Reset the connection %s", rst.picture, SetOrNotSet(rst.value));
   AddBitLine(at, word, "%s : Synchronize sequence numbers %s", syn.picture, SetOrNotSet(syn.value));
+  if (LeavesLabel(at.view, at.parent, "Finish", true)) return CountLines(at, 1);   // its text has no label
   const LineHandle last =
       AddBitLine(at, word, "%s : %sore data from sender", fin.picture, fin.value ? "No m" : "Expect m");
   if (KeepsFacts(at.view)) [[unlikely]] LabelLine(at.view, last, "Finish");
