@@ -1,6 +1,6 @@
 // Every frame of the samples damaged where its structure is: cut at every length, every byte and every 16-bit field set to
 // what lengths and counts go wrong with, slices twice. Behind the frame stands a page that cannot be touched. Display mode and
-// the silent pass end alike, within the bounds of lines and time. A test run takes some of the damage; QXVIEW_LONG=1 all.
+// the silent pass end, within the bounds of lines and time. A test run takes some of the damage; QXVIEW_LONG=1 all.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -76,7 +76,8 @@ class Damage : public ::testing::TestWithParam<std::string> {
       left[which] = view.context->packet.linesLeft;
       ASSERT_EQ(view.context->packet.nesting, 0);
     }
-    ASSERT_EQ(left[0], left[1]) << "of the display and the silent pass; packet " << number_;
+    // A silent pass leaves out what is made for lines alone, and counts none of that.
+    ASSERT_LE(left[0], left[1]) << "of the display and the silent pass; packet " << number_;
   }
 
   void DecodeDamaged(const Kept& frame) {
