@@ -56,20 +56,24 @@ int32_t OrderedWriter::Write(Lane& lane, std::string_view bytes) {
   return written ? 1 : 0;
 }
 
-void OrderedWriter::End(Lane& lane) {
-  monitor_.Enter();
+// Leaves what the lane holds to whoever ends the turn in front of it; false when its own has come.
+bool OrderedWriter::LeaveBehind(Lane& lane) {
+  InMonitor inside(monitor_);
   while (turn_ != lane.place && endedBytes_ + lane.held.size() > kMostEnded && !failed_) moved_.Wait();
-  if (turn_ != lane.place) {
-    endedBytes_ += lane.held.size();
-    ended_.emplace(lane.place, std::move(lane.held));
-    lane.held.clear();
-    if (!spare_.empty()) {
-      lane.held.swap(spare_.back());
-      spare_.pop_back();
-    }
-    return monitor_.Leave();
+  if (turn_ == lane.place) return false;
+  const size_t bytes = lane.held.size();
+  ended_.emplace(lane.place, std::move(lane.held));
+  endedBytes_ += bytes;
+  lane.held.clear();
+  if (!spare_.empty()) {
+    lane.held.swap(spare_.back());
+    spare_.pop_back();
   }
-  monitor_.Leave();
+  return true;
+}
+
+void OrderedWriter::End(Lane& lane) {
+  if (LeaveBehind(lane)) return;
   WriteThrough(lane.held);
   Clear(&lane.held);
   for (std::string text;;) {

@@ -15,6 +15,7 @@ class OrderedWriter {
  public:
   // What `out` holds is written in front of it all. `moved` is told when a turn ends, or nothing more is written.
   OrderedWriter(Output& out, Monitor& monitor, News& moved) : out_(out), monitor_(monitor), moved_(moved) {
+    spare_.reserve(kMostSpare);   // so that nothing goes wrong where a turn ends
     out_.Flush();
     failed_ = out_.Failed();
   }
@@ -42,6 +43,7 @@ class OrderedWriter {
   static constexpr size_t kMostHeld = 1u << 20, kMostEnded = 1u << 20;   // then a lane waits for its turn
   static constexpr size_t kMostSpare = 8, kMostSpareSize = 256u << 10;
   int32_t Write(Lane& lane, std::string_view bytes);
+  bool LeaveBehind(Lane& lane);
   static bool Hold(Lane& lane, std::string_view bytes);
   static void Clear(std::string* text);
   bool WriteThrough(std::string_view bytes);

@@ -1,6 +1,7 @@
 #include "app/packet_workers.h"
 
 #include <cstring>
+#include <exception>
 
 namespace qxview {
 namespace {
@@ -104,6 +105,12 @@ bool PacketWorkers::Drain() {
   return !writer_.Failed();
 }
 
+// Where memory has ended in this thread, the turn that it had never ends.
+PacketWorkers::~PacketWorkers() {
+  if (std::uncaught_exceptions() > 0) writer_.Fail();
+  Finish();
+}
+
 bool PacketWorkers::Finish() {
   if (workers_.empty()) return true;
   const bool written = Drain();
@@ -129,16 +136,32 @@ void PacketWorkers::Work(Worker& worker) {
   }
 }
 
+namespace {
+
+class OutsideMonitor {
+ public:
+  explicit OutsideMonitor(Monitor& monitor) : monitor_(monitor) { monitor_.Leave(); }
+  ~OutsideMonitor() { monitor_.Enter(); }
+  OutsideMonitor(const OutsideMonitor&) = delete;
+  OutsideMonitor& operator=(const OutsideMonitor&) = delete;
+
+ private:
+  Monitor& monitor_;
+};
+
+}  // namespace
+
 // Inside the monitor, which is left meanwhile.
 void PacketWorkers::DecodeNext(Worker& worker) {
   Batch* const batch = ready_.front();
   ready_.pop_front();
-  monitor_.Leave();
-  worker.lane.place = batch->place;
-  if (!writer_.Failed() && !DecodeBatch(worker, *batch)) writer_.Fail();
-  worker.out.Flush();
-  writer_.End(worker.lane);
-  monitor_.Enter();
+  {
+    const OutsideMonitor outside(monitor_);
+    worker.lane.place = batch->place;
+    if (!writer_.Failed() && !DecodeBatch(worker, *batch)) writer_.Fail();
+    worker.out.Flush();
+    writer_.End(worker.lane);
+  }
   free_.push_back(batch);
   moved_.Changed();
 }

@@ -21,7 +21,7 @@ class PacketWorkers {
   // The run whose packets they are; what `prepare` makes writes to `out`.
   PacketWorkers(PacketRun& run, Output& out)
       : run_(run), out_(out), moved_(monitor_), writer_(out, monitor_, moved_), work_(monitor_) {}
-  ~PacketWorkers() { Finish(); }
+  ~PacketWorkers();
 
   // So many threads with this one. False when there is no memory, or no thread: then nothing was started.
   bool Start(int32_t count, const PacketRun::Prepare& prepare);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <string_view>
 
 #include "core/dispatch.h"
@@ -67,6 +68,13 @@ bool Probe::MayReadHeadersAlone(const KeyQuery& query) const {
          !view->engine->libraries.handles[0] && !view->engine->crypto;
 }
 
+void Probe::MakeFacts() {
+  if (!facts_) facts_ = CreateFacts();
+  if (!facts_) throw std::bad_alloc();   // no answer would be a wrong one
+}
+
+namespace {
+
 // What a probe changes in a view for one packet is put back, also where memory ends in what is done with the lines.
 class Borrowed {
  public:
@@ -94,6 +102,8 @@ class Borrowed {
   const bool silent_, headersOnly_;
 };
 
+}  // namespace
+
 // Into the tree of its own, with what the caller has put into the facts.
 template <typename Use>
 void Probe::Decode(const FrameRecord* record, const Use& use, bool headersAlone) {
@@ -104,6 +114,7 @@ void Probe::Decode(const FrameRecord* record, const Use& use, bool headersAlone)
   session_.SetOutput(kDisplayMode, nullptr);
   view.context->headersOnly = headersAlone;
   session_.Decode(record);
+  if (tree_.Lines().WasShort()) throw std::bad_alloc();   // an answer without some lines would be a wrong one
   use();
 }
 
@@ -129,7 +140,7 @@ bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
   }
   const auto collect = [&] { query.Collect(session_.Context(), tree_.Lines(), told); };
   if (!query.AsksForLines()) return collect(), true;
-  if (!MakeFacts()) return false;
+  MakeFacts();
   AskFrame(facts_, query.AsksForEveryLine() ? nullptr : QuestionOf(query));
   bool isWhole = false;
   if (MayReadHeadersAlone(query)) {
@@ -146,7 +157,7 @@ bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
 
 bool Probe::ListProtocols(const FrameRecord* record, std::vector<const char*>* protocols) {
   protocols->clear();
-  if (!MakeFacts()) return false;
+  MakeFacts();
   ProtocolPath path{session_.Context().packet, *protocols, {}};
   facts_->tell = NoteProtocol;
   facts_->tellWith = &path;

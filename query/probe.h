@@ -25,7 +25,7 @@ class Probe {
   bool ListProtocols(const FrameRecord* record, std::vector<const char*>* protocols);
 
  private:
-  bool MakeFacts() { return facts_ || (facts_ = CreateFacts()); }
+  void MakeFacts();
   template <typename Use>
   void Decode(const FrameRecord* record, const Use& use, bool headersOnly = false);
   bool MayReadHeadersAlone(const KeyQuery& query) const;
