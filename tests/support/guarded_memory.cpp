@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/asan_interface.h>
+#endif
 #ifdef _WIN32
 #include <windows.h>
 #else
@@ -29,10 +32,25 @@ GuardedMemory::GuardedMemory(size_t most) {
 }
 
 GuardedMemory::~GuardedMemory() {
+#ifdef __SANITIZE_ADDRESS__
+  ASAN_UNPOISON_MEMORY_REGION(begin_, static_cast<size_t>(end_ - begin_));
+#endif
 #ifdef _WIN32
   VirtualFree(begin_, 0, MEM_RELEASE);
 #else
   munmap(begin_, static_cast<size_t>(end_ - begin_) + kPage);
+#endif
+}
+
+uint8_t* GuardedMemory::Room(size_t size) const {
+#ifdef __SANITIZE_ADDRESS__
+  constexpr size_t kRecord = 8;   // what a record's numbers stand at
+  uint8_t* const at = end_ - (size + kRecord - 1) / kRecord * kRecord;
+  ASAN_UNPOISON_MEMORY_REGION(at, size);
+  ASAN_POISON_MEMORY_REGION(at + size, static_cast<size_t>(end_ - at) - size);
+  return at;
+#else
+  return end_ - size;
 #endif
 }
 
