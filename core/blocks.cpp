@@ -62,7 +62,7 @@ Span TrimToRangeFilter(const DecodeContext* context, int32_t offset, int32_t len
   return span;
 }
 
-// A silent pass ends where a shown one does: its rows count towards the frame's bound, too.
+// Rows that nobody wants count towards the frame's bound, too.
 void CountRows(PacketState* packet, int32_t rows) {
   packet->limitReached |= rows > packet->linesLeft;
   packet->linesLeft = rows > packet->linesLeft ? 0 : packet->linesLeft - rows;

@@ -72,6 +72,40 @@ TEST(Bounds, OfLinesGrowWithTheFrameAndAreTold) {
   EXPECT_EQ(MostLinesOf(INT32_MAX), kMostLines);
 }
 
+// Headers are passed over at once where nobody wants their lines: they count as many as are shown.
+TEST(Bounds, AreReachedInSilenceByHeadersAsInDisplay) {
+  TestHost hosts[2];
+  TestView shown(&hosts[0]), silent(&hosts[1]);
+  silent.context().outputMode = kFindMode;
+  silent.context().silent = true;
+  int32_t count = 0, ofVersion6 = 0;
+  const auto compare = [&](const FrameRecord* record) {
+    ClearDecodeTree(&shown.view(), shown.view().tree, true);
+    for (TestView* view : {&shown, &silent}) DecodeFrame(&view->view(), record, 0, 0, 0);
+    ASSERT_EQ(silent.context().packet.linesLeft, shown.context().packet.linesLeft) << shown.Text();
+    ++count;
+  };
+  // Segments without a payload.
+  for (const std::string& sample : Samples()) {
+    ForEachRecord(sample, [&](const FrameRecord* record) {
+      const uint8_t* frame = FrameData(record);
+      const int32_t size = record->capturedLength;
+      if (record->mediaType != 0 || size < 54) return;
+      const bool is6 = frame[12] == 0x86 && frame[13] == 0xDD && frame[20] == 6;
+      const bool is4 = frame[12] == 8 && frame[13] == 0 && frame[23] == 6;
+      const int32_t header = is6 ? 40 : 4 * (frame[14] & 15);
+      const int32_t length = is6 ? 40 + (frame[18] << 8 | frame[19]) : frame[16] << 8 | frame[17];
+      if ((!is4 && !is6) || size < 14 + length || header + 20 > length || header + 4 * (frame[14 + header + 12] >> 4) != length) return;
+      ofVersion6 += is6;
+      compare(record);
+    });
+  }
+  EXPECT_GT(count, 500);
+  EXPECT_GT(ofVersion6, 10);
+  compare(Record(Ethernet(0x0800, IPv4(17, Udp(9, 9, {})))).get());
+  compare(Record(Ethernet(0x86DD, IPv6(17, Udp(9, 9, Bytes(40, 'x'))))).get());
+}
+
 TEST(Bounds, OfTextsAndDumps) {
   TestView view;
   const std::string word(5000, 'w');

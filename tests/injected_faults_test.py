@@ -61,6 +61,14 @@ class Faults(unittest.TestCase):
             return range(1, count + 1)
         return sorted({1 + round(i * (count - 1) / (TRIED_ALLOCATIONS - 1)) for i in range(TRIED_ALLOCATIONS)})
 
+    def faults_of(self, good, expected_calls):
+        """What is tried of a run that went well: every call once in every way, all of a kind cut short, and allocations."""
+        for call in expected_calls:
+            self.assertGreater(good.calls[call], 0, f"{call} was never called: nothing would be tried")
+        faults = [(call, at, how) for call in expected_calls for at in range(1, good.calls[call] + 1) for how in ERRORS[call]]
+        faults += [(call, -1, how) for call in ("write", "read") for how in ("short", "EINTR")]
+        return faults + [("allocate", at, "ENOMEM") for at in self.places(good.calls["allocate"])]
+
     def put_back(self, out, old):
         for name in os.listdir(self.place):
             os.remove(os.path.join(self.place, name))
@@ -75,7 +83,7 @@ class Faults(unittest.TestCase):
             for line in run.words.splitlines():
                 self.assertTrue(line.startswith("qxview: "), (what, run.words))
 
-    def check_writing(self, arguments, name, old, expected_calls=WHOLE_FILE, allocations=True):
+    def check_writing(self, arguments, name, old, expected_calls=WHOLE_FILE):
         """Every call of a command that writes the file `name`: what was there stays, or what is new is whole."""
         out = os.path.join(self.place, name)
         arguments = [argument if argument != "OUT" else out for argument in arguments]
@@ -84,13 +92,7 @@ class Faults(unittest.TestCase):
         self.assertEqual((good.status, good.words), (0, ""))
         new = self.read(out)
         self.assertNotEqual(new, old)
-        for call in expected_calls:
-            self.assertGreater(good.calls[call], 0, f"{call} was never called: nothing would be tried")
-        faults = [(call, at, how) for call in expected_calls for at in range(1, good.calls[call] + 1) for how in ERRORS[call]]
-        faults += [("write", -1, how) for how in ("short", "EINTR")] + [("read", -1, how) for how in ("short", "EINTR")]
-        if allocations:
-            faults += [("allocate", at, "ENOMEM") for at in self.places(good.calls["allocate"])]
-        for call, at, how in faults:
+        for call, at, how in self.faults_of(good, expected_calls):
             with self.subTest(call=call, at=at, how=how):
                 self.put_back(out, old)
                 run = Run(self.folder, arguments, call, at, how)
@@ -164,12 +166,7 @@ class Faults(unittest.TestCase):
         new, whole = self.content(out), Run(self.folder, ["list", out]).output
         self.assertTrue(whole.startswith(listed) and len(whole) > len(listed))
         expected = ("write", "read", "open", "fsync")
-        for call in expected:
-            self.assertGreater(good.calls[call], 0, f"{call} was never called: nothing would be tried")
-        faults = [(call, at, how) for call in expected for at in range(1, good.calls[call] + 1) for how in ERRORS[call]]
-        faults += [("allocate", at, "ENOMEM") for at in self.places(good.calls["allocate"])]
-        faults += [("write", -1, "short"), ("read", -1, "short"), ("write", -1, "EINTR")]
-        for call, at, how in faults:
+        for call, at, how in self.faults_of(good, expected):
             with self.subTest(call=call, at=at, how=how):
                 self.put_back(out, old)
                 run = Run(self.folder, arguments, call, at, how)

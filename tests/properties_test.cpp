@@ -1,6 +1,6 @@
 // What holds for every decoder of the registry and any input: no read outside the bytes (each input has an allocation
 // of its exact size, so a sanitizer sees one), every range inside them but for stated ones, the same lines in print as
-// in display mode and as many in a silent pass, no allocation, and bounds of lines, nesting and time. The inputs are
+// in display mode and no more in a silent pass, no allocation, and bounds of lines, nesting and time. The inputs are
 // payloads of the samples and of tests/cases: cut at every length and with damaged bytes; and random bytes.
 #include <algorithm>
 #include <chrono>
