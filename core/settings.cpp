@@ -64,7 +64,7 @@ int32_t ReadSettings(Settings* settings, const SettingsSource& source) {
   settings->rangeFilterOn = read.Number("RangeFilterOn", 0) != 0;
   settings->rangeFilterStart = static_cast<int32_t>(read.Number("RangeFilterStart", 0));
   settings->rangeFilterLength = static_cast<int32_t>(read.Number("RangeFilterLength", 0));
-  char library[sizeof settings->externalDecoder + 1];
+  char library[sizeof settings->externalDecoder + 1] = "";   // a short name must not leave what stood here in the last place
   const bool whole = read.Text("ExternalDecoder", library, sizeof library) && !library[sizeof library - 2];
   if (whole) CopyString(settings->externalDecoder, sizeof settings->externalDecoder, library);
   settings->externalDecoderPort = static_cast<uint16_t>(read.Number("ExternalDecoderPort", 0));

@@ -153,6 +153,24 @@ TEST_F(CustomLibraryHooks, NamesAreTakenWholeAndInsideTheirFolder) {
   }
 }
 
+// Fills what the next call will have as its stack.
+[[gnu::noinline]] void DirtyStack() {
+  volatile char bytes[16384];
+  for (volatile char& each : bytes) each = 'x';
+}
+
+TEST(ExternalDecoderSetting, IsReadWhateverTheStackHeld) {
+  const SettingsSource source{nullptr, [](void*, const char* name, char* out, int32_t outSize) {
+    if (std::strcmp(name, "ExternalDecoder") != 0) return 0;
+    std::snprintf(out, static_cast<size_t>(outSize), "short.so");
+    return 1;
+  }};
+  Settings settings;
+  DirtyStack();
+  ReadSettings(&settings, source);
+  EXPECT_STREQ(settings.externalDecoder, "short.so");
+}
+
 TEST_F(CustomLibraryHooks, RangeTableGrownByALibraryIsTheModules) {
   Load({{"CustomLibrary0", "recorder_a" QXVIEW_PLUGIN_SUFFIX}});
   const Bytes frame = Hex("AA") + Bytes(59);
