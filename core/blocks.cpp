@@ -13,7 +13,6 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kRowBytes = 16;
-constexpr int32_t kMostDumped = 32768;
 constexpr int32_t kCharacterColumn = 58;   // counted from 0
 constexpr int32_t kRowSize = kCharacterColumn + kRowBytes + 1;
 

@@ -9,7 +9,6 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kFirstBlock = 64 << 10;
-constexpr int32_t kMostRegions = 4096;
 constexpr int32_t kRegionsEnd = 1 << 26;   // ranges hold 27 bits of a signed offset
 
 struct Region {

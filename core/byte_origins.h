@@ -5,6 +5,7 @@
 #pragma once
 #include <cstdint>
 
+#include "core/budgets.h"
 #include "core/byte_range.h"
 #include "core/cursor.h"
 
@@ -21,7 +22,6 @@ struct BytePiece {
 };
 
 // Bytes that are good until the next frame is decoded; null for none, without memory, and past the frame's bound.
-constexpr int32_t kMostFrameMemory = 8 << 20;
 uint8_t* TakeFrameMemory(View* view, int64_t size);
 
 // A cursor over bytes that these pieces brought, in their order; what the current packet brought has its place in the

@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 
+#include "core/budgets.h"
 #include "core/byte_range.h"
 #include "core/frame_record.h"
 #include "qxview/qxview_types.h"
@@ -30,16 +31,6 @@ constexpr LineHandle kLineOutsideDisplay = 1000;
 
 // The frame's own line where a question leaves it out: what is added under it tells of the frame all the same.
 constexpr LineHandle kLeftFrameLine = 1001;
-
-// The bounds of one frame. Nesting counts every decoder call that a decoder makes on carried data.
-constexpr int32_t kMostNesting = 64;
-constexpr int32_t kMostLines = 1000000;
-
-// The lines that a frame of this many bytes may have, so that output stays linear in input whatever the bytes say.
-constexpr int32_t MostLinesOf(int32_t capturedLength) {
-  const int64_t lines = 10000 + int64_t{16} * capturedLength;
-  return lines < kMostLines ? static_cast<int32_t>(lines) : kMostLines;
-}
 
 // How the current frame's network layer carries its transport: set by IPv4 and IPv6 for TCP, UDP and SCTP. Of tunnelled
 // datagrams it is the innermost one's, as are the addresses and ports below.

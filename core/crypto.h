@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <initializer_list>
 
+#include "core/budgets.h"
 #include "core/cursor.h"
 #include "core/digest.h"
 
@@ -108,7 +109,6 @@ class OpenedBytes {
   Engine* engine_;
   int32_t size_ = 0;
 };
-constexpr int32_t kMostOpened = 512 * 1024;   // at once, of data within data
 
 // What an engine keeps for all this; made at the first use.
 struct Crypto;

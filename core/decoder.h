@@ -21,9 +21,6 @@
 
 namespace qxview {
 
-constexpr int32_t kLineSize = 512;        // the buffer that lines are formatted in
-constexpr int32_t kShortLineSize = 300;   // the one of decoders that have always used the smaller buffer
-
 // Where lines go: under `parent`, with the image of `level`.
 struct Place {
   View* view;

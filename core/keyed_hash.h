@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <cstring>
 
-namespace qxview {
+#include "core/budgets.h"
 
-constexpr uint32_t kMostKeySize = 96;
+namespace qxview {
 
 struct HashSecret {
   uint32_t words[kMostKeySize / sizeof(uint32_t)];

@@ -12,8 +12,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostJoinedText = 300;
-
 bool InDisplay(const View* view, const DecodeTree* tree) {
   return view && view->context && tree && view->context->outputMode == kDisplayMode;
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/budgets.h"
 #include "core/keyed_hash.h"
 
 namespace qxview {
@@ -31,7 +32,6 @@ struct StateRow {
   uint16_t valueSize;   // at most kMostValueSize
   StateBounds bounds;   // without keys the host keeps this state, and it is recorded alone
 };
-constexpr uint32_t kMostValueSize = 512;
 
 struct StateBytes {
   const uint8_t* data;

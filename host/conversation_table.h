@@ -1,6 +1,7 @@
 // What detection learnt: which address and port carry which protocol. Bounded: a capture of any length keeps the most
 // recently learnt ends, the oldest make room.
 #pragma once
+#include "core/budgets.h"
 #include "host/hash_key.h"
 #include "host/state.h"
 #include "qxview/qxview_host.h"
@@ -15,8 +16,7 @@ struct LearntProtocol {
 // The ends of one transport. Does not lock.
 class ConversationTable {
  public:
-  static constexpr uint32_t kCapacity = 65536;
-  explicit ConversationTable(uint32_t capacity = kCapacity)
+  explicit ConversationTable(uint32_t capacity = kMostConversations)
       : state_({"learnt ends", sizeof(HashKey), sizeof(LearntProtocol), {.mostKeys = capacity}}) {}
 
   // Stores the end as the newest, over what was known of it. Port 0 is refused, since in a definition it would claim

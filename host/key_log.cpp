@@ -3,14 +3,13 @@
 #include <array>
 #include <vector>
 
+#include "core/budgets.h"
 #include "core/tls_secrets.h"
 #include "files/byte_source.h"
 #include "host/text.h"
 
 namespace qxview {
 namespace {
-
-constexpr size_t kMostLine = 4096;
 
 struct LogLabel {
   const char* name;
@@ -83,7 +82,7 @@ void KeyLog::TakeLine() {
   ++lines_;
   const bool isTooLong = isTooLong_;
   isTooLong_ = false;
-  if (isTooLong) return Blame("is longer than " + std::to_string(kMostLine) + " bytes");
+  if (isTooLong) return Blame("is longer than " + std::to_string(kMostKeyLogLine) + " bytes");
   const std::vector<std::string_view> words = WordsOf(line_);
   if (words.empty() || words[0][0] == '#') return;
   for (const LogLabel& label : kLabels) {
@@ -108,7 +107,7 @@ void KeyLog::Take(std::string_view piece) {
   while (!piece.empty()) {
     const size_t end = piece.find('\n');
     const std::string_view part = piece.substr(0, end);
-    isTooLong_ = isTooLong_ || line_.size() + part.size() > kMostLine;
+    isTooLong_ = isTooLong_ || line_.size() + part.size() > kMostKeyLogLine;
     if (!isTooLong_) line_ += part;
     if (end == std::string_view::npos) return;
     TakeLine();

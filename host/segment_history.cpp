@@ -19,7 +19,7 @@ HashKey KeyOf(const AddressSlot& source, uint16_t sourcePort, const AddressSlot&
 
 SegmentHistory::SegmentHistory(uint32_t mostMemory)
     : state_({"TCP segments", sizeof(HashKey), sizeof(KeptSegment),
-              {.mostKeys = kMostConnections, .depth = kMostSegments, .mostBytes = mostMemory}}) {}
+              {.mostKeys = kMostConnections, .depth = kMostHistorySegments, .mostBytes = mostMemory}}) {}
 
 void SegmentHistory::Record(const AddressSlot& source, uint16_t sourcePort, const AddressSlot& destination,
                             uint16_t destinationPort, const TcpSegment& segment, int64_t packetNumber) noexcept {

@@ -1,5 +1,6 @@
 // The last data segments of each TCP connection and direction, for decoders whose messages span segments.
 #pragma once
+#include "core/budgets.h"
 #include "core/context.h"
 #include "host/state.h"
 #include "qxview/qxview_host.h"
@@ -8,10 +9,7 @@ namespace qxview {
 
 class SegmentHistory {
  public:
-  static constexpr size_t kMostSegments = 101;            // of one connection and direction: a message's start and 100
-  static constexpr uint32_t kMostMemory = 10u << 20;      // bytes in all, bookkeeping included
-
-  explicit SegmentHistory(uint32_t mostMemory = kMostMemory);
+  explicit SegmentHistory(uint32_t mostMemory = kMostHistoryMemory);
 
   // Keeps a copy of the segment's payload, after its frame was decoded. Segments without data are passed over;
   // retransmissions are kept as they came. Past the memory bound, the connections that were silent longest are

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/budgets.h"
 #include "host/text.h"
 
 namespace qxview {
 namespace {
-
-constexpr size_t kMostExpression = 16384;
-constexpr int32_t kMostBrackets = 200;
 
 enum class TokenKind : uint8_t {
   kEnd, kWord, kText, kComparison, kAnd, kOr, kNot, kIn, kOpen, kClose, kOpenSet, kCloseSet, kComma, kTo

@@ -5,14 +5,13 @@
 #include <cstring>
 #include <optional>
 
+#include "core/budgets.h"
 #include "core/characters.h"
 #include "host/alias_table.h"
 #include "host/text.h"
 
 namespace qxview {
 namespace {
-
-constexpr size_t kMostPattern = 1024;   // characters
 
 // Less than, equal to or greater than zero; nothing where the two have no order.
 using Order = std::optional<int>;

@@ -1,4 +1,4 @@
-// The bounds of docs/architecture.md that hold for every decoder, each reached and kept: nesting, lines, texts, dumps, bytes that
+// The bounds of core/budgets.h that hold for every decoder, each reached and kept: nesting, lines, texts, dumps, bytes that
 // are joined for a frame, and every table of state between frames. Those of one protocol are reached in its own tests.
 #include "core/byte_origins.h"
 #include "core/engine.h"
@@ -10,11 +10,7 @@
 namespace qxview::testing {
 namespace {
 
-// What is asked of the bounds, in one place; a decoder's own stands with it.
-constexpr int32_t kDumpedBytes = 32768;
 constexpr int32_t kBytesOfARow = 16;
-constexpr size_t kMostTextOfALine = 512;
-constexpr int32_t kMostRegions = 4096;
 
 int32_t DeepestOf(View& view, LineHandle line, int32_t depth) {
   int32_t deepest = depth;
@@ -110,18 +106,18 @@ TEST(Bounds, OfTextsAndDumps) {
   TestView view;
   const std::string word(5000, 'w');
   const Place at = TopLevel(&view.view(), kFirstLevel);
-  const Bytes bytes(kDumpedBytes + 100, 'b');
+  const Bytes bytes(kMostDumped + 100, 'b');
   Cursor c = MakeCursor(bytes.data(), 0, static_cast<int32_t>(bytes.size()));
   const Field all = Ahead(c, Left(c));
   view.context().packet.linesLeft = kMostLines;
   const LineHandle line = AddLine(at, all, "Text: %s", word.c_str());
-  EXPECT_LT(view.LineText(line).size(), kMostTextOfALine);
-  EXPECT_GT(view.LineText(line).size(), kMostTextOfALine / 2);
+  EXPECT_LT(view.LineText(line).size(), size_t{kLineSize});
+  EXPECT_GT(view.LineText(line).size(), kMostJoinedText / 2u);
   for (int i = 0; i < 5; ++i) AppendToLine(at, line, " and %s", word.c_str());
-  EXPECT_LT(view.LineText(line).size(), kMostTextOfALine);
+  EXPECT_LT(view.LineText(line).size(), size_t{kLineSize});
   const uint32_t before = view.context().rangeCount;
   AddBlock(Under(at, line), all, "Dump");
-  EXPECT_EQ(view.context().rangeCount - before, 1u + kDumpedBytes / kBytesOfARow);
+  EXPECT_EQ(view.context().rangeCount - before, 1u + kMostDumped / kBytesOfARow);
 }
 
 TEST(Bounds, OfMemoryAndRegionsOfAFrame) {

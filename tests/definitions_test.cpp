@@ -205,7 +205,7 @@ TEST(Definitions, LearntEndsAnswerBehindTheUsersWord) {
 TEST(Definitions, AMillionConversationsStayInsideTheBound) {
   ProtocolDefinitions definitions;
   constexpr uint32_t kMany = 1000000;
-  const uint32_t kept = ConversationTable::kCapacity;
+  const uint32_t kept = kMostConversations;
   for (uint32_t i = 0; i < kMany; ++i) {
     const AddressSlot host = V4(i / 8);
     definitions.Learn(QX_OVER_UDP, 0x2050059, &host, static_cast<uint16_t>(1 + i % 8), nullptr);

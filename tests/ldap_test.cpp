@@ -35,7 +35,7 @@ std::string Outline(const Bytes& payload, uint8_t ipProtocol = 0) {
   view.Decode({});
   view.tree().Clear();
   view.context().packet.ipProtocol = ipProtocol;
-  view.context().packet.linesLeft = kMostLines;
+  view.context().packet.linesLeft = 4 * kMostLines;   // the payload's own bounds come first
   const Bytes exact(payload);
   DecodeLdap(TopLevel(&view.view(), 5), MakeCursor(exact.data(), 0, static_cast<int32_t>(exact.size())));
   const std::string tree = view.Text();

@@ -5,7 +5,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kDeepest = 16;
 constexpr int32_t kMostTraits = 32;
 
 enum Amf0Marker : uint32_t {
@@ -95,7 +94,7 @@ void ShowContents(const Place& in, Cursor& c, uint32_t marker, int32_t depth) {
 
 void ShowAmf0(const Place& in, Cursor& c, int32_t depth) {
   const Cursor start = c;
-  if (depth > kDeepest) return (void)AddBlock(in, Rest(c), "Nested Values");
+  if (depth > kDeepestAmf) return (void)AddBlock(in, Rest(c), "Nested Values");
   const Field marker = TakeU8(c);
   if (!marker.here) return;
   const LineHandle line = AddLine(in, marker, "Value: %s", LookupName(kAmf0Names, marker.value));
@@ -262,7 +261,7 @@ void ShowContents3(Amf3Walk& walk, const Place& in, Cursor& c, uint32_t marker, 
 
 void ShowAmf3(Amf3Walk& walk, const Place& in, Cursor& c, int32_t depth) {
   const Cursor start = c;
-  if (depth > kDeepest) return (void)AddBlock(in, Rest(c), "Nested Values");
+  if (depth > kDeepestAmf) return (void)AddBlock(in, Rest(c), "Nested Values");
   const Field marker = TakeU8(c);
   if (!marker.here) return;
   const LineHandle line = AddLine(in, marker, "Value: %s", LookupName(kAmf3Names, marker.value));

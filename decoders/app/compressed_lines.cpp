@@ -5,7 +5,7 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kWindow = 32768, kMostPending = 65536;
+constexpr uint32_t kWindow = 32768;
 constexpr int32_t kMarkSize = 4;
 
 struct Run : DirectionRun<RequestKey, CompressedDirection> {};
@@ -57,7 +57,7 @@ void ShowRun(const Place& in, Cursor& c, Run& run, void (*decode)(const Place& i
   const StateBytes window{run.now.data, side.window};
   const int32_t size = static_cast<int32_t>(pending) + whole.length;
   uint8_t* const bytes = TakeFrameMemory(in.view, size);
-  if (!bytes || pending > kMostPending) return Lose(in, c, run);
+  if (!bytes || pending > kMostCompressedPending) return Lose(in, c, run);
   if (pending) std::memcpy(bytes, run.now.data + side.window, pending);
   std::memcpy(bytes + pending, whole.bytes, static_cast<size_t>(whole.length));
   const Field all{bytes, whole.offset, size, 0, true};

@@ -79,7 +79,7 @@ void ShowEach(const Place& in, Cursor& c, RowSpan<Message> rows, Message& messag
 }
 
 void ShowAttributes(const Place& in, Cursor& c, int32_t depth, Message& message) {
-  constexpr int32_t kDeepest = 4, kHead = 2;
+  constexpr int32_t kHead = 2;
   Loop loop;
   while (Left(c) >= kHead && MoreAt(in, c, loop)) {
     const uint32_t type = PeekU8(c) >> 1, length = PeekU8(c, 1);
@@ -108,7 +108,7 @@ void ShowAttributes(const Place& in, Cursor& c, int32_t depth, Message& message)
       case 17:
       case 18:
         ShowRows<Message>(under, value, kIdentifier, message);
-        if (depth < kDeepest) ShowAttributes(under, value, depth + 1, message);
+        if (depth < kDeepestConferencing) ShowAttributes(under, value, depth + 1, message);
         break;
       default: break;
     }

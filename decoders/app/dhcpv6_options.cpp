@@ -8,7 +8,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostDepth = 24;   // options in options, relayed messages among them
 constexpr uint32_t kCableLabs = 4491;
 
 constexpr auto kStatusNames = SortedNames({
@@ -137,7 +136,7 @@ void ShowOptionCodes(const Place& in, Cursor& c, DhcpMessage& message) {
 }
 
 void ShowRelayedMessage(const Place& in, Cursor& c, DhcpMessage& message) {
-  if (message.depth >= kMostDepth || !Left(c)) return;
+  if (message.depth >= kDeepestDhcpv6 || !Left(c)) return;
   ++message.depth;
   ShowDhcpv6Message(in, c, message);
   --message.depth;
@@ -323,7 +322,7 @@ const char* Dhcpv6OptionName(uint32_t code) {
 }
 
 void ShowDhcpv6Options(const Place& in, Cursor& c, DhcpMessage& message) {
-  if (message.depth >= kMostDepth) return;
+  if (message.depth >= kDeepestDhcpv6) return;
   ++message.depth;
   ShowElements(in, c, kDhcpWideForm, "Option", kOptions, message, "Unassigned");
   --message.depth;

@@ -14,7 +14,6 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kHeaderSize = 20, kAvpHeaderSize = 8;
-constexpr int32_t kMostDepth = 12;           // of groups in groups
 constexpr uint32_t kNtpTo1970 = 2208988800u;
 constexpr uint32_t kVendor3gpp = 10415;
 constexpr uint32_t kResultCode = 268, kExperimentalResult = 298, kEapPayload = 462;
@@ -191,7 +190,7 @@ void ShowValue(const Place& in, Cursor& c, uint32_t vendor, uint32_t code, const
   const SpecialAvp* special = Left(c) == 4 ? FindSpecial(vendor, code) : nullptr;
   if (special) {
     ShowRows<Diameter>(in, c, special->rows, out, name);
-  } else if (type == AvpType::kGrouped && depth < kMostDepth) {
+  } else if (type == AvpType::kGrouped && depth < kDeepestDiameter) {
     ShowAvps(in, c, depth + 1);
   } else if (type == AvpType::kAddress && Left(c) >= 2) {
     AddAddress(in, c, name);

@@ -21,13 +21,6 @@ enum DnsVariant : int32_t { kDnsStandard = 0, kDnsLinkLocal = 1, kDnsMulticast =
 constexpr int32_t kDnsHeaderSize = 12;
 constexpr int32_t kDnsNameSize = 300;   // an expanded name, terminator included
 
-// The bounds of one payload. Labels and pointers read behind a pointer are hops, and all expansions of a payload's
-// messages share them: a chain of pointers may be thousands long and every record may point at its end. Names past the
-// bound stay as far as they were expanded.
-constexpr int32_t kMostDnsNameHops = 500000;
-// A failed update message is stepped over where a failed standard one ends the payload; each may dump all the rest.
-constexpr int32_t kMostFailedDnsUpdates = 16;
-
 using DnsNameText = ShortText<kDnsNameSize>;
 
 enum DnsType : uint32_t {

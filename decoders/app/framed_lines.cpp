@@ -7,8 +7,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostDepth = 8;
-
 constexpr auto kDictCodes = SortedNames({
     {110, "Databases Present"}, {111, "Strategies Available"}, {112, "Database Information Follows"},
     {113, "Help Text Follows"}, {114, "Server Information Follows"}, {130, "Challenge Follows"},
@@ -45,7 +43,7 @@ void ShowSvnItems(const Place& in, Cursor& c, int32_t depth) {
       TakeBytes(c, 1);
       const LineHandle title = AddLine(in, Ahead(before, Left(before)), "List");
       const Place under = Under(in, title);
-      if (depth < kMostDepth) ShowSvnItems(under, c, depth + 1);
+      if (depth < kDeepestSubversion) ShowSvnItems(under, c, depth + 1);
       else AddBlock(under, Rest(c), "Lists nest too deeply to be shown");
       SkipSpace(c);
       if (PeekU8(c) == ')') TakeBytes(c, 1);

@@ -17,7 +17,6 @@ constexpr StaticField kStatic[] = {
 constexpr uint64_t kStaticCount = sizeof kStatic / sizeof kStatic[0];
 static_assert(kStaticCount == 61);
 
-constexpr int32_t kMostFieldKept = 64 << 10;   // of a field that goes on in a CONTINUATION
 constexpr uint32_t kContinuation = 9, kEndHeaders = 0x04;
 constexpr uint32_t kOfHttp2 = 0xFFFFFFFF;   // sets the entries apart from those of HTTP/3
 

@@ -16,7 +16,6 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kHeadSize = 9, kPrefaceSize = 24;
-constexpr int32_t kMostKeptFrame = 24 << 10;   // longer ones are shown as they come
 constexpr uint32_t kData = 0;
 constexpr char kPreface[] = "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n";
 

@@ -18,8 +18,6 @@ int32_t DecodeIpp(const Place& at, Cursor c);
 
 namespace {
 
-constexpr int32_t kMostJoinedChunks = 256;
-
 // RFC 8484: a message as over UDP, without the length that TCP has in front.
 int32_t DecodeCarriedDns(const Place& at, Cursor c) {
   constexpr int32_t kUdp = 17;

@@ -14,7 +14,6 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kMostHeaderCopied = 80000;   // of a member header that stands in more than one segment
-constexpr int32_t kMostBodies = 4;             // kept inflated, of messages that arrive at the same time
 
 // A body as far as it was inflated. Each segment shows it from its start: what was inflated is kept, and goes on with
 // the bytes that came. The stream's memory is the arena, so that it can be left at any time.
@@ -38,7 +37,7 @@ struct InflatedBody {
 
 // What inflation works with: made once an engine, so that few decodings allocate.
 struct HttpInflater {
-  InflatedBody* bodies[kMostBodies];
+  InflatedBody* bodies[kMostInflatedBodies];
   InflatedBody* whole;                // what a frame has whole is inflated here
   uint32_t uses;
   uint8_t header[kMostHeaderCopied];

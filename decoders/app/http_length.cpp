@@ -9,8 +9,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostFirstLine = 16 << 10, kMostHeaders = 256 << 10, kMostChunkLine = 4 << 10;
-
 // What headers say of the body's length.
 struct Framing {
   int64_t length;   // -1 for none
@@ -84,7 +82,7 @@ int32_t LengthWithBody(const Cursor& body, int64_t headers, const Framing& frami
 bool HasFirstLine(const Cursor& c, int32_t* said) {
   if (FindLineEnd(c) >= 0) return true;
   const bool isLetter = LowerOf(PeekU8(c)) >= 'a' && LowerOf(PeekU8(c)) <= 'z';
-  *said = !isLetter || Left(c) > kMostFirstLine ? kNoMessage : 0;
+  *said = !isLetter || Left(c) > kMostHttpFirstLine ? kNoMessage : 0;
   return false;
 }
 
@@ -95,17 +93,17 @@ int32_t LengthOfHttpChunks(Cursor c, int64_t before) {
   const int32_t start = c.offset;
   for (Loop loop; More(c, loop);) {
     const int32_t end = FindLineEnd(c);
-    if (end < 0) return Left(c) > kMostChunkLine ? kNoMessage : 0;
+    if (end < 0) return Left(c) > kMostHttpChunkLine ? kNoMessage : 0;
     const HttpChunkSize chunk = ReadChunkSize(c.at, end);
     if (!chunk.valid) return kNoMessage;
     TakeBytes(c, end + 2);
     if (chunk.size == 0) {
       Framing none;
-      if (!TakeHeaders(c, &none)) return Left(c) > kMostHeaders ? kNoMessage : 0;
+      if (!TakeHeaders(c, &none)) return Left(c) > kMostHttpHeaders ? kNoMessage : 0;
       return static_cast<int32_t>(before + c.offset - start);
     }
     const int64_t lacks = int64_t{chunk.size} + 2 - Left(c);
-    if (lacks > kMostHeaders * int64_t{4096}) return kNoMessage;
+    if (lacks > kMostHttpHeaders * int64_t{4096}) return kNoMessage;
     TakeBytes(c, int64_t{chunk.size} + 2);
     if (c.ranShort) return 0;
   }
@@ -121,7 +119,7 @@ int32_t LengthOfHttp(const Cursor& c) {
   Cursor body = c;
   TakeBytes(body, first.taken);
   Framing framing;
-  if (!TakeHeaders(body, &framing)) return Left(c) > kMostHeaders ? kNoMessage : 0;
+  if (!TakeHeaders(body, &framing)) return Left(c) > kMostHttpHeaders ? kNoMessage : 0;
   const int32_t headers = body.offset - c.offset;
   if (first.kind == kHttpRequest) return LengthWithBody(body, headers, framing, headers);
   return HasNoBody(c, first, body) ? headers : LengthWithBody(body, headers, framing, kMessageToTheEnd);
@@ -141,7 +139,7 @@ int32_t LengthOfSip(const Cursor& c) {
   }
   Framing framing;
   if (!named) return kNoMessage;
-  if (!TakeHeaders(body, &framing)) return Left(c) > kMostHeaders ? kNoMessage : 0;
+  if (!TakeHeaders(body, &framing)) return Left(c) > kMostHttpHeaders ? kNoMessage : 0;
   return LengthWithBody(body, body.offset - c.offset, framing, body.offset - c.offset);
 }
 

@@ -8,8 +8,6 @@
 namespace qxview {
 
 // The bounds of one payload's decoding.
-constexpr int32_t kMostEarlierSegments = 100;    // searched for a message's headers
-constexpr int32_t kInflatedSize = 900000;        // bytes that a compressed body is inflated to at most
 constexpr int32_t kMostFirstLineShown = 300;
 constexpr int32_t kMostTextLineShown = 200;
 constexpr int32_t kMostInflatedLineShown = 199;

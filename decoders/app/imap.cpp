@@ -76,7 +76,6 @@ int32_t EndOfWord(const Field& text, int32_t from) {
 
 // Numbers, names, texts and lists of them (RFC 9051 4).
 void ShowValues(const Place& in, const Field& text, int32_t depth) {
-  constexpr int32_t kMostDepth = 8;
   for (int32_t at = 0; at < text.length && !PacketOf(in).limitReached;) {
     const uint32_t c = PeekU8(text, at);
     if (c == ' ' || c == ')') {
@@ -90,7 +89,7 @@ void ShowValues(const Place& in, const Field& text, int32_t depth) {
     } else {
       const Place list = Under(in, AddTextLine(in, value, "List"));
       const int32_t inner = value.length - 1 - (value.length > 1 && PeekU8(value, value.length - 1) == ')');
-      if (depth < kMostDepth) ShowValues(list, Slice(value, 1, inner), depth + 1);
+      if (depth < kDeepestImap) ShowValues(list, Slice(value, 1, inner), depth + 1);
       else AddLine(list, value, "Lists nest too deeply to be shown");
     }
     at = end > at ? end : at + 1;

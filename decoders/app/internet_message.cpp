@@ -9,7 +9,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostDepth = 8;   // of messages and parts in one another
 constexpr uint8_t kInHeaders = 1, kInBody = 2;
 constexpr uint8_t kPlain = 0, kQuotedPrintable = 1, kBase64 = 2;
 
@@ -204,7 +203,7 @@ bool ShowQuotedStructure(const Place& in, Cursor& c, const Field& type, uint8_t 
 void ShowBody(const Place& in, Cursor& c, const MimeEntity& entity, Body& body, int32_t depth) {
   body.note.phase = kInBody;
   body.note.detail = EncodingOf(entity.encoding);
-  if (depth > kMostDepth) {
+  if (depth > kDeepestMail) {
     AddLine(in, Rest(c), "Parts nest too deeply to be shown");
   } else if (entity.boundary.length > 0) {
     PutText(body.note, entity.boundary);

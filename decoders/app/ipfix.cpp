@@ -17,7 +17,6 @@ constexpr int32_t kHeader9 = 20, kHeaderIpfix = 16, kSetHeader = 4;
 constexpr uint32_t kVariableLength = 0xFFFF;
 constexpr uint32_t kEnterpriseBit = 0x8000;
 constexpr uint32_t kFirstDataSet = 256;
-constexpr int32_t kMostListNesting = 6;
 
 struct Header {
   Field version, count, domain;
@@ -286,7 +285,7 @@ void ShowList(const Place& at, Cursor value, FlowKind kind, const char* name, Me
 
 void ShowValue(const Place& in, Cursor value, const Specifier& specifier, Message& message, FlowSketch& sketch) {
   const FlowElement* element = specifier.enterpriseNumber == 0 ? FindFlowElement(specifier.number) : nullptr;
-  if (!element || element->kind < FlowKind::kList || Left(value) == 0 || message.nesting >= kMostListNesting) {
+  if (!element || element->kind < FlowKind::kList || Left(value) == 0 || message.nesting >= kDeepestFlowLists) {
     return ShowFlowValue(in, value, specifier.enterpriseNumber, specifier.number, sketch);
   }
   ++message.nesting;

@@ -60,7 +60,7 @@ void ShowMarcRecord(const Place& at, Cursor c) {
   // keys: text Indicator Count, Subfield Code Length, Base Address, Encoding Level, Cataloging Form, Multipart Level
   // keys: text Size of a Length, Size of a Start, Size of an Own Part, Undefined
   for (const LeaderPart& part : kLeaderParts) AddTextLine(leader, TakeBytes(c, part.size), part.label);
-  int64_t room = 2 * static_cast<int64_t>(Left(record));   // entries may claim the same bytes
+  int64_t room = kShowAgain * static_cast<int64_t>(Left(record));   // entries may claim the same bytes
   Loop loop;
   while (MoreAt(in, c, loop) && Left(c) > kEntry && PeekU8(c) != kFieldEnd) {
     const Field entry = TakeBytes(c, kEntry), tag = Slice(entry, 0, 3), size = Slice(entry, 3, 4), first = Slice(entry, 7, 5);

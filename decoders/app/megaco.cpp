@@ -15,8 +15,6 @@ int32_t DecodeSdp(const Place& at, Cursor c);
 
 namespace {
 
-constexpr int32_t kDeepest = 16;   // braces in braces
-
 struct Word {
   const char* brief;
   const char* name;
@@ -155,7 +153,7 @@ void ShowItems(const Place& at, const Place& in, Cursor& c, int32_t depth) {
       Cursor body = TakeCursor(c, end < 0 ? Left(c) : end);
       SkipSpace(body);
       if (Left(body) > 0) CallDecoder(Deeper(at), body, DecodeSdp, "Megaco Data");
-    } else if (depth >= kDeepest) {
+    } else if (depth >= kDeepestMegaco) {
       return (void)AddBlock(under, Rest(c), "Nested Items");
     } else {
       ShowItems(at, under, c, depth + 1);

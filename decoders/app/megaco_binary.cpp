@@ -15,7 +15,6 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kClass = 0xC0, kContext = 0x80, kConstructed = 0x20, kTag = 0x1F;
-constexpr int32_t kDeepest = 48;   // embedded descriptors may hold others without end
 constexpr uint32_t kAnyPackage = 0xFFFF;
 
 struct Walk {
@@ -220,7 +219,7 @@ void EndElement(const Place& under, Cursor& c, const Element& element, Cursor& c
 // keys: tables decoders/app/megaco_syntax.h
 // keys: text Audit Tokens, Notify Completion, Choice
 void ShowMembers(Walk& walk, const Place& in, Cursor& c, const MegacoTable& table) {
-  if (walk.depth >= kDeepest) return (void)AddBlock(in, Rest(c), "Nested Data");
+  if (walk.depth >= kDeepestBinaryMegaco) return (void)AddBlock(in, Rest(c), "Nested Data");
   ++walk.depth;
   const uint32_t outer = walk.item;
   Loop loop;

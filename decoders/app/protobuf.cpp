@@ -9,7 +9,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostDepth = 12;
 constexpr uint32_t kVarint = 0, kFixed64 = 1, kLength = 2, kStartGroup = 3, kEndGroup = 4, kFixed32 = 5;
 constexpr auto kWireNames = SortedNames({
     {kVarint, "VARINT"}, {kFixed64, "I64"}, {kLength, "LEN"}, {kStartGroup, "SGROUP"}, {kEndGroup, "EGROUP"},
@@ -69,7 +68,7 @@ void ShowLength(const Place& in, Cursor& c, int32_t depth) {
   AddLine(in, length, "Length: %I64u", length.wide);
   const Field value = TakeBytes(c, length.wide < INT32_MAX ? static_cast<int32_t>(length.wide) : INT32_MAX);
   if (!value.here || value.length < 1) return;
-  if (depth < kMostDepth && IsMessage(CursorOver(value)) && !(IsText(value) && PeekU8(value) >= ' ')) {
+  if (depth < kDeepestProtobuf && IsMessage(CursorOver(value)) && !(IsText(value) && PeekU8(value) >= ' ')) {
     Cursor message = CursorOver(value);
     return ShowProtobuf(Under(in, AddLine(in, value, "Value: Message of %d bytes", value.length)), message, depth + 1);
   }

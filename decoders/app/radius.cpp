@@ -38,7 +38,6 @@ enum RadiusFlag : uint32_t { kTagged = 1, kSalted = 2, kHidden = 4 };
 
 constexpr int32_t kHeaderSize = 20;
 constexpr uint32_t kMessageAuthenticator = 80;
-constexpr int32_t kMostNesting = 8;   // of attributes within one another
 
 constexpr auto kCodeNames = SortedNames({
     {1, "Access-Request"}, {2, "Access-Accept"}, {3, "Access-Reject"}, {4, "Accounting-Request"},
@@ -441,7 +440,7 @@ void ShowExtended(const Place& in, Cursor& c, const RadiusAttribute& attribute, 
 
 void ShowAttributes(const Place& in, Cursor& c, const ElementForm& form, uint32_t space, Radius& radius,
                     int32_t nesting) {
-  if (nesting > kMostNesting) return AddBlock(in, Rest(c), "Data"), void();
+  if (nesting > kDeepestRadius) return AddBlock(in, Rest(c), "Data"), void();
   const RadiusVendor* vendor = radius.vendor.here ? FindVendor(radius.vendor.value) : nullptr;
   radius.vendor.here = false;   // what its attributes hold is framed as everywhere
   Loop loop;

@@ -18,7 +18,7 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kVersion = 3, kHandshakePart = 1536, kHandshake = 1 + 2 * kHandshakePart, kDefaultChunk = 128;
-constexpr uint32_t kExtendedTime = 0xFFFFFF, kMostRecord = 65536, kLastType = 22;
+constexpr uint32_t kExtendedTime = 0xFFFFFF, kLastType = 22;
 constexpr int32_t kMostPieces = 64;
 constexpr int32_t kLeastHandshake = 512;   // what its first segment has of it, whatever the path's MTU
 
@@ -146,7 +146,7 @@ void ShowData(const Place& in, Cursor& c, Run& run, RtmpChunkStream& stream, uin
     return ShowRtmpMessage(in, part, stream.type, &run.now.chunkSize);
   }
   const Field data = PeekBytes(part, 0, Left(part));
-  if (IsRtmpRecord(stream.type) && stream.length <= kMostRecord) {
+  if (IsRtmpRecord(stream.type) && stream.length <= kMostRtmpMessage) {
     Collect(in, run, data, stream.length, isStart, number);
     if (stream.left == 0 && run.now.waiting == number) {
       run.now.waiting = 0;

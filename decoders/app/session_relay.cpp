@@ -13,7 +13,6 @@ namespace qxview {
 namespace {
 
 constexpr int32_t kDashes = 7;
-constexpr int32_t kMostMessage = 1 << 17;   // of one whose end is waited for; senders cut theirs at 2048 bytes and more
 
 const char* FlagName(uint32_t flag) {
   switch (flag) {
@@ -118,7 +117,7 @@ int32_t LengthOfRelayedMessage(const Cursor& c) {
     const bool isWhole = line.whole.length > line.text.length;
     if (isWhole && IsEndLine(line.text, transaction)) return ahead.offset - c.offset;
   }
-  return Left(c) > kMostMessage ? kNoMessage : 0;
+  return Left(c) > kMostRelayMessage ? kNoMessage : 0;
 }
 
 int32_t DecodeRelayedMessages(const Place& at, Cursor c) {

@@ -53,7 +53,6 @@ constexpr auto kDiscardNames = SortedNames({
     {303, "split_horizon"}});
 
 // Sampled headers of a datagram, kept until its own lines are done.
-constexpr int32_t kMostHeaders = 64;
 struct Sampled {
   Cursor bytes;
   uint32_t sample, protocol, frameLength;
@@ -61,7 +60,7 @@ struct Sampled {
 struct Datagram {
   uint32_t version, sample;
   int32_t headers;
-  Sampled header[kMostHeaders];
+  Sampled header[kMostSampledHeaders];
 };
 
 struct Sample {
@@ -112,7 +111,7 @@ void TakeHeader(const Place& in, Cursor& c, Datagram& datagram) {
   Cursor header = TakeCursor(c, sample.size.value);
   const int32_t fill = static_cast<int32_t>((0u - sample.size.value) & 3);
   const Field padding = fill && Left(c) >= fill ? TakeBytes(c, fill) : Field{};
-  if (datagram.headers < kMostHeaders && Left(header) > 0) {
+  if (datagram.headers < kMostSampledHeaders && Left(header) > 0) {
     AddLine(in, Ahead(header, Left(header)), "Header: %u bytes, shown behind the datagram",
             static_cast<uint32_t>(Left(header)));
     datagram.header[datagram.headers++] = {header, datagram.sample, sample.protocol.value, sample.length.value};

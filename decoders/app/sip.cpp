@@ -95,7 +95,6 @@ void ShowParts(const Place& at, const Place& in, Cursor& body, const Field& boun
 }
 
 void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type, int32_t depth) {
-  constexpr int32_t kDeepest = 6;   // parts within parts
   if (Left(body) == 0) return;
   if (StartsWithWord(type, "application/sdp")) {
     CallDecoder(Deeper(at), body, DecodeSdp, "SDP Data");
@@ -104,7 +103,7 @@ void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type,
   const Place under = Under(in, AddLine(in, Ahead(body, Left(body)), "Message Body"));
   const Field boundary = StartsWithWord(type, "multipart/") ? ParameterOf(type, "boundary") : Field{};
   const bool hasParts = boundary.here && boundary.length > 0;
-  if (hasParts && depth >= kDeepest) return (void)AddBlock(under, Rest(body), "Nested Parts");
+  if (hasParts && depth >= kDeepestSipParts) return (void)AddBlock(under, Rest(body), "Nested Parts");
   if (hasParts) {
     ShowParts(at, under, body, boundary, depth);
   } else if (StartsWithWord(type, "application/pkcs7-") && PeekU8(body) == kAsnSequence) {
@@ -113,7 +112,7 @@ void ShowBody(const Place& at, const Place& in, Cursor& body, const Field& type,
     ShowXml(under, body);
   } else if (StartsJson(body)) {
     ShowJson(under, body);
-  } else if (StartsWithWord(type, "message/sip") && depth < kDeepest) {
+  } else if (StartsWithWord(type, "message/sip") && depth < kDeepestSipParts) {
     ShowFragment(under, body);
   } else if (StartsWithWord(type, "text/") || StartsWithWord(type, "message/") || StartsWithWord(type, "application/dtmf")) {
     TextLine line;

@@ -92,8 +92,6 @@ WebBody BodyOf(WebContent content, bool isCompressed = false) {
   return body;
 }
 
-constexpr int32_t kMostPartDepth = 6;
-
 // "--" and the boundary, and two more dashes behind the last part.
 bool IsBoundary(const Field& line, const Field& boundary) {
   if (line.length < boundary.length + 2 || PeekU16(line) != 0x2D2D) return false;
@@ -243,7 +241,7 @@ void ShowInPieces(const Place& in, Cursor& c, WebBody& body, bool ends, const We
     KeepPiece(in, key, body.pieces, piece);
     AddBlock(in, piece, body.hasBegun ? "Content Continued" : "Content in Part");
     if (body.pieces.isLost && !wasLost) {
-      AddLine(in, piece, "Longer than %u bytes or %u pieces: not joined", kMostPiecedBytes, kMostPieces);
+      AddLine(in, piece, "Longer than %u bytes or %u pieces: not joined", kMostPiecedBytes, kMostWebPieces);
     }
     body.hasBegun = true;
   }
@@ -349,7 +347,7 @@ void ShowWebBody(const Place& in, Cursor& c, WebBody& body, bool ends, const Web
 void ShowWebParts(const Place& in, Cursor& c, const Field& told, int32_t depth) {
   TextLine line;
   Cursor look = c;
-  if (depth > kMostPartDepth) return (void)AddBlock(in, Rest(c), "Parts nest too deeply to be shown");
+  if (depth > kDeepestBodyParts) return (void)AddBlock(in, Rest(c), "Parts nest too deeply to be shown");
   const bool hasLine = TakeLine(look, line) && line.text.length > 2 && PeekU16(line.text) == 0x2D2D;
   const Field boundary = told.length > 0 ? told : hasLine ? Trimmed(Slice(line.text, 2, line.text.length - 2)) : Field{};
   uint32_t number = 0;

@@ -16,7 +16,7 @@ RequestKey KeyOf(const WebStreamKey& key, const WebPieces& pieces, uint32_t numb
 void KeepPiece(const Place& in, const WebStreamKey& key, WebPieces& pieces, const Field& piece) {
   if (piece.length < 1 || pieces.isLost) return;
   const uint32_t length = static_cast<uint32_t>(piece.length);
-  if (!key.keeps || pieces.count == kMostPieces || length > kMostPiecedBytes - pieces.length) {
+  if (!key.keeps || pieces.count == kMostWebPieces || length > kMostPiecedBytes - pieces.length) {
     pieces.isLost = true;
     return;
   }

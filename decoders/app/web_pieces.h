@@ -5,9 +5,6 @@
 
 namespace qxview {
 
-constexpr uint32_t kMostPiecedBytes = 1 << 20;   // of a body; what is longer is shown as it comes
-constexpr uint32_t kMostPieces = 4096;
-
 // What is kept of a body. It is numbered among those of its stream, so that a packet which is looked at again finds its pieces.
 struct WebPieces {
   uint32_t body, count, length;

@@ -118,7 +118,7 @@ void ShowPiece(const Place& in, const Field& clear, Run& run, bool ends) {
   KeepPiece(in, run.pieces, side.pieces, clear);
   AddBlock(in, clear, side.isCompressed ? "Compressed Payload in Part" : "Payload in Part");
   if (side.pieces.isLost && !wasLost) {
-    AddLine(in, clear, "Longer than %u bytes or %u pieces: not joined", kMostPiecedBytes, kMostPieces);
+    AddLine(in, clear, "Longer than %u bytes or %u pieces: not joined", kMostPiecedBytes, kMostWebPieces);
   }
   if (!ends) return;
   const uint32_t count = side.pieces.count;

@@ -13,7 +13,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kDeepest = 16;   // of elements in one another
 constexpr uint32_t kContext = 0x80000000;   // of tags; universal ones have none
 constexpr uint32_t Tag(uint32_t number) { return kContext | number; }
 constexpr uint32_t kIntegerTag = 2, kObjectTag = 6, kExternalTag = 8, kSequenceTag = 16, kVisibleTag = 26, kGeneralTag = 27;
@@ -50,7 +49,7 @@ int32_t LengthToEnd(Cursor c, int32_t depth) {
   const int32_t start = c.offset;
   Element inner;
   Loop loop;
-  while (More(c, loop) && PeekU16(c) != 0 && depth < kDeepest) {
+  while (More(c, loop) && PeekU16(c) != 0 && depth < kDeepestZ3950) {
     if (!TakeElement(c, inner, depth + 1) || inner.isCut) return -1;
   }
   return Left(c) >= 2 && PeekU16(c) == 0 ? c.offset - start : -1;
@@ -183,7 +182,7 @@ void ShowElement(const Place& in, const Element& element, const FieldRow& row, c
 }
 
 void ShowGroup(const Place& in, Cursor& c, const Group* group, Level level) {
-  if (level.depth > kDeepest) return (void)AddLine(in, Rest(c), "Elements nest too deeply to be shown");
+  if (level.depth > kDeepestZ3950) return (void)AddLine(in, Rest(c), "Elements nest too deeply to be shown");
   Element element;
   Loop loop;
   while (MoreAt(in, c, loop) && TakeElement(c, element)) {

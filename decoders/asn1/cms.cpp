@@ -21,8 +21,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostIndefinite = 12;   // elements of indefinite length in one another
-constexpr int32_t kMostNested = 4;        // contents in one another, signatures of signatures
 constexpr uint32_t kConstructed = 0x20;
 constexpr uint8_t kIndefinite = 0x80;
 
@@ -32,7 +30,7 @@ int32_t LengthToEnd(Cursor c, int32_t depth) {
   while (Left(c) >= 2) {
     if (PeekU16(c, 0) == 0) return c.offset - start;
     if (PeekU8(c, 1) == kIndefinite) {
-      if (depth >= kMostIndefinite) return -1;
+      if (depth >= kDeepestIndefinite) return -1;
       Cursor inner = c;
       TakeBytes(inner, 2);
       const int32_t length = LengthToEnd(inner, depth + 1);
@@ -142,7 +140,7 @@ void ShowEncapsulated(const Place& in, Cursor& c, const CmsData& data, int32_t d
       const bool isData = PeekIs(type.contents, 0, kData);
       const bool isContent = NumberBelow(type.contents, kPkcs7, sizeof kPkcs7) > 1;
       const Place at = Under(under, AddLine(under, whole, "Content: %u bytes", static_cast<uint32_t>(Left(octets))));
-      if (isContent && depth < kMostNested) ShowContentInfo(at, octets, data, depth + 1);
+      if (isContent && depth < kDeepestContent) ShowContentInfo(at, octets, data, depth + 1);
       else if (isData) ShowData(at, octets, data);
       else if (PeekU8(octets) == kAsnSequence) ShowDerValues(at, octets);   // a time stamp, an indirect statement
       AddBlock(at, Rest(octets), "Content Data");
@@ -223,7 +221,7 @@ void ShowAttributeValue(const Place& in, uint32_t type, Cursor& c, int32_t depth
     ShowDerOctets(in, value, "Message Digest");
   } else if (type == 5 && (Take(c, kDerUtcTime, &value) || Take(c, kDerGeneralizedTime, &value))) {
     ShowDerTime(in, value, "Signing Time");
-  } else if (type == 6 && depth < kMostNested && Take(c, kAsnSequence, &value)) {
+  } else if (type == 6 && depth < kDeepestContent && Take(c, kAsnSequence, &value)) {
     ShowSigner(in, value, depth + 1);   // a countersignature
   } else if (type == 15 && Take(c, kAsnSequence, &value)) {
     const Place under = Under(in, AddLine(in, WholeOf(value), "Capabilities:"));

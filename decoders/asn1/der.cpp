@@ -6,8 +6,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kDeepest = 12;
-
 bool IsDigits(const Cursor& c, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
     const uint32_t digit = PeekU8(c, i);
@@ -47,7 +45,7 @@ void ShowDerValue(const Place& in, const BerElement& element, int32_t depth) {
     const LineHandle line = name ? AddLine(in, WholeOf(element), "%s:", name)
                                  : AddLine(in, WholeOf(element), "Tagged: [%u]", element.identifier & 0x1F);
     Cursor inner = element.contents;
-    if (depth < kDeepest) return ShowDerValuesTo(Under(in, line), inner, depth + 1);
+    if (depth < kDeepestDer) return ShowDerValuesTo(Under(in, line), inner, depth + 1);
     AddBlock(Under(in, line), Rest(inner), "Data");
     return;
   }

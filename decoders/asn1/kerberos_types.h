@@ -8,7 +8,6 @@
 
 namespace qxview {
 
-constexpr int32_t kMostKrbElements = 4000;   // of a payload: ten times what the largest of real messages hold
 constexpr BerTitles kKrbTitles{"Truncated Data", "Further Data", kShortLineSize};
 
 // What choices hang on: the message answers, which tells what fast armor holds; it is of the change-password protocol,

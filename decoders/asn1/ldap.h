@@ -18,8 +18,6 @@ namespace qxview {
 
 constexpr uint32_t kLdapSet = 0x31, kLdapControls = 0xA0;
 constexpr int32_t kLdapTextSize = 240;      // texts of titled lines, terminator included
-constexpr int32_t kMostLdapElements = 8192; // of one payload that get lines; what follows is dumped
-constexpr int32_t kMostFilterDepth = 64;    // filters nested deeper are dumped
 
 constexpr BerTitles kLdapTitles{"Partial Data", "More Elements", kLdapTextSize};
 

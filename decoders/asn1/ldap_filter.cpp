@@ -141,7 +141,7 @@ void DescribeFilter(const Cursor& filter, char* out, int32_t size) {
   struct Open {
     Cursor c;
     bool isClosed;   // by a parenthesis, once its filters are written
-  } open[kMostFilterDepth];
+  } open[kDeepestFilter];
   open[0] = {PeekBer(filter).whole, false};
   for (int32_t depth = 0; depth >= 0 && !text.IsFull();) {
     const BerElement next = TakeBer(open[depth].c);
@@ -152,7 +152,7 @@ void DescribeFilter(const Cursor& filter, char* out, int32_t size) {
     }
     text.Put("(");
     const char* sign = SignOf(next.identifier);
-    if (sign && depth + 1 < kMostFilterDepth) {
+    if (sign && depth + 1 < kDeepestFilter) {
       text.Put(sign);
       open[++depth] = {next.contents, true};
     } else {
@@ -167,12 +167,12 @@ void DescribeFilter(const Cursor& filter, char* out, int32_t size) {
 }
 
 void ShowFilter(BerWalk& walk, const Place& in, Cursor& c, const char* title) {
-  OpenFilter open[kMostFilterDepth];
+  OpenFilter open[kDeepestFilter];
   if (!PeekBer(c).here || walk.elementsLeft < 1) return;
   int32_t count = ShowOne(walk, in, c, title, open[0]) ? 1 : 0;
   while (count > 0) {
     OpenFilter& top = open[count - 1];
-    if (!PeekBer(top.c).here || walk.elementsLeft < 1 || count == kMostFilterDepth) {
+    if (!PeekBer(top.c).here || walk.elementsLeft < 1 || count == kDeepestFilter) {
       ShowBerRest(walk, top.in, top.c);
       --count;
     } else if (ShowOne(walk, top.in, top.c, "Filter", open[count])) {

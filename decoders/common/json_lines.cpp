@@ -7,8 +7,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostDepth = 32;
-
 // A string with its quotation marks; one whose end is missing goes as far as the bytes.
 Field TakeString(Cursor& c) {
   int32_t end = 1;
@@ -127,7 +125,7 @@ bool ShowItem(const Place& in, Cursor& c, int32_t depth, int32_t number) {
 
 // An object's members or an array's items, from the bracket on. `depth` bounds the recursion.
 bool ShowContainer(const Place& in, Cursor& c, int32_t depth) {
-  if (depth >= kMostDepth) {
+  if (depth >= kDeepestMarkup) {
     AddLine(in, Ahead(c, 1), "Nested Too Deeply");
     return false;
   }

@@ -9,8 +9,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostDepth = 32;
-
 // The bytes up to a mark, which is taken, too; all that are left where there is none.
 Field TakeUpTo(Cursor& c, const char* mark) {
   const int32_t length = static_cast<int32_t>(std::strlen(mark));
@@ -111,7 +109,7 @@ struct OpenElement {
 
 struct Walk {
   const XmlVocabulary* vocabulary;
-  OpenElement open[kMostDepth];
+  OpenElement open[kDeepestMarkup];
   int32_t depth;
   int32_t deeper;   // elements that are open and were not given a place of their own
 };
@@ -229,7 +227,7 @@ void TakeStartTag(const Place& in, Walk& walk, Cursor& c) {
   if (sole.here && walk.vocabulary) walk.vocabulary->showText(under, name, sole);
   c = behind;
   if (isEmpty) return;
-  if (walk.depth == kMostDepth) {
+  if (walk.depth == kDeepestMarkup) {
     if (walk.deeper++ == 0) AddLine(under, name, "Nested Too Deeply: elements within stand beside one another");
   } else {
     walk.open[walk.depth++] = {under, name, start.offset};

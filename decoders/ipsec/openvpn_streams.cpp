@@ -10,9 +10,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostPieces = kMostFragments;   // of one run of records
-constexpr int32_t kMostBytes = 64 << 10;
-constexpr uint32_t kMostAhead = 64;          // packets that came early and are shown with the one they waited for
 constexpr uint32_t kNowhere = 0xFFFFFFFF;
 
 const VpnPiece* Find(StateTable& table, VpnPieceKey key, uint32_t number, StateBytes* bytes = nullptr) {
@@ -57,7 +54,7 @@ void PlacePiece(StateTable& table, const VpnPieceKey& key, const Cursor& c, VpnP
 // Those that wait for this one have their place now.
 void PlaceWaiting(StateTable& table, VpnPieceKey key, VpnPiece& own) {
   uint32_t position = own.position + static_cast<uint32_t>(own.piece.length);
-  for (uint32_t number = key.number + 1; number < key.number + kMostAhead; ++number) {
+  for (uint32_t number = key.number + 1; number < key.number + kMostVpnAhead; ++number) {
     const VpnPiece* next = Find(table, key, number);
     if (!next || next->isPlaced) return;
     VpnPiece placed = *next;
@@ -80,8 +77,8 @@ struct Gathered {
 };
 
 bool Gather(View* view, StateTable& table, const VpnPieceKey& key, const VpnPiece& own, Gathered& all) {
-  constexpr size_t kPieces = kMostPieces * sizeof(BytePiece);
-  uint8_t* memory = TakeFrameMemory(view, static_cast<int64_t>(kPieces) + kMostBytes);
+  constexpr size_t kPieces = kMostFragments * sizeof(BytePiece);
+  uint8_t* memory = TakeFrameMemory(view, static_cast<int64_t>(kPieces) + kMostVpnBytes);
   if (!memory) return false;
   all.pieces = reinterpret_cast<BytePiece*>(memory);
   all.room = memory + kPieces;
@@ -89,9 +86,9 @@ bool Gather(View* view, StateTable& table, const VpnPieceKey& key, const VpnPiec
     StateBytes bytes;
     const VpnPiece* piece = Find(table, key, number, &bytes);
     const uint32_t front = number == own.frontNumber ? own.frontAt : 0;
-    if (!piece || front > bytes.length || all.count == kMostPieces) return false;
+    if (!piece || front > bytes.length || all.count == kMostFragments) return false;
     const int32_t length = static_cast<int32_t>(bytes.length - front);
-    if (length > kMostBytes - all.length) return false;
+    if (length > kMostVpnBytes - all.length) return false;
     if (number == key.number) all.before = all.length - static_cast<int32_t>(front);
     const BytePiece part{piece->piece.packet, piece->piece.offset + static_cast<int32_t>(front), length};
     std::memcpy(all.pieces + all.count++, &part, sizeof part);
@@ -127,7 +124,7 @@ VpnRun JoinRecords(const Place& at, StateTable& table, const VpnPieceKey& key, V
   run.own = behind < 0 ? 0 : behind < own.piece.length ? behind : own.piece.length;
   const bool isAlone = all.before == 0 && behind <= own.piece.length;
   run.pieceCount = isAlone ? 0 : all.count;
-  *given = {reinterpret_cast<uint8_t*>(all.pieces), static_cast<uint32_t>(kMostPieces * sizeof(BytePiece)) +
+  *given = {reinterpret_cast<uint8_t*>(all.pieces), static_cast<uint32_t>(kMostFragments * sizeof(BytePiece)) +
                                                       static_cast<uint32_t>(whole)};
   return run;
 }

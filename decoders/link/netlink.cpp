@@ -16,7 +16,6 @@ namespace {
 enum Family : uint32_t { kRoute = 0, kDiagnosis = 4, kFilter = 12, kGeneric = 16 };
 enum ControlType : uint32_t { kNoOperation = 1, kError = 2, kDone = 3, kOverrun = 4, kLeastFamilyType = 16 };
 constexpr int32_t kHeaderSize = 16;
-constexpr int32_t kMostDepth = 12;   // of attributes in one another
 
 constexpr auto kFamilyNames = SortedNames({
     {0, "Route"}, {1, "Unused"}, {2, "User Sockets"}, {3, "Firewall"}, {4, "Socket Diagnosis"}, {5, "Netfilter Log"},
@@ -229,7 +228,7 @@ void ShowValue(const Place& in, Cursor& c, const NetlinkAttribute& attribute, co
 void ShowList(const Place& in, Cursor& c, const NetlinkTable& table, bool little, int32_t depth) {
   Within within{little, depth, {}};
   Loop loop;
-  while (Left(c) >= 4 && depth < kMostDepth && MoreAt(in, c, loop)) {
+  while (Left(c) >= 4 && depth < kDeepestNetlink && MoreAt(in, c, loop)) {
     const uint32_t length = little ? PeekLittleU16(c) : PeekU16(c), word = little ? PeekLittleU16(c, 2) : PeekU16(c, 2);
     if (length < 4) break;
     const NetlinkAttribute* attribute = FindAttribute(table, word & 0x3FFF);

@@ -330,10 +330,9 @@ void ShowPart(const Place& in, const Element& element, const Part& part, int32_t
 }
 
 void ShowParts(const Place& in, Cursor c, const Parts* first, const Parts* second, int32_t depth) {
-  constexpr int32_t kMostDepth = 8;
   constexpr uint32_t kObjectId = kUniversal | 6;
   Loop loop;
-  while (depth < kMostDepth && MoreAt(in, c, loop)) {
+  while (depth < kDeepestCharging && MoreAt(in, c, loop)) {
     const Element element = TakeElement(c);
     AddLongHead(in, element);
     const Part* part = FindPart(first, element.tag);

@@ -9,8 +9,6 @@
 
 namespace qxview {
 
-constexpr int32_t kMostFragments = 256;   // of one datagram
-
 struct IpFragment {
   BytePiece piece;
   int32_t offset;      // in the datagram's payload

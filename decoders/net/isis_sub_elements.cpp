@@ -135,9 +135,8 @@ void ShowConstraints(const Place& in, Cursor& c, Isis& isis) {
 }
 
 void ShowForApplications(const Place& in, Cursor& c, Isis& isis) {
-  constexpr int32_t kMostNesting = 3;
   ShowIsisApplications(in, c, isis);
-  if (isis.nesting >= kMostNesting) return;
+  if (isis.nesting >= kDeepestLinkAttributes) return;
   ++isis.nesting;
   ShowIsisLinkElements(in, c, isis);
   --isis.nesting;

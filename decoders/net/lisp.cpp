@@ -12,7 +12,6 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kCanonical = 16387, kIPv4Family = 1, kIPv6Family = 2, kMacFamily = 16389;
-constexpr int32_t kMostLists = 8;   // address lists in one another
 
 void ShowAddress(const Place& in, Cursor& c, const char* label, int32_t depth);
 
@@ -26,7 +25,7 @@ void ShowCanonical(const Place& at, Cursor& c, const char* label, int32_t depth)
   const auto show = [&](RowSpan<Lisp> rows) { ShowRows<Lisp>(in, whole, rows, out); };
   const auto addresses = [&](int32_t most) {
     Loop loop;
-    for (int32_t i = 0; i < most && Left(whole) >= 2 && depth < kMostLists && MoreAt(in, whole, loop); ++i) {
+    for (int32_t i = 0; i < most && Left(whole) >= 2 && depth < kDeepestLisp && MoreAt(in, whole, loop); ++i) {
       ShowAddress(in, whole, "Address", depth + 1);
     }
   };
@@ -40,14 +39,14 @@ void ShowCanonical(const Place& at, Cursor& c, const char* label, int32_t depth)
     case 8: show(kLispNonceLocator); addresses(1); break;
     case 9: show(kLispMulticast); addresses(2); break;
     case 10:
-      while (Left(whole) >= 4 && depth < kMostLists && !PacketOf(in).limitReached) {
+      while (Left(whole) >= 4 && depth < kDeepestLisp && !PacketOf(in).limitReached) {
         show(kLispHop);
         ShowAddress(in, whole, "Address", depth + 1);
       }
       break;
     case 12: show(kLispPair); addresses(2); break;
     case 13:
-      while (Left(whole) >= 6 && depth < kMostLists && !PacketOf(in).limitReached) {
+      while (Left(whole) >= 6 && depth < kDeepestLisp && !PacketOf(in).limitReached) {
         show(kLispReplication);
         ShowAddress(in, whole, "Address", depth + 1);
       }

@@ -181,8 +181,7 @@ constexpr auto kSubElements = Choices<Ospf>({
 void ShowSubElements(const Place& in, Cursor& c, Ospf& ospf) { ShowElements(in, c, kOspfForm, "Sub-TLV", kSubElements, ospf); }
 // Attributes stand within attributes; nobody means it to go deeper than this.
 void ShowNested(const Place& in, Cursor& c, Ospf& ospf) {
-  constexpr int32_t kMostNesting = 3;
-  if (ospf.nesting >= kMostNesting) return;
+  if (ospf.nesting >= kDeepestLinkAttributes) return;
   ++ospf.nesting;
   ShowSubElements(in, c, ospf);
   --ospf.nesting;

@@ -310,8 +310,7 @@ constexpr auto kExtendedLinks = Choices<Ospf>({{1, "Extended Link", kExtendedLin
 
 // Attributes stand within attributes; nobody means it to go deeper than this.
 void ShowOspfLinkAttributes(const Place& in, Cursor& c, Ospf& ospf) {
-  constexpr int32_t kMostNesting = 3;
-  if (ospf.nesting >= kMostNesting) return;
+  if (ospf.nesting >= kDeepestLinkAttributes) return;
   ++ospf.nesting;
   ShowLinkSids(in, c, ospf);
   --ospf.nesting;

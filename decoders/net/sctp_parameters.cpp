@@ -93,8 +93,7 @@ constexpr auto kCauses = Choices<Sctp>({
 
 // Parameters stand within parameters and causes; nobody means it to go deeper than this.
 void ShowSctpParameters(const Place& in, Cursor& c, Sctp& sctp) {
-  constexpr int32_t kMostNesting = 4;
-  if (sctp.nesting >= kMostNesting) return;
+  if (sctp.nesting >= kDeepestSctp) return;
   ++sctp.nesting;
   ShowElements<Sctp>(in, c, kForm, "Parameter", kParameters, sctp);
   --sctp.nesting;

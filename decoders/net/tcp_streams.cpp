@@ -8,9 +8,7 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kFin = 1, kRst = 4;
-constexpr int32_t kMostAheadBytes = 256 << 10;   // how far behind a gap segments wait
 constexpr int32_t kFarOff = 1 << 24;             // of another connection between the same ends
-constexpr int64_t kLongestWait = 2000000000;     // nanoseconds that a gap is kept open
 
 // One segment on its way into the stream of its direction.
 class StreamWork {
@@ -142,7 +140,7 @@ class StreamWork {
 
   bool GivesUpGap(int32_t distance) const {
     return stream_.isLost || stream_.ahead >= kMostAheadSegments || distance + Length() > kMostAheadBytes ||
-           segment_.cut > 0 || (stream_.ahead > 0 && time_ - stream_.gapTime > kLongestWait) || StandsAlone();
+           segment_.cut > 0 || (stream_.ahead > 0 && time_ - stream_.gapTime > kLongestGap) || StandsAlone();
   }
 
   // Between messages a segment that holds nothing but whole ones is shown at once, unless their order counts.

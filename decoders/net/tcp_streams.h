@@ -8,10 +8,6 @@
 
 namespace qxview {
 
-constexpr int32_t kMostStreamBytes = 1 << 20;    // kept of one direction
-constexpr int32_t kMostStreamPieces = 4096;      // segments that they came in
-constexpr int32_t kMostAheadSegments = 64;       // behind a gap, before it is taken for lost
-
 enum class StreamAnswer : uint8_t {
   kShow,     // bytes to decode, or none but what is kept for later
   kAhead,    // bytes before this segment are missing: it waits for them

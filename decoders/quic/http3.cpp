@@ -17,7 +17,6 @@ namespace {
 
 enum StreamType : uint32_t { kControl = 0, kPush = 1, kEncoder = 2, kDecoder = 3 };
 constexpr uint64_t kData = 0;
-constexpr uint64_t kMostKeptFrame = 24 << 10;   // longer ones are shown as they come
 
 constexpr auto kStreamTypeNames = SortedNames({
     {0x00, "Control Stream"}, {0x01, "Push Stream"}, {0x02, "QPACK Encoder Stream"}, {0x03, "QPACK Decoder Stream"},

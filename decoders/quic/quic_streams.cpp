@@ -11,8 +11,6 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kMostKept = 32 << 10;   // bytes ahead of `done`
-
 QuicStreamKey KeyOf(const QuicSession& session, uint64_t stream, uint32_t space) {
   return {session.key, stream, space | static_cast<uint32_t>(session.sender) << 8, session.state.attempt};
 }
@@ -31,7 +29,7 @@ Cursor JoinedCursor(const Place& in, const uint8_t* bytes, uint32_t length, cons
 
 // Adds a piece to those in order, joining what touches. False when there are too many.
 bool AddPiece(Part& part, uint32_t at, uint32_t length) {
-  Part::Piece merged{at, length}, out[Part::kMostPieces + 1];
+  Part::Piece merged{at, length}, out[kMostQuicPieces + 1];
   uint32_t kept = 0, place = 0;
   for (uint32_t i = 0; i < part.pieceCount; ++i) {
     const Part::Piece& piece = part.pieces[i];
@@ -46,7 +44,7 @@ bool AddPiece(Part& part, uint32_t at, uint32_t length) {
       merged.length = (end > mergedEnd ? end : mergedEnd) - merged.from;
     }
   }
-  if (kept == Part::kMostPieces) return false;
+  if (kept == kMostQuicPieces) return false;
   std::memmove(out + place + 1, out + place, (kept - place) * sizeof out[0]);
   out[place] = merged;
   part.pieceCount = kept + 1;
@@ -126,7 +124,7 @@ void Join(const Place& in, const Field& data, uint64_t offset, bool isLast, Join
     }
     return;
   }
-  if (end - base > kMostKept) {
+  if (end - base > kMostQuicAhead) {
     AddLine(in, data, "Out of Order: %d bytes, too far ahead", data.length);
     return;
   }

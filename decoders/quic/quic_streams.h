@@ -22,7 +22,6 @@ struct QuicStreamKey {
   uint32_t attempt;
 };
 struct QuicStreamPart {
-  static constexpr uint32_t kMostPieces = 24;
   uint64_t done;         // all before this was shown
   uint64_t bodyLeft;     // of a frame of HTTP/3 whose bytes are not kept
   uint32_t type;         // of a unidirectional stream of HTTP/3, one more than it says; 0: not known yet
@@ -31,7 +30,7 @@ struct QuicStreamPart {
   uint32_t pieceCount;
   struct Piece {
     uint32_t from, length;
-  } pieces[kMostPieces];   // of the bytes that are kept: in order and apart
+  } pieces[kMostQuicPieces];   // of the bytes that are kept: in order and apart
 };
 struct QuicStream {
   QuicTurn turn;

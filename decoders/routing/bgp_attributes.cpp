@@ -230,9 +230,8 @@ void ShowLabels(const Place& in, Cursor& c, Bgp&) {
 
 // Sets of attributes may hold sets; nobody means it.
 void ShowSet(const Place& in, Cursor& c, Bgp& bgp) {
-  constexpr int32_t kMostNesting = 4;
   ShowRows<Bgp>(in, c, kSetOrigin, bgp);
-  if (bgp.nesting >= kMostNesting) return;
+  if (bgp.nesting >= kDeepestBgp) return;
   ++bgp.nesting;
   const bool known = bgp.known;
   bgp.known = false;   // the customer's session is another one

@@ -93,8 +93,7 @@ void ShowMembers(const Place& in, Cursor& c, uint32_t type, Bgp& bgp) {
 
 // A leaf answers the route that stands in it; nobody means a leaf of leaves.
 void ShowLeaf(const Place& in, Cursor& c, Bgp& bgp) {
-  constexpr int32_t kMostNesting = 4;
-  if (bgp.nesting >= kMostNesting) return;
+  if (bgp.nesting >= kDeepestBgp) return;
   ++bgp.nesting;
   bgp.hasPaths = false;
   Cursor key = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));

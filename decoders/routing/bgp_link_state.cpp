@@ -248,8 +248,7 @@ void ShowFlexibleParts(const Place& in, Cursor& c, Bgp& bgp) {
   ShowElements<Bgp>(in, c, kForm, "Sub-TLV", kFlexibleParts, bgp);
 }
 void ShowNested(const Place& in, Cursor& c, Bgp& bgp) {
-  constexpr int32_t kMostNesting = 4;
-  if (bgp.nesting >= kMostNesting) return;
+  if (bgp.nesting >= kDeepestBgp) return;
   ++bgp.nesting;
   ShowBgpLinkStateAttribute(in, c, bgp);
   --bgp.nesting;

@@ -169,7 +169,6 @@ void ShowTree(const Place& at, Cursor& c, const char* what, Bgp& bgp) {
 
 // A leaf's key is the route that it answers; nobody means a leaf of leaves.
 void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
-  constexpr int32_t kMostNesting = 4;
   static constexpr auto kHead = Rows<Bgp>({Number(1, "Route Type", kMulticastRouteNames).Into(&Bgp::type), Number(1, "Length")});
   static constexpr auto kSource = Rows<Bgp>({Number(4, "Source AS").Note(", AS %u")});
   Loop loop;
@@ -182,7 +181,7 @@ void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
         LookupName(kMulticastRouteNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kHead, bgp);
-    if (type == 4 && bgp.nesting < kMostNesting) {
+    if (type == 4 && bgp.nesting < kDeepestBgp) {
       ++bgp.nesting;
       bgp.hasPaths = false;
       Cursor key = TakeCursor(route, 2 + static_cast<int64_t>(PeekU8(route, 1)));

@@ -10,8 +10,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kMostNesting = 8;
-
 constexpr auto kVerdictNames = SortedNames({
     {0, "Neutral"}, {1, "Cached Trust"}, {2, "Cached Distrust"}, {3, "Configured Trust"}, {4, "Configured Distrust"}});
 
@@ -138,7 +136,7 @@ constexpr auto kTlvs = Choices<Hncp>({
 
 void ShowTlvs(const Place& in, Cursor& c, Hncp& hncp) {
   constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .padTo = 4, .valueLines = true};
-  if (hncp.nesting >= kMostNesting) return;
+  if (hncp.nesting >= kDeepestHncp) return;
   ++hncp.nesting;
   ShowElements<Hncp>(in, c, kForm, "TLV", kTlvs, hncp);
   --hncp.nesting;

@@ -182,7 +182,7 @@ int32_t DecodeBlock(const Place& under, Cursor& c, uint32_t code, SmbBlock& bloc
 // message more than twice over ends.
 int32_t DecodeBlocks(const SmbMessage& message, const Place& under, Cursor c) {
   uint32_t code = message.command;
-  int64_t room = 2 * static_cast<int64_t>(message.whole.left);
+  int64_t room = kShowAgain * static_cast<int64_t>(message.whole.left);
   for (;;) {
     NextBlock next{};
     SmbBlock block{&message, nullptr, under, 0, 0, {}, 0, {}, {}};

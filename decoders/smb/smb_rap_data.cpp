@@ -203,7 +203,7 @@ void AddRapText(const SmbMessage& message, const Place& in, Cursor& c, const Rap
 
 void AddRapStructures(SmbTransaction& t, const Place& in, Cursor& c, uint32_t count, uint32_t converter) {
   const int32_t size = SizeOf(t.request.data), auxiliarySize = SizeOf(t.request.auxiliary);
-  Buffer buffer{c, converter, INT32_MAX, c.offset, 2 * Left(c)};
+  Buffer buffer{c, converter, INT32_MAX, c.offset, kShowAgain * Left(c)};
   const char* labels = RapStructureLabels(t.request.data);
   const char* auxiliaryLabels = RapStructureLabels(t.request.auxiliary);
   Loop loop;

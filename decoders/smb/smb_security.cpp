@@ -10,7 +10,6 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kMostAces = 1024;   // with lines of their own; real lists hold a few dozen
 constexpr uint32_t kSmallestAce = 16;
 
 constexpr auto kControlBits = SortedNames({
@@ -83,7 +82,7 @@ void AddAcl(const Place& at, const Cursor& descriptor, uint32_t offset, const ch
   const Place in = Under(at, AddSmbTitle(at, Ahead(acl, acl.left), title));
   ShowRows(in, acl, kAcl);
   Loop loop;
-  for (uint32_t i = 0; i < count && i < kMostAces && MoreAt(in, acl, loop) && Left(acl) >= 4; ++i) {
+  for (uint32_t i = 0; i < count && i < kMostAccessEntries && MoreAt(in, acl, loop) && Left(acl) >= 4; ++i) {
     const uint32_t size = PeekLittleU16(acl, 2);
     Cursor ace = TakeCursor(acl, size < kSmallestAce ? Left(acl) : static_cast<int64_t>(size));
     ShowRows(Under(in, AddLine(in, Ahead(ace, ace.left), "ACE")), ace, kAce);

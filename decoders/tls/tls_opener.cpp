@@ -7,10 +7,9 @@ namespace {
 
 enum TlsStage : uint8_t { kNoKeys, kEarly, kHandshake, kTraffic, kUntil12 };
 
-constexpr int32_t kExplicitNonceSize = 8, kHelloPart = 8, kMostSearch = 64;
+constexpr int32_t kExplicitNonceSize = 8, kHelloPart = 8;
 constexpr int32_t kTruncatedCodeSize = 10;
 constexpr uint64_t kKeptVectors = 4;
-constexpr uint8_t kMostFailures = 6;   // behind these the search is left out
 
 struct Attempt {
   const View* view;
@@ -230,8 +229,8 @@ bool TrySearch(Attempt& attempt, const TlsOpener& opener, uint64_t* sequence) {
   const TlsCiphers ciphers = CiphersOf(opener.suite, opener.version);
   const bool isStream = ciphers.protection == TlsProtection::kStream;   // whose bytes are gone
   const bool isChain = IsChain(ciphers, opener);
-  if (attempt.record->isDatagram || isStream || opener.stage == kNoKeys || opener.failures > kMostFailures) return false;
-  for (uint64_t step = 1; step <= kMostSearch; ++step) {
+  if (attempt.record->isDatagram || isStream || opener.stage == kNoKeys || opener.failures > kMostSealedFailures) return false;
+  for (uint64_t step = 1; step <= kMostSealedNumbers; ++step) {
     *sequence = opener.sequence + step;
     if (Try(attempt, opener, *sequence)) return true;
     *sequence = opener.sequence - step;
