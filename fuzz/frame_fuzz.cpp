@@ -1,9 +1,12 @@
 // A frame: wishes (1), way (1), number (2), flags (1), the bytes. The way's top bit: a frame of a capture, whose link type is
 // the number; else a record of the medium, or a raw one whose Ethertype is the number.
+#include <algorithm>
+
 #include "files/record_builder.h"
 #include "fuzz/stations.h"
 #include "fuzz/targets.h"
 #include "host/packet_addresses.h"
+#include "query/probe.h"
 
 namespace qxview::fuzz {
 namespace {
@@ -42,6 +45,72 @@ ExactRecord RecordOf(uint32_t way, uint16_t number, uint32_t flags, const Piece&
   return record;
 }
 
+struct Told final : PacketTold {
+  uint64_t Number() const override { return 1; }
+  int64_t Nanoseconds() const override { return 0; }
+  uint32_t Length() const override { return 60; }
+  uint32_t Captured() const override { return 60; }
+  std::string_view Source() override { return "192.0.2.1"; }
+  std::string_view Destination() override { return "192.0.2.2"; }
+  std::string_view Protocol() override { return "Protocol"; }
+  std::string_view Summary() override { return "Summary"; }
+};
+
+// Each with its line; in no order, since lines that are added above others stand behind them where those are left out.
+std::string AnswersOf(const KeyQuery& query) {
+  std::vector<std::string> answers;
+  for (int32_t asked = 0; asked < query.Count(); ++asked) {
+    for (const AskedValue& value : query.ValuesOf(asked)) {
+      answers.push_back(std::to_string(asked) + ": " + TextOfValue(value) + " of " + std::string(value.line) + "\n");
+    }
+  }
+  std::sort(answers.begin(), answers.end());
+  std::string text;
+  for (const std::string& answer : answers) text += answer;
+  return text;
+}
+
+// A question makes only the lines that it asks about, and finds in them what the whole frame says: asked for the keys of some of
+// its lines, one by one and then together.
+void CheckQuestions(uint32_t wishes, const FrameRecord* record, uint32_t seed) {
+  constexpr uint32_t kMostAsked = 4;
+  Station station(wishes, kDisplayMode);
+  Session& session = *station.session;
+  if (!KeepFacts(&session.Context(), true)) return;
+  session.Decode(record);
+  const DecodeContext& context = session.Context();
+  if (context.packet.limitReached) return;   // what is passed over counts less, so a question may get further
+  KeyQuery all;
+  Told told;
+  std::vector<std::string> keys, wanted;
+  for (uint32_t i = 0; i < kMostAsked && context.rangeCount > 0; ++i) {
+    const LineFact* fact = FactOf(&context, (seed + i * 0x9E3779B1u) % context.rangeCount);
+    char key[kKeySize];
+    KeyQuery query;
+    if (!fact || FormatKey(&context, *fact, key, sizeof key) <= 0) continue;
+    if (query.Ask(key, nullptr) < 0 || query.AsksForProtocols()) continue;
+    query.Collect(context, session.Tree(), told);
+    keys.emplace_back(key);
+    wanted.push_back(AnswersOf(query));
+    all.Ask(key, nullptr);
+  }
+  all.Collect(context, session.Tree(), told);
+  const std::string together = AnswersOf(all);
+  const auto expect = [&](KeyQuery& query, const std::string& answers, const std::string& asked) {
+    const Station other(wishes, kDisplayMode);   // which was taught nothing by the frame
+    Probe probe(*other.session);
+    if (!probe.Ask(query, record, told)) return;
+    const std::string got = AnswersOf(query);
+    if (got != answers) Fail("a question finds what the frame says", (asked + "\n" + answers + "--- asked\n" + got).c_str());
+  };
+  for (size_t i = 0; i < keys.size(); ++i) {
+    KeyQuery query;
+    query.Ask(keys[i], nullptr);
+    expect(query, wanted[i], keys[i]);
+  }
+  expect(all, together, "all");
+}
+
 }  // namespace
 
 void RunFrame(const uint8_t* data, size_t size) {
@@ -62,6 +131,7 @@ void RunFrame(const uint8_t* data, size_t size) {
   // Once more, behind what it has taught.
   record->packetNumber = 2;
   stations.Decode(record.get(), skipBytes);
+  if (wishes & kKeys) CheckQuestions(wishes, record.get(), (static_cast<uint32_t>(number) << 8 | flags) ^ record->capturedLength);
   PacketAddresses addresses;
   FormatPacketAddresses(stations.Shown().Context().packet, stations.Shown().GetEngine()->host, &addresses);
 }

@@ -1,8 +1,11 @@
 // The bounds of core/budgets.h that hold for every decoder, each reached and kept: nesting, lines, texts, dumps, bytes that
 // are joined for a frame, and every table of state between frames. Those of one protocol are reached in its own tests.
+#include <functional>
+
 #include "core/byte_origins.h"
 #include "core/engine.h"
 #include "core/states.h"
+#include "decoders/app/web_body.h"
 #include "tests/support/cases.h"
 #include "tests/support/samples.h"
 #include "tests/support/small_stack.h"
@@ -136,6 +139,78 @@ TEST(Bounds, OfMemoryAndRegionsOfAFrame) {
   EXPECT_EQ(regions, kMostRegions);
   ForgetOrigins(view.context().origins);
   EXPECT_EQ(Left(JoinedBytes(&view.view(), &byte, 1, &piece, 1, 0)), 1) << "the next frame has its own";
+}
+
+// Each of the formats goes on in one another further than it is shown: what is deeper adds no level, and is not left out in silence.
+TEST(Bounds, OfLevelsInOneAnother) {
+  const auto length2 = [](const Bytes& bytes) { return Bytes{static_cast<uint8_t>(bytes.size() >> 8), static_cast<uint8_t>(bytes.size())}; };
+  const auto sized = [](const Bytes& head, const Bytes& bytes, size_t more) {   // a length of one byte behind it
+    return head + Bytes{static_cast<uint8_t>(bytes.size() + more)} + bytes;
+  };
+  const auto update = [&](const std::string& family, const Bytes& routes) {
+    const Bytes reach = Hex(family) + Hex("04 C0000201 00") + routes, attribute = Hex("90 0E") + length2(reach) + reach;
+    const Bytes body = Hex("02 0000") + length2(attribute) + attribute;
+    return Bytes(16, 0xFF) + length2(Bytes(18) + body) + body;
+  };
+  struct Format {
+    const char* row;
+    bool overTcp;
+    int32_t deepest;
+    std::function<Bytes(const Bytes& inner)> wrap;
+    Bytes innermost;
+    std::function<Bytes(const Bytes& nested)> message;
+  };
+  const Format formats[] = {
+      {"application Diameter", true, kDeepestDiameter,
+       [&](const Bytes& inner) { return Hex("000001C8 40 00") + length2(Bytes(8) + inner) + inner; }, {},
+       [&](const Bytes& nested) { return Hex("01 00") + length2(Bytes(20) + nested) + Hex("C0 000110 00000004 00000001 00000002") + nested; }},
+      {"application DHCPv6", false, kDeepestDhcpv6,
+       [&](const Bytes& inner) { return Hex("0C00") + Bytes(32) + Hex("0009") + length2(inner) + inner; }, Hex("01 000001"),
+       [](const Bytes& nested) { return nested; }},
+      {"application HNCP", true, kDeepestHncp, [&](const Bytes& inner) { return Hex("0021") + length2(inner) + inner; }, Hex("0029 0001 61 000000"),
+       [](const Bytes& nested) { return nested; }},
+      {"application LISP", true, kDeepestLisp, [&](const Bytes& inner) { return Hex("4003 0000 0100") + length2(inner) + inner; }, Hex("0001 C0000201"),
+       [](const Bytes& nested) { return Hex("3A000001 0000000000000000 0001 0004 AABBCCDD 000005A0 0020 1000 0000") + nested; }},
+      {"application BFCP", true, kDeepestConferencing, [&](const Bytes& inner) { return sized(Hex("1E"), Hex("0001") + inner, 2); }, {},
+       [&](const Bytes& nested) { return sized(Hex("2004 00"), {}, nested.size() / 4) + Hex("00000007 0001 0002") + nested; }},
+      {"application BGP", true, kDeepestBgp, [&](const Bytes& inner) { return sized(Hex("04"), inner, 0); }, Hex("01 00"),
+       [&](const Bytes& nested) { return update("0001 05", nested); }},
+      {"application BGP", true, kDeepestBgp, [&](const Bytes& inner) { return sized(Hex("0B"), inner, 0); }, Hex("03 00"),
+       [&](const Bytes& nested) { return update("0019 46", nested); }},
+  };
+  for (const Format& format : formats) {
+    TestView view;
+    bool isLastShown = false;
+    const auto depthOf = [&](int32_t levels) {
+      Bytes nested = format.innermost;
+      for (int32_t i = 0; i < levels; ++i) nested = format.wrap(nested);
+      const Payload payload{.row = RowNamed(format.row), .overTcp = format.overTcp, .bytes = format.message(nested)};
+      RunPayload(view.view(), payload);
+      isLastShown = false;
+      for (LineHandle line = 1; line <= view.context().rangeCount; ++line) {
+        const ByteRange range = RangeOfLine(&view.context(), &view.tree(), line);
+        const int64_t end = int64_t{RangeOffset(range)} + RangeLength(range);
+        isLastShown |= !view.tree().FirstChild(line) && end == static_cast<int64_t>(payload.bytes.size());
+      }
+      return DeepestOf(view.view(), 0, 0);
+    };
+    ASSERT_TRUE(RowNamed(format.row)) << format.row;
+    const int32_t half = depthOf(format.deepest / 2 - 1), over = depthOf(2 * format.deepest);
+    EXPECT_LT(half, over) << format.row;
+    EXPECT_EQ(depthOf(3 * format.deepest), over) << format.row;
+    EXPECT_TRUE(isLastShown) << format.row;
+  }
+  TestView view;
+  const Place at = TopLevel(&view.view(), kFirstLevel);
+  Bytes nested = Hex("08 01");
+  for (int32_t i = 0; i < 3 * kDeepestProtobuf; ++i) nested = sized(Hex("0A"), nested, 0);
+  view.context().packet.linesLeft = kMostLines;
+  Cursor c = MakeCursor(nested.data(), 0, static_cast<int32_t>(nested.size()));
+  ShowProtobuf(at, c);
+  size_t messages = 0;
+  const std::string text = view.Text();
+  for (size_t found = 0; (found = text.find("Value: Message of", found)) != std::string::npos; ++found) ++messages;
+  EXPECT_EQ(messages, static_cast<size_t>(kDeepestProtobuf));
 }
 
 // What a search for slow payloads found: one byte again and again.

@@ -10,6 +10,7 @@
 #include "files/record_builder.h"
 #include "host/segment_history.h"
 #include "host/state_log.h"
+#include "tests/support/samples.h"
 #include "tests/support/transport.h"
 
 namespace qxview::testing {
@@ -226,6 +227,39 @@ TEST(States, AReplayedFrameNeedsNoneOfThoseBeforeIt) {
     log.Record(nullptr);
   }
   EXPECT_GT(differences, 20u) << "the samples' frames depend on those before them";
+}
+
+// A silent pass counts no more lines than are shown, since it leaves out what nobody asked for. What it may not leave out is what later
+// frames are told by: whatever is passed in front of a frame, its lines are the same.
+TEST(States, WhatIsPassedTeachesWhatIsShown) {
+  size_t differences = 0, counted = 0;
+  for (const std::string& sample : Samples()) {
+    for (const char* reassembly : {"0", "1"}) {
+      KeepingHost hosts[3];
+      for (KeepingHost& host : hosts) host.settings = {{"Reassembly", reassembly}};
+      TestView shown(&hosts[0]), passing(&hosts[1]), alone(&hosts[2]);
+      TestView* const views[] = {&shown, &passing, &alone};
+      ForEachRecord(sample, [&](const FrameRecord* record) {
+        const bool isPassed = ++counted % 4 != 0;
+        std::string texts[3];
+        for (const int which : {0, 1, 2}) {
+          TestView& view = *views[which];
+          if (which == 2 && isPassed) continue;
+          view.context().silent = isPassed && which == 1;
+          view.context().outputMode = view.context().silent ? kFindMode : kDisplayMode;
+          ClearDecodeTree(&view.view(), view.view().tree, true);
+          DecodeFrame(&view.view(), record, 0, 0, 0);
+          const PacketState& packet = view.context().packet;
+          hosts[which].history.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
+                                      static_cast<int64_t>(record->packetNumber));
+          if (!isPassed) texts[which] = view.Text(true);
+        }
+        EXPECT_EQ(texts[1], texts[0]) << sample << " " << record->packetNumber;
+        differences += texts[2] != texts[0];
+      });
+    }
+  }
+  EXPECT_GT(differences, 100u) << "the samples' frames depend on those before them";
 }
 
 }  // namespace

@@ -181,7 +181,11 @@ void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
         LookupName(kMulticastRouteNames, type)));
     ShowBgpPath(in, path);
     ShowRows<Bgp>(in, route, kHead, bgp);
-    if (type == 4 && bgp.nesting < kDeepestBgp) {
+    if (type == 4 && bgp.nesting >= kDeepestBgp) {
+      AddBlock(in, Rest(route), "Route Data");
+      continue;
+    }
+    if (type == 4) {
       ++bgp.nesting;
       bgp.hasPaths = false;
       Cursor key = TakeCursor(route, 2 + static_cast<int64_t>(PeekU8(route, 1)));
