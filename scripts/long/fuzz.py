@@ -35,7 +35,7 @@ def run_slice(arguments, target, number):
     corpus = os.path.join(arguments.corpus, target)
     os.makedirs(corpus, exist_ok=True)
     log = os.path.join(arguments.logs, f"{target}.{number}.log")
-    command = [os.path.join(arguments.build, target + "_fuzz"), f"-max_total_time={arguments.slice}", "-timeout=10",
+    command = [os.path.join(arguments.build, target + "_fuzz"), f"-max_total_time={arguments.slice}", f"-timeout={arguments.timeout}",
                "-rss_limit_mb=2000", "-print_final_stats=1", f"-max_len={MOST_LENGTH[target]}", "-use_value_profile=0", "-reload=0",
                f"-artifact_prefix={arguments.logs}/{target}.{number}."]
     if arguments.dictionary:
@@ -109,6 +109,7 @@ def main():
     parser.add_argument("folders", nargs="+")
     parser.add_argument("--seconds", type=float, default=14400)
     parser.add_argument("--slice", type=int, default=120)
+    parser.add_argument("--timeout", type=int, default=10, help="seconds by the clock that an input may take: more where others have the core")
     parser.add_argument("--targets", default="")
     parser.add_argument("--dictionary", default="")
     arguments = parser.parse_args()
