@@ -1,5 +1,10 @@
 #include "core/digest.h"
 
+#ifdef __x86_64__
+#include <cpuid.h>
+#include <immintrin.h>
+#endif
+
 #include <bit>
 #include <cstring>
 
@@ -73,7 +78,7 @@ inline void MixEight(uint32_t (&v)[8], const uint32_t* words, const uint32_t* co
   round(b, c, d, e, f, g, h, a, 7);
 }
 
-void MixSha256(uint32_t (&state)[8], const uint8_t* block) {
+void MixSha256ByWords(uint32_t (&state)[8], const uint8_t* block) {
   uint32_t words[64];
   for (int32_t i = 0; i < 16; ++i) words[i] = ReadU32(block + 4 * i);
   for (int32_t i = 16; i < 64; ++i) {
@@ -86,6 +91,48 @@ void MixSha256(uint32_t (&state)[8], const uint8_t* block) {
   for (int32_t i = 0; i < 64; i += 8) MixEight(v, words + i, kSha256Constants + i);
   for (int32_t i = 0; i < 8; ++i) state[i] += v[i];
 }
+
+#ifdef __x86_64__
+// The same by the processor's own instructions, in a seventh of the time. Each makes two rounds over the words a, b, e and f and
+// the words c, d, g and h. The 32-bit builds keep the other way tested.
+[[gnu::target("sha,sse4.1")]] void MixSha256BySha(uint32_t (&state)[8], const uint8_t* block) {
+  const auto load = [](const void* at) __attribute__((target("sha,sse4.1"), always_inline)) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(at));
+  };
+  const __m128i bigEndian = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
+  const __m128i low = _mm_shuffle_epi32(load(state), 0xB1), high = _mm_shuffle_epi32(load(state + 4), 0x1B);
+  const __m128i firstBefore = _mm_alignr_epi8(low, high, 8), secondBefore = _mm_blend_epi16(high, low, 0xF0);
+  __m128i first = firstBefore, second = secondBefore, words[4];
+  for (int32_t i = 0; i < 4; ++i) words[i] = _mm_shuffle_epi8(load(block + 16 * i), bigEndian);
+#pragma GCC unroll 16
+  for (int32_t i = 0; i < 16; ++i) {
+    __m128i& each = words[i % 4];
+    const __m128i mixed = _mm_add_epi32(each, load(kSha256Constants + 4 * i));
+    second = _mm_sha256rnds2_epu32(second, first, mixed);
+    first = _mm_sha256rnds2_epu32(first, second, _mm_shuffle_epi32(mixed, 0x0E));
+    const __m128i last = words[(i + 3) % 4];
+    const __m128i part = _mm_sha256msg1_epu32(each, words[(i + 1) % 4]), between = _mm_alignr_epi8(last, words[(i + 2) % 4], 4);
+    each = _mm_sha256msg2_epu32(_mm_add_epi32(part, between), last);   // of four rounds later; the last ones are not used
+  }
+  first = _mm_shuffle_epi32(_mm_add_epi32(first, firstBefore), 0x1B);
+  second = _mm_shuffle_epi32(_mm_add_epi32(second, secondBefore), 0xB1);
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(state), _mm_blend_epi16(first, second, 0xF0));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(state + 4), _mm_alignr_epi8(second, first, 8));
+}
+
+bool HasShaInstructions() {
+  uint32_t a = 0, b = 0, c = 0, d = 0;
+  if (!__get_cpuid(1, &a, &b, &c, &d) || !(c & bit_SSE4_1)) return false;
+  return __get_cpuid_count(7, 0, &a, &b, &c, &d) && (b & bit_SHA);
+}
+const bool hasShaInstructions = HasShaInstructions();
+
+void MixSha256(uint32_t (&state)[8], const uint8_t* block) {
+  return hasShaInstructions ? MixSha256BySha(state, block) : MixSha256ByWords(state, block);
+}
+#else
+void MixSha256(uint32_t (&state)[8], const uint8_t* block) { MixSha256ByWords(state, block); }
+#endif
 
 // Both digests take blocks of 64 bytes and end with a bit, zeros and the number of bits.
 template <class State, class Mix>
