@@ -62,7 +62,7 @@ void* QxView_OpenCapture(const char* path) try {
   return Fail("out of memory"), nullptr;
 }
 
-int32_t QxView_NextPacket(void* capture, QxPacket* packet) {
+int32_t QxView_NextPacket(void* capture, QxPacket* packet) try {
   ForgetError();
   if (!capture) return Fail("there is no capture"), -1;
   if (!GiveRecord(packet, QxPacket{})) return -1;
@@ -75,6 +75,8 @@ int32_t QxView_NextPacket(void* capture, QxPacket* packet) {
   const FrameRecord* record = frame.record ? frame.record : CaptureOf(capture)->builder.Build(frame);
   GiveRecord(packet, Describe(frame, record));
   return 1;
+} catch (...) {
+  return Fail("out of memory"), -1;
 }
 
 int32_t QxView_CapturePercent(void* capture) { return capture ? CaptureOf(capture)->reader->Percent() : -1; }

@@ -143,7 +143,9 @@ TEST(Bounds, OfMemoryAndRegionsOfAFrame) {
 
 // Each of the formats goes on in one another further than it is shown: what is deeper adds no level, and is not left out in silence.
 TEST(Bounds, OfLevelsInOneAnother) {
-  const auto length2 = [](const Bytes& bytes) { return Bytes{static_cast<uint8_t>(bytes.size() >> 8), static_cast<uint8_t>(bytes.size())}; };
+  const auto length2 = [](const Bytes& bytes) {
+    return Bytes{static_cast<uint8_t>(bytes.size() >> 8), static_cast<uint8_t>(bytes.size())};
+  };
   const auto sized = [](const Bytes& head, const Bytes& bytes, size_t more) {   // a length of one byte behind it
     return head + Bytes{static_cast<uint8_t>(bytes.size() + more)} + bytes;
   };
@@ -163,13 +165,17 @@ TEST(Bounds, OfLevelsInOneAnother) {
   const Format formats[] = {
       {"application Diameter", true, kDeepestDiameter,
        [&](const Bytes& inner) { return Hex("000001C8 40 00") + length2(Bytes(8) + inner) + inner; }, {},
-       [&](const Bytes& nested) { return Hex("01 00") + length2(Bytes(20) + nested) + Hex("C0 000110 00000004 00000001 00000002") + nested; }},
+       [&](const Bytes& nested) {
+         return Hex("01 00") + length2(Bytes(20) + nested) + Hex("C0 000110 00000004 00000001 00000002") + nested;
+       }},
       {"application DHCPv6", false, kDeepestDhcpv6,
        [&](const Bytes& inner) { return Hex("0C00") + Bytes(32) + Hex("0009") + length2(inner) + inner; }, Hex("01 000001"),
        [](const Bytes& nested) { return nested; }},
-      {"application HNCP", true, kDeepestHncp, [&](const Bytes& inner) { return Hex("0021") + length2(inner) + inner; }, Hex("0029 0001 61 000000"),
+      {"application HNCP", true, kDeepestHncp,
+       [&](const Bytes& inner) { return Hex("0021") + length2(inner) + inner; }, Hex("0029 0001 61 000000"),
        [](const Bytes& nested) { return nested; }},
-      {"application LISP", true, kDeepestLisp, [&](const Bytes& inner) { return Hex("4003 0000 0100") + length2(inner) + inner; }, Hex("0001 C0000201"),
+      {"application LISP", true, kDeepestLisp,
+       [&](const Bytes& inner) { return Hex("4003 0000 0100") + length2(inner) + inner; }, Hex("0001 C0000201"),
        [](const Bytes& nested) { return Hex("3A000001 0000000000000000 0001 0004 AABBCCDD 000005A0 0020 1000 0000") + nested; }},
       {"application BFCP", true, kDeepestConferencing, [&](const Bytes& inner) { return sized(Hex("1E"), Hex("0001") + inner, 2); }, {},
        [&](const Bytes& nested) { return sized(Hex("2004 00"), {}, nested.size() / 4) + Hex("00000007 0001 0002") + nested; }},
