@@ -32,6 +32,9 @@ constexpr LineHandle kLineOutsideDisplay = 1000;
 // The frame's own line where a question leaves it out: what is added under it tells of the frame all the same.
 constexpr LineHandle kLeftFrameLine = 1001;
 
+// A line whose value a question took, so that it was not made.
+constexpr LineHandle kTakenLine = 1002;
+
 // How the current frame's network layer carries its transport: set by IPv4 and IPv6 for TCP, UDP and SCTP. Of tunnelled
 // datagrams it is the innermost one's, as are the addresses and ports below.
 struct NetworkState {

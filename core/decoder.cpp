@@ -28,6 +28,10 @@ inline LineHandle MakePiecesLine(const Place& at, LineHandle parent, const Field
 
 }  // namespace
 
+bool IsLeftOut(const Place& at, const char* text, bool startsWithBits) {
+  return at.parent != kLeftFrameLine && IsKnownToBeLeft(*at.view->context, text, startsWithBits);
+}
+
 LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
                          const FormatPiece* pieces, const FormatArgument* arguments) {
   return MakePiecesLine(at, parent, field, image, text, pieces, arguments);
@@ -38,7 +42,8 @@ namespace {
 // Apart from what most lines need where a question leaves them out.
 [[gnu::noinline]] LineHandle MakeFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                                            const FormatPiece* pieces, const FormatArgument* arguments) {
-  if (LeavesFormatted(at.view, at.parent, text, pieces, arguments)) return CountLeftLine(at.view, at.parent);
+  const LineFate fate = FateOfFormatted(at.view, at.parent, text, pieces, arguments);
+  if (fate != LineFate::kMade) return CountLeftLine(at.view, at.parent, fate);
   const LineHandle added = MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
   NoteFormatted(at.view, added, text, pieces, arguments);
   return added;
@@ -50,11 +55,6 @@ LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, cons
                         const FormatPiece* pieces, const FormatArgument* arguments) {
   if (!KeepsFacts(at.view)) [[likely]] return MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
   if (OnlyTells(at.view)) return CountSilentLine(at);
-  const DecodeContext& context = *at.view->context;
-  if (context.packet.asked && at.parent != kLeftFrameLine) {
-    const bool isPicture = pieces->literalLength == 0 && (arguments->form & 0xFF) == FormatArgument::kBits;
-    if (IsKnownToBeLeft(context, text, isPicture)) return CountSilentLine(at);
-  }
   return MakeFormatted(at, field, image, text, pieces, arguments);
 }
 
@@ -82,8 +82,6 @@ LineHandle AddText(const Place& at, const Field& field, int32_t image, const cha
 }  // namespace
 
 LineHandle AddLiteral(const Place& at, const Field& field, int32_t image, const char* text, int32_t length) {
-  const DecodeContext& context = *at.view->context;
-  if (context.packet.asked && at.parent != kLeftFrameLine && IsKnownToBeLeft(context, text, false)) return CountSilentLine(at);
   if (LeavesMade(at.view, at.parent, text, length, true)) return CountLeftLine(at.view, at.parent);
   return AddText(at, field, image, text, length);
 }

@@ -84,6 +84,21 @@ inline bool MoreAt(const Place& at, const Cursor& c, Loop& loop) { return !Packe
 
 namespace detail {
 inline LineHandle CountSilentLine(const Place& at) { return CountLine(at.view); }
+
+// Whether a question is known to leave every line of this text out: before anything is made for one.
+bool IsLeftOut(const Place& at, const char* text, bool startsWithBits);
+template <class... Args>
+constexpr bool kStartsWithBits = false;
+template <class... Args>
+constexpr bool kStartsWithBits<BitSlice, Args...> = true;
+template <class... Args>
+inline bool LeavesText(const Place& at, const char* text) {
+  return Silent(at) || (PacketOf(at).asked && IsLeftOut(at, text, kStartsWithBits<Args...>));
+}
+// Whether a line of this handle stands nowhere: a question left it out.
+inline bool StandsNowhere(const Place& at, LineHandle line) {
+  return !line || (PacketOf(at).asked && line >= kLineOutsideDisplay && line <= kTakenLine);
+}
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments);
 LineHandle AddLiteral(const Place& at, const Field& field, int32_t image, const char* text, int32_t length);
@@ -99,7 +114,7 @@ template <class... Args>
 LineHandle AddLine(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
                    const Args&... args) {
   if (!field.here || at.dead) return 0;
-  if (Silent(at)) return detail::CountSilentLine(at);
+  if (detail::LeavesText<Args...>(at, text.text)) return detail::CountSilentLine(at);
   if constexpr (sizeof...(Args) == 0) {
     return detail::AddLiteral(at, field, LevelImage(at.level), text.text, text.pieces[0].literalLength);
   } else {
@@ -120,7 +135,7 @@ template <class... Args>
 LineHandle AddBitLine(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
                       const Args&... args) {
   if (!field.here || at.dead) return 0;
-  if (Silent(at)) return detail::CountSilentLine(at);
+  if (detail::LeavesText<Args...>(at, text.text)) return detail::CountSilentLine(at);
   const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
   return detail::AddFormatted(at, field, kBitFieldImage, text.text, text.pieces, arguments.of);
 }
@@ -129,7 +144,7 @@ LineHandle AddBitLine(const Place& at, const Field& field, FormatText<std::type_
 template <class... Args>
 void AppendToLine(const Place& at, LineHandle line, FormatText<std::type_identity_t<Args>...> text,
                   const Args&... args) {
-  if (!Displaying(at) || !line) return;
+  if (!Displaying(at) || detail::StandsNowhere(at, line)) return;
   const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
   detail::AppendFormatted(at, line, text.text, text.pieces, arguments.of);
 }
@@ -138,7 +153,7 @@ void AppendToLine(const Place& at, LineHandle line, FormatText<std::type_identit
 template <class... Args>
 void AppendToParent(const Place& at, const Field& field, FormatText<std::type_identity_t<Args>...> text,
                     const Args&... args) {
-  if (!field.here || at.dead || !Displaying(at)) return;
+  if (!field.here || at.dead || !Displaying(at) || detail::StandsNowhere(at, at.parent)) return;
   const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
   detail::AppendFormatted(at, at.parent, text.text, text.pieces, arguments.of);
 }
@@ -146,7 +161,7 @@ void AppendToParent(const Place& at, const Field& field, FormatText<std::type_id
 // Replaces the text of a line.
 template <class... Args>
 void SetLine(const Place& at, LineHandle line, FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
-  if (!Displaying(at) || !line) return;
+  if (!Displaying(at) || detail::StandsNowhere(at, line)) return;
   const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
   detail::SetFormatted(at, line, text.text, text.pieces, arguments.of);
 }

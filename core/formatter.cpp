@@ -117,6 +117,14 @@ inline int32_t DrawBits(const FormatArgument& argument, char* out) {
   return out.at;
 }
 
+[[gnu::noinline]] char* PutDeferred(Output out, FormatPiece piece, const FormatArgument& argument) {
+  char made[kMostDeferred];
+  const auto& text = *reinterpret_cast<const DeferredText*>(BytesOf(argument));
+  const int32_t length = text.write(text, made, sizeof made);
+  PutFilled(out, piece, made, CutLength(piece, static_cast<size_t>(length)));
+  return out.at;
+}
+
 [[gnu::noinline]] char* PutCutText(Output out, FormatPiece piece, const FormatArgument& argument) {
   const char* text = reinterpret_cast<const char*>(BytesOf(argument));
   size_t length = 0;
@@ -155,6 +163,7 @@ constexpr Conversion ConversionOf(uint32_t word) { return static_cast<Conversion
   if (argument.value == 0) return out.at;
   if (form == FormatArgument::kAddress) return isQuick ? out.at + FormatAddress(argument, out.at) : PutMade(out, piece, argument);
   if (form == FormatArgument::kHex) return PutHexSlice(out, piece, argument);
+  if (form == FormatArgument::kDeferred) return PutDeferred(out, piece, argument);
   return PutCutText(out, piece, argument);
 }
 

@@ -43,8 +43,14 @@ struct ShortText {
   char text[kSize];
 };
 
+// A text that is made when the line is formatted, of what stands behind this: `write` gives the length that it wrote.
+struct DeferredText {
+  int32_t (*write)(const DeferredText& text, char* out, int32_t size);
+};
+constexpr int32_t kMostDeferred = 80;
+
 struct FormatArgument {
-  enum Form : uint32_t { kNumber, kTerminated, kSlice, kHex, kAddress, kBits };
+  enum Form : uint32_t { kNumber, kTerminated, kSlice, kHex, kAddress, kBits, kDeferred };
   uint64_t value;   // the number, or the address of the text
   int32_t length;   // of a slice
   uint32_t form;    // Form in the low byte; above it a separator, an AddressForm, or width, first bit and count of bits
@@ -75,6 +81,9 @@ template <AddressForm kForm>
 FormatArgument ArgumentOf(const AddressBytes<kForm>& address) {
   return {reinterpret_cast<uintptr_t>(address.bytes), 0,
           FormatArgument::kAddress | static_cast<uint32_t>(kForm) << 8};
+}
+inline FormatArgument ArgumentOf(const DeferredText& text) {
+  return {reinterpret_cast<uintptr_t>(&text), 0, FormatArgument::kDeferred};
 }
 inline FormatArgument ArgumentOf(const BitSlice& bits) {
   const uint32_t place = static_cast<uint32_t>(bits.width) | static_cast<uint32_t>(bits.firstBit) << 8 |

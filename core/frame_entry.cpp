@@ -266,6 +266,16 @@ ShortText<80> CheckAlias(const View* view, uint32_t kind, const uint8_t* address
   return made;
 }
 
+int32_t NamedMac::Write(const DeferredText& text, char* out, int32_t size) {
+  const auto& mac = static_cast<const NamedMac&>(text);
+  return FormatInto(out, size, "%s", CheckAlias(mac.view, 0, mac.address));
+}
+
+FormatArgument ArgumentOf(const NamedMac& mac) {
+  if (QXVIEW_HOST_FUNCTION(mac.view->engine->host, addressAlias)) return ArgumentOf(static_cast<const DeferredText&>(mac));
+  return ArgumentOf(AddressBytes<AddressForm::kMac>{mac.address});
+}
+
 int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, uint32_t userParam2,
                     int32_t skipBytes) {
   if (!view || !view->context || !view->tree || !record) return 0;

@@ -42,4 +42,13 @@ uint32_t SizeWithCheckSequence(const FrameRecord* record, uint32_t checkSequence
 // An address with the user's name for it: "name [address]", or the address alone.
 ShortText<80> CheckAlias(const View* view, uint32_t kind, const uint8_t* address);
 
+// The same of a MAC address, made when the line is formatted.
+struct NamedMac : DeferredText {
+  NamedMac(const View* in, const uint8_t* bytes) : DeferredText{Write}, view(in), address(bytes) {}
+  static int32_t Write(const DeferredText& text, char* out, int32_t size);
+  const View* view;
+  const uint8_t* address;
+};
+FormatArgument ArgumentOf(const NamedMac& mac);
+
 }  // namespace qxview

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <string_view>
 
 #include "core/decoder.h"
 
@@ -83,6 +85,7 @@ void PutLabel(LineFacts* facts, LineFact* fact, const char* text, size_t length)
 // The fact of a line that is there, with room for its texts; null when there is no memory or none.
 LineFact* OldFact(View* view, LineHandle line) {
   LineFacts* facts = view->context->facts;
+  if (line == kTakenLine && facts->question) facts->question->isUndone = true;
   const uint32_t index = view->tree->RangeIndex(line);
   if (!line || view->context->outputMode != kDisplayMode || !FactOf(view->context, index) ||
       !Reserve(facts, index, kMostLabel + kMostValue)) {
@@ -113,19 +116,25 @@ bool StartsAddress(const char* text, int32_t length) {
   return IsDigit(behind) || (behind >= 'a' && behind <= 'f') || behind == ' ' || behind == '/';
 }
 
-void PutValue(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
+// What stands in front of a value and behind it is not of it.
+std::string_view TrimValue(const char* text, int32_t length) {
   while (length > 0 && (*text == ' ' || *text == ':' || *text == '=' || *text == ',') && !StartsAddress(text, length)) {
     ++text;
     --length;
   }
   while (length > 0 && text[length - 1] == ' ') --length;
   if (length > kMostValue) length = kMostValue;
-  if (length < 1) return;
+  return {text, static_cast<size_t>(length)};
+}
+
+void PutValue(LineFacts* facts, LineFact* fact, const char* text, int32_t length) {
+  const std::string_view value = TrimValue(text, length);
+  if (value.empty()) return;
   fact->kind = ValueKind::kText;
   fact->value = static_cast<int32_t>(facts->textUsed);
-  fact->valueLength = length;
-  std::memcpy(facts->text + facts->textUsed, text, static_cast<size_t>(length));
-  facts->textUsed += static_cast<uint32_t>(length);
+  fact->valueLength = static_cast<int32_t>(value.size());
+  std::memcpy(facts->text + facts->textUsed, value.data(), value.size());
+  facts->textUsed += static_cast<uint32_t>(value.size());
 }
 
 // Walks a text with conversions: where its label ends and what its value is.
@@ -285,25 +294,51 @@ bool IsPartOfNotation(const TextWalk& walk) {
   return between == '-' || between == ':' || between == '.' || between == '/';
 }
 
+// Whether the value is the number of the walk's piece.
+bool IsNumberValue(const TextWalk& walk, uint32_t behind) {
+  const FormatPiece& piece = *walk.piece;
+  return !IsNone(piece) && !IsText(piece) && !HasWords(walk.text + behind, piece.literalLength - behind) && !IsPartOfNotation(walk);
+}
+
+uint64_t NumberOf(const FormatPiece& piece, uint64_t number) {
+  if (piece.wide) return number;
+  const bool isSigned = piece.conversion == static_cast<uint32_t>(Conversion::kSigned);
+  return isSigned ? static_cast<uint64_t>(static_cast<int64_t>(static_cast<int32_t>(number))) : static_cast<uint32_t>(number);
+}
+
+ValueKind KindOf(const FormatPiece& piece) {
+  return piece.conversion == static_cast<uint32_t>(Conversion::kSigned) ? ValueKind::kSigned : ValueKind::kNumber;
+}
+
+uint64_t NumberOfPicture(const FormatArgument& picture) {
+  const uint32_t width = picture.form >> 8 & 0xFF, first = picture.form >> 16 & 0xFF, count = picture.form >> 24;
+  return picture.value >> (width - first - count) & ((uint64_t{1} << count) - 1);
+}
+
+// What the pieces make behind so much of the first one's literal.
+int32_t FormatRest(char (&out)[kMostValue], const char* text, const FormatPiece* piece, uint32_t behind,
+                   const FormatArgument* argument) {
+  FormatPiece first = *piece;
+  first.literalLength -= behind;
+  FormatPiece pieces[24] = {first};
+  for (int32_t i = 0; !IsNone(pieces[i]) && i < 22; ++i) pieces[i + 1] = piece[i + 1];
+  pieces[23] = FormatPiece{};
+  return FormatPieces(out, sizeof out, text + behind, pieces, argument);
+}
+
 // The value that stands behind the label: a number with or without its name, or all that follows as text, of a line that was made
 // whole and whose label stands in its first literal that text.
 void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t behind, const FormatArgument* picture,
                const char* made = nullptr, int32_t madeLength = 0) {
   const FormatPiece* piece = walk.piece;
-  const bool isWorded = HasWords(walk.text + behind, piece->literalLength - behind);
-  if (!IsNone(*piece) && !IsText(*piece) && !isWorded && !IsPartOfNotation(walk)) {
-    const bool isSigned = piece->conversion == static_cast<uint32_t>(Conversion::kSigned);
-    const uint64_t number = walk.argument->value;
-    fact->kind = isSigned ? ValueKind::kSigned : ValueKind::kNumber;
-    fact->number = piece->wide ? number
-                   : isSigned  ? static_cast<uint64_t>(static_cast<int64_t>(static_cast<int32_t>(number)))
-                               : static_cast<uint32_t>(number);
+  if (IsNumberValue(walk, behind)) {
+    fact->kind = KindOf(*piece);
+    fact->number = NumberOf(*piece, walk.argument->value);
     return;
   }
   if (picture) {
-    const uint32_t width = picture->form >> 8 & 0xFF, first = picture->form >> 16 & 0xFF, count = picture->form >> 24;
     fact->kind = ValueKind::kNumber;
-    fact->number = picture->value >> (width - first - count) & ((uint64_t{1} << count) - 1);
+    fact->number = NumberOfPicture(*picture);
     return;
   }
   if (made) {
@@ -311,12 +346,7 @@ void TakeValue(LineFacts* facts, LineFact* fact, const TextWalk& walk, uint32_t 
     return PutValue(facts, fact, made + label, madeLength - label);
   }
   char value[kMostValue];
-  FormatPiece first = *piece;
-  first.literalLength -= behind;
-  FormatPiece pieces[24] = {first};
-  for (int32_t i = 0; !IsNone(pieces[i]) && i < 22; ++i) pieces[i + 1] = piece[i + 1];
-  pieces[23] = FormatPiece{};
-  PutValue(facts, fact, value, FormatPieces(value, sizeof value, walk.text + behind, pieces, walk.argument));
+  PutValue(facts, fact, value, FormatRest(value, walk.text, piece, behind, walk.argument));
 }
 
 }  // namespace
@@ -438,32 +468,116 @@ LineFact FactToTry(LineFacts* facts) {
 // Keeps the answer for the text.
 void Note(LineFacts* facts, const char* text, const KnownProtocol& known, bool isPicture, bool isWanted) {
   const bool isAlwaysLeft = !isWanted && !known.first && !facts->question->asksForFrame;
-  facts->question->PlaceOf(text) = {text, known.protocol, isPicture, isWanted, isAlwaysLeft};
+  facts->question->PlaceOf(text) = {text, known.protocol, 0, isPicture, isWanted, isAlwaysLeft, {}, 0, 0, 0};
+}
+
+// Notes where the value of such lines stands, if the question does without the lines.
+void NoteValuePlace(const LineQuestion& question, const LineFact& label, const char* labelText, const char* text,
+                    const FormatPiece* pieces, const FormatArgument* arguments, const TextWalk& walk, uint32_t behind,
+                    bool isPicture, KnownLabel* place) {
+  if (!question.keysOf || label.labelLength == 0) return;
+  char key[kKeySize];
+  FormatKeyLabel(labelText, label.labelLength, key, sizeof key);
+  const uint64_t keys = question.keysOf(question.with, place->protocol, key);
+  if (keys == 0) return;
+  const ptrdiff_t piece = walk.argument - arguments, at = walk.text - text;
+  if (IsNumberValue(walk, behind)) {
+    place->value = ValuePlace::kArgument;
+  } else if (isPicture) {
+    place->value = ValuePlace::kPicture;
+  } else if (!IsNone(*walk.piece) && walk.piece == pieces + piece) {
+    place->value = ValuePlace::kText;
+  } else {
+    return;   // a text that is the same in every such line, or none
+  }
+  place->keys = keys;
+  place->piece = static_cast<uint8_t>(piece);
+  place->behind = static_cast<uint16_t>(behind);
+  place->at = static_cast<uint16_t>(at);
+}
+
+bool IsBehindLabel(const char* text, uint32_t length) {
+  for (uint32_t i = 0; i < length; ++i) {
+    if (text[i] != ' ' && text[i] != ':' && text[i] != '=' && text[i] != ',') return false;
+  }
+  return true;
+}
+
+// The address that is all of a value; null for other texts.
+const uint8_t* AddressIn(const FormatPiece* piece, const char* text, uint32_t behind, const FormatArgument& argument,
+                         int32_t* length) {
+  if ((argument.form & 0xFF) != FormatArgument::kAddress || !IsText(*piece) || piece->precision != 0 || !IsNone(piece[1]) ||
+      piece[1].literalLength != 0 || !IsBehindLabel(text + behind, piece->literalLength - behind)) {
+    return nullptr;
+  }
+  switch (static_cast<AddressForm>(argument.form >> 8)) {
+    case AddressForm::kIPv4: *length = 4; break;
+    case AddressForm::kMac: *length = 6; break;
+    case AddressForm::kIPv6: *length = 16; break;
+  }
+  return reinterpret_cast<const uint8_t*>(static_cast<uintptr_t>(argument.value));
+}
+
+// Whether the question took the value of the line.
+bool TakesValue(const View* view, const KnownLabel& place, const char* text, const FormatPiece* pieces,
+                const FormatArgument* arguments) {
+  const LineQuestion& question = *view->context->facts->question;
+  if (place.value == ValuePlace::kNowhere || view->context->packet.linesLeft <= 0) return false;
+  GivenValue value{};
+  char made[kMostValue];
+  const FormatArgument& argument = arguments[place.piece];
+  switch (place.value) {
+    case ValuePlace::kNowhere: return false;
+    case ValuePlace::kArgument:
+      value.kind = KindOf(pieces[place.piece]);
+      value.number = NumberOf(pieces[place.piece], argument.value);
+      break;
+    case ValuePlace::kPicture:
+      value.kind = ValueKind::kNumber;
+      value.number = NumberOfPicture(*arguments);
+      break;
+    case ValuePlace::kText: {
+      const FormatPiece* piece = pieces + place.piece;
+      value.kind = ValueKind::kText;
+      value.address = AddressIn(piece, text + place.at, place.behind, argument, &value.length);
+      if (value.address) break;
+      const std::string_view trimmed = TrimValue(made, FormatRest(made, text + place.at, piece, place.behind, &argument));
+      if (trimmed.empty()) return false;   // it may get one later
+      value.text = trimmed.data();
+      value.length = static_cast<int32_t>(trimmed.size());
+      break;
+    }
+  }
+  return question.take(question.taker, place.keys, value);
 }
 
 }  // namespace
 
-bool LeavesFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces, const FormatArgument* arguments) {
-  if (!view->context->packet.asked) [[likely]] return false;
+LineFate FateOfFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces,
+                         const FormatArgument* arguments) {
+  if (!view->context->packet.asked) [[likely]] return LineFate::kMade;
   LineFacts* facts = view->context->facts;
   KnownProtocol* known;
   bool isLeft;
-  if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
+  const auto fateOf = [](bool left) { return left ? LineFate::kLeft : LineFate::kMade; };
+  if (IsDecided(view, parent, &known, &isLeft)) return fateOf(isLeft);
   const bool isPicture = pieces->literalLength == 0 && IsText(*pieces) && (arguments->form & 0xFF) == FormatArgument::kBits;
   const KnownLabel& place = facts->question->PlaceOf(text);
-  if (place.text == text && place.protocol == known->protocol && place.isPicture == isPicture) return !place.isWanted;
-  if (!Reserve(facts, 0, kMostLabel)) return false;
+  if (place.text == text && place.protocol == known->protocol && place.isPicture == isPicture) {
+    return TakesValue(view, place, text, pieces, arguments) ? LineFate::kTaken : fateOf(!place.isWanted);
+  }
+  if (!Reserve(facts, 0, kMostLabel)) return LineFate::kMade;
   LineFact fact = FactToTry(facts);
   TextWalk walk{text, pieces, arguments};
+  std::optional<BehindPicture> behindPicture;
   uint32_t behind;
   int32_t fixed = 0;
   switch (StartOf(pieces, arguments)) {
-    case TextStart::kMade: return false;
-    case TextStart::kPicture: {
-      const BehindPicture rest(walk);
+    case TextStart::kMade: return LineFate::kMade;
+    case TextStart::kPicture:
+      behindPicture.emplace(walk);
       fixed = TakeLabel(facts, &fact, walk, &behind);
       break;
-    }
     case TextStart::kLabel: fixed = TakeLabel(facts, &fact, walk, &behind);
   }
   const bool isFixed = fixed == kWholeLabel;
@@ -471,11 +585,14 @@ bool LeavesFormatted(View* view, LineHandle parent, const char* text, const Form
   start.labelLength = fixed;
   if (!isFixed && fixed > 0 && LeavesLabelOf(facts, *known, start, true)) {
     Note(facts, text, *known, isPicture, false);
-    return true;
+    return LineFate::kLeft;
   }
   isLeft = LeavesLabelOf(facts, *known, fact);
   if (isFixed) Note(facts, text, *known, isPicture, !isLeft);
-  return isLeft;
+  if (!isFixed || isLeft) return fateOf(isLeft);
+  KnownLabel& noted = facts->question->PlaceOf(text);
+  NoteValuePlace(*facts->question, fact, facts->text + fact.label, text, pieces, arguments, walk, behind, isPicture, &noted);
+  return TakesValue(view, noted, text, pieces, arguments) ? LineFate::kTaken : LineFate::kMade;
 }
 
 bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length, bool isFixed) {
@@ -509,8 +626,22 @@ bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed)
   LineFact fact = FactToTry(facts);
   PutLabel(facts, &fact, label, std::strlen(label));
   isLeft = LeavesLabelOf(facts, *known, fact);
-  if (isFixed) Note(facts, label, *known, false, !isLeft);
-  return isLeft;
+  if (!isFixed) return isLeft;
+  Note(facts, label, *known, false, !isLeft);
+  const LineQuestion& question = *facts->question;
+  if (isLeft || !question.keysOf) return isLeft;
+  char key[kKeySize];
+  FormatKeyLabel(label, static_cast<int32_t>(std::strlen(label)), key, sizeof key);
+  facts->question->PlaceOf(label).keys = question.keysOf(question.with, known->protocol, key);
+  return false;
+}
+
+bool TakesValueOf(const View* view, const char* label, const GivenValue& value) {
+  const DecodeContext& context = *view->context;
+  LineQuestion& question = *context.facts->question;
+  const KnownLabel& place = question.PlaceOf(label);
+  return place.text == label && place.protocol == context.packet.protocol && place.keys && context.packet.linesLeft > 0 &&
+         question.keysOf && question.take(question.taker, place.keys, value);
 }
 
 bool LeavesOthers(View* view) {
@@ -518,8 +649,9 @@ bool LeavesOthers(View* view) {
   return KnownProtocolOf(view->context->facts->question, view->context->packet.protocol).wanted != LinesWanted::kAll;
 }
 
-LineHandle CountLeftLine(View* view, LineHandle parent) {
+LineHandle CountLeftLine(View* view, LineHandle parent, LineFate fate) {
   const LineHandle counted = CountLine(view);
+  if (counted && fate == LineFate::kTaken) return kTakenLine;
   return counted && parent == kLeftFrameLine ? kLeftFrameLine : counted;
 }
 

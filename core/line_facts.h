@@ -60,11 +60,29 @@ struct KnownProtocol {
   LinesWanted wanted;
   bool first;
 };
+
+// A value that a question takes without the line: what LineFact would say of it. An address is given by its bytes alone.
+struct GivenValue {
+  ValueKind kind;
+  uint64_t number;
+  const uint8_t* address;   // null: a text's characters
+  const char* text;
+  int32_t length;           // of either
+};
+
+// Where the value of a line stands that was made of a text with conversions.
+enum class ValuePlace : uint8_t { kNowhere, kArgument, kPicture, kText };
+
 // Answers for the texts whose labels no argument changes.
 struct KnownLabel {
   const char *text, *protocol;
+  uint64_t keys;       // under which the question takes values; 0: it wants the line
   bool isPicture, isWanted;
   bool isAlwaysLeft;   // wherever such a line stands: its protocol's first line is not wanted either
+  ValuePlace value;
+  uint8_t piece;       // with which the value starts
+  uint16_t behind;     // so much of that piece's literal,
+  uint16_t at;         // which stands there in the text
 };
 
 // Who asks for some lines alone: the others are counted as if the context were silent. The answers are kept, so they must not
@@ -74,7 +92,14 @@ struct LineQuestion {
   LinesWanted (*ofProtocol)(const void* with, const char* protocol, bool* first);
   // Whether the line of this label is wanted, which is as keys have it and terminated; of a label's start whether one may be.
   bool (*ofLabel)(const void* with, const char* protocol, const char* label, bool isStart);
+  // The keys that lines of this label have, where their values do without the lines: then they are handed over, with those. None:
+  // the lines are wanted. Null: all are.
+  uint64_t (*keysOf)(const void* with, const char* protocol, const char* label);
+  // Takes a value; false: its line is wanted all the same.
+  bool (*take)(void* taker, uint64_t keys, const GivenValue& value);
   const void* with;
+  void* taker;
+  bool isUndone;       // a line that was taken got another value: the frame is to be asked anew, by a question that takes none
 
   uint64_t frame;      // counts those that were asked
   bool asksForFrame;   // for lines of the frame itself
@@ -155,15 +180,21 @@ inline bool OnlyTells(const View* view) {
   return true;
 }
 
+// What becomes of a line that is about to be added.
+enum class LineFate : uint8_t { kMade, kLeft, kTaken };
+
 // Whether a question leaves the line out that is about to be added: one made of a text with conversions, of a text that was
 // made before, of a label of its own (`isFixed`: wherever it stands, that text never changes), or without a fact.
-bool LeavesFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces, const FormatArgument* arguments);
+LineFate FateOfFormatted(View* view, LineHandle parent, const char* text, const FormatPiece* pieces,
+                         const FormatArgument* arguments);
 bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length, bool isFixed = false);
 bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed);
+// Whether the question takes the value of a line that LeavesLabel does not leave, whose label never changes.
+bool TakesValueOf(const View* view, const char* label, const GivenValue& value);
 bool LeavesOthers(View* view);
 
 // Counts a line that is left out towards the frame's bound; the parent of its children.
-LineHandle CountLeftLine(View* view, LineHandle parent);
+LineHandle CountLeftLine(View* view, LineHandle parent, LineFate fate = LineFate::kLeft);
 
 // Whether a question was asked about a line of this text before, which is left out wherever it stands: all that most lines of a
 // protocol of which something is asked about need.
@@ -175,7 +206,7 @@ inline bool IsKnownToBeLeft(const DecodeContext& context, const char* text, bool
 // Whether a line is not in the tree: those that a question or a count left out.
 inline bool WasLeft(const View* view, LineHandle line) {
   const LineFacts* facts = view->context->facts;
-  return facts && (facts->question || facts->tell) && (line == kLineOutsideDisplay || line == kLeftFrameLine);
+  return facts && (facts->question || facts->tell) && line >= kLineOutsideDisplay && line <= kTakenLine;
 }
 
 // The fact of a line's index in the range table; null when there is none.

@@ -151,6 +151,23 @@ void NoteRow(const RowWalk& walk, LineHandle line, const RowData& row, const Fie
   NoteText(view, line, label, value, FormatPieces(value, sizeof value, "", pieces, &argument));
 }
 
+// Numbers and addresses are handed over without their lines where a question takes them.
+bool QuestionTakes(const RowWalk& walk, const RowData& row, const Field& field) {
+  if (!PacketOf(walk.at).asked || !row.label) return false;
+  GivenValue value{};
+  if (IsNumber(row.form) && row.form != RowForm::kFloat) {
+    value.kind = row.form == RowForm::kSigned ? ValueKind::kSigned : ValueKind::kNumber;
+    value.number = ShownNumber(walk, row, field);
+  } else if (row.form == RowForm::kAddress && (field.length == 4 || field.length == 6 || field.length == 16)) {
+    value.kind = ValueKind::kText;
+    value.address = field.bytes;
+    value.length = field.length;
+  } else {
+    return false;
+  }
+  return TakesValueOf(walk.at.view, row.label, value);
+}
+
 LineHandle AddRowLine(const RowWalk& walk, const RowData& row, const Field& field) {
   const Place& at = walk.at;
   if (row.form == RowForm::kBytes && field.length > kMostShownBytes) {
@@ -159,6 +176,7 @@ LineHandle AddRowLine(const RowWalk& walk, const RowData& row, const Field& fiel
   if (Silent(at) || OnlyTells(at.view)) return CountSilentLine(at);
   const LineHandle parent = row.form == RowForm::kBits ? walk.parent : at.parent;
   if (LeavesLabel(at.view, parent, row.label ? row.label : walk.title, row.label != nullptr)) return CountLeftLine(at.view, parent);
+  if (QuestionTakes(walk, row, field)) return CountLeftLine(at.view, parent, LineFate::kTaken);
   RowArguments arguments;
   Arrange(arguments, row.line, row, walk, field);
   const int32_t image = row.form == RowForm::kBits ? kBitFieldImage : LevelImage(at.level);

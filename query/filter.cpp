@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/bounded_text.h"
 #include "core/budgets.h"
 #include "host/text.h"
 
@@ -154,7 +155,7 @@ class FilterParser {
   }
 
   int32_t Add(NodeKind kind, int32_t left, int32_t right) {
-    filter_.nodes_.push_back({kind, {}, left, right, 0, 0});
+    filter_.nodes_.push_back({kind, {}, left, right, 0, 0, false});
     return static_cast<int32_t>(filter_.nodes_.size() - 1);
   }
 
@@ -288,39 +289,125 @@ class FilterParser {
 
 std::unique_ptr<Filter> Filter::Parse(std::string_view expression, FilterFault* fault) {
   auto filter = std::make_unique<Filter>();
+  filter->takes_ = true;
   return filter->Add(expression, fault) < 0 ? nullptr : std::move(filter);
 }
 
 int32_t Filter::Add(std::string_view expression, FilterFault* fault) {
-  return FilterParser(expression, this, fault).Parse() ? root_ : -1;
+  const int32_t root = FilterParser(expression, this, fault).Parse() ? root_ : -1;
+  if (takes_) PrepareTaking();
+  return root;
+}
+
+// Numbers are compared with numbers without their lines, which names want.
+void Filter::PrepareTaking() {
+  taking_.assign(static_cast<size_t>(keys_.Count()), {});
+  for (uint32_t i = 0; i < nodes_.size(); ++i) {
+    const Node& node = nodes_[i];
+    const bool isOfKeys = node.kind == NodeKind::kCompareKeys;
+    if (node.kind != NodeKind::kPresent && node.kind != NodeKind::kCompare && node.kind != NodeKind::kIn && !isOfKeys) continue;
+    Taking& taking = taking_[static_cast<size_t>(node.left)];
+    if (isOfKeys) {
+      taking.mayTake = taking_[static_cast<size_t>(node.right)].mayTake = false;
+      continue;
+    }
+    taking.tests.push_back(i);
+    const bool isOfText = node.kind == NodeKind::kCompare &&
+                          (node.comparison == Comparison::kContains || node.comparison == Comparison::kMatches);
+    taking.wantsNumbersLines |= isOfText;
+    for (uint32_t literal = node.first; literal < node.first + node.count; ++literal) {
+      taking.wantsNumbersLines |= !literals_[literal].IsQuantity();
+    }
+  }
+  hasTaken_ = false;
+  keys_.HandValuesTo(this);
+}
+
+void Filter::ForgetTaken() {
+  if (!hasTaken_) return;
+  hasTaken_ = false;
+  for (Taking& taking : taking_) taking.seen = false;
+  for (Node& node : nodes_) node.held = false;
+}
+
+// Of keys that somebody else asks for the values are wanted.
+bool Filter::MayTake(int32_t asked) const {
+  const size_t at = static_cast<size_t>(asked);
+  return at < taking_.size() && taking_[at].mayTake && !taking_[at].tests.empty();
+}
+
+bool Filter::CanTake(int32_t asked, const GivenValue& value) const {
+  return value.kind == ValueKind::kText || !taking_[static_cast<size_t>(asked)].wantsNumbersLines;
+}
+
+bool Filter::TestHolds(const Node& node, const AskedValue& value) const {
+  const Literal& literal = literals_[node.first];
+  if (node.kind == NodeKind::kCompare) {
+    if (node.comparison == Comparison::kContains) return literal.IsIn(value);
+    if (node.comparison == Comparison::kMatches) return literal.Matches(value);
+    return literal.Holds(node.comparison, value);
+  }
+  for (uint32_t i = node.first; i < node.first + node.count; i += 2) {
+    const Literal& from = literals_[i];
+    const Literal& to = literals_[i + 1];
+    if (from.Text() == to.Text() ? from.Holds(Comparison::kEqual, value)
+                                 : from.Holds(Comparison::kGreaterOrEqual, value) && to.Holds(Comparison::kLessOrEqual, value)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// The same of an address by its bytes, where these say it.
+bool Filter::HoldsOfAddress(const Node& node, const GivenValue& value, bool* isTold) const {
+  if (node.kind == NodeKind::kCompare && node.comparison != Comparison::kContains && node.comparison != Comparison::kMatches) {
+    return literals_[node.first].HoldsOfAddress(node.comparison, value.address, value.length, isTold);
+  }
+  return *isTold = false;
+}
+
+void Filter::Take(int32_t asked, const GivenValue& value) {
+  Taking& taking = taking_[static_cast<size_t>(asked)];
+  taking.seen = hasTaken_ = true;
+  AskedValue told;
+  char made[kIPv6TextSize];
+  const auto tell = [&] {
+    told.number = value.number;
+    told.kind = value.kind == ValueKind::kNumber ? AskedKind::kNumber : AskedKind::kSigned;
+    if (value.kind != ValueKind::kText) return;
+    told.kind = AskedKind::kText;
+    if (!value.address) {
+      told.text = {value.text, static_cast<size_t>(value.length)};
+    } else {
+      const int32_t length = value.length == 4   ? FormatIPv4(value.address, made)
+                             : value.length == 6 ? FormatMac(value.address, made)
+                                                 : FormatIPv6(value.address, made);
+      told.text = {made, static_cast<size_t>(length)};
+    }
+  };
+  for (const uint32_t test : taking.tests) {
+    Node& node = nodes_[test];
+    if (node.held || node.kind == NodeKind::kPresent) continue;
+    bool isTold = false;
+    if (value.address) node.held = HoldsOfAddress(node, value, &isTold);
+    if (isTold) continue;
+    if (told.kind == AskedKind::kNone) tell();
+    node.held = TestHolds(node, told);
+  }
+}
+
+bool Filter::HasSeen(int32_t key) const {
+  const size_t at = static_cast<size_t>(key);
+  return !keys_.ValuesOf(key).empty() || (at < taking_.size() && taking_[at].seen);
 }
 
 // "Unequal" holds where there is a value and none is equal: "not one of the addresses", for keys of several values.
 bool Filter::ComparisonHolds(const Node& node) const {
   const std::vector<AskedValue>& values = keys_.ValuesOf(node.left);
-  const auto holds = [&](const AskedValue& value) {
-    const Literal& literal = literals_[node.first];
-    if (node.comparison == Comparison::kContains) return literal.IsIn(value);
-    if (node.comparison == Comparison::kMatches) return literal.Matches(value);
-    return literal.Holds(node.comparison, value);
-  };
-  if (node.comparison == Comparison::kUnequal) return !values.empty() && std::none_of(values.begin(), values.end(), holds);
-  return std::any_of(values.begin(), values.end(), holds);
-}
-
-bool Filter::IsIn(const Node& node) const {
-  const std::vector<AskedValue>& values = keys_.ValuesOf(node.left);
-  return std::any_of(values.begin(), values.end(), [&](const AskedValue& value) {
-    for (uint32_t i = node.first; i < node.first + node.count; i += 2) {
-      const Literal& from = literals_[i];
-      const Literal& to = literals_[i + 1];
-      if (from.Text() == to.Text() ? from.Holds(Comparison::kEqual, value)
-                                   : from.Holds(Comparison::kGreaterOrEqual, value) && to.Holds(Comparison::kLessOrEqual, value)) {
-        return true;
-      }
-    }
-    return false;
-  });
+  const bool holds =
+      node.held || std::any_of(values.begin(), values.end(), [&](const AskedValue& value) { return TestHolds(node, value); });
+  if (node.kind == NodeKind::kCompare && node.comparison == Comparison::kUnequal) return !holds && HasSeen(node.left);
+  return holds;
 }
 
 bool Filter::HoldsAt(int32_t index) const {
@@ -329,9 +416,9 @@ bool Filter::HoldsAt(int32_t index) const {
     case NodeKind::kAnd: return HoldsAt(node.left) && HoldsAt(node.right);
     case NodeKind::kOr: return HoldsAt(node.left) || HoldsAt(node.right);
     case NodeKind::kNot: return !HoldsAt(node.left);
-    case NodeKind::kPresent: return !keys_.ValuesOf(node.left).empty();
-    case NodeKind::kCompare: return ComparisonHolds(node);
-    case NodeKind::kIn: return IsIn(node);
+    case NodeKind::kPresent: return HasSeen(node.left);
+    case NodeKind::kCompare:
+    case NodeKind::kIn: return ComparisonHolds(node);
     case NodeKind::kCompareKeys: break;
   }
   const std::vector<AskedValue>&left = keys_.ValuesOf(node.left), &right = keys_.ValuesOf(node.right);

@@ -18,6 +18,11 @@ void Say(std::string* wrong, const char* text) {
   if (wrong) *wrong = text;
 }
 
+uint64_t NewVersion() {
+  static std::atomic<uint64_t> versions{0};
+  return ++versions;
+}
+
 std::string_view ProtocolOf(std::string_view key) { return key.substr(0, key.find('.')); }
 
 // Whether some line has a key of this protocol.
@@ -80,8 +85,7 @@ uint32_t KeyQuery::PartOf(std::string_view protocol, std::string_view label) {
   if (label.empty()) wholeProtocols_ |= uint64_t{1} << parts_.size();
   parts_.push_back({std::string(protocol), std::string(label)});
   byProtocol_.clear();
-  static std::atomic<uint64_t> versions{0};
-  version_ = ++versions;
+  version_ = NewVersion();
   return static_cast<uint32_t>(parts_.size() - 1);
 }
 
@@ -107,6 +111,7 @@ bool KeyQuery::AddPath(std::string_view path, Asked* asked, std::string* wrong) 
   }
   if (parts.empty()) return Say(wrong, "a key is wanted"), false;
   for (const uint32_t part : parts) parts_[part].isOnPath |= parts.size() > 1;
+  asked->parts |= uint64_t{1} << parts.back();
   return asked->paths.push_back(std::move(parts)), true;
 }
 
@@ -118,7 +123,7 @@ int32_t KeyQuery::Ask(std::string_view name, std::string* wrong) {
   for (int32_t i = 0; i < Count(); ++i) {
     if (asked_[static_cast<size_t>(i)].name == name && i != everyLine_) return i;
   }
-  Asked asked{std::string(name), {}, {}, {}};
+  Asked asked{std::string(name), {}, {}, {}, 0};
   const KeyAlias* alias = FindKeyAlias(name);
   const std::string lower = Lower(name);
   if (!alias) alias = FindKeyAlias(lower);
@@ -189,6 +194,37 @@ bool KeyQuery::WantsLabel(const char* protocol, const char* label, bool isStart)
     if (isStart && wanted.starts_with(given)) return true;
   }
   return false;
+}
+
+void KeyQuery::HandValuesTo(ValueTaker* taker) {
+  taker_ = taker;
+  version_ = NewVersion();   // what was known of labels may be known otherwise
+}
+
+// Of a whole protocol one line is wanted, whatever its label.
+uint64_t KeyQuery::KeysToTake(const char* protocol, const char* label) const {
+  if (!taker_ || everyLine_ >= 0) return 0;
+  uint64_t keys = 0;
+  for (uint32_t i = 0; i < parts_.size(); ++i) {
+    const Part& part = parts_[i];
+    if (part.protocol != protocol) continue;
+    if (part.label.empty() || part.isOnPath) return 0;
+    if (part.label == label) keys |= uint64_t{1} << i;
+  }
+  for (int32_t i = 0; i < Count(); ++i) {
+    if ((asked_[static_cast<size_t>(i)].parts & keys) && !taker_->MayTake(i)) return 0;
+  }
+  return keys;
+}
+
+bool KeyQuery::Take(uint64_t keys, const GivenValue& value) {
+  for (int32_t i = 0; i < Count(); ++i) {
+    if ((asked_[static_cast<size_t>(i)].parts & keys) && !taker_->CanTake(i, value)) return false;
+  }
+  for (int32_t i = 0; i < Count(); ++i) {
+    if (asked_[static_cast<size_t>(i)].parts & keys) taker_->Take(i, value);
+  }
+  return true;
 }
 
 const std::vector<uint32_t>& KeyQuery::PartsOf(const char* protocol) {

@@ -34,6 +34,20 @@ class PacketTold {
   ~PacketTold() = default;
 };
 
+// Who compares values as they come, so that most lines need not be made.
+class ValueTaker {
+ public:
+  // The values that were taken are of another packet from now on.
+  virtual void ForgetTaken() = 0;
+  // Whether the values of a key that was asked for may be taken, and whether one of them was.
+  virtual bool MayTake(int32_t asked) const = 0;
+  virtual bool CanTake(int32_t asked, const GivenValue& value) const = 0;
+  virtual void Take(int32_t asked, const GivenValue& value) = 0;
+
+ protected:
+  ~ValueTaker() = default;
+};
+
 class KeyQuery {
  public:
   // The number under which the values of this key are collected; -1 when there is no such key, then *wrong says why unless it is
@@ -64,6 +78,17 @@ class KeyQuery {
   // Another one for every set of keys, of whatever query.
   uint64_t Version() const { return version_; }
 
+  // Values are handed over instead of collected wherever that can be.
+  void HandValuesTo(ValueTaker* taker);
+  // A packet is asked from here on.
+  void Begin() {
+    if (taker_) taker_->ForgetTaken();
+  }
+  // The keys of a label whose lines' values may be taken, as a mask; 0 when one of them may not.
+  uint64_t KeysToTake(const char* protocol, const char* label) const;
+  // False when the line is wanted all the same.
+  bool Take(uint64_t keys, const GivenValue& value);
+
   // Collects the values of a packet whose lines are in the tree, with their facts; they are good until the tree changes.
   void Collect(const DecodeContext& context, const ArenaTree& tree, PacketTold& told);
   const std::vector<AskedValue>& ValuesOf(int32_t asked) const { return asked_[static_cast<size_t>(asked)].values; }
@@ -85,6 +110,7 @@ class KeyQuery {
     std::vector<Path> paths;   // any of them
     std::vector<Own> own;
     std::vector<AskedValue> values;
+    uint64_t parts = 0;      // of its paths
   };
   struct ProtocolParts {
     const char* protocol;   // as the facts point to it
@@ -109,6 +135,7 @@ class KeyQuery {
   int32_t everyLine_ = -1;
   bool asksForProtocols_ = false;
   uint64_t version_ = 0;
+  ValueTaker* taker_ = nullptr;
   std::string protocols_;   // "eth:ip:udp:dns"
 };
 

@@ -47,9 +47,9 @@ class PartialTree final : public DecodeTree {
   void HoldRedraw(bool) override {}
 
  private:
-  // Above kLineOutsideDisplay, which is the handle of every line that is not here.
+  // Above kLineOutsideDisplay and what stands behind it, the handles of lines that are not here.
   static constexpr LineHandle kFirst = LineHandle{1} << 16;
-  static_assert(kFirst > kLineOutsideDisplay);
+  static_assert(kFirst > kTakenLine);
   static LineHandle Outer(LineHandle inner) { return inner ? inner + kFirst : 0; }
   static LineHandle Inner(LineHandle outer) { return outer > kFirst ? outer - kFirst : 0; }
   static bool IsElsewhere(LineHandle line) { return line != 0 && Inner(line) == 0; }

@@ -54,8 +54,21 @@ bool IsPlain(const ReachedLayer& reached) {
 LinesWanted ProtocolForQuery(const void* query, const char* protocol, bool* first) {
   return static_cast<const KeyQuery*>(query)->Wants(protocol, first);
 }
+uint64_t KeysForQuery(const void* query, const char* protocol, const char* label) {
+  return static_cast<const KeyQuery*>(query)->KeysToTake(protocol, label);
+}
+bool TakeForQuery(void* query, uint64_t keys, const GivenValue& value) {
+  return static_cast<KeyQuery*>(query)->Take(keys, value);
+}
 bool LabelForQuery(const void* query, const char* protocol, const char* label, bool isStart) {
   return static_cast<const KeyQuery*>(query)->WantsLabel(protocol, label, isStart);
+}
+
+// The lines are made from now on, of frames that are asked.
+void TakeNoValues(LineQuestion* question) {
+  question->keysOf = nullptr;
+  question->isUndone = false;
+  for (KnownLabel& label : question->labels) label.value = ValuePlace::kNowhere;
 }
 
 }  // namespace
@@ -119,16 +132,23 @@ void Probe::Decode(const FrameRecord* record, const Use& use, bool headersAlone)
 }
 
 // The answers of the queries that were asked last are kept: a filter and the columns take turns.
-LineQuestion* Probe::QuestionOf(const KeyQuery& query) {
+LineQuestion* Probe::QuestionOf(KeyQuery& query) {
   for (Asked& asked : asked_) {
-    if (asked.question && asked.version == query.Version()) return asked.question->with = &query, asked.question.get();
+    if (!asked.question || asked.version != query.Version()) continue;
+    asked.question->with = asked.question->taker = &query;
+    return asked.question.get();
   }
   Asked& oldest = asked_[next_++ % asked_.size()];
   oldest.version = query.Version();
   oldest.question = std::make_unique<LineQuestion>();
   oldest.question->ofProtocol = ProtocolForQuery;
   oldest.question->ofLabel = LabelForQuery;
-  oldest.question->with = &query;
+  oldest.question->with = oldest.question->taker = &query;
+  // Lines that a user's library adds it may take back.
+  if (!session_.GetView()->engine->libraries.handles[0]) {
+    oldest.question->keysOf = KeysForQuery;
+    oldest.question->take = TakeForQuery;
+  }
   return oldest.question.get();
 }
 
@@ -138,10 +158,12 @@ bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
     if (!ListProtocols(record, &protocols)) return false;
     query.TakeProtocols(protocols);
   }
+  query.Begin();
   const auto collect = [&] { query.Collect(session_.Context(), tree_.Lines(), told); };
   if (!query.AsksForLines()) return collect(), true;
   MakeFacts();
-  AskFrame(facts_, query.AsksForEveryLine() ? nullptr : QuestionOf(query));
+  LineQuestion* const question = query.AsksForEveryLine() ? nullptr : QuestionOf(query);
+  AskFrame(facts_, question);
   bool isWhole = false;
   if (MayReadHeadersAlone(query)) {
     const auto collectWhole = [&] {
@@ -150,7 +172,16 @@ bool Probe::Ask(KeyQuery& query, const FrameRecord* record, PacketTold& told) {
     };
     Decode(record, collectWhole, true);
   }
-  if (!isWhole) Decode(record, collect);
+  if (!isWhole) {
+    query.Begin();
+    Decode(record, collect);
+  }
+  if (question && question->isUndone) {
+    TakeNoValues(question);
+    query.Begin();
+    AskFrame(facts_, question);
+    Decode(record, collect);
+  }
   AskFrame(facts_, nullptr);
   return true;
 }

@@ -30,7 +30,7 @@ class Probe {
   void Decode(const FrameRecord* record, const Use& use, bool headersOnly = false);
   bool MayReadHeadersAlone(const KeyQuery& query) const;
 
-  LineQuestion* QuestionOf(const KeyQuery& query);
+  LineQuestion* QuestionOf(KeyQuery& query);
 
   struct Asked {
     uint64_t version = 0;

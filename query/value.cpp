@@ -298,6 +298,17 @@ bool Literal::Holds(Comparison comparison, const AskedValue& value) const {
   return qxview::Holds(comparison, OrderOf(value.text, std::string_view(text_)));
 }
 
+bool Literal::HoldsOfAddress(Comparison comparison, const uint8_t* address, int32_t length, bool* isTold) const {
+  *isTold = address_.length == length;
+  if (!*isTold) return false;
+  NetworkAddress given;
+  given.length = length;
+  given.prefix = length * 8;
+  std::memcpy(given.bytes.data(), address, static_cast<size_t>(length));
+  if (comparison == Comparison::kEqual || comparison == Comparison::kUnequal) return PrefixHolds(address_, given);
+  return qxview::Holds(comparison, OrderOf(given, address_));
+}
+
 namespace {
 
 // Where a text is looked for: a text itself, of a number all that its line says behind the label.

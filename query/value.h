@@ -52,6 +52,8 @@ class Literal {
 
   // For order and equality, not kContains and kMatches.
   bool Holds(Comparison comparison, const AskedValue& value) const;
+  // The same of an address by its bytes; *isTold: whether they say it.
+  bool HoldsOfAddress(Comparison comparison, const uint8_t* address, int32_t length, bool* isTold) const;
   bool IsIn(const AskedValue& value) const;   // contains
   bool Matches(const AskedValue& value) const;
   const std::string& Text() const { return text_; }

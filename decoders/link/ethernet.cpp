@@ -75,11 +75,12 @@ int32_t DecodeMacHeader(const Place& at, Cursor c) {
   }
   const LineHandle top =
       AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",
-              CheckAlias(at.view, 0, PeekBytes(c, kMacAddressLength, kMacAddressLength).bytes),
-              CheckAlias(at.view, 0, PeekBytes(c, 0, kMacAddressLength).bytes));
+              NamedMac(at.view, PeekBytes(c, kMacAddressLength, kMacAddressLength).bytes),
+              NamedMac(at.view, PeekBytes(c, 0, kMacAddressLength).bytes));
   const Place in = Under(at, top);
-  AddAddress(in, TakeBytes(c, kMacAddressLength), "Destination");
-  AddAddress(in, TakeBytes(c, kMacAddressLength), "Source");
+  const Field destination = TakeBytes(c, kMacAddressLength), source = TakeBytes(c, kMacAddressLength);
+  AddLine(in, destination, "Destination: %s", NamedMac(in.view, destination.bytes));
+  AddLine(in, source, "Source: %s", NamedMac(in.view, source.bytes));
   DecodeEthernetHeader(in, c);
   return 1;
 }

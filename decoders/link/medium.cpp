@@ -28,7 +28,7 @@ void AddClosingSummaryLines(const Place& in, const Cursor& frame, OriginalNumber
 }
 
 void AddAddress(const Place& in, const Field& address, const char* label) {
-  if (address.here) AddLine(in, address, "%s: %s", label, CheckAlias(in.view, 0, address.bytes));
+  if (address.here) AddLine(in, address, "%s: %s", label, NamedMac(in.view, address.bytes));
 }
 
 }  // namespace qxview
