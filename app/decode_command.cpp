@@ -36,17 +36,19 @@ int Decode(const DecodeOptions& options) {
   const bool asText = options.format == Format::kText, asJson = options.format == Format::kJson;
   const int status = ForEachRun(options.reading, [&](PacketRun& captured) {
     captured.ShowNotes(options.time);
-    if (asJson && options.keys) captured.ListPackets();
     captured.ForEachWritten(*out, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
       Session& session = run.GetSession();
+      const bool lists = asJson && options.keys;
+      if (lists) run.ListPackets();
       if ((options.keys || !options.shape.only.empty()) && !KeepFacts(&session.Context(), true)) hasMemory = false;
       if (asText) session.SetOutput(kSaveMode, to.File());
       if (options.reading.prefixFile && !asJson) run.PrefixLines(&to);
-      return [&](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
+      return [&, lists](const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
         if (!hasMemory) return false;
         if (asJson) {
           const char* const file = options.reading.prefixFile ? frame.file : nullptr;
-          WriteJson(to, session, {record, frame.number, handled, options.bytes, options.keys, file, &options.shape, run.Listing()});
+          const PacketListing* const listing = lists ? &run.Listing() : nullptr;
+          WriteJson(to, session, {record, frame.number, handled, options.bytes, options.keys, file, &options.shape, listing});
         } else if (!asText) {
           // Of several threads only the first packet's knows that nothing stands in front.
           if (first) first = false; else to.Put('\n');

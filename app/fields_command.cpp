@@ -27,7 +27,10 @@ class FieldColumns {
       : options_(options), time_(options.time), writer_(out, options.format, Names(options)) {
     std::string wrong;
     for (const std::string& key : options.keys) asked_.push_back(query_.Ask(key, &wrong));
-    if (!options.noHeader) writer_.PutHeader();
+  }
+
+  void PutHeader() {
+    if (!options_.noHeader) writer_.PutHeader();
   }
 
   KeyQuery& Query() { return query_; }
@@ -87,13 +90,21 @@ class FieldColumns {
 int Fields(const FieldsOptions& options) {
   if (options.keys.empty()) return Tell("fields: -e KEY is missing: what the columns show"), kUsage;
   auto out = std::make_unique<Output>();
-  FieldColumns columns(options, *out);
-  if (const std::string doubt = columns.Query().DoubtfulKeys(); !doubt.empty()) Tell("fields: note: " + doubt);
-  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
-    run.ForEachAsked(columns.Query(), [&](const FrameRecord*, const CaptureFrame& frame) {
-      columns.Put(frame, run.Times());
-      if (options.reading.flushEachPacket) out->Flush();
-      return !out->Failed();
+  FieldColumns first(options, *out);
+  first.PutHeader();
+  if (const std::string doubt = first.Query().DoubtfulKeys(); !doubt.empty()) Tell("fields: note: " + doubt);
+  const int status = ForEachRun(options.reading, [&](PacketRun& captured) {
+    std::vector<std::unique_ptr<FieldColumns>> more;   // one a further thread
+    captured.ForEachWritten(*out, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
+      const bool isFirst = &to == out.get();
+      if (!isFirst) more.push_back(std::make_unique<FieldColumns>(options, to));
+      FieldColumns& columns = isFirst ? first : *more.back();
+      run.AskPackets(&columns.Query());
+      return [&](const FrameRecord*, const CaptureFrame& frame, int32_t) {
+        columns.Put(frame, run.Times());
+        if (options.reading.flushEachPacket) to.Flush();
+        return !to.Failed();
+      };
     });
     return !out->Failed();
   });

@@ -168,9 +168,8 @@ class PacketList {
 class DataList {
  public:
   DataList(const ListOptions& options, Output& out)
-      : options_(options), time_(options.time), writer_(out, options.format, Names(options)) {
-    writer_.PutHeader();
-  }
+      : options_(options), time_(options.time), writer_(out, options.format, Names(options)) {}
+  void PutHeader() { writer_.PutHeader(); }
   void Put(PacketRun& run, const FrameRecord* record, const CaptureFrame& frame) {
     ShownPacket packet(run.GetSession(), run.Host().Record());
     packet.Take(record, frame.number, true);
@@ -203,13 +202,16 @@ class DataList {
 
 int ListAsData(const ListOptions& options) {
   auto out = std::make_unique<Output>();
-  DataList list(options, *out);
-  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
-    run.GetSession().DecodeHeadersOnly();
-    run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
-      list.Put(run, record, frame);
-      if (options.reading.flushEachPacket) out->Flush();
-      return !out->Failed();
+  DataList(options, *out).PutHeader();
+  const int status = ForEachRun(options.reading, [&](PacketRun& captured) {
+    captured.ForEachWritten(*out, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
+      run.SummarizePackets();
+      const auto list = std::make_shared<DataList>(options, to);
+      return [&, list](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+        list->Put(run, record, frame);
+        if (options.reading.flushEachPacket) to.Flush();
+        return !to.Failed();
+      };
     });
     return !out->Failed();
   });
@@ -217,23 +219,43 @@ int ListAsData(const ListOptions& options) {
   return out->Failed() ? OutputFault() : status;
 }
 
+// The table's widths come from the rows so far, so that they are one thread's.
+void ListAsTable(const ListOptions& options, PacketRun& run, Output& out) {
+  run.GetSession().DecodeHeadersOnly();
+  PacketList list(options, run, out);
+  SetIdleAction([](void* with) { static_cast<PacketList*>(with)->Show(); }, &list);
+  run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+    list.Put(record, frame.number);
+    if (options.reading.flushEachPacket) list.Show();
+    return !out.Failed();
+  });
+  SetIdleAction(nullptr, nullptr);
+  list.Show();
+}
+
+void ListInColumns(const ListOptions& options, PacketRun& captured, Output& out) {
+  captured.ForEachWritten(out, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
+    run.SummarizePackets();
+    if (options.reading.prefixFile) run.PrefixLines(&to);
+    const auto list = std::make_shared<PacketList>(options, run, to);
+    return [&, list](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+      list->Put(record, frame.number);
+      if (options.reading.flushEachPacket) to.Flush();
+      return !to.Failed();
+    };
+  });
+}
+
 int List(const ListOptions& options) {
   if (options.asData) return ListAsData(options);
   auto out = std::make_unique<Output>();
+  const bool asTable = options.wide || IsTerminal(StandardOutputFile());
   const int status = ForEachRun(options.reading, [&](PacketRun& run) {
-    run.GetSession().DecodeHeadersOnly();
     if (options.reading.prefixFile) run.PrefixLines(out.get());
-    PacketList list(options, run, *out);
-    SetIdleAction([](void* with) { static_cast<PacketList*>(with)->Show(); }, &list);
-    run.ForEach([&](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
-      list.Put(record, frame.number);
-      if (options.reading.flushEachPacket) list.Show();
-      return !out->Failed();
-    });
-    SetIdleAction(nullptr, nullptr);
-    list.Show();
+    if (asTable) ListAsTable(options, run, *out); else ListInColumns(options, run, *out);
     return !out->Failed();
   });
+  out->Flush();
   return out->Failed() ? OutputFault() : status;
 }
 

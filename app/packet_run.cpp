@@ -145,12 +145,11 @@ bool PacketRun::Matches(const CaptureFrame& frame) {
 // Whether the packet is one that --where asks for.
 bool PacketRun::Answers(const CaptureFrame& frame) {
   if (!where_) return true;
-  return Ask(where_->Keys(), frame) && where_->Holds();
+  return Ask(where_->Keys(), RecordOf(frame), frame.number) && where_->Holds();
 }
 
-bool PacketRun::Ask(KeyQuery& query, const CaptureFrame& frame) {
-  const FrameRecord* record = RecordOf(frame);
-  asked_->Take(record, frame.number);
+bool PacketRun::Ask(KeyQuery& query, const FrameRecord* record, uint64_t number) {
+  asked_->Take(record, number);
   wasDecoded_ |= query.AsksForLines() || query.AsksForProtocols();
   if (probe_->Ask(query, record, *asked_)) return true;
   status_ = kFileFault;
@@ -247,21 +246,57 @@ int32_t PacketRun::JobsThatPay() const {
   return options_->jobs > 0 ? options_->jobs : std::min(CountProcessors(), kMostUnasked);
 }
 
+void PacketRun::SummarizePackets() {
+  session_->DecodeHeadersOnly();
+  summarizes_ = true;
+}
+
 void PacketRun::ReadListing(const FrameRecord* record) {
   PacketAddresses addresses;
   char summary[kSummarySize], scratch[kMediumNameScratch];
   session_->ReadHeaders(record);
   FormatPacketAddresses(session_->Context().packet, host_->Record(), &addresses);
   SummarizePacket(session_->GetView(), summary, sizeof summary);
-  ownListing_ = {addresses.source, addresses.destination, ProtocolNameOf(session_->Context().packet, scratch), summary};
-  listing_ = &ownListing_;
+  listing_ = {addresses.source, addresses.destination, ProtocolNameOf(session_->Context().packet, scratch), summary};
+}
+
+// Makes of a packet what its handler wants; false when there is no memory.
+bool PacketRun::Make(const FrameRecord* record, const CaptureFrame& frame, int32_t* handled) {
+  *handled = 0;
+  if (query_) return Ask(*query_, record, frame.number);
+  *handled = session_->Decode(record);
+  if (lists_) ReadListing(record);
+  return true;
+}
+
+// As a question does, without lines.
+void PacketRun::PassAsked(const FrameRecord* record) {
+  if (query_->AsksForProtocols()) session_->Pass(record);
+  if (query_->AsksForLines()) session_->Pass(record);
+  wasDecoded_ |= query_->AsksForLines() || query_->AsksForProtocols();
+  if (query_->AsksForHeaders()) session_->ReadHeaders(record);
+  if (query_->AsksForSummary()) PassSummary(session_->GetView());
+}
+
+// Hands the packet on with what the look-ups gave that Make will ask for; they are those of Make in the same order.
+bool PacketRun::HandOn(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame) {
+  if (!workers.BeginPacket(record, frame)) return false;
+  if (query_) {
+    PassAsked(record);
+  } else {
+    session_->Pass(record);
+    if (summarizes_) workers.NoteHeaders();
+    if (lists_) session_->ReadHeaders(record);
+    if (summarizes_ || lists_) PassSummary(session_->GetView());
+  }
+  return workers.EndPacket();
 }
 
 int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
   Handler own = prepare(*this, out);
   const int32_t jobs = JobsThatPay();
   // Bytes of packets before others are started; the first packet is this thread's in any case.
-  const size_t alone = options_->jobs > 0 ? 0 : 64u << 10;
+  const size_t pays = MakesRows() ? 1u << 20 : 64u << 10, alone = options_->jobs > 0 ? 0 : pays;
   size_t shown = 0;
   std::unique_ptr<PacketWorkers> workers;
   bool tries = jobs > 1;
@@ -272,7 +307,7 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
       PassBy(frame);
       return host_->FinishPacket(), true;
     }
-    if (!FindFrameDecoder(record)) TellLinkType(frame);
+    if (!query_ && !FindFrameDecoder(record)) TellLinkType(frame);
     const FrameRecord* const noted = notes_ ? notes_->Add(record, frame, times_) : record;
     if (tries && shown > alone) {
       tries = false;
@@ -285,16 +320,13 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
       if (workers) SetIdleAction([](void* with) { static_cast<PacketWorkers*>(with)->Drain(); }, workers.get());
     }
     if (workers) {
-      if (!workers->BeginPacket()) return false;
-      session_->Pass(noted);
-      if (lists_) ReadListing(noted);
-      goOn = workers->EndPacket(noted, frame, lists_ ? listing_ : nullptr);
+      goOn = HandOn(*workers, noted, frame);
     } else {
       shown += noted->recordLength;
-      const int32_t handled = session_->Decode(noted);
-      if (lists_) ReadListing(noted);
-      goOn = own(noted, frame, handled);
+      int32_t handled;
+      goOn = Make(noted, frame, &handled) && own(noted, frame, handled);
     }
+    if (query_) PassBy(frame);
     host_->FinishPacket();
     return goOn;
   });
@@ -310,19 +342,21 @@ std::unique_ptr<PacketRun> PacketRun::MakeWorker(bool forThisThread) {
   worker->options_ = options_;
   worker->host_ = host_;
   worker->session_ = forThisThread ? session_ : Session::Create(host_->Record(), TellingLibraryLoader());
-  if (!worker->session_) worker.reset();
+  if (!worker->session_) return nullptr;
+  worker->asked_ = std::make_unique<ShownPacket>(*worker->session_, host_->Record());
+  worker->probe_ = std::make_unique<Probe>(*worker->session_);
   return worker;
 }
 
-void PacketRun::TakePacket(const CaptureFrame& frame, const PacketTimes& times, const PacketListing* listing) {
+void PacketRun::TakePacket(const CaptureFrame& frame, const PacketTimes& times) {
   times_ = times;
-  listing_ = listing;
   if (prefixed_) prefixed_->SetLinePrefix(frame.file);
 }
 
 int PacketRun::ForEachAsked(KeyQuery& query, const RecordHandler& handle) {
   return Pass([&](const CaptureFrame& frame, bool selected) {
-    const bool goOn = !selected || (Ask(query, frame) && handle(RecordOf(frame), frame));
+    const FrameRecord* record = RecordOf(frame);
+    const bool goOn = !selected || (Ask(query, record, frame.number) && handle(record, frame));
     PassBy(frame);
     host_->FinishPacket();
     return goOn;

@@ -19,6 +19,7 @@
 namespace qxview {
 
 class BpfFilter;
+class PacketWorkers;
 
 // What the packet list says of a packet.
 struct PacketListing {
@@ -47,16 +48,20 @@ class PacketRun {
   // a run and an Output of its own, all of them by this thread. A handler does not end the pass but by an Output that failed.
   using Prepare = std::function<Handler(PacketRun& run, Output& out)>;
   int ForEachWritten(Output& out, const Prepare& prepare);
-  // From now on the handlers get what the packet list says.
-  void ListPackets() { lists_ = true; }
-  const PacketListing* Listing() const { return listing_; }   // of the current packet, on its handler's run
+  // What a handler of ForEachWritten wants beside the packet's lines, or in place of them: told to its run while it is made.
+  void ListPackets() { lists_ = true; }                      // what the packet list says
+  void SummarizePackets();                                   // headers alone; the handler then calls SummarizePacket
+  void AskPackets(KeyQuery* query) { query_ = query; }       // its values alone, which it holds when the handler is called
+  const PacketListing& Listing() const { return listing_; }   // of the current packet
 
-  // For ForEachWritten: a run that is handed its packets, for this thread (with this run's session) or a further one; null when
+  // For PacketWorkers: a run that is handed its packets, for this thread (with this run's session) or a further one; null when
   // there is no memory.
   std::unique_ptr<PacketRun> MakeWorker(bool forThisThread);
-  void TakePacket(const CaptureFrame& frame, const PacketTimes& times, const PacketListing* listing);
+  void TakePacket(const CaptureFrame& frame, const PacketTimes& times);
+  bool Make(const FrameRecord* record, const CaptureFrame& frame, int32_t* handled);
+  bool MakesRows() const { return summarizes_ || query_; }   // of a packet, in place of its lines
 
-  // The same, for a query's values: its lines alone are made. `query` holds those of the packet when the handler is called.
+  // For a query's values, on this thread. `query` holds those of the packet when the handler is called.
   int ForEachAsked(KeyQuery& query, const RecordHandler& handle);
 
   // The same, with the short names of the packet's protocols, the outer ones first.
@@ -98,9 +103,11 @@ class PacketRun {
   }
   bool Matches(const CaptureFrame& frame);
   bool Answers(const CaptureFrame& frame);
-  bool Ask(KeyQuery& query, const CaptureFrame& frame);
+  bool Ask(KeyQuery& query, const FrameRecord* record, uint64_t number);
   void PassBy(const CaptureFrame& frame);
   int32_t JobsThatPay() const;
+  bool HandOn(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame);
+  void PassAsked(const FrameRecord* record);
   void ReadListing(const FrameRecord* record);
   void TellLinkType(const CaptureFrame& frame);
   void NoteTime(int64_t nanoseconds, bool isFirst, bool selected);
@@ -127,9 +134,9 @@ class PacketRun {
   bool hasShown_ = false;
   bool isShort_ = false;   // told
   std::unique_ptr<PacketNotes> notes_;
-  bool lists_ = false;
-  PacketListing ownListing_;
-  const PacketListing* listing_ = nullptr;
+  bool lists_ = false, summarizes_ = false;
+  KeyQuery* query_ = nullptr;
+  PacketListing listing_;
   Progress progress_;
 };
 

@@ -6,9 +6,15 @@
 namespace qxview {
 namespace {
 
-void Prefetch(const uint8_t* record) {
-  constexpr int32_t kLines = 6, kLineSize = 64;
-  for (int32_t i = 0; i < kLines; ++i) __builtin_prefetch(record + i * kLineSize);
+constexpr int32_t kCacheLine = 64;
+constexpr int32_t kMostAhead = 512;   // bytes of a record
+
+// What another processor wrote, or read last, comes from there while this one is at something else.
+void FetchToRead(const void* first, size_t size) {
+  for (size_t at = 0; at < size; at += kCacheLine) __builtin_prefetch(static_cast<const uint8_t*>(first) + at);
+}
+void FetchToWrite(const void* first, size_t size) {
+  for (size_t at = 0; at < size; at += kCacheLine) __builtin_prefetch(static_cast<const uint8_t*>(first) + at, 1);
 }
 
 }  // namespace
@@ -26,6 +32,7 @@ bool PacketWorkers::Start(int32_t count, const PacketRun::Prepare& prepare) {
   for (int32_t i = 0; i < count; ++i) {
     if (!AddWorker(prepare, i == 0)) return workers_.clear(), false;
   }
+  most_ = run_.MakesRows() ? kOfRows : kOfLines;
   for (size_t i = 0; i < kBatchesEach * static_cast<size_t>(count); ++i) {
     batches_.push_back(std::make_unique<Batch>());
     free_.push_back(batches_.back().get());
@@ -51,39 +58,61 @@ bool PacketWorkers::AwaitBatch() {
   return true;
 }
 
-bool PacketWorkers::BeginPacket() {
+bool PacketWorkers::BeginPacket(const FrameRecord* record, const CaptureFrame& frame) {
   if (!current_) {
     if (!AwaitBatch()) return false;
     current_->place = places_++;
     current_->records.clear();
     current_->packets.clear();
+    current_->headers.clear();
     current_->log.Clear();
   }
-  Packet packet{};
-  packet.answers = current_->log.End();
-  current_->packets.push_back(std::move(packet));
-  current_->log.Record(run_.GetSession().GetEngine());
-  return true;
-}
-
-bool PacketWorkers::EndPacket(const FrameRecord* record, const CaptureFrame& frame, const PacketListing* listing) {
-  current_->log.Record(nullptr);
-  if (!current_->log.Complete()) return Tell("no memory for what the packets' look-ups gave"), writer_.Fail(), false;
   constexpr size_t kAlignment = 8;
-  Packet& packet = current_->packets.back();
+  std::vector<uint8_t>& records = current_->records;
+  Packet& packet = current_->packets.emplace_back();
   packet.frame = frame;
   packet.frame.data = nullptr;   // the reader's, like these
   packet.frame.record = nullptr;
   packet.frame.interface = nullptr;
   packet.frame.options = {};
   packet.times = run_.Times();
-  if (listing) packet.listing = std::make_unique<PacketListing>(*listing);
-  std::vector<uint8_t>& records = current_->records;
   packet.record = (records.size() + kAlignment - 1) / kAlignment * kAlignment;
+  packet.answers = current_->log.End();
   records.resize(packet.record);
   const auto* bytes = reinterpret_cast<const uint8_t*>(record);
   records.insert(records.end(), bytes, bytes + record->recordLength);
-  const bool isFull = current_->packets.size() >= kBatchPackets || records.size() >= kBatchBytes;
+  FetchToWrite(records.data() + records.size(), kMostAhead);
+  FetchToWrite(&packet + 1, sizeof packet);
+  current_->log.Record(run_.GetSession().GetEngine());
+  return true;
+}
+
+// Bytes that are not the record's own, since something was opened for them, are put behind it.
+void PacketWorkers::TakeAlong(const uint8_t** bytes, int32_t length) {
+  if (!*bytes || length < 0) return;
+  const FrameRecord* const record = current_->headers.back().frame;
+  const uintptr_t first = reinterpret_cast<uintptr_t>(record), at = reinterpret_cast<uintptr_t>(*bytes);
+  if (at - first <= record->recordLength && static_cast<uint32_t>(length) <= record->recordLength - (at - first)) return;
+  std::vector<uint8_t>& records = current_->records;
+  const size_t place = records.size() - current_->packets.back().record;
+  records.insert(records.end(), *bytes, *bytes + length);
+  *bytes = reinterpret_cast<const uint8_t*>(first + place);
+}
+
+void PacketWorkers::NoteHeaders() {
+  PacketState& packet = current_->headers.emplace_back(run_.GetSession().Context().packet);
+  FetchToWrite(&packet + 1, sizeof packet);
+  TakeAlong(&packet.payload, packet.payloadLength);
+  TakeAlong(&packet.segment.payload, packet.segment.length);
+  TakeAlong(&packet.reached.bytes, packet.reached.length);
+  TakeAlong(&packet.carrier.bytes, packet.carrier.length);
+  current_->packets.back().answers = current_->log.End();
+}
+
+bool PacketWorkers::EndPacket() {
+  current_->log.Record(nullptr);
+  if (!current_->log.Complete()) return Tell("no memory for what the packets' look-ups gave"), writer_.Fail(), false;
+  const bool isFull = current_->packets.size() >= most_.packets || current_->records.size() >= most_.bytes;
   if (isFull || current_->log.End() >= kBatchAnswers) Ship();
   return !writer_.Failed();
 }
@@ -166,17 +195,25 @@ void PacketWorkers::DecodeNext(Worker& worker) {
   moved_.Changed();
 }
 
+bool PacketWorkers::Make(PacketRun& run, const Batch& batch, size_t at, const FrameRecord* record, StateReplay& replay,
+                         int32_t* handled) {
+  const Packet& packet = batch.packets[at];
+  run.TakePacket(packet.frame, packet.times);
+  replay.Seek(packet.answers);
+  *handled = 0;
+  if (!batch.headers.empty()) return run.GetSession().TakeHeaders(batch.headers[at], record), true;
+  return run.Make(record, packet.frame, handled);
+}
+
 bool PacketWorkers::DecodeBatch(Worker& worker, Batch& batch) {
-  Session& session = worker.run->GetSession();
-  StateReplay replay(batch.log, session.GetEngine());
+  StateReplay replay(batch.log, worker.run->GetSession().GetEngine());
   for (size_t i = 0; i < batch.packets.size(); ++i) {
-    Packet& packet = batch.packets[i];
+    const Packet& packet = batch.packets[i];
     const auto* record = reinterpret_cast<const FrameRecord*>(batch.records.data() + packet.record);
-    // Another processor wrote it.
-    if (i + 1 < batch.packets.size()) Prefetch(batch.records.data() + batch.packets[i + 1].record);
-    replay.Seek(packet.answers);
-    worker.run->TakePacket(packet.frame, packet.times, packet.listing.get());
-    if (!worker.handle(record, packet.frame, session.Decode(record))) return false;
+    if (i + 1 < batch.packets.size()) FetchToRead(batch.records.data() + batch.packets[i + 1].record, kMostAhead);
+    if (i + 1 < batch.headers.size()) FetchToRead(&batch.headers[i + 1], sizeof(PacketState));
+    int32_t handled;
+    if (!Make(*worker.run, batch, i, record, replay, &handled) || !worker.handle(record, packet.frame, handled)) return false;
   }
   return true;
 }

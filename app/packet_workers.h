@@ -26,10 +26,11 @@ class PacketWorkers {
   // So many threads with this one. False when there is no memory, or no thread: then nothing was started.
   bool Start(int32_t count, const PacketRun::Prepare& prepare);
 
-  // Around the pass of a packet: its look-ups are noted, and it is handed on with its listing, where it has one. False when
-  // nothing more can be written.
-  bool BeginPacket();
-  bool EndPacket(const FrameRecord* record, const CaptureFrame& frame, const PacketListing* listing);
+  // Around the pass of a packet, whose look-ups are noted: it is handed on. False when nothing more can be written.
+  bool BeginPacket(const FrameRecord* record, const CaptureFrame& frame);
+  bool EndPacket();
+  // Between these, where headers were read: what they told goes with the packet in place of the look-ups so far.
+  void NoteHeaders();
 
   // Decodes and writes what was handed on; false when it could not be written.
   bool Drain();
@@ -40,12 +41,12 @@ class PacketWorkers {
     CaptureFrame frame;
     PacketTimes times;
     size_t record, answers;   // where they begin in the batch
-    std::unique_ptr<PacketListing> listing;
   };
   struct Batch {
     uint64_t place = 0;
     std::vector<uint8_t> records;
     std::vector<Packet> packets;
+    std::vector<PacketState> headers;   // of each packet, where they are noted; pointers are as far from the frame as in `records`
     StateLog log;
   };
   struct Worker {
@@ -58,8 +59,12 @@ class PacketWorkers {
     Thread thread;
   };
 
-  // Few enough that what is written of them stays in the processor's own cache.
-  static constexpr size_t kBatchPackets = 32, kBatchBytes = 16u << 10, kBatchAnswers = 64u << 10;
+  // Few enough that what is written of them stays in the processor's own cache, and so many that one is worth a thread's waking.
+  struct BatchSize {
+    size_t packets, bytes;
+  };
+  static constexpr BatchSize kOfLines = {32, 16u << 10}, kOfRows = {512, 256u << 10};
+  static constexpr size_t kBatchAnswers = 64u << 10;
   static constexpr size_t kBatchesEach = 5;   // of a thread
   static constexpr size_t kBatchesToWake = 3;   // for one alone a thread would soon sleep again
 
@@ -67,8 +72,10 @@ class PacketWorkers {
   void Work(Worker& worker);
   void DecodeNext(Worker& worker);
   bool DecodeBatch(Worker& worker, Batch& batch);
+  static bool Make(PacketRun& run, const Batch& batch, size_t at, const FrameRecord* record, StateReplay& replay, int32_t* handled);
   bool AwaitBatch();
   void Ship();
+  void TakeAlong(const uint8_t** bytes, int32_t length);
 
   PacketRun& run_;
   Output& out_;
@@ -80,6 +87,7 @@ class PacketWorkers {
   std::vector<Batch*> free_;
   std::deque<Batch*> ready_;
   bool closing_ = false;
+  BatchSize most_{};
   Batch* current_ = nullptr;   // being filled
   uint64_t places_ = 0;        // given out
   std::vector<std::unique_ptr<Worker>> workers_;   // the first is the thread that reads

@@ -1,5 +1,6 @@
 #include "host/session.h"
 
+#include "core/byte_origins.h"
 #include "host/character_sets.h"
 #include "host/hash_key.h"
 
@@ -48,6 +49,19 @@ int32_t Session::Decode(const FrameRecord* record, uint32_t userParam1, uint32_t
 void Session::DecodeHeadersOnly() {
   SetOutput(kFindMode, nullptr);
   view_.context->silent = view_.context->headersOnly = true;
+}
+
+void Session::TakeHeaders(const PacketState& read, const FrameRecord* record) {
+  DecodeContext& context = *view_.context;
+  PacketState& packet = context.packet;
+  packet = read;
+  packet.frame = record;
+  const uintptr_t moved = reinterpret_cast<uintptr_t>(record) - reinterpret_cast<uintptr_t>(read.frame);
+  for (const uint8_t** bytes : {&packet.payload, &packet.segment.payload, &packet.reached.bytes, &packet.carrier.bytes}) {
+    if (*bytes) *bytes = reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(*bytes) + moved);
+  }
+  context.packetNumber = static_cast<int64_t>(record->packetNumber);
+  ForgetOrigins(context.origins);
 }
 
 void Session::ReadHeaders(const FrameRecord* record) {

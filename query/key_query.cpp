@@ -92,6 +92,8 @@ uint32_t KeyQuery::PartOf(std::string_view protocol, std::string_view label) {
 bool KeyQuery::AddPath(std::string_view path, Asked* asked, std::string* wrong) {
   if (const Own own = OwnOf(path); own != Own::kNo) {
     asksForProtocols_ |= own == Own::kProtocols;
+    asksForSummary_ |= own == Own::kSummary;
+    asksForHeaders_ |= own >= Own::kSource && own <= Own::kDestinationPort;
     return asked->own.push_back(own), true;
   }
   Path parts;

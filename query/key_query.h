@@ -67,6 +67,9 @@ class KeyQuery {
   // Whether the packet's protocols are asked for: whoever collects hands them over first, the outer ones first.
   bool AsksForProtocols() const { return asksForProtocols_; }
   void TakeProtocols(const std::vector<const char*>& protocols);
+  // Whether anything is asked for that the packet's headers tell, and its summary in the list.
+  bool AsksForHeaders() const { return asksForHeaders_; }
+  bool AsksForSummary() const { return asksForSummary_; }
   // Whether lines of this protocol may be of what was asked for, all of them or those whose labels are; `first`: whether its
   // first line is.
   LinesWanted Wants(const char* protocol, bool* first) const;
@@ -133,7 +136,7 @@ class KeyQuery {
   uint64_t wholeProtocols_ = 0;     // parts without a label
   uint64_t wholeSeen_ = 0;
   int32_t everyLine_ = -1;
-  bool asksForProtocols_ = false;
+  bool asksForProtocols_ = false, asksForHeaders_ = false, asksForSummary_ = false;
   uint64_t version_ = 0;
   ValueTaker* taker_ = nullptr;
   std::string protocols_;   // "eth:ip:udp:dns"

@@ -61,9 +61,26 @@ class Jobs(unittest.TestCase):
         for words in (["--all"], ["--hits"], ["--all", "--format", "json"]):
             self.assertGreater(len(self.same("find", *words, self.large, "Source")), 2)
 
+    def test_lists(self):
+        for words in ([], ["--format", "json"], ["--format", "csv", "-t", "i"], ["--color", "always", "--prefix-file"], ["--wide"],
+                      ["-Y", "tcp or dns", "-t", "dd"], ["--packets", "7-900,1200-", "--modern", "--reassemble"], ["-c", "700"]):
+            self.assertGreater(len(self.same("list", *words, self.large)), 10000)
+        self.same("list", "--prefix-file", self.large, SAMPLES[0], self.large)
+        for path in SAMPLES:
+            self.same("list", path)
+
+    def test_columns_of_values(self):
+        """Of lines, of headers, summaries and protocols, alone and together: each asks the state in another order."""
+        for words in (["ip.src", "dns.qry.name"], ["frame.number", "frame.time"], ["frame.source", "frame.summary"],
+                      ["frame.protocols", "udp.srcport"], ["frame.summary", "tls", "quic", "frame.protocols", "frame.protocol"]):
+            keys = [word for key in words for word in ("-e", key)]
+            self.assertGreater(len(self.same("fields", *keys, self.large)), 5000)
+            self.same("fields", *keys, "--format", "json", "--modern", "--reassemble", "-Y", "tcp or quic", "--prefix-file", self.large)
+        self.same("fields", "-e", "frame.summary", "-e", "ip.src", self.large, SAMPLES[0], self.large)
+
     def test_commands_of_one_thread_take_the_option(self):
-        for words in (["list"], ["list", "--format", "json"], ["fields", "-e", "ip.src", "-e", "dns.qry.name"], ["stat", "tcp"]):
-            self.assertGreater(len(self.same(*words, self.large)), 500)
+        for words in (["stat", "tcp"], ["stat", "values", "ip.src"]):
+            self.assertGreater(len(self.same(*words, self.large)), 200)
         for words in (["save", "--format", "pcap"], ["xml"]):
             self.assertGreater(len(self.same(*words, self.large, "-")), 10000)
 
@@ -117,7 +134,7 @@ class Jobs(unittest.TestCase):
         def limit():   # a thread's stack is larger than what there is
             resource.setrlimit(resource.RLIMIT_STACK, (4 << 30, resource.RLIM_INFINITY))
             resource.setrlimit(resource.RLIMIT_AS, (3 << 30, 3 << 30))
-        for words in (["decode", "--format", "text"], ["decode", "--prefix-file"], ["find", "--all"]):
+        for words in (["decode", "--format", "text"], ["decode", "--prefix-file"], ["find", "--all"], ["list"], ["fields", "-e", "ip.src"]):
             text = ["Source"] if words[0] == "find" else []
             one = run(*words, "--jobs", "1", self.large, *text)
             self.assertEqual(run(*words, "--jobs", "3", self.large, *text, preexec_fn=limit), one, words)

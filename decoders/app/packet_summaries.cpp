@@ -114,19 +114,18 @@ const ProtocolRow* ReachedProtocol(const ReachedLayer& reached) {
   return row ? row->protocol : nullptr;
 }
 
-// Runs the decoder over the reached payload into a tree that keeps its top line. False when it has none.
-bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
+// Runs the decoder over the reached payload, with its lines in this tree, or without any. The frame's own state is as it was.
+void DecodeReached(View* view, DecoderFunction decode, DecodeTree* tree) {
   DecodeContext& context = *view->context;
-  TopLineTree tree(&context);
   View once = *view;
-  once.tree = &tree;
+  if (tree) once.tree = tree;
   const PacketState packet = context.packet;
   const char outputMode = context.outputMode;
   const bool silent = context.silent;
   const uint32_t findFound = context.findFound, rangeCount = context.rangeCount, derivedCount = context.derivedCount;
   LineFacts* const facts = context.facts;
-  context.outputMode = kDisplayMode;
-  context.silent = false;
+  context.outputMode = tree ? kDisplayMode : kFindMode;
+  context.silent = !tree;
   context.findFound = 0;
   context.facts = nullptr;   // they are those of the lines that are shown
   const ReachedLayer& reached = packet.reached;
@@ -138,13 +137,21 @@ bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
   context.facts = facts;
   context.rangeCount = rangeCount;   // the tables may have grown
   context.derivedCount = derivedCount;
+}
+
+// False when the decoder has no top line for the reached payload.
+bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
+  TopLineTree tree(view->context);
+  DecodeReached(view, decode, &tree);
   CopyString(out, size, tree.Text());
   return tree.Text()[0] != 0;
 }
 
+bool MaySummarizeTls(SummaryFunction summary) { return summary == SummarizeTls || summary == SummarizeHttps; }
+
 // The summary with what the connection's TLS records before left, for the protocols that TLS carries as a rule.
 bool Summarize(const View* view, SummaryFunction summarize, SummaryInput input, char* out, int32_t size) {
-  if (summarize != SummarizeTls && summarize != SummarizeHttps) return summarize(input, out, size) && out[0];
+  if (!MaySummarizeTls(summarize)) return summarize(input, out, size) && out[0];
   const ConnectionKey key = DirectionOf(view->context->packet);
   const TlsStream* known = Recall(view, kTlsStreams, key);
   const TlsStream before = known ? *known : TlsStream{};
@@ -156,27 +163,49 @@ bool Summarize(const View* view, SummaryFunction summarize, SummaryInput input, 
   return summarized;
 }
 
+// How the frame's line comes about: by the protocol's summary, its decoder's top line, or neither.
+struct SummaryWay {
+  const ProtocolRow* protocol;
+  bool hasSummary, isShownByTop;
+};
+
+SummaryWay FindSummaryWay(const PacketState& packet) {
+  const ProtocolRow* protocol = ReachedProtocol(packet.reached);
+  if (!protocol) return {nullptr, false, false};
+  const bool isTop = !protocol->summary || protocol->summary == SummarizeCarried;
+  return {protocol, protocol->summary && packet.reached.table == DispatchTable::kApplication, isTop && !HasLayerLine(packet)};
+}
+
+SummaryInput InputOf(const View* view) {
+  constexpr uint32_t kTcp = 6;
+  const PacketState& packet = view->context->packet;
+  const bool isTcp = packet.carrier.key == kTcp;
+  const bool cleanText = view->engine->settings.cleanText;
+  return {packet.reached.bytes, packet.reached.length, packet.sourcePort, packet.destinationPort, isTcp, cleanText, nullptr};
+}
+
 }  // namespace
 
 void SummarizePacket(View* view, char* out, int32_t size) {
   constexpr uint32_t kEthertypeArp = 0x0806, kEthertypeRarp = 0x8035;
-  constexpr uint32_t kTcp = 6;
   const PacketState& packet = view->context->packet;
   const ReachedLayer& reached = packet.reached;
-  const ProtocolRow* protocol = ReachedProtocol(reached);
-  if (protocol && protocol->summary && reached.table == DispatchTable::kApplication) {
-    const SummaryInput input{reached.bytes, reached.length, packet.sourcePort, packet.destinationPort,
-                             packet.carrier.key == kTcp, view->engine->settings.cleanText, nullptr};
-    if (Summarize(view, protocol->summary, input, out, size)) return;
-  }
+  const SummaryWay way = FindSummaryWay(packet);
+  if (way.hasSummary && Summarize(view, way.protocol->summary, InputOf(view), out, size)) return;
   if (reached.table == DispatchTable::kEthertype && reached.key == kEthertypeRarp) {   // ARP's fields (RFC 903)
     if (CopyTopLine(view, FindEthertype(kEthertypeArp)->decode, out, size)) return;
   }
-  const bool isShownByTop = protocol && (!protocol->summary || protocol->summary == SummarizeCarried);
-  if (isShownByTop && !HasLayerLine(packet) && CopyTopLine(view, protocol->decode, out, size)) {
-    return AppendQuotedDatagram(packet, out, size);
-  }
+  if (way.isShownByTop && CopyTopLine(view, way.protocol->decode, out, size)) return AppendQuotedDatagram(packet, out, size);
   DescribeLayers(packet, out, size);
+}
+
+void PassSummary(View* view) {
+  const SummaryWay way = FindSummaryWay(view->context->packet);
+  char unread[kSummarySize];
+  if (way.hasSummary && MaySummarizeTls(way.protocol->summary)) {
+    Summarize(view, way.protocol->summary, InputOf(view), unread, sizeof unread);
+  }
+  if (way.isShownByTop && !way.protocol->isPlain) DecodeReached(view, way.protocol->decode, nullptr);
 }
 
 }  // namespace qxview

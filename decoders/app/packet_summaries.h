@@ -57,6 +57,9 @@ constexpr int32_t kSummarySize = 512;
 // ones. size >= 1.
 void SummarizePacket(View* view, char* out, int32_t size);
 
+// What SummarizePacket does for later frames, with the same look-ups of state, and no line.
+void PassSummary(View* view);
+
 // Protocols without an exported summary (rpc_summary.cpp).
 int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize);
 int32_t DescribeNetBiosDatagram(const SummaryInput& in, char* out, int32_t outSize);

@@ -19,8 +19,15 @@ RUNS = [
     ["decode", "--packets", "3-40,60-", "--format", "text"],
     ["decode", "-Y", "tcp or dns", "--format", "json"],
     ["find", "--all", "Version"],
+    ["find", "--all", "--format", "json", "--modern", "--reassemble", "Length"],
     ["list"],
+    ["list", "--color", "always", "--prefix-file", "-t", "dd", "-Y", "not arp", "--modern", "--reassemble"],
+    ["list", "--wide"],
     ["list", "--format", "json", "--packets", "2-"],
+    ["fields", "-e", "frame.number", "-e", "frame.summary", "-e", "frame.source", "-e", "udp.srcport"],
+    ["fields", "-e", "frame.protocols", "-e", "frame.protocol", "-e", "tcp", "--format", "json", "--modern", "--reassemble"],
+    ["fields", "-e", "frame.summary", "-e", "frame.destination_port", "--prefix-file", "--packets", "5-"],
+    ["fields", "-e", "ip.src", "-e", "http", "-e", "tls", "-e", "quic", "-Y", "frame.number > 3", "--values", "last"],
 ]
 
 
