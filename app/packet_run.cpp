@@ -263,6 +263,7 @@ void PacketRun::ReadListing(const FrameRecord* record) {
 // Makes of a packet what its handler wants; false when there is no memory.
 bool PacketRun::Make(const FrameRecord* record, const CaptureFrame& frame, int32_t* handled) {
   *handled = 0;
+  if (keeps_) return true;
   if (query_) return Ask(*query_, record, frame.number);
   *handled = session_->Decode(record);
   if (lists_) ReadListing(record);
@@ -283,7 +284,7 @@ bool PacketRun::HandOn(PacketWorkers& workers, const FrameRecord* record, const 
   if (!workers.BeginPacket(record, frame)) return false;
   if (query_) {
     PassAsked(record);
-  } else {
+  } else if (!keeps_) {
     session_->Pass(record);
     if (summarizes_) workers.NoteHeaders();
     if (lists_) session_->ReadHeaders(record);
@@ -303,11 +304,12 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
   const int status = Pass([&](const CaptureFrame& frame, bool selected) {
     bool goOn = true;
     const FrameRecord* record = RecordOf(frame);
+    const bool decodes = !keeps_ || where_;
     if (!selected) {
-      PassBy(frame);
+      if (decodes) PassBy(frame);
       return host_->FinishPacket(), true;
     }
-    if (!query_ && !FindFrameDecoder(record)) TellLinkType(frame);
+    if (!query_ && !keeps_ && !FindFrameDecoder(record)) TellLinkType(frame);
     const FrameRecord* const noted = notes_ ? notes_->Add(record, frame, times_) : record;
     if (tries && shown > alone) {
       tries = false;
@@ -326,7 +328,7 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
       int32_t handled;
       goOn = Make(noted, frame, &handled) && own(noted, frame, handled);
     }
-    if (query_) PassBy(frame);
+    if (query_ || (keeps_ && where_)) PassBy(frame);
     host_->FinishPacket();
     return goOn;
   });

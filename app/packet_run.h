@@ -52,6 +52,7 @@ class PacketRun {
   void ListPackets() { lists_ = true; }                      // what the packet list says
   void SummarizePackets();                                   // headers alone; the handler then calls SummarizePacket
   void AskPackets(KeyQuery* query) { query_ = query; }       // its values alone, which it holds when the handler is called
+  void KeepPackets() { keeps_ = true; }                      // its record as it is, which nothing is decoded for
   const PacketListing& Listing() const { return listing_; }   // of the current packet
 
   // For PacketWorkers: a run that is handed its packets, for this thread (with this run's session) or a further one; null when
@@ -134,7 +135,7 @@ class PacketRun {
   bool hasShown_ = false;
   bool isShort_ = false;   // told
   std::unique_ptr<PacketNotes> notes_;
-  bool lists_ = false, summarizes_ = false;
+  bool lists_ = false, summarizes_ = false, keeps_ = false;
   KeyQuery* query_ = nullptr;
   PacketListing listing_;
   Progress progress_;

@@ -1,4 +1,7 @@
+#include <algorithm>
+
 #include "app/commands.h"
+#include "app/output.h"
 #include "app/packet_run.h"
 #include "core/bounded_text.h"
 #include "files/xml_export.h"
@@ -37,33 +40,50 @@ std::vector<XmlAlias> CollectAliases(const AliasTable& table, std::vector<std::s
   return aliases;
 }
 
+// Frames with their numbers, of one thread.
+struct XmlPart {
+  explicit XmlPart(Output& to) : document(to.File(), LocalOffset) {}
+  XmlExport document;
+  uint64_t last = 0;
+};
+
 int ExportXml(const XmlOptions& options) {
   const bool toStandardOutput = options.out == "-";
   NewFile target;
+  std::unique_ptr<Output> out;
   std::unique_ptr<XmlExport> document;
   AliasTable names;
   std::string message;
   const auto begin = [&](const AliasTable& aliases) {
     if (!toStandardOutput && !target.Create(options.out, &message)) return Tell(message), false;
-    document = std::make_unique<XmlExport>(toStandardOutput ? FileSink(StandardOutputFile()) : target.Sink(), LocalOffset);
-    if (toStandardOutput) {
-      SetIdleAction([](void* out) { static_cast<XmlExport*>(out)->Flush(); }, document.get());
-    }
+    out = std::make_unique<Output>(toStandardOutput ? FileSink(StandardOutputFile()) : target.Sink());
+    document = std::make_unique<XmlExport>(out->File(), LocalOffset);
+    if (toStandardOutput) SetIdleAction([](void* written) { static_cast<Output*>(written)->Flush(); }, out.get());
     YieldTerminal(toStandardOutput ? StandardOutputFile() : target.File());
     document->Begin();
     names = aliases;
     return true;
   };
-  uint64_t before = 0, number = 0;   // the packets of a further capture are numbered on
-  const int status = ForEachRun(options.reading, [&](PacketRun& run) {
-    if (!document && !begin(run.Host().Aliases())) return false;
-    before = number;
-    run.ForEachRecord([&](const FrameRecord* record, const CaptureFrame& frame) {
-      number = before + frame.number;
-      document->AddFrame(number, record);
-      return !document->Failed();
+  uint64_t number = 0;   // the packets of a further capture are numbered on
+  const int status = ForEachRun(options.reading, [&](PacketRun& captured) {
+    if (!document && !begin(captured.Host().Aliases())) return false;
+    const uint64_t before = number;
+    std::vector<std::unique_ptr<XmlPart>> parts;
+    captured.ForEachWritten(*out, [&](PacketRun& run, Output& to) -> PacketRun::Handler {
+      run.KeepPackets();
+      parts.push_back(std::make_unique<XmlPart>(to));
+      XmlPart& part = *parts.back();
+      return [&, before](const FrameRecord* record, const CaptureFrame& frame, int32_t) {
+        part.last = before + frame.number;
+        part.document.AddFrame(part.last, record);
+        return !to.Failed();
+      };
     });
-    return !document->Failed();
+    for (const auto& part : parts) {
+      document->TakeCounts(part->document);
+      number = std::max(number, part->last);
+    }
+    return !out->Failed();
   });
   SetIdleAction(nullptr, nullptr);
   if (!document) return message.empty() ? status : kFileFault;

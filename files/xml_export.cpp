@@ -51,12 +51,13 @@ bool IsUtf8(std::string_view text) {
 
 }  // namespace
 
-XmlExport::XmlExport(const OutputSink& sink, LocalOffsetFunction offset) : offset_(offset) {
-  OpenOutput(&file_, sink);
+XmlExport::XmlExport(const OutputSink& sink, LocalOffsetFunction offset)
+    : own_(std::make_unique<OutputFile>()), file_(own_.get()), offset_(offset) {
+  OpenOutput(file_, sink);
 }
 
 void XmlExport::Put(std::string_view text) {
-  WriteOutput(&file_, text.data(), static_cast<int32_t>(text.size()));
+  WriteOutput(file_, text.data(), static_cast<int32_t>(text.size()));
 }
 
 void XmlExport::PutNumber(uint64_t number) {
@@ -218,6 +219,16 @@ void XmlExport::PutAlias(uint64_t number, const XmlAlias& alias) {
   Put("/>\r\n");
 }
 
+void XmlExport::TakeCounts(const XmlExport& part) {
+  if (part.packets_ == 0) return;
+  if (packets_ == 0 || part.first_ < first_) {
+    first_ = part.first_;
+    networkType_ = part.networkType_;
+  }
+  last_ = std::max(last_, part.last_);
+  packets_ += part.packets_;
+}
+
 bool XmlExport::Finish(const XmlAlias* aliases, size_t count, uint64_t speed) {
   Put("  </Packets>\r\n  <Summary>\r\n   <SummaryData ");
   PutAttribute("Packets=", packets_);
@@ -228,8 +239,8 @@ bool XmlExport::Finish(const XmlAlias* aliases, size_t count, uint64_t speed) {
   Put("/>\r\n  </Summary>\r\n  <AliasList>\r\n");
   for (size_t i = 0; i < count; ++i) PutAlias(i + 1, aliases[i]);
   Put("  </AliasList>\r\n </PacketCapture>\r\n</VantrellPacketCapture>\r\n");
-  FlushOutput(&file_);
-  return !file_.failed;
+  FlushOutput(file_);
+  return !file_->failed;
 }
 
 }  // namespace qxview

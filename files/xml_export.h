@@ -9,6 +9,7 @@
 // Lines end with CR LF, elements are indented by one blank a level, the text is UTF-8.
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "core/frame_record.h"
@@ -31,17 +32,21 @@ struct XmlAlias {
 class XmlExport {
  public:
   XmlExport(const OutputSink& sink, LocalOffsetFunction offset);
+  // Into what somebody else writes to as well, and flushes; `to` must stay.
+  XmlExport(OutputFile* to, LocalOffsetFunction offset) : file_(to), offset_(offset) {}
 
   void Begin();
   // A captured frame, with whatever radio or cell header was captured in front of it.
   void AddFrame(uint64_t number, const FrameRecord* record);
   // A record of the analysis that the capture holds in place of a frame; the texts name its two sides.
   void AddAnalysis(uint64_t number, int64_t nanoseconds, const char* source, const char* destination);
+  // What another one counted that wrote some of the frames: they stand behind those so far, or among them.
+  void TakeCounts(const XmlExport& part);
   // speed: of the network in bits a second, 0 when it is not known. False when a write failed.
   bool Finish(const XmlAlias* aliases, size_t count, uint64_t speed);
 
-  void Flush() { FlushOutput(&file_); }
-  bool Failed() const { return file_.failed; }
+  void Flush() { FlushOutput(file_); }
+  bool Failed() const { return file_->failed; }
 
  private:
   void Put(std::string_view text);
@@ -54,7 +59,8 @@ class XmlExport {
   void PutAlias(uint64_t number, const XmlAlias& alias);
   void Count(uint64_t number);
 
-  OutputFile file_;
+  std::unique_ptr<OutputFile> own_;
+  OutputFile* file_;
   LocalOffsetFunction offset_;
   int64_t offsetSpan_ = INT64_MIN;   // the span of time that offsetSeconds_ holds for
   int64_t offsetSeconds_ = 0;

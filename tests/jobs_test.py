@@ -81,8 +81,16 @@ class Jobs(unittest.TestCase):
     def test_commands_of_one_thread_take_the_option(self):
         for words in (["stat", "tcp"], ["stat", "values", "ip.src"]):
             self.assertGreater(len(self.same(*words, self.large)), 200)
-        for words in (["save", "--format", "pcap"], ["xml"]):
-            self.assertGreater(len(self.same(*words, self.large, "-")), 10000)
+        self.assertGreater(len(self.same("save", "--format", "pcap", self.large, "-")), 10000)
+
+    def test_documents(self):
+        for words in ([], ["--packets", "7-900,1200-"], ["-Y", "dns"], ["-c", "700"]):
+            self.assertGreater(len(self.same("xml", *words, self.large, SAMPLES[0], self.large, "-")), 10000)
+        out = os.path.join(self.folder.name, "packets.xml")
+        for jobs in ("1", "3"):
+            self.assertEqual(run("xml", "--jobs", jobs, self.large, out), (0, b"", b""))
+            with open(out, "rb") as file:
+                self.assertEqual(file.read(), run("xml", "--jobs", "1", self.large, "-")[1])
 
     def test_lines_have_their_bytes_with_and_without_keys(self):
         """The listing reads headers once more, which leaves the lines' ranges alone."""

@@ -19,6 +19,7 @@ RUNS = [
     ["decode", "--packets", "3-40,60-", "--format", "text"],
     ["decode", "-Y", "tcp or dns", "--format", "json"],
     ["find", "--all", "Version"],
+    ["xml", "-"],
     ["find", "--all", "--format", "json", "--modern", "--reassemble", "Length"],
     ["list"],
     ["list", "--color", "always", "--prefix-file", "-t", "dd", "-Y", "not arp", "--modern", "--reassemble"],
@@ -32,7 +33,7 @@ RUNS = [
 
 
 def outcome(qxview, words, path, jobs):
-    text = words[-1:] if words[0] == "find" else []
+    text = words[-1:] if words[0] in ("find", "xml") else []   # behind the file
     result = subprocess.run([qxview, *words[:len(words) - len(text)], "--jobs", jobs, path, *text], capture_output=True, timeout=600)
     return result.returncode, result.stdout, result.stderr
 

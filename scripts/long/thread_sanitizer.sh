@@ -48,11 +48,16 @@ c++ -std=c++20 -O1 -g1 -fsanitize=thread -Iinclude tests/embedding/threads.cpp -
 step "engines and views in several threads" build-tsan/threads samples/dns.pcap
 for file in samples/*.pcap*; do
   step "--jobs 4 $file" "$QXVIEW" decode --jobs 4 --keys --modern --set Reassembly=1 --format json "$file"
+  step "list --jobs 4 $file" "$QXVIEW" list --jobs 4 "$file"
+  step "fields --jobs 4 $file" "$QXVIEW" fields --jobs 4 -e frame.summary -e frame.protocols -e ip.src "$file"
+  step "xml --jobs 4 $file" "$QXVIEW" xml --jobs 4 "$file" -
 done
 if [[ -n $folder ]]; then
   count=0
   for file in "$folder"/*; do
     run "$QXVIEW" decode --jobs 4 --keys --modern --set Reassembly=1 --keep-going "$file" >/dev/null 2>&1
+    run "$QXVIEW" list --jobs 4 --keep-going "$file" >/dev/null 2>&1
+    run "$QXVIEW" fields --jobs 4 -e frame.summary -e frame.protocols -e ip.src --keep-going "$file" >/dev/null 2>&1
     count=$((count + 1))
     if compgen -G "$logs/report.*" >/dev/null; then
       echo "FAIL $file"
