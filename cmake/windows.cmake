@@ -3,19 +3,6 @@
 # Inside the library and the program, which then need nothing but what every Windows has.
 set(ZLIB_USE_STATIC_LIBS ON)
 
-# GoogleTest from its sources (Debian: googletest).
-set(GTEST_SOURCES /usr/src/googletest/googletest CACHE PATH "GoogleTest's source folder")
-if(QXVIEW_TESTS AND EXISTS ${GTEST_SOURCES}/src/gtest-all.cc)
-  add_library(windows_gtest STATIC EXCLUDE_FROM_ALL ${GTEST_SOURCES}/src/gtest-all.cc ${GTEST_SOURCES}/src/gtest_main.cc)
-  target_include_directories(windows_gtest SYSTEM PUBLIC ${GTEST_SOURCES}/include PRIVATE ${GTEST_SOURCES})
-  target_compile_options(windows_gtest PRIVATE -w -include ${CMAKE_SOURCE_DIR}/tests/windows/gtest_handles.h)
-  # The cross-compiler's threads are Windows' own, which its <mutex> does not know; the tests run on one.
-  target_compile_definitions(windows_gtest PUBLIC GTEST_IS_THREADSAFE=0)
-  add_library(GTest::gtest ALIAS windows_gtest)
-  add_library(GTest::gtest_main ALIAS windows_gtest)
-  set(GTest_FOUND TRUE)
-endif()
-
 # What Windows shows of the target's file, and a program's manifest (a library's would be read at each loading and says
 # nothing that its program's does not); without symbols, and in pages as they are mapped.
 function(qxview_windows_file target type description)

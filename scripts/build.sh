@@ -1,7 +1,7 @@
 #!/bin/bash
 # Configures, where that is needed, and builds one preset; everything it says goes to standard error.
 #
-#   scripts/build.sh PRESET [TARGET...]      PRESET: release, asan, win32, win64, clang
+#   scripts/build.sh PRESET [TARGET...]      PRESET: release, asan, linux32, win32, win64, clang
 #
 # Quiet when there is nothing to do. QXVIEW_CONFIGURE=always configures even when the folder has been configured.
 set -euo pipefail
