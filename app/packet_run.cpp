@@ -297,7 +297,7 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
   Handler own = prepare(*this, out);
   const int32_t jobs = JobsThatPay();
   // Bytes of packets before others are started; the first packet is this thread's in any case.
-  const size_t pays = MakesRows() ? 1u << 20 : 64u << 10, alone = options_->jobs > 0 ? 0 : pays;
+  const size_t pays = summarizes_ ? 4u << 20 : query_ ? 1u << 20 : 64u << 10, alone = options_->jobs > 0 ? 0 : pays;
   size_t shown = 0;
   std::unique_ptr<PacketWorkers> workers;
   bool tries = jobs > 1;
