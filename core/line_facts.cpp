@@ -39,9 +39,7 @@ bool TellsOfFrame(const View* view, LineHandle line) {
 }
 
 // What is known of a protocol: the question is asked once, and anew where two protocols share a place.
-KnownProtocol& KnownProtocolOf(LineQuestion* question, const char* protocol) {
-  const uint64_t mixed = reinterpret_cast<uintptr_t>(protocol) * uint64_t{0x9E3779B97F4A7C15};
-  uint32_t place = static_cast<uint32_t>(mixed >> 58);
+[[gnu::noinline]] KnownProtocol& FindKnownProtocol(LineQuestion* question, const char* protocol, uint32_t place) {
   for (int32_t i = 0; i < 4 && question->protocols[place].protocol && question->protocols[place].protocol != protocol; ++i) {
     place = (place + 1) % 64;
   }
@@ -50,6 +48,13 @@ KnownProtocol& KnownProtocolOf(LineQuestion* question, const char* protocol) {
   known = {protocol, 0, LinesWanted::kAll, false};
   if (protocol) known.wanted = question->ofProtocol(question->with, protocol, &known.first);
   return known;
+}
+
+inline KnownProtocol& KnownProtocolOf(LineQuestion* question, const char* protocol) {
+  const uint64_t mixed = reinterpret_cast<uintptr_t>(protocol) * uint64_t{0x9E3779B97F4A7C15};
+  const uint32_t place = static_cast<uint32_t>(mixed >> 58);
+  KnownProtocol& known = question->protocols[place];
+  return known.protocol == protocol ? known : FindKnownProtocol(question, protocol, place);
 }
 
 // The place for a new line's fact, with room for its texts; null when there is no memory or no line.
@@ -243,6 +248,12 @@ int32_t TakeLabel(LineFacts* facts, LineFact* fact, TextWalk& walk, uint32_t* be
       return fixed;
     }
   }
+}
+
+// Whether an argument behind a label might end it instead.
+bool HoldsSeparator(const FormatArgument& argument) {
+  const char* given = reinterpret_cast<const char*>(static_cast<uintptr_t>(argument.value));
+  return (argument.form & 0xFF) == FormatArgument::kTerminated && given && std::strpbrk(given, ":=");
 }
 
 // What a text with conversions starts with.
@@ -468,7 +479,7 @@ LineFact FactToTry(LineFacts* facts) {
 // Keeps the answer for the text.
 void Note(LineFacts* facts, const char* text, const KnownProtocol& known, bool isPicture, bool isWanted) {
   const bool isAlwaysLeft = !isWanted && !known.first && !facts->question->asksForFrame;
-  facts->question->PlaceOf(text) = {text, known.protocol, 0, isPicture, isWanted, isAlwaysLeft, {}, 0, 0, 0};
+  facts->question->PlaceOf(text) = {text, known.protocol, 0, isPicture, isWanted, isAlwaysLeft, {}, 0, 0, 0, 0, 0};
 }
 
 // Notes where the value of such lines stands, if the question does without the lines.
@@ -557,13 +568,20 @@ LineFate FateOfFormatted(View* view, LineHandle parent, const char* text, const 
                          const FormatArgument* arguments) {
   if (!view->context->packet.asked) [[likely]] return LineFate::kMade;
   LineFacts* facts = view->context->facts;
+  ++facts->question->undecided;
+  const bool isPicture = pieces->literalLength == 0 && IsText(*pieces) && (arguments->form & 0xFF) == FormatArgument::kBits;
+  const KnownLabel& place = facts->question->PlaceOf(text);
+  const bool isOpen = place.open && place.text == text && HoldsSeparator(arguments[place.open - 1]);
+  // Of a protocol some of whose values are taken no line is wanted for being the first.
+  if (place.value != ValuePlace::kNowhere && place.text == text && place.protocol == view->context->packet.protocol &&
+      place.isPicture == isPicture && !isOpen && parent != kLeftFrameLine && !facts->question->asksForFrame) {
+    return TakesValue(view, place, text, pieces, arguments) ? LineFate::kTaken : LineFate::kMade;
+  }
   KnownProtocol* known;
   bool isLeft;
   const auto fateOf = [](bool left) { return left ? LineFate::kLeft : LineFate::kMade; };
   if (IsDecided(view, parent, &known, &isLeft)) return fateOf(isLeft);
-  const bool isPicture = pieces->literalLength == 0 && IsText(*pieces) && (arguments->form & 0xFF) == FormatArgument::kBits;
-  const KnownLabel& place = facts->question->PlaceOf(text);
-  if (place.text == text && place.protocol == known->protocol && place.isPicture == isPicture) {
+  if (place.text == text && place.protocol == known->protocol && place.isPicture == isPicture && !isOpen) {
     return TakesValue(view, place, text, pieces, arguments) ? LineFate::kTaken : fateOf(!place.isWanted);
   }
   if (!Reserve(facts, 0, kMostLabel)) return LineFate::kMade;
@@ -581,6 +599,8 @@ LineFate FateOfFormatted(View* view, LineHandle parent, const char* text, const 
     case TextStart::kLabel: fixed = TakeLabel(facts, &fact, walk, &behind);
   }
   const bool isFixed = fixed == kWholeLabel;
+  const bool endsOpen = !isFixed && fixed > 0 && fixed == fact.labelLength && IsText(*walk.piece);
+  const bool isOpenNow = endsOpen && !HoldsSeparator(*walk.argument);
   LineFact start = fact;
   start.labelLength = fixed;
   if (!isFixed && fixed > 0 && LeavesLabelOf(facts, *known, start, true)) {
@@ -588,9 +608,10 @@ LineFate FateOfFormatted(View* view, LineHandle parent, const char* text, const 
     return LineFate::kLeft;
   }
   isLeft = LeavesLabelOf(facts, *known, fact);
-  if (isFixed) Note(facts, text, *known, isPicture, !isLeft);
-  if (!isFixed || isLeft) return fateOf(isLeft);
+  if (isFixed || (isOpenNow && !isLeft)) Note(facts, text, *known, isPicture, !isLeft);
+  if (isLeft || (!isFixed && !isOpenNow)) return fateOf(isLeft);
   KnownLabel& noted = facts->question->PlaceOf(text);
+  if (isOpenNow) noted.open = static_cast<uint8_t>(walk.argument - arguments + 1);
   NoteValuePlace(*facts->question, fact, facts->text + fact.label, text, pieces, arguments, walk, behind, isPicture, &noted);
   return TakesValue(view, noted, text, pieces, arguments) ? LineFate::kTaken : LineFate::kMade;
 }
@@ -598,6 +619,7 @@ LineFate FateOfFormatted(View* view, LineHandle parent, const char* text, const 
 bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length, bool isFixed) {
   if (!view->context->packet.asked) [[likely]] return false;
   LineFacts* facts = view->context->facts;
+  ++facts->question->undecided;
   KnownProtocol* known;
   bool isLeft;
   if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
@@ -617,6 +639,8 @@ bool LeavesMade(View* view, LineHandle parent, const char* text, int32_t length,
 bool LeavesLabel(View* view, LineHandle parent, const char* label, bool isFixed) {
   if (!view->context->packet.asked) [[likely]] return false;
   LineFacts* facts = view->context->facts;
+  if (isFixed && parent != kLeftFrameLine && IsKnownToBeLeft(*view->context, label, false)) return true;
+  ++facts->question->undecided;
   KnownProtocol* known;
   bool isLeft;
   if (IsDecided(view, parent, &known, &isLeft)) return isLeft;
@@ -646,6 +670,7 @@ bool TakesValueOf(const View* view, const char* label, const GivenValue& value) 
 
 bool LeavesOthers(View* view) {
   if (!view->context->packet.asked) [[likely]] return false;
+  ++view->context->facts->question->undecided;
   return KnownProtocolOf(view->context->facts->question, view->context->packet.protocol).wanted != LinesWanted::kAll;
 }
 

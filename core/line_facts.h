@@ -83,6 +83,8 @@ struct KnownLabel {
   uint8_t piece;       // with which the value starts
   uint16_t behind;     // so much of that piece's literal,
   uint16_t at;         // which stands there in the text
+  uint8_t open;        // the argument behind such a label, one more: a text that ends with a separator would be of the label
+  uint8_t lines;       // of a group of lines that has this name (core/line_group.h)
 };
 
 // Who asks for some lines alone: the others are counted as if the context were silent. The answers are kept, so they must not
@@ -103,6 +105,7 @@ struct LineQuestion {
 
   uint64_t frame;      // counts those that were asked
   bool asksForFrame;   // for lines of the frame itself
+  uint64_t undecided;  // counts lines whose text alone did not say that they are left
   KnownProtocol protocols[64];
   KnownLabel labels[1024];
 

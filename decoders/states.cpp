@@ -28,6 +28,7 @@
 #include "decoders/net/tcp_streams.h"
 #include "decoders/net/window_scales.h"
 #include "decoders/quic/qpack.h"
+#include "decoders/quic/quic_protection.h"
 #include "decoders/quic/quic_streams.h"
 #include "decoders/routing/bgp.h"
 #include "decoders/smb/smb_requests.h"

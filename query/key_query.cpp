@@ -220,6 +220,7 @@ uint64_t KeyQuery::KeysToTake(const char* protocol, const char* label) const {
 }
 
 bool KeyQuery::Take(uint64_t keys, const GivenValue& value) {
+  if (Count() == 1) return taker_->CanTake(0, value) && (taker_->Take(0, value), true);
   for (int32_t i = 0; i < Count(); ++i) {
     if ((asked_[static_cast<size_t>(i)].parts & keys) && !taker_->CanTake(i, value)) return false;
   }

@@ -301,6 +301,9 @@ bool Literal::Holds(Comparison comparison, const AskedValue& value) const {
 bool Literal::HoldsOfAddress(Comparison comparison, const uint8_t* address, int32_t length, bool* isTold) const {
   *isTold = address_.length == length;
   if (!*isTold) return false;
+  if (address_.prefix == 32 && length == 4 && comparison <= Comparison::kUnequal) {   // which most are
+    return std::memcmp(address_.bytes.data(), address, 4) == 0;
+  }
   NetworkAddress given;
   given.length = length;
   given.prefix = length * 8;

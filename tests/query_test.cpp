@@ -183,5 +183,67 @@ TEST(Probe, FindsInEverySampleWhatTheWholeTreeSays) {
   EXPECT_GT(found, 10000u);
 }
 
+// Numbers, addresses and texts in all comparisons, names of numbers, lines that get their number later, groups of lines.
+constexpr const char* kTakingFilters[] = {
+    "ip.addr == 10.0.0.0/8 or ip.addr == 192.168.0.0/16",
+    "ip.addr != 192.168.0.0/16",
+    "ip.src contains \"1\" and ip.dst > 100.0.0.0",
+    "ip.src == ip.dst or ipv6.src == ipv6.dst",
+    "ip.ttl < 64 and ip.proto == UDP",
+    "not ip.ttl == 64 and ip.protocol == 6",
+    "ip.ttl contains \"4\" or ip.ttl == 255",
+    "ip.flags.df == 1 or ip.fragment contains \"First\"",
+    "ip.precedence == 0 and ip and ip.total_ip_length > 60",
+    "ipv6.addr == fe80::/10 or ipv6.addr == 2001::/16",
+    "tcp.port in {80, 443, 1000..40000} and tcp.flags.syn == 0",
+    "tcp.finish == 1 or tcp.flags.push == 1",
+    "tcp.flags contains \"SYN\" or tcp.window > 8000",
+    "tcp.srcport < tcp.dstport or udp.srcport == 53",
+    "udp.port != 53 and udp.length > 50",
+    "eth.addr == ff:ff:ff:ff:ff:ff or eth.src contains \"02\"",
+    "eth.dst != 01:00:5e:00:00:00/24 or eth.ethertype == 0x86dd",
+    "vlan.id or arp.opcode == 1 or arp.src.proto_ipv4 == 192.0.2.0/24",
+    "dns.transaction_id < 40000 and dns.qry.name contains \"e\"",
+    "dns.domain_name == \".\" or dns.ttl > 100",
+    "snmp.version == 1 or snmp.request_id > 5 or ldap.message_id == 2",
+    "frame.network contains \"Ethernet\" and ip.ttl == 64 and frame",
+    "icmp/ip.source == 192.0.2.0/24 or icmp.type == 8",
+};
+
+TEST(Probe, AnswersWithValuesThatItTakesAsWithTheWholeTree) {
+  NamingHost host;
+  const auto session = Session::Create(&host.host, {});
+  ASSERT_TRUE(session);
+  Probe probe(*session);
+  NoPacket told;
+  std::vector<std::unique_ptr<Filter>> taking, collecting;
+  std::vector<size_t> held(std::size(kTakingFilters));
+  for (const char* expression : kTakingFilters) {
+    FilterFault fault;
+    taking.push_back(Filter::Parse(expression, &fault));
+    ASSERT_TRUE(taking.back()) << expression << ": " << fault.message;
+    collecting.push_back(std::make_unique<Filter>());
+    ASSERT_GE(collecting.back()->Add(expression, &fault), 0);
+  }
+  for (const std::string& sample : Samples()) {
+    ForEachRecord(sample, [&](const FrameRecord* record) {
+      constexpr uint64_t kEnough = 60;   // of a sample
+      if (record->packetNumber > kEnough) return;
+      KeepFacts(&session->Context(), true);
+      session->Decode(record);
+      for (const auto& filter : collecting) filter->Keys().Collect(session->Context(), session->Tree(), told);
+      std::vector<bool> wanted;
+      for (const auto& filter : collecting) wanted.push_back(filter->Holds());
+      KeepFacts(&session->Context(), false);
+      for (size_t i = 0; i < taking.size(); ++i) {
+        ASSERT_TRUE(probe.Ask(taking[i]->Keys(), record, told));
+        EXPECT_EQ(taking[i]->Holds(), wanted[i]) << kTakingFilters[i] << ", " << sample << ", packet " << record->packetNumber;
+        held[i] += wanted[i];
+      }
+    });
+  }
+  for (size_t i = 0; i < held.size(); ++i) EXPECT_GT(held[i], 0u) << kTakingFilters[i];
+}
+
 }  // namespace
 }  // namespace qxview::testing

@@ -10,6 +10,7 @@
 #include "core/custom_libraries.h"
 #include "core/internet_checksum.h"
 #include "core/line_facts.h"
+#include "core/line_group.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/ah.h"
 #include "decoders/net/ip_protocol_names.h"
@@ -128,13 +129,15 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
 [[gnu::noinline]] bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
   const bool cut = header.length > Left(c);
   if (Silent(in) && !cut && header.length >= kFixedLength) return PassHeader(in, c, header), true;
-  AddStatus(in, TakeU8(c));
-  AddTypeOfService(in, TakeU8(c));
-  const Field total = TakeU16(c);
-  AddLine(in, total, "Total IP length: %u", total.value);
-  const Field identification = TakeU16(c);
-  AddLine(in, identification, "ID: 0x%.04X (%d)", identification.value, identification.value);
-  AddFragment(in, TakeU16(c));
+  const Field status = TakeU8(c), service = TakeU8(c);
+  AddGroup(in, "ip status", [&] { AddStatus(in, status); });
+  AddTypeOfService(in, service);
+  const Field total = TakeU16(c), identification = TakeU16(c), fragment = TakeU16(c);
+  AddGroup(in, "ip length", [&] {
+    AddLine(in, total, "Total IP length: %u", total.value);
+    AddLine(in, identification, "ID: 0x%.04X (%d)", identification.value, identification.value);
+  });
+  AddGroup(in, "ip fragment", [&] { AddFragment(in, fragment); });
   const Field timeToLive = TakeU8(c);
   AddLine(in, timeToLive, "Time to live: %d", timeToLive.value);
   const Field protocol = TakeU8(c);

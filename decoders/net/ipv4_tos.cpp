@@ -4,6 +4,7 @@
 //   mode 1   precedence (3 bits), OSPF metric (3), cost, reserved             RFC 1349
 //   mode 2   differentiated services code point (6 bits), ECN (2)             RFC 2474, RFC 2597
 //   mode 3   fields of the user's own
+#include "core/line_group.h"
 #include "decoders/net/ipv4_parts.h"
 
 namespace qxview {
@@ -90,12 +91,12 @@ void AddTypeOfService(const Place& in, const Field& service) {
   const TypeOfServiceSettings& settings = in.view->engine->settings.typeOfService;
   constexpr int32_t kClassicLines = 7;
   if (Silent(in) && settings.mode == 0) return CountLines(in, kClassicLines);
-  const Place parts = Under(in, AddLine(in, service, "Type of Service:"));
+  const auto addTop = [&] { return Under(in, AddLine(in, service, "Type of Service:")); };
   switch (settings.mode) {
-    case 1: return AddRoutingMetric(parts, service);
-    case 2: return AddDifferentiatedService(parts, service);
-    case 3: return AddUserService(parts, service, settings);
-    default: return AddClassicService(parts, service);
+    case 1: return AddRoutingMetric(addTop(), service);
+    case 2: return AddDifferentiatedService(addTop(), service);
+    case 3: return AddUserService(addTop(), service, settings);
+    default: return AddGroup(in, "ip type of service", [&] { AddClassicService(addTop(), service); });
   }
 }
 

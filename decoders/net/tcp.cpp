@@ -12,6 +12,7 @@
 #include "core/decoder.h"
 #include "core/internet_checksum.h"
 #include "core/line_facts.h"
+#include "core/line_group.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/tcp_options.h"
@@ -84,8 +85,7 @@ void AddPorts(const Place& in, Cursor& c, const Segment& segment) {
   }
 }
 
-void AddFlags(const Place& in, Cursor& c, const Segment& segment) {
-  const Field word = TakeU16(c);
+void AddFlags(const Place& in, const Field& word, const Segment& segment) {
   const int32_t words = segment.dataOffset, bytes = 4 * words;
   const Place at = Under(
       in, AddLine(in, word, "TCP flags: %s%s%s%s%s%s   Header length: [%d]*4 bytes = %d bytes",
@@ -173,7 +173,8 @@ void ShowHeader(const Place& in, Cursor& c, Segment& segment) {
   AddLine(in, sequence, "Sequence number:          %4lu", sequence.value);
   const Field acknowledgement = TakeU32(c);
   AddLine(in, acknowledgement, "Acknowledgement:          %4lu", acknowledgement.value);
-  AddFlags(in, c, segment);
+  const Field flags = TakeU16(c);
+  AddGroup(in, "tcp flags", [&] { AddFlags(in, flags, segment); });
   AddWindow(in, c, segment);
   AddChecksum(in, c, segment);
   const Field urgent = TakeU16(c);

@@ -16,7 +16,13 @@ struct QuicId {
   uint8_t octets[kMostQuicId];
 };
 
-// The secrets of 1-RTT packets of an end: those in use and those before the last update.
+// The secrets of 1-RTT packets of an end: those in use and those before the last update. Most connections have none, as nobody
+// knows their keys.
+struct QuicTrafficKey {
+  ConnectionKey connection;
+  uint8_t clientRandom[32];
+  uint64_t sender;            // the end, and above bit 8 the attempt
+};
 constexpr int32_t kMostQuicSecret = 48;
 struct QuicTraffic {
   uint8_t length;   // 0: none is in use
@@ -36,7 +42,6 @@ struct QuicConnection {
   QuicContent content;         // what the streams carry, once that is known
   uint16_t cipherSuite;        // that the server chose
   uint8_t clientRandom[32];    // by which a key log is searched
-  QuicTraffic traffic[2];      // by sending end
   uint64_t largest[3][2];      // packet numbers, by space and sending end
 };
 

@@ -31,7 +31,6 @@ void LearnFrom(const TlsConnection& told, QuicSession& session) {
   QuicConnection& state = session.state;
   if (told.hasClientRandom && std::memcmp(state.clientRandom, told.clientRandom, sizeof state.clientRandom) != 0) {
     std::memcpy(state.clientRandom, told.clientRandom, sizeof state.clientRandom);
-    std::memset(state.traffic, 0, sizeof state.traffic);
     session.changed = true;
   }
   if (told.cipherSuite && told.cipherSuite != state.cipherSuite) {

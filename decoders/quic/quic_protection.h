@@ -11,6 +11,14 @@ struct QuicKeys {
   uint8_t key[kMostKey], vector[kNonceSize], headerKey[kMostKey];
 };
 
+// What the keys of Initial packets are made of: they are kept for the packets that follow.
+struct QuicInitialKey {
+  uint32_t version;
+  uint8_t fromClient;
+  QuicId original;
+  uint8_t unused[6];
+};
+
 // What a packet says under its protection.
 struct QuicOpened {
   uint32_t first;          // its first byte

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "decoders/states.h"
 #include "decoders/tls/tls_ciphers.h"
 
 namespace qxview {
@@ -27,7 +28,6 @@ void BeginAnew(QuicSession& session, const QuicId& original) {
   state.original = original;
   ++state.attempt;
   std::memset(state.largest, 0, sizeof state.largest);
-  std::memset(state.traffic, 0, sizeof state.traffic);
   session.changed = true;
 }
 
@@ -47,14 +47,26 @@ struct Attempt {
 
 // --- Initial packets ---
 
+bool RecallInitialKeys(const View* view, uint32_t version, const QuicId& original, bool fromClient, QuicKeys& out) {
+  QuicInitialKey key{};
+  key.version = version;
+  key.fromClient = fromClient;
+  key.original.length = original.length;
+  std::memcpy(key.original.octets, original.octets, original.length);
+  if (const QuicKeys* known = Recall(view, kQuicInitialKeys, key)) return out = *known, true;
+  if (!MakeInitialKeys(view, version, original, fromClient, out)) return false;
+  Remember(view, kQuicInitialKeys, key, out);
+  return true;
+}
+
 Opening TryInitialKeys(const Attempt& attempt, const QuicId& original) {
   const uint32_t own = attempt.packet.version;
   const bool isKnown = HasQuicSalt(own);
   Opening how = Opening::kUnavailable;
   for (int32_t i = 0; i < (isKnown ? 1 : kQuicSaltVersionCount); ++i) {
-    QuicKeys keys;
+    QuicKeys keys{};
     const uint32_t version = isKnown ? own : kQuicSaltVersions[i];
-    if (!MakeInitialKeys(attempt.at.view, version, original, attempt.FromClient(), keys)) return Opening::kUnavailable;
+    if (!RecallInitialKeys(attempt.at.view, version, original, attempt.FromClient(), keys)) return Opening::kUnavailable;
     how = attempt.Open(keys);
     if (how == Opening::kOpened) break;
   }
@@ -137,7 +149,10 @@ Opening TryGenerations(const Attempt& attempt, const TlsCiphers& ciphers, int32_
 // whole phase may be missing.
 Opening TryTraffic(const Attempt& attempt, const TlsCiphers& ciphers, const TlsSecret& secret) {
   constexpr int32_t kMostUpdates = 3;
-  QuicTraffic& traffic = attempt.session.state.traffic[attempt.session.sender];
+  QuicTrafficKey key{attempt.session.key, {}, static_cast<uint64_t>(attempt.session.sender | attempt.session.state.attempt << 8)};
+  std::memcpy(key.clientRandom, attempt.session.state.clientRandom, sizeof key.clientRandom);
+  const QuicTraffic* known = Recall(attempt.at.view, kQuicTraffic, key);
+  QuicTraffic traffic = known ? *known : QuicTraffic{};
   Generation first{};
   first.length = secret.length;
   std::memcpy(first.secret, secret.bytes, secret.length);
@@ -159,7 +174,7 @@ Opening TryTraffic(const Attempt& attempt, const TlsCiphers& ciphers, const TlsS
     traffic.phase = now.phase;
     std::memcpy(traffic.previous, before, sizeof before);
     std::memcpy(traffic.current, now.secret, sizeof now.secret);
-    attempt.session.changed = true;
+    if (!PacketOf(attempt.at).quoted) Remember(attempt.at.view, kQuicTraffic, key, traffic);
   }
   if (how != Opening::kWrong || traffic.length == 0) return how;
   Generation old = first;
