@@ -6,7 +6,7 @@
 #include "core/output_file.h"
 #include "platform/platform.h"
 
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 // Every allocation of the program is counted: the test program's malloc family stands in front of the library's.
 namespace {
 thread_local uint64_t allocations = 0;
