@@ -14,7 +14,7 @@ namespace qxview {
 constexpr int32_t kMostNesting = 64;
 
 // Lines of a frame, so that output and work stay linear in input whatever the bytes say: so many, more for every byte that was
-// captured, and no more than these, which keep the slowest frame under 10 ms. Of the frames that were seen, the one with most has
+// captured, and no more than these, which keep the slowest frame near 10 ms. Of the frames that were seen, the one with most has
 // 52,666 in 63 KB, made to be hard; without such frames it is 8,356, of a message that came over many segments.
 constexpr int32_t kLinesOfAnyFrame = 10000;
 constexpr int32_t kLinesAByte = 16;
