@@ -1,6 +1,7 @@
 // A display filter up to the first zero byte, behind it an Ethernet frame that it is asked of.
 #include "fuzz/stations.h"
 #include "fuzz/targets.h"
+#include "fuzz/told_packet.h"
 #include "query/filter.h"
 #include "query/probe.h"
 
@@ -8,17 +9,6 @@ namespace qxview::fuzz {
 namespace {
 
 constexpr size_t kLongest = 20000;
-
-struct Told final : PacketTold {
-  uint64_t Number() const override { return 1; }
-  int64_t Nanoseconds() const override { return 0; }
-  uint32_t Length() const override { return 60; }
-  uint32_t Captured() const override { return 60; }
-  std::string_view Source() override { return "192.0.2.1"; }
-  std::string_view Destination() override { return "192.0.2.2"; }
-  std::string_view Protocol() override { return "DNS"; }
-  std::string_view Summary() override { return "DNS Query"; }
-};
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include "files/record_builder.h"
 #include "fuzz/stations.h"
 #include "fuzz/targets.h"
+#include "fuzz/told_packet.h"
 #include "host/packet_addresses.h"
 #include "query/probe.h"
 
@@ -44,17 +45,6 @@ ExactRecord RecordOf(uint32_t way, uint16_t number, uint32_t flags, const Piece&
   if (way & 0x40) record->layout = 0;
   return record;
 }
-
-struct Told final : PacketTold {
-  uint64_t Number() const override { return 1; }
-  int64_t Nanoseconds() const override { return 0; }
-  uint32_t Length() const override { return 60; }
-  uint32_t Captured() const override { return 60; }
-  std::string_view Source() override { return "192.0.2.1"; }
-  std::string_view Destination() override { return "192.0.2.2"; }
-  std::string_view Protocol() override { return "Protocol"; }
-  std::string_view Summary() override { return "Summary"; }
-};
 
 // Each with its line; in no order, since lines that are added above others stand behind them where those are left out.
 std::string AnswersOf(const KeyQuery& query) {

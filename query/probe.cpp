@@ -145,7 +145,8 @@ LineQuestion* Probe::QuestionOf(KeyQuery& query) {
   oldest.question->ofLabel = LabelForQuery;
   oldest.question->with = oldest.question->taker = &query;
   // Lines that a user's library adds it may take back.
-  if (!session_.GetView()->engine->libraries.handles[0]) {
+  const CustomLibraries& libraries = session_.GetView()->engine->libraries;
+  if (libraries.count == 0 && !libraries.external) {
     oldest.question->keysOf = KeysForQuery;
     oldest.question->take = TakeForQuery;
   }
