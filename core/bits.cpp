@@ -1,28 +1,8 @@
 #include "core/bits.h"
 
-#include <bit>
-#include <cstring>
+#include "core/octet_picture.h"
 
 namespace qxview {
-namespace {
-
-// Eight bits as eight bytes of 0 or 1, the most significant bit in the byte that is first in memory.
-inline uint64_t SpreadBits(uint32_t octet) {
-  constexpr uint64_t kOnes = 0x0101010101010101;
-  constexpr uint64_t kOneBitEach =
-      std::endian::native == std::endian::little ? 0x0102040810204080 : 0x8040201008040201;
-  return ((octet * kOnes & kOneBitEach) + 0x7F * kOnes) >> 7 & kOnes;
-}
-
-// One octet's eight positions: digits where `mask` has a bit, full stops elsewhere.
-inline void DrawOctet(uint32_t octet, uint32_t mask, char* picture) {
-  constexpr uint64_t kOnes = 0x0101010101010101;
-  static_assert('0' - '.' == 2 && '1' - '0' == 1);
-  const uint64_t drawn = '.' * kOnes + SpreadBits(mask) * 2 + SpreadBits(octet & mask);
-  std::memcpy(picture, &drawn, sizeof drawn);
-}
-
-}  // namespace
 
 uint32_t FormatBits(uint32_t value, int32_t width, char* picture, int32_t firstBit, int32_t bitCount) {
   if (firstBit < 0) firstBit = 0;

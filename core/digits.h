@@ -81,11 +81,11 @@ inline char* WriteDecimal(char* end, uint64_t value) {
 
 // How many decimal digits a number below kCountedDigits has.
 inline constexpr uint64_t kCountedDigits = 1000000000;
+inline constexpr uint32_t kPowersOfTen[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
 inline int32_t CountDigits(uint32_t value) {
-  constexpr uint32_t kPowers[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
   const int32_t bits = 32 - __builtin_clz(value | 1);
   const int32_t least = bits * 1233 >> 12;   // of numbers of so many bits; others have one more
-  return least + (value >= kPowers[least] ? 1 : 0);
+  return least + (value >= kPowersOfTen[least] ? 1 : 0);
 }
 
 // Both write digits from `to` on and return their end: decimal ones of a number below kCountedDigits, upper-case hexadecimal ones,

@@ -5,6 +5,7 @@
 #include "core/bits.h"
 #include "core/bounded_text.h"
 #include "core/digits.h"
+#include "core/octet_picture.h"
 #include "core/sixteen.h"
 
 namespace qxview {
@@ -150,13 +151,26 @@ inline uint32_t WordOf(FormatPiece piece) {
 constexpr uint32_t LiteralOf(uint32_t word) { return BitsAt(word, 0, 10); }
 constexpr uint32_t ConversionLengthOf(uint32_t word) { return BitsAt(word, 10, 4); }
 constexpr bool IsPlain(uint32_t word) { return BitsAt(word, 14, 11) == 0; }   // no precision, no width
+constexpr uint32_t PrecisionOf(uint32_t word) { return BitsAt(word, 14, 5); }
+constexpr uint32_t WidthOf(uint32_t word) { return BitsAt(word, 19, 6); }
 constexpr bool IsWide(uint32_t word) { return BitsAt(word, 26, 1) != 0; }
 constexpr Conversion ConversionOf(uint32_t word) { return static_cast<Conversion>(BitsAt(word, 27, 4)); }
 
+constexpr uint32_t MaskAt(int32_t first, int32_t count) {
+  return ((1u << count) - 1) << (std::endian::native == std::endian::little ? first : 32 - first - count);
+}
+// Whether this is the conversion, with neither precision nor width.
+constexpr bool IsPlain(uint32_t word, Conversion conversion) {
+  constexpr uint32_t kWidths = MaskAt(14, 11), kConversion = MaskAt(27, 4);
+  constexpr uint32_t kOne = kConversion & ~(kConversion << 1);   // the lowest bit of it
+  return (word & (kWidths | kConversion)) == kOne * static_cast<uint32_t>(conversion);
+}
+
+constexpr size_t kMostMade = 48;   // of addresses, pictures and numbers, with their terminator
+static_assert(kIPv6TextSize <= kMostMade && kBitPictureSize <= kMostMade && kMostDigits <= kMostMade);
+
 // The other forms of texts than a terminated one that is neither cut nor filled.
 [[gnu::noinline]] char* PutText(Output out, FormatPiece piece, const FormatArgument& argument) {
-  constexpr size_t kMostMade = 48;   // of addresses and pictures, with their terminator
-  static_assert(kIPv6TextSize <= kMostMade && kBitPictureSize <= kMostMade);
   const uint32_t form = argument.form & 0xFF;
   const bool isQuick = IsPlain(WordOf(piece)) && RoomOf(out) >= kMostMade;
   if (form == FormatArgument::kBits) return isQuick ? out.at + DrawBits(argument, out.at) : PutMade(out, piece, argument);
@@ -183,6 +197,56 @@ constexpr Conversion ConversionOf(uint32_t word) { return static_cast<Conversion
   return PutNumber(out, piece, given);
 }
 
+// What every piece may write without looking at the room that is left: a literal in two steps of sixteen, and what is made.
+constexpr size_t kMostQuickLiteral = 2 * kSixteen;
+constexpr ptrdiff_t kAmpleRoom = 96;
+static_assert(kAmpleRoom >= static_cast<ptrdiff_t>(kMostQuickLiteral + kMostMade) && kMostMade >= 2 * kSixteen);
+
+// The picture of eight bits, or of sixteen, which nearly all are; null for others.
+inline char* PutShortBits(char* at, const FormatArgument& argument) {
+  const uint32_t width = argument.form >> 8 & 0xFF, first = argument.form >> 16 & 0xFF, count = argument.form >> 24;
+  if ((width != 8 && width != 16) || first + count > width) [[unlikely]] return nullptr;
+  const uint32_t mask = ((1u << count) - 1) << (width - first - count);
+  const uint32_t value = static_cast<uint32_t>(argument.value);
+  if (width == 8) [[likely]] {
+    DrawOctet(value, mask, at);
+    return at + 8;
+  }
+  DrawOctet(value >> 8 & 0xFF, mask >> 8, at);
+  at[8] = ' ';
+  DrawOctet(value & 0xFF, mask & 0xFF, at + 9);
+  return at + 17;
+}
+
+// A terminated text in front of ample room; what is longer than sixteen characters is copied up to the end.
+inline char* PutTerminated(char* at, const char* end, const char* text) {
+  if (MayRead(text, kSixteen)) [[likely]] {
+    const uint32_t length = CopyUpToZero(at, text);
+    if (length < kSixteen) [[likely]] return at + length;
+    at += kSixteen;
+    text += kSixteen;
+  }
+  return PutBytes(at, end, text, LengthOfText(text));
+}
+
+// The rest of a text where its end is near, piece by piece.
+[[gnu::noinline]] char* PutPieces(char* at, char* end, const char* text, const FormatPiece* pieces,
+                                  const FormatArgument* arguments) {
+  for (;; ++pieces, ++arguments) {
+    const uint32_t word = WordOf(*pieces);
+    at = PutBytes(at, end, text, LiteralOf(word));
+    text += LiteralOf(word) + ConversionLengthOf(word);
+    switch (ConversionOf(word)) {
+      case Conversion::kNone: return at;
+      case Conversion::kCharacter:
+        if (at < end) *at++ = static_cast<char>(arguments->value);
+        break;
+      case Conversion::kText: at = PutText({at, end}, *pieces, *arguments); break;
+      default: at = PutFormedNumber({at, end}, *pieces, arguments->value);
+    }
+  }
+}
+
 }  // namespace
 
 int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiece* pieces,
@@ -190,26 +254,54 @@ int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiec
   char* at = out;
   char* const end = out + size - 1;
   for (;; ++pieces, ++arguments) {
+    if (end - at < kAmpleRoom) [[unlikely]] {
+      at = PutPieces(at, end, text, pieces, arguments);
+      break;
+    }
     const uint32_t word = WordOf(*pieces);
-    if (const size_t literal = LiteralOf(word); literal > 0) at = PutBytes(at, end, text, literal);
-    text += LiteralOf(word) + ConversionLengthOf(word);
+    const size_t literal = LiteralOf(word);
+    if (literal <= kMostQuickLiteral && MayRead(text, kMostQuickLiteral)) [[likely]] {
+      CopySixteen(at, text);
+      CopySixteen(at + kSixteen, text + kSixteen);
+    } else {
+      if (static_cast<size_t>(end - at) < literal + kMostMade) {
+        at = PutPieces(at, end, text, pieces, arguments);
+        break;
+      }
+      CopyShort(at, text, literal);
+    }
+    at += literal;
+    text += literal + ConversionLengthOf(word);
+    if (IsPlain(word, Conversion::kText)) {
+      const FormatArgument& argument = *arguments;
+      if (argument.form == FormatArgument::kTerminated) {
+        if (argument.value) at = PutTerminated(at, end, reinterpret_cast<const char*>(BytesOf(argument)));
+      } else if (char* drawn; (argument.form & 0xFF) == FormatArgument::kBits && (drawn = PutShortBits(at, argument)) != nullptr) {
+        at = drawn;
+      } else {
+        at = PutText({at, end}, *pieces, argument);
+      }
+      continue;
+    }
     switch (ConversionOf(word)) {
       case Conversion::kNone: *at = 0; return static_cast<int32_t>(at - out);
-      case Conversion::kCharacter:
-        if (at < end) *at++ = static_cast<char>(arguments->value);
-        continue;
-      case Conversion::kText:
-        if (arguments->form == FormatArgument::kTerminated && IsPlain(word)) {
-          const char* const given = reinterpret_cast<const char*>(BytesOf(*arguments));
-          if (given) at = PutBytes(at, end, given, LengthOfText(given));
+      case Conversion::kCharacter: *at++ = static_cast<char>(arguments->value); continue;
+      case Conversion::kText: at = PutText({at, end}, *pieces, *arguments); continue;
+      case Conversion::kSigned:
+      case Conversion::kUnsigned: {
+        // A negative number is one of many digits here.
+        const uint64_t value = IsWide(word) ? arguments->value : static_cast<uint32_t>(arguments->value);
+        if (IsPlain(word) && value < kCountedDigits) {
+          at = PutDigits(at, static_cast<uint32_t>(value));
         } else {
-          at = PutText({at, end}, *pieces, *arguments);
+          at = PutFormedNumber({at, end}, *pieces, arguments->value);
         }
         continue;
-      case Conversion::kUnsigned: {
+      }
+      case Conversion::kHexUpper: {
         const uint64_t value = IsWide(word) ? arguments->value : static_cast<uint32_t>(arguments->value);
-        if (IsPlain(word) && value < kCountedDigits && end - at >= static_cast<ptrdiff_t>(kMostDigits)) {
-          at = PutDigits(at, static_cast<uint32_t>(value));
+        if (value <= UINT32_MAX && WidthOf(word) == 0 && PrecisionOf(word) <= 8) {
+          at = PutHexDigits(at, static_cast<uint32_t>(value), static_cast<int32_t>(PrecisionOf(word)));
         } else {
           at = PutFormedNumber({at, end}, *pieces, arguments->value);
         }
@@ -218,6 +310,8 @@ int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiec
       default: at = PutFormedNumber({at, end}, *pieces, arguments->value);
     }
   }
+  *at = 0;
+  return static_cast<int32_t>(at - out);
 }
 
 }  // namespace qxview

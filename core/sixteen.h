@@ -48,9 +48,23 @@ inline void CopyShownSixteen(char* to, const uint8_t* from) {
 #endif
 }
 
-// The length of a terminated text. Reads whole aligned sixteens with a byte of the text in each: what lies beside it there is in
-// the same page, and ignored.
+inline void CopySixteen(char* to, const char* from) { std::memcpy(to, from, kSixteen); }
+
+// Reading beside a text, in the same page: what lies there is there, and ignored.
 #if defined(__SSE2__) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
+constexpr size_t kLeastPage = 4096;
+// Whether so many characters from here on can be read, if the first can.
+inline bool MayRead(const char* text, size_t count) { return reinterpret_cast<uintptr_t>(text) % kLeastPage <= kLeastPage - count; }
+
+// Copies sixteen characters; how many of them stand before the first zero.
+inline uint32_t CopyUpToZero(char* to, const char* from) {
+  const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(to), c);
+  const uint32_t ends = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(c, _mm_setzero_si128())));
+  return static_cast<uint32_t>(__builtin_ctz(ends | 1u << kSixteen));
+}
+
+// The length of a terminated text. Reads whole aligned sixteens with a byte of the text in each.
 inline size_t LengthOfText(const char* text) {
   const uintptr_t beside = reinterpret_cast<uintptr_t>(text) % kSixteen;
   const __m128i* at = reinterpret_cast<const __m128i*>(text - beside);
@@ -63,6 +77,8 @@ inline size_t LengthOfText(const char* text) {
   }
 }
 #else
+inline bool MayRead(const char*, size_t) { return false; }
+inline uint32_t CopyUpToZero(char*, const char*) { return 0; }
 inline size_t LengthOfText(const char* text) { return std::strlen(text); }
 #endif
 

@@ -10,6 +10,7 @@
 #include "core/levels.h"
 #include "core/name_table.h"
 #include "tests/support/decoding.h"
+#include "tests/support/guarded_memory.h"
 
 namespace qxview::testing {
 namespace {
@@ -66,6 +67,34 @@ TEST(Formatter, TakesTextsOfAllKinds) {
   EXPECT_EQ(Formatted("[%s]", static_cast<const char*>(nullptr)), "[]");
   EXPECT_EQ(Formatted("[%.3s] [%5.3s] [%.8s]", "abcdef", TextSlice{"abcdef", 6}, "ab"), "[abc] [  abc] [ab]");
   EXPECT_EQ(Formatted("[%.4s] [%.3s]", HexSlice{bytes, 3, ' '}, MacText(bytes)), "[00 7] [00:]");
+}
+
+// A text may end with the last page that there is, at any place of the line.
+TEST(Formatter, TakesTextsOfEveryLengthFromTheEndOfAPage) {
+  const GuardedMemory page(4096);
+  const std::string letters = "The quick brown fox jumps over the lazy dog, and once more";
+  for (size_t length = 0; length <= letters.size(); ++length) {
+    char* const text = reinterpret_cast<char*>(page.Room(length + 1));
+    std::memcpy(text, letters.data(), length);
+    text[length] = 0;
+    const std::string expected = letters.substr(0, length);
+    EXPECT_EQ(Formatted("%s", text), expected);
+    EXPECT_EQ(Formatted("A literal that is longer than thirty-two characters: %s|%s", text, text),
+              "A literal that is longer than thirty-two characters: " + expected + "|" + expected);
+  }
+}
+
+TEST(Formatter, DrawsBitsOfEveryWidthAsTheirPicture) {
+  const uint32_t value = 0x9A5C3F17;
+  for (uint8_t width = 8; width <= 32; width = static_cast<uint8_t>(width + 8)) {
+    for (uint8_t first = 0; first <= width; ++first) {
+      for (uint8_t count = 0; count <= width + 1; ++count) {
+        char picture[kBitPictureSize];
+        FormatBits(value, width, picture, first, count);
+        EXPECT_EQ(Formatted("%s!", BitSlice{value, width, first, count}), std::string(picture) + "!");
+      }
+    }
+  }
 }
 
 TEST(Formatter, CountsDigitsAtTheirBorders) {
