@@ -93,7 +93,7 @@ LineHandle AddMade(const Place& at, const Field& field, int32_t image, const cha
 
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
-  if (WasLeft(at.view, line)) return;
+  if (IsUnmade(at, line) || WasLeft(at.view, line)) return;
   char added[kLineSize];
   FormatPieces(added, at.lineSize, text, pieces, arguments);
   AppendToDecodeLine(at.view, at.tree, line, added);
@@ -101,7 +101,7 @@ void AppendFormatted(const Place& at, LineHandle line, const char* text, const F
 
 void SetFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                   const FormatArgument* arguments) {
-  if (WasLeft(at.view, line)) return;
+  if (IsUnmade(at, line) || WasLeft(at.view, line)) return;
   char made[kLineSize];
   FormatPieces(made, at.lineSize, text, pieces, arguments);
   SetDecodeLineText(at.view, at.tree, line, made);

@@ -3,7 +3,9 @@
 namespace qxview {
 namespace {
 
-Field TakeNumber(Cursor& c, int32_t size, bool little) {
+inline Field TakeNumber(Cursor& c, int32_t size, bool little) {
+  if (size == 1) return TakeU8(c);
+  if (size == 2) return little ? TakeLittleU16(c) : TakeU16(c);
   Field field = TakeBytes(c, size);
   if (field.here) field.value = static_cast<uint32_t>(detail::NumberOf(field, little));
   return field;
@@ -53,9 +55,27 @@ bool TakeElement(Cursor& c, const ElementForm& form, Element& out) {
 }
 
 namespace detail {
+namespace {
+
+// The lines of an element's head.
+int32_t CountHeadLines(const Element& element, const ElementForm& form) {
+  const int32_t own = element.whole.here, type = element.type.here;
+  if (form.typeBits) return own + 2 * type;
+  const bool hasLength = form.lengthFirst || (!element.single && form.lengthSize);
+  return own + type + (hasLength && element.length.here);
+}
+
+}  // namespace
 
 Place AddElementHead(const Place& in, const Element& element, const ElementForm& form, const char* title,
                      const char* name) {
+  if (Silent(in) && !in.dead) {
+    const int32_t lines = CountHeadLines(element, form);
+    if (lines < PacketOf(in).linesLeft) [[likely]] {
+      CountLines(in, lines);
+      return Under(in, kLineOutsideDisplay);
+    }
+  }
   const Place under = Under(in, AddLine(in, element.whole, "%s: %s", title, name));
   const Field& type = element.type;
   if (form.typeBits) {

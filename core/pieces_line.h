@@ -4,6 +4,10 @@
 
 namespace qxview::detail {
 
+// Whether a line is one that silence kept from being made: nothing can be told of it.
+inline bool IsUnmade(const Place& at, LineHandle line) { return line == kLineOutsideDisplay && Silent(at); }
+
+
 LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
                          const FormatPiece* pieces, const FormatArgument* arguments);
 

@@ -261,7 +261,7 @@ Field ShowRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
   }
   if (!isBits) walk.parent = line ? line : at.parent;
   if (row.form == RowForm::kFlags) AddFlagLines(walk, row, field);
-  if (row.note.text && Displaying(at) && !(row.noteWhenSet && field.value == 0)) {
+  if (row.note.text && Displaying(at) && !IsUnmade(at, at.parent) && !(row.noteWhenSet && field.value == 0)) {
     RowArguments arguments;
     Arrange(arguments, row.note, row, walk, field);
     AppendFormatted(at, at.parent, row.note.text, row.note.pieces, arguments.of);

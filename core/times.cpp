@@ -5,65 +5,67 @@
 namespace qxview {
 namespace {
 
-constexpr TimeText kNotSet{"Not set"};
+int32_t WriteNotSet(const DeferredText&, char* out, int32_t size) { return FormatInto(out, size, "Not set"); }
 
-TimeText TextOfSecond(int64_t second) {
+int32_t WriteSecond(int64_t second, char* out, int32_t size) {
   const CivilTime time = TimeOfSecond(second);
-  TimeText out;
-  FormatInto(out.text, sizeof out.text, "%.04u-%.02u-%.02u %.02u:%.02u:%.02u", static_cast<uint32_t>(time.year),
-             time.month, time.day, time.hour, time.minute, time.second);
-  return out;
+  return FormatInto(out, size, "%.04u-%.02u-%.02u %.02u:%.02u:%.02u", static_cast<uint32_t>(time.year), time.month, time.day,
+                    time.hour, time.minute, time.second);
 }
+
+// A second with the first digits of its nanoseconds.
+int32_t WriteUtc(const DeferredText& text, char* out, int32_t size) {
+  const auto& time = static_cast<const TimeText&>(text);
+  const int32_t used = WriteSecond(time.time, out, size);
+  if (time.digits < 1) return used;
+  char fraction[16];
+  FormatInto(fraction, sizeof fraction, ".%.09u", time.nanoseconds);
+  fraction[1 + (time.digits > 9 ? 9 : time.digits)] = 0;
+  return used + FormatInto(out + used, size - used, "%s", static_cast<const char*>(fraction));
+}
+
+int32_t WriteDos(const DeferredText& text, char* out, int32_t size) {
+  const uint64_t words = static_cast<uint64_t>(static_cast<const TimeText&>(text).time);
+  const uint32_t date = static_cast<uint32_t>(words >> 32), time = static_cast<uint32_t>(words);
+  return FormatInto(out, size, "%.04u-%.02u-%.02u %.02u:%.02u:%.02u", 1980 + (date >> 9), date >> 5 & 15, date & 31, time >> 11,
+                    time >> 5 & 63, 2 * (time & 31));
+}
+
+int32_t WriteSpan(const DeferredText& text, char* out, int32_t size) {
+  const uint32_t span = static_cast<uint32_t>(static_cast<const TimeText&>(text).time);
+  const uint32_t millionths = static_cast<uint32_t>(uint64_t{span & 0xFFFF} * 1000000 >> 16);
+  return FormatInto(out, size, "%u.%.06u seconds", span >> 16, millionths);
+}
+
+TimeText NotSet() { return {{WriteNotSet}, 0, 0, 0}; }
 
 }  // namespace
 
-TimeText UnixTimeText(uint32_t seconds) {
-  return seconds == 0 || seconds == UINT32_MAX ? kNotSet : TextOfSecond(seconds);
-}
+TimeText UnixTimeText(uint32_t seconds) { return seconds == 0 || seconds == UINT32_MAX ? NotSet() : UtcText(seconds); }
 
 TimeText FileTimeText(uint64_t ticks) {
   constexpr uint64_t kTicksASecond = 10000000;
   constexpr int64_t kSecondsTo1970 = 11644473600;
-  if (ticks == 0 || ticks >= uint64_t{1} << 63) return kNotSet;
-  TimeText out = TextOfSecond(static_cast<int64_t>(ticks / kTicksASecond) - kSecondsTo1970);
+  if (ticks == 0 || ticks >= uint64_t{1} << 63) return NotSet();
   const uint32_t fraction = static_cast<uint32_t>(ticks % kTicksASecond);
-  if (fraction) AppendFormat(out.text, sizeof out.text, ".%.07u", fraction);
-  return out;
+  return UtcText(static_cast<int64_t>(ticks / kTicksASecond) - kSecondsTo1970, 100 * fraction, fraction ? 7 : 0);
 }
 
 TimeText DosTimeText(uint32_t date, uint32_t time) {
-  if (date == 0 && time == 0) return kNotSet;
-  TimeText out;
-  FormatInto(out.text, sizeof out.text, "%.04u-%.02u-%.02u %.02u:%.02u:%.02u", 1980 + (date >> 9), date >> 5 & 15,
-             date & 31, time >> 11, time >> 5 & 63, 2 * (time & 31));
-  return out;
+  if (date == 0 && time == 0) return NotSet();
+  return {{WriteDos}, static_cast<int64_t>(uint64_t{date} << 32 | time), 0, 0};
 }
 
 TimeText NtpTimeText(uint64_t timestamp) {
   constexpr int64_t kSecondsTo1970 = 2208988800, kEra = int64_t{1} << 32;
-  if (timestamp == 0) return kNotSet;
+  if (timestamp == 0) return NotSet();
   const int64_t second = static_cast<int64_t>(timestamp >> 32) - kSecondsTo1970;
-  TimeText out = TextOfSecond(timestamp >> 63 ? second : second + kEra);
   const uint32_t nanoseconds = static_cast<uint32_t>((timestamp & UINT32_MAX) * 1000000000 >> 32);
-  if (nanoseconds) AppendFormat(out.text, sizeof out.text, ".%.09u", nanoseconds);
-  return out;
+  return UtcText(timestamp >> 63 ? second : second + kEra, nanoseconds, nanoseconds ? 9 : 0);
 }
 
-TimeText UtcText(int64_t seconds, uint32_t nanoseconds, int32_t digits) {
-  TimeText made = TextOfSecond(seconds);
-  if (digits < 1) return made;
-  char fraction[16];
-  FormatInto(fraction, sizeof fraction, ".%.09u", nanoseconds);
-  fraction[1 + (digits > 9 ? 9 : digits)] = 0;
-  AppendFormat(made.text, sizeof made.text, "%s", static_cast<const char*>(fraction));
-  return made;
-}
+TimeText UtcText(int64_t seconds, uint32_t nanoseconds, int32_t digits) { return {{WriteUtc}, seconds, nanoseconds, digits}; }
 
-TimeText NtpSpanText(uint32_t span) {
-  TimeText made;
-  const uint32_t millionths = static_cast<uint32_t>(uint64_t{span & 0xFFFF} * 1000000 >> 16);
-  FormatInto(made.text, sizeof made.text, "%u.%.06u seconds", span >> 16, millionths);
-  return made;
-}
+TimeText NtpSpanText(uint32_t span) { return {{WriteSpan}, span, 0, 0}; }
 
 }  // namespace qxview

@@ -5,7 +5,12 @@
 
 namespace qxview {
 
-using TimeText = ShortText<40>;
+// Made when its line is formatted: most are of lines that nobody wants.
+struct TimeText : DeferredText {
+  int64_t time;            // in the unit of its form
+  uint32_t nanoseconds;
+  int32_t digits;
+};
 
 TimeText UnixTimeText(uint32_t seconds);                 // since 1970; "Not set" for 0 and all ones
 TimeText FileTimeText(uint64_t ticks);                   // 100 ns since 1601; "Not set" for 0 and from 2^63 on
