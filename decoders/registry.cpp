@@ -120,22 +120,37 @@ template <DoorKind kKind>
 constexpr auto kTable = MakeTable<kKind>();
 
 const DecoderRow* FindIn(const DecoderRow* rows, size_t count, uint32_t key) {
-  size_t lower = 0, upper = count;
-  while (lower < upper) {
-    const size_t middle = (lower + upper) / 2;
-    if (rows[middle].key == key) return &rows[middle];
-    if (rows[middle].key < key) {
-      lower = middle + 1;
-    } else {
-      upper = middle;
-    }
+  const DecoderRow* first = rows;
+  for (size_t left = count; left > 1;) {   // the compiler makes no branch of it
+    const size_t half = left / 2;
+    first += first[half].key <= key ? half : 0;
+    left -= half;
   }
-  return nullptr;
+  return first->key == key ? first : nullptr;
 }
 template <DoorKind kKind>
 const DecoderRow* FindRow(uint32_t key) {
   return FindIn(kTable<kKind>.rows, kDoorCount<kKind>, key);
 }
+
+// Where a table's rows stand, by their keys: for those that every frame asks and whose keys are few.
+template <size_t kKeys>
+struct RowPlaces {
+  uint16_t of[kKeys];   // one more than the row's; 0 for none
+};
+template <DoorKind kKind, size_t kKeys>
+consteval RowPlaces<kKeys> PlacesOf() {
+  RowPlaces<kKeys> places{};
+  for (size_t i = 0; i < kDoorCount<kKind>; ++i) places.of[kTable<kKind>.rows[i].key] = static_cast<uint16_t>(i + 1);
+  return places;
+}
+template <DoorKind kKind, size_t kKeys>
+const DecoderRow* FindPlaced(uint32_t key) {
+  static constexpr RowPlaces<kKeys> kPlaces = PlacesOf<kKind, kKeys>();
+  const size_t place = key < kKeys ? kPlaces.of[key] : 0;
+  return place ? &kTable<kKind>.rows[place - 1] : nullptr;
+}
+constexpr size_t kByteKeys = 256, kApplicationKeys = 1024;   // a row beyond does not compile
 
 struct NamedTable {
   const char* name;
@@ -159,15 +174,15 @@ constexpr NamedTable kTables[] = {
 
 }  // namespace
 
-const DecoderRow* FindMedium(uint8_t mediaType) { return FindRow<DoorKind::kMedium>(mediaType); }
+const DecoderRow* FindMedium(uint8_t mediaType) { return FindPlaced<DoorKind::kMedium, kByteKeys>(mediaType); }
 const DecoderRow* FindLinkEncapsulation(uint32_t key) { return FindRow<DoorKind::kEncapsulation>(key); }
 const DecoderRow* FindLlcService(LlcService service) { return FindRow<DoorKind::kLlc>(static_cast<uint32_t>(service)); }
 const DecoderRow* FindEthertype(uint16_t ethertype) {
   return FindRow<DoorKind::kEthertype>(ethertype > kFirstNbp && ethertype <= kLastNbp ? kFirstNbp : ethertype);
 }
-const DecoderRow* FindIpProtocol(uint8_t protocol) { return FindRow<DoorKind::kIpProtocol>(protocol); }
-const DecoderRow* FindIPv6NextHeader(uint8_t nextHeader) { return FindRow<DoorKind::kNextHeader>(nextHeader); }
-const DecoderRow* FindBuiltinDecoder(uint32_t index) { return FindRow<DoorKind::kApplication>(index); }
+const DecoderRow* FindIpProtocol(uint8_t protocol) { return FindPlaced<DoorKind::kIpProtocol, kByteKeys>(protocol); }
+const DecoderRow* FindIPv6NextHeader(uint8_t nextHeader) { return FindPlaced<DoorKind::kNextHeader, kByteKeys>(nextHeader); }
+const DecoderRow* FindBuiltinDecoder(uint32_t index) { return FindPlaced<DoorKind::kApplication, kApplicationKeys>(index); }
 
 DecoderRowSpan RegistryTable(DoorKind kind, const char** name) {
   const NamedTable& table = kTables[static_cast<int32_t>(kind)];

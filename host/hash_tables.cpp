@@ -26,7 +26,7 @@ class HashTable {
       held->identifier = made.identifier;
       return held;
     }
-    if (made.form == HashKeyForm::kPort) ports[made.first.port] = true;
+    ports[made.first.port] = true;
     entries.push_back(made);
     try {
       index.emplace(key, std::prev(entries.end()));
@@ -45,8 +45,11 @@ class HashTable {
 
   // Every packet asks for its ports, of which most are in no table.
   HashEntry* FindPort(uint16_t port) { return ports[port] ? Find(PortKey(port)) : nullptr; }
+  HashEntry* FindEnd(const AddressSlot& address, uint16_t port) {
+    return ports[port] ? Find(AddressPortKey(address, port)) : nullptr;
+  }
 
-  std::bitset<65536> ports;   // that were inserted once
+  std::bitset<65536> ports;   // that were inserted once, of an end the first one
   EntryList entries;   // in the order of their insertion
   std::unordered_map<HashKey, EntryList::iterator, HashKeyHash> index;
   std::vector<HashIterator*> iterators;
@@ -80,7 +83,6 @@ HashEntry* InsertEntry(HashTable* table, const HashEntry& made) noexcept {
 }
 
 HashEntry* FindEntry(HashTable* table, const HashKey& key) noexcept { return table ? table->Find(key) : nullptr; }
-bool HasEntries(const HashTable* table) noexcept { return table && !table->entries.empty(); }
 
 }  // namespace
 
@@ -102,7 +104,7 @@ HashEntry* HashInsertNetAddrPair(HashTable* table, const AddressSlot& first, con
 
 HashEntry* HashFind(HashTable* table, uint16_t port) noexcept { return table ? table->FindPort(port) : nullptr; }
 HashEntry* HashFindGenericIPPort(HashTable* table, const AddressSlot& address, uint16_t port) noexcept {
-  return HasEntries(table) ? FindEntry(table, AddressPortKey(address, port)) : nullptr;
+  return table ? table->FindEnd(address, port) : nullptr;
 }
 HashEntry* HashFindIpPortPairWithAttrByte(HashTable* table, const NetworkEnd& first, const NetworkEnd& second,
                                           uint8_t attribute) noexcept {
