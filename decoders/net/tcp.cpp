@@ -185,7 +185,8 @@ void ShowHeader(const Place& in, Cursor& c, Segment& segment) {
 void PassHeader(const Place& in, Cursor& c, Segment& segment) {
   constexpr int32_t kLines = 19;   // under the top line, without options and what is calculated
   CountLines(in, kLines);
-  if (!(segment.flags & kSyn)) FindWindowScale(in);   // asked in every pass: what a look-up gave may be recorded
+  // Asked in every pass that a decode may follow: what a look-up gave may be recorded.
+  if (!(segment.flags & kSyn) && !in.view->context->headersOnly) FindWindowScale(in);
   TakeBytes(c, kChecksum);
   const Field checksum = TakeU16(c);
   segment.isBad = !in.view->engine->settings.ignoreChecksums && CheckSegment(segment, checksum).isBad;

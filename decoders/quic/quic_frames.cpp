@@ -231,10 +231,18 @@ constexpr auto kFrames = Choices<Frame>({
     {0x15228C0D, "PATHS_BLOCKED", kMaxPathRows}, {0x15228C0E, "PATH_CIDS_BLOCKED", kPathIdsBlockedRows},
 });
 
+// How many zeros stand in front; packets are filled up with a thousand of them.
+int32_t CountZeros(const uint8_t* bytes, int32_t left) {
+  constexpr int32_t kStep = 8;
+  int32_t count = 0;
+  while (count + kStep <= left && ReadU64(bytes + count) == 0) count += kStep;
+  while (count < left && bytes[count] == kPadding) ++count;
+  return count;
+}
+
 // A run of zeros is a line.
 void ShowPadding(const Place& in, Cursor& c) {
-  int32_t length = 0;
-  while (length < Left(c) && PeekU8(c, length) == kPadding) ++length;
+  const int32_t length = CountZeros(c.at, Left(c));
   const Field run = TakeBytes(c, length);
   const Place frame = Under(in, AddLine(in, run, "Frame: PADDING, %d bytes", length));
   AddLine(frame, Slice(run, 0, 1), "Frame Type: 0x%.02X = %s", 0, "PADDING");
