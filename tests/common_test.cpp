@@ -11,14 +11,21 @@ namespace {
 
 Cursor Over(const Bytes& bytes) { return MakeCursor(bytes.data(), 0, static_cast<int32_t>(bytes.size())); }
 
+std::string Written(const TimeText& time) {
+  char out[kMostDeferred];
+  FormatInto(out, sizeof out, "%s", time);
+  return out;
+}
+
 TEST(Common, TimesCountFromTheirOwnYears) {
-  EXPECT_STREQ(UnixTimeText(0xFFFFFFFE).text, "2106-02-07 06:28:14");
-  EXPECT_STREQ(UnixTimeText(0xFFFFFFFF).text, "Not set");
-  EXPECT_STREQ(FileTimeText(1).text, "1601-01-01 00:00:00.0000001");
-  EXPECT_STREQ(FileTimeText(INT64_MAX).text, "30828-09-14 02:48:05.4775807");
-  EXPECT_STREQ(NtpTimeText(0xFFFFFFFF'80000000).text, "2036-02-07 06:28:15.500000000");
-  EXPECT_STREQ(NtpTimeText(0x00000001'00000000).text, "2036-02-07 06:28:17") << "the era after that";
-  EXPECT_STREQ(DosTimeText(0xFFFF, 0xFFFF).text, "2107-15-31 31:63:62") << "shown as it stands";
+  EXPECT_EQ(Written(UnixTimeText(0xFFFFFFFE)), "2106-02-07 06:28:14");
+  EXPECT_EQ(Written(UnixTimeText(0xFFFFFFFF)), "Not set");
+  EXPECT_EQ(Written(FileTimeText(1)), "1601-01-01 00:00:00.0000001");
+  EXPECT_EQ(Written(FileTimeText(INT64_MAX)), "30828-09-14 02:48:05.4775807");
+  EXPECT_EQ(Written(NtpTimeText(0xFFFFFFFF'80000000)), "2036-02-07 06:28:15.500000000");
+  EXPECT_EQ(Written(NtpTimeText(0x00000001'00000000)), "2036-02-07 06:28:17") << "the era after that";
+  EXPECT_EQ(Written(UtcText(-1, 987654321, 3)), "1969-12-31 23:59:59.987");
+  EXPECT_EQ(Written(DosTimeText(0xFFFF, 0xFFFF)), "2107-15-31 31:63:62") << "shown as it stands";
 }
 
 TEST(Common, IdentifiersHoldWhatTheySay) {
