@@ -25,7 +25,6 @@ struct HashKey {
 // Bytes that an address's kind does not use do not count.
 HashKey MakeHashKey(HashKeyForm form, const NetworkEnd& first, const NetworkEnd& second, uint8_t attribute);
 
-inline HashKey PortKey(uint16_t port) { return MakeHashKey(HashKeyForm::kPort, {{}, port}, {}, 0); }
 inline HashKey AddressPortKey(const AddressSlot& address, uint16_t port) {
   return MakeHashKey(HashKeyForm::kAddressPort, {address, port}, {}, 0);
 }

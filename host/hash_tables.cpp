@@ -21,15 +21,19 @@ HashKey KeyOf(const HashEntry& entry) {
 class HashTable {
  public:
   HashEntry* Insert(const HashEntry& made) {
-    const HashKey key = KeyOf(made);
-    if (HashEntry* held = Find(key)) {
+    const bool isPort = made.form == HashKeyForm::kPort;
+    if (HashEntry* held = isPort ? FindPort(made.first.port) : Find(KeyOf(made))) {
       held->identifier = made.identifier;
       return held;
     }
     ports[made.first.port] = true;
     entries.push_back(made);
     try {
-      index.emplace(key, std::prev(entries.end()));
+      if (isPort) {
+        byPort.emplace(made.first.port, std::prev(entries.end()));
+      } else {
+        index.emplace(KeyOf(made), std::prev(entries.end()));
+      }
     } catch (const std::bad_alloc&) {
       entries.pop_back();
       throw;
@@ -44,14 +48,19 @@ class HashTable {
   }
 
   // Every packet asks for its ports, of which most are in no table.
-  HashEntry* FindPort(uint16_t port) { return ports[port] ? Find(PortKey(port)) : nullptr; }
+  HashEntry* FindPort(uint16_t port) {
+    if (!ports[port]) return nullptr;
+    const auto found = byPort.find(port);
+    return found == byPort.end() ? nullptr : &*found->second;
+  }
   HashEntry* FindEnd(const AddressSlot& address, uint16_t port) {
     return ports[port] ? Find(AddressPortKey(address, port)) : nullptr;
   }
 
   std::bitset<65536> ports;   // that were inserted once, of an end the first one
-  EntryList entries;   // in the order of their insertion
-  std::unordered_map<HashKey, EntryList::iterator, HashKeyHash> index;
+  EntryList entries;                                            // in the order of their insertion
+  std::unordered_map<uint16_t, EntryList::iterator> byPort;     // those of a port alone
+  std::unordered_map<HashKey, EntryList::iterator, HashKeyHash> index;   // the others
   std::vector<HashIterator*> iterators;
 };
 
@@ -116,19 +125,23 @@ HashEntry* HashFindNetAddrPair(HashTable* table, const AddressSlot& first, const
 
 bool HashRemove(HashTable* table, HashEntry* entry) noexcept {
   if (!table || !entry) return false;
-  const auto found = table->index.find(KeyOf(*entry));
-  if (found == table->index.end() || &*found->second != entry) return false;
-  const EntryList::iterator gone = found->second;
-  for (HashIterator* iterator : table->iterators) {
-    if (iterator->next == gone) ++iterator->next;
-  }
-  table->index.erase(found);
-  table->entries.erase(gone);
-  return true;
+  const auto remove = [&](auto& index, const auto& key) {
+    const auto found = index.find(key);
+    if (found == index.end() || &*found->second != entry) return false;
+    const EntryList::iterator gone = found->second;
+    for (HashIterator* iterator : table->iterators) {
+      if (iterator->next == gone) ++iterator->next;
+    }
+    index.erase(found);
+    table->entries.erase(gone);
+    return true;
+  };
+  return entry->form == HashKeyForm::kPort ? remove(table->byPort, entry->first.port) : remove(table->index, KeyOf(*entry));
 }
 
 void HashRemoveAll(HashTable* table) noexcept {
   if (!table) return;
+  table->byPort.clear();
   table->index.clear();
   table->entries.clear();
   for (HashIterator* iterator : table->iterators) iterator->next = table->entries.end();
