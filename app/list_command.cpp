@@ -17,6 +17,7 @@
 #include "app/tree_writer.h"
 #include "core/decoder.h"
 #include "core/digits.h"
+#include "core/sixteen.h"
 #include "decoders/app/packet_summaries.h"
 #include "decoders/net/window_scales.h"
 #include "host/packet_addresses.h"
@@ -78,14 +79,19 @@ class PacketList {
     char time[ListTime::kSize];
     const int32_t digits = sixDigits_ || record->nanoseconds % 1000 == 0 ? 6 : 9;
     const int32_t timeLength = time_.Format(run_.Times(), digits, time);
-    PacketAddresses addresses;
-    FormatPacketAddresses(packet, host_, &addresses);
+    struct {
+      PacketAddresses addresses;
+      char summary[kSummarySize];
+      char behind[kWrittenAhead];   // is read with the texts' last characters
+    } texts;
+    const PacketAddresses& addresses = texts.addresses;
+    const char* const summary = texts.summary;
+    FormatPacketAddresses(packet, host_, &texts.addresses);
     const uint32_t length = WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record));
-    char summary[kSummarySize];
-    SummarizePacket(run_.GetSession().GetView(), summary, sizeof summary);
+    SummarizePacket(run_.GetSession().GetView(), texts.summary, sizeof texts.summary);
     const std::string_view timeText{time, static_cast<size_t>(timeLength)};
     if (table_) return PutTableRow(number, timeText, addresses, length, summary);
-    constexpr size_t kTexts = sizeof addresses + sizeof summary;
+    constexpr size_t kTexts = sizeof texts.addresses + sizeof texts.summary;
     static_assert(kLongestEscape * kTexts + kRowRoom <= Output::kMostRoom);
     char* at = PutNumber(out_.Room(kLongestEscape * kTexts + kRowRoom), number, kNumberWidth);
     at = PutRight(PutGap(at), timeText, kTimeWidth);
@@ -97,7 +103,7 @@ class PacketList {
       PutColoredSummary(packet, summary);
       out_.Put('\n');
     } else {
-      at = PutEscaped<false>(at, summary);
+      at = PutEscaped<false, true>(at, {summary, LengthOfText(summary)});
       *at++ = '\n';
       out_.Took(at);
     }
@@ -148,7 +154,10 @@ class PacketList {
     CopyShort(to, text.data(), text.size());
     return to + text.size();
   }
-  static char* PutLeft(char* to, std::string_view text) { return Fill(PutEscaped<false>(to, text), text.size(), kAddressWidth); }
+  static char* PutLeft(char* to, const char* text) {
+    const size_t length = LengthOfText(text);
+    return Fill(PutEscaped<false, true>(to, {text, length}), length, kAddressWidth);
+  }
   static char* PutNumber(char* to, uint64_t number, size_t width) {
     // Longer ones fill every column.
     const size_t digits = number < kCountedDigits ? static_cast<size_t>(CountDigits(static_cast<uint32_t>(number))) : width;

@@ -1,6 +1,7 @@
 #include "app/list_time.h"
 
 #include "app/command_line.h"
+#include "app/fast_text.h"
 #include "app/time_sums.h"
 #include "core/formatter.h"
 #include "host/time_text.h"
@@ -46,10 +47,14 @@ int32_t ListTime::Format(const PacketTimes& times, int32_t digits, char* out) {
                                                        : times.shownBefore;
   const int64_t elapsed = static_cast<int64_t>(static_cast<uint64_t>(nanoseconds) - static_cast<uint64_t>(start));
   const uint64_t size = elapsed < 0 ? 0 - static_cast<uint64_t>(elapsed) : static_cast<uint64_t>(elapsed);
-  const char* const sign = elapsed < 0 ? "-" : "";
   const uint32_t fraction = static_cast<uint32_t>(size % kPerSecond);
-  if (digits == 9) return FormatInto(out, kSize, "%s%I64u.%09u", sign, size / kPerSecond, fraction);
-  return FormatInto(out, kSize, "%s%I64u.%06u", sign, size / kPerSecond, fraction / 1000);
+  char* at = out;
+  if (elapsed < 0) *at++ = '-';
+  at = PutDecimal(at, size / kPerSecond);
+  *at++ = '.';
+  at = PutFilledDigits(at, digits == 9 ? fraction : fraction / 1000, digits, '0');
+  *at = 0;
+  return static_cast<int32_t>(at - out);
 }
 
 std::string ListTime::Line(const PacketTimes& times, bool isInNanoseconds) {

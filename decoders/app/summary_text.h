@@ -43,7 +43,12 @@ inline void Add(SummaryText& text, const TextSlice& slice) {
   text.out[text.used] = 0;
 }
 inline void Add(SummaryText& text, const char* added) {
-  Add(text, TextSlice{added, static_cast<int32_t>(std::strlen(added))});
+  if (text.used + 1 >= text.size) return;
+  const int32_t room = text.size - 1 - text.used, whole = static_cast<int32_t>(std::strlen(added));
+  const int32_t length = whole < room ? whole : room;
+  std::memcpy(text.out + text.used, added, static_cast<size_t>(length));
+  text.used += length;
+  text.out[text.used] = 0;
 }
 template <class... Args>
   requires(sizeof...(Args) > 0)

@@ -12,10 +12,10 @@ namespace {
 void AddPorts(SummaryText& text, uint32_t source, uint32_t destination, bool isUdp) {
   const char* sourceName = ServiceName(source, isUdp);
   const char* destinationName = ServiceName(destination, isUdp);
-  Add(text, ", Port: %u", source);
-  if (sourceName && (!destinationName || source < destination)) Add(text, " (%s)", sourceName);
-  Add(text, " -> %u", destination);
-  if (destinationName && (!sourceName || destination <= source)) Add(text, " (%s)", destinationName);
+  if (!sourceName && !destinationName) return Add(text, ", Port: %u -> %u", source, destination);
+  const bool isSource = sourceName && (!destinationName || source < destination);
+  if (isSource) return Add(text, ", Port: %u (%s) -> %u", source, sourceName, destination);
+  Add(text, ", Port: %u -> %u (%s)", source, destination, destinationName);
 }
 
 // Whether a segment's checksum fails, which is why its payload was not looked at.
@@ -30,7 +30,7 @@ bool HasBadChecksum(const Cursor& segment, const PacketState& packet) {
 }  // namespace
 
 void DescribeTcp(SummaryText& text, Cursor c, const PacketState& packet) {
-  static constexpr const char* kFlagNames[] = {"FIN", "SYN", "RST", "PSH", "ACK", "URG", "ECE", "CWR"};
+  static constexpr const char* kFlagNames[] = {" FIN", " SYN", " RST", " PSH", " ACK", " URG", " ECE", " CWR"};
   constexpr uint32_t kAck = 0x10;
   const Cursor start = c;
   const Field source = TakeU16(c), destination = TakeU16(c);
@@ -38,15 +38,20 @@ void DescribeTcp(SummaryText& text, Cursor c, const PacketState& packet) {
   const Field offset = TakeU8(c), flags = TakeU8(c), window = TakeU16(c);
   Add(text, "TCP");
   for (int32_t bit = 0; bit < 8 && flags.here; ++bit) {
-    if (flags.value >> bit & 1) Add(text, " %s", kFlagNames[bit]);
+    if (flags.value >> bit & 1) Add(text, kFlagNames[bit]);
   }
   if (destination.here) AddPorts(text, source.value, destination.value, false);
-  if (sequence.here) Add(text, ", Sequence: %u", sequence.value);
-  if (flags.here && flags.value & kAck) Add(text, ", Acknowledgement: %u", acknowledgement.value);
-  if (window.here) Add(text, ", Window: %u", window.value);
   const int32_t header = offset.here ? static_cast<int32_t>(offset.value >> 4) * 4 : Left(start);
   const int32_t length = Left(start) > header ? Left(start) - header : 0;
-  Add(text, ", Length: %d", length);
+  if (window.here && flags.value & kAck) {   // as most are
+    Add(text, ", Sequence: %u, Acknowledgement: %u, Window: %u, Length: %u", sequence.value, acknowledgement.value, window.value,
+        static_cast<uint32_t>(length));
+  } else {
+    if (sequence.here) Add(text, ", Sequence: %u", sequence.value);
+    if (flags.here && flags.value & kAck) Add(text, ", Acknowledgement: %u", acknowledgement.value);
+    if (window.here) Add(text, ", Window: %u", window.value);
+    Add(text, ", Length: %u", static_cast<uint32_t>(length));
+  }
   if (length > 0 && HasBadChecksum(start, packet)) Add(text, ", Bad Checksum");
 }
 
