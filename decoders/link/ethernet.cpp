@@ -95,12 +95,14 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
 
   const Cursor frame = c;
   const Field checkSequence = CutCheckSequence(at, c);
-  const Place in = AddFrameSummary(at, frame);
-  const Field whole = Ahead(frame, Left(frame));
-  AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", Silent(in) ? kUnknown : NameFrameType(c));
-  AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
-  AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
-  AddCaptureLines(in);
+  if (!NobodyWants(at, {kFrameProtocol})) {
+    const Place in = AddFrameSummary(at, frame);
+    const Field whole = Ahead(frame, Left(frame));
+    AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", Silent(in) ? kUnknown : NameFrameType(c));
+    AddLine(in, whole, "Frame network size: %lu (including 4 bytes CRC)", SizeWithCheckSequence(record, 4));
+    AddClosingSummaryLines(in, frame, OriginalNumber::kHidden, checkSequence);
+    AddCaptureLines(in);
+  }
   DecodeRedundancyTrailer(at, c);
   if (!DecodeMacHeader(at, c)) AddRawRest(at, c, "Raw Data");
   return 1;

@@ -211,10 +211,11 @@ void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
   const bool whole = declared <= Left(c);
   const Cursor area = TakeCursor(c, declared);
   int32_t exponent = kNoWindowScale;
-  if (Left(area) > 0) {
+  const bool isSyn = segment.flags & kSyn;
+  if (Left(area) > 0 && (isSyn || !NobodyWants(in))) {   // none but a SYN's is needed later
     exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area, declared);
   }
-  if ((segment.flags & kSyn) && whole && !segment.isBad && !PacketOf(in).quoted) {
+  if (isSyn && whole && !segment.isBad && !PacketOf(in).quoted) {
     RecordSynSegment(in, segment.sequence, segment.flags & kAck, exponent);
   }
 }

@@ -109,6 +109,7 @@ void ShowValue(const Place& in, Cursor& c, ParameterForm form) {
 }  // namespace
 
 void ShowQuicTransportParameters(const Place& in, Cursor& c) {
+  if (NobodyWants(in)) return static_cast<void>(Rest(c));
   Loop loop;
   while (MoreAt(in, c, loop)) {
     const Cursor start = c;
