@@ -95,7 +95,12 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
 
   const Cursor frame = c;
   const Field checkSequence = CutCheckSequence(at, c);
-  if (!NobodyWants(at, {kFrameProtocol})) {
+  if (NobodyWants(at, {kFrameProtocol})) {
+    constexpr int32_t kLines = 3;   // but those that the next two tell
+    CountLines(at, kLines);
+    AddClosingSummaryLines(at, frame, OriginalNumber::kHidden, checkSequence);
+    AddCaptureLines(at);
+  } else {
     const Place in = AddFrameSummary(at, frame);
     const Field whole = Ahead(frame, Left(frame));
     AddLine(in, whole, "Network: Ethernet,  Frame type:  %s", Silent(in) ? kUnknown : NameFrameType(c));

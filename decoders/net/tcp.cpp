@@ -212,7 +212,7 @@ void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
   const Cursor area = TakeCursor(c, declared);
   int32_t exponent = kNoWindowScale;
   const bool isSyn = segment.flags & kSyn;
-  if (Left(area) > 0 && (isSyn || !NobodyWants(in))) {   // none but a SYN's is needed later
+  if (Left(area) > 0 && (isSyn || !in.view->context->headersOnly)) {   // none but a SYN's is needed later
     exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area, declared);
   }
   if (isSyn && whole && !segment.isBad && !PacketOf(in).quoted) {
