@@ -232,17 +232,17 @@ constexpr auto kFrames = Choices<Frame>({
 });
 
 // How many zeros stand in front; packets are filled up with a thousand of them.
-int32_t CountZeros(const uint8_t* bytes, int32_t left) {
-  constexpr int32_t kStep = 8;
+int32_t CountZeros(const Cursor& c) {
+  constexpr int32_t kStep = 4;
   int32_t count = 0;
-  while (count + kStep <= left && ReadU64(bytes + count) == 0) count += kStep;
-  while (count < left && bytes[count] == kPadding) ++count;
+  while (count <= Left(c) - kStep && PeekU32(c, count) == 0) count += kStep;
+  while (count < Left(c) && PeekU8(c, count) == kPadding) ++count;
   return count;
 }
 
 // A run of zeros is a line.
 void ShowPadding(const Place& in, Cursor& c) {
-  const int32_t length = CountZeros(c.at, Left(c));
+  const int32_t length = CountZeros(c);
   const Field run = TakeBytes(c, length);
   const Place frame = Under(in, AddLine(in, run, "Frame: PADDING, %d bytes", length));
   AddLine(frame, Slice(run, 0, 1), "Frame Type: 0x%.02X = %s", 0, "PADDING");
