@@ -3,7 +3,7 @@
 
   scripts/run_tests.py [--list] [STEP...]
 
-Every step runs even when one before it failed. Those behind `native` are built one after the other and then run in two lanes,
+Every step runs even when one before it failed. Those behind `native` are built one after the other and then run in lanes,
 for tests keep one processor busy and builds all of them. A step that cannot be built, crashes, hangs or runs no test at all counts
 as one failure on top of the cases that failed in it. The output of a step stands in build/test-logs/STEP.log, and its end
 is shown when the step failed.
@@ -24,6 +24,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 LOGS = os.path.join(ROOT, "build", "test-logs")
 STEP_SECONDS = 2400     # a command that takes longer hangs
 WINE_SECONDS = 600      # the same for one under Wine
+WAITING_SCRIPTS = ["cluster"]     # what waits for minutes until hosts are given up, and computes little
 WINDOWS_SCRIPTS = ["golden", "command_line", "list", "schema", "capture_files"]   # what drives the program alone
 SHOWN_LINES = 60        # of the log of a step that failed
 
@@ -163,14 +164,23 @@ def run_script(script, log, log_name, seconds=STEP_SECONDS, **environment):
         return count_script(file.read().decode("utf-8", "replace"), status)
 
 
+def run_scripts(names, log, log_name):
+    """Python tests in tests/, by their names without what all end in."""
+    total = Result()
+    for name in names:
+        total.add(run_script(f"tests/{name}_test.py", log, log_name), name)
+    return total
+
+
 def step_scripts(log, log_name):
     """the Python tests in tests/, over the built program and library"""
-    total = Result()
-    for script in sorted(glob.glob(os.path.join(ROOT, "tests", "*.py"))):
-        name = os.path.basename(script)
-        if not name.startswith("_"):
-            total.add(run_script("tests/" + name, log, log_name), name)
-    return total
+    names = [os.path.basename(path).removesuffix("_test.py") for path in sorted(glob.glob(os.path.join(ROOT, "tests", "*_test.py")))]
+    return run_scripts([name for name in names if name not in WAITING_SCRIPTS], log, log_name)
+
+
+def step_waiting(log, log_name):
+    """those of them that wait for most of their time"""
+    return run_scripts(WAITING_SCRIPTS, log, log_name)
 
 
 def run_windows_tests(total, log, log_name):
@@ -203,10 +213,11 @@ def step_win32(log, log_name):
     return total
 
 
-STEPS = {"layers": step_layers, "native": step_native, "scripts": step_scripts, "win32": step_win32, "asan": step_asan}
+STEPS = {"layers": step_layers, "native": step_native, "scripts": step_scripts, "waiting": step_waiting, "win32": step_win32,
+         "asan": step_asan}
 ALONE = ["layers", "native"]                # what the other steps need
 BUILT = ["win32", "asan"]                   # have a build of their own, of that name
-LANES = [["scripts", "win32"], ["asan"]]    # each one after the other, beside the other lane
+LANES = [["scripts", "win32"], ["asan"], ["waiting"]]    # each one after the other, beside the other lanes
 speaking = threading.Lock()
 
 
