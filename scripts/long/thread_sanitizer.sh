@@ -40,7 +40,7 @@ step() {
 
 QXVIEW=$PWD/build-tsan/qxview
 export QXVIEW QXVIEW_LIBRARY=$PWD/build-tsan/libqxview.so
-step "several jobs" python3 tests/jobs_test.py
+QXVIEW_EVERY=8 step "several jobs" python3 tests/jobs_test.py
 step "live captures" python3 tests/live_capture_test.py
 step "C++ tests of what threads share" build-tsan/qxview_tests --gtest_filter='*Thread*:*Lock*:*State*:*Browse*:*Hash*:*Secrets*'
 c++ -std=c++20 -O1 -g1 -fsanitize=thread -Iinclude tests/embedding/threads.cpp -o build-tsan/threads build-tsan/libqxview.so \
