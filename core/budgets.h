@@ -115,7 +115,7 @@ constexpr int32_t kMostInflatedBodies = 4;        // kept for the segments to co
 // --- The host ---
 
 constexpr size_t kMostHistorySegments = 101;          // of a connection and direction: a message's start and 100
-constexpr uint32_t kMostHistoryMemory = 10u << 20;    // bytes in all, bookkeeping included
+constexpr uint32_t kMostHistoryMemory = 4u << 20;     // bytes in all, bookkeeping included
 constexpr uint32_t kMostConversations = 65536;        // learnt ones of a transport, the oldest go first
 constexpr size_t kMostKeyLogLine = 4096;              // bytes; a longer one is blamed
 constexpr size_t kMostTextFile = 64u << 20;           // bytes of a settings, alias or definitions file

@@ -55,6 +55,7 @@ struct TcpSegment {
   bool here;
   int32_t cut = 0;       // payload bytes that were not captured
   uint32_t acknowledgment = 0;
+  bool wanted = false;   // a later one's decoder may ask for it: the host keeps it
 };
 
 // The table that a layer's payload was looked up in, with the key, and the payload itself: what a frame carries when no

@@ -67,9 +67,13 @@ void Session::TakeHeaders(const PacketState& read, const FrameRecord* record) {
 void Session::ReadHeaders(const FrameRecord* record) {
   DecodeContext& context = *view_.context;
   const bool headersOnly = context.headersOnly;
+  // A frame that was decoded is read again for its summary: what its decoder wanted is wanted still.
+  const bool again = context.packet.frame && context.packetNumber == static_cast<int64_t>(record->packetNumber);
+  const bool wanted = again && context.packet.segment.wanted;
   context.headersOnly = true;
   Pass(record);
   context.headersOnly = headersOnly;
+  if (wanted) context.packet.segment.wanted = true;
 }
 
 void Session::Pass(const FrameRecord* record) {

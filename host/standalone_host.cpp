@@ -97,8 +97,7 @@ bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, s
 void StandaloneHost::FinishPacket() {
   if (!session_) return;
   const PacketState& packet = session_->Context().packet;
-  // Only application decoders ask for earlier segments.
-  if (packet.segment.here && !session_->Context().headersOnly) {
+  if (packet.segment.here && packet.segment.wanted) {
     history_.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
                     session_->Context().packetNumber);
   }

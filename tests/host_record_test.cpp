@@ -2,9 +2,11 @@
 #include <fstream>
 
 #include "host/key_log.h"
+#include "host/session.h"
 #include "host/standalone_host.h"
 #include "host/text_file.h"
 #include "tests/support/decoding.h"
+#include "tests/support/samples.h"
 
 namespace qxview::testing {
 namespace {
@@ -53,6 +55,23 @@ TEST(HostRecord, AnswersWhateverItIsAsked) {
   }
   EXPECT_EQ(standalone->Definitions().CountLearnt(QX_OVER_TCP), 0u);
   standalone->FinishPacket();   // of no session
+}
+
+TEST(HostRecord, KeepsSegmentsWhereADecoderMayAskForThem) {
+  for (const auto& [sample, kept] : {std::pair{"smb", false}, {"http-gzip", true}}) {
+    std::string message;
+    const auto standalone = HostWith("", &message);
+    const auto session = Session::Create(standalone->Record(), {});
+    ASSERT_TRUE(session);
+    standalone->Attach(session.get());
+    ForEachRecord(sample, [&](const FrameRecord* record) {
+      session->Pass(record);
+      session->ReadHeaders(record);   // as for a summary
+      standalone->FinishPacket();
+    });
+    EXPECT_EQ(standalone->History().MemoryUsed() > 0, kept) << sample;
+    standalone->Attach(nullptr);
+  }
 }
 
 TEST(HostRecord, NamesWhatIsWrongAndWhere) {
