@@ -47,8 +47,9 @@ SplitTime SplitBinary(uint64_t ticks, unsigned exponent) {
 int64_t TicksToNanoseconds(uint64_t ticks, const TickScale& scale) {
   unsigned exponent = scale.resolution & 0x7F;
   SplitTime time = scale.resolution & 0x80 ? SplitBinary(ticks, exponent) : SplitDecimal(ticks, exponent);
-  constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
-  constexpr int64_t kLeast = std::numeric_limits<int64_t>::min();
+  // Whole microseconds: formats that keep those give the same time back.
+  constexpr int64_t kMost = std::numeric_limits<int64_t>::max() / 1000 * 1000;
+  constexpr int64_t kLeast = std::numeric_limits<int64_t>::min() / 1000 * 1000;
   int64_t seconds, nanoseconds;
   if (__builtin_add_overflow(scale.offsetSeconds, time.seconds, &seconds)) return kMost;
   if (__builtin_mul_overflow(seconds, static_cast<int64_t>(kNanosecondsPerSecond), &nanoseconds)) {

@@ -42,7 +42,8 @@ TEST(PcapngReader, SectionsHaveTheirOwnOrderAndInterfaces) {
 
 TEST(PcapngReader, ScalesTicks) {
   constexpr uint64_t kAll = std::numeric_limits<uint64_t>::max();
-  constexpr int64_t kMost = std::numeric_limits<int64_t>::max();
+  constexpr int64_t kMost = std::numeric_limits<int64_t>::max() / 1000 * 1000;   // whole microseconds
+  constexpr int64_t kLeast = std::numeric_limits<int64_t>::min() / 1000 * 1000;
   struct Case {
     uint64_t ticks;
     uint8_t resolution;
@@ -55,7 +56,7 @@ TEST(PcapngReader, ScalesTicks) {
       Case{1700000000123456789, 12, 1000, 1701000000123456}, Case{kAll, 19, 0, 1844674407},
       Case{kAll, 20, 0, 184467440}, Case{kAll, 28, 0, 1}, Case{kAll, 29, 0, 0}, Case{kAll, 127, 0, 0},
       Case{kAll, 6, 0, kMost}, Case{kAll, 9, std::numeric_limits<int64_t>::max(), kMost},
-      Case{0, 9, std::numeric_limits<int64_t>::min(), std::numeric_limits<int64_t>::min()},
+      Case{0, 9, std::numeric_limits<int64_t>::min(), kLeast},
       Case{5, 0x80, 0, 5000000000}, Case{3, 0x81, 0, 1500000000},
       Case{(uint64_t{7} << 20) + (1 << 19), 0x94, 0, 7500000000},
       Case{(uint64_t{7} << 32) + (1u << 30), 0xA0, 0, 7250000000},
