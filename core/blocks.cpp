@@ -85,8 +85,8 @@ void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const 
     const ByteRange range = MakeByteRange(kRawDataKind, offset + at, count);
     LineHandle line;
     if (char* const room = RoomForLine(view, parentLine, tree, kRowSize)) {
-      line = AddMadeInPlace(view->context, parentLine, FormatDumpRow(room, at, data + at, count, translation), kBitFieldImage,
-                            tree, range);
+      line = AddMadeInPlace(view->context, parentLine, room, FormatDumpRow(room, at, data + at, count, translation),
+                            kBitFieldImage, tree, range);
     } else {
       char row[kRowSize];
       const int32_t rowLength = FormatDumpRow(row, at, data + at, count, translation);

@@ -18,6 +18,7 @@ enum AddressKind : uint32_t { kNoAddress = 0, kIPv4Kind = 1, kIPv6Kind = 2 };
 struct ByteOrigins;
 struct DecodeContext;
 struct Engine;
+struct KeptGroups;
 struct LineFacts;
 struct OutputFile;
 
@@ -141,6 +142,7 @@ struct DecodeContext {
   int32_t rangeFilterLength;
   uint32_t rangeFilterOn;
   ByteOrigins* origins;      // of bytes that are not the frame's own
+  KeptGroups* groups;        // lines that came before (core/line_group.h); null when there is no memory
   LineFacts* facts;          // keys and values of the lines; null while nobody asks
   LineRun* derived;          // the lines of bytes that were opened or inflated
   uint32_t derivedCount, derivedCapacity;

@@ -19,11 +19,12 @@ namespace {
 
 inline LineHandle MakePiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
                          const FormatPiece* pieces, const FormatArgument* arguments) {
-  char* const line = RoomForLineOf(at.view->context, parent, at.tree, at.lineSize);
-  if (!line) [[unlikely]] return AddPiecesAside(at, parent, field, image, text, pieces, arguments);
-  const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
-  return AddMadeLineOf(at.view->context, parent, length, image, at.tree,
-                        MakeByteRange(kFieldKind, field.offset, field.length));
+  DecodeContext* const context = at.view->context;
+  LineStore* const lines = OpenLines(context, at.tree);
+  char* const room = lines ? lines->Room(parent, static_cast<uint32_t>(at.lineSize)) : nullptr;
+  if (!room) [[unlikely]] return AddPiecesAside(at, parent, field, image, text, pieces, arguments);
+  const int32_t length = FormatPieces(room, at.lineSize, text, pieces, arguments);
+  return AddMadeLineOf(context, lines, parent, room, length, image, MakeByteRange(kFieldKind, field.offset, field.length));
 }
 
 }  // namespace
@@ -71,7 +72,7 @@ LineHandle AddText(const Place& at, const Field& field, int32_t image, const cha
   char* const line = OnlyTells(at.view) ? nullptr : RoomForLine(at.view, at.parent, at.tree, length);
   if (line) [[likely]] {
     CopyShort(line, text, static_cast<size_t>(length));
-    added = AddMadeInPlace(at.view->context, at.parent, length, image, at.tree, range);
+    added = AddMadeInPlace(at.view->context, at.parent, line, length, image, at.tree, range);
   } else {
     added = AddDecodeLineOf(at.view, at.parent, text, length, image, at.tree, range);
   }

@@ -1,10 +1,16 @@
 // Lines that always stand together, whatever the bytes say: as many of them, of the same texts. A question that leaves all of them
-// out passes them over by one look.
+// out passes them over by one look. Those that a few bytes tell wholly are kept, and copied where the same bytes come again.
 #pragma once
 #include "core/decoder.h"
 #include "core/line_facts.h"
 
 namespace qxview {
+
+// The lines of a context that were added last for bytes of each kind. Null when there is no memory, which nothing but time
+// depends on.
+KeptGroups* CreateKeptGroups();
+void DestroyKeptGroups(KeptGroups* groups);
+
 namespace detail {
 
 class LineGroup {
@@ -23,6 +29,22 @@ class LineGroup {
   bool isLeft_;
 };
 
+// Where lines of a group are kept, and where those that are to be kept start.
+struct KeptGroup;
+class ToldGroup {
+ public:
+  ToldGroup(const Place& at, const Field& told, const char* name);
+  bool IsCopied() const { return isCopied_; }
+  void Keep(const Place& at, const Field& told);   // the lines that were added since
+
+ private:
+  KeptGroup* kept_ = nullptr;
+  const char* name_;
+  uint64_t bytes_ = 0, shape_ = 0;
+  uint32_t lines_ = 0, ranges_ = 0;
+  bool isCopied_ = false;
+};
+
 }  // namespace detail
 
 // `add` adds the lines at this place or under it and does nothing else; `name` is the group's own.
@@ -31,6 +53,17 @@ void AddGroup(const Place& at, const char* name, const Add& add) {
   if (!PacketOf(at).asked || Silent(at)) [[likely]] return add();
   const detail::LineGroup group(at, name);
   if (!group.IsLeft()) add();
+}
+
+// The same where nothing but these bytes (8 at most) and the engine's settings tells what the lines say and which of them they
+// cover.
+template <class Add>
+void AddToldGroup(const Place& at, const Field& told, const char* name, const Add& add) {
+  if (Silent(at) || PacketOf(at).asked) return AddGroup(at, name, add);
+  detail::ToldGroup group(at, told, name);
+  if (group.IsCopied()) return;
+  add();
+  group.Keep(at, told);
 }
 
 }  // namespace qxview

@@ -6,6 +6,7 @@
 #include "core/byte_origins.h"
 #include "core/engine.h"
 #include "core/line_facts.h"
+#include "core/line_group.h"
 #include "core/made_line.h"
 #include "core/output_file.h"
 
@@ -127,6 +128,7 @@ DecodeContext* CreateDecodeContext() {
   if (!context) return nullptr;
   context->rangeTable = static_cast<ByteRange*>(std::calloc(kFirstRangeCapacity, sizeof(ByteRange)));
   context->origins = CreateByteOrigins();
+  context->groups = CreateKeptGroups();
   if (!context->rangeTable || !context->origins) {
     DestroyDecodeContext(context);
     return nullptr;
@@ -143,6 +145,7 @@ void DestroyDecodeContext(DecodeContext* context) {
   DestroyByteOrigins(context->origins);
   std::free(context->rangeTable);
   std::free(context->derived);
+  DestroyKeptGroups(context->groups);
   std::free(context);
 }
 
@@ -161,12 +164,13 @@ LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, 
 }
 
 char* RoomForLine(const View* view, LineHandle parentLine, DecodeTree* tree, int32_t size) {
-  return RoomForLineOf(view->context, parentLine, tree, size);
+  LineStore* const lines = OpenLines(view->context, tree);
+  return lines ? lines->Room(parentLine, static_cast<uint32_t>(size)) : nullptr;
 }
 
-LineHandle AddMadeInPlace(DecodeContext* context, LineHandle parentLine, int32_t length, int32_t image, DecodeTree* tree,
-                          ByteRange range) {
-  return AddMadeLineOf(context, parentLine, length, image, tree, range);
+LineHandle AddMadeInPlace(DecodeContext* context, LineHandle parentLine, char* room, int32_t length, int32_t image,
+                          DecodeTree* tree, ByteRange range) {
+  return AddMadeLineOf(context, tree->Lines(), parentLine, room, length, image, range);
 }
 
 LineHandle AddDecodeLine(View* view, LineHandle parentLine, const char* text, int32_t image, DecodeTree* tree,
@@ -189,6 +193,7 @@ LineHandle AddTaggedLine(View* view, LineHandle parentLine, const char* text, in
 
 void AppendToDecodeLine(View* view, DecodeTree* tree, LineHandle line, const char* text) {
   if (!InDisplay(view, tree) || !line || !text || !text[0]) return;
+  if (!KeepsFacts(view) && tree->AppendText(line, text, static_cast<int32_t>(std::strlen(text)), kMostJoinedText)) return;
   char joined[kMostJoinedText + 1];
   const int32_t used = tree->GetText(line, joined, sizeof joined);
   size_t added = std::strlen(text);

@@ -31,8 +31,8 @@ LineHandle AddDecodeLineOf(View* view, LineHandle parentLine, const char* text, 
 // have no such room.
 char* RoomForLine(const View* view, LineHandle parentLine, DecodeTree* tree, int32_t size);
 // The line whose text of so many characters was written there.
-LineHandle AddMadeInPlace(DecodeContext* context, LineHandle parentLine, int32_t length, int32_t image, DecodeTree* tree,
-                          ByteRange range);
+LineHandle AddMadeInPlace(DecodeContext* context, LineHandle parentLine, char* room, int32_t length, int32_t image,
+                          DecodeTree* tree, ByteRange range);
 
 // Appends a line that has its range elsewhere or none, in display mode: what user decoder libraries add on their own.
 LineHandle AddTaggedLine(View* view, LineHandle parentLine, const char* text, int32_t image, uint32_t tag);

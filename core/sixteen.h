@@ -12,27 +12,31 @@ namespace qxview {
 
 constexpr size_t kSixteen = 16;
 
-// Whether all are printable ASCII. Up to sixteen characters behind the text must be there and be printable, too.
-inline bool IsPrintable(const char* text, size_t length) {
+// How many characters are none of printable ASCII. Up to sixteen characters behind the text must be there.
+inline size_t CountOthers(const char* text, size_t length) {
 #ifdef __SSE2__
-  const __m128i blank = _mm_set1_epi8(0x20), most = _mm_set1_epi8('~' - 0x20);
-  __m128i worst = most;
-  for (size_t at = 0; at < length; at += kSixteen) {
-    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
-    worst = _mm_max_epu8(worst, _mm_sub_epi8(c, blank));
+  constexpr size_t kMostSteps = 255;   // that a byte counts
+  const __m128i blank = _mm_set1_epi8(0x20), first = _mm_set1_epi8('~' - 0x20 + 1), zero = _mm_setzero_si128();
+  const auto others = [&](const char* at) {
+    const __m128i c = _mm_sub_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)), blank);
+    return _mm_cmpeq_epi8(_mm_max_epu8(c, first), c);
+  };
+  size_t found = 0;
+  const char* const lastWhole = text + length / kSixteen * kSixteen;
+  while (text != lastWhole) {
+    const size_t steps = static_cast<size_t>(lastWhole - text) / kSixteen;
+    const char* const end = text + (steps < kMostSteps ? steps : kMostSteps) * kSixteen;
+    __m128i counts = zero;
+    for (; text != end; text += kSixteen) counts = _mm_sub_epi8(counts, others(text));
+    const __m128i sums = _mm_sad_epu8(counts, zero);
+    found += static_cast<size_t>(_mm_cvtsi128_si32(sums)) + static_cast<size_t>(_mm_extract_epi16(sums, 4));
   }
-  return _mm_movemask_epi8(_mm_cmpeq_epi8(worst, most)) == 0xFFFF;
+  const uint32_t rest = static_cast<uint32_t>(_mm_movemask_epi8(others(text))) & ((1u << length % kSixteen) - 1);
+  return found + static_cast<size_t>(__builtin_popcount(rest));
 #else
-  constexpr uint64_t kOnes = 0x0101010101010101, kTops = 0x80 * kOnes;
-  uint64_t others = 0;
-  for (size_t at = 0; at < length; at += 8) {
-    uint64_t c;
-    std::memcpy(&c, text + at, sizeof c);
-    // A byte's top bit: it is above 7F, below 20 (the sum stays below 80), or 7F.
-    const uint64_t low = c & ~kTops;
-    others |= c | ~(low + 0x60 * kOnes) | (low + kOnes);
-  }
-  return (others & kTops) == 0;
+  size_t found = 0;
+  for (size_t at = 0; at < length; ++at) found += static_cast<uint8_t>(text[at] - 0x20) > '~' - 0x20;
+  return found;
 #endif
 }
 

@@ -43,12 +43,6 @@ class KeptText final : public DecodeTree {
     Keep(line.parent, line.text, line.length);
     return arena_.Append(line);
   }
-  char* RoomForText(LineHandle parent, int32_t size) override { return room_ = arena_.RoomForText(parent, size); }
-  LineHandle AppendMade(LineHandle parent, int32_t length, int32_t image, uint32_t rangeIndex) override {
-    Expect(length <= kLongestText, "a line longer than lines are");
-    Keep(parent, room_, length);
-    return arena_.AppendMade(parent, length, image, rangeIndex);
-  }
   bool ExpandLevels(const bool (&levels)[3]) override { return arena_.ExpandLevels(levels); }
   void Clear() override {
     text.clear();
@@ -80,7 +74,6 @@ class KeptText final : public DecodeTree {
   }
 
   ArenaTree arena_;
-  char* room_ = nullptr;
 };
 
 int32_t AppendText(void* text, const char* bytes, int32_t length) {

@@ -195,10 +195,10 @@ TEST(ArenaTrees, AreWhatTheirRunsSay) {
       if (random() % 2) {
         line = tree.Append({parent, text.c_str(), length, 9, i, false});
       } else {
-        char* const room = tree.RoomForText(parent, 80);
+        char* const room = tree.Lines()->Room(parent, 80);
         ASSERT_TRUE(room);
         std::memcpy(room, text.c_str(), text.size() + 1);
-        line = tree.AppendMade(parent, length, 9, i);
+        line = tree.Lines()->Add(parent, room, static_cast<uint32_t>(length), 9, i);
       }
       EXPECT_EQ(tree.TextOf(line), text);
       EXPECT_EQ(tree.RangeIndex(line), i);
@@ -221,7 +221,7 @@ TEST(ArenaTrees, AreWhatTheirRunsSay) {
     ready += tree.LineCount() - others;
   }
   EXPECT_GT(ready, 6u * kRounds);
-  EXPECT_FALSE(tree.RoomForText(tree.LineCount() + 1, 10));
+  EXPECT_FALSE(tree.Lines()->Room(tree.LineCount() + 1, 10));
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+#include <random>
+
+#include "core/line_group.h"
 #include "core/output_file.h"
 #include "tests/support/decoding.h"
 
@@ -329,6 +332,59 @@ TEST_P(Lines, CountedStringsShowThreeCharacters) {
             "    Name {102+130}\n");
   const Bytes none = Hex("0005");
   EXPECT_EQ(AddCountedString(view(), none.data(), 2, 0, parent, 3, "Cut", nullptr, 0), 2);
+}
+
+// Lines under one another and beside one another, some of which are changed when others stand behind them.
+void AddTestGroup(const Place& in, const Field& told, int* made) {
+  AddToldGroup(in, told, "test group", [&] {
+    ++*made;
+    const LineHandle head = AddLine(in, told, "Group %u:", told.value);
+    const Place under = Under(in, head);
+    AddBitLine(under, told, "%s: Bits", BitsOf(told, 1, 3).picture);
+    const Place deeper = Under(under, AddLine(under, Slice(told, told.length - 1, 1), "Last byte"));
+    for (uint32_t i = 0; i < told.value % 5; ++i) AddLine(deeper, told, "Element %u", i);
+    if (told.value % 3) AppendToLine(in, head, " and %u more", told.value % 5);
+    if (told.value % 7 == 0) AddLine(in, told, "A control character: %c", 7);
+  });
+}
+
+// Two views get the same groups in the same places, one of which keeps none: they read alike, wherever a group stands.
+TEST(ToldGroups, AreCopiedAsTheyWouldBeAdded) {
+  TestView keeping, plain;
+  DestroyKeptGroups(plain.context().groups);
+  plain.context().groups = nullptr;
+  std::mt19937 random(3);
+  Bytes bytes(64);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() % 3);
+  int copied = 0;
+  for (int round = 0; round < 300; ++round) {
+    const uint32_t seed = random();
+    int made[2] = {0, 0};
+    std::string texts[2];
+    TestView* const views[2] = {&keeping, &plain};
+    for (int v = 0; v < 2; ++v) {
+      TestView& view = *views[v];
+      std::mt19937 steps(seed);
+      ClearDecodeTree(&view.view(), &view.tree(), true);
+      view.context().packet = PacketState{};
+      view.context().packet.linesLeft = steps() % 8 == 0 ? static_cast<int32_t>(steps() % 40) : 1000;
+      std::vector<Place> path{TopLevel(&view.view(), kFirstLevel)};
+      for (uint32_t i = steps() % 12; i > 0; --i) {
+        if (steps() % 3 == 0) path.push_back(Under(path.back(), AddLine(path.back(), Field{nullptr, 1, 2, 0, true}, "A line")));
+        if (steps() % 4 == 0) path.resize(1 + steps() % path.size());
+        const int32_t offset = static_cast<int32_t>(steps() % 60), length = 1 + static_cast<int32_t>(steps() % 2);
+        Cursor c = MakeCursor(bytes.data() + offset, offset, 4);
+        const Field told = length == 1 ? TakeU8(c) : TakeU16(c);
+        AddTestGroup(path.back(), told, &made[v]);
+        if (steps() % 20 == 0) DeleteDecodeLine(&view.view(), &view.tree(), GetLastDecodeLine(&view.view(), &view.tree()));
+      }
+      texts[v] = view.Text() + std::to_string(view.context().packet.linesLeft) + "," + std::to_string(view.context().rangeCount);
+    }
+    EXPECT_EQ(texts[0], texts[1]);
+    EXPECT_LE(made[0], made[1]);
+    copied += made[1] - made[0];
+  }
+  EXPECT_GT(copied, 200);   // which groups share a place depends on where names stand
 }
 
 }  // namespace

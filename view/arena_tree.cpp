@@ -9,7 +9,7 @@
 namespace qxview {
 namespace {
 
-constexpr uint32_t kFirstNodes = 512;
+constexpr uint32_t kFirstLines = 512;
 constexpr uint32_t kFirstText = 32768, kFirstEdits = 4096;
 constexpr uint32_t kMostText = 0x7FFFFFFF;
 
@@ -26,93 +26,96 @@ bool Grow(T*& elements, uint32_t& capacity, uint64_t wanted, uint32_t first) {
   return true;
 }
 
-// Beside a line's text: its blanks, its line feed, and whole steps of sixteen behind it.
-constexpr uint32_t kBeside = 64;
-
 }  // namespace
 
 ArenaTree::~ArenaTree() {
-  std::free(nodes_);
-  std::free(text_);
-  std::free(edits_);
+  std::free(lines);
+  std::free(text);
+  std::free(edits);
+  std::free(links_);
 }
 
-bool ArenaTree::GrowFor(uint64_t length) {
-  if (nodeCount_ + 1 >= nodeCapacity_) {
-    const bool isFirst = !nodes_;
-    if (!Grow(nodes_, nodeCapacity_, uint64_t{nodeCount_} + 2, kFirstNodes)) return wasShort_ = true, false;
-    if (isFirst) nodes_[0] = Node{};
+bool LineStore::Grow(uint32_t more, uint64_t size) {
+  if (count + more >= capacity) {
+    const bool isFirst = !lines;
+    if (!qxview::Grow(lines, capacity, uint64_t{count} + more + 1, kFirstLines)) return wasShort = true, false;
+    if (isFirst) lines[0] = Line{};
   }
-  const uint64_t wanted = textUsed_ + length + kBeside;
-  if (wanted <= textCapacity_ || Grow(text_, textCapacity_, wanted, kFirstText)) return true;
-  wasShort_ = true;
+  const uint64_t wanted = textUsed + size + kBeside;
+  if (wanted <= textCapacity || qxview::Grow(text, textCapacity, wanted, kFirstText)) return true;
+  wasShort = true;
   return false;
 }
 
-inline bool ArenaTree::ReserveLine(uint64_t length) {
-  static_assert(kBeside >= 2 * kDeepestPrinted + 1 + kSixteen && kReadableBehind <= kSixteen);
-  if (nodeCount_ + 1 < nodeCapacity_ && textUsed_ + length + kBeside <= textCapacity_) [[likely]] return true;
-  return GrowFor(length);
-}
-
-char* ArenaTree::RoomForText(LineHandle parent, int32_t size) {
-  if (parent > nodeCount_ || !ReserveLine(static_cast<uint32_t>(size))) return nullptr;
-  static_assert(2 * kDeepestPrinted == 2 * kSixteen);
-  char* const line = text_ + textUsed_;
-  PutBlanks(line);
-  PutBlanks(line + kSixteen);
-  return line + BlanksUnder(nodes_[parent].depth);
-}
-
-// Whether a line that comes under this one is the last of all.
-bool ArenaTree::IsOnLastPath(uint32_t line) const {
-  uint32_t at = nodeCount_;
-  while (nodes_[at].depth > nodes_[line].depth) at = nodes_[at].parent;
+bool LineStore::IsOnLastPath(uint32_t line) const {
+  uint32_t at = count;
+  while (lines[at].depth > lines[line].depth) at = lines[at].parent;
   return at == line;
 }
 
-LineHandle ArenaTree::AppendMade(LineHandle parentLine, int32_t textLength, int32_t image, uint32_t rangeIndex) {
-  const uint32_t parent = static_cast<uint32_t>(parentLine), length = static_cast<uint32_t>(textLength), last = nodeCount_;
-  Node& above = nodes_[parent];
-  const uint32_t depth = above.depth;
-  if (depth == kMostDepth) return 0;
-  if (parent != last && parent != nodes_[last].parent && isInOrder_) isInOrder_ = IsOnLastPath(parent);
-  const uint32_t made = textUsed_ + BlanksUnder(depth);
-  char* const text = text_ + made;
-  PutBlanks(text + length);
-  const bool isPrinted = IsPrintable(text, length) && depth <= kDeepestPrinted;
-  text[length] = '\n';
-  textUsed_ = made + length + 1;
-  nodeCount_ = last + 1;
-  Node& node = (&nodes_[last])[1];
-  node.made = made;
-  node.textLength = length;
-  node.rangeIndex = rangeIndex;
-  node.parent = parent;
-  node.next = node.firstChild = node.lastChild = 0;
-  node.depth = static_cast<uint16_t>(depth + 1);
-  node.image = static_cast<uint8_t>(image);
-  node.flags = isPrinted ? kIsPrinted : uint8_t{0};
-  const uint32_t previous = above.lastChild;
-  node.previous = previous;
-  above.lastChild = last + 1;
-  (previous ? nodes_[previous].next : above.firstChild) = last + 1;
-  return last + 1;
+bool LineStore::LinkLast() {
+  const auto* const tree = static_cast<ArenaTree*>(this);
+  if (tree->linksCapacity_ <= count && !qxview::Grow(tree->links_, tree->linksCapacity_, capacity, kFirstLines)) {
+    wasShort = true;
+    textUsed = ArenaTree::StartOf(lines[count--]);
+    return false;
+  }
+  tree->LinkLine(count);
+  return true;
+}
+
+void ArenaTree::LinkLine(uint32_t line) const {
+  Links& above = links_[lines[line].parent];
+  links_[line] = {above.lastChild, 0, 0, 0};
+  (above.lastChild ? links_[above.lastChild].next : above.firstChild) = line;
+  above.lastChild = line;
+}
+
+bool ArenaTree::Link() const {
+  if (isLinked) return true;
+  if (linksCapacity_ <= count && !qxview::Grow(links_, linksCapacity_, uint64_t{count} + 1, kFirstLines)) {
+    wasShort = true;
+    return false;
+  }
+  links_[0] = Links{};
+  for (uint32_t line = 1; line <= count; ++line) LinkLine(line);
+  isLinked = true;
+  return true;
+}
+
+LineHandle ArenaTree::FirstChild(LineHandle line) const {
+  if (line > count) return 0;
+  if (isInOrder && !isLinked) return line < count && lines[line + 1].parent == line ? line + 1 : 0;
+  return Link() ? links_[line].firstChild : 0;
+}
+
+LineHandle ArenaTree::LastChild(LineHandle line) const { return line <= count && Link() ? links_[line].lastChild : 0; }
+
+LineHandle ArenaTree::NextSibling(LineHandle line) const {
+  if (!Holds(line)) return 0;
+  if (isInOrder && !isLinked && stepped_ <= 2 * uint64_t{count}) {
+    const uint16_t depth = lines[line].depth;
+    LineHandle at = line + 1;
+    while (at <= count && lines[at].depth > depth) ++at;
+    stepped_ += at - line;
+    return at <= count && lines[at].depth == depth ? at : 0;
+  }
+  return Link() ? links_[line].next : 0;
 }
 
 LineHandle ArenaTree::Append(const NewLine& line) {
   const int32_t length = line.length > 0 ? line.length : 0;
-  char* const text = RoomForText(line.parent, length);
-  if (!text) return 0;
-  CopyShort(text, line.text, static_cast<size_t>(length));
-  const LineHandle handle = AppendMade(line.parent, length, line.image, line.rangeIndex);
+  char* const room = Room(line.parent, static_cast<uint32_t>(length));
+  if (!room) return 0;
+  CopyShort(room, line.text, static_cast<size_t>(length));
+  const LineHandle handle = Add(line.parent, room, static_cast<uint32_t>(length), line.image, line.rangeIndex);
   if (line.selected) selected_ = handle;
   return handle;
 }
 
 int32_t ArenaTree::GetText(LineHandle line, char* out, int32_t outSize) const {
   if (outSize < 1) return 0;
-  const uint32_t length = Holds(line) ? nodes_[line].textLength : 0;
+  const uint32_t length = Holds(line) ? lines[line].length : 0;
   const uint32_t room = static_cast<uint32_t>(outSize - 1);
   const uint32_t copied = length < room ? length : room;
   if (copied) CopyShort(out, TextOf(line).data(), copied);
@@ -120,88 +123,118 @@ int32_t ArenaTree::GetText(LineHandle line, char* out, int32_t outSize) const {
   return static_cast<int32_t>(copied);
 }
 
-void ArenaTree::SetText(LineHandle line, const char* text, int32_t length) {
-  if (!Holds(line) || length < 0) return;
-  const uint32_t wanted = static_cast<uint32_t>(length);
-  const bool isLast = line == nodeCount_ && !(nodes_[line].flags & kIsEdited);
-  if (isLast && !ReserveLine(wanted)) return;   // which may move the nodes
-  Node& node = nodes_[line];
+// Where the line's text stands from now on, of so many bytes; so many of those that it has are kept. Null when there is no memory.
+char* ArenaTree::Retext(LineHandle handle, uint32_t wanted, uint32_t kept) {
+  const bool isLast = handle == count && !(lines[handle].flags & kIsEdited);
+  if (isLast && !Reserve(0, wanted)) return nullptr;   // which may move the texts
+  Line& line = lines[handle];
   if (isLast) {   // nothing stands behind it yet
-    char* const place = text_ + node.made;
-    std::memmove(place, text, wanted);
-    PutBlanks(place + wanted);
-    const bool isPrinted = IsPrintable(place, wanted) && node.depth <= kDeepestPrinted + 1;
+    char* const place = text + line.made;
     place[wanted] = '\n';
-    node.flags = static_cast<uint8_t>((node.flags & ~kIsPrinted) | (isPrinted ? kIsPrinted : 0));
-    node.textLength = wanted;
-    textUsed_ = node.made + wanted + 1;
-    return;
+    textUsed = line.made + wanted + 1;
+    line.length = wanted;
+    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | FirstFlags(line.depth - 1u));
+    if (lookedAt_ >= handle) lookedAt_ = count - 1;
+    return place;
   }
-  const bool wasEdited = node.flags & kIsEdited;
-  if (!wasEdited || wanted > node.editedRoom) {
+  const bool wasEdited = line.flags & kIsEdited;
+  if (!wasEdited || wanted > line.editedRoom) {
     // A line that grows again (a header that collects its fields) is left the more room, the longer it was.
-    const uint32_t room = wanted + (wasEdited ? node.editedRoom : node.textLength);
-    const bool atEnd = wasEdited && node.edited + node.editedRoom == editsUsed_;
-    const uint32_t offset = atEnd ? node.edited : editsUsed_;
+    const uint32_t room = wanted + (wasEdited ? line.editedRoom : line.length);
+    const bool atEnd = wasEdited && line.edited + line.editedRoom == editsUsed_;
+    const uint32_t offset = atEnd ? line.edited : editsUsed_;
     const uint64_t end = uint64_t{offset} + room + kReadableBehind;
-    if (end > editsCapacity_ && !Grow(edits_, editsCapacity_, end, kFirstEdits)) {
-      wasShort_ = true;
-      return;
+    if (end > editsCapacity_ && !qxview::Grow(edits, editsCapacity_, end, kFirstEdits)) {
+      wasShort = true;
+      return nullptr;
     }
-    node.edited = offset;
-    node.editedRoom = room;
-    node.flags = static_cast<uint8_t>((node.flags & ~kIsPrinted) | kIsEdited);
+    if (kept && !atEnd) CopyShort(edits + offset, PlaceOf(line), kept);
+    line.edited = offset;
+    line.editedRoom = room;
+    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | kIsEdited);
     editsUsed_ = offset + room;
   }
-  std::memmove(edits_ + node.edited, text, wanted);
-  node.textLength = wanted;
+  line.length = wanted;
+  return edits + line.edited;
+}
+
+void ArenaTree::SetText(LineHandle line, const char* given, int32_t length) {
+  if (!Holds(line) || length < 0) return;
+  if (char* const place = Retext(line, static_cast<uint32_t>(length), 0)) std::memmove(place, given, static_cast<uint32_t>(length));
+}
+
+bool ArenaTree::AppendText(LineHandle line, const char* given, int32_t length, int32_t most) {
+  if (!Holds(line) || length < 1) return true;
+  const uint32_t used = lines[line].length, limit = static_cast<uint32_t>(most);
+  uint32_t added = static_cast<uint32_t>(length);
+  if (used + added > limit) {
+    if (used + 1 >= limit) return true;
+    added = limit - 1 - used;
+  }
+  if (char* const place = Retext(line, used + added, used)) CopyShort(place + used, given, added);
+  return true;
+}
+
+// All texts at once: beside their line feeds there is nothing else, or they are looked at one by one.
+void ArenaTree::LookAtTexts() const {
+  const uint32_t start = StartOf(lines[lookedAt_ + 1]);
+  if (CountOthers(text + start, textUsed - start) != count - lookedAt_) {
+    for (uint32_t line = lookedAt_ + 1; line <= count; ++line) {
+      if (CountOthers(text + lines[line].made, lines[line].length) == 0) continue;
+      if (!(lines[line].flags & kIsEdited)) lines[line].flags = static_cast<uint8_t>(lines[line].flags & ~kIsPrinted);
+    }
+  }
+  lookedAt_ = count;
 }
 
 std::string_view ArenaTree::PrintedFrom(LineHandle* line) const {
+  if (lookedAt_ < count) LookAtTexts();
   const LineHandle first = *line;
   LineHandle at = first;
-  while (at <= nodeCount_ && nodes_[at].flags & kIsPrinted) ++at;
-  *line = at <= nodeCount_ ? at : 0;
+  while (at <= count && lines[at].flags & kIsPrinted) ++at;
+  *line = at <= count ? at : 0;
   if (at == first) return {};
-  const uint32_t start = StartOf(nodes_[first]), end = at <= nodeCount_ ? StartOf(nodes_[at]) : textUsed_;
-  return {text_ + start, end - start};
+  const uint32_t start = StartOf(lines[first]), end = at <= count ? StartOf(lines[at]) : textUsed;
+  return {text + start, end - start};
 }
 
 void ArenaTree::SetRangeIndex(LineHandle line, uint32_t index) {
-  if (Holds(line)) nodes_[line].rangeIndex = index;
+  if (Holds(line)) lines[line].rangeIndex = index;
 }
 
 void ArenaTree::Delete(LineHandle line) {
   if (!Holds(line)) return;
-  const Node& node = nodes_[line];
-  Node& above = nodes_[node.parent];
-  (node.previous ? nodes_[node.previous].next : above.firstChild) = node.next;
-  (node.next ? nodes_[node.next].previous : above.lastChild) = node.previous;
-  isInOrder_ = false;
-  for (LineHandle at = selected_; at; at = nodes_[at].parent) {
+  isInOrder = false;
+  if (!Link()) return;   // nobody finds any line then
+  const Links& own = links_[line];
+  Links& above = links_[lines[line].parent];
+  (own.previous ? links_[own.previous].next : above.firstChild) = own.next;
+  (own.next ? links_[own.next].previous : above.lastChild) = own.previous;
+  for (LineHandle at = selected_; at; at = lines[at].parent) {
     if (at == line) selected_ = 0;
   }
 }
 
 void ArenaTree::Clear() {
-  nodeCount_ = textUsed_ = editsUsed_ = 0;
-  if (nodes_) nodes_[0] = Node{};
-  isInOrder_ = true;
-  anyExpanded_ = false;
+  count = textUsed = editsUsed_ = lookedAt_ = 0;
+  stepped_ = 0;
+  if (lines) lines[0] = Line{};
+  isInOrder = true;
+  isLinked = anyExpanded_ = false;
   expandedLevels_ = 0;
   selected_ = 0;
 }
 
 bool ArenaTree::IsExpanded(LineHandle line) const {
   if (!Holds(line)) return false;
-  const Node& node = nodes_[line];
+  const Line& node = lines[line];
   if (node.flags & (kIsExpanded | kIsCollapsed)) return node.flags & kIsExpanded;
   return node.depth <= 4 && expandedLevels_ >> node.depth & 1;
 }
 
 void ArenaTree::Expand(LineHandle line, bool expanded) {
   if (!Holds(line)) return;
-  uint8_t& flags = nodes_[line].flags;
+  uint8_t& flags = lines[line].flags;
   flags = static_cast<uint8_t>((flags & ~(kIsExpanded | kIsCollapsed)) | (expanded ? kIsExpanded : kIsCollapsed));
   anyExpanded_ = true;
 }

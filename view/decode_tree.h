@@ -16,17 +16,20 @@ struct NewLine {
   bool selected;
 };
 
+struct LineStore;
+
 class DecodeTree {
  public:
+  // Where the lines are kept in memory that the engine adds to on its own (view/line_store.h); null for other trees.
+  LineStore* Lines() const { return lines_; }
   // Appends as the last child; 0 when there is no memory for it.
   virtual LineHandle Append(const NewLine& line) = 0;
-  // Where the tree itself keeps the text of a line that is added next under `parent`: room for `size` bytes. What is written
-  // there is a line once AppendMade says so, with nothing else done to the tree between the two. Null: Append takes its lines.
-  virtual char* RoomForText(LineHandle /*parent*/, int32_t /*size*/) { return nullptr; }
-  virtual LineHandle AppendMade(LineHandle /*parent*/, int32_t /*length*/, int32_t /*image*/, uint32_t /*rangeIndex*/) { return 0; }
   // Copies the text out, cut to outSize - 1 characters and terminated; returns the length copied.
   virtual int32_t GetText(LineHandle line, char* out, int32_t outSize) const = 0;
   virtual void SetText(LineHandle line, const char* text, int32_t length) = 0;
+  // Appends to the text, which becomes `most` - 1 characters long where both were longer than `most`. False, with nothing done,
+  // by a tree that is told whole texts.
+  virtual bool AppendText(LineHandle /*line*/, const char* /*text*/, int32_t /*length*/, int32_t /*most*/) { return false; }
   virtual uint32_t RangeIndex(LineHandle line) const = 0;
   virtual void SetRangeIndex(LineHandle line, uint32_t index) = 0;
   virtual int32_t Image(LineHandle line) const = 0;
@@ -55,6 +58,7 @@ class DecodeTree {
 
  protected:
   ~DecodeTree() = default;
+  LineStore* lines_ = nullptr;
 };
 
 }  // namespace qxview

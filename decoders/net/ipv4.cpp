@@ -130,14 +130,14 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
   const bool cut = header.length > Left(c);
   if (Silent(in) && !cut && header.length >= kFixedLength) return PassHeader(in, c, header), true;
   const Field status = TakeU8(c), service = TakeU8(c);
-  AddGroup(in, "ip status", [&] { AddStatus(in, status); });
+  AddToldGroup(in, status, "ip status", [&] { AddStatus(in, status); });
   AddTypeOfService(in, service);
   const Field total = TakeU16(c), identification = TakeU16(c), fragment = TakeU16(c);
   AddGroup(in, "ip length", [&] {
     AddLine(in, total, "Total IP length: %u", total.value);
     AddLine(in, identification, "ID: 0x%.04X (%d)", identification.value, identification.value);
   });
-  AddGroup(in, "ip fragment", [&] { AddFragment(in, fragment); });
+  AddToldGroup(in, fragment, "ip fragment", [&] { AddFragment(in, fragment); });
   const Field timeToLive = TakeU8(c);
   AddLine(in, timeToLive, "Time to live: %d", timeToLive.value);
   const Field protocol = TakeU8(c);

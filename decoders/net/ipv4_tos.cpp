@@ -96,7 +96,7 @@ void AddTypeOfService(const Place& in, const Field& service) {
     case 1: return AddRoutingMetric(addTop(), service);
     case 2: return AddDifferentiatedService(addTop(), service);
     case 3: return AddUserService(addTop(), service, settings);
-    default: return AddGroup(in, "ip type of service", [&] { AddClassicService(addTop(), service); });
+    default: return AddToldGroup(in, service, "ip type of service", [&] { AddClassicService(addTop(), service); });
   }
 }
 

@@ -174,7 +174,7 @@ void ShowHeader(const Place& in, Cursor& c, Segment& segment) {
   const Field acknowledgement = TakeU32(c);
   AddLine(in, acknowledgement, "Acknowledgement:          %4lu", acknowledgement.value);
   const Field flags = TakeU16(c);
-  AddGroup(in, "tcp flags", [&] { AddFlags(in, flags, segment); });
+  AddToldGroup(in, flags, "tcp flags", [&] { AddFlags(in, flags, segment); });
   AddWindow(in, c, segment);
   AddChecksum(in, c, segment);
   const Field urgent = TakeU16(c);
