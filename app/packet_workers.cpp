@@ -89,10 +89,7 @@ bool PacketWorkers::BeginPacket(const FrameRecord* record, const CaptureFrame& f
 
 // Bytes that are not the record's own, since something was opened for them, are put behind it.
 void PacketWorkers::TakeAlong(const uint8_t** bytes, int32_t length) {
-  if (!*bytes || length < 0) return;
-  const FrameRecord* const record = current_->headers.back().frame;
-  const uintptr_t first = reinterpret_cast<uintptr_t>(record), at = reinterpret_cast<uintptr_t>(*bytes);
-  if (at - first <= record->recordLength && static_cast<uint32_t>(length) <= record->recordLength - (at - first)) return;
+  const uintptr_t first = reinterpret_cast<uintptr_t>(current_->headers.back().frame);
   std::vector<uint8_t>& records = current_->records;
   const size_t place = records.size() - current_->packets.back().record;
   records.insert(records.end(), *bytes, *bytes + length);
@@ -102,10 +99,17 @@ void PacketWorkers::TakeAlong(const uint8_t** bytes, int32_t length) {
 void PacketWorkers::NoteHeaders() {
   PacketState& packet = current_->headers.emplace_back(run_.GetSession().Context().packet);
   FetchToWrite(&packet + 1, sizeof packet);
-  TakeAlong(&packet.payload, packet.payloadLength);
-  TakeAlong(&packet.segment.payload, packet.segment.length);
-  TakeAlong(&packet.reached.bytes, packet.reached.length);
-  TakeAlong(&packet.carrier.bytes, packet.carrier.length);
+  const uintptr_t first = reinterpret_cast<uintptr_t>(packet.frame);
+  const uint32_t most = packet.frame->recordLength;
+  const auto take = [&](const uint8_t*& bytes, int32_t length) {
+    const uintptr_t at = reinterpret_cast<uintptr_t>(bytes) - first;
+    const bool isOwn = at <= most && static_cast<uint32_t>(length) <= most - at;
+    if (!isOwn && bytes && length >= 0) TakeAlong(&bytes, length);
+  };
+  take(packet.payload, packet.payloadLength);
+  take(packet.segment.payload, packet.segment.length);
+  take(packet.reached.bytes, packet.reached.length);
+  take(packet.carrier.bytes, packet.carrier.length);
   current_->packets.back().answers = current_->log.End();
 }
 

@@ -350,8 +350,11 @@ Opening OpenSealed(const View* view, Cipher cipher, const uint8_t* key, const ui
   uint8_t tag[16];
   std::memcpy(tag, sealed.data + length, static_cast<size_t>(tagSize));
   int done = 0;
-  bool good = call.controlCipher(made->context, kSetNonceLength, kNonceSize, nullptr) == 1;
-  if (row.mode == Mode::kCcm) good = good && call.controlCipher(made->context, kSetTag, tagSize, tag) == 1;
+  bool good = true;
+  if (row.mode == Mode::kCcm) {   // the others' nonces are as long where nothing is said
+    good = call.controlCipher(made->context, kSetNonceLength, kNonceSize, nullptr) == 1 &&
+           call.controlCipher(made->context, kSetTag, tagSize, tag) == 1;
+  }
   good = good && call.startCipher(made->context, nullptr, nullptr, key, nonce, kAsBefore) == 1;
   if (row.mode == Mode::kCcm) good = good && call.updateCipher(made->context, nullptr, &done, nullptr, length) == 1;
   if (additional.length > 0) {

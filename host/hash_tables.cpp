@@ -26,7 +26,7 @@ class HashTable {
       held->identifier = made.identifier;
       return held;
     }
-    ports[made.first.port] = true;
+    if (isPort) ports[made.first.port] = true;
     entries.push_back(made);
     try {
       if (isPort) {
@@ -53,11 +53,8 @@ class HashTable {
     const auto found = byPort.find(port);
     return found == byPort.end() ? nullptr : &*found->second;
   }
-  HashEntry* FindEnd(const AddressSlot& address, uint16_t port) {
-    return ports[port] ? Find(AddressPortKey(address, port)) : nullptr;
-  }
 
-  std::bitset<65536> ports;   // that were inserted once, of an end the first one
+  std::bitset<65536> ports;   // that were inserted once
   EntryList entries;                                            // in the order of their insertion
   std::unordered_map<uint16_t, EntryList::iterator> byPort;     // those of a port alone
   std::unordered_map<HashKey, EntryList::iterator, HashKeyHash> index;   // the others
@@ -113,7 +110,7 @@ HashEntry* HashInsertNetAddrPair(HashTable* table, const AddressSlot& first, con
 
 HashEntry* HashFind(HashTable* table, uint16_t port) noexcept { return table ? table->FindPort(port) : nullptr; }
 HashEntry* HashFindGenericIPPort(HashTable* table, const AddressSlot& address, uint16_t port) noexcept {
-  return table ? table->FindEnd(address, port) : nullptr;
+  return table ? FindEntry(table, AddressPortKey(address, port)) : nullptr;
 }
 HashEntry* HashFindIpPortPairWithAttrByte(HashTable* table, const NetworkEnd& first, const NetworkEnd& second,
                                           uint8_t attribute) noexcept {

@@ -189,6 +189,7 @@ std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view d
           ? HashInsertGenericIPPort(table.hash.get(), parsed.address, parsed.port, parsed.identifier)
           : HashInsert(table.hash.get(), parsed.port, parsed.identifier);
   if (!added) throw std::bad_alloc();
+  if (parsed.hasAddress) table.endPorts[parsed.port] = true;
   return std::nullopt;
 }
 
@@ -232,6 +233,7 @@ int32_t ProtocolDefinitions::FindAddress(void* table, const AddressSlot* address
                                          int32_t* identifier) noexcept {
   if (!table || !address) return 0;
   auto* definitions = static_cast<DefinitionTable*>(table);
+  if (!definitions->endPorts[port]) return 0;
   int32_t found = 0;
   if (const HashEntry* entry = HashFindGenericIPPort(definitions->hash.get(), *address, port)) {
     found = entry->identifier;   // the user's word before what was learnt
@@ -255,6 +257,7 @@ void ProtocolDefinitions::Learn(uint32_t transport, int32_t identifier, const Ad
   if (!address || identifier < 1 || !(transport & (QX_OVER_TCP | QX_OVER_UDP))) return;
   DefinitionTable& table = tables_[transport & QX_OVER_TCP ? QX_TCP_ADDRESSES : QX_UDP_ADDRESSES];
   const TableLockHolder held(table.lock);
+  table.endPorts[port] = true;
   table.learnt.Learn({*address, port}, {identifier, extra ? *extra : DynamicRecord{}});
 }
 

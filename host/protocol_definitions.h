@@ -5,6 +5,7 @@
 // An identifier with bit 16 set names the built-in decoder whose index its low 16 bits are. Definitions hold
 // 0x10000 | index; learnt identifiers carry further bits, which say how they came to be.
 #pragma once
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -66,7 +67,8 @@ class ProtocolDefinitions {
   };
   struct DefinitionTable {
     std::unique_ptr<HashTable, HashDeleter> hash;
-    ConversationTable learnt;   // of the address tables
+    ConversationTable learnt;       // of the address tables
+    std::bitset<65536> endPorts;    // of these, that an end was defined or learnt at once: most packets' ports are none
     TableLock lock;
   };
   DefinitionTable tables_[4];   // by QxDefinitionTable

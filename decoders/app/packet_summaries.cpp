@@ -5,6 +5,7 @@
 #include "decoders/app/layer_summaries.h"
 #include "decoders/app/rtcp.h"
 #include "decoders/app/rtp_summary.h"
+#include "decoders/app/tls_record.h"
 #include "decoders/link/llc.h"
 #include "decoders/states.h"
 #include "core/top_line.h"
@@ -50,6 +51,7 @@ int32_t SummarizeHttp(const SummaryInput& in, char* out, int32_t size) {
 // Plain HTTP on a port of HTTPS is shown as it is; anything else there is the middle of a record.
 int32_t SummarizeHttps(const SummaryInput& in, char* out, int32_t size) {
   constexpr int32_t kRequest = 1, kReply = 2;
+  if (StartsTlsRecord(in.data, in.length)) return SummarizeTls(in, out, size);
   const int32_t kind = DescribeHttp(in.data, in.length, out, size, 0);
   return kind == kRequest || kind == kReply ? kind : SummarizeTls(in, out, size);
 }

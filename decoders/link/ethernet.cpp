@@ -96,9 +96,8 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   const Cursor frame = c;
   const Field checkSequence = CutCheckSequence(at, c);
   if (NobodyWants(at, {kFrameProtocol})) {
-    constexpr int32_t kLines = 3;   // but those that the next two tell
-    CountLines(at, kLines);
-    AddClosingSummaryLines(at, frame, OriginalNumber::kHidden, checkSequence);
+    constexpr int32_t kLines = 3;   // in any case
+    CountLines(at, kLines + (record->partial == 1) + checkSequence.here);
     AddCaptureLines(at);
   } else {
     const Place in = AddFrameSummary(at, frame);
