@@ -24,6 +24,10 @@ constexpr int32_t MostLinesOf(int32_t capturedLength) {
   return lines < kMostLines ? static_cast<int32_t>(lines) : kMostLines;
 }
 
+// Lists of small elements that give many lines for few bytes (flags, options, events) go on until the frame has so many lines; then
+// what is left of each is a block. Five times what real frames have.
+constexpr int32_t kLinesOfLists = 40000;
+
 // Bytes of a line's text with its terminator. Longer texts are cut; the shorter buffer is of decoders that have always used it.
 constexpr int32_t kLineSize = 512;
 constexpr int32_t kShortLineSize = 300;

@@ -149,8 +149,10 @@ ValueText Unescaped(const Field& text) {
 }  // namespace
 
 const HttpField* FindHttpField(const Field& name) {
+  constexpr uint32_t kCaseless = ~0x20u;
+  const uint32_t first = PeekU8(name) & kCaseless;
   for (const HttpField& row : kFields) {
-    if (IsWord(name, row.name)) return &row;
+    if ((static_cast<uint8_t>(row.name[0]) & kCaseless) == first && IsWord(name, row.name)) return &row;
   }
   return nullptr;
 }

@@ -135,7 +135,7 @@ void ShowItems(const Place& at, const Place& in, Cursor& c, int32_t depth) {
     const Cursor first = c;
     const Field head = TakeToken(c), token = WithoutSpace(head);
     const uint32_t mark = PeekU8(c);
-    const Word* word = WordOf(token);
+    const Word* word = token.length > 0 ? WordOf(token) : nullptr;
     Place under = in;
     if (token.length > 0) {
       const bool isBrief = word && IsBrief(token, *word);

@@ -23,6 +23,7 @@ constexpr auto kTransportNames = SortedNames({{0, "UNSPEC"}, {1, "STREAM"}, {2, 
 struct Proxy {
   Field version, family, length;
   Field header;   // all of it, for its checksum
+  bool isChecked;
 };
 
 constexpr auto kFixed = Rows<Proxy>({
@@ -71,9 +72,11 @@ uint32_t SumOf(const Field& header, const Field& sum) {
 }
 void ShowChecksum(const Place& in, Cursor& c, Proxy& proxy) {
   const Field sum = TakeU32(c);
-  const char* verdict = !proxy.header.bytes                       ? "Not Checked - Partial Capture"
+  const char* verdict = proxy.isChecked                         ? "Not Checked - Another Stands in Front"
+                        : !proxy.header.bytes                   ? "Not Checked - Partial Capture"
                         : SumOf(proxy.header, sum) == sum.value ? "Good"
                                                                 : "BAD";
+  proxy.isChecked = true;   // a header has one: each would take all of its bytes
   AddLine(in, sum, "Checksum (CRC32c): 0x%.08X (%s)", sum.value, verdict);
 }
 

@@ -64,6 +64,7 @@ constexpr auto kLowFeatures = SortedNames({{1, "MIP6_INTEGRATED"}, {2, "LOCAL_HO
 struct Radius {
   Field code, identifier, length, vendor, vendorType, locationCode, salt;
   RadiusSecret secret;
+  bool isProved;        // a Message-Authenticator was looked at
   int32_t eapMissing;   // bytes of an EAP packet that the EAP-Message attributes to come hold
   Cursor behind;        // the attributes behind the current one
   EapCarrier eap;
@@ -452,7 +453,8 @@ void ShowAttributes(const Place& in, Cursor& c, const ElementForm& form, uint32_
     radius.behind = c;
     if (vendor && vendor->more) ShowRows<Radius>(under, element.value, kMoreRows, radius);
     if (attribute) ShowValue(under, element.value, *attribute, radius, nesting);
-    if (nesting == 0 && element.code == kMessageAuthenticator) {
+    if (nesting == 0 && element.code == kMessageAuthenticator && !radius.isProved) {
+      radius.isProved = true;   // a packet has one: each would take all of its bytes
       ShowMessageAuthenticatorStatus(under, radius.secret, Slice(element.whole, 2, element.whole.length - 2));
     }
     element.value.ranShort = false;   // what is left of a value that is cut

@@ -168,6 +168,7 @@ int32_t DecodeRlogin(const Place& at, Cursor c) {
 int32_t DecodeLpd(const Place& at, Cursor c) {
   const Place in = TopLine(at, c, "LPD");
   TextLine line;
+  bool isText = false;   // all that is left
   Loop loop;
   while (MoreAt(in, c, loop)) {
     Cursor next = c;
@@ -180,13 +181,21 @@ int32_t DecodeLpd(const Place& at, Cursor c) {
       c = next;
     } else if (code == 0) {
       AddLine(in, TakeU8(c), "End of File");
-    } else if (IsReadable(c, true)) {
+    } else if (isText || (isText = IsReadable(c, true))) {
       ShowPrinterText(in, c);
     } else {
       AddBlock(in, Rest(c), "Data");
     }
   }
   return 1;
+}
+
+// Whether a zero ends the next text, not the end of a line.
+bool EndsInZero(const Cursor& c) {
+  for (int32_t at = 0; at < Left(c) && PeekU8(c, at) != '\n'; ++at) {
+    if (PeekU8(c, at) == 0) return true;
+  }
+  return false;
 }
 
 // The daemon of rsync says its version in a line and talks of modules in others; what is behind has no public text.
@@ -204,7 +213,7 @@ int32_t DecodeRsync(const Place& at, Cursor c) {
       ShowRsyncMessages(in, c);
     } else if (!isText && !StartsWithText(c, "@RSYNCD:") && !StartsWithText(c, "@ERROR")) {
       AddBlock(in, Rest(c), "Data");
-    } else if (FindU8(c, 0) >= 0 && (FindU8(c, '\n') < 0 || FindU8(c, 0) < FindU8(c, '\n'))) {
+    } else if (EndsInZero(c)) {
       ShowTerminated(in, c, "Argument");
     } else if (!StartsWithText(c, "@RSYNCD:")) {
       TakeLine(c, line);

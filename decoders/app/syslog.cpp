@@ -265,8 +265,7 @@ int32_t DecodeSyslogOverTcp(const Place& at, Cursor c) {
     int32_t digits = 0;
     while (digits < 7 && IsDigit(PeekU8(c, digits))) length = length * 10 + PeekU8(c, digits++) - '0';
     const bool counted = digits > 0 && length <= kMostLength && PeekU8(c, digits) == ' ';
-    const int32_t end = Find(c, '\n');
-    Cursor message = TakeCursor(c, counted ? digits + 1 + static_cast<int32_t>(length) : end + 1);
+    Cursor message = TakeCursor(c, counted ? digits + 1 + static_cast<int32_t>(length) : Find(c, '\n') + 1);
     if (Left(message) > 0) ShowOne(at, message, counted ? digits : 0, length);
   }
   return 1;

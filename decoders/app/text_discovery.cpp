@@ -12,20 +12,21 @@ namespace {
 // element Action, whatever its prefix.
 Field ActionOf(Cursor c) {
   constexpr char kName[] = "Action";
-  constexpr int32_t kMostTag = 200;   // so that brackets without an end cost no more than their number
+  constexpr int32_t kMostTag = 200;
   Loop loop;
   while (More(c, loop)) {
     int32_t at = 0;
     while (at < Left(c) && PeekU8(c, at) != '<') ++at;
     TakeBytes(c, at < Left(c) ? at + 1 : at);
     const Field tag = Ahead(c, Left(c));
-    for (at = 0; at < tag.length && at < kMostTag && PeekU8(tag, at) != '>'; ++at) {
+    for (at = 0; at < tag.length && at < kMostTag && PeekU8(tag, at) != '>' && PeekU8(tag, at) != '<'; ++at) {
     }
+    if (at >= kMostTag || PeekU8(tag, at) != '>') continue;   // none with an end
     Field name = Slice(tag, 0, at);
     name = TakeWord(name);
     int32_t local = name.length;
     while (local > 0 && PeekU8(name, local - 1) != ':') --local;
-    if (!name.here || !IsWord(Slice(name, local, name.length - local), kName) || at >= tag.length || at >= kMostTag) continue;
+    if (!name.here || !IsWord(Slice(name, local, name.length - local), kName)) continue;
     Field text = Slice(tag, at + 1, tag.length - at - 1);
     text = TakeWord(text, "< \r\n");
     int32_t last = text.length;

@@ -42,7 +42,8 @@ bool StartsWithWord(const Field& field, const char* word) {
 }
 
 bool IsWord(const Field& field, const char* word) {
-  return StartsWithWord(field, word) && static_cast<size_t>(field.length) == std::strlen(word);
+  if (!StartsWithWord(field, word)) return false;
+  return static_cast<size_t>(field.length) == std::strlen(word);
 }
 
 bool StartsWithText(const Cursor& c, const char* text) {
