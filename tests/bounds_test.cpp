@@ -154,6 +154,10 @@ TEST(Bounds, OfLevelsInOneAnother) {
     const Bytes body = Hex("02 0000") + length2(attribute) + attribute;
     return Bytes(16, 0xFF) + length2(Bytes(18) + body) + body;
   };
+  const auto der = [&](const std::string& tag, const Bytes& contents) { return Hex(tag) + Hex("82") + length2(contents) + contents; };
+  const auto signedContent = [&](const Bytes& content) {
+    return der("30", Hex("06092A864886F70D010702") + der("A0", der("30", Hex("020101 3100") + content + Hex("3100"))));
+  };
   struct Format {
     const char* row;
     bool overTcp;
@@ -183,6 +187,46 @@ TEST(Bounds, OfLevelsInOneAnother) {
        [&](const Bytes& nested) { return update("0001 05", nested); }},
       {"application BGP", true, kDeepestBgp, [&](const Bytes& inner) { return sized(Hex("0B"), inner, 0); }, Hex("03 00"),
        [&](const Bytes& nested) { return update("0019 46", nested); }},
+      {"application IPFIX", false, kDeepestFlowLists,   // a basic list of basic lists
+       [&](const Bytes& inner) {
+         const Bytes list = Hex("03 0123 FFFF") + inner;
+         return Hex("FF") + length2(list) + list;
+       }, Hex("06 03 0004 0001 06"),
+       [&](const Bytes& nested) {
+         const Bytes sets = Hex("0002 000C 0100 0001 0123 FFFF 0100") + length2(Bytes(4) + nested) + nested;
+         return Hex("000A") + length2(Bytes(16) + sets) + Hex("65000000 00000001 00000001") + sets;
+       }},
+      {"encapsulation Netlink", false, kDeepestNetlink,
+       [](const Bytes& inner) {
+         return Bytes{static_cast<uint8_t>(inner.size() + 4), static_cast<uint8_t>((inner.size() + 4) >> 8)} + Hex("FF83") + inner;
+       }, Hex("0500 FF03 01"),
+       [](const Bytes& nested) {
+         return Hex("0004 0338 0000000000000000 0000 0000") +
+                Bytes{static_cast<uint8_t>(nested.size() + 32), static_cast<uint8_t>((nested.size() + 32) >> 8)} +
+                Hex("0000 1000 0200 07000000 00000000 0000 0100 02000000 03100000 FFFFFFFF") + nested;
+       }},
+      {"IP protocol OSPF", false, kDeepestLinkAttributes,   // members of bundles
+       [&](const Bytes& inner) { return Hex("0018") + length2(Bytes(4) + inner) + Hex("00000001") + inner; }, {},
+       [&](const Bytes& nested) {
+         const Bytes link = Hex("0001") + length2(Bytes(12) + nested) + Hex("01000000 0A000001 0A000002") + nested;
+         return Hex("0204") + length2(Bytes(48) + link) + Hex("01010101 00000000 0000 0000 0000000000000000 00000001") +
+                Hex("0001 02 0A 08000001 01010101 80000001 0000") + length2(Bytes(20) + link) + link;
+       }},
+      {"LLC IS-IS", false, kDeepestLinkAttributes,   // attributes of applications
+       [&](const Bytes& inner) { return sized(Hex("10"), Hex("0000") + inner, 0); }, Hex("12 04 4B989680"),
+       [&](const Bytes& nested) {
+         return Hex("831B010012010000") + length2(Bytes(38) + nested) + Hex("04B0 000000000001 0000 00000001 0000 03") +
+                sized(Hex("16"), sized(Hex("00000000000200 00000A"), nested, 0), 0);
+       }},
+      {"application HTTP", true, kDeepestContent,   // signed messages
+       [&](const Bytes& inner) {
+         return signedContent(der("30", Hex("06092A864886F70D010702") + der("A0", der("04", inner))));
+       }, signedContent(Hex("300B 06092A864886F70D010701")),
+       [](const Bytes& nested) {
+         const std::string head = "HTTP/1.1 200 OK\r\nContent-Type: application/pkcs7-mime; smime-type=signed-data\r\n"
+                                  "Content-Length: " + std::to_string(nested.size()) + "\r\n\r\n";
+         return Bytes(head.begin(), head.end()) + nested;
+       }},
   };
   for (const Format& format : formats) {
     TestView view;
@@ -190,7 +234,7 @@ TEST(Bounds, OfLevelsInOneAnother) {
     const auto depthOf = [&](int32_t levels) {
       Bytes nested = format.innermost;
       for (int32_t i = 0; i < levels; ++i) nested = format.wrap(nested);
-      const Payload payload{.row = RowNamed(format.row), .overTcp = format.overTcp, .bytes = format.message(nested)};
+      const Payload payload{.row = RowNamed(format.row), .overTcp = format.overTcp, .modern = true, .bytes = format.message(nested)};
       RunPayload(view.view(), payload);
       isLastShown = false;
       for (LineHandle line = 1; line <= view.context().rangeCount; ++line) {
@@ -217,6 +261,40 @@ TEST(Bounds, OfLevelsInOneAnother) {
   const std::string text = view.Text();
   for (size_t found = 0; (found = text.find("Value: Message of", found)) != std::string::npos; ++found) ++messages;
   EXPECT_EQ(messages, static_cast<size_t>(kDeepestProtobuf));
+}
+
+TEST(Bounds, OfLinesInLists) {
+  const Bytes elements(64000, 0);   // of two bytes and three lines each
+  const Payload payload{.row = RowNamed("LLC IS-IS"),
+                        .bytes = Hex("831B010012010000 FA1B 04B0 000000000001 0000 00000001 0000 03") + elements};
+  TestView view;
+  const PayloadRun run = RunPayload(view.view(), payload);
+  EXPECT_GT(run.lines, kLinesOfLists);
+  EXPECT_LT(run.lines, kLinesOfLists + kMostDumped / kBytesOfARow + 10);   // with the dump of what is left
+  EXPECT_NE(view.Text().find("Further Elements"), std::string::npos);
+}
+
+TEST(Bounds, OfSampledFrames) {
+  constexpr uint8_t kMore = kMostSampledHeaders + 6, kRecord = 8 + 32;
+  Bytes records;
+  for (int i = 0; i < kMore; ++i) {
+    records = records + Hex("00000001 00000020 00000001 00000040 00000000 0000000E 000000000002 000000000003 88B5 0000");
+  }
+  const uint32_t size = 32 + kMore * kRecord;
+  const Payload payload{.row = RowNamed("application sFlow"),
+                        .bytes = Hex("00000005 00000001 C0000209 00000000 00000001 00000001 00000001 00000001 0000") +
+                                 Bytes{static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(size)} +
+                                 Hex("00000001 00000002 00000064 00000064 00000000 00000001 00000002 000000") + Bytes{kMore} + records};
+  TestView view;
+  ASSERT_TRUE(RunPayload(view.view(), payload).takes);
+  const std::string text = view.Text();
+  const auto count = [&](const std::string& words) {
+    int32_t found = 0;
+    for (size_t at = 0; (at = text.find(words, at)) != std::string::npos; ++at) ++found;
+    return found;
+  };
+  EXPECT_EQ(count("Header: 14 bytes, shown behind the datagram"), kMostSampledHeaders);
+  EXPECT_EQ(count("Header Length: 14"), kMore) << text;
 }
 
 // What searches for slow payloads found: looked through to their end once for each element.
