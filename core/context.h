@@ -99,11 +99,17 @@ struct PacketState {
   ReachedLayer carrier;      // what IP carries, header included; behind it `reached` may be the application
   int32_t nesting;
   int32_t linesLeft;         // below 0 once the bound is told
+  int32_t listsEnd = INT32_MIN;   // as many lines left end lists (kLinesOfLists)
   bool limitReached;
   const char* protocol;      // the short name of the protocol whose lines are added, for their keys
   DecodeContext* asked;      // the context, while a question wants some of the lines alone (core/line_facts.h)
   bool quoted;               // an error message quotes this datagram: of another frame, cut anywhere; learn nothing
 };
+
+inline void BeginLines(PacketState& packet, int32_t capturedLength) {
+  packet.linesLeft = MostLinesOf(capturedLength);
+  if (packet.linesLeft > kLinesOfLists) packet.listsEnd = packet.linesLeft - kLinesOfLists;
+}
 
 // A datagram starts: what an outer one left for its own transport is none of this one's.
 inline void BeginDatagram(PacketState& packet) {

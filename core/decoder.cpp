@@ -141,6 +141,11 @@ int32_t Decode(const Place& at, Cursor& c, DecoderFunction decode) {
 
 }  // namespace
 
+bool detail::EndList(const Place& at, Cursor& c) {
+  AddBlock(at, Rest(c), "Further Elements");
+  return false;
+}
+
 int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
   PacketState& packet = PacketOf(at);
   if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;

@@ -79,8 +79,17 @@ inline void ReachLayer(const Place& at, DispatchTable table, uint32_t key, const
 
 inline bool Displaying(const Place& at) { return at.view->context->outputMode == kDisplayMode; }
 
-// Whether a decoder should go on: loops over many small elements ask it, so that the bound of lines ends their work.
-inline bool MoreAt(const Place& at, const Cursor& c, Loop& loop) { return !PacketOf(at).limitReached && More(c, loop); }
+namespace detail {
+bool EndList(const Place& at, Cursor& c);
+}
+
+// Whether a decoder should go on: loops over many small elements ask it, so that bounds of lines end their work. Where a frame has
+// more of them than anyone reads, what is left of the list is a block.
+inline bool MoreAt(const Place& at, Cursor& c, Loop& loop) {
+  const PacketState& packet = PacketOf(at);
+  if (packet.limitReached || !More(c, loop)) return false;
+  return packet.linesLeft > packet.listsEnd || detail::EndList(at, c);
+}
 
 namespace detail {
 inline LineHandle CountSilentLine(const Place& at) { return CountLine(at.view); }

@@ -7,7 +7,6 @@
 // Every element is a line of its own, "Attribute: User-Name", with its type, its length and what it holds under it. What
 // a type selects is a row of the table of choices; what nothing explains is a block of data.
 #pragma once
-#include "core/long_list.h"
 #include "core/rows.h"
 
 namespace qxview {
@@ -121,7 +120,7 @@ void ShowElements(const Place& in, Cursor& c, const ElementForm& form, const cha
                   std::type_identity_t<ChoiceSpan<T>> choices, T& out, const char* unnamed = kUnknown) {
   Loop loop;
   Element element;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const bool isTaken = TakeElement(c, form, element);
     const Choice<T>* choice = FindChoice<T>(choices, element.code);
     const char* name = choice ? choice->name : unnamed;

@@ -285,7 +285,7 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   packet.frame = record;
   packet.userParam1 = userParam1;
   packet.userParam2 = userParam2;
-  packet.linesLeft = MostLinesOf(record->capturedLength);
+  BeginLines(packet, record->capturedLength);
   packet.protocol = kFrameProtocol;
   const bool display = context->outputMode == kDisplayMode, silent = context->silent;
   packet.asked = display && context->facts && context->facts->question ? context : nullptr;

@@ -32,7 +32,7 @@ inline size_t CountOthers(const char* text, size_t length) {
     found += static_cast<size_t>(_mm_cvtsi128_si32(sums)) + static_cast<size_t>(_mm_extract_epi16(sums, 4));
   }
   const uint32_t rest = static_cast<uint32_t>(_mm_movemask_epi8(others(text))) & ((1u << length % kSixteen) - 1);
-  return found + static_cast<size_t>(__builtin_popcount(rest));
+  return rest ? found + static_cast<size_t>(__builtin_popcount(rest)) : found;
 #else
   size_t found = 0;
   for (size_t at = 0; at < length; ++at) found += static_cast<uint8_t>(text[at] - 0x20) > '~' - 0x20;

@@ -48,7 +48,7 @@ void DecodePayload(Session& session, const PayloadHead& head, const ExactRecord&
   PacketState& packet = view->context->packet = PacketState{};
   const Cursor c = MakeCursor(record.Frame(), 0, record->capturedLength);
   packet.frame = record.get();
-  packet.linesLeft = MostLinesOf(c.left);
+  BeginLines(packet, c.left);
   packet.protocol = head.row->protocol->key;
   packet.ipProtocol = overTcp ? 6 : 17;
   packet.destinationPort = head.port;

@@ -30,7 +30,7 @@ void ShowIdentity(const Place& in, Cursor& c) {
   ShowRows<Bjnp>(in, c, kIdentitySize, none);
   Field text = Rest(c);
   Loop loop;
-  while (text.length > 0 && MoreAt(in, CursorOver(text), loop)) {
+  while (text.length > 0 && MoreAt(in, text, loop)) {
     Field pair = TakeWord(text, ";");
     const Field whole = pair;
     const Field name = TakeWord(pair, ":");

@@ -3,6 +3,7 @@
 #include "core/rows.h"
 #include "decoders/app/ftp_data.h"
 #include "decoders/app/media_sessions.h"
+#include "decoders/common/header_lines.h"
 #include "decoders/common/text_lines.h"
 #include "decoders/common/transfer_text.h"
 
@@ -61,7 +62,7 @@ void ShowLetter(const Place& in, const Field& word, const char* label, const Nam
 // "type=file;size=5; name" (RFC 3659): facts and the name that they are of.
 void ShowFacts(const Place& in, Field text) {
   Loop loop;
-  while (text.length > 0 && PeekU8(text) != ' ' && MoreAt(in, CursorOver(text), loop)) {
+  while (text.length > 0 && PeekU8(text) != ' ' && MoreAt(in, text, loop)) {
     AddTextLine(in, TakeWord(text, ";"), "Fact");
   }
   const Field name = Trimmed(text);

@@ -1,7 +1,6 @@
 // The options of DHCP version 4 and BOOTP vendor extensions (IANA's registry; RFC 2132 and the RFCs that add to it).
 //
 //   code (1)   length (1)   value          0: padding and 255: the end have no length
-#include "core/long_list.h"
 #include "decoders/app/dhcp.h"
 
 namespace qxview {
@@ -65,7 +64,7 @@ constexpr auto kMagic = Rows<DhcpMessage>({Hex(4, nullptr)});
 
 void ShowPairs(const Place& in, Cursor& c, const char* first, const char* second) {
   Loop loop;
-  while (Left(c) >= 8 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 8 && MoreAt(in, c, loop)) {
     const Field left = TakeBytes(c, 4), right = TakeBytes(c, 4);
     AddLine(in, left, "%s: %s", first, IPv4Text(left.bytes));
     AddLine(in, right, "%s: %s", second, IPv4Text(right.bytes));
@@ -82,7 +81,7 @@ void ShowRoutes(const Place& in, Cursor& c, DhcpMessage&) {
 // Destinations of so many bits, their octets alone, and the router of each (RFC 3442).
 void ShowClasslessRoutes(const Place& in, Cursor& c, DhcpMessage&) {
   Loop loop;
-  while (Left(c) >= 5 && PeekU8(c) <= 32 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 5 && PeekU8(c) <= 32 && MoreAt(in, c, loop)) {
     const Field width = TakeU8(c);
     const Field network = TakeBytes(c, (width.value + 7) / 8), router = TakeBytes(c, 4);
     if (!router.here) break;
@@ -98,19 +97,19 @@ void ShowClasslessRoutes(const Place& in, Cursor& c, DhcpMessage&) {
 void ShowPlateaus(const Place& in, Cursor& c, DhcpMessage& message) {
   static constexpr auto kSize = Rows<DhcpMessage>({Number(2, "MTU").Note(", %u")});
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<DhcpMessage>(in, c, kSize, message);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<DhcpMessage>(in, c, kSize, message);
 }
 
 void ShowParameters(const Place& in, Cursor& c, DhcpMessage& message) {
   static constexpr auto kCode = Rows<DhcpMessage>({Number(1, "Option Code", DhcpOptionName).Note(", %u")});
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<DhcpMessage>(in, c, kCode, message);
+  while (MoreAt(in, c, loop)) ShowRows<DhcpMessage>(in, c, kCode, message);
 }
 
 void ShowSearch(const Place& in, Cursor& c, DhcpMessage& message) {
   static constexpr auto kService = Rows<DhcpMessage>({Number(2, "Name Service", kServiceNames).Note(", %s")});
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<DhcpMessage>(in, c, kService, message);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<DhcpMessage>(in, c, kService, message);
 }
 
 // Classes that are counted each (RFC 3004); many clients write one text without a count.
@@ -122,7 +121,7 @@ void ShowUserClasses(const Place& in, Cursor& c, DhcpMessage& message) {
   while (More(ahead, steps)) TakeBytes(ahead, TakeU8(ahead).value);
   if (ahead.ranShort || c.left < 2 || PeekU8(c) == 0) return ShowRows<DhcpMessage>(in, c, kPlain, message);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<DhcpMessage>(in, c, kClass, message);
+  while (MoreAt(in, c, loop)) ShowRows<DhcpMessage>(in, c, kClass, message);
 }
 
 void ShowDirectoryAgents(const Place& in, Cursor& c, DhcpMessage& message) {
@@ -207,7 +206,7 @@ void ShowResolverSelection(const Place& in, Cursor& c, DhcpMessage& message) {
 
 void ShowControlServers(const Place& in, Cursor& c, DhcpMessage& message) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const Field length = TakeU8(c);
     AddLine(in, length, "List Length: %u", length.value);
     Cursor list = TakeCursor(c, length.value);
@@ -224,7 +223,7 @@ void ShowRelayPrefix(const Place& in, Cursor& c, DhcpMessage& message) {
 // Encrypted resolvers (RFC 9463), one behind the other.
 void ShowResolvers(const Place& in, Cursor& c, DhcpMessage& message) {
   Loop loop;
-  while (Left(c) >= 5 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 5 && MoreAt(in, c, loop)) {
     const Field length = TakeU16(c);
     AddLine(in, length, "Instance Length: %u", length.value);
     Cursor one = TakeCursor(c, length.value);
@@ -285,7 +284,7 @@ void ShowDhcpOptions(const Place& in, Cursor& c, DhcpMessage& message) {
   constexpr int32_t kFull = 255;
   uint32_t goesOn = kPad;
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     int32_t size = 0;
     while (size < Left(c) && PeekU8(c, size) == kPad) ++size;
     if (size > 0) {

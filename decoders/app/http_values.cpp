@@ -37,7 +37,7 @@ void ShowCookiePair(const Place& in, Field pair) {
 
 void ShowCookies(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field pair = TakePlain(rest, ';');
     if (pair.length > 0) ShowCookiePair(in, pair);
   }
@@ -46,7 +46,7 @@ void ShowCookies(const Place& in, Field rest) {
 void ShowSetCookie(const Place& in, Field rest) {
   ShowCookiePair(in, TakePlain(rest, ';'));
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field attribute = TakePlain(rest, ';');
     Field value = attribute;
     const Field name = TakePlain(value, '=');
@@ -103,7 +103,7 @@ void ShowBytes(const Place& in, const Field& range, const char* first, const cha
 void ShowRanges(const Place& in, Field rest) {
   AddTextLine(in, TakePlain(rest, '='), "Range Unit");
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field range = TakePlain(rest, ',');
     ShowBytes(Under(in, AddTextLine(in, range, "Byte Range")), range, "First Byte", "Last Byte");
   }
@@ -120,7 +120,7 @@ void ShowContentRange(const Place& in, Field rest) {
 // "1.1 host (comment)" for each hop.
 void ShowVia(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field hop = TakePiece(rest, ",");
     const Place under = Under(in, AddTextLine(in, hop, "Hop"));
     AddTextLine(under, TakeWord(hop), "Received Protocol");
@@ -132,7 +132,7 @@ void ShowVia(const Place& in, Field rest) {
 
 void ShowWarnings(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field warning = TakePiece(rest, ",");
     const Field code = TakeWord(warning);
     const int32_t number = DecimalOf(code);
@@ -146,7 +146,7 @@ void ShowWarnings(const Place& in, Field rest) {
 // "default-src 'self' https:; img-src *"
 void ShowPolicy(const Place& in, const char* label, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field directive = TakePlain(rest, ';');
     if (directive.length > 0) AddTextLine(in, directive, label);
   }

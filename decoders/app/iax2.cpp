@@ -257,7 +257,7 @@ int32_t DecodeMetaTrunk(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, Ahead(c, Left(c)), "IAX2: Meta Trunk"));
   ShowRows<Iax>(in, c, kHead, iax);
   Loop loop;
-  while (Left(c) >= (isTimed ? 6 : 4) && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= (isTimed ? 6 : 4) && MoreAt(in, c, loop)) {
     const uint32_t length = PeekU16(c, isTimed ? 0 : 2), call = PeekU16(c, isTimed ? 2 : 0) & ~kTopBit;
     Cursor entry = TakeCursor(c, (isTimed ? 6 : 4) + length);
     const Place under = Under(in, AddLine(in, Ahead(entry, Left(entry)), "Entry: Call %u, %u bytes", call, length));

@@ -28,7 +28,7 @@ void ShowKismetLine(const Place& at, const Field& line) {
     AddTextLine(in, TakeKismetWord(rest), "Command");
   }
   Loop loop;
-  for (uint32_t number = 1; rest.length > 0 && MoreAt(in, CursorOver(rest), loop); ++number) {
+  for (uint32_t number = 1; rest.length > 0 && MoreAt(in, rest, loop); ++number) {
     const Field word = TakeKismetWord(rest);
     if (word.here) AddLine(in, word, "Field #%u: %s", number, Text(word));
   }

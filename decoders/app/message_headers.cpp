@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "decoders/app/internet_message.h"
+#include "decoders/common/header_lines.h"
 #include "decoders/common/transfer_text.h"
 
 namespace qxview {
@@ -104,7 +105,7 @@ void ShowDate(const Place& in, Field rest) {
 // "Name" <local@domain>, each of a list.
 void ShowAddresses(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field item = TakePiece(rest, ',');
     if (item.length == 0) continue;
     const Place under = Under(in, AddTextLine(in, item, "Mailbox"));
@@ -159,7 +160,7 @@ void ShowParameters(const Place& in, const Field& value) {
   Field rest = value;
   AddTextLine(in, TakePiece(rest, ';'), "Type");
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const int32_t start = rest.offset - value.offset;
     const Field parameter = TakePiece(rest, ';');
     const int32_t end = parameter.offset + parameter.length - value.offset;
@@ -176,7 +177,7 @@ constexpr struct { const char* tag; const char* name; } kTagNames[] = {
 
 void ShowTags(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field tag = TakePiece(rest, ';');
     if (tag.length == 0) continue;
     const Place under = Under(in, AddTextLine(in, tag, "Tag"));
@@ -198,7 +199,7 @@ void ShowTags(const Place& in, Field rest) {
 // <left@right>, or several.
 void ShowIdentifiers(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     rest = WithoutSpace(rest);
     Field ahead = rest;
     const Field identifier = TakeWord(ahead, " \t\r\n");
@@ -224,7 +225,7 @@ void ShowStation(const Place& in, Field rest) {
     AddTextLine(in, Field{keyword.bytes, keyword.offset, front + text.length, 0, true}, label, text);
   };
   Loop loop;
-  while (clauses.length > 0 && MoreAt(in, CursorOver(clauses), loop)) {
+  while (clauses.length > 0 && MoreAt(in, clauses, loop)) {
     const int32_t before = clauses.length;
     const Field word = TakePiece(clauses, ' ');
     const char* next = nullptr;
@@ -256,7 +257,7 @@ bool HoldsDate(const Field& name) {
 // <mailto:a@b>, <https://...> (RFC 2369), and names with an identifier (RFC 2919).
 void ShowLinks(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field item = TakePiece(rest, ',');
     const Cursor c = CursorOver(item);
     const int32_t open = FindU8(c, '<'), close = open < 0 ? -1 : FindU8(c, '>', open);

@@ -28,7 +28,7 @@ void ShowMetric(const Place& at, const Field& line) {
   const Field type = TakeWord(rest, "|");
   AddLine(in, type, "Type: %s = %s", Text(type), MetricName(type));
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field part = TakeWord(rest, "|");
     if (!part.here) continue;
     const Field behind = Slice(part, 1, part.length - 1);

@@ -175,7 +175,7 @@ void ShowExtensions(const Place& in, Cursor& c, Ntp& ntp) {
   constexpr ElementForm kForm{.typeSize = 2, .lengthSize = 2, .lengthCountsHeader = true};
   constexpr int32_t kLongestAuthenticator = 24;   // what is longer starts with an extension field (RFC 7822 7.5)
   Loop loop;
-  while (Left(c) > kLongestAuthenticator && PeekU16(c, 2) >= 4 && ListGoesOn(in, c, loop)) {
+  while (Left(c) > kLongestAuthenticator && PeekU16(c, 2) >= 4 && MoreAt(in, c, loop)) {
     const int32_t length = static_cast<int32_t>(PeekU16(c, 2));
     Cursor field = TakeCursor(c, length);
     ShowElements<Ntp>(in, field, kForm, "Extension Field", kExtensions, ntp);
@@ -193,7 +193,7 @@ void DecodeTime(const Place& in, Cursor& c, Ntp& ntp) {
 // "name=value" up to a comma that stands in no quotes, and blanks and line ends behind it.
 void ShowVariables(const Place& in, Cursor& c) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     if (PeekU8(c) <= ' ' || PeekU8(c) == ',') {
       TakeU8(c);
       continue;
@@ -239,7 +239,7 @@ void DecodeControl(const Place& in, Cursor& c, Ntp& ntp) {
   if (ntp.operation.value == kReadStatus && isResponse && association == 0) {
     constexpr auto kAssociation = Rows<Ntp>({Number(2, "Association ID")});
     Loop loop;
-    while (Left(data) >= 4 && ListGoesOn(under, data, loop)) {
+    while (Left(data) >= 4 && MoreAt(under, data, loop)) {
       ShowRows<Ntp>(under, data, kAssociation, ntp);
       ShowRows<Ntp>(under, data, kPeerStatus, ntp);
     }

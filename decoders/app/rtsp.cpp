@@ -23,7 +23,7 @@ constexpr auto kInterleaved = Rows<Interleaved>({
 void ShowParts(const Place& in, const Field& title, Field rest) {
   AddTextLine(in, title, "Name");
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field part = TakeWord(rest, ";");
     if (!part.here) continue;
     const Field whole = part;

@@ -96,7 +96,7 @@ void ShowPart(const Place& in, const char* label, Field value) {
   const bool isKey = std::strcmp(label, "Key Parameters") == 0;
   if (!isCandidate && !isList && !isKey) return;
   Loop loop;
-  while (value.length > 0 && MoreAt(in, CursorOver(value), loop)) {
+  while (value.length > 0 && MoreAt(in, value, loop)) {
     if (isCandidate) {
       Field pair = value;
       const Field name = TakeWord(value), setting = TakeWord(value);
@@ -149,7 +149,7 @@ void ShowMedia(const Place& in, Field value) {
   AddTextLine(in, protocol, "Protocol");
   const bool isRtp = StartsWithWord(protocol, "RTP/") || StartsWithWord(protocol, "UDP/TLS/RTP/");
   Loop loop;
-  while (value.length > 0 && MoreAt(in, CursorOver(value), loop)) {
+  while (value.length > 0 && MoreAt(in, value, loop)) {
     const Field format = TakeWord(value);
     const RtpCodec* codec = isRtp && format.here ? FindRtpCodec(DecimalOf(format)) : nullptr;
     if (codec) {

@@ -141,7 +141,7 @@ namespace {
 // "Name" <uri>;parameter or uri;parameter, each of a list. The parameters of a bare address are the header's.
 void ShowAddresses(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field parameters = TakePiece(rest, ",");
     Field address = TakePiece(parameters, ";");
     if (address.length == 0) continue;
@@ -161,7 +161,7 @@ void ShowAddresses(const Place& in, Field rest) {
 // "SIP/2.0/UDP host:port;branch=..." for each hop.
 void ShowVia(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field parameters = TakePiece(rest, ",");
     Field first = TakePiece(parameters, ";");
     const Field protocol = TakeWord(first);
@@ -176,7 +176,7 @@ void ShowVia(const Place& in, Field rest) {
 // "Q.850;cause=21;text=\"Call rejected\"" (RFC 3326).
 void ShowReasons(const Place& in, const char* label, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field parameters = TakePiece(rest, ",");
     const Field all = parameters;
     const Field protocol = TakePiece(parameters, ";");
@@ -195,7 +195,7 @@ void ShowReasons(const Place& in, const char* label, Field rest) {
 // "399 agent \"text\"", each of a list.
 void ShowWarnings(const Place& in, Field rest) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field warning = TakePiece(rest, ",");
     const Field code = TakeWord(warning);
     const int32_t number = DecimalOf(code);

@@ -59,7 +59,7 @@ constexpr auto kPadPair = Rows<Telnet>({Number(1, "Parameter", kPadParameterName
 void ShowPad(const Place& in, Cursor& c, Telnet& telnet) {
   ShowRows<Telnet>(in, c, kPad, telnet);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<Telnet>(in, c, kPadPair, telnet);
+  while (MoreAt(in, c, loop)) ShowRows<Telnet>(in, c, kPadPair, telnet);
 }
 
 // Linemode (RFC 1184).
@@ -92,7 +92,7 @@ void ShowLinemode(const Place& in, Cursor& c, Telnet& telnet) {
     return;
   }
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const Place under = Under(in, AddLine(in, Ahead(c, Left(c) < 3 ? Left(c) : 3), "Special Character: %s",
                                           LookupName(kSlcNames, PeekU8(c))));
     ShowRows<Telnet>(under, c, kSlc, telnet);
@@ -113,7 +113,7 @@ Field TakeDivided(Cursor& c, int32_t mostMark, int32_t escape) {
 
 void ShowDivided(const Place& in, Cursor& c, const Names& marks, int32_t mostMark, int32_t escape) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const Field mark = TakeU8(c);
     const Field text = TakeDivided(c, mostMark, escape);
     const Place under = Under(in, AddLine(in, Stated(mark.offset, 1 + text.length), "%s: %s", marks.NameOf(mark.value),
@@ -194,7 +194,7 @@ void ShowAuthentication(const Place& in, Cursor& c, Telnet& telnet) {
   ShowRows<Telnet>(in, c, kAuthentication, telnet);
   if (telnet.command.value == 3) return ShowRows<Telnet>(in, c, kUserName, telnet);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     ShowRows<Telnet>(in, c, kMechanism, telnet);
     if (telnet.command.value == 1) continue;   // a list of what is offered
     ShowChoice<Telnet>(in, c, FindChoice<Telnet>(kMechanisms, telnet.version.value), telnet);
@@ -224,7 +224,7 @@ void ShowEncryption(const Place& in, Cursor& c, Telnet& telnet) {
   if (command == 0 || command == 2) return ShowRows<Telnet>(in, c, kVector, telnet);
   if (command != 1) return ShowRows<Telnet>(in, c, kKeyId, telnet);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<Telnet>(in, c, kCipher, telnet);
+  while (MoreAt(in, c, loop)) ShowRows<Telnet>(in, c, kCipher, telnet);
 }
 
 // TN3270E (RFC 2355): key words, of which some have a text behind them, and lists.
@@ -244,7 +244,7 @@ constexpr auto kFunction = Rows<Telnet>({
 void ShowTerminal3270(const Place& in, Cursor& c, Telnet& telnet) {
   const bool isFunctions = PeekU8(c) == 3;
   Loop loop;
-  for (int32_t words = 0; ListGoesOn(in, c, loop); ++words) {
+  for (int32_t words = 0; MoreAt(in, c, loop); ++words) {
     if (isFunctions && words > 1) {
       ShowRows<Telnet>(in, c, kFunction, telnet);
       continue;
@@ -283,7 +283,7 @@ void ShowCharset(const Place& in, Cursor& c, Telnet& telnet) {
   ShowRows<Telnet>(in, c, kSeparator, telnet);
   const uint32_t separator = PeekU8(telnet.separator);
   Loop loop;
-  for (int32_t names = 0; ListGoesOn(in, c, loop) && (command == 1 || names < 2); ++names) {
+  for (int32_t names = 0; MoreAt(in, c, loop) && (command == 1 || names < 2); ++names) {
     AddTextLine(in, TakeUpTo(c, separator), "Character Set");
     if (command == 4) ShowRows<Telnet>(in, c, kTableSizes, telnet);
   }
@@ -355,7 +355,7 @@ constexpr auto kStatusSettled = Rows<Telnet>({
 void ShowStatus(const Place& in, Cursor& c, Telnet& telnet) {
   ShowRows<Telnet>(in, c, kStatus, telnet);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     if (PeekU8(c) != kTelnetSubnegotiation) {
       ShowRows<Telnet>(in, c, kStatusOption, telnet);
       continue;

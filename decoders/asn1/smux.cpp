@@ -4,7 +4,6 @@
 //   Open  [APPLICATION 0] { version, identity, description, password }    Close  [APPLICATION 1] INTEGER
 //   Register [APPLICATION 2] { subtree, priority, operation }   its response [APPLICATION 3]   commit [APPLICATION 4]
 //   and SNMP's protocol data units
-#include "core/long_list.h"
 #include "core/rows.h"
 #include "decoders/asn1/snmp.h"
 #include "decoders/common/object_id.h"
@@ -104,7 +103,7 @@ void ShowMessage(const Place& at, Cursor c) {
 int32_t DecodeSmux(const Place& at, Cursor c) {
   if (!IsSmux(PeekU8(c)) || !PeekBer(c).here) return 0;
   Loop loop;
-  while (ListGoesOn(at, c, loop) && IsSmux(PeekU8(c)) && PeekBer(c).here) ShowMessage(at, TakeBer(c).whole);
+  while (MoreAt(at, c, loop) && IsSmux(PeekU8(c)) && PeekBer(c).here) ShowMessage(at, TakeBer(c).whole);
   AddRawRest(at, c, "SMUX Data");
   return 1;
 }
@@ -112,7 +111,7 @@ int32_t DecodeSmux(const Place& at, Cursor c) {
 int32_t DecodeSnmpOverTcp(const Place& at, Cursor c) {
   if (PeekSnmpVersion(c) < 0) return 0;
   Loop loop;
-  while (ListGoesOn(at, c, loop) && PeekSnmpVersion(c) >= 0) {
+  while (MoreAt(at, c, loop) && PeekSnmpVersion(c) >= 0) {
     if (DecodeSnmpPayload(at, TakeBer(c).whole) == 0) break;
   }
   AddRawRest(at, c, "SNMP Data");

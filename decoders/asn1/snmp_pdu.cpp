@@ -1,5 +1,4 @@
 // Protocol data units and their variable bindings: the same in every version.
-#include "core/long_list.h"
 #include "decoders/asn1/snmp.h"
 
 namespace qxview {
@@ -100,7 +99,7 @@ int32_t DecodeBindings(SnmpWalk& walk) {
   AddLine(in, marker, "ASN Sequence Identifier: 0x%.02X (SNMP binding)", marker.value);
   if (const int32_t status = StepLength(walk, "Binding Sequence Length:"); status != kAsnDecoded) return status;
   Loop loop;
-  for (uint32_t number = 1; ListGoesOn(in, walk.c, loop) && PeekU8(walk.c) == kAsnSequence; ++number) {
+  for (uint32_t number = 1; MoreAt(in, walk.c, loop) && PeekU8(walk.c) == kAsnSequence; ++number) {
     const int32_t status = DecodeSnmpVarBind(walk, number);
     if (status != kAsnDecoded && status != kAsnUnnamed) return status;
   }

@@ -23,6 +23,12 @@ struct TextLine {
 };
 bool TakeLine(Cursor& c, TextLine& out);
 
+// Whether a list within a text goes on with what is left of it.
+inline bool MoreAt(const Place& at, const Field& rest, Loop& loop) {
+  Cursor c = CursorOver(rest);
+  return MoreAt(at, c, loop);
+}
+
 // Whether a field holds a word, in whatever case; whether it starts with it; whether bytes start with a text as it is.
 bool IsWord(const Field& field, const char* word);
 bool StartsWithWord(const Field& field, const char* word);

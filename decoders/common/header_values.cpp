@@ -38,7 +38,7 @@ Field Unquoted(const Field& text) {
 
 void ShowParameters(const Place& in, Field rest, const char* separator) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     const Field parameter = TakePiece(rest, separator);
     if (parameter.length == 0) continue;
     const int32_t equals = FindU8(CursorOver(parameter), '=');
@@ -53,7 +53,7 @@ void ShowParameters(const Place& in, Field rest, const char* separator) {
 
 void ShowItems(const Place& in, const char* label, Field rest, bool isList) {
   Loop loop;
-  while (rest.length > 0 && MoreAt(in, CursorOver(rest), loop)) {
+  while (rest.length > 0 && MoreAt(in, rest, loop)) {
     Field item = isList ? TakePiece(rest, ",") : rest;
     if (!isList) rest.length = 0;
     const Field word = TakePiece(item, ";");

@@ -3,7 +3,6 @@
 //
 //   0        1                        2         3    4          12          16               20      22
 //   subtype  stream valid, version..  sequence  ..   stream ID  time stamp  of the format    length  of the format
-#include "core/long_list.h"
 #include "decoders/link/avtp.h"
 
 namespace qxview {
@@ -76,11 +75,11 @@ void ShowMusic(const Place& in, Cursor& c, Avtp& avtp) {
   ShowRows<Avtp>(in, c, kMusic, avtp);
   const uint32_t event = avtp.message.value, blockSize = avtp.size.value * 4;
   Loop loop;
-  for (uint32_t block = 1; blockSize && Left(c) >= 4 && ListGoesOn(in, c, loop); ++block) {
+  for (uint32_t block = 1; blockSize && Left(c) >= 4 && MoreAt(in, c, loop); ++block) {
     Cursor part = TakeCursor(c, static_cast<int32_t>(blockSize));
     const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "Data Block %u", block));
     Loop quadlets;
-    while (Left(part) >= 4 && ListGoesOn(in, part, quadlets)) {
+    while (Left(part) >= 4 && MoreAt(in, part, quadlets)) {
       if (event) {
         ShowRows<Avtp>(under, part, kQuadlet, avtp);
         continue;
@@ -118,7 +117,7 @@ void ShowBus(const Place& in, Cursor& c, Avtp& avtp) {
     } else if (format == kTransportFormat) {
       ShowRows<Avtp>(in, data, kTransport, avtp);
       Loop loop;
-      while (Left(data) >= 192 && ListGoesOn(in, data, loop)) ShowRows<Avtp>(in, data, kTransportPacket, avtp);
+      while (Left(data) >= 192 && MoreAt(in, data, loop)) ShowRows<Avtp>(in, data, kTransportPacket, avtp);
     } else {
       ShowRows<Avtp>(in, data, kFields, avtp);
     }
@@ -160,7 +159,7 @@ void ShowStreamHead(const Place& in, Cursor& c, Avtp& avtp) {
 void ShowSamples(const Place& in, Cursor& c, uint32_t format, uint32_t channels) {
   const int32_t size = format == 4 ? 2 : format == 3 ? 3 : 4;
   Loop loop;
-  for (uint32_t frame = 1; channels && Left(c) >= size && ListGoesOn(in, c, loop); ++frame) {
+  for (uint32_t frame = 1; channels && Left(c) >= size && MoreAt(in, c, loop); ++frame) {
     Cursor part = TakeCursor(c, static_cast<int32_t>(channels) * size);
     const Field samples = Rest(part);
     AddLine(in, samples, "Sample Frame %u: %s", frame, HexText(samples));
@@ -250,7 +249,7 @@ void ShowClock(const Place& in, Cursor& c, Avtp& avtp) {
   ShowRows<Avtp>(in, c, kClockHead, avtp);
   Cursor data = TakeCursor(c, static_cast<int32_t>(avtp.length.value));
   Loop loop;
-  while (Left(data) >= 8 && ListGoesOn(in, data, loop)) ShowRows<Avtp>(in, data, kClockTime, avtp);
+  while (Left(data) >= 8 && MoreAt(in, data, loop)) ShowRows<Avtp>(in, data, kClockTime, avtp);
   data.ranShort = false;
   AddBlock(in, Rest(data), "Clock Data");
 }

@@ -97,7 +97,7 @@ void ShowBody(const Place& in, Cursor& c, uint32_t type, Mka& mka) {
     case kLivePeers:
     case kPotentialPeers: {
       Loop loop;
-      while (ListGoesOn(in, c, loop)) ShowRows<Mka>(in, c, kPeer, mka);
+      while (MoreAt(in, c, loop)) ShowRows<Mka>(in, c, kPeer, mka);
       return;
     }
     case kSakUse:
@@ -163,7 +163,7 @@ constexpr auto kIdentifier = Rows<Mka>({Utf8(0, "Network Identity")});
 constexpr auto kOrganization = Rows<Mka>({Hex(3, "Organization"), Number(1, "Subtype"), Bytes(0, "Information")});
 void ShowSuiteList(const Place& in, Cursor& c, Mka& mka) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<Mka>(in, c, kSuites, mka);
+  while (MoreAt(in, c, loop)) ShowRows<Mka>(in, c, kSuites, mka);
 }
 constexpr auto kAnnouncements = Choices<Mka>({
     {111, "Access Information", kAccess}, {112, "MACsec Cipher Suites", {}, ShowSuiteList}, {113,
@@ -182,7 +182,7 @@ void ShowAnnouncement(const Place& in, Cursor& c) {
 void ShowKeyAgreement(const Place& in, Cursor& c) {
   bool isFirst = true, checked = false;
   Loop loop;
-  while (Left(c) >= kSetHeader && !checked && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= kSetHeader && !checked && MoreAt(in, c, loop)) {
     const bool isIndicator = !isFirst && PeekU8(c) == kCheckIndicator;
     if (!isFirst && !isIndicator && Left(c) <= kCheckSize) break;   // a check without an indicator
     ShowSet(in, c, isFirst);

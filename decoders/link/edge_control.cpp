@@ -50,7 +50,7 @@ void ShowInterface(const Place& in, Cursor& c, Edge& edge) {
   ShowRows<Edge>(in, c, kFilter, edge);
   const uint32_t format = edge.format.value;
   Loop loop;
-  for (uint32_t i = 0; i < edge.count.value && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < edge.count.value && MoreAt(in, c, loop); ++i) {
     if (format == kHasGroup || format == kHasBoth) ShowRows<Edge>(in, c, kGroup, edge);
     if (format == kHasMac || format == kHasBoth) ShowRows<Edge>(in, c, kMac, edge);
     ShowRows<Edge>(in, c, kVlan, edge);
@@ -78,7 +78,7 @@ int32_t DecodeEdgeControl(const Place& at, Cursor c) {
     // Zeros behind the elements fill the frame.
     Loop loop;
     Element element;
-    while (PeekU16(c) != 0 && ListGoesOn(in, c, loop) && TakeElement(c, kForm, element)) {
+    while (PeekU16(c) != 0 && MoreAt(in, c, loop) && TakeElement(c, kForm, element)) {
       const Choice<Edge>* choice = FindChoice<Edge>(kElements, element.code);
       // keys: text TLV
       const Place under = detail::AddElementHead(in, element, kForm, "TLV", choice ? choice->name : kUnknown);

@@ -2,7 +2,6 @@
 // length; those of organizations name their code and a subtype first.
 #include "decoders/link/lldp.h"
 
-#include "core/long_list.h"
 #include "decoders/common/object_id.h"
 
 namespace qxview {
@@ -126,7 +125,7 @@ void ShowLldpIdentifier(const Place& in, const Field& id, bool isMac, const char
 
 void ShowTextLines(const Place& in, Cursor& c, const char* label) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const int32_t end = FindU8(c, 0x0A), length = end < 0 ? Left(c) : end;
     if (length) {
       const Field line = TakeBytes(c, length);
@@ -148,7 +147,7 @@ int32_t DecodeLldp(const Place& at, Cursor c) {
   Lldp lldp{};
   Loop loop;
   Element element;
-  while (ListGoesOn(in, c, loop) && TakeElement(c, kForm, element)) {
+  while (MoreAt(in, c, loop) && TakeElement(c, kForm, element)) {
     const Choice<Lldp>* choice = FindChoice<Lldp>(kElements, element.code);
     const char* name = choice ? choice->name : "Reserved";
     // keys: text TLV

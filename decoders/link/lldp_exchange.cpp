@@ -1,6 +1,5 @@
 // Data centre bridging in LLDP: the elements of IEEE 802.1Q (annex D: transmission selection, priority flow control,
 // application priorities), and the two forms from before it, each with a list of elements of its own in one of LLDP's.
-#include "core/long_list.h"
 #include "decoders/link/lldp.h"
 
 namespace qxview {
@@ -52,7 +51,7 @@ void ShowClasses(const Place& in, Cursor& c, Lldp& lldp) {
 }
 void ShowApplications(const Place& in, Cursor& c, Lldp& lldp) {
   Loop loop;
-  while (Left(c) >= 3 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 3 && MoreAt(in, c, loop)) {
     const Place under = Under(in, AddLine(in, Ahead(c, 3), "Application: %u, Priority %u", PeekU16(c, 1), PeekU8(c) >> 5));
     ShowRows<Lldp>(under, c, kApplication, lldp);
   }
@@ -107,7 +106,7 @@ void ShowCeeFlow(const Place& in, Cursor& c, Lldp& lldp) {
 void ShowCeeApplications(const Place& in, Cursor& c, Lldp& lldp) {
   ShowRows<Lldp>(in, c, kSubtype, lldp);
   Loop loop;
-  while (Left(c) >= 6 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 6 && MoreAt(in, c, loop)) {
     const Place under = Under(in, AddLine(in, Ahead(c, 6), "Application: 0x%.04X", PeekU16(c)));
     ShowRows<Lldp>(under, c, kCeeApplication, lldp);
   }
@@ -116,7 +115,7 @@ void ShowCinGroups(const Place& in, Cursor& c, Lldp& lldp) {
   ShowRows<Lldp>(in, c, kSubtype, lldp);
   ShowRows<Lldp>(in, c, kCeeBandwidths, lldp);
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<Lldp>(in, c, kUserPriority, lldp);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kUserPriority, lldp);
 }
 void ShowCinFlow(const Place& in, Cursor& c, Lldp& lldp) {
   ShowRows<Lldp>(in, c, kSubtype, lldp);

@@ -1,6 +1,5 @@
 // LLDP elements of organizations: IEEE 802.1 (802.1Q annex D), IEEE 802.3 (802.3 clause 79), telephony (TIA-1057), PROFINET
 // (IEC 61158-6-10), manufacturer usage descriptions (RFC 8520) and what makers have published.
-#include "core/long_list.h"
 #include "decoders/common/location.h"
 #include "decoders/link/lldp.h"
 
@@ -56,7 +55,7 @@ constexpr auto kChannel = Rows<Lldp>({Hex(3, "S-Channel"), Bits(0, 12, "S-Channe
 
 void ShowChannels(const Place& in, Cursor& c, Lldp& lldp) {
   Loop loop;
-  while (Left(c) >= 3 && ListGoesOn(in, c, loop)) ShowRows<Lldp>(in, c, kChannel, lldp);
+  while (Left(c) >= 3 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kChannel, lldp);
 }
 
 // --- IEEE 802.3 ---
@@ -243,14 +242,14 @@ constexpr auto kAvayaAssignment = Rows<Lldp>({
 constexpr auto kServer = Rows<Lldp>({IPv4("Server Address").Note(", %s")});
 void ShowServers(const Place& in, Cursor& c, Lldp& lldp) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Lldp>(in, c, kServer, lldp);
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kServer, lldp);
 }
 constexpr auto kPhone = Rows<Lldp>({IPv4("IP Address").Note(", %s"), IPv4("Subnet Mask"), IPv4("Default Router")});
 constexpr auto kFramingNames = SortedNames({{1, "Tagging"}, {2, "No Tagging"}, {3, "Automatic"}});
 constexpr auto kFraming = Rows<Lldp>({Number(1, "Framing", kFramingNames).Note(", %s")});
 void ShowAssignments(const Place& in, Cursor& c, Lldp& lldp) {
   Loop loop;
-  while (Left(c) >= 5 && ListGoesOn(in, c, loop)) ShowRows<Lldp>(in, c, kAvayaAssignment, lldp);
+  while (Left(c) >= 5 && MoreAt(in, c, loop)) ShowRows<Lldp>(in, c, kAvayaAssignment, lldp);
 }
 constexpr auto kUrl = Rows<Lldp>({Utf8(0, "MUD URL").Note(", %s")});
 

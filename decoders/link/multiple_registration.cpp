@@ -4,7 +4,6 @@
 //   version   then messages: attribute type   attribute length   [MSRP: length of the list (2)]   vectors
 //   a vector: leave all (3 bits), number of values (13)   first value   events of three values an octet
 //   two octets of 0 end a message's vectors, and the messages
-#include "core/long_list.h"
 #include "core/rows.h"
 #include "decoders/common/bridge_id.h"
 
@@ -88,7 +87,7 @@ constexpr auto kVectorHead = Rows<Registration>({
 // Three events of six each in an octet, or four of four.
 void ShowEvents(const Place& in, Cursor& c, uint32_t count, bool byFour) {
   Loop loop;
-  for (uint32_t first = 0; first < count && ListGoesOn(in, c, loop); first += byFour ? 4 : 3) {
+  for (uint32_t first = 0; first < count && MoreAt(in, c, loop); first += byFour ? 4 : 3) {
     const Field packed = TakeU8(c);
     const Place under = Under(in,
         AddLine(in, packed, "%s: 0x%.02X", byFour ? "Listener Declarations" : "Events", packed.value));
@@ -140,7 +139,7 @@ void ShowMessage(const Place& in, Cursor& c, const Application& application) {
   ShowRows<Registration>(under, c, kAttributeHead, out);
   if (application.hasListLength) ShowRows<Registration>(under, c, kListHead, out);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     if (PeekU16(c) == 0) {
       AddLine(under, TakeBytes(c, Left(c) < 2 ? Left(c) : 2), "End Mark: 0x0000");
       break;
@@ -156,7 +155,7 @@ int32_t DecodeRegistration(const Place& at, Cursor c, const Application& applica
   const Field version = TakeU8(c);
   AddLine(in, version, "Protocol Version: %u", version.value);
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     if (PeekU8(c) == 0) {
       AddLine(in, TakeBytes(c, Left(c) < 2 ? 1 : 2), "End Mark: 0x0000");
       break;

@@ -143,7 +143,7 @@ constexpr auto kParameter = Rows<Control>({Number(1, "Parameter")});
 
 void ShowProfiles(const Place& in, Cursor& c, Control& control) {
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<Control>(in, c, kProfile, control);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Control>(in, c, kProfile, control);
 }
 constexpr auto kRobustSuboptions = Choices<Control>({{1, "Profiles", {}, ShowProfiles}});
 constexpr auto kSpaceSuboptions = Choices<Control>({
@@ -230,7 +230,7 @@ constexpr auto kMacOption = Rows<Control>({Mac(nullptr).Note(": %s")});
 constexpr auto kSpanning = Rows<Control>({Number(1, "Protocol", kSpanningNames)});
 void ShowSpanning(const Place& in, Cursor& c, Control& control) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<Control>(in, c, kSpanning, control);
+  while (MoreAt(in, c, loop)) ShowRows<Control>(in, c, kSpanning, control);
 }
 constexpr auto kBcpOptions = Choices<Control>({
     {1, "Bridge-Identification", kBridge}, {2, "Line-Identification", kBridge}, {3, "MAC-Support", kMacType},

@@ -41,7 +41,7 @@ constexpr auto kDelay = Rows<Link>({Number(1, "Callback Delay", " seconds")});
 constexpr auto kNumber = Rows<Link>({Number(1, "Address Type", kAddressNames), Terminated(Text(0, "Address"))});
 void ShowNumbers(const Place& in, Cursor& c, Link& link) {
   Loop loop;
-  while (Left(c) > 1 && ListGoesOn(in, c, loop)) ShowRows<Link>(in, c, kNumber, link);
+  while (Left(c) > 1 && MoreAt(in, c, loop)) ShowRows<Link>(in, c, kNumber, link);
 }
 constexpr auto kCallbackOptions = Choices<Link>({
     {1, "No Callback"}, {2, "Callback to a User-Specified Number", kDelay, ShowNumbers},
@@ -208,7 +208,7 @@ int32_t DecodeMultiplexed(const Place& at, Cursor c) {
   const KeyedAs keys(PacketOf(at), "pppmux");
   uint32_t protocol = 0;
   Loop loop;
-  while (ListGoesOn(at, c, loop)) {
+  while (MoreAt(at, c, loop)) {
     const bool hasProtocol = PeekU8(c) & 0x80, isLong = PeekU8(c) & 0x40;
     const int32_t length = static_cast<int32_t>(isLong ? PeekU16(c) & 0x3FFF : PeekU8(c) & 0x3F);
     const Field head = isLong ? TakeU16(c) : TakeU8(c);

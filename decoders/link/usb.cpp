@@ -9,7 +9,6 @@
 //             data length (4)  of the transfer
 #include "decoders/link/usb.h"
 
-#include "core/long_list.h"
 #include "core/rows.h"
 
 namespace qxview {
@@ -88,7 +87,7 @@ constexpr auto kWindowsFrame = LittleRows<Usb>({Number(4, "Frame Offset"), Numbe
 
 void ShowFrames(const Place& in, Cursor& c, RowSpan<Usb> rows, Usb& usb) {
   Loop loop;
-  for (uint32_t i = 0; i < usb.frames.value && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < usb.frames.value && MoreAt(in, c, loop); ++i) {
     const Place under = Under(in, AddLine(in, Ahead(c, Left(c) < 12 ? Left(c) : 12), "Frame Descriptor #%u", i + 1));
     ShowRows<Usb>(under, c, rows, usb);
   }

@@ -74,7 +74,7 @@ void ShowGtpName(const Place& in, Cursor& c, GtpElement&) {
   int32_t used = 0;
   const Field whole = Ahead(c, Left(c));
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const Field length = TakeU8(c), label = TakeBytes(c, static_cast<int64_t>(length.value));
     if (!label.here) break;
     const int32_t room = static_cast<int32_t>(sizeof name) - used;
@@ -162,7 +162,7 @@ constexpr auto kVendor = Rows<GtpElement>({Number(2, "Extension Identifier"), By
 constexpr auto kHeaderList = Rows<GtpElement>({Hex(1, "Extension Header Type")});
 void ShowHeaderList(const Place& in, Cursor& c, GtpElement& element) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<GtpElement>(in, c, kHeaderList, element);
+  while (MoreAt(in, c, loop)) ShowRows<GtpElement>(in, c, kHeaderList, element);
 }
 void ShowMobileNumber(const Place& in, Cursor& c, GtpElement&) {
   const Field nature = TakeU8(c);
@@ -173,7 +173,7 @@ void ShowOperator(const Place& in, Cursor& c, GtpElement&) { AddNetwork(in, Take
 constexpr auto kRequested = Rows<GtpElement>({Number(2, "Sequence Number")});
 void ShowNumbers(const Place& in, Cursor& c, GtpElement& element) {
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<GtpElement>(in, c, kRequested, element);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<GtpElement>(in, c, kRequested, element);
 }
 constexpr auto kRecords = Rows<GtpElement>({
     Number(1, "Data Records").Into(&GtpElement::count),
@@ -185,7 +185,7 @@ void ShowRecords(const Place& in, Cursor& c, GtpElement& element) {
   constexpr uint32_t kBasicRules = 1;
   ShowRows<GtpElement>(in, c, kRecords, element);
   Loop loop;
-  for (uint32_t i = 0; i < element.count.value && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < element.count.value && MoreAt(in, c, loop); ++i) {
     ShowRows<GtpElement>(in, c, kRecordLength, element);
     Cursor record = TakeCursor(c, static_cast<int64_t>(element.length.value));
     if (element.kind.value == kBasicRules && Left(record) > 2) {
@@ -313,7 +313,7 @@ const char* GtpMessageName(uint32_t message) { return LookupName(kGtpMessageName
 void ShowGtpElements(const Place& at, Cursor& c, bool isVersion0) {
   constexpr uint32_t kFirstWithLength = 128;
   Loop loop;
-  while (ListGoesOn(at, c, loop)) {
+  while (MoreAt(at, c, loop)) {
     const uint32_t type = PeekU8(c);
     const bool hasLength = type >= kFirstWithLength;
     const int32_t head = hasLength ? 3 : 1;

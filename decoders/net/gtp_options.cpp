@@ -1,6 +1,5 @@
 // What GTP's elements hold of the session management between a mobile and its network (3GPP TS 24.008 10.5.6): options of
 // the protocol configuration, and templates of traffic flows.
-#include "core/long_list.h"
 #include "decoders/link/ppp.h"
 #include "decoders/net/gtp_names.h"
 #include "decoders/net/gtp_parts.h"
@@ -44,7 +43,7 @@ void ShowContents(const Place& in, Cursor& c, GtpElement& element) {
 void ShowGtpOptions(const Place& in, Cursor& c, GtpElement& element) {
   ShowRows<GtpElement>(in, c, kOptionsHead, element);
   Loop loop;
-  while (Left(c) >= 3 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 3 && MoreAt(in, c, loop)) {
     const int32_t size = 3 + static_cast<int32_t>(PeekU8(c, 2));
     Cursor container = TakeCursor(c, size);
     const Place under = Under(in, AddLine(in, Ahead(container, Left(container)), "Container"));
@@ -107,7 +106,7 @@ int32_t SizeOfComponent(uint32_t type) {
 // Components have no lengths: one that is not known ends what can be told apart.
 void ShowComponents(const Place& at, Cursor& c, GtpElement& element) {
   Loop loop;
-  while (ListGoesOn(at, c, loop)) {
+  while (MoreAt(at, c, loop)) {
     const Choice<GtpElement>* known = FindChoice<GtpElement>(kComponents, PeekU8(c));
     if (!known) break;
     Cursor part = TakeCursor(c, 1 + SizeOfComponent(known->code));
@@ -130,7 +129,7 @@ void ShowGtpTemplate(const Place& at, Cursor& c, GtpElement& element) {
   ShowRows<GtpElement>(at, c, kTemplate, element);
   const uint32_t filters = element.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < filters && ListGoesOn(at, c, loop); ++i) {
+  for (uint32_t i = 0; i < filters && MoreAt(at, c, loop); ++i) {
     if (operation == kDeleteFilters) {
       ShowRows<GtpElement>(at, c, kFilterId, element);
       continue;
@@ -141,7 +140,7 @@ void ShowGtpTemplate(const Place& at, Cursor& c, GtpElement& element) {
     ShowRows<GtpElement>(in, filter, kFilter, element);
     ShowComponents(in, filter, element);
   }
-  while (hasParameters && ListGoesOn(at, c, loop)) ShowRows<GtpElement>(at, c, kParameter, element);
+  while (hasParameters && MoreAt(at, c, loop)) ShowRows<GtpElement>(at, c, kParameter, element);
 }
 
 }  // namespace qxview

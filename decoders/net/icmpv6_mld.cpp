@@ -6,7 +6,6 @@
 //               26  number of sources (16)   28  sources
 //   report 2    4  reserved (16)   number of records (16)   8  records: type (8), auxiliary words (8),
 //               number of sources (16), multicast address (128), sources, auxiliary data
-#include "core/long_list.h"
 #include "decoders/net/icmpv6.h"
 
 namespace qxview {
@@ -24,7 +23,7 @@ uint32_t ExpandCode(uint32_t code, int32_t fractionBits) {
 // As many addresses as are told and there.
 void AddSources(const Place& in, Cursor& c, uint32_t count) {
   Loop loop;
-  for (uint32_t i = 0; i < count && Left(c) >= kAddressSize && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < count && Left(c) >= kAddressSize && MoreAt(in, c, loop); ++i) {
     const Field source = TakeBytes(c, kAddressSize);
     AddLine(in, source, "Source Address %u: %s", i + 1, IPv6Text(source.bytes));
   }
@@ -99,7 +98,7 @@ void DecodeListenerReport2(const Place& in, Cursor& c, Icmpv6Message&) {
   const Field count = TakeU16(c);
   AddLine(in, count, "Number of Multicast Address Records: %u", count.value);
   Loop loop;
-  for (uint32_t i = 0; i < count.value && ListGoesOn(in, c, loop); ++i) DecodeRecord(in, c);
+  for (uint32_t i = 0; i < count.value && MoreAt(in, c, loop); ++i) DecodeRecord(in, c);
 }
 
 // The code of the message is the interval.

@@ -6,7 +6,6 @@
 #include <cstring>
 
 #include "core/frame_entry.h"
-#include "core/long_list.h"
 #include "decoders/net/icmpv6.h"
 
 namespace qxview {
@@ -81,7 +80,7 @@ void DecodeHomeAgentInformation(const Place& in, Cursor& c, Icmpv6Message&) {
 void DecodeAddressList(const Place& in, Cursor& c, Icmpv6Message&) {
   const Field reserved = TakeBytes(c, 6);
   AddLine(in, reserved, "Reserved: %s", HexText(reserved));
-  for (Loop loop; Left(c) >= 16 && ListGoesOn(in, c, loop);) AddAddress(in, c, "Address");
+  for (Loop loop; Left(c) >= 16 && MoreAt(in, c, loop);) AddAddress(in, c, "Address");
 }
 
 void DecodeTimestamp(const Place& in, Cursor& c, Icmpv6Message&) {
@@ -119,7 +118,7 @@ void DecodeRecursiveServers(const Place& in, Cursor& c, Icmpv6Message&) {
   const Field reserved = TakeU16(c);
   AddLine(in, reserved, "Reserved: 0x%.04X", reserved.value);
   AddLifetime(in, c, "Lifetime");
-  for (Loop loop; Left(c) >= 16 && ListGoesOn(in, c, loop);) {
+  for (Loop loop; Left(c) >= 16 && MoreAt(in, c, loop);) {
     const Field server = AddAddress(in, c, "DNS Server");
     AppendToParent(in, server, ", %s", IPv6Text(server.bytes));
   }
@@ -130,7 +129,7 @@ void DecodeSearchList(const Place& in, Cursor& c, Icmpv6Message&) {
   AddLine(in, reserved, "Reserved: 0x%.04X", reserved.value);
   AddLifetime(in, c, "Lifetime");
   char name[256];
-  for (Loop loop; ListGoesOn(in, c, loop) && PeekU8(c) != 0;) {
+  for (Loop loop; MoreAt(in, c, loop) && PeekU8(c) != 0;) {
     const Field taken = TakeIPv6DomainName(c, name, sizeof name);
     if (!taken.here) return;
     const char* shown = name;
@@ -317,7 +316,7 @@ Field TakeIPv6DomainName(Cursor& c, char* text, int32_t size) {
 }
 
 void DecodeNeighborOptions(const Place& in, Cursor& c, Icmpv6Message& message) {
-  for (Loop loop; Left(c) >= 2 && ListGoesOn(in, c, loop);) DecodeOption(in, c, message);
+  for (Loop loop; Left(c) >= 2 && MoreAt(in, c, loop);) DecodeOption(in, c, message);
 }
 
 }  // namespace qxview

@@ -7,7 +7,6 @@
 //   ESP        0  security parameters index (32)   4  sequence number (32)   8  encrypted payload
 #include "decoders/net/ipv6_extensions.h"
 
-#include "core/long_list.h"
 #include "decoders/common/tells_all.h"
 #include "decoders/net/ip_fragments.h"
 #include "decoders/net/ip_protocol_names.h"
@@ -101,7 +100,7 @@ void DecodeSourceRoute(const Place& in, Cursor& c, HeaderChain& chain, uint32_t 
   const Field reserved = TakeU32(c);
   AddLine(in, reserved, "Reserved: 0x%08X", reserved.value);
   uint32_t number = 0;
-  for (Loop loop; Left(c) >= 16 && ListGoesOn(in, c, loop);) {
+  for (Loop loop; Left(c) >= 16 && MoreAt(in, c, loop);) {
     const Field address = TakeBytes(c, 16);
     AddLine(in, address, "Address %2u: %s", ++number, IPv6Text(address.bytes));
     if (segmentsLeft > 0) chain.destination = address.bytes;
@@ -144,7 +143,7 @@ bool DecodeOptionsHeader(const Place& at, Cursor& c, HeaderChain& chain, const c
   TakeNextHeader(in, header, chain);
   const Field length = TakeU8(header);
   AddLine(in, length, "Length of header in 8-byte units excluding first 8 bytes: %u", length.value);
-  for (Loop loop; ListGoesOn(in, header, loop);) DecodeOption(in, header, chain);
+  for (Loop loop; MoreAt(in, header, loop);) DecodeOption(in, header, chain);
   return Left(c) > 0;
 }
 

@@ -139,7 +139,7 @@ void ShowTrace(const Place& in, Cursor& c, Option& option) {
   if (isPreallocated && option.remaining.value) ShowRows<Option>(in, c, kFree, option);
   const int32_t size = static_cast<int32_t>(option.word.value) * 4;
   Loop loop;
-  for (uint32_t number = 1; size > 0 && Left(c) >= size && ListGoesOn(in, c, loop); ++number) {
+  for (uint32_t number = 1; size > 0 && Left(c) >= size && MoreAt(in, c, loop); ++number) {
     const Place node = Under(in, AddLine(in, Ahead(c, size), "Node %u", number));
     ShowNodeData(node, TakeCursor(c, size), option);
     if (option.type.value & kSnapshot) ShowSnapshot(node, c, option);
@@ -249,7 +249,7 @@ void ShowCompactRoute(const Place& in, Cursor& c, bool isWide) {
   static constexpr auto kNarrow = Rows<NoValues>({Number(2, "Segment Identifier")});
   static constexpr auto kWide = Rows<NoValues>({Number(4, "Segment Identifier")});
   NoValues none;
-  for (Loop loop; Left(c) >= (isWide ? 4 : 2) && ListGoesOn(in, c, loop);) {
+  for (Loop loop; Left(c) >= (isWide ? 4 : 2) && MoreAt(in, c, loop);) {
     ShowRows<NoValues>(in, c, isWide ? RowSpan<NoValues>(kWide) : RowSpan<NoValues>(kNarrow), none);
   }
 }

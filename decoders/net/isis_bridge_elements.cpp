@@ -1,7 +1,6 @@
 // What bridges tell one another by IS-IS: TRILL (RFC 7176, RFC 7357), shortest path bridging (RFC 6329), and MAC
 // addresses
 // behind bridges (RFC 6165).
-#include "core/long_list.h"
 #include "decoders/net/isis.h"
 
 namespace qxview {
@@ -10,7 +9,7 @@ namespace {
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
 }
 
 // --- what a port can do ---
@@ -72,7 +71,7 @@ void ShowTrees(const Place& in, Cursor& c, Isis& isis) {
   constexpr int32_t kSize = 8;
   const uint32_t count = isis.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < count && Left(c) >= kSize && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < count && Left(c) >= kSize && MoreAt(in, c, loop); ++i) {
     const Place under = Under(in, AddLine(in, Ahead(c, kSize), "Tree"));
     ShowRows<Isis>(under, c, kTree, isis);
   }
@@ -103,7 +102,7 @@ void ShowGroups(const Place& in, Cursor& c, Isis& isis, bool isLabelled, RowSpan
   ShowRows<Isis>(in, c, kRecords, isis);
   const uint32_t records = isis.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < records && Left(c) > size && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < records && Left(c) > size && MoreAt(in, c, loop); ++i) {
     ShowRows<Isis>(in, c, kSources, isis);
     ShowRows<Isis>(in, c, group, isis);
     for (uint32_t j = 0; j < isis.size.value && Left(c) >= size; ++j) ShowRows<Isis>(in, c, source, isis);
@@ -162,7 +161,7 @@ constexpr auto kAffinity = Rows<Isis>({Hex(2, "Affinity Nickname"), Number(1, "A
 constexpr auto kTreeNumber = Rows<Isis>({Number(2, "Tree Number")});
 void ShowAffinity(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     ShowRows<Isis>(in, c, kAffinity, isis);
     for (uint32_t i = 0; i < isis.count.value && Left(c) >= 2; ++i) ShowRows<Isis>(in, c, kTreeNumber, isis);
   }

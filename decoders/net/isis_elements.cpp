@@ -1,5 +1,4 @@
 // The elements of IS-IS (IANA's registry of TLV codepoints; ISO 10589, RFC 1195, RFC 5120, RFC 5303 to 5308, RFC 7981).
-#include "core/long_list.h"
 #include "decoders/net/isis.h"
 
 namespace qxview {
@@ -22,7 +21,7 @@ void ShowSystem(const Place& in, const Field& field, const char* label) {
 
 void ShowAll(const Place& in, Cursor& c, RowSpan<Isis> rows, int32_t size, Isis& isis) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
 }
 
 // --- lists of one thing ---
@@ -40,7 +39,7 @@ constexpr auto kBfd = Rows<Isis>({
 
 void ShowAreas(const Place& in, Cursor& c, Isis&) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const Field length = TakeU8(c);
     AddLine(in, length, "Area Length: %u", length.value);
     Cursor part = TakeCursor(c, length.value);
@@ -75,7 +74,7 @@ constexpr auto kEntry = Rows<Isis>({
 void ShowEntries(const Place& in, Cursor& c, Isis& isis) {
   constexpr int32_t kEntrySize = 16;
   Loop loop;
-  while (Left(c) >= kEntrySize && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= kEntrySize && MoreAt(in, c, loop)) {
     const Place under = Under(in, AddLine(in, Ahead(c, kEntrySize), "LSP Entry"));
     ShowRows<Isis>(under, c, kEntry, isis);
   }
@@ -96,7 +95,7 @@ constexpr auto kNetwork = Rows<Isis>({IPv4("IPv4 Prefix").Note(", %s"), IPv4("Su
 
 void ShowWithMetrics(const Place& in, Cursor& c, const char* title, RowSpan<Isis> rows, int32_t size, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 4 + size && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 4 + size && MoreAt(in, c, loop)) {
     const Place under = Under(in, AddLine(in, Ahead(c, 4 + size), "%s", title));
     ShowRows<Isis>(under, c, kMetrics, isis);
     ShowRows<Isis>(under, c, rows, isis);
@@ -137,7 +136,7 @@ void ShowSubElements(const Place& in, Cursor& c, uint32_t size, Isis& isis, void
 void ShowLinks(const Place& in, Cursor& c, Isis& isis) {
   constexpr int32_t kLinkSize = 11;
   Loop loop;
-  while (Left(c) >= kLinkSize && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= kLinkSize && MoreAt(in, c, loop)) {
     const int32_t size = kLinkSize + static_cast<int32_t>(PeekU8(c, 10));
     Cursor part = TakeCursor(c, size);
     const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "Neighbor"));
@@ -148,7 +147,7 @@ void ShowLinks(const Place& in, Cursor& c, Isis& isis) {
 void ShowLinkAttributes(const Place& in, Cursor& c, Isis& isis) {
   constexpr int32_t kSize = 9;
   Loop loop;
-  while (Left(c) >= kSize && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= kSize && MoreAt(in, c, loop)) {
     Cursor part = TakeCursor(c, kSize + static_cast<int32_t>(PeekU8(c, 8)));
     const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "Neighbor"));
     ShowRows<Isis>(under, part, kAttributes, isis);
@@ -182,11 +181,11 @@ void ShowPrefix(const Place& in, Cursor& c, Isis& isis, bool isSix) {
 }
 void ShowPrefixes4(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 5 && ListGoesOn(in, c, loop)) ShowPrefix(in, c, isis, false);
+  while (Left(c) >= 5 && MoreAt(in, c, loop)) ShowPrefix(in, c, isis, false);
 }
 void ShowPrefixes6(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 6 && ListGoesOn(in, c, loop)) ShowPrefix(in, c, isis, true);
+  while (Left(c) >= 6 && MoreAt(in, c, loop)) ShowPrefix(in, c, isis, true);
 }
 
 // --- the rest ---
@@ -240,7 +239,7 @@ void ShowPurgers(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kPurge
 void ShowRiskGroups(const Place& in, Cursor& c, Isis& isis) { ShowAll(in, c, kRiskGroup, 4, isis); }
 void ShowLocator(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 7 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 7 && MoreAt(in, c, loop)) {
     ShowRows<Isis>(in, c, kLocator, isis);
     uint8_t address[16] = {};
     const uint32_t bits = isis.control.value;
@@ -259,7 +258,7 @@ constexpr auto kSemiOctets = Rows<Isis>({Number(1, "Prefix Length", " semi-octet
 void ShowPrefixNeighbors(const Place& in, Cursor& c, Isis& isis) {
   ShowRows<Isis>(in, c, kMetrics, isis);
   Loop loop;
-  while (Left(c) >= 1 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 1 && MoreAt(in, c, loop)) {
     ShowRows<Isis>(in, c, kSemiOctets, isis);
     const Field prefix = TakeBytes(c, (isis.size.value + 1) / 2);
     AddLine(in, prefix, "Address Prefix: %s", OsiAddressText(prefix));
@@ -333,7 +332,7 @@ void ShowBundle(const Place& in, Cursor& c, Isis& isis) {
     ShowSubElements(in, c, static_cast<uint32_t>(size), isis, ShowIsisLinkElements);
   }
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) {
     Cursor part = TakeCursor(c, PeekU8(c) > 2 ? static_cast<int32_t>(PeekU8(c)) : Left(c));
     const Place under = Under(in, AddLine(in, Ahead(part, Left(part)), "Bundle Attributes"));
     ShowRows<Isis>(under, part, kMembers, isis);
@@ -347,7 +346,7 @@ constexpr auto kAlgorithmPrefix = Rows<Isis>({
     Number(1, "Prefix Length").Into(&Isis::control)});
 void ShowAlgorithmPrefixes(const Place& in, Cursor& c, Isis& isis, bool isSix) {
   Loop loop;
-  while (Left(c) >= 7 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 7 && MoreAt(in, c, loop)) {
     ShowRows<Isis>(in, c, kAlgorithmPrefix, isis);
     uint8_t address[16] = {};
     const uint32_t bits = isis.control.value;

@@ -1,6 +1,5 @@
 // The elements within those of IS-IS: of links (RFC 5305, RFC 5307, RFC 8570, RFC 8667), of prefixes (RFC 5130, RFC 7794,
 // RFC 8667, RFC 8401) and of a router's capabilities (RFC 7981, RFC 8667, RFC 8491, RFC 9352, RFC 9350, RFC 5088).
-#include "core/long_list.h"
 #include "decoders/common/traffic_engineering.h"
 #include "decoders/net/isis.h"
 
@@ -65,26 +64,26 @@ void ShowSid(const Place& in, Cursor& c, Isis& isis) {
 }
 void ShowDepths(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, kDepth, isis);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, kDepth, isis);
 }
 void ShowGroups(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, kGroup, isis, "Extended Administrative Group");
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, kGroup, isis, "Extended Administrative Group");
 }
 void ShowTags(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, kTag, isis);
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, kTag, isis);
 }
 void ShowAlgorithms(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, kAlgorithm, isis);
+  while (MoreAt(in, c, loop)) ShowRows<Isis>(in, c, kAlgorithm, isis);
 }
 
 // Ranges of labels, each with the element that holds its first.
 void ShowRanges(const Place& in, Cursor& c, Isis& isis) {
   static constexpr auto kSid = Choices<Isis>({{1, "SID/Label", {}, ShowSid}});
   Loop loop;
-  while (Left(c) >= 5 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 5 && MoreAt(in, c, loop)) {
     ShowRows<Isis>(in, c, kRange, isis);
     Cursor part = TakeCursor(c, 2 + static_cast<int32_t>(PeekU8(c, 1)));
     ShowElements(in, part, kIsisForm, "Sub-Sub-TLV", kSid, isis);
@@ -132,7 +131,7 @@ constexpr auto kReflector = Rows<Isis>({Number(4, "Flood Reflection Cluster ID")
 void ShowConstraints(const Place& in, Cursor& c, Isis& isis) {
   ShowRows<Isis>(in, c, kModel, isis);
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, kConstraint, isis);
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, kConstraint, isis);
 }
 
 void ShowForApplications(const Place& in, Cursor& c, Isis& isis) {
@@ -218,7 +217,7 @@ void ShowComputer(const Place& in, Cursor& c, Isis& isis) {
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Isis& isis) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Isis>(in, c, rows, isis);
 }
 constexpr auto kFlexibleFlags = Rows<Isis>({Hex(1, "Definition Flags"), Flag(0, "Prefix Metric"),
     Bytes(0, "More Flags")});

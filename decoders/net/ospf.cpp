@@ -6,7 +6,6 @@
 #include "decoders/net/ospf.h"
 
 #include "core/internet_checksum.h"
-#include "core/long_list.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/common/fletcher.h"
 #include "decoders/net/ipv6_checksum.h"
@@ -107,7 +106,7 @@ void ShowAdvertisement(const Place& in, Cursor& c, Ospf& ospf, bool withBody) {
 
 void ShowAdvertisements(const Place& in, Cursor& c, Ospf& ospf, uint32_t most, bool withBody) {
   Loop loop;
-  for (uint32_t i = 0; i < most && Left(c) >= kAdvertisementHeader && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < most && Left(c) >= kAdvertisementHeader && MoreAt(in, c, loop); ++i) {
     ShowAdvertisement(in, c, ospf, withBody);
   }
 }
@@ -118,14 +117,14 @@ void ShowBody(const Place& in, Cursor& c, Ospf& ospf) {
   switch (ospf.type.value) {
     case kHello:
       ShowRows<Ospf>(in, c, isThree ? RowSpan<Ospf>(kHello3) : RowSpan<Ospf>(kHello2), ospf);
-      while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Ospf>(in, c, kNeighbor, ospf);
+      while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, kNeighbor, ospf);
       break;
     case kDescription:
       ShowRows<Ospf>(in, c, isThree ? RowSpan<Ospf>(kDescription3) : RowSpan<Ospf>(kDescription2), ospf);
       ShowAdvertisements(in, c, ospf, UINT32_MAX, false);
       break;
     case kRequest:
-      while (Left(c) >= 12 && ListGoesOn(in, c, loop)) {
+      while (Left(c) >= 12 && MoreAt(in, c, loop)) {
         const Place under = Under(in, AddLine(in, Ahead(c, 12), "Request"));
         ShowRows<Ospf>(under, c, isThree ? RowSpan<Ospf>(kRequest3) : RowSpan<Ospf>(kRequest2), ospf);
       }

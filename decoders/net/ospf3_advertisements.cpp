@@ -1,6 +1,5 @@
 // The link state advertisements of OSPF version 3 (RFC 5340 annex A.4), with those that carry elements (RFC 8362, RFC 5187,
 // RFC 5329, RFC 7770, RFC 8666, RFC 9513).
-#include "core/long_list.h"
 #include "decoders/common/traffic_engineering.h"
 #include "decoders/net/ospf.h"
 
@@ -67,13 +66,13 @@ void ShowPrefix(const Place& in, Cursor& c, Ospf& ospf, RowSpan<Ospf> word) {
 void ShowPrefixes(const Place& in, Cursor& c, Ospf& ospf, RowSpan<Ospf> word) {
   const uint32_t count = ospf.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < count && Left(c) >= 4 && ListGoesOn(in, c, loop); ++i) ShowPrefix(in, c, ospf, word);
+  for (uint32_t i = 0; i < count && Left(c) >= 4 && MoreAt(in, c, loop); ++i) ShowPrefix(in, c, ospf, word);
 }
 
 void ShowLinks(const Place& in, Cursor& c, Ospf& ospf) {
   constexpr int32_t kLinkSize = 16;
   Loop loop;
-  while (Left(c) >= kLinkSize && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= kLinkSize && MoreAt(in, c, loop)) {
     const Place under = Under(in, AddLine(in, Ahead(c, kLinkSize), "Link"));
     ShowRows<Ospf>(under, c, kLink, ospf);
   }
@@ -81,7 +80,7 @@ void ShowLinks(const Place& in, Cursor& c, Ospf& ospf) {
 
 void ShowRouters(const Place& in, Cursor& c, Ospf& ospf) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Ospf>(in, c, kAttached, ospf);
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, kAttached, ospf);
 }
 
 void ShowExternal(const Place& in, Cursor& c, Ospf& ospf) {
@@ -124,7 +123,7 @@ void ShowSid(const Place& in, Cursor& c, Ospf& ospf) {
 constexpr auto kDepth = Rows<Ospf>({Number(1, "MSD Type", kDepthNames), Number(1, "MSD Value")});
 void ShowDepths(const Place& in, Cursor& c, Ospf& ospf) {
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowRows<Ospf>(in, c, kDepth, ospf);
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, kDepth, ospf);
 }
 constexpr auto kFlexibleMetric = Rows<Ospf>({
     Number(1, "Flexible Algorithm").Note(", %u"), Hex(1, "Metric Flags"), Hex(2, "Reserved"),
@@ -189,7 +188,7 @@ void ShowNested(const Place& in, Cursor& c, Ospf& ospf) {
 }
 void ShowNeighbors(const Place& in, Cursor& c, Ospf& ospf) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowRows<Ospf>(in, c, kAttachedId, ospf);
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, kAttachedId, ospf);
 }
 void ShowElementPrefix(const Place& in, Cursor& c, Ospf& ospf) {
   ShowPrefix(in, c, ospf, kReservedWord);

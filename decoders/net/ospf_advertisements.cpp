@@ -1,5 +1,4 @@
 // The link state advertisements of OSPF version 2 (RFC 2328 annex A.4, RFC 3101, RFC 1584).
-#include "core/long_list.h"
 #include "decoders/net/ospf.h"
 
 namespace qxview {
@@ -36,19 +35,19 @@ void ShowLinks(const Place& in, Cursor& c, Ospf& ospf) {
   ShowRows<Ospf>(in, c, kRouter, ospf);
   const uint32_t count = ospf.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < count && Left(c) >= kLinkSize && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < count && Left(c) >= kLinkSize && MoreAt(in, c, loop); ++i) {
     const int32_t size = kLinkSize + 4 * static_cast<int32_t>(PeekU8(c, 9));
     Cursor link = TakeCursor(c, size);
     const Place under = Under(in, AddLine(in, Ahead(link, Left(link)), "Link"));
     ShowRows<Ospf>(under, link, kLink, ospf);
     Loop metrics;
-    while (Left(link) >= 4 && ListGoesOn(in, link, metrics)) ShowRows<Ospf>(under, link, kTosMetric, ospf);
+    while (Left(link) >= 4 && MoreAt(in, link, metrics)) ShowRows<Ospf>(under, link, kTosMetric, ospf);
   }
 }
 
 void ShowAll(const Place& in, Cursor& c, RowSpan<Ospf> rows, int32_t size, Ospf& ospf) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 // (RFC 3623), router information (RFC 7770), prefixes and links with segment routing (RFC 7684, RFC 8665), what
 // computes paths (RFC 5088), meshes
 // (RFC 4972), flexible algorithms (RFC 9350), bit index replication (RFC 8444), applications (RFC 9492).
-#include "core/long_list.h"
 #include "decoders/common/traffic_engineering.h"
 #include "decoders/net/ospf.h"
 
@@ -56,7 +55,7 @@ void ShowAll(const Place& in, Cursor& c, RowSpan<Ospf> rows, int32_t size, Ospf&
   // keys: address Remote Interface IPv6 Address
   // keys: number Shared Risk Link Group, Extended Administrative Group
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf, title);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Ospf>(in, c, rows, ospf, title);
 }
 void ShowLocalAddresses(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kAddress, 4, ospf, "Local Interface IP Address"); }
 void ShowRemoteAddresses(const Place& in, Cursor& c, Ospf& ospf) { ShowAll(in, c, kAddress, 4, ospf, "Remote Interface IP Address"); }
@@ -195,7 +194,7 @@ constexpr auto kTunnel = Rows<Ospf>({Number(2, "Tunnel Type").Note(", %u"), Numb
 constexpr auto kTunnelBytes = Rows<Ospf>({Bytes(0, "Tunnel Parameters")});
 void ShowTunnel(const Place& in, Cursor& c, Ospf& ospf) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     const int32_t size = static_cast<int32_t>(PeekU16(c, 2));
     ShowRows<Ospf>(in, c, kTunnel, ospf);
     Cursor part = TakeCursor(c, size);

@@ -2,7 +2,6 @@
 //
 //   source port (2) destination port (2) type (1) options (1) checksum (2) global source (6) TSDU length (2) | by type
 #include "core/internet_checksum.h"
-#include "core/long_list.h"
 #include "core/rows.h"
 #include "decoders/common/checksum_line.h"
 
@@ -45,7 +44,7 @@ void ShowAddress(const Place& in, Cursor& c, const char* label, Pgm&) {
 }
 void ShowSequences(const Place& in, Cursor& c, const char* label, Pgm&) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     const Field sequence = TakeU32(c);
     AddLine(in, sequence, "%s: %u", label, sequence.value);
   }
@@ -152,7 +151,7 @@ void ShowOptions(const Place& at, Cursor& c) {
   const Place in = Under(at, AddLine(at, Ahead(options, Left(options)), "Options"));
   Loop loop;
   bool isLast = false;
-  while (!isLast && Left(options) >= 2 && ListGoesOn(in, options, loop)) {
+  while (!isLast && Left(options) >= 2 && MoreAt(in, options, loop)) {
     const Cursor start = options;
     const Field type = TakeU8(options), length = TakeU8(options);
     const uint32_t kind = type.value & 0x7F;

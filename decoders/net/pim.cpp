@@ -5,7 +5,6 @@
 #include "decoders/net/pim.h"
 
 #include "core/internet_checksum.h"
-#include "core/long_list.h"
 #include "decoders/link/carried.h"
 #include "decoders/common/checksum_line.h"
 #include "decoders/net/ipv6_checksum.h"
@@ -45,7 +44,7 @@ constexpr auto kSharing = Rows<Pim>({Bytes(3, "Reserved"), Number(1, "Hash Algor
 
 void ShowAddressList(const Place& in, Cursor& c, Pim&) {
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(in, c, loop)) ShowPimUnicast(in, c, "Secondary Address");
+  while (Left(c) >= 2 && MoreAt(in, c, loop)) ShowPimUnicast(in, c, "Secondary Address");
 }
 
 // Who shares the load of a link (RFC 8775): masks that are hashed, and the candidates, of the addresses' family.
@@ -56,7 +55,7 @@ void ShowSharers(const Place& in, Cursor& c, Pim&) {
   const bool isSix = PacketOf(in).source.kind == kIPv6Kind;
   const int32_t size = isSix ? 16 : 4;
   Loop loop;
-  for (int32_t i = 0; Left(c) >= size && ListGoesOn(in, c, loop); ++i) {
+  for (int32_t i = 0; Left(c) >= size && MoreAt(in, c, loop); ++i) {
     const Field address = TakeBytes(c, size);
     const char* label = i < kMasks ? kLabels[i] : "GDR Candidate";
     if (isSix) AddLine(in, address, "%s: %s", label, IPv6Text(address.bytes));
@@ -105,7 +104,7 @@ void ShowJoins(const Place& in, Cursor& c, Pim& pim) {
   ShowRows<Pim>(in, c, kJoinHead, pim);
   const uint32_t groups = pim.groups.value;
   Loop loop;
-  for (uint32_t i = 0; i < groups && Left(c) >= 8 && ListGoesOn(in, c, loop); ++i) {
+  for (uint32_t i = 0; i < groups && Left(c) >= 8 && MoreAt(in, c, loop); ++i) {
     const Cursor start = c;
     const LineHandle line = AddLine(in, Ahead(c, 8), "Group %u", i + 1);
     const Place under = Under(in, line);
@@ -113,7 +112,7 @@ void ShowJoins(const Place& in, Cursor& c, Pim& pim) {
     ShowRows<Pim>(under, c, kGroupHead, pim);
     const uint32_t joins = pim.joins.value, all = joins + pim.prunes.value;
     Loop sources;
-    for (uint32_t j = 0; j < all && Left(c) >= 4 && ListGoesOn(in, c, sources); ++j) {
+    for (uint32_t j = 0; j < all && Left(c) >= 4 && MoreAt(in, c, sources); ++j) {
       ShowPimSource(under, c, j < joins ? "Joined Source" : "Pruned Source");
     }
     if (line) SetRange(in, line, start.offset, c.offset - start.offset);
@@ -124,7 +123,7 @@ void ShowBootstrap(const Place& in, Cursor& c, Pim& pim) {
   ShowRows<Pim>(in, c, kBootstrapHead, pim);
   ShowPimUnicast(in, c, "BSR Address");
   Loop loop;
-  while (Left(c) >= 8 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 8 && MoreAt(in, c, loop)) {
     const Cursor start = c;
     const LineHandle line = AddLine(in, Ahead(c, 8), "Group Set");
     const Place under = Under(in, line);
@@ -132,7 +131,7 @@ void ShowBootstrap(const Place& in, Cursor& c, Pim& pim) {
     ShowRows<Pim>(under, c, kPointCount, pim);
     const uint32_t count = pim.count.value;
     Loop points;
-    for (uint32_t i = 0; i < count && Left(c) >= 6 && ListGoesOn(in, c, points); ++i) {
+    for (uint32_t i = 0; i < count && Left(c) >= 6 && MoreAt(in, c, points); ++i) {
       ShowPimUnicast(under, c, "RP Address");
       ShowRows<Pim>(under, c, kPoint, pim);
     }
@@ -168,7 +167,7 @@ void ShowSourceHold(const Place& in, Cursor& c, Pim& pim) {
   ShowRows<Pim>(in, c, kHoldList, pim);
   const uint32_t count = pim.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < count && Left(c) >= 2 && ListGoesOn(in, c, loop); ++i) ShowPimUnicast(in, c, "Source");
+  for (uint32_t i = 0; i < count && Left(c) >= 2 && MoreAt(in, c, loop); ++i) ShowPimUnicast(in, c, "Source");
 }
 constexpr ElementForm kFloodingForm{.typeSize = 2, .lengthSize = 2, .valueLines = true, .typeMask = 0x7FFF};
 constexpr auto kFloodingElements = Choices<Pim>({{1, "Group Source Holdtime", {}, ShowSourceHold}});
@@ -193,7 +192,7 @@ void ShowBody(const Place& at, const Place& in, Cursor& c, Pim& pim) {
       ShowRows<Pim>(in, c, kCandidateHead, pim);
       ShowPimUnicast(in, c, "RP Address");
       Loop loop;
-      while (Left(c) >= 4 && ListGoesOn(in, c, loop)) ShowPimGroup(in, c, "Group");
+      while (Left(c) >= 4 && MoreAt(in, c, loop)) ShowPimGroup(in, c, "Group");
       break;
     }
     case kStateRefresh:

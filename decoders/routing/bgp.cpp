@@ -52,14 +52,14 @@ constexpr auto kFamily = Rows<Bgp>({
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Bgp& bgp) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Bgp>(in, c, rows, bgp);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, rows, bgp);
 }
 
 constexpr auto kFilterKind = Rows<Bgp>({Number(1, "Filter Type", kFilterNames), Number(1, "Send/Receive", kDirectionNames)});
 void ShowFilters(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kCount = Rows<Bgp>({Number(1, "Filters").Into(&Bgp::count)});
   Loop loop;
-  while (Left(c) >= 5 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 5 && MoreAt(in, c, loop)) {
     ShowRows<Bgp>(in, c, kFamily, bgp);
     ShowRows<Bgp>(in, c, kCount, bgp);
     for (uint32_t i = 0; i < bgp.count.value && Left(c) >= 2; ++i) ShowRows<Bgp>(in, c, kFilterKind, bgp);
@@ -103,7 +103,7 @@ void ShowWide(const Place& in, Cursor& c, Bgp& bgp) {
 }
 void ShowPaths(const Place& in, Cursor& c, Bgp& bgp) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     ShowRows<Bgp>(in, c, kPaths, bgp);
     const uint32_t family = BgpFamilyBit(bgp.afi.value, bgp.safi.value);
     if (bgp.flags.value & 1) bgp.session.receivesPaths[bgp.direction] |= family;
@@ -129,7 +129,7 @@ constexpr auto kCapabilities = Choices<Bgp>({
 void ShowCapabilities(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kCode = Rows<Bgp>({Number(1, "Code", kBgpCapabilityNames), Number(1, "Length")});
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 2 && MoreAt(at, c, loop)) {
     const uint32_t code = PeekU8(c);
     Cursor capability = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));
     const Place in = Under(at, AddLine(at, Ahead(capability, Left(capability)), "Capability: %s",
@@ -150,7 +150,7 @@ void ShowOpen(const Place& at, Cursor& c, Bgp& bgp) {
   Cursor parameters = TakeCursor(c, bgp.length.value);
   const int32_t head = isExtended ? 3 : 2;
   Loop loop;
-  while (Left(parameters) >= head && ListGoesOn(at, parameters, loop)) {
+  while (Left(parameters) >= head && MoreAt(at, parameters, loop)) {
     const uint32_t type = PeekU8(parameters);
     const int64_t size = isExtended ? PeekU16(parameters, 1) : PeekU8(parameters, 1);
     Cursor parameter = TakeCursor(parameters, head + size);
@@ -219,7 +219,7 @@ void ShowFilterEntries(const Place& in, Cursor& c, uint32_t type, uint32_t afi, 
   static constexpr auto kPrefixRows = Rows<Bgp>({
       Number(4, "Sequence"), Number(1, "Minimum Length"), Number(1, "Maximum Length")});
   Loop loop;
-  while ((type == kPrefixFilter || type == kOldPrefixFilter) && ListGoesOn(in, c, loop)) {
+  while ((type == kPrefixFilter || type == kOldPrefixFilter) && MoreAt(in, c, loop)) {
     const bool removesAll = PeekU8(c) >> 6 == kRemoveAll;
     ShowRows<Bgp>(in, c, kEntry, bgp);
     if (removesAll) continue;
@@ -231,7 +231,7 @@ void ShowFilterEntries(const Place& in, Cursor& c, uint32_t type, uint32_t afi, 
   constexpr uint32_t kCommunityFilter = 2, kExtendedFilter = 3, kDistinguisherFilter = 66;
   static constexpr auto kCommunity = Rows<Bgp>({Hex(4, "Community").Note(", 0x%08X")});
   static constexpr auto kSequence = Rows<Bgp>({Number(4, "Sequence")});
-  while ((type == kCommunityFilter || type == kExtendedFilter || type == kDistinguisherFilter) && ListGoesOn(in, c, loop)) {
+  while ((type == kCommunityFilter || type == kExtendedFilter || type == kDistinguisherFilter) && MoreAt(in, c, loop)) {
     const bool removesAll = PeekU8(c) >> 6 == kRemoveAll;
     ShowRows<Bgp>(in, c, kEntry, bgp);
     if (removesAll) continue;
@@ -250,7 +250,7 @@ void ShowFilterEntries(const Place& in, Cursor& c, uint32_t type, uint32_t afi, 
       Number(4, "Sequence"), Number(1, "Minimum Length"), Number(1, "Maximum Length")});
   static constexpr auto kRouteType = Rows<Bgp>({Number(1, "Route Type")});
   static constexpr auto kHostMac = Rows<Bgp>({Mac("Host MAC Address").Note(", %s")});
-  while (type == kCoveringFilter && Left(c) >= 24 && ListGoesOn(in, c, loop)) {
+  while (type == kCoveringFilter && Left(c) >= 24 && MoreAt(in, c, loop)) {
     ShowRows<Bgp>(in, c, kEntry, bgp);
     ShowRows<Bgp>(in, c, kCovering, bgp);
     Cursor targets = TakeCursor(c, 16);
@@ -274,7 +274,7 @@ void ShowRefresh(const Place& in, Cursor& c, Bgp& bgp) {
   if (!Left(c)) return;
   ShowRows<Bgp>(in, c, kWhen, bgp);
   Loop loop;
-  while (Left(c) >= 3 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 3 && MoreAt(in, c, loop)) {
     ShowRows<Bgp>(in, c, kFilter, bgp);
     Cursor entries = TakeCursor(c, bgp.count.value);
     ShowFilterEntries(in, entries, bgp.code.value, bgp.afi.value, bgp);
@@ -319,7 +319,7 @@ uint32_t BgpFamilyBit(uint32_t afi, uint32_t safi) {
 void ShowBgpMessages(const Place& in, Cursor& c, Bgp& bgp) {
   const KeyedAs keys(PacketOf(in), "bgp");
   Loop loop;
-  while (StartsMessage(c) && ListGoesOn(in, c, loop)) ShowMessage(in, c, bgp);
+  while (StartsMessage(c) && MoreAt(in, c, loop)) ShowMessage(in, c, bgp);
 }
 
 // Messages, one behind the other; what begins with none is the rest of an earlier segment's.
@@ -345,7 +345,7 @@ int32_t DecodeBgp(const Place& at, Cursor c) {
     AddLine(at, rest, "BGP: rest of a message, %d bytes", rest.length);
   }
   Loop loop;
-  while (StartsMessage(c) && ListGoesOn(at, c, loop)) {
+  while (StartsMessage(c) && MoreAt(at, c, loop)) {
     const bool isOpen = PeekU8(c, 18) == kOpen;
     ShowMessage(at, c, bgp);
     if (isOpen && !packet.quoted) Remember(at.view, kBgpSessions, key, bgp.session);

@@ -58,7 +58,7 @@ void ShowDiscriminator(const Place& in, Cursor& c, Bgp& bgp) {
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Bgp& bgp) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Bgp>(in, c, rows, bgp);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Bgp>(in, c, rows, bgp);
 }
 
 // Whether the segments of a path fill it to the byte with numbers of this width.
@@ -75,7 +75,7 @@ bool Fits(const Cursor& path, int32_t width) {
 
 void ShowSegments(const Place& at, Cursor& c, int32_t width, Bgp&) {
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 2 && MoreAt(at, c, loop)) {
     const uint32_t type = PeekU8(c), count = PeekU8(c, 1);
     Cursor segment = TakeCursor(c, 2 + static_cast<int64_t>(count) * width);
     const LineHandle line = AddLine(at, Ahead(segment, Left(segment)), "Segment: %s", LookupName(kSegmentNames, type));
@@ -84,7 +84,7 @@ void ShowSegments(const Place& at, Cursor& c, int32_t width, Bgp&) {
     AddLine(in, kind, "Segment Type: %u = %s", kind.value, LookupName(kSegmentNames, kind.value));
     AddLine(in, length, "Segment Length: %u", length.value);
     Loop each;
-    while (Left(segment) >= width && ListGoesOn(in, segment, each)) {
+    while (Left(segment) >= width && MoreAt(in, segment, each)) {
       const Field number = width == 4 ? TakeU32(segment) : TakeU16(segment);
       AddLine(in, number, "AS Number: %u", number.value);
       AppendToLine(in, line, " %u", number.value);
@@ -122,7 +122,7 @@ void ShowAggregator(const Place& in, Cursor& c, Bgp& bgp) {
 
 void ShowCommunities(const Place& in, Cursor& c, Bgp&) {
   Loop loop;
-  while (Left(c) >= 4 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 4 && MoreAt(in, c, loop)) {
     const Field community = TakeU32(c);
     const char* name = LookupName(kBgpCommunityNames, community.value, nullptr);
     const uint32_t system = community.value >> 16, value = community.value & 0xFFFF;
@@ -136,7 +136,7 @@ void ShowCommunities(const Place& in, Cursor& c, Bgp&) {
 }
 void ShowLargeCommunities(const Place& at, Cursor& c, Bgp& bgp) {
   Loop loop;
-  while (Left(c) >= 12 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 12 && MoreAt(at, c, loop)) {
     const uint32_t a = PeekU32(c), b = PeekU32(c, 4), d = PeekU32(c, 8);
     const Place in = Under(at, AddLine(at, Ahead(c, 12), "Large Community: %u:%u:%u", a, b, d));
     AppendToParent(at, Ahead(c, 12), " %u:%u:%u", a, b, d);
@@ -153,7 +153,7 @@ void ShowNextHops(const Place& in, Cursor& c, uint32_t safi) {
   constexpr uint32_t kVpn = 128, kMulticastVpn = 129, kFlowVpn = 134;
   const bool isVpn = (safi == kVpn || safi == kMulticastVpn || safi == kFlowVpn) && Left(c) % 4 == 0 && Left(c) >= 12;
   Loop loop;
-  while (ListGoesOn(in, c, loop)) {
+  while (MoreAt(in, c, loop)) {
     const int32_t distinguisher = isVpn ? 8 : 0;
     const int32_t size = Left(c) - distinguisher >= 16 ? 16 : 4;
     if (Left(c) < distinguisher + 4) break;
@@ -222,7 +222,7 @@ void ShowMetrics(const Place& in, Cursor& c, Bgp& bgp) {
 
 void ShowLabels(const Place& in, Cursor& c, Bgp&) {
   Loop loop;
-  while (Left(c) >= 7 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 7 && MoreAt(in, c, loop)) {
     ShowFamilyAddress(in, c, "PE Address", kFamilyIPv4);
     ShowMplsLabel(in, c, "PE Label");
   }
@@ -245,7 +245,7 @@ void ShowDomains(const Place& in, Cursor& c, Bgp& bgp) {
   static constexpr auto kDomain = Rows<Bgp>({Number(4, "Domain Global"), Number(2, "Domain Local")});
   static constexpr auto kType = Rows<Bgp>({Number(1, "Inter-Subnet Forwarding Type", kDomainNames)});
   Loop loop;
-  while (Left(c) >= 8 && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= 8 && MoreAt(in, c, loop)) {
     ShowRows<Bgp>(in, c, kCount, bgp);
     for (uint32_t i = 0; i < bgp.count.value && Left(c) >= 6; ++i) ShowRows<Bgp>(in, c, kDomain, bgp);
     ShowRows<Bgp>(in, c, kType, bgp);
@@ -299,7 +299,7 @@ constexpr auto kAttributes = Choices<Bgp>({
 
 void ShowBgpAttributes(const Place& at, Cursor& c, Bgp& bgp) {
   Loop loop;
-  while (Left(c) >= 3 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 3 && MoreAt(at, c, loop)) {
     const bool isLong = PeekU8(c) & kExtendedLength;
     const uint32_t code = PeekU8(c, 1);
     const int64_t length = isLong ? PeekU16(c, 2) : PeekU8(c, 2);

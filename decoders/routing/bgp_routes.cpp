@@ -68,7 +68,7 @@ void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const
   const char* note;
   const bool hasPaths = HasPaths(c, mostBits, bgp, &note);
   Loop loop;
-  while (ListGoesOn(at, c, loop)) {
+  while (MoreAt(at, c, loop)) {
     const int32_t bytes = (hasPaths ? 5 : 1) + (static_cast<int32_t>(PeekU8(c, hasPaths ? 4 : 0)) + 7) / 8;
     Cursor route = TakeCursor(c, bytes);
     const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "%s", what));
@@ -92,7 +92,7 @@ void ShowPrefixes(const Place& at, Cursor& c, uint32_t afi, uint32_t safi, const
 
 void ShowTargets(const Place& at, Cursor& c, const char* what, Bgp& bgp) {
   Loop loop;
-  while (ListGoesOn(at, c, loop)) {
+  while (MoreAt(at, c, loop)) {
     const Cursor start = c;
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 1 + (static_cast<int64_t>(PeekU8(c)) + 7) / 8);
@@ -117,7 +117,7 @@ void ShowPrivateLans(const Place& at, Cursor& c, const char* what, Bgp& bgp) {
       Number(2, "VE ID").Note(", VE %u"), Number(2, "VE Block Offset"), Number(2, "VE Block Size")});
   constexpr int32_t kDiscovery = 12;
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 2 && MoreAt(at, c, loop)) {
     const Cursor start = c;
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU16(c)));
@@ -141,7 +141,7 @@ void ShowPolicies(const Place& at, Cursor& c, uint32_t afi, const char* what, Bg
   static constexpr auto kRows = Rows<Bgp>({
       Number(1, "Length", " bits").Into(&Bgp::length), Number(4, "Distinguisher"), Number(4, "Color").Note(", Color %u")});
   Loop loop;
-  while (ListGoesOn(at, c, loop)) {
+  while (MoreAt(at, c, loop)) {
     const Cursor start = c;
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 1 + static_cast<int64_t>(PeekU8(c)) / 8);
@@ -155,7 +155,7 @@ void ShowPolicies(const Place& at, Cursor& c, uint32_t afi, const char* what, Bg
 void ShowTree(const Place& at, Cursor& c, const char* what, Bgp& bgp) {
   static constexpr auto kRows = Rows<Bgp>({IPv4("PE Address").Note(", %s"), IPv4("Group Address").Note(", %s")});
   Loop loop;
-  while (Left(c) >= 17 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 17 && MoreAt(at, c, loop)) {
     Cursor route = TakeCursor(c, 17);
     const Place in = Under(at, AddLine(at, Ahead(route, Left(route)), "%s: MDT", what));
     const Field length = TakeU8(route);
@@ -172,7 +172,7 @@ void ShowBgpMulticastRoutes(const Place& at, Cursor& c, Bgp& bgp) {
   static constexpr auto kHead = Rows<Bgp>({Number(1, "Route Type", kMulticastRouteNames).Into(&Bgp::type), Number(1, "Length")});
   static constexpr auto kSource = Rows<Bgp>({Number(4, "Source AS").Note(", AS %u")});
   Loop loop;
-  while (Left(c) >= 2 && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= 2 && MoreAt(at, c, loop)) {
     const Cursor start = c;
     const Field path = TakeBgpPath(c, bgp);
     Cursor route = TakeCursor(c, 2 + static_cast<int64_t>(PeekU8(c, 1)));

@@ -4,7 +4,6 @@
 //   packet    version, flags (4 bits each)   [number (2)]   [TLV block]   messages
 //   message   type (1)   flags, address length less 1 (4 bits each)   size with all (2)   [originator] [hops to live]
 //             [hops] [number]   TLV block   address blocks, each with a TLV block
-#include "core/long_list.h"
 #include "core/rows.h"
 
 namespace qxview {
@@ -94,7 +93,7 @@ void ShowTime(const Place& in, Cursor& c) {
 
 void ShowEach(const Place& in, Cursor& c, RowSpan<Bb> rows, Bb& bb) {
   Loop loop;
-  while (ListGoesOn(in, c, loop)) ShowRows<Bb>(in, c, rows, bb);
+  while (MoreAt(in, c, loop)) ShowRows<Bb>(in, c, rows, bb);
 }
 
 void ShowCheck(const Place& in, Cursor& c, Bb& bb) {
@@ -113,7 +112,7 @@ void ShowValue(const Place& in, Cursor& c, uint32_t type, Scope scope, Bb& bb) {
   const bool ofAddress = scope == Scope::kAddress;
   if (type == kIntervalTime || type == kValidityTime) {
     Loop loop;
-    while (ListGoesOn(in, c, loop)) ShowTime(in, c);
+    while (MoreAt(in, c, loop)) ShowTime(in, c);
   } else if (type == kCheck) {
     ShowCheck(in, c, bb);
   } else if (type == kTimestamp) {
@@ -165,7 +164,7 @@ void ShowTlvBlock(const Place& at, Cursor& c, Scope scope, Bb& bb) {
   const Place in = Under(at, AddLine(at, Ahead(block, Left(block)), "TLV Block: %d bytes", size - 2));
   ShowRows<Bb>(in, block, kBlockLength, bb);
   Loop loop;
-  while (ListGoesOn(in, block, loop)) ShowTlv(in, block, scope, bb);
+  while (MoreAt(in, block, loop)) ShowTlv(in, block, scope, bb);
 }
 
 void AddAddress(const Place& in, const Field& line, const char* label, const uint8_t* address, int32_t size) {
@@ -198,7 +197,7 @@ void ShowAddresses(const Place& at, Cursor& c, Bb& bb) {
     address[size - tailSize + i] = static_cast<uint8_t>(PeekU8(tail, 1 + i));
   }
   Loop loop;
-  for (uint32_t number = 0; number < count && (own == 0 || ListGoesOn(in, c, loop)); ++number) {
+  for (uint32_t number = 0; number < count && (own == 0 || MoreAt(in, c, loop)); ++number) {
     const Field middle = TakeBytes(c, own);
     for (int32_t i = 0; i < middle.length; ++i) address[head + i] = static_cast<uint8_t>(PeekU8(middle, i));
     AddAddress(in, middle.length ? middle : Stated(c.offset, 0), "Address", address, size);
@@ -207,7 +206,7 @@ void ShowAddresses(const Place& at, Cursor& c, Bb& bb) {
   if (flags & (kHasOneLength | kHasLengths)) {
     Loop lengths;
     const uint32_t all = flags & kHasLengths ? count : 1;
-    for (uint32_t i = 0; i < all && ListGoesOn(in, c, lengths); ++i) ShowRows<Bb>(in, c, kPrefixLength, bb);
+    for (uint32_t i = 0; i < all && MoreAt(in, c, lengths); ++i) ShowRows<Bb>(in, c, kPrefixLength, bb);
   }
   ShowTlvBlock(in, c, Scope::kAddress, bb);
   if (!in.dead) SetRange(in, in.parent, start.offset, c.offset - start.offset);
@@ -230,7 +229,7 @@ void ShowMessage(const Place& at, Cursor& c) {
   if (flags & kHasNumber) ShowRows<Bb>(in, message, kMessageNumber, bb);
   ShowTlvBlock(in, message, Scope::kMessage, bb);
   Loop loop;
-  while (ListGoesOn(in, message, loop)) ShowAddresses(in, message, bb);
+  while (MoreAt(in, message, loop)) ShowAddresses(in, message, bb);
   message.ranShort = false;   // what is left of a message that is cut
   AddBlock(in, Rest(message), "Message Data");
 }
@@ -247,7 +246,7 @@ int32_t DecodePacketBb(const Place& at, Cursor c) {
   if (flags & kHasNumber) ShowRows<Bb>(in, c, kPacketNumber, bb);
   if (flags & kHasTlvs) ShowTlvBlock(in, c, Scope::kPacket, bb);
   Loop loop;
-  while (Left(c) >= 4 && PeekU16(c, 2) >= kLeastMessage && ListGoesOn(in, c, loop)) ShowMessage(in, c);
+  while (Left(c) >= 4 && PeekU16(c, 2) >= kLeastMessage && MoreAt(in, c, loop)) ShowMessage(in, c);
   c.ranShort = false;
   AddBlock(in, Rest(c), "MANET Data");
   return 1;

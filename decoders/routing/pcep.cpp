@@ -7,7 +7,6 @@
 #include "decoders/routing/pcep.h"
 
 #include "core/line_facts.h"
-#include "core/long_list.h"
 #include "decoders/common/traffic_engineering.h"
 #include "decoders/message_lengths.h"
 #include "decoders/routing/prefix.h"
@@ -182,7 +181,7 @@ void ShowSpecs(const Place& in, Cursor& c, Pcep& pcep) {
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Pcep& pcep) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Pcep>(in, c, rows, pcep);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Pcep>(in, c, rows, pcep);
 }
 void ShowErrorValue(const Place& in, Cursor& c, Pcep& pcep) {
   const Field value = TakeU8(c);
@@ -240,7 +239,7 @@ constexpr auto kObjectTail = Rows<Pcep>({
 
 void ShowObjects(const Place& at, Cursor& c) {
   Loop loop;
-  while (Left(c) >= kHeaderSize && PeekU16(c, 2) >= kHeaderSize && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= kHeaderSize && PeekU16(c, 2) >= kHeaderSize && MoreAt(at, c, loop)) {
     Cursor object = TakeCursor(c, PeekU16(c, 2));
     const Choice<Pcep>* choice = ObjectOf(object);
     const char* name = choice ? choice->name : kUnknown;
@@ -263,7 +262,7 @@ void ShowPcepRsvpObject(const Place& in, Cursor& c, uint32_t kind) {
 int32_t DecodePcep(const Place& at, Cursor c) {
   if (Left(c) < kHeaderSize || LengthOfPcep(c) == kNoMessage) return 0;
   Loop loop;
-  while (Left(c) >= kHeaderSize && LengthOfPcep(c) != kNoMessage && ListGoesOn(at, c, loop)) {
+  while (Left(c) >= kHeaderSize && LengthOfPcep(c) != kNoMessage && MoreAt(at, c, loop)) {
     Cursor message = TakeCursor(c, LengthOfPcep(c));
     const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "PCEP: %s", LookupName(kTypeNames, PeekU8(message, 1))));
     ShowRows(in, message, kHead);

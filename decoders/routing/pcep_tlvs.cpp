@@ -3,7 +3,6 @@
 //
 //   type (2)   length (2)   value, filled up to four octets
 #include "core/line_facts.h"
-#include "core/long_list.h"
 #include "decoders/common/traffic_engineering.h"
 #include "decoders/routing/bgp.h"
 #include "decoders/routing/pcep.h"
@@ -114,7 +113,7 @@ constexpr auto kBytes = Rows<Pcep>({Bytes(0, nullptr)});
 template <const auto& rows, int32_t size>
 void ShowEach(const Place& in, Cursor& c, Pcep& pcep) {
   Loop loop;
-  while (Left(c) >= size && ListGoesOn(in, c, loop)) ShowRows<Pcep>(in, c, rows, pcep);
+  while (Left(c) >= size && MoreAt(in, c, loop)) ShowRows<Pcep>(in, c, rows, pcep);
 }
 void ShowNested(const Place& in, Cursor& c, Pcep& pcep);
 void ShowBandwidths(const Place& in, Cursor& c, Pcep& pcep);
@@ -122,7 +121,7 @@ void ShowBandwidths(const Place& in, Cursor& c, Pcep& pcep);
 // The types, filled up to four octets, and what each of them adds.
 void ShowSetups(const Place& in, Cursor& c, Pcep& pcep) {
   Loop loop;
-  for (uint32_t i = 0; i < pcep.count.value && ListGoesOn(in, c, loop); ++i) ShowRows<Pcep>(in, c, kOneSetup, pcep);
+  for (uint32_t i = 0; i < pcep.count.value && MoreAt(in, c, loop); ++i) ShowRows<Pcep>(in, c, kOneSetup, pcep);
   const int32_t beyond = static_cast<int32_t>(pcep.count.value % 4);
   const Field padding = beyond ? TakeBytes(c, 4 - beyond) : Field{};
   AddLine(in, padding, "Padding: %s", HexText(padding));
@@ -186,13 +185,13 @@ void ShowLabelSet(const Place& in, Cursor& c, Pcep& pcep) {
   ShowRows<Pcep>(in, c, kSetHead, pcep);
   const bool isMap = pcep.type.value == kMap;
   Loop loop;
-  for (int32_t i = 0; Left(c) >= 4 && (i == 0 || !isMap) && ListGoesOn(in, c, loop); ++i) ShowRows<Pcep>(in, c, kWavelength, pcep);
+  for (int32_t i = 0; Left(c) >= 4 && (i == 0 || !isMap) && MoreAt(in, c, loop); ++i) ShowRows<Pcep>(in, c, kWavelength, pcep);
   if (isMap && Left(c)) ShowRows<Pcep>(in, c, kBitMap, pcep);
 }
 void ShowRestriction(const Place& in, Cursor& c, Pcep& pcep) {
   const uint32_t count = pcep.count.value;
   Loop loop;
-  for (uint32_t i = 0; i < count && Left(c) >= 8 && ListGoesOn(in, c, loop); ++i) ShowLink(in, c, pcep);
+  for (uint32_t i = 0; i < count && Left(c) >= 8 && MoreAt(in, c, loop); ++i) ShowLink(in, c, pcep);
   ShowLabelSet(in, c, pcep);
 }
 void ShowAllocation(const Place& in, Cursor& c, Pcep& pcep) {
@@ -206,7 +205,7 @@ void ShowFlows(const Place& in, Cursor& c, Pcep& pcep) {
   const KeyedAs keys(PacketOf(in), "bgp");
   Element element;
   Loop loop;
-  while (ListGoesOn(in, c, loop) && TakeElement(c, kComponentForm, element)) {
+  while (MoreAt(in, c, loop) && TakeElement(c, kComponentForm, element)) {
     const char* name = BgpFlowComponentName(element.code);
     const Place under = Under(in, AddLine(in, element.whole, "Component: %s", name));
     AddLine(under, element.type, "Type: %u = %s", element.code, name);

@@ -7,7 +7,6 @@
 #include "decoders/routing/rsvp.h"
 
 #include "core/internet_checksum.h"
-#include "core/long_list.h"
 #include "decoders/common/checksum_line.h"
 
 namespace qxview {
@@ -57,7 +56,7 @@ constexpr auto kObjectHead = Rows<Rsvp>({
 void ShowRsvpObjects(const Place& in, Cursor& c) {
   Rsvp rsvp{};
   Loop loop;
-  while (Left(c) >= kObjectHeader && PeekU16(c) >= kObjectHeader && ListGoesOn(in, c, loop)) {
+  while (Left(c) >= kObjectHeader && PeekU16(c) >= kObjectHeader && MoreAt(in, c, loop)) {
     Cursor object = TakeCursor(c, PeekU16(c));
     const Choice<Rsvp>* choice = FindRsvpObject(PeekU16(object, 2));
     const Place under = Under(in, AddLine(in, Ahead(object, Left(object)), "Object: %s",
@@ -84,7 +83,7 @@ bool ShowMessage(const Place& at, Cursor& c, bool isOuter) {
   ShowRows<Rsvp>(in, message, kRest, rsvp);
   if (isOuter && rsvp.type.value == kBundle) {
     Loop loop;
-    while (ListGoesOn(in, message, loop) && ShowMessage(in, message, false)) {
+    while (MoreAt(in, message, loop) && ShowMessage(in, message, false)) {
     }
   } else {
     ShowRsvpObjects(in, message);

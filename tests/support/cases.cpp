@@ -110,7 +110,7 @@ PayloadRun RunPayload(View& view, const Payload& payload, bool isTried) {
   PacketState& packet = view.context->packet = PacketState{};
   const Cursor c = MakeCursor(FrameData(record.get()), 0, static_cast<int32_t>(payload.bytes.size()));
   packet.frame = record.get();
-  packet.linesLeft = MostLinesOf(c.left);
+  BeginLines(packet, c.left);
   packet.protocol = payload.row->protocol->key;
   packet.ipProtocol = payload.overTcp ? 6 : 17;
   packet.destinationPort = payload.toPort;

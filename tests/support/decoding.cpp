@@ -180,7 +180,7 @@ int32_t TestView::Run(DecoderFunction decode, const Bytes& bytes, int32_t level)
   ClearDecodeTree(&v, &tree(), true);
   v.context->packet = PacketState{};
   v.context->packet.frame = record.get();
-  v.context->packet.linesLeft = MostLinesOf(static_cast<int32_t>(bytes.size()));
+  BeginLines(v.context->packet, static_cast<int32_t>(bytes.size()));
   const int32_t result = decode(TopLevel(&v, level), MakeCursor(exact.get(), 0, static_cast<int32_t>(bytes.size())));
   v.context->packet.frame = nullptr;
   return result;
