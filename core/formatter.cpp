@@ -75,11 +75,18 @@ inline const uint8_t* BytesOf(const FormatArgument& argument) {
   const char separator = static_cast<char>(argument.form >> 8);
   int32_t i = 0;
   // Each byte with a separator behind it, which the next one or the end takes back.
-  for (const int32_t step = separator != 0 ? 3 : 2; i < argument.length && out.end - out.at >= 4; ++i) {
-    std::memcpy(out.at, kHexPairs + 2 * bytes[i], 2);
-    out.at[2] = separator;
-    out.at += step;
+  const int32_t step = separator != 0 ? 3 : 2;
+  const auto put = [&](char* at, uint8_t byte) {
+    std::memcpy(at, kHexPairs + 2 * byte, 2);
+    at[2] = separator;
+  };
+  for (; i + 4 <= argument.length && out.end - out.at >= 4 * 4; i += 4, out.at += 4 * step) {
+    put(out.at, bytes[i]);
+    put(out.at + step, bytes[i + 1]);
+    put(out.at + 2 * step, bytes[i + 2]);
+    put(out.at + 3 * step, bytes[i + 3]);
   }
+  for (; i < argument.length && out.end - out.at >= 4; ++i, out.at += step) put(out.at, bytes[i]);
   if (i > 0 && separator != 0) --out.at;
   for (; i < argument.length && out.at < out.end; ++i) {
     if (i > 0 && separator != 0) PutFill(out, separator, 1);

@@ -148,14 +148,7 @@ ValueText Unescaped(const Field& text) {
 
 }  // namespace
 
-const HttpField* FindHttpField(const Field& name) {
-  constexpr uint32_t kCaseless = ~0x20u;
-  const uint32_t first = PeekU8(name) & kCaseless;
-  for (const HttpField& row : kFields) {
-    if ((static_cast<uint8_t>(row.name[0]) & kCaseless) == first && IsWord(name, row.name)) return &row;
-  }
-  return nullptr;
-}
+const HttpField* FindHttpField(const Field& name) { return FindWord(kFields, name); }
 
 void ShowHttpField(const Place& in, const Field& whole, const Field& name, const Field& value) {
   const HttpField* field = FindHttpField(name);

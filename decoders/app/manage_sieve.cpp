@@ -15,6 +15,24 @@ struct Argument {
   int64_t lacking;   // octets of a literal that are to come
 };
 
+bool EndsLine(const Cursor& c, int32_t at) {
+  return PeekU8(c, at) == '\n' || (PeekU8(c, at) == '\r' && PeekU8(c, at + 1) == '\n');
+}
+
+// The octets of a literal, with which its line ends; -1 for anything else.
+int32_t TakeLiteralHead(Cursor& c) {
+  constexpr int32_t kLongestHead = 24;
+  int32_t end = 0;
+  while (end < Left(c) && end < kLongestHead && !EndsLine(c, end)) ++end;
+  if (end == kLongestHead) return -1;
+  Cursor next = c;
+  TextLine line;
+  TakeLine(next, line);
+  const int32_t length = LiteralOf(line.text);
+  if (length >= 0) c = next;
+  return length;
+}
+
 // A text in quotation marks, counted octets, a list in brackets, or a word.
 bool TakeArgument(Cursor& c, Argument& out) {
   while (PeekU8(c) == ' ') TakeBytes(c, 1);
@@ -22,20 +40,17 @@ bool TakeArgument(Cursor& c, Argument& out) {
   if (Left(c) == 0 || first == '\r' || first == '\n') return false;
   const Cursor start = c;
   out = {};
-  TextLine line;
-  Cursor next = c;
-  TakeLine(next, line);
-  const int32_t length = first == '{' ? LiteralOf(line.text) : -1;
+  const int32_t length = first == '{' ? TakeLiteralHead(c) : -1;
   if (length >= 0) {
-    const int32_t there = length < Left(next) ? length : Left(next);
-    out = {{}, TakeBytes(next, there), true, true, length - there};
-    c = next;
+    const int32_t there = length < Left(c) ? length : Left(c);
+    out = {{}, TakeBytes(c, there), true, true, length - there};
   } else {
     const uint32_t close = first == '"' ? '"' : first == '(' ? ')' : ' ';
     int32_t end = close == ' ' ? 0 : 1;
-    while (end < line.text.length && PeekU8(c, end) != close) end += PeekU8(c, end) == '\\' && close == '"' ? 2 : 1;
-    end = end < line.text.length ? end : line.text.length;
-    const bool isClosed = close != ' ' && end < line.text.length;
+    while (end < Left(c) && !EndsLine(c, end) && PeekU8(c, end) != close) {
+      end += PeekU8(c, end) == '\\' && close == '"' && end + 1 < Left(c) && !EndsLine(c, end + 1) ? 2 : 1;
+    }
+    const bool isClosed = close != ' ' && end < Left(c) && !EndsLine(c, end);
     const Field all = TakeBytes(c, end + isClosed);
     out = {{}, close == ' ' ? all : Slice(all, 1, end - 1), first == '"', false, 0};
   }

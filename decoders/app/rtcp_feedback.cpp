@@ -166,11 +166,14 @@ void ShowTransportWide(const Place& in, Cursor& c, Feedback& feedback) {
   chunks.left = c.offset - chunks.offset;
   for (uint32_t told = 0; told < count && Left(chunks) >= 2;) {
     const StatusChunk chunk{TakeU16(chunks).value};
-    for (uint32_t i = 0; i < chunk.Packets() && told < count; ++i, ++told) {
+    const uint32_t packets = chunk.Packets() < count - told ? chunk.Packets() : count - told;
+    const bool hasDeltas = chunk.IsVector() || chunk.StatusOf(0) == 1 || chunk.StatusOf(0) == 2;
+    for (uint32_t i = 0; hasDeltas && i < packets; ++i) {
       const uint32_t status = chunk.StatusOf(i);
       if (Left(c) < 1 || PacketOf(in).limitReached) return;
-      if (status == 1 || status == 2) ShowDelta(in, c, first + told, status);
+      if (status == 1 || status == 2) ShowDelta(in, c, first + told + i, status);
     }
+    told += packets;
   }
   const Field padding = Rest(c);
   if (padding.here) AddLine(in, padding, "Padding: %s", HexText(padding));

@@ -242,11 +242,11 @@ void ShowValue(const Place& in, const SipHeader& header, const Field& field) {
 }  // namespace
 
 const SipHeader* FindSipHeader(const Field& name) {
+  const uint32_t letter = PeekU8(name) | 0x20;
   for (const SipHeader& row : kHeaders) {
-    if (row.compact && name.length == 1 && (PeekU8(name) | 0x20) == static_cast<uint8_t>(row.compact)) return &row;
-    if (IsWord(name, row.name)) return &row;
+    if (name.length == 1 && row.compact && letter == static_cast<uint8_t>(row.compact)) return &row;
   }
-  return nullptr;
+  return FindWord(kHeaders, name);
 }
 
 void ShowSipHeader(const Place& in, const SipHeader& header, const HeaderLine& line) {

@@ -112,7 +112,9 @@ int32_t DecodeSnmpOverTcp(const Place& at, Cursor c) {
   if (PeekSnmpVersion(c) < 0) return 0;
   Loop loop;
   while (MoreAt(at, c, loop) && PeekSnmpVersion(c) >= 0) {
-    if (DecodeSnmpPayload(at, TakeBer(c).whole) == 0) break;
+    Cursor next = c;
+    if (DecodeSnmpPayload(at, TakeBer(next).whole) == 0) break;   // it is data then
+    c = next;
   }
   AddRawRest(at, c, "SNMP Data");
   return 1;

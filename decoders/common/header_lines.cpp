@@ -33,7 +33,7 @@ bool TakeLine(Cursor& c, TextLine& out) {
   return true;
 }
 
-bool StartsWithWord(const Field& field, const char* word) {
+bool detail::StartsAsWord(const Field& field, const char* word) {
   if (!field.here || !field.bytes) return false;
   for (int32_t i = 0; word[i]; ++i) {
     if (i >= field.length || Lower(PeekU8(field, i)) != Lower(static_cast<uint8_t>(word[i]))) return false;
@@ -41,9 +41,17 @@ bool StartsWithWord(const Field& field, const char* word) {
   return true;
 }
 
-bool IsWord(const Field& field, const char* word) {
-  if (!StartsWithWord(field, word)) return false;
-  return static_cast<size_t>(field.length) == std::strlen(word);
+bool detail::HoldsWord(const Field& field, const char* word) {
+  return StartsAsWord(field, word) && static_cast<size_t>(field.length) == std::strlen(word);
+}
+
+int32_t CompareWord(const Field& field, const char* word) {
+  for (int32_t i = 0;; ++i) {
+    const uint8_t own = i < field.length ? Lower(PeekU8(field, i)) : 0, other = Lower(static_cast<uint8_t>(word[i]));
+    if (own != other) return own < other ? -1 : 1;
+    if (i >= field.length) return 0;
+    if (other == 0) return 1;   // a zero in the field is none at its end
+  }
 }
 
 bool StartsWithText(const Cursor& c, const char* text) {

@@ -29,10 +29,38 @@ inline bool MoreAt(const Place& at, const Field& rest, Loop& loop) {
   return MoreAt(at, c, loop);
 }
 
-// Whether a field holds a word, in whatever case; whether it starts with it; whether bytes start with a text as it is.
-bool IsWord(const Field& field, const char* word);
-bool StartsWithWord(const Field& field, const char* word);
+// Whether a field holds a word, in whatever case; whether it starts with it; whether bytes start with a text as it is. Most words
+// of a table are told apart by their first letters.
+namespace detail {
+bool HoldsWord(const Field& field, const char* word);
+bool StartsAsWord(const Field& field, const char* word);
+constexpr uint32_t kCaseBit = 0x20;
+inline bool StartsAlike(const Field& field, const char* word) {
+  return ((PeekU8(field) ^ static_cast<uint8_t>(word[0])) & ~kCaseBit) == 0;
+}
+}  // namespace detail
+inline bool IsWord(const Field& field, const char* word) {
+  return detail::StartsAlike(field, word) && detail::HoldsWord(field, word);
+}
+inline bool StartsWithWord(const Field& field, const char* word) {
+  return (word[0] == 0 || detail::StartsAlike(field, word)) && detail::StartsAsWord(field, word);
+}
 bool StartsWithText(const Cursor& c, const char* text);
+
+// Below 0, 0 or above: where a field stands to a word in the order of their letters, in whatever case.
+int32_t CompareWord(const Field& field, const char* word);
+// The row whose name the field holds, of rows in the order of their names; null when there is none.
+template <class Row, size_t kCount>
+const Row* FindWord(const Row (&rows)[kCount], const Field& field) {
+  size_t first = 0, end = kCount;
+  while (first < end) {
+    const size_t middle = (first + end) / 2;
+    const int32_t order = CompareWord(field, rows[middle].name);
+    if (order == 0) return &rows[middle];
+    order < 0 ? end = middle : first = middle + 1;
+  }
+  return nullptr;
+}
 
 // Passes over blanks, tabs and line ends.
 constexpr bool IsSpace(uint32_t c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }

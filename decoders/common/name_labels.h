@@ -17,7 +17,7 @@ inline Field WholeOf(const Cursor& c) { return {c.at - Taken(c), c.begin, Taken(
 // that does not ends the name. The cursor goes on behind the name in place; it is short where the name is cut there.
 template <class Put>
 void TakeNameLabels(Cursor& c, const Field& message, Put put) {
-  constexpr int32_t kMostHops = 8, kMostPointedLabels = 40;   // names have one pointer; these bound what others cost
+  constexpr int32_t kMostHops = 8, kMostPointedLabels = 20;   // names have one pointer; these bound what others cost
   Cursor at = c;
   int32_t hops = 0, pointedLabels = 0, lowest = c.offset - message.offset;
   for (;;) {
