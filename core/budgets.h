@@ -15,7 +15,7 @@ constexpr int32_t kMostNesting = 64;
 
 // Lines of a frame, so that output and work stay linear in input whatever the bytes say: so many, more for every byte that was
 // captured, and no more than these. Of the frames that were seen, the one with most has 52,666 in 63 KB, made to be hard; without
-// such frames it is 8,356, of a message that came over many segments. Decoders come to 4.5 lines a byte at most, as search found.
+// such frames it is 8,356, of a message that came over many segments. Lists end before (below): search found 83,600, of DNS.
 constexpr int32_t kLinesOfAnyFrame = 10000;
 constexpr int32_t kLinesAByte = 16;
 constexpr int32_t kMostLines = 1000000;

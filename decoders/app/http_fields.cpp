@@ -148,6 +148,7 @@ ValueText Unescaped(const Field& text) {
 
 }  // namespace
 
+static_assert(AreInOrder(kFields));
 const HttpField* FindHttpField(const Field& name) { return FindWord(kFields, name); }
 
 void ShowHttpField(const Place& in, const Field& whole, const Field& name, const Field& value) {

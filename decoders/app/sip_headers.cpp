@@ -241,6 +241,7 @@ void ShowValue(const Place& in, const SipHeader& header, const Field& field) {
 
 }  // namespace
 
+static_assert(AreInOrder(kHeaders));
 const SipHeader* FindSipHeader(const Field& name) {
   const uint32_t letter = PeekU8(name) | 0x20;
   for (const SipHeader& row : kHeaders) {

@@ -49,7 +49,17 @@ bool StartsWithText(const Cursor& c, const char* text);
 
 // Below 0, 0 or above: where a field stands to a word in the order of their letters, in whatever case.
 int32_t CompareWord(const Field& field, const char* word);
-// The row whose name the field holds, of rows in the order of their names; null when there is none.
+// Whether rows stand in the order of their names; where they do, the row whose name the field holds, null when there is none.
+template <class Row, size_t kCount>
+constexpr bool AreInOrder(const Row (&rows)[kCount]) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? c | 0x20 : int{c}; };
+  for (size_t i = 1; i < kCount; ++i) {
+    const char *before = rows[i - 1].name, *name = rows[i].name;
+    while (*before && lower(*before) == lower(*name)) ++before, ++name;
+    if (lower(*before) >= lower(*name)) return false;
+  }
+  return true;
+}
 template <class Row, size_t kCount>
 const Row* FindWord(const Row (&rows)[kCount], const Field& field) {
   size_t first = 0, end = kCount;
