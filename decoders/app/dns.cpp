@@ -108,7 +108,8 @@ SectionCounts DecodeHeader(const Place& at, Cursor& c, DnsMessage& message, bool
 // behind it stay empty.
 template <class DecodeEntry>
 int32_t DecodeSection(const Place& at, Cursor& c, uint32_t count, int32_t shortest, DecodeEntry decodeEntry) {
-  for (uint32_t number = 1; number <= count && Left(c) > 0 && !PacketOf(at).limitReached; ++number) {
+  Loop loop;
+  for (uint32_t number = 1; number <= count && MoreAt(at, c, loop); ++number) {
     Cursor entry = c;
     if (!decodeEntry(entry, number)) return 0;
     if (c.left < shortest) {

@@ -2,6 +2,7 @@
 // RFC 7553, RFC 8659, RFC 9460 and others; the types are those of dns_types.inc.
 #include "decoders/app/dns_data.h"
 
+#include "core/bounded_loop.h"
 #include "decoders/app/dns_service.h"
 #include "decoders/app/dnscrypt.h"
 #include "decoders/net/ip_protocol_names.h"
@@ -89,7 +90,7 @@ void ShowServiceMap(const Place& in, Cursor& c, DnsData&) {
   const Field bits = Rest(c);
   if (!bits.here) return;
   const Place under = Under(in, AddLine(in, bits, "Bit Map: %u bytes", bits.length));
-  for (int32_t i = 0; i < 8 * bits.length && !PacketOf(in).limitReached; ++i) {
+  for (int32_t i = 0; i < 8 * bits.length && GoesOn(in); ++i) {
     const Field octet = Slice(bits, i / 8, 1);
     if (octet.bytes[0] >> (7 - i % 8) & 1) AddLine(under, octet, "Bit: %u", i);
   }
@@ -232,7 +233,7 @@ void ShowDnsTypeMap(const Place& in, Cursor& c, DnsData&) {
     AddLine(in, length, "Bit Map Length: %u", length.value);
     const Field bits = TakeBytes(c, length.value);
     const Place under = Under(in, AddLine(in, bits, "Type Bit Map: %s", HexText(bits)));
-    for (int32_t i = 0; i < 8 * bits.length && !PacketOf(in).limitReached; ++i) {
+    for (int32_t i = 0; i < 8 * bits.length && GoesOn(in); ++i) {
       const Field octet = Slice(bits, i / 8, 1);
       if (!(octet.bytes[0] >> (7 - i % 8) & 1)) continue;
       const uint32_t type = window.value << 8 | static_cast<uint32_t>(i);

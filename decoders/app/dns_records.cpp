@@ -91,7 +91,8 @@ void AddTimeToLive(const Place& in, Cursor& c) {
 }
 
 void DecodeHostAddresses(const Place& in, Cursor& data, const DnsMessage& message, bool answersQuery) {
-  while (data.left >= 4 && !PacketOf(in).limitReached) {
+  Loop loop;
+  while (data.left >= 4 && MoreAt(in, data, loop)) {
     const Field address = TakeBytes(data, 4);
     const auto text = IPv4Text(address.bytes);
     if (answersQuery) AppendToLine(in, message.topLine, "=%s", text);

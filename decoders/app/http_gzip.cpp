@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/bounded_loop.h"
 #include "core/byte_origins.h"
 #include "decoders/app/direction_run.h"
 #include "decoders/app/http_inflate.h"
@@ -259,7 +260,8 @@ const InflatedBody* Inflate(HttpInflater& inflater, const ByteChain& chain, int6
 
 // The inflated text in lines: they end at LF, with or without a CR before it.
 void ShowInflated(const Place& in, const Field& cover, const uint8_t* text, int32_t length) {
-  for (int32_t at = 0; at < length && !PacketOf(in).limitReached;) {
+  for (int32_t at = 0; at < length;) {
+    if (!GoesOn(in)) return AddLine(in, cover, "Further Lines: %d bytes", length - at), void();
     const void* found = std::memchr(text + at, '\n', static_cast<size_t>(length - at));
     const int32_t end = found ? static_cast<int32_t>(static_cast<const uint8_t*>(found) - text) : length;
     int32_t shown = end - at;

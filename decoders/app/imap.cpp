@@ -1,5 +1,6 @@
 // Internet Message Access Protocol (RFC 3501, RFC 9051): commands and responses in lines, with tags that tell which belongs
 // to which, and literals of counted octets inside.
+#include "core/bounded_loop.h"
 #include "decoders/app/compressed_lines.h"
 #include "decoders/app/internet_message.h"
 #include "decoders/app/tls_record.h"
@@ -76,7 +77,7 @@ int32_t EndOfWord(const Field& text, int32_t from) {
 
 // Numbers, names, texts and lists of them (RFC 9051 4).
 void ShowValues(const Place& in, const Field& text, int32_t depth) {
-  for (int32_t at = 0; at < text.length && !PacketOf(in).limitReached;) {
+  for (int32_t at = 0; at < text.length && GoesOn(in);) {
     const uint32_t c = PeekU8(text, at);
     if (c == ' ' || c == ')') {
       ++at;

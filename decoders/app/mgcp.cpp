@@ -4,6 +4,7 @@
 //   CRCX 1204 aaln/1@gateway.example MGCP 1.0        or       200 1204 OK
 //   C: A3C47F21456789F0
 //   (empty line, session description)
+#include "core/bounded_loop.h"
 #include "decoders/common/header_lines.h"
 
 namespace qxview {
@@ -112,7 +113,7 @@ void ShowItems(const Place& in, const Field& code, const Field& value) {
     if (IsWord(code, each.code)) label = each.label;
   }
   int32_t start = 0, depth = 0;
-  for (int32_t at = 0; label && at <= value.length && !PacketOf(in).limitReached; ++at) {
+  for (int32_t at = 0; label && at <= value.length && GoesOn(in); ++at) {
     const uint32_t c = PeekU8(value, at);
     depth += c == '(' ? 1 : c == ')' && depth > 0 ? -1 : 0;
     if (at < value.length && (c != ',' || depth > 0)) continue;

@@ -1,6 +1,7 @@
 // Feedback of RTCP (RFC 4585, RFC 5104, RFC 6679, RFC 7728, RFC 8888, and what browsers send without an RFC).
 #include "decoders/app/rtcp_feedback.h"
 
+#include "core/bounded_loop.h"
 #include "core/elements.h"
 #include "decoders/app/rtcp.h"
 
@@ -170,7 +171,8 @@ void ShowTransportWide(const Place& in, Cursor& c, Feedback& feedback) {
     const bool hasDeltas = chunk.IsVector() || chunk.StatusOf(0) == 1 || chunk.StatusOf(0) == 2;
     for (uint32_t i = 0; hasDeltas && i < packets; ++i) {
       const uint32_t status = chunk.StatusOf(i);
-      if (Left(c) < 1 || PacketOf(in).limitReached) return;
+      if (Left(c) < 1) return;
+      if (!GoesOn(in)) return AddBlock(in, Rest(c), "Further Elements"), void();
       if (status == 1 || status == 2) ShowDelta(in, c, first + told + i, status);
     }
     told += packets;

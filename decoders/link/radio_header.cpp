@@ -7,6 +7,7 @@
 //   AVS        0  magic   4  length   8  MAC time   16  host time   24  type   28  channel   32  rate   36  antenna
 //              40  priority   44  signal type   48  signal   52  noise ...; big-endian
 //   Prism      0  code   4  length   8  device, then items: code (4), status (2), length (2), data (4)
+#include "core/bounded_loop.h"
 #include "core/line_facts.h"
 #include "decoders/link/medium.h"
 
@@ -120,7 +121,7 @@ void DecodeRadiotap(const Place& at, const Cursor& c) {
   const Place in = Under(at, AddLine(at, kOutside, "Radio Information: Radiotap, %d bytes", Left(c)));
   RadiotapWalk walk = StartWalk(c);
   int32_t bit = 0;
-  for (Field field; (field = NextField(walk, &bit)).here && !PacketOf(at).limitReached;) {
+  for (Field field; (field = NextField(walk, &bit)).here && GoesOn(at);) {
     AddRadiotapField(in, bit, field);
   }
 }

@@ -29,6 +29,7 @@ void ShowCanonical(const Place& at, Cursor& c, const char* label, int32_t depth)
       ShowAddress(in, whole, "Address", depth + 1);
     }
   };
+  Loop loop;
   switch (out.type.value) {
     case 1: addresses(INT32_MAX); break;
     case 2: show(kLispInstance); addresses(1); break;
@@ -39,14 +40,14 @@ void ShowCanonical(const Place& at, Cursor& c, const char* label, int32_t depth)
     case 8: show(kLispNonceLocator); addresses(1); break;
     case 9: show(kLispMulticast); addresses(2); break;
     case 10:
-      while (Left(whole) >= 4 && depth < kDeepestLisp && !PacketOf(in).limitReached) {
+      while (Left(whole) >= 4 && depth < kDeepestLisp && MoreAt(in, whole, loop)) {
         show(kLispHop);
         ShowAddress(in, whole, "Address", depth + 1);
       }
       break;
     case 12: show(kLispPair); addresses(2); break;
     case 13:
-      while (Left(whole) >= 6 && depth < kDeepestLisp && !PacketOf(in).limitReached) {
+      while (Left(whole) >= 6 && depth < kDeepestLisp && MoreAt(in, whole, loop)) {
         show(kLispReplication);
         ShowAddress(in, whole, "Address", depth + 1);
       }

@@ -112,7 +112,8 @@ void DecodeStatistics(const Place& in, Cursor& c) {
 void DecodeNodeStatus(const Place& in, Cursor& c) {
   const Field count = TakeU8(c);
   AddLine(in, count, "Number of Names: %u", count.value);
-  for (uint32_t i = 0; i < count.value && Left(c) >= kNetBiosNameLength + 2 && !PacketOf(in).limitReached; ++i) {
+  Loop loop;
+  for (uint32_t i = 0; i < count.value && Left(c) >= kNetBiosNameLength + 2 && MoreAt(in, c, loop); ++i) {
     DecodeStatusName(in, c);
   }
   DecodeStatistics(in, c);
@@ -205,7 +206,8 @@ int32_t DecodeNetBiosName(const Place& at, Cursor c) {
                    {"Authority Record", counts.authorities.value}, {"Additional Record", counts.additionals.value}};
   bool isWhole = true;
   for (const auto& section : sections) {
-    for (uint32_t i = 0; i < section.count && isWhole && Left(c) > 0 && !PacketOf(in).limitReached; ++i) {
+    Loop loop;
+    for (uint32_t i = 0; i < section.count && isWhole && MoreAt(in, c, loop); ++i) {
       isWhole = DecodeEntry(in, c, section.label, &section == sections, message, flags);
     }
   }

@@ -1,6 +1,9 @@
 // NetBIOS names: their text, pointers followed, and their lines.
 #include "decoders/netbios/netbios.h"
 
+#include <cstring>
+
+#include "core/digits.h"
 #include "decoders/common/name_labels.h"
 
 namespace qxview {
@@ -36,12 +39,16 @@ struct TextBuilder {
     if (!IsFull()) made.text[used++] = c;
   }
   void AddByte(uint8_t byte) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
     if (byte >= 0x20 && byte < 0x7F) return Add(static_cast<char>(byte));
-    Add('<');
-    Add(kDigits[byte >> 4]);
-    Add(kDigits[byte & 15]);
-    Add('>');
+    const char* digits = kHexPairs + 2 * byte;
+    const char escape[] = {'<', digits[0], digits[1], '>'};
+    const int32_t room = kSize - 1 - used;
+    if (room >= 4) {
+      std::memcpy(made.text + used, escape, sizeof escape);
+      used += 4;
+    } else {
+      for (int32_t i = 0; i < room; ++i) Add(escape[i]);
+    }
   }
 };
 using NameText = TextBuilder<kNetBiosTextSize>;
