@@ -76,17 +76,29 @@ inline const uint8_t* BytesOf(const FormatArgument& argument) {
   int32_t i = 0;
   // Each byte with a separator behind it, which the next one or the end takes back.
   const int32_t step = separator != 0 ? 3 : 2;
-  const auto put = [&](char* at, uint8_t byte) {
-    std::memcpy(at, kHexPairs + 2 * byte, 2);
-    at[2] = separator;
-  };
-  for (; i + 4 <= argument.length && out.end - out.at >= 4 * 4; i += 4, out.at += 4 * step) {
-    put(out.at, bytes[i]);
-    put(out.at + step, bytes[i + 1]);
-    put(out.at + 2 * step, bytes[i + 2]);
-    put(out.at + 3 * step, bytes[i + 3]);
+  if (std::endian::native == std::endian::little) {   // four bytes in a word or two
+    const uint64_t between = static_cast<uint8_t>(separator);
+    const auto pair = [&](int32_t at) {
+      uint16_t digits;
+      std::memcpy(&digits, kHexPairs + 2 * bytes[at], sizeof digits);
+      return uint64_t{digits};
+    };
+    for (; i + 4 <= argument.length && out.end - out.at >= 4 * 4; i += 4, out.at += 4 * step) {
+      if (separator == 0) {
+        const uint64_t all = pair(i) | pair(i + 1) << 16 | pair(i + 2) << 32 | pair(i + 3) << 48;
+        std::memcpy(out.at, &all, sizeof all);
+        continue;
+      }
+      const uint64_t first = pair(i) | between << 16 | pair(i + 1) << 24 | between << 40 | pair(i + 2) << 48;
+      const uint32_t second = static_cast<uint32_t>(between | pair(i + 3) << 8 | between << 24);
+      std::memcpy(out.at, &first, sizeof first);
+      std::memcpy(out.at + sizeof first, &second, sizeof second);
+    }
   }
-  for (; i < argument.length && out.end - out.at >= 4; ++i, out.at += step) put(out.at, bytes[i]);
+  for (; i < argument.length && out.end - out.at >= 4; ++i, out.at += step) {
+    std::memcpy(out.at, kHexPairs + 2 * bytes[i], 2);
+    out.at[2] = separator;
+  }
   if (i > 0 && separator != 0) --out.at;
   for (; i < argument.length && out.at < out.end; ++i) {
     if (i > 0 && separator != 0) PutFill(out, separator, 1);
