@@ -26,7 +26,7 @@ constexpr int32_t MostLinesOf(int32_t capturedLength) {
 
 // Lists of small elements that give many lines for few bytes (flags, options, events) go on until the frame has so many lines; then
 // what is left of each is a block. Real frames have a sixth of it, the hardest that was made for others 52,666.
-constexpr int32_t kLinesOfLists = 60000;
+constexpr int32_t kLinesOfLists = 57000;
 
 // Bytes of a line's text with its terminator. Longer texts are cut; the shorter buffer is of decoders that have always used it.
 constexpr int32_t kLineSize = 512;

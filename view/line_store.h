@@ -39,7 +39,7 @@ struct LineStore {
   char* edits = nullptr;                // texts that were changed
   bool isInOrder = true;                // the lines are shown in the order of their handles, none of them deleted
   mutable bool isLinked = false;        // the tree keeps links, which every further line needs
-  mutable bool wasShort = false;                // some text or line found no memory, ever
+  mutable bool wasShort = false;  // some text or line found no memory, ever
 
   const char* PlaceOf(const Line& line) const { return line.flags & kIsEdited ? edits + line.edited : text + line.made; }
   // The blanks before a line whose parent has this depth.
