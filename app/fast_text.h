@@ -16,9 +16,9 @@ namespace qxview {
 
 // What stands for each character of Windows-1252; one that stands for itself is plain.
 struct EscapeTable {
-  struct Form {
-    uint8_t length;
+  struct Form {   // one word, so that a character takes one load and one store
     char bytes[7];
+    uint8_t length;
   };
   Form forms[256];
 };
@@ -94,7 +94,7 @@ inline char* PutEscaped(char* to, std::string_view text) {
     to += plain;
     do {
       const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
-      std::memcpy(to, form.bytes, sizeof form.bytes);
+      std::memcpy(to, &form, sizeof form);
       to += form.length;
     } while (at < end && static_cast<int8_t>(*at) < 0x20);   // they come in runs
     if (end - at < 24) break;   // as in a dump's row, where others follow
@@ -102,7 +102,7 @@ inline char* PutEscaped(char* to, std::string_view text) {
 #endif
   while (at < end) {
     const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
-    std::memcpy(to, form.bytes, sizeof form.bytes);
+    std::memcpy(to, &form, sizeof form);
     to += form.length;
   }
   return to;

@@ -7,6 +7,7 @@
 #include "core/digits.h"
 #include "core/engine.h"
 #include "core/line_facts.h"
+#include "core/made_line.h"
 #include "core/sixteen.h"
 
 namespace qxview {
@@ -16,29 +17,60 @@ constexpr int32_t kRowBytes = 16;
 constexpr int32_t kCharacterColumn = 58;   // counted from 0
 constexpr int32_t kRowSize = kCharacterColumn + kRowBytes + 1;
 
-// "0010  41 42 ...  43 44 ...   AB..CD": one row; returns its length.
-int32_t FormatDumpRow(char* out, int32_t rowOffset, const uint8_t* bytes, int32_t count, const uint8_t* translation) {
+// What a row starts as: its offset, and blanks up to the characters.
+inline void PutRowStart(char* out, int32_t rowOffset) {
   static_assert(4 * kSixteen >= kCharacterColumn && 4 * kSixteen <= kRowSize);
   for (size_t i = 0; i < 4; ++i) PutBlanks(out + i * kSixteen);
   std::memcpy(out, kHexPairs + 2 * (rowOffset >> 8 & 0xFF), 2);
   std::memcpy(out + 2, kHexPairs + 2 * (rowOffset & 0xFF), 2);
+}
+
+// "0010  41 42 ...  43 44 ...   AB..CD": one row; returns its length.
+int32_t FormatDumpRow(char* out, int32_t rowOffset, const uint8_t* bytes, int32_t count, const uint8_t* translation) {
+  PutRowStart(out, rowOffset);
   char* at = out + 6;
   for (int32_t i = 0; i < count; ++i, at += 3) {
     if (i == 8) ++at;
     std::memcpy(at, kHexPairs + 2 * bytes[i], 2);
   }
   at = out + kCharacterColumn;
-  if (count == kRowBytes && !translation) {
-    CopyShownSixteen(at, bytes);
-    at[count] = 0;
-    return kCharacterColumn + count;
-  }
   for (int32_t i = 0; i < count; ++i) {
     const uint8_t shown = translation ? translation[bytes[i]] : bytes[i];
     at[i] = shown < 32 ? '.' : static_cast<char>(shown);
   }
   at[count] = 0;
   return kCharacterColumn + count;
+}
+
+// The same of sixteen bytes without a translation, which nearly all rows are; returns its end.
+inline char* FormatWholeRow(char* out, int32_t rowOffset, const uint8_t* bytes) {
+  PutRowStart(out, rowOffset);
+  for (int32_t i = 0; i < 8; ++i) std::memcpy(out + 6 + 3 * i, kHexPairs + 2 * bytes[i], 2);
+  for (int32_t i = 8; i < kRowBytes; ++i) std::memcpy(out + 7 + 3 * i, kHexPairs + 2 * bytes[i], 2);
+  CopyShownSixteen(out + kCharacterColumn, bytes);
+  return out + kCharacterColumn + kRowBytes;
+}
+
+// As many whole rows as can be added at once where lines are kept in memory; returns how many bytes they show.
+int32_t AddWholeRows(DecodeContext* context, DecodeTree* tree, LineHandle parent, const uint8_t* data, int32_t first, int32_t last,
+                     int32_t offset) {
+  LineStore* const lines = OpenLines(context, tree);
+  const int32_t rows = (last - first) / kRowBytes;
+  const uint32_t more = static_cast<uint32_t>(rows);
+  if (rows < 1 || !lines || parent < 1 || parent > lines->count || context->packet.linesLeft <= rows ||
+      context->rangeCount + more >= context->rangeCapacity ||
+      !lines->Reserve(more, more * (kRowSize + uint64_t{LineStore::BlanksUnder(lines->lines[parent].depth)})) ||
+      !HasRoomForLine(*context, *lines, parent, 0)) {
+    return 0;
+  }
+  context->packet.linesLeft -= rows;
+  for (const int32_t end = first + rows * kRowBytes; first < end; first += kRowBytes) {
+    const uint32_t index = context->rangeCount++;
+    context->rangeTable[index] = MakeByteRange(kRawDataKind, offset + first, kRowBytes);
+    const LineStore::Begun line = lines->Begin(static_cast<uint32_t>(parent), kBitFieldImage, index);
+    lines->End(line, FormatWholeRow(line.room, first, data + first));
+  }
+  return rows * kRowBytes;
 }
 
 struct Span {
@@ -79,7 +111,9 @@ void AddHexDumpLines(View* view, DecodeTree* tree, LineHandle parentLine, const 
     CountRows(&view->context->packet, static_cast<int32_t>((span.last - span.first + kRowBytes - 1) / kRowBytes));
     return;
   }
-  for (int32_t at = static_cast<int32_t>(span.first); at < span.last; at += kRowBytes) {
+  int32_t at = static_cast<int32_t>(span.first);
+  if (!translation) at += AddWholeRows(view->context, tree, parentLine, data, at, static_cast<int32_t>(span.last), offset);
+  for (; at < span.last; at += kRowBytes) {
     const int32_t left = static_cast<int32_t>(span.last) - at;
     const int32_t count = left < kRowBytes ? left : kRowBytes;
     const ByteRange range = MakeByteRange(kRawDataKind, offset + at, count);

@@ -3,28 +3,24 @@
 #include "core/digits.h"
 #include "core/line_facts.h"
 #include "core/made_line.h"
+#include "core/piece_writer.h"
 #include "core/pieces_line.h"
 
 namespace qxview {
 namespace detail {
 namespace {
 
-// For lines that no tree keeps in place.
+// For lines that no tree keeps in place, and where something has to grow.
 [[gnu::noinline]] LineHandle AddPiecesAside(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
                                             const FormatPiece* pieces, const FormatArgument* arguments) {
+  const ByteRange range = MakeByteRange(kFieldKind, field.offset, field.length);
+  if (char* const room = RoomForLine(at.view, parent, at.tree, at.lineSize)) {
+    const int32_t length = FormatPieces(room, at.lineSize, text, pieces, arguments);
+    return AddMadeInPlace(at.view->context, parent, room, length, image, at.tree, range);
+  }
   char line[kLineSize];
   const int32_t length = FormatPieces(line, at.lineSize, text, pieces, arguments);
-  return AddDecodeLineOf(at.view, parent, line, length, image, at.tree, MakeByteRange(kFieldKind, field.offset, field.length));
-}
-
-inline LineHandle MakePiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
-                         const FormatPiece* pieces, const FormatArgument* arguments) {
-  DecodeContext* const context = at.view->context;
-  LineStore* const lines = OpenLines(context, at.tree);
-  char* const room = lines ? lines->Room(parent, static_cast<uint32_t>(at.lineSize)) : nullptr;
-  if (!room) [[unlikely]] return AddPiecesAside(at, parent, field, image, text, pieces, arguments);
-  const int32_t length = FormatPieces(room, at.lineSize, text, pieces, arguments);
-  return AddMadeLineOf(context, lines, parent, room, length, image, MakeByteRange(kFieldKind, field.offset, field.length));
+  return AddDecodeLineOf(at.view, parent, line, length, image, at.tree, range);
 }
 
 }  // namespace
@@ -33,19 +29,15 @@ bool IsLeftOut(const Place& at, const char* text, bool startsWithBits) {
   return at.parent != kLeftFrameLine && IsKnownToBeLeft(*at.view->context, text, startsWithBits);
 }
 
-LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
-                         const FormatPiece* pieces, const FormatArgument* arguments) {
-  return MakePiecesLine(at, parent, field, image, text, pieces, arguments);
-}
-
 namespace {
 
-// Apart from what most lines need where a question leaves them out.
-[[gnu::noinline]] LineHandle MakeFormatted(const Place& at, const Field& field, int32_t image, const char* text,
-                                           const FormatPiece* pieces, const FormatArgument* arguments) {
+// Where facts of lines are kept, or a question leaves some out.
+[[gnu::noinline]] LineHandle AddNoted(const Place& at, const Field& field, int32_t image, const char* text,
+                                      const FormatPiece* pieces, const FormatArgument* arguments) {
+  if (OnlyTells(at.view)) return CountSilentLine(at);
   const LineFate fate = FateOfFormatted(at.view, at.parent, text, pieces, arguments);
   if (fate != LineFate::kMade) return CountLeftLine(at.view, at.parent, fate);
-  const LineHandle added = MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
+  const LineHandle added = AddPiecesAside(at, at.parent, field, image, text, pieces, arguments);
   NoteFormatted(at.view, added, text, pieces, arguments);
   return added;
 }
@@ -54,9 +46,29 @@ namespace {
 
 LineHandle AddFormatted(const Place& at, const Field& field, int32_t image, const char* text,
                         const FormatPiece* pieces, const FormatArgument* arguments) {
-  if (!KeepsFacts(at.view)) [[likely]] return MakePiecesLine(at, at.parent, field, image, text, pieces, arguments);
-  if (OnlyTells(at.view)) return CountSilentLine(at);
-  return MakeFormatted(at, field, image, text, pieces, arguments);
+  DecodeContext* const context = at.view->context;
+  if (context->facts) [[unlikely]] return AddNoted(at, field, image, text, pieces, arguments);
+  LineStore* const lines = OpenLines(context, at.tree);
+  const LineHandle parent = at.parent;
+  const int32_t size = at.lineSize;
+  if (!lines || !HasRoomForLine(*context, *lines, parent, static_cast<uint32_t>(size))) [[unlikely]] {
+    return AddPiecesAside(at, parent, field, image, text, pieces, arguments);
+  }
+  // All but the text's length, which is all that has to be known of the line behind the format.
+  const uint32_t index = context->rangeCount;
+  context->rangeTable[index] = MakeByteRange(kFieldKind, field.offset, field.length);
+  context->rangeCount = index + 1;
+  --context->packet.linesLeft;
+  const LineStore::Begun line = lines->Begin(static_cast<uint32_t>(parent), image, index);
+  return lines->End(line, WritePieces(line.room, line.room + size - 1, text, pieces, arguments));
+}
+
+LineHandle AddPiecesLine(const Place& at, LineHandle parent, const Field& field, int32_t image, const char* text,
+                         const FormatPiece* pieces, const FormatArgument* arguments) {
+  if (KeepsFacts(at.view)) [[unlikely]] return AddPiecesAside(at, parent, field, image, text, pieces, arguments);
+  Place under = at;
+  under.parent = parent;
+  return AddFormatted(under, field, image, text, pieces, arguments);
 }
 
 namespace {

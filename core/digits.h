@@ -11,6 +11,8 @@ inline constexpr char kHexLower[] = "0123456789abcdef";
 struct DigitPairs {
   char hex[512];
   char decimal[200];
+  char numbers[1000][4];   // the digits of numbers below a thousand, and how many they are
+  char triples[1000][4];   // the same with zeros in front
 };
 constexpr DigitPairs MakeDigitPairs() {
   DigitPairs pairs{};
@@ -21,6 +23,14 @@ constexpr DigitPairs MakeDigitPairs() {
   for (int i = 0; i < 100; ++i) {
     pairs.decimal[2 * i] = static_cast<char>('0' + i / 10);
     pairs.decimal[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  for (int i = 0; i < 1000; ++i) {
+    const char digits[3] = {static_cast<char>('0' + i / 100), static_cast<char>('0' + i / 10 % 10),
+                            static_cast<char>('0' + i % 10)};
+    const int count = i < 10 ? 1 : i < 100 ? 2 : 3;
+    for (int at = 0; at < 3; ++at) pairs.triples[i][at] = digits[at];
+    for (int at = 0; at < count; ++at) pairs.numbers[i][at] = digits[3 - count + at];
+    pairs.numbers[i][3] = static_cast<char>(count);
   }
   return pairs;
 }
@@ -88,19 +98,40 @@ inline int32_t CountDigits(uint32_t value) {
   return least + (value >= kPowersOfTen[least] ? 1 : 0);
 }
 
-// Both write digits from `to` on and return their end: decimal ones of a number below kCountedDigits, upper-case hexadecimal ones,
-// as many as the number has and at least `least`, which is 8 at most.
+// Both write digits from `to` on and return their end: decimal ones, which take up to four bytes behind the text's end along, and
+// upper-case hexadecimal ones, as many as the number has and at least `least`, which is 8 at most.
 inline char* PutDigits(char* to, uint32_t value) {
-  if (value < 10) {
-    *to = static_cast<char>('0' + value);
-    return to + 1;
+  const auto number = [&to](uint32_t below) {
+    std::memcpy(to, kDigitPairs.numbers[below], 4);
+    to += kDigitPairs.numbers[below][3];
+  };
+  const auto triple = [&to](uint32_t below) {
+    std::memcpy(to, kDigitPairs.triples[below], 4);
+    to += 3;
+  };
+  if (value < 1000) [[likely]] {
+    number(value);
+    return to;
   }
-  char* const end = to + CountDigits(value);
-  WriteDecimal(end, value);
-  return end;
+  const uint32_t thousands = value / 1000;
+  if (thousands < 1000) {
+    number(thousands);
+  } else {
+    const uint32_t millions = thousands / 1000;
+    if (millions < 1000) {
+      number(millions);
+    } else {
+      number(millions / 1000);
+      triple(millions % 1000);
+    }
+    triple(thousands % 1000);
+  }
+  triple(value % 1000);
+  return to;
 }
 
-// The same with `fill` in front where there are less than `least`, which is 16 at most: so many have room.
+// Decimal digits of a number below kCountedDigits with `fill` in front where there are less than `least`, which is 16 at most: so
+// many have room.
 inline char* PutFilledDigits(char* to, uint32_t value, int32_t least, char fill) {
   const int32_t count = CountDigits(value);
   char* const end = to + (count > least ? count : least);

@@ -3,12 +3,11 @@
 #include <bit>
 
 #include "core/bits.h"
-#include "core/bounded_text.h"
-#include "core/digits.h"
-#include "core/octet_picture.h"
-#include "core/sixteen.h"
+#include "core/piece_writer.h"
 
 namespace qxview {
+
+namespace detail {
 namespace {
 
 // Where a text goes on, and the terminator's place when it is full.
@@ -157,100 +156,45 @@ inline int32_t DrawBits(const FormatArgument& argument, char* out) {
   return out.at;
 }
 
-// The fields of a piece out of its word: the innermost loop looks at few of them.
-constexpr uint32_t BitsAt(uint32_t word, int32_t first, int32_t count) {
-  const int32_t shift = std::endian::native == std::endian::little ? first : 32 - first - count;
-  return word >> shift & ((1u << count) - 1);
-}
-inline uint32_t WordOf(FormatPiece piece) {
-  uint32_t word;
-  std::memcpy(&word, &piece, sizeof word);
-  return word;
-}
-constexpr uint32_t LiteralOf(uint32_t word) { return BitsAt(word, 0, 10); }
-constexpr uint32_t ConversionLengthOf(uint32_t word) { return BitsAt(word, 10, 4); }
-constexpr bool IsPlain(uint32_t word) { return BitsAt(word, 14, 11) == 0; }   // no precision, no width
-constexpr uint32_t PrecisionOf(uint32_t word) { return BitsAt(word, 14, 5); }
-constexpr uint32_t WidthOf(uint32_t word) { return BitsAt(word, 19, 6); }
-constexpr bool IsWide(uint32_t word) { return BitsAt(word, 26, 1) != 0; }
-constexpr Conversion ConversionOf(uint32_t word) { return static_cast<Conversion>(BitsAt(word, 27, 4)); }
-
-constexpr uint32_t MaskAt(int32_t first, int32_t count) {
-  return ((1u << count) - 1) << (std::endian::native == std::endian::little ? first : 32 - first - count);
-}
-// Whether this is the conversion, with neither precision nor width.
-constexpr bool IsPlain(uint32_t word, Conversion conversion) {
-  constexpr uint32_t kWidths = MaskAt(14, 11), kConversion = MaskAt(27, 4);
-  constexpr uint32_t kOne = kConversion & ~(kConversion << 1);   // the lowest bit of it
-  return (word & (kWidths | kConversion)) == kOne * static_cast<uint32_t>(conversion);
-}
-
-constexpr size_t kMostMade = 48;   // of addresses, pictures and numbers, with their terminator
 static_assert(kIPv6TextSize <= kMostMade && kBitPictureSize <= kMostMade && kMostDigits <= kMostMade);
+constexpr bool IsPlain(uint32_t word) { return (word & MaskAt(14, 11)) == 0; }   // no precision, no width
 
-// The other forms of texts than a terminated one that is neither cut nor filled.
-[[gnu::noinline]] char* PutText(Output out, FormatPiece piece, const FormatArgument& argument) {
+}  // namespace
+
+char* PutText(char* at, char* end, FormatPiece piece, const FormatArgument& argument) {
+  const Output out{at, end};
   const uint32_t form = argument.form & 0xFF;
   const bool isQuick = IsPlain(WordOf(piece)) && RoomOf(out) >= kMostMade;
-  if (form == FormatArgument::kBits) return isQuick ? out.at + DrawBits(argument, out.at) : PutMade(out, piece, argument);
-  if (argument.value == 0) return out.at;
-  if (form == FormatArgument::kAddress) return isQuick ? out.at + FormatAddress(argument, out.at) : PutMade(out, piece, argument);
+  if (form == FormatArgument::kBits) return isQuick ? at + DrawBits(argument, at) : PutMade(out, piece, argument);
+  if (argument.value == 0) return at;
+  if (form == FormatArgument::kSlice && isQuick) {
+    if (argument.length <= 0) return at;
+    const size_t length = static_cast<size_t>(argument.length);
+    if (RoomOf(out) >= length + kSixteen) return CopySlice(at, reinterpret_cast<const char*>(BytesOf(argument)), length);
+  }
+  if (form == FormatArgument::kAddress) return isQuick ? at + FormatAddress(argument, at) : PutMade(out, piece, argument);
   if (form == FormatArgument::kHex) return PutHexSlice(out, piece, argument);
   if (form == FormatArgument::kDeferred) return PutDeferred(out, piece, argument);
   return PutCutText(out, piece, argument);
 }
 
-// Numbers that are filled or have a least count of digits, in the ways that most texts have them.
-[[gnu::noinline]] char* PutFormedNumber(Output out, FormatPiece piece, uint64_t given) {
+// In the ways that most texts have them where there is room.
+char* PutFormedNumber(char* at, char* end, FormatPiece piece, uint64_t given) {
   const uint64_t value = piece.wide ? given : static_cast<uint32_t>(given);
-  if (value <= UINT32_MAX && RoomOf(out) >= kMostDigits) {
+  if (value <= UINT32_MAX && end - at >= static_cast<ptrdiff_t>(kMostDigits)) {
     const uint32_t number = static_cast<uint32_t>(value);
     const Conversion conversion = static_cast<Conversion>(piece.conversion);
     if (conversion == Conversion::kHexUpper && piece.width == 0 && piece.precision <= 8) {
-      return PutHexDigits(out.at, number, static_cast<int32_t>(piece.precision));
+      return PutHexDigits(at, number, static_cast<int32_t>(piece.precision));
     }
     if (conversion == Conversion::kUnsigned && piece.precision == 0 && piece.width <= kSixteen && value < kCountedDigits) {
-      return PutFilledDigits(out.at, number, static_cast<int32_t>(piece.width), piece.zeroFill ? '0' : ' ');
+      return PutFilledDigits(at, number, static_cast<int32_t>(piece.width), piece.zeroFill ? '0' : ' ');
     }
   }
-  return PutNumber(out, piece, given);
+  return PutNumber({at, end}, piece, given);
 }
 
-// What every piece may write without looking at the room that is left: a literal in two steps of sixteen, and what is made.
-constexpr size_t kMostQuickLiteral = 2 * kSixteen;
-constexpr ptrdiff_t kAmpleRoom = 96;
-static_assert(kAmpleRoom >= static_cast<ptrdiff_t>(kMostQuickLiteral + kMostMade) && kMostMade >= 2 * kSixteen);
-
-// The picture of eight bits, or of sixteen, which nearly all are; null for others.
-inline char* PutShortBits(char* at, const FormatArgument& argument) {
-  const uint32_t width = argument.form >> 8 & 0xFF, first = argument.form >> 16 & 0xFF, count = argument.form >> 24;
-  if ((width != 8 && width != 16) || first + count > width) [[unlikely]] return nullptr;
-  const uint32_t mask = ((1u << count) - 1) << (width - first - count);
-  const uint32_t value = static_cast<uint32_t>(argument.value);
-  if (width == 8) [[likely]] {
-    DrawOctet(value, mask, at);
-    return at + 8;
-  }
-  DrawOctet(value >> 8 & 0xFF, mask >> 8, at);
-  at[8] = ' ';
-  DrawOctet(value & 0xFF, mask & 0xFF, at + 9);
-  return at + 17;
-}
-
-// A terminated text in front of ample room; what is longer than sixteen characters is copied up to the end.
-inline char* PutTerminated(char* at, const char* end, const char* text) {
-  if (MayRead(text, kSixteen)) [[likely]] {
-    const uint32_t length = CopyUpToZero(at, text);
-    if (length < kSixteen) [[likely]] return at + length;
-    at += kSixteen;
-    text += kSixteen;
-  }
-  return PutBytes(at, end, text, LengthOfText(text));
-}
-
-// The rest of a text where its end is near, piece by piece.
-[[gnu::noinline]] char* PutPieces(char* at, char* end, const char* text, const FormatPiece* pieces,
-                                  const FormatArgument* arguments) {
+char* PutPieces(char* at, char* end, const char* text, const FormatPiece* pieces, const FormatArgument* arguments) {
   for (;; ++pieces, ++arguments) {
     const uint32_t word = WordOf(*pieces);
     at = PutBytes(at, end, text, LiteralOf(word));
@@ -260,75 +204,17 @@ inline char* PutTerminated(char* at, const char* end, const char* text) {
       case Conversion::kCharacter:
         if (at < end) *at++ = static_cast<char>(arguments->value);
         break;
-      case Conversion::kText: at = PutText({at, end}, *pieces, *arguments); break;
-      default: at = PutFormedNumber({at, end}, *pieces, arguments->value);
+      case Conversion::kText: at = PutText(at, end, *pieces, *arguments); break;
+      default: at = PutFormedNumber(at, end, *pieces, arguments->value);
     }
   }
 }
 
-}  // namespace
+}  // namespace detail
 
 int32_t FormatPieces(char* out, int32_t size, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
-  char* at = out;
-  char* const end = out + size - 1;
-  for (;; ++pieces, ++arguments) {
-    if (end - at < kAmpleRoom) [[unlikely]] {
-      at = PutPieces(at, end, text, pieces, arguments);
-      break;
-    }
-    const uint32_t word = WordOf(*pieces);
-    const size_t literal = LiteralOf(word);
-    if (literal <= kMostQuickLiteral && MayRead(text, kMostQuickLiteral)) [[likely]] {
-      CopySixteen(at, text);
-      CopySixteen(at + kSixteen, text + kSixteen);
-    } else {
-      if (static_cast<size_t>(end - at) < literal + kMostMade) {
-        at = PutPieces(at, end, text, pieces, arguments);
-        break;
-      }
-      CopyShort(at, text, literal);
-    }
-    at += literal;
-    text += literal + ConversionLengthOf(word);
-    if (IsPlain(word, Conversion::kText)) {
-      const FormatArgument& argument = *arguments;
-      if (argument.form == FormatArgument::kTerminated) {
-        if (argument.value) at = PutTerminated(at, end, reinterpret_cast<const char*>(BytesOf(argument)));
-      } else if (char* drawn; (argument.form & 0xFF) == FormatArgument::kBits && (drawn = PutShortBits(at, argument)) != nullptr) {
-        at = drawn;
-      } else {
-        at = PutText({at, end}, *pieces, argument);
-      }
-      continue;
-    }
-    switch (ConversionOf(word)) {
-      case Conversion::kNone: *at = 0; return static_cast<int32_t>(at - out);
-      case Conversion::kCharacter: *at++ = static_cast<char>(arguments->value); continue;
-      case Conversion::kText: at = PutText({at, end}, *pieces, *arguments); continue;
-      case Conversion::kSigned:
-      case Conversion::kUnsigned: {
-        // A negative number is one of many digits here.
-        const uint64_t value = IsWide(word) ? arguments->value : static_cast<uint32_t>(arguments->value);
-        if (IsPlain(word) && value < kCountedDigits) {
-          at = PutDigits(at, static_cast<uint32_t>(value));
-        } else {
-          at = PutFormedNumber({at, end}, *pieces, arguments->value);
-        }
-        continue;
-      }
-      case Conversion::kHexUpper: {
-        const uint64_t value = IsWide(word) ? arguments->value : static_cast<uint32_t>(arguments->value);
-        if (value <= UINT32_MAX && WidthOf(word) == 0 && PrecisionOf(word) <= 8) {
-          at = PutHexDigits(at, static_cast<uint32_t>(value), static_cast<int32_t>(PrecisionOf(word)));
-        } else {
-          at = PutFormedNumber({at, end}, *pieces, arguments->value);
-        }
-        continue;
-      }
-      default: at = PutFormedNumber({at, end}, *pieces, arguments->value);
-    }
-  }
+  char* const at = detail::WritePieces(out, out + size - 1, text, pieces, arguments);
   *at = 0;
   return static_cast<int32_t>(at - out);
 }

@@ -152,6 +152,7 @@ void ToldGroup::Keep(const Place& at, const Field& told) {
     const bool isUnder = line.parent == at.parent;
     if (line.rangeIndex != ranges_ + i || RangeKind(range) != kFieldKind || offset < 0) return;
     if (!isUnder && line.parent <= lines_) return;
+    if (line.depth > LineStore::kDeepestPrinted) return;
     const uint32_t blanks = LineStore::BlanksUnder(line.depth - 1u);
     if (used + blanks + line.length + 1 > kMostKeptText) return;
     std::memset(kept.text + used, ' ', blanks);

@@ -8,6 +8,8 @@
 #include <emmintrin.h>
 #endif
 
+#include "core/digits.h"
+
 namespace qxview {
 
 constexpr size_t kSixteen = 16;
@@ -16,23 +18,34 @@ constexpr size_t kSixteen = 16;
 inline size_t CountOthers(const char* text, size_t length) {
 #ifdef __SSE2__
   constexpr size_t kMostSteps = 255;   // that a byte counts
-  const __m128i blank = _mm_set1_epi8(0x20), first = _mm_set1_epi8('~' - 0x20 + 1), zero = _mm_setzero_si128();
-  const auto others = [&](const char* at) {
-    const __m128i c = _mm_sub_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)), blank);
-    return _mm_cmpeq_epi8(_mm_max_epu8(c, first), c);
+  // One more than a printable character is above 0x20, with a sign; all others are below or were 0x7F.
+  const __m128i one = _mm_set1_epi8(1), blank = _mm_set1_epi8(0x20), zero = _mm_setzero_si128();
+  const auto printable = [&](const char* at) {
+    return _mm_cmpgt_epi8(_mm_add_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)), one), blank);
   };
-  size_t found = 0;
+  alignas(kSixteen) static constexpr uint64_t kOfRest[4] = {~uint64_t{0}, ~uint64_t{0}, 0, 0};
+  const char* const ofRest = reinterpret_cast<const char*>(kOfRest) + kSixteen - length % kSixteen;
   const char* const lastWhole = text + length / kSixteen * kSixteen;
-  while (text != lastWhole) {
-    const size_t steps = static_cast<size_t>(lastWhole - text) / kSixteen;
-    const char* const end = text + (steps < kMostSteps ? steps : kMostSteps) * kSixteen;
+  __m128i found = _mm_setzero_si128();   // of the printable ones, in two halves
+  size_t left = length / kSixteen;
+  do {
     __m128i counts = zero;
-    for (; text != end; text += kSixteen) counts = _mm_sub_epi8(counts, others(text));
-    const __m128i sums = _mm_sad_epu8(counts, zero);
-    found += static_cast<size_t>(_mm_cvtsi128_si32(sums)) + static_cast<size_t>(_mm_extract_epi16(sums, 4));
-  }
-  const uint32_t rest = static_cast<uint32_t>(_mm_movemask_epi8(others(text))) & ((1u << length % kSixteen) - 1);
-  return rest ? found + static_cast<size_t>(__builtin_popcount(rest)) : found;
+    const size_t steps = left < kMostSteps - 1 ? left : kMostSteps - 1;
+    const char* const end = text + steps * kSixteen;
+    for (; end - text >= static_cast<ptrdiff_t>(4 * kSixteen); text += 4 * kSixteen) {
+      counts = _mm_sub_epi8(counts, printable(text));
+      counts = _mm_sub_epi8(counts, printable(text + kSixteen));
+      counts = _mm_sub_epi8(counts, printable(text + 2 * kSixteen));
+      counts = _mm_sub_epi8(counts, printable(text + 3 * kSixteen));
+    }
+    for (; text != end; text += kSixteen) counts = _mm_sub_epi8(counts, printable(text));
+    left -= steps;
+    if (left == 0) {
+      counts = _mm_sub_epi8(counts, _mm_and_si128(printable(lastWhole), _mm_loadu_si128(reinterpret_cast<const __m128i*>(ofRest))));
+    }
+    found = _mm_add_epi32(found, _mm_sad_epu8(counts, zero));
+  } while (left != 0);
+  return length - static_cast<size_t>(_mm_cvtsi128_si32(_mm_add_epi32(found, _mm_srli_si128(found, 8))));
 #else
   size_t found = 0;
   for (size_t at = 0; at < length; ++at) found += static_cast<uint8_t>(text[at] - 0x20) > '~' - 0x20;
@@ -52,6 +65,24 @@ inline void CopyShownSixteen(char* to, const uint8_t* from) {
 #endif
 }
 
+// Copies a text of so many bytes up to its first zero; returns where that ends. Sixteen bytes more have room there.
+inline char* CopySlice(char* to, const char* from, size_t length) {
+#ifdef __SSE2__
+  CopyShort(to, from, length);
+  for (size_t at = 0; at < length; at += kSixteen) {
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(to + at));
+    uint32_t ends = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(c, _mm_setzero_si128())));
+    if (length - at < kSixteen) ends &= (1u << (length - at)) - 1;
+    if (ends != 0) return to + at + __builtin_ctz(ends);
+  }
+  return to + length;
+#else
+  length = strnlen(from, length);
+  CopyShort(to, from, length);
+  return to + length;
+#endif
+}
+
 inline void CopySixteen(char* to, const char* from) { std::memcpy(to, from, kSixteen); }
 
 // Reading beside a text, in the same page: what lies there is there, and ignored.
@@ -59,6 +90,11 @@ inline void CopySixteen(char* to, const char* from) { std::memcpy(to, from, kSix
 constexpr size_t kLeastPage = 4096;
 // Whether so many characters from here on can be read, if the first can.
 inline bool MayRead(const char* text, size_t count) { return reinterpret_cast<uintptr_t>(text) % kLeastPage <= kLeastPage - count; }
+
+// The last address of the text's page from which so many can be read.
+inline uintptr_t LastReadable(const char* text, size_t count) {
+  return (reinterpret_cast<uintptr_t>(text) | (kLeastPage - 1)) + 1 - count;
+}
 
 // Copies sixteen characters; how many of them stand before the first zero.
 inline uint32_t CopyUpToZero(char* to, const char* from) {
@@ -82,6 +118,7 @@ inline size_t LengthOfText(const char* text) {
 }
 #else
 inline bool MayRead(const char*, size_t) { return false; }
+inline uintptr_t LastReadable(const char*, size_t) { return 0; }
 inline uint32_t CopyUpToZero(char*, const char*) { return 0; }
 inline size_t LengthOfText(const char* text) { return std::strlen(text); }
 #endif

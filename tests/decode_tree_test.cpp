@@ -192,8 +192,13 @@ TEST(ArenaTrees, AreWhatTheirRunsSay) {
       if (random() % 10 == 0) text += "\n\x01\x7F\x80\xFF"[random() % 5];
       const auto length = static_cast<int32_t>(text.size());
       LineHandle line;
-      if (random() % 2) {
+      LineStore& store = *tree.Lines();
+      const uint32_t way = random() % 3;
+      if (way == 0) {
         line = tree.Append({parent, text.c_str(), length, 9, i, false});
+      } else if (way == 1 && store.HasRoom(1, 80) && !store.isLinked && tree.DepthOf(parent) < int32_t{LineStore::kDeepestPrinted}) {
+        const LineStore::Begun begun = store.Begin(static_cast<uint32_t>(parent), 9, i);
+        line = store.End(begun, begun.room + text.copy(begun.room, text.size()));
       } else {
         char* const room = tree.Lines()->Room(parent, 80);
         ASSERT_TRUE(room);

@@ -9,6 +9,7 @@
 #include "core/bounded_text.h"
 #include "core/levels.h"
 #include "core/name_table.h"
+#include "core/piece_writer.h"
 #include "tests/support/decoding.h"
 #include "tests/support/guarded_memory.h"
 
@@ -99,7 +100,7 @@ TEST(Formatter, DrawsBitsOfEveryWidthAsTheirPicture) {
 
 TEST(Formatter, CountsDigitsAtTheirBorders) {
   for (uint64_t power = 1; power <= 1000000000; power *= 10) {
-    for (const uint64_t number : {power - 1, power, power + 1}) {
+    for (const uint64_t number : {power - 1, power, power + 1, 4 * power, uint64_t{UINT32_MAX}}) {
       const uint32_t value = static_cast<uint32_t>(number);
       EXPECT_EQ(Formatted("%u", value), std::to_string(value));
     }
@@ -133,6 +134,75 @@ TEST(Formatter, NeverPassesItsBuffer) {
   EXPECT_EQ(FormatInto(nullptr, 5, "x"), 0);
   char full[4] = "abc";
   EXPECT_EQ(AppendFormat(full, sizeof full, "%u", 1u), 3);
+}
+
+// What the quick loop writes beside what is written piece by piece, in room of every size.
+template <class... Args>
+void ExpectTheSamePieces(FormatText<std::type_identity_t<Args>...> text, const Args&... args) {
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  const GuardedMemory memory(4096);
+  for (size_t size = 1; size < 400; size += 1 + size / 40) {
+    char slowly[400], *const quickly = reinterpret_cast<char*>(memory.Room(size));
+    const char* const slowEnd = detail::PutPieces(slowly, slowly + size - 1, text.text, text.pieces, arguments.of);
+    const std::string expected(slowly, static_cast<size_t>(slowEnd - slowly));
+    const char* const end = detail::WritePieces(quickly, quickly + size - 1, text.text, text.pieces, arguments.of);
+    ASSERT_EQ(std::string(quickly, static_cast<size_t>(end - quickly)), expected) << text.text << " in " << size;
+  }
+}
+
+TEST(Formatter, WritesQuicklyWhatItWritesPieceByPiece) {
+  const uint8_t bytes[16] = {192, 0, 2, 1, 0xFE, 0x80, 0, 0, 0, 0, 9};
+  const std::string letters(90, 'q');
+  for (size_t length = 0; length <= letters.size(); length = length < 35 ? length + 1 : length + 7) {
+    const char* const name = letters.c_str() + letters.size() - length;
+    const TextSlice slice{name, static_cast<int32_t>(length)};
+    ExpectTheSamePieces("Name: %s", name);
+    ExpectTheSamePieces("%s%s, %s and a literal that takes more than thirty-two characters%s", name, slice, name, name);
+    ExpectTheSamePieces("%12s %.5s %20.3s|%s", name, name, slice, static_cast<const char*>(nullptr));
+    std::string cut = letters;
+    cut[length * 7 % letters.size()] = 0;
+    ExpectTheSamePieces("[%s]", TextSlice{cut.c_str(), static_cast<int32_t>(length)});
+  }
+  std::mt19937 random(3);
+  for (int32_t i = 0; i < 3000; ++i) {
+    const uint64_t wide = (uint64_t{random()} << 32 | random()) >> random() % 64;
+    const uint32_t number = random() >> random() % 32;
+    const int32_t sign = static_cast<int32_t>(number) * (i % 2 ? -1 : 1);
+    ExpectTheSamePieces("%u %d %u %d %lu, %ld", number, sign, sign, number, number, sign);
+    ExpectTheSamePieces("%I64u %I64d %I64X %c|%I64u", wide, wide, wide, number & 0x7F, number);
+    ExpectTheSamePieces("%02u:%02u %2u %04u 0x%.04X %.02X %04X %02X %X %x %.08X", number % 120, number, number, number, number, number,
+                        number, number, number, number, number);
+    ExpectTheSamePieces("%s = %s; %s (%s) %s", BitSlice{number, static_cast<uint8_t>(8 << i % 3), static_cast<uint8_t>(i % 9), 4}, "x",
+                        IPv4Text(bytes + i % 4), MacText(bytes), HexSlice{bytes, i % 16, i % 2 ? ' ' : '\0'});
+  }
+}
+
+// From the end of a page, so that what is read behind the text would be seen.
+TEST(Sixteen, CountsAndCopiesTextsOfEveryLength) {
+  const GuardedMemory memory(16384);
+  std::mt19937 random(4);
+  for (size_t length = 0; length < 9000; length = length < 200 ? length + 1 : length * 5 / 4) {
+    char* const text = reinterpret_cast<char*>(memory.Room(length + kSixteen));
+    for (const uint32_t kinds : {1u, 3u, 256u}) {
+      size_t others = 0;
+      for (size_t i = 0; i < length; ++i) {
+        text[i] = random() % 40 < kinds ? static_cast<char>(random()) : 'a';
+        others += text[i] < ' ' || text[i] > '~';
+      }
+      std::memset(text + length, '\n', kSixteen);
+      EXPECT_EQ(CountOthers(text, length), others) << length;
+    }
+    std::memset(text, '\n', length);
+    EXPECT_EQ(CountOthers(text, length), length);
+    char* const slice = reinterpret_cast<char*>(memory.Room(length));
+    std::vector<char> copied(length + kSixteen);
+    for (size_t zero = 0; zero <= length; zero = zero < 70 ? zero + 1 : zero * 2) {
+      std::memset(slice, 'a', length);
+      if (zero < length) slice[zero] = 0;
+      EXPECT_EQ(CopySlice(copied.data(), slice, length) - copied.data(), static_cast<ptrdiff_t>(std::min(zero, length)));
+      EXPECT_EQ(std::memcmp(copied.data(), slice, std::min(zero, length)), 0);
+    }
+  }
 }
 
 TEST(Names, BinaryLookUpAgreesWithALinearOne) {

@@ -96,6 +96,10 @@ LineHandle ArenaTree::NextSibling(LineHandle line) const {
   if (isInOrder && !isLinked && stepped_ <= 2 * uint64_t{count}) {
     const uint16_t depth = lines[line].depth;
     LineHandle at = line + 1;
+    for (; at + 4 <= count; at += 4) {
+      const Line* const next = lines + at;
+      if (next[0].depth <= depth || next[1].depth <= depth || next[2].depth <= depth || next[3].depth <= depth) break;
+    }
     while (at <= count && lines[at].depth > depth) ++at;
     stepped_ += at - line;
     return at <= count && lines[at].depth == depth ? at : 0;
@@ -152,6 +156,7 @@ char* ArenaTree::Retext(LineHandle handle, uint32_t wanted, uint32_t kept) {
     line.edited = offset;
     line.editedRoom = room;
     line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | kIsEdited);
+    areAllPrinted = false;
     editsUsed_ = offset + room;
   }
   line.length = wanted;
@@ -175,22 +180,30 @@ bool ArenaTree::AppendText(LineHandle line, const char* given, int32_t length, i
   return true;
 }
 
-// All texts at once: beside their line feeds there is nothing else, or they are looked at one by one.
+// Some lines at once: beside their line feeds there is nothing else, or they are looked at one by one.
 void ArenaTree::LookAtTexts() const {
-  const uint32_t start = StartOf(lines[lookedAt_ + 1]);
-  if (CountOthers(text + start, textUsed - start) != count - lookedAt_) {
-    for (uint32_t line = lookedAt_ + 1; line <= count; ++line) {
-      if (CountOthers(text + lines[line].made, lines[line].length) == 0) continue;
-      if (!(lines[line].flags & kIsEdited)) lines[line].flags = static_cast<uint8_t>(lines[line].flags & ~kIsPrinted);
+  constexpr uint32_t kLinesAtOnce = 16;
+  while (lookedAt_ < count) {
+    const uint32_t first = lookedAt_ + 1, behind = count - lookedAt_ > kLinesAtOnce ? first + kLinesAtOnce : count + 1;
+    const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
+    lookedAt_ = behind - 1;
+    if (CountOthers(text + start, end - start) == behind - first) continue;
+    areAllPrinted = false;
+    for (uint32_t line = first; line < behind; ++line) {
+      if (lines[line].flags & kIsEdited || CountOthers(text + lines[line].made, lines[line].length) == 0) continue;
+      lines[line].flags = static_cast<uint8_t>(lines[line].flags & ~kIsPrinted);
     }
   }
-  lookedAt_ = count;
 }
 
 std::string_view ArenaTree::PrintedFrom(LineHandle* line) const {
   if (lookedAt_ < count) LookAtTexts();
   const LineHandle first = *line;
-  LineHandle at = first;
+  LineHandle at = areAllPrinted ? count + 1 : first;
+  for (; at + 4 <= count; at += 4) {
+    const Line* const next = lines + at;
+    if (!(next[0].flags & next[1].flags & next[2].flags & next[3].flags & kIsPrinted)) break;
+  }
   while (at <= count && lines[at].flags & kIsPrinted) ++at;
   *line = at <= count ? at : 0;
   if (at == first) return {};
@@ -219,7 +232,7 @@ void ArenaTree::Clear() {
   count = textUsed = editsUsed_ = lookedAt_ = 0;
   stepped_ = 0;
   if (lines) lines[0] = Line{};
-  isInOrder = true;
+  isInOrder = areAllPrinted = true;
   isLinked = anyExpanded_ = false;
   expandedLevels_ = 0;
   selected_ = 0;

@@ -38,6 +38,7 @@ struct LineStore {
   uint32_t textUsed = 0, textCapacity = 0;
   char* edits = nullptr;                // texts that were changed
   bool isInOrder = true;                // the lines are shown in the order of their handles, none of them deleted
+  mutable bool areAllPrinted = true;    // no line is deep or edited, nor was one of other text than printable ASCII found
   mutable bool isLinked = false;        // the tree keeps links, which every further line needs
   mutable bool wasShort = false;  // some text or line found no memory, ever
 
@@ -75,12 +76,43 @@ struct LineStore {
     line.depth = static_cast<uint16_t>(depth + 1);
     line.image = static_cast<uint8_t>(image);
     line.flags = FirstFlags(depth);
+    if (depth > kDeepestPrinted) [[unlikely]] areAllPrinted = false;
     return isLinked && !LinkLast() ? 0 : added;
   }
 
+  // The same for a line that has room (HasRoom), is not deep and has no links to be made: its text goes where Begin says, up to
+  // where End is told.
+  struct Begun {
+    Line& line;
+    char* room;
+  };
+  Begun Begin(uint32_t parent, int32_t image, uint32_t rangeIndex) {
+    const uint32_t depth = lines[parent].depth, made = textUsed + 2 * depth;
+    char* const start = text + textUsed;
+    Line& line = lines[count + 1];
+    ComeUnder(parent);
+    line.made = made;
+    line.rangeIndex = rangeIndex;
+    line.parent = parent;
+    line.depth = static_cast<uint16_t>(depth + 1);
+    line.image = static_cast<uint8_t>(image);
+    line.flags = kIsPrinted;
+    PutBlanks(start);
+    PutBlanks(start + kSixteen);
+    return {line, start + 2 * depth};
+  }
+  LineHandle End(const Begun& begun, char* end) {
+    *end = '\n';
+    const uint32_t length = static_cast<uint32_t>(end - begun.room);
+    begun.line.length = length;
+    textUsed = begun.line.made + length + 1;
+    return ++count;
+  }
+
+  bool HasRoom(uint32_t more, uint64_t size) const { return count + more < capacity && textUsed + size + kBeside <= textCapacity; }
   // Room for so many lines with so many bytes of text, beside that of the last one.
   bool Reserve(uint32_t more, uint64_t size) {
-    if (count + more < capacity && textUsed + size + kBeside <= textCapacity) [[likely]] return true;
+    if (HasRoom(more, size)) [[likely]] return true;
     return Grow(more, size);
   }
   // A line comes behind all others and under this one.
