@@ -178,6 +178,7 @@ int32_t OfferWanFrame(const Place& at, const Cursor& c) {
 
 int32_t OfferPayload(const Place& at, PayloadHook hook, const Cursor& c) {
   const CustomLibraries& libraries = at.view->engine->libraries;
+  if (libraries.count == 0) return 0;
   const char* entryPoint = hook == PayloadHook::kIp    ? "CustomDecodeIP"
                            : hook == PayloadHook::kTcp ? "CustomDecodeTCP"
                                                        : "CustomDecodeUDP";

@@ -151,6 +151,24 @@ int32_t Decode(const Place& at, Cursor& c, DecoderFunction decode) {
   return result;
 }
 
+// What is left of the payload as a block where decoders stand in one another too deep.
+int32_t TryToDecode(const Place& at, Cursor& c, DecoderFunction decode, const char* title) {
+  if (PacketOf(at).nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
+  return Decode(at, c, decode);
+}
+
+// Whether the payload is this protocol's, of one whose lines nobody wants.
+int32_t TryPlain(const Place& at, Cursor& c, DecoderFunction decode, const char* title) {
+  PacketState& packet = PacketOf(at);
+  const bool reached = packet.limitReached;
+  const int32_t left = packet.linesLeft;
+  packet.limitReached = true;
+  const int32_t result = TryToDecode(at, c, decode, title);
+  packet.limitReached = reached;
+  if (packet.linesLeft < left) packet.linesLeft = left - 1;   // that it shows something counts, not how much
+  return result;
+}
+
 }  // namespace
 
 bool detail::EndList(const Place& at, Cursor& c) {
@@ -159,21 +177,12 @@ bool detail::EndList(const Place& at, Cursor& c) {
 }
 
 int32_t TryDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
-  PacketState& packet = PacketOf(at);
-  if (packet.nesting >= kMostNesting) return title ? AddRawRest(at, c, title) : 0;
-  if (!PassesOver(at, decode)) [[likely]] return Decode(at, c, decode);
-  const bool reached = packet.limitReached;
-  const int32_t left = packet.linesLeft;
-  packet.limitReached = true;
-  const int32_t result = Decode(at, c, decode);
-  packet.limitReached = reached;
-  if (packet.linesLeft < left) packet.linesLeft = left - 1;   // that it shows something counts, not how much
-  return result;
+  return PassesOver(at, decode) ? TryPlain(at, c, decode, title) : TryToDecode(at, c, decode, title);
 }
 
 int32_t CallDecoder(const Place& at, Cursor c, DecoderFunction decode, const char* title) {
-  if (decode && title && PassesOver(at, decode)) return 1;
-  const int32_t result = decode ? TryDecoder(at, c, decode, title) : 0;
+  if (decode && PassesOver(at, decode)) return title ? 1 : TryPlain(at, c, decode, title);
+  const int32_t result = decode ? TryToDecode(at, c, decode, title) : 0;
   if (result != 0 || !title) return result;
   return AddRawRest(at, c, title);
 }

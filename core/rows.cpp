@@ -213,22 +213,73 @@ int32_t TakeCount(RowWalk& walk, Cursor& c, const RowData& row, bool shows) {
   return number > INT32_MAX ? INT32_MAX : static_cast<int32_t>(number);
 }
 
-Field TakeSized(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool shows) {
-  if (row.form == RowForm::kBits) {
-    Field bits = walk.word;
-    const int32_t behind = 8 * walk.word.length - row.firstBit - row.bitCount;
-    bits.value = static_cast<uint32_t>(uint64_t{walk.word.value} >> (behind & 31) & ((uint64_t{1} << row.bitCount) - 1));
-    return bits;
-  }
+// What the next rows see of a field.
+inline Field NoteTaken(RowWalk& walk, const RowData& row, Field field) {
+  if (field.here && IsNumber(row.form)) field.value = static_cast<uint32_t>(NumberOf(field, IsLittle(walk, row)));
+  walk.word = field.length <= 4 ? field : Field{};   // bits of a number that is not here are not here either
+  return field;
+}
+
+[[gnu::noinline]] Field TakeVariable(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool shows) {
   const bool variable = row.size == 0, isOwn = size == kOwnSize;
   if (isOwn) size = row.size;
   if (row.countSize) size = TakeCount(walk, c, row, shows);
   else if (variable && isOwn) size = Left(c) ? LengthOf(c, row) : -1;
   // A length that says more than is there takes what is there.
   if (variable && size > Left(c)) size = Left(c);
-  Field field = TakeBytes(c, size);
-  if (field.here && IsNumber(row.form)) field.value = static_cast<uint32_t>(NumberOf(field, IsLittle(walk, row)));
-  walk.word = field.length <= 4 ? field : Field{};   // bits of a number that is not here are not here either
+  return NoteTaken(walk, row, TakeBytes(c, size));
+}
+
+inline Field TakeSized(RowWalk& walk, Cursor& c, const RowData& row, int32_t size, bool shows) {
+  if (row.form == RowForm::kBits) {
+    Field bits = walk.word;
+    const int32_t behind = 8 * walk.word.length - row.firstBit - row.bitCount;
+    bits.value = static_cast<uint32_t>(uint64_t{walk.word.value} >> (behind & 31) & ((uint64_t{1} << row.bitCount) - 1));
+    return bits;
+  }
+  if (size == kOwnSize && row.size != 0 && row.countSize == 0) [[likely]] return NoteTaken(walk, row, TakeBytes(c, row.size));
+  return TakeVariable(walk, c, row, size, shows);
+}
+
+void AddNote(const RowWalk& walk, const RowData& row, const Field& field) {
+  const Place& at = walk.at;
+  if (!Displaying(at) || IsUnmade(at, at.parent) || (row.noteWhenSet && field.value == 0)) return;
+  RowArguments arguments;
+  Arrange(arguments, row.note, row, walk, field);
+  AppendFormatted(at, at.parent, row.note.text, row.note.pieces, arguments.of);
+}
+
+// The row where nobody wants its line; a top line may take its note.
+[[gnu::noinline]] Field PassRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
+  const Field field = TakeSized(walk, c, row, size, true);
+  const Place& at = walk.at;
+  if (!field.here || at.dead) return field;
+  if (row.form == RowForm::kShown) {
+    row.show(at, field, row.label ? row.label : walk.title);
+  } else if (row.line.text && (field.length > 0 || !row.quiet)) {
+    const bool isDump = row.form == RowForm::kBytes && field.length > kMostShownBytes;
+    if (isDump) AddBlock(at, field, row.label ? row.label : walk.title); else CountSilentLine(at);
+  }
+  if (row.form != RowForm::kBits) walk.parent = kLineOutsideDisplay;
+  if (row.form == RowForm::kFlags) AddFlagLines(walk, row, field);
+  if (row.note.text) AddNote(walk, row, field);
+  return field;
+}
+
+[[gnu::noinline]] Field MakeRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
+  const Field field = TakeSized(walk, c, row, size, true);
+  const Place& at = walk.at;
+  if (!field.here || at.dead) return field;
+  const bool isBits = row.form == RowForm::kBits;
+  LineHandle line = 0;
+  if (row.form == RowForm::kShown) {
+    row.show(at, field, row.label ? row.label : walk.title);
+  } else if (row.line.text && (field.length > 0 || !row.quiet)) {
+    line = AddRowLine(walk, row, field);
+  }
+  if (!isBits) walk.parent = line ? line : at.parent;
+  if (row.form == RowForm::kFlags) AddFlagLines(walk, row, field);
+  if (row.note.text) AddNote(walk, row, field);
   return field;
 }
 
@@ -249,24 +300,7 @@ Field TakeRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
 }
 
 Field ShowRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
-  const Field field = TakeSized(walk, c, row, size, true);
-  const Place& at = walk.at;
-  if (!field.here || at.dead) return field;
-  const bool isBits = row.form == RowForm::kBits;
-  LineHandle line = 0;
-  if (row.form == RowForm::kShown) {
-    row.show(at, field, row.label ? row.label : walk.title);
-  } else if (row.line.text && (field.length > 0 || !row.quiet)) {
-    line = AddRowLine(walk, row, field);
-  }
-  if (!isBits) walk.parent = line ? line : at.parent;
-  if (row.form == RowForm::kFlags) AddFlagLines(walk, row, field);
-  if (row.note.text && Displaying(at) && !IsUnmade(at, at.parent) && !(row.noteWhenSet && field.value == 0)) {
-    RowArguments arguments;
-    Arrange(arguments, row.note, row, walk, field);
-    AppendFormatted(at, at.parent, row.note.text, row.note.pieces, arguments.of);
-  }
-  return field;
+  return Silent(walk.at) ? PassRow(walk, c, row, size) : MakeRow(walk, c, row, size);
 }
 
 }  // namespace qxview::detail

@@ -64,6 +64,7 @@ class StateTable {
   void Clear();
 
   uint32_t Count() const { return count_; }        // of keys
+  uint32_t ValueSize() const { return row_->valueSize; }
   size_t BytesHeld() const { return bytesHeld_; }   // what is counted towards mostBytes
 
  private:

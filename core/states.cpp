@@ -46,14 +46,14 @@ const void* Replay(States& states, int32_t row, uint32_t size, StateBytes* bytes
 
 const void* RecallState(const View* view, int32_t row, const void* key, int32_t back, StateBytes* bytes) {
   States& states = StatesOf(view);
-  int32_t count;
-  const StateRow& of = StateRows(&count)[row];
+  StateTable& table = states.tables[row];
   const StateRecorder* recorder = states.recorder;
-  if (recorder && recorder->answer) return Replay(states, row, of.valueSize, bytes);
+  if (!recorder && !bytes) return table.Recall(key, back, nullptr);
+  if (recorder && recorder->answer) return Replay(states, row, table.ValueSize(), bytes);
   StateBytes held{};
-  const void* value = states.tables[row].Recall(key, back, &held);
+  const void* value = table.Recall(key, back, &held);
   if (bytes) *bytes = held;
-  if (recorder) recorder->note(recorder->user, row, {value, of.valueSize, held});
+  if (recorder) recorder->note(recorder->user, row, {value, table.ValueSize(), held});
   return value;
 }
 

@@ -152,6 +152,22 @@ const DecoderRow* FindPlaced(uint32_t key) {
 }
 constexpr size_t kByteKeys = 256, kApplicationKeys = 1024;   // a row beyond does not compile
 
+// The same for keys that are spread: of those that share a place the first is found at once.
+template <DoorKind kKind>
+struct SpreadPlaces {
+  static constexpr size_t PlaceOf(uint32_t key) { return (key ^ key >> 8) % kByteKeys; }
+  uint16_t of[kByteKeys]{};
+  consteval SpreadPlaces() {
+    for (size_t i = kDoorCount<kKind>; i-- > 0;) of[PlaceOf(kTable<kKind>.rows[i].key)] = static_cast<uint16_t>(i);
+  }
+};
+template <DoorKind kKind>
+const DecoderRow* FindSpread(uint32_t key) {
+  static constexpr SpreadPlaces<kKind> kPlaces;
+  const DecoderRow& row = kTable<kKind>.rows[kPlaces.of[kPlaces.PlaceOf(key)]];
+  return row.key == key ? &row : FindRow<kKind>(key);
+}
+
 struct NamedTable {
   const char* name;
   DecoderRowSpan rows;
@@ -178,7 +194,7 @@ const DecoderRow* FindMedium(uint8_t mediaType) { return FindPlaced<DoorKind::kM
 const DecoderRow* FindLinkEncapsulation(uint32_t key) { return FindRow<DoorKind::kEncapsulation>(key); }
 const DecoderRow* FindLlcService(LlcService service) { return FindRow<DoorKind::kLlc>(static_cast<uint32_t>(service)); }
 const DecoderRow* FindEthertype(uint16_t ethertype) {
-  return FindRow<DoorKind::kEthertype>(ethertype > kFirstNbp && ethertype <= kLastNbp ? kFirstNbp : ethertype);
+  return FindSpread<DoorKind::kEthertype>(ethertype > kFirstNbp && ethertype <= kLastNbp ? kFirstNbp : ethertype);
 }
 const DecoderRow* FindIpProtocol(uint8_t protocol) { return FindPlaced<DoorKind::kIpProtocol, kByteKeys>(protocol); }
 const DecoderRow* FindIPv6NextHeader(uint8_t nextHeader) { return FindPlaced<DoorKind::kNextHeader, kByteKeys>(nextHeader); }

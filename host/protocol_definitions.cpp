@@ -229,11 +229,9 @@ int32_t ProtocolDefinitions::FindPort(void* table, uint16_t port, int32_t* ident
   return entry ? 1 : 0;
 }
 
-int32_t ProtocolDefinitions::FindAddress(void* table, const AddressSlot* address, uint16_t port,
+int32_t ProtocolDefinitions::FindDefined(void* table, const AddressSlot* address, uint16_t port,
                                          int32_t* identifier) noexcept {
-  if (!table || !address) return 0;
   auto* definitions = static_cast<DefinitionTable*>(table);
-  if (!definitions->endPorts[port]) return 0;
   int32_t found = 0;
   if (const HashEntry* entry = HashFindGenericIPPort(definitions->hash.get(), *address, port)) {
     found = entry->identifier;   // the user's word before what was learnt

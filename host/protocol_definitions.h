@@ -48,7 +48,10 @@ class ProtocolDefinitions {
   // What the host's record asks for. Tables are opaque to the module; `which` is a QxDefinitionTable. None throws.
   void* Table(int32_t which) noexcept;
   static int32_t FindPort(void* table, uint16_t port, int32_t* identifier) noexcept;
-  static int32_t FindAddress(void* table, const AddressSlot* address, uint16_t port, int32_t* identifier) noexcept;
+  static int32_t FindAddress(void* table, const AddressSlot* address, uint16_t port, int32_t* identifier) noexcept {
+    const bool isDefined = table && address && static_cast<DefinitionTable*>(table)->endPorts[port];
+    return isDefined ? FindDefined(table, address, port, identifier) : 0;
+  }
   static void Lock(void* table) noexcept;
   static void Unlock(void* table) noexcept;
   // transport: QxTransport. Takes the table's lock itself.
@@ -71,6 +74,7 @@ class ProtocolDefinitions {
     std::bitset<65536> endPorts;    // of these, that an end was defined or learnt at once: most packets' ports are none
     TableLock lock;
   };
+  static int32_t FindDefined(void* table, const AddressSlot* address, uint16_t port, int32_t* identifier) noexcept;
   DefinitionTable tables_[4];   // by QxDefinitionTable
 };
 

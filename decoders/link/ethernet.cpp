@@ -4,14 +4,17 @@
 //   destination  source       type/length  payload
 //
 // A type/length of at most 1500 is the length of an 802.2 payload; anything above is an Ethertype.
+#include "core/engine.h"
 #include "core/line_facts.h"
 #include "decoders/link/medium.h"
+#include "decoders/net/ipv4.h"
 
 namespace qxview {
 namespace {
 
 constexpr uint16_t kMostLength = 1500;
-constexpr uint16_t kEthertypeVlan = 0x8100, kEthertypeVnTag = 0x8926, kEthertypeIpx = 0x8137;
+constexpr uint16_t kEthertypeIPv4 = 0x0800, kEthertypeVlan = 0x8100, kEthertypeVnTag = 0x8926, kEthertypeIpx = 0x8137;
+constexpr int32_t kFrameLines = 3;   // of the frame itself, in any case
 constexpr uint32_t kNovellRaw = 0xFFFF;   // IPX without an 802.2 header starts with a checksum of all ones
 
 // ISL trunks address their frames to 01-00-0C-00-00 or 03-00-0C-00-00; the sixth byte is not looked at.
@@ -39,6 +42,26 @@ Place NetworkPlace(const Place& in) {
   network.parent = 0;
   network.dead = false;
   return network;
+}
+
+// Nobody wants a line of the frame, and it is as most are: nothing around it, and a plain datagram in it. What that leaves for
+// later packets is left in one step.
+bool PassPlainFrame(const Place& at, const Cursor& c) {
+  constexpr int32_t kHeader = 2 * kMacAddressLength + 2;
+  constexpr uint32_t kTrailerSuffix = 0x88FB;   // what may be a trailer is for DecodeRedundancyTrailer to tell
+  if (!Silent(at) || PacketOf(at).asked || PeekU16(c, 2 * kMacAddressLength) != kEthertypeIPv4) return false;
+  const FrameRecord* record = PacketOf(at).frame;
+  if (record->receiveErrors || HeldCheckSequence(record) || at.view->engine->libraries.count) return false;
+  if (PeekU16(c, Left(c) - 2) == kTrailerSuffix) return false;
+  Cursor datagram = c;
+  TakeBytes(datagram, kHeader);
+  const int32_t linesLeft = PacketOf(at).linesLeft;
+  constexpr int32_t kLines = kFrameLines + 4;   // and those of the header
+  CountLines(at, kLines + (record->partial == 1));
+  AddCaptureLines(at);
+  if (PassPlainDatagram(at, datagram)) return true;
+  PacketOf(at).linesLeft = linesLeft;
+  return false;
 }
 
 }  // namespace
@@ -86,6 +109,7 @@ int32_t DecodeMacHeader(const Place& at, Cursor c) {
 }
 
 int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
+  if (PassPlainFrame(at, c)) return 1;
   const FrameRecord* record = PacketOf(at).frame;
   constexpr uint32_t kUnsafeToOffer = kReceiveAlignment | kReceiveCrc;
   if (!(record->receiveErrors & kUnsafeToOffer) && Left(c) >= 4 && OfferFrame(at, c)) return 1;
@@ -96,8 +120,7 @@ int32_t DecodeEthernetFrame(const Place& at, Cursor c) {
   const Cursor frame = c;
   const Field checkSequence = CutCheckSequence(at, c);
   if (NobodyWants(at, {kFrameProtocol})) {
-    constexpr int32_t kLines = 3;   // in any case
-    CountLines(at, kLines + (record->partial == 1) + checkSequence.here);
+    CountLines(at, kFrameLines + (record->partial == 1) + checkSequence.here);
     AddCaptureLines(at);
   } else {
     const Place in = AddFrameSummary(at, frame);

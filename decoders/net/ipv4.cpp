@@ -253,4 +253,31 @@ int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
 
 int32_t DecodeIPv4(const Place& at, Cursor c) { return DecodeIpDatagram(at, c, nullptr); }
 
+bool PassPlainDatagram(const Place& at, Cursor c) {
+  constexpr uint32_t kVersionAndLength = 0x45;
+  constexpr uint8_t kTcp = 6, kUdp = 17;
+  constexpr int32_t kDecoders = 2;   // IP's own, and the transport's
+  PacketState& packet = PacketOf(at);
+  if (Left(c) < kFixedLength || PeekU8(c) != kVersionAndLength) return false;
+  if (packet.quoted || packet.nesting + kDecoders > kMostNesting) return false;
+  const Header header = ReadHeader(c);
+  const bool isWhole = header.payloadLength > 0 && header.payloadLength <= Left(c) - kFixedLength && !header.offloaded;
+  if (!isWhole || header.moreFragments || header.fragmentOffset > 0) return false;
+  if (header.protocol != kTcp && header.protocol != kUdp) return false;
+  if (PeekU16(c, 10) != 0 && SumWords(0, c.at, kFixedLength) != 0xFFFF) return false;
+  constexpr int32_t kLines = 17;   // but those of the type of service
+  CountLines(at, kLines);
+  AddTypeOfService(at, PeekBytes(c, 1, 1));
+  RecordDatagram(packet, header);
+  RecordNetwork(packet, header);
+  TakeBytes(c, kFixedLength);
+  Cursor payload = TakeCursor(c, header.payloadLength);
+  payload.begin = payload.offset;
+  ReachLayer(at, DispatchTable::kIpProtocol, header.protocol, payload);
+  packet.nesting += kDecoders;
+  FindIpProtocol(header.protocol)->decode(Deeper(at), payload);
+  packet.nesting -= kDecoders;
+  return true;
+}
+
 }  // namespace qxview

@@ -12,4 +12,8 @@ int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label);
 // The same without a label.
 int32_t DecodeIPv4(const Place& at, Cursor c);
 
+// Of a frame whose lines nobody wants: records and dispatches a datagram as most are (no options, in one piece, all of it there,
+// its checksum good, TCP or UDP in it). False, with nothing done, for any other.
+bool PassPlainDatagram(const Place& at, Cursor c);
+
 }  // namespace qxview

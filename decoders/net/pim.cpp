@@ -242,6 +242,7 @@ int32_t DecodePim(const Place& at, Cursor c) {
   const uint32_t type = PeekU8(c) & 15;
   const LineHandle line = AddLine(at, type == kRegister && Left(c) >= 8 ? Ahead(c, 8) : message, "PIMv2 %s", LookupName(kTypeNames, type));
   const Place in = Under(at, line);
+  if (type != kRegister && !Displaying(in) && NobodyWants(in)) return 1;   // the datagram in a register is for its own decoders
   Pim pim = ShowRows(in, c, kHead);
   ShowRows<Pim>(in, c, type == kElection   ? RowSpan<Pim>(kSubtype)
                        : type == kBootstrap ? RowSpan<Pim>(kBootstrapFlags)

@@ -55,6 +55,7 @@ void ResolveSegment(const Place& at, Segment& segment) {
 }
 
 LineHandle AddTopLine(const Place& at, const Segment& segment) {
+  if (Silent(at)) return at.dead ? 0 : CountLine(at.view);
   const PacketState& packet = PacketOf(at);
   const int32_t left = Left(segment.start);
   const Field header = Ahead(segment.start, segment.headerLength < left ? segment.headerLength : left);
@@ -206,13 +207,23 @@ void AddCalculatedLines(const Place& in, const Segment& segment, int32_t dataLen
   }
 }
 
+// Two bytes of padding and timestamps: what nearly all options are, and nothing for later.
+bool IsTimestampsAlone(const Cursor& area) {
+  constexpr int32_t kSize = 12;
+  constexpr uint32_t kStart = 0x0101080A;
+  return Left(area) == kSize && PeekU32(area) == kStart;
+}
+
 void AddOptions(const Place& in, Cursor& c, const Segment& segment) {
   const int32_t declared = segment.headerLength - kFixedHeader;
   const bool whole = declared <= Left(c);
   const Cursor area = TakeCursor(c, declared);
   int32_t exponent = kNoWindowScale;
   const bool isSyn = segment.flags & kSyn;
-  if (Left(area) > 0 && (isSyn || !in.view->context->headersOnly)) {   // none but a SYN's is needed later
+  if (IsTimestampsAlone(area) && NobodyWants(in)) {
+    constexpr int32_t kLines = 10;
+    CountLines(in, kLines);
+  } else if (Left(area) > 0 && (isSyn || !in.view->context->headersOnly)) {   // none but a SYN's is needed later
     exponent = DecodeTcpOptions(Under(in, AddLine(in, Ahead(area, Left(area)), "Options:")), area, declared);
   }
   if (isSyn && whole && !segment.isBad && !PacketOf(in).quoted) {
