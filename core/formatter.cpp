@@ -187,7 +187,9 @@ char* PutFormedNumber(char* at, char* end, FormatPiece piece, uint64_t given) {
     if (conversion == Conversion::kHexUpper && piece.width == 0 && piece.precision <= 8) {
       return PutHexDigits(at, number, static_cast<int32_t>(piece.precision));
     }
-    if (conversion == Conversion::kUnsigned && piece.precision == 0 && piece.width <= kSixteen && value < kCountedDigits) {
+    const bool isUnsigned = conversion == Conversion::kUnsigned && piece.precision == 0;
+    if (isUnsigned && piece.width > 0 && piece.width <= 10 && number >= kPowersOfTen[piece.width - 1]) return PutDigits(at, number);
+    if (isUnsigned && piece.width <= kSixteen && value < kCountedDigits) {
       return PutFilledDigits(at, number, static_cast<int32_t>(piece.width), piece.zeroFill ? '0' : ' ');
     }
   }

@@ -1,5 +1,6 @@
 #include "core/line_group.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,14 +14,18 @@ namespace {
 
 constexpr uint32_t kMostKeptLines = 16;
 constexpr uint32_t kMostKeptText = 960;   // bytes, with the lines' blanks and line feeds
-constexpr int32_t kMostTold = 8;          // bytes that tell of a group
-constexpr int32_t kPlaceBits = 7;
+constexpr int32_t kMostTold = 16;         // bytes that tell of a group
+constexpr int32_t kPlaceBits = 6;         // pairs of places
+
+// Four numbers that are added to four others at once, where the processor can.
+using Four = uint32_t __attribute__((vector_size(16)));
 
 struct KeptLine {
-  uint32_t made, length;   // in the group's text
-  uint32_t parent;         // one more than the place in the group; 0: the line that the group is added under
-  uint16_t depth;
-  uint8_t image, flags;
+  // As a line's first four: where its text stands in the group's, its length, its place in the group, and its parent's place, for
+  // one under the line that the group is added under as that of the line before the group.
+  uint32_t place[4];
+  uint32_t ofParent[4];    // all bits of the last for such a line: what is added if that line is another one
+  uint32_t looks;          // a line's depth, image and flags as they stand there
   ByteRange range;         // its offset from that of the bytes
 };
 
@@ -28,7 +33,7 @@ struct KeptLine {
 
 struct KeptGroup {
   const char* name;        // null: none yet
-  uint64_t bytes, shape;
+  uint64_t bytes[2], shape;
   uint32_t count, textLength;
   KeptLine lines[kMostKeptLines];
   char text[kMostKeptText];
@@ -37,7 +42,8 @@ struct KeptGroup {
 }  // namespace detail
 
 struct KeptGroups {
-  detail::KeptGroup places[1 << detail::kPlaceBits];
+  detail::KeptGroup places[1 << detail::kPlaceBits][2];
+  uint8_t older[1 << detail::kPlaceBits];   // of each pair
 };
 
 KeptGroups* CreateKeptGroups() { return static_cast<KeptGroups*>(std::calloc(1, sizeof(KeptGroups))); }
@@ -69,42 +75,57 @@ LineGroup::~LineGroup() {
 
 namespace {
 
-uint64_t BytesOf(const Field& told) {
-  uint64_t bytes = 0;
-  for (int32_t i = 0; i < told.length; ++i) bytes = bytes << 8 | told.bytes[i];
-  return bytes;
-}
-
-KeptGroup& PlaceOf(KeptGroups& groups, const char* name, uint64_t bytes) {
-  constexpr uint64_t kMixer = 0x9E3779B97F4A7C15;
-  const uint64_t mixed = (bytes * kMixer ^ reinterpret_cast<uintptr_t>(name)) * kMixer;
-  return groups.places[mixed >> (64 - kPlaceBits)];
+// The group's own place, or the one that it is to take.
+KeptGroup& PlaceOf(KeptGroups& groups, const char* name, const uint64_t (&bytes)[2], uint64_t shape) {
+  constexpr uint64_t kMixer = 0x9E3779B97F4A7C15, kOther = 0xD6E8FEB86659FD93;
+  const uint64_t mixed = ((bytes[0] ^ bytes[1] * kOther) * kMixer ^ reinterpret_cast<uintptr_t>(name)) * kMixer;
+  const uint64_t at = mixed >> (64 - kPlaceBits);
+  KeptGroup (&pair)[2] = groups.places[at];
+  for (uint32_t i = 0; i < 2; ++i) {
+    KeptGroup& place = pair[i];
+    if (place.bytes[0] != bytes[0] || place.bytes[1] != bytes[1] || place.name != name || place.shape != shape) continue;
+    groups.older[at] = static_cast<uint8_t>(1 - i);
+    return place;
+  }
+  KeptGroup& place = pair[groups.older[at]];
+  groups.older[at] ^= 1;
+  place.name = nullptr;
+  return place;
 }
 
 constexpr int32_t kOffsetBit = 10;                  // of a byte range
 constexpr int32_t kMostOffset = (1 << 25) - 1;      // so that offsets can be added
 
+constexpr size_t kLooksAt = offsetof(LineStore::Line, depth);
+static_assert(offsetof(LineStore::Line, image) == kLooksAt + 2 && offsetof(LineStore::Line, flags) == kLooksAt + 3);
+
+inline Four FourOf(const uint32_t (&numbers)[4]) {
+  Four four;
+  std::memcpy(&four, numbers, sizeof four);
+  return four;
+}
+
 void Copy(const KeptGroup& kept, const Place& at, const Field& told, DecodeContext& context, LineStore& store) {
-  const uint32_t parent = static_cast<uint32_t>(at.parent), first = store.count + 1, start = store.textUsed;
+  using Line = LineStore::Line;
+  static_assert(offsetof(Line, made) == 0 && offsetof(Line, length) == 4);
+  static_assert(offsetof(Line, rangeIndex) == 8 && offsetof(Line, parent) == 12);
+  const uint32_t parent = static_cast<uint32_t>(at.parent), start = store.textUsed, firstRange = context.rangeCount;
   store.ComeUnder(parent);
   std::memcpy(store.text + start, kept.text, kept.textLength);
-  ByteRange* const ranges = context.rangeTable + context.rangeCount;
+  const Four starts = {start, 0, firstRange, store.count}, ofParent = {0, 0, 0, parent - store.count};
   const ByteRange offset = static_cast<ByteRange>(static_cast<uint32_t>(told.offset)) << kOffsetBit;
+  ByteRange* const ranges = context.rangeTable + firstRange;
+  Line* const lines = store.lines + store.count + 1;
   for (uint32_t i = 0; i < kept.count; ++i) {
     const KeptLine& from = kept.lines[i];
-    LineStore::Line& line = store.lines[first + i];
-    line.made = start + from.made;
-    line.length = from.length;
-    line.rangeIndex = context.rangeCount + i;
-    line.parent = from.parent ? store.count + from.parent : parent;
-    line.depth = from.depth;
-    line.image = from.image;
-    line.flags = from.flags;
+    const Four place = FourOf(from.place) + (FourOf(from.ofParent) & ofParent) + starts;
+    std::memcpy(lines + i, &place, sizeof place);
+    std::memcpy(reinterpret_cast<char*>(lines + i) + kLooksAt, &from.looks, sizeof from.looks);
     ranges[i] = from.range + offset;
   }
   store.count += kept.count;
   store.textUsed = start + kept.textLength;
-  context.rangeCount += kept.count;
+  context.rangeCount = firstRange + kept.count;
   context.packet.linesLeft -= static_cast<int32_t>(kept.count);
 }
 
@@ -115,14 +136,14 @@ ToldGroup::ToldGroup(const Place& at, const Field& told, const char* name) : nam
   LineStore* const store = OpenLines(&context, at.tree);
   if (!store || context.facts || !context.groups || at.dead || !told.here || at.parent > store->count || store->isLinked) return;
   if (told.length < 1 || told.length > kMostTold || told.offset < 0 || told.offset > kMostOffset || !store->lines) return;
-  bytes_ = BytesOf(told);
+  CopyShort(reinterpret_cast<char*>(bytes_), reinterpret_cast<const char*>(told.bytes), static_cast<size_t>(told.length));
   shape_ = static_cast<uint64_t>(static_cast<uint16_t>(at.level)) |
            static_cast<uint64_t>(static_cast<uint16_t>(at.lineSize)) << 16 |
            static_cast<uint64_t>(store->lines[at.parent].depth) << 32 | static_cast<uint64_t>(told.length) << 48;
-  kept_ = &PlaceOf(*context.groups, name, bytes_);
+  kept_ = &PlaceOf(*context.groups, name, bytes_, shape_);
   lines_ = store->count;
   ranges_ = context.rangeCount;
-  if (kept_->bytes != bytes_ || kept_->name != name || kept_->shape != shape_) return;
+  if (!kept_->name) return;
   if (context.packet.linesLeft <= static_cast<int32_t>(kept_->count) ||
       ranges_ + kept_->count >= context.rangeCapacity || !store->Reserve(kept_->count, kept_->textLength)) {
     kept_ = nullptr;
@@ -158,14 +179,17 @@ void ToldGroup::Keep(const Place& at, const Field& told) {
     std::memset(kept.text + used, ' ', blanks);
     used += blanks;
     std::memcpy(kept.text + used, store.PlaceOf(line), line.length);
-    kept.lines[i] = {used, line.length, isUnder ? 0 : line.parent - lines_, line.depth, line.image,
-                     LineStore::FirstFlags(line.depth - 1u),
+    LineStore::Line looks = line;
+    looks.flags = LineStore::FirstFlags(line.depth - 1u);
+    kept.lines[i] = {{used, line.length, i, isUnder ? 0 : line.parent - lines_}, {0, 0, 0, isUnder ? UINT32_MAX : 0}, 0,
                      MakeByteRange(kFieldKind, offset, static_cast<int32_t>(RangeLength(range)))};
+    std::memcpy(&kept.lines[i].looks, reinterpret_cast<const char*>(&looks) + kLooksAt, sizeof kept.lines[i].looks);
     used += line.length;
     kept.text[used++] = '\n';
   }
   kept.name = name_;
-  kept.bytes = bytes_;
+  kept.bytes[0] = bytes_[0];
+  kept.bytes[1] = bytes_[1];
   kept.shape = shape_;
   kept.count = count;
   kept.textLength = used;

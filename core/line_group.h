@@ -35,12 +35,13 @@ class ToldGroup {
  public:
   ToldGroup(const Place& at, const Field& told, const char* name);
   bool IsCopied() const { return isCopied_; }
+  LineHandle First() const { return lines_ + 1; }
   void Keep(const Place& at, const Field& told);   // the lines that were added since
 
  private:
   KeptGroup* kept_ = nullptr;
   const char* name_;
-  uint64_t bytes_ = 0, shape_ = 0;
+  uint64_t bytes_[2] = {0, 0}, shape_ = 0;
   uint32_t lines_ = 0, ranges_ = 0;
   bool isCopied_ = false;
 };
@@ -55,7 +56,7 @@ void AddGroup(const Place& at, const char* name, const Add& add) {
   if (!group.IsLeft()) add();
 }
 
-// The same where nothing but these bytes (8 at most) and the engine's settings tells what the lines say and which of them they
+// The same where nothing but these bytes (16 at most) and the engine's settings tells what the lines say and which of them they
 // cover.
 template <class Add>
 void AddToldGroup(const Place& at, const Field& told, const char* name, const Add& add) {
@@ -64,6 +65,17 @@ void AddToldGroup(const Place& at, const Field& told, const char* name, const Ad
   if (group.IsCopied()) return;
   add();
   group.Keep(at, told);
+}
+
+// The same where other lines are added under the first one of these, which `add` returns.
+template <class Add>
+LineHandle AddToldLines(const Place& at, const Field& told, const char* name, const Add& add) {
+  if (Silent(at) || PacketOf(at).asked) return add();
+  detail::ToldGroup group(at, told, name);
+  if (group.IsCopied()) return group.First();
+  const LineHandle first = add();
+  group.Keep(at, told);
+  return first;
 }
 
 }  // namespace qxview

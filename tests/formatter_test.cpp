@@ -191,6 +191,7 @@ TEST(Sixteen, CountsAndCopiesTextsOfEveryLength) {
       }
       std::memset(text + length, '\n', kSixteen);
       EXPECT_EQ(CountOthers(text, length), others) << length;
+      EXPECT_EQ(IsPrintableText(text, length), others == 0) << length;
     }
     std::memset(text, '\n', length);
     EXPECT_EQ(CountOthers(text, length), length);

@@ -348,6 +348,17 @@ void AddTestGroup(const Place& in, const Field& told, int* made) {
   });
 }
 
+// A group of many bytes, and a line under the first one of it.
+void AddTestLines(const Place& in, const Field& told, int* made) {
+  const LineHandle head = AddToldLines(in, told, "test lines", [&] {
+    ++*made;
+    const LineHandle first = AddLine(in, told, "Lines: %s", HexText(told));
+    AddLine(Under(in, first), Slice(told, 3, 4), "Part: %s", HexText(Slice(told, 3, 4)));
+    return first;
+  });
+  AddLine(Under(in, head), told, "Behind them");
+}
+
 // Two views get the same groups in the same places, one of which keeps none: they read alike, wherever a group stands.
 TEST(ToldGroups, AreCopiedAsTheyWouldBeAdded) {
   TestView keeping, plain;
@@ -372,6 +383,10 @@ TEST(ToldGroups, AreCopiedAsTheyWouldBeAdded) {
       for (uint32_t i = steps() % 12; i > 0; --i) {
         if (steps() % 3 == 0) path.push_back(Under(path.back(), AddLine(path.back(), Field{nullptr, 1, 2, 0, true}, "A line")));
         if (steps() % 4 == 0) path.resize(1 + steps() % path.size());
+        if (steps() % 3 == 0) {
+          const int32_t place = static_cast<int32_t>(steps() % 9) * 4;   // few, so that they come again
+          AddTestLines(path.back(), PeekBytes(MakeCursor(bytes.data(), 0, 64), place, 7 + place / 4), &made[v]);
+        }
         const int32_t offset = static_cast<int32_t>(steps() % 60), length = 1 + static_cast<int32_t>(steps() % 2);
         Cursor c = MakeCursor(bytes.data() + offset, offset, 4);
         const Field told = length == 1 ? TakeU8(c) : TakeU16(c);

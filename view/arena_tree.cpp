@@ -182,7 +182,7 @@ bool ArenaTree::AppendText(LineHandle line, const char* given, int32_t length, i
 
 // Some lines at once: beside their line feeds there is nothing else, or they are looked at one by one.
 void ArenaTree::LookAtTexts() const {
-  constexpr uint32_t kLinesAtOnce = 16;
+  constexpr uint32_t kLinesAtOnce = 32;
   while (lookedAt_ < count) {
     const uint32_t first = lookedAt_ + 1, behind = count - lookedAt_ > kLinesAtOnce ? first + kLinesAtOnce : count + 1;
     const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
@@ -190,7 +190,7 @@ void ArenaTree::LookAtTexts() const {
     if (CountOthers(text + start, end - start) == behind - first) continue;
     areAllPrinted = false;
     for (uint32_t line = first; line < behind; ++line) {
-      if (lines[line].flags & kIsEdited || CountOthers(text + lines[line].made, lines[line].length) == 0) continue;
+      if (lines[line].flags & kIsEdited || IsPrintableText(text + lines[line].made, lines[line].length)) continue;
       lines[line].flags = static_cast<uint8_t>(lines[line].flags & ~kIsPrinted);
     }
   }

@@ -6,6 +6,7 @@
 // A type/length of at most 1500 is the length of an 802.2 payload; anything above is an Ethertype.
 #include "core/engine.h"
 #include "core/line_facts.h"
+#include "core/line_group.h"
 #include "decoders/link/medium.h"
 #include "decoders/net/ipv4.h"
 
@@ -96,15 +97,21 @@ int32_t DecodeMacHeader(const Place& at, Cursor c) {
     DecodeEthernetHeader(Under(at, kLineOutsideDisplay), c);
     return 1;
   }
-  const LineHandle top =
-      AddLine(at, Ahead(c, Left(c) < 14 ? Left(c) : 14), "Ethernet Header:  %s -> %s",
-              NamedMac(at.view, PeekBytes(c, kMacAddressLength, kMacAddressLength).bytes),
-              NamedMac(at.view, PeekBytes(c, 0, kMacAddressLength).bytes));
-  const Place in = Under(at, top);
+  constexpr int32_t kHeaderLength = 14;
+  const bool isWhole = Left(c) >= kHeaderLength;
+  const Field header = Ahead(c, isWhole ? kHeaderLength : Left(c)), addresses = PeekBytes(c, 0, 2 * kMacAddressLength);
   const Field destination = TakeBytes(c, kMacAddressLength), source = TakeBytes(c, kMacAddressLength);
-  AddLine(in, destination, "Destination: %s", NamedMac(in.view, destination.bytes));
-  AddLine(in, source, "Source: %s", NamedMac(in.view, source.bytes));
-  DecodeEthernetHeader(in, c);
+  const auto add = [&] {
+    const LineHandle top = AddLine(at, header, "Ethernet Header:  %s -> %s", NamedMac(at.view, source.bytes),
+                                   NamedMac(at.view, destination.bytes));
+    const Place in = Under(at, top);
+    AddLine(in, destination, "Destination: %s", NamedMac(in.view, destination.bytes));
+    AddLine(in, source, "Source: %s", NamedMac(in.view, source.bytes));
+    return top;
+  };
+  const bool hasNames = QXVIEW_HOST_FUNCTION(at.view->engine->host, addressAlias);
+  const LineHandle top = isWhole && !hasNames ? AddToldLines(at, addresses, "ethernet addresses", add) : add();
+  DecodeEthernetHeader(Under(at, top), c);
   return 1;
 }
 

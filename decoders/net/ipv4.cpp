@@ -103,6 +103,14 @@ void AddFragment(const Place& in, const Field& fragment) {
   }
 }
 
+void AddAddresses(const Place& in, const Field& addresses) {
+  const auto source = IPv4Text(addresses.bytes), destination = IPv4Text(Slice(addresses, 4, 4).bytes);
+  const Place both =
+      Under(in, AddLine(in, addresses, "IP Addresses: Source = %s,  Destination = %s", source, destination));
+  AddLine(both, Slice(addresses, 0, 4), "Source: %s", source);
+  AddLine(both, Slice(addresses, 4, 4), "Destination: %s", destination);
+}
+
 // Whether the header's own words agree with its checksum; none counts as agreement.
 bool AddChecksum(const Place& in, const Field& checksum, const Header& header) {
   return AddChecksumLine(in, checksum, "Header checksum:", checksum.value == 0 ? "Not Present" : nullptr,
@@ -138,18 +146,15 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
     AddLine(in, identification, "ID: 0x%.04X (%d)", identification.value, identification.value);
   });
   AddToldGroup(in, fragment, "ip fragment", [&] { AddFragment(in, fragment); });
-  const Field timeToLive = TakeU8(c);
-  AddLine(in, timeToLive, "Time to live: %d", timeToLive.value);
-  const Field protocol = TakeU8(c);
-  AddLine(in, protocol, "Protocol: %d = %s", protocol.value, IpProtocolName(protocol.value));
+  const Field both = PeekBytes(c, 0, 2), timeToLive = TakeU8(c), protocol = TakeU8(c);
+  AddToldGroup(in, both, "ip protocol", [&] {
+    AddLine(in, timeToLive, "Time to live: %d", timeToLive.value);
+    AddLine(in, protocol, "Protocol: %d = %s", protocol.value, IpProtocolName(protocol.value));
+  });
   if (cut) return false;
   header.checksumGood = AddChecksum(in, TakeU16(c), header);
   const Field addresses = TakeBytes(c, 8);
-  const auto source = IPv4Text(addresses.bytes), destination = IPv4Text(Slice(addresses, 4, 4).bytes);
-  const Place both =
-      Under(in, AddLine(in, addresses, "IP Addresses: Source = %s,  Destination = %s", source, destination));
-  AddLine(both, Slice(addresses, 0, 4), "Source: %s", source);
-  AddLine(both, Slice(addresses, 4, 4), "Destination: %s", destination);
+  AddToldGroup(in, addresses, "ip addresses", [&] { AddAddresses(in, addresses); });
   if (header.length > kFixedLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kFixedLength));
   return true;
 }

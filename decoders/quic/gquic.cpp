@@ -107,16 +107,15 @@ void ShowBody(const Place& in, Cursor& c, const Cursor& whole, uint32_t version,
   const Field header = PeekBytes(whole, 0, c.offset - whole.offset);
   const Field hash = PeekBytes(c, 0, kHashSize), frames = PeekBytes(c, kHashSize, Left(c) - kHashSize);
   // A cut packet has no hash to hold: what its frames look like tells.
-  const bool isOpen = HashHolds(header, hash, frames, version, fromClient) ||
-                      (hash.here && (PacketOf(in).network.fragmented || StartsGoogleHandshake(frames, version)));
+  const bool holds = HashHolds(header, hash, frames, version, fromClient);
+  const bool isOpen = holds || (hash.here && (PacketOf(in).network.fragmented || StartsGoogleHandshake(frames, version)));
   if (!hash.here || frames.length < 1 || !isOpen) {
     const Field rest = Rest(c);
     AddLine(in, rest, "Protected Payload: %d bytes", rest.length);
     return;
   }
   const Field taken = TakeBytes(c, kHashSize);
-  AddLine(in, taken, "Message Authentication Hash: %s%s", HexDigits(taken),
-          HashHolds(header, hash, frames, version, fromClient) ? " (Good)" : "");
+  AddLine(in, taken, "Message Authentication Hash: %s%s", HexDigits(taken), holds ? " (Good)" : "");
   if (version < kFirstWithNewAck) {
     const uint32_t flags = PeekU8(c);
     ShowRows(in, c, kPrivateFlags);
