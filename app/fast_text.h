@@ -63,6 +63,12 @@ inline const EscapeTable kJsonForms = MakeForms([](uint8_t c, char* bytes) -> ui
 // How many bytes a character may take, and how many bytes more are written behind the text without meaning.
 constexpr size_t kLongestEscape = 6, kWrittenAhead = 16;
 
+inline char* PutForm(char* to, const EscapeTable& table, char c) {
+  const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(c)];
+  std::memcpy(to, &form, sizeof form);
+  return to + form.length;
+}
+
 // Writes a text of Windows-1252 by the table's forms, and returns its end. `to` has room for kLongestEscape times the text, and
 // kWrittenAhead; `readsAhead` where sixteen bytes behind the text may be read.
 template <bool kIsJson, bool readsAhead = false>
@@ -92,19 +98,16 @@ inline char* PutEscaped(char* to, std::string_view text) {
     const uint32_t plain = static_cast<uint32_t>(__builtin_ctz(mask));
     at += plain;
     to += plain;
+    if (end - at < 24) break;   // as in a dump's row, where others follow here and there
     do {
-      const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
-      std::memcpy(to, &form, sizeof form);
-      to += form.length;
+      to = PutForm(to, table, *at++);
     } while (at < end && static_cast<int8_t>(*at) < 0x20);   // they come in runs
-    if (end - at < 24) break;   // as in a dump's row, where others follow
   }
 #endif
-  while (at < end) {
-    const EscapeTable::Form& form = table.forms[static_cast<uint8_t>(*at++)];
-    std::memcpy(to, &form, sizeof form);
-    to += form.length;
+  for (; end - at >= 4; at += 4) {
+    for (size_t i = 0; i < 4; ++i) to = PutForm(to, table, at[i]);
   }
+  while (at < end) to = PutForm(to, table, *at++);
   return to;
 }
 

@@ -17,12 +17,14 @@ constexpr int32_t kRowBytes = 16;
 constexpr int32_t kCharacterColumn = 58;   // counted from 0
 constexpr int32_t kRowSize = kCharacterColumn + kRowBytes + 1;
 
+inline void PutHexPair(char* out, uint8_t byte) { std::memcpy(out, kHexPairs + size_t{byte} * 2, 2); }
+
 // What a row starts as: its offset, and blanks up to the characters.
 inline void PutRowStart(char* out, int32_t rowOffset) {
   static_assert(4 * kSixteen >= kCharacterColumn && 4 * kSixteen <= kRowSize);
-  for (size_t i = 0; i < 4; ++i) PutBlanks(out + i * kSixteen);
-  std::memcpy(out, kHexPairs + 2 * (rowOffset >> 8 & 0xFF), 2);
-  std::memcpy(out + 2, kHexPairs + 2 * (rowOffset & 0xFF), 2);
+  std::memset(out, ' ', 4 * kSixteen);
+  PutHexPair(out, static_cast<uint8_t>(rowOffset >> 8));
+  PutHexPair(out + 2, static_cast<uint8_t>(rowOffset));
 }
 
 // "0010  41 42 ...  43 44 ...   AB..CD": one row; returns its length.
@@ -31,7 +33,7 @@ int32_t FormatDumpRow(char* out, int32_t rowOffset, const uint8_t* bytes, int32_
   char* at = out + 6;
   for (int32_t i = 0; i < count; ++i, at += 3) {
     if (i == 8) ++at;
-    std::memcpy(at, kHexPairs + 2 * bytes[i], 2);
+    PutHexPair(at, bytes[i]);
   }
   at = out + kCharacterColumn;
   for (int32_t i = 0; i < count; ++i) {
@@ -45,8 +47,8 @@ int32_t FormatDumpRow(char* out, int32_t rowOffset, const uint8_t* bytes, int32_
 // The same of sixteen bytes without a translation, which nearly all rows are; returns its end.
 inline char* FormatWholeRow(char* out, int32_t rowOffset, const uint8_t* bytes) {
   PutRowStart(out, rowOffset);
-  for (int32_t i = 0; i < 8; ++i) std::memcpy(out + 6 + 3 * i, kHexPairs + 2 * bytes[i], 2);
-  for (int32_t i = 8; i < kRowBytes; ++i) std::memcpy(out + 7 + 3 * i, kHexPairs + 2 * bytes[i], 2);
+  for (int32_t i = 0; i < 8; ++i) PutHexPair(out + 6 + 3 * i, bytes[i]);
+  for (int32_t i = 8; i < kRowBytes; ++i) PutHexPair(out + 7 + 3 * i, bytes[i]);
   CopyShownSixteen(out + kCharacterColumn, bytes);
   return out + kCharacterColumn + kRowBytes;
 }

@@ -92,7 +92,7 @@ int32_t FormatColonBytes(const uint8_t* bytes, int32_t count, bool led, char* at
   char* const start = at;
   for (int32_t i = 0; i < count; ++i) {
     if (i > 0 || led) *at++ = ':';
-    std::memcpy(at, kHexPairs + 2 * bytes[i], 2);
+    std::memcpy(at, kHexPairs + size_t{bytes[i]} * 2, 2);
     at += 2;
   }
   *at = 0;

@@ -79,7 +79,7 @@ inline const uint8_t* BytesOf(const FormatArgument& argument) {
     const uint64_t between = static_cast<uint8_t>(separator);
     const auto pair = [&](int32_t at) {
       uint16_t digits;
-      std::memcpy(&digits, kHexPairs + 2 * bytes[at], sizeof digits);
+      std::memcpy(&digits, kHexPairs + size_t{bytes[at]} * 2, sizeof digits);
       return uint64_t{digits};
     };
     for (; i + 4 <= argument.length && out.end - out.at >= 4 * 4; i += 4, out.at += 4 * step) {

@@ -5,6 +5,9 @@
 
 #include "core/digits.h"
 #include "core/sixteen.h"
+#ifdef __SSE2__
+#include <immintrin.h>
+#endif
 
 namespace qxview {
 namespace {
@@ -25,6 +28,35 @@ bool Grow(T*& elements, uint32_t& capacity, uint64_t wanted, uint32_t first) {
   capacity = grown;
   return true;
 }
+
+// CountOthers, thirty-two characters at once where the processor has that.
+#if defined(__SSE2__) && defined(__GNUC__)
+[[gnu::target("avx2")]] size_t CountOthersWide(const char* text, size_t length) {
+  constexpr size_t kStep = 32, kMostSteps = 252;   // that a byte counts, in steps of four
+  const __m256i one = _mm256_set1_epi8(1), blank = _mm256_set1_epi8(0x20), zero = _mm256_setzero_si256();
+  size_t others = 0;
+  while (length >= 4 * kStep) {
+    const size_t steps = length / kStep < kMostSteps ? length / (4 * kStep) * 4 : kMostSteps;
+    __m256i printable = zero;
+    for (const char* const end = text + steps * kStep; text != end; text += 4 * kStep) {
+      for (size_t i = 0; i < 4; ++i) {
+        const __m256i c = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + i * kStep));
+        printable = _mm256_sub_epi8(printable, _mm256_cmpgt_epi8(_mm256_add_epi8(c, one), blank));
+      }
+    }
+    const __m256i sums = _mm256_sad_epu8(printable, zero);
+    const __m128i half = _mm_add_epi64(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
+    others += steps * kStep - static_cast<size_t>(_mm_cvtsi128_si32(half)) - static_cast<size_t>(_mm_extract_epi16(half, 4));
+    length -= steps * kStep;
+  }
+  return others + CountOthers(text, length);
+}
+size_t CountOthersQuickly(const char* text, size_t length) {
+  return __builtin_cpu_supports("avx2") ? CountOthersWide(text, length) : CountOthers(text, length);
+}
+#else
+size_t CountOthersQuickly(const char* text, size_t length) { return CountOthers(text, length); }
+#endif
 
 }  // namespace
 
@@ -187,7 +219,7 @@ void ArenaTree::LookAtTexts() const {
     const uint32_t first = lookedAt_ + 1, behind = count - lookedAt_ > kLinesAtOnce ? first + kLinesAtOnce : count + 1;
     const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
     lookedAt_ = behind - 1;
-    if (CountOthers(text + start, end - start) == behind - first) continue;
+    if (CountOthersQuickly(text + start, end - start) == behind - first) continue;
     areAllPrinted = false;
     for (uint32_t line = first; line < behind; ++line) {
       if (lines[line].flags & kIsEdited || IsPrintableText(text + lines[line].made, lines[line].length)) continue;

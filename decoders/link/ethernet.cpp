@@ -65,26 +65,37 @@ bool PassPlainFrame(const Place& at, const Cursor& c) {
   return false;
 }
 
-}  // namespace
+void AddTypeLine(const Place& in, const Field& type) {
+  if (type.value <= kMostLength) {
+    AddLine(in, type, "Length: %u", type.value);
+    return;
+  }
+  const char* name = Silent(in) ? nullptr : EthertypeName(static_cast<uint16_t>(type.value));
+  AddLine(in, type, "Ethertype: 0x%.04X = %s", type.value, name ? name : kUnknown);
+}
 
-int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
-  if (Left(c) < 2) return 0;
-  const Field type = TakeU16(c);
+int32_t DecodeBehindType(const Place& in, const Field& type, Cursor c) {
   const Place network = NetworkPlace(in);
   if (type.value > kMostLength) {
-    const char* name = Silent(in) ? nullptr : EthertypeName(static_cast<uint16_t>(type.value));
-    AddLine(in, type, "Ethertype: 0x%.04X = %s", type.value, name ? name : kUnknown);
     if (Left(c) < 4) return 1;
     const int32_t handled = DispatchEthertype(network, c, static_cast<uint16_t>(type.value));
     return handled ? handled : CallDecoder(network, c, nullptr, "Raw Data");
   }
-  AddLine(in, type, "Length: %u", type.value);
   Cursor payload = TakeCursor(c, type.value);
   if (Left(payload) >= 2 && PeekU16(payload) == kNovellRaw) {
     ReachLayer(network, DispatchTable::kEthertype, kEthertypeIpx, payload);
     return CallDecoder(network, payload, FindEthertype(kEthertypeIpx)->decode, "Raw Data");
   }
   return CallDecoder(network, payload, DecodeLlc, "Raw Data");
+}
+
+}  // namespace
+
+int32_t DecodeEthernetHeader(const Place& in, Cursor c) {
+  if (Left(c) < 2) return 0;
+  const Field type = TakeU16(c);
+  AddTypeLine(in, type);
+  return DecodeBehindType(in, type, c);
 }
 
 int32_t DecodeMacHeader(const Place& at, Cursor c) {
@@ -99,19 +110,20 @@ int32_t DecodeMacHeader(const Place& at, Cursor c) {
   }
   constexpr int32_t kHeaderLength = 14;
   const bool isWhole = Left(c) >= kHeaderLength;
-  const Field header = Ahead(c, isWhole ? kHeaderLength : Left(c)), addresses = PeekBytes(c, 0, 2 * kMacAddressLength);
-  const Field destination = TakeBytes(c, kMacAddressLength), source = TakeBytes(c, kMacAddressLength);
+  const Field header = Ahead(c, isWhole ? kHeaderLength : Left(c));
+  const Field destination = TakeBytes(c, kMacAddressLength), source = TakeBytes(c, kMacAddressLength), type = TakeU16(c);
   const auto add = [&] {
     const LineHandle top = AddLine(at, header, "Ethernet Header:  %s -> %s", NamedMac(at.view, source.bytes),
                                    NamedMac(at.view, destination.bytes));
     const Place in = Under(at, top);
     AddLine(in, destination, "Destination: %s", NamedMac(in.view, destination.bytes));
     AddLine(in, source, "Source: %s", NamedMac(in.view, source.bytes));
+    AddTypeLine(in, type);
     return top;
   };
   const bool hasNames = QXVIEW_HOST_FUNCTION(at.view->engine->host, addressAlias);
-  const LineHandle top = isWhole && !hasNames ? AddToldLines(at, addresses, "ethernet addresses", add) : add();
-  DecodeEthernetHeader(Under(at, top), c);
+  const LineHandle top = isWhole && !hasNames ? AddToldLines(at, header, "ethernet header", add) : add();
+  if (isWhole) DecodeBehindType(Under(at, top), type, c);
   return 1;
 }
 

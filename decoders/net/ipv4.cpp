@@ -140,14 +140,14 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
   const Field status = TakeU8(c), service = TakeU8(c);
   AddToldGroup(in, status, "ip status", [&] { AddStatus(in, status); });
   AddTypeOfService(in, service);
-  const Field total = TakeU16(c), identification = TakeU16(c), fragment = TakeU16(c);
+  const Field total = TakeU16(c), identification = TakeU16(c);
   AddGroup(in, "ip length", [&] {
     AddLine(in, total, "Total IP length: %u", total.value);
     AddLine(in, identification, "ID: 0x%.04X (%d)", identification.value, identification.value);
   });
-  AddToldGroup(in, fragment, "ip fragment", [&] { AddFragment(in, fragment); });
-  const Field both = PeekBytes(c, 0, 2), timeToLive = TakeU8(c), protocol = TakeU8(c);
-  AddToldGroup(in, both, "ip protocol", [&] {
+  const Field behind = PeekBytes(c, 0, 4), fragment = TakeU16(c), timeToLive = TakeU8(c), protocol = TakeU8(c);
+  AddToldGroup(in, behind, "ip fragment and protocol", [&] {
+    AddGroup(in, "ip fragment", [&] { AddFragment(in, fragment); });
     AddLine(in, timeToLive, "Time to live: %d", timeToLive.value);
     AddLine(in, protocol, "Protocol: %d = %s", protocol.value, IpProtocolName(protocol.value));
   });
