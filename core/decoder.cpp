@@ -1,5 +1,7 @@
 #include "core/decoder.h"
 
+#include <cstring>
+
 #include "core/digits.h"
 #include "core/line_facts.h"
 #include "core/made_line.h"
@@ -104,9 +106,27 @@ LineHandle AddMade(const Place& at, const Field& field, int32_t image, const cha
   return AddText(at, field, image, text, length);
 }
 
+namespace {
+
+// How long a text becomes when so many characters are appended: what is longer than a line may be joined to is cut.
+int32_t JoinedLength(int32_t used, int32_t added) {
+  if (used + added <= kMostJoinedText) return used + added;
+  return used >= kMostJoinedText - 1 ? used : kMostJoinedText - 1;
+}
+
+}  // namespace
+
 void AppendFormatted(const Place& at, LineHandle line, const char* text, const FormatPiece* pieces,
                      const FormatArgument* arguments) {
   if (IsUnmade(at, line) || WasLeft(at.view, line)) return;
+  LineStore* const lines = at.tree && !KeepsFacts(at.view) ? at.tree->Lines() : nullptr;
+  char* const place = lines ? lines->AppendedAt(line, static_cast<uint32_t>(at.lineSize)) : nullptr;
+  if (place) {
+    FormatPieces(place, at.lineSize, text, pieces, arguments);
+    const uint32_t used = lines->lines[line].length;
+    lines->Lengthen(static_cast<uint32_t>(JoinedLength(static_cast<int32_t>(used), static_cast<int32_t>(std::strlen(place)))));
+    return;
+  }
   char added[kLineSize];
   FormatPieces(added, at.lineSize, text, pieces, arguments);
   AppendToDecodeLine(at.view, at.tree, line, added);

@@ -334,6 +334,30 @@ TEST_P(Lines, CountedStringsShowThreeCharacters) {
   EXPECT_EQ(AddCountedString(view(), none.data(), 2, 0, parent, 3, "Cut", nullptr, 0), 2);
 }
 
+// The last line's text grows where it stands, others' texts elsewhere: both are cut alike, and lines behind them stay.
+TEST(AppendedTexts, AreCutWhereverTheyGrow) {
+  TestView view;
+  const Place top = TopLevel(&view.view(), kFirstLevel);
+  const Field field{nullptr, 1, 2, 0, true};
+  for (const size_t used : {0, 1, 40, 250, 298, 299, 300, 301, 420}) {
+    for (const size_t added : {0, 1, 2, 49, 50, 51, 300, 480}) {
+      for (const bool isLast : {true, false}) {
+        ClearDecodeTree(&view.view(), &view.tree(), true);
+        AddLine(top, field, "Before");
+        const std::string text(used, 'a'), more(added, 'b');
+        const LineHandle line = AddLine(top, field, "%s", text.c_str());
+        if (!isLast) AddLine(top, field, "Between");
+        AppendToLine(top, line, "%s%c", more.c_str(), 0);
+        AddLine(top, field, "Behind");
+        std::string expected = text + more;
+        if (expected.size() > 300) expected.resize(std::max<size_t>(used, 299));
+        EXPECT_EQ(view.Text(), "Before {1+2}\n" + expected + " {1+2}\n" + (isLast ? "" : "Between {1+2}\n") + "Behind {1+2}\n")
+            << used << " and " << added;
+      }
+    }
+  }
+}
+
 // Lines under one another and beside one another, some of which are changed when others stand behind them.
 void AddTestGroup(const Place& in, const Field& told, int* made) {
   AddToldGroup(in, told, "test group", [&] {

@@ -165,13 +165,8 @@ char* ArenaTree::Retext(LineHandle handle, uint32_t wanted, uint32_t kept) {
   if (isLast && !Reserve(0, wanted)) return nullptr;   // which may move the texts
   Line& line = lines[handle];
   if (isLast) {   // nothing stands behind it yet
-    char* const place = text + line.made;
-    place[wanted] = '\n';
-    textUsed = line.made + wanted + 1;
-    line.length = wanted;
-    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | FirstFlags(line.depth - 1u));
-    if (lookedAt_ >= handle) lookedAt_ = count - 1;
-    return place;
+    Lengthen(wanted);
+    return text + line.made;
   }
   const bool wasEdited = line.flags & kIsEdited;
   if (!wasEdited || wanted > line.editedRoom) {
@@ -215,10 +210,10 @@ bool ArenaTree::AppendText(LineHandle line, const char* given, int32_t length, i
 // Some lines at once: beside their line feeds there is nothing else, or they are looked at one by one.
 void ArenaTree::LookAtTexts() const {
   constexpr uint32_t kLinesAtOnce = 32;
-  while (lookedAt_ < count) {
-    const uint32_t first = lookedAt_ + 1, behind = count - lookedAt_ > kLinesAtOnce ? first + kLinesAtOnce : count + 1;
+  while (lookedAt < count) {
+    const uint32_t first = lookedAt + 1, behind = count - lookedAt > kLinesAtOnce ? first + kLinesAtOnce : count + 1;
     const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
-    lookedAt_ = behind - 1;
+    lookedAt = behind - 1;
     if (CountOthersQuickly(text + start, end - start) == behind - first) continue;
     areAllPrinted = false;
     for (uint32_t line = first; line < behind; ++line) {
@@ -229,7 +224,7 @@ void ArenaTree::LookAtTexts() const {
 }
 
 std::string_view ArenaTree::PrintedFrom(LineHandle* line) const {
-  if (lookedAt_ < count) LookAtTexts();
+  if (lookedAt < count) LookAtTexts();
   const LineHandle first = *line;
   LineHandle at = areAllPrinted ? count + 1 : first;
   for (; at + 4 <= count; at += 4) {
@@ -261,7 +256,7 @@ void ArenaTree::Delete(LineHandle line) {
 }
 
 void ArenaTree::Clear() {
-  count = textUsed = editsUsed_ = lookedAt_ = 0;
+  count = textUsed = editsUsed_ = lookedAt = 0;
   stepped_ = 0;
   if (lines) lines[0] = Line{};
   isInOrder = areAllPrinted = true;

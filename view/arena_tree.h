@@ -67,7 +67,6 @@ class ArenaTree final : public DecodeTree, private LineStore {
   mutable Links* links_ = nullptr;
   mutable uint32_t linksCapacity_ = 0;
   mutable uint64_t stepped_ = 0;         // lines that were passed over for want of links
-  mutable uint32_t lookedAt_ = 0;        // up to this line, texts that are no printable ASCII are told by their flags
   bool anyExpanded_ = false;        // some line was told so by itself
   uint8_t expandedLevels_ = 0;      // a bit for each depth
   LineHandle selected_ = 0;

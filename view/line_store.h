@@ -13,7 +13,7 @@
 namespace qxview {
 
 struct LineStore {
-  struct alignas(32) Line {
+  struct Line {
     uint32_t made;          // where the text was made in `text`, behind its blanks
     uint32_t length;
     uint32_t rangeIndex;
@@ -22,7 +22,9 @@ struct LineStore {
     uint8_t image;
     uint8_t flags;
     uint32_t edited, editedRoom;   // where the text stands in `edits` if it was changed, and how many bytes are there
+    uint32_t unused;               // a power of two
   };
+  static_assert(sizeof(Line) == 32);
   static constexpr uint8_t kIsPrinted = 1;                      // no deeper than is printed; texts are looked at when they are
   static constexpr uint8_t kIsEdited = 2;                       // the text stands in `edits`
   static constexpr uint8_t kIsExpanded = 4, kIsCollapsed = 8;   // was told so by itself
@@ -39,6 +41,7 @@ struct LineStore {
   char* edits = nullptr;                // texts that were changed
   bool isInOrder = true;                // the lines are shown in the order of their handles, none of them deleted
   mutable bool areAllPrinted = true;    // no line is deep or edited, nor was one of other text than printable ASCII found
+  mutable uint32_t lookedAt = 0;        // up to this line, texts that are no printable ASCII are told by their flags
   mutable bool isLinked = false;        // the tree keeps links, which every further line needs
   mutable bool wasShort = false;  // some text or line found no memory, ever
 
@@ -107,6 +110,21 @@ struct LineStore {
     begun.line.length = length;
     textUsed = begun.line.made + length + 1;
     return ++count;
+  }
+
+  // What is appended to the last line's text, which was not edited, is written in place where `size` bytes have room. AppendedAt
+  // gives where, null for other lines; Lengthen says how long the text is then.
+  char* AppendedAt(LineHandle line, uint32_t size) {
+    if (line != count || line == 0 || lines[line].flags & kIsEdited || !HasRoom(0, size)) return nullptr;
+    return text + lines[line].made + lines[line].length;
+  }
+  void Lengthen(uint32_t length) {
+    Line& line = lines[count];
+    line.length = length;
+    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | FirstFlags(line.depth - 1u));
+    textUsed = line.made + length + 1;
+    text[textUsed - 1] = '\n';
+    if (lookedAt >= count) lookedAt = count - 1;
   }
 
   bool HasRoom(uint32_t more, uint64_t size) const { return count + more < capacity && textUsed + size + kBeside <= textCapacity; }

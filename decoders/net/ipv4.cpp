@@ -137,9 +137,16 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
 [[gnu::noinline]] bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
   const bool cut = header.length > Left(c);
   if (Silent(in) && !cut && header.length >= kFixedLength) return PassHeader(in, c, header), true;
-  const Field status = TakeU8(c), service = TakeU8(c);
-  AddToldGroup(in, status, "ip status", [&] { AddStatus(in, status); });
-  AddTypeOfService(in, service);
+  const Field both = PeekBytes(c, 0, 2), status = TakeU8(c), service = TakeU8(c);
+  const auto addBoth = [&] {
+    AddGroup(in, "ip status", [&] { AddStatus(in, status); });
+    AddTypeOfService(in, service);
+  };
+  if (in.view->engine->settings.typeOfService.mode == 0) {
+    AddToldGroup(in, both, "ip status and service", addBoth);
+  } else {
+    addBoth();
+  }
   const Field total = TakeU16(c), identification = TakeU16(c);
   AddGroup(in, "ip length", [&] {
     AddLine(in, total, "Total IP length: %u", total.value);
