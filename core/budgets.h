@@ -41,6 +41,12 @@ constexpr int32_t kMostRegions = 4096;
 constexpr int32_t kMostOpened = 512 * 1024;    // bytes that stand decrypted at once, of data within data
 constexpr int32_t kInflatedSize = 900000;      // bytes that a compressed body is inflated to; then it is said
 
+// What a view keeps of a frame's lines for the next ones: real frames need less. More than that is kept for so many frames in a row
+// that do without: to take the pages anew is as much work as the large frame's lines, and little beside so many frames'.
+constexpr uint32_t kKeptLines = 4096;
+constexpr uint32_t kKeptText = 256u << 10;     // bytes
+constexpr uint32_t kFramesWithout = 16384;
+
 // Steps that have no line of their own.
 
 // Labels and pointers of DNS that are read behind a pointer are hops, and all expansions of a payload share them: a chain of
@@ -115,6 +121,8 @@ constexpr uint32_t kMostQuicPieces = 24;          // apart from each other
 constexpr int32_t kMostRelayMessage = 1 << 17;    // bytes of a message of MSRP whose end is waited for
 constexpr uint32_t kMostRtmpMessage = 64 << 10;   // bytes of a message of RTMP that is opened when it is whole
 constexpr int32_t kMostInflatedBodies = 4;        // kept for the segments to come, of messages that arrive at the same time
+constexpr int32_t kKeptInflated = 128 << 10;      // bytes of one; the memory of a larger one is given back behind it
+constexpr int32_t kMessageStart = 8;              // bytes of a segment that tell whether it starts an HTTP message
 
 // --- The host ---
 

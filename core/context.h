@@ -5,6 +5,7 @@
 #include "core/budgets.h"
 #include "core/byte_range.h"
 #include "core/frame_record.h"
+#include "core/spare_memory.h"
 #include "qxview/qxview_types.h"
 #include "view/decode_tree.h"
 
@@ -56,7 +57,7 @@ struct TcpSegment {
   bool here;
   int32_t cut = 0;       // payload bytes that were not captured
   uint32_t acknowledgment = 0;
-  bool wanted = false;   // a later one's decoder may ask for it: the host keeps it
+  int32_t wanted = 0;    // so many of its bytes a later one's decoder may ask for: the host keeps them
 };
 
 // The table that a layer's payload was looked up in, with the key, and the payload itself: what a frame carries when no
@@ -144,6 +145,7 @@ struct DecodeContext {
   ByteRange* rangeTable;
   uint32_t rangeCapacity;
   uint32_t rangeCount;
+  SpareMemory spareRanges;
   int32_t rangeFilterStart;
   int32_t rangeFilterLength;
   uint32_t rangeFilterOn;

@@ -110,6 +110,14 @@ LineHandle ReachLimit(View* view, LineHandle parentLine, int32_t image, DecodeTr
   return 0;
 }
 
+void GiveBackRanges(DecodeContext* context) {
+  if (!context->spareRanges.IsDue(context->rangeCount >= kKeptLines)) return;
+  void* const kept = std::realloc(context->rangeTable, size_t{kKeptLines} * sizeof(ByteRange));
+  if (!kept) return;
+  context->rangeTable = static_cast<ByteRange*>(kept);
+  context->rangeCapacity = kKeptLines;
+}
+
 }  // namespace
 
 // The table is grown before it is full, so that the entry at `rangeCount` always exists.
@@ -327,6 +335,7 @@ void DeleteDecodeChildren(View* view, DecodeTree* tree, LineHandle line) {
 
 void ClearDecodeTree(View* view, DecodeTree* tree, bool fast) {
   if (!view || !view->context) return;
+  if (view->context->rangeCapacity > kKeptLines) GiveBackRanges(view->context);
   view->context->rangeCount = view->context->derivedCount = 0;
   ForgetFacts(view->context);
   if (!InDisplay(view, tree)) return;

@@ -8,6 +8,8 @@ namespace {
 
 constexpr uint32_t kChunkSize = 16384;    // what entries are taken from memory by, roughly
 constexpr size_t kBlockOverhead = 16;     // what the allocator adds to a block, roughly
+constexpr uint32_t kStep = 32;            // of blocks of bytes
+constexpr uint32_t kFirstBuckets = 256;
 
 constexpr uint32_t RoundUp(uint32_t size, uint32_t step) { return (size + step - 1) / step * step; }
 
@@ -35,7 +37,11 @@ struct alignas(8) StateTable::Entry {
 
 struct alignas(8) StateTable::Kept {
   uint8_t* data;
-  uint32_t length, capacity;
+  uint32_t length;
+  uint32_t capacity;   // what is counted, a multiple of kStep; odd where the block has kStep bytes alone
+
+  uint32_t Counted() const { return capacity & ~1u; }
+  uint32_t Room() const { return capacity & 1 ? kStep : capacity; }
 };
 
 StateTable::StateTable(const StateRow& row, StateMemory& memory, const HashSecret& secret)
@@ -87,19 +93,41 @@ uint32_t StateTable::Find(const void* key) {
   return 0;
 }
 
-// The index, on average at most one key a bucket, and the list of chunks.
+// On average at most one key a bucket.
+uint32_t StateTable::MostBuckets() const {
+  uint32_t most = 2;
+  while (most < row_->bounds.mostKeys) most *= 2;
+  return most;
+}
+
+// The first index and the list of chunks.
 bool StateTable::Start() {
   if (buckets_) return true;
-  bucketShift_ = 31;
-  while (bucketShift_ > 0 && 1u << (32 - bucketShift_) < row_->bounds.mostKeys) --bucketShift_;
-  bucketCount_ = 1u << (32 - bucketShift_);
   chunkShift_ = 0;
   while ((2u << chunkShift_) * size_t{entrySize_} <= kChunkSize) ++chunkShift_;
-  const size_t mostChunks = (row_->bounds.mostKeys >> chunkShift_) + 1;
-  const size_t forBuckets = RoundUp(bucketCount_ * sizeof(uint32_t), sizeof(void*));
-  buckets_ = static_cast<uint32_t*>(Take(forBuckets + mostChunks * sizeof(uint8_t*)));
-  if (buckets_) chunks_ = reinterpret_cast<uint8_t**>(reinterpret_cast<uint8_t*>(buckets_) + forBuckets);
+  if (!chunks_) chunks_ = static_cast<uint8_t**>(Take(SizeOfChunkList()));
+  if (!chunks_) return false;
+  GrowIndex();
   return buckets_ != nullptr;
+}
+
+// Twice the buckets, as far as there is memory.
+void StateTable::GrowIndex() {
+  const uint32_t most = MostBuckets(), first = most < kFirstBuckets ? most : kFirstBuckets;
+  const uint32_t grown = buckets_ ? bucketCount_ * 2 : first;
+  if (grown > most) return;
+  auto* const taken = static_cast<uint32_t*>(Take(grown * sizeof(uint32_t)));
+  if (!taken) return;
+  Give(buckets_, bucketCount_ * sizeof(uint32_t));
+  buckets_ = taken;
+  bucketCount_ = grown;
+  bucketShift_ = 32;
+  for (uint32_t left = grown; left > 1; left /= 2) --bucketShift_;
+  for (uint32_t number = oldest_; number; number = At(number)->newer) {
+    Entry* const entry = At(number);
+    entry->chain = *Bucket(entry->hash);
+    *Bucket(entry->hash) = number;
+  }
 }
 
 bool StateTable::AddChunk() {
@@ -120,6 +148,7 @@ uint32_t StateTable::Add(const void* key) {
   if (!Start()) return 0;
   if (!free_ && !AddChunk()) Drop(oldest_);
   if (!free_) return 0;
+  if (count_ >= bucketCount_) GrowIndex();
   const uint32_t number = free_;
   Entry* entry = At(number);
   free_ = entry->chain;
@@ -168,8 +197,8 @@ void StateTable::Drop(uint32_t number) {
     for (uint32_t i = 0; i < entry->capacity; ++i) {
       const Kept* kept = KeptOf(entry->values + i * size_t{slotSize_});
       if (!kept->data) continue;
-      bytesHeld_ -= kept->capacity + kBlockOverhead;
-      Give(kept->data, kept->capacity);
+      bytesHeld_ -= kept->Counted() + kBlockOverhead;
+      Give(kept->data, kept->Room());
     }
   }
   DropRing(entry);
@@ -217,17 +246,20 @@ uint8_t* StateTable::Push(Entry* entry) {
 }
 
 // The bytes go where those of the value before in this slot were, unless that is too little or far too much.
-bool StateTable::Keep(Entry* entry, const StateBytes& bytes) {
+bool StateTable::Keep(Entry* entry, const StateBytes& bytes, uint32_t count) {
   Kept* kept = KeptOf(Slot(entry, 1));
-  const uint32_t length = bytes.data ? bytes.length : 0, wanted = RoundUp(length, 32);
-  if (kept->capacity < length || kept->capacity / 4 > wanted) {
-    if (kept->data) bytesHeld_ -= kept->capacity + kBlockOverhead;
-    Give(kept->data, kept->capacity);
+  const uint32_t length = bytes.data ? bytes.length : 0, told = count > length ? count : length, wanted = RoundUp(told, kStep);
+  const bool counts = kept->Counted() >= told && kept->Counted() / 4 <= wanted;   // as before
+  const uint32_t counted = counts ? kept->Counted() : wanted;
+  const bool isShort = length < told && length <= kStep && counted > kStep;
+  if (!counts || isShort != (kept->Room() < kept->Counted())) {
+    if (kept->data) bytesHeld_ -= kept->Counted() + kBlockOverhead;
+    Give(kept->data, kept->Room());
     *kept = {};
-    kept->data = static_cast<uint8_t*>(length ? Take(wanted) : nullptr);
+    kept->data = static_cast<uint8_t*>(length ? Take(isShort ? kStep : counted) : nullptr);
     if (length && !kept->data) return false;
-    kept->capacity = wanted;
-    if (kept->data) bytesHeld_ += wanted + kBlockOverhead;
+    kept->capacity = counted + isShort;
+    if (kept->data) bytesHeld_ += counted + kBlockOverhead;
   }
   if (length) std::memcpy(kept->data, bytes.data, length);
   kept->length = length;
@@ -247,7 +279,7 @@ const void* StateTable::Recall(const void* key, int32_t back, StateBytes* bytes)
   return slot;
 }
 
-void StateTable::Remember(const void* key, const void* value, const StateBytes& bytes) {
+void StateTable::Remember(const void* key, const void* value, const StateBytes& bytes, uint32_t count) {
   uint32_t number = Find(key);
   if (!number) {
     if (count_ >= row_->bounds.mostKeys) Drop(oldest_);
@@ -258,10 +290,10 @@ void StateTable::Remember(const void* key, const void* value, const StateBytes& 
   Entry* entry = At(number);
   std::memcpy(Push(entry), value, row_->valueSize);
   if (!row_->bounds.mostBytes) return;
-  bool kept = Keep(entry, bytes);
+  bool kept = Keep(entry, bytes, count);
   while (!kept && oldest_ != number) {
     Drop(oldest_);
-    kept = Keep(entry, bytes);
+    kept = Keep(entry, bytes, count);
   }
   if (!kept) Drop(number);
   while (bytesHeld_ > row_->bounds.mostBytes) Drop(oldest_);
@@ -280,8 +312,8 @@ bool StateTable::Reserve(Kept* kept, uint32_t wanted) {
   auto* moved = static_cast<uint8_t*>(wanted ? Take(wanted) : nullptr);
   if (wanted && !moved) return false;
   if (kept->length) std::memcpy(moved, kept->data, kept->length);
-  if (kept->data) bytesHeld_ -= kept->capacity + kBlockOverhead;
-  Give(kept->data, kept->capacity);
+  if (kept->data) bytesHeld_ -= kept->Counted() + kBlockOverhead;
+  Give(kept->data, kept->Room());
   kept->data = moved;
   kept->capacity = wanted;
   if (moved) bytesHeld_ += wanted + kBlockOverhead;
@@ -295,7 +327,7 @@ bool StateTable::Extend(const void* key, const StateBytes& more) {
   Kept* kept = KeptOf(Slot(At(number), 1));
   const uint64_t length = uint64_t{kept->length} + more.length;
   if (length > row_->bounds.mostBytes) return false;
-  if (length > kept->capacity) {
+  if (length > kept->Room()) {
     const uint64_t grown = length + length / 2;   // few moves for many small additions
     const uint32_t wanted = RoundUp(static_cast<uint32_t>(grown), 32);
     while (!Reserve(kept, wanted)) {
@@ -317,7 +349,7 @@ void StateTable::DropFront(const void* key, uint32_t count) {
   kept->length = count < kept->length ? kept->length - count : 0;
   if (kept->length) std::memmove(kept->data, kept->data + count, kept->length);
   const uint32_t wanted = RoundUp(kept->length, 32);
-  if (kept->capacity / 4 > wanted) Reserve(kept, wanted);
+  if (kept->Room() / 4 > wanted) Reserve(kept, wanted);
 }
 
 void StateTable::KeepLast(const void* key, uint32_t count) {
@@ -333,8 +365,8 @@ void StateTable::KeepLast(const void* key, uint32_t count) {
 void StateTable::Clear() {
   while (oldest_) Drop(oldest_);
   while (chunkCount_) Give(chunks_[--chunkCount_], (size_t{1} << chunkShift_) * entrySize_);
-  const size_t forBuckets = RoundUp(bucketCount_ * sizeof(uint32_t), sizeof(void*));
-  Give(buckets_, forBuckets + ((row_->bounds.mostKeys >> chunkShift_) + 1) * sizeof(uint8_t*));
+  Give(buckets_, bucketCount_ * sizeof(uint32_t));
+  Give(chunks_, SizeOfChunkList());
   buckets_ = nullptr;
   chunks_ = nullptr;
   free_ = 0;

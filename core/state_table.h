@@ -49,8 +49,9 @@ class StateTable {
   // The value that the key was told last, or the one `back` - 1 before it, with its bytes where `bytes` is not null;
   // null when there is none. Good until the table is told something.
   const void* Recall(const void* key, int32_t back, StateBytes* bytes);
-  // Makes this the key's last value. Without memory older keys are forgotten for it, and in the end it is not kept.
-  void Remember(const void* key, const void* value, const StateBytes& bytes);
+  // Makes this the key's last value. Without memory older keys are forgotten for it, and in the end it is not kept. Bytes that
+  // are the start of more `count` as all of them: what is forgotten when does not change with how many of them are kept.
+  void Remember(const void* key, const void* value, const StateBytes& bytes, uint32_t count = 0);
   // Puts another value in the place of the one that Recall gives for `back`; its bytes stay.
   void Revise(const void* key, int32_t back, const void* value);
   void Forget(const void* key);
@@ -79,12 +80,15 @@ class StateTable {
 
   uint32_t Find(const void* key);
   bool Start();
+  uint32_t MostBuckets() const;
+  size_t SizeOfChunkList() const { return ((row_->bounds.mostKeys >> chunkShift_) + 1) * sizeof(uint8_t*); }
+  void GrowIndex();
   bool AddChunk();
   uint32_t Add(const void* key);
   uint8_t* Push(Entry* entry);
   void Grow(Entry* entry);
   void DropRing(Entry* entry);
-  bool Keep(Entry* entry, const StateBytes& bytes);
+  bool Keep(Entry* entry, const StateBytes& bytes, uint32_t count);
   bool Reserve(Kept* kept, uint32_t wanted);
   void MakeNewest(uint32_t number);
   void Unlink(uint32_t number);

@@ -26,7 +26,9 @@ void SegmentHistory::Record(const AddressSlot& source, uint16_t sourcePort, cons
   if (!segment.here || !segment.payload || segment.length < 1) return;
   const HashKey key = KeyOf(source, sourcePort, destination, destinationPort);
   const KeptSegment kept{packetNumber, segment.sequence, segment.flags};
-  state_.table.Remember(&key, &kept, {segment.payload, static_cast<uint32_t>(segment.length)});
+  const bool isPart = segment.wanted > 0 && segment.wanted < segment.length;
+  state_.table.Remember(&key, &kept, {segment.payload, static_cast<uint32_t>(isPart ? segment.wanted : segment.length)},
+                        static_cast<uint32_t>(segment.length));
 }
 
 bool SegmentHistory::Find(const AddressSlot& source, uint16_t sourcePort, const AddressSlot& destination,

@@ -11,9 +11,9 @@ class SegmentHistory {
  public:
   explicit SegmentHistory(uint32_t mostMemory = kMostHistoryMemory);
 
-  // Keeps a copy of the segment's payload, after its frame was decoded. Segments without data are passed over;
-  // retransmissions are kept as they came. Past the memory bound, the connections that were silent longest are
-  // forgotten.
+  // Keeps a copy of the segment's payload, or of so many of its bytes as are wanted, after its frame was decoded. Segments
+  // without data are passed over; retransmissions are kept as they came. Past the memory bound, towards which all bytes of a
+  // segment count, the connections that were silent longest are forgotten.
   void Record(const AddressSlot& source, uint16_t sourcePort, const AddressSlot& destination,
               uint16_t destinationPort, const TcpSegment& segment, int64_t packetNumber) noexcept;
 

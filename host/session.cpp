@@ -69,11 +69,11 @@ void Session::ReadHeaders(const FrameRecord* record) {
   const bool headersOnly = context.headersOnly;
   // A frame that was decoded is read again for its summary: what its decoder wanted is wanted still.
   const bool again = context.packet.frame && context.packetNumber == static_cast<int64_t>(record->packetNumber);
-  const bool wanted = again && context.packet.segment.wanted;
+  const int32_t wanted = again ? context.packet.segment.wanted : 0;
   context.headersOnly = true;
   Pass(record);
   context.headersOnly = headersOnly;
-  if (wanted) context.packet.segment.wanted = true;
+  if (wanted) context.packet.segment.wanted = wanted;
 }
 
 void Session::Pass(const FrameRecord* record) {

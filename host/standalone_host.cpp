@@ -97,7 +97,7 @@ bool StandaloneHost::AddDefinitions(const std::vector<std::string>& overrides, s
 void StandaloneHost::FinishPacket() {
   if (!session_) return;
   const PacketState& packet = session_->Context().packet;
-  if (packet.segment.here && packet.segment.wanted) {
+  if (packet.segment.here && packet.segment.wanted > 0) {
     history_.Record(packet.source, packet.sourcePort, packet.destination, packet.destinationPort, packet.segment,
                     session_->Context().packetNumber);
   }

@@ -229,5 +229,48 @@ TEST(ArenaTrees, AreWhatTheirRunsSay) {
   EXPECT_FALSE(tree.Lines()->Room(tree.LineCount() + 1, 10));
 }
 
+TEST(ArenaTrees, GiveBackWhatManyFramesDoWithout) {
+  ArenaTree tree;
+  const LineStore& store = *tree.Lines();
+  const auto fill = [&tree](uint32_t lines, size_t width) {
+    tree.Clear();
+    const std::string text(width, 'x');
+    const LineHandle first = tree.Append({0, text.c_str(), static_cast<int32_t>(width), 9, 0, false});
+    for (uint32_t i = 1; i < lines; ++i) {
+      const LineHandle line = tree.Append({first, text.c_str(), static_cast<int32_t>(width), 9, i, false});
+      if (i % 64 == 0) tree.SetText(line - 1, "edited", 6);
+    }
+    EXPECT_TRUE(tree.LastChild(0));
+    std::string printed;
+    size_t others = 0;
+    EXPECT_TRUE(PrintRuns(tree, &printed, &others));
+    EXPECT_EQ(printed, PrintedByWalk(tree));
+    EXPECT_EQ(tree.LineCount(), lines);
+  };
+  for (int i = 0; i < 3; ++i) {
+    fill(20000, 60);
+    const uint32_t lines = store.capacity, text = store.textCapacity;
+    EXPECT_GE(lines, 20000u);
+    EXPECT_GE(text, 1u << 20);
+    const auto wait = [&tree](uint32_t frames) {
+      for (; frames > 0; --frames) {
+        tree.Clear();
+        tree.Append({0, "small", 5, 9, 0, false});
+      }
+    };
+    wait(kFramesWithout - 1);
+    EXPECT_EQ(store.capacity, lines) << "large frames among small ones move nothing";
+    EXPECT_EQ(store.textCapacity, text);
+    fill(20000, 60);   // the last small one is cleared
+    wait(kFramesWithout + 1);
+    fill(100, 40);
+    EXPECT_EQ(store.capacity, kKeptLines);
+    EXPECT_EQ(store.textCapacity, kKeptText);
+    fill(10, 100000);   // few lines, much text
+    EXPECT_EQ(store.capacity, kKeptLines);
+    EXPECT_GT(store.textCapacity, kKeptText);
+  }
+}
+
 }  // namespace
 }  // namespace qxview::testing

@@ -100,6 +100,57 @@ TEST(HttpGzip, KeptBodiesReadAsNewOnes) {
   }
 }
 
+// Of a body that is not compressed the host keeps no more than tells where its message starts.
+TEST(HttpGzip, SegmentsThatNobodyJoinsAreKeptAsTheyStart) {
+  std::string text;
+  for (int i = 0; i < 2000; ++i) text += std::to_string(i * 7919) + "\n";
+  const struct {
+    const char* headers;
+    Bytes body;
+    bool isJoined;
+  } kMessages[] = {
+      {"HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n", Ascii(text), false},
+      {"HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n", Ascii(text), false},
+      {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n", kPlainHeader + Deflate(text), true},
+      {"HTTP/1.1 200 OK\r\nContent-Length: 20000\r\n\r\n", Ascii(text), false},
+      {"", Ascii(text), false},
+  };
+  HttpHost whole, kept;
+  for (const auto& message : kMessages) {
+    const Bytes bytes = Ascii(message.headers) + message.body;
+    for (size_t at = 0; at < bytes.size() && at < 20000; at += 700) {
+      const Bytes segment(bytes.begin() + static_cast<ptrdiff_t>(at),
+                          bytes.begin() + static_cast<ptrdiff_t>(std::min(at + 700, bytes.size())));
+      TestView view(&kept);
+      view.Run(DecodeHttpSegment, segment);
+      ASSERT_EQ(view.Text(), TreeAfter(whole, segment)) << message.headers << at;
+      const int32_t wanted = view.context().packet.segment.wanted;
+      EXPECT_EQ(wanted, (at == 0 && message.headers[0]) || message.isJoined ? static_cast<int32_t>(segment.size()) : kMessageStart)
+          << message.headers << at;
+      whole.Sent(segment);
+      kept.Sent(Bytes(segment.begin(), segment.begin() + wanted));
+    }
+  }
+}
+
+TEST(HttpGzip, LargeBodiesReadTheSameBehindOthers) {
+  std::string large;
+  for (int i = 0; i < 30000; ++i) large += std::to_string(i * 7919) + "\n";
+  const Bytes message = kHeaders + kPlainHeader + Deflate(large);
+  ASSERT_GT(large.size(), static_cast<size_t>(kKeptInflated));
+  TestView view;
+  std::string first;
+  for (int round = 0; round < 8; ++round) {   // more than are kept at once
+    view.context().packetNumber = round + 1;
+    view.Run(DecodeHttpSegment, message);
+    if (round == 0) first = view.Text();
+    EXPECT_EQ(view.Text(), first);
+    view.context().packetNumber = 100 + round;
+    view.Run(DecodeHttpSegment, kHeaders + kPlainHeader + Deflate("small\n"));
+    EXPECT_EQ(InflatedOf(view.Text()), "small\n");
+  }
+}
+
 TEST(HttpGzip, AnEarlierFinKeepsTheBodyAsItIs) {
   HttpHost host;
   host.Sent(kHeaders + kPlainHeader, 1);

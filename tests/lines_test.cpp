@@ -38,6 +38,24 @@ class Lines : public ::testing::TestWithParam<TreeKind> {
 };
 INSTANTIATE_TEST_SUITE_P(Trees, Lines, ::testing::ValuesIn(TreeKinds()), TreeName);
 
+TEST_P(Lines, TableShrinksBehindFramesThatDoWithout) {
+  for (int i = 0; i < 3; ++i) {
+    for (uint32_t line = 0; line < 2 * kKeptLines; ++line) Add(0, "line", static_cast<int32_t>(line));
+    for (uint32_t frame = 0; frame < kFramesWithout; ++frame) {
+      ClearDecodeTree(view(), &view_.tree(), true);
+      EXPECT_GT(context().rangeCapacity, 2 * kKeptLines);
+      for (int32_t line = 0; line < 3; ++line) Add(0, "line", 100 + line);
+    }
+    ClearDecodeTree(view(), &view_.tree(), true);
+    EXPECT_EQ(context().rangeCapacity, kKeptLines);
+    Add(0, "first", 5);   // which has no range
+    const LineHandle line = Add(0, "line", 7);
+    ByteRange range;
+    GetDecodeLineRange(view(), &view_.tree(), line, &range);
+    EXPECT_EQ(RangeOffset(range), 7);
+  }
+}
+
 TEST_P(Lines, TableGrowsBeforeItIsFullAndTheFirstLineHasNoRange) {
   const LineHandle first = Add(0, "first", 5);
   for (int i = 1; i < 511; ++i) Add(first, "line", i);

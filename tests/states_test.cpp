@@ -100,6 +100,51 @@ void RunAgainstModel(const StateBounds& bounds, uint64_t numbers, size_t mostMem
   EXPECT_EQ(table.BytesHeld(), 0u);
 }
 
+// What is kept of values decides nothing about what is forgotten.
+TEST(StateTable, BytesThatAreKeptInPartCountAsAll) {
+  StateMemory memory{0, SIZE_MAX}, memoryInPart{0, SIZE_MAX};
+  const HashSecret secret = MakeHashSecret(1);
+  const StateRow row{"test", sizeof(Key), sizeof(uint32_t), {.mostKeys = 1000, .depth = 5, .mostBytes = 60000}};
+  StateTable whole(row, memory, secret), inPart(row, memoryInPart, secret);
+  uint32_t random = 1;
+  size_t forgotten = 0;
+  for (uint32_t step = 0; step < 4000; ++step) {
+    const Key key{Random(&random, 60), 7};
+    const std::string text(Random(&random, 4) ? Random(&random, 1500) : Random(&random, 70), static_cast<char>('a' + step % 26));
+    const auto length = static_cast<uint32_t>(text.size()), kept = Random(&random, 3) ? std::min(length, 8u) : length;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+    const uint32_t before = whole.Count();
+    whole.Remember(&key, &step, {bytes, length});
+    inPart.Remember(&key, &step, {bytes, kept}, length);
+    forgotten += whole.Count() < before;
+    ASSERT_EQ(inPart.Count(), whole.Count());
+    ASSERT_EQ(inPart.BytesHeld(), whole.BytesHeld());
+    const Key other{Random(&random, 60), 7};
+    const int32_t back = static_cast<int32_t>(Random(&random, 7));
+    StateBytes all{}, some{};
+    ASSERT_EQ(whole.Recall(&other, back, &all) != nullptr, inPart.Recall(&other, back, &some) != nullptr);
+    ASSERT_TRUE(some.length == all.length || some.length == 8);
+    if (some.length > 0) {
+      ASSERT_EQ(std::memcmp(some.data, all.data, some.length), 0);
+    }
+  }
+  EXPECT_GT(forgotten, 5u);
+  EXPECT_LT(memoryInPart.used, memory.used * 2 / 3);
+  const std::string more(700, 'y');
+  for (uint64_t number = 0; number < 60; ++number) {   // what is added moves a value to a block of its own
+    const Key key{number, 7};
+    const StateBytes start{reinterpret_cast<const uint8_t*>("12345678"), 8}, rest{reinterpret_cast<const uint8_t*>(more.data()), 700};
+    inPart.Remember(&key, &random, start, 1000);
+    ASSERT_TRUE(inPart.Extend(&key, rest));
+    StateBytes joined{};
+    ASSERT_TRUE(inPart.Recall(&key, 1, &joined));
+    ASSERT_EQ(std::string(reinterpret_cast<const char*>(joined.data), joined.length), "12345678" + more);
+  }
+  whole.Clear();
+  inPart.Clear();
+  EXPECT_EQ(memory.used + memoryInPart.used, 0u);
+}
+
 TEST(StateTable, BehavesAsItsModel) {
   RunAgainstModel({.mostKeys = 1}, 3, SIZE_MAX);
   RunAgainstModel({.mostKeys = 5}, 12, SIZE_MAX);

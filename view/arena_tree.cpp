@@ -58,6 +58,15 @@ size_t CountOthersQuickly(const char* text, size_t length) {
 size_t CountOthersQuickly(const char* text, size_t length) { return CountOthers(text, length); }
 #endif
 
+template <class T>
+void Shrink(T*& elements, uint32_t& capacity, uint32_t kept) {
+  if (capacity <= kept) return;
+  void* const smaller = std::realloc(elements, size_t{kept} * sizeof(T));
+  if (!smaller) return;
+  elements = static_cast<T*>(smaller);
+  capacity = kept;
+}
+
 }  // namespace
 
 ArenaTree::~ArenaTree() {
@@ -255,7 +264,17 @@ void ArenaTree::Delete(LineHandle line) {
   }
 }
 
+// Memory that a frame took and many others did without; what was deleted is not asked for any more.
+void ArenaTree::GiveBack() {
+  if (!spare_.IsDue(count >= kKeptLines || textUsed > kKeptText - kBeside || editsUsed_ > kKeptText)) return;
+  Shrink(lines, capacity, kKeptLines);
+  Shrink(links_, linksCapacity_, kKeptLines);
+  Shrink(text, textCapacity, kKeptText);
+  Shrink(edits, editsCapacity_, kKeptText);
+}
+
 void ArenaTree::Clear() {
+  if (capacity > kKeptLines || linksCapacity_ > kKeptLines || textCapacity > kKeptText || editsCapacity_ > kKeptText) GiveBack();
   count = textUsed = editsUsed_ = lookedAt = 0;
   stepped_ = 0;
   if (lines) lines[0] = Line{};

@@ -2,6 +2,7 @@
 #pragma once
 #include <string_view>
 
+#include "core/spare_memory.h"
 #include "view/line_store.h"
 
 namespace qxview {
@@ -62,6 +63,7 @@ class ArenaTree final : public DecodeTree, private LineStore {
   void LinkLine(uint32_t line) const;
   void LookAtTexts() const;
   char* Retext(LineHandle line, uint32_t wanted, uint32_t kept);
+  void GiveBack();
 
   uint32_t editsUsed_ = 0, editsCapacity_ = 0;
   mutable Links* links_ = nullptr;
@@ -70,6 +72,7 @@ class ArenaTree final : public DecodeTree, private LineStore {
   bool anyExpanded_ = false;        // some line was told so by itself
   uint8_t expandedLevels_ = 0;      // a bit for each depth
   LineHandle selected_ = 0;
+  SpareMemory spare_;
 };
 
 }  // namespace qxview

@@ -133,7 +133,7 @@ int32_t DecodeHttpPayload(View* view, const uint8_t* payload, int32_t frameOffse
     ShowTls(at, c);
     return 1;
   }
-  PacketOf(at).segment.wanted = true;   // where its headers may be looked for
+  PacketOf(at).segment.wanted = PacketOf(at).segment.length;   // where its headers may be looked for
   HttpState& state = *StateOf<HttpState>(view->engine, DecoderState::kHttp);
   Loop loop;
   while (MoreAt(at, c, loop) && DecodeMessage(at, state, c)) {

@@ -16,6 +16,13 @@ struct MessageStart {
 constexpr MessageStart kMessageStarts[] = {{4, "GET"},   {5, "HEAD"},    {5, "POST"}, {4, "PUT"}, {7, "DELETE"},
                                            {6, "TRACE"}, {8, "CONNECT"}, {6, "HTTP/"}};
 
+static_assert([] {
+  for (const MessageStart& start : kMessageStarts) {
+    if (start.capacity - 1 > kMessageStart) return false;
+  }
+  return true;
+}());
+
 bool StartsMessage(const uint8_t* data, int32_t length) {
   for (const MessageStart& start : kMessageStarts) {
     const int32_t wanted = start.capacity - 1;
@@ -71,11 +78,16 @@ int32_t FindHttpHeaderContext(View* view, const uint8_t* data, int32_t length, i
                               HttpHistory* history) {
   history->count = 0;
   history->finished = false;
-  const PacketState& packet = view->context->packet;
+  PacketState& packet = view->context->packet;
   const QxHost* host = view->engine->host;
   const auto earlierSegment = QXVIEW_HOST_FUNCTION(host, earlierSegment);
   if (StartsMessage(data, length) || !packet.segment.here || !earlierSegment) return 0;
   if (maxSegments > kMostEarlierSegments) maxSegments = kMostEarlierSegments;
+  // Later segments join the bytes of this one to theirs where it has a part of a compressed body. Those of others pass over it on
+  // their way to the headers, which takes no more than to see that it starts no message.
+  int32_t& wanted = packet.segment.wanted;
+  const int32_t whole = wanted;
+  if (data == packet.segment.payload && wanted > kMessageStart) wanted = kMessageStart;
   for (int32_t back = 1; back <= maxSegments + 1; ++back) {
     const auto ask = [&](EarlierSegment* out, StateBytes* payload) {
       QxSegment segment{};
@@ -97,7 +109,10 @@ int32_t FindHttpHeaderContext(View* view, const uint8_t* data, int32_t length, i
                found.sequence, found.flags, found.packetNumber};
     constexpr uint32_t kFin = 1;
     if (segment.flags & kFin) history->finished = true;
-    if (StartsMessage(segment.payload, segment.length)) return ReadContext(segment.payload, segment.length);
+    if (!StartsMessage(segment.payload, segment.length)) continue;
+    const int32_t context = ReadContext(segment.payload, segment.length);
+    if (context == kGzipContext) wanted = whole;
+    return context;
   }
   return 0;
 }

@@ -216,27 +216,31 @@ void Begin(InflatedBody& body, const ByteChain& chain, int32_t position, int32_t
   }
 }
 
+// Of a large body that is not gone on with. The next one takes pages as its text grows.
+void GiveBack(InflatedBody*& body) {
+  if (!body || ProducedOf(*body) <= kKeptInflated) return;
+  std::free(body);
+  body = nullptr;
+}
+
 // The kept body that these bytes are of, or the one that was not used for longest; null when there is no memory.
 InflatedBody* FindBody(HttpInflater& inflater, const ByteChain& chain, int64_t startPacket, int32_t position,
                        int32_t end) {
-  InflatedBody* oldest = nullptr;
-  for (InflatedBody*& body : inflater.bodies) {
-    if (!body) {
-      body = static_cast<InflatedBody*>(std::malloc(sizeof(InflatedBody)));
-      if (!body) break;
-      body->here = false;
-      body->lastUse = 0;
-      return body;
-    }
-    if (body->startPacket == startPacket) {
-      body->here = body->here && body->position == position && body->taken <= end &&
-                   SumOf(chain, 0, body->taken, 1) == body->check;
-      return body;
-    }
-    if (!oldest || body->lastUse < oldest->lastUse) oldest = body;
+  for (InflatedBody* body : inflater.bodies) {
+    if (!body || body->startPacket != startPacket) continue;
+    body->here = body->here && body->position == position && body->taken <= end &&
+                 SumOf(chain, 0, body->taken, 1) == body->check;
+    return body;
   }
-  if (oldest) oldest->here = false;
-  return oldest;
+  InflatedBody** place = nullptr;
+  for (InflatedBody*& body : inflater.bodies) {
+    if (body && !body->goesOn) GiveBack(body);
+    if (!place || (*place && (!body || body->lastUse < (*place)->lastUse))) place = &body;
+  }
+  GiveBack(*place);
+  if (!*place) *place = static_cast<InflatedBody*>(std::malloc(sizeof(InflatedBody)));
+  if (*place) (*place)->here = false;
+  return *place;
 }
 
 // The body inflated from `position` to `end`; null when there is no memory.
@@ -308,6 +312,7 @@ Cursor InflateInFrame(const Place& at, const Field& data, Wrapping wrapping, Sta
   uint8_t* const copy = TakeFrameMemory(at.view, produced);
   if (!copy) return none;
   std::memcpy(copy, kept->output, static_cast<size_t>(produced));
+  GiveBack(kept);
   const BytePiece piece{};   // none of them stands in the frame as it is
   return JoinedBytes(at.view, copy, produced, &piece, 1, StartInFrame(at, data.offset));
 }

@@ -63,7 +63,7 @@ void ShowStreamMessages(const Place& at, Cursor c, const DecoderRow& row, const 
   if (run.plain > 0) CallDecoder(at, TakeCursor(c, run.plain), row.decode, title);   // as it stands
   if (run.shown > 0) ShowMessages(at, run.pieceCount > 0 ? joined : TakeCursor(c, run.shown), row, title);
   // What waits stands for itself once it waits in vain, and asks for what came before it then.
-  if (run.waiting > 0) PacketOf(at).segment.wanted = true;
+  if (run.waiting > 0) PacketOf(at).segment.wanted = PacketOf(at).segment.length;
   const KeyedAs keys(PacketOf(at), "tcp");
   TellWaiting(at, segment, run);
 }
