@@ -201,6 +201,16 @@ void PacketRun::NoteTime(int64_t nanoseconds, bool isFirst, bool selected) {
   hasShown_ = true;
 }
 
+namespace {
+
+// So many packets in, and whenever their number has doubled, as libraries are loaded when packets ask for them.
+bool IsBehindStart(uint64_t packets) {
+  constexpr uint64_t kFirst = 1024;
+  return packets >= kFirst && (packets & (packets - 1)) == 0;
+}
+
+}  // namespace
+
 int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)>& handle) {
   CaptureFrame frame;
   ReadResult result = ReadResult::kEnd;
@@ -213,6 +223,7 @@ int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)
     wasDecoded_ = false;
     const bool selected = Matches(frame) && Answers(frame);
     NoteTime(frame.nanoseconds, ++seen == 1, selected);
+    if (IsBehindStart(seen)) GiveBackLibraryPages();
     selectedPackets += selected;
     if (selected && prefixed_) prefixed_->SetLinePrefix(frame.file);
     if (!handle(frame, selected)) break;

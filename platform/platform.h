@@ -18,6 +18,9 @@ LibraryLoader PlatformLibraryLoader();
 // Why the library was not loaded that was asked for last.
 std::string LibraryFailure();
 
+// Gives back what only the start of a large library needed of it, as far as it comes from its file: most of it is not needed again.
+void GiveBackLibraryPages();
+
 // The directory of the running executable; user decoder libraries are named relative to it.
 std::string ExecutableDirectory();
 

@@ -1,5 +1,12 @@
 #include <dlfcn.h>
 #include <fcntl.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+#ifdef __linux__
+#include <link.h>
+#include <sys/mman.h>
+#endif
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,6 +24,10 @@ namespace qxview {
 namespace {
 
 int writeError = 0;
+
+#ifdef __GLIBC__
+constexpr int kLargeBlock = 128 << 10;   // bytes
+#endif
 
 int32_t WriteDescriptor(void* handle, const char* bytes, int32_t length) {
   const int descriptor = static_cast<int>(reinterpret_cast<intptr_t>(handle));
@@ -52,10 +63,34 @@ void OccupyStandardFiles() {
   }
 }
 
+#ifdef __linux__
+// Parts that nobody writes to are read from the file again when they are asked for.
+int GiveBackPagesOf(dl_phdr_info* library, size_t, void*) {
+  if (!std::strstr(library->dlpi_name, "/libcrypto.so")) return 0;
+  const uintptr_t page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
+  for (int i = 0; i < library->dlpi_phnum; ++i) {
+    const ElfW(Phdr)& part = library->dlpi_phdr[i];
+    if (part.p_type != PT_LOAD || part.p_flags & PF_W) continue;
+    const uintptr_t from = library->dlpi_addr + part.p_vaddr, start = from & ~(page - 1), end = from + part.p_memsz;
+    madvise(reinterpret_cast<void*>(start), end - start, MADV_DONTNEED);
+  }
+  return 0;
+}
+#endif
+
 }  // namespace
+
+void GiveBackLibraryPages() {
+#ifdef __linux__
+  dl_iterate_phdr(GiveBackPagesOf, nullptr);
+#endif
+}
 
 std::vector<std::string> StartProgram(int argc, char** argv) {
   OccupyStandardFiles();
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, kLargeBlock);   // set, it stays where it is: large blocks go back when they are freed
+#endif
   std::signal(SIGPIPE, SIG_DFL);   // a reader that goes away ends the program quietly
   std::signal(SIGXFSZ, SIG_IGN);   // a file at its size limit is a write that fails, with its message
   return {argv, argv + argc};

@@ -117,6 +117,8 @@ LibraryLoader PlatformLibraryLoader() {
           [](const char* name) { return name[0] == '\\' || std::strpbrk(name, "/:") != nullptr; }, LoadCrypto};
 }
 
+void GiveBackLibraryPages() {}
+
 std::string LibraryFailure() { return libraryError ? ErrorText(libraryError) : ""; }
 
 std::string ExecutableDirectory() {
