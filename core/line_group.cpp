@@ -99,12 +99,6 @@ constexpr int32_t kMostOffset = (1 << 25) - 1;      // so that offsets can be ad
 constexpr size_t kLooksAt = offsetof(LineStore::Line, depth);
 static_assert(offsetof(LineStore::Line, image) == kLooksAt + 2 && offsetof(LineStore::Line, flags) == kLooksAt + 3);
 
-inline Four FourOf(const uint32_t (&numbers)[4]) {
-  Four four;
-  std::memcpy(&four, numbers, sizeof four);
-  return four;
-}
-
 void Copy(const KeptGroup& kept, const Place& at, const Field& told, DecodeContext& context, LineStore& store) {
   using Line = LineStore::Line;
   static_assert(offsetof(Line, made) == 0 && offsetof(Line, length) == 4);
@@ -118,7 +112,10 @@ void Copy(const KeptGroup& kept, const Place& at, const Field& told, DecodeConte
   Line* const lines = store.lines + store.count + 1;
   for (uint32_t i = 0; i < kept.count; ++i) {
     const KeptLine& from = kept.lines[i];
-    const Four place = FourOf(from.place) + (FourOf(from.ofParent) & ofParent) + starts;
+    Four place, parentMask;
+    std::memcpy(&place, from.place, sizeof place);
+    std::memcpy(&parentMask, from.ofParent, sizeof parentMask);
+    place += (parentMask & ofParent) + starts;
     std::memcpy(lines + i, &place, sizeof place);
     std::memcpy(reinterpret_cast<char*>(lines + i) + kLooksAt, &from.looks, sizeof from.looks);
     ranges[i] = from.range + offset;

@@ -93,7 +93,7 @@ inline char* PutDigitPair(char* at, const char* pair) {
     if (at > lastAmple) [[unlikely]] return PutPieces(at, end, text, pieces, arguments);
     const uint32_t word = WordOf(*pieces);
     const size_t literal = LiteralOf(word);
-    if (literal <= kMostQuickLiteral && reinterpret_cast<uintptr_t>(text) <= lastQuick) [[likely]] {
+    if (kReadsBeside && literal <= kMostQuickLiteral && reinterpret_cast<uintptr_t>(text) <= lastQuick) [[likely]] {
       CopySixteen(at, text);
       CopySixteen(at + kSixteen, text + kSixteen);
     } else {

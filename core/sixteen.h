@@ -104,6 +104,7 @@ inline void CopySixteen(char* to, const char* from) { std::memcpy(to, from, kSix
 
 // Reading beside a text, in the same page: what lies there is there, and ignored.
 #if defined(__SSE2__) && !defined(__SANITIZE_ADDRESS__) && !defined(__clang__)
+constexpr bool kReadsBeside = true;
 constexpr size_t kLeastPage = 4096;
 // Whether so many characters from here on can be read, if the first can.
 inline bool MayRead(const char* text, size_t count) { return reinterpret_cast<uintptr_t>(text) % kLeastPage <= kLeastPage - count; }
@@ -134,6 +135,7 @@ inline size_t LengthOfText(const char* text) {
   }
 }
 #else
+constexpr bool kReadsBeside = false;
 inline bool MayRead(const char*, size_t) { return false; }
 inline uintptr_t LastReadable(const char*, size_t) { return 0; }
 inline uint32_t CopyUpToZero(char*, const char*) { return 0; }
