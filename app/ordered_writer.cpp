@@ -1,18 +1,10 @@
 #include "app/ordered_writer.h"
 
+#include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace qxview {
-
-OutputSink OrderedWriter::SinkOf(Lane* lane) {
-  return {lane,
-          [](void* handle, const char* bytes, int32_t length) {
-            Lane& lane = *static_cast<Lane*>(handle);
-            return lane.writer.Write(lane, {bytes, static_cast<size_t>(length)});
-          },
-          // Only user decoder libraries take back what was written, and with them there is one thread.
-          [](void*, int64_t) { return int32_t{0}; }, -1};
-}
 
 bool OrderedWriter::WriteThrough(std::string_view bytes) {
   if (bytes.empty()) return !failed_;
@@ -27,69 +19,101 @@ void OrderedWriter::Fail() {
   moved_.Changed();
 }
 
-// For more text; the memory of a packet that has very much of it is given back.
-void OrderedWriter::Clear(std::string* text) {
-  text->clear();
-  if (text->capacity() > kMostSpareSize) text->shrink_to_fit();
+// A buffer to fill, and room to note the one it comes in place of; null when the lane has no more, or there is no memory.
+char* OrderedWriter::TakeBuffer(Lane& lane) {
+  try {
+    if (lane.held.size() == lane.held.capacity()) lane.held.reserve(lane.held.size() + kMostBuffers + 1);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+  {
+    InMonitor inside(monitor_);
+    if (!lane.spare.empty()) {
+      char* const buffer = lane.spare.back();
+      lane.spare.pop_back();
+      return buffer;
+    }
+  }
+  if (lane.buffers.size() >= kMostBuffers) return nullptr;
+  try {
+    lane.buffers.push_back(std::make_unique_for_overwrite<char[]>(kOutputSize));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+  return lane.buffers.back().get();
 }
 
-// False when the lane has to wait for its turn.
+// Keeps the Output's buffer, or a copy of what it has put elsewhere. False when the lane has to wait for its turn.
 bool OrderedWriter::Hold(Lane& lane, std::string_view bytes) {
-  if (lane.held.size() + bytes.size() > kMostHeld) return false;
-  try {
-    lane.held.append(bytes);
-  } catch (const std::bad_alloc&) {
-    return false;
+  OutputFile& file = *lane.out.File();
+  if (bytes.data() == file.buffer) {
+    char* const next = TakeBuffer(lane);
+    if (!next) return false;
+    lane.held.push_back({file.buffer, static_cast<int32_t>(bytes.size())});
+    file.buffer = next;
+    return true;
+  }
+  const size_t before = lane.held.size();
+  for (std::string_view left = bytes; !left.empty();) {
+    char* const buffer = TakeBuffer(lane);
+    if (!buffer) {
+      InMonitor inside(monitor_);
+      for (; lane.held.size() > before; lane.held.pop_back()) lane.spare.push_back(lane.held.back().buffer);
+      return false;
+    }
+    const size_t piece = std::min<size_t>(left.size(), kOutputSize);
+    std::memcpy(buffer, left.data(), piece);
+    lane.held.push_back({buffer, static_cast<int32_t>(piece)});
+    left.remove_prefix(piece);
   }
   return true;
 }
 
 // A turn ends by its lane alone, so a lane that has its turn needs no lock.
-int32_t OrderedWriter::Write(Lane& lane, std::string_view bytes) {
-  if (turn_ != lane.place) {
-    if (Hold(lane, bytes)) return failed_ ? 0 : 1;
-    InMonitor inside(monitor_);
-    while (turn_ != lane.place && !failed_) moved_.Wait();
+int32_t OrderedWriter::Write(void* of, const char* bytes, int32_t length) {
+  Lane& lane = *static_cast<Lane*>(of);
+  OrderedWriter& self = lane.writer;
+  const std::string_view text{bytes, static_cast<size_t>(length)};
+  if (self.turn_ != lane.place) {
+    if (self.Hold(lane, text)) return self.failed_ ? 0 : 1;
+    InMonitor inside(self.monitor_);
+    while (self.turn_ != lane.place && !self.failed_) self.moved_.Wait();
   }
-  const bool written = WriteThrough(lane.held) && WriteThrough(bytes);
-  Clear(&lane.held);
-  return written ? 1 : 0;
+  self.WritePieces(lane, lane.held);
+  return self.WriteThrough(text) ? 1 : 0;
+}
+
+void OrderedWriter::WritePieces(Lane& lane, std::vector<Piece>& pieces) {
+  if (pieces.empty()) return;
+  for (const Piece& piece : pieces) WriteThrough({piece.buffer, static_cast<size_t>(piece.used)});
+  InMonitor inside(monitor_);
+  for (const Piece& piece : pieces) lane.spare.push_back(piece.buffer);
+  pieces.clear();
 }
 
 // Leaves what the lane holds to whoever ends the turn in front of it; false when its own has come.
 bool OrderedWriter::LeaveBehind(Lane& lane) {
   InMonitor inside(monitor_);
-  while (turn_ != lane.place && endedBytes_ + lane.held.size() > kMostEnded && !failed_) moved_.Wait();
   if (turn_ == lane.place) return false;
-  const size_t bytes = lane.held.size();
-  ended_.emplace(lane.place, std::move(lane.held));
-  endedBytes_ += bytes;
+  ended_.emplace(lane.place, Ended{&lane, std::move(lane.held)});
   lane.held.clear();
-  if (!spare_.empty()) {
-    lane.held.swap(spare_.back());
-    spare_.pop_back();
-  }
   return true;
 }
 
 void OrderedWriter::End(Lane& lane) {
+  lane.out.Flush();
   if (LeaveBehind(lane)) return;
-  WriteThrough(lane.held);
-  Clear(&lane.held);
-  for (std::string text;;) {
-    monitor_.Enter();
-    if (text.capacity() > 0 && spare_.size() < kMostSpare) spare_.push_back(std::move(text));
-    const auto next = ended_.find(++turn_);
-    if (next == ended_.end()) break;
-    text = std::move(next->second);
-    endedBytes_ -= text.size();
-    ended_.erase(next);
-    monitor_.Leave();
-    WriteThrough(text);
-    Clear(&text);
+  WritePieces(lane, lane.held);
+  for (Ended next;;) {
+    {
+      InMonitor inside(monitor_);
+      const auto found = ended_.find(++turn_);
+      if (found == ended_.end()) return moved_.Changed();
+      next = std::move(found->second);
+      ended_.erase(found);
+    }
+    WritePieces(*next.lane, next.pieces);
   }
-  moved_.Changed();
-  monitor_.Leave();
 }
 
 }  // namespace qxview

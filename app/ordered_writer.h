@@ -1,9 +1,10 @@
 // What several threads write, in the order of their work's places: whose turn it is writes through, what others write is held
-// until theirs comes.
+// until theirs comes, in the buffers that it was put in.
 #pragma once
 #include <atomic>
 #include <map>
-#include <string>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 #include "app/output.h"
@@ -15,21 +16,32 @@ class OrderedWriter {
  public:
   // What `out` holds is written in front of it all. `moved` is told when a turn ends, or nothing more is written.
   OrderedWriter(Output& out, Monitor& monitor, News& moved) : out_(out), monitor_(monitor), moved_(moved) {
-    spare_.reserve(kMostSpare);   // so that nothing goes wrong where a turn ends
     out_.Flush();
     failed_ = out_.Failed();
   }
 
-  // Of one thread: the place of its present work, from 0 without gaps over all of them.
+  static constexpr size_t kMostBuffers = 32;   // of a lane beside its Output's own; without one it waits for its turn
+
+  // A buffer and how much is in it.
+  struct Piece {
+    char* buffer;
+    int32_t used;
+  };
+
+  // Of one thread: the place of its present work, from 0 without gaps over all of them, and the Output that it writes to.
   struct Lane {
-    explicit Lane(OrderedWriter& all) : writer(all) {}
+    explicit Lane(OrderedWriter& all) : writer(all), out({this, Write, MoveBack, -1}) { spare.reserve(kMostBuffers + 1); }
+    size_t Filled() const { return buffers.size() - spare.size(); }   // inside the monitor: the Output has one of them all
     OrderedWriter& writer;
     uint64_t place = 0;
-    std::string held;
+    Output out;
+    std::vector<Piece> held;   // of its present work
+    // Buffers come back to whoever filled them: another core would have to fetch them first.
+    std::vector<std::unique_ptr<char[]>> buffers;
+    std::vector<char*> spare;   // changed inside the monitor
   };
-  static OutputSink SinkOf(Lane* lane);
 
-  // The lane's work is written as far as its Output is flushed.
+  // The lane's work is written.
   void End(Lane& lane);
 
   // Whose turn it is.
@@ -40,21 +52,24 @@ class OrderedWriter {
   void Fail();
 
  private:
-  static constexpr size_t kMostHeld = 1u << 20, kMostEnded = 1u << 20;   // then a lane waits for its turn
-  static constexpr size_t kMostSpare = 8, kMostSpareSize = 256u << 10;
-  int32_t Write(Lane& lane, std::string_view bytes);
+  struct Ended {
+    Lane* lane;
+    std::vector<Piece> pieces;
+  };
+  static int32_t Write(void* lane, const char* bytes, int32_t length);
+  // Only user decoder libraries take back what was written, and with them there is one thread.
+  static int32_t MoveBack(void*, int64_t) { return 0; }
   bool LeaveBehind(Lane& lane);
-  static bool Hold(Lane& lane, std::string_view bytes);
-  static void Clear(std::string* text);
+  bool Hold(Lane& lane, std::string_view bytes);
+  char* TakeBuffer(Lane& lane);
+  void WritePieces(Lane& lane, std::vector<Piece>& pieces);
   bool WriteThrough(std::string_view bytes);
 
   Output& out_;
   Monitor& monitor_;
   News& moved_;
   std::atomic<uint64_t> turn_{0};
-  std::map<uint64_t, std::string> ended_;   // what was held of work whose turn has not come
-  size_t endedBytes_ = 0;
-  std::vector<std::string> spare_;          // their memory, when they are written
+  std::map<uint64_t, Ended> ended_;   // what was held of work whose turn has not come
   std::atomic<bool> failed_{false};
 };
 

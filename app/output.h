@@ -23,7 +23,7 @@ class Output {
   // Room for so many bytes, kMostRoom at most, in the buffer; behind them Took says where they end.
   static constexpr size_t kMostRoom = 48u << 10;
   char* Room(size_t wanted) {
-    if (sizeof file_.buffer - static_cast<size_t>(file_.used) < wanted) Flush();
+    if (kOutputSize - static_cast<size_t>(file_.used) < wanted) Flush();
     return file_.buffer + file_.used;
   }
   void Took(const char* end) { file_.used = static_cast<int32_t>(end - file_.buffer); }

@@ -332,12 +332,12 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
       // Input that is waited for may be long in coming.
       if (workers) SetIdleAction([](void* with) { static_cast<PacketWorkers*>(with)->Drain(); }, workers.get());
     }
-    if (workers) {
+    int32_t handled;
+    if (workers && workers->HandsOn()) {
       goOn = HandOn(*workers, noted, frame);
     } else {
       shown += noted->recordLength;
-      int32_t handled;
-      goOn = Make(noted, frame, &handled) && own(noted, frame, handled);
+      goOn = Make(noted, frame, &handled) && (workers ? workers->HandleOwn(noted, frame, handled) : own(noted, frame, handled));
     }
     if (query_ || (keeps_ && where_)) PassBy(frame);
     host_->FinishPacket();

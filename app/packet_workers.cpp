@@ -23,7 +23,7 @@ bool PacketWorkers::AddWorker(const PacketRun::Prepare& prepare, bool isOwn) {
   auto worker = std::make_unique<Worker>(*this, writer_);
   worker->run = run_.MakeWorker(isOwn);
   if (!worker->run) return false;
-  worker->handle = prepare(*worker->run, worker->out);
+  worker->handle = prepare(*worker->run, worker->lane.out);
   workers_.push_back(std::move(worker));
   return true;
 }
@@ -32,6 +32,7 @@ bool PacketWorkers::Start(int32_t count, const PacketRun::Prepare& prepare) {
   for (int32_t i = 0; i < count; ++i) {
     if (!AddWorker(prepare, i == 0)) return workers_.clear(), false;
   }
+  own_ = prepare(run_, workers_.front()->lane.out);
   most_ = run_.MakesRows() ? kOfRows : kOfLines;
   for (size_t i = 0; i < kBatchesEach * static_cast<size_t>(count); ++i) {
     batches_.push_back(std::make_unique<Batch>());
@@ -46,27 +47,49 @@ bool PacketWorkers::Start(int32_t count, const PacketRun::Prepare& prepare) {
   return started > 1;
 }
 
-// Takes a batch to fill; false when nothing more can be written.
-bool PacketWorkers::AwaitBatch() {
-  InMonitor inside(monitor_);
-  while (free_.empty() && !writer_.Failed()) {
-    if (ready_.empty()) moved_.Wait(); else DecodeNext(*workers_.front());
+// With much of its text held this thread rather helps with what that waits for: text that stays in the processor's cache until it
+// is written costs less, and without a buffer it would wait.
+bool PacketWorkers::HandsOn() {
+  if (current_ || ownBegan_) return !ownBegan_;
+  Worker& first = *workers_.front();
+  {
+    InMonitor inside(monitor_);
+    while (free_.empty() && !ready_.empty() && first.lane.Filled() > kFewFilled && !writer_.Failed()) DecodeNext(first);
+    if (!free_.empty()) {
+      current_ = free_.back();
+      free_.pop_back();
+    }
   }
-  if (writer_.Failed()) return false;
-  current_ = free_.back();
-  free_.pop_back();
+  if (!current_) {
+    ownBegan_ = true;
+    first.lane.place = places_++;
+    return false;
+  }
+  current_->place = places_++;
+  current_->records.clear();
+  current_->packets.clear();
+  current_->headers.clear();
+  current_->log.Clear();
   return true;
 }
 
+bool PacketWorkers::HandleOwn(const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
+  ++ownPackets_;
+  ownBytes_ += record->recordLength;
+  if (!own_(record, frame, handled)) writer_.Fail();
+  if (ownPackets_ >= most_.packets || ownBytes_ >= most_.bytes) EndOwn();
+  return !writer_.Failed();
+}
+
+void PacketWorkers::EndOwn() {
+  if (!ownBegan_) return;
+  ownBegan_ = false;
+  ownPackets_ = ownBytes_ = 0;
+  writer_.End(workers_.front()->lane);
+}
+
 bool PacketWorkers::BeginPacket(const FrameRecord* record, const CaptureFrame& frame) {
-  if (!current_) {
-    if (!AwaitBatch()) return false;
-    current_->place = places_++;
-    current_->records.clear();
-    current_->packets.clear();
-    current_->headers.clear();
-    current_->log.Clear();
-  }
+  if (writer_.Failed()) return false;
   constexpr size_t kAlignment = 8;
   std::vector<uint8_t>& records = current_->records;
   Packet& packet = current_->packets.emplace_back();
@@ -130,6 +153,7 @@ void PacketWorkers::Ship() {
 }
 
 bool PacketWorkers::Drain() {
+  EndOwn();
   Ship();
   InMonitor inside(monitor_);
   while (writer_.Turn() < places_ && !writer_.Failed()) {
@@ -192,7 +216,6 @@ void PacketWorkers::DecodeNext(Worker& worker) {
     const OutsideMonitor outside(monitor_);
     worker.lane.place = batch->place;
     if (!writer_.Failed() && !DecodeBatch(worker, *batch)) writer_.Fail();
-    worker.out.Flush();
     writer_.End(worker.lane);
   }
   free_.push_back(batch);

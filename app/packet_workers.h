@@ -1,10 +1,10 @@
 // Packets decoded on several threads, and what a command writes of them in the packets' order.
 //
-// The thread that reads passes every packet through in order, without lines, for what later ones need of it; what that packet's
-// look-ups of state gave goes with the packet to whoever decodes it (host/state_log.h). So the workers' lines are those that one
-// thread would have made. Packets travel in batches; there are so many of these, and what is written ahead of its turn is held to a
-// bound, so memory does not grow with the capture. While no batch is free the reading thread decodes one itself: so many jobs are
-// so many threads, and none of them waits for another while there is work.
+// The thread that reads passes packets through in order, without lines, for what later ones need of them; what a packet's look-ups
+// of state gave goes with it to whoever decodes it (host/state_log.h). So the workers' lines are those that one thread would have
+// made. Packets travel in batches; there are so many of these, and what is written ahead of its turn is held to a bound, so memory
+// does not grow with the capture. While no batch is free the reading thread decodes the next packets at once, as it would alone,
+// and no pass of them is needed: so many jobs are so many threads, and none of them waits for another while there is work.
 #pragma once
 #include <deque>
 #include <memory>
@@ -25,6 +25,10 @@ class PacketWorkers {
 
   // So many threads with this one. False when there is no memory, or no thread: then nothing was started.
   bool Start(int32_t count, const PacketRun::Prepare& prepare);
+
+  // Whether the next packet is one to hand on. Else the run decodes it, and then calls HandleOwn.
+  bool HandsOn();
+  bool HandleOwn(const FrameRecord* record, const CaptureFrame& frame, int32_t handled);
 
   // Around the pass of a packet, whose look-ups are noted: it is handed on. False when nothing more can be written.
   bool BeginPacket(const FrameRecord* record, const CaptureFrame& frame);
@@ -50,10 +54,9 @@ class PacketWorkers {
     StateLog log;
   };
   struct Worker {
-    Worker(PacketWorkers& all, OrderedWriter& writer) : workers(all), lane(writer), out(OrderedWriter::SinkOf(&lane)) {}
+    Worker(PacketWorkers& all, OrderedWriter& writer) : workers(all), lane(writer) {}
     PacketWorkers& workers;
     OrderedWriter::Lane lane;
-    Output out;
     std::unique_ptr<PacketRun> run;
     PacketRun::Handler handle;
     Thread thread;
@@ -67,14 +70,15 @@ class PacketWorkers {
   static constexpr size_t kBatchAnswers = 64u << 10;
   static constexpr size_t kBatchesEach = 5;   // of a thread
   static constexpr size_t kBatchesToWake = 3;   // for one alone a thread would soon sleep again
+  static constexpr size_t kFewFilled = OrderedWriter::kMostBuffers / 2;
 
   bool AddWorker(const PacketRun::Prepare& prepare, bool isOwn);
   void Work(Worker& worker);
   void DecodeNext(Worker& worker);
   bool DecodeBatch(Worker& worker, Batch& batch);
   static bool Make(PacketRun& run, const Batch& batch, size_t at, const FrameRecord* record, StateReplay& replay, int32_t* handled);
-  bool AwaitBatch();
   void Ship();
+  void EndOwn();
   void TakeAlong(const uint8_t** bytes, int32_t length);
 
   PacketRun& run_;
@@ -90,7 +94,10 @@ class PacketWorkers {
   BatchSize most_{};
   Batch* current_ = nullptr;   // being filled
   uint64_t places_ = 0;        // given out
-  std::vector<std::unique_ptr<Worker>> workers_;   // the first is the thread that reads
+  std::vector<std::unique_ptr<Worker>> workers_;   // the first is the thread that reads, for batches that nobody took
+  PacketRun::Handler own_;   // of this thread's run, for what is not handed on; it writes where the first worker does
+  bool ownBegan_ = false;
+  size_t ownPackets_ = 0, ownBytes_ = 0;   // since then
 };
 
 }  // namespace qxview

@@ -8,6 +8,7 @@ void OpenOutput(OutputFile* file, const OutputSink& sink) {
   file->sink = sink;
   file->failed = false;
   file->used = 0;
+  file->buffer = file->own;
 }
 
 void FlushOutput(OutputFile* file) {
@@ -18,10 +19,9 @@ void FlushOutput(OutputFile* file) {
 }
 
 void WriteOutput(OutputFile* file, const char* bytes, int32_t length) {
-  constexpr int32_t kRoom = static_cast<int32_t>(sizeof file->buffer);
   while (length > 0) {
-    if (file->used == kRoom) FlushOutput(file);
-    const int32_t piece = length < kRoom - file->used ? length : kRoom - file->used;
+    if (file->used == kOutputSize) FlushOutput(file);
+    const int32_t piece = length < kOutputSize - file->used ? length : kOutputSize - file->used;
     std::memcpy(file->buffer + file->used, bytes, static_cast<size_t>(piece));
     file->used += piece;
     bytes += piece;

@@ -12,11 +12,14 @@ struct OutputSink {
   int64_t descriptor;   // what user decoder libraries are given as the file
 };
 
+constexpr int32_t kOutputSize = 65536;
+
 struct OutputFile {
   OutputSink sink;
   bool failed;        // a write did not succeed; nothing is written after it
   int32_t used;
-  char buffer[65536];
+  char* buffer;   // of kOutputSize: own, unless the sink keeps a full one and sets another
+  char own[kOutputSize];
 };
 
 void OpenOutput(OutputFile* file, const OutputSink& sink);
