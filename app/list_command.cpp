@@ -88,7 +88,7 @@ class PacketList {
     const char* const summary = texts.summary;
     FormatPacketAddresses(packet, host_, &texts.addresses);
     const uint32_t length = WireLength(record) + static_cast<uint32_t>(MovedHeaderLength(record));
-    run_.Summarize(texts.summary, sizeof texts.summary);
+    SummarizePacket(run_.GetSession().GetView(), texts.summary, sizeof texts.summary);
     const std::string_view timeText{time, static_cast<size_t>(timeLength)};
     if (table_) return PutTableRow(number, timeText, addresses, length, summary);
     constexpr size_t kTexts = sizeof texts.addresses + sizeof texts.summary;
@@ -182,7 +182,6 @@ class DataList {
   void Put(PacketRun& run, const FrameRecord* record, const CaptureFrame& frame) {
     ShownPacket packet(run.GetSession(), run.Host().Record());
     packet.Take(record, frame.number, true);
-    packet.TakeSummary([&](char* out, int32_t size) { run.Summarize(out, size); });
     char time[ListTime::kSize];
     const int32_t timeLength = time_.Format(run.Times(), record->nanoseconds % 1000 == 0 ? 6 : 9, time);
     const std::string_view timeText{time, static_cast<size_t>(timeLength)};

@@ -9,7 +9,6 @@
 #include "app/packet_workers.h"
 #include "core/frame_entry.h"
 #include "decoders/app/packet_summaries.h"
-#include "decoders/net/skimmed_frames.h"
 #include "host/packet_addresses.h"
 #include "host/text.h"
 #include "platform/bpf_filter.h"
@@ -263,10 +262,6 @@ void PacketRun::SummarizePackets() {
   summarizes_ = true;
 }
 
-void PacketRun::Summarize(char* out, int32_t size) {
-  if (summary_) CopyString(out, size, summary_); else SummarizePacket(session_->GetView(), out, size);
-}
-
 void PacketRun::ReadListing(const FrameRecord* record) {
   PacketAddresses addresses;
   char summary[kSummarySize], scratch[kMediumNameScratch];
@@ -295,37 +290,16 @@ void PacketRun::PassAsked(const FrameRecord* record) {
   if (query_->AsksForSummary()) PassSummary(session_->GetView());
 }
 
-// Hands on a packet of which its row of the list is wanted.
-bool PacketRun::HandOnRow(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame) {
-  View* const view = session_->GetView();
-  if (!workers.BeginPacket(record, frame)) return false;
-  const Skim skimmed = SkimFrame(view, record);
-  if (skimmed == Skim::kNot) {
-    workers.ForgetAnswers();
-    session_->Pass(record);
-    workers.NoteHeaders();
-  }
-  if (skimmed == Skim::kNot && SummaryIsDecoded(view)) {
-    char summary[kSummarySize];
-    workers.NoteNoMore();
-    SummarizePacket(view, summary, sizeof summary);
-    workers.NoteSummary(summary);
-  } else if (skimmed != Skim::kDone) {
-    PassSummary(view);
-  }
-  return workers.EndPacket();
-}
-
 // Hands the packet on with what the look-ups gave that Make will ask for; they are those of Make in the same order.
 bool PacketRun::HandOn(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame) {
-  if (summarizes_) return HandOnRow(workers, record, frame);
   if (!workers.BeginPacket(record, frame)) return false;
   if (query_) {
     PassAsked(record);
   } else if (!keeps_) {
     session_->Pass(record);
+    if (summarizes_) workers.NoteHeaders();
     if (lists_) session_->ReadHeaders(record);
-    if (lists_) PassSummary(session_->GetView());
+    if (summarizes_ || lists_) PassSummary(session_->GetView());
   }
   return workers.EndPacket();
 }
@@ -387,9 +361,8 @@ std::unique_ptr<PacketRun> PacketRun::MakeWorker(bool forThisThread) {
   return worker;
 }
 
-void PacketRun::TakePacket(const CaptureFrame& frame, const PacketTimes& times, const char* summary) {
+void PacketRun::TakePacket(const CaptureFrame& frame, const PacketTimes& times) {
   times_ = times;
-  summary_ = summary;
   if (prefixed_) prefixed_->SetLinePrefix(frame.file);
 }
 

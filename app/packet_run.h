@@ -50,17 +50,15 @@ class PacketRun {
   int ForEachWritten(Output& out, const Prepare& prepare);
   // What a handler of ForEachWritten wants beside the packet's lines, or in place of them: told to its run while it is made.
   void ListPackets() { lists_ = true; }                      // what the packet list says
-  void SummarizePackets();                                   // headers alone; the handler then calls Summarize
+  void SummarizePackets();                                   // headers alone; the handler then calls SummarizePacket
   void AskPackets(KeyQuery* query) { query_ = query; }       // its values alone, which it holds when the handler is called
   void KeepPackets() { keeps_ = true; }                      // its record as it is, which nothing is decoded for
   const PacketListing& Listing() const { return listing_; }   // of the current packet
-  // Once a packet: its line of the list.
-  void Summarize(char* out, int32_t size);
 
   // For PacketWorkers: a run that is handed its packets, for this thread (with this run's session) or a further one; null when
   // there is no memory.
   std::unique_ptr<PacketRun> MakeWorker(bool forThisThread);
-  void TakePacket(const CaptureFrame& frame, const PacketTimes& times, const char* summary);   // null: it is to be made
+  void TakePacket(const CaptureFrame& frame, const PacketTimes& times);
   bool Make(const FrameRecord* record, const CaptureFrame& frame, int32_t* handled);
   bool MakesRows() const { return summarizes_ || query_; }   // of a packet, in place of its lines
 
@@ -110,7 +108,6 @@ class PacketRun {
   void PassBy(const CaptureFrame& frame);
   int32_t JobsThatPay() const;
   bool HandOn(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame);
-  bool HandOnRow(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame);
   void PassAsked(const FrameRecord* record);
   void ReadListing(const FrameRecord* record);
   void TellLinkType(const CaptureFrame& frame);
@@ -141,7 +138,6 @@ class PacketRun {
   bool lists_ = false, summarizes_ = false, keeps_ = false;
   KeyQuery* query_ = nullptr;
   PacketListing listing_;
-  const char* summary_ = nullptr;   // of the current packet, where another thread made it
   Progress progress_;
 };
 

@@ -69,7 +69,6 @@ bool PacketWorkers::HandsOn() {
   current_->records.clear();
   current_->packets.clear();
   current_->headers.clear();
-  current_->summaries.clear();
   current_->log.Clear();
   return true;
 }
@@ -102,7 +101,6 @@ bool PacketWorkers::BeginPacket(const FrameRecord* record, const CaptureFrame& f
   packet.times = run_.Times();
   packet.record = (records.size() + kAlignment - 1) / kAlignment * kAlignment;
   packet.answers = current_->log.End();
-  packet.headers = packet.summary = -1;
   records.resize(packet.record);
   const auto* bytes = reinterpret_cast<const uint8_t*>(record);
   records.insert(records.end(), bytes, bytes + record->recordLength);
@@ -122,7 +120,6 @@ void PacketWorkers::TakeAlong(const uint8_t** bytes, int32_t length) {
 }
 
 void PacketWorkers::NoteHeaders() {
-  current_->packets.back().headers = static_cast<int32_t>(current_->headers.size());
   PacketState& packet = current_->headers.emplace_back(run_.GetSession().Context().packet);
   FetchToWrite(&packet + 1, sizeof packet);
   const uintptr_t first = reinterpret_cast<uintptr_t>(packet.frame);
@@ -137,12 +134,6 @@ void PacketWorkers::NoteHeaders() {
   take(packet.reached.bytes, packet.reached.length);
   take(packet.carrier.bytes, packet.carrier.length);
   current_->packets.back().answers = current_->log.End();
-}
-
-void PacketWorkers::NoteSummary(const char* text) {
-  std::vector<char>& summaries = current_->summaries;
-  current_->packets.back().summary = static_cast<int32_t>(summaries.size());
-  summaries.insert(summaries.end(), text, text + std::strlen(text) + 1);
 }
 
 bool PacketWorkers::EndPacket() {
@@ -234,13 +225,10 @@ void PacketWorkers::DecodeNext(Worker& worker) {
 bool PacketWorkers::Make(PacketRun& run, const Batch& batch, size_t at, const FrameRecord* record, StateReplay& replay,
                          int32_t* handled) {
   const Packet& packet = batch.packets[at];
-  run.TakePacket(packet.frame, packet.times, packet.summary < 0 ? nullptr : batch.summaries.data() + packet.summary);
+  run.TakePacket(packet.frame, packet.times);
   replay.Seek(packet.answers);
   *handled = 0;
-  if (packet.headers >= 0) {
-    run.GetSession().TakeHeaders(batch.headers[static_cast<size_t>(packet.headers)], record);
-    return true;
-  }
+  if (!batch.headers.empty()) return run.GetSession().TakeHeaders(batch.headers[at], record), true;
   return run.Make(record, packet.frame, handled);
 }
 
@@ -249,11 +237,8 @@ bool PacketWorkers::DecodeBatch(Worker& worker, Batch& batch) {
   for (size_t i = 0; i < batch.packets.size(); ++i) {
     const Packet& packet = batch.packets[i];
     const auto* record = reinterpret_cast<const FrameRecord*>(batch.records.data() + packet.record);
-    if (i + 1 < batch.packets.size()) {
-      const Packet& next = batch.packets[i + 1];
-      FetchToRead(batch.records.data() + next.record, kMostAhead);
-      if (next.headers >= 0) FetchToRead(&batch.headers[static_cast<size_t>(next.headers)], sizeof(PacketState));
-    }
+    if (i + 1 < batch.packets.size()) FetchToRead(batch.records.data() + batch.packets[i + 1].record, kMostAhead);
+    if (i + 1 < batch.headers.size()) FetchToRead(&batch.headers[i + 1], sizeof(PacketState));
     int32_t handled;
     if (!Make(*worker.run, batch, i, record, replay, &handled) || !worker.handle(record, packet.frame, handled)) return false;
   }

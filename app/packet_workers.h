@@ -35,11 +35,6 @@ class PacketWorkers {
   bool EndPacket();
   // Between these, where headers were read: what they told goes with the packet in place of the look-ups so far.
   void NoteHeaders();
-  // The look-ups of the packet so far are of no use.
-  void ForgetAnswers() { current_->log.Cut(current_->packets.back().answers); }
-  // The packet's line of the list, for which no look-ups go with it.
-  void NoteNoMore() { current_->log.Record(nullptr); }
-  void NoteSummary(const char* text);
 
   // Decodes and writes what was handed on; false when it could not be written.
   bool Drain();
@@ -50,14 +45,12 @@ class PacketWorkers {
     CaptureFrame frame;
     PacketTimes times;
     size_t record, answers;   // where they begin in the batch
-    int32_t headers, summary;   // what they told, and the line of the list, in the batch; -1: to be read, and made
   };
   struct Batch {
     uint64_t place = 0;
     std::vector<uint8_t> records;
     std::vector<Packet> packets;
-    std::vector<PacketState> headers;   // pointers are as far from the frame as in `records`
-    std::vector<char> summaries;        // each with its end
+    std::vector<PacketState> headers;   // of each packet, where they are noted; pointers are as far from the frame as in `records`
     StateLog log;
   };
   struct Worker {

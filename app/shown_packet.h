@@ -20,13 +20,6 @@ class ShownPacket final : public PacketTold {
     if (isRead) Name();
   }
 
-  // In place of the session's: `make` writes it.
-  template <class Make>
-  void TakeSummary(const Make& make) {
-    make(summary_, static_cast<int32_t>(sizeof summary_));
-    isSummarized_ = true;
-  }
-
   uint64_t Number() const override { return number_; }
   int64_t Nanoseconds() const override { return record_->nanoseconds; }
   uint32_t Length() const override { return WireLength(record_) + static_cast<uint32_t>(MovedHeaderLength(record_)); }

@@ -8,7 +8,6 @@ namespace qxview {
 struct TlsStream {
   int32_t pending;   // bytes that the last record still lacks
   bool encrypted;    // its cipher was changed: handshake messages are not to be read
-  uint8_t unused[3] = {};   // what is recorded of it is the same each time
 };
 
 }  // namespace qxview
