@@ -136,7 +136,10 @@ bool DecodeMessage(const Place& at, Cursor& c) {
   if (first.isRequest) ShowSipUri(parts, first.target);
   HeaderLine header;
   Loop loop;
-  while (MoreAt(in, c, loop) && TakeHeader(c, header)) {
+  const bool passes = NobodyWants(in);   // what the body announces is kept
+  while (passes && More(c, loop) && TakeHeader(c, header)) {
+  }
+  while (!passes && MoreAt(in, c, loop) && TakeHeader(c, header)) {
     const SipHeader* row = FindSipHeader(header.name);
     const Place under = Under(in, ShowHeader(in, header, row && header.name.length == 1 ? row->name : nullptr));
     if (row) ShowSipHeader(under, *row, header);

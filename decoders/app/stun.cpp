@@ -90,7 +90,7 @@ bool IsChannelData(const Cursor& c) {
   return Left(c) >= 4 && PeekU8(c) >= 0x40 && PeekU8(c) < 0x80 && data <= Left(c) - 4;
 }
 
-void DecodeMessage(const Place& at, Cursor& c, bool isFramed) {
+void DecodeMessage(const Place& at, Cursor& c, bool isFramed, int32_t depth) {
   const Cursor start = c;
   const Field frameLength = isFramed ? TakeU16(c) : Field{};
   const uint32_t type = PeekU16(c);
@@ -98,6 +98,7 @@ void DecodeMessage(const Place& at, Cursor& c, bool isFramed) {
   const int32_t declared = kStunHeaderSize + static_cast<int32_t>(PeekU16(c, 2));
   Stun stun{};
   stun.isClassic = isClassic;
+  stun.depth = depth;
   stun.mask = PeekBytes(c, 4, 16);
   stun.message = Ahead(c, declared < Left(c) ? declared : Left(c));
   const Field whole = Ahead(start, stun.message.length + (isFramed ? 2 : 0));
@@ -142,18 +143,22 @@ bool LooksLikeStunOverTcp(const Cursor& c) {
 
 bool StartsStun(const Cursor& c) { return HasCookie(c) || IsFramed(c) || IsChannelData(c) || IsClassic(c); }
 
-int32_t DecodeStun(const Place& at, Cursor c) {
-  if (!StartsStun(c)) return 0;
+void ShowStunMessages(const Place& in, Cursor c, int32_t depth) {
   Loop loop;
-  while (MoreAt(at, c, loop) && StartsStun(c)) {
+  while (MoreAt(in, c, loop) && StartsStun(c)) {
     const bool isFramed = !HasCookie(c) && IsFramed(c);
     if (!HasCookie(c) && !isFramed && IsChannelData(c)) {
-      DecodeChannelData(at, c);
+      DecodeChannelData(in, c);
     } else {
-      DecodeMessage(at, c, isFramed);
+      DecodeMessage(in, c, isFramed, depth);
     }
   }
-  AddRawRest(at, c, "STUN Data");
+  AddRawRest(in, c, "STUN Data");
+}
+
+int32_t DecodeStun(const Place& at, Cursor c) {
+  if (!StartsStun(c)) return 0;
+  ShowStunMessages(at, c, 0);
   return 1;
 }
 

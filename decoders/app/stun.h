@@ -23,9 +23,11 @@ struct Stun {
   bool isClassic;        // RFC 3489: without a cookie
   bool toldMapped, toldPeer;   // what the line said of them
   Field size;
+  int32_t depth;         // messages that this one is relayed in
 };
 
 int32_t DecodeStun(const Place& at, Cursor c);
+void ShowStunMessages(const Place& in, Cursor c, int32_t depth);   // relayed in so many others
 void ShowStunAttributes(const Place& in, Cursor& c, Stun& stun);
 
 }  // namespace qxview

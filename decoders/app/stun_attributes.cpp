@@ -159,13 +159,13 @@ void ShowAlgorithms(const Place& in, Cursor& c, Stun& stun) {
 }
 
 // A relayed packet may be a message itself: a check of connectivity, as often as not.
-void ShowData(const Place& in, Cursor& c, Stun&) {
-  if (!LooksLikeStun(c)) {
+void ShowData(const Place& in, Cursor& c, Stun& stun) {
+  constexpr int32_t kMostRelays = 8;
+  if (stun.depth < kMostRelays && LooksLikeStun(c)) {
+    ShowStunMessages(in, TakeCursor(c, Left(c)), stun.depth + 1);
+  } else {
     AddBlock(in, Rest(c), "Application Data");
-    return;
   }
-  Cursor data = TakeCursor(c, Left(c));
-  CallDecoder(in, data, DecodeStun, "Application Data");
 }
 
 constexpr auto kOpaque = Rows<Stun>({Bytes(0, "Value")});
