@@ -43,7 +43,8 @@ char* OrderedWriter::TakeBuffer(Lane& lane) {
   return lane.buffers.back().get();
 }
 
-// Keeps the Output's buffer, or a copy of what it has put elsewhere. False when the lane has to wait for its turn.
+// Keeps the Output's buffer, or a copy of what does not stand there, such as lines that were given prefixes. False when the
+// lane has to wait for its turn.
 bool OrderedWriter::Hold(Lane& lane, std::string_view bytes) {
   OutputFile& file = *lane.out.File();
   if (bytes.data() == file.buffer) {

@@ -69,6 +69,12 @@ void Output::SetLinePrefix(std::string_view file) {
                 target_.descriptor};
 }
 
+void Output::PutPrefixed(std::string_view lines) {
+  if (!target_.write) return Put(lines);
+  Flush();
+  if (!file_.failed && target_.write(target_.handle, lines.data(), static_cast<int32_t>(lines.size())) != 1) file_.failed = true;
+}
+
 int32_t Output::WritePrefixed(std::string_view bytes) {
   prefixed_.clear();
   while (!bytes.empty()) {

@@ -34,6 +34,9 @@ class Output {
   // Where what is put goes in the end, without prefixes.
   const OutputSink& Target() const { return target_.write ? target_ : file_.sink; }
 
+  // Lines that have their prefix.
+  void PutPrefixed(std::string_view lines);
+
   // From now on every line but empty ones begins with this file's name and two blanks.
   void SetLinePrefix(std::string_view file);
 

@@ -89,7 +89,7 @@ bool PacketRun::Open(const ReadingOptions& options, const std::vector<std::strin
     where_ = Filter::Parse(options.where, &fault);
     if (!where_) return status_ = kUsage, Tell("--where: " + fault.message), false;
   }
-  builder_ = std::make_unique<RecordBuilder>();
+  builder_ = std::make_unique_for_overwrite<RecordBuilder>();
   return true;
 }
 
@@ -170,6 +170,14 @@ void PacketRun::TellLinkType(const CaptureFrame& frame) {
        ") has no decoder; its packets are not decoded");
 }
 
+// The packet's record with what the capture tells of it, once it is selected.
+const FrameRecord* PacketRun::RecordToShow(const CaptureFrame& frame) {
+  if (noted_) return noted_;
+  const FrameRecord* const record = RecordOf(frame);
+  if (!query_ && !keeps_ && !FindFrameDecoder(record)) TellLinkType(frame);
+  return noted_ = notes_ ? notes_->Add(record, frame, times_) : record;
+}
+
 void PacketRun::TellEnd(ReadResult result) {
   EraseProgress();
   if (result == ReadResult::kDamaged) {
@@ -219,7 +227,7 @@ int PacketRun::Pass(const std::function<bool(const CaptureFrame&, bool selected)
   while (selectedPackets < options_->count && (result = reader_->Next(&frame)) == ReadResult::kFrame) {
     if ((seen & 0xF) == 0xF) progress_.Show(reader_->FilePosition(), reader_->FileSize());
     if (frame.number > last) break;
-    record_ = nullptr;
+    record_ = noted_ = nullptr;
     wasDecoded_ = false;
     const bool selected = Matches(frame) && Answers(frame);
     NoteTime(frame.nanoseconds, ++seen == 1, selected);
@@ -290,16 +298,44 @@ void PacketRun::PassAsked(const FrameRecord* record) {
   if (query_->AsksForSummary()) PassSummary(session_->GetView());
 }
 
+// Makes the look-ups that reading the packet's headers would make and no more; Skim::kNot where they have to be read.
+Skim PacketRun::SkimPacket(const CaptureFrame& frame) {
+  constexpr uint16_t kEthernet = 1;
+  constexpr uint32_t kMost = 60000;   // a record holds it
+  const bool isWhole = !frame.record && frame.dataLength == frame.capturedLength && frame.dataLength <= kMost;
+  if (notes_ || frame.linkType != kEthernet || !isWhole) return Skim::kNot;
+  return SkimFrame(session_->GetView(), frame.data, static_cast<int32_t>(frame.dataLength));
+}
+
+// Hands on a packet of which its row of the list is wanted. Where the row takes a decoder that has to have its turn it is made
+// here: its line costs hardly more.
+bool PacketRun::HandOnRow(PacketWorkers& workers, const CaptureFrame& frame) {
+  View* const view = session_->GetView();
+  const Skim skimmed = SkimPacket(frame);
+  if (skimmed == Skim::kNot) {
+    workers.ForgetAnswers();
+    const FrameRecord* const record = RecordToShow(frame);
+    session_->Pass(record);
+    if (SummaryIsDecoded(view)) {
+      workers.TakeBack();
+      return workers.HandleOwn(record, frame, 0);
+    }
+  }
+  if (skimmed != Skim::kDone) PassSummary(view);
+  return workers.EndPacket();
+}
+
 // Hands the packet on with what the look-ups gave that Make will ask for; they are those of Make in the same order.
-bool PacketRun::HandOn(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame) {
-  if (!workers.BeginPacket(record, frame)) return false;
+bool PacketRun::HandOn(PacketWorkers& workers, const CaptureFrame& frame) {
+  if (!workers.BeginPacket(frame)) return false;
+  if (summarizes_) return HandOnRow(workers, frame);
+  const FrameRecord* const record = RecordToShow(frame);
   if (query_) {
     PassAsked(record);
   } else if (!keeps_) {
     session_->Pass(record);
-    if (summarizes_) workers.NoteHeaders();
     if (lists_) session_->ReadHeaders(record);
-    if (summarizes_ || lists_) PassSummary(session_->GetView());
+    if (lists_) PassSummary(session_->GetView());
   }
   return workers.EndPacket();
 }
@@ -314,14 +350,11 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
   bool tries = jobs > 1;
   const int status = Pass([&](const CaptureFrame& frame, bool selected) {
     bool goOn = true;
-    const FrameRecord* record = RecordOf(frame);
     const bool decodes = !keeps_ || where_;
     if (!selected) {
       if (decodes) PassBy(frame);
       return host_->FinishPacket(), true;
     }
-    if (!query_ && !keeps_ && !FindFrameDecoder(record)) TellLinkType(frame);
-    const FrameRecord* const noted = notes_ ? notes_->Add(record, frame, times_) : record;
     if (tries && shown > alone) {
       tries = false;
       workers = std::make_unique<PacketWorkers>(*this, out);
@@ -329,15 +362,17 @@ int PacketRun::ForEachWritten(Output& out, const Prepare& prepare) {
         workers.reset();
         own = prepare(*this, out);   // one of them had this run's session
       }
+      if (prefixed_) prefixed_->SetLinePrefix(frame.file);   // it may be another one now
       // Input that is waited for may be long in coming.
       if (workers) SetIdleAction([](void* with) { static_cast<PacketWorkers*>(with)->Drain(); }, workers.get());
     }
-    int32_t handled;
     if (workers && workers->HandsOn()) {
-      goOn = HandOn(*workers, noted, frame);
+      goOn = HandOn(*workers, frame);
     } else {
-      shown += noted->recordLength;
-      goOn = Make(noted, frame, &handled) && (workers ? workers->HandleOwn(noted, frame, handled) : own(noted, frame, handled));
+      const FrameRecord* const record = RecordToShow(frame);
+      int32_t handled;
+      shown += record->recordLength;
+      goOn = Make(record, frame, &handled) && (workers ? workers->HandleOwn(record, frame, handled) : own(record, frame, handled));
     }
     if (query_ || (keeps_ && where_)) PassBy(frame);
     host_->FinishPacket();
@@ -358,6 +393,7 @@ std::unique_ptr<PacketRun> PacketRun::MakeWorker(bool forThisThread) {
   if (!worker->session_) return nullptr;
   worker->asked_ = std::make_unique<ShownPacket>(*worker->session_, host_->Record());
   worker->probe_ = std::make_unique<Probe>(*worker->session_);
+  worker->builder_ = std::make_unique_for_overwrite<RecordBuilder>();
   return worker;
 }
 

@@ -9,6 +9,7 @@
 #include "app/packet_notes.h"
 #include "app/progress.h"
 #include "app/shown_packet.h"
+#include "decoders/net/skimmed_frames.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
 #include "host/key_log.h"
@@ -59,8 +60,12 @@ class PacketRun {
   // there is no memory.
   std::unique_ptr<PacketRun> MakeWorker(bool forThisThread);
   void TakePacket(const CaptureFrame& frame, const PacketTimes& times);
+  const FrameRecord* BuildRecord(const CaptureFrame& frame) { return builder_->Build(frame); }
+  const FrameRecord* RecordToShow(const CaptureFrame& frame);
   bool Make(const FrameRecord* record, const CaptureFrame& frame, int32_t* handled);
   bool MakesRows() const { return summarizes_ || query_; }   // of a packet, in place of its lines
+  bool Summarizes() const { return summarizes_; }
+  bool Keep(const CaptureFrame& frame, KeptBytes* kept) { return !notes_ && reader_->Keep(frame, kept); }
 
   // For a query's values, on this thread. `query` holds those of the packet when the handler is called.
   int ForEachAsked(KeyQuery& query, const RecordHandler& handle);
@@ -107,7 +112,9 @@ class PacketRun {
   bool Ask(KeyQuery& query, const FrameRecord* record, uint64_t number);
   void PassBy(const CaptureFrame& frame);
   int32_t JobsThatPay() const;
-  bool HandOn(PacketWorkers& workers, const FrameRecord* record, const CaptureFrame& frame);
+  bool HandOn(PacketWorkers& workers, const CaptureFrame& frame);
+  Skim SkimPacket(const CaptureFrame& frame);
+  bool HandOnRow(PacketWorkers& workers, const CaptureFrame& frame);
   void PassAsked(const FrameRecord* record);
   void ReadListing(const FrameRecord* record);
   void TellLinkType(const CaptureFrame& frame);
@@ -125,6 +132,7 @@ class PacketRun {
   std::unique_ptr<ShownPacket> asked_;
   std::unique_ptr<Probe> probe_;
   const FrameRecord* record_ = nullptr;   // of the current packet, once it was built
+  const FrameRecord* noted_ = nullptr;    // the same with what the capture tells of it
   bool wasDecoded_ = false;               // the current packet, to ask it
   Output* prefixed_ = nullptr;
   bool optionsHold_ = false;

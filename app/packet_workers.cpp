@@ -32,7 +32,7 @@ bool PacketWorkers::Start(int32_t count, const PacketRun::Prepare& prepare) {
   for (int32_t i = 0; i < count; ++i) {
     if (!AddWorker(prepare, i == 0)) return workers_.clear(), false;
   }
-  own_ = prepare(run_, workers_.front()->lane.out);
+  own_ = prepare(run_, run_.Summarizes() ? rows_ : workers_.front()->lane.out);
   most_ = run_.MakesRows() ? kOfRows : kOfLines;
   for (size_t i = 0; i < kBatchesEach * static_cast<size_t>(count); ++i) {
     batches_.push_back(std::make_unique<Batch>());
@@ -66,14 +66,32 @@ bool PacketWorkers::HandsOn() {
     return false;
   }
   current_->place = places_++;
+  current_->count = current_->bytes = 0;
   current_->records.clear();
   current_->packets.clear();
-  current_->headers.clear();
+  current_->text.clear();
   current_->log.Clear();
   return true;
 }
 
+int32_t PacketWorkers::PutRows(void* workers, const char* bytes, int32_t length) {
+  PacketWorkers& self = *static_cast<PacketWorkers*>(workers);
+  Output& out = self.workers_.front()->lane.out;
+  if (!self.current_) return out.PutPrefixed({bytes, static_cast<size_t>(length)}), !out.Failed();
+  try {
+    self.current_->text.insert(self.current_->text.end(), bytes, bytes + length);
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
+  return 1;
+}
+
 bool PacketWorkers::HandleOwn(const FrameRecord* record, const CaptureFrame& frame, int32_t handled) {
+  if (current_) {
+    if (!own_(record, frame, handled)) writer_.Fail();
+    rows_.Flush();
+    return EndsBatch(record->recordLength);
+  }
   ++ownPackets_;
   ownBytes_ += record->recordLength;
   if (!own_(record, frame, handled)) writer_.Fail();
@@ -85,61 +103,53 @@ void PacketWorkers::EndOwn() {
   if (!ownBegan_) return;
   ownBegan_ = false;
   ownPackets_ = ownBytes_ = 0;
+  rows_.Flush();
   writer_.End(workers_.front()->lane);
 }
 
-bool PacketWorkers::BeginPacket(const FrameRecord* record, const CaptureFrame& frame) {
+bool PacketWorkers::BeginPacket(const CaptureFrame& frame) {
   if (writer_.Failed()) return false;
-  constexpr size_t kAlignment = 8;
-  std::vector<uint8_t>& records = current_->records;
   Packet& packet = current_->packets.emplace_back();
   packet.frame = frame;
-  packet.frame.data = nullptr;   // the reader's, like these
-  packet.frame.record = nullptr;
+  packet.frame.record = nullptr;   // the reader's, like these
   packet.frame.interface = nullptr;
   packet.frame.options = {};
   packet.times = run_.Times();
-  packet.record = (records.size() + kAlignment - 1) / kAlignment * kAlignment;
+  packet.record = -1;
   packet.answers = current_->log.End();
-  records.resize(packet.record);
-  const auto* bytes = reinterpret_cast<const uint8_t*>(record);
-  records.insert(records.end(), bytes, bytes + record->recordLength);
-  FetchToWrite(records.data() + records.size(), kMostAhead);
+  packet.text = current_->text.size();
+  if (!run_.Keep(frame, &current_->kept)) AddRecord(run_.RecordToShow(frame));
   FetchToWrite(&packet + 1, sizeof packet);
   current_->log.Record(run_.GetSession().GetEngine());
   return true;
 }
 
-// Bytes that are not the record's own, since something was opened for them, are put behind it.
-void PacketWorkers::TakeAlong(const uint8_t** bytes, int32_t length) {
-  const uintptr_t first = reinterpret_cast<uintptr_t>(current_->headers.back().frame);
+void PacketWorkers::AddRecord(const FrameRecord* record) {
+  constexpr size_t kAlignment = 8;
   std::vector<uint8_t>& records = current_->records;
-  const size_t place = records.size() - current_->packets.back().record;
-  records.insert(records.end(), *bytes, *bytes + length);
-  *bytes = reinterpret_cast<const uint8_t*>(first + place);
-}
-
-void PacketWorkers::NoteHeaders() {
-  PacketState& packet = current_->headers.emplace_back(run_.GetSession().Context().packet);
-  FetchToWrite(&packet + 1, sizeof packet);
-  const uintptr_t first = reinterpret_cast<uintptr_t>(packet.frame);
-  const uint32_t most = packet.frame->recordLength;
-  const auto take = [&](const uint8_t*& bytes, int32_t length) {
-    const uintptr_t at = reinterpret_cast<uintptr_t>(bytes) - first;
-    const bool isOwn = at <= most && static_cast<uint32_t>(length) <= most - at;
-    if (!isOwn && bytes && length >= 0) TakeAlong(&bytes, length);
-  };
-  take(packet.payload, packet.payloadLength);
-  take(packet.segment.payload, packet.segment.length);
-  take(packet.reached.bytes, packet.reached.length);
-  take(packet.carrier.bytes, packet.carrier.length);
-  current_->packets.back().answers = current_->log.End();
+  records.resize((records.size() + kAlignment - 1) / kAlignment * kAlignment);
+  current_->packets.back().record = static_cast<int64_t>(records.size());
+  current_->packets.back().frame.data = nullptr;
+  const auto* bytes = reinterpret_cast<const uint8_t*>(record);
+  records.insert(records.end(), bytes, bytes + record->recordLength);
 }
 
 bool PacketWorkers::EndPacket() {
   current_->log.Record(nullptr);
   if (!current_->log.Complete()) return Tell("no memory for what the packets' look-ups gave"), writer_.Fail(), false;
-  const bool isFull = current_->packets.size() >= most_.packets || current_->records.size() >= most_.bytes;
+  return EndsBatch(current_->packets.back().frame.dataLength);
+}
+
+void PacketWorkers::TakeBack() {
+  current_->log.Record(nullptr);
+  ForgetAnswers();
+  current_->packets.pop_back();
+}
+
+// With a packet of so many bytes more.
+bool PacketWorkers::EndsBatch(size_t bytes) {
+  current_->bytes += bytes;
+  const bool isFull = ++current_->count >= most_.packets || current_->bytes >= most_.bytes;
   if (isFull || current_->log.End() >= kBatchAnswers) Ship();
   return !writer_.Failed();
 }
@@ -216,32 +226,33 @@ void PacketWorkers::DecodeNext(Worker& worker) {
     const OutsideMonitor outside(monitor_);
     worker.lane.place = batch->place;
     if (!writer_.Failed() && !DecodeBatch(worker, *batch)) writer_.Fail();
+    batch->kept.clear();
     writer_.End(worker.lane);
   }
   free_.push_back(batch);
   moved_.Changed();
 }
 
-bool PacketWorkers::Make(PacketRun& run, const Batch& batch, size_t at, const FrameRecord* record, StateReplay& replay,
-                         int32_t* handled) {
-  const Packet& packet = batch.packets[at];
-  run.TakePacket(packet.frame, packet.times);
-  replay.Seek(packet.answers);
-  *handled = 0;
-  if (!batch.headers.empty()) return run.GetSession().TakeHeaders(batch.headers[at], record), true;
-  return run.Make(record, packet.frame, handled);
-}
-
 bool PacketWorkers::DecodeBatch(Worker& worker, Batch& batch) {
-  StateReplay replay(batch.log, worker.run->GetSession().GetEngine());
+  PacketRun& run = *worker.run;
+  StateReplay replay(batch.log, run.GetSession().GetEngine());
+  size_t text = 0;
+  const auto putText = [&](size_t end) {
+    if (end > text) worker.lane.out.PutPrefixed({batch.text.data() + text, end - text});
+    text = end;
+  };
   for (size_t i = 0; i < batch.packets.size(); ++i) {
     const Packet& packet = batch.packets[i];
-    const auto* record = reinterpret_cast<const FrameRecord*>(batch.records.data() + packet.record);
-    if (i + 1 < batch.packets.size()) FetchToRead(batch.records.data() + batch.packets[i + 1].record, kMostAhead);
-    if (i + 1 < batch.headers.size()) FetchToRead(&batch.headers[i + 1], sizeof(PacketState));
+    if (i + 1 < batch.packets.size()) FetchToRead(batch.packets[i + 1].frame.data, kMostAhead);
+    putText(packet.text);
+    run.TakePacket(packet.frame, packet.times);
+    replay.Seek(packet.answers);
+    const uint8_t* const copy = packet.record < 0 ? nullptr : batch.records.data() + packet.record;
+    const FrameRecord* const record = copy ? reinterpret_cast<const FrameRecord*>(copy) : run.BuildRecord(packet.frame);
     int32_t handled;
-    if (!Make(*worker.run, batch, i, record, replay, &handled) || !worker.handle(record, packet.frame, handled)) return false;
+    if (!run.Make(record, packet.frame, &handled) || !worker.handle(record, packet.frame, handled)) return false;
   }
+  putText(batch.text.size());
   return true;
 }
 

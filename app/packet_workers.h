@@ -31,10 +31,12 @@ class PacketWorkers {
   bool HandleOwn(const FrameRecord* record, const CaptureFrame& frame, int32_t handled);
 
   // Around the pass of a packet, whose look-ups are noted: it is handed on. False when nothing more can be written.
-  bool BeginPacket(const FrameRecord* record, const CaptureFrame& frame);
+  bool BeginPacket(const CaptureFrame& frame);
   bool EndPacket();
-  // Between these, where headers were read: what they told goes with the packet in place of the look-ups so far.
-  void NoteHeaders();
+  // The look-ups of the packet so far are of no use.
+  void ForgetAnswers() { current_->log.Cut(current_->packets.back().answers); }
+  // In place of EndPacket: it is not handed on. The run makes of it what it wants, and then calls HandleOwn.
+  void TakeBack();
 
   // Decodes and writes what was handed on; false when it could not be written.
   bool Drain();
@@ -42,15 +44,18 @@ class PacketWorkers {
 
  private:
   struct Packet {
-    CaptureFrame frame;
+    CaptureFrame frame;   // its data are the batch's, where it has no record of it
     PacketTimes times;
-    size_t record, answers;   // where they begin in the batch
+    int64_t record;         // where it begins in the batch; -1: it is to be built
+    size_t answers, text;   // where its answers begin, and where the text in front of it ends
   };
   struct Batch {
     uint64_t place = 0;
+    size_t count = 0, bytes = 0;   // of packets, those that this thread made rows of among them
+    KeptBytes kept;
     std::vector<uint8_t> records;
     std::vector<Packet> packets;
-    std::vector<PacketState> headers;   // of each packet, where they are noted; pointers are as far from the frame as in `records`
+    std::vector<char> text;   // the rows that this thread made
     StateLog log;
   };
   struct Worker {
@@ -76,10 +81,11 @@ class PacketWorkers {
   void Work(Worker& worker);
   void DecodeNext(Worker& worker);
   bool DecodeBatch(Worker& worker, Batch& batch);
-  static bool Make(PacketRun& run, const Batch& batch, size_t at, const FrameRecord* record, StateReplay& replay, int32_t* handled);
   void Ship();
   void EndOwn();
-  void TakeAlong(const uint8_t** bytes, int32_t length);
+  bool EndsBatch(size_t bytes);
+  void AddRecord(const FrameRecord* record);
+  static int32_t PutRows(void* workers, const char* bytes, int32_t length);
 
   PacketRun& run_;
   Output& out_;
@@ -95,7 +101,10 @@ class PacketWorkers {
   Batch* current_ = nullptr;   // being filled
   uint64_t places_ = 0;        // given out
   std::vector<std::unique_ptr<Worker>> workers_;   // the first is the thread that reads, for batches that nobody took
-  PacketRun::Handler own_;   // of this thread's run, for what is not handed on; it writes where the first worker does
+  // Of this thread's run, for what is not handed on. Rows go into the batch where one is being filled; else, like lines, where the
+  // first worker writes.
+  PacketRun::Handler own_;
+  Output rows_{{this, PutRows, [](void*, int64_t) { return int32_t{0}; }, -1}};
   bool ownBegan_ = false;
   size_t ownPackets_ = 0, ownBytes_ = 0;   // since then
 };

@@ -33,8 +33,9 @@ int PutTimeLeft(double seconds, char* out, size_t size) {
 
 void Progress::Show(uint64_t read, uint64_t size) {
   const Clock::time_point now = Clock::now();
-  if (now - shown_ < kBetween || yields || !StandardErrorIsTerminal()) return;
+  if (now - shown_ < kBetween) return;
   shown_ = now;
+  if (yields || !StandardErrorIsTerminal()) return;
   const double seconds = std::chrono::duration<double>(now - start_).count();
   const double rate = static_cast<double>(read) / seconds;
   char text[100];

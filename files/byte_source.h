@@ -4,12 +4,46 @@
 // memory does not grow with what is read. A pointer from Peek stays valid until the next Peek or Skip beyond the
 // window.
 #pragma once
+#include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace qxview {
+
+// A buffer that all copies of this share, on whichever threads; it goes with the last of them.
+class SharedBuffer {
+ public:
+  SharedBuffer() = default;
+  explicit SharedBuffer(size_t size) noexcept;   // none where there is no memory
+  SharedBuffer(const SharedBuffer& other) noexcept : block_(other.block_) {
+    if (block_) block_->users.fetch_add(1, std::memory_order_relaxed);
+  }
+  SharedBuffer(SharedBuffer&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+  SharedBuffer& operator=(SharedBuffer other) noexcept { return std::swap(block_, other.block_), *this; }
+  ~SharedBuffer();
+
+  explicit operator bool() const { return block_ != nullptr; }
+  bool operator==(const SharedBuffer& other) const { return block_ == other.block_; }
+  uint8_t* Bytes() const { return block_ ? reinterpret_cast<uint8_t*>(block_ + 1) : nullptr; }
+  size_t Size() const { return block_ ? block_->size : 0; }
+  // Nobody else has it, nor looks at it any more.
+  bool IsMine() const { return block_ && block_->users.load(std::memory_order_acquire) == 1; }
+
+ private:
+  struct alignas(64) Block {
+    std::atomic<uint32_t> users;
+    size_t size;
+  };
+  Block* block_ = nullptr;
+};
+
+// Buffers whose bytes stay as they are while these live.
+using KeptBytes = std::vector<SharedBuffer>;
 
 class ByteSource {
  public:
@@ -36,6 +70,12 @@ class ByteSource {
   // where the source cannot.
   virtual bool Seek(uint64_t) { return false; }
 
+  // Keeps the buffer that bytes of the window stand in, unless it is the last of `kept` already. False where they are gone with the
+  // next Peek all the same, or there is no memory.
+  bool Keep(const uint8_t* bytes, size_t length, KeptBytes* kept) noexcept {
+    return bytes >= window_ && length <= static_cast<size_t>(limit_ - bytes) && KeepWindow(kept);
+  }
+
   // Offset of the next byte in the data that the source shows.
   uint64_t Position() const { return windowOffset_ + static_cast<uint64_t>(cursor_ - window_); }
 
@@ -55,6 +95,7 @@ class ByteSource {
  protected:
   // Makes at least `wanted` bytes from the cursor on contiguous, or as many as there are.
   virtual void Refill(size_t wanted) = 0;
+  virtual bool KeepWindow(KeptBytes*) noexcept { return false; }
 
   const uint8_t* window_ = nullptr;  // first byte of the window,
   const uint8_t* cursor_ = nullptr;  // the next one to consume,
@@ -67,6 +108,7 @@ class ByteSource {
 class BufferedSource : public ByteSource {
  protected:
   void Refill(size_t wanted) override;
+  bool KeepWindow(KeptBytes* kept) noexcept override;
 
   // For Seek: whether the byte stood in the window, which is at it now; if not, the window is empty and begins there.
   bool MoveWindow(uint64_t position);
@@ -77,9 +119,14 @@ class BufferedSource : public ByteSource {
 
  private:
   bool Reserve(size_t wanted);
+  SharedBuffer TakeBuffer(size_t size);
+  size_t Behind() const { return buffer_.Size() - static_cast<size_t>(limit_ - buffer_.Bytes()); }   // room
 
-  std::unique_ptr<uint8_t[]> buffer_;
-  size_t capacity_ = 0;
+  SharedBuffer buffer_;
+  bool isKept_ = false;   // somebody may have kept it: bytes are added behind the window alone
+  static constexpr size_t kMostFormer = 32;
+  std::array<SharedBuffer, kMostFormer> former_;   // that were kept, for another turn
+  size_t formerCount_ = 0;                         // so far
   bool ended_ = false;
 };
 

@@ -77,6 +77,11 @@ class CaptureReader {
   // Reads the next frame. After kEnd or kDamaged every further call gives the same answer.
   ReadResult Next(CaptureFrame* frame) noexcept;
 
+  // Keeps the bytes of the frame that was read last as they are while `kept` lives; false where that cannot be.
+  virtual bool Keep(const CaptureFrame& frame, KeptBytes* kept) noexcept {
+    return !frame.record && source_ && source_->Keep(frame.data, frame.dataLength, kept);
+  }
+
   // Where the frame begins that was read last, or that could not be read.
   uint64_t FramePosition() const { return framePosition_; }
 

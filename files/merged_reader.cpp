@@ -15,6 +15,9 @@ class MergedReader : public CaptureReader {
   void HandSecretsTo(const SecretsHandler& handler) override {
     for (const auto& reader : readers_) reader->HandSecretsTo(handler);
   }
+  bool Keep(const CaptureFrame& frame, KeptBytes* kept) noexcept override {
+    return readers_[frame.capture]->Keep(frame, kept);
+  }
   uint64_t FilePosition() const override {
     uint64_t sum = 0;
     for (const auto& reader : readers_) sum += reader->FilePosition();

@@ -51,19 +51,6 @@ void Session::DecodeHeadersOnly() {
   view_.context->silent = view_.context->headersOnly = true;
 }
 
-void Session::TakeHeaders(const PacketState& read, const FrameRecord* record) {
-  DecodeContext& context = *view_.context;
-  PacketState& packet = context.packet;
-  packet = read;
-  packet.frame = record;
-  const uintptr_t moved = reinterpret_cast<uintptr_t>(record) - reinterpret_cast<uintptr_t>(read.frame);
-  for (const uint8_t** bytes : {&packet.payload, &packet.segment.payload, &packet.reached.bytes, &packet.carrier.bytes}) {
-    if (*bytes) *bytes = reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(*bytes) + moved);
-  }
-  context.packetNumber = static_cast<int64_t>(record->packetNumber);
-  ForgetOrigins(context.origins);
-}
-
 void Session::ReadHeaders(const FrameRecord* record) {
   DecodeContext& context = *view_.context;
   const bool headersOnly = context.headersOnly;

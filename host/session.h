@@ -33,10 +33,6 @@ class Session {
   // carries an application's payload is resolved and learnt from as ever.
   void DecodeHeadersOnly();
 
-  // Where headers alone are decoded: takes over what another session's decode of this frame left in its packet state. Its record
-  // stands here now, and what the state points to as far behind its start as it did there.
-  void TakeHeaders(const PacketState& read, const FrameRecord* record);
-
   // Decodes the headers of the frame that was decoded last once more, for the packet state alone: its lines stay.
   void ReadHeaders(const FrameRecord* record);
 

@@ -24,6 +24,8 @@ class StateLog {
   bool Complete() const { return complete_; }
   // How much there is: taken in front of a frame, where the frame's look-ups start.
   size_t End() const { return bytes_.size(); }
+  // What was noted behind that is forgotten.
+  void Cut(size_t end) { bytes_.resize(end); }
 
   // For keeping a log elsewhere: what is there, nothing at all again, and what was kept.
   const std::vector<uint8_t>& Bytes() const { return bytes_; }

@@ -1,6 +1,9 @@
 // What pcapng and pcap files keep of other captures.
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <set>
+
 #include "files/packet_writer.h"
 #include "files/pcapng_options.h"
 #include "tests/capture_bytes.h"
@@ -126,6 +129,49 @@ TEST(MergeCaptures, GivesTheFramesByTimeAndTellsDamageAtTheEnd) {
   }
   EXPECT_EQ(order, "1:11 2:50 3:70 4:70 5:71 6:91 7:200 ");
   EXPECT_EQ(reader->Message(), "1: packet 4, byte 75: the file ends inside a packet header");
+}
+
+// As threads keep frames: in batches, of which some are at work while the next ones are read. Kept bytes change with nothing that is
+// read behind them, and those of batches that have gone are used again.
+TEST(KeptFrames, StayAsTheyAre) {
+  const CaptureWriter write;
+  Bytes small = write.PcapHeader(0xA1B2C3D4), large = small;
+  const auto add = [](Bytes& to, const Bytes& more) { to.insert(to.end(), more.begin(), more.end()); };
+  for (uint32_t i = 0; i < 4000; ++i) {
+    add(small, write.PcapPacket(2 * i, 0, 200, Bytes(i % 190, static_cast<uint8_t>(i))));
+    if (i % 20 == 0) add(large, write.PcapPacket(2 * i + 1, 0, 9000, Bytes(9000 + i * 60, static_cast<uint8_t>(i + 7))));
+  }
+  for (const size_t step : {size_t{700}, size_t{70000}, SIZE_MAX}) {
+    std::string message;
+    std::vector<std::unique_ptr<CaptureReader>> readers;
+    for (const Bytes& bytes : {small, large}) {
+      readers.push_back(OpenCapture(std::make_unique<TrickleSource>(bytes, step), "t.cap", &message));
+    }
+    const auto reader = MergeCaptures(std::move(readers));
+    struct Batch {
+      KeptBytes kept;
+      std::vector<std::pair<const uint8_t*, Bytes>> frames;
+    };
+    std::deque<Batch> batches;
+    std::set<const uint8_t*> buffers;
+    size_t checked = 0;
+    const auto finish = [&] {
+      for (const auto& [at, bytes] : batches.front().frames) checked += Bytes(at, at + bytes.size()) == bytes;
+      batches.pop_front();
+    };
+    CaptureFrame frame;
+    while (reader->Next(&frame) == ReadResult::kFrame) {
+      if (batches.empty() || batches.back().frames.size() == 50) batches.emplace_back();
+      Batch& batch = batches.back();
+      ASSERT_TRUE(reader->Keep(frame, &batch.kept));
+      buffers.insert(batch.kept.back().Bytes());
+      batch.frames.emplace_back(frame.data, Bytes(frame.data, frame.data + frame.dataLength));
+      if (batches.size() > 6) finish();
+    }
+    while (!batches.empty()) finish();
+    EXPECT_EQ(checked, 4200u) << step;
+    EXPECT_LT(buffers.size(), 60u) << step;
+  }
 }
 
 }  // namespace

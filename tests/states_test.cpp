@@ -6,6 +6,8 @@
 #include <list>
 #include <set>
 
+#include "decoders/app/packet_summaries.h"
+#include "decoders/net/skimmed_frames.h"
 #include "files/capture_reader.h"
 #include "files/record_builder.h"
 #include "host/segment_history.h"
@@ -305,6 +307,54 @@ TEST(States, WhatIsPassedTeachesWhatIsShown) {
     }
   }
   EXPECT_GT(differences, 100u) << "the samples' frames depend on those before them";
+}
+
+// Where a frame is skimmed, headers and summary ask what they would ask if it were read, and leave nothing that it would have left:
+// look-ups of one that skims and of one that reads everything stay the same. Of each frame a damaged copy comes first.
+TEST(States, SkimmedFramesAskWhatReadOnesDo) {
+  size_t skimmed = 0, summarized = 0;
+  uint32_t random = 1;
+  for (const std::string& sample : Samples()) {
+    KeepingHost hosts[2];
+    TestView reading(&hosts[0]), skimming(&hosts[1]);
+    for (TestView* view : {&reading, &skimming}) {
+      view->context().silent = view->context().headersOnly = true;
+      view->context().outputMode = kFindMode;
+    }
+    StateLog read, told;
+    read.Record(reading.view().engine);
+    told.Record(skimming.view().engine);
+    const auto take = [&](const FrameRecord* record) {
+      read.Clear();
+      told.Clear();
+      DecodeFrame(&reading.view(), record, 0, 0, 0);
+      PassSummary(&reading.view());
+      const bool isEthernet = record->mediaType == static_cast<uint8_t>(Medium::kEthernet) && !IsRawFrame(record);
+      const Skim skim = isEthernet ? SkimFrame(&skimming.view(), FrameData(record), record->capturedLength) : Skim::kNot;
+      if (skim == Skim::kNot) {
+        told.Clear();
+        DecodeFrame(&skimming.view(), record, 0, 0, 0);
+      }
+      if (skim != Skim::kDone) PassSummary(&skimming.view());
+      EXPECT_EQ(told.Bytes(), read.Bytes()) << sample << " " << record->packetNumber;
+      skimmed += skim != Skim::kNot;
+      summarized += skim == Skim::kSummary;
+    };
+    ForEachRecord(sample, [&](const FrameRecord* record) {
+      const auto* bytes = reinterpret_cast<const uint8_t*>(record);
+      std::vector<uint8_t> damaged(bytes, bytes + record->recordLength);
+      if (const uint32_t headers = std::min<uint32_t>(record->capturedLength, 64)) {
+        const size_t at = static_cast<size_t>(FrameData(record) - bytes) + Random(&random, headers);
+        damaged[at] = static_cast<uint8_t>(damaged[at] ^ (1u << Random(&random, 8)));
+      }
+      take(reinterpret_cast<const FrameRecord*>(damaged.data()));
+      take(record);
+    });
+    read.Record(nullptr);
+    told.Record(nullptr);
+  }
+  EXPECT_GT(skimmed, 1000u);
+  EXPECT_GT(summarized, 20u);
 }
 
 }  // namespace

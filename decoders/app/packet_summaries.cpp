@@ -149,8 +149,6 @@ bool CopyTopLine(View* view, DecoderFunction decode, char* out, int32_t size) {
   return tree.Text()[0] != 0;
 }
 
-bool MaySummarizeTls(SummaryFunction summary) { return summary == SummarizeTls || summary == SummarizeHttps; }
-
 // The summary with what the connection's TLS records before left, for the protocols that TLS carries as a rule.
 bool Summarize(const View* view, SummaryFunction summarize, SummaryInput input, char* out, int32_t size) {
   if (!MaySummarizeTls(summarize)) return summarize(input, out, size) && out[0];
@@ -188,6 +186,8 @@ SummaryInput InputOf(const View* view) {
 
 }  // namespace
 
+bool MaySummarizeTls(SummaryFunction summary) { return summary == SummarizeTls || summary == SummarizeHttps; }
+
 void SummarizePacket(View* view, char* out, int32_t size) {
   constexpr uint32_t kEthertypeArp = 0x0806, kEthertypeRarp = 0x8035;
   const PacketState& packet = view->context->packet;
@@ -199,6 +199,11 @@ void SummarizePacket(View* view, char* out, int32_t size) {
   }
   if (way.isShownByTop && CopyTopLine(view, way.protocol->decode, out, size)) return AppendQuotedDatagram(packet, out, size);
   DescribeLayers(packet, out, size);
+}
+
+bool SummaryIsDecoded(const View* view) {
+  const SummaryWay way = FindSummaryWay(view->context->packet);
+  return way.isShownByTop && !way.protocol->isPlain;
 }
 
 void PassSummary(View* view) {

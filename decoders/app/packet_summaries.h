@@ -50,6 +50,9 @@ int32_t SummarizeSmb(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeFix(const SummaryInput& in, char* out, int32_t outSize);
 int32_t SummarizeGiop(const SummaryInput& in, char* out, int32_t outSize);
 
+// Those that tell of records of TLS, which go on in segments behind: of the others a payload alone tells all.
+bool MaySummarizeTls(SummaryFunction summary);
+
 constexpr int32_t kSummarySize = 512;
 
 // The line of the frame whose headers the view has just decoded: the application's summary, its decoder's top line, or
@@ -59,6 +62,9 @@ void SummarizePacket(View* view, char* out, int32_t size);
 
 // What SummarizePacket does for later frames, with the same look-ups of state, and no line.
 void PassSummary(View* view);
+
+// Whether that takes a decoder's work, so that SummarizePacket costs hardly more.
+bool SummaryIsDecoded(const View* view);
 
 // Protocols without an exported summary (rpc_summary.cpp).
 int32_t DescribeOncRpc(const SummaryInput& in, char* out, int32_t outSize);

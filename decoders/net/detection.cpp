@@ -87,73 +87,56 @@ void DecodeRecognised(const Place& at, const Cursor& c, int32_t identifier) {
   }
 }
 
-int32_t DetectOverTcp(const Place& at, const Cursor& c, const Offered& offered) {
-  if (LooksLikeStunOverTcp(c)) {   // of connections that are tried out for media, which follow on the same port
-    DecodeRecognised(at, c, kStunProtocol);
-    return 1;
-  }
+// What a payload shows itself to be.
+struct Recognised {
+  enum class Learns : uint8_t { kNothing, kBefore, kBehind };   // the stream's protocol: in front of the decode, or behind it
+  int32_t identifier;   // 0: the external plug-in has shown it
+  Learns learns = Learns::kNothing;
+  bool hasRecord = false;
+  DynamicRecord record{};
+};
+using Learns = Recognised::Learns;
+
+bool RecogniseOverTcp(const Place& at, const Cursor& c, const Offered& offered, Recognised& out) {
+  if (LooksLikeStunOverTcp(c)) return out = {kStunProtocol}, true;   // connections are tried out for media, which follow there
   for (const DetectionRow& row : kOverTcp) {
     if (!row.applies(offered)) continue;
     if (!row.recognise) {
-      if (!PacketOf(at).quoted && OfferExternal(Deeper(at), c)) return 1;
-      continue;
+      if (!PacketOf(at).quoted && OfferExternal(Deeper(at), c)) return out = {0}, true;
+    } else if (row.recognise(c)) {
+      return out = {row.identifier, Learns::kBehind}, true;
     }
-    if (!row.recognise(c)) continue;
-    const AddressSlot source = PacketOf(at).source;   // a carried datagram would put its own in its place
-    DecodeRecognised(at, c, row.identifier);
-    Learn(at.view, QX_OVER_TCP, row.identifier, source, offered.sourcePort, -1, -1, nullptr);
-    return 1;
   }
-  return 0;
+  return false;
 }
 
-int32_t DetectOverUdp(const Place& at, const Cursor& c, const Offered& offered) {
+bool RecogniseOverUdp(const Place& at, const Cursor& c, const Offered& offered, Recognised& out) {
   const DetectionSettingsWords& words = offered.settings.detection;
   const DetectionSettings settings{words.flags, words.flags2, words.tdsOff ? 1 : 0};
-  const AddressSlot source = PacketOf(at).source;
-  const uint16_t sourcePort = PacketOf(at).sourcePort;
-  if (LooksLikeStun(c)) {   // each message shows itself, and its port is of media as well: nothing to learn
-    DecodeRecognised(at, c, kStunProtocol);
-    return 1;
-  }
-  if (LooksLikeWireGuard(c)) {
-    DecodeRecognised(at, c, kWireGuardProtocol);
-    return 1;
-  }
-  if (LooksLikeMpegTs(c)) {   // each datagram shows itself: nothing to learn
-    DecodeRecognised(at, c, kMpegTsProtocol);
-    return 1;
-  }
-  if (LooksLikeOncRpc(c)) {
-    DecodeRecognised(at, c, kLearntOncRpc);
-    Learn(at.view, QX_OVER_UDP, kLearntOncRpc, source, sourcePort, -1, -1, nullptr);
-    return 1;
-  }
-  uint32_t identifier;
-  DynamicRecord record;
-  if (!DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier,
-                                   nullptr, nullptr, &record)) {
-    // Media that STUN and DTLS have made way for. On QUIC's port a short header may look so, whose connection is not known.
-    constexpr uint16_t kQuicPort = 443;
-    const bool isOnQuicPort = offered.sourcePort == kQuicPort || offered.destinationPort == kQuicPort;
-    if ((words.flags & kRtcpDetection) && !isOnQuicPort && SrtcpIndexAt(c) > 0) {
-      Learn(at.view, QX_OVER_UDP, kLearntRtcp, source, sourcePort, -1, -1, nullptr);
-      DecodeRecognised(at, c, kLearntRtcp);
-      return 1;
-    }
-    if (LooksLikeDtls(c) || GoesOnAsDtls(at, c)) {
-      DecodeRecognised(at, c, kDtlsProtocol);   // as with STUN
-      return 1;
-    }
-    if (!LooksLikeQuic(c)) return 0;
-    Learn(at.view, QX_OVER_UDP, kLearntQuic, source, sourcePort, -1, -1, nullptr);   // short headers say nothing
-    DecodeRecognised(at, c, kLearntQuic);
-    return 1;
-  }
+  // Each of these messages shows itself, and STUN's port is of media as well: nothing to learn.
+  if (LooksLikeStun(c)) return out = {kStunProtocol}, true;
+  if (LooksLikeWireGuard(c)) return out = {kWireGuardProtocol}, true;
+  if (LooksLikeMpegTs(c)) return out = {kMpegTsProtocol}, true;
+  if (LooksLikeOncRpc(c)) return out = {kLearntOncRpc, Learns::kBehind}, true;
   // Learnt first: the record belongs to the stream whatever its decoder makes of the payload.
-  Learn(at.view, QX_OVER_UDP, static_cast<int32_t>(identifier), source, sourcePort, -1, -1, &record);
-  DecodeRecognised(at, c, static_cast<int32_t>(identifier));
-  return 1;
+  uint32_t identifier;
+  out = {0, Learns::kBefore, true};
+  if (DetermineDynamicUDPPrototol(&settings, offered.sourcePort, offered.destinationPort, c.at, Left(c), &identifier, nullptr,
+                                  nullptr, &out.record)) {
+    return out.identifier = static_cast<int32_t>(identifier), true;
+  }
+  // Media that STUN and DTLS have made way for. On QUIC's port a short header may look so, whose connection is not known.
+  constexpr uint16_t kQuicPort = 443;
+  const bool isOnQuicPort = offered.sourcePort == kQuicPort || offered.destinationPort == kQuicPort;
+  const bool isRtcp = (words.flags & kRtcpDetection) && !isOnQuicPort && SrtcpIndexAt(c) > 0;
+  if (isRtcp) return out = {kLearntRtcp, Learns::kBefore}, true;
+  if (LooksLikeDtls(c) || GoesOnAsDtls(at, c)) return out = {kDtlsProtocol}, true;   // as with STUN
+  if (LooksLikeQuic(c)) return out = {kLearntQuic, Learns::kBefore}, true;   // short headers say nothing
+  return false;
+}
+
+bool Recognise(const Place& at, const Cursor& c, const Offered& offered, uint8_t ipProtocol, Recognised& out) {
+  return ipProtocol == kIpProtocolTcp ? RecogniseOverTcp(at, c, offered, out) : RecogniseOverUdp(at, c, offered, out);
 }
 
 }  // namespace
@@ -162,7 +145,27 @@ int32_t DetectDynamicProtocol(const Place& at, Cursor c, uint16_t sourcePort, ui
                               uint8_t ipProtocol) {
   if (Left(c) < 1) return 0;
   const Offered offered{at.view->engine->settings, sourcePort, destinationPort};
-  return ipProtocol == kIpProtocolTcp ? DetectOverTcp(at, c, offered) : DetectOverUdp(at, c, offered);
+  Recognised found;
+  if (!Recognise(at, c, offered, ipProtocol, found)) return 0;
+  if (!found.identifier) return 1;
+  const AddressSlot source = PacketOf(at).source;   // a carried datagram would put its own in its place
+  const uint32_t transport = ipProtocol == kIpProtocolTcp ? QX_OVER_TCP : QX_OVER_UDP;
+  const auto learn = [&] {
+    Learn(at.view, transport, found.identifier, source, sourcePort, -1, -1, found.hasRecord ? &found.record : nullptr);
+  };
+  if (found.learns == Learns::kBefore) learn();
+  DecodeRecognised(at, c, found.identifier);
+  if (found.learns == Learns::kBehind) learn();
+  return 1;
+}
+
+bool SkimDynamicProtocol(const Place& at, const Cursor& c, uint16_t sourcePort, uint16_t destinationPort, uint8_t ipProtocol,
+                         int32_t* identifier) {
+  const Offered offered{at.view->engine->settings, sourcePort, destinationPort};
+  if (ipProtocol == kIpProtocolTcp && IsExternalPort(offered)) return false;
+  Recognised found;
+  *identifier = Recognise(at, c, offered, ipProtocol, found) ? found.identifier : 0;
+  return !*identifier || found.learns == Learns::kNothing;
 }
 
 }  // namespace qxview

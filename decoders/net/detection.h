@@ -11,4 +11,9 @@ struct Place;
 int32_t DetectDynamicProtocol(const Place& at, Cursor c, uint16_t sourcePort, uint16_t destinationPort,
                               uint8_t ipProtocol);
 
+// Tells what that would take it for, 0 for nothing, with the look-ups that it makes and no more; false where it would learn, or
+// where only decoding tells.
+bool SkimDynamicProtocol(const Place& at, const Cursor& c, uint16_t sourcePort, uint16_t destinationPort, uint8_t ipProtocol,
+                         int32_t* identifier);
+
 }  // namespace qxview

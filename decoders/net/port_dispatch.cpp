@@ -25,7 +25,7 @@ int32_t DeclineData(const Place& at, Cursor c);
 
 namespace {
 
-constexpr int32_t kNoProtocol = -1, kDnsProtocol = 0x10001;
+constexpr int32_t kNoProtocol = -1, kDnsProtocol = 0x10001, kFtpDataProtocol = 0x1000D;
 constexpr int32_t kBuiltinProtocol = 0x10000;   // the low 16 bits of the identifier are the decoder's index
 
 bool IsEmpty(const AddressSlot& slot) {
@@ -279,9 +279,30 @@ void NoteTcpSegment(const Place& at, const Cursor& c, int32_t identifier, uint32
 }
 
 int32_t DispatchTcpPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource) {
-  constexpr int32_t kFtpData = 0x1000D;
-  if (IsFtpData(at.view)) identifier = kFtpData;
+  if (IsFtpData(at.view)) identifier = kFtpDataProtocol;
   return DispatchPayload(at, c, identifier, matchedSource, kIpProtocolTcp);
+}
+
+Skim SkimPayload(const Place& at, const Cursor& c, int32_t defined, uint8_t ipProtocol) {
+  const PacketState& packet = PacketOf(at);
+  if (ipProtocol == kIpProtocolTcp) {
+    if (MayStartTls(at.view, defined)) return Skim::kNot;
+    if (IsFtpData(at.view)) defined = kFtpDataProtocol;
+  }
+  int32_t identifier = SortByFirstBytes(at, defined, c, ipProtocol);
+  if (identifier < 1) {
+    if (IsOnQuicPort(defined)) return Skim::kNot;
+    const bool isTold = !at.view->engine->settings.detection.on ||
+                        SkimDynamicProtocol(at, c, packet.sourcePort, packet.destinationPort, ipProtocol, &identifier);
+    if (!isTold) return Skim::kNot;
+    if (identifier < 1) return Skim::kDone;
+  }
+  const DecoderRow* row = RowOf(identifier);
+  if (!row || row->protocol->summary == SummarizeCarried) return Skim::kNot;
+  if (!row->protocol->summary) return row->protocol->isPlain ? Skim::kDone : Skim::kNot;
+  if (!MaySummarizeTls(row->protocol->summary)) return Skim::kDone;
+  ReachLayer(at, DispatchTable::kApplication, row->key, c);
+  return Skim::kSummary;
 }
 
 int32_t DispatchUdpPayload(const Place& at, Cursor c, int32_t identifier) {

@@ -3,6 +3,7 @@
 #include "core/context.h"
 #include "core/cursor.h"
 #include "core/formatter.h"
+#include "decoders/net/skimmed_frames.h"
 
 namespace qxview {
 
@@ -26,6 +27,9 @@ ShortText<kProtocolNameSize> ProtocolName(const View* view, int32_t identifier);
 // Data" or "UDP Data". Result: 1.
 int32_t DispatchTcpPayload(const Place& at, Cursor c, int32_t identifier, bool matchedSource);
 int32_t DispatchUdpPayload(const Place& at, Cursor c, int32_t identifier);
+
+// Makes the look-ups of these where headers alone are wanted; for Skim::kSummary the packet state is set what the payload reaches.
+Skim SkimPayload(const Place& at, const Cursor& c, int32_t identifier, uint8_t ipProtocol);
 
 // What a segment tells of its connection's streams beside its payload, for messages that span segments: where they begin
 // and end, and what its receiver has. PacketState::segment is set.

@@ -288,6 +288,14 @@ int32_t DecodeTcpSegment(const Place& at, Cursor c, const NetworkState& network,
   return behind >= 0 ? DecodePayload(at, c, segment) : 1;
 }
 
+bool IsBadTcpSegment(const View* view, const Cursor& c, const NetworkState& network) {
+  Segment segment;
+  segment.start = c;
+  segment.network = &network;
+  segment.strictCheck = false;
+  return !view->engine->settings.ignoreChecksums && CheckSegment(segment, PeekBytes(c, kChecksum, 2)).isBad;
+}
+
 int32_t DecodeTcp(const Place& at, Cursor c) {
   const NetworkState network = PacketOf(at).network;
   return DecodeTcpSegment(at, c, network, false);

@@ -12,4 +12,7 @@ struct Place;
 // bytes, where nothing is.
 int32_t DecodeTcpSegment(const Place& at, Cursor c, const NetworkState& network, bool strictCheck);
 
+// Whether a segment that has all its header is one whose payload is not decoded, as its checksum is bad.
+bool IsBadTcpSegment(const View* view, const Cursor& c, const NetworkState& network);
+
 }  // namespace qxview
