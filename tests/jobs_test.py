@@ -3,6 +3,7 @@
 output that cannot be written."""
 import glob
 import os
+import struct
 import subprocess
 import sys
 import tempfile
@@ -70,6 +71,29 @@ class Jobs(unittest.TestCase):
         self.same("list", "--prefix-file", self.large, SAMPLES[0], self.large)
         for path in ALONE:
             self.same("list", path)
+
+    def test_records_that_stand_in_the_file(self):
+        """Of capture buffer files records are handed on, not bytes that are kept."""
+        buffer = os.path.join(self.folder.name, "large.bfr")
+        self.assertEqual(run("save", "--format", "bfr", self.large, buffer)[0], 0)
+        for words in (["list"], ["list", "--prefix-file"], ["decode"], ["fields", "-e", "frame.summary"]):
+            self.assertGreater(len(self.same(*words, buffer)), 10000)
+        self.same("list", "--merge", self.large, buffer)
+
+    def test_packets_of_more_text_than_is_held(self):
+        """Messages of STUN with 13,000 empty attributes: 33 buffers of 64 KB do not hold the text of one."""
+        attributes = struct.pack(">HH", 0x8022, 0) * 13000
+        message = struct.pack(">HHI12x", 1, len(attributes), 0x2112A442) + attributes
+        datagram = struct.pack(">HHHH", 3478, 3478, 8 + len(message), 0) + message
+        packet = struct.pack(">BBHHHBBH4s4s", 0x45, 0, 20 + len(datagram), 0, 0, 64, 17, 0, b"\n\0\0\1", b"\n\0\0\2") + datagram
+        frame = bytes(12) + b"\x08\0" + packet
+        path = os.path.join(self.folder.name, "long.pcap")
+        with open(path, "wb") as file:
+            file.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 65535, 1))
+            for second in range(12):
+                file.write(struct.pack("<IIII", second, 0, len(frame), len(frame)) + frame)
+        self.assertGreater(len(self.same("decode", "--format", "json", "--keys", path)), 12 * 33 * 65536)
+        self.same("decode", path)
 
     def test_columns_of_values(self):
         """Of lines, of headers, summaries and protocols, alone and together: each asks the state in another order."""
