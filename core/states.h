@@ -48,14 +48,6 @@ struct StateId {
 };
 
 namespace detail {
-// What is kept of a value is the same each time, the bytes between its fields as well (where the compiler can tell them).
-template <class Value>
-void ClearPadding([[maybe_unused]] Value& value) {
-#if __has_builtin(__builtin_clear_padding)
-  __builtin_clear_padding(&value);
-#endif
-}
-
 States& StatesOf(const View* view);
 const void* RecallState(const View* view, int32_t row, const void* key, int32_t back, StateBytes* bytes);
 void RememberState(const View* view, int32_t row, const void* key, const void* value, const StateBytes& bytes);
@@ -75,14 +67,12 @@ const Value* Recall(const View* view, StateId<Key, Value> id, const std::type_id
 template <class Key, class Value>
 void Remember(const View* view, StateId<Key, Value> id, const std::type_identity_t<Key>& key, Value value,
               const StateBytes& bytes = {}) {
-  detail::ClearPadding(value);
   detail::RememberState(view, id.row, &key, &value, bytes);
 }
 
 // Puts another value in the place of the one that Recall gives for `back`.
 template <class Key, class Value>
 void Revise(const View* view, StateId<Key, Value> id, const std::type_identity_t<Key>& key, int32_t back, Value value) {
-  detail::ClearPadding(value);
   detail::ReviseState(view, id.row, &key, back, &value);
 }
 

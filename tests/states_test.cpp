@@ -309,6 +309,30 @@ TEST(States, WhatIsPassedTeachesWhatIsShown) {
   EXPECT_GT(differences, 100u) << "the samples' frames depend on those before them";
 }
 
+// What was asked, whether it was known, and the bytes that were given. Values are left out: between their fields stands anything.
+Bytes AskedIn(const StateLog& log) {
+  constexpr uint16_t kKnown = 0x8000, kWithBytes = 0x4000;   // as the log has them
+  const Bytes& all = log.Bytes();
+  int32_t count;
+  const StateRow* const rows = StateRows(&count);
+  Bytes asked;
+  const auto copy = [&](size_t& at, size_t size) {
+    asked.insert(asked.end(), all.begin() + static_cast<ptrdiff_t>(at), all.begin() + static_cast<ptrdiff_t>(at + size));
+    at += size;
+  };
+  for (size_t at = 0; at < all.size();) {
+    uint16_t head;
+    std::memcpy(&head, all.data() + at, sizeof head);
+    copy(at, sizeof head);
+    if (head & kKnown) at += rows[head & ~(kKnown | kWithBytes)].valueSize;
+    uint32_t length = 0;
+    if (!(head & kWithBytes)) continue;
+    std::memcpy(&length, all.data() + at, sizeof length);
+    copy(at, sizeof length + length);
+  }
+  return asked;
+}
+
 // Where a frame is skimmed, headers and summary ask what they would ask if it were read, and leave nothing that it would have left:
 // look-ups of one that skims and of one that reads everything stay the same. Of each frame a damaged copy comes first.
 TEST(States, SkimmedFramesAskWhatReadOnesDo) {
@@ -336,7 +360,7 @@ TEST(States, SkimmedFramesAskWhatReadOnesDo) {
         DecodeFrame(&skimming.view(), record, 0, 0, 0);
       }
       if (skim != Skim::kDone) PassSummary(&skimming.view());
-      EXPECT_EQ(told.Bytes(), read.Bytes()) << sample << " " << record->packetNumber;
+      EXPECT_EQ(AskedIn(told), AskedIn(read)) << sample << " " << record->packetNumber;
       skimmed += skim != Skim::kNot;
       summarized += skim == Skim::kSummary;
     };
