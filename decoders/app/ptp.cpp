@@ -108,8 +108,8 @@ int32_t DecodePtp(const Place& at, Cursor c) {
   const Place in = Under(at, AddLine(at, Ahead(message, Left(message)), "PTP: %s, Domain %u, Sequence %u",
                                      LookupName(kTypeNames, ahead.type.value), ahead.domain.value,
                                      ahead.sequence.value));
+  if (NobodyWants(in)) return 1;
   Ptp ptp = ShowRows(in, message, kHeader);
-
   ShowRows<Ptp>(in, message, BodyOf(ptp.type.value), ptp);
   if (Left(message) > 0) ShowPtpElements(in, message);
   message.ranShort = false;
