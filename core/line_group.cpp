@@ -32,21 +32,30 @@ struct KeptLine {
 }  // namespace
 
 struct KeptGroup {
-  const char* name;        // null: none yet
-  uint64_t bytes[2], shape;
   uint32_t count, textLength;
   KeptLine lines[kMostKeptLines];
   char text[kMostKeptText];
 };
 
+// What tells whether a group is kept in a place.
+struct KeptName {
+  const char* name;        // null: none is
+  uint64_t bytes[2], shape;
+};
+
 }  // namespace detail
 
 struct KeptGroups {
-  detail::KeptGroup places[1 << detail::kPlaceBits][2];
+  detail::KeptName names[1 << detail::kPlaceBits][2];
   uint8_t older[1 << detail::kPlaceBits];   // of each pair
+  detail::KeptGroup places[1 << detail::kPlaceBits][2];   // set where there is a name: many a context lives for few packets
 };
 
-KeptGroups* CreateKeptGroups() { return static_cast<KeptGroups*>(std::calloc(1, sizeof(KeptGroups))); }
+KeptGroups* CreateKeptGroups() {
+  auto* const groups = static_cast<KeptGroups*>(std::malloc(sizeof(KeptGroups)));
+  if (groups) std::memset(static_cast<void*>(groups), 0, offsetof(KeptGroups, places));
+  return groups;
+}
 void DestroyKeptGroups(KeptGroups* groups) { std::free(groups); }
 
 namespace detail {
@@ -75,22 +84,22 @@ LineGroup::~LineGroup() {
 
 namespace {
 
-// The group's own place, or the one that it is to take.
-KeptGroup& PlaceOf(KeptGroups& groups, const char* name, const uint64_t (&bytes)[2], uint64_t shape) {
+// The number of the group's own place, or of the one that it is to take.
+uint32_t PlaceOf(KeptGroups& groups, const char* name, const uint64_t (&bytes)[2], uint64_t shape) {
   constexpr uint64_t kMixer = 0x9E3779B97F4A7C15, kOther = 0xD6E8FEB86659FD93;
   const uint64_t mixed = ((bytes[0] ^ bytes[1] * kOther) * kMixer ^ reinterpret_cast<uintptr_t>(name)) * kMixer;
-  const uint64_t at = mixed >> (64 - kPlaceBits);
-  KeptGroup (&pair)[2] = groups.places[at];
+  const uint32_t at = static_cast<uint32_t>(mixed >> (64 - kPlaceBits));
+  KeptName (&pair)[2] = groups.names[at];
   for (uint32_t i = 0; i < 2; ++i) {
-    KeptGroup& place = pair[i];
+    const KeptName& place = pair[i];
     if (place.bytes[0] != bytes[0] || place.bytes[1] != bytes[1] || place.name != name || place.shape != shape) continue;
     groups.older[at] = static_cast<uint8_t>(1 - i);
-    return place;
+    return at * 2 + i;
   }
-  KeptGroup& place = pair[groups.older[at]];
+  const uint32_t older = groups.older[at];
   groups.older[at] ^= 1;
-  place.name = nullptr;
-  return place;
+  pair[older].name = nullptr;
+  return at * 2 + older;
 }
 
 constexpr int32_t kOffsetBit = 10;                  // of a byte range
@@ -137,10 +146,12 @@ ToldGroup::ToldGroup(const Place& at, const Field& told, const char* name) : nam
   shape_ = static_cast<uint64_t>(static_cast<uint16_t>(at.level)) |
            static_cast<uint64_t>(static_cast<uint16_t>(at.lineSize)) << 16 |
            static_cast<uint64_t>(store->lines[at.parent].depth) << 32 | static_cast<uint64_t>(told.length) << 48;
-  kept_ = &PlaceOf(*context.groups, name, bytes_, shape_);
+  const uint32_t place = PlaceOf(*context.groups, name, bytes_, shape_);
+  keptName_ = &context.groups->names[0][0] + place;
+  kept_ = &context.groups->places[0][0] + place;
   lines_ = store->count;
   ranges_ = context.rangeCount;
-  if (!kept_->name) return;
+  if (!keptName_->name) return;
   if (context.packet.linesLeft <= static_cast<int32_t>(kept_->count) ||
       ranges_ + kept_->count >= context.rangeCapacity || !store->Reserve(kept_->count, kept_->textLength)) {
     kept_ = nullptr;
@@ -161,7 +172,7 @@ void ToldGroup::Keep(const Place& at, const Field& told) {
     return;
   }
   KeptGroup& kept = *kept_;
-  kept.name = nullptr;
+  keptName_->name = nullptr;
   uint32_t used = 0;
   for (uint32_t i = 0; i < count; ++i) {
     const LineStore::Line& line = store.lines[lines_ + 1 + i];
@@ -184,10 +195,7 @@ void ToldGroup::Keep(const Place& at, const Field& told) {
     used += line.length;
     kept.text[used++] = '\n';
   }
-  kept.name = name_;
-  kept.bytes[0] = bytes_[0];
-  kept.bytes[1] = bytes_[1];
-  kept.shape = shape_;
+  *keptName_ = {name_, {bytes_[0], bytes_[1]}, shape_};
   kept.count = count;
   kept.textLength = used;
 }

@@ -31,6 +31,7 @@ class LineGroup {
 
 // Where lines of a group are kept, and where those that are to be kept start.
 struct KeptGroup;
+struct KeptName;
 class ToldGroup {
  public:
   ToldGroup(const Place& at, const Field& told, const char* name);
@@ -40,6 +41,7 @@ class ToldGroup {
 
  private:
   KeptGroup* kept_ = nullptr;
+  KeptName* keptName_ = nullptr;
   const char* name_;
   uint64_t bytes_[2] = {0, 0}, shape_ = 0;
   uint32_t lines_ = 0, ranges_ = 0;

@@ -92,6 +92,17 @@ HashEntry* FindEntry(HashTable* table, const HashKey& key) noexcept { return tab
 
 }  // namespace
 
+HashTable* HashCopy(const HashTable* table) noexcept {
+  HashTable* const copy = table ? HashCreate() : nullptr;
+  if (!copy) return nullptr;
+  for (const HashEntry& entry : table->entries) {
+    if (InsertEntry(copy, entry)) continue;
+    HashDestroy(copy);
+    return nullptr;
+  }
+  return copy;
+}
+
 HashEntry* HashInsert(HashTable* table, uint16_t port, int32_t identifier) noexcept {
   return InsertEntry(table, {HashKeyForm::kPort, {{}, port}, {}, 0, identifier, nullptr});
 }

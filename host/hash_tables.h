@@ -2,7 +2,7 @@
 // two ends with an attribute byte, or two network addresses. The protocol definitions are such tables; the others serve
 // the view's search and export.
 //
-// No function throws. Where memory ends, HashCreate and HashIteratorCreate give null and an insertion gives null and
+// No function throws. Where memory ends, HashCreate, HashCopy and HashIteratorCreate give null and an insertion gives null and
 // leaves the table as it was. Every function takes a null table: it finds nothing and does nothing. The tables do not
 // lock: callers that share one take a lock of their own (TableLock) around each call and the use of its entry.
 #pragma once
@@ -26,6 +26,8 @@ class HashTable;
 class HashIterator;
 
 HashTable* HashCreate() noexcept;
+// A table with the same entries, inserted in the same order; null for null.
+HashTable* HashCopy(const HashTable* table) noexcept;
 // Frees the table with its entries. Iterators over it are ended, not freed.
 void HashDestroy(HashTable* table) noexcept;
 size_t HashCount(const HashTable* table) noexcept;

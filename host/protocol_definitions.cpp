@@ -154,19 +154,36 @@ std::string EndText(int32_t which, const HashEntry& entry) {
 
 }  // namespace
 
+namespace {
+
+// The ports of the built-in decoders. Hosts share them while their users define no other; nobody changes these.
+std::shared_ptr<HashTable> BuiltinPorts(bool overUdp) {
+  std::shared_ptr<HashTable> table(HashCreate(), HashDestroy);
+  if (!table) throw std::bad_alloc();
+  const DecoderRowSpan ports = RegistryTable(overUdp ? DoorKind::kUdpPort : DoorKind::kTcpPort);
+  for (int32_t i = 0; i < ports.count; ++i) {
+    const int32_t identifier = kBuiltinProtocol | ApplicationIndexOf(ports.rows[i].protocol);
+    if (!HashInsert(table.get(), static_cast<uint16_t>(ports.rows[i].key), identifier)) throw std::bad_alloc();
+  }
+  return table;
+}
+
+}  // namespace
+
 ProtocolDefinitions::ProtocolDefinitions() {
-  for (DefinitionTable& table : tables_) {
-    table.hash.reset(HashCreate());
-    if (!table.hash) throw std::bad_alloc();
-  }
-  for (const bool overUdp : {false, true}) {
-    const DecoderRowSpan ports = RegistryTable(overUdp ? DoorKind::kUdpPort : DoorKind::kTcpPort);
-    HashTable* table = tables_[overUdp ? QX_UDP_PORTS : QX_TCP_PORTS].hash.get();
-    for (int32_t i = 0; i < ports.count; ++i) {
-      const int32_t identifier = kBuiltinProtocol | ApplicationIndexOf(ports.rows[i].protocol);
-      if (!HashInsert(table, static_cast<uint16_t>(ports.rows[i].key), identifier)) throw std::bad_alloc();
-    }
-  }
+  static const std::shared_ptr<HashTable> tcpPorts = BuiltinPorts(false), udpPorts = BuiltinPorts(true);
+  tables_[QX_TCP_PORTS].hash = tcpPorts;
+  tables_[QX_UDP_PORTS].hash = udpPorts;
+}
+
+// A table that is this host's alone.
+HashTable* ProtocolDefinitions::OwnTable(DefinitionTable& table) {
+  if (table.isOwn) return table.hash.get();
+  std::shared_ptr<HashTable> own(table.hash ? HashCopy(table.hash.get()) : HashCreate(), HashDestroy);
+  if (!own) throw std::bad_alloc();
+  table.hash = std::move(own);
+  table.isOwn = true;
+  return table.hash.get();
 }
 
 std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view definition) {
@@ -178,16 +195,16 @@ std::optional<std::string> ProtocolDefinitions::AddDefinition(std::string_view d
   const int32_t addresses = parsed.overUdp ? QX_UDP_ADDRESSES : QX_TCP_ADDRESSES;
   DefinitionTable& table = tables_[parsed.hasAddress ? addresses : ports];
   const TableLockHolder held(table.lock);
+  HashTable* const hash = OwnTable(table);
   if (parsed.identifier == 0) {
-    HashEntry* defined = parsed.hasAddress ? HashFindGenericIPPort(table.hash.get(), parsed.address, parsed.port)
-                                           : HashFind(table.hash.get(), parsed.port);
-    if (defined && defined->first.port == parsed.port) HashRemove(table.hash.get(), defined);
+    HashEntry* defined = parsed.hasAddress ? HashFindGenericIPPort(hash, parsed.address, parsed.port)
+                                           : HashFind(hash, parsed.port);
+    if (defined && defined->first.port == parsed.port) HashRemove(hash, defined);
     return std::nullopt;
   }
-  const HashEntry* added =
-      parsed.hasAddress
-          ? HashInsertGenericIPPort(table.hash.get(), parsed.address, parsed.port, parsed.identifier)
-          : HashInsert(table.hash.get(), parsed.port, parsed.identifier);
+  const HashEntry* added = parsed.hasAddress
+                               ? HashInsertGenericIPPort(hash, parsed.address, parsed.port, parsed.identifier)
+                               : HashInsert(hash, parsed.port, parsed.identifier);
   if (!added) throw std::bad_alloc();
   if (parsed.hasAddress) table.endPorts[parsed.port] = true;
   return std::nullopt;
@@ -203,7 +220,7 @@ std::vector<DefinedProtocol> ProtocolDefinitions::List() {
     DefinitionTable& table = tables_[which];
     const TableLockHolder held(table.lock);
     std::vector<const HashEntry*> entries;
-    HashIterator* walk = HashIteratorCreate(table.hash.get());
+    HashIterator* walk = HashIteratorCreate(OwnTable(table));
     if (!walk) throw std::bad_alloc();
     const std::unique_ptr<HashIterator, decltype(&HashIteratorDestroy)> owned(walk, HashIteratorDestroy);
     while (const HashEntry* entry = HashIteratorNext(walk)) entries.push_back(entry);

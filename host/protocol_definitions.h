@@ -65,15 +65,14 @@ class ProtocolDefinitions {
   size_t CountLearnt(uint32_t transport) noexcept;
 
  private:
-  struct HashDeleter {
-    void operator()(HashTable* table) const { HashDestroy(table); }
-  };
   struct DefinitionTable {
-    std::unique_ptr<HashTable, HashDeleter> hash;
+    std::shared_ptr<HashTable> hash;   // null while nothing is defined
+    bool isOwn = false;                // others have the built-in definitions, which all hosts share
     ConversationTable learnt;       // of the address tables
     std::bitset<65536> endPorts;    // of these, that an end was defined or learnt at once: most packets' ports are none
     TableLock lock;
   };
+  static HashTable* OwnTable(DefinitionTable& table);   // to be changed, or walked; throws std::bad_alloc
   static int32_t FindDefined(void* table, const AddressSlot* address, uint16_t port, int32_t* identifier) noexcept;
   DefinitionTable tables_[4];   // by QxDefinitionTable
 };

@@ -49,6 +49,9 @@ void HandleSignal(int number) {
 }  // namespace
 
 void EndInputOnSignals() {
+  static bool isTold = false;   // each of many runs asks for it
+  if (isTold) return;
+  isTold = true;
   if (wakeEnds[0] < 0 && pipe2(wakeEnds, O_CLOEXEC | O_NONBLOCK) != 0) wakeEnds[0] = wakeEnds[1] = -1;
   for (const int number : kEndingSignals) {
     struct sigaction present {};
