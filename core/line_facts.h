@@ -121,6 +121,18 @@ struct LineQuestion {
   }
 };
 
+namespace detail {
+KnownProtocol& FindKnownProtocol(LineQuestion* question, const char* protocol, uint32_t place);
+}
+
+// What the question wants of a protocol.
+inline KnownProtocol& KnownProtocolOf(LineQuestion* question, const char* protocol) {
+  const uint64_t mixed = reinterpret_cast<uintptr_t>(protocol) * uint64_t{0x9E3779B97F4A7C15};
+  const uint32_t place = static_cast<uint32_t>(mixed >> 58);
+  KnownProtocol& known = question->protocols[place];
+  return known.protocol == protocol ? known : detail::FindKnownProtocol(question, protocol, place);
+}
+
 // Facts of the lines by their index in the range table; their texts stand behind one another.
 struct LineFacts {
   LineFact* of;

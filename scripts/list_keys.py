@@ -25,7 +25,7 @@ READ_OTHERWISE = ('decoders/asn1/ber', 'decoders/smb/smb_rap_data', 'core/frame_
 ANY_KIND = NUMBER | TEXT | ADDRESS | BYTES | TIME
 
 
-# --- labels and values of a text, as core/line_facts.cpp takes them ---
+# --- labels and values of a text, as core/label_and_value.cpp takes them ---
 
 def trim_label(text):
     return re.sub(r'#\d*', '', text)

@@ -22,7 +22,6 @@
 namespace qxview {
 namespace {
 
-constexpr int32_t kFixedLength = 20;
 constexpr uint16_t kEthertypeIPv6 = 0x86DD;
 constexpr uint8_t kProtocolAh = 51;
 
@@ -42,7 +41,7 @@ Header ReadHeader(const Cursor& c) {
   Header header{};
   header.start = c;
   header.length = static_cast<int32_t>(PeekU8(c) & 15) * 4;
-  const int32_t start = header.length > kFixedLength ? header.length : kFixedLength;
+  const int32_t start = header.length > kIPv4HeaderLength ? header.length : kIPv4HeaderLength;
   header.payloadLength = static_cast<int32_t>(PeekU16(c, 2)) - start;
   header.offloaded = PeekU16(c, 2) == 0 && Left(c) > start;
   if (header.offloaded) header.payloadLength = Left(c) - start;
@@ -129,14 +128,14 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
   AddTypeOfService(in, PeekBytes(c, 1, 1));
   const uint32_t sum = PeekU16(c, 10) == 0 ? 0xFFFF : SumWords(0, header.start.at, header.length);
   header.checksumGood = sum == 0xFFFF;
-  TakeBytes(c, kFixedLength);
-  if (header.length > kFixedLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kFixedLength));
+  TakeBytes(c, kIPv4HeaderLength);
+  if (header.length > kIPv4HeaderLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kIPv4HeaderLength));
 }
 
 // The lines under the top line. False when the header is longer than the bytes; the cursor stands behind it otherwise.
 [[gnu::noinline]] bool DecodeHeader(const Place& in, Cursor& c, Header& header) {
   const bool cut = header.length > Left(c);
-  if (Silent(in) && !cut && header.length >= kFixedLength) return PassHeader(in, c, header), true;
+  if (Silent(in) && !cut && header.length >= kIPv4HeaderLength) return PassHeader(in, c, header), true;
   const Field both = PeekBytes(c, 0, 2), status = TakeU8(c), service = TakeU8(c);
   const auto addBoth = [&] {
     AddGroup(in, "ip status", [&] { AddStatus(in, status); });
@@ -162,7 +161,7 @@ void PassHeader(const Place& in, Cursor& c, Header& header) {
   header.checksumGood = AddChecksum(in, TakeU16(c), header);
   const Field addresses = TakeBytes(c, 8);
   AddToldGroup(in, addresses, "ip addresses", [&] { AddAddresses(in, addresses); });
-  if (header.length > kFixedLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kFixedLength));
+  if (header.length > kIPv4HeaderLength) DecodeIPv4Options(in, TakeCursor(c, header.length - kIPv4HeaderLength));
   return true;
 }
 
@@ -250,7 +249,7 @@ int32_t DecodeIPv6InIPv4(const Place& at, Cursor c) { return FindEthertype(kEthe
 int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
   const KeyedAs keys(PacketOf(at), "ip");
   constexpr int32_t kVersion4 = 4, kVersion6 = 6;
-  if (Left(c) < kFixedLength) return 0;
+  if (Left(c) < kIPv4HeaderLength) return 0;
   const int32_t version = PeekU8(c) >> 4;
   if (version == kVersion6) return DecodeIPv6InIPv4(at, c);
   if (version != kVersion4) return ShowUnknownVersion(at, c);
@@ -266,23 +265,18 @@ int32_t DecodeIpDatagram(const Place& at, Cursor c, const char* label) {
 int32_t DecodeIPv4(const Place& at, Cursor c) { return DecodeIpDatagram(at, c, nullptr); }
 
 bool PassPlainDatagram(const Place& at, Cursor c) {
-  constexpr uint32_t kVersionAndLength = 0x45;
   constexpr uint8_t kTcp = 6, kUdp = 17;
   constexpr int32_t kDecoders = 2;   // IP's own, and the transport's
   PacketState& packet = PacketOf(at);
-  if (Left(c) < kFixedLength || PeekU8(c) != kVersionAndLength) return false;
-  if (packet.quoted || packet.nesting + kDecoders > kMostNesting) return false;
+  if (packet.quoted || packet.nesting + kDecoders > kMostNesting || !IsPlainIPv4(c)) return false;
   const Header header = ReadHeader(c);
-  const bool isWhole = header.payloadLength > 0 && header.payloadLength <= Left(c) - kFixedLength && !header.offloaded;
-  if (!isWhole || header.moreFragments || header.fragmentOffset > 0) return false;
   if (header.protocol != kTcp && header.protocol != kUdp) return false;
-  if (PeekU16(c, 10) != 0 && SumWords(0, c.at, kFixedLength) != 0xFFFF) return false;
   constexpr int32_t kLines = 17;   // but those of the type of service
   CountLines(at, kLines);
   AddTypeOfService(at, PeekBytes(c, 1, 1));
   RecordDatagram(packet, header);
   RecordNetwork(packet, header);
-  TakeBytes(c, kFixedLength);
+  TakeBytes(c, kIPv4HeaderLength);
   Cursor payload = TakeCursor(c, header.payloadLength);
   payload.begin = payload.offset;
   ReachLayer(at, DispatchTable::kIpProtocol, header.protocol, payload);

@@ -5,7 +5,7 @@
 #include "core/decoder.h"
 #include "core/dispatch.h"
 #include "core/engine.h"
-#include "core/internet_checksum.h"
+#include "decoders/net/ipv4.h"
 #include "decoders/net/ipv6_checksum.h"
 #include "decoders/net/port_dispatch.h"
 #include "decoders/net/pseudo_head.h"
@@ -15,7 +15,7 @@ namespace qxview {
 namespace {
 
 constexpr uint32_t kEthertypeIPv4 = 0x0800, kEthertypeIPv6 = 0x86DD;
-constexpr int32_t kIPv4Header = 20, kIPv6Header = 40;
+constexpr int32_t kIPv6Header = 40;
 
 // What a datagram carries.
 struct Transport {
@@ -25,15 +25,11 @@ struct Transport {
   Cursor network, segment, payload;   // from each header on; behind the last
 };
 
-// Without options, in one piece, all of it here.
 bool TakeIPv4(Cursor& c, Transport& out) {
-  constexpr uint32_t kVersionAndLength = 0x45, kFragment = 0x3FFF;
-  if (Left(c) < kIPv4Header || PeekU8(c) != kVersionAndLength || (PeekU16(c, 6) & kFragment)) return false;
-  const int32_t behind = static_cast<int32_t>(PeekU16(c, 2)) - kIPv4Header;
-  if (behind < 1 || behind > Left(c) - kIPv4Header) return false;
-  if (PeekU16(c, 10) != 0 && SumWords(0, c.at, kIPv4Header) != 0xFFFF) return false;
+  if (!IsPlainIPv4(c)) return false;
+  const int32_t behind = static_cast<int32_t>(PeekU16(c, 2)) - kIPv4HeaderLength;
   out.protocol = static_cast<uint8_t>(PeekU8(c, 9));
-  TakeBytes(c, kIPv4Header);
+  TakeBytes(c, kIPv4HeaderLength);
   c = TakeCursor(c, behind);
   return true;
 }

@@ -14,7 +14,7 @@ enum class Skim : uint8_t {
 // Of Ethernet frames as most are (a datagram in one piece, TCP or UDP in it, of a protocol that its ends tell, or of one that
 // shows itself and of which nothing is learnt): makes the look-ups that reading its headers and no more would make, and leaves
 // nothing. Where it is not skimmed some of them may have been made. The view's packet state is the frame's behind it, as far as
-// PassSummary asks for it. PassPlainDatagram takes the same frames apart for a decode without lines.
+// PassSummary asks for it.
 Skim SkimFrame(View* view, const uint8_t* frame, int32_t length);
 
 }  // namespace qxview
