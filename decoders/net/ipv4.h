@@ -15,8 +15,8 @@ int32_t DecodeIPv4(const Place& at, Cursor c);
 
 constexpr int32_t kIPv4HeaderLength = 20;   // without options
 
-// Whether a datagram of version 4 is as most are: no options, in one piece, with something in it, all of it there, its checksum good
-// or left to the adapter.
+// Whether a datagram of version 4 is as most are: no options, in one piece, with something in it, all of it there, its checksum
+// good or left to the adapter.
 inline bool IsPlainIPv4(const Cursor& c) {
   constexpr uint32_t kVersionAndLength = 0x45, kFragment = 0x3FFF;
   if (Left(c) < kIPv4HeaderLength || PeekU8(c) != kVersionAndLength || (PeekU16(c, 6) & kFragment)) return false;
