@@ -36,6 +36,7 @@ bool PacketWorkers::Start(int32_t count, const PacketRun::Prepare& prepare) {
   most_ = run_.MakesRows() ? kOfRows : kOfLines;
   for (size_t i = 0; i < kBatchesEach * static_cast<size_t>(count); ++i) {
     batches_.push_back(std::make_unique<Batch>());
+    batches_.back()->packets.reserve(most_.packets);
     free_.push_back(batches_.back().get());
   }
   size_t started = 1;
@@ -69,6 +70,7 @@ bool PacketWorkers::HandsOn() {
   current_->count = current_->bytes = 0;
   current_->records.clear();
   current_->packets.clear();
+  current_->others.clear();
   current_->text.clear();
   current_->log.Clear();
   return true;
@@ -107,17 +109,45 @@ void PacketWorkers::EndOwn() {
   writer_.End(workers_.front()->lane);
 }
 
+// Those of the packet before, most of the time.
+uint32_t PacketWorkers::PlaceOfOthers(const CaptureFrame& frame) {
+  std::vector<Others>& others = current_->others;
+  const uint32_t missing = frame.capturedLength - frame.dataLength;
+  const int64_t first = run_.Times().first;
+  if (!others.empty()) {
+    const CaptureFrame& last = others.back().frame;
+    if (last.linkType == frame.linkType && last.interfaceIndex == frame.interfaceIndex && last.direction == frame.direction &&
+        last.receiveErrors == frame.receiveErrors && last.checkSequenceLength == frame.checkSequenceLength &&
+        last.capture == frame.capture && last.file == frame.file && others.back().missing == missing &&
+        others.back().first == first) {
+      return static_cast<uint32_t>(others.size() - 1);
+    }
+  }
+  Others& added = others.emplace_back(Others{frame, missing, first});
+  added.frame.record = nullptr;   // the reader's, like these
+  added.frame.interface = nullptr;
+  added.frame.options = {};
+  return static_cast<uint32_t>(others.size() - 1);
+}
+
+CaptureFrame PacketWorkers::FrameOf(const Packet& packet, const Others& others) {
+  CaptureFrame frame = others.frame;
+  frame.number = packet.number;
+  frame.nanoseconds = packet.nanoseconds;
+  frame.data = packet.data;
+  frame.dataLength = packet.dataLength;
+  frame.capturedLength = packet.dataLength + others.missing;
+  frame.wireLength = packet.wireLength;
+  return frame;
+}
+
 bool PacketWorkers::BeginPacket(const CaptureFrame& frame) {
   if (writer_.Failed()) return false;
-  Packet& packet = current_->packets.emplace_back();
-  packet.frame = frame;
-  packet.frame.record = nullptr;   // the reader's, like these
-  packet.frame.interface = nullptr;
-  packet.frame.options = {};
-  packet.times = run_.Times();
-  packet.record = -1;
-  packet.answers = current_->log.End();
-  packet.text = current_->text.size();
+  const PacketTimes& times = run_.Times();
+  const auto answers = static_cast<uint32_t>(current_->log.End()), text = static_cast<uint32_t>(current_->text.size());
+  const Packet& packet = current_->packets.emplace_back(Packet{
+      frame.data, frame.number, times.now, times.before, times.shownBefore, frame.dataLength, frame.wireLength, 0, answers, text,
+      PlaceOfOthers(frame)});
   if (!run_.Keep(frame, &current_->kept)) AddRecord(run_.RecordToShow(frame));
   FetchToWrite(&packet + 1, sizeof packet);
   current_->log.Record(run_.GetSession().GetEngine());
@@ -128,8 +158,8 @@ void PacketWorkers::AddRecord(const FrameRecord* record) {
   constexpr size_t kAlignment = 8;
   std::vector<uint8_t>& records = current_->records;
   records.resize((records.size() + kAlignment - 1) / kAlignment * kAlignment);
-  current_->packets.back().record = static_cast<int64_t>(records.size());
-  current_->packets.back().frame.data = nullptr;
+  current_->packets.back().record = static_cast<uint32_t>(records.size());
+  current_->packets.back().data = nullptr;
   const auto* bytes = reinterpret_cast<const uint8_t*>(record);
   records.insert(records.end(), bytes, bytes + record->recordLength);
 }
@@ -137,7 +167,7 @@ void PacketWorkers::AddRecord(const FrameRecord* record) {
 bool PacketWorkers::EndPacket() {
   current_->log.Record(nullptr);
   if (!current_->log.Complete()) return Tell("no memory for what the packets' look-ups gave"), writer_.Fail(), false;
-  return EndsBatch(current_->packets.back().frame.dataLength);
+  return EndsBatch(current_->packets.back().dataLength);
 }
 
 void PacketWorkers::TakeBack() {
@@ -243,14 +273,16 @@ bool PacketWorkers::DecodeBatch(Worker& worker, Batch& batch) {
   };
   for (size_t i = 0; i < batch.packets.size(); ++i) {
     const Packet& packet = batch.packets[i];
-    if (i + 1 < batch.packets.size()) FetchToRead(batch.packets[i + 1].frame.data, kMostAhead);
+    const Others& others = batch.others[packet.like];
+    if (i + 1 < batch.packets.size()) FetchToRead(batch.packets[i + 1].data, kMostAhead);
     putText(packet.text);
-    run.TakePacket(packet.frame, packet.times);
+    const CaptureFrame frame = FrameOf(packet, others);
+    run.TakePacket(frame, {packet.nanoseconds, others.first, packet.before, packet.shownBefore});
     replay.Seek(packet.answers);
-    const uint8_t* const copy = packet.record < 0 ? nullptr : batch.records.data() + packet.record;
-    const FrameRecord* const record = copy ? reinterpret_cast<const FrameRecord*>(copy) : run.BuildRecord(packet.frame);
+    const uint8_t* const copy = packet.data ? nullptr : batch.records.data() + packet.record;
+    const FrameRecord* const record = copy ? reinterpret_cast<const FrameRecord*>(copy) : run.BuildRecord(frame);
     int32_t handled;
-    if (!run.Make(record, packet.frame, &handled) || !worker.handle(record, packet.frame, handled)) return false;
+    if (!run.Make(record, frame, &handled) || !worker.handle(record, frame, handled)) return false;
   }
   putText(batch.text.size());
   return true;

@@ -43,11 +43,20 @@ class PacketWorkers {
   bool Finish();
 
  private:
-  struct Packet {
-    CaptureFrame frame;   // its data are the batch's, where it has no record of it
-    PacketTimes times;
-    int64_t record;         // where it begins in the batch; -1: it is to be built
-    size_t answers, text;   // where its answers begin, and where the text in front of it ends
+  // What a packet has of its own: a cache line, which another core fetches.
+  struct alignas(64) Packet {
+    const uint8_t* data;   // the batch's; null: it has a record there
+    uint64_t number;
+    int64_t nanoseconds, before, shownBefore;
+    uint32_t dataLength, wireLength;
+    uint32_t record, answers, text;   // where they begin in the batch; the text stands in front of the packet and ends there
+    uint32_t like;                    // the packet's others
+  };
+  // What it has in common with those before it.
+  struct Others {
+    CaptureFrame frame;   // without what is the packet's own
+    uint32_t missing;     // of the captured bytes, at `data`
+    int64_t first;        // of the times
   };
   struct Batch {
     uint64_t place = 0;
@@ -55,6 +64,7 @@ class PacketWorkers {
     KeptBytes kept;
     std::vector<uint8_t> records;
     std::vector<Packet> packets;
+    std::vector<Others> others;
     std::vector<char> text;   // the rows that this thread made
     StateLog log;
   };
@@ -84,6 +94,8 @@ class PacketWorkers {
   void Ship();
   void EndOwn();
   bool EndsBatch(size_t bytes);
+  uint32_t PlaceOfOthers(const CaptureFrame& frame);
+  static CaptureFrame FrameOf(const Packet& packet, const Others& others);
   void AddRecord(const FrameRecord* record);
   static int32_t PutRows(void* workers, const char* bytes, int32_t length);
 
