@@ -2,12 +2,15 @@
 """Times qxview beside its peers over the same files in one run, and prints seconds, frames a second and the ratios.
 
   bench/peers.py CAPTURES... [--qxview build/qxview] [--rounds 5] [--only WORD] [--instructions] [--markdown]
+  bench/peers.py FOLDER --many 10000 [--qxview build/qxview]
 
 CAPTURES are capture files, each a mix of its own, or folders whose Ethernet captures are merged into one first (mergecap). Every
 program runs once to warm up and then `rounds` times in turn, output to /dev/null: a pair of one round met the same machine, so
 ratios are medians over the rounds, with the least and the most beside them. All but the runs of two jobs are held on one
 processor. Name look-ups are off everywhere. --instructions adds what callgrind counts of qxview's runs, which other work on the
 machine does not change. Start-up time and peak resident memory are printed, too, and the peers' versions.
+
+--many takes the captures of less than 20 KB of FOLDER over and over, so many of them, in one run by --files-from and in a run each.
 """
 import argparse
 import os
@@ -49,7 +52,7 @@ def programs_of(qxview, path, address, word):
         ("qxview text", [qxview, "decode", "--jobs", "1", path]), ("qxview text, 2 jobs", [qxview, "decode", "--jobs", "2", path]),
         ("qxview json", [qxview, "decode", "--format", "json", "--jobs", "1", path]),
         ("qxview json, 2 jobs", [qxview, "decode", "--format", "json", "--jobs", "2", path]),
-        ("qxview list", [qxview, "list", path]),
+        ("qxview list", [qxview, "list", "--jobs", "1", path]), ("qxview list, 2 jobs", [qxview, "list", "--jobs", "2", path]),
         ("qxview list -Y address", [qxview, "list", "-Y", f"ip.addr == {address}", path]),
         ("qxview fields", [qxview, "fields", "-e", "frame.number", "-e", "frame.time", "-e", "ip.src", "-e", "ip.dst", "-e",
                            "tcp.srcport", "-e", "tcp.dstport", path]),
@@ -68,7 +71,7 @@ def programs_of(qxview, path, address, word):
 RATIOS = [("qxview text", "tshark -V"), ("qxview text", "tcpdump -vv -X"), ("qxview json", "tshark json"),
           ("qxview list", "tshark list"), ("qxview list", "tcpdump list"), ("qxview list -Y address", "tshark -Y address"),
           ("qxview fields", "tshark fields"), ("qxview conversations", "tshark conversations"),
-          ("qxview text, 2 jobs", "qxview text"), ("qxview json, 2 jobs", "qxview json")]
+          ("qxview text, 2 jobs", "qxview text"), ("qxview json, 2 jobs", "qxview json"), ("qxview list, 2 jobs", "qxview list")]
 
 
 def output_of(command):
@@ -125,6 +128,31 @@ def measure(path, options):
             print(f"{ours} beside {theirs}: {statistics.median(ratios):.2f} times as fast [{ratios[0]:.2f}, {ratios[-1]:.2f}]")
 
 
+def seconds_of(command):
+    """Wall time of a run as a shell would start it: without work of ours in the child, which would cost as much as a short run."""
+    start = time.perf_counter()
+    subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
+    return time.perf_counter() - start
+
+
+def measure_many(folder, count, qxview):
+    """The most that a run of many captures saves: what a program's start and end cost beside their decode."""
+    small = [path for name in sorted(os.listdir(folder)) if os.path.isfile(path := os.path.join(folder, name))
+             and name.endswith((".pcap", ".pcapng", ".cap")) and os.path.getsize(path) < 20_000]
+    if not small:
+        sys.exit(f"peers.py: {folder} has no captures of less than 20 KB")
+    paths = (small * (count // len(small) + 1))[:count]
+    with tempfile.NamedTemporaryFile("w", suffix=".txt") as names:
+        names.write("".join(f"{path}\n" for path in paths))
+        names.flush()
+        for form in (["list"], ["decode"], ["decode", "--format", "json", "--prefix-file"]):
+            together = [seconds_of([qxview, *form, "--keep-going", "--files-from", names.name]) for _ in range(5)]
+            each = sum(seconds_of([qxview, *form, path]) for path in paths)
+            median = statistics.median(together)
+            print(f"{' '.join(form)}: {count} captures ({len(small)} others) in one run {median:.2f} s [{min(together):.2f}, "
+                  f"{max(together):.2f}], in a run each {each:.2f} s: {each / median:.1f} times as fast", flush=True)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("captures", nargs="+")
@@ -133,12 +161,16 @@ def main():
     parser.add_argument("--only", default="", help="only programs whose names have this word")
     parser.add_argument("--instructions", action="store_true", help="count qxview's instructions, too")
     parser.add_argument("--markdown", action="store_true")
+    parser.add_argument("--many", type=int, metavar="N", help="N small captures of a folder in one run and in a run each")
     options = parser.parse_args()
     for command in ([options.qxview, "--version"], [TSHARK, "--version"], ["tcpdump", "--version"]):
         said = subprocess.run(command, capture_output=True, text=True)
         print((said.stdout + said.stderr).splitlines()[0])
     print(f"load {os.getloadavg()[0]:.1f}, {os.cpu_count()} processors; start-up (--version): "
-          f"{min(run([options.qxview, '--version'], [0])[0] for _ in range(20)) * 1000:.1f} ms")
+          f"{min(seconds_of([options.qxview, '--version']) for _ in range(100)) * 1000:.1f} ms")
+    if options.many:
+        measure_many(options.captures[0], options.many, options.qxview)
+        return 0
     with tempfile.TemporaryDirectory() as folder:
         for number, path in enumerate(options.captures):
             if os.path.isdir(path):
