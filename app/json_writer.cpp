@@ -87,9 +87,16 @@ void PutOrigin(Output& out, const OwnRange& own, const BytePiece* earlier, int32
 
 constexpr int32_t kMostEarlier = 64;   // pieces of a line: the others are those of the lines under it
 
+constexpr char kDerived[] = ",\"derived\":true";
+
+bool IsDerivedLine(const DecodeContext& context, uint32_t rangeIndex) {
+  return context.derivedCount > 0 && IsDerived(&context, rangeIndex);
+}
+
 // What is said of few lines: that their bytes stood elsewhere.
 void PutElsewhere(Output& out, const DecodeContext& context, uint32_t rangeIndex, ByteRange stored) {
-  if (IsDerived(&context, rangeIndex)) out.Put(",\"derived\":true");
+  if (IsDerivedLine(context, rangeIndex)) out.Put(kDerived);
+  if (!IsInRegion(stored)) return;
   BytePiece earlier[kMostEarlier];
   PutOrigin(out, FindOwnRange(&context, stored, earlier, kMostEarlier), earlier, kMostEarlier);
 }
@@ -155,7 +162,7 @@ void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) 
     at = PutLooks(at, RangeKind(range), tree.Image(line));
     out.Put({numbers, static_cast<size_t>(at - numbers)});
   }
-  if (context.derivedCount > 0 || IsInRegion(stored)) PutElsewhere(out, context, rangeIndex, stored);
+  PutElsewhere(out, context, rangeIndex, stored);
   if (withKeys) PutFact(out, context, rangeIndex);
 }
 
@@ -179,14 +186,17 @@ void PutLinesInOrder(Output& out, Session& session, bool withKeys) {
     const int32_t next = isLast ? 0 : tree.DepthOf(line + 1), ends = depth - next;
     depth = next;
     const std::string_view text = tree.TextOf(line);
-    const ByteRange stored = StoredRangeOf(context, tree.RangeIndex(line));
+    const uint32_t rangeIndex = tree.RangeIndex(line);
+    const ByteRange stored = StoredRangeOf(context, rangeIndex);
     const size_t room = kLongestEscape * text.size() + kBesideText + 2 * static_cast<size_t>(ends > 0 ? ends : 0);
-    if (withKeys || context.derivedCount > 0 || IsInRegion(stored) || room > Output::kMostRoom) {
+    if (withKeys || IsInRegion(stored) || room > Output::kMostRoom) {
       PutLineHead(out, session, line, withKeys);
       for (int32_t left = ends; left >= 0; --left) out.Put(left > 0 ? "}]" : "}");
       if (!isLast) out.Put(ends < 0 ? ",\"lines\":[" : ",");
     } else {
-      out.Took(PutBetween(PutPlainHead(out.Room(room), text, stored, tree.Image(line)), ends, isLast));
+      char* at = PutPlainHead(out.Room(room), text, stored, tree.Image(line));
+      if (IsDerivedLine(context, rangeIndex)) [[unlikely]] at = PutLiteral(at, kDerived);
+      out.Took(PutBetween(at, ends, isLast));
     }
   }
 }
