@@ -8,6 +8,7 @@
 #include "core/engine.h"
 #include "core/line_facts.h"
 #include "core/made_line.h"
+#include "core/pieces_line.h"
 #include "core/sixteen.h"
 
 namespace qxview {
@@ -187,10 +188,22 @@ void AddBitRows(View* view, LineHandle parentLine, const uint8_t* data, int32_t 
   }
 }
 
+namespace {
+
+// A line that has no fact but what is noted of it elsewhere.
+template <class... Args>
+LineHandle AddPiece(const Place& at, const Field& field, int32_t image, FormatText<std::type_identity_t<Args>...> text,
+                    const Args&... args) {
+  const FormatArguments<sizeof...(Args)> arguments = {{ArgumentOf(args)...}};
+  return detail::AddPiecesLine(at, at.parent, field, image, text.text, text.pieces, arguments.of);
+}
+
+}  // namespace
+
 LineHandle AddWrappedTextLines(View* view, LineHandle parentLine, const char* text, int32_t length, const char* label,
                                int32_t image, DecodeTree* tree, int32_t frameOffset, bool numbered) {
   constexpr int32_t kMostCharacters = 80, kLookAhead = 10;
-  if (!text || !label) return 0;
+  if (!text || !label || !tree) return 0;
   const bool isLeft = view->context->silent || LeavesLabel(view, parentLine, label, false);
   LineHandle line = 0;
   int32_t at = 0, piece = 1;
@@ -210,16 +223,15 @@ LineHandle AddWrappedTextLines(View* view, LineHandle parentLine, const char* te
       continue;
     }
     const TextSlice slice{text + at, cut};
-    char out[512];
-    int32_t outLength;
+    const Field field{reinterpret_cast<const uint8_t*>(slice.text), frameOffset + at, cut, 0, true};
+    const Place under{view, tree, parentLine, 0, kLineSize, false};
     if (piece == 1) {
-      outLength = numbered && cut < length ? FormatInto(out, sizeof out, "%s pt 1: %s", label, slice)
-                                           : FormatInto(out, sizeof out, "%s: %s", label, slice);
+      line = numbered && cut < length ? AddPiece(under, field, image, "%s pt 1: %s", label, slice)
+                                      : AddPiece(under, field, image, "%s: %s", label, slice);
     } else {
-      outLength = numbered ? FormatInto(out, sizeof out, "%s pt %i : %s", label, piece, slice)
-                           : FormatInto(out, sizeof out, "%s : %s", label, slice);
+      line = numbered ? AddPiece(under, field, image, "%s pt %i : %s", label, piece, slice)
+                      : AddPiece(under, field, image, "%s : %s", label, slice);
     }
-    line = AddDecodeLineOf(view, parentLine, out, outLength, image, tree, MakeByteRange(0, frameOffset + at, cut));
     if (piece == 1 && KeepsFacts(view)) [[unlikely]] NoteText(view, line, label, text, length);
     at += cut;
     ++piece;
