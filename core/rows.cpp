@@ -299,6 +299,15 @@ Field TakeRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
   return TakeSized(walk, c, row, size, false);
 }
 
+bool PassRun(RowWalk& walk, Cursor& c, const RowData& row) {
+  if (!Silent(walk.at) || walk.at.dead || c.ranShort || Left(c) < row.runBytes) return false;
+  if (row.runLines >= PacketOf(walk.at).linesLeft) return false;
+  CountLines(walk.at, row.runLines);
+  TakeBytes(c, row.runBytes);
+  walk.parent = kLineOutsideDisplay;
+  return true;
+}
+
 Field ShowRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size) {
   return Silent(walk.at) ? PassRow(walk, c, row, size) : MakeRow(walk, c, row, size);
 }

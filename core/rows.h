@@ -168,6 +168,9 @@ struct RowData {
   bool quiet = false;        // no line for a field of no bytes
   bool noteWhenSet = false;  // no note of a value of 0
   uint8_t firstBit = 0, bitCount = 0;
+  // Of this row and those behind it that only make lines: how many they are, of how many bytes and lines. 0: not told.
+  uint8_t runRows = 0, runLines = 0;
+  uint16_t runBytes = 0;
 
   // A text in place of the form's.
   template <size_t kSize>
@@ -373,11 +376,47 @@ consteval void CheckBits(const Row<T>* rows, size_t count) {
   }
 }
 
+// Whether a row makes one line or none of a size that is always the same, and does nothing else.
+template <class T>
+consteval bool OnlyMakesLines(const Row<T>& row) {
+  constexpr uint8_t kMostShownBytes = 160;   // more is a dump
+  if (row.into || row.intoWide || row.sizedBy || row.note.text || row.countSize || row.terminated) return false;
+  if (row.form == RowForm::kFlags || row.form == RowForm::kShown) return false;   // the latter takes what it shows
+  return row.form == RowForm::kBits || (row.size > 0 && row.size <= kMostShownBytes);
+}
+
+// Tells each run of such rows at its first one, so that it is passed in one step where nobody wants the lines. Bits stay with the
+// number that they are of.
+template <class T, size_t kRows>
+consteval void TellRuns(Row<T> (&rows)[kRows]) {
+  for (size_t first = 0; first < kRows;) {
+    if (rows[first].form == RowForm::kBits) {
+      ++first;
+      continue;
+    }
+    size_t end = first;
+    while (end < kRows && end - first < 100 && OnlyMakesLines(rows[end])) ++end;
+    const size_t behind = end > first ? end : first + 1;
+    if (end < kRows && rows[end].form == RowForm::kBits) {
+      while (end > first && rows[end].form == RowForm::kBits) --end;
+    }
+    if (end > first + 1) {
+      for (size_t i = first; i < end; ++i) {
+        rows[first].runLines = static_cast<uint8_t>(rows[first].runLines + (rows[i].line.text ? 1 : 0));
+        rows[first].runBytes = static_cast<uint16_t>(rows[first].runBytes + (rows[i].form == RowForm::kBits ? 0 : rows[i].size));
+      }
+      rows[first].runRows = static_cast<uint8_t>(end - first);
+    }
+    first = behind;
+  }
+}
+
 template <class T, size_t kRows>
 consteval RowTable<T, kRows> Rows(const Row<T> (&rows)[kRows]) {
   CheckBits(rows, kRows);
   RowTable<T, kRows> table{};
   for (size_t i = 0; i < kRows; ++i) table.rows[i] = rows[i];
+  TellRuns(table.rows);
   return table;
 }
 
@@ -390,6 +429,7 @@ consteval RowTable<T, kRows> LittleRows(const Row<T> (&rows)[kRows]) {
     table.rows[i] = rows[i];
     table.rows[i].little = true;
   }
+  TellRuns(table.rows);
   return table;
 }
 
@@ -413,6 +453,8 @@ struct RowWalk {
 };
 Field TakeRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size);
 Field ShowRow(RowWalk& walk, Cursor& c, const RowData& row, int32_t size);
+// Passes the row's run; false, with nothing done, where its lines are wanted or not all of it is there.
+bool PassRun(RowWalk& walk, Cursor& c, const RowData& row);
 uint64_t NumberOf(const Field& field, bool little);
 
 template <class T>
@@ -440,7 +482,9 @@ void ShowRows(const Place& in, Cursor& c, std::type_identity_t<RowSpan<T>> rows,
   detail::RowWalk walk{in, title, {}, in.parent, order == ByteOrder::kLittle};
   for (size_t i = 0; i < rows.count; ++i) {
     const Row<T>& row = rows.rows[i];
-    if (row.take) {
+    if (row.runRows && detail::PassRun(walk, c, row)) {
+      i += row.runRows - 1u;
+    } else if (row.take) {
       row.take(in, c, row.label ? row.label : title, out);
     } else {
       detail::Keep(walk, row, detail::ShowRow(walk, c, row, detail::SizeOf(row, out)), out);

@@ -54,6 +54,17 @@ int32_t DecodeOrdered(const Place& at, Cursor c) {
   return 1;
 }
 
+int32_t DecodeFixed(const Place& at, Cursor c) {
+  static constexpr auto kFixed = Rows<Thing>({
+      Number(1, "First"), Hex(2, "Code", kKindNames), Word(2), Bits(0, 4, "Part"), Flag(15, "Last"), IPv4("Router"),
+      Number(1, "Kind").Into(&Thing::kind), Mac("Station"), Bytes(12, "Key"), Number(1, "Marks"), Bits(0, 1, "Low"),
+      UnixTime(4, "Seen"), Text(6, "Name")});
+  const Place in = Under(at, AddLine(at, Ahead(c, 1), "Fixed"));
+  const Thing thing = ShowRows(in, c, kFixed);
+  AddLine(in, Stated(0, 0), "Kind: %u; behind: %d", thing.kind.value, c.offset);
+  return static_cast<int32_t>(thing.kind.value << 8 | static_cast<uint32_t>(c.offset));
+}
+
 }  // namespace
 }  // namespace qxview
 
@@ -130,6 +141,30 @@ TEST(Rows, MayBeTakenByAFunctionBehindOthers) {
               return 1;
             }, Hex("0300 616263 0200 07")),
             "Ahead: 3 0\nCount: 3\nName: abc\nState: [2] = Second\nOther: [7] = Undefined\n");
+}
+
+// Rows passed in runs count what they would count one by one, cut anywhere and at every bound of lines.
+TEST(Rows, ArePassedAsTheyAreShown) {
+  TestView shown, silent;
+  Bytes bytes(60);
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 37);
+  for (size_t length = 0; length <= bytes.size(); ++length) {
+    for (int32_t lines = 1; lines < 20; ++lines) {
+      int32_t behind[2], left[2];
+      for (const int which : {0, 1}) {
+        TestView& view = which ? silent : shown;
+        ClearDecodeTree(&view.view(), &view.tree(), true);
+        view.context().packet = PacketState{};
+        view.context().packet.linesLeft = lines;
+        view.context().silent = which == 1;
+        const Bytes cut(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(length));
+        behind[which] = DecodeFixed(TopLevel(&view.view(), kFirstLevel), MakeCursor(cut.data(), 0, static_cast<int32_t>(length)));
+        left[which] = view.context().packet.linesLeft;
+      }
+      EXPECT_EQ(behind[0], behind[1]) << length << " bytes, " << lines << " lines";
+      EXPECT_EQ(left[0], left[1]) << length << " bytes, " << lines << " lines";
+    }
+  }
 }
 
 TEST(Rows, FollowTheOrderOfTheMessage) {

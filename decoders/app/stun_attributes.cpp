@@ -132,7 +132,7 @@ void ShowFingerprint(const Place& in, Cursor& c, Stun& stun) {
   constexpr uint32_t kMask = 0x5354554E;
   const int32_t covered = c.offset - 4 - stun.message.offset;
   const Field check = TakeU32(c);
-  if (!check.here || !stun.message.bytes) return;
+  if (!check.here || !stun.message.bytes || NobodyWants(in)) return;
   const uint32_t right = Crc32(stun.message.bytes, covered) ^ kMask;
   if (check.value == right) {
     AddLine(in, check, "CRC-32: 0x%.08X (Good)", check.value);
@@ -358,10 +358,12 @@ Place ShowHead(const Place& in, const Element& element, const Stun& stun, const 
 }  // namespace
 
 void ShowStunAttributes(const Place& in, Cursor& c, Stun& stun) {
+  const bool passes = NobodyWants(in);
   Loop loop;
   Element element;
   while (MoreAt(in, c, loop) && TakeElement(c, kForm, element)) {
     const Choice<Stun>* choice = FindChoice<Stun>(kAttributes, element.code);
+    if (passes && !(choice && choice->show)) continue;   // rows tell the top line nothing
     const Place under = ShowHead(in, element, stun, choice ? choice->name : kUnknown);
     if (choice) {
       ShowChoice(under, element.value, choice, stun);
