@@ -68,9 +68,15 @@ struct Fnv {
     for (int32_t i = 0; i < bytes.length; ++i) {
       low ^= bytes.data[i];
       // times 2^88 + 0x13B
+#ifdef __SIZEOF_INT128__
+      const unsigned __int128 product = static_cast<unsigned __int128>(low) * 0x13B;
+      high = high * 0x13B + static_cast<uint64_t>(product >> 64) + (low << 24);
+      low = static_cast<uint64_t>(product);
+#else
       const uint64_t bottom = (low & 0xFFFFFFFF) * 0x13B, top = (low >> 32) * 0x13B + (bottom >> 32);
       high = high * 0x13B + (top >> 32) + (low << 24);
       low = top << 32 | (bottom & 0xFFFFFFFF);
+#endif
     }
   }
   bool Is(const Field& hash) const {
