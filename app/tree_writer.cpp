@@ -111,12 +111,23 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
   out.Put('\n');
 }
 
+void PutLegibleLines(Output& out, std::string_view lines) {
+  constexpr size_t kPiece = 8192;
+  for (; !lines.empty(); lines.remove_prefix(std::min(kPiece, lines.size()))) {
+    out.Took(PutLegible(out.Room(kLongestOfLegible * kPiece + kWrittenAhead), lines.substr(0, kPiece)));
+  }
+}
+
 // What nearly all trees are: runs of lines as they stand there, and between them those that are changed or escaped.
 void WriteInOrder(Output& out, Session& session, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
   for (LineHandle line = tree.FirstChild(0); line;) {
     out.Put(tree.PrintedFrom(&line));
     if (!line) return;
+    if (const std::string_view legible = tree.LegibleFrom(&line); !legible.empty()) {
+      PutLegibleLines(out, legible);
+      continue;
+    }
     PutLine(out, session, line, tree.DepthOf(line), style);
     line = tree.Holds(line + 1) ? line + 1 : 0;
   }

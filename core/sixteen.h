@@ -14,41 +14,60 @@ namespace qxview {
 
 constexpr size_t kSixteen = 16;
 
-// How many characters are none of printable ASCII. Up to sixteen characters behind the text must be there.
-inline size_t CountOthers(const char* text, size_t length) {
 #ifdef __SSE2__
+// How many characters are what `is` tells of sixteen by all bits of each. Up to sixteen characters behind the text must be there.
+template <class Is>
+inline size_t CountThoseThat(const char* text, size_t length, const Is& is) {
   constexpr size_t kMostSteps = 255;   // that a byte counts
-  // One more than a printable character is above 0x20, with a sign; all others are below or were 0x7F.
-  const __m128i one = _mm_set1_epi8(1), blank = _mm_set1_epi8(0x20), zero = _mm_setzero_si128();
-  const auto printable = [&](const char* at) {
-    return _mm_cmpgt_epi8(_mm_add_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)), one), blank);
-  };
+  const __m128i zero = _mm_setzero_si128();
+  const auto at = [&](const char* place) { return is(_mm_loadu_si128(reinterpret_cast<const __m128i*>(place))); };
   alignas(kSixteen) static constexpr uint64_t kOfRest[4] = {~uint64_t{0}, ~uint64_t{0}, 0, 0};
   const char* const ofRest = reinterpret_cast<const char*>(kOfRest) + kSixteen - length % kSixteen;
   const char* const lastWhole = text + length / kSixteen * kSixteen;
-  __m128i found = _mm_setzero_si128();   // of the printable ones, in two halves
+  __m128i found = _mm_setzero_si128();   // in two halves
   size_t left = length / kSixteen;
   do {
     __m128i counts = zero;
     const size_t steps = left < kMostSteps - 1 ? left : kMostSteps - 1;
     const char* const end = text + steps * kSixteen;
     for (; end - text >= static_cast<ptrdiff_t>(4 * kSixteen); text += 4 * kSixteen) {
-      counts = _mm_sub_epi8(counts, printable(text));
-      counts = _mm_sub_epi8(counts, printable(text + kSixteen));
-      counts = _mm_sub_epi8(counts, printable(text + 2 * kSixteen));
-      counts = _mm_sub_epi8(counts, printable(text + 3 * kSixteen));
+      counts = _mm_sub_epi8(counts, at(text));
+      counts = _mm_sub_epi8(counts, at(text + kSixteen));
+      counts = _mm_sub_epi8(counts, at(text + 2 * kSixteen));
+      counts = _mm_sub_epi8(counts, at(text + 3 * kSixteen));
     }
-    for (; text != end; text += kSixteen) counts = _mm_sub_epi8(counts, printable(text));
+    for (; text != end; text += kSixteen) counts = _mm_sub_epi8(counts, at(text));
     left -= steps;
     if (left == 0) {
-      counts = _mm_sub_epi8(counts, _mm_and_si128(printable(lastWhole), _mm_loadu_si128(reinterpret_cast<const __m128i*>(ofRest))));
+      counts = _mm_sub_epi8(counts, _mm_and_si128(at(lastWhole), _mm_loadu_si128(reinterpret_cast<const __m128i*>(ofRest))));
     }
     found = _mm_add_epi32(found, _mm_sad_epu8(counts, zero));
   } while (left != 0);
-  return length - static_cast<size_t>(_mm_cvtsi128_si32(_mm_add_epi32(found, _mm_srli_si128(found, 8))));
+  return static_cast<size_t>(_mm_cvtsi128_si32(_mm_add_epi32(found, _mm_srli_si128(found, 8))));
+}
+#endif
+
+// How many characters are none of printable ASCII. Up to sixteen characters behind the text must be there.
+inline size_t CountOthers(const char* text, size_t length) {
+#ifdef __SSE2__
+  // One more than a printable character is above 0x20, with a sign; all others are below or were 0x7F.
+  const __m128i one = _mm_set1_epi8(1), blank = _mm_set1_epi8(0x20);
+  return length - CountThoseThat(text, length, [&](__m128i c) { return _mm_cmpgt_epi8(_mm_add_epi8(c, one), blank); });
 #else
   size_t found = 0;
   for (size_t at = 0; at < length; ++at) found += static_cast<uint8_t>(text[at] - 0x20) > '~' - 0x20;
+  return found;
+#endif
+}
+
+// How many are controls below 20. Up to sixteen characters behind the text must be there.
+inline size_t CountControls(const char* text, size_t length) {
+#ifdef __SSE2__
+  const __m128i last = _mm_set1_epi8(0x1F);
+  return CountThoseThat(text, length, [&](__m128i c) { return _mm_cmpeq_epi8(_mm_min_epu8(c, last), c); });
+#else
+  size_t found = 0;
+  for (size_t at = 0; at < length; ++at) found += static_cast<uint8_t>(text[at]) < 0x20;
   return found;
 #endif
 }

@@ -1,4 +1,5 @@
 // The decode tree itself, whatever stands behind it: what decoders, user libraries and the view ask of it.
+#include <algorithm>
 #include <cstring>
 #include <random>
 
@@ -162,6 +163,14 @@ bool PrintRuns(const ArenaTree& tree, std::string* out, size_t* others) {
   for (LineHandle line = tree.FirstChild(0); line;) {
     out->append(tree.PrintedFrom(&line));
     if (!line) break;
+    const LineHandle start = line;
+    if (const std::string_view legible = tree.LegibleFrom(&line); !legible.empty()) {
+      const LineHandle behind = line ? line : tree.LineCount() + 1;
+      const auto controls = std::count_if(legible.begin(), legible.end(), [](char c) { return static_cast<uint8_t>(c) < ' '; });
+      EXPECT_EQ(static_cast<LineHandle>(controls), behind - start) << "the line feeds";
+      out->append(legible);
+      continue;
+    }
     out->append(static_cast<size_t>(2 * tree.DepthOf(line)), ' ').append(tree.TextOf(line)).push_back('\n');
     ++*others;
     line = tree.Holds(line + 1) ? line + 1 : 0;

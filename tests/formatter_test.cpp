@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <random>
 
+#include "app/fast_text.h"
 #include "core/bits.h"
 #include "core/bounded_text.h"
 #include "core/levels.h"
@@ -184,13 +185,15 @@ TEST(Sixteen, CountsAndCopiesTextsOfEveryLength) {
   for (size_t length = 0; length < 9000; length = length < 200 ? length + 1 : length * 5 / 4) {
     char* const text = reinterpret_cast<char*>(memory.Room(length + kSixteen));
     for (const uint32_t kinds : {1u, 3u, 256u}) {
-      size_t others = 0;
+      size_t others = 0, controls = 0;
       for (size_t i = 0; i < length; ++i) {
         text[i] = random() % 40 < kinds ? static_cast<char>(random()) : 'a';
         others += text[i] < ' ' || text[i] > '~';
+        controls += static_cast<uint8_t>(text[i]) < ' ';
       }
       std::memset(text + length, '\n', kSixteen);
       EXPECT_EQ(CountOthers(text, length), others) << length;
+      EXPECT_EQ(CountControls(text, length), controls) << length;
       EXPECT_EQ(IsPrintableText(text, length), others == 0) << length;
     }
     std::memset(text, '\n', length);
@@ -203,6 +206,29 @@ TEST(Sixteen, CountsAndCopiesTextsOfEveryLength) {
       EXPECT_EQ(CopySlice(copied.data(), slice, length) - copied.data(), static_cast<ptrdiff_t>(std::min(zero, length)));
       EXPECT_EQ(std::memcmp(copied.data(), slice, std::min(zero, length)), 0);
     }
+  }
+}
+
+// Lines written together stand as they would one by one, of any lengths and with other characters anywhere.
+TEST(Sixteen, WritesLinesTogetherAsOneByOne) {
+  const GuardedMemory memory(8192);
+  std::mt19937 random(9);
+  for (int round = 0; round < 2000; ++round) {
+    std::string lines, wanted;
+    for (uint32_t count = random() % 8; count > 0; --count) {
+      std::string line(random() % 100, 'a');
+      const uint32_t others = random() % 30;
+      for (char& c : line) {
+        if (random() % 30 < others) c = "\x20\x7E\x7F\x80\x81\x99\xA0\xFF"[random() % 8];
+      }
+      char out[1000];
+      wanted.append(out, PutEscaped<false>(out, line)) += '\n';
+      lines += line + '\n';
+    }
+    char* const text = reinterpret_cast<char*>(memory.Room(lines.size()));
+    std::copy(lines.begin(), lines.end(), text);
+    std::vector<char> out(kLongestOfLegible * lines.size() + kWrittenAhead);
+    EXPECT_EQ(std::string(out.data(), PutLegible(out.data(), {text, lines.size()})), wanted);
   }
 }
 

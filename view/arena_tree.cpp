@@ -191,7 +191,7 @@ char* ArenaTree::Retext(LineHandle handle, uint32_t wanted, uint32_t kept) {
     if (kept && !atEnd) CopyShort(edits + offset, PlaceOf(line), kept);
     line.edited = offset;
     line.editedRoom = room;
-    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | kIsEdited);
+    line.flags = static_cast<uint8_t>((line.flags & ~(kIsPrinted | kIsLegible)) | kIsEdited);
     areAllPrinted = false;
     editsUsed_ = offset + room;
   }
@@ -225,11 +225,20 @@ void ArenaTree::LookAtTexts() const {
     lookedAt = behind - 1;
     if (CountOthersQuickly(text + start, end - start) == behind - first) continue;
     areAllPrinted = false;
+    // Where no line has controls they are legible together, so that they are written together.
+    const bool areLegible = CountControls(text + start, end - start) == behind - first;
     for (uint32_t line = first; line < behind; ++line) {
-      if (lines[line].flags & kIsEdited || IsPrintableText(text + lines[line].made, lines[line].length)) continue;
-      lines[line].flags = static_cast<uint8_t>(lines[line].flags & ~kIsPrinted);
+      Line& at = lines[line];
+      if (!(at.flags & kIsPrinted) || (!areLegible && IsPrintableText(text + at.made, at.length))) continue;
+      const bool isLegible = areLegible || CountControls(text + at.made, at.length) == 0;
+      at.flags = static_cast<uint8_t>((at.flags & ~kIsPrinted) | (isLegible ? kIsLegible : 0));
     }
   }
+}
+
+std::string_view ArenaTree::Run(LineHandle first, LineHandle behind) const {
+  const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
+  return {text + start, end - start};
 }
 
 std::string_view ArenaTree::PrintedFrom(LineHandle* line) const {
@@ -242,9 +251,15 @@ std::string_view ArenaTree::PrintedFrom(LineHandle* line) const {
   }
   while (at <= count && lines[at].flags & kIsPrinted) ++at;
   *line = at <= count ? at : 0;
-  if (at == first) return {};
-  const uint32_t start = StartOf(lines[first]), end = at <= count ? StartOf(lines[at]) : textUsed;
-  return {text + start, end - start};
+  return at == first ? std::string_view() : Run(first, at);
+}
+
+std::string_view ArenaTree::LegibleFrom(LineHandle* line) const {
+  const LineHandle first = *line;
+  LineHandle at = first;
+  while (at <= count && lines[at].flags & kIsLegible) ++at;
+  *line = at <= count ? at : 0;
+  return at == first ? std::string_view() : Run(first, at);
 }
 
 void ArenaTree::SetRangeIndex(LineHandle line, uint32_t index) {

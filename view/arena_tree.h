@@ -49,6 +49,9 @@ class ArenaTree final : public DecodeTree, private LineStore {
   // Of a tree in order: the lines from *line on as they are printed, up to the first that something else has to be done for (its
   // text was changed or holds more than printable ASCII, or it stands very deep), which *line is then; 0 at the end.
   std::string_view PrintedFrom(LineHandle* line) const;
+  // The same, where PrintedFrom stopped, up to the first line that is as printed or has controls below 20: other characters than
+  // ASCII and 7F are still to be written in their own way.
+  std::string_view LegibleFrom(LineHandle* line) const;
 
  private:
   friend struct LineStore;
@@ -62,6 +65,7 @@ class ArenaTree final : public DecodeTree, private LineStore {
   bool Link() const;
   void LinkLine(uint32_t line) const;
   void LookAtTexts() const;
+  std::string_view Run(LineHandle first, LineHandle behind) const;   // as they stand there
   char* Retext(LineHandle line, uint32_t wanted, uint32_t kept);
   void GiveBack();
 

@@ -28,6 +28,7 @@ struct LineStore {
   static constexpr uint8_t kIsPrinted = 1;                      // no deeper than is printed; texts are looked at when they are
   static constexpr uint8_t kIsEdited = 2;                       // the text stands in `edits`
   static constexpr uint8_t kIsExpanded = 4, kIsCollapsed = 8;   // was told so by itself
+  static constexpr uint8_t kIsLegible = 16;                     // is printed but for its characters: none is a control below 20
   static constexpr uint32_t kDeepestPrinted = 16;   // lines below that stand without blanks
   static constexpr uint16_t kMostDepth = 0xFFFF;
   // Beside a line's text: its blanks, its line feed, and whole steps of sixteen behind it.
@@ -121,7 +122,7 @@ struct LineStore {
   void Lengthen(uint32_t length) {
     Line& line = lines[count];
     line.length = length;
-    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | FirstFlags(line.depth - 1u));
+    line.flags = static_cast<uint8_t>((line.flags & ~(kIsPrinted | kIsLegible)) | FirstFlags(line.depth - 1u));
     textUsed = line.made + length + 1;
     text[textUsed - 1] = '\n';
     if (lookedAt >= count) lookedAt = count - 1;
