@@ -57,6 +57,12 @@ LibraryLoader TellingLibraryLoader() {
   return loader;
 }
 
+std::unique_ptr<Session> MakeSession(const StandaloneHost& host) {
+  std::unique_ptr<Session> session = Session::Create(host.Record(), TellingLibraryLoader());
+  if (session) session->GetView()->isWritten = true;
+  return session;
+}
+
 }  // namespace
 
 PacketRun::PacketRun() = default;
@@ -78,7 +84,7 @@ bool PacketRun::Open(const ReadingOptions& options, const std::vector<std::strin
   EndInputOnSignals();
   optionsHold_ = true;
   if (!OpenCaptures(files)) return false;
-  session_ = Session::Create(host_->Record(), TellingLibraryLoader());
+  session_ = MakeSession(*host_);
   if (!session_) return status_ = kFileFault, Tell("no memory for a view"), false;
   host_->Attach(session_.get());
   if (!TakeSecrets()) return false;
@@ -389,7 +395,7 @@ std::unique_ptr<PacketRun> PacketRun::MakeWorker(bool forThisThread) {
   auto worker = std::make_unique<PacketRun>();
   worker->options_ = options_;
   worker->host_ = host_;
-  worker->session_ = forThisThread ? session_ : Session::Create(host_->Record(), TellingLibraryLoader());
+  worker->session_ = forThisThread ? session_ : MakeSession(*host_);
   if (!worker->session_) return nullptr;
   worker->asked_ = std::make_unique<ShownPacket>(*worker->session_, host_->Record());
   worker->probe_ = std::make_unique<Probe>(*worker->session_);

@@ -168,6 +168,7 @@ struct View {
   uint32_t expansionMask;        // by range kind: top-level lines of these kinds are expanded
   int32_t selectionPath[3];      // indexes of the selected line, its parent's first; a negative one ends the path
   int32_t currentTopKind;
+  bool isWritten;                // lines are written and not browsed: none is expanded or selected
   const uint8_t* characterTable; // 256 characters for hex dumps when character translation is on
 };
 

@@ -2,10 +2,11 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 
 #include "core/byte_origins.h"
-#include "core/civil_date.h"
 #include "core/line_facts.h"
+#include "core/times.h"
 
 namespace qxview {
 namespace {
@@ -192,16 +193,8 @@ constexpr Field kNowhere = {nullptr, 0, 0, 0, true};
 void AddTimeLine(const Place& in, int64_t nanoseconds) {
   constexpr int64_t kPerSecond = 1000000000;
   const int64_t rest = nanoseconds % kPerSecond;
-  const CivilTime time = TimeOfSecond(nanoseconds / kPerSecond - (rest < 0));
   const uint32_t fraction = static_cast<uint32_t>(rest < 0 ? rest + kPerSecond : rest);
-  char digits[12];
-  if (fraction % 1000 == 0) {
-    FormatInto(digits, sizeof digits, "%06u", fraction / 1000);
-  } else {
-    FormatInto(digits, sizeof digits, "%09u", fraction);
-  }
-  AddLine(in, kNowhere, "Time: %04u-%02u-%02u %02u:%02u:%02u.%s UTC", static_cast<uint32_t>(time.year), time.month, time.day,
-          time.hour, time.minute, time.second, static_cast<const char*>(digits));
+  AddLine(in, kNowhere, "Time: %s UTC", UtcText(nanoseconds / kPerSecond - (rest < 0), fraction, fraction % 1000 == 0 ? 6 : 9));
 }
 
 }  // namespace
@@ -281,7 +274,7 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
   if (!view || !view->context || !view->tree || !record) return 0;
   DecodeContext* context = view->context;
   PacketState& packet = context->packet;
-  packet = PacketState{};
+  std::construct_at(&packet);   // in place: nothing is copied
   packet.frame = record;
   packet.userParam1 = userParam1;
   packet.userParam2 = userParam2;
@@ -318,10 +311,10 @@ int32_t DecodeFrame(View* view, const FrameRecord* record, uint32_t userParam1, 
     context->silent = silent;
     return handled;
   }
-  ExpandTree(view);
+  if (!view->isWritten) ExpandTree(view);
   view->tree->ScrollToTop();
   view->tree->HoldRedraw(false);
-  RestoreSelection(view);
+  if (!view->isWritten) RestoreSelection(view);
   return handled;
 }
 

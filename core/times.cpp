@@ -1,27 +1,54 @@
 #include "core/times.h"
 
 #include "core/civil_date.h"
+#include "core/digits.h"
 
 namespace qxview {
 namespace {
 
 int32_t WriteNotSet(const DeferredText&, char* out, int32_t size) { return FormatInto(out, size, "Not set"); }
 
-int32_t WriteSecond(int64_t second, char* out, int32_t size) {
-  const CivilTime time = TimeOfSecond(second);
-  return FormatInto(out, size, "%.04u-%.02u-%.02u %.02u:%.02u:%.02u", static_cast<uint32_t>(time.year), time.month, time.day,
-                    time.hour, time.minute, time.second);
+char* PutPair(char* to, char before, uint32_t below100) {
+  *to = before;
+  std::memcpy(to + 1, kDigitPairs.decimal + 2 * below100, 2);
+  return to + 3;
 }
 
-// A second with the first digits of its nanoseconds.
+char* PutSecond(char* to, int64_t second) {
+  const CivilTime time = TimeOfSecond(second);
+  const uint32_t year = static_cast<uint32_t>(time.year);
+  if (year < 10000) [[likely]] {
+    std::memcpy(to, kDigitPairs.decimal + 2 * (year / 100), 2);
+    std::memcpy(to + 2, kDigitPairs.decimal + 2 * (year % 100), 2);
+    to += 4;
+  } else {
+    to = PutDigits(to, year);
+  }
+  to = PutPair(PutPair(to, '-', time.month), '-', time.day);
+  return PutPair(PutPair(PutPair(to, ' ', time.hour), ':', time.minute), ':', time.second);
+}
+
+// A second with the first digits of its nanoseconds. Written aside, as there may be less room.
 int32_t WriteUtc(const DeferredText& text, char* out, int32_t size) {
+  constexpr int32_t kMostDigits = 9;
   const auto& time = static_cast<const TimeText&>(text);
-  const int32_t used = WriteSecond(time.time, out, size);
-  if (time.digits < 1) return used;
-  char fraction[16];
-  FormatInto(fraction, sizeof fraction, ".%.09u", time.nanoseconds);
-  fraction[1 + (time.digits > 9 ? 9 : time.digits)] = 0;
-  return used + FormatInto(out + used, size - used, "%s", static_cast<const char*>(fraction));
+  char made[48];
+  char* at = PutSecond(made, time.time);
+  if (time.digits > 0) {
+    *at = '.';
+    uint32_t scale = 1000000000, left = time.nanoseconds % scale;
+    for (int32_t i = 1; i <= kMostDigits; i += 3) {
+      scale /= 1000;
+      std::memcpy(at + i, kDigitPairs.triples[left / scale], 3);
+      left %= scale;
+    }
+    at += 1 + (time.digits > kMostDigits ? kMostDigits : time.digits);
+  }
+  *at = 0;
+  const int32_t length = static_cast<int32_t>(at - made);
+  if (length >= size) return FormatInto(out, size, "%s", static_cast<const char*>(made));
+  std::memcpy(out, made, static_cast<size_t>(length) + 1);
+  return length;
 }
 
 int32_t WriteDos(const DeferredText& text, char* out, int32_t size) {
