@@ -1,5 +1,7 @@
 #include "core/bounded_text.h"
 
+#include <cstring>
+
 #include "core/digits.h"
 
 namespace qxview {
@@ -115,36 +117,40 @@ int32_t FormatEightByteAddress(const uint8_t* address, char* out) {
 }
 
 int32_t FormatIPv6(const uint8_t* address, char* out) {
-  uint32_t groups[8];
-  for (int32_t i = 0; i < 8; ++i) groups[i] = static_cast<uint32_t>(address[2 * i] << 8 | address[2 * i + 1]);
-  int32_t gapAt = -1, gapLength = 1;   // the longest run of two or more zero groups, the first of equals
-  for (int32_t i = 0; i < 8;) {
-    int32_t run = 0;
-    while (i + run < 8 && groups[i + run] == 0) ++run;
-    if (run > gapLength) {
-      gapAt = i;
-      gapLength = run;
-    }
-    i += run > 0 ? run : 1;
+  uint32_t groups[8], zeros = 0;   // a bit for each group that is 0
+  for (uint32_t i = 0; i < 8; ++i) {
+    groups[i] = static_cast<uint32_t>(address[2 * i] << 8 | address[2 * i + 1]);
+    zeros |= uint32_t{groups[i] == 0} << i;
+  }
+  uint32_t gapAt = 8, gapLength = 1;   // the longest run of two or more zero groups, the first of equals
+  for (uint32_t runs = zeros & zeros >> 1; runs != 0; runs &= runs >> 1) {   // where so many stand, and then one more
+    gapAt = static_cast<uint32_t>(__builtin_ctz(runs));
+    ++gapLength;
   }
   // IPv4-mapped addresses (::ffff:0:0/96) keep their last 32 bits dotted (RFC 5952, section 5).
   const bool mapped = gapAt == 0 && gapLength == 5 && groups[5] == 0xFFFF;
+  // Each group with its colon; what is written behind a short one is written over, and the last one's colon ends the text.
+  constexpr uint16_t kLowerCase = 0x2020;
   char* at = out;
-  for (int32_t i = 0; i < 8;) {
+  for (uint32_t i = 0; i < 8; ++i) {
     if (i == gapAt) {
+      if (i == 0) *at++ = ':';
       *at++ = ':';
-      *at++ = ':';
-      i += gapLength;
+      i += gapLength - 1;
       continue;
     }
-    if (i > 0 && at[-1] != ':') *at++ = ':';
     if (mapped && i == 6) return static_cast<int32_t>(at - out) + FormatIPv4(address + 12, at);
-    char digits[8];
-    char* const end = digits + sizeof digits;
-    char* first = WriteHex(end, groups[i], kHexLower);
-    while (first < end) *at++ = *first++;
-    ++i;
+    const uint32_t bits = 32 - static_cast<uint32_t>(__builtin_clz(groups[i] | 1)), digits = (bits + 3) / 4;
+    const uint32_t shifted = groups[i] << 4 * (4 - digits);
+    uint16_t pairs[2];
+    std::memcpy(pairs, kHexPairs + 2 * (shifted >> 8 & 0xFF), 2);
+    std::memcpy(pairs + 1, kHexPairs + 2 * (shifted & 0xFF), 2);
+    for (uint16_t& pair : pairs) pair |= kLowerCase;
+    std::memcpy(at, pairs, sizeof pairs);
+    at[digits] = ':';
+    at += digits + 1;
   }
+  if (gapAt + gapLength != 8) --at;
   *at = 0;
   return static_cast<int32_t>(at - out);
 }
