@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "core/text_scan.h"
 #include "decoders/common/line_text.h"
 
 namespace qxview {
@@ -96,6 +97,7 @@ int32_t DecimalOf(const Field& field) {
 LineHandle AddTextLine(const Place& in, const Field& whole, const char* label, const Field& text) {
   if (!whole.here || !text.here) return 0;
   if (Silent(in)) return AddLine(in, whole, "%s", label);
+  if (text.length < kLineSize && CountPlain(CursorOver(text)) == text.length) return AddLine(in, whole, "%s: %s", label, Text(text));
   char value[kLineSize];
   LineText(value, sizeof value).PutReadable(CursorOver(text));
   return AddLine(in, whole, "%s: %s", label, static_cast<const char*>(value));

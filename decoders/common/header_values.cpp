@@ -2,13 +2,16 @@
 
 #include <cstring>
 
+#include "core/text_scan.h"
 #include "decoders/common/header_lines.h"
 
 namespace qxview {
 
 int32_t LengthUpTo(const Field& text, const char* ends) {
   bool quoted = false, inBrackets = false;
-  for (int32_t at = 0; at < text.length; ++at) {
+  char wanted[16] = "\"\\<>";
+  std::strncpy(wanted + 4, ends, sizeof wanted - 5);
+  for (int32_t at = FindAny(text, 0, wanted); at < text.length; at = FindAny(text, at + 1, wanted)) {
     const uint8_t c = PeekU8(text, at);
     if (quoted && c == '\\') {
       ++at;

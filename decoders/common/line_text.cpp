@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/characters.h"
+#include "core/text_scan.h"
 
 namespace qxview {
 namespace {
@@ -17,7 +18,7 @@ Field TakeCharacter(Cursor& c, Utf8Character* character) {
 }
 
 bool IsText(Cursor c) {
-  while (Left(c) > 0) {
+  for (TakeBytes(c, CountPlain(c)); Left(c) > 0; TakeBytes(c, CountPlain(c))) {
     Utf8Character character;
     TakeCharacter(c, &character);
     const uint32_t code = character.code;
@@ -43,10 +44,26 @@ void LineText::PutBytes(const char* bytes, int32_t count) {
   out_[used_] = 0;
 }
 
+void LineText::PutRun(const char* characters, int32_t count) {
+  const int32_t fitting = full_ || count <= room_ - used_ ? count : room_ - used_;
+  PutBytes(characters, fitting);
+  if (fitting < count) PutBytes(characters + fitting, 1);
+}
+
 void LineText::Put(const char* text) { PutBytes(text, static_cast<int32_t>(std::strlen(text))); }
 
 void LineText::PutCharacters(const Cursor& octets, const char* escaped) {
   for (Cursor c = octets; Left(c) > 0 && !full_;) {
+    int32_t count = CountPlain(c);
+    if (escaped[0]) {
+      for (int32_t i = 0; i < count; ++i) {
+        if (std::strchr(escaped, static_cast<char>(PeekU8(c, i)))) count = i;
+      }
+    }
+    if (count > 0) {
+      PutRun(reinterpret_cast<const char*>(TakeBytes(c, count).bytes), count);
+      continue;
+    }
     Utf8Character character;
     Cursor own = CursorOver(TakeCharacter(c, &character));
     const char place = static_cast<char>(PlaceOf(character.code));
@@ -60,6 +77,10 @@ void LineText::PutCharacters(const Cursor& octets, const char* escaped) {
 
 void LineText::PutReadable(const Cursor& octets) {
   for (Cursor c = octets; Left(c) > 0 && !full_;) {
+    if (const Field plain = TakeBytes(c, CountPlain(c)); plain.length > 0) {
+      PutRun(reinterpret_cast<const char*>(plain.bytes), plain.length);
+      continue;
+    }
     Utf8Character character;
     const Field own = TakeCharacter(c, &character);
     if (character.octets) {

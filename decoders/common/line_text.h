@@ -33,7 +33,8 @@ class LineText {
   }
 
  private:
-  void PutBytes(const char* bytes, int32_t count);
+  void PutBytes(const char* bytes, int32_t count);             // all or none
+  void PutRun(const char* characters, int32_t count);          // as if one by one
 
   char* out_;
   int32_t room_;
