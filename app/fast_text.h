@@ -47,13 +47,6 @@ inline const EscapeTable kTerminalForms = MakeForms([](uint8_t c, char* bytes) -
   return 4;
 });
 
-// The same for lines with their line feeds.
-inline const EscapeTable kLineForms = [] {
-  EscapeTable table = kTerminalForms;
-  table.forms[uint8_t{'\n'}] = {{'\n'}, 1};
-  return table;
-}();
-
 // For JSON: quotation marks and controls escaped.
 inline const EscapeTable kJsonForms = MakeForms([](uint8_t c, char* bytes) -> uint8_t {
   if (c == '"' || c == '\\') {
@@ -115,35 +108,6 @@ inline char* PutEscaped(char* to, std::string_view text) {
     for (size_t i = 0; i < 4; ++i) to = PutForm(to, table, at[i]);
   }
   while (at < end) to = PutForm(to, table, *at++);
-  return to;
-}
-
-// The same for lines with their line feeds that have no other controls below 20, for terminals. `to` has room for
-// kLongestOfLegible times the text, and kWrittenAhead.
-constexpr size_t kLongestOfLegible = 4;
-inline char* PutLegible(char* to, std::string_view text) {
-  const char* at = text.data();
-  const char* const end = at + text.size();
-#ifdef __SSE2__
-  constexpr size_t kTogether = 8;   // in a dump's row others follow here and there
-  const __m128i del = _mm_set1_epi8(0x7F);
-  while (end - at > static_cast<ptrdiff_t>(16 + kTogether)) {
-    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), c);
-    const uint32_t other = static_cast<uint32_t>(_mm_movemask_epi8(_mm_or_si128(c, _mm_cmpeq_epi8(c, del))));
-    if (other == 0) [[likely]] {   // as a branch, so that the next ones need not wait
-      at += 16;
-      to += 16;
-      continue;
-    }
-    const uint32_t plain = static_cast<uint32_t>(__builtin_ctz(other));
-    at += plain;
-    to += plain;
-    for (size_t i = 0; i < kTogether; ++i) to = PutForm(to, kLineForms, at[i]);
-    at += kTogether;
-  }
-#endif
-  while (at < end) to = PutForm(to, kLineForms, *at++);
   return to;
 }
 

@@ -5,6 +5,7 @@
 
 #include "app/colors.h"
 #include "app/fast_text.h"
+#include "app/printed_lines.h"
 #include "core/frame_rows.h"
 #include "core/line_facts.h"
 #include "core/safe_text.h"
@@ -111,25 +112,29 @@ void PutLine(Output& out, Session& session, LineHandle line, int32_t depth, cons
   out.Put('\n');
 }
 
-void PutLegibleLines(Output& out, std::string_view lines) {
+// Lines that stand as they are printed but for some characters; false, with nothing written, where they hold more controls than
+// their line feeds.
+bool PutLines(Output& out, std::string_view lines, size_t count) {
+  if (CountOthersQuickly(lines.data(), lines.size()) == count) return out.Put(lines), true;
+  if (CountControls(lines.data(), lines.size()) != count) return false;
   constexpr size_t kPiece = 8192;
   for (; !lines.empty(); lines.remove_prefix(std::min(kPiece, lines.size()))) {
     out.Took(PutLegible(out.Room(kLongestOfLegible * kPiece + kWrittenAhead), lines.substr(0, kPiece)));
   }
+  return true;
 }
 
 // What nearly all trees are: runs of lines as they stand there, and between them those that are changed or escaped.
 void WriteInOrder(Output& out, Session& session, const TreeStyle& style) {
   const ArenaTree& tree = session.Tree();
   for (LineHandle line = tree.FirstChild(0); line;) {
-    out.Put(tree.PrintedFrom(&line));
-    if (!line) return;
-    if (const std::string_view legible = tree.LegibleFrom(&line); !legible.empty()) {
-      PutLegibleLines(out, legible);
-      continue;
-    }
-    PutLine(out, session, line, tree.DepthOf(line), style);
-    line = tree.Holds(line + 1) ? line + 1 : 0;
+    const LineHandle first = line;
+    const std::string_view lines = tree.PrintedFrom(&line);
+    const LineHandle behind = line ? line : tree.LineCount() + 1;
+    if (behind > first && PutLines(out, lines, behind - first)) continue;
+    const LineHandle last = behind > first ? behind - 1 : first;
+    for (LineHandle one = first; one <= last; ++one) PutLine(out, session, one, tree.DepthOf(one), style);
+    line = tree.Holds(last + 1) ? last + 1 : 0;
   }
 }
 

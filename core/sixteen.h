@@ -72,23 +72,6 @@ inline size_t CountControls(const char* text, size_t length) {
 #endif
 }
 
-// Whether none is. Up to sixteen characters behind the text must be there.
-inline bool IsPrintableText(const char* text, size_t length) {
-#ifdef __SSE2__
-  const __m128i one = _mm_set1_epi8(1), blank = _mm_set1_epi8(0x20);
-  const auto printable = [&](const char* at) {
-    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-    return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpgt_epi8(_mm_add_epi8(c, one), blank)));
-  };
-  for (; length >= kSixteen; length -= kSixteen, text += kSixteen) {
-    if (printable(text) != 0xFFFF) return false;
-  }
-  return (~printable(text) & ((1u << length) - 1)) == 0;
-#else
-  return CountOthers(text, length) == 0;
-#endif
-}
-
 // Copies sixteen characters with a full stop for controls below 20, to where sixteen have room.
 inline void CopyShownSixteen(char* to, const uint8_t* from) {
 #ifdef __SSE2__

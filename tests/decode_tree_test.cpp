@@ -1,5 +1,4 @@
 // The decode tree itself, whatever stands behind it: what decoders, user libraries and the view ask of it.
-#include <algorithm>
 #include <cstring>
 #include <random>
 
@@ -161,14 +160,9 @@ std::string PrintedByWalk(const ArenaTree& tree, LineHandle parent = 0, int dept
 bool PrintRuns(const ArenaTree& tree, std::string* out, size_t* others) {
   if (!tree.IsInOrder()) return false;
   for (LineHandle line = tree.FirstChild(0); line;) {
-    out->append(tree.PrintedFrom(&line));
-    if (!line) break;
-    const LineHandle start = line;
-    if (const std::string_view legible = tree.LegibleFrom(&line); !legible.empty()) {
-      const LineHandle behind = line ? line : tree.LineCount() + 1;
-      const auto controls = std::count_if(legible.begin(), legible.end(), [](char c) { return static_cast<uint8_t>(c) < ' '; });
-      EXPECT_EQ(static_cast<LineHandle>(controls), behind - start) << "the line feeds";
-      out->append(legible);
+    const std::string_view lines = tree.PrintedFrom(&line);
+    if (!lines.empty()) {
+      out->append(lines);
       continue;
     }
     out->append(static_cast<size_t>(2 * tree.DepthOf(line)), ' ').append(tree.TextOf(line)).push_back('\n');

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <random>
 
-#include "app/fast_text.h"
+#include "app/printed_lines.h"
 #include "core/bits.h"
 #include "core/bounded_text.h"
 #include "core/levels.h"
@@ -193,8 +193,8 @@ TEST(Sixteen, CountsAndCopiesTextsOfEveryLength) {
       }
       std::memset(text + length, '\n', kSixteen);
       EXPECT_EQ(CountOthers(text, length), others) << length;
+      EXPECT_EQ(CountOthersQuickly(text, length), others) << length;
       EXPECT_EQ(CountControls(text, length), controls) << length;
-      EXPECT_EQ(IsPrintableText(text, length), others == 0) << length;
     }
     std::memset(text, '\n', length);
     EXPECT_EQ(CountOthers(text, length), length);
@@ -228,7 +228,9 @@ TEST(Sixteen, WritesLinesTogetherAsOneByOne) {
     char* const text = reinterpret_cast<char*>(memory.Room(lines.size()));
     std::copy(lines.begin(), lines.end(), text);
     std::vector<char> out(kLongestOfLegible * lines.size() + kWrittenAhead);
-    EXPECT_EQ(std::string(out.data(), PutLegible(out.data(), {text, lines.size()})), wanted);
+    for (const auto put : {PutLegible, PutLegibleBySixteen}) {
+      EXPECT_EQ(std::string(out.data(), put(out.data(), {text, lines.size()})), wanted);
+    }
   }
 }
 

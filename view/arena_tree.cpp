@@ -4,10 +4,6 @@
 #include <cstring>
 
 #include "core/digits.h"
-#include "core/sixteen.h"
-#ifdef __SSE2__
-#include <immintrin.h>
-#endif
 
 namespace qxview {
 namespace {
@@ -28,35 +24,6 @@ bool Grow(T*& elements, uint32_t& capacity, uint64_t wanted, uint32_t first) {
   capacity = grown;
   return true;
 }
-
-// CountOthers, thirty-two characters at once where the processor has that.
-#if defined(__SSE2__) && defined(__GNUC__)
-[[gnu::target("avx2")]] size_t CountOthersWide(const char* text, size_t length) {
-  constexpr size_t kStep = 32, kMostSteps = 252;   // that a byte counts, in steps of four
-  const __m256i one = _mm256_set1_epi8(1), blank = _mm256_set1_epi8(0x20), zero = _mm256_setzero_si256();
-  size_t others = 0;
-  while (length >= 4 * kStep) {
-    const size_t steps = length / kStep < kMostSteps ? length / (4 * kStep) * 4 : kMostSteps;
-    __m256i printable = zero;
-    for (const char* const end = text + steps * kStep; text != end; text += 4 * kStep) {
-      for (size_t i = 0; i < 4; ++i) {
-        const __m256i c = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + i * kStep));
-        printable = _mm256_sub_epi8(printable, _mm256_cmpgt_epi8(_mm256_add_epi8(c, one), blank));
-      }
-    }
-    const __m256i sums = _mm256_sad_epu8(printable, zero);
-    const __m128i half = _mm_add_epi64(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
-    others += steps * kStep - static_cast<size_t>(_mm_cvtsi128_si32(half)) - static_cast<size_t>(_mm_extract_epi16(half, 4));
-    length -= steps * kStep;
-  }
-  return others + CountOthers(text, length);
-}
-size_t CountOthersQuickly(const char* text, size_t length) {
-  return __builtin_cpu_supports("avx2") ? CountOthersWide(text, length) : CountOthers(text, length);
-}
-#else
-size_t CountOthersQuickly(const char* text, size_t length) { return CountOthers(text, length); }
-#endif
 
 template <class T>
 void Shrink(T*& elements, uint32_t& capacity, uint32_t kept) {
@@ -191,7 +158,7 @@ char* ArenaTree::Retext(LineHandle handle, uint32_t wanted, uint32_t kept) {
     if (kept && !atEnd) CopyShort(edits + offset, PlaceOf(line), kept);
     line.edited = offset;
     line.editedRoom = room;
-    line.flags = static_cast<uint8_t>((line.flags & ~(kIsPrinted | kIsLegible)) | kIsEdited);
+    line.flags = static_cast<uint8_t>((line.flags & ~kIsPrinted) | kIsEdited);
     areAllPrinted = false;
     editsUsed_ = offset + room;
   }
@@ -216,50 +183,19 @@ bool ArenaTree::AppendText(LineHandle line, const char* given, int32_t length, i
   return true;
 }
 
-// Some lines at once: beside their line feeds there is nothing else, or they are looked at one by one.
-void ArenaTree::LookAtTexts() const {
-  constexpr uint32_t kLinesAtOnce = 32;
-  while (lookedAt < count) {
-    const uint32_t first = lookedAt + 1, behind = count - lookedAt > kLinesAtOnce ? first + kLinesAtOnce : count + 1;
-    const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
-    lookedAt = behind - 1;
-    if (CountOthersQuickly(text + start, end - start) == behind - first) continue;
-    areAllPrinted = false;
-    // Where no line has controls they are legible together, so that they are written together.
-    const bool areLegible = CountControls(text + start, end - start) == behind - first;
-    for (uint32_t line = first; line < behind; ++line) {
-      Line& at = lines[line];
-      if (!(at.flags & kIsPrinted) || (!areLegible && IsPrintableText(text + at.made, at.length))) continue;
-      const bool isLegible = areLegible || CountControls(text + at.made, at.length) == 0;
-      at.flags = static_cast<uint8_t>((at.flags & ~kIsPrinted) | (isLegible ? kIsLegible : 0));
-    }
-  }
-}
-
-std::string_view ArenaTree::Run(LineHandle first, LineHandle behind) const {
-  const uint32_t start = StartOf(lines[first]), end = behind <= count ? StartOf(lines[behind]) : textUsed;
-  return {text + start, end - start};
-}
-
 std::string_view ArenaTree::PrintedFrom(LineHandle* line) const {
-  if (lookedAt < count) LookAtTexts();
-  const LineHandle first = *line;
-  LineHandle at = areAllPrinted ? count + 1 : first;
-  for (; at + 4 <= count; at += 4) {
+  constexpr LineHandle kLinesAtOnce = 32;
+  const LineHandle first = *line, behind = count - first < kLinesAtOnce ? count + 1 : first + kLinesAtOnce;
+  LineHandle at = areAllPrinted ? behind : first;
+  for (; at + 4 <= behind; at += 4) {
     const Line* const next = lines + at;
     if (!(next[0].flags & next[1].flags & next[2].flags & next[3].flags & kIsPrinted)) break;
   }
-  while (at <= count && lines[at].flags & kIsPrinted) ++at;
+  while (at < behind && lines[at].flags & kIsPrinted) ++at;
   *line = at <= count ? at : 0;
-  return at == first ? std::string_view() : Run(first, at);
-}
-
-std::string_view ArenaTree::LegibleFrom(LineHandle* line) const {
-  const LineHandle first = *line;
-  LineHandle at = first;
-  while (at <= count && lines[at].flags & kIsLegible) ++at;
-  *line = at <= count ? at : 0;
-  return at == first ? std::string_view() : Run(first, at);
+  if (at == first) return {};
+  const uint32_t start = StartOf(lines[first]), end = at <= count ? StartOf(lines[at]) : textUsed;
+  return {text + start, end - start};
 }
 
 void ArenaTree::SetRangeIndex(LineHandle line, uint32_t index) {
@@ -290,7 +226,7 @@ void ArenaTree::GiveBack() {
 
 void ArenaTree::Clear() {
   if (capacity > kKeptLines || linksCapacity_ > kKeptLines || textCapacity > kKeptText || editsCapacity_ > kKeptText) GiveBack();
-  count = textUsed = editsUsed_ = lookedAt = 0;
+  count = textUsed = editsUsed_ = 0;
   stepped_ = 0;
   if (lines) lines[0] = Line{};
   isInOrder = areAllPrinted = true;

@@ -46,12 +46,10 @@ class ArenaTree final : public DecodeTree, private LineStore {
   int32_t DepthOf(LineHandle line) const { return lines[line].depth - 1; }
   // Whether the lines are shown in the order of their handles, none of them deleted.
   bool IsInOrder() const { return isInOrder; }
-  // Of a tree in order: the lines from *line on as they are printed, up to the first that something else has to be done for (its
-  // text was changed or holds more than printable ASCII, or it stands very deep), which *line is then; 0 at the end.
+  // Of a tree in order: some lines from *line on as they stand one behind the other, with blanks and line feeds, up to the first
+  // that was changed or stands very deep; none where that is the first. *line is the one behind them then, 0 at the end. Sixteen
+  // bytes behind the text may be read.
   std::string_view PrintedFrom(LineHandle* line) const;
-  // The same, where PrintedFrom stopped, up to the first line that is as printed or has controls below 20: other characters than
-  // ASCII and 7F are still to be written in their own way.
-  std::string_view LegibleFrom(LineHandle* line) const;
 
  private:
   friend struct LineStore;
@@ -64,8 +62,6 @@ class ArenaTree final : public DecodeTree, private LineStore {
   static uint32_t StartOf(const Line& line) { return line.made - BlanksUnder(line.depth - 1u); }
   bool Link() const;
   void LinkLine(uint32_t line) const;
-  void LookAtTexts() const;
-  std::string_view Run(LineHandle first, LineHandle behind) const;   // as they stand there
   char* Retext(LineHandle line, uint32_t wanted, uint32_t kept);
   void GiveBack();
 

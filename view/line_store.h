@@ -25,10 +25,9 @@ struct LineStore {
     uint32_t unused;               // a power of two
   };
   static_assert(sizeof(Line) == 32);
-  static constexpr uint8_t kIsPrinted = 1;                      // no deeper than is printed; texts are looked at when they are
+  static constexpr uint8_t kIsPrinted = 1;                      // stands as it is printed: not deep, not edited
   static constexpr uint8_t kIsEdited = 2;                       // the text stands in `edits`
   static constexpr uint8_t kIsExpanded = 4, kIsCollapsed = 8;   // was told so by itself
-  static constexpr uint8_t kIsLegible = 16;                     // is printed but for its characters: none is a control below 20
   static constexpr uint32_t kDeepestPrinted = 16;   // lines below that stand without blanks
   static constexpr uint16_t kMostDepth = 0xFFFF;
   // Beside a line's text: its blanks, its line feed, and whole steps of sixteen behind it.
@@ -41,8 +40,7 @@ struct LineStore {
   uint32_t textUsed = 0, textCapacity = 0;
   char* edits = nullptr;                // texts that were changed
   bool isInOrder = true;                // the lines are shown in the order of their handles, none of them deleted
-  mutable bool areAllPrinted = true;    // no line is deep or edited, nor was one of other text than printable ASCII found
-  mutable uint32_t lookedAt = 0;        // up to this line, texts that are no printable ASCII are told by their flags
+  bool areAllPrinted = true;            // no line is deep or edited
   mutable bool isLinked = false;        // the tree keeps links, which every further line needs
   mutable bool wasShort = false;  // some text or line found no memory, ever
 
@@ -122,10 +120,8 @@ struct LineStore {
   void Lengthen(uint32_t length) {
     Line& line = lines[count];
     line.length = length;
-    line.flags = static_cast<uint8_t>((line.flags & ~(kIsPrinted | kIsLegible)) | FirstFlags(line.depth - 1u));
     textUsed = line.made + length + 1;
     text[textUsed - 1] = '\n';
-    if (lookedAt >= count) lookedAt = count - 1;
   }
 
   bool HasRoom(uint32_t more, uint64_t size) const { return count + more < capacity && textUsed + size + kBeside <= textCapacity; }
