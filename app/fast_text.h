@@ -78,13 +78,14 @@ inline char* PutEscaped(char* to, std::string_view text) {
   const char* const end = at + text.size();
 #ifdef __SSE2__
   // Sixteen at once; of those that are not all plain the ones in front are good, and the loop goes on behind the first other.
-  const __m128i blank = _mm_set1_epi8(0x20), del = _mm_set1_epi8(0x7F), quote = _mm_set1_epi8('"'), slash = _mm_set1_epi8('\\');
+  // One more than a plain character is above 20, with a sign.
+  const __m128i one = _mm_set1_epi8(1), blank = _mm_set1_epi8(0x20), quote = _mm_set1_epi8('"'), slash = _mm_set1_epi8('\\');
   while (readsAhead ? at < end : end - at >= 16) {
     const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), c);
-    __m128i other = _mm_or_si128(_mm_cmplt_epi8(c, blank), _mm_cmpeq_epi8(c, del));   // from 80 on is below zero
-    if (kIsJson) other = _mm_or_si128(other, _mm_or_si128(_mm_cmpeq_epi8(c, quote), _mm_cmpeq_epi8(c, slash)));
-    uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(other));
+    __m128i isPlain = _mm_cmpgt_epi8(_mm_add_epi8(c, one), blank);
+    if (kIsJson) isPlain = _mm_andnot_si128(_mm_or_si128(_mm_cmpeq_epi8(c, quote), _mm_cmpeq_epi8(c, slash)), isPlain);
+    uint32_t mask = static_cast<uint32_t>(_mm_movemask_epi8(isPlain)) ^ 0xFFFF;
     if (readsAhead && end - at < 16) {
       const uint32_t left = static_cast<uint32_t>(end - at);
       mask &= (1u << left) - 1;

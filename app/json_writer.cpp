@@ -70,35 +70,35 @@ void PutUtf8String(Output& out, std::string_view text) {
   out.Put('"');
 }
 
-// Where bytes stood that earlier packets brought.
-void PutOrigin(Output& out, const OwnRange& own, const BytePiece* earlier, int32_t mostEarlier) {
-  const int32_t count = own.earlierCount < mostEarlier ? own.earlierCount : mostEarlier;
-  for (int32_t i = 0; i < count; ++i) {
-    out.Put(i == 0 ? ",\"from\":[{\"packet\":" : ",{\"packet\":");
-    PutNumber(out, earlier[i].packet);
-    out.Put(",\"offset\":");
-    PutNumber(out, earlier[i].offset);
-    out.Put(",\"length\":");
-    PutNumber(out, earlier[i].length);
-    out.Put('}');
-  }
-  if (count > 0) out.Put(']');
-}
-
 constexpr int32_t kMostEarlier = 64;   // pieces of a line: the others are those of the lines under it
+
+constexpr size_t kMostOrigin = 100 * kMostEarlier;
+
+// Where a line's bytes stand, and those that earlier packets brought.
+struct LineOrigin {
+  OwnRange own;
+  BytePiece earlier[kMostEarlier];
+
+  void Find(const DecodeContext& context, ByteRange stored) {
+    own = IsInRegion(stored) ? FindOwnRange(&context, stored, earlier, kMostEarlier) : OwnRange{stored, 0};
+  }
+  int32_t Count() const { return own.earlierCount < kMostEarlier ? own.earlierCount : kMostEarlier; }
+  char* Put(char* at) const {
+    for (int32_t i = 0; i < Count(); ++i) {
+      at = PutSigned(PutLiteral(at, i == 0 ? ",\"from\":[{\"packet\":" : ",{\"packet\":"), earlier[i].packet);
+      at = PutSigned(PutLiteral(at, ",\"offset\":"), earlier[i].offset);
+      at = PutSigned(PutLiteral(at, ",\"length\":"), earlier[i].length);
+      *at++ = '}';
+    }
+    if (Count() > 0) *at++ = ']';
+    return at;
+  }
+};
 
 constexpr char kDerived[] = ",\"derived\":true";
 
 bool IsDerivedLine(const DecodeContext& context, uint32_t rangeIndex) {
   return context.derivedCount > 0 && IsDerived(&context, rangeIndex);
-}
-
-// What is said of few lines: that their bytes stood elsewhere.
-void PutElsewhere(Output& out, const DecodeContext& context, uint32_t rangeIndex, ByteRange stored) {
-  if (IsDerivedLine(context, rangeIndex)) out.Put(kDerived);
-  if (!IsInRegion(stored)) return;
-  BytePiece earlier[kMostEarlier];
-  PutOrigin(out, FindOwnRange(&context, stored, earlier, kMostEarlier), earlier, kMostEarlier);
 }
 
 // What a line's kind and image are written as; those of nearly all lines stand ready.
@@ -132,8 +132,7 @@ ByteRange StoredRangeOf(const DecodeContext& context, uint32_t rangeIndex) {
 // Text, range and looks of a line, and what they take at most beside the text, with what closes the line.
 constexpr size_t kBesideText = kWrittenAhead + 256;
 
-char* PutPlainHead(char* at, std::string_view text, ByteRange range, int32_t image) {
-  at = PutEscaped<true, true>(PutLiteral(at, "{\"text\":\""), text);
+[[gnu::always_inline]] inline char* PutRangeAndLooks(char* at, ByteRange range, int32_t image) {
   at = PutSigned(PutLiteral(at, "\",\"offset\":"), RangeOffset(range));
   at = PutDecimal(PutLiteral(at, ",\"length\":"), RangeLength(range));
   const int32_t kind = RangeKind(range);
@@ -144,26 +143,41 @@ char* PutPlainHead(char* at, std::string_view text, ByteRange range, int32_t ima
   return at + looks.length;
 }
 
+constexpr std::string_view kTextMember = "{\"text\":\"";
+
+char* PutHead(char* at, std::string_view text, ByteRange range, int32_t image) {
+  return PutRangeAndLooks(PutEscaped<true, true>(PutLiteral(at, kTextMember), text), range, image);
+}
+
+void PutJsonPieces(Output& out, std::string_view text) {
+  constexpr size_t kPiece = 4096;
+  for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
+    out.Took(PutEscaped<true>(out.Room(kLongestEscape * kPiece + kWrittenAhead), text.substr(0, kPiece)));
+  }
+}
+
 // A line up to where its end or the lines under it come.
 void PutLineHead(Output& out, Session& session, LineHandle line, bool withKeys) {
   const ArenaTree& tree = session.Tree();
   const DecodeContext& context = session.Context();
   const uint32_t rangeIndex = tree.RangeIndex(line);
-  const ByteRange stored = StoredRangeOf(context, rangeIndex), range = RangeInFrame(&context, stored);
+  LineOrigin origin;
+  origin.Find(context, StoredRangeOf(context, rangeIndex));
   const std::string_view text = tree.TextOf(line);
   if (const size_t room = kLongestEscape * text.size() + kBesideText; room <= Output::kMostRoom) {
-    out.Took(PutPlainHead(out.Room(room), text, range, tree.Image(line)));
+    out.Took(PutHead(out.Room(room), text, origin.own.range, tree.Image(line)));
   } else {
-    char numbers[kBesideText];
-    out.Put("{\"text\":");
-    PutJsonText(out, text);
-    char* at = PutSigned(PutLiteral(numbers, ",\"offset\":"), RangeOffset(range));
-    at = PutDecimal(PutLiteral(at, ",\"length\":"), RangeLength(range));
-    at = PutLooks(at, RangeKind(range), tree.Image(line));
-    out.Put({numbers, static_cast<size_t>(at - numbers)});
+    out.Put(kTextMember);
+    PutJsonPieces(out, text);
+    out.Took(PutRangeAndLooks(out.Room(kBesideText), origin.own.range, tree.Image(line)));
   }
-  PutElsewhere(out, context, rangeIndex, stored);
+  if (IsDerivedLine(context, rangeIndex)) out.Put(kDerived);
+  out.Took(origin.Put(out.Room(kMostOrigin)));
   if (withKeys) PutFact(out, context, rangeIndex);
+}
+
+size_t RoomFor(std::string_view text, int32_t ends) {
+  return kLongestEscape * text.size() + kBesideText + 2 * static_cast<size_t>(ends > 0 ? ends : 0);
 }
 
 // What stands between a line and the next one: `ends` lines above it end with it, or the next one is under it (-1).
@@ -173,6 +187,26 @@ char* PutBetween(char* at, int32_t ends, bool isLast) {
   for (; ends > 0; --ends) at = PutLiteral(at, "]}");
   if (!isLast) *at++ = ',';
   return at;
+}
+
+// A line that few are like: with its key, very long, or of bytes of a region.
+[[gnu::noinline]] void PutOtherLine(Output& out, Session& session, LineHandle line, bool withKeys, int32_t ends, bool isLast) {
+  const ArenaTree& tree = session.Tree();
+  const DecodeContext& context = session.Context();
+  const std::string_view text = tree.TextOf(line);
+  const size_t room = RoomFor(text, ends) + kMostOrigin;
+  if (withKeys || room > Output::kMostRoom) {
+    PutLineHead(out, session, line, withKeys);
+    for (int32_t left = ends; left >= 0; --left) out.Put(left > 0 ? "}]" : "}");
+    if (!isLast) out.Put(ends < 0 ? ",\"lines\":[" : ",");
+    return;
+  }
+  const uint32_t rangeIndex = tree.RangeIndex(line);
+  LineOrigin origin;
+  origin.Find(context, StoredRangeOf(context, rangeIndex));
+  char* at = PutHead(out.Room(room), text, origin.own.range, tree.Image(line));
+  if (IsDerivedLine(context, rangeIndex)) at = PutLiteral(at, kDerived);
+  out.Took(PutBetween(origin.Put(at), ends, isLast));
 }
 
 // A tree whose lines come as they are shown: what is under a line is told by their depths.
@@ -188,16 +222,14 @@ void PutLinesInOrder(Output& out, Session& session, bool withKeys) {
     const std::string_view text = tree.TextOf(line);
     const uint32_t rangeIndex = tree.RangeIndex(line);
     const ByteRange stored = StoredRangeOf(context, rangeIndex);
-    const size_t room = kLongestEscape * text.size() + kBesideText + 2 * static_cast<size_t>(ends > 0 ? ends : 0);
+    const size_t room = RoomFor(text, ends);
     if (withKeys || IsInRegion(stored) || room > Output::kMostRoom) {
-      PutLineHead(out, session, line, withKeys);
-      for (int32_t left = ends; left >= 0; --left) out.Put(left > 0 ? "}]" : "}");
-      if (!isLast) out.Put(ends < 0 ? ",\"lines\":[" : ",");
-    } else {
-      char* at = PutPlainHead(out.Room(room), text, stored, tree.Image(line));
-      if (IsDerivedLine(context, rangeIndex)) [[unlikely]] at = PutLiteral(at, kDerived);
-      out.Took(PutBetween(at, ends, isLast));
+      PutOtherLine(out, session, line, withKeys, ends, isLast);
+      continue;
     }
+    char* at = PutHead(out.Room(room), text, stored, tree.Image(line));
+    if (IsDerivedLine(context, rangeIndex)) [[unlikely]] at = PutLiteral(at, kDerived);
+    out.Took(PutBetween(at, ends, isLast));
   }
 }
 
@@ -255,11 +287,8 @@ void PutBytes(Output& out, const FrameRecord* record) {
 }  // namespace
 
 void PutJsonText(Output& out, std::string_view text) {
-  constexpr size_t kPiece = 4096;
   out.Put('"');
-  for (; !text.empty(); text.remove_prefix(std::min(kPiece, text.size()))) {
-    out.Took(PutEscaped<true>(out.Room(kLongestEscape * kPiece + kWrittenAhead), text.substr(0, kPiece)));
-  }
+  PutJsonPieces(out, text);
   out.Put('"');
 }
 

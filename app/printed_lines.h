@@ -93,7 +93,9 @@ constexpr size_t kWide = 32;
 }
 
 inline bool HasWide() { return __builtin_cpu_supports("avx2"); }
-inline char* PutLegible(char* to, std::string_view text) { return HasWide() ? PutLegibleWide(to, text) : PutLegibleBySixteen(to, text); }
+inline char* PutLegible(char* to, std::string_view text) {
+  return HasWide() ? PutLegibleWide(to, text) : PutLegibleBySixteen(to, text);
+}
 inline size_t CountOthersQuickly(const char* text, size_t length) {
   return HasWide() ? CountOthersWide(text, length) : CountOthers(text, length);
 }
