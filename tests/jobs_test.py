@@ -162,6 +162,7 @@ class Jobs(unittest.TestCase):
         self.assertTrue(shown == expected)
 
     @unittest.skipUnless(sys.platform.startswith("linux"), "no limits")
+    @unittest.skipIf("TSAN_OPTIONS" in os.environ, "the sanitizer needs more addresses than are left")
     def test_where_no_thread_starts_one_decodes(self):
         import resource
 
